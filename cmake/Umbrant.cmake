@@ -1,0 +1,61 @@
+# Targets of the house: one static library per folder, one test program per folder and kind.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+find_package(Threads REQUIRED)
+
+# What every target of the project compiles with.
+add_library(umbrant_flags INTERFACE)
+target_include_directories(umbrant_flags INTERFACE ${CMAKE_SOURCE_DIR})
+target_compile_options(umbrant_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wcast-align)
+target_link_libraries(umbrant_flags INTERFACE Threads::Threads)
+
+# Results are fixed to the last rounding step, so no multiply-add may be fused behind the formulas' back.
+add_library(umbrant_module_flags INTERFACE)
+target_compile_options(umbrant_module_flags INTERFACE -ffp-contract=off)
+target_link_libraries(umbrant_module_flags INTERFACE umbrant_flags)
+
+# umbrant_library(target FLAGS flags [LINK libraries...])
+# A static library of every .cpp in the current folder; a folder without one becomes an interface library.
+function(umbrant_library target)
+    cmake_parse_arguments(arg "" "FLAGS" "LINK;SOURCES" ${ARGN})
+    file(GLOB sources CONFIGURE_DEPENDS *.cpp)
+    list(APPEND sources ${arg_SOURCES})
+    if(sources)
+        add_library(${target} STATIC ${sources})
+        target_link_libraries(${target} PUBLIC ${arg_FLAGS} ${arg_LINK})
+    else()
+        add_library(${target} INTERFACE)
+        target_link_libraries(${target} INTERFACE ${arg_FLAGS} ${arg_LINK})
+    endif()
+endfunction()
+
+# umbrant_tests(name LINK libraries... [GL_LINK libraries...])
+# Two programs from the current folder: <name>_test of every *_test.cpp that needs nothing (label unit) and
+# <name>_gl_test of every *_gl_test.cpp (label gl). A file's suffix is a promise about what it needs.
+function(umbrant_tests name)
+    cmake_parse_arguments(arg "" "" "LINK;GL_LINK;LABELS" ${ARGN})
+    file(GLOB all CONFIGURE_DEPENDS *_test.cpp)
+    set(gl ${all})
+    list(FILTER gl INCLUDE REGEX "_gl_test\\.cpp$")
+    set(unit ${all})
+    list(FILTER unit EXCLUDE REGEX "_gl_test\\.cpp$")
+    if(unit)
+        add_executable(${name}_test ${unit})
+        target_link_libraries(${name}_test PRIVATE ${arg_LINK} GTest::gmock_main)
+        gtest_discover_tests(${name}_test TEST_PREFIX "${name}: " DISCOVERY_MODE PRE_TEST
+                             PROPERTIES LABELS "unit;${arg_LABELS}" TIMEOUT 300)
+    endif()
+    if(gl)
+        add_executable(${name}_gl_test ${gl})
+        target_link_libraries(${name}_gl_test PRIVATE ${arg_GL_LINK} GTest::gmock_main)
+        gtest_discover_tests(${name}_gl_test TEST_PREFIX "${name} gl: " DISCOVERY_MODE PRE_TEST
+                             PROPERTIES LABELS "gl;${arg_LABELS}" TIMEOUT 600)
+    endif()
+endfunction()

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// The host's worlds: pixel buffers in the shape that effects see. Rows are padded on purpose, so that an effect that
+// assumes tight rows is caught.
+
+#include <cstddef>
+#include <memory>
+
+#include "hostapi/pixels.h"
+
+/// Bits per channel of a world.
+enum class Depth { k8 = 8, k16 = 16, k32 = 32 };
+
+/// Bytes of one pixel: 4, 8 or 16.
+int BytesPerPixel(Depth depth);
+PF_PixelFormat PixelFormatOf(Depth depth);
+
+/// The format that this host recorded in a world it made, also for a by-value copy of the record;
+/// PF_PixelFormat_INVALID for a world that is not ours.
+PF_PixelFormat PixelFormatOf(const PF_EffectWorld& world);
+/// The depth of a world that this host made. Precondition: its format is one of the three.
+Depth DepthOf(const PF_EffectWorld& world);
+
+/// A world that owns its pixels. Move-only; the record keeps its address inside the object's heap block, so pointers
+/// to `Def()` stay valid across moves.
+class World {
+ public:
+    World() = default;
+    /// Straight-alpha ARGB, `width` x `height` pixels, each at least 0 (an empty world has no data). Rows start on
+    /// 16-byte boundaries and are at least one pixel longer than the width. Pixels are zero when `clear`, otherwise filled
+    /// with a pattern that is neither transparent nor black. Null Def() (IsNull) when memory cannot be had.
+    static World Create(int width, int height, Depth depth, bool clear = true);
+
+    bool IsNull() const { return !block_; }
+    PF_EffectWorld& Def();
+    const PF_EffectWorld& Def() const;
+    int Width() const { return Def().width; }
+    int Height() const { return Def().height; }
+    Depth PixelDepth() const;
+    /// First byte of row y.
+    std::byte* Row(int y);
+    const std::byte* Row(int y) const;
+
+ private:
+    struct Block;
+    struct Deleter {
+        void operator()(Block* block) const;
+    };
+    std::unique_ptr<Block, Deleter> block_;
+};

@@ -1,0 +1,266 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// Parameter definitions: one record per panel row, tagged by `param_type`.
+// Field order and size are the ABI: hostapi/abi_asserts.cpp proves every offset.
+
+#include "hostapi/pixels.h"
+
+typedef A_long PF_ParamType;
+
+inline constexpr PF_ParamType PF_Param_RESERVED = -1;
+inline constexpr PF_ParamType PF_Param_LAYER = 0;
+inline constexpr PF_ParamType PF_Param_SLIDER = 1;
+inline constexpr PF_ParamType PF_Param_FIX_SLIDER = 2;
+inline constexpr PF_ParamType PF_Param_ANGLE = 3;
+inline constexpr PF_ParamType PF_Param_CHECKBOX = 4;
+inline constexpr PF_ParamType PF_Param_COLOR = 5;
+inline constexpr PF_ParamType PF_Param_POINT = 6;
+inline constexpr PF_ParamType PF_Param_POPUP = 7;
+inline constexpr PF_ParamType PF_Param_CUSTOM = 8;
+inline constexpr PF_ParamType PF_Param_NO_DATA = 9;
+inline constexpr PF_ParamType PF_Param_FLOAT_SLIDER = 10;
+inline constexpr PF_ParamType PF_Param_ARBITRARY_DATA = 11;
+inline constexpr PF_ParamType PF_Param_PATH = 12;
+inline constexpr PF_ParamType PF_Param_GROUP_START = 13;
+inline constexpr PF_ParamType PF_Param_GROUP_END = 14;
+inline constexpr PF_ParamType PF_Param_BUTTON = 15;
+inline constexpr PF_ParamType PF_Param_RESERVED2 = 16;
+inline constexpr PF_ParamType PF_Param_RESERVED3 = 17;
+inline constexpr PF_ParamType PF_Param_POINT_3D = 18;
+
+typedef A_long PF_ParamValue;
+typedef A_long PF_ParamIndex;
+
+inline constexpr PF_ParamIndex PF_ParamIndex_NONE = -1;
+inline constexpr PF_ParamIndex PF_ParamIndex_CHECK_ALL = -2;
+inline constexpr PF_ParamIndex PF_ParamIndex_CHECK_ALL_EXCEPT_LAYER_PARAMS = -3;
+inline constexpr PF_ParamIndex PF_ParamIndex_CHECK_ALL_HONOR_EXCLUDE = -4;
+
+typedef A_short PF_Precision;
+
+inline constexpr PF_Precision PF_Precision_INTEGER = 0;
+inline constexpr PF_Precision PF_Precision_TENTHS = 1;
+inline constexpr PF_Precision PF_Precision_HUNDREDTHS = 2;
+inline constexpr PF_Precision PF_Precision_THOUSANDTHS = 3;
+inline constexpr PF_Precision PF_Precision_TEN_THOUSANDTHS = 4;
+
+typedef A_long PF_ParamFlags;
+
+inline constexpr PF_ParamFlags PF_ParamFlag_NONE = 0;
+inline constexpr PF_ParamFlags PF_ParamFlag_RESERVED1 = 1;
+inline constexpr PF_ParamFlags PF_ParamFlag_CANNOT_TIME_VARY = 2;
+inline constexpr PF_ParamFlags PF_ParamFlag_CANNOT_INTERP = 4;
+inline constexpr PF_ParamFlags PF_ParamFlag_RESERVED2 = 8;
+inline constexpr PF_ParamFlags PF_ParamFlag_RESERVED3 = 16;
+inline constexpr PF_ParamFlags PF_ParamFlag_COLLAPSE_TWIRLY = 32;
+inline constexpr PF_ParamFlags PF_ParamFlag_SUPERVISE = 64;
+inline constexpr PF_ParamFlags PF_ParamFlag_START_COLLAPSED = 32;
+inline constexpr PF_ParamFlags PF_ParamFlag_USE_VALUE_FOR_OLD_PROJECTS = 128;
+inline constexpr PF_ParamFlags PF_ParamFlag_LAYER_PARAM_IS_TRACKMATTE = 128;
+inline constexpr PF_ParamFlags PF_ParamFlag_EXCLUDE_FROM_HAVE_INPUTS_CHANGED = 256;
+inline constexpr PF_ParamFlags PF_ParamFlag_SKIP_REVEAL_WHEN_UNHIDDEN = 512;
+inline constexpr PF_ParamFlags PF_ParamFlag_unused1 = 1024;
+inline constexpr PF_ParamFlags PF_ParamFlag_RESERVED4 = 2048;
+inline constexpr PF_ParamFlags PF_ParamFlags_ALL = static_cast<PF_ParamFlags>(0xFFFFFFFFu);
+
+typedef A_long PF_ParamUIFlags;
+
+inline constexpr PF_ParamUIFlags PF_PUI_NONE = 0;
+inline constexpr PF_ParamUIFlags PF_PUI_TOPIC = 1;
+inline constexpr PF_ParamUIFlags PF_PUI_CONTROL = 2;
+inline constexpr PF_ParamUIFlags PF_PUI_STD_CONTROL_ONLY = 4;
+inline constexpr PF_ParamUIFlags PF_PUI_NO_ECW_UI = 8;
+inline constexpr PF_ParamUIFlags PF_PUI_ECW_SEPARATOR = 16;
+inline constexpr PF_ParamUIFlags PF_PUI_DISABLED = 32;
+inline constexpr PF_ParamUIFlags PF_PUI_DONT_ERASE_TOPIC = 64;
+inline constexpr PF_ParamUIFlags PF_PUI_DONT_ERASE_CONTROL = 128;
+inline constexpr PF_ParamUIFlags PF_PUI_RADIO_BUTTON = 256;
+inline constexpr PF_ParamUIFlags PF_PUI_INVISIBLE = 512;
+inline constexpr PF_ParamUIFlags PF_PUI_RESERVED = 1024;
+
+typedef A_long PF_ChangeFlags;
+
+inline constexpr PF_ChangeFlags PF_ChangeFlag_NONE = 0;
+inline constexpr PF_ChangeFlags PF_ChangeFlag_CHANGED_VALUE = 1;
+inline constexpr PF_ChangeFlags PF_ChangeFlag_RESERVED = 2;
+inline constexpr PF_ChangeFlags PF_ChangeFlag_SET_TO_VARY = 4;
+inline constexpr PF_ChangeFlags PF_ChangeFlag_SET_TO_CONSTANT = 8;
+
+typedef A_short PF_ValueDisplayFlags;
+
+inline constexpr PF_ValueDisplayFlags PF_ValueDisplayFlag_NONE = 0;
+inline constexpr PF_ValueDisplayFlags PF_ValueDisplayFlag_PERCENT = 1;
+inline constexpr PF_ValueDisplayFlags PF_ValueDisplayFlag_PIXEL = 2;
+inline constexpr PF_ValueDisplayFlags PF_ValueDisplayFlag_RESERVED1 = 4;
+inline constexpr PF_ValueDisplayFlags PF_ValueDisplayFlag_REVERSE = 8;
+
+typedef A_u_long PF_FSliderFlags;
+
+inline constexpr PF_FSliderFlags PF_FSliderFlag_NONE = 0;
+inline constexpr PF_FSliderFlags PF_FSliderFlag_WANT_PHASE = 1;
+
+inline constexpr A_long PF_LayerDefault_MYSELF = -1;
+inline constexpr A_long PF_LayerDefault_NONE = 0;
+
+typedef A_u_long PF_PathID;
+
+inline constexpr PF_PathID PF_PathID_NONE = 0;
+
+typedef PF_Handle PF_ArbitraryH;
+
+struct PF_SliderDef {
+    PF_ParamValue value;
+    A_char value_str[32];
+    A_char value_desc[32];
+    PF_ParamValue valid_min;
+    PF_ParamValue valid_max;
+    PF_ParamValue slider_min;
+    PF_ParamValue slider_max;
+    PF_ParamValue dephault;
+};
+
+struct PF_FixedSliderDef {
+    PF_Fixed value;
+    A_char value_str[32];
+    A_char value_desc[32];
+    PF_Fixed valid_min;
+    PF_Fixed valid_max;
+    PF_Fixed slider_min;
+    PF_Fixed slider_max;
+    PF_Fixed dephault;
+    PF_Precision precision;
+    PF_ValueDisplayFlags display_flags;
+};
+
+struct PF_FloatSliderDef {
+    PF_FpLong value;
+    PF_FpLong phase;
+    A_char value_desc[32];
+    PF_FpShort valid_min;
+    PF_FpShort valid_max;
+    PF_FpShort slider_min;
+    PF_FpShort slider_max;
+    PF_FpShort dephault;
+    PF_Precision precision;
+    PF_ValueDisplayFlags display_flags;
+    PF_FSliderFlags fs_flags;
+    PF_FpShort curve_tolerance;
+    PF_Boolean useExponent;
+    PF_FpShort exponent;
+};
+
+struct PF_AngleDef {
+    PF_Fixed value;
+    PF_Fixed dephault;
+    PF_Fixed valid_min;
+    PF_Fixed valid_max;
+};
+
+struct PF_CheckBoxDef {
+    PF_ParamValue value;
+    PF_Boolean dephault;
+    A_char reserved;
+    A_short reserved1;
+    union {
+        const A_char* nameptr;
+    } u;
+};
+
+struct PF_ColorDef {
+    PF_UnionablePixel value;
+    PF_UnionablePixel dephault;
+};
+
+struct PF_PointDef {
+    PF_Fixed x_value;
+    PF_Fixed y_value;
+    A_char reserved[3];
+    PF_Boolean restrict_bounds;
+    PF_Fixed x_dephault;
+    PF_Fixed y_dephault;
+};
+
+struct PF_Point3DDef {
+    PF_FpLong x_value;
+    PF_FpLong y_value;
+    PF_FpLong z_value;
+    PF_FpLong x_dephault;
+    PF_FpLong y_dephault;
+    PF_FpLong z_dephault;
+    char reserved[16];
+};
+
+struct PF_PopupDef {
+    PF_ParamValue value;
+    A_short num_choices;
+    A_short dephault;
+    union {
+        const A_char* namesptr;
+    } u;
+};
+
+struct PF_ButtonDef {
+    PF_ParamValue value;
+    union {
+        const A_char* namesptr;
+    } u;
+};
+
+struct PF_PathDef {
+    PF_PathID path_id;
+    A_long reserved0;
+    A_long dephault;
+};
+
+struct PF_ArbitraryDef {
+    A_short id;
+    A_short pad;
+    PF_ArbitraryH dephault;
+    PF_ArbitraryH value;
+    void* refconPV;
+};
+
+union PF_ParamDefUnion {
+    PF_LayerDef ld;
+    PF_SliderDef sd;
+    PF_FixedSliderDef fd;
+    PF_AngleDef ad;
+    PF_CheckBoxDef bd;
+    PF_ColorDef cd;
+    PF_PointDef td;
+    PF_PopupDef pd;
+    PF_FloatSliderDef fs_d;
+    PF_ArbitraryDef arb_d;
+    PF_PathDef path_d;
+    PF_ButtonDef button_d;
+    PF_Point3DDef point3d_d;
+};
+
+struct PF_ParamDef {
+    union {
+        A_long id;
+        PF_ChangeFlags change_flags;
+    } uu;
+    PF_ParamUIFlags ui_flags;
+    A_short ui_width;
+    A_short ui_height;
+    PF_ParamType param_type;
+    A_char name_do_not_use_directly[32];
+    PF_ParamFlags flags;
+    A_long unused;
+    PF_ParamDefUnion u;
+};
+
+typedef PF_ParamDef* PF_ParamDefPtr;
+typedef PF_ParamDef** PF_ParamDefH;
+typedef PF_ParamDef** PF_ParamList;
+
+struct PF_UserChangedParamExtra {
+    PF_ParamIndex param_index;
+};
+
+struct PF_State {
+    A_long reservedAL[4];
+};
