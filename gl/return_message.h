@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// How GPU code tells the user something: the host shows `PF_OutData::return_msg`.
+
+#include <string>
+
+#include "hostapi/commands.h"
+
+/// Copies at most 255 characters of `message` to the start of `out_data->return_msg`; a null `out_data` takes nothing.
+// Intended: no terminating NUL and no flag is written, so a shorter message leaves the tail of a longer one behind it.
+void WriteReturnMessage(const std::string& message, PF_OutData* out_data);
