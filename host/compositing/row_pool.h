@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// Work on the rows of a picture, spread over the processor's cores by a small pool of threads that lives as long as the
+// program.
+
+#include <functional>
+
+/// How many threads work at a time, the calling one included; at least 1.
+int RowThreads();
+
+/// Calls `work(index, thread)` once for every index in [0, count), on several threads at once and in no fixed order,
+/// and returns when all calls have returned. `thread` is in [0, RowThreads()), and no two calls that run at the same
+/// time under one RunRows share it. Indices are handed out in runs of neighbours. Called from inside a `work`, it runs
+/// on the calling thread alone. Safe to call from several threads at once.
+///
+/// An exception in `work` stops the handing out of indices and is thrown again here, on the calling thread.
+/// `work` returns false to stop early: the calls that have begun end, the rest never happen.
+void RunRows(int count, const std::function<bool(int index, int thread)>& work);
+
+/// Calls `work(y)` for every row y in [first, last).
+void ForEachRow(int first, int last, const std::function<void(int y)>& work);

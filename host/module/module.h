@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// An effect module as the host meets it: a file that is loaded, that registers one effect, and that is then called
+// through one command entry. Nothing of the module is linked.
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "host/result.h"
+#include "hostapi/commands.h"
+
+/// What the module said about its effect when it was scanned.
+struct Registration {
+    std::string name;
+    std::string matchName;
+    std::string category;
+    std::string entryPoint;
+    A_long kind = 0;  ///< four-character code, most significant byte first
+    A_long apiMajor = 0;
+    A_long apiMinor = 0;
+    A_long reservedInfo = 0;
+};
+
+/// What a command came to.
+struct CallOutcome {
+    PF_Err error = PF_Err_NONE;
+    /// Set when an exception left the module, which no module may do: what it was, in words. `error` is then
+    /// `PF_Err_INTERNAL_STRUCT_DAMAGED`.
+    std::optional<std::string> exception;
+};
+
+/// A loaded module. Move-only; unloads the file when destroyed, so it must outlive every session on it.
+class Module {
+ public:
+    /// Loads the file, lets it register its effect and finds the command entry. Every failure has
+    /// `ExitCode::kModule` and names the file, the reason and what would be right.
+    static Result<Module> Load(const std::filesystem::path& file);
+
+    Module(Module&&) noexcept = default;
+    Module& operator=(Module&&) noexcept = default;
+
+    const std::filesystem::path& File() const { return file_; }
+    const Registration& Effect() const { return registration_; }
+
+    /// Sends one command on the calling thread. No exception of the module gets past this call.
+    CallOutcome Call(PF_Cmd command, PF_InData* inData, PF_OutData* outData, PF_ParamDef* params[], PF_LayerDef* output,
+                     void* extra) const;
+
+ private:
+    Module() = default;
+    struct Unloader {
+        void operator()(void* library) const;
+    };
+
+    std::filesystem::path file_;
+    std::unique_ptr<void, Unloader> library_;
+    Registration registration_;
+    PF_FilterProc entry_ = nullptr;
+};
+
+/// Where a module is looked for, in order; see FindModule.
+struct ModuleSearch {
+    std::optional<std::filesystem::path> option;       ///< the file named on the command line
+    std::optional<std::filesystem::path> environment;  ///< the file named by UMBRANT_MODULE
+    std::filesystem::path programFolder;               ///< the folder of the running program
+    std::filesystem::path libraryFolder;               ///< the installed library folder
+};
+
+/// The search of the running program: `option`, UMBRANT_MODULE (an empty value counts as unset), the program's folder,
+/// and `../lib/umbrant` beside it.
+ModuleSearch DefaultModuleSearch(const std::optional<std::filesystem::path>& option);
+
+/// The module's file: the option, else the environment's, else the first that exists beside the program or in the
+/// library folder. A file that was named is returned as it is; Load says what is wrong with it. Fails with
+/// `ExitCode::kModule` when none was named and none found.
+Result<std::filesystem::path> FindModule(const ModuleSearch& search);
+Result<std::filesystem::path> FindModule(const std::optional<std::filesystem::path>& option);

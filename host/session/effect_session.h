@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// One instance of an effect from set-up to set-down, driven as a host drives it. Knows no command line and no files:
+// worlds in, worlds out.
+//
+// Set-up, set-down and the panel commands belong on one thread. Render and PreRender may be called from several
+// threads at once; each call has its own records.
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/compositing/world.h"
+#include "host/module/module.h"
+#include "host/result.h"
+#include "host/session/param_set.h"
+#include "host/suites/balance.h"
+#include "host/suites/panel_state.h"
+#include "hostapi/aegp_types.h"
+#include "hostapi/smart_render.h"
+
+/// Who the host says it is, and what it can be told to get wrong.
+struct SessionOptions {
+    A_AppID appId = kAppID_AfterEffects;
+    A_short apiMajor = 13;
+    A_short apiMinor = 28;
+    /// The flags that the layer suite answers with.
+    AEGP_LayerFlags layerFlags = AEGP_LayerFlag_VIDEO_ACTIVE | AEGP_LayerFlag_EFFECTS_ACTIVE;
+    /// False hands the effect a null `pica_basicP`.
+    bool offerSuites = true;
+    /// Asked before every host call with "table.call" ("PF World Suite.PF_NewWorld", "utils.fill",
+    /// "interact.checkout_param", "pre-render.checkout_layer", "smart-render.checkout_output") and before a suite is
+    /// handed out with "AcquireSuite:name". A non-zero answer makes the call fail with it (a call that returns a
+    /// pointer gives null). Called from every thread.
+    std::function<PF_Err(std::string_view call)> fault;
+};
+
+/// How much of the plane a frame shows.
+enum class Canvas {
+    kGrow,   ///< everything that the effect can draw: layer and shadow together
+    kLayer,  ///< the layer's frame is what is asked for
+};
+
+/// One frame to draw. The worlds must stay as they are until the call returns.
+struct FrameRequest {
+    /// The layer's pixels, already downsampled; 8, 16 or 32 bits, which is also the frame's depth. Not null; may be
+    /// empty (0 x 0).
+    const World* layer = nullptr;
+    int layerWidth = 0;  ///< the layer's full size, pixels; 0 takes the world's size
+    int layerHeight = 0;
+    PF_RationalScale downsampleX{1, 1};
+    PF_RationalScale downsampleY{1, 1};
+    /// The picture that every layer parameter of the effect is set to, at the layer's depth; null for none.
+    const World* texture = nullptr;
+    PF_Point textureOrigin{};  ///< where its top-left lies, in downsampled pixels of the layer
+    Canvas canvas = Canvas::kGrow;
+    std::optional<PF_LRect> region;  ///< asks for exactly this rectangle instead, in downsampled pixels of the layer
+    A_long time = 0;                 ///< in units of 1/timeScale seconds
+    A_long timeStep = 1;
+    A_long totalTime = 1;
+    A_u_long timeScale = 24;  ///< not 0
+    PF_Quality quality = PF_Quality_HI;
+    PF_Field field = PF_Field_FRAME;
+    const ParamSet* params = nullptr;  ///< values to draw with; null takes the session's
+};
+
+/// One command that was sent.
+struct CommandRecord {
+    PF_Cmd command = PF_Cmd_ABOUT;
+    PF_Err error = PF_Err_NONE;
+    double milliseconds = 0;
+    std::string message;          ///< what the effect left in the return message
+    bool messageIsError = false;  ///< it asked for the message to be shown as an error
+    Balance balance;              ///< what the command took and did not give back
+};
+
+/// What pre-render answered.
+struct PreRendered {
+    PF_LRect resultRect{};  ///< what a render would deliver, clipped to the request unless extra pixels were announced
+    PF_LRect maxRect{};     ///< everything that the effect could draw
+    PF_Boolean solid = 0;
+    PF_RenderOutputFlags flags = 0;
+    std::vector<CommandRecord> commands;
+};
+
+/// A drawn frame.
+struct Frame {
+    World output;        ///< covers `rect`; empty (0 x 0) when there was nothing to draw. Never null
+    PF_LRect rect{};     ///< where the output lies, in downsampled pixels of the layer
+    PF_LRect maxRect{};  ///< everything that the effect could draw
+    std::string message;  ///< the effect's words to the user; usually empty
+    bool messageIsError = false;
+    std::vector<CommandRecord> commands;  ///< in the order in which they were sent
+    std::vector<std::string> suites;      ///< acquired for this frame, "name version", sorted
+};
+
+/// See the file's head. Move-only.
+class EffectSession {
+ public:
+    /// Global set-up, parameter set-up and sequence set-up. Fails with `ExitCode::kEffectFailed` when the effect
+    /// returns an error or cannot be driven by this host; what was set up is then set down again.
+    /// `module` must outlive the session.
+    static Result<EffectSession> Start(const Module& module, SessionOptions options = {});
+    /// Ends the session when End was not called.
+    ~EffectSession();
+    EffectSession(EffectSession&&) noexcept;
+    EffectSession& operator=(EffectSession&&) noexcept;
+
+    /// Sequence and global set-down, once; later calls do nothing. No render may be under way.
+    Result<Done> End();
+
+    /// The effect's about text, as the effect wrote it.
+    Result<std::string> About();
+    /// Lets the effect bring its panel in line with the current values; see Panel.
+    Result<Done> UpdateParamsUI();
+    /// Tells the effect that the user changed, or pressed, a row.
+    Result<Done> UserChangedParam(int index);
+
+    /// Asks what a frame would cover, without drawing it.
+    Result<PreRendered> PreRender(const FrameRequest& request);
+    /// Draws a frame. With `Canvas::kGrow` the effect is asked about the layer's frame first and then for its whole
+    /// max rectangle. Fails with `ExitCode::kEffectFailed` and the effect's own words and code.
+    Result<Frame> Render(const FrameRequest& request);
+
+    ParamSet& Params();
+    const ParamSet& Params() const;
+    const PanelState& Panel() const;
+    PF_OutFlags OutFlags() const;
+    PF_OutFlags2 OutFlags2() const;
+    A_u_long EffectVersion() const;  ///< packed, as PF_VERSION packs it
+
+    /// What the effect holds at this moment.
+    Balance Open() const;
+    /// Everything that the effect did wrong so far, one sentence each, in order.
+    std::vector<std::string> Misbehaviour() const;
+    /// Suites granted and refused so far, "name version", sorted.
+    std::vector<std::string> AcquiredSuites() const;
+    std::vector<std::string> RefusedSuites() const;
+    /// The commands outside of frames, in order.
+    std::vector<CommandRecord> Commands() const;
+
+ private:
+    struct State;
+    explicit EffectSession(std::unique_ptr<State> state);
+    std::unique_ptr<State> state_;
+};

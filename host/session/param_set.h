@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// The parameters of one effect instance: what the effect declared, and the values they have now. The host knows
+// parameters only from the declaration; from outside a row is named by its group path ("style/distance") or by its
+// index ("#17").
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/result.h"
+#include "hostapi/params.h"
+
+/// A position in pixels of the full-size layer.
+struct LayerPoint {
+    double x = 0;
+    double y = 0;
+    bool operator==(const LayerPoint&) const = default;
+};
+
+/// One declared row.
+struct ParamRow {
+    int index = 0;
+    /// The whole definition as the effect gave it, with the current value in its value field. Text pointers lead to
+    /// `text`, which outlives the effect's call. A point's value field is not used: see `point`.
+    PF_ParamDef def{};
+    std::string name;
+    /// Group path, lower case with hyphens; empty for a row that only its index reaches (unnamed rows, group ends).
+    std::string path;
+    /// Popup items in order, separators ("(-") included; empty for other types.
+    std::vector<std::string> items;
+    /// A button's or check box's label.
+    std::string label;
+    /// Nesting depth: 0 outside every group.
+    int depth = 0;
+    /// A point's value once one was set; the declared default, in percent of the layer, holds until then.
+    std::optional<LayerPoint> point;
+    std::shared_ptr<const std::string> text;  ///< what the definition's text pointer leads to
+};
+
+/// What turns the outside's values into what the effect sees.
+struct LayerGeometry {
+    int width = 0;  ///< the layer's full size, pixels
+    int height = 0;
+    PF_RationalScale downsampleX{1, 1};
+    PF_RationalScale downsampleY{1, 1};
+};
+
+/// Copyable: a frame renders with the values that held when it was asked for.
+class ParamSet {
+ public:
+    /// Starts with row 0, the layer that the effect is applied to, which the host supplies.
+    ParamSet();
+
+    /// Records a row. `index` is -1 or the next free index. Returns what the effect is to be told:
+    /// `PF_Err_INVALID_INDEX`, `PF_Err_UNRECOGNIZED_PARAM_TYPE`, `PF_Err_BAD_CALLBACK_PARAM` (no definition) or none.
+    PF_Err Add(PF_ParamIndex index, const PF_ParamDef* def);
+    /// Ends the declaration. Returns what is wrong with its groups (an end without a start, a group left open), or an
+    /// empty text.
+    std::string Finish();
+
+    int Count() const { return static_cast<int>(rows_.size()); }
+    const std::vector<ParamRow>& Rows() const { return rows_; }
+    const ParamRow& Row(int index) const { return rows_[static_cast<std::size_t>(index)]; }
+
+    /// The index of the row that "group/name" or "#index" names. Fails with `ExitCode::kUsage` and the nearest right
+    /// names, also when two rows share the name.
+    Result<int> Find(std::string_view path) const;
+    /// Sets a row's value from its text: a number (percent sliders as shown, a trailing % allowed), an angle in degrees,
+    /// `x,y` in pixels of the full-size layer, `#rrggbb`, a popup item's text or 1-based number, on/off. Fails with
+    /// `ExitCode::kUsage`, changing nothing.
+    Result<Done> SetFromText(std::string_view path, std::string_view text);
+
+    /// The current value in the form that SetFromText takes; empty for a row without one. Popup values as item text in
+    /// path form (the number where the item has none), points that were never set as "x%,y%".
+    std::string ValueText(int index) const;
+    /// The declared default in the same form.
+    std::string DefaultText(int index) const;
+
+    /// A copy of the row's definition with the value that the effect sees: points in 16.16 downsampled pixels.
+    PF_ParamDef CheckOut(int index, const LayerGeometry& geometry) const;
+
+ private:
+    std::vector<ParamRow> rows_;
+    std::vector<int> openGroups_;  ///< indices of the groups that the next row lies in
+    std::string groupProblem_;
+};
+
+/// The form in which names are typed: lower case, each run of characters other than letters and digits one hyphen,
+/// none at the ends. "Ease In & Out" gives "ease-in-out".
+std::string PathForm(std::string_view name);
+
+/// Number of single-character edits (insert, delete, replace) between two texts.
+int EditDistance(std::string_view a, std::string_view b);
+
+/// Up to `count` of `candidates`, the nearest to `typed` first.
+std::vector<std::string> Nearest(std::string_view typed, const std::vector<std::string>& candidates, std::size_t count);
+
+/// What a person calls the type: "slider", "popup", "group", ...
+const char* ParamTypeName(PF_ParamType type);
