@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// Declares the parameters to the host. [main]
+
+#include "hostapi/commands.h"
+
+/// Adds every row of the parameter table but the input layer, registers the self-drawn area, and tells the host the
+/// count. Uses no suite. Returns the first error of `add_param`, with the count then untouched.
+PF_Err ParamsSetup(PF_InData* in_data, PF_OutData* out_data);

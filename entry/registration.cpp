@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// Registration: who the effect is, told to the host once when it scans the module.
+
+#include "entry/entry_points.h"
+#include "entry/version.h"
+
+namespace {
+
+/// The host reads its strings as unsigned characters.
+const A_u_char* HostText(const char* text) {
+    return reinterpret_cast<const A_u_char*>(text);
+}
+
+}  // namespace
+
+PF_Err PluginDataEntryFunction(PF_PluginDataPtr inPtr, PF_PluginDataCB inPluginDataCallBackPtr, SPBasicSuite*,
+                               const char*, const char*) {
+    return inPluginDataCallBackPtr(inPtr, HostText(kEffectName), HostText(kEffectMatchName), HostText(kEffectCategory),
+                                   HostText(kEffectEntryPoint), kPluginKind_Effect, kRegisteredApiMajor,
+                                   kRegisteredApiMinor, kRegisteredReservedInfo);
+}
