@@ -5,6 +5,7 @@
 // Catches what a test's subject prints to standard output, through C or C++ streams alike, by redirecting the file
 // descriptor. Standard output of other threads is caught too. One at a time.
 
+#include <cstdio>
 #include <string>
 
 class CaptureStdout {
@@ -22,5 +23,5 @@ class CaptureStdout {
 
  private:
     int saved_;
-    int file_;
+    std::FILE* file_;
 };
