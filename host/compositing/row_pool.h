@@ -19,5 +19,5 @@ int RowThreads();
 /// `work` returns false to stop early: the calls that have begun end, the rest never happen.
 void RunRows(int count, const std::function<bool(int index, int thread)>& work);
 
-/// Calls `work(y)` for every row y in [first, last).
-void ForEachRow(int first, int last, const std::function<void(int y)>& work);
+/// Calls `work(begin, end)` for runs of neighbouring rows that together make up [0, count).
+void ForEachRowRange(int count, const std::function<void(int begin, int end)>& work);

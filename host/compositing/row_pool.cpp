@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/compositing/row_pool.h"
+
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <exception>
+#include <list>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace {
+
+/// One RunRows call. Lives on the caller's stack until every thread has left it.
+struct Job {
+    int count;
+    int grain;
+    const std::function<bool(int first, int last, int thread)>& work;
+    std::atomic<int> next{0};
+    std::atomic<bool> stopped{false};
+    int inside = 0;  ///< pool threads at work on it; guarded by the pool's mutex
+    std::mutex failureMutex;
+    std::exception_ptr failure;
+
+    bool HasMore() const { return !stopped && next < count; }
+
+    void Work(int thread) {
+        while (!stopped) {
+            const int first = next.fetch_add(grain);
+            if (first >= count) return;
+            const int last = std::min(first + grain, count);
+            try {
+                if (!work(first, last, thread)) stopped = true;
+            } catch (...) {
+                const std::lock_guard lock(failureMutex);
+                if (!failure) failure = std::current_exception();
+                stopped = true;
+            }
+        }
+    }
+};
+
+thread_local bool insideWork = false;
+
+/// The threads beside the callers. They wait for jobs and end with the program.
+class Pool {
+ public:
+    Pool() {
+        const int extra = RowThreads() - 1;
+        for (int i = 0; i < extra; ++i) threads_.emplace_back([this, i] { Serve(i + 1); });
+    }
+
+    ~Pool() {
+        {
+            const std::lock_guard lock(mutex_);
+            ending_ = true;
+        }
+        wake_.notify_all();
+        for (std::thread& thread : threads_) thread.join();
+    }
+
+    void Run(Job& job) {
+        {
+            const std::lock_guard lock(mutex_);
+            jobs_.push_back(&job);
+        }
+        wake_.notify_all();
+        job.Work(0);
+        std::unique_lock lock(mutex_);
+        jobs_.remove(&job);
+        left_.wait(lock, [&] { return job.inside == 0; });
+    }
+
+ private:
+    void Serve(int thread) {
+        insideWork = true;
+        std::unique_lock lock(mutex_);
+        for (;;) {
+            wake_.wait(lock, [&] { return ending_ || Pending(); });
+            if (ending_) return;
+            Job* job = Pending();
+            ++job->inside;
+            lock.unlock();
+            job->Work(thread);
+            lock.lock();
+            --job->inside;
+            left_.notify_all();
+        }
+    }
+
+    Job* Pending() const {
+        const auto found = std::find_if(jobs_.begin(), jobs_.end(), [](const Job* job) { return job->HasMore(); });
+        return found == jobs_.end() ? nullptr : *found;
+    }
+
+    std::mutex mutex_;
+    std::condition_variable wake_;
+    std::condition_variable left_;
+    std::list<Job*> jobs_;
+    bool ending_ = false;
+    std::vector<std::thread> threads_;
+};
+
+void RunRanges(int count, const std::function<bool(int first, int last, int thread)>& work) {
+    if (count <= 0) return;
+    // Several runs per thread, so that a thread which got light rows takes over from one with heavy rows.
+    Job job{.count = count, .grain = std::max(1, count / (RowThreads() * 8)), .work = work};
+    if (insideWork || RowThreads() == 1 || count == 1) {
+        job.Work(0);
+    } else {
+        static Pool pool;
+        insideWork = true;
+        pool.Run(job);
+        insideWork = false;
+    }
+    if (job.failure) std::rethrow_exception(job.failure);
+}
+
+}  // namespace
+
+int RowThreads() {
+    static const int threads = std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+    return threads;
+}
+
+void ForEachRowRange(int count, const std::function<void(int begin, int end)>& work) {
+    RunRanges(count, [&](int begin, int end, int) {
+        work(begin, end);
+        return true;
+    });
+}
+
+void RunRows(int count, const std::function<bool(int index, int thread)>& work) {
+    std::atomic<bool> stopped{false};
+    RunRanges(count, [&](int begin, int end, int thread) {
+        for (int index = begin; index < end && !stopped; ++index) {
+            if (!work(index, thread)) stopped = true;
+        }
+        return !stopped;
+    });
+}
