@@ -2,7 +2,8 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// OpenGL 3.3 core prototypes. Nothing of a later version may be called: macOS ends at 4.1 and our contexts at 3.3.
+// OpenGL 3.3 core prototypes. Nothing of a later version may be called, macOS ends at 4.1 and our contexts at 3.3, with
+// one exception: `glBindTransformFeedback` in the data-driven renderer, which the effect itself does not use.
 
 #if defined(__APPLE__)
 #include "platform/macos/gl.h"

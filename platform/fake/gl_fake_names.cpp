@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// The spelling of the enumerants that the module uses.
+
+#include <cstdio>
+
+#include "platform/fake/gl_fake.h"
+
+namespace fake {
+
+namespace {
+
+struct Spelling {
+    GLenum value;
+    const char* name;
+};
+
+#define SPELLING(name) \
+    { name, #name }
+// The few values below 16 are read as in the one call that uses them: draw modes and blend factors.
+constexpr Spelling kSpellings[] = {
+    SPELLING(GL_ACTIVE_ATTRIBUTES),
+    SPELLING(GL_ACTIVE_UNIFORMS),
+    SPELLING(GL_ARRAY_BUFFER),
+    SPELLING(GL_BACK),
+    SPELLING(GL_BLEND),
+    SPELLING(GL_CLAMP_TO_EDGE),
+    SPELLING(GL_COLOR_ATTACHMENT0),
+    SPELLING(GL_COLOR_BUFFER_BIT),
+    SPELLING(GL_COMPILE_STATUS),
+    SPELLING(GL_CULL_FACE),
+    SPELLING(GL_DEPTH32F_STENCIL8),
+    SPELLING(GL_DEPTH_COMPONENT),
+    SPELLING(GL_DEPTH_COMPONENT32F),
+    SPELLING(GL_ELEMENT_ARRAY_BUFFER),
+    SPELLING(GL_FLOAT),
+    SPELLING(GL_FRAGMENT_SHADER),
+    SPELLING(GL_FRAMEBUFFER),
+    SPELLING(GL_FRONT),
+    SPELLING(GL_GEOMETRY_SHADER),
+    SPELLING(GL_INT),
+    SPELLING(GL_LINEAR),
+    SPELLING(GL_LINK_STATUS),
+    SPELLING(GL_MIRRORED_REPEAT),
+    SPELLING(GL_NEAREST),
+    SPELLING(GL_ONE_MINUS_DST_COLOR),
+    SPELLING(GL_PACK_ALIGNMENT),
+    SPELLING(GL_PACK_ROW_LENGTH),
+    SPELLING(GL_PIXEL_PACK_BUFFER),
+    SPELLING(GL_PRIMITIVE_RESTART),
+    SPELLING(GL_R16),
+    SPELLING(GL_R32F),
+    SPELLING(GL_R8),
+    SPELLING(GL_RASTERIZER_DISCARD),
+    SPELLING(GL_RED),
+    SPELLING(GL_RENDERER),
+    SPELLING(GL_REPEAT),
+    SPELLING(GL_RGBA),
+    SPELLING(GL_RGBA32F),
+    SPELLING(GL_RGBA32I),
+    SPELLING(GL_RGBA8),
+    SPELLING(GL_RGBA_INTEGER),
+    SPELLING(GL_SHADING_LANGUAGE_VERSION),
+    SPELLING(GL_STATIC_DRAW),
+    SPELLING(GL_TEXTURE0),
+    SPELLING(GL_TEXTURE1),
+    SPELLING(GL_TEXTURE_1D),
+    SPELLING(GL_TEXTURE_2D),
+    SPELLING(GL_TEXTURE_MAG_FILTER),
+    SPELLING(GL_TEXTURE_MIN_FILTER),
+    SPELLING(GL_TEXTURE_WRAP_S),
+    SPELLING(GL_TEXTURE_WRAP_T),
+    SPELLING(GL_TRANSFORM_FEEDBACK),
+    SPELLING(GL_TRANSFORM_FEEDBACK_BUFFER),
+    SPELLING(GL_TRIANGLES),
+    SPELLING(GL_TRIANGLE_FAN),
+    SPELLING(GL_TRIANGLE_STRIP),
+    SPELLING(GL_UNPACK_ALIGNMENT),
+    SPELLING(GL_UNPACK_ROW_LENGTH),
+    SPELLING(GL_UNSIGNED_BYTE),
+    SPELLING(GL_UNSIGNED_INT),
+    SPELLING(GL_UNSIGNED_SHORT),
+    SPELLING(GL_VENDOR),
+    SPELLING(GL_VERSION),
+    SPELLING(GL_VERTEX_SHADER),
+    {GL_ONE, "GL_ONE"},
+};
+#undef SPELLING
+
+}  // namespace
+
+std::string EnumName(GLenum value) {
+    for (const Spelling& spelling : kSpellings) {
+        if (spelling.value == value) return spelling.name;
+    }
+    char text[16];
+    std::snprintf(text, sizeof text, "0x%04X", value);
+    return text;
+}
+
+}  // namespace fake
