@@ -37,8 +37,9 @@ inline constexpr CGLError kCGLBadAlloc = 10016;
 inline constexpr CGLError kCGLBadConnection = 10017;
 
 extern "C" {
-/// Chooses a pixel format for a zero-terminated attribute list. `*pix` is null and `*npix` 0 on failure. The caller
-/// owns the format.
+/// Chooses a pixel format for a zero-terminated attribute list; only the 3.2 core profile may be asked for, and its
+/// contexts are 3.3 core. `*npix` counts virtual screens; `*pix` is null and `*npix` 0 on failure. The format is shared
+/// and needs no freeing. Prints one line to standard error when UMBRANT_GL is neither "software" nor "hardware".
 CGLError CGLChoosePixelFormat(const CGLPixelFormatAttribute* attribs, CGLPixelFormatObj* pix, int32_t* npix);
 /// Makes a context with a retain count of 1; `share` may be null. `*ctx` is null on failure.
 CGLError CGLCreateContext(CGLPixelFormatObj pix, CGLContextObj share, CGLContextObj* ctx);
@@ -49,7 +50,7 @@ void CGLReleaseContext(CGLContextObj ctx);
 /// Releases the context; when it was current on the calling thread and this was the last reference, none is current
 /// afterwards.
 CGLError CGLDestroyContext(CGLContextObj ctx);
-/// Makes the context current on the calling thread; null clears.
+/// Makes the context current on the calling thread; null clears. Fails with kCGLBadState while another thread has it.
 CGLError CGLSetCurrentContext(CGLContextObj ctx);
 /// The calling thread's current context, or null.
 CGLContextObj CGLGetCurrentContext(void);
