@@ -241,6 +241,7 @@ inline constexpr A_long PF_MaskMode_DIFFERENCE = 6;
 inline constexpr A_long PF_MaskMode_ACCUM = 7;
 inline constexpr A_long PF_NUM_MASKMODES = 8;
 
+/// 0 to 1 per channel, and beyond.
 struct AEGP_ColorVal {
     A_FpLong alphaF;
     A_FpLong redF;
@@ -248,17 +249,20 @@ struct AEGP_ColorVal {
     A_FpLong blueF;
 };
 
+/// A layer's place in the blending of its composition.
 struct AEGP_LayerTransferMode {
     PF_TransferMode mode;
     AEGP_TransferFlags flags;
     AEGP_TrackMatte track_matte;
 };
 
+/// A pair of numbers in the stream's unit.
 struct AEGP_TwoDVal {
     A_FpLong x;
     A_FpLong y;
 };
 
+/// Three numbers in the stream's unit.
 struct AEGP_ThreeDVal {
     A_FpLong x;
     A_FpLong y;

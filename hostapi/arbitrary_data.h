@@ -2,7 +2,8 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// What the host asks of an arbitrary-data parameter.
+// What the host asks of an arbitrary-data parameter: `extra` of PF_Cmd_ARBITRARY_CALLBACK. Data lives in handles of the
+// handle suite; what a call makes is the host's from then on.
 // Field order and size are the ABI: hostapi/abi_asserts.cpp proves every offset.
 
 #include "hostapi/params.h"
@@ -31,6 +32,7 @@ inline constexpr PF_ArbCompareResult PF_ArbCompare_NOT_EQUAL = 3;
 inline constexpr PF_ArbPrintFlags PF_ArbPrint_NONE = 0;
 inline constexpr PF_ArbPrintFlags PF_ArbPrint_ABBREVIATED = 1;
 
+/// One question; `which_function` says which member of the union holds it, `id` which kind of data.
 struct PF_ArbParamsExtra {
     PF_FunctionSelector which_function;
     A_short id;

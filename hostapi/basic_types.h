@@ -15,6 +15,7 @@ typedef double A_FpLong;
 typedef float A_FpShort;
 typedef A_long A_Err;
 typedef void* A_Handle;
+/// 16.16 fixed point: 65536 is 1.
 typedef A_long A_Fixed;
 typedef A_u_long A_UFixed;
 typedef int16_t A_short;
@@ -35,21 +36,25 @@ typedef unsigned char Boolean;
 typedef uint8_t SPBoolean;
 typedef int32_t SPErr;
 
+/// A time or a duration: `value` ÷ `scale` seconds.
 struct A_Time {
     A_long value;
     A_u_long scale;
 };
 
+/// A ratio.
 struct A_Ratio {
     A_long num;
     A_u_long den;
 };
 
+/// A point in pixels.
 struct A_FloatPoint {
     A_FpLong x;
     A_FpLong y;
 };
 
+/// A rectangle in pixels, right and bottom exclusive.
 struct A_FloatRect {
     A_FpLong left;
     A_FpLong top;
@@ -57,14 +62,17 @@ struct A_FloatRect {
     A_FpLong bottom;
 };
 
+/// Takes row vectors: the translation is the third row.
 struct A_Matrix3 {
     A_FpLong mat[3][3];
 };
 
+/// Takes row vectors: the translation is the fourth row.
 struct A_Matrix4 {
     A_FpLong mat[4][4];
 };
 
+/// A rectangle in pixels, right and bottom exclusive.
 struct A_LRect {
     A_long left;
     A_long top;

@@ -2,7 +2,8 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// The command entry: selectors, the records handed in and out, and the flags an effect announces.
+// The command entry: selectors, the records handed in and out, and the flags an effect announces. Both records are the
+// host's and live for one command.
 // Field order and size are the ABI: hostapi/abi_asserts.cpp proves every offset.
 
 #include "hostapi/callbacks.h"
@@ -10,6 +11,9 @@
 #include "hostapi/sound.h"
 #include "hostapi/suites/basic_suite.h"
 
+/// What the host asks of the effect. Smart pre-render and smart render come on render threads, several at once where
+/// the effect announces PF_OutFlag2_SUPPORTS_THREADED_RENDERING; the set-up, parameter and panel commands on the main
+/// thread.
 typedef A_long PF_Cmd;
 
 inline constexpr PF_Cmd PF_Cmd_ABOUT = 0;
@@ -48,6 +52,8 @@ inline constexpr PF_Cmd PF_Cmd_GPU_DEVICE_SETUP = 32;
 inline constexpr PF_Cmd PF_Cmd_GPU_DEVICE_SETDOWN = 33;
 inline constexpr PF_Cmd PF_Cmd_NUM_CMDS = 34;
 
+/// First word of what an effect announces at global set-up; a few bits, such as PF_OutFlag_DISPLAY_ERROR_MESSAGE,
+/// answer any command. The module's resources repeat both words.
 typedef A_long PF_OutFlags;
 
 inline constexpr PF_OutFlags PF_OutFlag_NONE = 0;
@@ -84,6 +90,7 @@ inline constexpr PF_OutFlags PF_OutFlag_I_SYNTHESIZE_AUDIO = 536870912;
 inline constexpr PF_OutFlags PF_OutFlag_AUDIO_EFFECT_TOO = 1073741824;
 inline constexpr PF_OutFlags PF_OutFlag_AUDIO_EFFECT_ONLY = static_cast<PF_OutFlags>(0x80000000u);
 
+/// Second word. Bit 9 has no name.
 typedef A_long PF_OutFlags2;
 
 inline constexpr PF_OutFlags2 PF_OutFlag2_NONE = 0;
@@ -135,72 +142,107 @@ struct PF_SpecVersion {
     A_short minor;
 };
 
+/// What an effect answers.
 struct PF_OutData {
+    /// PF_VERSION of the effect; read after global set-up.
     A_u_long my_version;
     A_char name[32];
+    /// The effect's own handle, made by the effect in global set-up and freed by it in global set-down.
     PF_Handle global_data;
+    /// Count of declared parameters, the input layer included; read after parameter set-up.
     A_long num_params;
+    /// The effect's own handle per instance; null where it keeps none.
     PF_Handle sequence_data;
     A_long flat_sdata_size;
+    /// The effect's own handle per frame, outside smart rendering.
     PF_Handle frame_data;
+    /// Size and origin in pixels, outside smart rendering.
     A_long width;
     A_long height;
     PF_Point origin;
     PF_OutFlags out_flags;
+    /// A text for the user; shown as an error where PF_OutFlag_DISPLAY_ERROR_MESSAGE is set, else as a message. 255
+    /// characters and a NUL.
     A_char return_msg[256];
+    /// Sound, in samples; of no use to a picture effect.
     A_long start_sampL;
     A_long dur_sampL;
     PF_SoundWorld dest_snd;
+    /// Read after global set-up, like `out_flags`.
     PF_OutFlags2 out_flags2;
 };
 
+/// What the host tells an effect with every command. Times are ticks, `time_scale` of them a second.
 struct PF_InData {
     PF_InteractCallbacks inter;
+    /// The host's, for this command.
     PF_UtilCallbacks* utils;
+    /// Names this effect instance to every callback and suite of the command.
     PF_ProgPtr effect_ref;
+    /// PF_Quality_LO for drafts, PF_Quality_HI otherwise.
     PF_Quality quality;
+    /// Version of the host interface: 13.28 and the like.
     PF_SpecVersion version;
     A_long serial_num;
+    /// Which application this is: kAppID_AfterEffects, kAppID_Premiere.
     A_AppID appl_id;
     A_long num_params;
     A_long reserved;
     A_long what_cpu;
     A_long what_fpu;
+    /// The frame's time within the layer.
     A_long current_time;
+    /// One frame; negative where the layer runs backwards.
     A_long time_step;
+    /// The layer's length.
     A_long total_time;
     A_long local_time_step;
     A_u_long time_scale;
+    /// PF_Field_FRAME, or the field that is rendered.
     PF_Field field;
+    /// 16.16 fixed, 1.0 for 360 degrees.
     PF_Fixed shutter_angle;
+    /// The layer's full size in pixels, before downsampling.
     A_long width;
     A_long height;
+    /// Which pixels matter, outside smart rendering.
     PF_Rect extent_hint;
     A_long output_origin_x;
     A_long output_origin_y;
+    /// Rendered pixels per layer pixel, 1/2 at half resolution.
     PF_RationalScale downsample_x;
     PF_RationalScale downsample_y;
+    /// A pixel's width over its height.
     PF_RationalScale pixel_aspect_ratio;
     PF_InFlags in_flags;
+    /// What global set-up put into PF_OutData.
     PF_Handle global_data;
     PF_Handle sequence_data;
     PF_Handle frame_data;
+    /// Sound, in samples; of no use to a picture effect.
     A_long start_sampL;
     A_long dur_sampL;
     A_long total_sampL;
     PF_SoundWorld src_snd;
+    /// The door to all suites; may be null, as in hosts that have none.
     SPBasicSuite* pica_basicP;
+    /// Where earlier effects that grew the picture put the layer's own top-left, in pixels.
     A_long pre_effect_source_origin_x;
     A_long pre_effect_source_origin_y;
+    /// 16.16 fixed, 1.0 for 360 degrees.
     PF_Fixed shutter_phase;
 };
 
 typedef A_long PF_DepCheckType;
 
+/// `extra` of PF_Cmd_GET_EXTERNAL_DEPENDENCIES. The string handle is made by the effect and freed by the host.
 struct PF_ExtDependenciesExtra {
     PF_DepCheckType check_type;
     PF_Handle dependencies_strH;
 };
 
+/// The type of the exported command entry, EffectMain. `params` and `output` are null, and `extra` has no meaning, for
+/// commands that do not use them. Returns 0 or an error of hostapi/errors.h; no exception may leave it. The thread is
+/// the command's. [any]
 typedef PF_Err (*PF_FilterProc)(PF_Cmd cmd, PF_InData* in_data, PF_OutData* out_data, PF_ParamList params,
                                 PF_LayerDef* output, void* extra);

@@ -83,34 +83,49 @@ inline constexpr PF_UIAlignment PF_UIAlignment_RIGHT = 8;
 inline constexpr A_long PF_Step_FORWARD = 0;
 inline constexpr A_long PF_Step_BACKWARD = 1;
 
+/// The pointer moved; the effect may choose its shape.
 struct PF_AdjustCursorEventInfo {
+    /// In panel pixels.
     PF_Point screen_point;
     PF_Modifiers modifiers;
     PF_CursorType set_cursor;
 };
 
+/// A press, or a drag that began with one.
 struct PF_DoClickEventInfo {
+    /// Ticks of the system's clock.
     A_u_long when;
+    /// In panel pixels.
     PF_Point screen_point;
     A_long num_clicks;
     PF_Modifiers modifiers;
+    /// The effect's own, kept from press to release.
     A_intptr_t continue_refcon[4];
+    /// Set by the effect that wants the drag.
     PF_Boolean send_drag;
+    /// Not 0: the button was released.
     PF_Boolean last_time;
 };
 
+/// A part of the panel must be drawn.
 struct PF_DrawEventInfo {
+    /// In panel pixels.
     PF_UnionableRect update_rect;
+    /// Bits per pixel of the screen.
     A_long depth;
 };
 
+/// A key was pressed.
 struct PF_KeyDownEvent {
+    /// Ticks of the system's clock.
     A_u_long when;
+    /// In panel pixels.
     PF_Point screen_point;
     PF_KeyCode keycode;
     PF_Modifiers modifiers;
 };
 
+/// The event's own part; `e_type` says which member.
 union PF_EventUnion {
     PF_DoClickEventInfo do_click;
     PF_DrawEventInfo draw;
@@ -121,10 +136,13 @@ union PF_EventUnion {
 struct _PF_ContextRefcon;
 typedef _PF_ContextRefcon* PF_ContextRefcon;
 
+/// The window in which events happen.
 struct PF_Context {
+    /// PF_CONTEXT_MAGIC.
     A_u_long magic;
     PF_WindowType w_type;
     PF_ContextRefcon reserved_flt;
+    /// The effect's own, kept with the window.
     A_intptr_t plugin_state[4];
     DRAWBOT_DrawRef reserved_drawref;
     void* reserved_paneP;
@@ -136,39 +154,56 @@ inline constexpr A_u_long PF_CONTEXT_MAGIC = 99251998u;
 typedef PF_Context* PF_ContextPtr;
 typedef PF_Context** PF_ContextH;
 
+/// Offered while PF_Cmd_EVENT runs; the first argument is always `refcon`, itself the host's. Points are 16.16 fixed
+/// pixels and are changed in place.
 struct PF_EventCallbacks {
     void* refcon;
+    /// A point of the layer as the composition places it at a time. [main]
     PF_Err (*layer_to_comp)(void* refcon, PF_ContextH context, A_long curr_time, A_long time_scale, PF_FixedPoint* pt);
+    /// A point of the composition as the layer has it at a time. [main]
     PF_Err (*comp_to_layer)(void* refcon, PF_ContextH context, A_long curr_time, A_long time_scale, PF_FixedPoint* pt);
+    /// The matrix from composition to layer; `*exists` is 0 where there is none. [main]
     PF_Err (*get_comp2layer_xform)(void* refcon, PF_ContextH context, A_long curr_time, A_long time_scale,
                                    A_long* exists, PF_FloatMatrix* c2l);
+    /// The matrix from layer to composition. [main]
     PF_Err (*get_layer2comp_xform)(void* refcon, PF_ContextH context, A_long curr_time, A_long time_scale,
                                    PF_FloatMatrix* l2c);
+    /// A point of the layer as the window shows it. [main]
     PF_Err (*source_to_frame)(void* refcon, PF_ContextH context, PF_FixedPoint* pt);
+    /// A point of the window as the layer has it. [main]
     PF_Err (*frame_to_source)(void* refcon, PF_ContextH context, PF_FixedPoint* pt);
+    /// Shows a colour in the application's info panel; the pixel goes by value. [main]
     PF_Err (*info_draw_color)(void* refcon, PF_Pixel color);
+    /// Shows two lines in the info panel; either may be null. The strings stay the caller's. [main]
     PF_Err (*info_draw_text)(void* refcon, const A_char* text1Z0, const A_char* text2Z0);
 };
 
 typedef PF_EventCallbacks* PF_EventCallbacksPtr;
 
+/// Where in the effect's panel an event happened.
 struct PF_EffectWindowInfo {
+    /// The row's parameter index.
     PF_ParamIndex index;
     PF_EffectArea area;
+    /// The control, in panel pixels.
     PF_UnionableRect current_frame;
+    /// The row's title, in panel pixels.
     PF_UnionableRect param_title_frame;
     A_long horiz_offset;
 };
 
+/// Where in a composition or layer window an event happened.
 struct PF_ItemWindowInfo {
     PF_UnionableRect port_rect;
 };
 
+/// The window's own part; the context's `w_type` says which member.
 union PF_WindowUnion {
     PF_EffectWindowInfo effect_win;
     PF_ItemWindowInfo item_win;
 };
 
+/// `extra` of PF_Cmd_EVENT. The record is the host's; the effect writes `evt_out_flags`.
 struct PF_EventExtra {
     PF_ContextH contextH;
     PF_EventType e_type;
@@ -179,6 +214,7 @@ struct PF_EventExtra {
     PF_EventOutFlags evt_out_flags;
 };
 
+/// Which events a self-drawn parameter wants, and how large it is in other windows, in pixels.
 struct PF_CustomUIInfo {
     A_long reserved;
     PF_CustomEventFlags events;

@@ -72,6 +72,7 @@ inline constexpr DRAWBOT_AntiAliasPolicy kDRAWBOT_AntiAliasPolicy_Med = 1;
 inline constexpr DRAWBOT_AntiAliasPolicy kDRAWBOT_AntiAliasPolicy_High = 2;
 inline constexpr DRAWBOT_AntiAliasPolicy kDRAWBOT_AntiAliasPolicy_Default = 0;
 
+/// Straight alpha, 0 to 1 per channel.
 struct DRAWBOT_ColorRGBA {
     float red;
     float green;
@@ -79,11 +80,13 @@ struct DRAWBOT_ColorRGBA {
     float alpha;
 };
 
+/// In panel pixels.
 struct DRAWBOT_PointF32 {
     float x;
     float y;
 };
 
+/// In panel pixels: a corner and a size.
 struct DRAWBOT_RectF32 {
     float left;
     float top;
@@ -91,6 +94,7 @@ struct DRAWBOT_RectF32 {
     float height;
 };
 
+/// In panel pixels: a corner and a size.
 struct DRAWBOT_Rect32 {
     int left;
     int top;
@@ -98,6 +102,7 @@ struct DRAWBOT_Rect32 {
     int height;
 };
 
+/// Takes row vectors: the translation is the third row.
 struct DRAWBOT_MatrixF32 {
     float mat[3][3];
 };

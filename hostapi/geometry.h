@@ -7,6 +7,7 @@
 
 #include "hostapi/basic_types.h"
 
+/// A point in pixels, under either pair of names.
 struct PF_Point {
     union {
         A_long x;
@@ -17,6 +18,8 @@ struct PF_Point {
         A_long v;
     };
 };
+
+/// A rectangle in pixels; empty where right is not beyond left or bottom not beyond top.
 struct PF_LRect {
     A_long left;
     A_long top;
@@ -27,16 +30,19 @@ struct PF_LRect {
 typedef PF_LRect PF_Rect;
 typedef PF_Rect PF_UnionableRect;
 
+/// A ratio.
 struct PF_RationalScale {
     A_long num;
     A_u_long den;
 };
 
+/// A point in 16.16 fixed pixels.
 struct PF_FixedPoint {
     PF_Fixed x;
     PF_Fixed y;
 };
 
+/// A rectangle in 16.16 fixed pixels.
 struct PF_FixedRect {
     PF_Fixed left;
     PF_Fixed top;
@@ -44,10 +50,12 @@ struct PF_FixedRect {
     PF_Fixed bottom;
 };
 
+/// 16.16 fixed; the translation is the third row.
 struct PF_Matrix {
     PF_Fixed mat[3][3];
 };
 
+/// The translation is the third row.
 struct PF_FloatMatrix {
     PF_FpLong mat[3][3];
 };

@@ -3,6 +3,11 @@
 #pragma once
 
 // The whole host interface at once: for the layout asserts and for tests. Production files include what they use.
+// Comments in this folder say what a declaration's name and types promise, what the module relies on, and what the host
+// program provides; where a host promises more, nothing here counts on it. Every function carries one of three tags.
+// [main]: only on the host's main thread, inside a set-up, set-down, parameter or panel command. [render]: only inside
+// a pre-render or render command, on the thread that the host sent it on. [any]: on any thread that is inside a
+// command, with that command's effect reference.
 
 #include "hostapi/aegp_types.h"
 #include "hostapi/arbitrary_data.h"

@@ -2,7 +2,9 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// Parameter definitions: one record per panel row, tagged by `param_type`.
+// Parameter definitions: one record per panel row, tagged by `param_type`. The same record declares a row, carries its
+// value when checked out, and changes the panel's look. Strings are NUL-terminated and the giver's; bounds are
+// inclusive.
 // Field order and size are the ABI: hostapi/abi_asserts.cpp proves every offset.
 
 #include "hostapi/pixels.h"
@@ -110,47 +112,61 @@ inline constexpr PF_PathID PF_PathID_NONE = 0;
 
 typedef PF_Handle PF_ArbitraryH;
 
+/// Whole numbers.
 struct PF_SliderDef {
     PF_ParamValue value;
     A_char value_str[32];
     A_char value_desc[32];
+    /// What may be typed.
     PF_ParamValue valid_min;
     PF_ParamValue valid_max;
+    /// What the slider reaches.
     PF_ParamValue slider_min;
     PF_ParamValue slider_max;
     PF_ParamValue dephault;
 };
 
+/// Numbers in 16.16 fixed.
 struct PF_FixedSliderDef {
     PF_Fixed value;
     A_char value_str[32];
     A_char value_desc[32];
+    /// What may be typed.
     PF_Fixed valid_min;
     PF_Fixed valid_max;
+    /// What the slider reaches.
     PF_Fixed slider_min;
     PF_Fixed slider_max;
     PF_Fixed dephault;
+    /// Decimals shown.
     PF_Precision precision;
     PF_ValueDisplayFlags display_flags;
 };
 
+/// Floating-point numbers. A percent slider holds 50 for 50 %.
 struct PF_FloatSliderDef {
     PF_FpLong value;
     PF_FpLong phase;
     A_char value_desc[32];
+    /// What may be typed.
     PF_FpShort valid_min;
     PF_FpShort valid_max;
+    /// What the slider reaches.
     PF_FpShort slider_min;
     PF_FpShort slider_max;
     PF_FpShort dephault;
+    /// Decimals shown.
     PF_Precision precision;
+    /// A percent sign or a pixel unit after the number.
     PF_ValueDisplayFlags display_flags;
     PF_FSliderFlags fs_flags;
+    /// Only for audio.
     PF_FpShort curve_tolerance;
     PF_Boolean useExponent;
     PF_FpShort exponent;
 };
 
+/// Degrees in 16.16 fixed; turns may exceed 360.
 struct PF_AngleDef {
     PF_Fixed value;
     PF_Fixed dephault;
@@ -158,70 +174,90 @@ struct PF_AngleDef {
     PF_Fixed valid_max;
 };
 
+/// 0 or 1.
 struct PF_CheckBoxDef {
     PF_ParamValue value;
     PF_Boolean dephault;
     A_char reserved;
     A_short reserved1;
     union {
+        /// Text beside the box.
         const A_char* nameptr;
     } u;
 };
 
+/// An 8-bit colour; the colour parameter suite gives it in floating point.
 struct PF_ColorDef {
     PF_UnionablePixel value;
     PF_UnionablePixel dephault;
 };
 
+/// A point in the layer.
 struct PF_PointDef {
+    /// 16.16 fixed, in downsampled pixels.
     PF_Fixed x_value;
     PF_Fixed y_value;
     A_char reserved[3];
+    /// Not 0: the point stays inside the layer.
     PF_Boolean restrict_bounds;
+    /// 16.16 fixed, in percent of the layer's size.
     PF_Fixed x_dephault;
     PF_Fixed y_dephault;
 };
 
+/// A point in space.
 struct PF_Point3DDef {
+    /// In downsampled pixels.
     PF_FpLong x_value;
     PF_FpLong y_value;
     PF_FpLong z_value;
+    /// In percent of the layer's size.
     PF_FpLong x_dephault;
     PF_FpLong y_dephault;
     PF_FpLong z_dephault;
     char reserved[16];
 };
 
+/// One of several items, counted from 1; a separator "(-" takes a number too.
 struct PF_PopupDef {
     PF_ParamValue value;
     A_short num_choices;
     A_short dephault;
     union {
+        /// The items, parted by '|'.
         const A_char* namesptr;
     } u;
 };
 
+/// A button; a press comes as PF_Cmd_USER_CHANGED_PARAM.
 struct PF_ButtonDef {
     PF_ParamValue value;
     union {
+        /// Text on the button.
         const A_char* namesptr;
     } u;
 };
 
+/// One of the layer's masks.
 struct PF_PathDef {
     PF_PathID path_id;
     A_long reserved0;
     A_long dephault;
 };
 
+/// Data that only the effect understands; the host handles it through PF_ArbParamsExtra.
 struct PF_ArbitraryDef {
+    /// The effect's own number for the kind of data.
     A_short id;
     A_short pad;
+    /// Made by the effect for the declaration and the host's afterwards; null where there is none.
     PF_ArbitraryH dephault;
+    /// The host's.
     PF_ArbitraryH value;
     void* refconPV;
 };
 
+/// The value part; `param_type` says which member.
 union PF_ParamDefUnion {
     PF_LayerDef ld;
     PF_SliderDef sd;
@@ -238,15 +274,20 @@ union PF_ParamDefUnion {
     PF_Point3DDef point3d_d;
 };
 
+/// A panel row.
 struct PF_ParamDef {
     union {
+        /// Declaring: the number under which projects store the row.
         A_long id;
+        /// Afterwards: what happened to the value.
         PF_ChangeFlags change_flags;
     } uu;
     PF_ParamUIFlags ui_flags;
+    /// Size of a self-drawn control in panel pixels.
     A_short ui_width;
     A_short ui_height;
     PF_ParamType param_type;
+    /// The row's name, 31 characters and a NUL.
     A_char name_do_not_use_directly[32];
     PF_ParamFlags flags;
     A_long unused;
@@ -257,10 +298,12 @@ typedef PF_ParamDef* PF_ParamDefPtr;
 typedef PF_ParamDef** PF_ParamDefH;
 typedef PF_ParamDef** PF_ParamList;
 
+/// `extra` of PF_Cmd_USER_CHANGED_PARAM: which row.
 struct PF_UserChangedParamExtra {
     PF_ParamIndex param_index;
 };
 
+/// A mark of a parameter's state, only good for the parameter utilities suite.
 struct PF_State {
     A_long reservedAL[4];
 };

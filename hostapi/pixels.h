@@ -2,12 +2,13 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// Pixels (alpha, red, green, blue; straight alpha), the world that holds them, and the per-pixel callbacks.
-// A world's rows lie `rowbytes` apart, which may exceed the width. Field order and size are the ABI:
-// hostapi/abi_asserts.cpp proves every offset.
+// Pixels (alpha, red, green, blue; straight alpha), the world that holds them, and the per-pixel callbacks. A world's
+// rows lie `rowbytes` apart, which may exceed the width.
+// Field order and size are the ABI: hostapi/abi_asserts.cpp proves every offset.
 
 #include "hostapi/geometry.h"
 
+/// 8 bits per channel, 0 to 255.
 struct PF_Pixel {
     A_u_char alpha;
     A_u_char red;
@@ -18,6 +19,7 @@ struct PF_Pixel {
 typedef PF_Pixel PF_Pixel8;
 typedef PF_Pixel PF_UnionablePixel;
 
+/// 16 bits per channel, 0 to PF_MAX_CHAN16 = 32768.
 struct PF_Pixel16 {
     A_u_short alpha;
     A_u_short red;
@@ -25,6 +27,7 @@ struct PF_Pixel16 {
     A_u_short blue;
 };
 
+/// 32-bit float per channel, 0 to 1 and beyond.
 struct PF_PixelFloat {
     PF_FpShort alpha;
     PF_FpShort red;
@@ -50,23 +53,31 @@ inline constexpr PF_WorldFlags PF_WorldFlag_RESERVED5 = 536870912;
 inline constexpr PF_WorldFlags PF_WorldFlag_RESERVED6 = 1073741824;
 inline constexpr PF_WorldFlags PF_WorldFlag_RESERVED = static_cast<PF_WorldFlags>(0x80000000u);
 
+/// A world: a picture in memory, and also the value of a layer parameter.
 struct PF_LayerDef {
     void* reserved0;
     void* reserved1;
     PF_WorldFlags world_flags;
+    /// The top-left pixel; 8-bit by type, of the depth that the render has in truth.
     PF_PixelPtr data;
+    /// Bytes from one row to the next.
     A_long rowbytes;
+    /// Size in pixels.
     A_long width;
     A_long height;
+    /// The smallest rectangle that holds everything not transparent, or a larger one.
     PF_UnionableRect extent_hint;
     void* platform_ref;
     A_long reserved_long1;
     void* reserved_long4;
+    /// A pixel's width over its height.
     PF_RationalScale pix_aspect_ratio;
     void* reserved_long2;
+    /// Where the top-left pixel lies in the layer, in downsampled pixels.
     A_long origin_x;
     A_long origin_y;
     A_long reserved_long3;
+    /// Declaring a layer parameter: PF_LayerDefault_MYSELF or PF_LayerDefault_NONE.
     A_long dephault;
 };
 
@@ -95,8 +106,12 @@ inline constexpr PF_NewWorldFlags PF_NewWorldFlag_DEEP_PIXELS = 2;
 inline constexpr PF_NewWorldFlags PF_NewWorldFlag_RESERVED0 = 4;
 inline constexpr PF_NewWorldFlags PF_NewWorldFlag_RESERVED1 = 8;
 
+/// What an iterate call calls once per pixel, from several threads at once; x and y are the destination pixel's place.
+/// Both pixels are valid for the one call. A non-zero result ends the walk and becomes its result. [any]
 typedef PF_Err (*PF_IteratePixel8Func)(void* refconP, A_long xL, A_long yL, PF_Pixel* inP, PF_Pixel* outP);
+/// The same for 16-bit worlds. [any]
 typedef PF_Err (*PF_IteratePixel16Func)(void* refconP, A_long xL, A_long yL, PF_Pixel16* inP, PF_Pixel16* outP);
+/// The same for 32-bit float worlds. [any]
 typedef PF_Err (*PF_IteratePixelFloatFunc)(void* refconP, A_long xL, A_long yL, PF_PixelFloat* inP,
                                            PF_PixelFloat* outP);
 

@@ -22,6 +22,7 @@ inline constexpr PF_SoundSampleSize PF_SSS_4 = 4;
 inline constexpr PF_SoundChannels PF_Channels_MONO = 1;
 inline constexpr PF_SoundChannels PF_Channels_STEREO = 2;
 
+/// How samples are stored; the rate in samples per second.
 struct PF_SoundFormatInfo {
     PF_FpLong rateF;
     PF_SoundChannels num_channels;
@@ -29,6 +30,7 @@ struct PF_SoundFormatInfo {
     PF_SoundSampleSize sample_size;
 };
 
+/// A piece of sound; the samples stay the host's.
 struct PF_SoundWorld {
     PF_SoundFormatInfo fi;
     A_long num_samples;

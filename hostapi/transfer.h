@@ -57,11 +57,16 @@ inline constexpr PF_TransferMode PF_Xfer_TINT = 29;
 inline constexpr PF_TransferMode PF_Xfer_SHADE = 30;
 inline constexpr PF_TransferMode PF_Xfer_INTENSE_LIGHT = 32;
 
+/// How one picture is laid over another.
 struct PF_CompositeMode {
     PF_TransferMode xfer;
+    /// For the dissolve modes.
     A_long rand_seed;
+    /// 0 to 255, for 8-bit and float worlds.
     A_u_char opacity;
+    /// Not 0: the destination's alpha stays.
     PF_Boolean rgb_only;
+    /// 0 to PF_MAX_CHAN16, for 16-bit worlds.
     A_u_short opacitySu;
 };
 
@@ -71,12 +76,16 @@ inline constexpr PF_MaskFlags PF_MaskFlag_NONE = 0;
 inline constexpr PF_MaskFlags PF_MaskFlag_INVERTED = 1;
 inline constexpr PF_MaskFlags PF_MaskFlag_LUMINANCE = 2;
 
+/// A matte over a composite.
 struct PF_MaskWorld {
     PF_EffectWorld mask;
+    /// Where the mask's top-left lies against the source's, in pixels.
     PF_Point offset;
+    /// Which channel cuts, and whether inverted.
     PF_MaskFlags what_is_mask;
 };
 
+/// How worlds carry alpha. The straight flag is a bit, the premultiplied one the absence of it.
 inline constexpr PF_ModeFlags PF_MF_Alpha_PREMUL = 0;
 inline constexpr PF_ModeFlags PF_MF_Alpha_STRAIGHT = 1;
 
