@@ -45,8 +45,7 @@ Pixel Store(const PF_PixelFloat& pixel) {
 template <typename Pixel, typename Function>
 void Combine(const PF_EffectWorld& first, const PF_EffectWorld& second, const PF_EffectWorld& destination,
              Function function) {
-    const PF_LRect shared =
-        Intersection(Intersection(BoundsOf(first), BoundsOf(second)), BoundsOf(destination));
+    const PF_LRect shared = Intersection(Intersection(BoundsOf(first), BoundsOf(second)), BoundsOf(destination));
     ForEachRowRange(HeightOf(shared), [&](int begin, int end) {
         for (int y = begin; y < end; ++y) {
             for (int x = 0; x < shared.right; ++x) {

@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/module/module.h"
+
+#include <dlfcn.h>
+#include <fmt/format.h>
+
+#include <exception>
+#include <system_error>
+#include <utility>
+
+#include "hostapi/registration.h"
+
+namespace {
+
+constexpr char kRegistrationExport[] = "PluginDataEntryFunction";
+constexpr char kHostName[] = "umbrant";
+constexpr char kHostVersion[] = "1";
+
+using RegistrationFunction = PF_Err (*)(PF_PluginDataPtr, PF_PluginDataCB, SPBasicSuite*, const char*, const char*);
+
+Failure ModuleFailure(const std::filesystem::path& file, const std::string& reason) {
+    return {ExitCode::kModule, fmt::format("cannot load the module '{}': {}", file.string(), reason)};
+}
+
+/// What the callback has received; the pointer that is handed through the module.
+struct Received {
+    Registration registration;
+    int calls = 0;
+    bool complete = true;
+};
+
+std::string Text(const A_u_char* bytes) {
+    return bytes ? std::string(reinterpret_cast<const char*>(bytes)) : std::string();
+}
+
+A_Err Receive(PF_PluginDataPtr pointer, const A_u_char* name, const A_u_char* matchName, const A_u_char* category,
+              const A_u_char* entryPoint, A_long kind, A_long apiMajor, A_long apiMinor, A_long reservedInfo) {
+    auto* received = reinterpret_cast<Received*>(pointer);
+    if (!received) return PF_Err_BAD_CALLBACK_PARAM;
+    ++received->calls;
+    received->complete = name && matchName && category && entryPoint;
+    received->registration = {Text(name), Text(matchName), Text(category), Text(entryPoint),
+                              kind,       apiMajor,        apiMinor,       reservedInfo};
+    return PF_Err_NONE;
+}
+
+/// What went wrong in calling `function`, when an exception left it.
+template <typename Function>
+std::optional<std::string> CatchAll(Function function) {
+    try {
+        function();
+    } catch (const std::exception& exception) {
+        return exception.what();
+    } catch (int number) {
+        return fmt::format("the number {}", number);
+    } catch (...) {
+        return "an exception of an unknown type";
+    }
+    return std::nullopt;
+}
+
+std::string FourCharacters(A_long code) {
+    std::string text;
+    for (int shift = 24; shift >= 0; shift -= 8) {
+        const char character = static_cast<char>(code >> shift & 0xFF);
+        text += character >= ' ' && character <= '~' ? character : '?';
+    }
+    return text;
+}
+
+/// The reason why a path cannot even be tried, or nothing.
+std::optional<std::string> FileProblem(const std::filesystem::path& file) {
+    std::error_code error;
+    const auto status = std::filesystem::status(file, error);
+    if (!std::filesystem::exists(status)) return "there is no such file; name the module's file";
+    if (std::filesystem::is_directory(status)) return "it is a folder; name the module's file inside it";
+    return std::nullopt;
+}
+
+/// Asks the module what it holds. Returns the reason when it does not hold one effect that can be driven.
+std::optional<std::string> Register(void* library, Registration& registration) {
+    const auto entry = reinterpret_cast<RegistrationFunction>(dlsym(library, kRegistrationExport));
+    if (!entry) return fmt::format("it does not export '{}', as an effect module does", kRegistrationExport);
+
+    Received received;
+    PF_Err error = PF_Err_NONE;
+    const auto thrown = CatchAll([&] {
+        error = entry(reinterpret_cast<PF_PluginDataPtr>(&received), Receive, nullptr, kHostName, kHostVersion);
+    });
+    if (thrown) {
+        return fmt::format("its registration let an exception out ({}); it should return an error instead", *thrown);
+    }
+    if (error) return fmt::format("its registration returned error {}; it should return 0", error);
+    if (received.calls != 1) {
+        return fmt::format("it registered {} effects; this host takes modules with exactly one", received.calls);
+    }
+    if (!received.complete) return "its registration lacks a name; name, match name, category and entry are needed";
+    registration = received.registration;
+    if (registration.kind != kPluginKind_Effect) {
+        return fmt::format("it registers the kind '{}'; an effect has the kind '{}'", FourCharacters(registration.kind),
+                           FourCharacters(kPluginKind_Effect));
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+void Module::Unloader::operator()(void* library) const {
+    dlclose(library);
+}
+
+Result<Module> Module::Load(const std::filesystem::path& file) {
+    if (const auto problem = FileProblem(file)) return ModuleFailure(file, *problem);
+
+    Module module;
+    module.file_ = file;
+    // A bare file name would be looked for in the system's library folders.
+    std::error_code ignored;
+    const std::filesystem::path path = std::filesystem::absolute(file, ignored);
+    std::optional<std::string> thrown =
+        CatchAll([&] { module.library_.reset(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)); });
+    if (thrown) return ModuleFailure(file, fmt::format("an exception left its initialisation ({})", *thrown));
+    if (!module.library_) {
+        const char* reason = dlerror();
+        return ModuleFailure(file,
+                             fmt::format("it is not a loadable module ({}); a shared library with an effect is needed",
+                                         reason ? reason : "no reason given"));
+    }
+    if (const auto problem = Register(module.library_.get(), module.registration_)) {
+        return ModuleFailure(file, *problem);
+    }
+    const std::string& entryPoint = module.registration_.entryPoint;
+    module.entry_ = reinterpret_cast<PF_FilterProc>(dlsym(module.library_.get(), entryPoint.c_str()));
+    if (!module.entry_) {
+        return ModuleFailure(file, fmt::format("it registers the entry '{}' but does not export it", entryPoint));
+    }
+    return module;
+}
+
+CallOutcome Module::Call(PF_Cmd command, PF_InData* inData, PF_OutData* outData, PF_ParamDef* params[],
+                         PF_LayerDef* output, void* extra) const {
+    CallOutcome outcome;
+    outcome.exception = CatchAll([&] { outcome.error = entry_(command, inData, outData, params, output, extra); });
+    if (outcome.exception) outcome.error = PF_Err_INTERNAL_STRUCT_DAMAGED;
+    return outcome;
+}

@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// The suite of suites, and the one table of what this host offers. The panel's drawing suites are not in it: a host
+// without a panel to draw on has none.
+
+#include "hostapi/suites/basic_suite.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <mutex>
+#include <unordered_set>
+
+#include "host/suites/slots.h"
+#include "host/suites/tables.h"
+
+namespace {
+
+struct OfferedSuite {
+    const char* name;
+    int32_t version;
+    const void* suite;
+};
+
+const OfferedSuite kOffered[] = {
+    {kPFHandleSuiteName, kPFHandleSuiteVersion1, &kHandleSuite},
+    {kPFANSISuiteName, kPFANSISuiteVersion1, &kANSISuite},
+    {kPFWorldSuiteName, kPFWorldSuiteVersion2, &kWorldSuite},
+    {kPFIterate8SuiteName, kPFIterate8SuiteVersion1, &kIterate8Suite},
+    {kPFIterate16SuiteName, kPFIterate16SuiteVersion1, &kIterate16Suite},
+    {kPFIterateFloatSuiteName, kPFIterateFloatSuiteVersion1, &kIterateFloatSuite},
+    {kPFWorldTransformSuiteName, kPFWorldTransformSuiteVersion1, &kWorldTransformSuite},
+    {kPFColorParamSuiteName, kPFColorParamSuiteVersion1, &kColorParamSuite},
+    {kPFParamUtilsSuiteName, kPFParamUtilsSuiteVersion3, &kParamUtilsSuite},
+    {kPFEffectUISuiteName, kPFEffectUISuiteVersion1, &kEffectUISuite},
+    {kPFEffectCustomUISuiteName, kPFEffectCustomUISuiteVersion1, &kEffectCustomUISuite},
+    {kAEGPPFInterfaceSuiteName, kAEGPPFInterfaceSuiteVersion1, &kPFInterfaceSuite},
+    {kAEGPLayerSuiteName, kAEGPLayerSuiteVersion7, &kLayerSuite},
+    {kAEGPEffectSuiteName, kAEGPEffectSuiteVersion2, &kEffectSuite},
+    {kAEGPStreamSuiteName, kAEGPStreamSuiteVersion2, &kStreamSuite},
+    {kAEGPDynamicStreamSuiteName, kAEGPDynamicStreamSuiteVersion2, &kDynamicStreamSuite},
+};
+
+const OfferedSuite* FindOffered(const char* name, int32_t version) {
+    for (const OfferedSuite& offered : kOffered) {
+        if (offered.version == version && std::strcmp(offered.name, name) == 0) return &offered;
+    }
+    return nullptr;
+}
+
+std::string Label(const char* name, int32_t version) {
+    return std::string(name) + " " + std::to_string(version);
+}
+
+SPErr AcquireSuite(const char* name, int32_t version, const void** suite) {
+    if (!name || !suite) return PF_Err_BAD_CALLBACK_PARAM;
+    *suite = nullptr;
+    const OfferedSuite* offered = FindOffered(name, version);
+    const PF_Err fault = FaultOf(std::string("AcquireSuite:") + name);
+    Services* services = CurrentServices();
+    if (!offered || fault) {
+        if (services) services->refused.Note(Label(name, version));
+        return fault ? fault : A_Err_MISSING_SUITE;
+    }
+    if (services) {
+        services->acquired.Note(Label(name, version));
+        const std::lock_guard lock(services->suitesMutex);
+        ++services->suites[{name, version}];
+    }
+    if (CommandNotes* notes = ServiceScope::Current().second) notes->acquired.Note(Label(name, version));
+    Count(Resource::kSuite, 1);
+    *suite = offered->suite;
+    return PF_Err_NONE;
+}
+
+SPErr ReleaseSuite(const char* name, int32_t version) {
+    if (!name) return PF_Err_BAD_CALLBACK_PARAM;
+    if (Services* services = CurrentServices()) {
+        const std::lock_guard lock(services->suitesMutex);
+        const auto held = services->suites.find({name, version});
+        if (held == services->suites.end()) {
+            services->Report("the suite " + Label(name, version) + " was released without being held");
+            return PF_Err_BAD_CALLBACK_PARAM;
+        }
+        if (--held->second == 0) services->suites.erase(held);
+    }
+    Count(Resource::kSuite, -1);
+    return PF_Err_NONE;
+}
+
+SPBoolean IsEqual(const char* token1, const char* token2) {
+    return token1 == token2 || (token1 && token2 && std::strcmp(token1, token2) == 0);
+}
+
+/// The blocks that are out, so that a wrong one is not given to the C library.
+struct Blocks {
+    std::mutex mutex;
+    std::unordered_set<void*> live;
+};
+
+// Kept: never destroyed, because an effect may give memory back while the program ends.
+Blocks& TheBlocks() {
+    static Blocks* blocks = new Blocks;
+    return *blocks;
+}
+
+/// Takes a block out of the list; false, with a report, when it is not in it.
+bool Forget(void* block) {
+    Blocks& blocks = TheBlocks();
+    {
+        const std::lock_guard lock(blocks.mutex);
+        if (blocks.live.erase(block)) return true;
+    }
+    Report("a memory block was given back that is not one, or no longer");
+    return false;
+}
+
+void Remember(void* block) {
+    Blocks& blocks = TheBlocks();
+    const std::lock_guard lock(blocks.mutex);
+    blocks.live.insert(block);
+}
+
+SPErr AllocateBlock(size_t size, void** block) {
+    if (!block) return PF_Err_BAD_CALLBACK_PARAM;
+    *block = std::malloc(size ? size : 1);
+    if (!*block) return PF_Err_OUT_OF_MEMORY;
+    Remember(*block);
+    Count(Resource::kBlock, 1);
+    return PF_Err_NONE;
+}
+
+SPErr FreeBlock(void* block) {
+    if (!block) return PF_Err_NONE;
+    if (!Forget(block)) return PF_Err_BAD_CALLBACK_PARAM;
+    std::free(block);
+    Count(Resource::kBlock, -1);
+    return PF_Err_NONE;
+}
+
+SPErr ReallocateBlock(void* block, size_t size, void** moved) {
+    if (!moved) return PF_Err_BAD_CALLBACK_PARAM;
+    if (!block) return AllocateBlock(size, moved);
+    if (!Forget(block)) return PF_Err_BAD_CALLBACK_PARAM;
+    void* grown = std::realloc(block, size ? size : 1);
+    Remember(grown ? grown : block);
+    if (!grown) return PF_Err_OUT_OF_MEMORY;
+    *moved = grown;
+    return PF_Err_NONE;
+}
+
+SPErr Undefined() {
+    return PF_Err_INVALID_CALLBACK;
+}
+
+template <FixedText Call, auto Function>
+using Slot = Served<kSPBasicSuiteName, Call, Function>;
+
+}  // namespace
+
+SPBasicSuite basicSuite = {
+    .AcquireSuite = Slot<"AcquireSuite", AcquireSuite>(),
+    .ReleaseSuite = Slot<"ReleaseSuite", ReleaseSuite>(),
+    .IsEqual = Slot<"IsEqual", IsEqual>(),
+    .AllocateBlock = Slot<"AllocateBlock", AllocateBlock>(),
+    .FreeBlock = Slot<"FreeBlock", FreeBlock>(),
+    .ReallocateBlock = Slot<"ReallocateBlock", ReallocateBlock>(),
+    .Undefined = Slot<"Undefined", Undefined>(),
+};

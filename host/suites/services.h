@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// What stands behind the host's suites: per session one Services record with its counts, its panel and its list of
+// misdeeds, and per command a scope that says which record the suites of this thread mean. Suites are plain tables of
+// functions, and some of those get no reference to anything, so the record must be found through the thread.
+
+#include <array>
+#include <atomic>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "host/suites/balance.h"
+#include "host/suites/panel_state.h"
+#include "hostapi/aegp_types.h"
+#include "hostapi/errors.h"
+
+struct FrameRecord;
+
+/// Counts of what is open, safe on every thread.
+class Tally {
+ public:
+    void Add(Resource resource, int amount) { open_[static_cast<std::size_t>(resource)] += amount; }
+    Balance Snapshot() const;
+
+ private:
+    std::array<std::atomic<int>, kResourceCount> open_{};
+};
+
+/// Which suites were asked for, "name version".
+class SuiteLog {
+ public:
+    void Note(const std::string& suite);
+    std::vector<std::string> Names() const;  ///< sorted
+
+ private:
+    mutable std::mutex mutex_;
+    std::set<std::string> names_;
+};
+
+/// What one command did, for its report.
+struct CommandNotes {
+    Tally tally;
+    SuiteLog acquired;
+};
+
+/// The record of one session. Every member is safe on every thread.
+class Services {
+ public:
+    Services();
+    ~Services();
+    Services(const Services&) = delete;
+    Services& operator=(const Services&) = delete;
+
+    /// Adds a sentence about something that the effect did wrong.
+    void Report(std::string sentence);
+    std::vector<std::string> Misbehaviour() const;
+
+    Tally tally;
+    SuiteLog acquired;
+    SuiteLog refused;
+    PanelState panel;
+    /// How often each suite is held, by name and version. Guarded by suitesMutex.
+    std::map<std::pair<std::string, int32_t>, int> suites;
+    std::mutex suitesMutex;
+    std::atomic<AEGP_LayerFlags> layerFlags{AEGP_LayerFlag_NONE};
+    /// See SessionOptions::fault. Set before the first command.
+    std::function<PF_Err(std::string_view call)> fault;
+
+ private:
+    mutable std::mutex mutex_;
+    std::vector<std::string> misbehaviour_;
+};
+
+/// While it lives, the suites on this thread mean `services`, and count for `notes` too when it is not null.
+class ServiceScope {
+ public:
+    ServiceScope(Services* services, CommandNotes* notes);
+    ~ServiceScope();
+    ServiceScope(const ServiceScope&) = delete;
+    ServiceScope& operator=(const ServiceScope&) = delete;
+
+    /// The scope of the calling thread, to be carried to threads that work for it.
+    static std::pair<Services*, CommandNotes*> Current();
+
+ private:
+    std::pair<Services*, CommandNotes*> outer_;
+};
+
+/// The calling thread's session; on a thread that an effect started itself, the session that began last. Null when
+/// there is none.
+Services* CurrentServices();
+/// Counts for the calling thread's session and command.
+void Count(Resource resource, int amount);
+/// Reports to the calling thread's session.
+void Report(std::string sentence);
+/// What the fault hook says about a call: 0 lets it happen.
+PF_Err FaultOf(std::string_view call);
+
+/// What an effect's `effect_ref` points to. Registered while it lives, so that a wrong reference is told from a right
+/// one without touching it.
+class EffectRef {
+ public:
+    /// `frame` is null outside of frames.
+    EffectRef(Services* services, FrameRecord* frame);
+    ~EffectRef();
+    EffectRef(const EffectRef&) = delete;
+    EffectRef& operator=(const EffectRef&) = delete;
+
+    PF_ProgPtr Pointer() { return reinterpret_cast<PF_ProgPtr>(this); }
+    /// The reference behind a pointer that an effect handed in; null, with a report, when it is none of ours.
+    static EffectRef* Of(PF_ProgPtr pointer, const char* call);
+
+    Services* const services;
+    FrameRecord* const frame;
+};
