@@ -102,7 +102,7 @@ TEST_F(ProgramTest, BothShadersFailing) {
               "ERROR::SHADER::VERTEX::COMPILATION_FAILED\nthe longest of the logs\n"
               "ERROR::SHADER::FRAGMENT::COMPILATION_FAILED\nthe second log\n"
               "ERROR::SHADER::PROGRAM::LINKING_FAILED\nlink log\n");
-    EXPECT_EQ(Message(), "link logond logthe logs") << "each log lies over the remains of the earlier ones";
+    EXPECT_EQ(Message(), "link lognd log the logs") << "each log lies over the remains of the earlier ones";
 }
 
 TEST_F(ProgramTest, LogsAreCutTo511Characters) {
