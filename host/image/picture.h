@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// Pictures in files. Whatever the file holds, in memory it is one world of straight-alpha pixels; whatever is written
+// follows its format's convention. All file formats are known here and nowhere else.
+
+#include <filesystem>
+#include <string>
+
+#include "host/compositing/world.h"
+#include "host/result.h"
+
+/// A picture as read. The frame is what a layer made of it shows: from (0, 0) to its width and height.
+struct Picture {
+    World pixels;       ///< covers `window`; 8 bits when the file has 8 bits or fewer, otherwise float
+    PF_LRect window{};  ///< where the pixels lie in the frame; the frame itself except in formats with a data window
+    int frameWidth = 0;
+    int frameHeight = 0;
+    std::string format;  ///< "png", "tiff", "jpeg", "openexr", ...
+    int bits = 8;        ///< bits of a channel in the file
+};
+
+/// Reads the first picture of a file. 16-bit integers and halves become float. Grey becomes three equal channels, a
+/// palette its colours; without an alpha channel every pixel is opaque. Premultiplied files (EXR by definition, TIFF
+/// where it says so) are divided by their alpha; a pixel of alpha 0 keeps its colour as it is. Values are the file's:
+/// no colour conversion. Fails with `ExitCode::kFile`, also for a deep or multi-part file.
+Result<Picture> ReadPicture(const std::filesystem::path& file);
+
+/// Where a picture's pixels belong.
+struct Placement {
+    PF_LRect window{};   ///< the world's place in the frame
+    int frameWidth = 0;  ///< the layer's frame, pixels
+    int frameHeight = 0;
+};
+
+/// The extensions that WritePicture knows, as a phrase: ".png, .tif, ...".
+std::string WritableFormats();
+
+/// Whether a picture could be written there: extension, folder, not a folder itself. For failing before the work is
+/// done. Fails with `ExitCode::kFile`.
+Result<Done> CheckWritable(const std::filesystem::path& file);
+
+/// Writes a world, whose format is one of the host's, in the format that the extension names:
+///   .png        straight; 8 bits, or 16 from a float world
+///   .tif .tiff  straight; 8 bits, or float
+///   .exr        premultiplied; half from an 8-bit world, else float; `place` becomes data and display window
+///   .jpg .jpeg  8 bits; has no alpha, so the picture is laid on white, where a shadow shows
+/// The file appears whole or not at all: it is written under a temporary name beside its place and then renamed. Fails
+/// with `ExitCode::kFile`, also for an empty world.
+Result<Done> WritePicture(const std::filesystem::path& file, const World& world, const Placement& place);

@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include <OpenImageIO/imageio.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdint>
+#include <exception>
+#include <limits>
+#include <memory>
+#include <new>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "host/image/picture.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+Failure CannotRead(const fs::path& file, std::string_view reason) {
+    return {ExitCode::kFile, fmt::format("cannot read \"{}\": {}", file.string(), reason)};
+}
+
+/// The library's message as part of one sentence: its first line, without the file's name again or a full stop.
+std::string Reason(std::string message, const fs::path& file) {
+    message = message.substr(0, message.find('\n'));
+    for (const std::string& name : {fmt::format(" \"{}\"", file.string()), fmt::format(" (\"{}\")", file.string()),
+                                    fmt::format("\"{}\" ", file.string())}) {
+        if (const auto at = message.find(name); at != std::string::npos) message.erase(at, name.size());
+    }
+    while (!message.empty() && (message.back() == '.' || message.back() == ' ')) message.pop_back();
+    return message.empty() ? "its contents are damaged" : message;
+}
+
+/// Which of a file's channels are which; -1 for none.
+struct Channels {
+    int red = 0;
+    int green = 0;
+    int blue = 0;
+    int alpha = -1;
+};
+
+int ChannelNamed(const OIIO::ImageSpec& spec, std::string_view name) {
+    for (int i = 0; i < spec.nchannels; ++i) {
+        const std::string& candidate = spec.channelnames[static_cast<std::size_t>(i)];
+        if (candidate.size() == name.size() &&
+            std::equal(candidate.begin(), candidate.end(), name.begin(),
+                       [](unsigned char a, unsigned char b) { return std::tolower(a) == std::tolower(b); })) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+/// Colour channels by name where they are named, else the first three; one channel is grey, two are red and green.
+Channels FindChannels(const OIIO::ImageSpec& spec) {
+    Channels found;
+    found.alpha = spec.alpha_channel;
+    found.red = ChannelNamed(spec, "R");
+    found.green = ChannelNamed(spec, "G");
+    found.blue = ChannelNamed(spec, "B");
+    if (found.red >= 0 && found.green >= 0 && found.blue >= 0) return found;
+
+    std::vector<int> colours;
+    for (int i = 0; i < spec.nchannels; ++i) {
+        if (i != found.alpha) colours.push_back(i);
+    }
+    if (colours.size() >= 3) return {colours[0], colours[1], colours[2], found.alpha};
+    if (colours.size() == 2) return {colours[0], colours[1], -1, found.alpha};
+    if (colours.size() == 1) return {colours[0], colours[0], colours[0], found.alpha};
+    return {-1, -1, -1, found.alpha};
+}
+
+/// Puts one row of the file's channels into a world's row. A colour channel that the file lacks is 0, or full in a file
+/// of alpha alone; a missing alpha is full.
+template <typename Pixel, typename Channel>
+void FillRow(const Channel* from, int channelCount, const Channels& channels, Channel full, Pixel* to, int width) {
+    const Channel missing = channels.red < 0 ? full : Channel{0};
+    for (int x = 0; x < width; ++x, from += channelCount) {
+        to[x].alpha = channels.alpha < 0 ? full : from[channels.alpha];
+        to[x].red = channels.red < 0 ? missing : from[channels.red];
+        to[x].green = channels.green < 0 ? missing : from[channels.green];
+        to[x].blue = channels.blue < 0 ? missing : from[channels.blue];
+    }
+}
+
+void Unpremultiply(PF_PixelFloat* row, int width) {
+    for (int x = 0; x < width; ++x) {
+        PF_PixelFloat& pixel = row[x];
+        if (!(pixel.alpha > 0.0f)) continue;
+        pixel.red /= pixel.alpha;
+        pixel.green /= pixel.alpha;
+        pixel.blue /= pixel.alpha;
+    }
+}
+
+void Unpremultiply(PF_Pixel* row, int width) {
+    for (int x = 0; x < width; ++x) {
+        PF_Pixel& pixel = row[x];
+        if (pixel.alpha == 0) continue;
+        const auto divide = [&pixel](A_u_char channel) {
+            return static_cast<A_u_char>(std::min(255, (channel * 255 + pixel.alpha / 2) / pixel.alpha));
+        };
+        pixel.red = divide(pixel.red);
+        pixel.green = divide(pixel.green);
+        pixel.blue = divide(pixel.blue);
+    }
+}
+
+/// Reads all pixels in the file's own channels, `Channel` being what they are converted to.
+template <typename Pixel, typename Channel>
+std::optional<std::string> ReadPixels(OIIO::ImageInput& input, const OIIO::ImageSpec& spec, OIIO::TypeDesc type,
+                                      Channel full, World& world) {
+    const std::size_t rowValues = static_cast<std::size_t>(spec.width) * static_cast<std::size_t>(spec.nchannels);
+    std::vector<Channel> values(rowValues * static_cast<std::size_t>(spec.height));
+    const bool read = input.read_image(0, 0, 0, spec.nchannels, type, values.data());
+    // Some readers deliver what they have of a truncated file and only leave a message.
+    const std::string message = input.geterror();
+    if (!read || !message.empty()) return message;
+
+    const Channels channels = FindChannels(spec);
+    const bool hasBoth = channels.alpha >= 0 && channels.red >= 0;
+    const bool straight = !hasBoth || spec.get_int_attribute("oiio:UnassociatedAlpha", 0) != 0;
+    for (int y = 0; y < spec.height; ++y) {
+        auto* row = static_cast<Pixel*>(static_cast<void*>(world.Row(y)));
+        FillRow(values.data() + rowValues * static_cast<std::size_t>(y), spec.nchannels, channels, full, row,
+                spec.width);
+        if (!straight) Unpremultiply(row, spec.width);
+    }
+    return std::nullopt;
+}
+
+/// What lies at a path that is not a file, or nothing when it is one.
+std::optional<std::string> WhyNoFile(const fs::path& file) {
+    std::error_code error;
+    const fs::file_status status = fs::status(file, error);
+    if (!fs::exists(status)) return "there is no such file";
+    if (fs::is_directory(status)) return "it is a folder, not a picture";
+    if (!fs::is_regular_file(status)) return "it is not a regular file";
+    const auto size = fs::file_size(file, error);
+    if (!error && size == 0) return "the file is empty";
+    return std::nullopt;
+}
+
+Result<Picture> ReadOpened(OIIO::ImageInput& input, const fs::path& file) {
+    const OIIO::ImageSpec spec = input.spec();
+    if (spec.deep) return CannotRead(file, "it is a deep picture; flatten it first");
+    if (spec.depth > 1) return CannotRead(file, "it is a volume, not a flat picture");
+    if (spec.width <= 0 || spec.height <= 0 || spec.nchannels <= 0) return CannotRead(file, "it has no pixels");
+    Picture picture;
+    picture.format = input.format_name();
+    const bool hasWindows = picture.format == "openexr";
+    if (hasWindows && spec.get_int_attribute("oiio:subimages", 1) > 1) {
+        return CannotRead(file, "it has several parts; save the one you need as a file of its own");
+    }
+
+    constexpr std::int64_t kGreatestSide = std::numeric_limits<A_long>::max() / 16 - 16;
+    const bool eight = spec.format.size() == 1;
+    picture.bits = spec.get_int_attribute("oiio:BitsPerSample", static_cast<int>(spec.format.size()) * 8);
+    picture.window = {0, 0, spec.width, spec.height};
+    picture.frameWidth = spec.width;
+    picture.frameHeight = spec.height;
+    if (hasWindows && spec.full_width > 0 && spec.full_height > 0) {
+        picture.window = {spec.x - spec.full_x, spec.y - spec.full_y, spec.x - spec.full_x + spec.width,
+                          spec.y - spec.full_y + spec.height};
+        picture.frameWidth = spec.full_width;
+        picture.frameHeight = spec.full_height;
+    }
+    if (std::max({spec.width, spec.height, picture.frameWidth, picture.frameHeight}) > kGreatestSide) {
+        return CannotRead(file, "it is too large");
+    }
+    picture.pixels = World::Create(spec.width, spec.height, eight ? Depth::k8 : Depth::k32);
+    if (picture.pixels.IsNull()) return CannotRead(file, "there is not enough memory for it");
+
+    const auto problem =
+        eight ? ReadPixels<PF_Pixel, A_u_char>(input, spec, OIIO::TypeDesc::UINT8, 255, picture.pixels)
+              : ReadPixels<PF_PixelFloat, float>(input, spec, OIIO::TypeDesc::FLOAT, 1.0f, picture.pixels);
+    if (problem) return CannotRead(file, Reason(*problem, file));
+    return picture;
+}
+
+}  // namespace
+
+Result<Picture> ReadPicture(const fs::path& file) {
+    if (const auto reason = WhyNoFile(file)) return CannotRead(file, *reason);
+    try {
+        // Without this the library would hand over straight files premultiplied, and rounded.
+        OIIO::ImageSpec config;
+        config.attribute("oiio:UnassociatedAlpha", 1);
+        const std::unique_ptr<OIIO::ImageInput> input = OIIO::ImageInput::open(file.string(), &config);
+        if (!input) {
+            const std::string message = OIIO::geterror();
+            return CannotRead(file, fmt::format("it is not a picture that can be read ({})", Reason(message, file)));
+        }
+        return ReadOpened(*input, file);
+    } catch (const std::bad_alloc&) {
+        return CannotRead(file, "there is not enough memory for it");
+    } catch (const std::exception& problem) {
+        return CannotRead(file, Reason(problem.what(), file));
+    }
+}

@@ -1,0 +1,361 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// What pictures of every kind look like in memory, and what is said about files that are none.
+
+#include <OpenImageIO/deepdata.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "host/image/picture.h"
+#include "tests/host/image/picture_files.h"
+
+namespace {
+
+using testing::HasSubstr;
+
+OIIO::ImageSpec Spec(int channels, OIIO::TypeDesc type, std::vector<std::string> names = {}) {
+    OIIO::ImageSpec spec(3, 2, channels, type);
+    if (channels == 2) names = names.empty() ? std::vector<std::string>{"Y", "A"} : names;
+    if (!names.empty()) {
+        spec.channelnames = names;
+        spec.alpha_channel = -1;
+        for (int i = 0; i < channels; ++i) {
+            if (names[static_cast<std::size_t>(i)] == "A") spec.alpha_channel = i;
+        }
+    }
+    return spec;
+}
+
+struct EightCase {
+    const char* name;
+    const char* file;
+    OIIO::ImageSpec spec;
+    std::vector<float> pixel;
+    bool straight;
+    PF_Pixel expected;  // alpha, red, green, blue
+};
+
+TEST(ReadPicture, EightBitFilesStayEightBitsAndStraight) {
+    const EightCase cases[] = {
+        {"half-transparent blue keeps its full blue",
+         "a.png",
+         Spec(4, OIIO::TypeDesc::UINT8),
+         {0, 0, 1, 128 / 255.0f},
+         true,
+         {128, 0, 0, 255}},
+        {"colour under no alpha is kept",
+         "a.png",
+         Spec(4, OIIO::TypeDesc::UINT8),
+         {1, 0.2f, 0, 0},
+         true,
+         {0, 255, 51, 0}},
+        {"no alpha is opaque", "a.png", Spec(3, OIIO::TypeDesc::UINT8), {0.2f, 0.4f, 0.6f}, true, {255, 51, 102, 153}},
+        {"grey", "a.png", Spec(1, OIIO::TypeDesc::UINT8), {0.4f}, true, {255, 102, 102, 102}},
+        {"grey and alpha", "a.png", Spec(2, OIIO::TypeDesc::UINT8), {0.4f, 0.2f}, true, {51, 102, 102, 102}},
+        {"straight TIFF", "a.tif", Spec(4, OIIO::TypeDesc::UINT8), {1, 0, 0, 0.2f}, true, {51, 255, 0, 0}},
+        {"premultiplied TIFF is divided",
+         "a.tif",
+         Spec(4, OIIO::TypeDesc::UINT8),
+         {0.2f, 0.1f, 0, 0.2f},
+         false,
+         {51, 255, 130, 0}},
+        {"grey TIFF", "a.tif", Spec(1, OIIO::TypeDesc::UINT8), {0.6f}, true, {255, 153, 153, 153}},
+    };
+    for (const EightCase& row : cases) {
+        SCOPED_TRACE(row.name);
+        const Folder folder;
+        WriteFile(folder / row.file, row.spec, row.pixel, row.straight);
+        auto picture = ReadPicture(folder / row.file);
+        ASSERT_TRUE(picture) << picture.Error().sentence;
+        EXPECT_EQ(picture->pixels.PixelDepth(), Depth::k8);
+        EXPECT_EQ(picture->bits, 8);
+        EXPECT_EQ(picture->frameWidth, 3);
+        EXPECT_EQ(picture->frameHeight, 2);
+        for (const auto& [x, y] : {std::pair{0, 0}, std::pair{2, 1}}) {
+            const PF_Pixel& pixel = Pixel8(picture->pixels, x, y);
+            EXPECT_EQ(pixel.alpha, row.expected.alpha);
+            EXPECT_EQ(pixel.red, row.expected.red);
+            EXPECT_EQ(pixel.green, row.expected.green);
+            EXPECT_EQ(pixel.blue, row.expected.blue);
+        }
+    }
+}
+
+struct FloatCase {
+    const char* name;
+    const char* file;
+    OIIO::ImageSpec spec;
+    std::vector<float> pixel;
+    bool straight;
+    PF_PixelFloat expected;
+    float tolerance;
+    int bits;
+};
+
+TEST(ReadPicture, DeeperFilesBecomeFloat) {
+    constexpr float kHalfStep = 1.0f / 2048.0f;
+    const FloatCase cases[] = {
+        {"16-bit PNG",
+         "a.png",
+         Spec(4, OIIO::TypeDesc::UINT16),
+         {0.25f, 0.5f, 0.75f, 0.125f},
+         true,
+         {0.125f, 0.25f, 0.5f, 0.75f},
+         1.0f / 65535,
+         16},
+        {"16-bit grey and alpha",
+         "a.png",
+         Spec(2, OIIO::TypeDesc::UINT16),
+         {0.25f, 0.5f},
+         true,
+         {0.5f, 0.25f, 0.25f, 0.25f},
+         1.0f / 65535,
+         16},
+        {"16-bit TIFF without alpha",
+         "a.tif",
+         Spec(3, OIIO::TypeDesc::UINT16),
+         {0.25f, 0.5f, 0.75f},
+         true,
+         {1, 0.25f, 0.5f, 0.75f},
+         1.0f / 65535,
+         16},
+        {"straight float TIFF, beyond one",
+         "a.tif",
+         Spec(4, OIIO::TypeDesc::FLOAT),
+         {4, -1, 0.1f, 0.5f},
+         true,
+         {0.5f, 4, -1, 0.1f},
+         0,
+         32},
+        {"premultiplied float TIFF",
+         "a.tif",
+         Spec(4, OIIO::TypeDesc::FLOAT),
+         {2, 0.25f, 0, 0.5f},
+         false,
+         {0.5f, 4, 0.5f, 0},
+         0,
+         32},
+        {"EXR is divided by its alpha",
+         "a.exr",
+         Spec(4, OIIO::TypeDesc::FLOAT),
+         {2, 0.25f, 0, 0.5f},
+         false,
+         {0.5f, 4, 0.5f, 0},
+         0,
+         32},
+        {"EXR of halves",
+         "a.exr",
+         Spec(4, OIIO::TypeDesc::HALF),
+         {1, 0.3f, 0.1f, 1},
+         false,
+         {1, 1, 0.3f, 0.1f},
+         kHalfStep,
+         16},
+        {"EXR colour under no alpha stays as it is",
+         "a.exr",
+         Spec(4, OIIO::TypeDesc::FLOAT),
+         {3, 0.25f, 0, 0},
+         false,
+         {0, 3, 0.25f, 0},
+         0,
+         32},
+        {"EXR without alpha", "a.exr", Spec(3, OIIO::TypeDesc::FLOAT), {3, 0.25f, 0}, false, {1, 3, 0.25f, 0}, 0, 32},
+        {"EXR of luminance",
+         "a.exr",
+         Spec(1, OIIO::TypeDesc::FLOAT, {"Y"}),
+         {0.75f},
+         false,
+         {1, 0.75f, 0.75f, 0.75f},
+         0,
+         32},
+        {"EXR of alpha alone is white",
+         "a.exr",
+         Spec(1, OIIO::TypeDesc::FLOAT, {"A"}),
+         {0.5f},
+         false,
+         {0.5f, 1, 1, 1},
+         0,
+         32},
+        {"EXR with depth beside the colours",
+         "a.exr",
+         Spec(5, OIIO::TypeDesc::FLOAT, {"R", "G", "B", "A", "Z"}),
+         {0.5f, 0.25f, 0.125f, 1, 100},
+         false,
+         {1, 0.5f, 0.25f, 0.125f},
+         0,
+         32},
+        {"EXR of two colours",
+         "a.exr",
+         Spec(2, OIIO::TypeDesc::FLOAT, {"U", "V"}),
+         {0.5f, 0.25f},
+         false,
+         {1, 0.5f, 0.25f, 0},
+         0,
+         32},
+    };
+    for (const FloatCase& row : cases) {
+        SCOPED_TRACE(row.name);
+        const Folder folder;
+        WriteFile(folder / row.file, row.spec, row.pixel, row.straight);
+        auto picture = ReadPicture(folder / row.file);
+        ASSERT_TRUE(picture) << picture.Error().sentence;
+        EXPECT_EQ(picture->pixels.PixelDepth(), Depth::k32);
+        EXPECT_EQ(picture->bits, row.bits);
+        const PF_PixelFloat& pixel = PixelFloat(picture->pixels, 2, 1);
+        EXPECT_NEAR(pixel.alpha, row.expected.alpha, row.tolerance);
+        EXPECT_NEAR(pixel.red, row.expected.red, row.tolerance);
+        EXPECT_NEAR(pixel.green, row.expected.green, row.tolerance);
+        EXPECT_NEAR(pixel.blue, row.expected.blue, row.tolerance);
+    }
+}
+
+// Four pixels of two bits each: colours 0 to 3 of a palette whose second is half and whose third wholly transparent.
+constexpr unsigned char kPalettePng[] = {
+    0x89, 0x50, 0x4e, 0x47, 0x0d, 0x0a, 0x1a, 0x0a, 0x00, 0x00, 0x00, 0x0d, 0x49, 0x48, 0x44, 0x52, 0x00, 0x00,
+    0x00, 0x04, 0x00, 0x00, 0x00, 0x01, 0x02, 0x03, 0x00, 0x00, 0x00, 0x84, 0x52, 0xe7, 0x5e, 0x00, 0x00, 0x00,
+    0x0c, 0x50, 0x4c, 0x54, 0x45, 0x0a, 0x14, 0x1e, 0xff, 0x00, 0x00, 0x00, 0x80, 0xff, 0x01, 0x02, 0x03, 0x74,
+    0xc7, 0x3a, 0xc2, 0x00, 0x00, 0x00, 0x03, 0x74, 0x52, 0x4e, 0x53, 0xff, 0x80, 0x00, 0x7f, 0x6d, 0x68, 0x78,
+    0x00, 0x00, 0x00, 0x0a, 0x49, 0x44, 0x41, 0x54, 0x78, 0xda, 0x63, 0x90, 0x06, 0x00, 0x00, 0x1d, 0x00, 0x1c,
+    0x23, 0x7c, 0x8f, 0xac, 0x00, 0x00, 0x00, 0x00, 0x49, 0x45, 0x4e, 0x44, 0xae, 0x42, 0x60, 0x82};
+
+TEST(ReadPicture, PalettesBecomeTheirColours) {
+    const Folder folder;
+    WriteBytes(folder / "palette.png", std::string(reinterpret_cast<const char*>(kPalettePng), sizeof(kPalettePng)));
+    auto picture = ReadPicture(folder / "palette.png");
+    ASSERT_TRUE(picture) << picture.Error().sentence;
+    ASSERT_EQ(picture->pixels.Width(), 4);
+    const PF_Pixel expected[] = {{255, 10, 20, 30}, {128, 255, 0, 0}, {0, 0, 128, 255}, {255, 1, 2, 3}};
+    for (int x = 0; x < 4; ++x) {
+        const PF_Pixel& pixel = Pixel8(picture->pixels, x, 0);
+        EXPECT_EQ(pixel.alpha, expected[x].alpha) << x;
+        EXPECT_EQ(pixel.red, expected[x].red) << x;
+        EXPECT_EQ(pixel.green, expected[x].green) << x;
+        EXPECT_EQ(pixel.blue, expected[x].blue) << x;
+    }
+}
+
+TEST(ReadPicture, JpegIsOpaque) {
+    const Folder folder;
+    WriteFile(folder / "a.jpg", Spec(3, OIIO::TypeDesc::UINT8), {1, 1, 1});
+    auto picture = ReadPicture(folder / "a.jpg");
+    ASSERT_TRUE(picture) << picture.Error().sentence;
+    EXPECT_EQ(picture->format, "jpeg");
+    EXPECT_EQ(Pixel8(picture->pixels, 1, 1).alpha, 255);
+    EXPECT_GE(Pixel8(picture->pixels, 1, 1).red, 253);
+}
+
+struct WindowCase {
+    const char* name;
+    int x, y, fullX, fullY, fullWidth, fullHeight;
+    PF_LRect window;
+};
+
+TEST(ReadPicture, ExrWindowsAreKept) {
+    const WindowCase cases[] = {
+        {"no difference", 0, 0, 0, 0, 3, 2, {0, 0, 3, 2}},
+        {"grown beyond the frame", -1, -1, 0, 0, 1, 1, {-1, -1, 2, 1}},
+        {"a part of the frame", 4, 5, 0, 0, 100, 50, {4, 5, 7, 7}},
+        {"a frame that does not begin at 0", 10, 20, 8, 16, 30, 40, {2, 4, 5, 6}},
+    };
+    for (const WindowCase& row : cases) {
+        SCOPED_TRACE(row.name);
+        const Folder folder;
+        OIIO::ImageSpec spec = Spec(4, OIIO::TypeDesc::HALF);
+        spec.x = row.x;
+        spec.y = row.y;
+        spec.full_x = row.fullX;
+        spec.full_y = row.fullY;
+        spec.full_width = row.fullWidth;
+        spec.full_height = row.fullHeight;
+        WriteFile(folder / "a.exr", spec, {1, 1, 1, 1}, false);
+        auto picture = ReadPicture(folder / "a.exr");
+        ASSERT_TRUE(picture) << picture.Error().sentence;
+        EXPECT_EQ(picture->window.left, row.window.left);
+        EXPECT_EQ(picture->window.top, row.window.top);
+        EXPECT_EQ(picture->window.right, row.window.right);
+        EXPECT_EQ(picture->window.bottom, row.window.bottom);
+        EXPECT_EQ(picture->frameWidth, row.fullWidth);
+        EXPECT_EQ(picture->frameHeight, row.fullHeight);
+    }
+}
+
+void ExpectRefused(const std::filesystem::path& file, const std::string& reason) {
+    const auto picture = ReadPicture(file);
+    ASSERT_FALSE(picture) << file;
+    EXPECT_EQ(picture.Error().code, ExitCode::kFile);
+    EXPECT_THAT(picture.Error().sentence, HasSubstr("cannot read \"" + file.string() + "\": "));
+    EXPECT_THAT(picture.Error().sentence, HasSubstr(reason));
+    EXPECT_EQ(picture.Error().sentence.find('\n'), std::string::npos);
+}
+
+TEST(ReadPicture, WhatIsNoFileIsSaidToBeNone) {
+    const Folder folder;
+    std::filesystem::create_directory(folder / "folder.png");
+    WriteBytes(folder / "empty.png", "");
+    WriteBytes(folder / "empty.exr", "");
+    ExpectRefused(folder / "missing.png", "there is no such file");
+    ExpectRefused(folder / "missing/deeper.png", "there is no such file");
+    ExpectRefused(folder / "folder.png", "it is a folder, not a picture");
+    ExpectRefused(folder / "empty.png", "the file is empty");
+    ExpectRefused(folder / "empty.exr", "the file is empty");
+    ExpectRefused("/dev/null", "it is not a regular file");
+}
+
+TEST(ReadPicture, WhatIsNoPictureIsSaidToBeNone) {
+    const Folder folder;
+    for (const char* name : {"text.png", "text.tif", "text.jpg", "text.exr", "text.txt", "text"}) {
+        WriteBytes(folder / name, "Dear diary, today I drew a shadow.\n");
+        ExpectRefused(folder / name, "it is not a picture that can be read (");
+    }
+}
+
+TEST(ReadPicture, TruncatedFilesAreRefusedWhereverTheyEnd) {
+    for (const char* name : {"a.png", "a.tif", "a.jpg", "a.exr"}) {
+        const Folder folder;
+        OIIO::ImageSpec spec = Spec(3, OIIO::TypeDesc::UINT8);
+        spec.width = spec.full_width = 40;
+        spec.height = spec.full_height = 40;
+        if (std::string(name) == "a.exr") spec.format = OIIO::TypeDesc::HALF;
+        spec.attribute("compression", "none");
+        WriteFile(folder / name, spec, {0.1f, 0.9f, 0.4f});
+        const std::string whole = ReadBytes(folder / name);
+        ASSERT_TRUE(ReadPicture(folder / name));
+        for (const std::size_t size : {std::size_t{3}, std::size_t{30}, whole.size() / 3, whole.size() / 2}) {
+            SCOPED_TRACE(testing::Message() << name << " cut to " << size << " of " << whole.size());
+            const auto cut = folder / ("cut_" + std::string(name));
+            WriteBytes(cut, whole.substr(0, size));
+            ExpectRefused(cut, "");
+        }
+    }
+}
+
+TEST(ReadPicture, DeepAndMultiPartFilesAreRefused) {
+    const Folder folder;
+    {
+        OIIO::ImageSpec spec = Spec(4, OIIO::TypeDesc::FLOAT);
+        spec.deep = true;
+        const auto output = OIIO::ImageOutput::create((folder / "deep.exr").string());
+        ASSERT_TRUE(output->open((folder / "deep.exr").string(), spec)) << output->geterror();
+        OIIO::DeepData deep;
+        deep.init(spec);
+        for (int i = 0; i < 6; ++i) deep.set_samples(i, 1);
+        ASSERT_TRUE(output->write_deep_image(deep)) << output->geterror();
+        ASSERT_TRUE(output->close());
+    }
+    {
+        const OIIO::ImageSpec spec = Spec(4, OIIO::TypeDesc::HALF);
+        const OIIO::ImageSpec parts[] = {spec, spec};
+        const std::vector<float> values(3 * 2 * 4, 0.5f);
+        const auto output = OIIO::ImageOutput::create((folder / "parts.exr").string());
+        ASSERT_TRUE(output->open((folder / "parts.exr").string(), 2, parts)) << output->geterror();
+        ASSERT_TRUE(output->write_image(OIIO::TypeDesc::FLOAT, values.data()));
+        ASSERT_TRUE(output->open((folder / "parts.exr").string(), spec, OIIO::ImageOutput::AppendSubimage));
+        ASSERT_TRUE(output->write_image(OIIO::TypeDesc::FLOAT, values.data()));
+        ASSERT_TRUE(output->close());
+    }
+    ExpectRefused(folder / "deep.exr", "it is a deep picture; flatten it first");
+    ExpectRefused(folder / "parts.exr", "it has several parts; save the one you need as a file of its own");
+}
+
+}  // namespace
