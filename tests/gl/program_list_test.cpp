@@ -7,10 +7,8 @@
 
 namespace {
 
-using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using ::testing::Not;
 
 using ProgramListTest = FakeGLTest;
 
