@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// What holds for a process as a whole: the choice of the renderer, and loading and unloading the platform layer.
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <string>
+#include <thread>
+
+namespace {
+
+struct Outcome {
+    int exitCode;
+    std::string output;  ///< standard output and error together
+};
+
+Outcome Probe(const std::string& environment) {
+    const std::string command = "env " + environment + " '" + RENDERER_PROBE + "' 2>&1";
+    FILE* pipe = popen(command.c_str(), "r");
+    Outcome outcome{-1, ""};
+    char buffer[512];
+    while (pipe && fgets(buffer, sizeof buffer, pipe)) outcome.output += buffer;
+    const int status = pipe ? pclose(pipe) : -1;
+    outcome.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return outcome;
+}
+
+bool IsSoftware(const std::string& renderer) {
+    return renderer.find("llvmpipe") != std::string::npos;
+}
+
+TEST(RendererChoice, SoftwareIsForcedByTheEnvironment) {
+    const Outcome outcome = Probe("UMBRANT_GL=software");
+    if (outcome.exitCode == 1) GTEST_SKIP() << "no software renderer on this machine: " << outcome.output;
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.output;
+    EXPECT_TRUE(IsSoftware(outcome.output)) << outcome.output;
+}
+
+TEST(RendererChoice, HardwareIsForcedByTheEnvironmentAndNeverReplacedBySoftware) {
+    const Outcome outcome = Probe("UMBRANT_GL=hardware");
+    if (outcome.exitCode == 0) {
+        EXPECT_FALSE(IsSoftware(outcome.output)) << outcome.output;
+    } else {
+        EXPECT_EQ(outcome.exitCode, 1);
+        EXPECT_NE(outcome.output.find("invalid pixel format\n"), std::string::npos) << outcome.output;
+    }
+}
+
+TEST(RendererChoice, WithoutAWishThereIsOneWhereverSoftwareWorks) {
+    if (Probe("UMBRANT_GL=software").exitCode == 1) GTEST_SKIP() << "no software renderer on this machine";
+    EXPECT_EQ(Probe("-u UMBRANT_GL").exitCode, 0);
+    EXPECT_EQ(Probe("UMBRANT_GL=").exitCode, 0);
+}
+
+TEST(RendererChoice, AnythingElseIsRefusedWithOneLine) {
+    const Outcome outcome = Probe("UMBRANT_GL=Software");
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.output,
+              "UMBRANT_GL is \"Software\"; it must be \"software\" or \"hardware\"\ninvalid pixel format\n");
+}
+
+TEST(RendererChoice, WithoutAnyDriverThereIsNoPixelFormat) {
+    const Outcome outcome = Probe("-u UMBRANT_GL __EGL_VENDOR_LIBRARY_FILENAMES=/nonexistent.json");
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.output, "invalid pixel format\n");
+}
+
+using DrawPixel = int (*)(int keep);
+
+/// The module, loaded for the length of a scope.
+class Loaded {
+ public:
+    Loaded() : handle_(dlopen(RELOADED_MODULE, RTLD_NOW | RTLD_LOCAL)) {
+        if (handle_) draw = reinterpret_cast<DrawPixel>(dlsym(handle_, "DrawPixel"));
+    }
+    ~Loaded() { dlclose(handle_); }
+    DrawPixel draw = nullptr;
+
+ private:
+    void* handle_;
+};
+
+class Reloading : public ::testing::Test {
+ protected:
+    void SetUp() override {
+        Loaded module;
+        ASSERT_NE(module.draw, nullptr) << dlerror();
+        int pixel = -1;
+        std::thread([&] { pixel = module.draw(0); }).join();
+        if (pixel < 0) GTEST_SKIP() << "no OpenGL 3.3 core context can be made on this machine";
+    }
+};
+
+TEST_F(Reloading, TheModuleMayBeUnloadedAndLoadedAgain) {
+    for (int round = 0; round < 3; ++round) {
+        Loaded module;
+        ASSERT_NE(module.draw, nullptr);
+        int pixel = -1;
+        std::thread([&] { pixel = module.draw(0); }).join();
+        EXPECT_EQ(pixel, 255) << round;
+    }
+}
+
+TEST_F(Reloading, AThreadsContextOutlivesTheHostsUnloading) {
+    for (int round = 0; round < 2; ++round) {
+        std::thread([] {
+            {
+                Loaded module;
+                EXPECT_EQ(module.draw(1), 255);
+            }
+            Loaded again;
+            EXPECT_EQ(again.draw(1), 255);
+        }).join();
+    }
+}
+
+TEST_F(Reloading, OnTheMainThreadToo) {
+    for (int round = 0; round < 2; ++round) {
+        Loaded module;
+        EXPECT_EQ(module.draw(1), 255);
+    }
+}
+
+}  // namespace
