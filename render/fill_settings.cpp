@@ -88,6 +88,7 @@ void FillSettings(const CheckedOutParams& params, const PF_RationalScale& downsa
 
     FillEasing(params, settings);
     FillQuality(params, settings);
-    FillTravel(params, settings);
+    // A radial shadow travels by scaling instead.
+    if (settings->shadowType < SHADOW_RADIAL) FillTravel(params, settings);
     FillCompositing(params, settings);
 }

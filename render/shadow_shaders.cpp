@@ -9,28 +9,9 @@
 #include "gl/program.h"
 #include "gl/thread_state.h"
 #include "pixel/saturate.h"
-#include "platform/gl_api.h"
+#include "render/draw.h"
 #include "render/render_settings.h"
 #include "render/shader_sources.h"
-
-namespace {
-
-constexpr float kIdentity[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
-
-void SendFloat(unsigned program, const char* name, double value) {
-    glUniform1f(glGetUniformLocation(program, name), static_cast<float>(value));
-}
-
-void SendInt(unsigned program, const char* name, int value) {
-    glUniform1i(glGetUniformLocation(program, name), value);
-}
-
-// Row-major data: points are row vectors, so the translation stands in the last row.
-void SendMatrix(unsigned program, const float* rows) {
-    glUniformMatrix4fv(glGetUniformLocation(program, "xform"), 1, GL_TRUE, rows);
-}
-
-}  // namespace
 
 bool InitPrograms(Program* programs, PF_OutData* out_data) {
     const char* const fragments[kProgramCount] = {kInvertFrag, kBlurWFrag, kBlurHFrag, kCopyAFrag, kCopyBFrag};

@@ -15,6 +15,7 @@
 #include "render/layer_checkout.h"
 #include "render/param_checkout.h"
 #include "render/passes.h"
+#include "render/radial_samples.h"
 #include "render/samples.h"
 
 namespace {
@@ -63,15 +64,20 @@ void RecordRenderer(PF_InData* in_data) {
     global->rendererRecorded = 1;
 }
 
-PF_Err RenderPasses(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings) {
+PF_Err RenderPasses(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings,
+                    const RadialGeometry& radial) {
     InitThreadLocalRenderData(in_data, out_data);
     if (!local_render_data || !local_render_data->context) return PF_Err_INTERNAL_STRUCT_DAMAGED;
     RecordRenderer(in_data);
     switch (settings->shadowType) {
         case SHADOW_NORMAL:
             return RenderNormalPasses(in_data, out_data, suites, settings);
+        case SHADOW_INNER:
+            return RenderInnerShadow(in_data, out_data, suites, settings);
+        case SHADOW_RADIAL:
+            return RenderRadialPasses(in_data, out_data, suites, settings, radial);
         default:
-            return PF_Err_UNRECOGNIZED_PARAM_TYPE;
+            return PF_Err_NONE;
     }
 }
 
@@ -95,10 +101,16 @@ PF_Err RenderFrame(PF_InData* in_data, PF_OutData* out_data, PF_SmartRenderExtra
         return err;
     }
     FillSettings(params, in_data->downsample_x, &settings);
-    settings.samples = BuildSamples(settings);
-    settings.framebuffers = BuildFramebufferRecords(settings);
+    RadialGeometry radial;
+    if (settings.shadowType == SHADOW_RADIAL) {
+        radial = BuildRadialGeometry(params, settings);
+        settings.samples = BuildRadialSamples(settings, radial);
+    } else {
+        settings.samples = BuildSamples(settings);
+        settings.framebuffers = BuildFramebufferRecords(settings);
+    }
 
-    if (PF_Err err = RenderPasses(in_data, out_data, suites, &settings)) return err;
+    if (PF_Err err = RenderPasses(in_data, out_data, suites, &settings, radial)) return err;
     if (settings.shadowType == SHADOW_INNER) return PF_Err_NONE;
     return CompTextureAndInput(in_data, &settings, suites);
 }

@@ -50,15 +50,16 @@ Copy CopyOf(int i, const PanelValues& p, double travelX, double travelY, double 
     Copy copy;
     copy.x = Mix(travelX * i / n, Ease(p.easeMode, i, n, 0, travelX), weightDistance);
     copy.y = Mix(travelY * i / n, Ease(p.easeMode, i, n, 0, travelY), weightDistance);
-    copy.softness = Mix(softness * i / n, Ease(p.easeMode, i, n, 0, softness), weightSoftness);
+    // A tap more or less hangs on the last bit here: the fraction comes first.
+    copy.softness = Mix(i / n * softness, Ease(p.easeMode, i, n, 0, softness), weightSoftness);
     copy.opacity =
         Mix(Mix(start, end, (i + 1) / n), std::abs(Ease(p.easeMode, i, n, start, end - start)), weightOpacity);
     return copy;
 }
 
 // Across: every pixel of the padded buffer looks at the layer, which is smaller and lies centred in it.
-Plane BlurAcross(const Plane& layer, double paddedW, double paddedH, int width, int height, int taps, double stride,
-                 double opacity) {
+Plane BlurAcross(const Plane& layer, Wrap wrap, double paddedW, double paddedH, int width, int height, int taps,
+                 double stride, double opacity) {
     Plane out(width, height);
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
@@ -68,7 +69,7 @@ Plane BlurAcross(const Plane& layer, double paddedW, double paddedH, int width, 
             double weights = 0;
             for (int i = -taps; i <= taps; ++i) {
                 const double weight = Weight(static_cast<double>(i) / taps);
-                sum += weight * SampleLinear(layer, u + i * stride, v, Wrap::kClamp);
+                sum += weight * SampleLinear(layer, u + i * stride, v, wrap);
                 weights += weight;
             }
             out.At(x, y) = Round16(sum / weights * opacity);
@@ -151,12 +152,103 @@ Plane NormalShadow(const Plane& layerAlpha, const PanelValues& panel, const Plac
 
         const double reach = std::max(copy.softness, 1.0);
         const int taps = std::max(static_cast<int>(std::ceil(resolution * reach)), 1);
-        const Plane across = BlurAcross(layerAlpha, paddedW, paddedH, width, height, taps,
+        const Plane across = BlurAcross(layerAlpha, Wrap::kClamp, paddedW, paddedH, width, height, taps,
                                         reach / taps / layerAlpha.width, copy.opacity);
         const Plane blurred = BlurDown(across, taps, reach / taps / paddedH);
         Accumulate(blurred, paddedW, paddedH,
                    copy.x + panel.offsetShadow * panel.scale * std::sin(radians) + placement.centreX,
                    copy.y - panel.offsetShadow * panel.scale * std::cos(radians) + placement.centreY, &out);
+    }
+    return out;
+}
+
+Plane InnerShadow(const Plane& layerAlpha, const PanelValues& panel, const Growth& growth, double colourAlpha,
+                  int outputWidth, int outputHeight) {
+    const int n = static_cast<int>(panel.samples);
+    const double radians = panel.angle * 0.0174533;
+    const double travelX = panel.distance * panel.scale * std::sin(radians);
+    const double travelY = -panel.distance * panel.scale * std::cos(radians);
+    const double softness = std::floor(panel.softness * panel.scale);
+    const double resolution = panel.resolution * 0.2;
+    const int width = static_cast<int>(resolution * outputWidth);
+    const int height = static_cast<int>(resolution * outputHeight);
+
+    Plane padded(outputWidth, outputHeight);
+    for (int y = 0; y < layerAlpha.height; ++y) {
+        for (int x = 0; x < layerAlpha.width; ++x) {
+            const int toX = x + growth.left;
+            const int toY = y + growth.top;
+            if (toX < outputWidth && toY < outputHeight) padded.At(toX, toY) = layerAlpha.At(x, y);
+        }
+    }
+    Plane inverted(width, height);
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const double alpha = SampleLinear(padded, (x + 0.5) / width, (y + 0.5) / height, Wrap::kClamp);
+            inverted.At(x, y) = Round16((1 - alpha) * colourAlpha);
+        }
+    }
+
+    Plane out(outputWidth, outputHeight);
+    for (int i = 0; i < n; ++i) {
+        const Copy copy = CopyOf(i, panel, travelX, travelY, softness);
+        const double reach = std::max(copy.softness, 1.0);
+        const int taps = std::max(static_cast<int>(std::ceil(resolution * reach)), 1);
+        const Plane across = BlurAcross(inverted, Wrap::kMirror, inverted.width, inverted.height, width, height, taps,
+                                        reach / taps / outputWidth, copy.opacity);
+        const Plane blurred = BlurDown(across, taps, reach / taps / outputHeight);
+        Accumulate(blurred, outputWidth, outputHeight, copy.x + panel.offsetShadow * panel.scale * std::sin(radians),
+                   copy.y - panel.offsetShadow * panel.scale * std::cos(radians), &out);
+    }
+    return out;
+}
+
+std::vector<RadialCopy> RadialCopies(const PanelValues& p, const RadialPlacement& placement) {
+    std::vector<RadialCopy> copies;
+    const double n = std::floor(p.samples);
+    const double soft = std::floor(p.softness * p.scale);
+    const double final = 1 + p.distance / 400;
+    const double pad = std::ceil(soft / final);
+    const double start = p.opacityMaster * p.opacityStart / 1e4;
+    const double end = p.opacityMaster * p.opacityEnd / 1e4;
+    for (int i = 1; i <= n; ++i) {
+        const double t = i / n;
+        RadialCopy copy;
+        copy.pad = pad;
+        copy.scale = Mix(1 + (final - 1) * t, Ease(p.easeMode, i, n, 1, final - 1),
+                         std::min(p.ease * p.easeDistance / 1e4, 1.0));
+        const double softness =
+            Mix(i * (soft / n), Ease(p.easeMode, i, n, 0, soft), std::min(p.ease * p.easeSoftness / 1e4, 1.0));
+        copy.softness = std::max(std::ceil(softness / copy.scale), 1.0);
+        copy.opacity = Mix(Mix(start, end, t), std::abs(Ease(p.easeMode, i, n, start, end - start)),
+                           std::min(p.ease * p.easeOpacity / 1e4, 1.0));
+        // The padded layer's corner, moved away from the fixed point by the scale.
+        const double fixedX = placement.originX - placement.placeX;
+        const double fixedY = placement.originY - placement.placeY;
+        copy.x = fixedX + (-placement.outputX - pad - fixedX) * copy.scale;
+        copy.y = fixedY + (-placement.outputY - pad - fixedY) * copy.scale;
+        copies.push_back(copy);
+    }
+    return copies;
+}
+
+Plane RadialShadow(const Plane& layerAlpha, const PanelValues& panel, const RadialPlacement& placement, int outputWidth,
+                   int outputHeight) {
+    Plane out(outputWidth, outputHeight);
+    for (const RadialCopy& copy : RadialCopies(panel, placement)) {
+        const int pad = static_cast<int>(copy.pad);
+        Plane padded(layerAlpha.width + 2 * pad, layerAlpha.height + 2 * pad);
+        for (int y = 0; y < layerAlpha.height; ++y) {
+            for (int x = 0; x < layerAlpha.width; ++x) padded.At(x + pad, y + pad) = Round16(layerAlpha.At(x, y));
+        }
+        const int taps = std::max(static_cast<int>(std::ceil(panel.resolution * 0.2 * copy.softness)), 1);
+        const Plane across = BlurAcross(padded, Wrap::kMirror, padded.width, padded.height, padded.width, padded.height,
+                                        taps, copy.softness / taps / padded.width, copy.opacity);
+        const Plane blurred = BlurDown(across, taps, copy.softness / taps / padded.height);
+        const double width = padded.width * copy.scale;
+        const double height = padded.height * copy.scale;
+        Accumulate(blurred, width, height, copy.x + width / 2 - outputWidth / 2.0,
+                   copy.y + height / 2 - outputHeight / 2.0, &out);
     }
     return out;
 }

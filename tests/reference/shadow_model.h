@@ -45,6 +45,37 @@ struct Placement {
     double centreY = 0;
 };
 
+/// Where the layer's corner lies in an inner shadow's padded world, pixels.
+struct Growth {
+    int left = 0;
+    int top = 0;
+};
+
+/// A radial shadow's origin and the corner of its output, in the layer's coordinates; `place` as pre-render stores it.
+struct RadialPlacement {
+    double originX = 0, originY = 0;
+    double placeX = 0, placeY = 0;
+    double outputX = 0, outputY = 0;
+};
+
+/// One copy of a radial stack: where the padded layer's corner lands in the output, and how large it is drawn.
+struct RadialCopy {
+    double x, y, scale;
+    double pad;
+    double softness, opacity;
+};
+
+/// The accumulated alpha, 0..1, of an inner shadow before it is laid over the layer.
+Plane InnerShadow(const Plane& layerAlpha, const PanelValues& panel, const Growth& growth, double colourAlpha,
+                  int outputWidth, int outputHeight);
+
+/// The copies of a radial stack, first to last.
+std::vector<RadialCopy> RadialCopies(const PanelValues& panel, const RadialPlacement& placement);
+
+/// The accumulated alpha, 0..1, of a radial shadow.
+Plane RadialShadow(const Plane& layerAlpha, const PanelValues& panel, const RadialPlacement& placement, int outputWidth,
+                   int outputHeight);
+
 /// The accumulated alpha, 0..1, of the shadow that `layerAlpha` casts into an output of so many pixels.
 Plane NormalShadow(const Plane& layerAlpha, const PanelValues& panel, const Placement& placement, int outputWidth,
                    int outputHeight);

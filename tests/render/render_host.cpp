@@ -67,6 +67,24 @@ struct RenderHostCalls {
         }
         return PF_Err_NONE;
     }
+    static PF_Err Copy(PF_ProgPtr, PF_EffectWorld* source, PF_EffectWorld* destination, PF_Rect* from, PF_Rect* to) {
+        RenderHost& host = RenderHost::Current();
+        host.Log(std::string("copy ") + (from ? "area" : "whole") + " to " + std::to_string(to->left) + " " +
+                 std::to_string(to->top) + " " + std::to_string(to->right) + " " + std::to_string(to->bottom));
+        if (host.copyError) return host.copyError;
+        const ptrdiff_t bytes = host.renderInput.bitdepth == 32 ? 16 : 4;
+        for (A_long y = 0; y < source->height; ++y) {
+            for (A_long x = 0; x < source->width; ++x) {
+                const ptrdiff_t toX = to->left + x;
+                const ptrdiff_t toY = to->top + y;
+                if (toX < 0 || toY < 0 || toX >= destination->width || toY >= destination->height) continue;
+                std::memcpy(reinterpret_cast<char*>(destination->data) + toY * destination->rowbytes + toX * bytes,
+                            reinterpret_cast<char*>(source->data) + ptrdiff_t{y} * source->rowbytes + x * bytes,
+                            static_cast<size_t>(bytes));
+            }
+        }
+        return PF_Err_NONE;
+    }
     static PF_Err Colour(PF_ProgPtr, const PF_ParamDef* def, PF_PixelFloat* colour) {
         RenderHost& host = RenderHost::Current();
         host.Log("PF_GetFloatingPointColorFromColorDef");
@@ -80,6 +98,7 @@ struct RenderHostCalls {
         RenderHost& host = RenderHost::Current();
         host.Log("transfer_rect " + std::to_string(mode->xfer));
         host.transfers.push_back({quality, flags, field, *area, source, *mode, mask, x, y, destination});
+        if (host.onTransfer) host.onTransfer(host.transfers.back());
         return Due(&host.transferCalls_, host.failTransfer) ? RenderHost::kInjected : PF_Err_NONE;
     }
     static A_Err EffectLayer(PF_ProgPtr, AEGP_LayerH* layer) {
@@ -115,6 +134,7 @@ RenderHost::RenderHost() {
     inData.inter.checkout_param = Calls::CheckoutParam;
     inData.inter.checkin_param = Calls::CheckinParam;
     utils.fill = Calls::Fill;
+    utils.copy = Calls::Copy;
     inData.global_data = MakeHandle(sizeof(GlobalData));
     global = *reinterpret_cast<GlobalData**>(inData.global_data);
 
@@ -144,6 +164,7 @@ RenderHost::RenderHost() {
 
 void RenderHost::ResetFailures() {
     failCheckoutParam = failCheckinParam = failCheckoutLayer = failCheckoutPixels = failTransfer = 0;
-    checkoutOutputError = fillError = checkinPixelsError = colourError = effectLayerError = layerFlagsError = 0;
+    checkoutOutputError = fillError = copyError = checkinPixelsError = colourError = effectLayerError =
+        layerFlagsError = 0;
     checkoutParams_ = checkinParams_ = checkoutLayers_ = checkoutPixels_ = transferCalls_ = 0;
 }

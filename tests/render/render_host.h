@@ -64,8 +64,9 @@ class RenderHost : public TestHost {
         PF_EffectWorld* destination;
     };
     std::vector<Transfer> transfers;
-    int layersOut = 0;  ///< checked-out layer pixels not yet checked in
-    int paramsOut = 0;  ///< checked-out parameters not yet checked in
+    std::function<void(const Transfer&)> onTransfer;  ///< called before a transfer answers
+    int layersOut = 0;                                ///< checked-out layer pixels not yet checked in
+    int paramsOut = 0;                                ///< checked-out parameters not yet checked in
 
     // What to fail; 0 is never, counts are 1-based.
     int failCheckoutParam = 0;
@@ -75,6 +76,7 @@ class RenderHost : public TestHost {
     int failTransfer = 0;
     PF_Err checkoutOutputError = 0;
     PF_Err fillError = 0;
+    PF_Err copyError = 0;
     PF_Err checkinPixelsError = 0;
     PF_Err colourError = 0;
     PF_Err effectLayerError = 0;

@@ -48,12 +48,15 @@ class TestHost {
     void Offer(const std::string& name, int32_t version, const void* suite);
     /// Makes `AcquireSuite` return `error` for every version of the name.
     void Refuse(const std::string& name, SPErr error = A_Err_MISSING_SUITE);
+    /// Takes a refusal back.
+    void Allow(const std::string& name) { refused_.erase(name); }
     /// Makes `AcquireSuite` succeed with a null pointer.
     void OfferNull(const std::string& name, int32_t version) { Offer(name, version, nullptr); }
 
-    // What to fail. Counts are 1-based; 0 is never.
-    int failNewHandle = 0;                               ///< the k-th `host_new_handle` from the construction on
-    int failLock = 0;                                    ///< the k-th `host_lock_handle` returns null
+    // What to fail. Counts are 1-based, from the construction or `RestartCounts` on; 0 is never.
+    int failNewHandle = 0;  ///< the k-th `host_new_handle` returns null
+    int failLock = 0;       ///< the k-th `host_lock_handle` returns null
+    void RestartCounts() { newHandleCalls_ = lockCalls_ = 0; }
     PF_Err iterateError = 0;                             ///< returned by `iterate` of both depths, after the walk
     PF_Err newWorldError = 0;                            ///< returned by `PF_NewWorld`
     PF_Err pixelFormatError = 0;                         ///< returned by `PF_GetPixelFormat`

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// The last step of a pass: uniforms by name on a given program, and the quad. Nothing here changes other GL state.
+
+#include "platform/gl_api.h"
+
+inline constexpr float kIdentity[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+
+/// Sets a float uniform; a name that the program does not declare is ignored by GL.
+inline void SendFloat(unsigned program, const char* name, double value) {
+    glUniform1f(glGetUniformLocation(program, name), static_cast<float>(value));
+}
+
+inline void SendInt(unsigned program, const char* name, int value) {
+    glUniform1i(glGetUniformLocation(program, name), value);
+}
+
+/// Sets "xform" from row-major data: points are row vectors, so the translation stands in the last row.
+inline void SendMatrix(unsigned program, const float* rows) {
+    glUniformMatrix4fv(glGetUniformLocation(program, "xform"), 1, GL_TRUE, rows);
+}
+
+/// Draws the four vertices of the bound quad.
+inline void DrawQuad() {
+    glDrawArrays(GL_TRIANGLE_FAN, 0, 4);
+}
+
+/// Lets every draw add to its target as s (1 - d) + d, a union of alphas that never exceeds 1.
+inline void EnableScreenBlend() {
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_ONE_MINUS_DST_COLOR, GL_ONE);
+}
