@@ -24,6 +24,8 @@
 #include "hostapi/aegp_types.h"
 #include "hostapi/smart_render.h"
 
+struct SessionState;
+
 /// Who the host says it is, and what it can be told to get wrong.
 struct SessionOptions {
     A_AppID appId = kAppID_AfterEffects;
@@ -31,6 +33,9 @@ struct SessionOptions {
     A_short apiMinor = 28;
     /// The flags that the layer suite answers with.
     AEGP_LayerFlags layerFlags = AEGP_LayerFlag_VIDEO_ACTIVE | AEGP_LayerFlag_EFFECTS_ACTIVE;
+    /// The layer's full size, in pixels, that commands outside of frames are about.
+    int layerWidth = 1920;
+    int layerHeight = 1080;
     /// False hands the effect a null `pica_basicP`.
     bool offerSuites = true;
     /// Asked before every host call with "table.call" ("PF World Suite.PF_NewWorld", "utils.fill",
@@ -90,9 +95,9 @@ struct PreRendered {
 
 /// A drawn frame.
 struct Frame {
-    World output;        ///< covers `rect`; empty (0 x 0) when there was nothing to draw. Never null
-    PF_LRect rect{};     ///< where the output lies, in downsampled pixels of the layer
-    PF_LRect maxRect{};  ///< everything that the effect could draw
+    World output;         ///< covers `rect`; empty (0 x 0) when there was nothing to draw. Never null
+    PF_LRect rect{};      ///< where the output lies, in downsampled pixels of the layer
+    PF_LRect maxRect{};   ///< everything that the effect could draw
     std::string message;  ///< the effect's words to the user; usually empty
     bool messageIsError = false;
     std::vector<CommandRecord> commands;  ///< in the order in which they were sent
@@ -102,9 +107,9 @@ struct Frame {
 /// See the file's head. Move-only.
 class EffectSession {
  public:
-    /// Global set-up, parameter set-up and sequence set-up. Fails with `ExitCode::kEffectFailed` when the effect
-    /// returns an error or cannot be driven by this host; what was set up is then set down again.
-    /// `module` must outlive the session.
+    /// Global set-up, parameter set-up, sequence set-up and the question for dynamic flags. Fails with
+    /// `ExitCode::kEffectFailed` when the effect returns an error or cannot be driven by this host; what was set up is
+    /// then set down again. `module` must outlive the session.
     static Result<EffectSession> Start(const Module& module, SessionOptions options = {});
     /// Ends the session when End was not called.
     ~EffectSession();
@@ -145,7 +150,6 @@ class EffectSession {
     std::vector<CommandRecord> Commands() const;
 
  private:
-    struct State;
-    explicit EffectSession(std::unique_ptr<State> state);
-    std::unique_ptr<State> state_;
+    explicit EffectSession(std::unique_ptr<SessionState> state);
+    std::unique_ptr<SessionState> state_;
 };

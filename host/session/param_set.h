@@ -70,9 +70,9 @@ class ParamSet {
     /// The index of the row that "group/name" or "#index" names. Fails with `ExitCode::kUsage` and the nearest right
     /// names, also when two rows share the name.
     Result<int> Find(std::string_view path) const;
-    /// Sets a row's value from its text: a number (percent sliders as shown, a trailing % allowed), an angle in degrees,
-    /// `x,y` in pixels of the full-size layer, `#rrggbb`, a popup item's text or 1-based number, on/off. Fails with
-    /// `ExitCode::kUsage`, changing nothing.
+    /// Sets a row's value from its text: a number (percent sliders as shown, a trailing % allowed), an angle in
+    /// degrees, `x,y` in pixels of the full-size layer, `#rrggbb`, a popup item's text or 1-based number, on/off. Fails
+    /// with `ExitCode::kUsage`, changing nothing.
     Result<Done> SetFromText(std::string_view path, std::string_view text);
 
     /// The current value in the form that SetFromText takes; empty for a row without one. Popup values as item text in
@@ -80,6 +80,9 @@ class ParamSet {
     std::string ValueText(int index) const;
     /// The declared default in the same form.
     std::string DefaultText(int index) const;
+
+    /// Takes over a value that the effect wrote into a checked-out definition of the row; the type must be the row's.
+    void TakeValue(int index, const PF_ParamDef& def, const LayerGeometry& geometry);
 
     /// A copy of the row's definition with the value that the effect sees: points in 16.16 downsampled pixels.
     PF_ParamDef CheckOut(int index, const LayerGeometry& geometry) const;

@@ -23,6 +23,7 @@
 #include "hostapi/errors.h"
 
 struct FrameRecord;
+struct SessionState;
 
 /// Counts of what is open, safe on every thread.
 class Tally {
@@ -71,6 +72,8 @@ class Services {
     std::map<std::pair<std::string, int32_t>, int> suites;
     std::mutex suitesMutex;
     std::atomic<AEGP_LayerFlags> layerFlags{AEGP_LayerFlag_NONE};
+    /// The session that the record belongs to; null in a record that stands alone.
+    SessionState* session = nullptr;
     /// See SessionOptions::fault. Set before the first command.
     std::function<PF_Err(std::string_view call)> fault;
 

@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// How a command is sent: the records filled, the module called, the answer read.
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <chrono>
+#include <iterator>
+
+#include "host/session/error_names.h"
+#include "host/session/frame_record.h"
+#include "host/session/session_state.h"
+#include "host/suites/tables.h"
+
+namespace {
+
+/// Everything that an effect may read about where it is. Fields without a meaning for still pictures stay zero.
+PF_InData InDataFor(SessionState& state, FrameRecord* frame) {
+    PF_InData in{};
+    in.inter = kInteractCallbacks;
+    in.utils = &utilCallbacks;
+    in.effect_ref = frame ? frame->ref.Pointer() : state.ref.Pointer();
+    in.version = {state.options.apiMajor, state.options.apiMinor};
+    in.appl_id = state.options.appId;
+    in.num_params = state.params.Count();
+    in.global_data = state.globalData;
+    in.sequence_data = state.sequenceData;
+    in.pica_basicP = state.options.offerSuites ? &basicSuite : nullptr;
+    in.pixel_aspect_ratio = {1, 1};
+    in.in_flags = PF_InFlag_NONE;
+
+    const FrameRequest defaults;
+    const FrameRequest& request = frame ? frame->request : defaults;
+    const LayerGeometry geometry = frame ? frame->geometry : state.PanelGeometry();
+    in.quality = request.quality;
+    in.field = request.field;
+    in.current_time = request.time;
+    in.time_step = request.timeStep;
+    in.local_time_step = request.timeStep;
+    in.total_time = request.totalTime;
+    in.time_scale = request.timeScale;
+    in.width = geometry.width;
+    in.height = geometry.height;
+    in.extent_hint = frame ? frame->layerBounds : PF_LRect{0, 0, geometry.width, geometry.height};
+    in.downsample_x = geometry.downsampleX;
+    in.downsample_y = geometry.downsampleY;
+    return in;
+}
+
+/// The message's bytes up to its end or the field's: an effect may have filled all of them, without a terminator.
+std::string MessageOf(const PF_OutData& out) {
+    const char* begin = std::begin(out.return_msg);
+    return {begin, std::find(begin, std::prev(std::end(out.return_msg)), '\0')};
+}
+
+}  // namespace
+
+SessionState::SessionState(const Module& loaded, SessionOptions chosen) : module(loaded), options(std::move(chosen)) {
+    services.session = this;
+    services.layerFlags = options.layerFlags;
+    services.fault = options.fault;
+}
+
+Answer SendCommand(SessionState& state, PF_Cmd command, FrameRecord* frame, PF_ParamDef* params[], void* extra) {
+    PF_InData in = InDataFor(state, frame);
+    Answer answer;
+    answer.out.global_data = state.globalData;
+    answer.out.sequence_data = state.sequenceData;
+    if (command == PF_Cmd_QUERY_DYNAMIC_FLAGS) {
+        answer.out.out_flags = state.outFlags;
+        answer.out.out_flags2 = state.outFlags2;
+    }
+
+    CommandNotes notes;
+    const auto begin = std::chrono::steady_clock::now();
+    CallOutcome outcome;
+    {
+        const ServiceScope scope(&state.services, &notes);
+        outcome = state.module.Call(command, &in, &answer.out, params, nullptr, extra);
+    }
+    const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - begin;
+
+    CommandRecord& record = answer.record;
+    record.command = command;
+    record.error = outcome.error;
+    record.milliseconds = taken.count();
+    record.message = MessageOf(answer.out);
+    record.messageIsError = (answer.out.out_flags & PF_OutFlag_DISPLAY_ERROR_MESSAGE) != 0;
+    record.balance = notes.tally.Snapshot();
+    answer.suites = notes.acquired.Names();
+    if (outcome.exception) {
+        answer.exception = *outcome.exception;
+        state.services.Report(fmt::format("an exception left {}: {}", CommandName(command), answer.exception));
+    }
+    if (!frame) {
+        const std::lock_guard lock(state.commandsMutex);
+        state.commands.push_back(record);
+    }
+    return answer;
+}
+
+Failure FailureOf(const SessionState& state, const Answer& answer) {
+    const std::string& name = state.module.Effect().name;
+    const char* command = CommandName(answer.record.command);
+    if (!answer.exception.empty()) {
+        return {ExitCode::kEffectFailed,
+                fmt::format("{} failed in {}: it let an exception out ({})", name, command, answer.exception)};
+    }
+    return {ExitCode::kEffectFailed, fmt::format("{} failed in {}: {}", name, command,
+                                                 EffectErrorText(answer.record.error, answer.record.message))};
+}

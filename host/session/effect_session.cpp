@@ -1,0 +1,228 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// A session's life: set-up, the panel, set-down. Frames are in frame.cpp.
+
+#include "host/session/effect_session.h"
+
+#include <fmt/format.h>
+
+#include <utility>
+
+#include "host/session/session_state.h"
+#include "host/suites/tokens.h"
+
+namespace {
+
+/// Global set-up: flags, version, global data.
+std::optional<Failure> GlobalSetup(SessionState& state) {
+    const Answer answer = SendCommand(state, PF_Cmd_GLOBAL_SETUP, nullptr, nullptr, nullptr);
+    if (answer.Failed()) return FailureOf(state, answer);
+    state.globalUp = true;
+    state.globalData = answer.out.global_data;
+    state.outFlags = answer.out.out_flags;
+    state.outFlags2 = answer.out.out_flags2;
+    state.effectVersion = answer.out.my_version;
+    if (!(state.outFlags2 & PF_OutFlag2_SUPPORTS_SMART_RENDER)) {
+        return Failure{ExitCode::kEffectFailed,
+                       fmt::format("{} does not announce smart rendering, the only kind that this host does",
+                                   state.module.Effect().name)};
+    }
+    return std::nullopt;
+}
+
+/// Parameter set-up: the whole declaration, which must add up.
+std::optional<Failure> ParamsSetup(SessionState& state) {
+    state.declaring = true;
+    const Answer answer = SendCommand(state, PF_Cmd_PARAMS_SETUP, nullptr, nullptr, nullptr);
+    state.declaring = false;
+    if (answer.Failed()) return FailureOf(state, answer);
+    const std::string& name = state.module.Effect().name;
+    if (answer.out.num_params != state.params.Count()) {
+        return Failure{ExitCode::kEffectFailed,
+                       fmt::format("{} says that it has {} parameters, but declared {} (the layer counts as one)", name,
+                                   answer.out.num_params, state.params.Count())};
+    }
+    const std::string problem = state.params.Finish();
+    if (!problem.empty()) return Failure{ExitCode::kEffectFailed, fmt::format("{}: {}", name, problem)};
+
+    std::vector<PanelRow> rows;
+    for (const ParamRow& row : state.params.Rows()) rows.push_back(DeclaredPanelRow(row.def));
+    state.services.panel.Reset(std::move(rows));
+    return std::nullopt;
+}
+
+std::optional<Failure> SequenceSetup(SessionState& state) {
+    const Answer answer = SendCommand(state, PF_Cmd_SEQUENCE_SETUP, nullptr, nullptr, nullptr);
+    if (answer.Failed()) return FailureOf(state, answer);
+    state.sequenceUp = true;
+    state.sequenceData = answer.out.sequence_data;
+    return std::nullopt;
+}
+
+/// Lets an effect that wants to be asked say which of its flags hold for this instance.
+std::optional<Failure> QueryFlags(SessionState& state) {
+    if (!(state.outFlags2 & PF_OutFlag2_SUPPORTS_QUERY_DYNAMIC_FLAGS)) return std::nullopt;
+    const Answer answer = SendCommand(state, PF_Cmd_QUERY_DYNAMIC_FLAGS, nullptr, nullptr, nullptr);
+    if (answer.Failed()) return FailureOf(state, answer);
+    state.outFlags = answer.out.out_flags;
+    state.outFlags2 = answer.out.out_flags2;
+    return std::nullopt;
+}
+
+/// Whatever was set up is set down again; returns the first failure.
+std::optional<Failure> SetDown(SessionState& state) {
+    std::optional<Failure> failure;
+    if (std::exchange(state.sequenceUp, false)) {
+        const Answer answer = SendCommand(state, PF_Cmd_SEQUENCE_SETDOWN, nullptr, nullptr, nullptr);
+        state.sequenceData = nullptr;
+        if (answer.Failed()) failure = FailureOf(state, answer);
+    }
+    if (std::exchange(state.globalUp, false)) {
+        const Answer answer = SendCommand(state, PF_Cmd_GLOBAL_SETDOWN, nullptr, nullptr, nullptr);
+        state.globalData = nullptr;
+        if (answer.Failed() && !failure) failure = FailureOf(state, answer);
+        const Balance open = state.services.tally.Snapshot();
+        if (!open.Even()) state.services.Report("after global set-down something is open: " + open.Text());
+    }
+    return failure;
+}
+
+/// The current values as panel commands get them: definitions whose change flags are clear, and a list of pointers.
+struct PanelParams {
+    explicit PanelParams(const SessionState& state) {
+        for (int i = 0; i < state.params.Count(); ++i) {
+            defs.push_back(state.params.CheckOut(i, state.PanelGeometry()));
+            defs.back().uu.change_flags = PF_ChangeFlag_NONE;
+        }
+        for (PF_ParamDef& def : defs) pointers.push_back(&def);
+    }
+
+    /// Takes over the values that the effect says it has changed.
+    void TakeBack(SessionState& state) const {
+        for (int i = 0; i < state.params.Count(); ++i) {
+            const PF_ParamDef& def = defs[static_cast<std::size_t>(i)];
+            if (def.uu.change_flags & PF_ChangeFlag_CHANGED_VALUE) {
+                state.params.TakeValue(i, def, state.PanelGeometry());
+            }
+        }
+    }
+
+    std::vector<PF_ParamDef> defs;
+    std::vector<PF_ParamDef*> pointers;
+};
+
+Result<Done> SendPanelCommand(SessionState& state, PF_Cmd command, void* extra) {
+    PanelParams params(state);
+    const Answer answer = SendCommand(state, command, nullptr, params.pointers.data(), extra);
+    if (answer.Failed()) return FailureOf(state, answer);
+    params.TakeBack(state);
+    return Done{};
+}
+
+}  // namespace
+
+EffectSession::EffectSession(std::unique_ptr<SessionState> state) : state_(std::move(state)) {}
+EffectSession::EffectSession(EffectSession&&) noexcept = default;
+
+EffectSession& EffectSession::operator=(EffectSession&& other) noexcept {
+    if (this != &other) {
+        EffectSession ended(std::move(state_));
+        state_ = std::move(other.state_);
+    }
+    return *this;
+}
+
+EffectSession::~EffectSession() {
+    if (!state_) return;
+    SetDown(*state_);
+    DropTokens(&state_->services);
+}
+
+Result<EffectSession> EffectSession::Start(const Module& module, SessionOptions options) {
+    auto state = std::make_unique<SessionState>(module, std::move(options));
+    for (const auto step : {GlobalSetup, ParamsSetup, SequenceSetup, QueryFlags}) {
+        if (std::optional<Failure> failure = step(*state)) {
+            SetDown(*state);
+            return *failure;
+        }
+    }
+    return EffectSession(std::move(state));
+}
+
+Result<Done> EffectSession::End() {
+    if (std::optional<Failure> failure = SetDown(*state_)) return *failure;
+    return Done{};
+}
+
+Result<std::string> EffectSession::About() {
+    const Answer answer = SendCommand(*state_, PF_Cmd_ABOUT, nullptr, nullptr, nullptr);
+    if (answer.Failed()) return FailureOf(*state_, answer);
+    return answer.record.message;
+}
+
+Result<Done> EffectSession::UpdateParamsUI() {
+    if (!(state_->outFlags & PF_OutFlag_SEND_UPDATE_PARAMS_UI)) return Done{};
+    return SendPanelCommand(*state_, PF_Cmd_UPDATE_PARAMS_UI, nullptr);
+}
+
+Result<Done> EffectSession::UserChangedParam(int index) {
+    if (index < 0 || index >= state_->params.Count()) {
+        return Failure{ExitCode::kUsage, fmt::format("there is no parameter #{}", index)};
+    }
+    PF_UserChangedParamExtra extra{index};
+    return SendPanelCommand(*state_, PF_Cmd_USER_CHANGED_PARAM, &extra);
+}
+
+Result<PreRendered> EffectSession::PreRender(const FrameRequest& request) {
+    return PreRenderFrame(*state_, request);
+}
+
+Result<Frame> EffectSession::Render(const FrameRequest& request) {
+    return RenderFrame(*state_, request);
+}
+
+ParamSet& EffectSession::Params() {
+    return state_->params;
+}
+
+const ParamSet& EffectSession::Params() const {
+    return state_->params;
+}
+
+const PanelState& EffectSession::Panel() const {
+    return state_->services.panel;
+}
+
+PF_OutFlags EffectSession::OutFlags() const {
+    return state_->outFlags;
+}
+
+PF_OutFlags2 EffectSession::OutFlags2() const {
+    return state_->outFlags2;
+}
+
+A_u_long EffectSession::EffectVersion() const {
+    return state_->effectVersion;
+}
+
+Balance EffectSession::Open() const {
+    return state_->services.tally.Snapshot();
+}
+
+std::vector<std::string> EffectSession::Misbehaviour() const {
+    return state_->services.Misbehaviour();
+}
+
+std::vector<std::string> EffectSession::AcquiredSuites() const {
+    return state_->services.acquired.Names();
+}
+
+std::vector<std::string> EffectSession::RefusedSuites() const {
+    return state_->services.refused.Names();
+}
+
+std::vector<CommandRecord> EffectSession::Commands() const {
+    const std::lock_guard lock(state_->commandsMutex);
+    return state_->commands;
+}

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// Names as they are typed, and the right name nearest to a wrong one.
+
+#include <algorithm>
+#include <cctype>
+#include <numeric>
+
+#include "host/session/param_set.h"
+
+std::string PathForm(std::string_view name) {
+    std::string form;
+    bool gap = false;
+    for (const char character : name) {
+        const auto byte = static_cast<unsigned char>(character);
+        // Letters of other scripts keep their bytes: a name must not vanish because it is not English.
+        if (!std::isalnum(byte) && byte < 0x80) {
+            gap = true;
+            continue;
+        }
+        if (gap && !form.empty()) form += '-';
+        gap = false;
+        form += byte < 0x80 ? static_cast<char>(std::tolower(byte)) : character;
+    }
+    return form;
+}
+
+int EditDistance(std::string_view a, std::string_view b) {
+    std::vector<int> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), 0);
+    for (std::size_t i = 1; i <= a.size(); ++i) {
+        int diagonal = row[0];
+        row[0] = static_cast<int>(i);
+        for (std::size_t j = 1; j <= b.size(); ++j) {
+            const int replaced = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
+            diagonal = row[j];
+            row[j] = std::min({row[j] + 1, row[j - 1] + 1, replaced});
+        }
+    }
+    return row.back();
+}
+
+std::vector<std::string> Nearest(std::string_view typed, const std::vector<std::string>& candidates,
+                                 std::size_t count) {
+    // A name typed without its groups is as near as its last part is.
+    const auto distance = [&](const std::string& candidate) {
+        const std::string_view whole = candidate;
+        const std::size_t slash = whole.rfind('/');
+        const std::string_view last = slash == std::string_view::npos ? whole : whole.substr(slash + 1);
+        return std::min(EditDistance(typed, whole), EditDistance(typed, last));
+    };
+    std::vector<std::string> sorted = candidates;
+    std::stable_sort(sorted.begin(), sorted.end(),
+                     [&](const auto& a, const auto& b) { return distance(a) < distance(b); });
+    sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
+    if (sorted.size() > count) sorted.resize(count);
+    return sorted;
+}

@@ -1,0 +1,345 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// Parameter values as people type and read them.
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+#include "host/session/param_set.h"
+
+namespace {
+
+constexpr double kFixedOne = 65536.0;
+/// The largest whole number that 16.16 holds with its sign either way.
+constexpr double kFixedLimit = 32767.0;
+
+std::string_view Trimmed(std::string_view text) {
+    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.front()))) text.remove_prefix(1);
+    while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back()))) text.remove_suffix(1);
+    return text;
+}
+
+/// A finite decimal number, and nothing else, or nothing.
+std::optional<double> Number(std::string_view text) {
+    text = Trimmed(text);
+    if (text.starts_with('+') && text.size() > 1 && text[1] != '-') text.remove_prefix(1);
+    double value = 0;
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    if (error != std::errc() || stop != end || !std::isfinite(value)) return std::nullopt;
+    return value;
+}
+
+std::string Show(double value) {
+    return fmt::format("{}", value);
+}
+
+std::string Show(float value) {
+    return fmt::format("{}", value);
+}
+
+/// What a person calls a row in a sentence: its path, else its index.
+std::string Label(const ParamRow& row) {
+    return row.path.empty() ? fmt::format("#{}", row.index) : fmt::format("'{}'", row.path);
+}
+
+Failure Wrong(const ParamRow& row, const std::string& reason) {
+    return {ExitCode::kUsage, fmt::format("{} {}", Label(row), reason)};
+}
+
+Failure NotANumber(const ParamRow& row, std::string_view text, std::string_view wanted) {
+    return Wrong(row, fmt::format("takes {}, not '{}'", wanted, text));
+}
+
+/// Sets one slider; `low` and `high` are the valid range in the units that are typed.
+template <typename Store>
+Result<Done> SetSlider(const ParamRow& row, std::string_view text, double low, double high, bool percent, Store store) {
+    std::string_view digits = Trimmed(text);
+    if (percent && digits.ends_with('%')) digits.remove_suffix(1);
+    const std::optional<double> value = Number(digits);
+    const std::string range = fmt::format("{} to {}{}", Show(low), Show(high), percent ? " %" : "");
+    if (!value) return NotANumber(row, text, fmt::format("a number from {}", range));
+    if (*value < low || *value > high) return Wrong(row, fmt::format("takes {}, not {}", range, Show(*value)));
+    store(*value);
+    return Done{};
+}
+
+Result<Done> SetInteger(ParamRow& row, std::string_view text) {
+    PF_SliderDef& slider = row.def.u.sd;
+    const std::optional<double> value = Number(text);
+    if (value && *value != std::floor(*value)) return NotANumber(row, text, "a whole number");
+    return SetSlider(row, text, slider.valid_min, slider.valid_max, false,
+                     [&](double number) { slider.value = static_cast<PF_ParamValue>(number); });
+}
+
+Result<Done> SetAngle(ParamRow& row, std::string_view text) {
+    const std::optional<double> degrees = Number(text);
+    if (!degrees) return NotANumber(row, text, "an angle in degrees");
+    if (std::abs(*degrees) > kFixedLimit) {
+        return Wrong(row, fmt::format("takes -{0} to {0} degrees, not {1}", Show(kFixedLimit), Show(*degrees)));
+    }
+    row.def.u.ad.value = static_cast<PF_Fixed>(std::lround(*degrees * kFixedOne));
+    return Done{};
+}
+
+/// The numbers between the commas, as many as asked for, or nothing.
+template <std::size_t N>
+std::optional<std::array<double, N>> Numbers(std::string_view text) {
+    std::array<double, N> numbers{};
+    for (std::size_t i = 0; i < N; ++i) {
+        const std::size_t comma = text.find(',');
+        if ((comma == std::string_view::npos) != (i + 1 == N)) return std::nullopt;
+        const std::optional<double> number = Number(text.substr(0, comma));
+        if (!number) return std::nullopt;
+        numbers[i] = *number;
+        if (comma != std::string_view::npos) text.remove_prefix(comma + 1);
+    }
+    return numbers;
+}
+
+Result<Done> SetPoint(ParamRow& row, std::string_view text) {
+    const auto numbers = Numbers<2>(text);
+    if (!numbers) return NotANumber(row, text, "a point as x,y in pixels of the full-size layer");
+    for (const double number : *numbers) {
+        if (std::abs(number) > kFixedLimit) {
+            return Wrong(row, fmt::format("takes -{0} to {0} pixels, not {1}", Show(kFixedLimit), Show(number)));
+        }
+    }
+    row.point = LayerPoint{(*numbers)[0], (*numbers)[1]};
+    return Done{};
+}
+
+Result<Done> SetPoint3D(ParamRow& row, std::string_view text) {
+    const auto numbers = Numbers<3>(text);
+    if (!numbers) return NotANumber(row, text, "a point as x,y,z");
+    PF_Point3DDef& point = row.def.u.point3d_d;
+    point.x_value = (*numbers)[0];
+    point.y_value = (*numbers)[1];
+    point.z_value = (*numbers)[2];
+    return Done{};
+}
+
+Result<Done> SetColor(ParamRow& row, std::string_view text) {
+    std::string_view digits = Trimmed(text);
+    std::uint32_t value = 0;
+    const char* end = digits.data() + digits.size();
+    if (digits.size() != 7 || digits[0] != '#' || std::from_chars(digits.data() + 1, end, value, 16).ptr != end) {
+        return NotANumber(row, text, "a colour as #rrggbb");
+    }
+    const auto channel = [&](int shift) { return static_cast<A_u_char>(value >> shift & 0xFF); };
+    row.def.u.cd.value = {255, channel(16), channel(8), channel(0)};
+    return Done{};
+}
+
+Result<Done> SetCheckBox(ParamRow& row, std::string_view text) {
+    const std::string word = PathForm(text);
+    const auto is = [&](std::initializer_list<const char*> words) {
+        return std::find(words.begin(), words.end(), word) != words.end();
+    };
+    const bool on = is({"on", "true", "yes", "1"});
+    if (!on && !is({"off", "false", "no", "0"})) return NotANumber(row, text, "on or off");
+    row.def.u.bd.value = on ? 1 : 0;
+    return Done{};
+}
+
+bool IsSeparator(const std::string& item) {
+    return item.starts_with("(-");
+}
+
+/// The item's name as it is typed; empty for separators and items without letters or digits.
+std::string ItemForm(const std::string& item) {
+    return IsSeparator(item) ? std::string() : PathForm(item);
+}
+
+Result<Done> SetPopup(ParamRow& row, std::string_view text) {
+    PF_PopupDef& popup = row.def.u.pd;
+    const std::string typed = PathForm(text);
+    std::vector<std::string> forms;
+    std::vector<int> matches;
+    for (std::size_t i = 0; i < row.items.size(); ++i) {
+        const std::string form = ItemForm(row.items[i]);
+        if (form.empty()) continue;
+        forms.push_back(form);
+        if (form == typed) matches.push_back(static_cast<int>(i) + 1);
+    }
+    if (matches.size() == 1) {
+        popup.value = matches.front();
+        return Done{};
+    }
+    if (matches.size() > 1) {
+        return Wrong(row, fmt::format("has several items '{}'; use a number: {}", typed, fmt::join(matches, ", ")));
+    }
+    if (const std::optional<double> number = Number(text)) {
+        if (*number != std::floor(*number) || *number < 1 || *number > popup.num_choices) {
+            return Wrong(row,
+                         fmt::format("takes an item number from 1 to {}, not {}", popup.num_choices, Show(*number)));
+        }
+        const auto item = static_cast<std::size_t>(*number);
+        if (item <= row.items.size() && IsSeparator(row.items[item - 1])) {
+            return Wrong(row, fmt::format("cannot be set to {}, which is a separator line; the items are: {}", item,
+                                          fmt::join(forms, ", ")));
+        }
+        popup.value = static_cast<PF_ParamValue>(item);
+        return Done{};
+    }
+    std::vector<std::string> near = Nearest(typed, forms, 1);
+    return Wrong(row, near.empty() ? fmt::format("has no item '{}'; use a number from 1 to {}", text, popup.num_choices)
+                                   : fmt::format("has no item '{}'; nearest: '{}' (of {})", text, near.front(),
+                                                 fmt::join(forms, ", ")));
+}
+
+/// Why a row cannot be set from text, or nothing.
+const char* Unsettable(PF_ParamType type) {
+    switch (type) {
+        case PF_Param_GROUP_START:
+            return "is a group and has no value; name a row inside it";
+        case PF_Param_GROUP_END:
+            return "ends a group and has no value; name a row inside the group";
+        case PF_Param_BUTTON:
+            return "is a button and has no value";
+        case PF_Param_LAYER:
+            return "is a layer; give it a picture instead of a value";
+        case PF_Param_ARBITRARY_DATA:
+            return "holds data of the effect's own, which no text can set";
+        case PF_Param_NO_DATA:
+        case PF_Param_CUSTOM:
+        case PF_Param_PATH:
+            return "has no value that a text can set";
+        default:
+            return nullptr;
+    }
+}
+
+Result<Done> SetRow(ParamRow& row, std::string_view text) {
+    PF_ParamDefUnion& u = row.def.u;
+    if (const char* reason = Unsettable(row.def.param_type)) return Wrong(row, reason);
+    switch (row.def.param_type) {
+        case PF_Param_SLIDER:
+            return SetInteger(row, text);
+        case PF_Param_FIX_SLIDER:
+            return SetSlider(row, text, u.fd.valid_min / kFixedOne, u.fd.valid_max / kFixedOne,
+                             (u.fd.display_flags & PF_ValueDisplayFlag_PERCENT) != 0,
+                             [&](double value) { u.fd.value = static_cast<PF_Fixed>(std::lround(value * kFixedOne)); });
+        case PF_Param_FLOAT_SLIDER:
+            return SetSlider(row, text, static_cast<double>(u.fs_d.valid_min), static_cast<double>(u.fs_d.valid_max),
+                             (u.fs_d.display_flags & PF_ValueDisplayFlag_PERCENT) != 0,
+                             [&](double value) { u.fs_d.value = value; });
+        case PF_Param_ANGLE:
+            return SetAngle(row, text);
+        case PF_Param_CHECKBOX:
+            return SetCheckBox(row, text);
+        case PF_Param_COLOR:
+            return SetColor(row, text);
+        case PF_Param_POINT:
+            return SetPoint(row, text);
+        case PF_Param_POINT_3D:
+            return SetPoint3D(row, text);
+        default:
+            return SetPopup(row, text);
+    }
+}
+
+std::string ColorText(const PF_Pixel& color) {
+    return fmt::format("#{:02x}{:02x}{:02x}", color.red, color.green, color.blue);
+}
+
+std::string PopupText(const ParamRow& row, A_long value) {
+    if (value >= 1 && value <= static_cast<A_long>(row.items.size())) {
+        const std::string form = ItemForm(row.items[static_cast<std::size_t>(value) - 1]);
+        if (!form.empty()) return form;
+    }
+    return std::to_string(value);
+}
+
+std::string PointText(const ParamRow& row, bool current) {
+    if (current && row.point) return Show(row.point->x) + "," + Show(row.point->y);
+    const PF_PointDef& point = row.def.u.td;
+    return Show(point.x_dephault / kFixedOne) + "%," + Show(point.y_dephault / kFixedOne) + "%";
+}
+
+std::string Text(const ParamRow& row, bool current) {
+    const PF_ParamDefUnion& u = row.def.u;
+    switch (row.def.param_type) {
+        case PF_Param_SLIDER:
+            return std::to_string(current ? u.sd.value : u.sd.dephault);
+        case PF_Param_FIX_SLIDER:
+            return Show((current ? u.fd.value : u.fd.dephault) / kFixedOne);
+        case PF_Param_FLOAT_SLIDER:
+            return current ? Show(u.fs_d.value) : Show(u.fs_d.dephault);
+        case PF_Param_ANGLE:
+            return Show((current ? u.ad.value : u.ad.dephault) / kFixedOne);
+        case PF_Param_CHECKBOX:
+            return (current ? u.bd.value : u.bd.dephault) ? "on" : "off";
+        case PF_Param_COLOR:
+            return ColorText(current ? u.cd.value : u.cd.dephault);
+        case PF_Param_POINT:
+            return PointText(row, current);
+        case PF_Param_POINT_3D:
+            return current ? fmt::format("{},{},{}", u.point3d_d.x_value, u.point3d_d.y_value, u.point3d_d.z_value)
+                           : fmt::format("{},{},{}", u.point3d_d.x_dephault, u.point3d_d.y_dephault,
+                                         u.point3d_d.z_dephault);
+        case PF_Param_POPUP:
+            return PopupText(row, current ? u.pd.value : u.pd.dephault);
+        default:
+            return "";
+    }
+}
+
+}  // namespace
+
+Result<Done> ParamSet::SetFromText(std::string_view path, std::string_view text) {
+    Result<int> index = Find(path);
+    if (!index) return index.Error();
+    return SetRow(rows_[static_cast<std::size_t>(*index)], text);
+}
+
+std::string ParamSet::ValueText(int index) const {
+    return Text(Row(index), true);
+}
+
+std::string ParamSet::DefaultText(int index) const {
+    return Text(Row(index), false);
+}
+
+const char* ParamTypeName(PF_ParamType type) {
+    switch (type) {
+        case PF_Param_LAYER:
+            return "layer";
+        case PF_Param_SLIDER:
+        case PF_Param_FIX_SLIDER:
+        case PF_Param_FLOAT_SLIDER:
+            return "slider";
+        case PF_Param_ANGLE:
+            return "angle";
+        case PF_Param_CHECKBOX:
+            return "check box";
+        case PF_Param_COLOR:
+            return "colour";
+        case PF_Param_POINT:
+            return "point";
+        case PF_Param_POINT_3D:
+            return "3D point";
+        case PF_Param_POPUP:
+            return "popup";
+        case PF_Param_ARBITRARY_DATA:
+            return "custom data";
+        case PF_Param_PATH:
+            return "mask path";
+        case PF_Param_GROUP_START:
+            return "group";
+        case PF_Param_GROUP_END:
+            return "group end";
+        case PF_Param_BUTTON:
+            return "button";
+        default:
+            return "no data";
+    }
+}
