@@ -55,13 +55,16 @@ PF_Err GlobalSetup(PF_InData* in_data, PF_OutData* out_data) {
     const PF_HandleSuite1* handles = suites.HandleSuite1();
     const PF_Handle handle = handles->host_new_handle(sizeof(GlobalData));
     if (handle == nullptr) return PF_Err_NONE;
-    if (void* memory = handles->host_lock_handle(handle)) {
-        auto* record = static_cast<GlobalData*>(memory);
+    auto* record = static_cast<GlobalData*>(handles->host_lock_handle(handle));
+    if (record != nullptr) {
         std::memset(record, 0, sizeof(GlobalData));
         ProbeDriver(record);
+    } else if (*handle != nullptr) {
+        // Later commands read the record without a lock: it must not hold what the memory held before.
+        std::memset(*handle, 0, sizeof(GlobalData));
     }
     out_data->global_data = handle;
-    handles->host_unlock_handle(handle);
+    if (record != nullptr) handles->host_unlock_handle(handle);
     return PF_Err_NONE;
 }
 

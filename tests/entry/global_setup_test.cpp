@@ -189,12 +189,16 @@ TEST_F(GlobalSetupTest, NoMemoryIsNoError) {
     ExpectBalanced();
 }
 
-TEST_F(GlobalSetupTest, AHandleThatCannotBeLockedIsStoredAndUnlocked) {
+TEST_F(GlobalSetupTest, AHandleThatCannotBeLockedIsStoredEmpty) {
     host.failLock = 1;
     EXPECT_EQ(SetUpModule(), PF_Err_NONE);
     EXPECT_NE(host.outData.global_data, nullptr);
     EXPECT_TRUE(fake::Calls().empty()) << "no probe without a record";
-    EXPECT_EQ(host.CountOf("host_unlock_handle"), 1);
+    EXPECT_EQ(host.CountOf("host_unlock_handle"), 0) << "there is no lock to take back";
+    const auto* record = *reinterpret_cast<GlobalData**>(host.outData.global_data);
+    EXPECT_EQ(record->context, nullptr) << "later commands read it without a lock";
+    EXPECT_EQ(record->gl_version[0], '\0');
+    EXPECT_EQ(host.misuses, 0);
     EXPECT_EQ(host.suiteBalance.at({"PF Handle Suite", 2}), 0);
 }
 
