@@ -63,6 +63,7 @@ PF_Handle NewHandle(A_HandleSize size) {
     if (!block->bytes) return nullptr;
     std::memset(block->bytes.get(), kFreshByte, static_cast<std::size_t>(size));
     block->size = size;
+    block->master = block->bytes.get();
     const PF_Handle handle = &block->master;
     Table& table = TheTable();
     {
@@ -80,7 +81,6 @@ void* LockHandle(PF_Handle handle) {
         const std::lock_guard lock(table.mutex);
         if (Block* block = table.Find(handle)) {
             ++block->locks;
-            block->master = block->bytes.get();
             Count(Resource::kLock, 1);
             return block->master;
         }
@@ -97,7 +97,7 @@ void UnlockHandle(PF_Handle handle) {
         const std::lock_guard lock(table.mutex);
         if (Block* block = table.Find(handle); block && block->locks > 0) {
             locked = true;
-            if (--block->locks == 0) block->master = nullptr;
+            --block->locks;
         }
     }
     if (locked) {
@@ -156,6 +156,7 @@ PF_Err ResizeHandle(A_HandleSize size, PF_Handle* handle) {
     std::memcpy(bytes.get(), block->bytes.get(), static_cast<std::size_t>(kept));
     std::memset(bytes.get() + kept, kFreshByte, static_cast<std::size_t>(size - kept));
     block->bytes = std::move(bytes);
+    block->master = block->bytes.get();
     block->size = size;
     return PF_Err_NONE;
 }

@@ -2,8 +2,9 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// Host memory behind handles. A handle is a pointer to its master pointer, which is null except while the handle is
-// locked, so that an effect which looks through an unlocked handle is caught. Every thread.
+// Host memory behind handles. A handle is a pointer to its master pointer, which leads to the bytes for as long as the
+// handle lives: they move only when the handle is resized, so effects may look through one that is not locked, and some
+// do where no suite is at hand. Every thread.
 
 #include "hostapi/basic_types.h"
 
