@@ -22,7 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 
 Failure CannotRead(const fs::path& file, std::string_view reason) {
-    return {ExitCode::kFile, fmt::format("cannot read \"{}\": {}", file.string(), reason)};
+    return {ExitCode::kFile, fmt::format("cannot read '{}': {}", file.string(), reason)};
 }
 
 /// The library's message as part of one sentence: its first line, without the file's name again or a full stop.

@@ -64,7 +64,7 @@ Result<Done> TemporaryFile::PutInPlace() {
     std::error_code error;
     fs::rename(name_, place_, error);
     if (error) {
-        return Failure{ExitCode::kFile, fmt::format("cannot write \"{}\": {}", place_.string(), error.message())};
+        return Failure{ExitCode::kFile, fmt::format("cannot write '{}': {}", place_.string(), error.message())};
     }
     name_.clear();
     return Done{};

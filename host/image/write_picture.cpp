@@ -56,13 +56,13 @@ const Format* FormatOf(const fs::path& file) {
 }
 
 Failure CannotWrite(const fs::path& file, std::string_view reason) {
-    return {ExitCode::kFile, fmt::format("cannot write \"{}\": {}", file.string(), reason)};
+    return {ExitCode::kFile, fmt::format("cannot write '{}': {}", file.string(), reason)};
 }
 
 Failure UnknownFormat(const fs::path& file) {
     const std::string extension = file.extension().string();
     const std::string what = extension.empty() ? "its name has no extension"
-                                               : fmt::format("\"{}\" is not a format that can be written", extension);
+                                               : fmt::format("'{}' is not a format that can be written", extension);
     return CannotWrite(file, fmt::format("{}; use {}", what, WritableFormats()));
 }
 
@@ -158,10 +158,10 @@ Result<Done> CheckWritable(const fs::path& file) {
     if (fs::is_directory(file, error)) return CannotWrite(file, "there is a folder of that name");
     const fs::path folder = file.has_parent_path() ? file.parent_path() : fs::path(".");
     if (!fs::exists(folder, error)) {
-        return CannotWrite(file, fmt::format("there is no folder \"{}\"", folder.string()));
+        return CannotWrite(file, fmt::format("there is no folder '{}'", folder.string()));
     }
     if (!fs::is_directory(folder, error)) {
-        return CannotWrite(file, fmt::format("\"{}\" is not a folder", folder.string()));
+        return CannotWrite(file, fmt::format("'{}' is not a folder", folder.string()));
     }
     return Done{};
 }

@@ -284,7 +284,7 @@ void ExpectRefused(const std::filesystem::path& file, const std::string& reason)
     const auto picture = ReadPicture(file);
     ASSERT_FALSE(picture) << file;
     EXPECT_EQ(picture.Error().code, ExitCode::kFile);
-    EXPECT_THAT(picture.Error().sentence, HasSubstr("cannot read \"" + file.string() + "\": "));
+    EXPECT_THAT(picture.Error().sentence, HasSubstr("cannot read '" + file.string() + "': "));
     EXPECT_THAT(picture.Error().sentence, HasSubstr(reason));
     EXPECT_EQ(picture.Error().sentence.find('\n'), std::string::npos);
 }

@@ -160,11 +160,11 @@ TEST(WritePicture, WhatCannotBeWrittenIsSaidAndLeavesNothing) {
     std::filesystem::create_directory(folder / "folder.png");
     WriteBytes(folder / "file", "x");
     const std::string formats = "use .png, .tif, .tiff, .exr, .jpg or .jpeg";
-    ExpectRefused(folder / "a.gif", "\".gif\" is not a format that can be written; " + formats);
+    ExpectRefused(folder / "a.gif", "'.gif' is not a format that can be written; " + formats);
     ExpectRefused(folder / "picture", "its name has no extension; " + formats);
     ExpectRefused("", "the output's name is empty");
     ExpectRefused(folder / "folder.png", "there is a folder of that name");
-    ExpectRefused(folder / "none/a.png", "there is no folder \"");
+    ExpectRefused(folder / "none/a.png", "there is no folder '");
     ExpectRefused(folder / "file/a.png", "");
     ExpectRefused("/proc/umbrant.png", "", false);
     EXPECT_EQ(folder.Entries(), 2);

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// A subcommand of the program, and the list of them. Each lives in a file of its own: its options, its examples, its
+// run. A run prints results to standard output and words for people to standard error; failures are returned, and
+// printed in one place.
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "host/result.h"
+
+namespace CLI {
+class App;
+}
+
+struct Command {
+    std::string name;
+    std::string summary;
+    std::string examples;                    ///< the end of its help text
+    std::function<void(CLI::App&)> options;  ///< declares its options
+    std::function<Result<ExitCode>()> run;   ///< after its options were read
+};
+
+Command RenderCommand();
+Command ParamsCommand();
+Command InfoCommand();
+Command CompareCommand();
+
+/// All of them, in the order of the help text.
+std::vector<Command> AllCommands();
+
+/// The host program's own version, "major.minor.fix".
+std::string ProgramVersion();
+
+/// Finds the command that the arguments name and runs it; prints what went wrong. Returns the process's exit code.
+int RunProgram(int argc, const char* const* argv);

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// `umbrant compare`: whether two pictures are close enough, and where they are not.
+
+#include "host/image/compare.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "host/cli/command.h"
+
+namespace {
+
+struct CompareOptions {
+    std::string first;
+    std::string second;
+    std::string warn = "1/255";
+    double percent = Tolerance{}.percent;
+    std::string hard = "3/255";
+    std::string difference;
+    bool straight = false;
+    bool json = false;
+};
+
+/// A channel difference: "0.004" or "1/255".
+Result<double> ReadStep(const std::string& option, const std::string& text) {
+    char* end = nullptr;
+    double value = std::strtod(text.c_str(), &end);
+    bool good = end != text.c_str();
+    if (good && *end == '/') {
+        const char* below = end + 1;
+        const double divisor = std::strtod(below, &end);
+        good = end != below && divisor > 0;
+        value /= divisor;
+    }
+    if (good && *end == '\0' && std::isfinite(value) && value >= 0) return value;
+    return Failure{ExitCode::kUsage,
+                   fmt::format("{}: '{}' is not a channel difference; write 1/255 or 0.004", option, text)};
+}
+
+std::string PixelText(const double (&channels)[4]) {
+    return fmt::format("alpha {:.6g} red {:.6g} green {:.6g} blue {:.6g}", channels[0], channels[1], channels[2],
+                       channels[3]);
+}
+
+std::string Text(const Comparison& result) {
+    std::string text = fmt::format("{}: worst difference {:.6g} ({:.4g}/255)", result.close ? "close" : "different",
+                                   result.worst, result.worst * 255.0);
+    if (result.worst > 0) {
+        text += fmt::format(" at ({}, {}): {} against {}", result.x, result.y, PixelText(result.first),
+                            PixelText(result.second));
+    }
+    return text + fmt::format("; {} of {} pixels differ by the warning step or more\n", result.counted, result.pixels);
+}
+
+std::string Json(const Comparison& result) {
+    const nlohmann::ordered_json json = {
+        {"close", result.close},
+        {"worst", result.worst},
+        {"x", result.x},
+        {"y", result.y},
+        {"first", result.first},
+        {"second", result.second},
+        {"counted", result.counted},
+        {"pixels", result.pixels},
+    };
+    return json.dump(2) + "\n";
+}
+
+Result<ExitCode> RunCompare(const CompareOptions& options) {
+    Tolerance tolerance;
+    const auto warn = ReadStep("--warn", options.warn);
+    if (!warn) return warn.Error();
+    const auto hard = ReadStep("--hard", options.hard);
+    if (!hard) return hard.Error();
+    tolerance.warn = *warn;
+    tolerance.hard = *hard;
+    tolerance.percent = options.percent;
+
+    const auto first = ReadPicture(options.first);
+    if (!first) return first.Error();
+    const auto second = ReadPicture(options.second);
+    if (!second) return second.Error();
+    const auto result = Compare(*first, *second, tolerance, options.straight);
+    if (!result) {
+        std::fputs(fmt::format("different: {} x {} against {} x {} pixels\n", first->frameWidth, first->frameHeight,
+                               second->frameWidth, second->frameHeight)
+                       .c_str(),
+                   stdout);
+        return ExitCode::kEffectFailed;
+    }
+    std::fputs((options.json ? Json(*result) : Text(*result)).c_str(), stdout);
+    if (!options.difference.empty()) {
+        const Placement place{result->window, first->frameWidth, first->frameHeight};
+        if (auto written = WritePicture(options.difference, result->difference, place); !written)
+            return written.Error();
+    }
+    return result->close ? ExitCode::kDone : ExitCode::kEffectFailed;
+}
+
+}  // namespace
+
+Command CompareCommand() {
+    const auto options = std::make_shared<CompareOptions>();
+    Command command;
+    command.name = "compare";
+    command.summary = "Tell how far two pictures lie apart; exit code 1 when they are not close";
+    command.examples =
+        "  umbrant compare actual.png expected.png\n"
+        "  umbrant compare actual.png expected.png --warn 1/255 --percent 0.5 --hard 3/255 --diff diff.png\n"
+        "      at most 0.5 percent of the pixels differ by 1/255 or more, and none by more than 3/255;\n"
+        "      the differences are drawn 32 times as strong";
+    command.options = [options](CLI::App& app) {
+        app.add_option("FIRST", options->first, "A picture")->required();
+        app.add_option("SECOND", options->second, "The picture that it is compared with")->required();
+        app.add_option("--warn", options->warn, "A pixel counts that differs by this much or more (1/255)")
+            ->type_name("STEP");
+        app.add_option("--percent", options->percent, "So many pixels may count, in percent (0.5)")
+            ->check(CLI::Range(0.0, 100.0));
+        app.add_option("--hard", options->hard, "No pixel may differ by more (3/255)")->type_name("STEP");
+        app.add_option("--diff", options->difference, "Where to write a picture of the differences")
+            ->type_name("IMAGE");
+        app.add_flag("--straight", options->straight,
+                     "Compare colours as stored; without it as seen, premultiplied by alpha");
+        app.add_flag("--json", options->json, "For programs");
+    };
+    command.run = [options] { return RunCompare(*options); };
+    return command;
+}

@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// `umbrant info`: who the module says it is, and what it draws with.
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "host/cli/command.h"
+#include "host/cli/opened_module.h"
+
+namespace {
+
+struct InfoOptions {
+    std::string module;
+    bool json = false;
+};
+
+/// "1.3.3" from the packed form.
+std::string VersionText(A_u_long packed) {
+    const A_u_long major = (packed >> 26 & 15) << 3 | (packed >> 19 & 7);
+    return fmt::format("{}.{}.{}", major, packed >> 15 & 15, packed >> 11 & 15);
+}
+
+/// "eFKT" from the number whose bytes it is.
+std::string FourCharacters(A_long code) {
+    std::string text;
+    for (int shift = 24; shift >= 0; shift -= 8) text += static_cast<char>(code >> shift & 255);
+    return text;
+}
+
+std::string WithoutFinalBreaks(std::string text) {
+    while (!text.empty() && text.back() == '\n') text.pop_back();
+    return text;
+}
+
+nlohmann::ordered_json Describe(const OpenedModule& opened, const std::string& about) {
+    const Registration& effect = opened.module->Effect();
+    const EffectSession& session = *opened.session;
+    const GpuStrings gpu = ReadGpuStrings(session.Params());
+    return {
+        {"module", opened.module->File().string()},
+        {"name", effect.name},
+        {"matchName", effect.matchName},
+        {"category", effect.category},
+        {"version", VersionText(session.EffectVersion())},
+        {"entryPoint", effect.entryPoint},
+        {"kind", FourCharacters(effect.kind)},
+        {"apiVersion", fmt::format("{}.{}", effect.apiMajor, effect.apiMinor)},
+        {"outFlags", fmt::format("{:#010x}", static_cast<A_u_long>(session.OutFlags()))},
+        {"outFlags2", fmt::format("{:#010x}", static_cast<A_u_long>(session.OutFlags2()))},
+        {"about", about},
+        {"gpu",
+         {{"vendor", gpu.vendor},
+          {"renderer", gpu.renderer},
+          {"openglVersion", gpu.glVersion},
+          {"shaderVersion", gpu.shaderVersion}}},
+        {"host", {{"version", ProgramVersion()}, {"apiVersion", "13.28"}}},
+    };
+}
+
+std::string Text(const nlohmann::ordered_json& info) {
+    const auto get = [&info](const char* key) { return info[key].get<std::string>(); };
+    const auto gpu = [&info](const char* key) { return info["gpu"][key].get<std::string>(); };
+    std::string text;
+    const auto line = [&text](const char* label, const std::string& value) {
+        text += fmt::format("{:<16} {}\n", label, value);
+    };
+    line("Effect", fmt::format("{} {}", get("name"), get("version")));
+    line("Match name", get("matchName"));
+    line("Category", get("category"));
+    line("Module", get("module"));
+    line("Interface", fmt::format("{} {}, entry {}", get("kind"), get("apiVersion"), get("entryPoint")));
+    line("Flags", fmt::format("{} {}", get("outFlags"), get("outFlags2")));
+    line("Vendor", gpu("vendor"));
+    line("Renderer", gpu("renderer"));
+    line("OpenGL Version", gpu("openglVersion"));
+    line("Shader Version", gpu("shaderVersion"));
+    line("Host", fmt::format("umbrant {}, interface {}", info["host"]["version"].get<std::string>(),
+                             info["host"]["apiVersion"].get<std::string>()));
+    return text + "\n" + WithoutFinalBreaks(get("about")) + "\n";
+}
+
+Result<ExitCode> Info(const InfoOptions& options) {
+    auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module));
+    if (!opened) return opened.Error();
+    const auto about = opened->Session().About();
+    if (!about) return about.Error();
+    const auto info = Describe(*opened, *about);
+    const std::string text =
+        options.json ? info.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n" : Text(info);
+    std::fputs(text.c_str(), stdout);
+    return ExitCode::kDone;
+}
+
+}  // namespace
+
+Command InfoCommand() {
+    const auto options = std::make_shared<InfoOptions>();
+    Command command;
+    command.name = "info";
+    command.summary = "Tell the module's identity, its about text and the GPU it draws with";
+    command.examples =
+        "  umbrant info\n"
+        "  umbrant info --json --module build/release/umbrant2.so";
+    command.options = [options](CLI::App& app) {
+        app.add_option("--module", options->module, "The effect's module")->type_name("FILE");
+        app.add_flag("--json", options->json, "For programs");
+    };
+    command.run = [options] { return Info(*options); };
+    return command;
+}

@@ -1,0 +1,239 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// `umbrant params`: every row that the module declares, as a table for people or as JSON.
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "host/cli/command.h"
+#include "host/cli/opened_module.h"
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct ParamsOptions {
+    std::string module;
+    bool json = false;
+};
+
+struct FlagName {
+    A_long bit;
+    const char* name;
+};
+
+constexpr FlagName kFlags[] = {
+    {PF_ParamFlag_CANNOT_TIME_VARY, "cannot-time-vary"},
+    {PF_ParamFlag_CANNOT_INTERP, "cannot-interpolate"},
+    {PF_ParamFlag_START_COLLAPSED, "collapsed"},
+    {PF_ParamFlag_SUPERVISE, "supervised"},
+    {PF_ParamFlag_USE_VALUE_FOR_OLD_PROJECTS, "value-for-old-projects"},
+    {PF_ParamFlag_EXCLUDE_FROM_HAVE_INPUTS_CHANGED, "not-an-input"},
+    {PF_ParamFlag_SKIP_REVEAL_WHEN_UNHIDDEN, "skip-reveal"},
+};
+
+constexpr FlagName kUiFlags[] = {
+    {PF_PUI_TOPIC, "own-topic"},           {PF_PUI_CONTROL, "own-control"},     {PF_PUI_STD_CONTROL_ONLY, "unstored"},
+    {PF_PUI_NO_ECW_UI, "not-in-panel"},    {PF_PUI_ECW_SEPARATOR, "separator"}, {PF_PUI_DISABLED, "disabled"},
+    {PF_PUI_RADIO_BUTTON, "radio-button"}, {PF_PUI_INVISIBLE, "invisible"},
+};
+
+std::vector<std::string> FlagNames(const ParamRow& row) {
+    std::vector<std::string> names;
+    for (const FlagName& flag : kFlags) {
+        if (row.def.flags & flag.bit) names.push_back(flag.name);
+    }
+    for (const FlagName& flag : kUiFlags) {
+        if (row.def.ui_flags & flag.bit) names.push_back(flag.name);
+    }
+    return names;
+}
+
+/// What may be typed and what the slider reaches; empty for rows without a range.
+struct Range {
+    std::string validMin, validMax, sliderMin, sliderMax;
+    bool exists = false;
+};
+
+Range RangeOf(const PF_ParamDef& def) {
+    const auto text = [](auto value) { return fmt::format("{}", value); };
+    const auto fixed = [](PF_Fixed value) { return fmt::format("{}", value / 65536.0); };
+    switch (def.param_type) {
+        case PF_Param_FLOAT_SLIDER: {
+            const PF_FloatSliderDef& s = def.u.fs_d;
+            return {text(s.valid_min), text(s.valid_max), text(s.slider_min), text(s.slider_max), true};
+        }
+        case PF_Param_SLIDER: {
+            const PF_SliderDef& s = def.u.sd;
+            return {text(s.valid_min), text(s.valid_max), text(s.slider_min), text(s.slider_max), true};
+        }
+        case PF_Param_FIX_SLIDER: {
+            const PF_FixedSliderDef& s = def.u.fd;
+            return {fixed(s.valid_min), fixed(s.valid_max), fixed(s.slider_min), fixed(s.slider_max), true};
+        }
+        default:
+            return {};
+    }
+}
+
+bool IsPercent(const PF_ParamDef& def) {
+    const PF_ValueDisplayFlags flags = def.param_type == PF_Param_FLOAT_SLIDER ? def.u.fs_d.display_flags
+                                       : def.param_type == PF_Param_FIX_SLIDER ? def.u.fd.display_flags
+                                                                               : PF_ValueDisplayFlag_NONE;
+    return (flags & PF_ValueDisplayFlag_PERCENT) != 0;
+}
+
+/// Whether `render --set` can change the row.
+bool HasValue(const ParamSet& params, const ParamRow& row) {
+    return !params.DefaultText(row.index).empty();
+}
+
+Json Describe(const ParamSet& params, const ParamRow& row) {
+    Json json{{"index", row.index},
+              {"id", row.def.uu.id},
+              {"path", row.path},
+              {"name", row.name},
+              {"type", ParamTypeName(row.def.param_type)},
+              {"depth", row.depth}};
+    const Range range = RangeOf(row.def);
+    if (range.exists) {
+        json["min"] = Json::parse(range.validMin);
+        json["max"] = Json::parse(range.validMax);
+        json["sliderMin"] = Json::parse(range.sliderMin);
+        json["sliderMax"] = Json::parse(range.sliderMax);
+    }
+    if (row.def.param_type == PF_Param_FLOAT_SLIDER) json["precision"] = row.def.u.fs_d.precision;
+    if (IsPercent(row.def)) json["unit"] = "percent";
+    if (HasValue(params, row)) json["default"] = params.DefaultText(row.index);
+    if (row.def.param_type == PF_Param_POPUP) {
+        json["items"] = row.items;
+        json["defaultIndex"] = row.def.u.pd.dephault;
+    }
+    if (!row.label.empty()) json["label"] = row.label;
+    json["flags"] = FlagNames(row);
+    json["flagBits"] = row.def.flags;
+    json["uiFlagBits"] = row.def.ui_flags;
+    return json;
+}
+
+/// What may be written after the equals sign.
+std::string Accepted(const ParamRow& row) {
+    const Range range = RangeOf(row.def);
+    if (range.exists) return fmt::format("{} to {}{}", range.validMin, range.validMax, IsPercent(row.def) ? " %" : "");
+    switch (row.def.param_type) {
+        case PF_Param_ANGLE:
+            return "degrees";
+        case PF_Param_POINT:
+            return "x,y in pixels";
+        case PF_Param_COLOR:
+            return "#rrggbb";
+        case PF_Param_CHECKBOX:
+            return "on, off";
+        case PF_Param_LAYER:
+            return row.index == 0 ? "INPUT" : "--texture";
+        case PF_Param_BUTTON:
+            return fmt::format("[{}]", row.label);
+        default:
+            return "";
+    }
+}
+
+std::string JoinedFlags(const ParamRow& row) {
+    std::string text;
+    for (const std::string& name : FlagNames(row)) text += (text.empty() ? "" : ", ") + name;
+    return text;
+}
+
+/// The items of a popup as they are typed, on a line of their own; separators keep their number and are left out.
+std::string ItemsLine(const ParamRow& row) {
+    std::string line;
+    for (std::size_t i = 0; i < row.items.size(); ++i) {
+        if (row.items[i].starts_with("(-")) continue;
+        line += fmt::format("{}{} {}", line.empty() ? "" : ", ", i + 1, PathForm(row.items[i]));
+    }
+    return line;
+}
+
+/// A popup with a single item has nothing to choose: it only shows its text, which is told as it is.
+bool IsReadout(const ParamRow& row) {
+    return row.def.param_type == PF_Param_POPUP && row.items.size() == 1;
+}
+
+constexpr std::size_t kColumns = 6;
+using Cells = std::array<std::string, kColumns>;
+
+Cells CellsOf(const ParamSet& params, const ParamRow& row) {
+    return {std::to_string(row.index),
+            row.path.empty() ? fmt::format("#{}", row.index) : row.path,
+            ParamTypeName(row.def.param_type),
+            IsReadout(row) ? row.items.front() : Accepted(row),
+            IsReadout(row) ? "" : params.DefaultText(row.index),
+            JoinedFlags(row)};
+}
+
+std::string Text(const ParamSet& params) {
+    std::vector<Cells> lines = {{"#", "PATH", "TYPE", "VALUES", "DEFAULT", "FLAGS"}};
+    std::vector<std::string> itemLines = {""};
+    std::array<std::size_t, kColumns> widths{};
+    for (const ParamRow& row : params.Rows()) {
+        if (row.def.param_type == PF_Param_GROUP_END) continue;
+        lines.push_back(CellsOf(params, row));
+        itemLines.push_back(row.def.param_type == PF_Param_POPUP && !IsReadout(row) ? ItemsLine(row) : "");
+        for (std::size_t i = 0; i < kColumns; ++i) widths[i] = std::max(widths[i], lines.back()[i].size());
+    }
+    std::string text;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        std::string line;
+        for (std::size_t column = 0; column < kColumns; ++column) {
+            line += fmt::format("{:<{}}  ", lines[i][column], widths[column]);
+        }
+        line.erase(line.find_last_not_of(' ') + 1);
+        text += line + "\n";
+        if (!itemLines[i].empty())
+            text += std::string(widths[0] + widths[1] + widths[2] + 6, ' ') + itemLines[i] + "\n";
+    }
+    return text;
+}
+
+Result<ExitCode> Params(const ParamsOptions& options) {
+    auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module));
+    if (!opened) return opened.Error();
+    const ParamSet& params = opened->Session().Params();
+    std::string text;
+    if (options.json) {
+        Json rows = Json::array();
+        for (const ParamRow& row : params.Rows()) rows.push_back(Describe(params, row));
+        text = rows.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+    } else {
+        text = Text(params);
+    }
+    std::fputs(text.c_str(), stdout);
+    return ExitCode::kDone;
+}
+
+}  // namespace
+
+Command ParamsCommand() {
+    const auto options = std::make_shared<ParamsOptions>();
+    Command command;
+    command.name = "params";
+    command.summary = "List every parameter: path, type, values, default, flags";
+    command.examples =
+        "  umbrant params\n"
+        "  umbrant params --json | jq '.[] | select(.type == \"popup\") | .path'";
+    command.options = [options](CLI::App& app) {
+        app.add_option("--module", options->module, "The effect's module")->type_name("FILE");
+        app.add_flag("--json", options->json, "For programs; with the group ends too");
+    };
+    command.run = [options] { return Params(*options); };
+    return command;
+}

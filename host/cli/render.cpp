@@ -1,0 +1,241 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// `umbrant render`: one picture in, one picture out.
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <cmath>
+#include <cstdio>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/cli/command.h"
+#include "host/cli/opened_module.h"
+#include "host/image/picture.h"
+#include "host/image/resample.h"
+#include "host/session/error_names.h"
+
+namespace {
+
+/// Time runs in steps of 1/24 second, told in thousandths of them so that any --time is met closely.
+constexpr A_u_long kTimeScale = 24000;
+constexpr A_long kTimeStep = 1000;
+constexpr double kLongestTime = 24.0 * 60 * 60;
+
+constexpr char kExamples[] =
+    "  umbrant render title.png -o shadow.png\n"
+    "      the default shadow; the picture grows to hold it\n"
+    "  umbrant render title.png -o shadow.png --canvas layer --set style/angle=90 --set style/softness=40\n"
+    "      the picture keeps its size\n"
+    "  umbrant render title.png -o shadow.png --set style/color=#203060 --set easing/mode=ease-in-out\n"
+    "      colours as #rrggbb, popup items by name or number; `umbrant params` lists them all\n"
+    "  umbrant render card.exr -o shadow.exr --texture paper.png --set texture/blend-mode=normal\n"
+    "      32-bit float, the shadow coloured by another picture\n"
+    "  umbrant render title.png -o draft.png --downsample 4\n"
+    "      a quarter of the resolution; points are still given in pixels of the whole picture";
+
+struct RenderOptions {
+    std::string input;
+    std::string output;
+    std::vector<std::string> settings;
+    std::string texture;
+    int depth = 0;
+    int downsample = 1;
+    std::string canvas = "grow";
+    double seconds = 0;
+    std::string module;
+    bool verbose = false;
+};
+
+void Note(const std::string& line) {
+    std::fputs((line + "\n").c_str(), stderr);
+}
+
+std::string RectText(const PF_LRect& rect) {
+    return fmt::format("({}, {}) to ({}, {}), {} x {}", rect.left, rect.top, rect.right, rect.bottom,
+                       std::int64_t{rect.right} - rect.left, std::int64_t{rect.bottom} - rect.top);
+}
+
+/// A picture as the effect is to see it: cut to its frame, in the depth of the render, at its resolution.
+Result<World> LayerOf(const Picture& picture, Depth depth, int downsample) {
+    const Failure noMemory{ExitCode::kInternal, "there is not enough memory for the layer"};
+    World layer =
+        CutToFrame(picture.pixels, picture.window.left, picture.window.top, picture.frameWidth, picture.frameHeight);
+    if (layer.IsNull()) return noMemory;
+    if (layer.PixelDepth() != depth) layer = ConvertDepth(layer, depth);
+    if (!layer.IsNull() && downsample > 1) layer = Downsample(layer, downsample);
+    if (layer.IsNull()) return noMemory;
+    return layer;
+}
+
+Result<Done> ApplySettings(const std::vector<std::string>& settings, ParamSet& params) {
+    for (const std::string& setting : settings) {
+        const std::size_t equals = setting.find('=');
+        if (equals == std::string::npos) {
+            return Failure{ExitCode::kUsage, fmt::format("'--set {}' has no value; write --set PATH=VALUE", setting)};
+        }
+        if (auto set = params.SetFromText(setting.substr(0, equals), setting.substr(equals + 1)); !set) return set;
+    }
+    return Done{};
+}
+
+void NoteCommands(const std::vector<CommandRecord>& commands) {
+    for (const CommandRecord& record : commands) {
+        std::string line = fmt::format("{:<28} {:9.3f} ms", CommandName(record.command), record.milliseconds);
+        if (record.error != PF_Err_NONE) {
+            line += fmt::format("  error {} ({})", record.error, ErrorName(record.error));
+        }
+        if (!record.message.empty()) line += fmt::format("  says \"{}\"", record.message);
+        Note(line);
+    }
+}
+
+void NoteFrame(const Frame& frame) {
+    NoteCommands(frame.commands);
+    Note("result rectangle:  " + RectText(frame.rect));
+    Note("largest rectangle: " + RectText(frame.maxRect));
+    for (const std::string& suite : frame.suites) Note("suite: " + suite);
+}
+
+/// The effect's failure, said as what it is when there is no OpenGL to draw with.
+Failure Explain(const Failure& failure, const EffectSession& session) {
+    if (failure.code != ExitCode::kEffectFailed || ReadGpuStrings(session.Params()).HasContext()) return failure;
+    return {failure.code,
+            fmt::format("no OpenGL context could be made, so the effect cannot draw: {}", failure.sentence)};
+}
+
+/// The frame's pixels as they are written: where nothing was drawn, the layer's frame, transparent.
+Result<World> PictureOf(Frame& frame, Canvas canvas, const World& layer) {
+    const bool empty = frame.output.Width() == 0 || frame.output.Height() == 0;
+    const bool isFrame = frame.rect.left == 0 && frame.rect.top == 0 && frame.rect.right == layer.Width() &&
+                         frame.rect.bottom == layer.Height();
+    if (!empty && (canvas == Canvas::kGrow || isFrame)) return std::move(frame.output);
+    World cut = empty ? World::Create(layer.Width(), layer.Height(), layer.PixelDepth())
+                      : CutToFrame(frame.output, frame.rect.left, frame.rect.top, layer.Width(), layer.Height());
+    frame.rect = {0, 0, layer.Width(), layer.Height()};
+    if (cut.IsNull()) return Failure{ExitCode::kInternal, "there is not enough memory for the picture"};
+    return cut;
+}
+
+struct Layers {
+    World layer;
+    World texture;  ///< null for none
+    int width = 0;  ///< the layer's full size
+    int height = 0;
+};
+
+Result<Layers> ReadLayers(const RenderOptions& options) {
+    const auto input = ReadPicture(options.input);
+    if (!input) return input.Error();
+    const Depth depth = options.depth == 0 ? input->pixels.PixelDepth() : options.depth == 32 ? Depth::k32 : Depth::k8;
+    Layers layers;
+    layers.width = input->frameWidth;
+    layers.height = input->frameHeight;
+    auto layer = LayerOf(*input, depth, options.downsample);
+    if (!layer) return layer.Error();
+    layers.layer = std::move(*layer);
+    if (options.texture.empty()) return layers;
+
+    const auto picture = ReadPicture(options.texture);
+    if (!picture) return picture.Error();
+    auto texture = LayerOf(*picture, depth, options.downsample);
+    if (!texture) return texture.Error();
+    layers.texture = std::move(*texture);
+    return layers;
+}
+
+FrameRequest RequestOf(const RenderOptions& options, const Layers& layers) {
+    FrameRequest request;
+    request.layer = &layers.layer;
+    request.layerWidth = layers.width;
+    request.layerHeight = layers.height;
+    request.downsampleX = request.downsampleY = {1, static_cast<A_u_long>(options.downsample)};
+    request.texture = layers.texture.IsNull() ? nullptr : &layers.texture;
+    request.canvas = options.canvas == "layer" ? Canvas::kLayer : Canvas::kGrow;
+    request.time = static_cast<A_long>(std::lround(options.seconds * kTimeScale));
+    request.timeStep = kTimeStep;
+    request.totalTime = request.time + kTimeStep;
+    request.timeScale = kTimeScale;
+    return request;
+}
+
+Result<ExitCode> Render(const RenderOptions& options) {
+    if (auto writable = CheckWritable(options.output); !writable) return writable.Error();
+    const auto layers = ReadLayers(options);
+    if (!layers) return layers.Error();
+
+    SessionOptions about;
+    about.layerWidth = layers->width;
+    about.layerHeight = layers->height;
+    auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module), about);
+    if (!opened) return opened.Error();
+    EffectSession& session = opened->Session();
+    if (auto set = ApplySettings(options.settings, session.Params()); !set) return set.Error();
+    if (auto updated = session.UpdateParamsUI(); !updated) return Explain(updated.Error(), session);
+    if (options.verbose) NoteCommands(session.Commands());
+
+    const FrameRequest request = RequestOf(options, *layers);
+    auto frame = session.Render(request);
+    if (!frame) return Explain(frame.Error(), session);
+    if (options.verbose) NoteFrame(*frame);
+    if (!frame->message.empty()) Note("the effect says: " + frame->message);
+
+    const auto picture = PictureOf(*frame, request.canvas, layers->layer);
+    if (!picture) return picture.Error();
+    const Placement place{frame->rect, layers->layer.Width(), layers->layer.Height()};
+    if (auto written = WritePicture(options.output, *picture, place); !written) return written.Error();
+
+    auto ended = session.End();
+    if (options.verbose) {
+        for (const std::string& misstep : session.Misbehaviour()) Note("the effect misbehaved: " + misstep);
+    }
+    if (!ended) return ended.Error();
+    std::fputs((options.output + "\n").c_str(), stdout);
+    return ExitCode::kDone;
+}
+
+}  // namespace
+
+Command RenderCommand() {
+    const auto options = std::make_shared<RenderOptions>();
+    Command command;
+    command.name = "render";
+    command.summary = "Draw a picture with the effect; prints the path of the picture that was written";
+    command.examples = kExamples;
+    command.options = [options](CLI::App& app) {
+        app.add_option("INPUT", options->input, "The layer: PNG, TIFF, JPEG, EXR, ...")->required();
+        app.add_option("-o,--output", options->output,
+                       "The picture to write: " + WritableFormats() +
+                           ". PNG and TIFF are straight, EXR is premultiplied, JPEG lies on white")
+            ->required();
+        app.add_option("--set", options->settings, "A parameter's value; may be given many times")
+            ->type_name("PATH=VALUE")
+            ->allow_extra_args(false);
+        app.add_option("--texture", options->texture,
+                       "A picture for the effect's layer parameters, at the layer's origin")
+            ->type_name("IMAGE");
+        app.add_option("--depth", options->depth, "Bits per channel; without it, those of the input (16 become 32)")
+            ->check(CLI::IsMember({8, 32}))
+            ->type_name("8|32");
+        app.add_option("--downsample", options->downsample, "Draw at one N-th of the resolution")
+            ->check(CLI::Range(1, 64))
+            ->type_name("N");
+        app.add_option("--canvas", options->canvas,
+                       "grow: as large as layer and shadow together (default); layer: the layer's frame")
+            ->check(CLI::IsMember({"grow", "layer"}))
+            ->type_name("grow|layer");
+        app.add_option("--time", options->seconds, "The moment that is drawn")
+            ->check(CLI::Range(0.0, kLongestTime))
+            ->type_name("SECONDS");
+        app.add_option("--module", options->module,
+                       "The effect's module; without it UMBRANT_MODULE or the one beside the program")
+            ->type_name("FILE");
+        app.add_flag("--verbose", options->verbose, "Tell each command with its time, rectangles and suites");
+    };
+    command.run = [options] { return Render(*options); };
+    return command;
+}

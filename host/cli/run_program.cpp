@@ -1,0 +1,146 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// From arguments to a command and from its outcome to an exit code. The only place that prints failures.
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <optional>
+
+#include "host/cli/command.h"
+#include "host/image/temporary_file.h"
+#include "host/session/param_set.h"
+
+namespace {
+
+constexpr char kDescription[] =
+    "Draws shadows of pictures with the Umbrant effect module.\n"
+    "Results go to standard output, messages to standard error.";
+
+constexpr char kFooter[] =
+    "\nExamples:\n"
+    "  umbrant render title.png -o shadow.png\n"
+    "  umbrant render title.png -o shadow.png --set style/distance=80 --set style/color=#203060\n"
+    "  umbrant params\n"
+    "\n"
+    "Exit codes: 0 done, 1 the effect failed (or compared pictures differ), 2 wrong usage or a bad value,\n"
+    "3 a file cannot be read or written, 4 the module cannot be loaded, 5 an internal error, 130 interrupted.";
+
+int Code(ExitCode code) {
+    return static_cast<int>(code);
+}
+
+void Say(const std::string& sentence) {
+    std::fputs(fmt::format("umbrant: {}\n", sentence).c_str(), stderr);
+}
+
+extern "C" void OnInterrupt(int) {
+    RemoveTemporaryFiles();
+    std::_Exit(static_cast<int>(ExitCode::kInterrupted));
+}
+
+std::string Suggestion(const std::string& typed, const std::vector<std::string>& candidates) {
+    const auto nearest = Nearest(typed, candidates, 1);
+    return nearest.empty() ? "" : fmt::format("; did you mean '{}'?", nearest.front());
+}
+
+/// What to say about an argument that nothing expects, with the nearest right one; nothing when all are known.
+std::optional<std::string> UnknownArgument(const CLI::App& app, const std::vector<Command>& commands) {
+    const auto chosen = app.get_subcommands();
+    const CLI::App& asked = chosen.empty() ? app : *chosen.front();
+    const std::vector<std::string> extras = asked.remaining(true);
+    if (extras.empty()) return std::nullopt;
+    const std::string& extra = extras.front();
+    if (extra.size() > 1 && extra.front() == '-') {
+        std::vector<std::string> options;
+        for (const CLI::Option* option : asked.get_options()) {
+            if (!option->get_lnames().empty()) options.push_back("--" + option->get_lnames().front());
+        }
+        const std::string name = extra.substr(0, extra.find('='));
+        return fmt::format("there is no option '{}'{}", name, Suggestion(name, options));
+    }
+    if (chosen.empty()) {
+        std::vector<std::string> names;
+        for (const Command& command : commands) names.push_back(command.name);
+        return fmt::format("there is no command '{}'{}", extra, Suggestion(extra, names));
+    }
+    return fmt::format("'{}' is one argument too many", extra);
+}
+
+int UsageError(const CLI::App& app, const std::vector<Command>& commands, const CLI::ParseError& problem) {
+    const auto unknown = UnknownArgument(app, commands);
+    std::string sentence = unknown ? *unknown : std::string(problem.what());
+    std::replace(sentence.begin(), sentence.end(), '\n', ' ');
+    while (!sentence.empty() && sentence.back() == ' ') sentence.pop_back();
+    const auto chosen = app.get_subcommands();
+    Say(sentence);
+    std::fputs(fmt::format("See `umbrant{}{} --help`.\n", chosen.empty() ? "" : " ",
+                           chosen.empty() ? "" : chosen.front()->get_name())
+                   .c_str(),
+               stderr);
+    return Code(ExitCode::kUsage);
+}
+
+/// The command's own code, or internal when even its results could not be handed over.
+int Finish(int code) {
+    if (std::fflush(stdout) == 0) return code;
+    Say("the results cannot be written to standard output");
+    return Code(ExitCode::kFile);
+}
+
+int Run(const Command& command) {
+    try {
+        const Result<ExitCode> outcome = command.run();
+        if (outcome) return Finish(Code(*outcome));
+        Say(outcome.Error().sentence);
+        return Code(outcome.Error().code);
+    } catch (const std::exception& problem) {
+        Say(fmt::format("internal error: {}", problem.what()));
+    } catch (...) {
+        Say("internal error of an unknown kind");
+    }
+    return Code(ExitCode::kInternal);
+}
+
+}  // namespace
+
+std::string ProgramVersion() {
+    return UMBRANT_VERSION;
+}
+
+std::vector<Command> AllCommands() {
+    return {RenderCommand(), ParamsCommand(), InfoCommand(), CompareCommand()};
+}
+
+int RunProgram(int argc, const char* const* argv) {
+    std::signal(SIGINT, OnInterrupt);
+    std::signal(SIGTERM, OnInterrupt);
+
+    const std::vector<Command> commands = AllCommands();
+    CLI::App app(kDescription, "umbrant");
+    app.footer(kFooter);
+    app.set_version_flag("--version", "umbrant " + ProgramVersion());
+    app.require_subcommand(1);
+    for (const Command& command : commands) {
+        CLI::App* subcommand = app.add_subcommand(command.name, command.summary);
+        subcommand->footer("\nExamples:\n" + command.examples);
+        command.options(*subcommand);
+    }
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& asked) {  // help or version
+        return Finish(app.exit(asked));
+    } catch (const CLI::ParseError& problem) {
+        return UsageError(app, commands, problem);
+    }
+    for (const Command& command : commands) {
+        if (app.got_subcommand(command.name)) return Run(command);
+    }
+    return Code(ExitCode::kInternal);
+}

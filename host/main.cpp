@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// The program `umbrant`: everything happens in the command that it is asked for.
+
+#include "host/cli/command.h"
+
+int main(int argc, char** argv) { return RunProgram(argc, argv); }
