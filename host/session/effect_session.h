@@ -42,7 +42,7 @@ struct SessionOptions {
     /// "interact.checkout_param", "pre-render.checkout_layer", "smart-render.checkout_output") and before a suite is
     /// handed out with "AcquireSuite:name". A non-zero answer makes the call fail with it (a call that returns a
     /// pointer gives null). Called from every thread.
-    std::function<PF_Err(std::string_view call)> fault;
+    std::function<PF_Err(std::string_view call)> fault{};
 };
 
 /// How much of the plane a frame shows.
@@ -64,8 +64,8 @@ struct FrameRequest {
     const World* texture = nullptr;
     PF_Point textureOrigin{};  ///< where its top-left lies, in downsampled pixels of the layer
     Canvas canvas = Canvas::kGrow;
-    std::optional<PF_LRect> region;  ///< asks for exactly this rectangle instead, in downsampled pixels of the layer
-    A_long time = 0;                 ///< in units of 1/timeScale seconds
+    std::optional<PF_LRect> region{};  ///< asks for exactly this rectangle instead, in downsampled pixels of the layer
+    A_long time = 0;                   ///< in units of 1/timeScale seconds
     A_long timeStep = 1;
     A_long totalTime = 1;
     A_u_long timeScale = 24;  ///< not 0

@@ -54,6 +54,9 @@ std::vector<std::string> Nearest(std::string_view typed, const std::vector<std::
     std::stable_sort(sorted.begin(), sorted.end(),
                      [&](const auto& a, const auto& b) { return distance(a) < distance(b); });
     sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
+    // Beside a name that is nearly right, one that is far off would only distract.
+    constexpr int kSlack = 2;
+    while (!sorted.empty() && distance(sorted.back()) > distance(sorted.front()) + kSlack) sorted.pop_back();
     if (sorted.size() > count) sorted.resize(count);
     return sorted;
 }

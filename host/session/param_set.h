@@ -100,7 +100,7 @@ std::string PathForm(std::string_view name);
 /// Number of single-character edits (insert, delete, replace) between two texts.
 int EditDistance(std::string_view a, std::string_view b);
 
-/// Up to `count` of `candidates`, the nearest to `typed` first.
+/// Up to `count` of `candidates`, the nearest to `typed` first, none much farther off than the first.
 std::vector<std::string> Nearest(std::string_view typed, const std::vector<std::string>& candidates, std::size_t count);
 
 /// What a person calls the type: "slider", "popup", "group", ...
