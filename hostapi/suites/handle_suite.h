@@ -2,9 +2,9 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// Host memory behind handles. A PF_Handle is the address of the host's master pointer; the data may move except between
-// lock and unlock, and only then may the master pointer be followed.
-// Slot order is the ABI, also of the slots that nothing calls: hostapi/abi_asserts.cpp proves every offset.
+// Host memory behind handles. A PF_Handle is the address of the host's master pointer, which leads to the data; the
+// data may move while nobody has it locked, so an address is kept only between lock and unlock. Slot order is the ABI,
+// also of the slots that nothing calls: hostapi/abi_asserts.cpp proves every offset.
 
 #include "hostapi/basic_types.h"
 
