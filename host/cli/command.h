@@ -32,6 +32,9 @@ Command CompareCommand();
 /// All of them, in the order of the help text.
 std::vector<Command> AllCommands();
 
+/// For an option's check: why `text` is not a number from `low` to `high`, or an empty text.
+std::string OutOfRange(const std::string& text, double low, double high);
+
 /// The host program's own version, "major.minor.fix".
 std::string ProgramVersion();
 

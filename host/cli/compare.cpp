@@ -9,13 +9,13 @@
 
 #include <CLI/CLI.hpp>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 
 #include "host/cli/command.h"
+#include "host/cli/results.h"
 
 namespace {
 
@@ -91,13 +91,11 @@ Result<ExitCode> RunCompare(const CompareOptions& options) {
     if (!second) return second.Error();
     const auto result = Compare(*first, *second, tolerance, options.straight);
     if (!result) {
-        std::fputs(fmt::format("different: {} x {} against {} x {} pixels\n", first->frameWidth, first->frameHeight,
-                               second->frameWidth, second->frameHeight)
-                       .c_str(),
-                   stdout);
+        PrintResult(fmt::format("different: {} x {} against {} x {} pixels\n", first->frameWidth, first->frameHeight,
+                                second->frameWidth, second->frameHeight));
         return ExitCode::kEffectFailed;
     }
-    std::fputs((options.json ? Json(*result) : Text(*result)).c_str(), stdout);
+    PrintResult(options.json ? Json(*result) : Text(*result));
     if (!options.difference.empty()) {
         const Placement place{result->window, first->frameWidth, first->frameHeight};
         if (auto written = WritePicture(options.difference, result->difference, place); !written)

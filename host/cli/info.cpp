@@ -6,13 +6,13 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
+#include "host/cli/results.h"
 
 namespace {
 
@@ -94,7 +94,7 @@ Result<ExitCode> Info(const InfoOptions& options) {
     const auto info = Describe(*opened, *about);
     const std::string text =
         options.json ? info.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n" : Text(info);
-    std::fputs(text.c_str(), stdout);
+    PrintResult(text);
     return ExitCode::kDone;
 }
 

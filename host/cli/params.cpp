@@ -8,7 +8,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -16,6 +15,7 @@
 
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
+#include "host/cli/results.h"
 
 namespace {
 
@@ -216,7 +216,7 @@ Result<ExitCode> Params(const ParamsOptions& options) {
     } else {
         text = Text(params);
     }
-    std::fputs(text.c_str(), stdout);
+    PrintResult(text);
     return ExitCode::kDone;
 }
 

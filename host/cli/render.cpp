@@ -15,6 +15,7 @@
 
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
+#include "host/cli/results.h"
 #include "host/image/picture.h"
 #include "host/image/resample.h"
 #include "host/session/error_names.h"
@@ -194,7 +195,7 @@ Result<ExitCode> Render(const RenderOptions& options) {
         for (const std::string& misstep : session.Misbehaviour()) Note("the effect misbehaved: " + misstep);
     }
     if (!ended) return ended.Error();
-    std::fputs((options.output + "\n").c_str(), stdout);
+    PrintResult(options.output + "\n");
     return ExitCode::kDone;
 }
 

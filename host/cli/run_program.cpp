@@ -12,8 +12,10 @@
 #include <cstdlib>
 #include <exception>
 #include <optional>
+#include <sstream>
 
 #include "host/cli/command.h"
+#include "host/cli/results.h"
 #include "host/image/temporary_file.h"
 #include "host/session/param_set.h"
 
@@ -89,7 +91,7 @@ int UsageError(const CLI::App& app, const std::vector<Command>& commands, const 
 
 /// The command's own code, or internal when even its results could not be handed over.
 int Finish(int code) {
-    if (std::fflush(stdout) == 0) return code;
+    if (FlushResults()) return code;
     Say("the results cannot be written to standard output");
     return Code(ExitCode::kFile);
 }
@@ -114,11 +116,20 @@ std::string ProgramVersion() {
     return UMBRANT_VERSION;
 }
 
+std::string OutOfRange(const std::string& text, double low, double high) {
+    char* end = nullptr;
+    const double value = std::strtod(text.c_str(), &end);
+    // Written so that not-a-number, which is neither below nor above, is refused too.
+    if (end != text.c_str() && *end == '\0' && value >= low && value <= high) return "";
+    return fmt::format("'{}' is not a number from {} to {}", text, low, high);
+}
+
 std::vector<Command> AllCommands() {
     return {RenderCommand(), ParamsCommand(), InfoCommand(), CompareCommand()};
 }
 
 int RunProgram(int argc, const char* const* argv) {
+    KeepStandardOutputForResults();
     std::signal(SIGINT, OnInterrupt);
     std::signal(SIGTERM, OnInterrupt);
 
@@ -135,7 +146,10 @@ int RunProgram(int argc, const char* const* argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& asked) {  // help or version
-        return Finish(app.exit(asked));
+        std::ostringstream out, none;
+        const int code = app.exit(asked, out, none);
+        PrintResult(out.str());
+        return Finish(code);
     } catch (const CLI::ParseError& problem) {
         return UsageError(app, commands, problem);
     }

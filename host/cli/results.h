@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// Where results go. Effect modules print diagnostics to standard output, in the middle of what a program may be reading
+// there; so the program keeps standard output for its results and lets everything else appear on standard error.
+
+#include <string>
+
+/// Takes standard output for the results: from here on the process's own standard output is its standard error. Once,
+/// at the program's start, before a module is loaded.
+void KeepStandardOutputForResults();
+
+/// Prints to the standard output that the program was started with.
+void PrintResult(const std::string& text);
+
+/// Hands over all results. False when one of them could not be written.
+bool FlushResults();

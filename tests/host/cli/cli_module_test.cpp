@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// `umbrant params` and `umbrant info` on the real module, on a machine whose EGL has no driver: what they tell does not
+// depend on one, and a render says what is missing.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "tests/host/cli/program.h"
+
+namespace {
+
+using nlohmann::json;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using testing::Not;
+
+class CliWithoutOpenGL : public testing::Test {
+ protected:
+    CliWithoutOpenGL() { std::filesystem::create_directory(folder_ / "no_drivers"); }
+
+    /// EGL looks for its drivers in a folder that has none.
+    Outcome Run(const std::vector<std::string>& arguments) {
+        return RunUmbrant(folder_, arguments,
+                          {{"__EGL_VENDOR_LIBRARY_DIRS=" + (folder_ / "no_drivers").string(),
+                            std::string("UMBRANT_MODULE=") + UMBRANT_MODULE_FILE},
+                           ""});
+    }
+
+    const Folder folder_;
+};
+
+TEST_F(CliWithoutOpenGL, InfoTellsTheIdentity) {
+    const Outcome outcome = Run({"info"});
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    for (const char* text :
+         {"Effect           Umbrant 2 1.3.3\n", "Match name       KAUM2\n", "Category         Halvane\n",
+          "Interface        eFKT 13.28, entry EffectMain\n", "Flags            0x04008000 0x08201409\n",
+          "Vendor           NULL\n", "Renderer         NULL\n", "OpenGL Version   NULL\n", "Shader Version   NULL\n",
+          "Host             umbrant " PROJECT_VERSION ", interface 13.28\n",
+          "\nUmbrant 2 v1.3.3\nSimulates a variety of shadow styles.\n"}) {
+        EXPECT_THAT(outcome.out, HasSubstr(text));
+    }
+}
+
+TEST_F(CliWithoutOpenGL, InfoAsJsonIsJsonAlone) {
+    const Outcome outcome = Run({"info", "--json"});
+    ASSERT_EQ(outcome.code, 0);
+    const json info = json::parse(outcome.out, nullptr, false);
+    ASSERT_FALSE(info.is_discarded()) << outcome.out;
+    EXPECT_EQ(info["matchName"], "KAUM2");
+    EXPECT_EQ(info["about"], "Umbrant 2 v1.3.3\nSimulates a variety of shadow styles.\n\n");
+    EXPECT_EQ(info["gpu"]["renderer"], "NULL");
+    EXPECT_EQ(info["host"]["version"], PROJECT_VERSION);
+}
+
+TEST_F(CliWithoutOpenGL, ParamsListEveryRow) {
+    const Outcome outcome = Run({"params"});
+    ASSERT_EQ(outcome.code, 0) << outcome.err;
+    for (const char* expression :
+         {"#  +PATH +TYPE +VALUES +DEFAULT +FLAGS", "17 +style/distance +slider +0 to 2000 +250",
+          "14 +style/shadow-type +popup +normal +cannot-time-vary", " +1 normal, 2 inner, 3 radial",
+          "15 +style/angle +angle +degrees +135", "16 +style/origin +point +x,y in pixels +0%,0%",
+          "19 +style/color +colour +#rrggbb +#000000", "23 +opacity/opacity-start +slider +0 to 100 % +20",
+          "33 +easing/advanced/distance +slider +0 to 100 % +80", "39 +texture/layer +layer +--texture",
+          "5 +about-support/gpu-spec +button +\\[Get Support\\] +supervised",
+          "7 +about-support/renderer +popup +NULL +cannot-time-vary, disabled",
+          "59 +debug/counter +slider +0 to 99999 +0 +disabled"}) {
+        EXPECT_THAT("\n" + outcome.out, testing::ContainsRegex("\n" + std::string(expression) + "\n"));
+    }
+}
+
+TEST_F(CliWithoutOpenGL, ParamsAsJson) {
+    const Outcome outcome = Run({"params", "--json"});
+    ASSERT_EQ(outcome.code, 0);
+    const json rows = json::parse(outcome.out, nullptr, false);
+    ASSERT_TRUE(rows.is_array());
+    ASSERT_EQ(rows.size(), 61u);
+    for (std::size_t i = 0; i < rows.size(); ++i) EXPECT_EQ(rows[i]["index"], i);
+    const json& distance = rows[17];
+    EXPECT_EQ(distance["path"], "style/distance");
+    EXPECT_EQ(distance["name"], "Distance");
+    EXPECT_EQ(distance["type"], "slider");
+    EXPECT_EQ(distance["id"], 4);
+    EXPECT_EQ(distance["min"], 0);
+    EXPECT_EQ(distance["max"], 2000);
+    EXPECT_EQ(distance["sliderMax"], 200);
+    EXPECT_EQ(distance["default"], "250");
+    EXPECT_EQ(distance["precision"], 2);
+    EXPECT_FALSE(distance.contains("unit"));
+    EXPECT_EQ(rows[23]["unit"], "percent");
+    const json& blend = rows[20];
+    EXPECT_EQ(blend["items"].size(), 15u);
+    EXPECT_EQ(blend["items"][1], "(-");
+    EXPECT_EQ(blend["items"][14], "Darker Color");
+    EXPECT_EQ(blend["defaultIndex"], 1);
+    EXPECT_EQ(rows[40]["default"], "silhouette-luma");
+    EXPECT_EQ(rows[3]["label"], "Product Page");
+    EXPECT_EQ(rows[8]["items"], json::array({"NULL"}));
+    EXPECT_EQ(rows[6]["flags"], json::array({"cannot-time-vary", "disabled"}));
+    EXPECT_EQ(rows[60]["type"], "group end");
+}
+
+TEST_F(CliWithoutOpenGL, RenderSaysWhatIsMissing) {
+    WriteLayer(folder_ / "in.png", 5, 3, {255, 200, 100, 50});
+    const auto entries = folder_.Entries();
+    const Outcome outcome = Run({"render", "in.png", "-o", "out.png"});
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_THAT(outcome.err, HasSubstr("no OpenGL context could be made, so the effect cannot draw: "));
+    EXPECT_THAT(outcome.err, HasSubstr("error 512, PF_Err_INTERNAL_STRUCT_DAMAGED"));
+    EXPECT_EQ(outcome.out, "") << "the module's own diagnostics go elsewhere";
+    EXPECT_EQ(folder_.Entries(), entries);
+}
+
+TEST_F(CliWithoutOpenGL, TheModuleIsFoundBesideTheProgram) {
+    const Outcome outcome = RunUmbrant(folder_, {"info", "--json"},
+                                       {{"__EGL_VENDOR_LIBRARY_DIRS=" + (folder_ / "no_drivers").string()}, ""});
+    ASSERT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_EQ(json::parse(outcome.out)["name"], "Umbrant 2");
+}
+
+}  // namespace

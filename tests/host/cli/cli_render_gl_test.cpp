@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// `umbrant render` with the real module and a real driver: the shadow lies where it should.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "tests/host/cli/program.h"
+
+namespace {
+
+using testing::HasSubstr;
+
+constexpr int kWidth = 60;
+constexpr int kHeight = 40;
+
+/// A layer with an opaque block in its middle.
+class CliRenderGl : public testing::Test {
+ protected:
+    void SetUp() override {
+        const Outcome info = RunUmbrant(folder_, {"info", "--json"}, {{Module()}, ""});
+        ASSERT_EQ(info.code, 0) << info.err;
+        if (nlohmann::json::parse(info.out)["gpu"]["renderer"] == "NULL") {
+            GTEST_SKIP() << "no OpenGL driver: the effect's GPU rows read NULL";
+        }
+        World layer = World::Create(kWidth, kHeight, Depth::k8);
+        for (int y = 10; y < 30; ++y) {
+            for (int x = 20; x < 40; ++x) Pixel8(layer, x, y) = {255, 230, 120, 40};
+        }
+        ASSERT_TRUE(WritePicture(folder_ / "in.png", layer, {{0, 0, kWidth, kHeight}, kWidth, kHeight}));
+    }
+
+    Outcome Render(std::vector<std::string> arguments) {
+        std::vector<std::string> all = {"render", "in.png"};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        return RunUmbrant(folder_, all, {{Module()}, ""});
+    }
+
+    static std::string Module() { return std::string("UMBRANT_MODULE=") + UMBRANT_MODULE_FILE; }
+
+    const Folder folder_;
+};
+
+TEST_F(CliRenderGl, TheShadowFallsDownAndRightOfTheLayer) {
+    const Outcome outcome = Render(
+        {"-o", "out.exr", "--set", "style/distance=20", "--set", "style/softness=6", "--set", "style/color=#ff0000"});
+    ASSERT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_EQ(outcome.out, "out.exr\n");
+    Picture picture = Read(folder_ / "out.exr");
+    EXPECT_EQ(picture.frameWidth, kWidth);
+    EXPECT_LE(picture.window.left, 0);
+    EXPECT_LE(picture.window.top, 0);
+    EXPECT_GE(picture.window.right, kWidth + 14);
+    EXPECT_GE(picture.window.bottom, kHeight + 14);
+    const auto at = [&](int x, int y) {
+        return PixelFloat(picture.pixels, x - picture.window.left, y - picture.window.top);
+    };
+    EXPECT_NEAR(at(30, 20).red, 230 / 255.0, 0.002) << "the layer lies on top";
+    EXPECT_EQ(at(30, 20).alpha, 1.0f);
+    EXPECT_GT(at(45, 35).alpha, 0.3f) << "135 degrees: down and right";
+    EXPECT_NEAR(at(45, 35).red, 1.0, 0.01);
+    EXPECT_NEAR(at(45, 35).green, 0.0, 0.01);
+    EXPECT_LT(at(15, 5).alpha, 0.05f) << "and not up and left";
+}
+
+TEST_F(CliRenderGl, TheLayersFrameCutsTheShadow) {
+    ASSERT_EQ(
+        Render({"-o", "out.png", "--canvas", "layer", "--set", "style/distance=20", "--set", "style/softness=6"}).code,
+        0);
+    Picture picture = Read(folder_ / "out.png");
+    EXPECT_EQ(picture.pixels.Width(), kWidth);
+    EXPECT_EQ(picture.pixels.Height(), kHeight);
+    EXPECT_EQ(Pixel8(picture.pixels, 30, 20).red, 230);
+    EXPECT_GT(Pixel8(picture.pixels, 45, 35).alpha, 80);
+    EXPECT_EQ(Pixel8(picture.pixels, 45, 35).red, 0);
+}
+
+TEST_F(CliRenderGl, FloatAndEightBitsDrawTheSame) {
+    const std::vector<std::string> look = {"--set", "style/distance=15", "--set", "style/softness=10"};
+    std::vector<std::string> eight = {"-o", "eight.png"};
+    std::vector<std::string> real = {"-o", "float.png", "--depth", "32"};
+    eight.insert(eight.end(), look.begin(), look.end());
+    real.insert(real.end(), look.begin(), look.end());
+    ASSERT_EQ(Render(eight).code, 0);
+    ASSERT_EQ(Render(real).code, 0);
+    const Outcome outcome =
+        RunUmbrant(folder_, {"compare", "eight.png", "float.png", "--warn", "1.5/255", "--hard", "3/255"});
+    EXPECT_EQ(outcome.code, 0) << outcome.out;
+}
+
+TEST_F(CliRenderGl, VerboseNamesTheSuites) {
+    const Outcome outcome =
+        Render({"-o", "out.png", "--verbose", "--set", "style/distance=5", "--set", "style/softness=2"});
+    ASSERT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_THAT(outcome.err, HasSubstr("suite: PF World Transform Suite 1\n"));
+    EXPECT_THAT(outcome.err, HasSubstr("PF_Cmd_SMART_RENDER"));
+    EXPECT_THAT(outcome.err, testing::Not(HasSubstr("misbehaved")));
+}
+
+}  // namespace
