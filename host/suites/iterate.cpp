@@ -4,7 +4,7 @@
 #include "host/suites/iterate.h"
 
 PF_Err RunForEffect(int count, const std::function<PF_Err(int index, int thread)>& work) {
-    const auto [services, notes] = ServiceScope::Current();
+    const auto caller = ServiceScope::Current();
     std::atomic<PF_Err> first{PF_Err_NONE};
     const auto fail = [&](PF_Err error) {
         PF_Err none = PF_Err_NONE;
@@ -12,7 +12,7 @@ PF_Err RunForEffect(int count, const std::function<PF_Err(int index, int thread)
         return false;
     };
     RunRows(count, [&](int index, int thread) {
-        const ServiceScope scope(services, notes);
+        const ServiceScope scope(caller.first, caller.second);
         try {
             const PF_Err error = work(index, thread);
             return error ? fail(error) : true;
