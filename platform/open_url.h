@@ -1,0 +1,10 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// Opening a web page in the user's browser. One file per platform answers; the build chooses it.
+
+/// Hands an address to the desktop, which opens it in the default browser. Returns after a moment at most, whether or
+/// not a browser opens: where the desktop has no opener nothing happens and nothing is printed. The address must hold
+/// nothing that a shell would interpret. [main]
+void OpenUrl(const char* url);
