@@ -122,7 +122,7 @@ Command CompareCommand() {
         app.add_option("--warn", options->warn, "A pixel counts that differs by this much or more (1/255)")
             ->type_name("STEP");
         app.add_option("--percent", options->percent, "So many pixels may count, in percent (0.5)")
-            ->check(CLI::Range(0.0, 100.0));
+            ->check([](const std::string& text) { return OutOfRange(text, 0.0, 100.0); });
         app.add_option("--hard", options->hard, "No pixel may differ by more (3/255)")->type_name("STEP");
         app.add_option("--diff", options->difference, "Where to write a picture of the differences")
             ->type_name("IMAGE");

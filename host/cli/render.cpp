@@ -230,7 +230,7 @@ Command RenderCommand() {
             ->check(CLI::IsMember({"grow", "layer"}))
             ->type_name("grow|layer");
         app.add_option("--time", options->seconds, "The moment that is drawn")
-            ->check(CLI::Range(0.0, kLongestTime))
+            ->check([](const std::string& text) { return OutOfRange(text, 0.0, kLongestTime); })
             ->type_name("SECONDS");
         app.add_option("--module", options->module,
                        "The effect's module; without it UMBRANT_MODULE or the one beside the program")
