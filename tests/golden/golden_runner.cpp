@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// Runs one golden case: draws what its command.txt says with the built program and compares the picture with the
+// expected one. Knows the program by its command line alone. Exit codes: 0 close, 1 different or failed, 77 skipped for
+// want of an OpenGL driver.
+//
+// A case is a folder with command.txt, its inputs and expected.EXT. command.txt holds comment lines (#), one line of
+// arguments for the program in which files are named as they lie in the folder and the result is "actual.EXT", and
+// perhaps, with the reason in a comment, lines that replace one of the three numbers of tolerance.txt ("percent 2").
+
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kSkipped = 77;
+
+struct Arguments {
+    std::string program;
+    fs::path caseFolder;
+    fs::path workFolder;
+    bool rebase = false;
+};
+
+struct Case {
+    std::vector<std::string> command;
+    std::map<std::string, std::string> tolerance;
+    std::string extension;  ///< of the result
+};
+
+struct Outcome {
+    int code = -1;
+    std::string text;
+};
+
+std::string Quoted(const std::string& text) {
+    std::string quoted = "'";
+    for (const char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return quoted + "'";
+}
+
+/// Runs the program; `text` is all that it printed.
+Outcome Run(const Arguments& arguments, const std::vector<std::string>& words) {
+    const fs::path log = arguments.workFolder / "output.txt";
+    std::string command = Quoted(arguments.program);
+    for (const std::string& word : words) command += " " + Quoted(word);
+    command += " >" + Quoted(log.string()) + " 2>&1";
+    const int status = std::system(command.c_str());
+    std::ifstream stream(log);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1,
+            {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()}};
+}
+
+/// The value behind a label in the program's `info`.
+std::string InfoLine(const std::string& info, const std::string& label) {
+    std::istringstream lines(info);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.rfind(label + " ", 0) != 0) continue;
+        return line.substr(line.find_first_not_of(' ', label.size()));
+    }
+    return "unknown";
+}
+
+/// Reads lines of a tolerance file or a case; false when the line is not one of the three numbers.
+bool ReadTolerance(const std::string& line, std::map<std::string, std::string>& tolerance) {
+    std::istringstream words(line);
+    std::string name, value, more;
+    if (!(words >> name >> value) || words >> more) return false;
+    if (name != "warn" && name != "percent" && name != "hard") return false;
+    tolerance[name] = value;
+    return true;
+}
+
+bool ReadCase(const Arguments& arguments, Case& golden) {
+    std::ifstream defaults(arguments.caseFolder.parent_path() / "tolerance.txt");
+    for (std::string line; std::getline(defaults, line);) {
+        if (!line.empty() && line[0] != '#' && !ReadTolerance(line, golden.tolerance)) return false;
+    }
+    std::ifstream command(arguments.caseFolder / "command.txt");
+    for (std::string line; std::getline(command, line);) {
+        if (line.empty() || line[0] == '#' || ReadTolerance(line, golden.tolerance)) continue;
+        std::istringstream words(line);
+        for (std::string word; words >> word;) {
+            if (word.rfind("actual.", 0) == 0) {
+                golden.extension = word.substr(6);
+                word = (arguments.workFolder / word).string();
+            } else if (fs::exists(arguments.caseFolder / word)) {
+                word = (arguments.caseFolder / word).string();
+            }
+            golden.command.push_back(word);
+        }
+    }
+    return golden.tolerance.size() == 3 && !golden.extension.empty();
+}
+
+int RunCase(const Arguments& arguments) {
+    Case golden;
+    if (!ReadCase(arguments, golden)) {
+        std::cout << "the case or tolerance.txt cannot be understood: " << arguments.caseFolder << "\n";
+        return 1;
+    }
+    fs::remove_all(arguments.workFolder);
+    fs::create_directories(arguments.workFolder);
+    const Outcome info = Run(arguments, {"info"});
+    const std::string renderer = InfoLine(info.text, "Renderer");
+    if (info.code == 0 && renderer == "NULL") {
+        std::cout << "skipped: no OpenGL driver, the effect's GPU rows read NULL\n";
+        return kSkipped;
+    }
+
+    const fs::path actual = arguments.workFolder / ("actual" + golden.extension);
+    const fs::path expected = arguments.caseFolder / ("expected" + golden.extension);
+    const fs::path difference = arguments.workFolder / "diff.png";
+    const Outcome drawn = Run(arguments, golden.command);
+    if (drawn.code != 0) {
+        std::cout << "the program ended with " << drawn.code << ": " << drawn.text;
+        return 1;
+    }
+    if (arguments.rebase) {
+        fs::copy_file(actual, expected, fs::copy_options::overwrite_existing);
+        std::cout << "wrote " << expected.string() << " with " << renderer << "\n";
+        return 0;
+    }
+    const Outcome compared = Run(
+        arguments, {"compare", actual.string(), expected.string(), "--warn", golden.tolerance["warn"], "--percent",
+                    golden.tolerance["percent"], "--hard", golden.tolerance["hard"], "--diff", difference.string()});
+    std::cout << compared.text << "renderer: " << renderer << "\n";
+    if (compared.code == 0) return 0;
+    std::cout << "actual:     " << actual.string() << "\nexpected:   " << expected.string()
+              << "\ndifference: " << difference.string() << "\n";
+    return 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    Arguments arguments;
+    for (int i = 1; i < argc; ++i) {
+        const std::string word = argv[i];
+        if (word == "--rebase") {
+            arguments.rebase = true;
+        } else if (i + 1 < argc && word == "--program") {
+            arguments.program = argv[++i];
+        } else if (i + 1 < argc && word == "--case") {
+            arguments.caseFolder = argv[++i];
+        } else if (i + 1 < argc && word == "--work") {
+            arguments.workFolder = argv[++i];
+        } else {
+            std::cerr << "usage: golden_runner --program UMBRANT --case FOLDER --work FOLDER [--rebase]\n";
+            return 2;
+        }
+    }
+    if (arguments.program.empty() || arguments.caseFolder.empty() || arguments.workFolder.empty()) return 2;
+    return RunCase(arguments);
+}
