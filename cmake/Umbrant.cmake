@@ -36,6 +36,20 @@ function(umbrant_library target)
     endif()
 endfunction()
 
+# umbrant_discover(program PREFIX text LABELS labels... TIMEOUT seconds)
+# One CTest test per GoogleTest case of a program. The labels are set by a script of their own, which CTest reads after
+# the discovery: gtest_discover_tests itself takes lists among properties apart.
+function(umbrant_discover program)
+    cmake_parse_arguments(arg "" "PREFIX;TIMEOUT" "LABELS" ${ARGN})
+    gtest_discover_tests(${program} TEST_PREFIX "${arg_PREFIX}: " DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES)
+    set(script ${CMAKE_CURRENT_BINARY_DIR}/${program}_properties.cmake)
+    file(WRITE ${script} "foreach(test IN LISTS ${program}_TESTS)
+    set_tests_properties(\"\${test}\" PROPERTIES LABELS \"${arg_LABELS}\" TIMEOUT ${arg_TIMEOUT})
+endforeach()
+")
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${script})
+endfunction()
+
 # umbrant_tests(name LINK libraries... [GL_LINK libraries...])
 # Two programs from the current folder: <name>_test of every *_test.cpp that needs nothing (label unit) and
 # <name>_gl_test of every *_gl_test.cpp (label gl). A file's suffix is a promise about what it needs.
@@ -49,13 +63,11 @@ function(umbrant_tests name)
     if(unit)
         add_executable(${name}_test ${unit})
         target_link_libraries(${name}_test PRIVATE ${arg_LINK} GTest::gmock_main)
-        gtest_discover_tests(${name}_test TEST_PREFIX "${name}: " DISCOVERY_MODE PRE_TEST
-                             PROPERTIES LABELS "unit;${arg_LABELS}" TIMEOUT 300)
+        umbrant_discover(${name}_test PREFIX "${name}" LABELS unit ${arg_LABELS} TIMEOUT 300)
     endif()
     if(gl)
         add_executable(${name}_gl_test ${gl})
         target_link_libraries(${name}_gl_test PRIVATE ${arg_GL_LINK} GTest::gmock_main)
-        gtest_discover_tests(${name}_gl_test TEST_PREFIX "${name} gl: " DISCOVERY_MODE PRE_TEST
-                             PROPERTIES LABELS "gl;${arg_LABELS}" TIMEOUT 600)
+        umbrant_discover(${name}_gl_test PREFIX "${name} gl" LABELS gl ${arg_LABELS} TIMEOUT 600)
     endif()
 endfunction()

@@ -3,6 +3,8 @@
 
 #include "gl/program.h"
 
+#include <unistd.h>
+
 #include <cstdio>
 #include <fstream>
 #include <type_traits>
@@ -184,7 +186,9 @@ class ProgramFiles : public FakeGLTest {
     void Write(const std::string& name, const std::string& text) {
         std::ofstream(Path(name), std::ios::binary) << text;
     }
-    std::string Path(const std::string& name) const { return ::testing::TempDir() + "umbrant_program_" + name; }
+    std::string Path(const std::string& name) const {
+        return ::testing::TempDir() + "umbrant_program_" + std::to_string(getpid()) + "_" + name;
+    }
     void TearDown() override {
         for (const char* name : {"a.vs", "a.fs"}) std::remove(Path(name).c_str());
         FakeGLTest::TearDown();

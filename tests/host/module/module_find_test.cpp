@@ -4,10 +4,12 @@
 // The order in which a module is looked for.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <string>
 
 #include "host/module/module.h"
 
@@ -17,7 +19,7 @@ namespace fs = std::filesystem;
 
 class FindModuleTest : public ::testing::Test {
  protected:
-    FindModuleTest() : root_(fs::path(::testing::TempDir()) / "module_find_test") {
+    FindModuleTest() : root_(fs::path(::testing::TempDir()) / ("module_find_test_" + std::to_string(getpid()))) {
         search_.programFolder = root_ / "bin";
         search_.libraryFolder = root_ / "lib";
         fs::create_directories(search_.programFolder);
