@@ -5,4 +5,6 @@
 
 #include "host/cli/command.h"
 
-int main(int argc, char** argv) { return RunProgram(argc, argv); }
+int main(int argc, char** argv) {
+    return RunProgram(argc, argv);
+}

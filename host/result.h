@@ -13,11 +13,11 @@
 /// Exit codes of every subcommand; they are part of the command line's contract.
 enum class ExitCode {
     kDone = 0,
-    kEffectFailed = 1,   ///< the effect returned an error
-    kUsage = 2,          ///< wrong usage or a bad value
-    kFile = 3,           ///< a file cannot be read or written
-    kModule = 4,         ///< the module cannot be loaded
-    kInternal = 5,       ///< an error of the program itself
+    kEffectFailed = 1,  ///< the effect returned an error
+    kUsage = 2,         ///< wrong usage or a bad value
+    kFile = 3,          ///< a file cannot be read or written
+    kModule = 4,        ///< the module cannot be loaded
+    kInternal = 5,      ///< an error of the program itself
     kInterrupted = 130,
 };
 

@@ -83,9 +83,13 @@ TEST(CliUsage, WrongUsageIsCodeTwoAndNamesTheRightOne) {
         {"a downsample that is no number",
          {"render", "in.png", "-o", "out.png", "--downsample", "two"},
          "--downsample"},
-        {"a time before the start", {"render", "in.png", "-o", "out.png", "--time", "-1"}, "--time: '-1' is not a number from 0 to 86400"},
+        {"a time before the start",
+         {"render", "in.png", "-o", "out.png", "--time", "-1"},
+         "--time: '-1' is not a number from 0 to 86400"},
         {"a time that is no number", {"render", "in.png", "-o", "out.png", "--time", "soon"}, "--time"},
-        {"a time that is not a number", {"render", "in.png", "-o", "out.png", "--time", "nan"}, "--time: 'nan' is not a number"},
+        {"a time that is not a number",
+         {"render", "in.png", "-o", "out.png", "--time", "nan"},
+         "--time: 'nan' is not a number"},
         {"a setting without a value",
          {"render", "in.png", "-o", "out.png", "--module", painter, "--set", "paint/border"},
          "'--set paint/border' has no value; write --set PATH=VALUE"},
@@ -117,7 +121,9 @@ TEST(CliUsage, WrongUsageIsCodeTwoAndNamesTheRightOne) {
         {"a tolerance by nothing",
          {"compare", "in.png", "in.png", "--hard", "1/0"},
          "--hard: '1/0' is not a channel difference"},
-        {"more than all pixels", {"compare", "in.png", "in.png", "--percent", "101"}, "--percent: '101' is not a number from 0 to 100"},
+        {"more than all pixels",
+         {"compare", "in.png", "in.png", "--percent", "101"},
+         "--percent: '101' is not a number from 0 to 100"},
     };
     const Folder folder;
     WriteLayer(folder / "in.png", 4, 3, {255, 1, 2, 3});
