@@ -9,6 +9,7 @@
 #include "entry/entry_points.h"
 #include "entry/global_setup.h"
 #include "entry/panel.h"
+#include "entry/panel_drawing.h"
 #include "entry/params_setup.h"
 #include "render/pre_render.h"
 #include "render/smart_render.h"

@@ -2,20 +2,29 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// The effect's panel while it is open: changes of its controls, its looks, and the area it draws itself. [main]
+// The effect's panel while it is open: rows that follow the shadow type, and buttons that open web pages. What the
+// effect draws itself is in panel_drawing.h. [main]
 
+#include "entry/suites/suite_handler.h"
 #include "hostapi/commands.h"
-#include "hostapi/custom_ui.h"
 
-/// A control was changed or a button pressed. No control asks for a reaction yet. Returns 0; throws 516 for a missing
-/// suite.
-PF_Err UserChangedParam(PF_InData* in_data, PF_UserChangedParamExtra* extra);
+/// Closes (`collapse` not 0) or opens the twirl of row `index`, whose type is `param_type`. Returns the host's error.
+PF_Err collapseParam(PF_InData* in_data, AEGP_SuiteHandler* suites, PF_ParamDef* params[], int param_type, int index,
+                     unsigned char collapse);
 
-/// The host asks for the looks of the controls. They stay as declared, whatever the parameters are. Returns 0; throws
-/// 516 for a missing suite.
+/// Greys out (`disable` not 0) or enables row `index`, whose type is `param_type`, and closes its twirl either way.
+/// Returns the host's error.
+PF_Err disableParam(PF_InData* in_data, AEGP_SuiteHandler* suites, PF_ParamDef* params[], int param_type, int index,
+                    unsigned char disable);
+
+/// Takes row `index` of the effect out of the panel (`hide` not 0) or puts it back, without a place in the undo
+/// history. Returns the first of the host's errors.
+PF_Err hideStream(AEGP_SuiteHandler* suites, int index, AEGP_EffectRefH* effect, unsigned char hide);
+
+/// Makes the rows follow "Shadow Type". Stops at the host's first error and returns it; rows changed until then stay
+/// changed. Throws 516 for a missing suite.
 PF_Err UpdateParamsUI(PF_InData* in_data, PF_ParamDef* params[]);
 
-/// An event of the self-drawn area. Only `PF_Event_DRAW` concerns the effect; other events return 0 and leave
-/// everything as it was. Nothing is drawn yet, so a draw event is not marked handled either. Returns 0; throws 516 for
-/// a missing suite.
-PF_Err HandleEvent(PF_InData* in_data, PF_OutData* out_data, PF_EventExtra* event);
+/// A control was changed or a button pressed: the three buttons of "About & Support" open their pages, everything else
+/// is ignored. Returns 0; throws 516 for a missing suite.
+PF_Err UserChangedParam(PF_InData* in_data, PF_UserChangedParamExtra* extra);
