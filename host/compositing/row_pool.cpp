@@ -22,8 +22,8 @@ struct Job {
     std::atomic<int> next{0};
     std::atomic<bool> stopped{false};
     int inside = 0;  ///< pool threads at work on it; guarded by the pool's mutex
-    std::mutex failureMutex;
-    std::exception_ptr failure;
+    std::mutex failureMutex{};
+    std::exception_ptr failure{};
 
     bool HasMore() const { return !stopped && next < count; }
 
