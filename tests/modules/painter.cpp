@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <mutex>
 #include <stdexcept>
 
 #include "hostapi/registration.h"
@@ -22,6 +23,14 @@ PAINTER_EXPORT PainterSeen painterSeen;
 PainterSeen painterSeen;
 
 namespace {
+
+/// Writes into the record that all threads share; what is drawn never comes from there.
+template <typename Function>
+void Note(Function function) {
+    static std::mutex mutex;
+    const std::lock_guard lock(mutex);
+    function(painterSeen);
+}
 
 PF_ParamDef NewDef(PF_ParamType type, const char* name) {
     PF_ParamDef def{};
@@ -81,33 +90,41 @@ PF_LRect Grown(PF_LRect rect, A_long by) {
 }
 
 void Delete(void* data) {
-    ++painterSeen.deleted;
+    Note([](PainterSeen& seen) { ++seen.deleted; });
     delete static_cast<int*>(data);
 }
 
 PF_Err PreRender(PF_InData* in, PF_PreRenderExtra* extra) {
     const PainterFlaw flaw = FlawOf(in);
-    painterSeen.preRenderIn = *in;
-    painterSeen.preRender = *extra->input;
-    painterSeen.resultBefore = extra->output->result_rect;
-    painterSeen.maxBefore = extra->output->max_result_rect;
+    Note([&](PainterSeen& seen) {
+        seen.preRenderIn = *in;
+        seen.preRender = *extra->input;
+        seen.resultBefore = extra->output->result_rect;
+        seen.maxBefore = extra->output->max_result_rect;
+        ++seen.allocated;
+    });
     extra->output->pre_render_data = new int(42);
     extra->output->delete_pre_render_data_func = Delete;
-    ++painterSeen.allocated;
     if (flaw == FLAW_PRE_RENDER_ERROR) return PF_Err_OUT_OF_MEMORY;
 
     const auto checkout = [&](PF_ParamIndex index, A_long id, PF_CheckoutResult& result) {
         return extra->cb->checkout_layer(in->effect_ref, index, id, &extra->input->output_request, in->current_time,
                                          in->time_step, in->time_scale, &result);
     };
-    if (const PF_Err error = checkout(PAINTER_LAYER, kPainterInputId, painterSeen.input)) return error;
+    PF_CheckoutResult input{};
+    PF_CheckoutResult picture{};
+    if (const PF_Err error = checkout(PAINTER_LAYER, kPainterInputId, input)) return error;
     const A_long pictureId = flaw == FLAW_SAME_ID ? kPainterInputId : kPainterPictureId;
-    if (const PF_Err error = checkout(PAINTER_PICTURE, pictureId, painterSeen.picture)) return error;
+    if (const PF_Err error = checkout(PAINTER_PICTURE, pictureId, picture)) return error;
+    Note([&](PainterSeen& seen) {
+        seen.input = input;
+        seen.picture = picture;
+    });
 
     const double border = Value(in, PAINTER_BORDER).u.fs_d.value * in->downsample_x.num / in->downsample_x.den;
     const auto by = static_cast<A_long>(std::ceil(border));
-    extra->output->max_result_rect = Grown(painterSeen.input.max_result_rect, by);
-    extra->output->result_rect = Grown(painterSeen.input.result_rect, by);
+    extra->output->max_result_rect = Grown(input.max_result_rect, by);
+    extra->output->result_rect = Grown(input.result_rect, by);
     if (flaw == FLAW_TOO_LARGE) extra->output->result_rect = {0, 0, 30001, 10};
     if (flaw != FLAW_NO_EXTRA_FLAG) extra->output->flags |= PF_RenderOutputFlag_RETURNS_EXTRA_PIXELS;
     return PF_Err_NONE;
@@ -185,11 +202,15 @@ PF_Err ShowFlaw(PainterFlaw flaw, PF_InData* in, PF_OutData* out, PF_SmartRender
 
 PF_Err Render(PF_InData* in, PF_OutData* out, PF_SmartRenderExtra* extra) {
     const PainterFlaw flaw = FlawOf(in);
-    painterSeen.renderIn = *in;
-    painterSeen.outBefore = *out;
-    painterSeen.render = *extra->input;
-    painterSeen.centre = Value(in, PAINTER_CENTRE);
-    painterSeen.layer = Value(in, PAINTER_LAYER);
+    const PF_ParamDef centre = Value(in, PAINTER_CENTRE);
+    const PF_ParamDef layer = Value(in, PAINTER_LAYER);
+    Note([&](PainterSeen& seen) {
+        seen.renderIn = *in;
+        seen.outBefore = *out;
+        seen.render = *extra->input;
+        seen.centre = centre;
+        seen.layer = layer;
+    });
     if (flaw == FLAW_NO_OUTPUT) return PF_Err_NONE;
 
     PF_EffectWorld* input = nullptr;
@@ -199,11 +220,14 @@ PF_Err Render(PF_InData* in, PF_OutData* out, PF_SmartRenderExtra* extra) {
     if (const PF_Err error = extra->cb->checkout_layer_pixels(ref, kPainterInputId, &input)) return error;
     PF_Err error = extra->cb->checkout_layer_pixels(ref, kPainterPictureId, &picture);
     if (!error) error = extra->cb->checkout_output(ref, &output);
-    painterSeen.inputWorld = input ? *input : PF_EffectWorld{};
-    painterSeen.pictureWorld = picture ? *picture : PF_EffectWorld{};
+    Note([&](PainterSeen& seen) {
+        seen.inputWorld = input ? *input : PF_EffectWorld{};
+        seen.pictureWorld = picture ? *picture : PF_EffectWorld{};
+        if (error) return;
+        seen.outputWorld = *output;
+        seen.firstOutputByte = output->data->alpha;
+    });
     if (!error) {
-        painterSeen.outputWorld = *output;
-        painterSeen.firstOutputByte = output->data->alpha;
         const PF_Pixel color = Value(in, PAINTER_COLOR).u.cd.value;
         error = in->utils->fill(ref, &color, nullptr, output);
     }
@@ -234,7 +258,9 @@ PF_Err UserChanged(PF_InData* in, PF_ParamDef* params[], const PF_UserChangedPar
 
 PAINTER_EXPORT PF_Err PaintMain(PF_Cmd command, PF_InData* in, PF_OutData* out, PF_ParamDef* params[], PF_LayerDef*,
                                 void* extra) {
-    if (command >= 0 && command < PF_Cmd_NUM_CMDS) ++painterSeen.commands[command];
+    if (command >= 0 && command < PF_Cmd_NUM_CMDS) {
+        Note([&](PainterSeen& seen) { ++seen.commands[command]; });
+    }
     switch (command) {
         case PF_Cmd_ABOUT:
             std::snprintf(out->return_msg, sizeof(out->return_msg), "%s", "Painter\nfor tests\n");
