@@ -7,8 +7,8 @@
 
 const char* ResourceName(Resource resource) {
     static constexpr const char* kNames[kResourceCount] = {
-        "suites",           "handles",           "locks",  "worlds", "blocks", "parameter check-outs",
-        "layer check-outs", "effect references", "streams"};
+        "suites",           "handles",           "locks",   "worlds",         "blocks", "parameter check-outs",
+        "layer check-outs", "effect references", "streams", "drawing objects"};
     return kNames[static_cast<std::size_t>(resource)];
 }
 

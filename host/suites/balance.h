@@ -19,8 +19,9 @@ enum class Resource {
     kLayerPixels,  ///< layer pixel check-outs
     kEffectRef,    ///< effect references of the application suites
     kStream,       ///< stream references
+    kDrawObject,   ///< pens, brushes, fonts, paths and images for drawing on the panel
 };
-inline constexpr std::size_t kResourceCount = 9;
+inline constexpr std::size_t kResourceCount = 10;
 
 /// Plural name of a kind of resource, as messages have it ("handles").
 const char* ResourceName(Resource resource);

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// The suite of suites, and the one table of what this host offers. The panel's drawing suites are not in it: a host
-// without a panel to draw on has none.
+// The suite of suites, and the one table of what this host offers.
 
 #include "hostapi/suites/basic_suite.h"
 
@@ -35,6 +34,10 @@ const OfferedSuite kOffered[] = {
     {kPFParamUtilsSuiteName, kPFParamUtilsSuiteVersion3, &kParamUtilsSuite},
     {kPFEffectUISuiteName, kPFEffectUISuiteVersion1, &kEffectUISuite},
     {kPFEffectCustomUISuiteName, kPFEffectCustomUISuiteVersion1, &kEffectCustomUISuite},
+    {kDRAWBOT_DrawSuiteName, kDRAWBOT_DrawSuite_Version1, &kDrawbotDrawSuite},
+    {kDRAWBOT_SupplierSuiteName, kDRAWBOT_SupplierSuite_Version1, &kDrawbotSupplierSuite},
+    {kDRAWBOT_SurfaceSuiteName, kDRAWBOT_SurfaceSuite_Version1, &kDrawbotSurfaceSuite},
+    {kDRAWBOT_PathSuiteName, kDRAWBOT_PathSuite_Version1, &kDrawbotPathSuite},
     {kAEGPPFInterfaceSuiteName, kAEGPPFInterfaceSuiteVersion1, &kPFInterfaceSuite},
     {kAEGPLayerSuiteName, kAEGPLayerSuiteVersion7, &kLayerSuite},
     {kAEGPEffectSuiteName, kAEGPEffectSuiteVersion2, &kEffectSuite},

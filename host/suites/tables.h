@@ -14,6 +14,10 @@
 #include "hostapi/suites/ansi_suite.h"
 #include "hostapi/suites/basic_suite.h"
 #include "hostapi/suites/color_param_suite.h"
+#include "hostapi/suites/drawbot_draw_suite.h"
+#include "hostapi/suites/drawbot_path_suite.h"
+#include "hostapi/suites/drawbot_supplier_suite.h"
+#include "hostapi/suites/drawbot_surface_suite.h"
 #include "hostapi/suites/effect_custom_ui_suite.h"
 #include "hostapi/suites/effect_ui_suite.h"
 #include "hostapi/suites/handle_suite.h"
@@ -35,6 +39,10 @@ extern const PF_ColorParamSuite1 kColorParamSuite;
 extern const PF_ParamUtilsSuite3 kParamUtilsSuite;
 extern const PF_EffectUISuite1 kEffectUISuite;
 extern const PF_EffectCustomUISuite1 kEffectCustomUISuite;
+extern const DRAWBOT_DrawbotSuite1 kDrawbotDrawSuite;
+extern const DRAWBOT_SupplierSuite1 kDrawbotSupplierSuite;
+extern const DRAWBOT_SurfaceSuite1 kDrawbotSurfaceSuite;
+extern const DRAWBOT_PathSuite1 kDrawbotPathSuite;
 extern const AEGP_PFInterfaceSuite1 kPFInterfaceSuite;
 extern const AEGP_LayerSuite7 kLayerSuite;
 extern const AEGP_EffectSuite2 kEffectSuite;

@@ -52,18 +52,18 @@ INSTANTIATE_TEST_SUITE_P(All, OfferedSuites,
                                            Offered{"PF Handle Suite", 2}, Offered{"PF World Suite", 2},
                                            Offered{"PF ColorParamSuite", 1}, Offered{"PF ANSI Suite", 1},
                                            Offered{"PF Param Utils Suite", 3}, Offered{"PF Effect UI Suite", 1},
-                                           Offered{"PF Effect Custom UI Suite", 1},
-                                           Offered{"AEGP PF Interface Suite", 1}, Offered{"AEGP Layer Suite", 13},
-                                           Offered{"AEGP Effect Suite", 2}, Offered{"AEGP Stream Suite", 7},
-                                           Offered{"AEGP Dynamic Stream Suite", 2}));
+                                           Offered{"PF Effect Custom UI Suite", 1}, Offered{"DRAWBOT Draw Suite", 1},
+                                           Offered{"DRAWBOT Supplier Suite", 1}, Offered{"DRAWBOT Surface Suite", 1},
+                                           Offered{"DRAWBOT Path Suite", 1}, Offered{"AEGP PF Interface Suite", 1},
+                                           Offered{"AEGP Layer Suite", 13}, Offered{"AEGP Effect Suite", 2},
+                                           Offered{"AEGP Stream Suite", 7}, Offered{"AEGP Dynamic Stream Suite", 2}));
 
-TEST_F(SuitesTest, RefusesTheDrawingSuitesAndUnknownOnes) {
+TEST_F(SuitesTest, RefusesUnknownSuites) {
     const void* suite = nullptr;
-    for (const char* name : {"DRAWBOT Draw Suite", "DRAWBOT Supplier Suite", "DRAWBOT Surface Suite", "No Suite"}) {
+    for (const char* name : {"No Suite", "", "drawbot draw suite"}) {
         EXPECT_EQ(basicSuite.AcquireSuite(name, 1, &suite), A_Err_MISSING_SUITE) << name;
     }
-    EXPECT_THAT(services.refused.Names(), ElementsAre("DRAWBOT Draw Suite 1", "DRAWBOT Supplier Suite 1",
-                                                      "DRAWBOT Surface Suite 1", "No Suite 1"));
+    EXPECT_THAT(services.refused.Names(), ElementsAre(" 1", "No Suite 1", "drawbot draw suite 1"));
     EXPECT_EQ(basicSuite.AcquireSuite(nullptr, 1, &suite), PF_Err_BAD_CALLBACK_PARAM);
     EXPECT_EQ(basicSuite.AcquireSuite("PF Handle Suite", 2, nullptr), PF_Err_BAD_CALLBACK_PARAM);
 }
@@ -146,6 +146,10 @@ TEST_F(SuitesTest, NoSlotIsEmpty) {
     ExpectFilled(kParamUtilsSuite, "param utils");
     ExpectFilled(kEffectUISuite, "effect ui");
     ExpectFilled(kEffectCustomUISuite, "effect custom ui");
+    ExpectFilled(kDrawbotDrawSuite, "draw");
+    ExpectFilled(kDrawbotSupplierSuite, "supplier");
+    ExpectFilled(kDrawbotSurfaceSuite, "surface");
+    ExpectFilled(kDrawbotPathSuite, "path");
     ExpectFilled(kPFInterfaceSuite, "interface");
     ExpectFilled(kLayerSuite, "layer");
     ExpectFilled(kEffectSuite, "effect");

@@ -154,7 +154,7 @@ TEST_F(SuitesTest, TheOptionsButtonHasAName) {
     EXPECT_EQ(services.panel.OptionsButton(), "More...");
 }
 
-TEST_F(SuitesTest, ThereIsNothingToDrawOn) {
+TEST_F(SuitesTest, WithoutADrawEventThereIsNothingToDrawOn) {
     DRAWBOT_DrawRef reference = reinterpret_cast<DRAWBOT_DrawRef>(this);
     EXPECT_EQ(kEffectCustomUISuite.PF_GetDrawingReference(nullptr, &reference), PF_Err_BAD_CALLBACK_PARAM);
     EXPECT_EQ(reference, nullptr);

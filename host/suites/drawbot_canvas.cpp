@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/suites/drawbot_canvas.h"
+
+#include <algorithm>
+#include <mutex>
+#include <string>
+
+#include "host/suites/services.h"
+
+namespace {
+
+/// The canvases that live. Draw events come on one thread, but a wrong effect may ask from another.
+struct Living {
+    std::mutex mutex;
+    std::vector<DrawbotCanvas*> canvases;
+};
+
+// Kept: never destroyed, because an effect may still ask while the program ends.
+Living& TheLiving() {
+    static Living* living = new Living;
+    return *living;
+}
+
+template <typename Reference>
+DrawbotCanvas* Find(Reference reference, Reference (DrawbotCanvas::*own)(), const char* call, const char* what) {
+    {
+        Living& living = TheLiving();
+        const std::lock_guard lock(living.mutex);
+        for (DrawbotCanvas* canvas : living.canvases) {
+            if ((canvas->*own)() == reference) return canvas;
+        }
+    }
+    Report(std::string(call) + " was called with a " + what + " that is not one, or no longer");
+    return nullptr;
+}
+
+}  // namespace
+
+DrawbotCanvas::DrawbotCanvas(cairo_t* cairo, float screenScale) : cairo_(cairo), screenScale_(screenScale) {
+    context_.magic = PF_CONTEXT_MAGIC;
+    context_.w_type = PF_Window_EFFECT;
+    context_.reserved_drawref = Draw();
+    cairo_save(cairo_);
+    Living& living = TheLiving();
+    const std::lock_guard lock(living.mutex);
+    living.canvases.push_back(this);
+}
+
+DrawbotCanvas::~DrawbotCanvas() {
+    {
+        Living& living = TheLiving();
+        const std::lock_guard lock(living.mutex);
+        std::erase(living.canvases, this);
+    }
+    if (!pushed_.empty()) {
+        Report("a drawing state was pushed and not popped, " + std::to_string(pushed_.size()) + " in all");
+    }
+    while (Pop()) {
+    }
+    cairo_restore(cairo_);
+}
+
+DrawbotCanvas* DrawbotCanvas::Of(PF_ContextH context, const char* call) {
+    return Find(context, &DrawbotCanvas::Context, call, "context");
+}
+
+DrawbotCanvas* DrawbotCanvas::Of(DRAWBOT_DrawRef reference, const char* call) {
+    return Find(reference, &DrawbotCanvas::Draw, call, "drawing reference");
+}
+
+DrawbotCanvas* DrawbotCanvas::Of(DRAWBOT_SupplierRef reference, const char* call) {
+    return Find(reference, &DrawbotCanvas::Supplier, call, "supplier");
+}
+
+DrawbotCanvas* DrawbotCanvas::Of(DRAWBOT_SurfaceRef reference, const char* call) {
+    return Find(reference, &DrawbotCanvas::Surface, call, "surface");
+}
+
+void DrawbotCanvas::Push() {
+    pushed_.push_back(policies);
+    cairo_save(cairo_);
+}
+
+bool DrawbotCanvas::Pop() {
+    if (pushed_.empty()) return false;
+    policies = pushed_.back();
+    pushed_.pop_back();
+    cairo_restore(cairo_);
+    return true;
+}

@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/suites/drawbot_objects.h"
+
+#include <mutex>
+#include <string>
+#include <unordered_map>
+#include <utility>
+
+#include "host/suites/services.h"
+
+namespace {
+
+struct Counted {
+    DrawObject object;
+    int users = 1;
+};
+
+struct Table {
+    std::mutex mutex;
+    std::unordered_map<const void*, std::unique_ptr<Counted>> objects;
+};
+
+// Kept: never destroyed, because an effect may give objects back while the program ends.
+Table& TheTable() {
+    static Table* table = new Table;
+    return *table;
+}
+
+/// How the bytes of one pixel lie; alpha at -1 is always opaque.
+struct Layout {
+    int bytes, alpha, red, green, blue;
+    bool premultiplied;
+};
+
+/// In the order of the layouts' numbers.
+constexpr Layout kLayouts[] = {
+    {3, -1, 0, 1, 2, false}, {3, -1, 2, 1, 0, false},  // 24 bits, red first and blue first
+    {4, -1, 0, 1, 2, false}, {4, -1, 2, 1, 0, false},  // the same with a byte that nobody uses
+    {4, 0, 1, 2, 3, false},  {4, 0, 1, 2, 3, true},    // alpha, red, green, blue
+    {4, 3, 2, 1, 0, false},  {4, 3, 2, 1, 0, true},    // blue, green, red, alpha
+};
+
+uint32_t Multiplied(uint32_t channel, uint32_t alpha) {
+    return (channel * alpha + 127) / 255;
+}
+
+/// One pixel in Cairo's order. A premultiplied channel above its alpha is none, and cut.
+uint32_t CairoPixel(const unsigned char* pixel, const Layout& layout) {
+    const uint32_t alpha = layout.alpha < 0 ? 255 : pixel[layout.alpha];
+    const auto channel = [&](int place) {
+        const uint32_t value = pixel[place];
+        return layout.premultiplied ? std::min(value, alpha) : Multiplied(value, alpha);
+    };
+    return alpha << 24 | channel(layout.red) << 16 | channel(layout.green) << 8 | channel(layout.blue);
+}
+
+}  // namespace
+
+DRAWBOT_ObjectRef NewDrawObject(DrawObject object) {
+    auto counted = std::make_unique<Counted>(Counted{std::move(object)});
+    auto* reference = reinterpret_cast<DRAWBOT_ObjectRef>(counted.get());
+    {
+        Table& table = TheTable();
+        const std::lock_guard lock(table.mutex);
+        table.objects.emplace(reference, std::move(counted));
+    }
+    Count(Resource::kDrawObject, 1);
+    return reference;
+}
+
+bool RetainDrawObject(DRAWBOT_ObjectRef reference) {
+    {
+        Table& table = TheTable();
+        const std::lock_guard lock(table.mutex);
+        const auto found = table.objects.find(reference);
+        if (found != table.objects.end()) {
+            ++found->second->users;
+            return true;
+        }
+    }
+    Report("a drawing object was retained that is not one, or no longer");
+    return false;
+}
+
+bool ReleaseDrawObject(DRAWBOT_ObjectRef reference) {
+    std::unique_ptr<Counted> last;
+    bool live = false;
+    {
+        Table& table = TheTable();
+        const std::lock_guard lock(table.mutex);
+        const auto found = table.objects.find(reference);
+        live = found != table.objects.end();
+        if (live && --found->second->users == 0) {
+            last = std::move(found->second);
+            table.objects.erase(found);
+        }
+    }
+    if (!live) Report("a drawing object was released that is not one, or no longer");
+    if (last) Count(Resource::kDrawObject, -1);
+    return live;
+}
+
+DrawObject* FindDrawObject(const void* reference, const char* call) {
+    {
+        Table& table = TheTable();
+        const std::lock_guard lock(table.mutex);
+        const auto found = table.objects.find(reference);
+        if (found != table.objects.end()) return &found->second->object;
+    }
+    Report(std::string(call) + " was called with a drawing object that is not one, or no longer");
+    return nullptr;
+}
+
+void ReportWrongKind(const char* call) {
+    Report(std::string(call) + " was called with a drawing object of another kind");
+}
+
+std::unique_ptr<cairo_surface_t, EndSurface> ImageFromBytes(int width, int height, int rowBytes,
+                                                            DRAWBOT_PixelLayout layout, const void* bytes) {
+    const bool known = layout >= 0 && layout < static_cast<int>(std::size(kLayouts));
+    if (!known || width < 1 || height < 1 || !bytes) return nullptr;
+    const Layout& lie = kLayouts[layout];
+    if (rowBytes < static_cast<int64_t>(width) * lie.bytes) return nullptr;
+    std::unique_ptr<cairo_surface_t, EndSurface> surface(
+        cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height));
+    if (cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS) return nullptr;
+    cairo_surface_flush(surface.get());
+    unsigned char* out = cairo_image_surface_get_data(surface.get());
+    const ptrdiff_t stride = cairo_image_surface_get_stride(surface.get());
+    for (ptrdiff_t y = 0; y < height; ++y) {
+        const unsigned char* row = static_cast<const unsigned char*>(bytes) + y * rowBytes;
+        auto* pixels = reinterpret_cast<uint32_t*>(out + y * stride);  // a surface's rows are aligned for it
+        for (int x = 0; x < width; ++x) pixels[x] = CairoPixel(row + static_cast<ptrdiff_t>(x) * lie.bytes, lie);
+    }
+    cairo_surface_mark_dirty(surface.get());
+    return surface;
+}
