@@ -51,6 +51,7 @@ WRONG = [
     ("the host program knows no module", "host/cli/b.cpp", '#include "gl/a.h"', 'host/ may not include "gl/a.h"'),
     ("the session knows no files", "host/session/b.cpp", '#include "host/image/a.h"', "host/session/ may not include"),
     ("the session knows no command line", "host/session/b.cpp", '#include "host/cli/a.h"', "may not include"),
+    ("packaging calls nothing", "packaging/b.cpp", '#include "entry/a.h"', 'packaging/ may not include "entry/a.h"'),
     ("golden tests know no module", "tests/golden/b.cpp", '#include "gl/a.h"', "tests/golden/ may not include"),
     ("includes start at the root", "gl/b.cpp", '#include "a.h"', '"a.h" is no file from the root of the tree'),
     ("GL headers stay in the platform", "gl/b.cpp", "#include <GL/gl.h>", "only the C++ standard library"),
