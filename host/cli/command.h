@@ -28,6 +28,7 @@ Command RenderCommand();
 Command ParamsCommand();
 Command InfoCommand();
 Command CompareCommand();
+Command PanelCommand();
 
 /// All of them, in the order of the help text.
 std::vector<Command> AllCommands();

@@ -125,7 +125,7 @@ std::string OutOfRange(const std::string& text, double low, double high) {
 }
 
 std::vector<Command> AllCommands() {
-    return {RenderCommand(), ParamsCommand(), InfoCommand(), CompareCommand()};
+    return {RenderCommand(), ParamsCommand(), InfoCommand(), CompareCommand(), PanelCommand()};
 }
 
 int RunProgram(int argc, const char* const* argv) {

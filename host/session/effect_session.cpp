@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "host/session/session_state.h"
@@ -174,6 +175,21 @@ Result<Done> EffectSession::UserChangedParam(int index) {
     return SendPanelCommand(*state_, PF_Cmd_USER_CHANGED_PARAM, &extra);
 }
 
+bool EffectSession::WantsPanelEvents() const {
+    const auto& registered = state_->customUIs;
+    return std::any_of(registered.begin(), registered.end(),
+                       [](const PF_CustomUIInfo& info) { return (info.events & PF_CustomEFlag_EFFECT) != 0; });
+}
+
+Result<Done> EffectSession::SendEvent(PF_EventExtra* event) {
+    event->cbs = kEventCallbacks;
+    return SendPanelCommand(*state_, PF_Cmd_EVENT, event);
+}
+
+bool EffectSession::SetTwirl(int index, bool collapsed) {
+    return state_->services.panel.SetCollapsed(index, collapsed);
+}
+
 Result<PreRendered> EffectSession::PreRender(const FrameRequest& request) {
     return PreRenderFrame(*state_, request);
 }
@@ -192,6 +208,10 @@ const ParamSet& EffectSession::Params() const {
 
 const PanelState& EffectSession::Panel() const {
     return state_->services.panel;
+}
+
+LayerGeometry EffectSession::PanelGeometry() const {
+    return state_->PanelGeometry();
 }
 
 PF_OutFlags EffectSession::OutFlags() const {

@@ -22,6 +22,7 @@
 #include "host/suites/balance.h"
 #include "host/suites/panel_state.h"
 #include "hostapi/aegp_types.h"
+#include "hostapi/custom_ui.h"
 #include "hostapi/smart_render.h"
 
 struct SessionState;
@@ -125,6 +126,13 @@ class EffectSession {
     Result<Done> UpdateParamsUI();
     /// Tells the effect that the user changed, or pressed, a row.
     Result<Done> UserChangedParam(int index);
+    /// Whether the effect has asked for events of the rows that it draws itself.
+    bool WantsPanelEvents() const;
+    /// Sends an event of a self-drawn row; the callbacks are filled in here. The effect's answer is in
+    /// `event->evt_out_flags`.
+    Result<Done> SendEvent(PF_EventExtra* event);
+    /// Opens or closes a row's twirl, as the user does. False when there is no such row.
+    bool SetTwirl(int index, bool collapsed);
 
     /// Asks what a frame would cover, without drawing it.
     Result<PreRendered> PreRender(const FrameRequest& request);
@@ -135,6 +143,8 @@ class EffectSession {
     ParamSet& Params();
     const ParamSet& Params() const;
     const PanelState& Panel() const;
+    /// The geometry in which panel commands see values.
+    LayerGeometry PanelGeometry() const;
     PF_OutFlags OutFlags() const;
     PF_OutFlags2 OutFlags2() const;
     A_u_long EffectVersion() const;  ///< packed, as PF_VERSION packs it

@@ -63,6 +63,9 @@ Failure FailureOf(const SessionState& state, const Answer& answer);
 /// `in_data->inter`: parameters, progress, custom interface.
 extern const PF_InteractCallbacks kInteractCallbacks;
 
+/// What goes into an event's record.
+extern const PF_EventCallbacks kEventCallbacks;
+
 /// Draws, or only asks about, one frame: see EffectSession.
 Result<PreRendered> PreRenderFrame(SessionState& state, const FrameRequest& request);
 Result<Frame> RenderFrame(SessionState& state, const FrameRequest& request);

@@ -72,6 +72,13 @@ bool PanelState::SetDisabled(int index, bool disabled) {
     return true;
 }
 
+bool PanelState::SetCollapsed(int index, bool collapsed) {
+    const std::lock_guard lock(mutex_);
+    if (index < 0 || index >= static_cast<int>(rows_.size())) return false;
+    rows_[static_cast<std::size_t>(index)].collapsed = collapsed;
+    return true;
+}
+
 void PanelState::SetOptionsButton(std::string name) {
     const std::lock_guard lock(mutex_);
     optionsButton_ = std::move(name);

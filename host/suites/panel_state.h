@@ -37,6 +37,8 @@ class PanelState {
     bool SetHidden(int index, bool hidden);
     /// False when there is no such row.
     bool SetDisabled(int index, bool disabled);
+    /// Opens or closes a row's twirl, as the user does. False when there is no such row.
+    bool SetCollapsed(int index, bool collapsed);
     /// The name of the options button; empty while the effect has set none.
     void SetOptionsButton(std::string name);
     std::string OptionsButton() const;

@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// `umbrant panel`: the effect's panel as a picture, its rows for programs, and its buttons.
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "host/cli/command.h"
+#include "host/cli/opened_module.h"
+#include "host/cli/results.h"
+#include "host/image/picture.h"
+#include "host/panel/panel_picture.h"
+#include "host/panel/panel_rows.h"
+
+namespace {
+
+constexpr char kExamples[] =
+    "  umbrant panel -o panel.png\n"
+    "      the panel as the effect opens it\n"
+    "  umbrant panel -o panel.png --set style/shadow-type=radial --open all --scale 2 --theme light\n"
+    "      every row of a radial shadow, at double size\n"
+    "  umbrant panel -o panel.png --open about-support --close style --width 420\n"
+    "      twirls as the user leaves them; rows are named as in --set, or '#index'\n"
+    "  umbrant panel --press about-support/product-page\n"
+    "      presses a button: by its group and what its face says, its face alone, its path, or '#3'\n"
+    "  umbrant panel --json --set style/shadow-type=inner\n"
+    "      the visible rows, for programs";
+
+struct PanelOptions {
+    std::string output;
+    std::vector<std::string> settings;
+    std::vector<std::string> opened;
+    std::vector<std::string> closed;
+    std::string press;
+    int width = PanelMetrics::kUsualWidth;
+    int scale = 1;
+    std::string theme = "dark";
+    bool json = false;
+    std::string module;
+};
+
+Result<Done> ApplySettings(const std::vector<std::string>& settings, ParamSet& params) {
+    for (const std::string& setting : settings) {
+        const std::size_t equals = setting.find('=');
+        if (equals == std::string::npos) {
+            return Failure{ExitCode::kUsage, fmt::format("'--set {}' has no value; write --set PATH=VALUE", setting)};
+        }
+        if (auto set = params.SetFromText(setting.substr(0, equals), setting.substr(equals + 1)); !set) return set;
+    }
+    return Done{};
+}
+
+const char* ControlName(PanelControl control) {
+    switch (control) {
+        case PanelControl::kGroup:
+            return "group";
+        case PanelControl::kHeading:
+            return "heading";
+        case PanelControl::kSpacer:
+            return "spacer";
+        case PanelControl::kSlider:
+            return "slider";
+        case PanelControl::kAngle:
+            return "angle";
+        case PanelControl::kPopup:
+            return "popup";
+        case PanelControl::kLayer:
+            return "layer";
+        case PanelControl::kPoint:
+            return "point";
+        case PanelControl::kColor:
+            return "colour";
+        case PanelControl::kButton:
+            return "button";
+        case PanelControl::kCheckBox:
+            return "check box";
+        case PanelControl::kOwn:
+            return "own";
+        case PanelControl::kNothing:
+            break;
+    }
+    return "nothing";
+}
+
+std::string Json(const std::vector<PanelItem>& items) {
+    auto rows = nlohmann::ordered_json::array();
+    for (const PanelItem& item : items) {
+        nlohmann::ordered_json row = {{"index", item.index}, {"control", ControlName(item.control)},
+                                      {"name", item.name},   {"value", item.value},
+                                      {"depth", item.depth}, {"disabled", item.disabled},
+                                      {"top", item.top},     {"height", item.height}};
+        if (item.twirl) row["open"] = item.open;
+        rows.push_back(std::move(row));
+    }
+    return rows.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+}
+
+Result<Done> Press(EffectSession& session, const std::string& name) {
+    const auto button = FindButton(session, name);
+    if (!button) return button.Error();
+    if (auto pressed = session.UserChangedParam(*button); !pressed) return pressed;
+    std::fputs(fmt::format("pressed '{}'\n", session.Params().Row(*button).label).c_str(), stderr);
+    return Done{};
+}
+
+Result<Done> WritePanel(EffectSession& session, const OpenedModule& opened, const PanelOptions& options) {
+    PanelPictureOptions drawing;
+    drawing.width = options.width;
+    drawing.scale = options.scale;
+    drawing.theme = options.theme == "light" ? &kLightTheme : &kDarkTheme;
+    drawing.effectName = opened.module->Effect().name;
+    const auto picture = DrawPanel(session, drawing);
+    if (!picture) return picture.Error();
+    const World& pixels = picture->pixels;
+    const Placement place{{0, 0, pixels.Width(), pixels.Height()}, pixels.Width(), pixels.Height()};
+    if (auto written = WritePicture(options.output, pixels, place); !written) return written;
+    PrintResult(options.output + "\n");
+    return Done{};
+}
+
+Result<ExitCode> Panel(const PanelOptions& options) {
+    if (options.output.empty() && options.press.empty() && !options.json) {
+        return Failure{ExitCode::kUsage, "there is nothing to do; give -o FILE, --json or --press BUTTON"};
+    }
+    if (!options.output.empty()) {
+        if (auto writable = CheckWritable(options.output); !writable) return writable.Error();
+    }
+    auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module));
+    if (!opened) return opened.Error();
+    EffectSession& session = opened->Session();
+    if (auto set = ApplySettings(options.settings, session.Params()); !set) return set.Error();
+    if (auto updated = session.UpdateParamsUI(); !updated) return updated.Error();
+    for (const std::string& name : options.opened) {
+        if (auto twirled = Twirl(session, name, true); !twirled) return twirled.Error();
+    }
+    for (const std::string& name : options.closed) {
+        if (auto twirled = Twirl(session, name, false); !twirled) return twirled.Error();
+    }
+    if (!options.press.empty()) {
+        if (auto pressed = Press(session, options.press); !pressed) return pressed.Error();
+    }
+    if (options.json) PrintResult(Json(PanelItems(session, options.width)));
+    if (!options.output.empty()) {
+        if (auto written = WritePanel(session, *opened, options); !written) return written.Error();
+    }
+    if (auto ended = session.End(); !ended) return ended.Error();
+    return ExitCode::kDone;
+}
+
+}  // namespace
+
+Command PanelCommand() {
+    const auto options = std::make_shared<PanelOptions>();
+    Command command;
+    command.name = "panel";
+    command.summary = "Draw the effect's panel as a picture, list its visible rows, or press one of its buttons";
+    command.examples = kExamples;
+    command.options = [options](CLI::App& app) {
+        app.add_option("-o,--output", options->output, "The picture to write: " + WritableFormats());
+        app.add_option("--set", options->settings, "A parameter's value; may be given many times")
+            ->type_name("PATH=VALUE")
+            ->allow_extra_args(false);
+        app.add_option("--open", options->opened, "A group, slider or angle whose twirl is open, or 'all'")
+            ->type_name("ROW")
+            ->allow_extra_args(false);
+        app.add_option("--close", options->closed, "One whose twirl is closed, or 'all'; after --open")
+            ->type_name("ROW")
+            ->allow_extra_args(false);
+        app.add_option("--press", options->press, "A button to press: its face, its path or '#index'")
+            ->type_name("BUTTON");
+        app.add_option("--width", options->width, "The panel's width in its own pixels")
+            ->check(CLI::Range(PanelMetrics::kLeastWidth, PanelMetrics::kMostWidth))
+            ->capture_default_str()
+            ->type_name("N");
+        app.add_option("--scale", options->scale, "Pixels of the picture per pixel of the panel")
+            ->check(CLI::Range(1, 4))
+            ->capture_default_str()
+            ->type_name("1..4");
+        app.add_option("--theme", options->theme, "How bright the panel is")
+            ->check(CLI::IsMember({"dark", "light"}))
+            ->capture_default_str()
+            ->type_name("dark|light");
+        app.add_flag("--json", options->json, "The visible rows, for programs");
+        app.add_option("--module", options->module,
+                       "The effect's module; without it UMBRANT_MODULE or the one beside the program")
+            ->type_name("FILE");
+    };
+    command.run = [options] { return Panel(*options); };
+    return command;
+}

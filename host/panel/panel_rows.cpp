@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/panel/panel_rows.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <string>
+
+namespace {
+
+constexpr std::string_view kAll = "all";
+
+/// The path of the group around a row; empty outside of groups.
+std::string GroupPath(const ParamSet& params, int index) {
+    int depth = 0;
+    for (int i = index - 1; i > 0; --i) {
+        const PF_ParamType type = params.Row(i).def.param_type;
+        if (type == PF_Param_GROUP_END) ++depth;
+        if (type == PF_Param_GROUP_START && depth-- == 0) return params.Row(i).path;
+    }
+    return "";
+}
+
+/// What a button answers to, the shortest first.
+std::vector<std::string> ButtonNames(const ParamSet& params, const ParamRow& row) {
+    std::vector<std::string> names;
+    const std::string face = PathForm(row.label);
+    const std::string group = GroupPath(params, row.index);
+    if (!face.empty()) names.push_back(face);
+    if (!face.empty() && !group.empty()) names.push_back(group + "/" + face);
+    if (!row.path.empty()) names.push_back(row.path);
+    names.push_back(fmt::format("#{}", row.index));
+    return names;
+}
+
+bool HasTwirl(const PanelRow& row) {
+    switch (row.type) {
+        case PF_Param_GROUP_START:
+        case PF_Param_SLIDER:
+        case PF_Param_FIX_SLIDER:
+        case PF_Param_FLOAT_SLIDER:
+        case PF_Param_ANGLE:
+            return true;
+        default:
+            return false;
+    }
+}
+
+/// Whether the effect has taken a row out of the panel, itself or with a group around it.
+bool IsHidden(const ParamSet& params, const std::vector<PanelRow>& rows, int index) {
+    if (rows[static_cast<std::size_t>(index)].hidden) return true;
+    int depth = 0;
+    for (int i = index - 1; i > 0; --i) {
+        const PF_ParamType type = params.Row(i).def.param_type;
+        if (type == PF_Param_GROUP_END) ++depth;
+        if (type == PF_Param_GROUP_START && depth-- == 0) {
+            if (rows[static_cast<std::size_t>(i)].hidden) return true;
+            depth = 0;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+Result<int> FindButton(const EffectSession& session, std::string_view name) {
+    const ParamSet& params = session.Params();
+    std::vector<int> found;
+    std::vector<std::string> known;
+    for (const ParamRow& row : params.Rows()) {
+        if (row.def.param_type != PF_Param_BUTTON) continue;
+        const std::vector<std::string> names = ButtonNames(params, row);
+        known.insert(known.end(), names.begin(), names.end());
+        if (std::find(names.begin(), names.end(), name) != names.end()) found.push_back(row.index);
+    }
+    if (found.empty()) {
+        const auto near = Nearest(name, known, 2);
+        return Failure{ExitCode::kUsage,
+                       near.empty() ? fmt::format("'{}' is no button: the effect has none", name)
+                                    : fmt::format("'{}' is no button; nearest: '{}'", name, fmt::join(near, "', '"))};
+    }
+    if (found.size() > 1) {
+        return Failure{ExitCode::kUsage, fmt::format("several buttons are called '{}'; press one by its index: #{}",
+                                                     name, fmt::join(found, ", #"))};
+    }
+    const std::vector<PanelRow> rows = session.Panel().Rows();
+    if (IsHidden(params, rows, found.front())) {
+        return Failure{ExitCode::kUsage, fmt::format("the button '{}' is hidden", name)};
+    }
+    if (rows[static_cast<std::size_t>(found.front())].disabled) {
+        return Failure{ExitCode::kUsage, fmt::format("the button '{}' is disabled", name)};
+    }
+    return found.front();
+}
+
+Result<Done> Twirl(EffectSession& session, std::string_view name, bool open) {
+    const std::vector<PanelRow> rows = session.Panel().Rows();
+    if (name == kAll) {
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            if (HasTwirl(rows[i])) session.SetTwirl(static_cast<int>(i), !open);
+        }
+        return Done{};
+    }
+    const auto index = session.Params().Find(name);
+    if (!index) return index.Error();
+    if (!HasTwirl(rows[static_cast<std::size_t>(*index)])) {
+        return Failure{ExitCode::kUsage, fmt::format("'{}' has no twirl to open or close", name)};
+    }
+    session.SetTwirl(*index, !open);
+    return Done{};
+}

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// Rows of the panel as a person names them: as everywhere by path or index, buttons also by what their face says.
+
+#include <string_view>
+#include <vector>
+
+#include "host/panel/panel_layout.h"
+#include "host/result.h"
+#include "host/session/effect_session.h"
+
+/// The index of the button that "#index", its path, its face or its group's path and its face ("about-support/
+/// product-page") names. Fails with `ExitCode::kUsage` and the nearest right names, also for a row that is no button,
+/// is disabled, or is hidden by the effect.
+Result<int> FindButton(const EffectSession& session, std::string_view name);
+
+/// Opens or closes the twirl of the row that a path or index names, or with "all" of every row that has one. Fails with
+/// `ExitCode::kUsage` for a row without a twirl.
+Result<Done> Twirl(EffectSession& session, std::string_view name, bool open);
