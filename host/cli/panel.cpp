@@ -15,6 +15,7 @@
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
 #include "host/cli/results.h"
+#include "host/cli/settings.h"
 #include "host/image/picture.h"
 #include "host/panel/panel_picture.h"
 #include "host/panel/panel_rows.h"
@@ -45,17 +46,6 @@ struct PanelOptions {
     bool json = false;
     std::string module;
 };
-
-Result<Done> ApplySettings(const std::vector<std::string>& settings, ParamSet& params) {
-    for (const std::string& setting : settings) {
-        const std::size_t equals = setting.find('=');
-        if (equals == std::string::npos) {
-            return Failure{ExitCode::kUsage, fmt::format("'--set {}' has no value; write --set PATH=VALUE", setting)};
-        }
-        if (auto set = params.SetFromText(setting.substr(0, equals), setting.substr(equals + 1)); !set) return set;
-    }
-    return Done{};
-}
 
 const char* ControlName(PanelControl control) {
     switch (control) {

@@ -16,6 +16,7 @@
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
 #include "host/cli/results.h"
+#include "host/cli/settings.h"
 #include "host/image/picture.h"
 #include "host/image/resample.h"
 #include "host/session/error_names.h"
@@ -71,17 +72,6 @@ Result<World> LayerOf(const Picture& picture, Depth depth, int downsample) {
     if (!layer.IsNull() && downsample > 1) layer = Downsample(layer, downsample);
     if (layer.IsNull()) return noMemory;
     return layer;
-}
-
-Result<Done> ApplySettings(const std::vector<std::string>& settings, ParamSet& params) {
-    for (const std::string& setting : settings) {
-        const std::size_t equals = setting.find('=');
-        if (equals == std::string::npos) {
-            return Failure{ExitCode::kUsage, fmt::format("'--set {}' has no value; write --set PATH=VALUE", setting)};
-        }
-        if (auto set = params.SetFromText(setting.substr(0, equals), setting.substr(equals + 1)); !set) return set;
-    }
-    return Done{};
 }
 
 void NoteCommands(const std::vector<CommandRecord>& commands) {

@@ -17,7 +17,7 @@ struct PanelPictureOptions {
     int width = PanelMetrics::kUsualWidth;  ///< panel pixels
     int scale = 1;                          ///< pixels of the picture per panel pixel
     const PanelTheme* theme = &kDarkTheme;
-    std::string effectName;
+    std::string effectName = {};
 };
 
 /// The panel and what is on it.

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/cli/settings.h"
+
+#include <fmt/format.h>
+
+Result<Done> ApplySettings(const std::vector<std::string>& settings, ParamSet& params) {
+    for (const std::string& setting : settings) {
+        const std::size_t equals = setting.find('=');
+        if (equals == std::string::npos) {
+            return Failure{ExitCode::kUsage, fmt::format("'--set {}' has no value; write --set PATH=VALUE", setting)};
+        }
+        if (auto set = params.SetFromText(setting.substr(0, equals), setting.substr(equals + 1)); !set) return set;
+    }
+    return Done{};
+}

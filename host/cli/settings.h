@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// The values that `--set PATH=VALUE` gives, as every command that shows the effect takes them.
+
+#include <string>
+#include <vector>
+
+#include "host/result.h"
+#include "host/session/param_set.h"
+
+/// Sets the values in their order. Fails with `ExitCode::kUsage` at the first that has no '=' or cannot be set.
+Result<Done> ApplySettings(const std::vector<std::string>& settings, ParamSet& params);
