@@ -1,0 +1,224 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: BSD-3-Clause
+# Copyright 2026 the Umbrant authors
+"""Draws docs/gallery.md and its pictures: one small picture per setting, each with the command line that made it.
+
+Usage: assets/draw_gallery.py UMBRANT [SECTION...]      (default: all sections)
+
+UMBRANT is the built program. With sections only their pictures are drawn anew; the page is always written whole. Needs
+nothing but Python. The program writes pictures with transparency; here they are laid on a light ground, because a dark
+page would swallow their shadows.
+"""
+
+import pathlib
+import struct
+import subprocess
+import sys
+import tempfile
+import zlib
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+PAGE = ROOT / "docs" / "gallery.md"
+PICTURES = ROOT / "docs" / "images" / "gallery"
+GROUND = (236, 235, 241)
+COLUMNS = 3
+TITLE = "title.png --canvas layer --downsample 5"
+PHOTOGRAPH = "dusk.jpg --canvas layer --downsample 8"
+
+INTRODUCTION = """\
+# Gallery
+
+Each picture stands over the command line that drew it. The layers are those of `assets/layers`, the command lines are
+for the root of the project, and `assets/draw_gallery.py` draws the page anew. The pictures are small, so they are drawn
+at a part of the resolution (`--downsample`) and in the layer's frame (`--canvas layer`); without these two options the
+same looks come out large and whole.
+"""
+
+
+def settings(**values):
+    """Parameters as options: style_angle=90 is --set style/angle=90."""
+    return " ".join(f"--set {path.replace('__', '/').replace('_', '-')}={value}" for path, value in values.items())
+
+
+STYLED = {
+    "normal": settings(style__angle=120, style__distance=420, style__softness=80, style__color="#2a1466",
+                       opacity__opacity_start=9, opacity__opacity_end=0),
+    "inner": settings(style__shadow_type="inner", style__angle=130, style__distance=26, style__softness=24,
+                      style__color="#5a0f3c", style__blend_mode="multiply", opacity__opacity_start=9,
+                      opacity__opacity_end=0),
+    "radial": settings(style__shadow_type="radial", style__origin="960,-200", style__distance=110, style__softness=40,
+                       style__color="#2a1466", opacity__opacity_start=8, opacity__opacity_end=0),
+}
+STEPS = settings(style__angle=160, style__distance=420, style__softness=0, style__color="#503a8c",
+                 opacity__opacity_start=60, opacity__opacity_end=15, quality__samples=9)
+WIDE_BLUR = settings(style__angle=135, style__distance=160, style__softness=300, opacity__opacity_start=90,
+                     opacity__opacity_end=90, easing__ease=0, quality__samples=2)
+CURTAIN = settings(style__shadow_type="inner", style__color="#2f9a94", style__angle=90, style__distance=900,
+                   style__softness=160, opacity__opacity_start=9, opacity__opacity_end=3, easing__ease=0)
+TEXTURED = settings(style__angle=120, style__distance=420, style__softness=60, style__color="#8a6ad0",
+                    opacity__opacity_start=14, opacity__opacity_end=2)
+TEXTURE = "--texture assets/layers/dusk.jpg"
+
+BLEND_MODES = ["normal", "add", "screen", "overlay", "soft-light", "hard-light", "darken", "multiply", "color-burn",
+               "classic-color-burn", "linear-burn", "darker-color"]
+TEXTURE_MODES = ["normal", "multiply", "color-burn", "add", "screen", "overlay", "soft-light", "stencil-alpha",
+                 "stencil-luma", "silhouette-alpha", "silhouette-luma"]
+
+
+def easing(mode, ease, more=""):
+    return f"{STEPS} {settings(easing__mode=mode, easing__ease=ease)} {more}".strip()
+
+
+# Section: heading, words, and its pictures as (name, caption, layer and options).
+SECTIONS = {
+    "types": ("The three types", "With their defaults, the radial one about the middle of the picture, and styled.", [
+        ("normal-default", "normal", f"{TITLE} {settings(style__shadow_type='normal')}"),
+        ("inner-default", "inner", f"{TITLE} {settings(style__shadow_type='inner')}"),
+        ("radial-default", "radial", f"{TITLE} {settings(style__shadow_type='radial', style__origin='960,540')}"),
+        *((f"{kind}-styled", f"{kind}, styled", f"{TITLE} {options}") for kind, options in STYLED.items()),
+    ]),
+    "easing": ("Easing", "Nine sharp copies, so that their steps can be seen. Ease-in moves the copies together near "
+               "the layer; ease-in-out also near the end of the shadow.", [
+        ("easing-none", "no ease", f"{TITLE} {easing('ease-in', 0)}"),
+        ("ease-in-50", "ease-in, 50 %", f"{TITLE} {easing('ease-in', 50)}"),
+        ("ease-in-100", "ease-in, 100 %", f"{TITLE} {easing('ease-in', 100)}"),
+        ("easing-opacity", "ease-in, opacity not eased",
+         f"{TITLE} {easing('ease-in', 100, settings(easing__advanced__opacity=0))}"),
+        ("ease-in-out-50", "ease-in-out, 50 %", f"{TITLE} {easing('ease-in-out', 50)}"),
+        ("ease-in-out-100", "ease-in-out, 100 %", f"{TITLE} {easing('ease-in-out', 100)}"),
+    ]),
+    "resolution": ("Resolution", "How many steps each blur takes. Two copies with a wide softness show each setting at "
+                   "its hardest; more samples hide the steps.", [
+        (f"resolution-{name}", name, f"{TITLE} {WIDE_BLUR} {settings(quality__resolution=name)}")
+        for name in ("draft", "low", "moderate", "high", "extreme")
+    ]),
+    "blend": ("Blend modes of the inner shadow", "The same sea-green shadow from the left, over a photograph.", [
+        (f"blend-{mode}", mode, f"{PHOTOGRAPH} {CURTAIN} {settings(style__blend_mode=mode)}") for mode in BLEND_MODES
+    ]),
+    "texture": ("Texture modes", "A photograph laid into a violet shadow. A texture never changes how opaque a shadow "
+                "is, so that the stencils and silhouettes, which touch alpha alone, leave the shadow as it was.", [
+        (f"texture-{mode}", mode, f"{TITLE} {TEXTURED} {TEXTURE} {settings(texture__blend_mode=mode)}")
+        for mode in TEXTURE_MODES
+    ]),
+}
+
+
+def command_words(name, options):
+    layer, *rest = options.split()
+    return ["render", f"assets/layers/{layer}", "-o", f"{name}.png", *rest]
+
+
+def page():
+    lines = [INTRODUCTION]
+    for heading, words, pictures in SECTIONS.values():
+        lines += [f"## {heading}\n", f"{words}\n"]
+        for first in range(0, len(pictures), COLUMNS):
+            row = pictures[first:first + COLUMNS]
+            cells = [f"![{caption}](images/gallery/{name}.png)" for name, caption, _ in row]
+            commands = [f"`umbrant {' '.join(command_words(name, options))}`" for name, _, options in row]
+            blank = [""] * (COLUMNS - len(row))
+            lines.append("| " + " | ".join([caption for _, caption, _ in row] + blank).rstrip() + " |")
+            lines.append("|" + "---|" * COLUMNS)
+            lines.append("| " + " | ".join(cells + blank) + " |")
+            lines.append("| " + " | ".join(commands + blank) + " |\n")
+    return "\n".join(lines)
+
+
+def paeth(a, b, c):
+    p = a + b - c
+    pa, pb, pc = abs(p - a), abs(p - b), abs(p - c)
+    return a if pa <= pb and pa <= pc else b if pb <= pc else c
+
+
+def read_png(path):
+    """Width, height and rows of 8-bit red, green, blue and straight alpha, as the program writes them."""
+    data = path.read_bytes()
+    at, packed = 8, b""
+    while at < len(data):
+        length, kind = struct.unpack_from(">I4s", data, at)
+        content = data[at + 8:at + 8 + length]
+        if kind == b"IHDR":
+            width, height, depth, colour = struct.unpack_from(">IIBB", content)
+            if (depth, colour) not in ((8, 6), (8, 2)):
+                raise ValueError(f"{path}: not 8-bit colour")
+        if kind == b"IDAT":
+            packed += content
+        at += 12 + length
+    step = 4 if colour == 6 else 3
+    raw = zlib.decompress(packed)
+    rows, above = [], bytearray(width * step)
+    for y in range(height):
+        start = y * (width * step + 1)
+        kind, row = raw[start], bytearray(raw[start + 1:start + 1 + width * step])
+        for i, value in enumerate(row):
+            left = row[i - step] if i >= step else 0
+            corner = above[i - step] if i >= step else 0
+            guess = (0, left, above[i], (left + above[i]) // 2, paeth(left, above[i], corner))[kind]
+            row[i] = (value + guess) & 255
+        rows.append(row)
+        above = row
+    return width, height, step, rows
+
+
+def on_ground(row, step):
+    """A row of opaque red, green and blue."""
+    if step == 3:
+        return row
+    laid = bytearray()
+    for x in range(0, len(row), 4):
+        alpha = row[x + 3]
+        laid += bytes((row[x + c] * alpha + GROUND[c] * (255 - alpha) + 127) // 255 for c in range(3))
+    return laid
+
+
+def filtered(row, above):
+    """The row after the filter that leaves the smallest numbers."""
+    choices = []
+    for kind in range(5):
+        line = bytearray([kind])
+        for i, value in enumerate(row):
+            left = row[i - 3] if i >= 3 else 0
+            corner = above[i - 3] if i >= 3 else 0
+            guess = (0, left, above[i], (left + above[i]) // 2, paeth(left, above[i], corner))[kind]
+            line.append((value - guess) & 255)
+        choices.append(line)
+    return min(choices, key=lambda line: sum(min(value, 256 - value) for value in line[1:]))
+
+
+def write_png(path, width, rows):
+    def chunk(kind, data):
+        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
+
+    above, packed = bytes(width * 3), bytearray()
+    for row in rows:
+        packed += filtered(row, above)
+        above = row
+    header = struct.pack(">IIBBBBB", width, len(rows), 8, 2, 0, 0, 0)
+    path.write_bytes(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", zlib.compress(bytes(packed), 9))
+                     + chunk(b"IEND", b""))
+
+
+def draw(program, name, options):
+    with tempfile.TemporaryDirectory() as folder:
+        words = command_words(name, options)
+        drawn = pathlib.Path(folder) / words[3]
+        words[3] = str(drawn)
+        subprocess.run([program, *words], cwd=ROOT, check=True, stdout=subprocess.DEVNULL)
+        width, _, step, rows = read_png(drawn)
+    write_png(PICTURES / f"{name}.png", width, [on_ground(row, step) for row in rows])
+    print(f"docs/images/gallery/{name}.png")
+
+
+def main():
+    if len(sys.argv) < 2 or any(section not in SECTIONS for section in sys.argv[2:]):
+        sys.exit(f"{__doc__}\nSections: {', '.join(SECTIONS)}")
+    program = str(pathlib.Path(sys.argv[1]).resolve())
+    PICTURES.mkdir(parents=True, exist_ok=True)
+    for section in sys.argv[2:] or SECTIONS:
+        for name, _, options in SECTIONS[section][2]:
+            draw(program, name, options)
+    PAGE.write_text(page())
+
+
+if __name__ == "__main__":
+    main()
