@@ -117,6 +117,7 @@ void DrawFrames(benchmark::State& state, const FrameCase& frame) {
     }
     state.counters["beside_ms"] = rig.clock.SecondsBesidePasses() * perFrame;
     state.counters["beside_pct"] = 100 * rig.clock.SecondsBesidePasses() / rig.clock.SecondsOfAll();
+    state.counters["beside_cpu_ms"] = rig.clock.CpuSecondsBesidePasses() * perFrame;
     state.counters["peak_MiB"] = PeakMebibytes();
 }
 

@@ -4,12 +4,17 @@
 #include "bench/frame_clock.h"
 
 #include <chrono>
+#include <ctime>
 #include <numeric>
 
 namespace {
 
 double Now() {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+double CpuNow() {
+    return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
 }
 
 bool IsHostPixelWork(std::string_view call) {
@@ -32,12 +37,16 @@ void FrameClock::Begin() {
     uploaded_ = false;
     inTransfer_ = false;
     since_ = Now();
+    cpuSince_ = CpuNow();
 }
 
 void FrameClock::Enter(FrameStage stage) {
     const double now = Now();
     seconds_[static_cast<std::size_t>(stage_)] += now - since_;
     since_ = now;
+    const double cpu = CpuNow();
+    if (stage_ != FrameStage::kPasses) cpuBesidePasses_ += cpu - cpuSince_;
+    cpuSince_ = cpu;
     stage_ = stage;
 }
 

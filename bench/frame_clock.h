@@ -36,7 +36,13 @@ class FrameClock {
     /// Seconds of all stages but the passes.
     double SecondsBesidePasses() const;
     double SecondsOfAll() const;
-    void Reset() { seconds_ = {}; }
+    /// Processor seconds of the whole process in all stages but the passes; unlike the others, they hardly depend on
+    /// what else the machine does.
+    double CpuSecondsBesidePasses() const { return cpuBesidePasses_; }
+    void Reset() {
+        seconds_ = {};
+        cpuBesidePasses_ = 0;
+    }
 
  private:
     void Enter(FrameStage stage);
@@ -45,6 +51,8 @@ class FrameClock {
     std::thread::id thread_{};
     FrameStage stage_ = FrameStage::kBookkeeping;
     double since_ = 0;
+    double cpuSince_ = 0;
+    double cpuBesidePasses_ = 0;
     bool uploaded_ = false;  ///< the layer is on the GPU: the next handle is the read-back's
     bool inTransfer_ = false;
 };

@@ -10,6 +10,8 @@
 #include <new>
 #include <utility>
 
+#include "host/compositing/row_pool.h"
+
 namespace {
 
 constexpr int kRowAlignment = 16;
@@ -18,13 +20,20 @@ constexpr int kRowAlignment = 16;
 /// by-value copy of the record.
 char ownMark;
 
-/// Fills with half-transparent light pixels, so that an effect which leaves a pixel unwritten is seen at once.
+/// Fills with half-transparent light pixels, so that an effect which leaves a pixel unwritten is seen at once. On all
+/// cores: these are the first writes into the memory, and the system hands its pages out only then.
 template <typename Channel>
-void FillPattern(std::byte* bytes, std::size_t size, Channel alpha, Channel colour) {
+void FillPattern(World& world, Channel alpha, Channel colour) {
     const Channel pixel[4] = {alpha, colour, colour, colour};
-    for (std::size_t at = 0; at + sizeof(pixel) <= size; at += sizeof(pixel)) {
-        std::memcpy(bytes + at, pixel, sizeof(pixel));
-    }
+    const auto size = static_cast<std::size_t>(world.Def().rowbytes);
+    ForEachRowRange(world.Height(), [&](int begin, int end) {
+        for (int y = begin; y < end; ++y) {
+            std::byte* row = world.Row(y);
+            for (std::size_t at = 0; at + sizeof(pixel) <= size; at += sizeof(pixel)) {
+                std::memcpy(row + at, pixel, sizeof(pixel));
+            }
+        }
+    });
 }
 
 }  // namespace
@@ -73,6 +82,19 @@ void World::Deleter::operator()(Block* block) const {
 }
 
 World World::Create(int width, int height, Depth depth, bool clear) {
+    World world = Allocate(width, height, depth, clear);
+    if (clear || world.IsNull()) return world;
+    if (depth == Depth::k8) FillPattern<A_u_char>(world, 128, 205);
+    if (depth == Depth::k16) FillPattern<A_u_short>(world, 16384, 26214);
+    if (depth == Depth::k32) FillPattern<PF_FpShort>(world, 0.5f, 0.8f);
+    return world;
+}
+
+World World::CreateUnwritten(int width, int height, Depth depth) {
+    return Allocate(width, height, depth, false);
+}
+
+World World::Allocate(int width, int height, Depth depth, bool clear) {
     World world;
     if (width < 0 || height < 0) return world;
     const std::int64_t pixelBytes = BytesPerPixel(depth);
@@ -88,11 +110,6 @@ World World::Create(int width, int height, Depth depth, bool clear) {
         auto* bytes = static_cast<std::byte*>(clear ? std::calloc(size, 1) : std::malloc(size));
         if (!bytes) return world;
         def.data = reinterpret_cast<PF_PixelPtr>(bytes);
-        if (!clear) {
-            if (depth == Depth::k8) FillPattern<A_u_char>(bytes, size, 128, 205);
-            if (depth == Depth::k16) FillPattern<A_u_short>(bytes, size, 16384, 26214);
-            if (depth == Depth::k32) FillPattern<PF_FpShort>(bytes, size, 0.5f, 0.8f);
-        }
     }
     block->depth = depth;
     def.reserved0 = &ownMark;

@@ -29,9 +29,11 @@ class World {
  public:
     World() = default;
     /// Straight-alpha ARGB, `width` x `height` pixels, each at least 0 (an empty world has no data). Rows start on
-    /// 16-byte boundaries and are at least one pixel longer than the width. Pixels are zero when `clear`, otherwise filled
-    /// with a pattern that is neither transparent nor black. Null Def() (IsNull) when memory cannot be had.
+    /// 16-byte boundaries and are at least one pixel longer than the width. Pixels are zero when `clear`, otherwise
+    /// filled with a pattern that is neither transparent nor black. Null Def() (IsNull) when memory cannot be had.
     static World Create(int width, int height, Depth depth, bool clear = true);
+    /// The same with pixels of any value: for a caller that writes every one of them before anybody reads.
+    static World CreateUnwritten(int width, int height, Depth depth);
 
     bool IsNull() const { return !block_; }
     PF_EffectWorld& Def();
@@ -48,5 +50,6 @@ class World {
     struct Deleter {
         void operator()(Block* block) const;
     };
+    static World Allocate(int width, int height, Depth depth, bool clear);
     std::unique_ptr<Block, Deleter> block_;
 };
