@@ -5,14 +5,20 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <set>
 
 #include "host/session/error_names.h"
 #include "host/session/frame_record.h"
+#include "hostapi/errors.h"
 #include "hostapi/limits.h"
 
 namespace {
+
+/// The longest side of a texture that every current OpenGL driver takes. The host knows no OpenGL: an effect that draws
+/// with it cannot draw more than its driver takes, which it can only report as want of memory.
+constexpr int kCommonTextureLimit = 16384;
 
 /// The data that pre-render handed over. Goes back to the effect exactly once.
 class PreRenderData {
@@ -108,6 +114,21 @@ std::optional<Failure> SendPreRender(FrameRecord& frame, const PF_LRect& region,
     return std::nullopt;
 }
 
+/// A failed render's failure; when the picture may be too large for the driver, its size and the limit are told too.
+Failure RenderFailure(const SessionState& state, const Answer& answer, const PF_LRect& rect) {
+    Failure failure = FailureOf(state, answer);
+    const A_long width = WidthOf(rect);
+    const A_long height = HeightOf(rect);
+    if (answer.record.error != PF_Err_OUT_OF_MEMORY || !answer.exception.empty() ||
+        std::max(width, height) <= kCommonTextureLimit) {
+        return failure;
+    }
+    failure.sentence +=
+        fmt::format("; the picture would be {} x {} pixels, and many OpenGL drivers take no more than {} x {}", width,
+                    height, kCommonTextureLimit, kCommonTextureLimit);
+    return failure;
+}
+
 /// Sends render for what pre-render promised. The output world is the frame's.
 std::optional<Failure> SendRender(FrameRecord& frame, void* preRenderData, const PF_LRect& rect,
                                   std::set<std::string>& suites) {
@@ -129,7 +150,7 @@ std::optional<Failure> SendRender(FrameRecord& frame, void* preRenderData, const
     frame.stage = FrameRecord::Stage::kIdle;
     frame.Note(answer);
     suites.insert(answer.suites.begin(), answer.suites.end());
-    if (answer.Failed()) return FailureOf(frame.state, answer);
+    if (answer.Failed()) return RenderFailure(frame.state, answer, rect);
 
     if (!frame.outputTaken) {
         frame.state.services.Report("PF_Cmd_SMART_RENDER ended without having checked out its output");

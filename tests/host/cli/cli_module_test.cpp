@@ -107,12 +107,58 @@ TEST_F(CliWithoutOpenGL, ParamsAsJson) {
 TEST_F(CliWithoutOpenGL, RenderSaysWhatIsMissing) {
     WriteLayer(folder_ / "in.png", 5, 3, {255, 200, 100, 50});
     const auto entries = folder_.Entries();
-    const Outcome outcome = Run({"render", "in.png", "-o", "out.png"});
-    EXPECT_EQ(outcome.code, 1);
-    EXPECT_THAT(outcome.err, HasSubstr("no OpenGL context could be made, so the effect cannot draw: "));
-    EXPECT_THAT(outcome.err, HasSubstr("error 512, PF_Err_INTERNAL_STRUCT_DAMAGED"));
-    EXPECT_EQ(outcome.out, "") << "the module's own diagnostics go elsewhere";
-    EXPECT_EQ(folder_.Entries(), entries);
+    for (const char* type : {"normal", "inner", "radial"}) {
+        SCOPED_TRACE(type);
+        const Outcome outcome =
+            Run({"render", "in.png", "-o", "out.png", "--set", std::string("style/shadow-type=") + type});
+        EXPECT_EQ(outcome.code, 1);
+        EXPECT_THAT(outcome.err, HasSubstr("no OpenGL context could be made, so the effect cannot draw: "));
+        EXPECT_THAT(outcome.err, HasSubstr("error 512, PF_Err_INTERNAL_STRUCT_DAMAGED"));
+        EXPECT_EQ(outcome.out, "") << "the module's own diagnostics go elsewhere";
+        EXPECT_EQ(folder_.Entries(), entries);
+    }
+}
+
+TEST_F(CliWithoutOpenGL, WrongValuesOfEveryShadowTypeAreTold) {
+    WriteLayer(folder_ / "in.png", 5, 3, {255, 200, 100, 50});
+    const auto entries = folder_.Entries();
+    const struct {
+        const char* name;
+        const char* type;
+        const char* setting;
+        const char* sentence;
+    } rows[] = {
+        {"a type that is none", "normal", "style/shadow-type=outer",
+         "'style/shadow-type' has no item 'outer'; nearest: 'inner' (of normal, inner, radial)"},
+        {"a number that is no type", "normal", "style/shadow-type=4",
+         "'style/shadow-type' takes an item number from 1 to 3, not 4"},
+        {"a misspelt blend mode", "inner", "style/blend-mode=multply",
+         "'style/blend-mode' has no item 'multply'; nearest: 'multiply'"},
+        {"a separator as blend mode", "inner", "style/blend-mode=2",
+         "'style/blend-mode' cannot be set to 2, which is a separator line"},
+        {"too soft", "inner", "style/softness=501", "'style/softness' takes 0 to 500, not 501"},
+        {"a softness that is no number", "inner", "style/softness=nan", "'style/softness'"},
+        {"too far", "radial", "style/distance=2001", "'style/distance' takes 0 to 2000, not 2001"},
+        {"a negative distance", "radial", "style/distance=-1", "'style/distance' takes 0 to 2000, not -1"},
+        {"half a point", "radial", "style/origin=1",
+         "'style/origin' takes a point as x,y in pixels of the full-size layer, not '1'"},
+        {"a point with a third number", "radial", "style/origin=1,2,3",
+         "'style/origin' takes a point as x,y in pixels of the full-size layer, not '1,2,3'"},
+        {"a point without numbers", "radial", "style/origin=a,b",
+         "'style/origin' takes a point as x,y in pixels of the full-size layer, not 'a,b'"},
+        {"an infinite point", "radial", "style/origin=inf,0",
+         "'style/origin' takes a point as x,y in pixels of the full-size layer, not 'inf,0'"},
+        {"a point too far", "radial", "style/origin=40000,0", "'style/origin' takes -32767 to 32767 pixels, not 40000"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const Outcome outcome = Run({"render", "in.png", "-o", "out.png", "--set",
+                                     std::string("style/shadow-type=") + row.type, "--set", row.setting});
+        EXPECT_EQ(outcome.code, 2);
+        EXPECT_THAT(outcome.err, HasSubstr(std::string("umbrant: ") + row.sentence));
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(folder_.Entries(), entries) << "nothing is left behind";
+    }
 }
 
 TEST_F(CliWithoutOpenGL, TheModuleIsFoundBesideTheProgram) {

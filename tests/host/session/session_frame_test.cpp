@@ -307,4 +307,36 @@ TEST_F(SessionTest, SeveralThreadsDrawAtOnce) {
     EXPECT_EQ(session->Open()[Resource::kLayerPixels], 0);
 }
 
+TEST_F(SessionTest, ARenderOutOfMemoryIsToldItsSizeWhereADriverMayRefuseIt) {
+    const struct {
+        const char* name;
+        const char* call;
+        PF_Err error;
+        int width, height;
+        const char* sentence;
+    } rows[] = {
+        {"wider", "smart-render.checkout_output", PF_Err_OUT_OF_MEMORY, 16385, 2,
+         "Painter failed in PF_Cmd_SMART_RENDER: error 4, PF_Err_OUT_OF_MEMORY; the picture would be 16385 x 2 pixels, "
+         "and many OpenGL drivers take no more than 16384 x 16384"},
+        {"higher", "smart-render.checkout_output", PF_Err_OUT_OF_MEMORY, 1, 16385,
+         "Painter failed in PF_Cmd_SMART_RENDER: error 4, PF_Err_OUT_OF_MEMORY; the picture would be 1 x 16385 pixels, "
+         "and many OpenGL drivers take no more than 16384 x 16384"},
+        {"at the limit", "smart-render.checkout_output", PF_Err_OUT_OF_MEMORY, 16384, 1,
+         "Painter failed in PF_Cmd_SMART_RENDER: error 4, PF_Err_OUT_OF_MEMORY"},
+        {"another error", "smart-render.checkout_output", PF_Err_BAD_CALLBACK_PARAM, 16385, 1,
+         "Painter failed in PF_Cmd_SMART_RENDER: error 516, PF_Err_BAD_CALLBACK_PARAM"},
+        {"before the render", "pre-render.checkout_layer", PF_Err_OUT_OF_MEMORY, 16385, 1,
+         "Painter failed in PF_Cmd_SMART_PRE_RENDER: error 4, PF_Err_OUT_OF_MEMORY"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        Start({.fault = [row](std::string_view call) { return call == row.call ? row.error : 0; }});
+        const World layer = World::Create(row.width, row.height, Depth::k8);
+        const Result<Frame> frame = session->Render({.layer = &layer});
+        ASSERT_FALSE(frame);
+        EXPECT_EQ(frame.Error().code, ExitCode::kEffectFailed);
+        EXPECT_EQ(frame.Error().sentence, row.sentence);
+    }
+}
+
 }  // namespace
