@@ -48,6 +48,7 @@ struct RenderOptions {
     int depth = 0;
     int downsample = 1;
     std::string canvas = "grow";
+    bool collapsed = false;
     double seconds = 0;
     std::string module;
     bool verbose = false;
@@ -162,6 +163,7 @@ Result<ExitCode> Render(const RenderOptions& options) {
     SessionOptions about;
     about.layerWidth = layers->width;
     about.layerHeight = layers->height;
+    if (options.collapsed) about.layerFlags |= AEGP_LayerFlag_COLLAPSE;
     auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module), about);
     if (!opened) return opened.Error();
     EffectSession& session = opened->Session();
@@ -219,6 +221,9 @@ Command RenderCommand() {
                        "grow: as large as layer and shadow together (default); layer: the layer's frame")
             ->check(CLI::IsMember({"grow", "layer"}))
             ->type_name("grow|layer");
+        app.add_flag(
+            "--collapsed", options->collapsed,
+            "Present the layer with its \"Collapse Transformations\" switch on; radial shadows then stay in its frame");
         app.add_option("--time", options->seconds, "The moment that is drawn")
             ->check([](const std::string& text) { return OutOfRange(text, 0.0, kLongestTime); })
             ->type_name("SECONDS");

@@ -100,4 +100,58 @@ TEST_F(CliRenderGl, VerboseNamesTheSuites) {
     EXPECT_THAT(outcome.err, testing::Not(HasSubstr("misbehaved")));
 }
 
+TEST_F(CliRenderGl, AnInnerShadowStaysInTheLayersAlpha) {
+    for (const char* depth : {"8", "32"}) {
+        SCOPED_TRACE(depth);
+        ASSERT_EQ(Render({"-o", "out.exr", "--canvas", "layer", "--depth", depth, "--set", "style/shadow-type=inner",
+                          "--set", "style/distance=8", "--set", "style/softness=4", "--set", "style/color=#0000ff"})
+                      .code,
+                  0);
+        Picture picture = Read(folder_ / "out.exr");
+        const auto at = [&](int x, int y) { return PixelFloat(picture.pixels, x, y); };
+        EXPECT_NEAR(at(21, 11).blue, 1, 0.01) << "135 degrees: from above left";
+        EXPECT_NEAR(at(21, 11).red, 0, 0.01);
+        EXPECT_NEAR(at(36, 26).red, 230 / 255.0, 0.01) << "the layer where no shadow falls";
+        EXPECT_NEAR(at(36, 26).alpha, 1, 0.002);
+        EXPECT_EQ(at(15, 5).alpha, 0) << "nothing beyond the layer";
+        EXPECT_EQ(at(45, 35).alpha, 0);
+    }
+}
+
+TEST_F(CliRenderGl, ACollapsedLayerKeepsTheFrameOfARadialShadow) {
+    const std::vector<std::string> look = {"--set", "style/shadow-type=radial", "--set", "style/distance=100",
+                                           "--set", "style/softness=0",         "--set", "style/origin=20,10"};
+    const auto draw = [&](std::vector<std::string> arguments) {
+        arguments.insert(arguments.end(), look.begin(), look.end());
+        const Outcome outcome = Render(std::move(arguments));
+        ASSERT_EQ(outcome.code, 0) << outcome.err;
+    };
+    draw({"-o", "grown.png"});
+    draw({"-o", "collapsed.png", "--collapsed"});
+    draw({"-o", "cut.png", "--canvas", "layer"});
+    EXPECT_EQ(Read(folder_ / "grown.png").pixels.Width(), 2 * kWidth);
+    EXPECT_EQ(Read(folder_ / "grown.png").pixels.Height(), 2 * kHeight);
+    Picture collapsed = Read(folder_ / "collapsed.png");
+    EXPECT_EQ(collapsed.pixels.Width(), kWidth);
+    EXPECT_EQ(collapsed.pixels.Height(), kHeight);
+    EXPECT_GT(Pixel8(collapsed.pixels, 42, 32).alpha, 80) << "the shadow beside the layer";
+    const Outcome same = RunUmbrant(folder_, {"compare", "collapsed.png", "cut.png"});
+    EXPECT_EQ(same.code, 0) << "nothing moves, it is only cut: " << same.out;
+}
+
+TEST_F(CliRenderGl, APictureLargerThanATextureIsToldItsSizeAndTheLimit) {
+    WriteLayer(folder_ / "strip.png", 900, 2, {255, 255, 255, 255});
+    const auto entries = folder_.Entries();
+    const Outcome outcome = RunUmbrant(folder_,
+                                       {"render", "strip.png", "-o", "out.png", "--set", "style/shadow-type=radial",
+                                        "--set", "style/distance=2000", "--set", "style/softness=0"},
+                                       {{Module(), "UMBRANT_GL=software"}, ""});
+    if (outcome.code == 0) GTEST_SKIP() << "this driver takes textures of 18900 pixels";
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_THAT(outcome.err, HasSubstr("FBO bad, res: 18900 42 (error 4, PF_Err_OUT_OF_MEMORY); the picture would be "
+                                       "18900 x 42 pixels, and many OpenGL drivers take no more than 16384 x 16384"));
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(folder_.Entries(), entries) << "nothing is left behind";
+}
+
 }  // namespace

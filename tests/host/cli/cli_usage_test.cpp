@@ -31,8 +31,8 @@ TEST(CliUsage, EveryCommandHasHelpWithExamples) {
         std::vector<const char*> texts;
     } cases[] = {
         {"render",
-         {"INPUT", "--output", "--set", "--texture", "--depth", "--downsample", "--canvas", "--time", "--module",
-          "--verbose", "umbrant render title.png -o shadow.png"}},
+         {"INPUT", "--output", "--set", "--texture", "--depth", "--downsample", "--canvas", "--collapsed", "--time",
+          "--module", "--verbose", "umbrant render title.png -o shadow.png"}},
         {"params", {"--json", "--module", "umbrant params --json"}},
         {"info", {"--json", "--module", "umbrant info"}},
         {"compare",
