@@ -89,6 +89,7 @@ Answer SendCommand(SessionState& state, PF_Cmd command, FrameRecord* frame, PF_P
     record.message = MessageOf(answer.out);
     record.messageIsError = (answer.out.out_flags & PF_OutFlag_DISPLAY_ERROR_MESSAGE) != 0;
     record.balance = notes.tally.Snapshot();
+    record.stages = notes.stages.Snapshot();
     answer.suites = notes.acquired.Names();
     if (outcome.exception) {
         answer.exception = *outcome.exception;

@@ -21,6 +21,7 @@
 #include "host/session/param_set.h"
 #include "host/suites/balance.h"
 #include "host/suites/panel_state.h"
+#include "host/suites/stage_clock.h"
 #include "hostapi/aegp_types.h"
 #include "hostapi/custom_ui.h"
 #include "hostapi/smart_render.h"
@@ -83,6 +84,7 @@ struct CommandRecord {
     std::string message;          ///< what the effect left in the return message
     bool messageIsError = false;  ///< it asked for the message to be shown as an error
     Balance balance;              ///< what the command took and did not give back
+    StageTimes stages;            ///< how much of `milliseconds` went into the host's own calls, and which
 };
 
 /// What pre-render answered.

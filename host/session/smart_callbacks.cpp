@@ -11,6 +11,7 @@
 #include "host/compositing/copy_world.h"
 #include "host/session/frame_record.h"
 #include "host/suites/slots.h"
+#include "host/suites/stage_clock.h"
 
 namespace {
 
@@ -68,7 +69,7 @@ PF_Err GuidMixIn(PF_ProgPtr effectRef, A_u_long size, const void* buffer) {
 
 /// A world of its own with the asked part of the layer, so that an effect which writes into its input spoils nothing.
 PF_Err CropTo(const PF_LRect& rect, const World& layer, PF_Point layerOrigin, World& cropped) {
-    cropped = World::Create(WidthOf(rect), HeightOf(rect), layer.PixelDepth(), false);
+    cropped = World::CreateUnwritten(WidthOf(rect), HeightOf(rect), layer.PixelDepth());
     if (cropped.IsNull()) return PF_Err_OUT_OF_MEMORY;
     PF_EffectWorld& def = cropped.Def();
     def.origin_x = rect.left;
@@ -94,6 +95,7 @@ PF_Err CheckoutLayerPixels(PF_ProgPtr effectRef, A_long id, PF_EffectWorld** pix
         return PF_Err_BAD_CALLBACK_PARAM;
     }
     if (!IsEmpty(found->rect)) {
+        const TimedCall timed(PixelCall::kFetch);
         const FrameRequest& request = frame->request;
         const PF_Err error = found->isTexture
                                  ? CropTo(found->rect, *request.texture, request.textureOrigin, found->pixels)

@@ -11,6 +11,7 @@
 #include "host/compositing/row_pool.h"
 #include "host/compositing/world.h"
 #include "host/suites/services.h"
+#include "host/suites/stage_clock.h"
 #include "hostapi/errors.h"
 
 struct PF_InData;
@@ -40,6 +41,7 @@ PF_Err IteratePixels(const PF_EffectWorld* source, const PF_Rect* area, const PF
         return PF_Err_BAD_CALLBACK_PARAM;
     }
     if (source && PixelFormatOf(*source) != FormatOfPixel<Pixel>()) return PF_Err_BAD_CALLBACK_PARAM;
+    const TimedCall timed(PixelCall::kWalk);
     PF_LRect walked = BoundsOf(*destination);
     if (area) walked = Intersection(walked, *area);
     const int dx = origin ? origin->x : 0;

@@ -19,6 +19,7 @@
 
 #include "host/suites/balance.h"
 #include "host/suites/panel_state.h"
+#include "host/suites/stage_clock.h"
 #include "hostapi/aegp_types.h"
 #include "hostapi/errors.h"
 
@@ -50,6 +51,7 @@ class SuiteLog {
 struct CommandNotes {
     Tally tally;
     SuiteLog acquired;
+    StageClock stages;
 };
 
 /// The record of one session. Every member is safe on every thread.

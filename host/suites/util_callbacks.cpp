@@ -12,6 +12,7 @@
 #include "host/suites/iterate.h"
 #include "host/suites/pixel_calls.h"
 #include "host/suites/slots.h"
+#include "host/suites/stage_clock.h"
 #include "host/suites/tables.h"
 #include "host/suites/worlds.h"
 #include "hostapi/limits.h"
@@ -35,11 +36,13 @@ PF_PixelFloat ColorOf(const Pixel* color, int fullScale) {
 
 PF_Err Fill(PF_ProgPtr effectRef, const PF_Pixel* color, const PF_Rect* rect, PF_EffectWorld* world) {
     if (!EffectRef::Of(effectRef, "fill")) return PF_Err_BAD_CALLBACK_PARAM;
+    const TimedCall timed(PixelCall::kFill);
     return FillWorld(ColorOf(color, PF_MAX_CHAN8), rect, world);
 }
 
 PF_Err Fill16(PF_ProgPtr effectRef, const PF_Pixel16* color, const PF_Rect* rect, PF_EffectWorld* world) {
     if (!EffectRef::Of(effectRef, "fill16")) return PF_Err_BAD_CALLBACK_PARAM;
+    const TimedCall timed(PixelCall::kFill);
     return FillWorld(ColorOf(color, PF_MAX_CHAN16), rect, world);
 }
 

@@ -12,12 +12,14 @@
 #include "host/compositing/transfer_rect.h"
 #include "host/suites/pixel_calls.h"
 #include "host/suites/slots.h"
+#include "host/suites/stage_clock.h"
 #include "host/suites/tables.h"
 
 PF_Err CompositeRectCall(PF_ProgPtr effectRef, PF_Rect* sourceRect, A_long opacity, PF_EffectWorld* source,
                          A_long destinationX, A_long destinationY, PF_Field field, PF_XferMode mode,
                          PF_EffectWorld* destination) {
     if (!EffectRef::Of(effectRef, "composite_rect")) return PF_Err_BAD_CALLBACK_PARAM;
+    const TimedCall timed(PixelCall::kTransfer);
     PF_CompositeMode composite{};
     composite.xfer = mode;
     composite.opacity = static_cast<A_u_char>(std::clamp<A_long>(opacity, 0, 255));
@@ -28,12 +30,14 @@ PF_Err CompositeRectCall(PF_ProgPtr effectRef, PF_Rect* sourceRect, A_long opaci
 PF_Err BlendCall(PF_ProgPtr effectRef, const PF_EffectWorld* first, const PF_EffectWorld* second, PF_Fixed ratio,
                  PF_EffectWorld* destination) {
     if (!EffectRef::Of(effectRef, "blend")) return PF_Err_BAD_CALLBACK_PARAM;
+    const TimedCall timed(PixelCall::kTransfer);
     return BlendWorlds(first, second, ratio, destination);
 }
 
 PF_Err CopyCall(PF_ProgPtr effectRef, PF_EffectWorld* source, PF_EffectWorld* destination, PF_Rect* sourceRect,
                 PF_Rect* destinationRect) {
     if (!EffectRef::Of(effectRef, "copy")) return PF_Err_BAD_CALLBACK_PARAM;
+    const TimedCall timed(PixelCall::kFetch);
     return CopyWorld(source, destination, sourceRect, destinationRect);
 }
 
@@ -42,6 +46,7 @@ PF_Err TransferRectCall(PF_ProgPtr effectRef, PF_Quality quality, PF_ModeFlags f
                         const PF_MaskWorld* mask, A_long destinationX, A_long destinationY,
                         PF_EffectWorld* destination) {
     if (!EffectRef::Of(effectRef, "transfer_rect")) return PF_Err_BAD_CALLBACK_PARAM;
+    const TimedCall timed(PixelCall::kTransfer);
     return TransferRect(quality, flags, field, sourceRect, source, mode, mask, destinationX, destinationY, destination);
 }
 
