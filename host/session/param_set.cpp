@@ -186,10 +186,13 @@ PF_ParamDef ParamSet::CheckOut(int index, const LayerGeometry& geometry) const {
     const ParamRow& row = Row(index);
     PF_ParamDef def = row.def;
     if (def.param_type != PF_Param_POINT) return def;
-    // A default is in percent of the layer, 16.16; a set value in pixels of the full-size layer.
-    const LayerPoint declared{def.u.td.x_dephault / 65536.0 * 0.01 * geometry.width,
-                              def.u.td.y_dephault / 65536.0 * 0.01 * geometry.height};
-    const LayerPoint point = row.point.value_or(declared);
+    // A default is in percent of the layer, 16.16.
+    const LayerPoint declared{def.u.td.x_dephault / 65536.0, def.u.td.y_dephault / 65536.0, true};
+    LayerPoint point = row.point.value_or(declared);
+    if (point.isPercent) {
+        point.x = point.x * 0.01 * geometry.width;
+        point.y = point.y * 0.01 * geometry.height;
+    }
     def.u.td.x_value = ToFixed(point.x * Ratio(geometry.downsampleX));
     def.u.td.y_value = ToFixed(point.y * Ratio(geometry.downsampleY));
     return def;

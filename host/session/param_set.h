@@ -15,10 +15,11 @@
 #include "host/result.h"
 #include "hostapi/params.h"
 
-/// A position in pixels of the full-size layer.
+/// A position in pixels of the full-size layer, or in percent of its size.
 struct LayerPoint {
     double x = 0;
     double y = 0;
+    bool isPercent = false;
     bool operator==(const LayerPoint&) const = default;
 };
 
@@ -71,7 +72,7 @@ class ParamSet {
     /// names, also when two rows share the name.
     Result<int> Find(std::string_view path) const;
     /// Sets a row's value from its text: a number (percent sliders as shown, a trailing % allowed), an angle in
-    /// degrees, `x,y` in pixels of the full-size layer, `#rrggbb`, a popup item's text or 1-based number, on/off. Fails
+    /// degrees, `x,y` in pixels of the full-size layer or `x%,y%` of its size, `#rrggbb`, a popup item's text or 1-based number, on/off. Fails
     /// with `ExitCode::kUsage`, changing nothing.
     Result<Done> SetFromText(std::string_view path, std::string_view text);
 

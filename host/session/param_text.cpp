@@ -105,15 +105,29 @@ std::optional<std::array<double, N>> Numbers(std::string_view text) {
     return numbers;
 }
 
+/// "x%,y%" without its percent signs, or nothing.
+std::optional<std::string> WithoutPercent(std::string_view text) {
+    text = Trimmed(text);
+    const std::size_t comma = text.find(',');
+    if (comma == std::string_view::npos) return std::nullopt;
+    std::string_view x = Trimmed(text.substr(0, comma));
+    if (!x.ends_with('%') || !text.ends_with('%')) return std::nullopt;
+    x.remove_suffix(1);
+    text.remove_suffix(1);
+    return std::string(x) + std::string(text.substr(comma));
+}
+
 Result<Done> SetPoint(ParamRow& row, std::string_view text) {
-    const auto numbers = Numbers<2>(text);
+    const std::optional<std::string> percent = WithoutPercent(text);
+    const auto numbers = Numbers<2>(percent ? std::string_view(*percent) : text);
     if (!numbers) return NotANumber(row, text, "a point as x,y in pixels of the full-size layer");
     for (const double number : *numbers) {
         if (std::abs(number) > kFixedLimit) {
-            return Wrong(row, fmt::format("takes -{0} to {0} pixels, not {1}", Show(kFixedLimit), Show(number)));
+            return Wrong(row, fmt::format("takes -{0} to {0} {1}, not {2}", Show(kFixedLimit),
+                                          percent ? "percent" : "pixels", Show(number)));
         }
     }
-    row.point = LayerPoint{(*numbers)[0], (*numbers)[1]};
+    row.point = LayerPoint{(*numbers)[0], (*numbers)[1], percent.has_value()};
     return Done{};
 }
 
@@ -260,7 +274,10 @@ std::string PopupText(const ParamRow& row, A_long value) {
 }
 
 std::string PointText(const ParamRow& row, bool current) {
-    if (current && row.point) return Show(row.point->x) + "," + Show(row.point->y);
+    if (current && row.point) {
+        const char* unit = row.point->isPercent ? "%" : "";
+        return fmt::format("{0}{2},{1}{2}", Show(row.point->x), Show(row.point->y), unit);
+    }
     const PF_PointDef& point = row.def.u.td;
     return Show(point.x_dephault / kFixedOne) + "%," + Show(point.y_dephault / kFixedOne) + "%";
 }

@@ -109,11 +109,20 @@ INSTANTIATE_TEST_SUITE_P(
         RightValue{"style/strength", "50", "50"}, RightValue{"style/strength", "50%", "50"},
         RightValue{"style/angle", "-45.5", "-45.5"}, RightValue{"style/angle", "725", "725"},
         RightValue{"style/origin", "10,20", "10,20"}, RightValue{"style/origin", "-0.5, 3e2", "-0.5,300"},
-        RightValue{"style/color", "#FF8000", "#ff8000"}, RightValue{"style/blend-mode", "soft-light", "soft-light"},
+        RightValue{"style/origin", "12.5%,-3 %", "12.5%,-3%"}, RightValue{"style/color", "#FF8000", "#ff8000"},
+        RightValue{"style/blend-mode", "soft-light", "soft-light"},
         RightValue{"style/blend-mode", "Soft Light", "soft-light"}, RightValue{"style/blend-mode", "3", "add"},
         RightValue{"style/blend-mode", "ease in & out", "ease-in-out"}, RightValue{"knock-out", "off", "off"},
         RightValue{"knock-out", "FALSE", "off"}, RightValue{"knock-out", "1", "on"}, RightValue{"count", "-5", "-5"},
         RightValue{"fixed", "7.25", "7.25"}, RightValue{"place", "1,-2,3.5", "1,-2,3.5"}));
+
+TEST(PercentPoints, ReachTheEffectInPixels) {
+    ParamSet params = EveryKind();
+    ASSERT_TRUE(params.SetFromText("style/origin", "25%,-50%"));
+    const PF_ParamDef def = params.CheckOut(*params.Find("style/origin"), {200, 100, {1, 2}, {1, 4}});
+    EXPECT_EQ(def.u.td.x_value, 25 << 16);
+    EXPECT_EQ(def.u.td.y_value, -(12 << 16) - (1 << 15));
+}
 
 struct WrongValue {
     const char* path;
@@ -152,6 +161,9 @@ INSTANTIATE_TEST_SUITE_P(
         WrongValue{"style/angle", "40000", "'style/angle' takes -32767 to 32767 degrees, not 40000"},
         WrongValue{"style/origin", "10",
                    "'style/origin' takes a point as x,y in pixels of the full-size layer, not '10'"},
+        WrongValue{"style/origin", "10%,5",
+                   "'style/origin' takes a point as x,y in pixels of the full-size layer, not '10%,5'"},
+        WrongValue{"style/origin", "40000%,5%", "'style/origin' takes -32767 to 32767 percent, not 40000"},
         WrongValue{"style/origin", "1,2,3",
                    "'style/origin' takes a point as x,y in pixels of the full-size layer, not '1,2,3'"},
         WrongValue{"style/origin", "1,40000", "'style/origin' takes -32767 to 32767 pixels, not 40000"},
