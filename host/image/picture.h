@@ -6,10 +6,14 @@
 // follows its format's convention. All file formats are known here and nowhere else.
 
 #include <filesystem>
+#include <memory>
 #include <string>
 
 #include "host/compositing/world.h"
 #include "host/result.h"
+
+/// What a file says beside its pixels: resolution, time code, owner, colour space, ... Known to this folder alone.
+struct PictureMetadata;
 
 /// A picture as read. The frame is what a layer made of it shows: from (0, 0) to its width and height.
 struct Picture {
@@ -17,14 +21,18 @@ struct Picture {
     PF_LRect window{};  ///< where the pixels lie in the frame; the frame itself except in formats with a data window
     int frameWidth = 0;
     int frameHeight = 0;
-    std::string format;  ///< "png", "tiff", "jpeg", "openexr", ...
-    int bits = 8;        ///< bits of a channel in the file
+    PF_Point frameOrigin{};  ///< where the file has the frame's top-left corner; (0, 0) in most
+    std::string format;      ///< "png", "tiff", "jpeg", "openexr", ...
+    int bits = 8;            ///< bits of a channel in the file
+    bool isHalf = false;     ///< the file's channels are 16-bit floats
+    std::shared_ptr<const PictureMetadata> metadata;
 };
 
 /// Reads the first picture of a file. 16-bit integers and halves become float. Grey becomes three equal channels, a
 /// palette its colours; without an alpha channel every pixel is opaque. Premultiplied files (EXR by definition, TIFF
 /// where it says so) are divided by their alpha; a pixel of alpha 0 keeps its colour as it is. Values are the file's:
-/// no colour conversion. Fails with `ExitCode::kFile`, also for a deep or multi-part file.
+/// no colour conversion. Fails with `ExitCode::kFile`, also for a deep or multi-part file, and for one that claims more
+/// pixels than can be drawn, which is found out before memory is taken for them.
 Result<Picture> ReadPicture(const std::filesystem::path& file);
 
 /// Where a picture's pixels belong.
@@ -32,7 +40,20 @@ struct Placement {
     PF_LRect window{};   ///< the world's place in the frame
     int frameWidth = 0;  ///< the layer's frame, pixels
     int frameHeight = 0;
+    PF_Point frameOrigin{};  ///< what the file is to call the frame's top-left corner
 };
+
+/// What a file is to hold beside the pixels.
+struct WriteOptions {
+    /// "zip", "piz", "lzw", "jpeg:90", ...; empty keeps the compression of the metadata where the format has it, and
+    /// else takes the format's own: zip for EXR and TIFF, "jpeg:95" for JPEG.
+    std::string compression{};
+    bool half = false;  ///< EXR of a float world: 16-bit floats
+    std::shared_ptr<const PictureMetadata> metadata{};
+};
+
+/// Whether the format that the extension names has this compression. Fails with `ExitCode::kUsage` and what it has.
+Result<Done> CheckCompression(const std::filesystem::path& file, const std::string& compression);
 
 /// The extensions that WritePicture knows, as a phrase: ".png, .tif, ...".
 std::string WritableFormats();
@@ -44,8 +65,9 @@ Result<Done> CheckWritable(const std::filesystem::path& file);
 /// Writes a world, whose format is one of the host's, in the format that the extension names:
 ///   .png        straight; 8 bits, or 16 from a float world
 ///   .tif .tiff  straight; 8 bits, or float
-///   .exr        premultiplied; half from an 8-bit world, else float; `place` becomes data and display window
-///   .jpg .jpeg  8 bits; has no alpha, so the picture is laid on white, where a shadow shows
+///   .exr        premultiplied; half from an 8-bit world or on demand, else float; `place` becomes data and display
+///   window .jpg .jpeg  8 bits; has no alpha, so the picture is laid on white, where a shadow shows
 /// The file appears whole or not at all: it is written under a temporary name beside its place and then renamed. Fails
 /// with `ExitCode::kFile`, also for an empty world.
-Result<Done> WritePicture(const std::filesystem::path& file, const World& world, const Placement& place);
+Result<Done> WritePicture(const std::filesystem::path& file, const World& world, const Placement& place,
+                          const WriteOptions& options = {});

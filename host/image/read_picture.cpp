@@ -8,14 +8,15 @@
 #include <cctype>
 #include <cstdint>
 #include <exception>
-#include <limits>
 #include <memory>
 #include <new>
 #include <optional>
 #include <utility>
 #include <vector>
 
+#include "host/image/metadata.h"
 #include "host/image/picture.h"
+#include "hostapi/limits.h"
 
 namespace {
 
@@ -146,6 +147,21 @@ std::optional<std::string> WhyNoFile(const fs::path& file) {
     return std::nullopt;
 }
 
+/// Why a picture of this size is refused, or nothing. A damaged or hostile file may claim any size, so this is asked
+/// before any memory is taken.
+std::optional<std::string> WhyTooLarge(int width, int height, int channels) {
+    if (width > PF_MAX_WORLD_WIDTH || height > PF_MAX_WORLD_HEIGHT) {
+        return fmt::format("it is too large: {} x {} pixels, where no side may be longer than {}", width, height,
+                           PF_MAX_WORLD_WIDTH);
+    }
+    constexpr std::int64_t kMostValues = std::int64_t{1} << 30;
+    if (std::int64_t{width} * height > kMostValues / std::max(channels, 4)) {
+        return fmt::format("it is too large: {} x {} pixels of {} channels, where all together may hold {} values",
+                           width, height, channels, kMostValues);
+    }
+    return std::nullopt;
+}
+
 Result<Picture> ReadOpened(OIIO::ImageInput& input, const fs::path& file) {
     const OIIO::ImageSpec spec = input.spec();
     if (spec.deep) return CannotRead(file, "it is a deep picture; flatten it first");
@@ -158,7 +174,6 @@ Result<Picture> ReadOpened(OIIO::ImageInput& input, const fs::path& file) {
         return CannotRead(file, "it has several parts; save the one you need as a file of its own");
     }
 
-    constexpr std::int64_t kGreatestSide = std::numeric_limits<A_long>::max() / 16 - 16;
     const bool eight = spec.format.size() == 1;
     picture.bits = spec.get_int_attribute("oiio:BitsPerSample", static_cast<int>(spec.format.size()) * 8);
     picture.window = {0, 0, spec.width, spec.height};
@@ -169,10 +184,12 @@ Result<Picture> ReadOpened(OIIO::ImageInput& input, const fs::path& file) {
                           spec.y - spec.full_y + spec.height};
         picture.frameWidth = spec.full_width;
         picture.frameHeight = spec.full_height;
+        picture.frameOrigin = {spec.full_x, spec.full_y};
     }
-    if (std::max({spec.width, spec.height, picture.frameWidth, picture.frameHeight}) > kGreatestSide) {
-        return CannotRead(file, "it is too large");
-    }
+    if (const auto reason = WhyTooLarge(spec.width, spec.height, spec.nchannels)) return CannotRead(file, *reason);
+    if (const auto reason = WhyTooLarge(picture.frameWidth, picture.frameHeight, 4)) return CannotRead(file, *reason);
+    picture.isHalf = spec.format == OIIO::TypeDesc::HALF;
+    picture.metadata = std::make_shared<const PictureMetadata>(MetadataOf(spec, picture.format));
     picture.pixels = World::Create(spec.width, spec.height, eight ? Depth::k8 : Depth::k32);
     if (picture.pixels.IsNull()) return CannotRead(file, "there is not enough memory for it");
 

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <charconv>
 #include <exception>
 #include <memory>
 #include <optional>
@@ -14,6 +15,7 @@
 #include <system_error>
 #include <vector>
 
+#include "host/image/metadata.h"
 #include "host/image/picture.h"
 #include "host/image/temporary_file.h"
 
@@ -33,16 +35,21 @@ struct Format {
     Form form;
     OIIO::TypeDesc::BASETYPE fromEight;  ///< the file's channels when the world has 8 bits
     OIIO::TypeDesc::BASETYPE fromFloat;
-    bool hasWindows;  ///< a data window apart from the display window
+    bool hasWindows;                ///< a data window apart from the display window
+    std::string_view name;          ///< as the image library has it
+    std::string_view compressions;  ///< what may be chosen, in spaces; the first is taken when nothing else is said
 };
 
+constexpr std::string_view kTiffCompressions = " zip lzw packbits none ";
+constexpr std::string_view kExrCompressions = " zip zips piz rle pxr24 b44 b44a dwaa dwab none ";
+
 constexpr std::array<Format, 6> kFormats = {{
-    {".png", Form::kStraight, OIIO::TypeDesc::UINT8, OIIO::TypeDesc::UINT16, false},
-    {".tif", Form::kStraight, OIIO::TypeDesc::UINT8, OIIO::TypeDesc::FLOAT, false},
-    {".tiff", Form::kStraight, OIIO::TypeDesc::UINT8, OIIO::TypeDesc::FLOAT, false},
-    {".exr", Form::kPremultiplied, OIIO::TypeDesc::HALF, OIIO::TypeDesc::FLOAT, true},
-    {".jpg", Form::kOnWhite, OIIO::TypeDesc::UINT8, OIIO::TypeDesc::UINT8, false},
-    {".jpeg", Form::kOnWhite, OIIO::TypeDesc::UINT8, OIIO::TypeDesc::UINT8, false},
+    {".png", Form::kStraight, OIIO::TypeDesc::UINT8, OIIO::TypeDesc::UINT16, false, "png", ""},
+    {".tif", Form::kStraight, OIIO::TypeDesc::UINT8, OIIO::TypeDesc::FLOAT, false, "tiff", kTiffCompressions},
+    {".tiff", Form::kStraight, OIIO::TypeDesc::UINT8, OIIO::TypeDesc::FLOAT, false, "tiff", kTiffCompressions},
+    {".exr", Form::kPremultiplied, OIIO::TypeDesc::HALF, OIIO::TypeDesc::FLOAT, true, "openexr", kExrCompressions},
+    {".jpg", Form::kOnWhite, OIIO::TypeDesc::UINT8, OIIO::TypeDesc::UINT8, false, "jpeg", ""},
+    {".jpeg", Form::kOnWhite, OIIO::TypeDesc::UINT8, OIIO::TypeDesc::UINT8, false, "jpeg", ""},
 }};
 
 const Format* FormatOf(const fs::path& file) {
@@ -111,17 +118,47 @@ std::vector<float> FileValues(const World& world, Form form) {
     return values;
 }
 
-OIIO::ImageSpec SpecOf(const Format& format, const World& world, const Placement& place) {
-    const auto type = world.PixelDepth() == Depth::k8 ? format.fromEight : format.fromFloat;
+/// A number from 1 to 100 after "jpeg:".
+bool IsJpegQuality(std::string_view compression) {
+    constexpr std::string_view kPrefix = "jpeg:";
+    if (!compression.starts_with(kPrefix)) return false;
+    compression.remove_prefix(kPrefix.size());
+    int quality = 0;
+    const char* end = compression.data() + compression.size();
+    const auto [stop, error] = std::from_chars(compression.data(), end, quality);
+    return error == std::errc() && stop == end && quality >= 1 && quality <= 100;
+}
+
+bool HasCompression(const Format& format, std::string_view compression) {
+    if (format.form == Form::kOnWhite) return IsJpegQuality(compression);
+    return !compression.empty() && compression.find(' ') == std::string_view::npos &&
+           format.compressions.find(" " + std::string(compression) + " ") != std::string_view::npos;
+}
+
+/// The chosen compression, else the one that the picture came with, else the format's own.
+std::string CompressionFor(const Format& format, const WriteOptions& options) {
+    if (!options.compression.empty()) return options.compression;
+    const PictureMetadata* from = options.metadata.get();
+    if (from && from->format == format.name && HasCompression(format, from->compression)) return from->compression;
+    if (format.form == Form::kOnWhite) return "jpeg:95";
+    if (format.compressions.empty()) return "";
+    return std::string(format.compressions.substr(1, format.compressions.find(' ', 1) - 1));
+}
+
+OIIO::ImageSpec SpecOf(const Format& format, const World& world, const Placement& place, const WriteOptions& options) {
+    auto type = world.PixelDepth() == Depth::k8 ? format.fromEight : format.fromFloat;
+    if (format.hasWindows && options.half) type = OIIO::TypeDesc::HALF;
     OIIO::ImageSpec spec(world.Width(), world.Height(), format.form == Form::kOnWhite ? 3 : 4, OIIO::TypeDesc(type));
+    if (options.metadata) AddMetadata(*options.metadata, spec);
     if (format.form == Form::kStraight) spec.attribute("oiio:UnassociatedAlpha", 1);
-    if (format.form == Form::kOnWhite) spec.attribute("Compression", "jpeg:95");
+    if (const std::string compression = CompressionFor(format, options); !compression.empty()) {
+        spec.attribute("compression", compression);
+    }
     if (format.hasWindows) {
-        spec.attribute("compression", "zip");
-        spec.x = place.window.left;
-        spec.y = place.window.top;
-        spec.full_x = 0;
-        spec.full_y = 0;
+        spec.x = place.frameOrigin.x + place.window.left;
+        spec.y = place.frameOrigin.y + place.window.top;
+        spec.full_x = place.frameOrigin.x;
+        spec.full_y = place.frameOrigin.y;
         spec.full_width = place.frameWidth > 0 ? place.frameWidth : world.Width();
         spec.full_height = place.frameHeight > 0 ? place.frameHeight : world.Height();
     }
@@ -166,7 +203,26 @@ Result<Done> CheckWritable(const fs::path& file) {
     return Done{};
 }
 
-Result<Done> WritePicture(const fs::path& file, const World& world, const Placement& place) {
+Result<Done> CheckCompression(const fs::path& file, const std::string& compression) {
+    const Format* format = FormatOf(file);
+    if (!format) return UnknownFormat(file);
+    if (HasCompression(*format, compression)) return Done{};
+    const std::string extension(format->extension);
+    if (format->form == Form::kOnWhite) {
+        return Failure{ExitCode::kUsage,
+                       fmt::format("'{}' is no compression of {}; use 'jpeg:1' to 'jpeg:100', its quality", compression,
+                                   extension)};
+    }
+    if (format->compressions.empty()) {
+        return Failure{ExitCode::kUsage,
+                       fmt::format("{} has one compression only; there is nothing to choose", extension)};
+    }
+    return Failure{ExitCode::kUsage, fmt::format("'{}' is no compression of {}; use one of:{}", compression, extension,
+                                                 format->compressions.substr(0, format->compressions.size() - 1))};
+}
+
+Result<Done> WritePicture(const fs::path& file, const World& world, const Placement& place,
+                          const WriteOptions& options) {
     if (auto writable = CheckWritable(file); !writable) return writable;
     if (world.IsNull() || world.Width() == 0 || world.Height() == 0) {
         return CannotWrite(file, "there is nothing in the picture");
@@ -174,7 +230,7 @@ Result<Done> WritePicture(const fs::path& file, const World& world, const Placem
     const Format& format = *FormatOf(file);
     TemporaryFile temporary(file);
     try {
-        const OIIO::ImageSpec spec = SpecOf(format, world, place);
+        const OIIO::ImageSpec spec = SpecOf(format, world, place, options);
         if (const auto problem = WriteTo(temporary.Name(), spec, FileValues(world, format.form))) {
             return CannotWrite(file, problem->empty() ? "the disk or folder refuses it"
                                                       : std::string_view(*problem).substr(0, problem->find('\n')));

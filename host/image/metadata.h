@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// What survives of a file beside its pixels. Inside host/image only.
+
+#include <OpenImageIO/imageio.h>
+
+#include <string>
+
+struct PictureMetadata {
+    OIIO::ParamValueList attributes;
+    std::string format;       ///< of the file that they come from
+    std::string compression;  ///< of that file; empty where it has none
+};
+
+/// Takes from a file's description what is about the picture, and leaves what is about how the file is stored.
+PictureMetadata MetadataOf(const OIIO::ImageSpec& spec, const std::string& format);
+
+/// Adds the attributes to the description of a file of a format.
+void AddMetadata(const PictureMetadata& metadata, OIIO::ImageSpec& spec);
