@@ -15,7 +15,9 @@
 
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
+#include "host/cli/preset.h"
 #include "host/cli/results.h"
+#include "host/cli/settings.h"
 
 namespace {
 
@@ -24,6 +26,9 @@ using Json = nlohmann::ordered_json;
 struct ParamsOptions {
     std::string module;
     bool json = false;
+    bool values = false;
+    std::string preset;
+    std::vector<std::string> settings;
 };
 
 struct FlagName {
@@ -207,9 +212,12 @@ std::string Text(const ParamSet& params) {
 Result<ExitCode> Params(const ParamsOptions& options) {
     auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module));
     if (!opened) return opened.Error();
-    const ParamSet& params = opened->Session().Params();
+    ParamSet& params = opened->Session().Params();
+    if (auto set = ApplyValues(options.preset, options.settings, params); !set) return set.Error();
     std::string text;
-    if (options.json) {
+    if (options.values) {
+        text = PresetText(params);
+    } else if (options.json) {
         Json rows = Json::array();
         for (const ParamRow& row : params.Rows()) rows.push_back(Describe(params, row));
         text = rows.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
@@ -229,10 +237,22 @@ Command ParamsCommand() {
     command.summary = "List every parameter: path, type, values, default, flags";
     command.examples =
         "  umbrant params\n"
-        "  umbrant params --json | jq '.[] | select(.type == \"popup\") | .path'";
+        "  umbrant params --json | jq '.[] | select(.type == \"popup\") | .path'\n"
+        "  umbrant params --json --values --set style/distance=80 > long.json\n"
+        "      a preset, for `umbrant render --preset long.json`";
     command.options = [options](CLI::App& app) {
         app.add_option("--module", options->module, "The effect's module")->type_name("FILE");
-        app.add_flag("--json", options->json, "For programs; with the group ends too");
+        CLI::Option* json = app.add_flag("--json", options->json, "For programs; with the group ends too");
+        CLI::Option* values =
+            app.add_flag("--values", options->values, "The values alone, as a preset for `render --preset`")
+                ->needs(json);
+        app.add_option("--preset", options->preset, "With --values: values to begin with")
+            ->type_name("FILE.json")
+            ->needs(values);
+        app.add_option("--set", options->settings, "With --values: a parameter's value; may be given many times")
+            ->type_name("PATH=VALUE")
+            ->allow_extra_args(false)
+            ->needs(values);
     };
     command.run = [options] { return Params(*options); };
     return command;

@@ -15,11 +15,11 @@
 
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
+#include "host/cli/render_report.h"
 #include "host/cli/results.h"
 #include "host/cli/settings.h"
 #include "host/image/picture.h"
 #include "host/image/resample.h"
-#include "host/session/error_names.h"
 
 namespace {
 
@@ -27,6 +27,8 @@ namespace {
 constexpr A_u_long kTimeScale = 24000;
 constexpr A_long kTimeStep = 1000;
 constexpr double kLongestTime = 24.0 * 60 * 60;
+/// Beyond it no texture could meet a layer.
+constexpr double kFarthestTexture = 100000;
 
 constexpr char kExamples[] =
     "  umbrant render title.png -o shadow.png\n"
@@ -37,30 +39,49 @@ constexpr char kExamples[] =
     "      colours as #rrggbb, popup items by name or number; `umbrant params` lists them all\n"
     "  umbrant render card.exr -o shadow.exr --texture paper.png --set texture/blend-mode=normal\n"
     "      32-bit float, the shadow coloured by another picture\n"
+    "  umbrant render title.png -o shadow.png --preset long.json --set style/angle=45\n"
+    "      the values that `umbrant params --json --values` wrote, one of them changed\n"
+    "  umbrant render title.png -o shadow.png --json | jq .milliseconds\n"
+    "      where the time went\n"
     "  umbrant render title.png -o draft.png --downsample 4\n"
     "      a quarter of the resolution; points are still given in pixels of the whole picture";
 
 struct RenderOptions {
     std::string input;
     std::string output;
+    std::string preset;
     std::vector<std::string> settings;
     std::string texture;
+    std::string textureAt = "0,0";
     int depth = 0;
     int downsample = 1;
     std::string canvas = "grow";
     bool collapsed = false;
     double seconds = 0;
+    std::string compression;
     std::string module;
+    bool json = false;
     bool verbose = false;
 };
 
-void Note(const std::string& line) {
-    std::fputs((line + "\n").c_str(), stderr);
+void Note(const std::string& text) {
+    std::fputs(text.c_str(), stderr);
 }
 
-std::string RectText(const PF_LRect& rect) {
-    return fmt::format("({}, {}) to ({}, {}), {} x {}", rect.left, rect.top, rect.right, rect.bottom,
-                       std::int64_t{rect.right} - rect.left, std::int64_t{rect.bottom} - rect.top);
+/// "X,Y": a place in pixels of the full-size layer, or nothing.
+std::optional<std::pair<double, double>> PlaceOf(const std::string& text) {
+    const std::size_t comma = text.find(',');
+    if (comma == std::string::npos) return std::nullopt;
+    const std::string numbers[] = {text.substr(0, comma), text.substr(comma + 1)};
+    for (const std::string& number : numbers) {
+        if (!OutOfRange(number, -kFarthestTexture, kFarthestTexture).empty()) return std::nullopt;
+    }
+    return std::pair(std::stod(numbers[0]), std::stod(numbers[1]));
+}
+
+std::string WhyNoPlace(const std::string& text) {
+    if (PlaceOf(text)) return "";
+    return fmt::format("'{}' is not a place X,Y with numbers from -{} to {}", text, kFarthestTexture, kFarthestTexture);
 }
 
 /// A picture as the effect is to see it: cut to its frame, in the depth of the render, at its resolution.
@@ -75,24 +96,6 @@ Result<World> LayerOf(const Picture& picture, Depth depth, int downsample) {
     return layer;
 }
 
-void NoteCommands(const std::vector<CommandRecord>& commands) {
-    for (const CommandRecord& record : commands) {
-        std::string line = fmt::format("{:<28} {:9.3f} ms", CommandName(record.command), record.milliseconds);
-        if (record.error != PF_Err_NONE) {
-            line += fmt::format("  error {} ({})", record.error, ErrorName(record.error));
-        }
-        if (!record.message.empty()) line += fmt::format("  says \"{}\"", record.message);
-        Note(line);
-    }
-}
-
-void NoteFrame(const Frame& frame) {
-    NoteCommands(frame.commands);
-    Note("result rectangle:  " + RectText(frame.rect));
-    Note("largest rectangle: " + RectText(frame.maxRect));
-    for (const std::string& suite : frame.suites) Note("suite: " + suite);
-}
-
 /// The effect's failure, said as what it is when there is no OpenGL to draw with.
 Failure Explain(const Failure& failure, const EffectSession& session) {
     if (failure.code != ExitCode::kEffectFailed || ReadGpuStrings(session.Params()).HasContext()) return failure;
@@ -100,17 +103,22 @@ Failure Explain(const Failure& failure, const EffectSession& session) {
             fmt::format("no OpenGL context could be made, so the effect cannot draw: {}", failure.sentence)};
 }
 
+/// Pixels as they are written, and what they cover.
+struct Drawn {
+    World pixels;
+    PF_LRect rect{};
+};
+
 /// The frame's pixels as they are written: where nothing was drawn, the layer's frame, transparent.
-Result<World> PictureOf(Frame& frame, Canvas canvas, const World& layer) {
+Result<Drawn> PictureOf(Frame& frame, Canvas canvas, const World& layer) {
     const bool empty = frame.output.Width() == 0 || frame.output.Height() == 0;
     const bool isFrame = frame.rect.left == 0 && frame.rect.top == 0 && frame.rect.right == layer.Width() &&
                          frame.rect.bottom == layer.Height();
-    if (!empty && (canvas == Canvas::kGrow || isFrame)) return std::move(frame.output);
+    if (!empty && (canvas == Canvas::kGrow || isFrame)) return Drawn{std::move(frame.output), frame.rect};
     World cut = empty ? World::Create(layer.Width(), layer.Height(), layer.PixelDepth())
                       : CutToFrame(frame.output, frame.rect.left, frame.rect.top, layer.Width(), layer.Height());
-    frame.rect = {0, 0, layer.Width(), layer.Height()};
     if (cut.IsNull()) return Failure{ExitCode::kInternal, "there is not enough memory for the picture"};
-    return cut;
+    return Drawn{std::move(cut), {0, 0, layer.Width(), layer.Height()}};
 }
 
 struct Layers {
@@ -118,6 +126,8 @@ struct Layers {
     World texture;  ///< null for none
     int width = 0;  ///< the layer's full size
     int height = 0;
+    PF_Point frameOrigin{};
+    WriteOptions kept;  ///< of the layer's file, for the picture's
 };
 
 Result<Layers> ReadLayers(const RenderOptions& options) {
@@ -130,6 +140,9 @@ Result<Layers> ReadLayers(const RenderOptions& options) {
     auto layer = LayerOf(*input, depth, options.downsample);
     if (!layer) return layer.Error();
     layers.layer = std::move(*layer);
+    // A smaller picture has pixels of another size, so the frame's place in the file means nothing to it.
+    if (options.downsample == 1) layers.frameOrigin = input->frameOrigin;
+    layers.kept = {options.compression, input->isHalf && options.depth == 0, input->metadata};
     if (options.texture.empty()) return layers;
 
     const auto picture = ReadPicture(options.texture);
@@ -147,6 +160,9 @@ FrameRequest RequestOf(const RenderOptions& options, const Layers& layers) {
     request.layerHeight = layers.height;
     request.downsampleX = request.downsampleY = {1, static_cast<A_u_long>(options.downsample)};
     request.texture = layers.texture.IsNull() ? nullptr : &layers.texture;
+    const auto [x, y] = PlaceOf(options.textureAt).value_or(std::pair(0.0, 0.0));
+    request.textureOrigin = {static_cast<A_long>(std::lround(x / options.downsample)),
+                             static_cast<A_long>(std::lround(y / options.downsample))};
     request.canvas = options.canvas == "layer" ? Canvas::kLayer : Canvas::kGrow;
     request.time = static_cast<A_long>(std::lround(options.seconds * kTimeScale));
     request.timeStep = kTimeStep;
@@ -155,39 +171,71 @@ FrameRequest RequestOf(const RenderOptions& options, const Layers& layers) {
     return request;
 }
 
-Result<ExitCode> Render(const RenderOptions& options) {
-    if (auto writable = CheckWritable(options.output); !writable) return writable.Error();
-    const auto layers = ReadLayers(options);
-    if (!layers) return layers.Error();
-
+/// The session that draws, with the values that were asked for.
+Result<OpenedModule> OpenWithValues(const RenderOptions& options, const Layers& layers) {
     SessionOptions about;
-    about.layerWidth = layers->width;
-    about.layerHeight = layers->height;
+    about.layerWidth = layers.width;
+    about.layerHeight = layers.height;
     if (options.collapsed) about.layerFlags |= AEGP_LayerFlag_COLLAPSE;
     auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module), about);
     if (!opened) return opened.Error();
     EffectSession& session = opened->Session();
-    if (auto set = ApplySettings(options.settings, session.Params()); !set) return set.Error();
+    if (auto set = ApplyValues(options.preset, options.settings, session.Params()); !set) return set.Error();
     if (auto updated = session.UpdateParamsUI(); !updated) return Explain(updated.Error(), session);
-    if (options.verbose) NoteCommands(session.Commands());
+    return opened;
+}
+
+RenderFacts FactsOf(const RenderOptions& options, const World& layer) {
+    RenderFacts facts;
+    facts.input = options.input;
+    facts.output = options.output;
+    facts.layerWidth = layer.Width();
+    facts.layerHeight = layer.Height();
+    facts.depth = static_cast<int>(layer.PixelDepth());
+    facts.downsample = options.downsample;
+    facts.canvas = options.canvas;
+    return facts;
+}
+
+Result<ExitCode> Render(const RenderOptions& options) {
+    Stopwatch whole, stage;
+    if (auto writable = CheckWritable(options.output); !writable) return writable.Error();
+    if (!options.compression.empty()) {
+        if (auto known = CheckCompression(options.output, options.compression); !known) return known.Error();
+    }
+    const auto layers = ReadLayers(options);
+    if (!layers) return layers.Error();
+    RenderFacts facts = FactsOf(options, layers->layer);
+    facts.load = stage.Lap();
+
+    auto opened = OpenWithValues(options, *layers);
+    if (!opened) return opened.Error();
+    EffectSession& session = opened->Session();
+    if (options.verbose) Note(CommandsText(session.Commands()));
 
     const FrameRequest request = RequestOf(options, *layers);
     auto frame = session.Render(request);
+    if (options.verbose) Note(frame ? FrameText(*frame, session) : RefusedText(session));
     if (!frame) return Explain(frame.Error(), session);
-    if (options.verbose) NoteFrame(*frame);
-    if (!frame->message.empty()) Note("the effect says: " + frame->message);
+    if (!frame->message.empty()) Note("the effect says: " + frame->message + "\n");
 
-    const auto picture = PictureOf(*frame, request.canvas, layers->layer);
-    if (!picture) return picture.Error();
-    const Placement place{frame->rect, layers->layer.Width(), layers->layer.Height()};
-    if (auto written = WritePicture(options.output, *picture, place); !written) return written.Error();
+    stage.Lap();
+    const auto drawn = PictureOf(*frame, request.canvas, layers->layer);
+    if (!drawn) return drawn.Error();
+    facts.picture = drawn->rect;
+    const Placement place{drawn->rect, layers->layer.Width(), layers->layer.Height(), layers->frameOrigin};
+    if (auto written = WritePicture(options.output, drawn->pixels, place, layers->kept); !written) {
+        return written.Error();
+    }
+    facts.save = stage.Lap();
 
     auto ended = session.End();
     if (options.verbose) {
-        for (const std::string& misstep : session.Misbehaviour()) Note("the effect misbehaved: " + misstep);
+        for (const std::string& misstep : session.Misbehaviour()) Note("the effect misbehaved: " + misstep + "\n");
     }
     if (!ended) return ended.Error();
-    PrintResult(options.output + "\n");
+    facts.total = whole.Lap();
+    PrintResult(options.json ? RenderReport(facts, *frame, session) : options.output + "\n");
     return ExitCode::kDone;
 }
 
@@ -205,12 +253,20 @@ Command RenderCommand() {
                        "The picture to write: " + WritableFormats() +
                            ". PNG and TIFF are straight, EXR is premultiplied, JPEG lies on white")
             ->required();
+        app.add_option("--preset", options->preset,
+                       "Values from a file that `umbrant params --json --values` wrote; a later --set wins")
+            ->type_name("FILE.json");
         app.add_option("--set", options->settings, "A parameter's value; may be given many times")
             ->type_name("PATH=VALUE")
             ->allow_extra_args(false);
         app.add_option("--texture", options->texture,
                        "A picture for the effect's layer parameters, at the layer's origin")
             ->type_name("IMAGE");
+        app.add_option("--texture-at", options->textureAt,
+                       "Where the texture's top-left lies, in pixels of the full-size layer")
+            ->check(WhyNoPlace)
+            ->needs("--texture")
+            ->type_name("X,Y");
         app.add_option("--depth", options->depth, "Bits per channel; without it, those of the input (16 become 32)")
             ->check(CLI::IsMember({8, 32}))
             ->type_name("8|32");
@@ -227,9 +283,15 @@ Command RenderCommand() {
         app.add_option("--time", options->seconds, "The moment that is drawn")
             ->check([](const std::string& text) { return OutOfRange(text, 0.0, kLongestTime); })
             ->type_name("SECONDS");
+        app.add_option("--compression", options->compression,
+                       "How the picture is stored: zip, piz, dwaa, ... in EXR, lzw, ... in TIFF, jpeg:1 to jpeg:100; "
+                       "without it as the input where it has the same format")
+            ->type_name("NAME");
         app.add_option("--module", options->module,
                        "The effect's module; without it UMBRANT_MODULE or the one beside the program")
             ->type_name("FILE");
+        app.add_flag("--json", options->json,
+                     "Print a report instead of the path: rectangles, milliseconds by stage, driver, suites");
         app.add_flag("--verbose", options->verbose, "Tell each command with its time, rectangles and suites");
     };
     command.run = [options] { return Render(*options); };

@@ -5,6 +5,8 @@
 
 #include <fmt/format.h>
 
+#include "host/cli/preset.h"
+
 Result<Done> ApplySettings(const std::vector<std::string>& settings, ParamSet& params) {
     for (const std::string& setting : settings) {
         const std::size_t equals = setting.find('=');
@@ -14,4 +16,11 @@ Result<Done> ApplySettings(const std::vector<std::string>& settings, ParamSet& p
         if (auto set = params.SetFromText(setting.substr(0, equals), setting.substr(equals + 1)); !set) return set;
     }
     return Done{};
+}
+
+Result<Done> ApplyValues(const std::string& preset, const std::vector<std::string>& settings, ParamSet& params) {
+    if (!preset.empty()) {
+        if (auto applied = ApplyPreset(preset, params); !applied) return applied;
+    }
+    return ApplySettings(settings, params);
 }

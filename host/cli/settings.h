@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// The values that `--set PATH=VALUE` gives, as every command that shows the effect takes them.
+// The values that `--preset FILE` and `--set PATH=VALUE` give, as every command that shows the effect takes them.
 
 #include <string>
 #include <vector>
@@ -12,3 +12,7 @@
 
 /// Sets the values in their order. Fails with `ExitCode::kUsage` at the first that has no '=' or cannot be set.
 Result<Done> ApplySettings(const std::vector<std::string>& settings, ParamSet& params);
+
+/// A preset's values, unless its name is empty, and then the settings, which win. Fails as ApplyPreset and
+/// ApplySettings do.
+Result<Done> ApplyValues(const std::string& preset, const std::vector<std::string>& settings, ParamSet& params);
