@@ -19,8 +19,8 @@ set(CMAKE_CXX_COMPILER_WORKS ON)
 set(CMAKE_CXX_ABI_COMPILED ON)
 set(CMAKE_SIZEOF_VOID_P 8)
 set(CMAKE_CXX_STANDARD_INCLUDE_DIRECTORIES ${UMBRANT_MACOS_TOOLS}/include)
-# No name of a folder of this machine may reach the object code.
-set(CMAKE_CXX_FLAGS_INIT "-g0 -fno-sanitize=undefined -ffile-prefix-map=${CMAKE_CURRENT_LIST_DIR}/../..=.")
+# No name of a folder of this machine may reach the object code, and no warning is let pass.
+set(CMAKE_CXX_FLAGS_INIT "-g0 -fno-sanitize=undefined -ffile-prefix-map=${CMAKE_CURRENT_LIST_DIR}/../..=. -Werror")
 set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG" CACHE STRING "")
 
 find_program(UMBRANT_LD64 ld64.lld-16 REQUIRED)
@@ -36,5 +36,5 @@ set(runtime ${UMBRANT_MACOS_TOOLS}/runtime/${UMBRANT_MACOS_ARCH})
 string(JOIN " " UMBRANT_CREATE_MACOS_MODULE
        "${UMBRANT_LD64} -arch ${UMBRANT_MACOS_ARCH} -platform_version macos 11.0 11.0 -bundle -adhoc_codesign"
        "-S -fatal_warnings <LINK_FLAGS> -o <TARGET> <OBJECTS> <LINK_LIBRARIES>"
-       "${runtime}/libc++.a ${runtime}/libc++abi.a ${runtime}/libcompiler_rt.a"
+       "${runtime}/libc++.a ${runtime}/libc++abi.a"
        "${UMBRANT_MACOS_TOOLS}/zig-lib/libc/darwin/libSystem.11.tbd")

