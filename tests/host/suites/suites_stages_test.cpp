@@ -47,9 +47,15 @@ TEST(StageClock, TellsTheStagesApartByTheirOrder) {
         EXPECT_GE(times.upload, row.upload * kLong);
         EXPECT_GE(times.readBack, row.readBack * kLong);
         EXPECT_GE(times.composite, row.composite * kLong);
-        if (row.upload == 0) EXPECT_EQ(times.upload, 0);
-        if (row.readBack == 0) EXPECT_EQ(times.readBack, 0);
-        if (row.composite == 0) EXPECT_EQ(times.composite, 0);
+        if (row.upload == 0) {
+            EXPECT_EQ(times.upload, 0);
+        }
+        if (row.readBack == 0) {
+            EXPECT_EQ(times.readBack, 0);
+        }
+        if (row.composite == 0) {
+            EXPECT_EQ(times.composite, 0);
+        }
     }
 }
 
