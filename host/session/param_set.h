@@ -72,8 +72,8 @@ class ParamSet {
     /// names, also when two rows share the name.
     Result<int> Find(std::string_view path) const;
     /// Sets a row's value from its text: a number (percent sliders as shown, a trailing % allowed), an angle in
-    /// degrees, `x,y` in pixels of the full-size layer or `x%,y%` of its size, `#rrggbb`, a popup item's text or 1-based number, on/off. Fails
-    /// with `ExitCode::kUsage`, changing nothing.
+    /// degrees, `x,y` in pixels of the full-size layer or `x%,y%` of its size, `#rrggbb`, a popup item's text or
+    /// 1-based number, on/off. Fails with `ExitCode::kUsage`, changing nothing.
     Result<Done> SetFromText(std::string_view path, std::string_view text);
 
     /// The current value in the form that SetFromText takes; empty for a row without one. Popup values as item text in
