@@ -7,6 +7,7 @@
 
 #include <OpenImageIO/imageio.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -23,8 +24,8 @@ class Folder {
  public:
     Folder() {
         const auto* info = testing::UnitTest::GetInstance()->current_test_info();
-        path_ = std::filesystem::path(testing::TempDir()) /
-                (std::string("umbrant_") + info->test_suite_name() + "_" + info->name());
+        path_ = std::filesystem::path(testing::TempDir()) / (std::string("umbrant_") + std::to_string(getpid()) + "_" +
+                                                             info->test_suite_name() + "_" + info->name());
         std::filesystem::remove_all(path_);
         std::filesystem::create_directories(path_);
     }
