@@ -19,8 +19,9 @@ set(CMAKE_CXX_COMPILER_WORKS ON)
 set(CMAKE_CXX_ABI_COMPILED ON)
 set(CMAKE_SIZEOF_VOID_P 8)
 set(CMAKE_CXX_STANDARD_INCLUDE_DIRECTORIES ${UMBRANT_MACOS_TOOLS}/include)
+get_filename_component(root ${CMAKE_CURRENT_LIST_DIR}/../.. ABSOLUTE)
 # No name of a folder of this machine may reach the object code, and no warning is let pass.
-set(CMAKE_CXX_FLAGS_INIT "-g0 -fno-sanitize=undefined -ffile-prefix-map=${CMAKE_CURRENT_LIST_DIR}/../..=. -Werror")
+set(CMAKE_CXX_FLAGS_INIT "-g0 -fno-sanitize=undefined -ffile-prefix-map=${root}=. -Werror")
 set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG" CACHE STRING "")
 
 find_program(UMBRANT_LD64 ld64.lld-16 REQUIRED)

@@ -4,8 +4,11 @@
 """The archive that people get: what is in it, and the same bytes from the same files."""
 
 import hashlib
+import json
 import os
 import pathlib
+import shlex
+import shutil
 import stat
 import subprocess
 import sys
@@ -107,6 +110,27 @@ class Shipped(unittest.TestCase):
             self.assertEqual(packed.namelist(), NAMES)
             for name in NAMES[2:]:
                 self.assertEqual(packed.read(name), (bundle.CROSS / name).read_bytes(), name)
+
+    def test_compiled_elsewhere_it_is_the_same(self):
+        """Some files of each slice once more, from a copy of the tree in another folder."""
+        for arch in bundle.ARCHITECTURES:
+            tree = bundle.CROSS / arch
+            listed = json.loads((tree / "compile_commands.json").read_text())
+            for name in ["entry/global_setup.cpp", "gl/program.cpp", "render/smart_render.cpp"]:
+                with self.subTest(arch=arch, file=name), tempfile.TemporaryDirectory() as folder:
+                    copy = pathlib.Path(folder) / "copy"
+                    for part in ["hostapi", "platform", "entry", "pixel", "gl", "cpu", "render"]:
+                        if (bundle.ROOT / part).exists():
+                            shutil.copytree(bundle.ROOT / part, copy / part)
+                    (made,) = [each for each in listed if each["file"] == str(bundle.ROOT / name)]
+                    words = shlex.split(made["command"])
+                    place = words[words.index("-o") + 1]
+                    elsewhere = {str(bundle.ROOT): str(copy), str(copy / "build" / "macos-cross"): str(bundle.CROSS)}
+                    for old, new in elsewhere.items():
+                        words = [word.replace(old, new) for word in words]
+                    (copy / place).parent.mkdir(parents=True)
+                    subprocess.run(words, cwd=copy, check=True)
+                    self.assertEqual((copy / place).read_bytes(), (tree / place).read_bytes())
 
     def test_linked_again_it_is_the_same(self):
         """The link of each slice once more, in another folder."""

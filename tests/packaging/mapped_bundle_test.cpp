@@ -73,6 +73,8 @@ class MappedBundle : public ::testing::Test {
         }
         const auto executable = CrossFolder() / "Umbrant 2.plugin" / "Contents" / "MacOS" / "Umbrant 2";
         setenv("UMBRANT_MACOS_EXECUTABLE", executable.c_str(), 1);
+        // The bundle draws with OpenGL alone; so must the module that it is compared with.
+        unsetenv("UMBRANT_RENDERER");
         setenv("UMBRANT_MACOS_UNWINDER", (CrossFolder() / "tests" / "unwinder").c_str(), 1);
     }
 
