@@ -7,6 +7,7 @@ import hashlib
 import json
 import os
 import pathlib
+import re
 import shlex
 import shutil
 import stat
@@ -110,6 +111,14 @@ class Shipped(unittest.TestCase):
             self.assertEqual(packed.namelist(), NAMES)
             for name in NAMES[2:]:
                 self.assertEqual(packed.read(name), (bundle.CROSS / name).read_bytes(), name)
+
+    def test_shown_as_the_documents_quote_it(self):
+        shown = bundle.run(bundle.ROOT / "packaging" / "macos" / "show")
+        for line in ["Umbrant-2-1.3.3-macOS.zip: OK", "Umbrant 2 (for architecture arm64):", "T _EffectMain"]:
+            self.assertIn(line, shown)
+        quoted = (bundle.ROOT / "docs" / "macos.md").read_text()
+        for command in re.findall(r"^    \$ .*", shown, re.MULTILINE):
+            self.assertIn(command, quoted)
 
     def test_compiled_elsewhere_it_is_the_same(self):
         """Some files of each slice once more, from a copy of the tree in another folder."""
