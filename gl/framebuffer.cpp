@@ -6,12 +6,12 @@
 #include <utility>
 
 #include "gl/return_message.h"
+#include "gl/world_alpha.h"
 
 namespace {
 
 constexpr char kAlreadyAllocated[] = "FBO init called on already allocated FBO";
 constexpr char kBufferCount[] = "FBO init requested with either too many or too few buffers";
-constexpr char kIncomplete[] = "FBO bad, res: ";
 constexpr char kBindFBOTooEarly[] = "UM2 Error: called BindFBO() on uninitialised FBO";
 constexpr char kBindFBORange[] = "UM2 Error: called BindFBO() with buffer index out of range (ping pong)";
 constexpr char kBindTAOTooEarly[] = "UM2 Error: called bindTAO() on uninitialised FBO/TAO";
@@ -85,7 +85,7 @@ bool Framebuffer::FramebufferInit(int w, int h, int n, unsigned short depth, PF_
         glBindTexture(GL_TEXTURE_2D, 0);
 
         if (glCheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE) {
-            lastError = kIncomplete + std::to_string(width) + " " + std::to_string(height);
+            lastError = BadBufferMessage(width, height);
             SendMessage(lastError, out_data);
             complete = false;
         }

@@ -5,12 +5,11 @@
 
 #include "gl/framebuffer.h"
 #include "gl/locked_handle.h"
-#include "pixel/pixel_transfer.h"
+#include "gl/world_alpha.h"
 
 namespace {
 
 constexpr char kOnPingPong[] = "Warning: init PF_World called on pingpong buffer, possible problems";
-constexpr char kDepthRefused[] = "Init world called on PF_EffectWorld of incompatible depth, likely 16bpc";
 constexpr char kDownloadTooEarly[] = "Error: tried to download an uninitialised FBO";
 constexpr char kDownloadSize[] = "Error: tried to download FBO to CPU buffer of different size";
 constexpr char kDownloadDepth[] = "Error: tried to download FBO of unknown bitdepth";
@@ -49,33 +48,19 @@ class BoundTexture {
     BoundTexture& operator=(const BoundTexture&) = delete;
 };
 
-PF_Err FillFromWorld(void* buffer, PF_LayerDef* world, const myParams& params) {
-    PixelTransferRefcon refcon{buffer, world, nullptr};
-    if (params.bitDepth == 32) {
-        return params.suites->IterateFloatSuite1()->iterate(params.in_data, 0, world->height, world, nullptr, &refcon,
-                                                            CopyRedFloatIn, world);
-    }
-    return params.suites->Iterate8Suite1()->iterate(params.in_data, 0, world->height, world, nullptr, &refcon,
-                                                    CopyRedPixel8In, world);
-}
-
 // The bound framebuffer into `buffer`, and from there with the colour into the world.
 PF_Err ReadInto8(const Framebuffer& source, void* buffer, PF_InData* in_data, AEGP_SuiteHandler& suites,
                  PF_Pixel* colour, PF_LayerDef* output) {
     if (!buffer) return PF_Err_OUT_OF_MEMORY;
     glReadPixels(0, 0, source.width, source.height, GL_RED, GL_UNSIGNED_BYTE, buffer);
-    PixelTransferRefcon refcon{buffer, output, colour};
-    return suites.Iterate8Suite1()->iterate(in_data, 0, output->height, output, nullptr, &refcon, CopyPixel8Out,
-                                            output);
+    return FillWorld8(buffer, in_data, suites, colour, output);
 }
 
 PF_Err ReadInto32(const Framebuffer& source, void* buffer, PF_InData* in_data, AEGP_SuiteHandler& suites,
                   PF_PixelFloat* colour, PF_LayerDef* output) {
     if (!buffer) return PF_Err_OUT_OF_MEMORY;
     glReadPixels(0, 0, source.width, source.height, GL_RED, GL_FLOAT, buffer);
-    PixelTransferRefcon refcon{buffer, output, colour};
-    return suites.IterateFloatSuite1()->iterate(in_data, 0, output->height, output, nullptr, &refcon, CopyPixelFloatOut,
-                                                output);
+    return FillWorld32(buffer, in_data, suites, colour, output);
 }
 
 void* LockOrNull(AEGP_SuiteHandler& suites, PF_Handle handle) {

@@ -5,6 +5,8 @@
 // The last step of a pass: uniforms by name on a given program, and the quad. Nothing here changes other GL state.
 
 #include "platform/gl_api.h"
+#include "render/pass_regions.h"
+#include "render/work_extent.h"
 
 inline constexpr float kIdentity[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
 
@@ -27,8 +29,30 @@ inline void DrawQuad() {
     glDrawArrays(GL_TRIANGLE_FAN, 0, 4);
 }
 
+/// Draws what of the quad lies in `region` of the target; clears before and after it reach all of the target.
+inline void DrawQuadIn(const Region& region) {
+    if (WorksEverywhere()) {
+        DrawQuad();
+        return;
+    }
+    glEnable(GL_SCISSOR_TEST);
+    glScissor(region.x.begin, region.y.begin, region.x.end - region.x.begin, region.y.end - region.y.begin);
+    DrawQuad();
+    glDisable(GL_SCISSOR_TEST);
+}
+
 /// Lets every draw add to its target as s (1 - d) + d, a union of alphas that never exceeds 1.
 inline void EnableScreenBlend() {
     glEnable(GL_BLEND);
     glBlendFunc(GL_ONE_MINUS_DST_COLOR, GL_ONE);
+}
+
+/// Whether the following draws add to their target. Over a cleared target it makes no difference, and costs a read of
+/// it.
+inline void SetBlending(bool on) {
+    if (on || WorksEverywhere()) {
+        glEnable(GL_BLEND);
+    } else {
+        glDisable(GL_BLEND);
+    }
 }

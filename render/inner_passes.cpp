@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// The inner shadow's passes and composite: the inverted alpha is blurred and shifted like a normal shadow, laid over
-// the layer with the chosen blend mode, and clipped to the layer's own alpha.
+// The inner shadow's passes: the inverted alpha is blurred and shifted like a normal shadow.
 
 #include <algorithm>
 #include <cmath>
@@ -11,19 +10,16 @@
 #include "gl/framebuffer.h"
 #include "gl/thread_state.h"
 #include "hostapi/errors.h"
-#include "pixel/blend_modes.h"
 #include "pixel/effect_world.h"
-#include "pixel/pixel_transfer.h"
 #include "pixel/saturate.h"
-#include "render/composite.h"
 #include "render/draw.h"
+#include "render/inner_composite.h"
+#include "render/pass_regions.h"
 #include "render/passes.h"
 #include "render/sample_stack.h"
 #include "render/shadow_shaders.h"
 
 namespace {
-
-constexpr char kTooSmall[] = "UM2 Inner Error: in/out FBO too small";
 
 struct Buffers {
     Framebuffer source;
@@ -31,23 +27,6 @@ struct Buffers {
     Framebuffer accumulated;
     std::vector<Framebuffer> blurred;
 };
-
-// A cleared world of the output's size and format.
-PF_Err MakeWorld(const PF_LayerDef& output, HV_EffectWorld* world) {
-    world->width = output.width;
-    world->height = output.height;
-    return world->actuallyInit();
-}
-
-// The layer in a border as wide as the output grew, so that its outside can cast a shadow into it.
-PF_Err PadInput(PF_InData* in_data, const myParams& settings, HV_EffectWorld* padded) {
-    if (PF_Err err = MakeWorld(*settings.outputWorld, padded)) return err;
-    if (!padded->initialised) return PF_Err_NONE;
-    const PreRenderData& grown = settings.preRender;
-    PF_Rect place = {grown.innerGrowLeft, grown.innerGrowTop, grown.innerGrowLeft + settings.inputWorld->width,
-                     grown.innerGrowTop + settings.inputWorld->height};
-    return in_data->utils->copy(in_data->effect_ref, settings.inputWorld, &padded->world, nullptr, &place);
-}
 
 // False, with `result` set, when the passes cannot run.
 bool MakeBuffers(PF_InData* in_data, PF_OutData* out_data, myParams* settings, Buffers* buffers, PF_Err* result) {
@@ -69,11 +48,12 @@ bool MakeBuffers(PF_InData* in_data, PF_OutData* out_data, myParams* settings, B
 
     *result = PF_Err_NONE;
     if (!buffers->source.zeroSized && !buffers->inverted.zeroSized && !buffers->accumulated.zeroSized) return true;
-    in_data->utils->ansi.sprintf(out_data->return_msg, "%s", kTooSmall);
+    in_data->utils->ansi.sprintf(out_data->return_msg, "%s", kInnerTooSmall);
     return false;
 }
 
-void DrawInverted(const myParams& settings, Buffers& buffers, PF_OutData* out_data) {
+// Draws what of the inverted alpha is not 0.
+void DrawInverted(const myParams& settings, const Region& inverted, Buffers& buffers, PF_OutData* out_data) {
     Program& program = local_render_data->programs[kProgramInvert];
     const framebufferData& first = settings.framebuffers.front();
     buffers.source.BindTAO(PING, out_data);
@@ -84,7 +64,8 @@ void DrawInverted(const myParams& settings, Buffers& buffers, PF_OutData* out_da
     SendFloat(id, "opacityF", settings.shadowColourFloat.alpha);
     SendFloat(id, "scaleW", static_cast<double>(first.paddedW) / settings.innerSourceWorld->width);
     SendFloat(id, "scaleH", static_cast<double>(first.paddedH) / settings.innerSourceWorld->height);
-    DrawQuad();
+    SetBlending(false);
+    DrawQuadIn(inverted);
     buffers.source.CleanUp();
 }
 
@@ -105,56 +86,11 @@ void SendBlurAcross(myParams* params, int* sampleIndex, int* framebufferIndex, u
     SendFloat(*programId, "scaleH", static_cast<double>(record.fboH) / first.fboH);
 }
 
-// Every pixel of the output becomes opaque, so that the shadow blends with the layer's colour alone; the clip puts the
-// layer's alpha back.
-PF_Err MakeOpaque(PF_InData* in_data, const myParams& settings, AEGP_SuiteHandler& suites) {
-    PF_LayerDef* output = settings.outputWorld;
-    if (settings.bitDepth == 8) {
-        return suites.Iterate8Suite1()->iterate(in_data, 0, output->height, output, nullptr, nullptr, maxAlpha8,
-                                                output);
-    }
-    return suites.IterateFloatSuite1()->iterate(in_data, 0, output->height, output, nullptr, nullptr, maxAlpha32,
-                                                output);
-}
-
-PF_Err Composite(PF_InData* in_data, AEGP_SuiteHandler& suites, myParams* settings, PF_EffectWorld* shadow) {
-    if (settings->textureWorld) {
-        if (PF_Err err = LayTexture(in_data, settings, suites, shadow)) return err;
-    }
-    if (PF_Err err = LayInput(in_data, settings, suites, PF_Xfer_IN_FRONT, 255)) return err;
-    if (PF_Err err = MakeOpaque(in_data, *settings, suites)) return err;
-    PF_CompositeMode mode{};
-    mode.xfer = ShadowTransferMode(settings->shadowBlendMode);
-    mode.opacity = 255;
-    PF_LayerDef* output = settings->outputWorld;
-    if (PF_Err err = suites.WorldTransformSuite1()->transfer_rect(
-            in_data->effect_ref, in_data->quality, PF_MF_Alpha_STRAIGHT, in_data->field, &output->extent_hint, shadow,
-            &mode, nullptr, 0, 0, output)) {
-        return err;
-    }
-    return LayInput(in_data, settings, suites, PF_Xfer_MULTIPLY_ALPHA, 255);
-}
-
-// The second world: the shadow in its colour, read back from `accumulated`, or transparent without one.
-PF_Err CompositeShadow(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings,
-                       Framebuffer* accumulated) {
-    HV_EffectWorld shadow(in_data, *settings->outputWorld);
-    if (PF_Err err = MakeWorld(*settings->outputWorld, &shadow)) return err;
-    if (!shadow.initialised) return PF_Err_NONE;
-    if (accumulated) {
-        if (PF_Err err = accumulated->DownloadBuffer(in_data, suites, &settings->shadowColourFloat,
-                                                     &settings->shadowColour8, &shadow.world, out_data)) {
-            return err;
-        }
-    }
-    return Composite(in_data, suites, settings, &shadow.world);
-}
-
 }  // namespace
 
 PF_Err RenderInnerShadow(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings) {
     // Without samples the shadow stays transparent, and there is no record to size a buffer by.
-    if (settings->samples.empty()) return CompositeShadow(in_data, out_data, suites, settings, nullptr);
+    if (settings->samples.empty()) return CompositeInnerShadow(in_data, suites, settings, nullptr);
 
     HV_EffectWorld padded(in_data, *settings->outputWorld);
     if (PF_Err err = PadInput(in_data, *settings, &padded)) return err;
@@ -167,10 +103,14 @@ PF_Err RenderInnerShadow(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHan
 
     EnableScreenBlend();
     glBindVertexArray(local_render_data->quadVAO);
-    DrawInverted(*settings, buffers, out_data);
-    DrawSampleStack(settings, buffers.inverted, buffers.blurred, buffers.accumulated,
-                    {SendBlurAcross, SendBlurHUniforms}, out_data);
+    const Region inverted = InvertedRegion(*settings, FindHoles(*settings->innerSourceWorld, settings->bitDepth));
+    DrawInverted(*settings, inverted, buffers, out_data);
+    DrawSampleStack(settings, buffers.inverted, inverted, buffers.blurred, buffers.accumulated,
+                    {SendBlurAcross, SendBlurHUniforms, InnerRegions}, out_data);
     buffers.blurred.clear();
     glFinish();
-    return CompositeShadow(in_data, out_data, suites, settings, &buffers.accumulated);
+    return CompositeInnerShadow(in_data, suites, settings, [&](PF_EffectWorld* shadow) {
+        return buffers.accumulated.DownloadBuffer(in_data, suites, &settings->shadowColourFloat,
+                                                  &settings->shadowColour8, shadow, out_data);
+    });
 }

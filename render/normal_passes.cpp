@@ -9,15 +9,10 @@
 #include "gl/thread_state.h"
 #include "hostapi/errors.h"
 #include "render/draw.h"
+#include "render/pass_regions.h"
 #include "render/passes.h"
 #include "render/sample_stack.h"
 #include "render/shadow_shaders.h"
-
-namespace {
-
-constexpr char kTooSmall[] = "UM2 Error: in/out FBO too small";
-
-}  // namespace
 
 PF_Err RenderNormalPasses(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings) {
     // Without samples nothing is ever drawn or cleared: the output keeps its transparent black.
@@ -39,14 +34,15 @@ PF_Err RenderNormalPasses(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHa
     }
 
     if (input.zeroSized || accumulated.zeroSized) {
-        in_data->utils->ansi.sprintf(out_data->return_msg, "%s", kTooSmall);
+        in_data->utils->ansi.sprintf(out_data->return_msg, "%s", kNormalTooSmall);
         return PF_Err_NONE;
     }
     if (uploaded || !input.initialised || !initialised) return PF_Err_OUT_OF_MEMORY;
 
     glBindVertexArray(local_render_data->quadVAO);
     EnableScreenBlend();
-    DrawSampleStack(settings, input, blurred, accumulated, {SendBlurWUniforms, SendBlurHUniforms}, out_data);
+    DrawSampleStack(settings, input, FindAlpha(*settings->inputWorld, settings->bitDepth), blurred, accumulated,
+                    {SendBlurWUniforms, SendBlurHUniforms, NormalRegions}, out_data);
 
     glFinish();
     return accumulated.DownloadBuffer(in_data, suites, &settings->shadowColourFloat, &settings->shadowColour8,

@@ -12,15 +12,19 @@
 #include "render/radial_samples.h"
 #include "render/render_settings.h"
 
+inline constexpr char kNormalTooSmall[] = "UM2 Error: in/out FBO too small";
+inline constexpr char kInnerTooSmall[] = "UM2 Inner Error: in/out FBO too small";
+inline constexpr char kRadialTooSmall[] = "UM2 Radial Error: in/out FBO too small";
+
 /// Normal shadow, into the output world. Each sample is blurred across, blurred down and placed, the output adding them
-/// as s (1 - d) + d. Message: "UM2 Error: in/out FBO too small".
+/// as s (1 - d) + d. Message: `kNormalTooSmall`.
 PF_Err RenderNormalPasses(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings);
 
 /// Inner shadow, finished: the passes on the inverted alpha, then the composite of texture, source, shadow and clip,
-/// all by host transfers. Message: "UM2 Inner Error: in/out FBO too small".
+/// all by host transfers. Message: `kInnerTooSmall`.
 PF_Err RenderInnerShadow(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings);
 
 /// Radial shadow, into the output world: each sample a blurred copy of the padded layer, scaled about the origin.
-/// Message: "UM2 Radial Error: in/out FBO too small".
+/// Message: `kRadialTooSmall`.
 PF_Err RenderRadialPasses(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings,
                           const RadialGeometry& geometry);

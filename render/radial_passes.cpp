@@ -12,12 +12,11 @@
 #include "hostapi/errors.h"
 #include "pixel/saturate.h"
 #include "render/draw.h"
+#include "render/pass_regions.h"
 #include "render/passes.h"
 #include "render/shadow_shaders.h"
 
 namespace {
-
-constexpr char kTooSmall[] = "UM2 Radial Error: in/out FBO too small";
 
 // A quad of the size of the padded copy in the output's lower left corner; deleted on every road out.
 class PlacementQuad {
@@ -59,12 +58,13 @@ void DrawPaddedCopy(const myParams& settings, const RadialGeometry& geometry, Bu
     buffers.input.CleanUp();
 }
 
-void BlurSample(const myParams& settings, const RadialGeometry& geometry, const perSampleData& sample, Buffers& buffers,
-                PF_OutData* out_data) {
+void BlurSample(const myParams& settings, const RadialGeometry& geometry, const perSampleData& sample,
+                const SampleRegions& regions, Buffers& buffers, PF_OutData* out_data) {
     Program* programs = local_render_data->programs;
     const int steps = std::max(1, ToInt32(std::ceil(settings.resolutionScale * sample.softness)));
 
     // Across, from the padded layer.
+    SetBlending(false);
     glBindVertexArray(local_render_data->quadVAO);
     buffers.blurred.BindFBO(PING, true, out_data);
     buffers.padded.BindTAO(PING, out_data);
@@ -76,7 +76,7 @@ void BlurSample(const myParams& settings, const RadialGeometry& geometry, const 
     SendFloat(id, "scaleW", 1);
     SendFloat(id, "scaleH", 1);
     SendMatrix(id, kIdentity);
-    DrawQuad();
+    DrawQuadIn(regions.across);
 
     // Down, from the pass before.
     buffers.blurred.BindFBO(PONG, true, out_data);
@@ -86,14 +86,15 @@ void BlurSample(const myParams& settings, const RadialGeometry& geometry, const 
     SendInt(id, "steps", steps);
     SendFloat(id, "stride", (sample.softness / steps) / geometry.paddedH);
     SendMatrix(id, kIdentity);
-    DrawQuad();
+    DrawQuadIn(regions.down);
 }
 
 // Into place. The quad starts in the lower left corner at unit scale: scaling it by s about the centre of device
 // coordinates moves that corner to -s, so s - 1 brings it back before the translation.
-void PlaceSample(const myParams& settings, const perSampleData& sample, bool first, const PlacementQuad& quad,
-                 Buffers& buffers, PF_OutData* out_data) {
+void PlaceSample(const myParams& settings, const perSampleData& sample, bool first, const Region& region,
+                 const PlacementQuad& quad, Buffers& buffers, PF_OutData* out_data) {
     Program& program = local_render_data->programs[kProgramCopy];
+    SetBlending(true);
     program.Use(out_data);
     const unsigned id = program.Get(out_data);
     glBindVertexArray(quad.Vao());
@@ -105,7 +106,35 @@ void PlaceSample(const myParams& settings, const perSampleData& sample, bool fir
     const float ty = static_cast<float>(s - 1 + 2 * sample.radialTy / settings.outputWorld->height);
     const float xform[16] = {scale, 0, 0, 0, 0, scale, 0, 0, 0, 0, 1, 0, tx, ty, 0, 1};
     SendMatrix(id, xform);
-    DrawQuad();
+    DrawQuadIn(region);
+}
+
+// Where the padded copy holds anything.
+Region PaddedRegion(const myParams& settings, const RadialGeometry& geometry) {
+    if (WorksEverywhere()) return WholeRegion(geometry.paddedW, geometry.paddedH);
+    Region region = FindAlpha(*settings.inputWorld, settings.bitDepth);
+    if (region.Empty()) return {};
+    region.x = {region.x.begin + geometry.pad, region.x.end + geometry.pad};
+    region.y = {region.y.begin + geometry.pad, region.y.end + geometry.pad};
+    return region;
+}
+
+// All samples; one that adds nothing only clears the output when it is the first.
+void DrawSamples(const myParams& settings, const RadialGeometry& geometry, Buffers& buffers, PF_OutData* out_data) {
+    const PF_LayerDef& output = *settings.outputWorld;
+    const PlacementQuad quad(static_cast<float>(geometry.paddedW) / static_cast<float>(output.width),
+                             static_cast<float>(geometry.paddedH) / static_cast<float>(output.height));
+    const Region layer = PaddedRegion(settings, geometry);
+    for (const perSampleData& sample : settings.samples) {
+        const bool first = &sample == settings.samples.data();
+        const SampleRegions regions = RadialRegions(settings, sample, geometry.paddedW, geometry.paddedH, layer);
+        if (!WorksEverywhere() && (sample.opacity == 0 || regions.placed.Empty())) {
+            if (first) buffers.output.BindFBO(PING, true, out_data);
+            continue;
+        }
+        BlurSample(settings, geometry, sample, regions, buffers, out_data);
+        PlaceSample(settings, sample, first, regions.placed, quad, buffers, out_data);
+    }
 }
 
 }  // namespace
@@ -124,7 +153,7 @@ PF_Err RenderRadialPasses(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHa
     initialised &= buffers.output.FramebufferInit(output.width, output.height, 1, depth, out_data);
 
     if (buffers.input.zeroSized || buffers.padded.zeroSized || buffers.blurred.zeroSized || buffers.output.zeroSized) {
-        in_data->utils->ansi.sprintf(out_data->return_msg, "%s", kTooSmall);
+        in_data->utils->ansi.sprintf(out_data->return_msg, "%s", kRadialTooSmall);
         return PF_Err_NONE;
     }
     if (uploaded || !initialised) return PF_Err_OUT_OF_MEMORY;
@@ -132,14 +161,7 @@ PF_Err RenderRadialPasses(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHa
     EnableScreenBlend();
     glBindVertexArray(local_render_data->quadVAO);
     DrawPaddedCopy(*settings, geometry, buffers, out_data);
-    {
-        const PlacementQuad quad(static_cast<float>(geometry.paddedW) / static_cast<float>(output.width),
-                                 static_cast<float>(geometry.paddedH) / static_cast<float>(output.height));
-        for (const perSampleData& sample : settings->samples) {
-            BlurSample(*settings, geometry, sample, buffers, out_data);
-            PlaceSample(*settings, sample, &sample == settings->samples.data(), quad, buffers, out_data);
-        }
-    }
+    DrawSamples(*settings, geometry, buffers, out_data);
     buffers.blurred.CleanUp();
     buffers.padded.CleanUp();
 

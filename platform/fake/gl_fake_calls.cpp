@@ -169,6 +169,9 @@ void APIENTRY glReadPixels(GLint x, GLint y, GLsizei width, GLsizei height, GLen
 void APIENTRY glViewport(GLint x, GLint y, GLsizei width, GLsizei height) {
     LogGl("glViewport", x, y, width, height);
 }
+void APIENTRY glScissor(GLint x, GLint y, GLsizei width, GLsizei height) {
+    LogGl("glScissor", x, y, width, height);
+}
 void APIENTRY glClearColor(GLfloat r, GLfloat g, GLfloat b, GLfloat a) {
     LogGl("glClearColor", r, g, b, a);
 }

@@ -33,6 +33,9 @@ class SmartRenderTest : public ::testing::Test {
         output_.world.origin_x = -10;
         output_.world.origin_y = -20;
         output_.world.extent_hint = {0, 0, 60, 50};
+        for (int y = 0; y < 30; ++y) {
+            for (int x = 0; x < 40; ++x) input_.At8(x, y) = {255, 0, 0, 0};
+        }
         host_.record.centreOffsetX = -7;
         host_.record.centreOffsetY = 2;
         Slide(PARAM_SAMPLES, 2);

@@ -45,8 +45,18 @@ TEST_F(SmartRenderTest, DrawsThreePassesPerSample) {
     EXPECT_EQ(fake::CallsTo("glFinish").size(), 1u);
     EXPECT_EQ(fake::CallsTo("glReadPixels").size(), 1u);
     EXPECT_THAT(fake::CallsTo("glBlendFunc"), ElementsAre("glBlendFunc(GL_ONE_MINUS_DST_COLOR, GL_ONE)"));
-    EXPECT_THAT(fake::CallsTo("glEnable("), ElementsAre("glEnable(GL_BLEND)"));
-    EXPECT_TRUE(fake::CallsTo("glDisable(").empty()) << "blending stays on through the blurs";
+    // Only the placing blends, and every draw is limited to where something is.
+    const std::vector<std::string> sample = {"glDisable(GL_BLEND)",        "glEnable(GL_SCISSOR_TEST)",
+                                             "glDisable(GL_SCISSOR_TEST)", "glEnable(GL_SCISSOR_TEST)",
+                                             "glDisable(GL_SCISSOR_TEST)", "glEnable(GL_BLEND)",
+                                             "glEnable(GL_SCISSOR_TEST)",  "glDisable(GL_SCISSOR_TEST)"};
+    std::vector<std::string> expected = {"glEnable(GL_BLEND)"};
+    for (int i = 0; i < 2; ++i) expected.insert(expected.end(), sample.begin(), sample.end());
+    std::vector<std::string> switches;
+    for (const std::string& call : fake::Calls()) {
+        if (call.rfind("glEnable(", 0) == 0 || call.rfind("glDisable(", 0) == 0) switches.push_back(call);
+    }
+    EXPECT_EQ(switches, expected);
     // Two clears per sample for the blurs, one for the accumulation's first.
     EXPECT_EQ(fake::CallsTo("glClear(").size(), 5u);
     EXPECT_EQ(fake::Gl().callsWithoutContext, 0);
@@ -64,14 +74,15 @@ TEST_F(SmartRenderTest, EachPassIsTargetSourceProgramUniformsDraw) {
         if (kind == "glBlendFunc") on = true;
     }
     const std::vector<std::string> sample = {
-        "glBindFramebuffer", "glViewport", "glClear", "glBindTexture", "glUseProgram", "glUniform1f",
-        "glUniformMatrix4fv", "glUniform1i", "glUniform1f", "glUniform1f", "glUniform1f", "glDrawArrays",
+        "glDisable", "glBindFramebuffer", "glViewport", "glClear", "glBindTexture", "glUseProgram", "glUniform1f",
+        "glUniformMatrix4fv", "glUniform1i", "glUniform1f", "glUniform1f", "glUniform1f", "glEnable", "glScissor",
+        "glDrawArrays", "glDisable",
         // down
         "glBindFramebuffer", "glViewport", "glClear", "glBindTexture", "glUseProgram", "glUniform1i", "glUniform1f",
-        "glUniformMatrix4fv", "glDrawArrays",
+        "glUniformMatrix4fv", "glEnable", "glScissor", "glDrawArrays", "glDisable",
         // place
-        "glUseProgram", "glUniformMatrix4fv", "glBindFramebuffer", "glViewport", "glClear", "glBindTexture",
-        "glDrawArrays"};
+        "glEnable", "glUseProgram", "glUniformMatrix4fv", "glBindFramebuffer", "glViewport", "glClear", "glBindTexture",
+        "glEnable", "glScissor", "glDrawArrays", "glDisable"};
     ASSERT_GE(kinds.size(), sample.size());
     EXPECT_EQ(std::vector<std::string>(kinds.begin(), kinds.begin() + static_cast<long>(sample.size())), sample);
 }

@@ -1,0 +1,10 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// Switches the module that this file is linked into to working everywhere, as soon as it is loaded.
+
+#include "render/work_extent.h"
+
+namespace {
+const bool everywhere = (SetWorksEverywhere(true), true);
+}
