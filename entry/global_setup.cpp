@@ -12,6 +12,7 @@
 #include "entry/version.h"
 #include "gl/context.h"
 #include "platform/gl_api.h"
+#include "render/processor_path.h"
 
 std::recursive_mutex globalMutex;
 AEGP_PluginID my_id;
@@ -69,6 +70,8 @@ PF_Err GlobalSetup(PF_InData* in_data, PF_OutData* out_data) {
 }
 
 PF_Err GlobalSetdown(PF_InData* in_data) {
+    // Their code may be unloaded next.
+    EndProcessorThreads();
     AEGP_SuiteHandler suites(in_data->pica_basicP);
     const PF_HandleSuite1* handles = suites.HandleSuite1();
     const PF_Handle handle = in_data->global_data;

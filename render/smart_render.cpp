@@ -10,11 +10,14 @@
 #include "gl/thread_state.h"
 #include "hostapi/errors.h"
 #include "platform/gl_api.h"
+#include "platform/renderer_choice.h"
 #include "render/composite.h"
 #include "render/fill_settings.h"
 #include "render/layer_checkout.h"
 #include "render/param_checkout.h"
 #include "render/passes.h"
+#include "render/processor_passes.h"
+#include "render/processor_path.h"
 #include "render/radial_samples.h"
 #include "render/samples.h"
 
@@ -53,22 +56,44 @@ class CheckedOutLayers {
 };
 
 // The panel shows which renderer draws; the first render knows. Called with the render mutex held.
-void RecordRenderer(PF_InData* in_data) {
+void RecordRenderer(PF_InData* in_data, const char* renderer) {
     if (!in_data->global_data) return;
     auto* global = *reinterpret_cast<GlobalData**>(in_data->global_data);
     if (!global || global->rendererRecorded) return;
-    if (const auto* renderer = reinterpret_cast<const char*>(glGetString(GL_RENDERER))) {
+    if (renderer) {
         std::strncpy(global->gl_renderer, renderer, sizeof(global->gl_renderer) - 1);
         global->gl_renderer[sizeof(global->gl_renderer) - 1] = '\0';
     }
     global->rendererRecorded = 1;
 }
 
+// Drawn by the processor: no thread state, no OpenGL.
+PF_Err RenderPassesOnProcessor(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings,
+                               const RadialGeometry& radial) {
+    if (!HasProcessorPath()) return PF_Err_INTERNAL_STRUCT_DAMAGED;
+    RecordRenderer(in_data, ProcessorName().c_str());
+    switch (settings->shadowType) {
+        case SHADOW_NORMAL:
+            return RenderNormalOnProcessor(in_data, out_data, suites, settings);
+        case SHADOW_INNER:
+            return RenderInnerOnProcessor(in_data, out_data, suites, settings);
+        case SHADOW_RADIAL:
+            return RenderRadialOnProcessor(in_data, out_data, suites, settings, radial);
+        default:
+            return PF_Err_NONE;
+    }
+}
+
 PF_Err RenderPasses(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings,
                     const RadialGeometry& radial) {
+    const RendererChoice choice = ChosenRenderer();
+    if (choice == RendererChoice::kRefused) return PF_Err_INTERNAL_STRUCT_DAMAGED;
+    if (choice == RendererChoice::kProcessor) {
+        return RenderPassesOnProcessor(in_data, out_data, suites, settings, radial);
+    }
     InitThreadLocalRenderData(in_data, out_data);
     if (!local_render_data || !local_render_data->context) return PF_Err_INTERNAL_STRUCT_DAMAGED;
-    RecordRenderer(in_data);
+    RecordRenderer(in_data, reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
     switch (settings->shadowType) {
         case SHADOW_NORMAL:
             return RenderNormalPasses(in_data, out_data, suites, settings);

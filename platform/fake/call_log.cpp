@@ -7,6 +7,7 @@
 
 #include "platform/fake/cgl_fake.h"
 #include "platform/fake/gl_fake.h"
+#include "platform/fake/renderer_choice_fake.h"
 
 namespace fake {
 
@@ -44,6 +45,7 @@ void Reset() {
     ClearCalls();
     Cgl() = CglState{};
     Gl() = GlState{};
+    Renderer() = RendererChoice::kOpenGL;
 }
 
 }  // namespace fake

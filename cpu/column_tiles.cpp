@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// Bounding and turning a source.
+
+#include "cpu/column_tiles.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "cpu/thread_pool.h"
+
+namespace {
+
+// Whether `count` elements hold nothing; long runs of them go a cache line at a time.
+template <typename Element>
+bool AllZero(const Element* values, int count) {
+    constexpr int kBlock = 64;
+    int i = 0;
+    for (; i + kBlock <= count; i += kBlock) {
+        Element any{};
+        for (int k = 0; k < kBlock; ++k) any = values[i + k] != 0 ? Element{1} : any;
+        if (any != 0) return false;
+    }
+    for (; i < count; ++i) {
+        if (values[i] != 0) return false;
+    }
+    return true;
+}
+
+template <typename Element>
+Bounds FindBoundsIn(const Element* values, int width, int height) {
+    const auto row = [&](int y) { return values + static_cast<ptrdiff_t>(y) * width; };
+    Bounds bounds{{width, 0}, {0, height}};
+    while (bounds.rows.begin < height && AllZero(row(bounds.rows.begin), width)) ++bounds.rows.begin;
+    while (bounds.rows.end > bounds.rows.begin && AllZero(row(bounds.rows.end - 1), width)) --bounds.rows.end;
+    for (int y = bounds.rows.begin; y < bounds.rows.end; ++y) {
+        const Element* at = row(y);
+        int left = 0;
+        while (left < bounds.columns.begin && at[left] == 0) ++left;
+        bounds.columns.begin = left;
+        int right = width;
+        while (right > bounds.columns.end && at[right - 1] == 0) --right;
+        bounds.columns.end = right;
+    }
+    return bounds;
+}
+
+// A row of the pass: the source rows above and below, mixed, from column `columns.begin` on.
+template <typename Element>
+void MixSourceRows(const Element* above, const Element* below, float fraction, int count, float* out) {
+    if (fraction == 0) {
+        for (int x = 0; x < count; ++x) out[x] = static_cast<float>(above[x]);
+        return;
+    }
+    for (int x = 0; x < count; ++x) {
+        const float from = static_cast<float>(above[x]);
+        out[x] = from + fraction * (static_cast<float>(below[x]) - from);
+    }
+}
+
+// Several rows side by side become columns; blocks of columns so small that the turned lines stay in the cache.
+void Turn(const float* rows, ptrdiff_t pitch, int columns, float* out) {
+    constexpr int kBlock = 16;
+    for (int x = 0; x < columns; x += kBlock) {
+        const int end = std::min(x + kBlock, columns);
+        for (int row = 0; row < kTileRows; ++row) {
+            for (int column = x; column < end; ++column) out[column * kTileRows + row] = rows[row * pitch + column];
+        }
+    }
+}
+
+}  // namespace
+
+Bounds FindBounds(const AlphaPlane& plane) {
+    return plane.bytes ? FindBoundsIn(plane.bytes, plane.width, plane.height)
+                       : FindBoundsIn(plane.floats, plane.width, plane.height);
+}
+
+void ColumnTiles::Build(const AlphaPlane& plane, const Bounds& bounds, const Look& look, int rows) {
+    columns_ = bounds.columns;
+    distinct_ = {0, rows};
+    if (look.edge == Edge::kClamp) {
+        while (distinct_.begin + 1 < rows && look.At(distinct_.begin + 1) <= 0) ++distinct_.begin;
+        while (distinct_.end - 1 > distinct_.begin && look.At(distinct_.end - 2) >= look.size - 1) --distinct_.end;
+    }
+    const auto isEmpty = [&](int row) {
+        const auto above = static_cast<int64_t>(std::floor(look.At(row)));
+        const int a = EdgeIndex(above, look.size, look.edge);
+        const int b = EdgeIndex(above + 1, look.size, look.edge);
+        return std::max(a, b) < bounds.rows.begin || std::min(a, b) >= bounds.rows.end;
+    };
+    rows_ = distinct_;
+    while (!rows_.Empty() && isEmpty(rows_.begin)) ++rows_.begin;
+    while (!rows_.Empty() && isEmpty(rows_.end - 1)) --rows_.end;
+    if (Empty()) return;
+
+    values_.Reserve(static_cast<size_t>(Tiles()) * static_cast<size_t>(columns_.Size()) * kTileRows + kSlack);
+    scratch_.resize(std::max(scratch_.size(), static_cast<size_t>(PoolThreads())));
+    RunTasks(Tiles(),
+             [&](int tile, int worker) { BuildTile(plane, look, tile, scratch_[static_cast<size_t>(worker)]); });
+}
+
+void ColumnTiles::BuildTile(const AlphaPlane& plane, const Look& look, int tile, Buffer<float>& scratch) {
+    const int columns = columns_.Size();
+    float* rows = scratch.Reserve(static_cast<size_t>(columns) * kTileRows);
+    const int first = rows_.begin + tile * kTileRows;
+    const int count = std::min(kTileRows, rows_.end - first);
+    std::fill(rows + ptrdiff_t{count} * columns, rows + ptrdiff_t{kTileRows} * columns, 0.0f);
+    for (int row = 0; row < count; ++row) {
+        const double at = look.At(first + row);
+        const double floor = std::floor(at);
+        const auto index = static_cast<int64_t>(floor);
+        const ptrdiff_t above = ptrdiff_t{EdgeIndex(index, look.size, look.edge)} * plane.width + columns_.begin;
+        const ptrdiff_t below = ptrdiff_t{EdgeIndex(index + 1, look.size, look.edge)} * plane.width + columns_.begin;
+        const auto fraction = static_cast<float>(at - floor);
+        float* out = rows + static_cast<ptrdiff_t>(row) * columns;
+        if (plane.bytes) {
+            MixSourceRows(plane.bytes + above, plane.bytes + below, fraction, columns, out);
+        } else {
+            MixSourceRows(plane.floats + above, plane.floats + below, fraction, columns, out);
+        }
+    }
+    Turn(rows, columns, columns, values_.Get() + static_cast<ptrdiff_t>(tile) * columns * kTileRows);
+}
+
+const float* ColumnTiles::Tile(int tile) const {
+    return values_.Get() + static_cast<ptrdiff_t>(tile) * columns_.Size() * kTileRows;
+}

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// What a blur across reads: the source at the rows of the pass, turned so that a column's neighbouring rows lie side by
+// side. One source serves every sample that is blurred in the same buffer, so the turning is paid once.
+
+#include <cstdint>
+#include <vector>
+
+#include "cpu/buffer.h"
+#include "cpu/taps.h"
+
+/// One channel of a picture, rows `width` elements apart.
+struct AlphaPlane {
+    const uint8_t* bytes = nullptr;  ///< 0..255; or
+    const float* floats = nullptr;   ///< any values
+    int width = 0;
+    int height = 0;
+};
+
+/// The part of a picture outside which every value is 0.
+struct Bounds {
+    Span columns;
+    Span rows;
+
+    bool Empty() const { return columns.Empty() || rows.Empty(); }
+};
+
+/// Reads every element once. Not-a-number counts as a value.
+Bounds FindBounds(const AlphaPlane& plane);
+
+class ColumnTiles {
+ public:
+    /// Turns `plane` at the `rows` rows that `look` gives, each mixed of the two nearest. Only `bounds` is read; it
+    /// must hold all that is not 0.
+    void Build(const AlphaPlane& plane, const Bounds& bounds, const Look& look, int rows);
+
+    Span Columns() const { return columns_; }  ///< source columns kept
+    Span Rows() const { return rows_; }        ///< rows of the pass that are not 0
+    /// Rows of the pass that differ; those before and after are like the first and the last.
+    Span Distinct() const { return distinct_; }
+    bool Empty() const { return columns_.Empty() || rows_.Empty(); }
+
+    int Tiles() const { return (rows_.Size() + kTileRows - 1) / kTileRows; }
+    /// Rows Rows().begin + kTileRows x tile onwards, for CpuKernels::blurColumns; column 0 is Columns().begin.
+    const float* Tile(int tile) const;
+
+ private:
+    void BuildTile(const AlphaPlane& plane, const Look& look, int tile, Buffer<float>& scratch);
+
+    Span columns_;
+    Span rows_;
+    Span distinct_;
+    Buffer<float> values_;
+    std::vector<Buffer<float>> scratch_;  ///< a tile's rows before they are turned, per pool thread
+};

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// Which kernels this processor runs.
+
+#include "cpu/kernels.h"
+
+#include <atomic>
+
+#include "cpu/kernel_sets.h"
+
+namespace {
+
+std::atomic<const CpuKernels*> forced{nullptr};
+
+}  // namespace
+
+std::vector<const CpuKernels*> RunnableKernels() {
+    std::vector<const CpuKernels*> runnable{&kBaselineKernels};
+#if defined(__x86_64__)
+    __builtin_cpu_init();
+    if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma")) runnable.push_back(&kAvx2Kernels);
+    if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512dq") &&
+        __builtin_cpu_supports("avx512vl")) {
+        runnable.push_back(&kAvx512Kernels);
+    }
+#endif
+    return runnable;
+}
+
+const CpuKernels& BestKernels() {
+    static const CpuKernels* const best = RunnableKernels().back();
+    return *best;
+}
+
+void UseKernels(const CpuKernels* kernels) {
+    forced = kernels;
+}
+
+const CpuKernels& CurrentKernels() {
+    const CpuKernels* kernels = forced.load(std::memory_order_relaxed);
+    return kernels ? *kernels : BestKernels();
+}

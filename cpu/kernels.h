@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// The inner loops of the processor path, compiled once per instruction set from cpu/kernel_loops.inc and chosen when
+// the module first draws. Values are 16-bit alphas (0..65535) kept as whole floats, so that no pass converts.
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+/// Outputs that share one list of taps.
+inline constexpr int kTapOutputs = 4;
+/// Rows of a column tile: neighbours in memory, so that one tap reads them all at once.
+inline constexpr int kTileRows = 32;
+/// Columns that `blurRows` works on at a time; its rows are readable and writable up to the next multiple.
+inline constexpr int kColumnChunk = 32;
+/// Elements past the last that the loops may read, and the row loops write.
+inline constexpr int kSlack = 64;
+
+/// Weighted sums to form: block b makes kTapOutputs neighbouring outputs, each the sum over e in
+/// [starts[b], starts[b + 1]) of weights[kTapOutputs e + output] x input[offsets[e]].
+struct TapBlocks {
+    const int32_t* starts;
+    const int32_t* offsets;
+    const float* weights;
+    int count;  ///< blocks
+};
+
+/// How a row of a blurred copy is stretched over output columns: output `i` lies `fractions[i]` of the way from texel
+/// `texels[i]` to the next.
+struct PlaceColumns {
+    const int32_t* texels;
+    const float* fractions;
+    int count;
+    bool gentle;  ///< the texels of n neighbouring outputs never span more than n
+};
+
+struct CpuKernels {
+    const char* name;
+
+    /// Blur across. `tile` is a column tile: input `j` is its kTileRows floats from 32 j on, and the offsets count
+    /// floats. Block b goes to columns 4 b of `rows` rows, `pitch` floats apart; rounded and limited to 0..65535.
+    void (*blurColumns)(const float* tile, const TapBlocks& taps, int rows, float* out, ptrdiff_t pitch);
+
+    /// Blur down. The offsets count floats from `in` to input rows. Blocks [first, last) make four rows each,
+    /// `outPitch` apart from `out` on, `columns` wide; rounded and limited.
+    void (*blurRows)(const float* in, const TapBlocks& taps, int first, int last, int columns, float* out,
+                     ptrdiff_t outPitch);
+
+    /// out[i] = a[i] + fraction (b[i] - a[i]).
+    void (*mixRows)(const float* a, const float* b, float fraction, int count, float* out);
+
+    /// Adds a stretched row to `accumulated` (0..65535): s (1 - d) + d, rounded.
+    void (*placeRow)(const float* texels, const PlaceColumns& columns, uint16_t* accumulated);
+
+    /// 16 bits to 8, nearest.
+    void (*toBytes)(const uint16_t* values, size_t count, uint8_t* out);
+    /// 16 bits to 0..1.
+    void (*toFloats)(const uint16_t* values, size_t count, float* out);
+};
+
+/// The fastest kernels that this processor runs.
+const CpuKernels& BestKernels();
+
+/// All kernels that this processor runs, slowest first.
+std::vector<const CpuKernels*> RunnableKernels();
+
+/// Makes the following draws use `kernels`; null goes back to the best. For tests and measurements.
+void UseKernels(const CpuKernels* kernels);
+
+/// What draws use now.
+const CpuKernels& CurrentKernels();

@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// Three stages per sample: its weights, the blur across, and the blur down with the placing. One run of the pool does
+// the last stage of a sample together with the middle one of the next and the first of the one after that, so that no
+// thread waits at the end of a stage.
+
+#include "cpu/stack_drawer.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "cpu/kernels.h"
+#include "cpu/sample_plan.h"
+#include "cpu/thread_pool.h"
+
+namespace {
+
+// Columns of a copy whose weights make one task.
+constexpr int kChunkColumns = 64;
+// Rows of a copy that one task blurs down and places: as many as fit the second-level cache beside what they are made
+// from. The last block of a strip is there only for the first row of the next.
+constexpr int kStripRows = 64;
+constexpr int kStripStep = kStripRows - kTapOutputs;
+
+int Divide(int count, int by) {
+    return (count + by - 1) / by;
+}
+
+// Whole cache lines, an odd number of pairs of them, so that the rows of a narrow strip spread over the cache's sets.
+ptrdiff_t PitchFor(int columns) {
+    const int chunks = Divide(columns, kColumnChunk) | 1;
+    return ptrdiff_t{chunks} * kColumnChunk;
+}
+
+/// What the stages of one sample hand on.
+struct Slot {
+    SamplePlan plan;
+    std::vector<TapList> across;  ///< per kChunkColumns columns
+    TapList down;
+    std::vector<int32_t> texels;  ///< per output column, from plan.columns.begin - 1 on
+    std::vector<float> fractions;
+    ptrdiff_t pitch = 0;
+
+    int Chunks() const { return Divide(plan.columns.Size(), kChunkColumns); }
+    int FirstTile() const { return (plan.acrossRows.begin - plan.sample->source->Rows().begin) / kTileRows; }
+    int Tiles() const {
+        return Divide(plan.acrossRows.end - plan.sample->source->Rows().begin, kTileRows) - FirstTile();
+    }
+    /// The row of the copy that the plane's first is.
+    int PlaneBegin() const { return plan.sample->source->Rows().begin + FirstTile() * kTileRows; }
+    int Strips() const { return std::max(1, Divide(plan.downRows.Size() - kTapOutputs, kStripStep)); }
+};
+
+/// A pool thread's own.
+struct WorkerMemory {
+    TapFolder folder;
+    Buffer<float> strip;
+    Buffer<float> row;
+    Buffer<float> zeroes;  ///< never written
+};
+
+}  // namespace
+
+struct StackDrawer::Memory {
+    Slot slots[3];
+    Buffer<float> planes[2];  ///< what the blur across makes, of even and odd samples
+    std::vector<WorkerMemory> workers;
+    Buffer<uint16_t> accumulated;
+    int width = 0;
+
+    void Weigh(Slot& slot, int task, TapFolder& folder);
+    void WeighDown(Slot& slot, TapFolder& folder);
+    void StretchColumns(Slot& slot);
+    void BlurAcross(const Slot& slot, float* plane, int task);
+    void BlurDownAndPlace(const Slot& slot, const float* plane, int strip, WorkerMemory& worker);
+    void PlaceRows(const Slot& slot, const float* rows, Span have, Span texelRows, WorkerMemory& worker);
+};
+
+StackDrawer::StackDrawer() : memory_(std::make_unique<Memory>()) {}
+StackDrawer::~StackDrawer() = default;
+
+// Task 0 is the blur down's weights and the columns' places, the others a chunk of columns each.
+void StackDrawer::Memory::Weigh(Slot& slot, int task, TapFolder& folder) {
+    if (task == 0) {
+        WeighDown(slot, folder);
+        StretchColumns(slot);
+        return;
+    }
+    const StackSample& sample = *slot.plan.sample;
+    const int chunk = task - 1;
+    const int begin = slot.plan.columns.begin + chunk * kChunkColumns;
+    const int end = std::min(begin + kChunkColumns, slot.plan.columns.end);
+    TapList& list = slot.across[static_cast<size_t>(chunk)];
+    const Span kept = sample.source->Columns();
+    const KeptInputs stored{{0, sample.across.size}, kept, kept.begin, kTileRows};
+    list.Clear();
+    folder.Prepare(sample.across.size);
+    for (int block = begin; block < end; block += kTapOutputs) {
+        for (int column = block; column < std::min(block + kTapOutputs, end); ++column) {
+            folder.Fold(column - block, sample.across.At(column), sample.acrossKernel, sample.across);
+        }
+        folder.Flush(stored, &list);
+    }
+}
+
+void StackDrawer::Memory::WeighDown(Slot& slot, TapFolder& folder) {
+    const StackSample& sample = *slot.plan.sample;
+    const Look look{0, 1, sample.y.texels, Edge::kMirror};
+    const Span rows = slot.plan.downRows;
+    const KeptInputs stored{sample.source->Distinct(), slot.plan.acrossRows, slot.PlaneBegin(),
+                            static_cast<int>(slot.pitch)};
+    slot.down.Clear();
+    folder.Prepare(sample.y.texels);
+    for (int block = rows.begin; block < rows.end; block += kTapOutputs) {
+        for (int row = block; row < std::min(block + kTapOutputs, rows.end); ++row) {
+            folder.Fold(row - block, look.At(row), sample.downKernel, look);
+        }
+        folder.Flush(stored, &slot.down);
+    }
+}
+
+void StackDrawer::Memory::StretchColumns(Slot& slot) {
+    const Stretch stretch(slot.plan.sample->x);
+    const Span out = slot.plan.outColumns;
+    slot.texels.resize(static_cast<size_t>(out.Size()));
+    slot.fractions.resize(static_cast<size_t>(out.Size()));
+    for (int i = 0; i < out.Size(); ++i) {
+        const double at = stretch.At(out.begin + i);
+        const double floor = std::floor(at);
+        slot.texels[static_cast<size_t>(i)] = static_cast<int>(floor) - (slot.plan.columns.begin - 1);
+        slot.fractions[static_cast<size_t>(i)] = static_cast<float>(at - floor);
+    }
+}
+
+// The columns of one chunk in the rows of one tile.
+void StackDrawer::Memory::BlurAcross(const Slot& slot, float* plane, int task) {
+    const int tile = task / slot.Chunks();
+    const int chunk = task % slot.Chunks();
+    float* out = plane + slot.pitch * tile * kTileRows + ptrdiff_t{chunk} * kChunkColumns;
+    CurrentKernels().blurColumns(slot.plan.sample->source->Tile(slot.FirstTile() + tile),
+                                 slot.across[static_cast<size_t>(chunk)].View(), kTileRows, out, slot.pitch);
+}
+
+void StackDrawer::Memory::BlurDownAndPlace(const Slot& slot, const float* plane, int strip, WorkerMemory& worker) {
+    const Span down = slot.plan.downRows;
+    const Span have = Intersect({down.begin + strip * kStripStep, down.begin + strip * kStripStep + kStripRows}, down);
+    float* rows = worker.strip.Reserve(static_cast<size_t>(slot.pitch) * kStripRows + kSlack);
+    const int firstBlock = (have.begin - down.begin) / kTapOutputs;
+    CurrentKernels().blurRows(plane, slot.down.View(), firstBlock, firstBlock + Divide(have.Size(), kTapOutputs),
+                              slot.plan.columns.Size(), rows, slot.pitch);
+    // A pixel belongs to the strip that has its upper texel; the first and the last strip take the edges' too.
+    Span texelRows = {have.begin, have.begin + kStripStep};
+    if (strip == 0) texelRows.begin = have.begin - 1;
+    if (strip == slot.Strips() - 1) texelRows.end = have.end;
+    PlaceRows(slot, rows, have, texelRows, worker);
+}
+
+void StackDrawer::Memory::PlaceRows(const Slot& slot, const float* rows, Span have, Span texelRows,
+                                    WorkerMemory& worker) {
+    const SamplePlan& plan = slot.plan;
+    const int texels = plan.sample->y.texels;
+    const int columns = plan.columns.Size();
+    const Stretch stretch(plan.sample->y);
+    const CpuKernels& kernels = CurrentKernels();
+    float* mixed = worker.row.Reserve(static_cast<size_t>(slot.pitch) + 2 * kSlack) + 1;
+    const float* nothing = worker.zeroes.Reserve(static_cast<size_t>(slot.pitch) + kSlack);
+    const auto rowOf = [&](int64_t row) {
+        const int index = EdgeIndex(row, texels, Edge::kMirror);
+        return index < have.begin || index >= have.end ? nothing : rows + (index - have.begin) * slot.pitch;
+    };
+
+    int pixel = std::max(plan.outRows.begin,
+                         static_cast<int>(std::floor((texelRows.begin - stretch.offset) / stretch.scale)) - 1);
+    const PlaceColumns place{slot.texels.data(), slot.fractions.data(), plan.outColumns.Size(), stretch.scale <= 1};
+    for (; pixel < plan.outRows.end; ++pixel) {
+        const double at = stretch.At(pixel);
+        const auto texel = static_cast<int>(std::floor(at));
+        if (texel < texelRows.begin) continue;
+        if (texel >= texelRows.end) break;
+        kernels.mixRows(rowOf(texel), rowOf(int64_t{texel} + 1), static_cast<float>(at - texel), columns, mixed);
+        // Beyond the copy's edge lies its mirror image; beyond what is not 0, nothing.
+        mixed[-1] = plan.columns.begin == 0 ? mixed[0] : 0;
+        mixed[columns] = plan.columns.end == plan.sample->x.texels ? mixed[columns - 1] : 0;
+        kernels.placeRow(mixed - 1, place,
+                         accumulated.Get() + static_cast<ptrdiff_t>(pixel) * width + plan.outColumns.begin);
+    }
+}
+
+const uint16_t* StackDrawer::Draw(const std::vector<StackSample>& samples, int width, int height) {
+    Memory& m = *memory_;
+    const size_t pixels = static_cast<size_t>(width) * static_cast<size_t>(height);
+    std::fill_n(m.accumulated.Reserve(pixels + kSlack), pixels, uint16_t{0});
+    m.width = width;
+    m.workers.resize(std::max(m.workers.size(), static_cast<size_t>(PoolThreads())));
+
+    std::vector<SamplePlan> plans;
+    for (const StackSample& sample : samples) {
+        const SamplePlan plan = PlanSample(sample, width, height);
+        if (!plan.Empty()) plans.push_back(plan);
+    }
+
+    const int count = static_cast<int>(plans.size());
+    for (int step = 0; step < count + 2; ++step) {
+        Slot* weighed = step < count ? &m.slots[step % 3] : nullptr;
+        Slot* across = step >= 1 && step - 1 < count ? &m.slots[(step - 1) % 3] : nullptr;
+        Slot* down = step >= 2 ? &m.slots[(step - 2) % 3] : nullptr;
+        float* acrossPlane = nullptr;
+        const float* downPlane = m.planes[step % 2].Get();
+        if (weighed) {
+            weighed->plan = plans[static_cast<size_t>(step)];
+            weighed->pitch = PitchFor(weighed->plan.columns.Size());
+            weighed->across.resize(std::max(weighed->across.size(), static_cast<size_t>(weighed->Chunks())));
+        }
+        if (across) {
+            acrossPlane = m.planes[(step - 1) % 2].Reserve(
+                static_cast<size_t>(across->pitch) * static_cast<size_t>(across->Tiles()) * kTileRows + kSlack);
+        }
+        const int downTasks = down ? down->Strips() : 0;
+        const int acrossTasks = across ? across->Tiles() * across->Chunks() : 0;
+        const int weighTasks = weighed ? weighed->Chunks() + 1 : 0;
+        RunTasks(downTasks + acrossTasks + weighTasks, [&](int task, int worker) {
+            WorkerMemory& own = m.workers[static_cast<size_t>(worker)];
+            if (task < downTasks) {
+                m.BlurDownAndPlace(*down, downPlane, task, own);
+            } else if (task < downTasks + acrossTasks) {
+                m.BlurAcross(*across, acrossPlane, task - downTasks);
+            } else {
+                m.Weigh(*weighed, task - downTasks - acrossTasks, own.folder);
+            }
+        });
+    }
+    return m.accumulated.Get();
+}

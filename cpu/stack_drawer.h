@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// The heart of the processor path: every sample of a stack blurred across, blurred down, stretched into place and added
+// to the output, with a rounding to 16 bits after each of the passes, as the GPU's buffers round.
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "cpu/column_tiles.h"
+
+/// Where a blurred copy lies on one axis of the output, in output pixels, and how many texels it has there.
+struct Placement {
+    double start = 0;
+    double length = 0;
+    int texels = 0;
+};
+
+/// One sample. Nothing in it that is 0 throughout needs to be in the list.
+struct StackSample {
+    const ColumnTiles* source = nullptr;
+    Look across;          ///< where the columns of the copy look in the source
+    Kernel acrossKernel;  ///< with the sample's opacity, and the source's scale to 0..65535, as its gain
+    Kernel downKernel;    ///< in rows of the copy, with a gain of 1; mirrored at the edges
+    Placement x;
+    Placement y;
+};
+
+/// Draws stacks; keeps its memory from one to the next. Used by one thread at a time.
+class StackDrawer {
+ public:
+    StackDrawer();
+    ~StackDrawer();
+    StackDrawer(const StackDrawer&) = delete;
+    StackDrawer& operator=(const StackDrawer&) = delete;
+
+    /// The union of the samples' alphas, in order: `width` x `height` values of 0..65535 that last until the next draw.
+    /// Throws std::bad_alloc.
+    const uint16_t* Draw(const std::vector<StackSample>& samples, int width, int height);
+
+ private:
+    struct Memory;
+    std::unique_ptr<Memory> memory_;
+};

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// The choice, from the environment.
+
+#include "platform/renderer_choice.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+RendererChoice ReadChoice() {
+    const char* value = std::getenv("UMBRANT_RENDERER");
+    if (!value || *value == '\0' || std::strcmp(value, "gl") == 0) return RendererChoice::kOpenGL;
+    if (std::strcmp(value, "cpu") == 0) return RendererChoice::kProcessor;
+    std::fprintf(stderr, "UMBRANT_RENDERER is \"%s\"; it must be \"gl\" or \"cpu\"\n", value);
+    return RendererChoice::kRefused;
+}
+
+}  // namespace
+
+RendererChoice ChosenRenderer() {
+    static const RendererChoice choice = ReadChoice();
+    return choice;
+}

@@ -1,0 +1,10 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// Every Mac has OpenGL: there is nothing to choose.
+
+#include "platform/renderer_choice.h"
+
+RendererChoice ChosenRenderer() {
+    return RendererChoice::kOpenGL;
+}

@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// Whether the host asked for shadows drawn by the processor. Without such a wish everything goes through OpenGL.
+
+enum class RendererChoice {
+    kOpenGL,
+    kProcessor,
+    kRefused,  ///< asked for something that there is not; one line on standard error has said so
+};
+
+/// What was asked for when this was called first. Linux: the environment variable UMBRANT_RENDERER, "gl" or "cpu".
+RendererChoice ChosenRenderer();

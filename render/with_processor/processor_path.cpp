@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// The processor path is here.
+
+#include "render/processor_path.h"
+
+#include <algorithm>
+
+#include "cpu/kernels.h"
+#include "cpu/shadows.h"
+#include "cpu/thread_pool.h"
+#include "render/work_extent.h"
+
+namespace {
+
+AlphaPlane PlaneOf(const myParams& settings, const ProcessorLayer& layer) {
+    if (settings.bitDepth == 8) return {static_cast<const uint8_t*>(layer.alpha), nullptr, layer.width, layer.height};
+    return {nullptr, static_cast<const float*>(layer.alpha), layer.width, layer.height};
+}
+
+Extent Wanted() {
+    return WorksEverywhere() ? Extent::kEverywhere : Extent::kWhereSomething;
+}
+
+}  // namespace
+
+bool HasProcessorPath() {
+    return true;
+}
+
+std::string ProcessorName() {
+    const int threads = PoolThreads();
+    return std::string("Processor (") + CurrentKernels().name + ", " + std::to_string(threads) +
+           (threads == 1 ? " thread)" : " threads)");
+}
+
+const uint16_t* DrawNormalOnProcessor(const myParams& settings, const ProcessorLayer& layer) {
+    return DrawNormalStack(settings, PlaneOf(settings, layer), Wanted());
+}
+
+const uint16_t* DrawInnerOnProcessor(const myParams& settings, const ProcessorLayer& layer) {
+    return DrawInnerStack(settings, PlaneOf(settings, layer), Wanted());
+}
+
+const uint16_t* DrawRadialOnProcessor(const myParams& settings, const ProcessorLayer& layer,
+                                      const RadialGeometry& geometry) {
+    return DrawRadialStack(settings, {geometry.pad, geometry.paddedW, geometry.paddedH}, PlaneOf(settings, layer),
+                           Wanted());
+}
+
+void ConvertAlpha(const uint16_t* alpha, size_t count, int bitDepth, void* out) {
+    // Pieces that a thread is done with in some tens of microseconds.
+    constexpr size_t kPiece = size_t{1} << 17;
+    const CpuKernels& kernels = CurrentKernels();
+    RunTasks(static_cast<int>((count + kPiece - 1) / kPiece), [&](int piece, int) {
+        const size_t first = static_cast<size_t>(piece) * kPiece;
+        const size_t size = std::min(kPiece, count - first);
+        if (bitDepth == 8) {
+            kernels.toBytes(alpha + first, size, static_cast<uint8_t*>(out) + first);
+        } else {
+            kernels.toFloats(alpha + first, size, static_cast<float*>(out) + first);
+        }
+    });
+}
+
+void EndProcessorThreads() {
+    EndPool();
+    ReleaseStackMemory();
+}

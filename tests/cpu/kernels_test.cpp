@@ -1,0 +1,175 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// Every instruction set gives the same bytes, and they are what the plain formulas give.
+
+#include "cpu/kernels.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <random>
+#include <vector>
+
+namespace {
+
+std::vector<float> Random(size_t count, float high) {
+    std::mt19937 engine(5);
+    std::vector<float> values(count);
+    for (float& value : values) value = std::floor(high * (static_cast<float>(engine() >> 8) / 16777216.0f));
+    return values;
+}
+
+/// Two blocks of taps over `inputs` inputs `unit` floats apart.
+struct Taps {
+    std::vector<int32_t> starts{0};
+    std::vector<int32_t> offsets;
+    std::vector<float> weights;
+
+    Taps(int inputs, int unit) {
+        for (int block = 0; block < 2; ++block) {
+            for (int e = 0; e < inputs; ++e) {
+                offsets.push_back(e * unit);
+                for (int output = 0; output < kTapOutputs; ++output) {
+                    weights.push_back(static_cast<float>((e * 7 + output * 3 + block) % 11) /
+                                      (5.0f * static_cast<float>(inputs)));
+                }
+            }
+            starts.push_back(static_cast<int32_t>(offsets.size()));
+        }
+    }
+    TapBlocks View() const { return {starts.data(), offsets.data(), weights.data(), 2}; }
+
+    float Sum(const float* in, int block, int output) const {
+        float sum = 0;
+        for (int e = starts[static_cast<size_t>(block)]; e < starts[static_cast<size_t>(block) + 1]; ++e) {
+            const auto entry = static_cast<size_t>(e);
+            sum += in[offsets[entry]] * weights[kTapOutputs * entry + static_cast<size_t>(output)];
+        }
+        return std::nearbyint(std::clamp(sum, 0.0f, 65535.0f));
+    }
+};
+
+class Kernels : public ::testing::TestWithParam<const CpuKernels*> {};
+
+TEST_P(Kernels, BlurColumns) {
+    const auto tile = Random(kTileRows * 40, 65535);
+    const Taps taps(40, kTileRows);
+    const ptrdiff_t pitch = 16;
+    std::vector<float> out(kTileRows * pitch, -1);
+    GetParam()->blurColumns(tile.data(), taps.View(), kTileRows, out.data(), pitch);
+    for (int row = 0; row < kTileRows; ++row) {
+        for (int column = 0; column < 8; ++column) {
+            ASSERT_EQ(out[static_cast<size_t>(row * pitch + column)],
+                      taps.Sum(tile.data() + row, column / 4, column % 4))
+                << row << ", " << column;
+        }
+        ASSERT_EQ(out[static_cast<size_t>(row * pitch + 8)], -1);
+    }
+}
+
+TEST_P(Kernels, BlurRows) {
+    const int pitch = 96;
+    const auto plane = Random(static_cast<size_t>(pitch * 30), 65535);
+    const Taps taps(30, pitch);
+    std::vector<float> out(8 * 96);
+    GetParam()->blurRows(plane.data(), taps.View(), 0, 2, 70, out.data(), 96);
+    for (int row = 0; row < 8; ++row) {
+        for (int column = 0; column < 70; ++column) {
+            ASSERT_EQ(out[static_cast<size_t>(row * 96 + column)], taps.Sum(plane.data() + column, row / 4, row % 4));
+        }
+    }
+}
+
+TEST_P(Kernels, SumsAreLimitedAndNotANumberIsNothing) {
+    const float bad[] = {-5,
+                         70000,
+                         std::numeric_limits<float>::quiet_NaN(),
+                         std::numeric_limits<float>::infinity(),
+                         -std::numeric_limits<float>::infinity(),
+                         0.5f,
+                         1.5f,
+                         65534.75f};
+    const float good[] = {0, 65535, 0, 65535, 0, 0, 2, 65535};
+    std::vector<float> plane(128, 0.0f);
+    std::copy(std::begin(bad), std::end(bad), plane.begin());
+    const int32_t starts[] = {0, 1};
+    const int32_t offset = 0;
+    const float weights[] = {1, 1, 1, 1};
+    std::vector<float> out(4 * 96);
+    GetParam()->blurRows(plane.data(), {starts, &offset, weights, 1}, 0, 1, 8, out.data(), 96);
+    for (size_t i = 0; i < std::size(good); ++i) EXPECT_EQ(out[i], good[i]) << bad[i];
+}
+
+TEST_P(Kernels, MixRows) {
+    const auto a = Random(200, 65535);
+    const auto b = Random(264, 30000);
+    std::vector<float> out(200 + kSlack);
+    GetParam()->mixRows(a.data(), b.data() + 20, 0.3f, 100, out.data());
+    for (size_t i = 0; i < 100; ++i) ASSERT_EQ(out[i], a[i] + 0.3f * (b[i + 20] - a[i]));
+}
+
+TEST_P(Kernels, PlaceRow) {
+    const auto texels = Random(300, 65535);
+    for (const double scale : {0.2, 0.6, 0.99, 1.0, 1.7}) {
+        std::vector<int32_t> places;
+        std::vector<float> fractions;
+        for (int i = 0; i < 117; ++i) {
+            places.push_back(static_cast<int32_t>(std::floor(i * scale + 0.8)));
+            fractions.push_back(static_cast<float>(i * scale + 0.8 - std::floor(i * scale + 0.8)));
+        }
+        std::vector<uint16_t> sums(140);
+        for (size_t i = 0; i < sums.size(); ++i) sums[i] = static_cast<uint16_t>(i * 467);
+        const std::vector<uint16_t> before = sums;
+        GetParam()->placeRow(texels.data(), {places.data(), fractions.data(), 117, scale <= 1}, sums.data());
+        for (size_t i = 0; i < sums.size(); ++i) {
+            double expected = before[i];
+            if (i < 117) {
+                const auto at = static_cast<size_t>(places[i]);
+                const double s = static_cast<double>(texels[at]) +
+                                 static_cast<double>(fractions[i]) *
+                                     (static_cast<double>(texels[at + 1]) - static_cast<double>(texels[at]));
+                expected += s * (1 - before[i] / 65535.0);
+            }
+            ASSERT_NEAR(sums[i], expected, 0.51) << "scale " << scale << ", pixel " << i;
+        }
+    }
+}
+
+TEST_P(Kernels, AddingNothingChangesNothingAndFullStaysFull) {
+    std::vector<float> texels(kSlack, 0.0f);
+    const std::vector<int32_t> places(20, 0);
+    const std::vector<float> fractions(20, 0.5f);
+    std::vector<uint16_t> sums(20);
+    for (unsigned value = 0; value < 65536; value += 20) {
+        for (unsigned i = 0; i < 20; ++i) sums[i] = static_cast<uint16_t>(std::min(value + i, 65535u));
+        GetParam()->placeRow(texels.data(), {places.data(), fractions.data(), 20, true}, sums.data());
+        for (unsigned i = 0; i < 20; ++i) ASSERT_EQ(sums[i], std::min(value + i, 65535u));
+    }
+    texels.assign(kSlack, 65535.0f);
+    GetParam()->placeRow(texels.data(), {places.data(), fractions.data(), 20, true}, sums.data());
+    for (uint16_t sum : sums) EXPECT_EQ(sum, 65535);
+}
+
+TEST_P(Kernels, Conversions) {
+    std::vector<uint16_t> all(65536);
+    for (size_t i = 0; i < all.size(); ++i) all[i] = static_cast<uint16_t>(i);
+    std::vector<uint8_t> bytes(all.size());
+    std::vector<float> floats(all.size());
+    GetParam()->toBytes(all.data(), all.size(), bytes.data());
+    GetParam()->toFloats(all.data(), all.size(), floats.data());
+    for (size_t i = 0; i < all.size(); ++i) {
+        ASSERT_EQ(bytes[i], std::floor(static_cast<double>(i) / 257 + 0.5)) << i;
+        ASSERT_EQ(floats[i], static_cast<float>(i) / 65535.0f) << i;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Sets, Kernels, ::testing::ValuesIn(RunnableKernels()), [](const auto& row) {
+    std::string name = row.param->name;
+    std::erase(name, '-');
+    return name;
+});
+
+}  // namespace

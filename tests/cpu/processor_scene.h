@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// Renders scenes and keeps what the passes made: the output's alpha, or for an inner shadow the alpha that is laid over
+// the layer.
+
+#include "tests/cpu/random_scene.h"
+
+class SceneRenderer : public ShadowScene {
+ public:
+    /// The accumulated alpha, 0..1. Fails the test when the render does.
+    Plane Draw(const RandomScene& scene);
+    RenderHost& Host() { return host_; }
+};

@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// Whole renders by the processor, on machines without any OpenGL: against the model, and against themselves with every
+// instruction set, any number of threads, and with or without the bounds.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <string>
+
+#include "cpu/kernels.h"
+#include "cpu/thread_pool.h"
+#include "platform/fake/call_log.h"
+#include "platform/fake/renderer_choice_fake.h"
+#include "render/processor_path.h"
+#include "render/smart_render.h"
+#include "render/work_extent.h"
+#include "tests/cpu/processor_scene.h"
+
+namespace {
+
+class ProcessorTest : public ::testing::Test, protected SceneRenderer {
+ protected:
+    ProcessorTest() {
+        fake::Reset();
+        fake::Renderer() = RendererChoice::kProcessor;
+    }
+    ~ProcessorTest() override {
+        UseKernels(nullptr);
+        LimitPoolThreads(0);
+        SetWorksEverywhere(false);
+        EndProcessorThreads();
+        std::string why;
+        EXPECT_TRUE(host_.Balanced(&why)) << why;
+        EXPECT_EQ(host_.layersOut, 0);
+        EXPECT_TRUE(fake::Calls().empty()) << "no call to GL: " << fake::Calls().front();
+        fake::Reset();
+    }
+
+    Plane Model(const RandomScene& s) const {
+        const int width = output_->world.width;
+        const int height = output_->world.height;
+        if (s.type == SHADOW_NORMAL) {
+            return NormalShadow(alpha_, s.panel, {record_->centreOffsetX, record_->centreOffsetY}, width, height);
+        }
+        if (s.type == SHADOW_INNER) {
+            return InnerShadow(alpha_, s.panel, {record_->innerGrowLeft, record_->innerGrowTop}, 1, width, height);
+        }
+        const RadialPlacement placement{s.originX,
+                                        s.originY,
+                                        record_->centreOffsetX,
+                                        record_->centreOffsetY,
+                                        static_cast<double>(output_->world.origin_x) - input_->world.origin_x,
+                                        static_cast<double>(output_->world.origin_y) - input_->world.origin_y};
+        return RadialShadow(alpha_, s.panel, placement, width, height);
+    }
+};
+
+struct Case {
+    const char* name;
+    int type;
+    int depth;
+    void (*change)(PanelValues&);
+};
+
+const Case kCases[] = {
+    {"small default", 1, 8, [](PanelValues&) {}},
+    {"small default in float", 1, 32, [](PanelValues&) {}},
+    {"the layer's own alpha", 1, 32,
+     [](PanelValues& p) {
+         p.distance = p.softness = p.offsetShadow = p.easeOpacity = 0;
+         p.samples = 1;
+         p.resolution = 5;
+         p.opacityEnd = 100;
+     }},
+    {"to the upper left", 1, 8, [](PanelValues& p) { p.angle = -45; }},
+    {"straight down", 1, 8, [](PanelValues& p) { p.angle = 180; }},
+    {"ease in and out", 1, 32, [](PanelValues& p) { p.easeMode = 2; }},
+    {"linear", 1, 8, [](PanelValues& p) { p.ease = 0; }},
+    {"draft", 1, 8, [](PanelValues& p) { p.resolution = 1; }},
+    {"extreme", 1, 32, [](PanelValues& p) { p.resolution = 5; }},
+    {"half resolution", 1, 8, [](PanelValues& p) { p.scale = 0.5; }},
+    {"two samples share a buffer", 1, 8, [](PanelValues& p) { p.samples = 2; }},
+    {"dense and opaque", 1, 32,
+     [](PanelValues& p) {
+         p.opacityStart = 90;
+         p.opacityEnd = 100;
+         p.samples = 20;
+     }},
+    {"far offset", 1, 8, [](PanelValues& p) { p.offsetShadow = 30; }},
+    {"inner", 2, 8, [](PanelValues&) {}},
+    {"inner in float", 2, 32, [](PanelValues&) {}},
+    {"inner to the upper left", 2, 8, [](PanelValues& p) { p.angle = 315; }},
+    {"inner draft", 2, 8, [](PanelValues& p) { p.resolution = 1; }},
+    {"inner extreme", 2, 32, [](PanelValues& p) { p.resolution = 5; }},
+    {"inner at half resolution", 2, 8, [](PanelValues& p) { p.scale = 0.5; }},
+    {"radial", 3, 8, [](PanelValues&) {}},
+    {"radial in float", 3, 32, [](PanelValues&) {}},
+    {"radial without distance", 3, 8, [](PanelValues& p) { p.distance = 0; }},
+    {"radial draft", 3, 8, [](PanelValues& p) { p.resolution = 1; }},
+    {"radial extreme", 3, 32, [](PanelValues& p) { p.resolution = 5; }},
+    {"radial far", 3, 32, [](PanelValues& p) { p.distance = 400; }},
+    {"radial at half resolution", 3, 8, [](PanelValues& p) { p.scale = 0.5; }},
+};
+
+class ProcessorCases : public ProcessorTest, public ::testing::WithParamInterface<Case> {};
+
+TEST_P(ProcessorCases, MatchTheModel) {
+    const Case& c = GetParam();
+    RandomScene scene;
+    scene.type = c.type;
+    scene.depth = c.depth;
+    scene.width = 40;
+    scene.height = 30;
+    scene.panel.distance = 25;
+    scene.panel.softness = 20;
+    scene.panel.samples = 9;
+    scene.originX = 10;
+    scene.originY = 5;
+    scene.alphaOf = LayerAlpha;
+    c.change(scene.panel);
+    const Plane drawn = Draw(scene);
+    ExpectLike(drawn, Model(scene), scene.panel.samples);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, ProcessorCases, ::testing::ValuesIn(kCases),
+                         [](const auto& row) { return TestName(row.param.name); });
+
+// UMBRANT_TEST_SCENES draws another number of scenes, for long runs.
+unsigned Scenes() {
+    const char* text = std::getenv("UMBRANT_TEST_SCENES");
+    const int scenes = text ? std::atoi(text) : 0;
+    return scenes > 0 ? static_cast<unsigned>(scenes) : 300;
+}
+
+TEST_F(ProcessorTest, BoundsChangeNoByte) {
+    for (unsigned number = 0; number < Scenes(); ++number) {
+        const RandomScene scene = MakeRandomScene(number);
+        SetWorksEverywhere(false);
+        const Plane bounded = Draw(scene);
+        SetWorksEverywhere(true);
+        const Plane everywhere = Draw(scene);
+        ASSERT_EQ(bounded.values, everywhere.values) << scene.words;
+    }
+}
+
+TEST_F(ProcessorTest, EveryInstructionSetAndNumberOfThreadsGivesTheSameBytes) {
+    for (unsigned number = 0; number < 60; ++number) {
+        const RandomScene scene = MakeRandomScene(number);
+        UseKernels(nullptr);
+        LimitPoolThreads(1);
+        const Plane one = Draw(scene);
+        for (const CpuKernels* kernels : RunnableKernels()) {
+            UseKernels(kernels);
+            LimitPoolThreads(3);
+            ASSERT_EQ(Draw(scene).values, one.values) << kernels->name << ", " << scene.words;
+        }
+    }
+}
+
+TEST_F(ProcessorTest, SaysWhatDraws) {
+    Draw(MakeRandomScene(0));
+    EXPECT_EQ(host_.global->rendererRecorded, 1);
+    EXPECT_EQ(std::string(host_.global->gl_renderer), ProcessorName());
+    EXPECT_NE(ProcessorName().find(BestKernels().name), std::string::npos);
+    EXPECT_EQ(ProcessorName().rfind("Processor (", 0), 0u);
+}
+
+}  // namespace

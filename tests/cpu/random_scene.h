@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// Scenes to compare renderers by: small layers of many shapes under parameters from everywhere in the panel.
+
+#include <string>
+
+#include "tests/render/shadow_scene.h"
+
+/// One render, told by its number alone.
+struct RandomScene {
+    int type = 0;
+    int depth = 8;
+    int width = 0;
+    int height = 0;
+    PanelValues panel;
+    double originX = 0;
+    double originY = 0;
+    double (*alphaOf)(int, int) = nullptr;
+    std::string words;  ///< for messages
+};
+
+/// Scene `number`; costly values are rare. Sets what the scene's `alphaOf` draws, until the next call.
+RandomScene MakeRandomScene(unsigned number);
