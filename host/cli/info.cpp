@@ -12,6 +12,7 @@
 
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
+#include "host/cli/renderer.h"
 #include "host/cli/results.h"
 
 namespace {
@@ -39,10 +40,11 @@ std::string WithoutFinalBreaks(std::string text) {
     return text;
 }
 
-nlohmann::ordered_json Describe(const OpenedModule& opened, const std::string& about) {
+nlohmann::ordered_json Describe(const OpenedModule& opened, const std::string& about, RendererWish wish) {
     const Registration& effect = opened.module->Effect();
     const EffectSession& session = *opened.session;
     const GpuStrings gpu = ReadGpuStrings(session.Params());
+    const RendererDecision renderer = DecideRenderer(wish, gpu);
     return {
         {"module", opened.module->File().string()},
         {"name", effect.name},
@@ -55,6 +57,7 @@ nlohmann::ordered_json Describe(const OpenedModule& opened, const std::string& a
         {"outFlags", fmt::format("{:#010x}", static_cast<A_u_long>(session.OutFlags()))},
         {"outFlags2", fmt::format("{:#010x}", static_cast<A_u_long>(session.OutFlags2()))},
         {"about", about},
+        {"renderer", {{"used", renderer.Name()}, {"why", renderer.why}}},
         {"gpu",
          {{"vendor", gpu.vendor},
           {"renderer", gpu.renderer},
@@ -81,17 +84,21 @@ std::string Text(const nlohmann::ordered_json& info) {
     line("Renderer", gpu("renderer"));
     line("OpenGL Version", gpu("openglVersion"));
     line("Shader Version", gpu("shaderVersion"));
+    line("Draws with", fmt::format("{}: {}", info["renderer"]["used"] == "cpu" ? "the processor" : "OpenGL",
+                                   info["renderer"]["why"].get<std::string>()));
     line("Host", fmt::format("umbrant {}, interface {}", info["host"]["version"].get<std::string>(),
                              info["host"]["apiVersion"].get<std::string>()));
     return text + "\n" + WithoutFinalBreaks(get("about")) + "\n";
 }
 
 Result<ExitCode> Info(const InfoOptions& options) {
+    const auto wish = ReadRendererWish("");
+    if (!wish) return wish.Error();
     auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module));
     if (!opened) return opened.Error();
     const auto about = opened->Session().About();
     if (!about) return about.Error();
-    const auto info = Describe(*opened, *about);
+    const auto info = Describe(*opened, *about, *wish);
     const std::string text =
         options.json ? info.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n" : Text(info);
     PrintResult(text);
@@ -104,7 +111,7 @@ Command InfoCommand() {
     const auto options = std::make_shared<InfoOptions>();
     Command command;
     command.name = "info";
-    command.summary = "Tell the module's identity, its about text and the GPU it draws with";
+    command.summary = "Tell the module's identity, its about text, the GPU and what pictures are drawn with";
     command.examples =
         "  umbrant info\n"
         "  umbrant info --json --module build/release/umbrant2.so";

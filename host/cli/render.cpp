@@ -16,6 +16,7 @@
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
 #include "host/cli/render_report.h"
+#include "host/cli/renderer.h"
 #include "host/cli/results.h"
 #include "host/cli/settings.h"
 #include "host/image/picture.h"
@@ -59,6 +60,7 @@ struct RenderOptions {
     bool collapsed = false;
     double seconds = 0;
     std::string compression;
+    std::string renderer;
     std::string module;
     bool json = false;
     bool verbose = false;
@@ -203,6 +205,8 @@ Result<ExitCode> Render(const RenderOptions& options) {
     if (!options.compression.empty()) {
         if (auto known = CheckCompression(options.output, options.compression); !known) return known.Error();
     }
+    const auto wish = ReadRendererWish(options.renderer);
+    if (!wish) return wish.Error();
     const auto layers = ReadLayers(options);
     if (!layers) return layers.Error();
     RenderFacts facts = FactsOf(options, layers->layer);
@@ -211,12 +215,14 @@ Result<ExitCode> Render(const RenderOptions& options) {
     auto opened = OpenWithValues(options, *layers);
     if (!opened) return opened.Error();
     EffectSession& session = opened->Session();
-    if (options.verbose) Note(CommandsText(session.Commands()));
+    const RendererDecision renderer = DecideRenderer(*wish, ReadGpuStrings(session.Params()));
+    TellRenderer(renderer);
+    if (options.verbose) Note(CommandsText(session.Commands()) + RendererText(renderer) + "\n");
 
     const FrameRequest request = RequestOf(options, *layers);
     auto frame = session.Render(request);
     if (options.verbose) Note(frame ? FrameText(*frame, session) : RefusedText(session));
-    if (!frame) return Explain(frame.Error(), session);
+    if (!frame) return renderer.processor ? frame.Error() : Explain(frame.Error(), session);
     if (!frame->message.empty()) Note("the effect says: " + frame->message + "\n");
 
     stage.Lap();
@@ -235,7 +241,7 @@ Result<ExitCode> Render(const RenderOptions& options) {
     }
     if (!ended) return ended.Error();
     facts.total = whole.Lap();
-    PrintResult(options.json ? RenderReport(facts, *frame, session) : options.output + "\n");
+    PrintResult(options.json ? RenderReport(facts, renderer, *frame, session) : options.output + "\n");
     return ExitCode::kDone;
 }
 
@@ -287,6 +293,12 @@ Command RenderCommand() {
                        "How the picture is stored: zip, piz, dwaa, ... in EXR, lzw, ... in TIFF, jpeg:1 to jpeg:100; "
                        "without it as the input where it has the same format")
             ->type_name("NAME");
+        app.add_option(
+               "--renderer", options->renderer,
+               "gl: OpenGL; cpu: the processor; auto: OpenGL where hardware draws it, else the processor. Without "
+               "it UMBRANT_RENDERER or auto")
+            ->check(CLI::IsMember({"auto", "gl", "cpu"}))
+            ->type_name("auto|gl|cpu");
         app.add_option("--module", options->module,
                        "The effect's module; without it UMBRANT_MODULE or the one beside the program")
             ->type_name("FILE");

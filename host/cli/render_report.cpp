@@ -96,7 +96,8 @@ std::string RefusedText(const EffectSession& session) {
     return text;
 }
 
-std::string RenderReport(const RenderFacts& facts, const Frame& frame, const EffectSession& session) {
+std::string RenderReport(const RenderFacts& facts, const RendererDecision& renderer, const Frame& frame,
+                         const EffectSession& session) {
     const GpuStrings gpu = ReadGpuStrings(session.Params());
     std::vector<CommandRecord> commands = session.Commands();
     commands.insert(commands.end(), frame.commands.begin(), frame.commands.end());
@@ -113,6 +114,7 @@ std::string RenderReport(const RenderFacts& facts, const Frame& frame, const Eff
           {"picture", RectJson(facts.picture)}}},
         {"milliseconds", TimingsJson(facts, frame.commands)},
         {"host", {{"version", ProgramVersion()}, {"apiVersion", "13.28"}}},
+        {"renderer", {{"used", renderer.Name()}, {"why", renderer.why}}},
         {"gpu",
          {{"vendor", gpu.vendor},
           {"renderer", gpu.renderer},

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/cli/opened_module.h"
+#include "host/cli/renderer.h"
 #include "host/session/effect_session.h"
 
 /// Milliseconds since it was made or last asked.
@@ -45,4 +46,5 @@ std::string FrameText(const Frame& frame, const EffectSession& session);
 std::string RefusedText(const EffectSession& session);
 
 /// The whole report, ending in a line break. The session may have ended.
-std::string RenderReport(const RenderFacts& facts, const Frame& frame, const EffectSession& session);
+std::string RenderReport(const RenderFacts& facts, const RendererDecision& renderer, const Frame& frame,
+                         const EffectSession& session);

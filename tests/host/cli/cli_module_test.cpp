@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 
 // `umbrant params` and `umbrant info` on the real module, on a machine whose EGL has no driver: what they tell does not
-// depend on one, and a render says what is missing.
+// depend on one, and a render that asks for OpenGL says what is missing.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -109,8 +109,8 @@ TEST_F(CliWithoutOpenGL, RenderSaysWhatIsMissing) {
     const auto entries = folder_.Entries();
     for (const char* type : {"normal", "inner", "radial"}) {
         SCOPED_TRACE(type);
-        const Outcome outcome =
-            Run({"render", "in.png", "-o", "out.png", "--set", std::string("style/shadow-type=") + type});
+        const Outcome outcome = Run({"render", "in.png", "-o", "out.png", "--renderer", "gl", "--set",
+                                     std::string("style/shadow-type=") + type});
         EXPECT_EQ(outcome.code, 1);
         EXPECT_THAT(outcome.err, HasSubstr("no OpenGL context could be made, so the effect cannot draw: "));
         EXPECT_THAT(outcome.err, HasSubstr("error 512, PF_Err_INTERNAL_STRUCT_DAMAGED"));

@@ -57,6 +57,7 @@ TEST_F(CliReport, IsJsonAlone) {
     EXPECT_LE(sum, report["milliseconds"]["total"].get<double>() + 0.001);
     EXPECT_EQ(report["host"]["version"], PROJECT_VERSION);
     EXPECT_TRUE(report["gpu"].contains("renderer"));
+    EXPECT_EQ(report["renderer"], (json{{"used", "gl"}, {"why", "the effect names no renderer"}}));
     EXPECT_TRUE(report["suites"]["acquired"].is_array());
     EXPECT_EQ(report["suites"]["refused"], json::array());
     EXPECT_EQ(report["commands"][0]["name"], "PF_Cmd_GLOBAL_SETUP");

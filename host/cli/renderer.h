@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// Which renderer draws: OpenGL or the processor. The effect keeps to OpenGL unless the environment variable
+// UMBRANT_RENDERER says otherwise when it draws its first frame; the program decides after set-up, when the effect has
+// told which OpenGL it found.
+
+#include <string>
+
+#include "host/cli/opened_module.h"
+#include "host/result.h"
+
+/// What was asked for.
+enum class RendererWish { kAuto, kOpenGL, kProcessor };
+
+/// The wish by `option` ("auto", "gl", "cpu"); without one by the environment, where an empty variable is none. A value
+/// in the environment that is neither "gl" nor "cpu" is wrong usage.
+Result<RendererWish> ReadRendererWish(const std::string& option);
+
+/// What draws, and the reason as half a sentence.
+struct RendererDecision {
+    bool processor = false;
+    std::string why;
+
+    const char* Name() const { return processor ? "cpu" : "gl"; }
+};
+
+/// `kAuto` takes OpenGL where hardware draws it, and otherwise the processor.
+RendererDecision DecideRenderer(RendererWish wish, const GpuStrings& gpu);
+
+/// "drawn by the processor: there is no OpenGL".
+std::string RendererText(const RendererDecision& decision);
+
+/// Tells the effect, before it draws the process's first frame.
+void TellRenderer(const RendererDecision& decision);

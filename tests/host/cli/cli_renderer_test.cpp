@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// Which renderer draws, and how that is told; on the real module, without any OpenGL but where a wish needs none.
+
+#include "host/cli/renderer.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "tests/host/cli/program.h"
+
+namespace {
+
+using nlohmann::json;
+using testing::HasSubstr;
+
+GpuStrings Gpu(const char* renderer) {
+    const char* version = std::string(renderer) == "NULL" ? "NULL" : "4.5";
+    return {"Vendor", renderer, version, "4.50"};
+}
+
+TEST(DecideRenderer, ByWishAndByWhatTheEffectFound) {
+    const struct {
+        const char* name;
+        RendererWish wish;
+        const char* renderer;
+        bool processor;
+        const char* why;
+    } rows[] = {
+        {"hardware", RendererWish::kAuto, "NVIDIA H200/PCIe/SSE2", false, "OpenGL is hardware, NVIDIA H200/PCIe/SSE2"},
+        {"llvmpipe", RendererWish::kAuto, "llvmpipe (LLVM 15.0.6, 256 bits)", true,
+         "OpenGL is software, llvmpipe (LLVM 15.0.6, 256 bits)"},
+        {"softpipe", RendererWish::kAuto, "softpipe", true, "OpenGL is software, softpipe"},
+        {"the classic rasterizer", RendererWish::kAuto, "Software Rasterizer", true,
+         "OpenGL is software, Software Rasterizer"},
+        {"a layer over software", RendererWish::kAuto, "zink (llvmpipe (LLVM 15.0.6))", true,
+         "OpenGL is software, zink (llvmpipe (LLVM 15.0.6))"},
+        {"no OpenGL", RendererWish::kAuto, "NULL", true, "there is no OpenGL"},
+        {"an effect without the row", RendererWish::kAuto, "", false, "the effect names no renderer"},
+        {"OpenGL wished for where it is software", RendererWish::kOpenGL, "llvmpipe", false, "it was asked for"},
+        {"OpenGL wished for where there is none", RendererWish::kOpenGL, "NULL", false, "it was asked for"},
+        {"the processor wished for beside hardware", RendererWish::kProcessor, "NVIDIA", true, "it was asked for"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const RendererDecision decision = DecideRenderer(row.wish, Gpu(row.renderer));
+        EXPECT_EQ(decision.processor, row.processor);
+        EXPECT_EQ(decision.why, row.why);
+        EXPECT_STREQ(decision.Name(), row.processor ? "cpu" : "gl");
+    }
+}
+
+class CliRenderer : public testing::Test {
+ protected:
+    CliRenderer() {
+        std::filesystem::create_directory(folder_ / "no_drivers");
+        WriteLayer(folder_ / "in.png", 12, 9, {255, 200, 100, 50});
+    }
+
+    /// On a machine without any OpenGL.
+    Outcome Run(const std::vector<std::string>& arguments, std::vector<std::string> environment = {}) {
+        environment.push_back("__EGL_VENDOR_LIBRARY_DIRS=" + (folder_ / "no_drivers").string());
+        environment.push_back(std::string("UMBRANT_MODULE=") + UMBRANT_MODULE_FILE);
+        return RunUmbrant(folder_, arguments, {environment, ""});
+    }
+    static std::vector<std::string> Render(std::vector<std::string> more) {
+        std::vector<std::string> all = {"render", "in.png",           "-o",    "out.png",         "--json",
+                                        "--set",  "style/distance=4", "--set", "style/softness=2"};
+        all.insert(all.end(), more.begin(), more.end());
+        return all;
+    }
+
+    const Folder folder_;
+};
+
+TEST_F(CliRenderer, WithoutOpenGLTheProcessorDrawsAllShadows) {
+    for (const char* type : {"normal", "inner", "radial"}) {
+        for (const char* depth : {"8", "32"}) {
+            SCOPED_TRACE(std::string(type) + " " + depth);
+            const Outcome outcome = Run(Render({"--set", std::string("style/shadow-type=") + type, "--depth", depth}));
+            ASSERT_EQ(outcome.code, 0) << outcome.err;
+            const json report = json::parse(outcome.out, nullptr, false);
+            ASSERT_TRUE(report.is_object()) << outcome.out;
+            EXPECT_EQ(report["renderer"], (json{{"used", "cpu"}, {"why", "there is no OpenGL"}}));
+            EXPECT_EQ(report["gpu"]["renderer"], "NULL");
+            EXPECT_EQ(report["misbehaviour"], json::array());
+            EXPECT_EQ(report["message"], "");
+        }
+    }
+}
+
+TEST_F(CliRenderer, WishesAreHeard) {
+    const struct {
+        const char* name;
+        std::vector<std::string> arguments;
+        std::vector<std::string> environment;
+        int code;
+        const char* used;  ///< in the report; null where there is none
+    } rows[] = {
+        {"auto", {"--renderer", "auto"}, {}, 0, "cpu"},
+        {"cpu", {"--renderer", "cpu"}, {}, 0, "cpu"},
+        {"cpu by the environment", {}, {"UMBRANT_RENDERER=cpu"}, 0, "cpu"},
+        {"an empty variable is none", {}, {"UMBRANT_RENDERER="}, 0, "cpu"},
+        {"the option wins", {"--renderer", "cpu"}, {"UMBRANT_RENDERER=gl"}, 0, "cpu"},
+        {"auto beside the environment", {"--renderer", "auto"}, {"UMBRANT_RENDERER=gl"}, 0, "cpu"},
+        {"gl where there is none", {"--renderer", "gl"}, {}, 1, nullptr},
+        {"gl by the environment", {}, {"UMBRANT_RENDERER=gl"}, 1, nullptr},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const Outcome outcome = Run(Render(row.arguments), row.environment);
+        EXPECT_EQ(outcome.code, row.code) << outcome.err;
+        if (row.used) {
+            EXPECT_EQ(json::parse(outcome.out)["renderer"]["used"], row.used);
+        } else {
+            EXPECT_THAT(outcome.err, HasSubstr("no OpenGL context could be made, so the effect cannot draw: "));
+        }
+    }
+}
+
+TEST_F(CliRenderer, WrongWishesAreToldBeforeAnythingIsDrawn) {
+    const auto entries = folder_.Entries();
+    const Outcome option = Run(Render({"--renderer", "gpu"}));
+    EXPECT_EQ(option.code, 2);
+    EXPECT_THAT(option.err, HasSubstr("--renderer: gpu not in {auto,gl,cpu}"));
+    for (const std::vector<std::string>& arguments : {Render({}), {"info"}}) {
+        const Outcome variable = Run(arguments, {"UMBRANT_RENDERER=fast"});
+        EXPECT_EQ(variable.code, 2);
+        EXPECT_THAT(variable.err, HasSubstr("UMBRANT_RENDERER is \"fast\"; it must be \"gl\" or \"cpu\""));
+        EXPECT_EQ(variable.out, "");
+    }
+    EXPECT_EQ(folder_.Entries(), entries);
+}
+
+TEST_F(CliRenderer, InfoAndVerboseTellItToo) {
+    const Outcome info = Run({"info"});
+    EXPECT_THAT(info.out, HasSubstr("Draws with       the processor: there is no OpenGL\n")) << info.err;
+    const Outcome asked = Run({"info"}, {"UMBRANT_RENDERER=gl"});
+    EXPECT_THAT(asked.out, HasSubstr("Draws with       OpenGL: it was asked for\n"));
+    const Outcome machine = Run({"info", "--json"});
+    EXPECT_EQ(json::parse(machine.out)["renderer"]["used"], "cpu");
+    const Outcome verbose = Run(Render({"--verbose"}));
+    EXPECT_THAT(verbose.err, HasSubstr("drawn by the processor: there is no OpenGL\n"));
+}
+
+}  // namespace
