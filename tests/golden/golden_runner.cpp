@@ -2,8 +2,9 @@
 // Copyright 2026 the Umbrant authors
 
 // Runs one golden case: draws what its command.txt says with the built program and compares the picture with the
-// expected one. Knows the program by its command line alone. Exit codes: 0 close, 1 different or failed, 77 skipped for
-// want of an OpenGL driver.
+// expected one. With --same-as MODULE it draws the case with that module too, and no pixel may differ at all; the
+// expected picture is then not looked at. Knows the program by its command line alone. Exit codes: 0 close, 1 different
+// or failed, 77 skipped for want of an OpenGL driver.
 //
 // A case is a folder with command.txt, its inputs and expected.EXT. command.txt holds comment lines (#), one line of
 // arguments for the program in which files are named as they lie in the folder and the result is "actual.EXT", and
@@ -32,6 +33,8 @@ struct Arguments {
     std::string program;
     fs::path caseFolder;
     fs::path workFolder;
+    std::string renderer = "gl";  ///< or "cpu"
+    std::string sameAs;           ///< another module, or none
     bool rebase = false;
 };
 
@@ -106,6 +109,22 @@ bool ReadCase(const Arguments& arguments, Case& golden) {
     return golden.tolerance.size() == 3 && !golden.extension.empty();
 }
 
+/// Draws the case again with the other module; 0 when no pixel differs. Files are not compared: some tell the time.
+int DrawAgain(const Arguments& arguments, const Case& golden, const fs::path& actual) {
+    const fs::path first = arguments.workFolder / ("first" + golden.extension);
+    fs::rename(actual, first);
+    setenv("UMBRANT_MODULE", arguments.sameAs.c_str(), 1);
+    const Outcome drawn = Run(arguments, golden.command);
+    if (drawn.code != 0) {
+        std::cout << "with the other module the program ended with " << drawn.code << ": " << drawn.text;
+        return 1;
+    }
+    const Outcome compared = Run(arguments, {"compare", first.string(), actual.string(), "--straight", "--warn",
+                                             "1e-30", "--percent", "0", "--hard", "0"});
+    std::cout << compared.text;
+    return compared.code;
+}
+
 int RunCase(const Arguments& arguments) {
     Case golden;
     if (!ReadCase(arguments, golden)) {
@@ -114,11 +133,18 @@ int RunCase(const Arguments& arguments) {
     }
     fs::remove_all(arguments.workFolder);
     fs::create_directories(arguments.workFolder);
-    const Outcome info = Run(arguments, {"info"});
-    const std::string renderer = InfoLine(info.text, "Renderer");
-    if (info.code == 0 && renderer == "NULL") {
-        std::cout << "skipped: no OpenGL driver, the effect's GPU rows read NULL\n";
-        return kSkipped;
+    setenv("UMBRANT_RENDERER", arguments.renderer.c_str(), 1);
+    // Mesa's software renderer mixes the texels of an 8-bit texture in 8 bits unless it is told not to; the expected
+    // pictures are of full precision.
+    setenv("GALLIVM_PERF", "no_aos_sampling", 1);
+    std::string renderer = "the processor";
+    if (arguments.renderer == "gl") {
+        const Outcome info = Run(arguments, {"info"});
+        renderer = InfoLine(info.text, "Renderer");
+        if (info.code == 0 && renderer == "NULL") {
+            std::cout << "skipped: no OpenGL driver, the effect's GPU rows read NULL\n";
+            return kSkipped;
+        }
     }
 
     const fs::path actual = arguments.workFolder / ("actual" + golden.extension);
@@ -129,6 +155,7 @@ int RunCase(const Arguments& arguments) {
         std::cout << "the program ended with " << drawn.code << ": " << drawn.text;
         return 1;
     }
+    if (!arguments.sameAs.empty()) return DrawAgain(arguments, golden, actual);
     if (arguments.rebase) {
         fs::copy_file(actual, expected, fs::copy_options::overwrite_existing);
         std::cout << "wrote " << expected.string() << " with " << renderer << "\n";
@@ -152,6 +179,10 @@ int main(int argc, char** argv) {
         const std::string word = argv[i];
         if (word == "--rebase") {
             arguments.rebase = true;
+        } else if (i + 1 < argc && word == "--renderer") {
+            arguments.renderer = argv[++i];
+        } else if (i + 1 < argc && word == "--same-as") {
+            arguments.sameAs = argv[++i];
         } else if (i + 1 < argc && word == "--program") {
             arguments.program = argv[++i];
         } else if (i + 1 < argc && word == "--case") {
@@ -159,7 +190,8 @@ int main(int argc, char** argv) {
         } else if (i + 1 < argc && word == "--work") {
             arguments.workFolder = argv[++i];
         } else {
-            std::cerr << "usage: golden_runner --program UMBRANT --case FOLDER --work FOLDER [--rebase]\n";
+            std::cerr << "usage: golden_runner --program UMBRANT --case FOLDER --work FOLDER [--renderer gl|cpu] "
+                         "[--same-as MODULE] [--rebase]\n";
             return 2;
         }
     }
