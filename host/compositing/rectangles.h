@@ -36,9 +36,10 @@ inline PF_LRect BoundsOf(const PF_EffectWorld& world) {
     return {0, 0, world.width, world.height};
 }
 
-/// First byte of row y of any world.
+/// First byte of row y of any world; null in one without pixels.
 template <typename Pixel>
 Pixel* RowOf(const PF_EffectWorld& world, int y) {
+    if (!world.data) return nullptr;
     auto* bytes = reinterpret_cast<A_u_char*>(world.data) + static_cast<std::ptrdiff_t>(y) * world.rowbytes;
     return reinterpret_cast<Pixel*>(static_cast<void*>(bytes));
 }

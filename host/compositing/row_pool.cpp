@@ -79,9 +79,10 @@ class Pool {
         insideWork = true;
         std::unique_lock lock(mutex_);
         for (;;) {
-            wake_.wait(lock, [&] { return ending_ || Pending(); });
+            // Asked once: the caller may take a job's last rows at any moment, without the lock.
+            Job* job = nullptr;
+            wake_.wait(lock, [&] { return ending_ || (job = Pending()) != nullptr; });
             if (ending_) return;
-            Job* job = Pending();
             ++job->inside;
             lock.unlock();
             job->Work(thread);

@@ -49,6 +49,7 @@ Placement Place(const PF_Rect& rect, const PF_EffectWorld& source, int x, int y,
 
 template <typename Pixel>
 const Pixel* RowOf(const PF_EffectWorld& world, int y) {
+    if (!world.data) return nullptr;
     const auto* bytes =
         reinterpret_cast<const std::byte*>(world.data) + static_cast<std::ptrdiff_t>(y) * world.rowbytes;
     return static_cast<const Pixel*>(static_cast<const void*>(bytes));

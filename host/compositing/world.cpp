@@ -137,6 +137,7 @@ Depth World::PixelDepth() const {
 }
 
 std::byte* World::Row(int y) {
+    if (!block_->def.data) return nullptr;
     return reinterpret_cast<std::byte*>(block_->def.data) + static_cast<std::ptrdiff_t>(y) * block_->def.rowbytes;
 }
 

@@ -41,7 +41,7 @@ class World {
     int Width() const { return Def().width; }
     int Height() const { return Def().height; }
     Depth PixelDepth() const;
-    /// First byte of row y.
+    /// First byte of row y; null in an empty world.
     std::byte* Row(int y);
     const std::byte* Row(int y) const;
 

@@ -94,15 +94,18 @@ inline World FilledWorld(int width, int height, Depth depth, const Stored& store
     return world;
 }
 
+/// Bytes of all rows, padding included.
+inline std::size_t BytesOf(const World& world) {
+    return static_cast<std::size_t>(world.Def().rowbytes) * static_cast<std::size_t>(world.Height());
+}
+
 inline World CopyOfWorld(const World& world) {
     World copy = World::Create(world.Width(), world.Height(), world.PixelDepth());
-    std::memcpy(copy.Row(0), world.Row(0),
-                static_cast<std::size_t>(world.Def().rowbytes) * static_cast<std::size_t>(world.Height()));
+    if (world.Def().data) std::memcpy(copy.Def().data, world.Def().data, BytesOf(world));
     return copy;
 }
 
 /// Whether two worlds of one shape hold the same bytes, padding included.
 inline bool SameBytes(const World& a, const World& b) {
-    return std::memcmp(a.Row(0), b.Row(0),
-                       static_cast<std::size_t>(a.Def().rowbytes) * static_cast<std::size_t>(a.Height())) == 0;
+    return !a.Def().data || std::memcmp(a.Def().data, b.Def().data, BytesOf(a)) == 0;
 }
