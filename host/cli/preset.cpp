@@ -49,7 +49,7 @@ Result<Json> Parse(const fs::path& file, const std::string& text, Mistakes& mist
     };
     try {
         return Json::parse(text, watch);
-    } catch (const Json::parse_error& problem) {
+    } catch (const Json::exception& problem) {  // also for a number that no double holds
         const std::string words = problem.what();
         const std::size_t name = words.find("] ");
         return CannotRead(

@@ -135,6 +135,10 @@ TEST(CliPreset, MistakesAreAllToldAndNothingIsDrawn) {
          2,
          {"is a layer; give it a picture instead of a value"}},
         {"no JSON", "distance = 80", 3, {"cannot read the preset 'p.json': it is not JSON (parse error at line 1"}},
+        {"a number that no double holds",
+         R"({"version": 1, "values": {"paint/border": 1e400}})",
+         3,
+         {"it is not JSON (number overflow parsing '1e400')"}},
         {"an empty file", "", 3, {"cannot read the preset 'p.json': it is not JSON"}},
         {"a bare nan", R"({"version": 1, "values": {"paint/border": nan}})", 3, {"it is not JSON"}},
     };
