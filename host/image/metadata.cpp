@@ -26,9 +26,9 @@ std::string Lower(std::string_view text) {
     return lower;
 }
 
-bool Survives(const std::string& name, const OIIO::ImageSpec& spec) {
+bool Survives(const std::string& name, const OIIO::ImageSpec& layout) {
     // A profile for grey or for inks would be wrong for the three colours that are written.
-    if (name == "iccprofile") return spec.nchannels - (spec.alpha_channel < 0 ? 0 : 1) == 3;
+    if (name == "iccprofile") return layout.nchannels - (layout.alpha_channel < 0 ? 0 : 1) == 3;
     if (std::find(std::begin(kColor), std::end(kColor), name) != std::end(kColor)) return true;
     return std::none_of(std::begin(kStorage), std::end(kStorage),
                         [&](std::string_view prefix) { return name.starts_with(prefix); });
@@ -36,16 +36,16 @@ bool Survives(const std::string& name, const OIIO::ImageSpec& spec) {
 
 }  // namespace
 
-PictureMetadata MetadataOf(const OIIO::ImageSpec& spec, const std::string& format) {
+PictureMetadata MetadataOf(const OIIO::ImageSpec& layout, const std::string& format) {
     PictureMetadata metadata;
     metadata.format = format;
-    metadata.compression = spec.get_string_attribute("compression");
-    for (const OIIO::ParamValue& attribute : spec.extra_attribs) {
-        if (Survives(Lower(attribute.name().string()), spec)) metadata.attributes.push_back(attribute);
+    metadata.compression = layout.get_string_attribute("compression");
+    for (const OIIO::ParamValue& attribute : layout.extra_attribs) {
+        if (Survives(Lower(attribute.name().string()), layout)) metadata.attributes.push_back(attribute);
     }
     return metadata;
 }
 
-void AddMetadata(const PictureMetadata& metadata, OIIO::ImageSpec& spec) {
-    for (const OIIO::ParamValue& attribute : metadata.attributes) spec.extra_attribs.add_or_replace(attribute);
+void AddMetadata(const PictureMetadata& metadata, OIIO::ImageSpec& layout) {
+    for (const OIIO::ParamValue& attribute : metadata.attributes) layout.extra_attribs.add_or_replace(attribute);
 }

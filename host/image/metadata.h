@@ -15,7 +15,7 @@ struct PictureMetadata {
 };
 
 /// Takes from a file's description what is about the picture, and leaves what is about how the file is stored.
-PictureMetadata MetadataOf(const OIIO::ImageSpec& spec, const std::string& format);
+PictureMetadata MetadataOf(const OIIO::ImageSpec& layout, const std::string& format);
 
 /// Adds the attributes to the description of a file of a format.
-void AddMetadata(const PictureMetadata& metadata, OIIO::ImageSpec& spec);
+void AddMetadata(const PictureMetadata& metadata, OIIO::ImageSpec& layout);

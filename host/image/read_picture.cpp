@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdint>
+#include <cstdlib>
 #include <exception>
 #include <memory>
 #include <new>
@@ -45,9 +46,9 @@ struct Channels {
     int alpha = -1;
 };
 
-int ChannelNamed(const OIIO::ImageSpec& spec, std::string_view name) {
-    for (int i = 0; i < spec.nchannels; ++i) {
-        const std::string& candidate = spec.channelnames[static_cast<std::size_t>(i)];
+int ChannelNamed(const OIIO::ImageSpec& layout, std::string_view name) {
+    for (int i = 0; i < layout.nchannels; ++i) {
+        const std::string& candidate = layout.channelnames[static_cast<std::size_t>(i)];
         if (candidate.size() == name.size() &&
             std::equal(candidate.begin(), candidate.end(), name.begin(),
                        [](unsigned char a, unsigned char b) { return std::tolower(a) == std::tolower(b); })) {
@@ -58,16 +59,16 @@ int ChannelNamed(const OIIO::ImageSpec& spec, std::string_view name) {
 }
 
 /// Colour channels by name where they are named, else the first three; one channel is grey, two are red and green.
-Channels FindChannels(const OIIO::ImageSpec& spec) {
+Channels FindChannels(const OIIO::ImageSpec& layout) {
     Channels found;
-    found.alpha = spec.alpha_channel;
-    found.red = ChannelNamed(spec, "R");
-    found.green = ChannelNamed(spec, "G");
-    found.blue = ChannelNamed(spec, "B");
+    found.alpha = layout.alpha_channel;
+    found.red = ChannelNamed(layout, "R");
+    found.green = ChannelNamed(layout, "G");
+    found.blue = ChannelNamed(layout, "B");
     if (found.red >= 0 && found.green >= 0 && found.blue >= 0) return found;
 
     std::vector<int> colours;
-    for (int i = 0; i < spec.nchannels; ++i) {
+    for (int i = 0; i < layout.nchannels; ++i) {
         if (i != found.alpha) colours.push_back(i);
     }
     if (colours.size() >= 3) return {colours[0], colours[1], colours[2], found.alpha};
@@ -114,23 +115,27 @@ void Unpremultiply(PF_Pixel* row, int width) {
 
 /// Reads all pixels in the file's own channels, `Channel` being what they are converted to.
 template <typename Pixel, typename Channel>
-std::optional<std::string> ReadPixels(OIIO::ImageInput& input, const OIIO::ImageSpec& spec, OIIO::TypeDesc type,
+std::optional<std::string> ReadPixels(OIIO::ImageInput& input, const OIIO::ImageSpec& layout, OIIO::TypeDesc type,
                                       Channel full, World& world) {
-    const std::size_t rowValues = static_cast<std::size_t>(spec.width) * static_cast<std::size_t>(spec.nchannels);
-    std::vector<Channel> values(rowValues * static_cast<std::size_t>(spec.height));
-    const bool read = input.read_image(0, 0, 0, spec.nchannels, type, values.data());
+    const std::size_t rowValues = static_cast<std::size_t>(layout.width) * static_cast<std::size_t>(layout.nchannels);
+    // Zeroed by the system page by page, as they are written: a small file that claims to be large costs nothing.
+    const std::unique_ptr<Channel, decltype(&std::free)> values(
+        static_cast<Channel*>(std::calloc(rowValues * static_cast<std::size_t>(layout.height), sizeof(Channel))),
+        &std::free);
+    if (!values) throw std::bad_alloc();
+    const bool read = input.read_image(0, 0, 0, layout.nchannels, type, values.get());
     // Some readers deliver what they have of a truncated file and only leave a message.
     const std::string message = input.geterror();
     if (!read || !message.empty()) return message;
 
-    const Channels channels = FindChannels(spec);
+    const Channels channels = FindChannels(layout);
     const bool hasBoth = channels.alpha >= 0 && channels.red >= 0;
-    const bool straight = !hasBoth || spec.get_int_attribute("oiio:UnassociatedAlpha", 0) != 0;
-    for (int y = 0; y < spec.height; ++y) {
+    const bool straight = !hasBoth || layout.get_int_attribute("oiio:UnassociatedAlpha", 0) != 0;
+    for (int y = 0; y < layout.height; ++y) {
         auto* row = static_cast<Pixel*>(static_cast<void*>(world.Row(y)));
-        FillRow(values.data() + rowValues * static_cast<std::size_t>(y), spec.nchannels, channels, full, row,
-                spec.width);
-        if (!straight) Unpremultiply(row, spec.width);
+        FillRow(values.get() + rowValues * static_cast<std::size_t>(y), layout.nchannels, channels, full, row,
+                layout.width);
+        if (!straight) Unpremultiply(row, layout.width);
     }
     return std::nullopt;
 }
@@ -163,39 +168,41 @@ std::optional<std::string> WhyTooLarge(int width, int height, int channels) {
 }
 
 Result<Picture> ReadOpened(OIIO::ImageInput& input, const fs::path& file) {
-    const OIIO::ImageSpec spec = input.spec();
-    if (spec.deep) return CannotRead(file, "it is a deep picture; flatten it first");
-    if (spec.depth > 1) return CannotRead(file, "it is a volume, not a flat picture");
-    if (spec.width <= 0 || spec.height <= 0 || spec.nchannels <= 0) return CannotRead(file, "it has no pixels");
+    const OIIO::ImageSpec layout = input.spec();
+    if (layout.deep) return CannotRead(file, "it is a deep picture; flatten it first");
+    if (layout.depth > 1) return CannotRead(file, "it is a volume, not a flat picture");
+    if (layout.width <= 0 || layout.height <= 0 || layout.nchannels <= 0) return CannotRead(file, "it has no pixels");
     Picture picture;
     picture.format = input.format_name();
     const bool hasWindows = picture.format == "openexr";
-    if (hasWindows && spec.get_int_attribute("oiio:subimages", 1) > 1) {
+    if (hasWindows && layout.get_int_attribute("oiio:subimages", 1) > 1) {
         return CannotRead(file, "it has several parts; save the one you need as a file of its own");
     }
 
-    const bool eight = spec.format.size() == 1;
-    picture.bits = spec.get_int_attribute("oiio:BitsPerSample", static_cast<int>(spec.format.size()) * 8);
-    picture.window = {0, 0, spec.width, spec.height};
-    picture.frameWidth = spec.width;
-    picture.frameHeight = spec.height;
-    if (hasWindows && spec.full_width > 0 && spec.full_height > 0) {
-        picture.window = {spec.x - spec.full_x, spec.y - spec.full_y, spec.x - spec.full_x + spec.width,
-                          spec.y - spec.full_y + spec.height};
-        picture.frameWidth = spec.full_width;
-        picture.frameHeight = spec.full_height;
-        picture.frameOrigin = {spec.full_x, spec.full_y};
+    const bool eight = layout.format.size() == 1;
+    picture.bits = layout.get_int_attribute("oiio:BitsPerSample", static_cast<int>(layout.format.size()) * 8);
+    picture.window = {0, 0, layout.width, layout.height};
+    picture.frameWidth = layout.width;
+    picture.frameHeight = layout.height;
+    if (hasWindows && layout.full_width > 0 && layout.full_height > 0) {
+        picture.window = {layout.x - layout.full_x, layout.y - layout.full_y, layout.x - layout.full_x + layout.width,
+                          layout.y - layout.full_y + layout.height};
+        picture.frameWidth = layout.full_width;
+        picture.frameHeight = layout.full_height;
+        picture.frameOrigin.x = layout.full_x;
+        picture.frameOrigin.y = layout.full_y;
     }
-    if (const auto reason = WhyTooLarge(spec.width, spec.height, spec.nchannels)) return CannotRead(file, *reason);
+    if (const auto reason = WhyTooLarge(layout.width, layout.height, layout.nchannels))
+        return CannotRead(file, *reason);
     if (const auto reason = WhyTooLarge(picture.frameWidth, picture.frameHeight, 4)) return CannotRead(file, *reason);
-    picture.isHalf = spec.format == OIIO::TypeDesc::HALF;
-    picture.metadata = std::make_shared<const PictureMetadata>(MetadataOf(spec, picture.format));
-    picture.pixels = World::Create(spec.width, spec.height, eight ? Depth::k8 : Depth::k32);
+    picture.isHalf = layout.format == OIIO::TypeDesc::HALF;
+    picture.metadata = std::make_shared<const PictureMetadata>(MetadataOf(layout, picture.format));
+    picture.pixels = World::Create(layout.width, layout.height, eight ? Depth::k8 : Depth::k32);
     if (picture.pixels.IsNull()) return CannotRead(file, "there is not enough memory for it");
 
     const auto problem =
-        eight ? ReadPixels<PF_Pixel, A_u_char>(input, spec, OIIO::TypeDesc::UINT8, 255, picture.pixels)
-              : ReadPixels<PF_PixelFloat, float>(input, spec, OIIO::TypeDesc::FLOAT, 1.0f, picture.pixels);
+        eight ? ReadPixels<PF_Pixel, A_u_char>(input, layout, OIIO::TypeDesc::UINT8, 255, picture.pixels)
+              : ReadPixels<PF_PixelFloat, float>(input, layout, OIIO::TypeDesc::FLOAT, 1.0f, picture.pixels);
     if (problem) return CannotRead(file, Reason(*problem, file));
     return picture;
 }

@@ -145,32 +145,33 @@ std::string CompressionFor(const Format& format, const WriteOptions& options) {
     return std::string(format.compressions.substr(1, format.compressions.find(' ', 1) - 1));
 }
 
-OIIO::ImageSpec SpecOf(const Format& format, const World& world, const Placement& place, const WriteOptions& options) {
+OIIO::ImageSpec LayoutOf(const Format& format, const World& world, const Placement& place,
+                         const WriteOptions& options) {
     auto type = world.PixelDepth() == Depth::k8 ? format.fromEight : format.fromFloat;
     if (format.hasWindows && options.half) type = OIIO::TypeDesc::HALF;
-    OIIO::ImageSpec spec(world.Width(), world.Height(), format.form == Form::kOnWhite ? 3 : 4, OIIO::TypeDesc(type));
-    if (options.metadata) AddMetadata(*options.metadata, spec);
-    if (format.form == Form::kStraight) spec.attribute("oiio:UnassociatedAlpha", 1);
+    OIIO::ImageSpec layout(world.Width(), world.Height(), format.form == Form::kOnWhite ? 3 : 4, OIIO::TypeDesc(type));
+    if (options.metadata) AddMetadata(*options.metadata, layout);
+    if (format.form == Form::kStraight) layout.attribute("oiio:UnassociatedAlpha", 1);
     if (const std::string compression = CompressionFor(format, options); !compression.empty()) {
-        spec.attribute("compression", compression);
+        layout.attribute("compression", compression);
     }
     if (format.hasWindows) {
-        spec.x = place.frameOrigin.x + place.window.left;
-        spec.y = place.frameOrigin.y + place.window.top;
-        spec.full_x = place.frameOrigin.x;
-        spec.full_y = place.frameOrigin.y;
-        spec.full_width = place.frameWidth > 0 ? place.frameWidth : world.Width();
-        spec.full_height = place.frameHeight > 0 ? place.frameHeight : world.Height();
+        layout.x = place.frameOrigin.x + place.window.left;
+        layout.y = place.frameOrigin.y + place.window.top;
+        layout.full_x = place.frameOrigin.x;
+        layout.full_y = place.frameOrigin.y;
+        layout.full_width = place.frameWidth > 0 ? place.frameWidth : world.Width();
+        layout.full_height = place.frameHeight > 0 ? place.frameHeight : world.Height();
     }
-    return spec;
+    return layout;
 }
 
 /// Writes to a name that nobody looks at yet. Returns why it could not.
-std::optional<std::string> WriteTo(const fs::path& name, const OIIO::ImageSpec& spec,
+std::optional<std::string> WriteTo(const fs::path& name, const OIIO::ImageSpec& layout,
                                    const std::vector<float>& values) {
     const std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(name.string());
     if (!output) return OIIO::geterror();
-    if (!output->open(name.string(), spec)) return output->geterror();
+    if (!output->open(name.string(), layout)) return output->geterror();
     const bool written = output->write_image(OIIO::TypeDesc::FLOAT, values.data());
     const bool closed = output->close();
     if (written && closed) return std::nullopt;
@@ -230,8 +231,8 @@ Result<Done> WritePicture(const fs::path& file, const World& world, const Placem
     const Format& format = *FormatOf(file);
     TemporaryFile temporary(file);
     try {
-        const OIIO::ImageSpec spec = SpecOf(format, world, place, options);
-        if (const auto problem = WriteTo(temporary.Name(), spec, FileValues(world, format.form))) {
+        const OIIO::ImageSpec layout = LayoutOf(format, world, place, options);
+        if (const auto problem = WriteTo(temporary.Name(), layout, FileValues(world, format.form))) {
             return CannotWrite(file, problem->empty() ? "the disk or folder refuses it"
                                                       : std::string_view(*problem).substr(0, problem->find('\n')));
         }

@@ -162,23 +162,23 @@ TEST_F(CliReport, HalvesCompressionAndTagsSurvive) {
     WriteFile(folder_ / "in.exr", spec, {1, 0.5f, 0.25f, 1}, false);
     ASSERT_EQ(Paint({"--set", "paint/border=2"}, "in.exr", "out.exr").code, 0);
     RawFile raw = ReadRaw(folder_ / "out.exr");
-    EXPECT_EQ(raw.spec.format, OIIO::TypeDesc::HALF);
-    EXPECT_EQ(raw.spec.get_string_attribute("compression"), "piz");
-    EXPECT_EQ(raw.spec.get_string_attribute("owner", raw.spec.get_string_attribute("Copyright")), "Ada");
-    const auto* kept = raw.spec.find_attribute("smpte:TimeCode", OIIO::TypeTimeCode);
+    EXPECT_EQ(raw.layout.format, OIIO::TypeDesc::HALF);
+    EXPECT_EQ(raw.layout.get_string_attribute("compression"), "piz");
+    EXPECT_EQ(raw.layout.get_string_attribute("owner", raw.layout.get_string_attribute("Copyright")), "Ada");
+    const auto* kept = raw.layout.find_attribute("smpte:TimeCode", OIIO::TypeTimeCode);
     ASSERT_TRUE(kept);
     EXPECT_EQ(static_cast<const int*>(kept->data())[0], timecode[0]);
-    EXPECT_EQ(raw.spec.full_x, 10);
-    EXPECT_EQ(raw.spec.full_y, 20);
-    EXPECT_EQ(raw.spec.full_width, 4);
-    EXPECT_EQ(raw.spec.x, 8) << "the frame's corner less the border";
-    EXPECT_EQ(raw.spec.y, 18);
-    EXPECT_EQ(raw.spec.width, 8);
+    EXPECT_EQ(raw.layout.full_x, 10);
+    EXPECT_EQ(raw.layout.full_y, 20);
+    EXPECT_EQ(raw.layout.full_width, 4);
+    EXPECT_EQ(raw.layout.x, 8) << "the frame's corner less the border";
+    EXPECT_EQ(raw.layout.y, 18);
+    EXPECT_EQ(raw.layout.width, 8);
 
     ASSERT_EQ(Paint({"--depth", "32", "--compression", "zips"}, "in.exr", "deep.exr").code, 0);
     raw = ReadRaw(folder_ / "deep.exr");
-    EXPECT_EQ(raw.spec.format, OIIO::TypeDesc::FLOAT) << "when it is asked for";
-    EXPECT_EQ(raw.spec.get_string_attribute("compression"), "zips");
+    EXPECT_EQ(raw.layout.format, OIIO::TypeDesc::FLOAT) << "when it is asked for";
+    EXPECT_EQ(raw.layout.get_string_attribute("compression"), "zips");
 }
 
 TEST_F(CliReport, AnEnormousInputIsRefusedBeforeMemoryIsTaken) {

@@ -26,39 +26,39 @@ void Rewrite(const std::filesystem::path& from, const std::filesystem::path& to,
 
 TEST(Metadata, ExrKeepsTimeCodeOwnerAndOwnTexts) {
     const Folder folder;
-    OIIO::ImageSpec spec(3, 2, 4, OIIO::TypeDesc::FLOAT);
+    OIIO::ImageSpec layout(3, 2, 4, OIIO::TypeDesc::FLOAT);
     const int timecode[2] = {0x01020304, 0x05060708};
-    spec.attribute("smpte:TimeCode", OIIO::TypeTimeCode, timecode);
-    spec.attribute("Copyright", "Ada");
-    spec.attribute("shot", "A 12");
-    spec.attribute("PixelAspectRatio", 2.0f);
-    WriteFile(folder / "a.exr", spec, {1, 1, 1, 1}, false);
+    layout.attribute("smpte:TimeCode", OIIO::TypeTimeCode, timecode);
+    layout.attribute("Copyright", "Ada");
+    layout.attribute("shot", "A 12");
+    layout.attribute("PixelAspectRatio", 2.0f);
+    WriteFile(folder / "a.exr", layout, {1, 1, 1, 1}, false);
     Rewrite(folder / "a.exr", folder / "b.exr");
     const RawFile raw = ReadRaw(folder / "b.exr");
-    const auto* kept = raw.spec.find_attribute("smpte:TimeCode", OIIO::TypeTimeCode);
+    const auto* kept = raw.layout.find_attribute("smpte:TimeCode", OIIO::TypeTimeCode);
     ASSERT_TRUE(kept);
     EXPECT_EQ(static_cast<const int*>(kept->data())[0], timecode[0]);
     EXPECT_EQ(static_cast<const int*>(kept->data())[1], timecode[1]);
-    EXPECT_EQ(raw.spec.get_string_attribute("Copyright"), "Ada");
-    EXPECT_EQ(raw.spec.get_string_attribute("shot"), "A 12");
-    EXPECT_EQ(raw.spec.get_float_attribute("PixelAspectRatio"), 2.0f);
+    EXPECT_EQ(raw.layout.get_string_attribute("Copyright"), "Ada");
+    EXPECT_EQ(raw.layout.get_string_attribute("shot"), "A 12");
+    EXPECT_EQ(raw.layout.get_float_attribute("PixelAspectRatio"), 2.0f);
 }
 
 TEST(Metadata, ResolutionAndColourSpaceGoAlsoToAnotherFormat) {
     const Folder folder;
-    OIIO::ImageSpec spec(3, 2, 4, OIIO::TypeDesc::UINT8);
-    spec.attribute("XResolution", 300.0f);
-    spec.attribute("YResolution", 300.0f);
-    spec.attribute("ResolutionUnit", "in");
-    spec.attribute("oiio:ColorSpace", "sRGB");
-    WriteFile(folder / "a.tif", spec, {1, 1, 1, 1});
+    OIIO::ImageSpec layout(3, 2, 4, OIIO::TypeDesc::UINT8);
+    layout.attribute("XResolution", 300.0f);
+    layout.attribute("YResolution", 300.0f);
+    layout.attribute("ResolutionUnit", "in");
+    layout.attribute("oiio:ColorSpace", "sRGB");
+    WriteFile(folder / "a.tif", layout, {1, 1, 1, 1});
     for (const char* name : {"b.tif", "b.png"}) {
         SCOPED_TRACE(name);
         Rewrite(folder / "a.tif", folder / name);
         const RawFile raw = ReadRaw(folder / name);
-        const float perInch = raw.spec.get_string_attribute("ResolutionUnit") == "m" ? 0.0254f : 1.0f;
-        EXPECT_NEAR(raw.spec.get_float_attribute("XResolution") * perInch, 300, 0.5);
-        EXPECT_EQ(raw.spec.get_string_attribute("oiio:ColorSpace"), "sRGB");
+        const float perInch = raw.layout.get_string_attribute("ResolutionUnit") == "m" ? 0.0254f : 1.0f;
+        EXPECT_NEAR(raw.layout.get_float_attribute("XResolution") * perInch, 300, 0.5);
+        EXPECT_EQ(raw.layout.get_string_attribute("oiio:ColorSpace"), "sRGB");
     }
 }
 
@@ -82,13 +82,13 @@ TEST(Metadata, CompressionIsKeptOrChosen) {
     for (const CompressionCase& row : rows) {
         SCOPED_TRACE(row.name);
         const Folder folder;
-        OIIO::ImageSpec spec(3, 2, 4, OIIO::TypeDesc::FLOAT);
-        spec.attribute("compression", row.had);
-        WriteFile(folder / row.from, spec, {1, 1, 1, 1});
+        OIIO::ImageSpec layout(3, 2, 4, OIIO::TypeDesc::FLOAT);
+        layout.attribute("compression", row.had);
+        WriteFile(folder / row.from, layout, {1, 1, 1, 1});
         WriteOptions options;
         options.compression = row.asked;
         Rewrite(folder / row.from, folder / row.to, options);
-        EXPECT_EQ(ReadRaw(folder / row.to).spec.get_string_attribute("compression"), row.expected);
+        EXPECT_EQ(ReadRaw(folder / row.to).layout.get_string_attribute("compression"), row.expected);
     }
 }
 
@@ -97,13 +97,13 @@ TEST(Metadata, WindowsLargerAndSmallerThanTheFrameGoRound) {
     for (const PF_LRect& window : windows) {
         SCOPED_TRACE(window.left);
         const Folder folder;
-        OIIO::ImageSpec spec(window.right - window.left, window.bottom - window.top, 4, OIIO::TypeDesc::HALF);
-        spec.x = 100 + window.left;
-        spec.y = -50 + window.top;
-        spec.full_x = 100;
-        spec.full_y = -50;
-        spec.full_width = spec.full_height = 6;
-        WriteFile(folder / "a.exr", spec, {1, 1, 1, 1}, false);
+        OIIO::ImageSpec layout(window.right - window.left, window.bottom - window.top, 4, OIIO::TypeDesc::HALF);
+        layout.x = 100 + window.left;
+        layout.y = -50 + window.top;
+        layout.full_x = 100;
+        layout.full_y = -50;
+        layout.full_width = layout.full_height = 6;
+        WriteFile(folder / "a.exr", layout, {1, 1, 1, 1}, false);
         const auto picture = ReadPicture(folder / "a.exr");
         ASSERT_TRUE(picture);
         EXPECT_TRUE(picture->isHalf);
@@ -113,12 +113,12 @@ TEST(Metadata, WindowsLargerAndSmallerThanTheFrameGoRound) {
         WriteOptions options;
         options.half = true;
         Rewrite(folder / "a.exr", folder / "b.exr", options);
-        const OIIO::ImageSpec back = ReadRaw(folder / "b.exr").spec;
+        const OIIO::ImageSpec back = ReadRaw(folder / "b.exr").layout;
         EXPECT_EQ(back.format, OIIO::TypeDesc::HALF);
-        EXPECT_EQ(back.x, spec.x);
-        EXPECT_EQ(back.y, spec.y);
-        EXPECT_EQ(back.width, spec.width);
-        EXPECT_EQ(back.height, spec.height);
+        EXPECT_EQ(back.x, layout.x);
+        EXPECT_EQ(back.y, layout.y);
+        EXPECT_EQ(back.width, layout.width);
+        EXPECT_EQ(back.height, layout.height);
         EXPECT_EQ(back.full_x, 100);
         EXPECT_EQ(back.full_y, -50);
         EXPECT_EQ(back.full_width, 6);
@@ -140,9 +140,9 @@ TEST(Metadata, AbsurdSizesAreRefused) {
     for (const SizeCase& row : rows) {
         SCOPED_TRACE(row.name);
         const Folder folder;
-        OIIO::ImageSpec spec(row.width, row.height, 4, OIIO::TypeDesc::HALF);
-        spec.full_width = spec.full_height = row.frame;
-        WriteFile(folder / "a.exr", spec, {1, 1, 1, 1}, false);
+        OIIO::ImageSpec layout(row.width, row.height, 4, OIIO::TypeDesc::HALF);
+        layout.full_width = layout.full_height = row.frame;
+        WriteFile(folder / "a.exr", layout, {1, 1, 1, 1}, false);
         const auto picture = ReadPicture(folder / "a.exr");
         ASSERT_FALSE(picture);
         EXPECT_EQ(picture.Error().code, ExitCode::kFile);

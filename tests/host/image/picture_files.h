@@ -51,21 +51,21 @@ inline std::string ReadBytes(const std::filesystem::path& file) {
 
 /// Writes every pixel with the same values, given per channel as they are to stand in the file. The alpha, if any, is
 /// called "A"; `straight` declares it unassociated.
-inline void WriteFile(const std::filesystem::path& file, OIIO::ImageSpec spec, const std::vector<float>& pixel,
+inline void WriteFile(const std::filesystem::path& file, OIIO::ImageSpec layout, const std::vector<float>& pixel,
                       bool straight = true) {
-    if (straight) spec.attribute("oiio:UnassociatedAlpha", 1);
+    if (straight) layout.attribute("oiio:UnassociatedAlpha", 1);
     std::vector<float> values;
-    for (int i = 0; i < spec.width * spec.height; ++i) values.insert(values.end(), pixel.begin(), pixel.end());
+    for (int i = 0; i < layout.width * layout.height; ++i) values.insert(values.end(), pixel.begin(), pixel.end());
     const auto output = OIIO::ImageOutput::create(file.string());
     ASSERT_TRUE(output) << OIIO::geterror();
-    ASSERT_TRUE(output->open(file.string(), spec)) << output->geterror();
+    ASSERT_TRUE(output->open(file.string(), layout)) << output->geterror();
     ASSERT_TRUE(output->write_image(OIIO::TypeDesc::FLOAT, values.data())) << output->geterror();
     ASSERT_TRUE(output->close());
 }
 
 /// A file as the image library sees it: its description and its untouched values.
 struct RawFile {
-    OIIO::ImageSpec spec;
+    OIIO::ImageSpec layout;
     std::vector<float> values;
 };
 
@@ -78,9 +78,9 @@ inline RawFile ReadRaw(const std::filesystem::path& file) {
         return {};
     }
     RawFile raw{input->spec(), {}};
-    raw.values.resize(static_cast<std::size_t>(raw.spec.width) * static_cast<std::size_t>(raw.spec.height) *
-                      static_cast<std::size_t>(raw.spec.nchannels));
-    EXPECT_TRUE(input->read_image(0, 0, 0, raw.spec.nchannels, OIIO::TypeDesc::FLOAT, raw.values.data()));
+    raw.values.resize(static_cast<std::size_t>(raw.layout.width) * static_cast<std::size_t>(raw.layout.height) *
+                      static_cast<std::size_t>(raw.layout.nchannels));
+    EXPECT_TRUE(input->read_image(0, 0, 0, raw.layout.nchannels, OIIO::TypeDesc::FLOAT, raw.values.data()));
     return raw;
 }
 

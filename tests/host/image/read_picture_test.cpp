@@ -10,38 +10,27 @@
 #include "host/image/picture.h"
 #include "tests/host/image/picture_files.h"
 
-// For the leak checker of sanitizer builds; without one nothing calls these. The image library's PNG reader leaves a
-// truncated file by a long jump, past the destructors of its own strings.
-extern "C" [[gnu::visibility("default")]] const char* __asan_default_options();
-extern "C" const char* __asan_default_options() {
-    return "fast_unwind_on_malloc=0";
-}
-extern "C" [[gnu::visibility("default")]] const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions() {
-    return "leak:libOpenImageIO\n";
-}
-
 namespace {
 
 using testing::HasSubstr;
 
-OIIO::ImageSpec Spec(int channels, OIIO::TypeDesc type, std::vector<std::string> names = {}) {
-    OIIO::ImageSpec spec(3, 2, channels, type);
+OIIO::ImageSpec LayoutOf(int channels, OIIO::TypeDesc type, std::vector<std::string> names = {}) {
+    OIIO::ImageSpec layout(3, 2, channels, type);
     if (channels == 2) names = names.empty() ? std::vector<std::string>{"Y", "A"} : names;
     if (!names.empty()) {
-        spec.channelnames = names;
-        spec.alpha_channel = -1;
+        layout.channelnames = names;
+        layout.alpha_channel = -1;
         for (int i = 0; i < channels; ++i) {
-            if (names[static_cast<std::size_t>(i)] == "A") spec.alpha_channel = i;
+            if (names[static_cast<std::size_t>(i)] == "A") layout.alpha_channel = i;
         }
     }
-    return spec;
+    return layout;
 }
 
 struct EightCase {
     const char* name;
     const char* file;
-    OIIO::ImageSpec spec;
+    OIIO::ImageSpec layout;
     std::vector<float> pixel;
     bool straight;
     PF_Pixel expected;  // alpha, red, green, blue
@@ -51,32 +40,37 @@ TEST(ReadPicture, EightBitFilesStayEightBitsAndStraight) {
     const EightCase cases[] = {
         {"half-transparent blue keeps its full blue",
          "a.png",
-         Spec(4, OIIO::TypeDesc::UINT8),
+         LayoutOf(4, OIIO::TypeDesc::UINT8),
          {0, 0, 1, 128 / 255.0f},
          true,
          {128, 0, 0, 255}},
         {"colour under no alpha is kept",
          "a.png",
-         Spec(4, OIIO::TypeDesc::UINT8),
+         LayoutOf(4, OIIO::TypeDesc::UINT8),
          {1, 0.2f, 0, 0},
          true,
          {0, 255, 51, 0}},
-        {"no alpha is opaque", "a.png", Spec(3, OIIO::TypeDesc::UINT8), {0.2f, 0.4f, 0.6f}, true, {255, 51, 102, 153}},
-        {"grey", "a.png", Spec(1, OIIO::TypeDesc::UINT8), {0.4f}, true, {255, 102, 102, 102}},
-        {"grey and alpha", "a.png", Spec(2, OIIO::TypeDesc::UINT8), {0.4f, 0.2f}, true, {51, 102, 102, 102}},
-        {"straight TIFF", "a.tif", Spec(4, OIIO::TypeDesc::UINT8), {1, 0, 0, 0.2f}, true, {51, 255, 0, 0}},
+        {"no alpha is opaque",
+         "a.png",
+         LayoutOf(3, OIIO::TypeDesc::UINT8),
+         {0.2f, 0.4f, 0.6f},
+         true,
+         {255, 51, 102, 153}},
+        {"grey", "a.png", LayoutOf(1, OIIO::TypeDesc::UINT8), {0.4f}, true, {255, 102, 102, 102}},
+        {"grey and alpha", "a.png", LayoutOf(2, OIIO::TypeDesc::UINT8), {0.4f, 0.2f}, true, {51, 102, 102, 102}},
+        {"straight TIFF", "a.tif", LayoutOf(4, OIIO::TypeDesc::UINT8), {1, 0, 0, 0.2f}, true, {51, 255, 0, 0}},
         {"premultiplied TIFF is divided",
          "a.tif",
-         Spec(4, OIIO::TypeDesc::UINT8),
+         LayoutOf(4, OIIO::TypeDesc::UINT8),
          {0.2f, 0.1f, 0, 0.2f},
          false,
          {51, 255, 130, 0}},
-        {"grey TIFF", "a.tif", Spec(1, OIIO::TypeDesc::UINT8), {0.6f}, true, {255, 153, 153, 153}},
+        {"grey TIFF", "a.tif", LayoutOf(1, OIIO::TypeDesc::UINT8), {0.6f}, true, {255, 153, 153, 153}},
     };
     for (const EightCase& row : cases) {
         SCOPED_TRACE(row.name);
         const Folder folder;
-        WriteFile(folder / row.file, row.spec, row.pixel, row.straight);
+        WriteFile(folder / row.file, row.layout, row.pixel, row.straight);
         auto picture = ReadPicture(folder / row.file);
         ASSERT_TRUE(picture) << picture.Error().sentence;
         EXPECT_EQ(picture->pixels.PixelDepth(), Depth::k8);
@@ -96,7 +90,7 @@ TEST(ReadPicture, EightBitFilesStayEightBitsAndStraight) {
 struct FloatCase {
     const char* name;
     const char* file;
-    OIIO::ImageSpec spec;
+    OIIO::ImageSpec layout;
     std::vector<float> pixel;
     bool straight;
     PF_PixelFloat expected;
@@ -109,7 +103,7 @@ TEST(ReadPicture, DeeperFilesBecomeFloat) {
     const FloatCase cases[] = {
         {"16-bit PNG",
          "a.png",
-         Spec(4, OIIO::TypeDesc::UINT16),
+         LayoutOf(4, OIIO::TypeDesc::UINT16),
          {0.25f, 0.5f, 0.75f, 0.125f},
          true,
          {0.125f, 0.25f, 0.5f, 0.75f},
@@ -117,7 +111,7 @@ TEST(ReadPicture, DeeperFilesBecomeFloat) {
          16},
         {"16-bit grey and alpha",
          "a.png",
-         Spec(2, OIIO::TypeDesc::UINT16),
+         LayoutOf(2, OIIO::TypeDesc::UINT16),
          {0.25f, 0.5f},
          true,
          {0.5f, 0.25f, 0.25f, 0.25f},
@@ -125,7 +119,7 @@ TEST(ReadPicture, DeeperFilesBecomeFloat) {
          16},
         {"16-bit TIFF without alpha",
          "a.tif",
-         Spec(3, OIIO::TypeDesc::UINT16),
+         LayoutOf(3, OIIO::TypeDesc::UINT16),
          {0.25f, 0.5f, 0.75f},
          true,
          {1, 0.25f, 0.5f, 0.75f},
@@ -133,7 +127,7 @@ TEST(ReadPicture, DeeperFilesBecomeFloat) {
          16},
         {"straight float TIFF, beyond one",
          "a.tif",
-         Spec(4, OIIO::TypeDesc::FLOAT),
+         LayoutOf(4, OIIO::TypeDesc::FLOAT),
          {4, -1, 0.1f, 0.5f},
          true,
          {0.5f, 4, -1, 0.1f},
@@ -141,7 +135,7 @@ TEST(ReadPicture, DeeperFilesBecomeFloat) {
          32},
         {"premultiplied float TIFF",
          "a.tif",
-         Spec(4, OIIO::TypeDesc::FLOAT),
+         LayoutOf(4, OIIO::TypeDesc::FLOAT),
          {2, 0.25f, 0, 0.5f},
          false,
          {0.5f, 4, 0.5f, 0},
@@ -149,7 +143,7 @@ TEST(ReadPicture, DeeperFilesBecomeFloat) {
          32},
         {"EXR is divided by its alpha",
          "a.exr",
-         Spec(4, OIIO::TypeDesc::FLOAT),
+         LayoutOf(4, OIIO::TypeDesc::FLOAT),
          {2, 0.25f, 0, 0.5f},
          false,
          {0.5f, 4, 0.5f, 0},
@@ -157,7 +151,7 @@ TEST(ReadPicture, DeeperFilesBecomeFloat) {
          32},
         {"EXR of halves",
          "a.exr",
-         Spec(4, OIIO::TypeDesc::HALF),
+         LayoutOf(4, OIIO::TypeDesc::HALF),
          {1, 0.3f, 0.1f, 1},
          false,
          {1, 1, 0.3f, 0.1f},
@@ -165,16 +159,23 @@ TEST(ReadPicture, DeeperFilesBecomeFloat) {
          16},
         {"EXR colour under no alpha stays as it is",
          "a.exr",
-         Spec(4, OIIO::TypeDesc::FLOAT),
+         LayoutOf(4, OIIO::TypeDesc::FLOAT),
          {3, 0.25f, 0, 0},
          false,
          {0, 3, 0.25f, 0},
          0,
          32},
-        {"EXR without alpha", "a.exr", Spec(3, OIIO::TypeDesc::FLOAT), {3, 0.25f, 0}, false, {1, 3, 0.25f, 0}, 0, 32},
+        {"EXR without alpha",
+         "a.exr",
+         LayoutOf(3, OIIO::TypeDesc::FLOAT),
+         {3, 0.25f, 0},
+         false,
+         {1, 3, 0.25f, 0},
+         0,
+         32},
         {"EXR of luminance",
          "a.exr",
-         Spec(1, OIIO::TypeDesc::FLOAT, {"Y"}),
+         LayoutOf(1, OIIO::TypeDesc::FLOAT, {"Y"}),
          {0.75f},
          false,
          {1, 0.75f, 0.75f, 0.75f},
@@ -182,7 +183,7 @@ TEST(ReadPicture, DeeperFilesBecomeFloat) {
          32},
         {"EXR of alpha alone is white",
          "a.exr",
-         Spec(1, OIIO::TypeDesc::FLOAT, {"A"}),
+         LayoutOf(1, OIIO::TypeDesc::FLOAT, {"A"}),
          {0.5f},
          false,
          {0.5f, 1, 1, 1},
@@ -190,7 +191,7 @@ TEST(ReadPicture, DeeperFilesBecomeFloat) {
          32},
         {"EXR with depth beside the colours",
          "a.exr",
-         Spec(5, OIIO::TypeDesc::FLOAT, {"R", "G", "B", "A", "Z"}),
+         LayoutOf(5, OIIO::TypeDesc::FLOAT, {"R", "G", "B", "A", "Z"}),
          {0.5f, 0.25f, 0.125f, 1, 100},
          false,
          {1, 0.5f, 0.25f, 0.125f},
@@ -198,7 +199,7 @@ TEST(ReadPicture, DeeperFilesBecomeFloat) {
          32},
         {"EXR of two colours",
          "a.exr",
-         Spec(2, OIIO::TypeDesc::FLOAT, {"U", "V"}),
+         LayoutOf(2, OIIO::TypeDesc::FLOAT, {"U", "V"}),
          {0.5f, 0.25f},
          false,
          {1, 0.5f, 0.25f, 0},
@@ -208,7 +209,7 @@ TEST(ReadPicture, DeeperFilesBecomeFloat) {
     for (const FloatCase& row : cases) {
         SCOPED_TRACE(row.name);
         const Folder folder;
-        WriteFile(folder / row.file, row.spec, row.pixel, row.straight);
+        WriteFile(folder / row.file, row.layout, row.pixel, row.straight);
         auto picture = ReadPicture(folder / row.file);
         ASSERT_TRUE(picture) << picture.Error().sentence;
         EXPECT_EQ(picture->pixels.PixelDepth(), Depth::k32);
@@ -248,7 +249,7 @@ TEST(ReadPicture, PalettesBecomeTheirColours) {
 
 TEST(ReadPicture, JpegIsOpaque) {
     const Folder folder;
-    WriteFile(folder / "a.jpg", Spec(3, OIIO::TypeDesc::UINT8), {1, 1, 1});
+    WriteFile(folder / "a.jpg", LayoutOf(3, OIIO::TypeDesc::UINT8), {1, 1, 1});
     auto picture = ReadPicture(folder / "a.jpg");
     ASSERT_TRUE(picture) << picture.Error().sentence;
     EXPECT_EQ(picture->format, "jpeg");
@@ -272,14 +273,14 @@ TEST(ReadPicture, ExrWindowsAreKept) {
     for (const WindowCase& row : cases) {
         SCOPED_TRACE(row.name);
         const Folder folder;
-        OIIO::ImageSpec spec = Spec(4, OIIO::TypeDesc::HALF);
-        spec.x = row.x;
-        spec.y = row.y;
-        spec.full_x = row.fullX;
-        spec.full_y = row.fullY;
-        spec.full_width = row.fullWidth;
-        spec.full_height = row.fullHeight;
-        WriteFile(folder / "a.exr", spec, {1, 1, 1, 1}, false);
+        OIIO::ImageSpec layout = LayoutOf(4, OIIO::TypeDesc::HALF);
+        layout.x = row.x;
+        layout.y = row.y;
+        layout.full_x = row.fullX;
+        layout.full_y = row.fullY;
+        layout.full_width = row.fullWidth;
+        layout.full_height = row.fullHeight;
+        WriteFile(folder / "a.exr", layout, {1, 1, 1, 1}, false);
         auto picture = ReadPicture(folder / "a.exr");
         ASSERT_TRUE(picture) << picture.Error().sentence;
         EXPECT_EQ(picture->window.left, row.window.left);
@@ -324,12 +325,12 @@ TEST(ReadPicture, WhatIsNoPictureIsSaidToBeNone) {
 TEST(ReadPicture, TruncatedFilesAreRefusedWhereverTheyEnd) {
     for (const char* name : {"a.png", "a.tif", "a.jpg", "a.exr"}) {
         const Folder folder;
-        OIIO::ImageSpec spec = Spec(3, OIIO::TypeDesc::UINT8);
-        spec.width = spec.full_width = 40;
-        spec.height = spec.full_height = 40;
-        if (std::string(name) == "a.exr") spec.format = OIIO::TypeDesc::HALF;
-        spec.attribute("compression", "none");
-        WriteFile(folder / name, spec, {0.1f, 0.9f, 0.4f});
+        OIIO::ImageSpec layout = LayoutOf(3, OIIO::TypeDesc::UINT8);
+        layout.width = layout.full_width = 40;
+        layout.height = layout.full_height = 40;
+        if (std::string(name) == "a.exr") layout.format = OIIO::TypeDesc::HALF;
+        layout.attribute("compression", "none");
+        WriteFile(folder / name, layout, {0.1f, 0.9f, 0.4f});
         const std::string whole = ReadBytes(folder / name);
         ASSERT_TRUE(ReadPicture(folder / name));
         for (const std::size_t size : {std::size_t{3}, std::size_t{30}, whole.size() / 3, whole.size() / 2}) {
@@ -344,24 +345,24 @@ TEST(ReadPicture, TruncatedFilesAreRefusedWhereverTheyEnd) {
 TEST(ReadPicture, DeepAndMultiPartFilesAreRefused) {
     const Folder folder;
     {
-        OIIO::ImageSpec spec = Spec(4, OIIO::TypeDesc::FLOAT);
-        spec.deep = true;
+        OIIO::ImageSpec layout = LayoutOf(4, OIIO::TypeDesc::FLOAT);
+        layout.deep = true;
         const auto output = OIIO::ImageOutput::create((folder / "deep.exr").string());
-        ASSERT_TRUE(output->open((folder / "deep.exr").string(), spec)) << output->geterror();
+        ASSERT_TRUE(output->open((folder / "deep.exr").string(), layout)) << output->geterror();
         OIIO::DeepData deep;
-        deep.init(spec);
+        deep.init(layout);
         for (int i = 0; i < 6; ++i) deep.set_samples(i, 1);
         ASSERT_TRUE(output->write_deep_image(deep)) << output->geterror();
         ASSERT_TRUE(output->close());
     }
     {
-        const OIIO::ImageSpec spec = Spec(4, OIIO::TypeDesc::HALF);
-        const OIIO::ImageSpec parts[] = {spec, spec};
+        const OIIO::ImageSpec layout = LayoutOf(4, OIIO::TypeDesc::HALF);
+        const OIIO::ImageSpec parts[] = {layout, layout};
         const std::vector<float> values(3 * 2 * 4, 0.5f);
         const auto output = OIIO::ImageOutput::create((folder / "parts.exr").string());
         ASSERT_TRUE(output->open((folder / "parts.exr").string(), 2, parts)) << output->geterror();
         ASSERT_TRUE(output->write_image(OIIO::TypeDesc::FLOAT, values.data()));
-        ASSERT_TRUE(output->open((folder / "parts.exr").string(), spec, OIIO::ImageOutput::AppendSubimage));
+        ASSERT_TRUE(output->open((folder / "parts.exr").string(), layout, OIIO::ImageOutput::AppendSubimage));
         ASSERT_TRUE(output->write_image(OIIO::TypeDesc::FLOAT, values.data()));
         ASSERT_TRUE(output->close());
     }

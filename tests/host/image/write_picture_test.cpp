@@ -61,10 +61,10 @@ TEST(WritePicture, EveryFormatFollowsItsConvention) {
         const auto written = WritePicture(folder / row.file, world, Frame(16, 8));
         ASSERT_TRUE(written) << written.Error().sentence;
         const RawFile raw = ReadRaw(folder / row.file);
-        EXPECT_EQ(raw.spec.format, row.type);
-        ASSERT_EQ(raw.spec.nchannels, row.channels);
-        EXPECT_EQ(raw.spec.width, 16);
-        EXPECT_EQ(raw.spec.height, 8);
+        EXPECT_EQ(raw.layout.format, row.type);
+        ASSERT_EQ(raw.layout.nchannels, row.channels);
+        EXPECT_EQ(raw.layout.width, 16);
+        EXPECT_EQ(raw.layout.height, 8);
         const float tolerance = row.channels == 3 ? 0.012f : 1.0f / 2048;
         for (std::size_t i = 0; i < row.stored.size(); ++i)
             EXPECT_THAT(raw.values[i], FloatNear(row.stored[i], tolerance));
@@ -117,14 +117,14 @@ TEST(WritePicture, ExrKeepsTheFrameAroundAGrownPicture) {
     const World world = FilledFloat(9, 7, {1, 1, 1, 1});
     ASSERT_TRUE(WritePicture(folder / "a.exr", world, {{-2, -1, 7, 6}, 5, 4}));
     const RawFile raw = ReadRaw(folder / "a.exr");
-    EXPECT_EQ(raw.spec.x, -2);
-    EXPECT_EQ(raw.spec.y, -1);
-    EXPECT_EQ(raw.spec.width, 9);
-    EXPECT_EQ(raw.spec.height, 7);
-    EXPECT_EQ(raw.spec.full_x, 0);
-    EXPECT_EQ(raw.spec.full_y, 0);
-    EXPECT_EQ(raw.spec.full_width, 5);
-    EXPECT_EQ(raw.spec.full_height, 4);
+    EXPECT_EQ(raw.layout.x, -2);
+    EXPECT_EQ(raw.layout.y, -1);
+    EXPECT_EQ(raw.layout.width, 9);
+    EXPECT_EQ(raw.layout.height, 7);
+    EXPECT_EQ(raw.layout.full_x, 0);
+    EXPECT_EQ(raw.layout.full_y, 0);
+    EXPECT_EQ(raw.layout.full_width, 5);
+    EXPECT_EQ(raw.layout.full_height, 4);
 }
 
 TEST(WritePicture, NothingOfAColourUnderNoAlphaGoesIntoAnExr) {
