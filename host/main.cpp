@@ -6,5 +6,6 @@
 #include "host/cli/command.h"
 
 int main(int argc, char** argv) {
+    PrepareProcess();
     return RunProgram(argc, argv);
 }

@@ -39,5 +39,11 @@ std::string OutOfRange(const std::string& text, double low, double high);
 /// The host program's own version, "major.minor.fix".
 std::string ProgramVersion();
 
+/// Standard output for results alone, whatever an effect prints; an interruption removes half-written files and ends the
+/// process with `ExitCode::kInterrupted`. Once, before RunProgram.
+void PrepareProcess();
+
 /// Finds the command that the arguments name and runs it; prints what went wrong. Returns the process's exit code.
-int RunProgram(int argc, const char* const* argv);
+/// `instead` is called in place of the command's run once its options were read, and gives the exit code: for a caller
+/// that only wants the arguments judged.
+int RunProgram(int argc, const char* const* argv, const std::function<int(const Command&)>& instead = {});

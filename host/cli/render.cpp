@@ -15,6 +15,7 @@
 
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
+#include "host/cli/progress.h"
 #include "host/cli/render_report.h"
 #include "host/cli/renderer.h"
 #include "host/cli/results.h"
@@ -64,6 +65,7 @@ struct RenderOptions {
     std::string module;
     bool json = false;
     bool verbose = false;
+    double progress = -1;
 };
 
 void Note(const std::string& text) {
@@ -163,8 +165,8 @@ FrameRequest RequestOf(const RenderOptions& options, const Layers& layers) {
     request.downsampleX = request.downsampleY = {1, static_cast<A_u_long>(options.downsample)};
     request.texture = layers.texture.IsNull() ? nullptr : &layers.texture;
     const auto [x, y] = PlaceOf(options.textureAt).value_or(std::pair(0.0, 0.0));
-    request.textureOrigin = {static_cast<A_long>(std::lround(x / options.downsample)),
-                             static_cast<A_long>(std::lround(y / options.downsample))};
+    request.textureOrigin.x = static_cast<A_long>(std::lround(x / options.downsample));
+    request.textureOrigin.y = static_cast<A_long>(std::lround(y / options.downsample));
     request.canvas = options.canvas == "layer" ? Canvas::kLayer : Canvas::kGrow;
     request.time = static_cast<A_long>(std::lround(options.seconds * kTimeScale));
     request.timeStep = kTimeStep;
@@ -187,6 +189,14 @@ Result<OpenedModule> OpenWithValues(const RenderOptions& options, const Layers& 
     return opened;
 }
 
+/// Draws, and lets the progress say how far the effect is.
+Result<Frame> Draw(EffectSession& session, const FrameRequest& request, Progress& progress) {
+    progress.Follow([&session] { return ActivityText(session); });
+    auto frame = session.Render(request);
+    progress.Say("the picture is made ready");
+    return frame;
+}
+
 RenderFacts FactsOf(const RenderOptions& options, const World& layer) {
     RenderFacts facts;
     facts.input = options.input;
@@ -207,11 +217,14 @@ Result<ExitCode> Render(const RenderOptions& options) {
     }
     const auto wish = ReadRendererWish(options.renderer);
     if (!wish) return wish.Error();
+    Progress progress(options.progress);
+    progress.Say("the pictures are read");
     const auto layers = ReadLayers(options);
     if (!layers) return layers.Error();
     RenderFacts facts = FactsOf(options, layers->layer);
     facts.load = stage.Lap();
 
+    progress.Say("the module is loaded and set up");
     auto opened = OpenWithValues(options, *layers);
     if (!opened) return opened.Error();
     EffectSession& session = opened->Session();
@@ -220,7 +233,7 @@ Result<ExitCode> Render(const RenderOptions& options) {
     if (options.verbose) Note(CommandsText(session.Commands()) + RendererText(renderer) + "\n");
 
     const FrameRequest request = RequestOf(options, *layers);
-    auto frame = session.Render(request);
+    auto frame = Draw(session, request, progress);
     if (options.verbose) Note(frame ? FrameText(*frame, session) : RefusedText(session));
     if (!frame) return renderer.processor ? frame.Error() : Explain(frame.Error(), session);
     if (!frame->message.empty()) Note("the effect says: " + frame->message + "\n");
@@ -230,6 +243,7 @@ Result<ExitCode> Render(const RenderOptions& options) {
     if (!drawn) return drawn.Error();
     facts.picture = drawn->rect;
     const Placement place{drawn->rect, layers->layer.Width(), layers->layer.Height(), layers->frameOrigin};
+    progress.Say("the picture is written");
     if (auto written = WritePicture(options.output, drawn->pixels, place, layers->kept); !written) {
         return written.Error();
     }
@@ -304,6 +318,11 @@ Command RenderCommand() {
             ->type_name("FILE");
         app.add_flag("--json", options->json,
                      "Print a report instead of the path: rectangles, milliseconds by stage, driver, suites");
+        app.add_option("--progress", options->progress,
+                       "How often a render that takes long says what it is at; 0 for never. Without it each second on "
+                       "a terminal, else every 10")
+            ->check([](const std::string& text) { return OutOfRange(text, 0.0, kLongestTime); })
+            ->type_name("SECONDS");
         app.add_flag("--verbose", options->verbose, "Tell each command with its time, rectangles and suites");
     };
     command.run = [options] { return Render(*options); };

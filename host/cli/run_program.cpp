@@ -112,6 +112,12 @@ int Run(const Command& command) {
 
 }  // namespace
 
+void PrepareProcess() {
+    KeepStandardOutputForResults();
+    std::signal(SIGINT, OnInterrupt);
+    std::signal(SIGTERM, OnInterrupt);
+}
+
 std::string ProgramVersion() {
     return UMBRANT_VERSION;
 }
@@ -128,11 +134,7 @@ std::vector<Command> AllCommands() {
     return {RenderCommand(), ParamsCommand(), InfoCommand(), CompareCommand(), PanelCommand()};
 }
 
-int RunProgram(int argc, const char* const* argv) {
-    KeepStandardOutputForResults();
-    std::signal(SIGINT, OnInterrupt);
-    std::signal(SIGTERM, OnInterrupt);
-
+int RunProgram(int argc, const char* const* argv, const std::function<int(const Command&)>& instead) {
     const std::vector<Command> commands = AllCommands();
     CLI::App app(kDescription, "umbrant");
     app.footer(kFooter);
@@ -154,7 +156,7 @@ int RunProgram(int argc, const char* const* argv) {
         return UsageError(app, commands, problem);
     }
     for (const Command& command : commands) {
-        if (app.got_subcommand(command.name)) return Run(command);
+        if (app.got_subcommand(command.name)) return instead ? instead(command) : Run(command);
     }
     return Code(ExitCode::kInternal);
 }

@@ -49,6 +49,26 @@ PF_InData InDataFor(SessionState& state, FrameRecord* frame) {
     return in;
 }
 
+/// A command in the session's list of what is under way, for as long as it lives.
+class Listed {
+ public:
+    Listed(SessionState& state, PF_Cmd command, std::chrono::steady_clock::time_point begin, const CommandNotes& notes)
+        : state_(state) {
+        const std::lock_guard lock(state_.runningMutex);
+        place_ = state_.running.insert(state_.running.end(), {command, begin, &notes});
+    }
+    ~Listed() {
+        const std::lock_guard lock(state_.runningMutex);
+        state_.running.erase(place_);
+    }
+    Listed(const Listed&) = delete;
+    Listed& operator=(const Listed&) = delete;
+
+ private:
+    SessionState& state_;
+    std::list<SessionState::Running>::iterator place_;
+};
+
 /// The message's bytes up to its end or the field's: an effect may have filled all of them, without a terminator.
 std::string MessageOf(const PF_OutData& out) {
     const char* begin = std::begin(out.return_msg);
@@ -77,6 +97,7 @@ Answer SendCommand(SessionState& state, PF_Cmd command, FrameRecord* frame, PF_P
     const auto begin = std::chrono::steady_clock::now();
     CallOutcome outcome;
     {
+        const Listed listed(state, command, begin, notes);
         const ServiceScope scope(&state.services, &notes);
         outcome = state.module.Call(command, &in, &answer.out, params, nullptr, extra);
     }

@@ -242,6 +242,14 @@ std::vector<std::string> EffectSession::RefusedSuites() const {
     return state_->services.refused.Names();
 }
 
+std::optional<Activity> EffectSession::Now() const {
+    const std::lock_guard lock(state_->runningMutex);
+    if (state_->running.empty()) return std::nullopt;
+    const SessionState::Running& first = state_->running.front();
+    const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - first.begin;
+    return Activity{first.command, first.notes->stages.Now(), taken.count()};
+}
+
 std::vector<CommandRecord> EffectSession::Commands() const {
     const std::lock_guard lock(state_->commandsMutex);
     return state_->commands;

@@ -87,6 +87,13 @@ struct CommandRecord {
     StageTimes stages;            ///< how much of `milliseconds` went into the host's own calls, and which
 };
 
+/// A command that is under way.
+struct Activity {
+    PF_Cmd command = PF_Cmd_ABOUT;
+    RenderStage stage = RenderStage::kUpload;  ///< of a render
+    double milliseconds = 0;                   ///< since it was sent
+};
+
 /// What pre-render answered.
 struct PreRendered {
     PF_LRect resultRect{};  ///< what a render would deliver, clipped to the request unless extra pixels were announced
@@ -158,6 +165,9 @@ class EffectSession {
     /// Suites granted and refused so far, "name version", sorted.
     std::vector<std::string> AcquiredSuites() const;
     std::vector<std::string> RefusedSuites() const;
+    /// What the effect is doing now; of several commands the one sent first. Nothing when none is under way. May be
+    /// asked on any thread while the session lives.
+    std::optional<Activity> Now() const;
     /// The commands outside of frames, in order.
     std::vector<CommandRecord> Commands() const;
 

@@ -4,6 +4,8 @@
 
 // What a session keeps, and how it sends a command. Inside host/session only.
 
+#include <chrono>
+#include <list>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -37,6 +39,15 @@ struct SessionState {
     /// Rows may be added: parameter set-up is under way.
     bool declaring = false;
     std::vector<PF_CustomUIInfo> customUIs;
+
+    /// A command under way; its notes live as long as it stands in the list.
+    struct Running {
+        PF_Cmd command;
+        std::chrono::steady_clock::time_point begin;
+        const CommandNotes* notes;
+    };
+    mutable std::mutex runningMutex;
+    std::list<Running> running;  ///< the oldest first
 
     std::mutex commandsMutex;
     std::vector<CommandRecord> commands;  ///< outside of frames

@@ -10,29 +10,45 @@ StageTimes StageClock::Snapshot() const {
     return times_;
 }
 
-void StageClock::Enter() {
+RenderStage StageClock::Now() const {
     const std::lock_guard lock(mutex_);
-    if (inside_++ == 0) begin_ = std::chrono::steady_clock::now();
+    if (inside_ > 0) return StageOf(call_);
+    return transferred_ ? RenderStage::kComposite : uploaded_ ? RenderStage::kDraw : RenderStage::kUpload;
+}
+
+RenderStage StageClock::StageOf(PixelCall call) const {
+    if (call == PixelCall::kFill || call == PixelCall::kTransfer || transferred_) return RenderStage::kComposite;
+    return uploaded_ && call == PixelCall::kWalk ? RenderStage::kReadBack : RenderStage::kUpload;
+}
+
+void StageClock::Enter(PixelCall call) {
+    const std::lock_guard lock(mutex_);
+    if (inside_++ > 0) return;
+    begin_ = std::chrono::steady_clock::now();
+    call_ = call;
 }
 
 void StageClock::Leave(PixelCall call) {
     const std::lock_guard lock(mutex_);
     if (--inside_ > 0) return;
     const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - begin_;
-    transferred_ = transferred_ || call == PixelCall::kTransfer;
-    if (call == PixelCall::kFill || transferred_) {
-        times_.composite += taken.count();
-    } else if (uploaded_ && call == PixelCall::kWalk) {
-        times_.readBack += taken.count();
-    } else {
-        times_.upload += taken.count();
-        uploaded_ = uploaded_ || call == PixelCall::kWalk;
+    switch (StageOf(call)) {
+        case RenderStage::kComposite:
+            times_.composite += taken.count();
+            break;
+        case RenderStage::kReadBack:
+            times_.readBack += taken.count();
+            break;
+        default:
+            times_.upload += taken.count();
     }
+    transferred_ = transferred_ || call == PixelCall::kTransfer;
+    uploaded_ = uploaded_ || call == PixelCall::kWalk;
 }
 
 TimedCall::TimedCall(PixelCall call) : clock_(nullptr), call_(call) {
     if (CommandNotes* notes = ServiceScope::Current().second) clock_ = &notes->stages;
-    if (clock_) clock_->Enter();
+    if (clock_) clock_->Enter(call_);
 }
 
 TimedCall::~TimedCall() {

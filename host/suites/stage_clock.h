@@ -23,20 +23,27 @@ struct StageTimes {
     double composite = 0;  ///< everything after, and fills
 };
 
+/// What a render is at, as far as the host can tell.
+enum class RenderStage { kUpload, kDraw, kReadBack, kComposite };
+
 /// Adds up one command's calls. Safe on every thread; a call inside a call, or beside one, counts once.
 class StageClock {
  public:
     StageTimes Snapshot() const;
+    /// Where the command is, judged by the calls so far and the one it is in.
+    RenderStage Now() const;
 
  private:
     friend class TimedCall;
     using Time = std::chrono::steady_clock::time_point;
-    void Enter();
+    void Enter(PixelCall call);
     void Leave(PixelCall call);
+    RenderStage StageOf(PixelCall call) const;
 
     mutable std::mutex mutex_;
     StageTimes times_;
     int inside_ = 0;
+    PixelCall call_ = PixelCall::kFetch;  ///< the outermost of those that are inside
     Time begin_{};
     bool uploaded_ = false;
     bool transferred_ = false;

@@ -114,6 +114,30 @@ TEST_F(CliRenderGl, ACollapsedLayerKeepsTheFrameOfARadialShadow) {
     EXPECT_EQ(same.code, 0) << "nothing moves, it is only cut: " << same.out;
 }
 
+TEST_F(CliRenderGl, AnInterruptedFrameEndsAtOnceAndLeavesNothing) {
+    // A frame of many seconds, interrupted as soon as the effect says that it draws.
+    WriteLayer(folder_ / "large.png", 1200, 800, {255, 10, 20, 30});
+    const std::string script =
+        "cd " + Quoted(folder_.Path().string()) + " && { UMBRANT_MODULE=" + Quoted(UMBRANT_MODULE_FILE) + " " +
+        Quoted(UMBRANT_PROGRAM) +
+        " render large.png -o out.png --progress 0.05 --set quality/samples=256 --set style/softness=500"
+        " --set style/distance=2000 --set quality/resolution=extreme >/dev/null 2>progress.txt & pid=$!; tries=0;"
+        " while ! grep -q 's, the effect draws' progress.txt && [ $tries -lt 3000 ]; do sleep 0.01;"
+        " tries=$((tries+1)); done; kill -INT $pid; date +%s%N >begin.txt; wait $pid; code=$?; date +%s%N >end.txt;"
+        " exit $code; }";
+    const int status = std::system(script.c_str());
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 130) << ReadBytes(folder_ / "progress.txt");
+    EXPECT_THAT(ReadBytes(folder_ / "progress.txt"), testing::HasSubstr(" s, the effect draws\n"));
+    const double seconds =
+        1e-9 * (std::stod(ReadBytes(folder_ / "end.txt")) - std::stod(ReadBytes(folder_ / "begin.txt")));
+    EXPECT_LT(seconds, 5) << "however long the frame would have taken";
+    EXPECT_FALSE(std::filesystem::exists(folder_ / "out.png"));
+    for (const char* name : {"large.png", "progress.txt", "begin.txt", "end.txt"})
+        std::filesystem::remove(folder_ / name);
+    EXPECT_EQ(folder_.Entries(), 1) << "the other input alone, no file under construction";
+}
+
 TEST_F(CliRenderGl, APictureLargerThanATextureIsToldItsSizeAndTheLimit) {
     WriteLayer(folder_ / "strip.png", 900, 2, {255, 255, 255, 255});
     const auto entries = folder_.Entries();

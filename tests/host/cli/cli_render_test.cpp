@@ -259,6 +259,24 @@ TEST_F(CliRender, AFailedRunLeavesTheOlderPicture) {
     EXPECT_EQ(ReadBytes(folder_ / "out.png"), "older");
 }
 
+TEST_F(CliRender, ALongFrameTellsItsStageAndTheTime) {
+    const std::vector<std::string> large = {"--set", "paint/border=900", "--depth", "32", "--progress"};
+    const auto with = [&](const char* seconds) {
+        std::vector<std::string> arguments = large;
+        arguments.emplace_back(seconds);
+        return Paint("out.png", arguments);
+    };
+    const Outcome told = with("0.02");
+    EXPECT_EQ(told.code, 0) << told.err;
+    EXPECT_THAT(told.err, testing::ContainsRegex("umbrant: [0-9]+\\.[0-9] s, the picture is written\n"));
+    EXPECT_EQ(told.out, "out.png\n") << "results alone on standard output";
+    EXPECT_EQ(with("0").err, "");
+    EXPECT_EQ(with("86400").err, "") << "a short frame says nothing";
+    const Outcome wrong = with("often");
+    EXPECT_EQ(wrong.code, 2);
+    EXPECT_THAT(wrong.err, testing::HasSubstr("--progress: 'often' is not a number from 0 to 86400"));
+}
+
 TEST_F(CliRender, AnInterruptionLeavesNothing) {
     // A picture that takes a while to write, interrupted as soon as its temporary file is there.
     const std::string script = "cd " + Quoted(folder_.Path().string()) + " && { " + Quoted(UMBRANT_PROGRAM) +
