@@ -21,6 +21,15 @@ add_library(umbrant_module_flags INTERFACE)
 target_compile_options(umbrant_module_flags INTERFACE -ffp-contract=off)
 target_link_libraries(umbrant_module_flags INTERFACE umbrant_flags)
 
+# How a module is linked. Under a sanitizer it stays mapped to the end, so that reports can name its functions, and its
+# calls into the sanitizer's library are met by the program.
+set(umbrant_module_link_options -Wl,--no-undefined)
+set(umbrant_sanitized FALSE)
+if(CMAKE_CXX_FLAGS MATCHES "-fsanitize=")
+    set(umbrant_sanitized TRUE)
+    set(umbrant_module_link_options -Wl,-z,nodelete)
+endif()
+
 # umbrant_library(target FLAGS flags [LINK libraries...])
 # A static library of every .cpp in the current folder; a folder without one becomes an interface library.
 function(umbrant_library target)
@@ -50,6 +59,15 @@ endforeach()
     set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${script})
 endfunction()
 
+# umbrant_note_program(program labels...): what the presets of the sanitizers build, the race checker's only where the
+# label threads stands.
+function(umbrant_note_program program)
+    set_property(GLOBAL APPEND PROPERTY UMBRANT_TEST_PROGRAMS ${program})
+    if(threads IN_LIST ARGN)
+        set_property(GLOBAL APPEND PROPERTY UMBRANT_THREADED_PROGRAMS ${program})
+    endif()
+endfunction()
+
 # umbrant_tests(name LINK libraries... [GL_LINK libraries...])
 # Two programs from the current folder: <name>_test of every *_test.cpp that needs nothing (label unit) and
 # <name>_gl_test of every *_gl_test.cpp (label gl). A file's suffix is a promise about what it needs.
@@ -64,10 +82,12 @@ function(umbrant_tests name)
         add_executable(${name}_test ${unit})
         target_link_libraries(${name}_test PRIVATE ${arg_LINK} GTest::gmock_main)
         umbrant_discover(${name}_test PREFIX "${name}" LABELS unit ${arg_LABELS} TIMEOUT 300)
+        umbrant_note_program(${name}_test ${arg_LABELS})
     endif()
     if(gl)
         add_executable(${name}_gl_test ${gl})
         target_link_libraries(${name}_gl_test PRIVATE ${arg_GL_LINK} GTest::gmock_main)
         umbrant_discover(${name}_gl_test PREFIX "${name} gl" LABELS gl ${arg_LABELS} TIMEOUT 600)
+        umbrant_note_program(${name}_gl_test ${arg_LABELS})
     endif()
 endfunction()

@@ -32,6 +32,8 @@ class LoadedModule {
         handle_ = nullptr;
     }
 
+    /// Under a sanitizer nothing takes the module out of the process, so that reports can name its functions.
+    static constexpr bool kStaysMapped = MODULE_STAYS_MAPPED;
     /// Whether the module's code is in the process.
     static bool IsMapped() {
         void* handle = dlopen(UMBRANT_MODULE_FILE, RTLD_NOW | RTLD_LOCAL | RTLD_NOLOAD);
