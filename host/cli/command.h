@@ -39,8 +39,8 @@ std::string OutOfRange(const std::string& text, double low, double high);
 /// The host program's own version, "major.minor.fix".
 std::string ProgramVersion();
 
-/// Standard output for results alone, whatever an effect prints; an interruption removes half-written files and ends the
-/// process with `ExitCode::kInterrupted`. Once, before RunProgram.
+/// Standard output for results alone, whatever an effect prints; an interruption removes half-written files and ends
+/// the process with `ExitCode::kInterrupted`. Once, before RunProgram.
 void PrepareProcess();
 
 /// Finds the command that the arguments name and runs it; prints what went wrong. Returns the process's exit code.
