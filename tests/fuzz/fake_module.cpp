@@ -11,6 +11,7 @@
 #include "platform/fake/call_log.h"
 #include "platform/fake/cgl_fake.h"
 #include "platform/fake/gl_fake.h"
+#include "platform/fake/renderer_choice_fake.h"
 
 #define EXPORTED extern "C" __attribute__((visibility("default")))
 
@@ -19,6 +20,7 @@ EXPORTED void UmbrantSetFakePlatform(const FakePlatformScript* script, bool forg
     fake::ClearCalls();
     fake::CglState& cgl = fake::Cgl();
     fake::GlState& gl = fake::Gl();
+    fake::Renderer() = script->processor ? RendererChoice::kProcessor : RendererChoice::kOpenGL;
     cgl.chooseError = static_cast<CGLError>(script->chooseFails);
     cgl.createError = static_cast<CGLError>(script->createFails);
     cgl.setCurrentError = static_cast<CGLError>(script->makeCurrentFails);

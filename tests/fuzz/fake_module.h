@@ -14,6 +14,7 @@ struct FakePlatformScript {
     std::uint8_t badFramebuffer = 0;  ///< the n-th status, from 1, is incomplete
     std::uint8_t badShader = 0;       ///< the n-th compilation, from 1, fails
     std::uint8_t badProgram = 0;      ///< the n-th link, from 1, fails
+    bool processor = false;           ///< the processor draws
     std::uint8_t pixel = 0;           ///< every byte that is read back
 };
 

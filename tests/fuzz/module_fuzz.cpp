@@ -2,8 +2,8 @@
 // Copyright 2026 the Umbrant authors
 
 // The module under any legal order of commands, with any values in its rows, any layers and any driver that fails:
-// driven by the real host, on the fake platform. Whatever happens it returns, leaves nothing open and misbehaves in
-// nothing.
+// driven by the real host, on the fake platform, drawing through OpenGL or on the processor. Whatever happens it
+// returns, leaves nothing open and misbehaves in nothing.
 
 #include <cairo.h>
 #include <dlfcn.h>
@@ -43,6 +43,7 @@ FakePlatformScript AnyScript(Bytes& bytes) {
     const std::uint8_t nth = bytes.Byte() % 12;
     FakePlatformScript script;
     script.pixel = bytes.Byte();
+    script.processor = (script.pixel & 1) != 0;
     if (choice < 128) return script;
     switch (choice % 6) {
         case 0:
