@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// What the measurements of whole frames share: the module opened as the program opens it, and layers to draw.
+
+#include <string>
+
+#include "host/compositing/world.h"
+#include "host/session/effect_session.h"
+
+/// A layer of discs on a grid, with soft edges, inside the middle `share` (0 to 1) of a frame's area; transparent
+/// around it, and for at least four pixels at the frame's edges.
+World DiscLayer(int width, int height, Depth depth, double share);
+
+/// The module and a session, for the whole program: what a render thread makes once is made once. Whatever fails ends
+/// the program with its sentence.
+class Rig {
+ public:
+    static Rig& Get();
+
+    Frame Draw(const World& layer);
+    /// A row of the panel, by its path.
+    void Set(const std::string& path, const std::string& value);
+    /// All rows as the effect declares them.
+    void SetDefaults();
+
+ private:
+    Rig();
+
+    Module module_;
+    EffectSession session_;
+    ParamSet defaults_;
+};
