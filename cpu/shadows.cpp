@@ -24,10 +24,20 @@ struct ThreadMemory {
     std::vector<std::unique_ptr<ColumnTiles>> sources;
     Buffer<float> rounded;  ///< a source that a pass before the samples has made
 };
-thread_local std::unique_ptr<ThreadMemory> memory;
+
+// A plain pointer, because it outlives the thread's destructors: a host may set the module down from one of its own
+// objects of static or thread duration, after this thread's memory has been given back.
+thread_local ThreadMemory* memory = nullptr;
+
+struct GiveBackAtThreadEnd {
+    ~GiveBackAtThreadEnd() { ReleaseStackMemory(); }
+    void Arm() {}
+};
+thread_local GiveBackAtThreadEnd giveBack;
 
 ThreadMemory& Memory() {
-    if (!memory) memory = std::make_unique<ThreadMemory>();
+    giveBack.Arm();
+    if (!memory) memory = new ThreadMemory;
     return *memory;
 }
 
@@ -248,5 +258,6 @@ const uint16_t* DrawRadialStack(const myParams& settings, const RadialPadding& p
 }
 
 void ReleaseStackMemory() {
-    memory.reset();
+    delete memory;
+    memory = nullptr;
 }

@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <string>
+#include <thread>
 
 #include "cpu/kernels.h"
 #include "cpu/thread_pool.h"
@@ -167,6 +168,25 @@ TEST_F(ProcessorTest, SaysWhatDraws) {
     EXPECT_EQ(std::string(host_.global->gl_renderer), ProcessorName());
     EXPECT_NE(ProcessorName().find(BestKernels().name), std::string::npos);
     EXPECT_EQ(ProcessorName().rfind("Processor (", 0), 0u);
+}
+
+// Objects of thread duration end in the opposite order of their making: this one after the renders' memory.
+struct LateSetDown {
+    bool* done = nullptr;
+    ~LateSetDown() {
+        EndProcessorThreads();
+        *done = true;
+    }
+};
+
+TEST_F(ProcessorTest, CanBeSetDownWhenTheThreadsMemoryIsGone) {
+    bool done = false;
+    std::thread([&] {
+        thread_local LateSetDown late;
+        late.done = &done;
+        Draw(MakeRandomScene(0));
+    }).join();
+    EXPECT_TRUE(done);
 }
 
 }  // namespace
