@@ -40,7 +40,7 @@ class Bytes {
     Value Take() {
         Value value{};
         const std::size_t count = std::min(sizeof(value), rest_.size());
-        std::memcpy(&value, rest_.data(), count);
+        if (count > 0) std::memcpy(&value, rest_.data(), count);
         rest_ = rest_.subspan(count);
         return value;
     }

@@ -98,7 +98,7 @@ class Bootstrap(unittest.TestCase):
 
     def test_usage(self):
         ran, _ = self.run_it("--mac")
-        self.assertEqual((ran.returncode, ran.stderr), (2, "Usage: script/bootstrap [--without-macos]\n"))
+        self.assertEqual((ran.returncode, ran.stderr), (2, "Usage: script/bootstrap [--without-macos] [--fuzz] [--soak]\n"))
 
 
 if __name__ == "__main__":
