@@ -29,6 +29,7 @@ Command ParamsCommand();
 Command InfoCommand();
 Command CompareCommand();
 Command PanelCommand();
+Command ValidateCommand();
 
 /// All of them, in the order of the help text.
 std::vector<Command> AllCommands();

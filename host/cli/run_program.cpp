@@ -31,7 +31,7 @@ constexpr char kFooter[] =
     "  umbrant render title.png -o shadow.png --set style/distance=80 --set style/color=#203060\n"
     "  umbrant params\n"
     "\n"
-    "Exit codes: 0 done, 1 the effect failed (or compared pictures differ), 2 wrong usage or a bad value,\n"
+    "Exit codes: 0 done, 1 the effect or a check failed (or compared pictures differ), 2 wrong usage or a bad value,\n"
     "3 a file cannot be read or written, 4 the module cannot be loaded, 5 an internal error, 130 interrupted.";
 
 int Code(ExitCode code) {
@@ -131,7 +131,7 @@ std::string OutOfRange(const std::string& text, double low, double high) {
 }
 
 std::vector<Command> AllCommands() {
-    return {RenderCommand(), ParamsCommand(), InfoCommand(), CompareCommand(), PanelCommand()};
+    return {RenderCommand(), ParamsCommand(), InfoCommand(), CompareCommand(), PanelCommand(), ValidateCommand()};
 }
 
 int RunProgram(int argc, const char* const* argv, const std::function<int(const Command&)>& instead) {

@@ -4,7 +4,6 @@
 #include "host/compositing/world.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -42,6 +41,7 @@ void FillPattern(World& world, Channel alpha, Channel colour) {
 struct World::Block {
     PF_EffectWorld def{};
     Depth depth = Depth::k8;
+    LentBytes bytes;
 };
 
 int BytesPerPixel(Depth depth) {
@@ -76,8 +76,6 @@ Depth DepthOf(const PF_EffectWorld& world) {
 }
 
 void World::Deleter::operator()(Block* block) const {
-    if (!block) return;
-    std::free(block->def.data);
     delete block;
 }
 
@@ -98,8 +96,9 @@ World World::Allocate(int width, int height, Depth depth, bool clear) {
     World world;
     if (width < 0 || height < 0) return world;
     const std::int64_t pixelBytes = BytesPerPixel(depth);
-    const std::int64_t rowBytes =
+    std::int64_t rowBytes =
         ((static_cast<std::int64_t>(width) + 1) * pixelBytes + kRowAlignment - 1) / kRowAlignment * kRowAlignment;
+    if (const auto padding = CurrentLendingRules().rowPadding) rowBytes = width * pixelBytes + *padding;
     if (rowBytes > std::numeric_limits<A_long>::max()) return world;
 
     std::unique_ptr<Block, Deleter> block(new (std::nothrow) Block);
@@ -107,9 +106,9 @@ World World::Allocate(int width, int height, Depth depth, bool clear) {
     PF_EffectWorld& def = block->def;
     if (width > 0 && height > 0) {
         const std::size_t size = static_cast<std::size_t>(rowBytes) * static_cast<std::size_t>(height);
-        auto* bytes = static_cast<std::byte*>(clear ? std::calloc(size, 1) : std::malloc(size));
-        if (!bytes) return world;
-        def.data = reinterpret_cast<PF_PixelPtr>(bytes);
+        block->bytes = LentBytes::Create(size, clear);
+        if (!block->bytes.Data()) return world;
+        def.data = reinterpret_cast<PF_PixelPtr>(block->bytes.Data());
     }
     block->depth = depth;
     def.reserved0 = &ownMark;
@@ -130,6 +129,10 @@ PF_EffectWorld& World::Def() {
 
 const PF_EffectWorld& World::Def() const {
     return block_->def;
+}
+
+const LentBytes& World::Memory() const {
+    return block_->bytes;
 }
 
 Depth World::PixelDepth() const {

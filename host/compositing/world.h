@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <memory>
 
+#include "host/compositing/lent_memory.h"
 #include "hostapi/pixels.h"
 
 /// Bits per channel of a world.
@@ -29,7 +30,8 @@ class World {
  public:
     World() = default;
     /// Straight-alpha ARGB, `width` x `height` pixels, each at least 0 (an empty world has no data). Rows start on
-    /// 16-byte boundaries and are at least one pixel longer than the width. Pixels are zero when `clear`, otherwise
+    /// 16-byte boundaries and are at least one pixel longer than the width, unless the lending rules say otherwise.
+    /// Pixels are zero when `clear`, otherwise
     /// filled with a pattern that is neither transparent nor black. Null Def() (IsNull) when memory cannot be had.
     static World Create(int width, int height, Depth depth, bool clear = true);
     /// The same with pixels of any value: for a caller that writes every one of them before anybody reads.
@@ -38,6 +40,8 @@ class World {
     bool IsNull() const { return !block_; }
     PF_EffectWorld& Def();
     const PF_EffectWorld& Def() const;
+    /// The memory that the pixels lie in; see host/compositing/lent_memory.h. An empty world's has no bytes.
+    const LentBytes& Memory() const;
     int Width() const { return Def().width; }
     int Height() const { return Def().height; }
     Depth PixelDepth() const;

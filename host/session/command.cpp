@@ -12,6 +12,7 @@
 #include "host/session/error_names.h"
 #include "host/session/frame_record.h"
 #include "host/session/session_state.h"
+#include "host/suites/event_log.h"
 #include "host/suites/tables.h"
 
 namespace {
@@ -81,9 +82,13 @@ SessionState::SessionState(const Module& loaded, SessionOptions chosen) : module
     services.session = this;
     services.layerFlags = options.layerFlags;
     services.fault = options.fault;
+    services.log = options.log;
+    services.worldWatch = options.worldWatch;
+    services.strictLending = options.strictLending;
 }
 
-Answer SendCommand(SessionState& state, PF_Cmd command, FrameRecord* frame, PF_ParamDef* params[], void* extra) {
+Answer SendCommand(SessionState& state, PF_Cmd command, FrameRecord* frame, PF_ParamDef* params[], void* extra,
+                   PF_LayerDef* output) {
     PF_InData in = InDataFor(state, frame);
     Answer answer;
     answer.out.global_data = state.globalData;
@@ -93,15 +98,24 @@ Answer SendCommand(SessionState& state, PF_Cmd command, FrameRecord* frame, PF_P
         answer.out.out_flags2 = state.outFlags2;
     }
 
+    CommandArguments arguments{command, &in, &answer.out, params, output, extra};
+    if (state.options.beforeCommand) state.options.beforeCommand(arguments);
+
     CommandNotes notes;
+    EventLog* const log = state.options.log;
+    if (log) notes.event = log->Begin(true, 0, CommandName(command), {});
     const auto begin = std::chrono::steady_clock::now();
     CallOutcome outcome;
     {
         const Listed listed(state, command, begin, notes);
         const ServiceScope scope(&state.services, &notes);
-        outcome = state.module.Call(command, &in, &answer.out, params, nullptr, extra);
+        outcome = state.module.Call(arguments.command, arguments.in, arguments.out, arguments.params, arguments.output,
+                                    arguments.extra);
     }
+    if (log) log->End(notes.event, outcome.error, false, {});
     const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - begin;
+
+    if (state.options.afterCommand) state.options.afterCommand(arguments, outcome.error);
 
     CommandRecord& record = answer.record;
     record.command = command;

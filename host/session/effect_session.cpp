@@ -140,15 +140,25 @@ EffectSession::~EffectSession() {
     DropTokens(&state_->services);
 }
 
-Result<EffectSession> EffectSession::Start(const Module& module, SessionOptions options) {
-    auto state = std::make_unique<SessionState>(module, std::move(options));
+EffectSession EffectSession::Create(const Module& module, SessionOptions options) {
+    return EffectSession(std::make_unique<SessionState>(module, std::move(options)));
+}
+
+Result<Done> EffectSession::SetUp() {
+    state_->params = ParamSet();
     for (const auto step : {GlobalSetup, ParamsSetup, SequenceSetup, QueryFlags}) {
-        if (std::optional<Failure> failure = step(*state)) {
-            SetDown(*state);
+        if (std::optional<Failure> failure = step(*state_)) {
+            SetDown(*state_);
             return *failure;
         }
     }
-    return EffectSession(std::move(state));
+    return Done{};
+}
+
+Result<EffectSession> EffectSession::Start(const Module& module, SessionOptions options) {
+    EffectSession session = Create(module, std::move(options));
+    if (const Result<Done> done = session.SetUp(); !done) return done.Error();
+    return session;
 }
 
 Result<Done> EffectSession::End() {
@@ -188,6 +198,10 @@ Result<Done> EffectSession::SendEvent(PF_EventExtra* event) {
 
 bool EffectSession::SetTwirl(int index, bool collapsed) {
     return state_->services.panel.SetCollapsed(index, collapsed);
+}
+
+CommandRecord EffectSession::Send(PF_Cmd command, PF_ParamDef* params[], PF_LayerDef* output, void* extra) {
+    return SendCommand(*state_, command, nullptr, params, extra, output).record;
 }
 
 Result<PreRendered> EffectSession::PreRender(const FrameRequest& request) {

@@ -21,12 +21,23 @@
 #include "host/session/param_set.h"
 #include "host/suites/balance.h"
 #include "host/suites/panel_state.h"
+#include "host/suites/services.h"
 #include "host/suites/stage_clock.h"
 #include "hostapi/aegp_types.h"
 #include "hostapi/custom_ui.h"
 #include "hostapi/smart_render.h"
 
 struct SessionState;
+
+/// What a command is sent with. A hook may change the pointers and what they lead to.
+struct CommandArguments {
+    PF_Cmd command = PF_Cmd_ABOUT;
+    PF_InData* in = nullptr;
+    PF_OutData* out = nullptr;
+    PF_ParamDef** params = nullptr;
+    PF_LayerDef* output = nullptr;
+    void* extra = nullptr;
+};
 
 /// Who the host says it is, and what it can be told to get wrong.
 struct SessionOptions {
@@ -45,6 +56,15 @@ struct SessionOptions {
     /// handed out with "AcquireSuite:name". A non-zero answer makes the call fail with it (a call that returns a
     /// pointer gives null). Called from every thread.
     std::function<PF_Err(std::string_view call)> fault{};
+    /// Accounting: every command and host call is written there. Null for none. Outlives the session.
+    EventLog* log = nullptr;
+    /// Called around every command on the command's thread.
+    std::function<void(CommandArguments&)> beforeCommand{};
+    std::function<void(const CommandArguments&, PF_Err error)> afterCommand{};
+    /// Told of every world that the effect gets or gives back. Called from every thread.
+    WorldWatch worldWatch{};
+    /// What the effect gives back can no longer be used: suites' tables are shut, parameter definitions overwritten.
+    bool strictLending = false;
 };
 
 /// How much of the plane a frame shows.
@@ -121,6 +141,10 @@ class EffectSession {
     /// `ExitCode::kEffectFailed` when the effect returns an error or cannot be driven by this host; what was set up is
     /// then set down again. `module` must outlive the session.
     static Result<EffectSession> Start(const Module& module, SessionOptions options = {});
+    /// A session that has sent nothing yet, for who wants to see SetUp fail, or to send commands before it.
+    static EffectSession Create(const Module& module, SessionOptions options = {});
+    /// What Start does after Create. A session that was ended may be set up again.
+    Result<Done> SetUp();
     /// Ends the session when End was not called.
     ~EffectSession();
     EffectSession(EffectSession&&) noexcept;
@@ -142,6 +166,9 @@ class EffectSession {
     Result<Done> SendEvent(PF_EventExtra* event);
     /// Opens or closes a row's twirl, as the user does. False when there is no such row.
     bool SetTwirl(int index, bool collapsed);
+
+    /// Sends any command with any arguments, as no host should need to. Its record is kept like any other's.
+    CommandRecord Send(PF_Cmd command, PF_ParamDef* params[], PF_LayerDef* output, void* extra);
 
     /// Asks what a frame would cover, without drawing it.
     Result<PreRendered> PreRender(const FrameRequest& request);

@@ -140,6 +140,9 @@ std::optional<Failure> SendRender(FrameRecord& frame, void* preRenderData, const
     frame.output.Def().origin_x = rect.left;
     frame.output.Def().origin_y = rect.top;
 
+    const WorldWatch& watch = frame.state.services.worldWatch;
+    if (watch) watch(frame.output, WorldRole::kOutput, true);
+
     PF_SmartRenderInput input{};
     input.output_request = frame.outputRequest;
     input.bitdepth = frame.BitDepth();
@@ -148,6 +151,7 @@ std::optional<Failure> SendRender(FrameRecord& frame, void* preRenderData, const
     frame.stage = FrameRecord::Stage::kRender;
     const Answer answer = SendCommand(frame.state, PF_Cmd_SMART_RENDER, &frame, nullptr, &extra);
     frame.stage = FrameRecord::Stage::kIdle;
+    if (watch) watch(frame.output, WorldRole::kOutput, false);
     frame.Note(answer);
     suites.insert(answer.suites.begin(), answer.suites.end());
     if (answer.Failed()) return RenderFailure(frame.state, answer, rect);

@@ -5,6 +5,8 @@
 
 #include <fmt/format.h>
 
+#include <cstring>
+
 #include "host/session/frame_record.h"
 #include "host/session/session_state.h"
 #include "host/suites/slots.h"
@@ -16,6 +18,9 @@ template <FixedText Call, auto Function>
 using Slot = Served<kTable, Call, Function>;
 template <FixedText Call>
 using NoSlot = Missing<kTable, Call>;
+
+/// What stands in a definition that was checked in, where the host lends strictly.
+constexpr int kStaleByte = 0xDB;
 
 /// The session behind a reference; null, with a report, when it is none of ours.
 SessionState* SessionOf(PF_ProgPtr effectRef, const char* call) {
@@ -58,6 +63,8 @@ PF_Err CheckoutParam(PF_ProgPtr effectRef, PF_ParamIndex index, A_long, A_long, 
 
 PF_Err CheckinParam(PF_ProgPtr effectRef, PF_ParamDef* param) {
     if (!SessionOf(effectRef, "checkin_param") || !param) return PF_Err_BAD_CALLBACK_PARAM;
+    // A definition is the host's again from here on; a strict one makes sure that nobody relies on its bytes.
+    if (EffectRef::Of(effectRef, "checkin_param")->services->strictLending) std::memset(param, kStaleByte, sizeof(*param));
     Count(Resource::kParam, -1);
     return PF_Err_NONE;
 }

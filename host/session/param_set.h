@@ -68,6 +68,10 @@ class ParamSet {
     const std::vector<ParamRow>& Rows() const { return rows_; }
     const ParamRow& Row(int index) const { return rows_[static_cast<std::size_t>(index)]; }
 
+    /// The row's whole record, for a host that hands an effect what no panel would let through. A point's value is in
+    /// `point`.
+    ParamRow& RawRow(int index) { return rows_[static_cast<std::size_t>(index)]; }
+
     /// The index of the row that "group/name" or "#index" names. Fails with `ExitCode::kUsage` and the nearest right
     /// names, also when two rows share the name.
     Result<int> Find(std::string_view path) const;

@@ -66,7 +66,8 @@ struct Answer {
 
 /// Sends a command on the calling thread. `frame` is null outside of frames; the record of a command outside of a frame
 /// is kept in the session, that of a frame's in the frame.
-Answer SendCommand(SessionState& state, PF_Cmd command, FrameRecord* frame, PF_ParamDef* params[], void* extra);
+Answer SendCommand(SessionState& state, PF_Cmd command, FrameRecord* frame, PF_ParamDef* params[], void* extra,
+                   PF_LayerDef* output = nullptr);
 
 /// The failure that a command's error is to the user: the effect's words, the code and its name.
 Failure FailureOf(const SessionState& state, const Answer& answer);

@@ -79,6 +79,10 @@ PF_Err CropTo(const PF_LRect& rect, const World& layer, PF_Point layerOrigin, Wo
     return CopyWorld(&layer.Def(), &def, &part, nullptr);
 }
 
+void Watch(const FrameRecord& frame, World& world, WorldRole role, bool lent) {
+    if (frame.state.services.worldWatch && !world.IsNull()) frame.state.services.worldWatch(world, role, lent);
+}
+
 PF_Err CheckoutLayerPixels(PF_ProgPtr effectRef, A_long id, PF_EffectWorld** pixels) {
     FrameRecord* frame = FrameOf(effectRef, FrameRecord::Stage::kRender, "checkout_layer_pixels");
     if (!frame || !pixels) return PF_Err_BAD_CALLBACK_PARAM;
@@ -101,6 +105,7 @@ PF_Err CheckoutLayerPixels(PF_ProgPtr effectRef, A_long id, PF_EffectWorld** pix
                                  ? CropTo(found->rect, *request.texture, request.textureOrigin, found->pixels)
                                  : CropTo(found->rect, *request.layer, {}, found->pixels);
         if (error) return error;
+        Watch(*frame, found->pixels, found->isTexture ? WorldRole::kTexture : WorldRole::kInput, true);
         *pixels = &found->pixels.Def();
     }
     found->used = found->out = true;
@@ -119,6 +124,7 @@ PF_Err CheckinLayerPixels(PF_ProgPtr effectRef, A_long id) {
         return PF_Err_BAD_CALLBACK_PARAM;
     }
     found->out = false;
+    Watch(*frame, found->pixels, found->isTexture ? WorldRole::kTexture : WorldRole::kInput, false);
     found->pixels = World();
     Count(Resource::kLayerPixels, -1);
     return PF_Err_NONE;

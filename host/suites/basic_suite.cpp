@@ -5,6 +5,9 @@
 
 #include "hostapi/suites/basic_suite.h"
 
+#include <sys/mman.h>
+#include <unistd.h>
+
 #include <cstdlib>
 #include <cstring>
 #include <map>
@@ -20,29 +23,35 @@ struct OfferedSuite {
     const char* name;
     int32_t version;
     const void* suite;
+    std::size_t size;
 };
 
+template <typename Suite>
+constexpr OfferedSuite Offer(const char* name, int32_t version, const Suite& suite) {
+    return {name, version, &suite, sizeof(Suite)};
+}
+
 const OfferedSuite kOffered[] = {
-    {kPFHandleSuiteName, kPFHandleSuiteVersion1, &kHandleSuite},
-    {kPFANSISuiteName, kPFANSISuiteVersion1, &kANSISuite},
-    {kPFWorldSuiteName, kPFWorldSuiteVersion2, &kWorldSuite},
-    {kPFIterate8SuiteName, kPFIterate8SuiteVersion1, &kIterate8Suite},
-    {kPFIterate16SuiteName, kPFIterate16SuiteVersion1, &kIterate16Suite},
-    {kPFIterateFloatSuiteName, kPFIterateFloatSuiteVersion1, &kIterateFloatSuite},
-    {kPFWorldTransformSuiteName, kPFWorldTransformSuiteVersion1, &kWorldTransformSuite},
-    {kPFColorParamSuiteName, kPFColorParamSuiteVersion1, &kColorParamSuite},
-    {kPFParamUtilsSuiteName, kPFParamUtilsSuiteVersion3, &kParamUtilsSuite},
-    {kPFEffectUISuiteName, kPFEffectUISuiteVersion1, &kEffectUISuite},
-    {kPFEffectCustomUISuiteName, kPFEffectCustomUISuiteVersion1, &kEffectCustomUISuite},
-    {kDRAWBOT_DrawSuiteName, kDRAWBOT_DrawSuite_Version1, &kDrawbotDrawSuite},
-    {kDRAWBOT_SupplierSuiteName, kDRAWBOT_SupplierSuite_Version1, &kDrawbotSupplierSuite},
-    {kDRAWBOT_SurfaceSuiteName, kDRAWBOT_SurfaceSuite_Version1, &kDrawbotSurfaceSuite},
-    {kDRAWBOT_PathSuiteName, kDRAWBOT_PathSuite_Version1, &kDrawbotPathSuite},
-    {kAEGPPFInterfaceSuiteName, kAEGPPFInterfaceSuiteVersion1, &kPFInterfaceSuite},
-    {kAEGPLayerSuiteName, kAEGPLayerSuiteVersion7, &kLayerSuite},
-    {kAEGPEffectSuiteName, kAEGPEffectSuiteVersion2, &kEffectSuite},
-    {kAEGPStreamSuiteName, kAEGPStreamSuiteVersion2, &kStreamSuite},
-    {kAEGPDynamicStreamSuiteName, kAEGPDynamicStreamSuiteVersion2, &kDynamicStreamSuite},
+    Offer(kPFHandleSuiteName, kPFHandleSuiteVersion1, kHandleSuite),
+    Offer(kPFANSISuiteName, kPFANSISuiteVersion1, kANSISuite),
+    Offer(kPFWorldSuiteName, kPFWorldSuiteVersion2, kWorldSuite),
+    Offer(kPFIterate8SuiteName, kPFIterate8SuiteVersion1, kIterate8Suite),
+    Offer(kPFIterate16SuiteName, kPFIterate16SuiteVersion1, kIterate16Suite),
+    Offer(kPFIterateFloatSuiteName, kPFIterateFloatSuiteVersion1, kIterateFloatSuite),
+    Offer(kPFWorldTransformSuiteName, kPFWorldTransformSuiteVersion1, kWorldTransformSuite),
+    Offer(kPFColorParamSuiteName, kPFColorParamSuiteVersion1, kColorParamSuite),
+    Offer(kPFParamUtilsSuiteName, kPFParamUtilsSuiteVersion3, kParamUtilsSuite),
+    Offer(kPFEffectUISuiteName, kPFEffectUISuiteVersion1, kEffectUISuite),
+    Offer(kPFEffectCustomUISuiteName, kPFEffectCustomUISuiteVersion1, kEffectCustomUISuite),
+    Offer(kDRAWBOT_DrawSuiteName, kDRAWBOT_DrawSuite_Version1, kDrawbotDrawSuite),
+    Offer(kDRAWBOT_SupplierSuiteName, kDRAWBOT_SupplierSuite_Version1, kDrawbotSupplierSuite),
+    Offer(kDRAWBOT_SurfaceSuiteName, kDRAWBOT_SurfaceSuite_Version1, kDrawbotSurfaceSuite),
+    Offer(kDRAWBOT_PathSuiteName, kDRAWBOT_PathSuite_Version1, kDrawbotPathSuite),
+    Offer(kAEGPPFInterfaceSuiteName, kAEGPPFInterfaceSuiteVersion1, kPFInterfaceSuite),
+    Offer(kAEGPLayerSuiteName, kAEGPLayerSuiteVersion7, kLayerSuite),
+    Offer(kAEGPEffectSuiteName, kAEGPEffectSuiteVersion2, kEffectSuite),
+    Offer(kAEGPStreamSuiteName, kAEGPStreamSuiteVersion2, kStreamSuite),
+    Offer(kAEGPDynamicStreamSuiteName, kAEGPDynamicStreamSuiteVersion2, kDynamicStreamSuite),
 };
 
 const OfferedSuite* FindOffered(const char* name, int32_t version) {
@@ -54,6 +63,46 @@ const OfferedSuite* FindOffered(const char* name, int32_t version) {
 
 std::string Label(const char* name, int32_t version) {
     return std::string(name) + " " + std::to_string(version);
+}
+
+/// Copies of the tables for sessions that lend strictly: shut while nobody holds them, so that a call through a table
+/// that was given back ends the process.
+class StrictTables {
+ public:
+    const void* Lend(const OfferedSuite& offered) {
+        const std::lock_guard lock(mutex_);
+        Copy& copy = copies_[&offered];
+        if (!copy.page) {
+            copy.size = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+            void* page = mmap(nullptr, copy.size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+            if (page == MAP_FAILED) return offered.suite;
+            std::memcpy(page, offered.suite, offered.size);
+            copy.page = page;
+        }
+        if (copy.held++ == 0) mprotect(copy.page, copy.size, PROT_READ);
+        return copy.page;
+    }
+    void GiveBack(const OfferedSuite& offered) {
+        const std::lock_guard lock(mutex_);
+        const auto found = copies_.find(&offered);
+        if (found == copies_.end() || found->second.held == 0) return;
+        if (--found->second.held == 0) mprotect(found->second.page, found->second.size, PROT_NONE);
+    }
+
+ private:
+    struct Copy {
+        void* page = nullptr;
+        std::size_t size = 0;
+        int held = 0;
+    };
+    std::mutex mutex_;
+    std::map<const OfferedSuite*, Copy> copies_;
+};
+
+// Kept: never destroyed, because an effect may give suites back while the program ends.
+StrictTables& TheStrictTables() {
+    static StrictTables* tables = new StrictTables;
+    return *tables;
 }
 
 SPErr AcquireSuite(const char* name, int32_t version, const void** suite) {
@@ -73,7 +122,7 @@ SPErr AcquireSuite(const char* name, int32_t version, const void** suite) {
     }
     if (CommandNotes* notes = ServiceScope::Current().second) notes->acquired.Note(Label(name, version));
     Count(Resource::kSuite, 1);
-    *suite = offered->suite;
+    *suite = services && services->strictLending ? TheStrictTables().Lend(*offered) : offered->suite;
     return PF_Err_NONE;
 }
 
@@ -87,6 +136,7 @@ SPErr ReleaseSuite(const char* name, int32_t version) {
             return PF_Err_BAD_CALLBACK_PARAM;
         }
         if (--held->second == 0) services->suites.erase(held);
+        if (services->strictLending) TheStrictTables().GiveBack(*FindOffered(name, version));
     }
     Count(Resource::kSuite, -1);
     return PF_Err_NONE;

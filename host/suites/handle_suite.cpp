@@ -5,14 +5,12 @@
 
 #include "hostapi/suites/handle_suite.h"
 
-#include <cstdlib>
 #include <cstring>
-#include <limits>
 #include <memory>
 #include <mutex>
-#include <new>
 #include <unordered_map>
 
+#include "host/compositing/lent_memory.h"
 #include "host/suites/handles.h"
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
@@ -22,13 +20,9 @@ namespace {
 /// Fresh bytes hold this, so that memory which an effect takes for zero is not.
 constexpr int kFreshByte = 0xA5;
 
-struct FreeBytes {
-    void operator()(char* bytes) const { std::free(bytes); }
-};
-
 struct Block {
     char* master = nullptr;
-    std::unique_ptr<char, FreeBytes> bytes;
+    LentBytes bytes;
     A_HandleSize size = 0;
     int locks = 0;
 };
@@ -50,20 +44,23 @@ Table& TheTable() {
     return *table;
 }
 
-char* Allocate(A_HandleSize size) {
-    if (size > std::numeric_limits<std::size_t>::max() / 2) return nullptr;
-    return static_cast<char*>(std::malloc(size ? static_cast<std::size_t>(size) : 1));
+LentBytes Allocate(A_HandleSize size) {
+    return LentBytes::Create(static_cast<std::size_t>(size), false);
+}
+
+char* Characters(const LentBytes& bytes) {
+    return reinterpret_cast<char*>(bytes.Data());
 }
 
 }  // namespace
 
 PF_Handle NewHandle(A_HandleSize size) {
     auto block = std::make_unique<Block>();
-    block->bytes.reset(Allocate(size));
-    if (!block->bytes) return nullptr;
-    std::memset(block->bytes.get(), kFreshByte, static_cast<std::size_t>(size));
+    block->bytes = Allocate(size);
+    if (!block->bytes.Data()) return nullptr;
+    std::memset(block->bytes.Data(), kFreshByte, static_cast<std::size_t>(size));
     block->size = size;
-    block->master = block->bytes.get();
+    block->master = Characters(block->bytes);
     const PF_Handle handle = &block->master;
     Table& table = TheTable();
     {
@@ -128,6 +125,7 @@ void DisposeHandle(PF_Handle handle) {
         Report("a handle was disposed of while it was locked");
         Count(Resource::kLock, -block->locks);
     }
+    if (!block->bytes.SlackIsWhole()) Report("bytes beside a handle's memory were written");
 }
 
 A_HandleSize HandleSize(PF_Handle handle) {
@@ -150,13 +148,13 @@ PF_Err ResizeHandle(A_HandleSize size, PF_Handle* handle) {
         Report(block ? "a locked handle was to be resized" : "something that is not a handle was to be resized");
         return PF_Err_BAD_CALLBACK_PARAM;
     }
-    std::unique_ptr<char, FreeBytes> bytes(Allocate(size));
-    if (!bytes) return PF_Err_OUT_OF_MEMORY;
+    LentBytes bytes = Allocate(size);
+    if (!bytes.Data()) return PF_Err_OUT_OF_MEMORY;
     const A_HandleSize kept = size < block->size ? size : block->size;
-    std::memcpy(bytes.get(), block->bytes.get(), static_cast<std::size_t>(kept));
-    std::memset(bytes.get() + kept, kFreshByte, static_cast<std::size_t>(size - kept));
+    std::memcpy(bytes.Data(), block->bytes.Data(), static_cast<std::size_t>(kept));
+    std::memset(bytes.Data() + kept, kFreshByte, static_cast<std::size_t>(size - kept));
     block->bytes = std::move(bytes);
-    block->master = block->bytes.get();
+    block->master = Characters(block->bytes);
     block->size = size;
     return PF_Err_NONE;
 }

@@ -81,6 +81,15 @@ Services* CurrentServices() {
     return registry.sessions.empty() ? nullptr : registry.sessions.back();
 }
 
+EventLog* CurrentEventLog() {
+    const Services* services = CurrentServices();
+    return services ? services->log : nullptr;
+}
+
+std::uint64_t CurrentCommandEvent() {
+    return current.second ? current.second->event : 0;
+}
+
 void Count(Resource resource, int amount) {
     if (Services* services = CurrentServices()) services->tally.Add(resource, amount);
     if (current.second) current.second->tally.Add(resource, amount);

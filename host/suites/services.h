@@ -8,6 +8,7 @@
 
 #include <array>
 #include <atomic>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <mutex>
@@ -23,8 +24,15 @@
 #include "hostapi/aegp_types.h"
 #include "hostapi/errors.h"
 
+class EventLog;
+class World;
 struct FrameRecord;
 struct SessionState;
+
+/// What a world is to the effect that it is lent to.
+enum class WorldRole { kInput, kTexture, kOutput, kTemporary };
+/// Told when a world goes to the effect (`lent`) and when it comes back. It may change the world's record and pixels.
+using WorldWatch = std::function<void(World& world, WorldRole role, bool lent)>;
 
 /// Counts of what is open, safe on every thread.
 class Tally {
@@ -49,6 +57,7 @@ class SuiteLog {
 
 /// What one command did, for its report.
 struct CommandNotes {
+    std::uint64_t event = 0;  ///< the command's record in the session's log; 0 without a log
     Tally tally;
     SuiteLog acquired;
     StageClock stages;
@@ -78,6 +87,10 @@ class Services {
     SessionState* session = nullptr;
     /// See SessionOptions::fault. Set before the first command.
     std::function<PF_Err(std::string_view call)> fault;
+    /// See SessionOptions of the same names. Set before the first command.
+    EventLog* log = nullptr;
+    WorldWatch worldWatch;
+    bool strictLending = false;
 
  private:
     mutable std::mutex mutex_;
@@ -102,6 +115,9 @@ class ServiceScope {
 /// The calling thread's session; on a thread that an effect started itself, the session that began last. Null when
 /// there is none.
 Services* CurrentServices();
+/// The log of the calling thread's session, and the record of its command there; null and 0 where there is none.
+EventLog* CurrentEventLog();
+std::uint64_t CurrentCommandEvent();
 /// Counts for the calling thread's session and command.
 void Count(Resource resource, int amount);
 /// Reports to the calling thread's session.

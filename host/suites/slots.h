@@ -2,14 +2,15 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// How a suite's table is filled. Every slot is either Served, a host function behind the fault hook and behind a
-// barrier for exceptions, or Missing, a function that reports which call was made and returns an error. Both take the
+// How a suite's table is filled. Every slot is either Served, a host function that is written into the session's log and
+// stands behind the fault hook and behind a barrier for exceptions, or Missing, a function that reports which call was made and returns an error. Both take the
 // slot's type from the slot.
 
 #include <cstddef>
 #include <string>
 #include <type_traits>
 
+#include "host/suites/event_log.h"
 #include "host/suites/services.h"
 #include "hostapi/errors.h"
 
@@ -31,13 +32,39 @@ const std::string& CallName() {
 
 /// What a call that could not be made returns: the error where it returns one, else zero or null.
 template <typename R>
-R Refusal([[maybe_unused]] PF_Err error) {
+auto Refusal([[maybe_unused]] PF_Err error) {
     if constexpr (std::is_same_v<R, PF_Err>) {
         return error;
+    } else if constexpr (std::is_void_v<R>) {
+        return 0;
     } else {
         return R();
     }
 }
+
+/// One host call in the session's log; costs nothing when there is none.
+class EventScope {
+ public:
+    template <typename... A>
+    explicit EventScope(const std::string& callee, const A&... arguments) : log_(CurrentEventLog()) {
+        if (log_) sequence_ = log_->Begin(false, CurrentCommandEvent(), callee, ValuesOf(false, arguments...));
+    }
+    EventScope(const EventScope&) = delete;
+    EventScope& operator=(const EventScope&) = delete;
+
+    void Fault() { faulted_ = true; }
+    /// Writes down what the call gives back, and gives it back.
+    template <typename R, typename... A>
+    R Return(R result, const A&... arguments) {
+        if (log_) log_->End(sequence_, ResultValue(result), faulted_, ValuesOf(true, arguments...));
+        return result;
+    }
+
+ private:
+    EventLog* const log_;
+    std::uint64_t sequence_ = 0;
+    bool faulted_ = false;
+};
 
 /// A slot that this host has nothing behind.
 template <FixedText Table, FixedText Call>
@@ -50,7 +77,7 @@ class Missing {
     template <typename R>
     static R Refuse() {
         Report(CallName<Table, Call>() + " was called, which this host does not implement");
-        return Refusal<R>(PF_Err_INVALID_CALLBACK);
+        return static_cast<R>(Refusal<R>(PF_Err_INVALID_CALLBACK));
     }
     template <typename R, typename... A>
     static R Answer(A...) {
@@ -81,12 +108,22 @@ class Served {
 
     template <typename R, typename... A>
     static R Answer(A... arguments) {
+        const std::string& name = CallName<Table, Call>();
+        EventScope event(name, arguments...);
         try {
-            if (const PF_Err fault = FaultOf(CallName<Table, Call>())) return Refusal<R>(fault);
-            return Function(arguments...);
+            if (const PF_Err fault = FaultOf(name)) {
+                event.Fault();
+                return static_cast<R>(event.Return(Refusal<R>(fault), arguments...));
+            }
+            if constexpr (std::is_void_v<R>) {
+                Function(arguments...);
+                event.Return(0, arguments...);
+            } else {
+                return event.Return(Function(arguments...), arguments...);
+            }
         } catch (...) {
-            Report(CallName<Table, Call>() + " failed inside the host");
-            return Refusal<R>(PF_Err_OUT_OF_MEMORY);
+            Report(name + " failed inside the host");
+            return static_cast<R>(event.Return(Refusal<R>(PF_Err_OUT_OF_MEMORY), arguments...));
         }
     }
 

@@ -67,6 +67,8 @@ PF_Err NewEffectWorld(A_long width, A_long height, bool clear, PF_PixelFormat fo
     }
     World made = World::Create(width, height, depth, clear);
     if (made.IsNull()) return PF_Err_OUT_OF_MEMORY;
+    const Services* services = CurrentServices();
+    if (services && services->worldWatch) services->worldWatch(made, WorldRole::kTemporary, true);
     *world = made.Def();
     Table& table = TheTable();
     {
@@ -93,6 +95,8 @@ PF_Err DisposeEffectWorld(PF_EffectWorld* world) {
         Report("a world was disposed of that the effect did not make, or no longer has");
         return PF_Err_BAD_CALLBACK_PARAM;
     }
+    const Services* services = CurrentServices();
+    if (services && services->worldWatch) services->worldWatch(disposed, WorldRole::kTemporary, false);
     *world = {};
     Count(Resource::kWorld, -1);
     return PF_Err_NONE;

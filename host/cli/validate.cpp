@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// `umbrant validate`: judges any module of the effect interface.
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <system_error>
+
+#include "host/cli/command.h"
+#include "host/cli/results.h"
+#include "host/module/module.h"
+#include "host/validate/runner.h"
+
+namespace {
+
+constexpr int kHighestLevel = 10;
+
+constexpr char kExamples[] =
+    "  umbrant validate build/release/umbrant2.so\n"
+    "      levels 1 to 5, as after every build\n"
+    "  umbrant validate build/release/umbrant2.so --strictness 10 --waive accepted.json\n"
+    "      everything, but for what the file gives a reason for\n"
+    "  umbrant validate effect.so --strictness 7 --include '^7'\n"
+    "      the faults alone\n"
+    "  umbrant validate effect.so --include '^4\\.1 ' --trace calls.json\n"
+    "      one check, every call of it to look at in a trace viewer\n"
+    "  umbrant validate --list";
+
+struct ValidateOptions {
+    RunOptions run;
+    std::string module;
+    std::string trace;
+    std::string fault;
+    std::string runCheck;
+    int resultDescriptor = -1;
+    bool list = false;
+};
+
+void ListChecks() {
+    for (const Check& check : AllChecks()) PrintResult(fmt::format("{:<5} {}\n", check.id, check.title));
+}
+
+/// Prints at once, so that a long run is seen to go on.
+void Print(const std::string& text) {
+    PrintResult(text);
+    FlushResults();
+}
+
+/// The library that is put between a module and its driver lies beside the program, or where modules are installed.
+std::filesystem::path FindShim(const ModuleSearch& search) {
+    for (const auto& folder : {search.programFolder, search.libraryFolder}) {
+        std::error_code error;
+        if (std::filesystem::is_regular_file(folder / "umbrant_shim.so", error)) return folder / "umbrant_shim.so";
+    }
+    return {};
+}
+
+Result<ExitCode> Validate(ValidateOptions options) {
+    if (options.list) {
+        ListChecks();
+        return ExitCode::kDone;
+    }
+    const auto search =
+        DefaultModuleSearch(options.module.empty() ? std::nullopt : std::optional(std::filesystem::path(options.module)));
+    const auto file = FindModule(search);
+    if (!file) return file.Error();
+    std::error_code error;
+    TrialOptions& trial = options.run.trial;
+    trial.module = *file;
+    trial.trace = options.trace;
+    trial.shim = FindShim(search);
+    if (!options.fault.empty()) {
+        trial.fault = FaultPlan::FromText(options.fault);
+        if (!trial.fault) {
+            return Failure{ExitCode::kUsage, fmt::format("--fault '{}' is not CALLEE:K:ERROR, as in "
+                                                         "'PF World Suite.PF_NewWorld:1:4'",
+                                                         options.fault)};
+        }
+    }
+    if (!options.runCheck.empty()) {
+        const auto done = RunOneCheck(options.runCheck, trial, options.resultDescriptor);
+        if (!done) return done.Error();
+        return ExitCode::kDone;
+    }
+    if (!std::filesystem::exists(trial.module, error)) {
+        return Failure{ExitCode::kModule, fmt::format("cannot load the module '{}': there is no such file; name the "
+                                                      "module's file",
+                                                      trial.module.string())};
+    }
+    const auto outcomes = RunChecks(options.run, Print);
+    if (!outcomes) return outcomes.Error();
+    return TotalsOf(*outcomes).failed > 0 ? ExitCode::kEffectFailed : ExitCode::kDone;
+}
+
+}  // namespace
+
+Command ValidateCommand() {
+    const auto options = std::make_shared<ValidateOptions>();
+    Command command;
+    command.name = "validate";
+    command.summary = "Judge a module: everything that hosts rely on, in ten levels";
+    command.examples = kExamples;
+    command.options = [options](CLI::App& app) {
+        RunOptions& run = options->run;
+        app.add_option("MODULE", options->module, "The module's file; without it, the one that `render` would use");
+        app.add_option("--strictness", run.strictness, "Run the checks of levels 1 to N (default 5; a release needs 10)")
+            ->type_name("N")
+            ->check([](const std::string& text) { return OutOfRange(text, 1, kHighestLevel); });
+        app.add_option("--seed", run.trial.seed, "Where random choices begin (default 1)")->type_name("S");
+        app.add_option("--repeat", run.repeat, "Run each check K times, with seeds S, S+1, ...")
+            ->type_name("K")
+            ->check([](const std::string& text) { return OutOfRange(text, 1, 1000); });
+        app.add_option("--include", run.include, "Only checks whose \"ID title\" fits the regular expression")
+            ->type_name("RE");
+        app.add_option("--exclude", run.exclude, "Not those that fit this one")->type_name("RE");
+        app.add_option("--waive", run.waivers, "A file of accepted findings, each with its reason (docs/validate.md)")
+            ->type_name("FILE");
+        app.add_option("--timeout-ms", run.trial.timeoutMilliseconds,
+                       "How long a check, or a part of a long one, may take (default 30000)")
+            ->type_name("N")
+            ->check([](const std::string& text) { return OutOfRange(text, 1, 86400000); });
+        app.add_flag("--in-process", run.trial.inProcess, "Run the checks in this process, for a debugger");
+        app.add_option("--trace", options->trace, "Write every call in the Chrome trace format")->type_name("FILE");
+        app.add_option("--fault", options->fault, "Let the fault checks put this one fault only: the K-th call fails")
+            ->type_name("CALLEE:K:ERROR");
+        app.add_option("--soak-seconds", run.trial.soakSeconds, "How long check 10.5 goes on (default 60)")
+            ->type_name("N")
+            ->check([](const std::string& text) { return OutOfRange(text, 1, 86400); });
+        app.add_option("--report", run.report, "The report's form: text, json or junit")
+            ->type_name("FORM")
+            ->check(CLI::IsMember({"text", "json", "junit"}));
+        app.add_flag("--list", options->list, "Print the checks and do nothing");
+        // How the program starts itself for one check.
+        app.add_option("--run-check", options->runCheck)->group("");
+        app.add_option("--result-fd", options->resultDescriptor)->group("");
+        app.add_flag("--software-gl", run.trial.softwareGl)->group("");
+    };
+    command.run = [options] { return Validate(*options); };
+    return command;
+}

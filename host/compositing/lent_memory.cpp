@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/compositing/lent_memory.h"
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <utility>
+
+namespace {
+
+constexpr std::size_t kAlignment = 16;
+constexpr std::byte kSlack{0xC7};
+
+LendingRules rules;
+
+std::size_t PageSize() {
+    static const auto size = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    return size;
+}
+
+std::size_t RoundedUp(std::size_t size, std::size_t unit) {
+    return (size + unit - 1) / unit * unit;
+}
+
+}  // namespace
+
+void SetLendingRules(const LendingRules& wanted) {
+    rules = wanted;
+}
+
+const LendingRules& CurrentLendingRules() {
+    return rules;
+}
+
+LentBytes LentBytes::Create(std::size_t size, bool clear) {
+    LentBytes bytes;
+    if (size > std::numeric_limits<std::size_t>::max() / 2) return bytes;
+    bytes.size_ = size;
+    if (rules.placement == MemoryPlacement::kPlain) {
+        const std::size_t asked = std::max<std::size_t>(size, 1);
+        bytes.data_ = static_cast<std::byte*>(clear ? std::calloc(asked, 1) : std::malloc(asked));
+        return bytes;
+    }
+    const std::size_t page = PageSize();
+    const std::size_t open = RoundedUp(std::max<std::size_t>(size, 1), page);
+    void* mapped = mmap(nullptr, open + 2 * page, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (mapped == MAP_FAILED) return bytes;
+    std::byte* pages = static_cast<std::byte*>(mapped) + page;
+    if (mprotect(pages, open, PROT_READ | PROT_WRITE) != 0) {
+        munmap(mapped, open + 2 * page);
+        return bytes;
+    }
+    bytes.pages_ = pages;
+    bytes.pagesSize_ = open;
+    const std::size_t slack = rules.placement == MemoryPlacement::kFlushRight ? open - RoundedUp(size, kAlignment) : 0;
+    bytes.data_ = pages + slack;
+    std::fill(pages, bytes.data_, kSlack);
+    // The pages' other end is watched as far as alignment leaves it open, and on its whole length flush left.
+    std::fill(bytes.data_ + size, pages + open, kSlack);
+    return bytes;
+}
+
+LentBytes::~LentBytes() {
+    Free();
+}
+
+LentBytes::LentBytes(LentBytes&& other) noexcept {
+    *this = std::move(other);
+}
+
+LentBytes& LentBytes::operator=(LentBytes&& other) noexcept {
+    if (this == &other) return *this;
+    Free();
+    data_ = std::exchange(other.data_, nullptr);
+    size_ = std::exchange(other.size_, 0);
+    pages_ = std::exchange(other.pages_, nullptr);
+    pagesSize_ = std::exchange(other.pagesSize_, 0);
+    return *this;
+}
+
+bool LentBytes::SetReadOnly(bool readOnly) const {
+    return pages_ && mprotect(pages_, pagesSize_, readOnly ? PROT_READ : PROT_READ | PROT_WRITE) == 0;
+}
+
+bool LentBytes::SlackIsWhole() const {
+    if (!pages_) return true;
+    const auto whole = [](const std::byte* begin, const std::byte* end) {
+        return std::all_of(begin, end, [](std::byte byte) { return byte == kSlack; });
+    };
+    return whole(pages_, data_) && whole(data_ + size_, pages_ + pagesSize_);
+}
+
+void LentBytes::Free() {
+    if (!pages_) {
+        std::free(data_);
+    } else {
+        // The addresses stay taken and shut for good: whoever still holds one is found out.
+        mmap(pages_, pagesSize_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_FIXED, -1, 0);
+    }
+    data_ = pages_ = nullptr;
+}

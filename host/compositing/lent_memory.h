@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// Memory that effects get to touch: the bytes of worlds and of handles. Usually that is the C library's memory. A judge
+// of effects asks for pages of its own instead, with pages that nobody may touch before and after them, so that a byte
+// written or read outside ends the process on the spot, also when a driver does it on the effect's behalf; and given
+// back pages stay shut, so that a late touch does the same.
+
+#include <cstddef>
+#include <optional>
+
+/// Where lent bytes lie between their pages.
+enum class MemoryPlacement {
+    kPlain,       ///< the C library's memory, no pages around it
+    kFlushLeft,   ///< the first byte follows a shut page
+    kFlushRight,  ///< a shut page follows the last byte; up to 15 bytes lie between, for alignment, and are watched
+};
+
+/// How memory is lent from now on, in the whole process.
+struct LendingRules {
+    MemoryPlacement placement = MemoryPlacement::kPlain;
+    /// Bytes added to the shortest possible row of a world; none for the usual padding.
+    std::optional<int> rowPadding;
+};
+
+/// Set before the threads start whose memory is to follow the rules. Blocks remember the rules that they were made by.
+void SetLendingRules(const LendingRules& rules);
+const LendingRules& CurrentLendingRules();
+
+/// A block of lent bytes, aligned to 16. Move-only; frees, or shuts, its bytes when destroyed.
+class LentBytes {
+ public:
+    LentBytes() = default;
+    /// `size` may be 0. Null (Data() is null) when memory cannot be had. Bytes are zero when `clear`.
+    static LentBytes Create(std::size_t size, bool clear);
+    ~LentBytes();
+    LentBytes(LentBytes&& other) noexcept;
+    LentBytes& operator=(LentBytes&& other) noexcept;
+
+    std::byte* Data() const { return data_; }
+    /// Makes the bytes, and everything on their pages, read-only or writeable again. False without pages of its own.
+    bool SetReadOnly(bool readOnly) const;
+    /// Whether the watched bytes between the block and its pages' ends are as they were. True without any.
+    bool SlackIsWhole() const;
+
+ private:
+    void Free();
+    std::byte* data_ = nullptr;
+    std::size_t size_ = 0;
+    std::byte* pages_ = nullptr;    ///< the open pages; null for the C library's memory
+    std::size_t pagesSize_ = 0;
+};

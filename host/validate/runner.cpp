@@ -1,0 +1,309 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/validate/runner.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstring>
+#include <map>
+
+#include "host/session/effect_session.h"
+#include "host/validate/processes.h"
+#include "host/validate/trace.h"
+#include "host/validate/waivers.h"
+
+namespace {
+
+constexpr char kProbe[] = "probe";
+
+/// Whether the renderer that the module declares in a row named so draws on the processor.
+bool DrawsInSoftware(const ParamSet& params) {
+    for (const ParamRow& row : params.Rows()) {
+        if (row.name != "Renderer") continue;
+        for (const std::string& item : row.items) {
+            for (const char* word : {"llvmpipe", "softpipe", "swrast", "Software Rasterizer", "SwiftShader"}) {
+                if (item.find(word) != std::string::npos) return true;
+            }
+        }
+    }
+    return false;
+}
+
+/// Looks once, before the checks, which renderer the module has. What goes wrong here the checks will tell.
+void Probe(Trial& trial) {
+    auto module = Module::Load(trial.Options().module);
+    if (!module) return;
+    auto session = EffectSession::Start(*module);
+    if (session && DrawsInSoftware(session->Params())) trial.Count("software");
+}
+
+std::vector<std::string> ChildArguments(const std::string& id, const TrialOptions& options) {
+    std::vector<std::string> arguments{"validate",
+                                       options.module.string(),
+                                       "--run-check",
+                                       id,
+                                       "--seed",
+                                       std::to_string(options.seed),
+                                       "--timeout-ms",
+                                       std::to_string(options.timeoutMilliseconds),
+                                       "--soak-seconds",
+                                       std::to_string(options.soakSeconds)};
+    if (options.softwareGl) arguments.push_back("--software-gl");
+    if (options.fault) arguments.insert(arguments.end(), {"--fault", options.fault->Text()});
+    if (!options.trace.empty()) arguments.insert(arguments.end(), {"--trace", options.trace.string()});
+    return arguments;
+}
+
+/// What the child's environment has besides ours. Software OpenGL draws some hundred times slower than the processor
+/// path that a module may have; modules without one do not look at the variable.
+std::vector<std::string> ChildEnvironment(const Check& check, const TrialOptions& options) {
+    std::vector<std::string> environment;
+    const bool aboutGl = check.needs == Needs::kOpenGl || check.needs == Needs::kShim;
+    if (options.softwareGl && !aboutGl && !std::getenv("UMBRANT_RENDERER")) {
+        environment.push_back("UMBRANT_RENDERER=cpu");
+    }
+    if (check.needs == Needs::kShim && !options.shim.empty()) {
+        environment.push_back("LD_PRELOAD=" + options.shim.string());
+    }
+    return environment;
+}
+
+std::string OutputFile(int number) {
+    return fmt::format("{}/umbrant_check_{}_{}", std::filesystem::temp_directory_path().string(), getpid(), number);
+}
+
+/// One repetition of one check.
+struct Job {
+    std::size_t place;  ///< in the list of outcomes
+    TrialOptions options;
+};
+
+double MillisecondsSince(std::chrono::steady_clock::time_point begin) {
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
+}
+
+/// Takes a repetition's result into the check's outcome.
+void Take(CheckOutcome& outcome, const CheckResult& result, std::uint64_t seed, double milliseconds) {
+    const auto heavy = [](const CheckResult& r) {
+        return std::any_of(r.findings.begin(), r.findings.end(),
+                           [](const Finding& finding) { return finding.weight != Verdict::kWarn; });
+    };
+    if (!heavy(outcome.result) && heavy(result)) outcome.seed = seed;
+    TrialOptions any;
+    Trial merged(any);
+    merged.Merge(outcome.result);
+    merged.Merge(result);
+    outcome.result = merged.Result();
+    outcome.milliseconds += milliseconds;
+}
+
+/// Runs jobs side by side; one that wants quiet runs alone.
+class Scheduler {
+ public:
+    Scheduler(std::vector<CheckOutcome>& outcomes, std::function<void(std::size_t)> ended)
+        : outcomes_(outcomes), ended_(std::move(ended)), atOnce_(static_cast<std::size_t>(ProcessorCount())) {}
+
+    void Run(const std::vector<Job>& jobs) {
+        for (const Job& job : jobs) {
+            const Check& check = *outcomes_[job.place].check;
+            const bool alone = check.needs == Needs::kQuiet || check.patience > 1;
+            while (children_.size() >= (alone ? 1 : atOnce_)) WaitForEnd();
+            Start(job, check);
+            while (alone && !children_.empty()) WaitForEnd();
+        }
+        while (!children_.empty()) WaitForEnd();
+    }
+
+ private:
+    void Start(const Job& job, const Check& check) {
+        Child child = StartProgram(ChildArguments(check.id, job.options), ChildEnvironment(check, job.options),
+                                   OutputFile(started_++), job.options.timeoutMilliseconds * check.patience);
+        if (child.process < 0) {
+            CheckResult failed;
+            failed.verdict = Verdict::kFail;
+            failed.findings.push_back({"no process could be started for the check", Verdict::kFail, {}, {}});
+            Take(outcomes_[job.place], failed, job.options.seed, 0);
+            ended_(job.place);
+            return;
+        }
+        children_.push_back(std::move(child));
+        running_.push_back({job, std::chrono::steady_clock::now()});
+    }
+
+    void WaitForEnd() {
+        const std::size_t i = WaitForOne(children_);
+        const Running running = running_[i];
+        CheckOutcome& outcome = outcomes_[running.job.place];
+        Take(outcome, ResultOf(children_[i], fmt::format("check {}", outcome.check->id)), running.job.options.seed,
+             MillisecondsSince(running.begin));
+        std::filesystem::remove(children_[i].output);
+        children_.erase(children_.begin() + static_cast<std::ptrdiff_t>(i));
+        running_.erase(running_.begin() + static_cast<std::ptrdiff_t>(i));
+        ended_(running.job.place);
+    }
+
+    struct Running {
+        Job job;
+        std::chrono::steady_clock::time_point begin;
+    };
+    std::vector<CheckOutcome>& outcomes_;
+    std::function<void(std::size_t)> ended_;
+    std::size_t atOnce_;
+    std::vector<Child> children_;
+    std::vector<Running> running_;
+    int started_ = 0;
+};
+
+/// Prints outcomes in the checks' order, as soon as all before them are known.
+class InOrder {
+ public:
+    InOrder(std::size_t count, int repeat, std::function<void(std::size_t)> print)
+        : left_(count, repeat), print_(std::move(print)) {}
+    void Ended(std::size_t place) {
+        --left_[place];
+        for (; next_ < left_.size() && left_[next_] == 0; ++next_) print_(next_);
+    }
+
+ private:
+    std::vector<int> left_;
+    std::size_t next_ = 0;
+    std::function<void(std::size_t)> print_;
+};
+
+bool ProbeSoftware(const TrialOptions& options) {
+    std::vector<Child> children;
+    children.push_back(
+        StartProgram(ChildArguments(kProbe, options), {}, OutputFile(-1), options.timeoutMilliseconds));
+    if (children[0].process < 0) return false;
+    WaitForOne(children);
+    std::filesystem::remove(children[0].output);
+    return ResultOf(children[0], kProbe).figures.contains("software");
+}
+
+Result<std::regex> Expression(const std::string& text, const char* option) {
+    try {
+        return std::regex(text);
+    } catch (const std::regex_error&) {
+        return Failure{ExitCode::kUsage, fmt::format("{} '{}' is not a regular expression", option, text)};
+    }
+}
+
+}  // namespace
+
+Totals TotalsOf(const std::vector<CheckOutcome>& outcomes) {
+    Totals totals;
+    for (const CheckOutcome& outcome : outcomes) {
+        switch (outcome.result.verdict) {
+            case Verdict::kPass:
+            case Verdict::kWarn:
+                ++totals.passed;
+                break;
+            case Verdict::kSkip:
+                ++totals.skipped;
+                break;
+            case Verdict::kWaived:
+                ++totals.waived;
+                break;
+            default:
+                ++totals.failed;
+        }
+    }
+    return totals;
+}
+
+Result<std::vector<const Check*>> ChosenChecks(const RunOptions& options) {
+    const auto include = Expression(options.include, "--include");
+    if (!include) return include.Error();
+    const auto exclude = Expression(options.exclude, "--exclude");
+    if (!exclude) return exclude.Error();
+    std::vector<const Check*> chosen;
+    for (const Check& check : AllChecks()) {
+        const std::string text = fmt::format("{} {}", check.id, check.title);
+        if (check.Level() > options.strictness || !std::regex_search(text, *include)) continue;
+        if (!options.exclude.empty() && std::regex_search(text, *exclude)) continue;
+        chosen.push_back(&check);
+    }
+    if (chosen.empty()) {
+        return Failure{ExitCode::kUsage, fmt::format("no check of level {} or below is chosen; --list shows them",
+                                                     options.strictness)};
+    }
+    return chosen;
+}
+
+Result<std::vector<CheckOutcome>> RunChecks(const RunOptions& asked, void (*print)(const std::string&)) {
+    RunOptions options = asked;
+    const auto chosen = ChosenChecks(options);
+    if (!chosen) return chosen.Error();
+    std::vector<Waiver> waivers;
+    if (!options.waivers.empty()) {
+        auto read = ReadWaivers(options.waivers);
+        if (!read) return read.Error();
+        waivers = std::move(*read);
+    }
+    if (!options.trial.trace.empty() && !BeginTrace(options.trial.trace)) {
+        return Failure{ExitCode::kFile, fmt::format("cannot write the trace '{}'", options.trial.trace.string())};
+    }
+
+    std::vector<CheckOutcome> outcomes;
+    for (const Check* check : *chosen) {
+        CheckOutcome outcome;
+        outcome.check = check;
+        outcome.seed = options.trial.seed;
+        outcomes.push_back(outcome);
+    }
+    InOrder order(outcomes.size(), options.repeat, [&](std::size_t place) {
+        CheckOutcome& outcome = outcomes[place];
+        ApplyWaivers(*outcome.check, outcome.result, waivers);
+        // One fault alone, or a check that was skipped, says nothing about what the others would have found.
+        if (!options.trial.fault && outcome.result.verdict != Verdict::kSkip) {
+            for (const Finding& finding : UnusedWaivers(*outcome.check, waivers)) {
+                outcome.result.findings.push_back(finding);
+                outcome.result.verdict = Verdict::kFail;
+            }
+        }
+        if (options.report == "text") print(TextOf(options, outcome));
+    });
+    std::vector<Job> jobs;
+    if (!options.trial.inProcess) options.trial.softwareGl = ProbeSoftware(options.trial);
+    for (std::size_t place = 0; place < outcomes.size(); ++place) {
+        for (int i = 0; i < options.repeat; ++i) {
+            Job job{place, options.trial};
+            job.options.seed += static_cast<std::uint64_t>(i);
+            jobs.push_back(job);
+        }
+    }
+    if (options.trial.inProcess) {
+        for (const Job& job : jobs) {
+            const auto begin = std::chrono::steady_clock::now();
+            const CheckResult result = RunToEnd(outcomes[job.place].check->run, job.options);
+            Take(outcomes[job.place], result, job.options.seed, MillisecondsSince(begin));
+            order.Ended(job.place);
+        }
+    } else {
+        Scheduler(outcomes, [&](std::size_t place) { order.Ended(place); }).Run(jobs);
+    }
+    if (!options.trial.trace.empty()) EndTrace(options.trial.trace);
+    if (options.report == "text") print(TextSummary(outcomes));
+    if (options.report == "json") print(JsonOf(options, outcomes));
+    if (options.report == "junit") print(JunitOf(options, outcomes));
+    return outcomes;
+}
+
+Result<Done> RunOneCheck(const std::string& id, const TrialOptions& options, int resultDescriptor) {
+    BecomeChild();
+    if (id == kProbe) {
+        SendResult(resultDescriptor, RunToEnd(Probe, options));
+        return Done{};
+    }
+    for (const Check& check : AllChecks()) {
+        if (id != check.id) continue;
+        if (!options.trace.empty()) NameTraceProcess(options.trace, fmt::format("{} {}", check.id, check.title));
+        SendResult(resultDescriptor, RunToEnd(check.run, options));
+        return Done{};
+    }
+    return Failure{ExitCode::kUsage, fmt::format("there is no check '{}'; --list shows them", id)};
+}

@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// A check of a module, and the one run of it: what the check is given, and what it finds. Checks know no command line
+// and no processes; the runner gives each a process of its own.
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <optional>
+#include <random>
+#include <string>
+#include <vector>
+
+class EventLog;
+
+/// How a check ended.
+enum class Verdict { kPass, kWarn, kFail, kCrash, kTimeout, kSkip, kWaived };
+
+/// "pass", "warn", "fail", "crash", "timeout", "skip", "waived".
+const char* VerdictName(Verdict verdict);
+std::optional<Verdict> VerdictOf(const std::string& name);
+
+/// One sentence about something that is wrong.
+struct Finding {
+    std::string text;
+    Verdict weight = Verdict::kFail;  ///< kWarn, kFail, kCrash or kTimeout
+    std::string repeat;               ///< options that bring back this finding alone; usually none
+    std::string waiver;               ///< why it is waived; empty when it is not
+};
+
+/// What a check came to.
+struct CheckResult {
+    Verdict verdict = Verdict::kPass;
+    std::vector<Finding> findings;
+    std::string skipReason;
+    std::map<std::string, double> figures;  ///< "frames", "faults", "milliseconds a frame", ...
+};
+
+/// One fault to put into the host: the k-th call, from 1, of a callee fails with an error.
+struct FaultPlan {
+    std::string callee;
+    int call = 1;
+    int error = 4;
+    /// "CALLEE:K:ERROR"; nothing for another form.
+    static std::optional<FaultPlan> FromText(const std::string& text);
+    std::string Text() const;
+};
+
+/// What all checks of a run share.
+struct TrialOptions {
+    std::filesystem::path module;
+    std::uint64_t seed = 1;
+    int timeoutMilliseconds = 30000;
+    bool inProcess = false;
+    int soakSeconds = 60;
+    std::optional<FaultPlan> fault;  ///< the fault checks do this one alone
+    std::filesystem::path trace;     ///< where the check's events are added; empty for nowhere
+    std::filesystem::path shim;      ///< the interposed library; empty when there is none
+    bool softwareGl = false;         ///< the module's OpenGL is drawn by the processor
+};
+
+/// Thrown to end a check early, after what it found was noted.
+struct TrialOver {};
+
+/// One run of one check.
+class Trial {
+ public:
+    explicit Trial(const TrialOptions& options);
+
+    const TrialOptions& Options() const { return options_; }
+    /// Seeded from the run's seed alone, so that a check draws the same whatever ran before it.
+    std::mt19937_64& Random() { return random_; }
+    int Draw(int low, int high);        ///< uniform, both ends included
+    double DrawReal(double low, double high);
+
+    /// Notes a finding once; the same sentence again is dropped.
+    void Fail(const std::string& text);
+    void Warn(const std::string& text);
+    /// A finding with the options that repeat it.
+    void Note(Finding finding);
+    [[noreturn]] void FailAndEnd(const std::string& text);
+    [[noreturn]] void Skip(const std::string& reason);
+    /// A number to report; several notes of one name are added up.
+    void Count(const std::string& figure, double amount = 1);
+    /// The events of the check, when a trace is wanted.
+    void KeepEvents(const EventLog& log);
+    bool Failed() const;
+
+    CheckResult Result() const;
+    /// Takes over what a part of the check, run elsewhere, has found.
+    void Merge(const CheckResult& part);
+
+ private:
+    TrialOptions options_;
+    std::mt19937_64 random_;
+    CheckResult result_;
+};
+
+/// What a check needs of the process that runs it.
+enum class Needs {
+    kNothing,
+    kQuiet,   ///< measures time: runs while no other check does
+    kOpenGl,  ///< is about the module's OpenGL: no cheaper renderer is asked for
+    kShim,    ///< the interposed library, which also means OpenGL
+};
+
+struct Check {
+    const char* id;     ///< "5.4"; the number before the point is the level
+    const char* title;  ///< what must hold, as a sentence without its full stop
+    void (*run)(Trial& trial);
+    Needs needs = Needs::kNothing;
+    int patience = 1;  ///< how many times the time limit it may take: for checks that are many runs
+
+    int Level() const;
+};
+
+/// Every check, in order of level and number.
+const std::vector<Check>& AllChecks();
+
+// The levels, one file each or two.
+std::vector<Check> LoadChecks();
+std::vector<Check> DeclarationChecks();
+std::vector<Check> OrderChecks();
+std::vector<Check> MemoryChecks();
+std::vector<Check> FrameChecks();
+std::vector<Check> PanelChecks();
+std::vector<Check> ParameterChecks();
+std::vector<Check> FaultChecks();
+std::vector<Check> DriverChecks();
+std::vector<Check> ThreadChecks();
+std::vector<Check> ResultChecks();
+std::vector<Check> EnduranceChecks();
