@@ -65,8 +65,8 @@ Result<ExitCode> Validate(ValidateOptions options) {
         ListChecks();
         return ExitCode::kDone;
     }
-    const auto search =
-        DefaultModuleSearch(options.module.empty() ? std::nullopt : std::optional(std::filesystem::path(options.module)));
+    const auto search = DefaultModuleSearch(
+        options.module.empty() ? std::nullopt : std::optional(std::filesystem::path(options.module)));
     const auto file = FindModule(search);
     if (!file) return file.Error();
     std::error_code error;
@@ -108,7 +108,8 @@ Command ValidateCommand() {
     command.options = [options](CLI::App& app) {
         RunOptions& run = options->run;
         app.add_option("MODULE", options->module, "The module's file; without it, the one that `render` would use");
-        app.add_option("--strictness", run.strictness, "Run the checks of levels 1 to N (default 5; a release needs 10)")
+        app.add_option("--strictness", run.strictness,
+                       "Run the checks of levels 1 to N (default 5; a release needs 10)")
             ->type_name("N")
             ->check([](const std::string& text) { return OutOfRange(text, 1, kHighestLevel); });
         app.add_option("--seed", run.trial.seed, "Where random choices begin (default 1)")->type_name("S");

@@ -48,6 +48,6 @@ class LentBytes {
     void Free();
     std::byte* data_ = nullptr;
     std::size_t size_ = 0;
-    std::byte* pages_ = nullptr;    ///< the open pages; null for the C library's memory
+    std::byte* pages_ = nullptr;  ///< the open pages; null for the C library's memory
     std::size_t pagesSize_ = 0;
 };

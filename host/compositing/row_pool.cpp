@@ -44,6 +44,7 @@ struct Job {
 };
 
 thread_local bool insideWork = false;
+int wantedThreads = 0;  // 0: as many as there are cores
 
 /// The threads beside the callers. They wait for jobs and end with the program.
 class Pool {
@@ -123,8 +124,13 @@ void RunRanges(int count, const std::function<bool(int first, int last, int thre
 }  // namespace
 
 int RowThreads() {
-    static const int threads = std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+    static const int threads =
+        wantedThreads > 0 ? wantedThreads : std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
     return threads;
+}
+
+void SetRowThreads(int threads) {
+    wantedThreads = threads;
 }
 
 void ForEachRowRange(int count, const std::function<void(int begin, int end)>& work) {

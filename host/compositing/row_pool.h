@@ -9,6 +9,8 @@
 
 /// How many threads work at a time, the calling one included; at least 1.
 int RowThreads();
+/// Asks for another number of threads than the machine has cores; before the first work, else it does nothing.
+void SetRowThreads(int threads);
 
 /// Calls `work(index, thread)` once for every index in [0, count), on several threads at once and in no fixed order,
 /// and returns when all calls have returned. `thread` is in [0, RowThreads()), and no two calls that run at the same

@@ -64,7 +64,8 @@ PF_Err CheckoutParam(PF_ProgPtr effectRef, PF_ParamIndex index, A_long, A_long, 
 PF_Err CheckinParam(PF_ProgPtr effectRef, PF_ParamDef* param) {
     if (!SessionOf(effectRef, "checkin_param") || !param) return PF_Err_BAD_CALLBACK_PARAM;
     // A definition is the host's again from here on; a strict one makes sure that nobody relies on its bytes.
-    if (EffectRef::Of(effectRef, "checkin_param")->services->strictLending) std::memset(param, kStaleByte, sizeof(*param));
+    if (EffectRef::Of(effectRef, "checkin_param")->services->strictLending)
+        std::memset(param, kStaleByte, sizeof(*param));
     Count(Resource::kParam, -1);
     return PF_Err_NONE;
 }

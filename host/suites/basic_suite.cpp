@@ -111,6 +111,7 @@ SPErr AcquireSuite(const char* name, int32_t version, const void** suite) {
     const OfferedSuite* offered = FindOffered(name, version);
     const PF_Err fault = FaultOf(std::string("AcquireSuite:") + name);
     Services* services = CurrentServices();
+    if (fault == kLendNothing) return PF_Err_NONE;
     if (!offered || fault) {
         if (services) services->refused.Note(Label(name, version));
         return fault ? fault : A_Err_MISSING_SUITE;

@@ -3,6 +3,26 @@
 
 #include "host/suites/iterate.h"
 
+#include <cstdint>
+#include <numeric>
+
+namespace {
+
+RowOrder rowOrder = RowOrder::kNeighbours;
+
+/// A number that shares no divisor with `count`, far from 1: its multiples meet every index once.
+int Stride(int count) {
+    int stride = std::max(1, count / 2 + count / 8);
+    while (std::gcd(stride, count) != 1) ++stride;
+    return stride;
+}
+
+}  // namespace
+
+void SetRowOrder(RowOrder order) {
+    rowOrder = order;
+}
+
 PF_Err RunForEffect(int count, const std::function<PF_Err(int index, int thread)>& work) {
     const auto caller = ServiceScope::Current();
     std::atomic<PF_Err> first{PF_Err_NONE};
@@ -11,7 +31,9 @@ PF_Err RunForEffect(int count, const std::function<PF_Err(int index, int thread)
         first.compare_exchange_strong(none, error);
         return false;
     };
-    RunRows(count, [&](int index, int thread) {
+    const std::int64_t stride = rowOrder == RowOrder::kScattered && count > 2 ? Stride(count) : 1;
+    RunRows(count, [&](int place, int thread) {
+        const int index = stride == 1 ? place : static_cast<int>(place * stride % count);
         const ServiceScope scope(caller.first, caller.second);
         try {
             const PF_Err error = work(index, thread);

@@ -26,6 +26,11 @@ PF_PixelFormat FormatOfPixel();
 /// What the effect sees where there is no source pixel.
 enum class Outside { kSkipped, kTransparent };
 
+/// The order in which rows are handed to effects' functions. For a judge: an effect must not care. Process-wide; set
+/// before the first walk.
+enum class RowOrder { kNeighbours, kScattered };
+void SetRowOrder(RowOrder order);
+
 /// Runs `work(index, thread)` for [0, count) on the pool, in the caller's service scope, until one returns an error;
 /// that error is returned. An exception of the effect's function becomes PF_Err_INTERNAL_STRUCT_DAMAGED and a report.
 PF_Err RunForEffect(int count, const std::function<PF_Err(int index, int thread)>& work);

@@ -73,6 +73,7 @@ std::optional<std::pair<std::uint64_t, std::string>> KeyOf(const Rule& rule, con
     const auto argument = [&](std::size_t i) -> const EventValue& { return event.arguments.at(i); };
     switch (rule.key) {
         case Key::kSuite:
+            if (rule.takes && argument(2).after == 0) return std::nullopt;
             return std::pair(std::uint64_t{0}, argument(0).text + " " + std::to_string(argument(1).before));
         case Key::kResult:
             return std::pair(static_cast<std::uint64_t>(event.result), std::string());

@@ -2,8 +2,8 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// What an effect took and gave back, asked of the log of events: one row for each thing, so that a leak is named and not
-// only counted.
+// What an effect took and gave back, asked of the log of events: one row for each thing, so that a leak is named and
+// not only counted.
 
 #include <cstdint>
 #include <string>
@@ -17,10 +17,10 @@
 /// thing, because a definition may be checked in through a copy.
 struct LedgerRow {
     Resource resource{};
-    std::string what;            ///< "PF World Suite 2", "id 39", "#3" for the third of its kind
+    std::string what;  ///< "PF World Suite 2", "id 39", "#3" for the third of its kind
     int taken = 0;
     int given = 0;
-    std::uint64_t command = 0;   ///< the command that took it last, or gave it back when it never was taken
+    std::uint64_t command = 0;  ///< the command that took it last, or gave it back when it never was taken
     bool Even() const { return taken == given; }
     /// "the suite PF World Suite 2 was taken 2 times and given back 1 time in PF_Cmd_SMART_RENDER".
     std::string sentence;

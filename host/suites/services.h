@@ -34,6 +34,9 @@ enum class WorldRole { kInput, kTexture, kOutput, kTemporary };
 /// Told when a world goes to the effect (`lent`) and when it comes back. It may change the world's record and pixels.
 using WorldWatch = std::function<void(World& world, WorldRole role, bool lent)>;
 
+/// What a fault hook says for "AcquireSuite:name" when the host is to report success and lend nothing, as hosts have.
+inline constexpr PF_Err kLendNothing = -1000001;
+
 /// Counts of what is open, safe on every thread.
 class Tally {
  public:

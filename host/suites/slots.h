@@ -2,9 +2,9 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// How a suite's table is filled. Every slot is either Served, a host function that is written into the session's log and
-// stands behind the fault hook and behind a barrier for exceptions, or Missing, a function that reports which call was made and returns an error. Both take the
-// slot's type from the slot.
+// How a suite's table is filled. Every slot is either Served, a host function that is written into the session's log
+// and stands behind the fault hook and behind a barrier for exceptions, or Missing, a function that reports which call
+// was made and returns an error. Both take the slot's type from the slot.
 
 #include <cstddef>
 #include <string>

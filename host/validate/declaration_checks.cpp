@@ -26,21 +26,24 @@ struct Flags {
     bool operator==(const Flags&) const = default;
 };
 
-Flags SetUpFlags(Trial& trial, A_AppID host) {
+/// What two set-ups of one loaded module announce.
+std::pair<Flags, Flags> SetUpTwice(Trial& trial) {
     Flags flags;
     SessionOptions options;
-    options.appId = host;
     options.afterCommand = [&](const CommandArguments& sent, PF_Err) {
         if (sent.command == PF_Cmd_GLOBAL_SETUP) {
             flags = {sent.out->my_version, sent.out->out_flags, sent.out->out_flags2};
         }
     };
     Stage stage(trial, options);
-    return flags;
+    const Flags first = flags;
+    if (const auto ended = stage.Session().End(); !ended) trial.Fail(ended.Error().sentence);
+    if (const auto again = stage.Session().SetUp(); !again) trial.Fail(again.Error().sentence);
+    return {first, flags};
 }
 
 void AnnouncesItself(Trial& trial) {
-    const Flags flags = SetUpFlags(trial, kAppID_AfterEffects);
+    const auto [flags, again] = SetUpTwice(trial);
     if (flags.version == 0) trial.Fail("global set-up leaves the version at 0");
     if ((flags.second & PF_OutFlag2_FLOAT_COLOR_AWARE) && !(flags.second & PF_OutFlag2_SUPPORTS_SMART_RENDER)) {
         trial.Fail("float colours are announced without smart rendering, without which no host gives any");
@@ -49,7 +52,7 @@ void AnnouncesItself(Trial& trial) {
         trial.Fail("rendering on the host's GPU is announced without smart rendering");
     }
     if (flags.first & PF_OutFlag_I_AM_OBSOLETE) trial.Warn("it says that it is obsolete, so no menu shows it");
-    if (!(SetUpFlags(trial, kAppID_AfterEffects) == flags)) {
+    if (!(again == flags)) {
         trial.Fail("a second set-up announces another version or other flags than the first");
     }
 }
@@ -118,14 +121,16 @@ void DeclaresSoundly(Trial& trial) {
     for (const Event& event : stage.Log().Events()) adds += event.callee == "interact.add_param" && !event.Failed();
     const ParamSet& params = stage.Session().Params();
     // The session refuses a wrong count and open groups; see EffectSession::SetUp.
-    if (adds + 1 != params.Count()) trial.Fail(fmt::format("{} rows were added, {} are known", adds, params.Count() - 1));
+    if (adds + 1 != params.Count())
+        trial.Fail(fmt::format("{} rows were added, {} are known", adds, params.Count() - 1));
     for (const ParamRow& row : params.Rows()) {
         if (row.index == 0) continue;
         CheckRow(trial, row);
         const auto [known, fresh] = ids.emplace(row.def.uu.id, row.index);
         // Without an id of its own a row is stored under its index; hosts number rows that say 0.
         if (row.def.uu.id == 0 || fresh) continue;
-        trial.Fail(fmt::format("rows #{} and #{} are stored under one id, {}", known->second, row.index, row.def.uu.id));
+        trial.Fail(
+            fmt::format("rows #{} and #{} are stored under one id, {}", known->second, row.index, row.def.uu.id));
     }
     trial.Count("parameters", params.Count());
 }

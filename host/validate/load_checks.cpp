@@ -121,11 +121,12 @@ void RegistersOnce(Trial& trial) {
 /// Libraries that every machine with a graphics system has.
 bool IsSystemLibrary(const std::string& name) {
     static constexpr const char* kKnown[] = {
-        "libc.so",      "libm.so",     "libdl.so",  "libpthread.so", "librt.so",     "libstdc++.so", "libgcc_s.so",
-        "ld-linux",     "libGL.so",    "libEGL.so", "libOpenGL.so",  "libGLX.so",    "libvulkan.so", "libOpenCL.so",
-        "libatomic.so", "libc++.so",   "libc++abi", "libgomp.so",    "libomp.so",    "libasan.so",   "libtsan.so",
+        "libc.so",      "libm.so",     "libdl.so",  "libpthread.so", "librt.so",  "libstdc++.so", "libgcc_s.so",
+        "ld-linux",     "libGL.so",    "libEGL.so", "libOpenGL.so",  "libGLX.so", "libvulkan.so", "libOpenCL.so",
+        "libatomic.so", "libc++.so",   "libc++abi", "libgomp.so",    "libomp.so", "libasan.so",   "libtsan.so",
         "libubsan.so",  "libclang_rt", "libz.so",   "liblsan.so"};
-    return std::any_of(std::begin(kKnown), std::end(kKnown), [&](const char* known) { return name.starts_with(known); });
+    return std::any_of(std::begin(kKnown), std::end(kKnown),
+                       [&](const char* known) { return name.starts_with(known); });
 }
 
 void ExportsItsEntriesAlone(Trial& trial) {
@@ -142,7 +143,8 @@ void ExportsItsEntriesAlone(Trial& trial) {
     for (const std::string& name : file->exports) {
         // The newer registration of the interface may stand beside the older.
         if (name == kRegistrationExport || name == "PluginDataEntryFunction2" || name == entryPoint) continue;
-        trial.Fail(fmt::format("it exports '{}' besides its entries; a host's own symbol of that name would clash", name));
+        trial.Fail(
+            fmt::format("it exports '{}' besides its entries; a host's own symbol of that name would clash", name));
     }
     for (const std::string& library : file->needed) {
         if (!IsSystemLibrary(library)) trial.Warn(fmt::format("it needs {}, which a user may not have", library));

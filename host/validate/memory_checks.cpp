@@ -117,40 +117,41 @@ void LetsPreRenderGo(Trial& trial) {
 
 void GivesWorldsBack(Trial& trial) {
     Stage stage(trial);
-    JudgeKinds(trial, stage, {Resource::kWorld, Resource::kLayerPixels, Resource::kBlock, Resource::kEffectRef,
-                              Resource::kStream, Resource::kDrawObject});
+    JudgeKinds(trial, stage,
+               {Resource::kWorld, Resource::kLayerPixels, Resource::kBlock, Resource::kEffectRef, Resource::kStream,
+                Resource::kDrawObject});
 }
 
 void LeavesInputsAlone(Trial& trial) {
-    const Part part{"with read-only inputs",
-                    [](Trial& inside) {
-                        SetLendingRules({MemoryPlacement::kFlushRight, {}});
-                        SessionOptions options;
-                        options.worldWatch = [](World& world, WorldRole role, bool lent) {
-                            if (role == WorldRole::kInput || role == WorldRole::kTexture) {
-                                world.Memory().SetReadOnly(lent);
-                            }
-                        };
-                        std::vector<PF_ParamDef> before;
-                        options.beforeCommand = [&](CommandArguments& sent) {
-                            before.clear();
-                            if (sent.command != PF_Cmd_UPDATE_PARAMS_UI && sent.command != PF_Cmd_EVENT) return;
-                            for (int i = 0; i < sent.in->num_params; ++i) before.push_back(*sent.params[i]);
-                        };
-                        options.afterCommand = [&](const CommandArguments& sent, PF_Err) {
-                            for (std::size_t i = 0; i < before.size(); ++i) {
-                                const PF_ParamDef& now = *sent.params[i];
-                                if (now.uu.change_flags & PF_ChangeFlag_CHANGED_VALUE) continue;
-                                if (std::memcmp(&now, &before[i], sizeof(now)) != 0) {
-                                    inside.Fail(fmt::format("command {} writes row #{} of the host's array",
-                                                            sent.command, i));
-                                }
-                            }
-                        };
-                        Stage stage(inside, options);
-                        ActAll(inside, stage);
-                    },
-                    {}};
+    const Part part{
+        "with read-only inputs",
+        [](Trial& inside) {
+            SetLendingRules({MemoryPlacement::kFlushRight, {}});
+            SessionOptions options;
+            options.worldWatch = [](World& world, WorldRole role, bool lent) {
+                if (role == WorldRole::kInput || role == WorldRole::kTexture) {
+                    world.Memory().SetReadOnly(lent);
+                }
+            };
+            std::vector<PF_ParamDef> before;
+            options.beforeCommand = [&](CommandArguments& sent) {
+                before.clear();
+                if (sent.command != PF_Cmd_UPDATE_PARAMS_UI && sent.command != PF_Cmd_EVENT) return;
+                for (int i = 0; i < sent.in->num_params; ++i) before.push_back(*sent.params[i]);
+            };
+            options.afterCommand = [&](const CommandArguments& sent, PF_Err) {
+                for (std::size_t i = 0; i < before.size(); ++i) {
+                    const PF_ParamDef& now = *sent.params[i];
+                    if (now.uu.change_flags & PF_ChangeFlag_CHANGED_VALUE) continue;
+                    if (std::memcmp(&now, &before[i], sizeof(now)) != 0) {
+                        inside.Fail(fmt::format("command {} writes row #{} of the host's array", sent.command, i));
+                    }
+                }
+            };
+            Stage stage(inside, options);
+            ActAll(inside, stage);
+        },
+        {}};
     RunParts(trial, {part});
 }
 
@@ -186,7 +187,7 @@ std::vector<Check> MemoryChecks() {
         {"4.1", "handles are disposed of, locks undone, and no byte beside them is touched", UsesHandlesByTheBook},
         {"4.2", "every parameter that is checked out is checked in once", ChecksParametersIn},
         {"4.3", "a parameter is not read after its check-in", ForgetsCheckedInParameters},
-        {"4.4", "a thousand pre-renders without a render leave nothing behind", LetsPreRenderGo},
+        {"4.4", "a thousand pre-renders without a render leave nothing behind", LetsPreRenderGo, Needs::kStrictHeap},
         {"4.5", "worlds, layers and references are given back", GivesWorldsBack},
         {"4.6", "inputs, textures and the host's parameters are not written", LeavesInputsAlone},
         {"4.7", "global data is not written while rendering", LeavesGlobalDataAlone},

@@ -57,7 +57,8 @@ class Sections {
         }
     }
     bool IsWritable(std::size_t index) const {
-        return index < sections_.size() && (sections_[index].sh_flags & SHF_WRITE) && !(sections_[index].sh_flags & SHF_TLS);
+        return index < sections_.size() && (sections_[index].sh_flags & SHF_WRITE) &&
+               !(sections_[index].sh_flags & SHF_TLS);
     }
 
  private:

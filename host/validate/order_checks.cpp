@@ -198,8 +198,8 @@ void AsksForKnownSuites(Trial& trial) {
     Stage stage(trial);
     ActOnStrictHost(trial, stage);
     for (const std::string& suite : stage.Session().RefusedSuites()) {
-        trial.Fail(fmt::format("it asks for the suite {}, which the interface does not have or this version does not",
-                               suite));
+        trial.Fail(
+            fmt::format("it asks for the suite {}, which the interface does not have or this version does not", suite));
     }
 }
 

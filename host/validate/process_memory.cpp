@@ -4,6 +4,7 @@
 #include "host/validate/process_memory.h"
 
 #include <dirent.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <fstream>
@@ -35,4 +36,22 @@ int OpenFiles() {
 
 int RunningThreads() {
     return EntriesOf("/proc/self/task");
+}
+
+long PeakBytes() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss * 1024;
+}
+
+void LimitMemory() {
+    std::ifstream statm("/proc/self/statm");
+    long size = 0;
+    statm >> size;
+    constexpr rlim_t kMore = rlim_t{4} << 30;
+    const rlim_t limit = static_cast<rlim_t>(size * sysconf(_SC_PAGESIZE)) + kMore;
+    // Sanitizers take terabytes of addresses for themselves, so there the limit would end everything at once.
+    if (limit > (rlim_t{1} << 40)) return;
+    const rlimit limits{limit, limit};
+    setrlimit(RLIMIT_AS, &limits);
 }

@@ -10,3 +10,7 @@ long ResidentBytes();
 int OpenFiles();
 /// Threads that run.
 int RunningThreads();
+/// The most bytes of memory that were in use so far.
+long PeakBytes();
+/// Lets this process take a few GiB more than it has, and no more, so that a mistake does not stop the machine.
+void LimitMemory();

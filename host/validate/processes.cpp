@@ -49,8 +49,8 @@ CheckResult FromJson(const json& object) {
     CheckResult result;
     result.verdict = VerdictOf(object.at("verdict")).value_or(Verdict::kFail);
     for (const json& finding : object.at("findings")) {
-        result.findings.push_back({finding.at("text"), VerdictOf(finding.at("weight")).value_or(Verdict::kFail),
-                                   finding.at("repeat"), {}});
+        result.findings.push_back(
+            {finding.at("text"), VerdictOf(finding.at("weight")).value_or(Verdict::kFail), finding.at("repeat"), {}});
     }
     result.skipReason = object.at("skip");
     for (const auto& [name, amount] : object.at("figures").items()) result.figures[name] = amount;
@@ -78,11 +78,15 @@ Finding FindingOf(const Child& child, const std::string& what) {
     if (child.timedOut) return {fmt::format("{} did not end in time{}", what, words), Verdict::kTimeout, {}, {}};
     if (WIFSIGNALED(child.waitStatus)) {
         const int signal = WTERMSIG(child.waitStatus);
-        return {fmt::format("{} crashed: {} (signal {}){}", what, strsignal(signal), signal, words), Verdict::kCrash,
-                {}, {}};
+        return {fmt::format("{} crashed: {} (signal {}){}", what, strsignal(signal), signal, words),
+                Verdict::kCrash,
+                {},
+                {}};
     }
     return {fmt::format("{} ended the process with code {}{}", what, WEXITSTATUS(child.waitStatus), words),
-            Verdict::kCrash, {}, {}};
+            Verdict::kCrash,
+            {},
+            {}};
 }
 
 void Kill(Child& child) {
@@ -112,7 +116,7 @@ Child ForkPart(const Part& part, const TrialOptions& options, const std::string&
     if (pipe2(ends, O_CLOEXEC) != 0) return child;
     child.results = ends[0];
     child.output = output;
-    child.deadline = Now() + options.timeoutMilliseconds;
+    child.deadline = Now() + options.timeoutMilliseconds + part.moreMilliseconds;
     child.process = fork();
     if (child.process == 0) {
         setpgid(0, 0);
@@ -260,32 +264,72 @@ Child StartProgram(std::vector<std::string> arguments, const std::vector<std::st
     return child;
 }
 
+namespace {
+
+std::string PartOutput(std::size_t number) {
+    return fmt::format("{}/umbrant_part_{}_{}", std::filesystem::temp_directory_path().string(), getpid(), number);
+}
+
+/// A part's result with what the part says about its findings.
+CheckResult Weighed(CheckResult result, const Part& part) {
+    for (Finding& finding : result.findings) {
+        if (finding.repeat.empty()) finding.repeat = part.repeat;
+        if (part.warnOnly) finding.weight = Verdict::kWarn;
+    }
+    return result;
+}
+
+}  // namespace
+
+CheckResult RunPart(const Trial& trial, const Part& part) {
+    if (trial.Options().inProcess) return Weighed(RunToEnd(part.run, trial.Options()), part);
+    std::vector<Child> children;
+    const std::string output = PartOutput(0);
+    children.push_back(ForkPart(part, trial.Options(), output));
+    CheckResult result;
+    if (children[0].process < 0) return result;
+    WaitForOne(children);
+    result = Weighed(ResultOf(children[0], part.name), part);
+    std::filesystem::remove(output);
+    return result;
+}
+
 void RunParts(Trial& trial, const std::vector<Part>& parts) {
+    for (const CheckResult& result : RunPartsApart(trial, parts)) trial.Merge(result);
+}
+
+std::vector<CheckResult> RunPartsApart(const Trial& trial, const std::vector<Part>& parts) {
+    std::vector<CheckResult> results(parts.size());
     if (trial.Options().inProcess) {
-        for (const Part& part : parts) trial.Merge(RunToEnd(part.run, trial.Options()));
-        return;
+        for (std::size_t i = 0; i < parts.size(); ++i) {
+            results[i] = Weighed(RunToEnd(parts[i].run, trial.Options()), parts[i]);
+        }
+        return results;
     }
     std::vector<Child> children;
-    std::vector<const Part*> running;
+    std::vector<std::size_t> running;
     std::size_t next = 0;
     const auto atOnce = static_cast<std::size_t>(ProcessorCount());
     while (next < parts.size() || !children.empty()) {
         while (next < parts.size() && children.size() < atOnce) {
-            const std::string output = fmt::format("{}/umbrant_part_{}_{}", std::filesystem::temp_directory_path().string(),
-                                                   getpid(), next);
-            Child child = ForkPart(parts[next], trial.Options(), output);
-            if (child.process < 0) trial.FailAndEnd("no process could be started for a part of the check");
-            children.push_back(std::move(child));
-            running.push_back(&parts[next++]);
+            Child child = ForkPart(parts[next], trial.Options(), PartOutput(next));
+            if (child.process < 0) {
+                results[next].verdict = Verdict::kFail;
+                results[next].findings.push_back(
+                    {"no process could be started for a part of the check", Verdict::kFail, {}, {}});
+            } else {
+                children.push_back(std::move(child));
+                running.push_back(next);
+            }
+            ++next;
         }
+        if (children.empty()) continue;
         const std::size_t ended = WaitForOne(children);
-        CheckResult result = ResultOf(children[ended], running[ended]->name);
-        for (Finding& finding : result.findings) {
-            if (finding.repeat.empty()) finding.repeat = running[ended]->repeat;
-        }
-        trial.Merge(result);
+        const Part& part = parts[running[ended]];
+        results[running[ended]] = Weighed(ResultOf(children[ended], part.name), part);
         std::filesystem::remove(children[ended].output);
         children.erase(children.begin() + static_cast<std::ptrdiff_t>(ended));
         running.erase(running.begin() + static_cast<std::ptrdiff_t>(ended));
     }
+    return results;
 }

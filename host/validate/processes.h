@@ -14,10 +14,10 @@
 /// A child process that was started and has not been waited for.
 struct Child {
     int process = -1;
-    int results = -1;         ///< the reading end of its result's pipe
-    std::string output;       ///< a file with what it printed
-    std::string received;     ///< the result so far
-    long long deadline = 0;   ///< milliseconds of the steady clock
+    int results = -1;        ///< the reading end of its result's pipe
+    std::string output;      ///< a file with what it printed
+    std::string received;    ///< the result so far
+    long long deadline = 0;  ///< milliseconds of the steady clock
     int waitStatus = 0;
     bool timedOut = false;
 };
@@ -40,12 +40,19 @@ void SendResult(int descriptor, const CheckResult& result);
 struct Part {
     std::string name;  ///< begins the findings that its end gives: "with PF_NewWorld refused"
     std::function<void(Trial&)> run;
-    std::string repeat;  ///< options that run this part alone
+    std::string repeat{};      ///< options that run this part alone
+    int moreMilliseconds = 0;  ///< beyond the usual limit
+    bool warnOnly = false;     ///< whatever it finds is worth a warning and no more
 };
 
 /// Runs the parts in forks of this process, as many at a time as there are processors, and merges what they find. The
 /// module must not have been loaded here, so that every part begins from nothing. In-process trials run them in turn.
 void RunParts(Trial& trial, const std::vector<Part>& parts);
+/// The same, with the results apart, in the parts' order.
+std::vector<CheckResult> RunPartsApart(const Trial& trial, const std::vector<Part>& parts);
+
+/// Runs one part in a fork and gives its result, merged into nothing.
+CheckResult RunPart(const Trial& trial, const Part& part);
 
 /// For a process that checks or parts of them run in: it ends with its parent, and its crashes leave no files.
 void BecomeChild();

@@ -15,8 +15,9 @@ namespace {
 using nlohmann::ordered_json;
 
 std::string ForShell(const std::string& text) {
-    const bool plain = text.find_first_not_of(
-                           "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_./+-=,:") == std::string::npos;
+    const bool plain =
+        text.find_first_not_of("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_./+-=,:") ==
+        std::string::npos;
     if (plain && !text.empty()) return text;
     std::string quoted = "'";
     for (const char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
@@ -147,9 +148,9 @@ std::string JunitOf(const RunOptions& options, const std::vector<CheckOutcome>& 
     text += fmt::format("<testsuite name=\"{}\" tests=\"{}\" failures=\"{}\" skipped=\"{}\">\n",
                         ForXml(options.trial.module.string()), outcomes.size(), totals.failed, totals.skipped);
     for (const CheckOutcome& outcome : outcomes) {
-        text += fmt::format("  <testcase classname=\"level {}\" name=\"{} {}\" time=\"{:.3f}\">\n",
-                            outcome.check->Level(), outcome.check->id, ForXml(outcome.check->title),
-                            outcome.milliseconds / 1000);
+        text +=
+            fmt::format("  <testcase classname=\"level {}\" name=\"{} {}\" time=\"{:.3f}\">\n", outcome.check->Level(),
+                        outcome.check->id, ForXml(outcome.check->title), outcome.milliseconds / 1000);
         if (outcome.result.verdict == Verdict::kSkip) {
             text += fmt::format("    <skipped message=\"{}\"/>\n", ForXml(outcome.result.skipReason));
         }

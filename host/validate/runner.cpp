@@ -42,16 +42,11 @@ void Probe(Trial& trial) {
 }
 
 std::vector<std::string> ChildArguments(const std::string& id, const TrialOptions& options) {
-    std::vector<std::string> arguments{"validate",
-                                       options.module.string(),
-                                       "--run-check",
-                                       id,
-                                       "--seed",
-                                       std::to_string(options.seed),
-                                       "--timeout-ms",
-                                       std::to_string(options.timeoutMilliseconds),
-                                       "--soak-seconds",
-                                       std::to_string(options.soakSeconds)};
+    std::vector<std::string> arguments{"validate",       options.module.string(),
+                                       "--run-check",    id,
+                                       "--seed",         std::to_string(options.seed),
+                                       "--timeout-ms",   std::to_string(options.timeoutMilliseconds),
+                                       "--soak-seconds", std::to_string(options.soakSeconds)};
     if (options.softwareGl) arguments.push_back("--software-gl");
     if (options.fault) arguments.insert(arguments.end(), {"--fault", options.fault->Text()});
     if (!options.trace.empty()) arguments.insert(arguments.end(), {"--trace", options.trace.string()});
@@ -65,6 +60,9 @@ std::vector<std::string> ChildEnvironment(const Check& check, const TrialOptions
     const bool aboutGl = check.needs == Needs::kOpenGl || check.needs == Needs::kShim;
     if (options.softwareGl && !aboutGl && !std::getenv("UMBRANT_RENDERER")) {
         environment.push_back("UMBRANT_RENDERER=cpu");
+    }
+    if (check.needs == Needs::kStrictHeap) {
+        environment.push_back("GLIBC_TUNABLES=glibc.malloc.tcache_count=0:glibc.malloc.mxfast=0");
     }
     if (check.needs == Needs::kShim && !options.shim.empty()) {
         environment.push_back("LD_PRELOAD=" + options.shim.string());
@@ -110,7 +108,7 @@ class Scheduler {
     void Run(const std::vector<Job>& jobs) {
         for (const Job& job : jobs) {
             const Check& check = *outcomes_[job.place].check;
-            const bool alone = check.needs == Needs::kQuiet || check.patience > 1;
+            const bool alone = check.needs == Needs::kQuiet || check.needs == Needs::kSoakTime || check.patience > 1;
             while (children_.size() >= (alone ? 1 : atOnce_)) WaitForEnd();
             Start(job, check);
             while (alone && !children_.empty()) WaitForEnd();
@@ -120,8 +118,10 @@ class Scheduler {
 
  private:
     void Start(const Job& job, const Check& check) {
+        int limit = job.options.timeoutMilliseconds * check.patience;
+        if (check.needs == Needs::kSoakTime) limit += job.options.soakSeconds * 1000;
         Child child = StartProgram(ChildArguments(check.id, job.options), ChildEnvironment(check, job.options),
-                                   OutputFile(started_++), job.options.timeoutMilliseconds * check.patience);
+                                   OutputFile(started_++), limit);
         if (child.process < 0) {
             CheckResult failed;
             failed.verdict = Verdict::kFail;
@@ -176,8 +176,7 @@ class InOrder {
 
 bool ProbeSoftware(const TrialOptions& options) {
     std::vector<Child> children;
-    children.push_back(
-        StartProgram(ChildArguments(kProbe, options), {}, OutputFile(-1), options.timeoutMilliseconds));
+    children.push_back(StartProgram(ChildArguments(kProbe, options), {}, OutputFile(-1), options.timeoutMilliseconds));
     if (children[0].process < 0) return false;
     WaitForOne(children);
     std::filesystem::remove(children[0].output);
@@ -228,8 +227,8 @@ Result<std::vector<const Check*>> ChosenChecks(const RunOptions& options) {
         chosen.push_back(&check);
     }
     if (chosen.empty()) {
-        return Failure{ExitCode::kUsage, fmt::format("no check of level {} or below is chosen; --list shows them",
-                                                     options.strictness)};
+        return Failure{ExitCode::kUsage,
+                       fmt::format("no check of level {} or below is chosen; --list shows them", options.strictness)};
     }
     return chosen;
 }

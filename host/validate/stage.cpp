@@ -73,3 +73,8 @@ void Stage::NoteMisbehaviour(const std::string& when) {
         trial_.Fail((when.empty() ? "" : when + ": ") + sentences[misbehaviourSeen_]);
     }
 }
+
+void Stage::Forget() {
+    static_cast<void>(bool(session_->End()));
+    misbehaviourSeen_ = session_->Misbehaviour().size();
+}

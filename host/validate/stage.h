@@ -2,8 +2,8 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// What most checks stand on: the module loaded, a session on it with its books open, and pictures to draw from. The host
-// is the one that `umbrant render` uses; only accounting is on.
+// What most checks stand on: the module loaded, a session on it with its books open, and pictures to draw from. The
+// host is the one that `umbrant render` uses; only accounting is on.
 
 #include <cstdint>
 #include <functional>
@@ -60,6 +60,8 @@ class Stage {
     void EndEven(const std::string& when);
     /// Notes what the host saw the effect do wrong since the last call.
     void NoteMisbehaviour(const std::string& when);
+    /// Drops what the host has seen so far: it was asked for.
+    void Forget();
 
  private:
     Trial& trial_;
@@ -83,8 +85,8 @@ std::vector<Variant> StyleVariants(const ParamSet& params, int mostItems);
 std::string RowName(const ParamRow& row);
 /// The rows whose value a user can change.
 std::vector<int> SettableRows(const ParamSet& params);
-/// Sets a numeric row to a number of its own scale, unchecked: any double for float sliders, clamped to the type's range
-/// for whole and fixed numbers and angles. False for a row without a number.
+/// Sets a numeric row to a number of its own scale, unchecked: any double for float sliders, clamped to the type's
+/// range for whole and fixed numbers and angles. False for a row without a number.
 bool SetNumber(ParamRow& row, double value);
 /// The numbers between which a row's value may lie, and the slider's own ends; nothing for a row without a number.
 struct NumberRange {

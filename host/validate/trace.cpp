@@ -65,7 +65,8 @@ void AppendTrace(const std::filesystem::path& file, const std::vector<Event>& ev
 }
 
 void NameTraceProcess(const std::filesystem::path& file, const std::string& name) {
-    Append(file, Line({{"name", "process_name"}, {"ph", "M"}, {"pid", getpid()}, {"args", {{"name", name}}}}), O_APPEND);
+    Append(file, Line({{"name", "process_name"}, {"ph", "M"}, {"pid", getpid()}, {"args", {{"name", name}}}}),
+           O_APPEND);
 }
 
 void EndTrace(const std::filesystem::path& file) {

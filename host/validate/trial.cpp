@@ -130,9 +130,9 @@ int Check::Level() const {
 const std::vector<Check>& AllChecks() {
     static const std::vector<Check> checks = [] {
         std::vector<Check> all;
-        for (const auto level : {LoadChecks, DeclarationChecks, OrderChecks, MemoryChecks, FrameChecks, PanelChecks,
-                                 ParameterChecks, FaultChecks, DriverChecks, ThreadChecks, ResultChecks,
-                                 EnduranceChecks}) {
+        for (const auto level :
+             {LoadChecks, DeclarationChecks, OrderChecks, MemoryChecks, FrameChecks, PanelChecks, ParameterChecks,
+              FaultChecks, DriverChecks, ThreadChecks, ResultChecks, EnduranceChecks}) {
             for (const Check& check : level()) all.push_back(check);
         }
         return all;

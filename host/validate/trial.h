@@ -73,7 +73,7 @@ class Trial {
     const TrialOptions& Options() const { return options_; }
     /// Seeded from the run's seed alone, so that a check draws the same whatever ran before it.
     std::mt19937_64& Random() { return random_; }
-    int Draw(int low, int high);        ///< uniform, both ends included
+    int Draw(int low, int high);  ///< uniform, both ends included
     double DrawReal(double low, double high);
 
     /// Notes a finding once; the same sentence again is dropped.
@@ -102,9 +102,11 @@ class Trial {
 /// What a check needs of the process that runs it.
 enum class Needs {
     kNothing,
-    kQuiet,   ///< measures time: runs while no other check does
-    kOpenGl,  ///< is about the module's OpenGL: no cheaper renderer is asked for
-    kShim,    ///< the interposed library, which also means OpenGL
+    kQuiet,       ///< measures time: runs while no other check does
+    kOpenGl,      ///< is about the module's OpenGL: no cheaper renderer is asked for
+    kSoakTime,    ///< goes on as long as the run's soak is asked to
+    kStrictHeap,  ///< is about memory of the C library: freed blocks are not kept for reuse, so a second free is seen
+    kShim,        ///< the interposed library, which also means OpenGL
 };
 
 struct Check {

@@ -94,9 +94,11 @@ std::vector<Finding> UnusedWaivers(const Check& check, const std::vector<Waiver>
     std::vector<Finding> findings;
     for (const Waiver& waiver : waivers) {
         if (waiver.check != check.id || waiver.used || !waiver.always) continue;
-        findings.push_back({fmt::format("the waived finding '{}' did not occur; take it out of the waiver file",
-                                        waiver.finding),
-                            Verdict::kFail, {}, {}});
+        findings.push_back(
+            {fmt::format("the waived finding '{}' did not occur; take it out of the waiver file", waiver.finding),
+             Verdict::kFail,
+             {},
+             {}});
     }
     return findings;
 }

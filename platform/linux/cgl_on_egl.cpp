@@ -29,6 +29,17 @@ _CGLPixelFormatObject coreFormat;       // there is only this one; it needs no f
 thread_local CGLContextObj current = nullptr;
 thread_local bool threadEnding = false;
 
+// A context that somebody else has made current on this thread, as a host that draws with OpenGL does. CGL would give
+// it like any other, to be put back later; so does this layer, through an object that stands for it.
+struct ForeignContext {
+    _CGLContextObject object{};
+    EGLenum api = EGL_OPENGL_API;
+    EGLDisplay display = EGL_NO_DISPLAY;
+    EGLSurface draw = EGL_NO_SURFACE;
+    EGLSurface read = EGL_NO_SURFACE;
+};
+thread_local ForeignContext foreign;
+
 bool IsLive(CGLContextObj context) {
     for (CGLContextObj each = contexts; each; each = each->next) {
         if (each == context) return context->references > 0;
@@ -138,6 +149,14 @@ CGLError CGLDestroyContext(CGLContextObj ctx) {
 
 CGLError CGLSetCurrentContext(CGLContextObj ctx) {
     const std::lock_guard lock(mutex);
+    if (ctx && ctx == &foreign.object) {
+        if (!eglBindAPI(foreign.api) ||
+            !eglMakeCurrent(foreign.display, foreign.draw, foreign.read, foreign.object.egl)) {
+            return kCGLBadState;
+        }
+        NoteCurrent(nullptr);
+        return kCGLNoError;
+    }
     if (!ctx) {
         if (current && !MakeCurrent(*ChooseEglTarget(), EGL_NO_CONTEXT)) return kCGLBadState;
         NoteCurrent(nullptr);
@@ -151,7 +170,14 @@ CGLError CGLSetCurrentContext(CGLContextObj ctx) {
 }
 
 CGLContextObj CGLGetCurrentContext(void) {
-    return current;
+    const EGLContext now = eglGetCurrentContext();
+    if (now == EGL_NO_CONTEXT || (current && current->egl == now)) return current;
+    foreign.object.egl = now;
+    foreign.api = eglQueryAPI();
+    foreign.display = eglGetCurrentDisplay();
+    foreign.draw = eglGetCurrentSurface(EGL_DRAW);
+    foreign.read = eglGetCurrentSurface(EGL_READ);
+    return &foreign.object;
 }
 
 const char* CGLErrorString(CGLError error) {

@@ -3,6 +3,8 @@
 
 // CGL's calls on this machine's EGL.
 
+#include <EGL/egl.h>
+#include <EGL/eglext.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -68,6 +70,29 @@ TEST_F(CglOnEgl, PixelFormatsOtherThanTheCoreProfileAreRefused) {
         EXPECT_EQ(screens, row.error == kCGLNoError ? 1 : 0);
     }
     EXPECT_EQ(CGLChoosePixelFormat(nullptr, nullptr, nullptr), kCGLBadAddress);
+}
+
+TEST_F(CglOnEgl, AContextOfTheHostsIsGivenAndPutBack) {
+    // Another owner's context on the same display, made current behind this layer's back.
+    ASSERT_EQ(CGLSetCurrentContext(context_), kCGLNoError);
+    const EGLDisplay display = eglGetCurrentDisplay();
+    ASSERT_EQ(CGLSetCurrentContext(nullptr), kCGLNoError);
+    ASSERT_TRUE(eglBindAPI(EGL_OPENGL_API));
+    const EGLContext host = eglCreateContext(display, EGL_NO_CONFIG_KHR, EGL_NO_CONTEXT, nullptr);
+    ASSERT_NE(host, EGL_NO_CONTEXT);
+    ASSERT_TRUE(eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, host));
+
+    const CGLContextObj remembered = CGLGetCurrentContext();
+    ASSERT_NE(remembered, nullptr);
+    EXPECT_EQ(CGLSetCurrentContext(context_), kCGLNoError);
+    EXPECT_EQ(CGLGetCurrentContext(), context_);
+    EXPECT_NE(eglGetCurrentContext(), host);
+    EXPECT_EQ(CGLSetCurrentContext(remembered), kCGLNoError);
+    EXPECT_EQ(eglGetCurrentContext(), host);
+
+    eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    eglDestroyContext(display, host);
+    EXPECT_EQ(CGLGetCurrentContext(), nullptr);
 }
 
 TEST_F(CglOnEgl, CreationNeedsAFormatAndALiveShare) {

@@ -35,6 +35,8 @@ enum class Mutant {
     kRendersOldWay,
     kDrawsNothing,
     kDrawsNaN,
+    kExits,
+    kHangs,
     // 3: orders
     kFailsAfterAbout,
     kCrashesOnSecondSetdown,
@@ -91,6 +93,7 @@ enum class Mutant {
     kIgnoresMissingSuite,
     kTrustsHandle,
     kTrustsMalloc,
+    kTrustsDriver,
     kSharesEnvironment,
     // 8: threads
     kSharesScratch,
@@ -112,6 +115,9 @@ enum class Mutant {
 
 /// The fault of this module; defined by the one source that is its own.
 extern const Mutant kMutant;
+
+/// A factor of 1 that comes by way of the driver; only the module that trusts one has it.
+extern float (*const kDriverFactor)();
 
 inline bool Is(Mutant mutant) {
     return kMutant == mutant;
@@ -147,7 +153,8 @@ struct Handed {
 template <typename Suite>
 class Held {
  public:
-    Held(const PF_InData* in, const char* name, int32_t version) : basic_(in->pica_basicP), name_(name), version_(version) {
+    Held(const PF_InData* in, const char* name, int32_t version)
+        : basic_(in->pica_basicP), name_(name), version_(version) {
         if (!basic_ && !Is(Mutant::kTrustsPointers)) throw PF_Err{A_Err_MISSING_SUITE};
         const void* suite = nullptr;
         const PF_Err error = basic_->AcquireSuite(name, version, &suite);

@@ -34,7 +34,8 @@ std::mutex renderMutex;
 bool HasDriver() {
     void* library = dlopen("libEGL.so.1", RTLD_NOW);
     if (!library) return false;
-    const auto display = reinterpret_cast<void* (*)(unsigned, void*, const void*)>(dlsym(library, "eglGetPlatformDisplay"));
+    const auto display =
+        reinterpret_cast<void* (*)(unsigned, void*, const void*)>(dlsym(library, "eglGetPlatformDisplay"));
     const auto initialize = reinterpret_cast<unsigned (*)(void*, int*, int*)>(dlsym(library, "eglInitialize"));
     constexpr unsigned kSurfaceless = 0x31DD;
     void* shown = display ? display(kSurfaceless, nullptr, nullptr) : nullptr;
@@ -55,11 +56,15 @@ PF_Err SetUp(PF_InData* in, PF_OutData* out) {
     if (Is(Mutant::kCrashesInPremiere) && in->appl_id == kAppID_Premiere) Crash();
     if (Is(Mutant::kNeedsDriver) && !HasDriver()) Crash();
     if (Is(Mutant::kClearsContext)) ClearContext();
+    if (Is(Mutant::kSharesEnvironment)) {
+        if (std::getenv("JUDGED_ONCE")) setenv("JUDGED_TWICE", "1", 1);
+        setenv("JUDGED_ONCE", "1", 1);
+    }
     out->my_version = Is(Mutant::kNoVersion) ? 0 : 0x80801;
     out->out_flags = PF_OutFlag_CUSTOM_UI | PF_OutFlag_SEND_UPDATE_PARAMS_UI | PF_OutFlag_DEEP_COLOR_AWARE;
     if (Is(Mutant::kFlagsChange) && ++setUps > 1) out->out_flags |= PF_OutFlag_NON_PARAM_VARY;
-    out->out_flags2 = PF_OutFlag2_SUPPORTS_SMART_RENDER | PF_OutFlag2_FLOAT_COLOR_AWARE |
-                      PF_OutFlag2_SUPPORTS_THREADED_RENDERING;
+    out->out_flags2 =
+        PF_OutFlag2_SUPPORTS_SMART_RENDER | PF_OutFlag2_FLOAT_COLOR_AWARE | PF_OutFlag2_SUPPORTS_THREADED_RENDERING;
     const Held<PF_HandleSuite1> handles(in, kPFHandleSuiteName, kPFHandleSuiteVersion1);
     const PF_Handle global = handles->host_new_handle(64);
     if (!global && !Is(Mutant::kTrustsHandle)) return PF_Err_OUT_OF_MEMORY;
@@ -107,7 +112,8 @@ PF_Err UserChanged(const PF_UserChangedParamExtra* extra, PF_ParamDef* params[])
         static int touched[JUDGED_COUNT];
         volatile char* far = reinterpret_cast<char*>(touched);
         // Far enough out to meet no memory of the module.
-        far[static_cast<std::ptrdiff_t>(extra->param_index < 0 || extra->param_index >= JUDGED_COUNT ? 1 << 30 : 0)] = 1;
+        far[static_cast<std::ptrdiff_t>(extra->param_index < 0 || extra->param_index >= JUDGED_COUNT ? 1 << 30 : 0)] =
+            1;
     }
     if (!extra || !params) return PF_Err_BAD_CALLBACK_PARAM;
     return PF_Err_NONE;
@@ -185,8 +191,8 @@ JUDGED_EXPORT PF_Err PluginDataEntryFunction(PF_PluginDataPtr pointer, PF_Plugin
     const A_long minor = Is(Mutant::kNewerInterface) ? 99 : 28;
     const A_long reserved = Is(Mutant::kWrongReserved) ? 7 : 8;
     const auto once = [&] {
-        return callback(pointer, text("Judged"), text("TEST judged"), text("Tests"), text(entry), kPluginKind_Effect, 13,
-                        minor, reserved);
+        return callback(pointer, text("Judged"), text("TEST judged"), text("Tests"), text(entry), kPluginKind_Effect,
+                        13, minor, reserved);
     };
     if (Is(Mutant::kRegistersTwice)) once();
     const PF_Err error = once();

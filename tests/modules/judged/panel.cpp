@@ -49,8 +49,8 @@ class Stream {
 
 PF_ParamDef ValueOf(PF_InData* in, PF_ParamIndex index) {
     PF_ParamDef def{};
-    if (const PF_Err error = in->inter.checkout_param(in->effect_ref, index, in->current_time, in->time_step,
-                                                      in->time_scale, &def)) {
+    if (const PF_Err error =
+            in->inter.checkout_param(in->effect_ref, index, in->current_time, in->time_step, in->time_scale, &def)) {
         if (Is(Mutant::kReplacesError)) throw PF_Err{PF_Err_OUT_OF_MEMORY};
         if (!Is(Mutant::kSwallowsError)) throw PF_Err{error};
     }
@@ -67,7 +67,8 @@ PF_Err SetUpParams(PF_InData* in, PF_OutData* out) {
     defs[JUDGED_GROUP] = NewDef(PF_Param_GROUP_START, "Look", 1);
     defs[JUDGED_AMOUNT] = Slider("Amount", 2, 100, Is(Mutant::kDefaultOutside) ? 120.0f : 80.0f);
     defs[JUDGED_MODE] = NewDef(PF_Param_POPUP, "Mode", 3);
-    defs[JUDGED_MODE].u.pd = {2, static_cast<A_short>(Is(Mutant::kWrongItemCount) ? 5 : 3), 2, {"Plain|Tinted|Picture"}};
+    defs[JUDGED_MODE].u.pd = {
+        2, static_cast<A_short>(Is(Mutant::kWrongItemCount) ? 5 : 3), 2, {"Plain|Tinted|Picture"}};
     defs[JUDGED_COLOUR] = NewDef(PF_Param_COLOR, "Colour", 4);
     defs[JUDGED_COLOUR].u.cd.dephault = {255, 200, 100, 50};
     defs[JUDGED_ANGLE] = NewDef(PF_Param_ANGLE, "Angle", 5);

@@ -181,9 +181,8 @@ void CopyLayer(const PF_EffectWorld& input, const PF_EffectWorld& output, const 
             Pixel pixel = source[x - from.left];
             if (Is(Mutant::kIndexesByPixel)) {
                 static const float table[256] = {};
-                pixel.red = static_cast<Channel<Pixel>>(
-                    table[static_cast<std::ptrdiff_t>(static_cast<double>(pixel.red) *
-                                                      (std::is_floating_point_v<Channel<Pixel>> ? 255 : 0))]);
+                pixel.red = static_cast<Channel<Pixel>>(table[static_cast<std::ptrdiff_t>(
+                    static_cast<double>(pixel.red) * (std::is_floating_point_v<Channel<Pixel>> ? 255 : 0))]);
             }
             pixel.alpha = Scaled<Pixel>(pixel.alpha, scratch[static_cast<std::size_t>(x - to.left)]);
             target[x - to.left] = pixel;
@@ -232,9 +231,8 @@ PF_Err TintOutput(PF_InData* in, short depth, const Look& look, PF_EffectWorld* 
             error = TintWith<PF_iterate16Suite1, PF_Pixel16>(in, kPFIterate16SuiteName, kPFIterate16SuiteVersion1,
                                                              &copy.world, &tint, output);
         } else {
-            error = TintWith<PF_iterateFloatSuite1, PF_PixelFloat>(in, kPFIterateFloatSuiteName,
-                                                                   kPFIterateFloatSuiteVersion1, &copy.world, &tint,
-                                                                   output);
+            error = TintWith<PF_iterateFloatSuite1, PF_PixelFloat>(
+                in, kPFIterateFloatSuiteName, kPFIterateFloatSuiteVersion1, &copy.world, &tint, output);
         }
     }
     copy.abandoned = error && Is(Mutant::kLeaksOnError);
@@ -246,13 +244,15 @@ PF_Err LayPicture(PF_InData* in, PF_EffectWorld* picture, PF_EffectWorld* output
     const Held<PF_WorldTransformSuite1> transform(in, kPFWorldTransformSuiteName, kPFWorldTransformSuiteVersion1);
     const PF_CompositeMode mode{PF_Xfer_IN_FRONT, 0, 255, 0, PF_MAX_CHAN16};
     const PF_Rect whole{0, 0, picture->width, picture->height};
-    return transform->transfer_rect(in->effect_ref, in->quality, PF_MF_Alpha_STRAIGHT, in->field, &whole, picture, &mode,
-                                    nullptr, picture->origin_x - output->origin_x,
+    return transform->transfer_rect(in->effect_ref, in->quality, PF_MF_Alpha_STRAIGHT, in->field, &whole, picture,
+                                    &mode, nullptr, picture->origin_x - output->origin_x,
                                     picture->origin_y - output->origin_y, output);
 }
 
 /// The faults of a whole render that are not about pixels.
 void Misbehave(PF_InData* in, PF_SmartRenderExtra* extra, PF_EffectWorld* input) {
+    if (Is(Mutant::kExits)) std::exit(3);
+    while (Is(Mutant::kHangs)) std::this_thread::sleep_for(std::chrono::milliseconds(10));
     if (Is(Mutant::kUsesReleasedSuite)) {
         const PF_HandleSuite1* kept = nullptr;
         {
@@ -303,6 +303,7 @@ Look LookOf(PF_InData* in) {
                                             [] { return PF_Err{0}; }};
         kinds[look.mode]();
     }
+    if (kDriverFactor) look.amount *= kDriverFactor();
     look.steps = std::clamp<A_long>(ValueOf(in, JUDGED_STEPS).u.sd.value, 1, 64);
     look.colour = ValueOf(in, JUDGED_COLOUR).u.cd.value;
     return look;
@@ -348,9 +349,8 @@ PF_Err PreRender(PF_InData* in, PF_PreRenderExtra* extra) {
     const A_long border = BorderOf(in);
     PF_Err kept = PF_Err_NONE;
     const auto take = [&](PF_ParamIndex index, A_long id, PF_CheckoutResult* result) {
-        const PF_Err error =
-            extra->cb->checkout_layer(in->effect_ref, index, id, &extra->input->output_request, in->current_time,
-                                      in->time_step, in->time_scale, result);
+        const PF_Err error = extra->cb->checkout_layer(in->effect_ref, index, id, &extra->input->output_request,
+                                                       in->current_time, in->time_step, in->time_scale, result);
         if (error && Is(Mutant::kGoesOnAfterError)) {
             kept = error;
         } else if (error) {

@@ -1,0 +1,346 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// Level 8: many threads, short threads, threads that stay too long, and locks held at the wrong time.
+
+#include <fmt/format.h>
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+#include "host/compositing/row_pool.h"
+#include "host/suites/iterate.h"
+#include "host/validate/process_memory.h"
+#include "host/validate/processes.h"
+#include "host/validate/stage.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+FrameRequest RequestOf(const World& layer) {
+    FrameRequest request;
+    request.layer = &layer;
+    return request;
+}
+
+/// The values that one instance of many draws with.
+ParamSet ParamsOf(const ParamSet& base, const std::vector<Variant>& variants, int instance) {
+    ParamSet params = base;
+    variants[static_cast<std::size_t>(instance) % variants.size()].apply(params);
+    int moved = 0;
+    for (const int index : SettableRows(params)) {
+        ParamRow& row = params.RawRow(index);
+        const auto range = RangeOf(row);
+        if (!range || row.def.param_type == PF_Param_ANGLE) continue;
+        SetNumber(row, LowNumber(*range, 1 + (instance * 3 + moved++) % 6));
+    }
+    return params;
+}
+
+void DrawsOnManyThreads(Trial& trial) {
+    constexpr int kInstances = 16;
+    constexpr int kFrames = 6;
+    Stage stage(trial);
+    stage.Cheapen();
+    EffectSession& session = stage.Session();
+    const std::vector<Variant> variants = StyleVariants(session.Params(), 3);
+    const World layers[] = {TestPicture(40, 30, Depth::k8), TestPicture(31, 44, Depth::k32)};
+    std::vector<ParamSet> params;
+    std::vector<std::uint64_t> alone;
+    const auto draw = [&](int instance) {
+        FrameRequest request = RequestOf(layers[instance % 2]);
+        request.params = &params[static_cast<std::size_t>(instance)];
+        request.time = instance;
+        const auto frame = session.Render(request);
+        return frame ? DigestOf(frame->output) : 0;
+    };
+    for (int i = 0; i < kInstances; ++i) params.push_back(ParamsOf(session.Params(), variants, i));
+    for (int i = 0; i < kInstances; ++i) alone.push_back(draw(i));
+
+    for (const int count : {1, 2, 4, 8, 16}) {
+        std::atomic<int> different{0};
+        std::atomic<bool> ended{false};
+        std::vector<std::thread> threads;
+        for (int t = 0; t < count; ++t) {
+            threads.emplace_back([&, t] {
+                for (int i = 0; i < kFrames; ++i) {
+                    const int instance = (t + i * 5) % kInstances;
+                    if (draw(instance) != alone[static_cast<std::size_t>(instance)]) ++different;
+                }
+            });
+        }
+        // The panel goes on meanwhile, on the host's own thread.
+        std::thread watch([&] {
+            for (std::thread& thread : threads) thread.join();
+            ended = true;
+        });
+        while (!ended) {
+            stage.TouchPanel();
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        watch.join();
+        trial.Count("frames", count * kFrames);
+        if (different > 0) {
+            trial.Fail(fmt::format("on {} threads {} of {} frames differ from those of one thread", count,
+                                   different.load(), count * kFrames));
+        }
+    }
+    stage.EndEven("after many threads");
+}
+
+void StandsShortThreads(Trial& trial) {
+    constexpr int kThreads = 2000, kWarmUp = 100, kLeast = 200;
+    constexpr double kAllowance = 16 * 1024;
+    Stage stage(trial);
+    stage.Cheapen();
+    const World layer = TestPicture(16, 16, Depth::k8);
+    const auto deadline =
+        Clock::now() + std::chrono::milliseconds(static_cast<long>(trial.Options().timeoutMilliseconds) * 3);
+    long before = 0;
+    int files = 0, drawn = 0;
+    for (; drawn < kThreads && (drawn < kLeast || Clock::now() < deadline) && !trial.Failed(); ++drawn) {
+        if (drawn == kWarmUp) {
+            before = ResidentBytes();
+            files = OpenFiles();
+        }
+        std::thread([&] { stage.Draw(RequestOf(layer), "a thread's only frame"); }).join();
+        stage.Log().Clear();
+    }
+    const double perThread = static_cast<double>(ResidentBytes() - before) / std::max(1, drawn - kWarmUp);
+    trial.Count("threads", drawn);
+    trial.Count("bytes kept a thread", std::max(0.0, perThread));
+    if (perThread > kAllowance) {
+        trial.Fail(fmt::format("each thread that rendered once and ended leaves {:.0f} bytes behind", perThread));
+    }
+    if (OpenFiles() > files + 2) trial.Fail(fmt::format("{} ended threads left files open", drawn));
+}
+
+void OutlivesItsThreads(Trial& trial) {
+    const auto part = [](bool unload) {
+        return [unload](Trial& inside) {
+            auto stage = std::make_optional<Stage>(inside);
+            stage->Cheapen();
+            const World layer = TestPicture(24, 24, Depth::k8);
+            std::mutex mutex;
+            std::condition_variable changed;
+            int state = 0;  // 1: drawn; 2: may end
+            std::thread thread([&] {
+                stage->Draw(RequestOf(layer), "a frame");
+                std::unique_lock lock(mutex);
+                state = 1;
+                changed.notify_all();
+                changed.wait(lock, [&] { return state == 2; });
+            });
+            {
+                std::unique_lock lock(mutex);
+                changed.wait(lock, [&] { return state == 1; });
+            }
+            stage->EndEven("with a render thread still alive");
+            if (unload) stage.reset();
+            {
+                const std::lock_guard lock(mutex);
+                state = 2;
+            }
+            changed.notify_all();
+            thread.join();
+            // What the effect may have left running has a moment to fail.
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        };
+    };
+    RunParts(trial, {{"with a render thread that ends after set-down", part(false)},
+                     {"with a render thread that ends after the module was unloaded", part(true)}});
+}
+
+/// A lock of the host's that every callback of a render takes while another thread, which holds it, sends a command.
+class HostLock {
+ public:
+    /// The render's side, in every host call: tells that it is inside, and waits for the lock.
+    void EnterFromRender() {
+        std::unique_lock lock(mutex_);
+        if (!armed_ || std::this_thread::get_id() != renderThread_) return;
+        inside_ = true;
+        changed_.notify_all();
+        changed_.wait_for(lock, kPatience, [&] { return !armed_; });
+        armed_ = false;
+    }
+    void Arm(std::thread::id renderThread) {
+        const std::lock_guard lock(mutex_);
+        renderThread_ = renderThread;
+        armed_ = true;
+        inside_ = false;
+    }
+    bool WaitForRender() {
+        std::unique_lock lock(mutex_);
+        return changed_.wait_for(lock, kPatience, [&] { return inside_; });
+    }
+    /// The command is through: the lock is free.
+    void Release() {
+        const std::lock_guard lock(mutex_);
+        armed_ = false;
+        changed_.notify_all();
+    }
+    static constexpr std::chrono::milliseconds kPatience{1500};
+
+ private:
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::thread::id renderThread_;
+    bool armed_ = false;
+    bool inside_ = false;
+};
+
+struct Command {
+    const char* name;
+    std::function<void(EffectSession&, const World&)> send;
+};
+
+std::vector<Command> ReentrantCommands() {
+    return {{"about", [](EffectSession& session, const World&) { static_cast<void>(bool(session.About())); }},
+            {"a query of dynamic flags",
+             [](EffectSession& session, const World&) {
+                 session.Send(PF_Cmd_QUERY_DYNAMIC_FLAGS, nullptr, nullptr, nullptr);
+             }},
+            {"an update of the panel",
+             [](EffectSession& session, const World&) { static_cast<void>(bool(session.UpdateParamsUI())); }},
+            {"a pre-render", [](EffectSession& session,
+                                const World& layer) { static_cast<void>(bool(session.PreRender(RequestOf(layer)))); }},
+            {"a render", [](EffectSession& session, const World& layer) {
+                 static_cast<void>(bool(session.Render(RequestOf(layer))));
+             }}};
+}
+
+/// While a render waits in a callback for the host's lock, the lock's owner sends a command: does it come through?
+void SendWhileRendering(Trial& trial, const Command& command) {
+    HostLock hostLock;
+    std::atomic<bool> rendering{false};
+    SessionOptions options;
+    options.fault = [&](std::string_view) {
+        if (rendering) hostLock.EnterFromRender();
+        return PF_Err_NONE;
+    };
+    options.beforeCommand = [&](CommandArguments& sent) {
+        if (sent.command == PF_Cmd_SMART_RENDER) rendering = true;
+    };
+    Stage stage(trial, options);
+    stage.Cheapen();
+    const World layer = TestPicture(24, 24, Depth::k8);
+    stage.Draw(RequestOf(layer), "a first frame");
+    rendering = false;
+    std::thread render([&] {
+        hostLock.Arm(std::this_thread::get_id());
+        static_cast<void>(bool(stage.Session().Render(RequestOf(layer))));
+    });
+    if (hostLock.WaitForRender()) {
+        const auto begin = Clock::now();
+        command.send(stage.Session(), layer);
+        const auto taken = Clock::now() - begin;
+        if (taken > HostLock::kPatience / 2) {
+            trial.Fail(
+                fmt::format("{} on one thread waits for a render on another, which waits for the host: a lock is "
+                            "held while the host is called",
+                            command.name));
+        }
+    }
+    hostLock.Release();
+    render.join();
+}
+
+/// The host sends a command from inside of a render's own callback.
+void SendFromInside(Trial& trial, const Command& command) {
+    std::atomic<int> depth{0};
+    const World layer = TestPicture(16, 16, Depth::k8);
+    EffectSession* session = nullptr;
+    bool armed = false;
+    SessionOptions options;
+    options.fault = [&](std::string_view call) {
+        const bool here = call == "interact.checkout_param" || call == "smart-render.checkout_output";
+        if (!armed || !here || depth > 0) return PF_Err_NONE;
+        ++depth;
+        command.send(*session, layer);
+        --depth;
+        return PF_Err_NONE;
+    };
+    Stage stage(trial, options);
+    stage.Cheapen();
+    session = &stage.Session();
+    const auto usual = stage.Draw(RequestOf(layer), "a frame");
+    armed = true;
+    const auto interrupted = stage.Draw(RequestOf(layer), "a frame with a command inside");
+    armed = false;
+    if (usual && interrupted && !SamePixels(usual->output, interrupted->output)) {
+        trial.Fail(fmt::format("{} from inside of a render's callback changes the frame", command.name));
+    }
+}
+
+void HoldsNoLocks(Trial& trial) {
+    std::vector<Part> parts;
+    for (const Command& command : ReentrantCommands()) {
+        parts.push_back({fmt::format("{} beside a render", command.name),
+                         [command](Trial& part) { SendWhileRendering(part, command); }});
+        // A render inside of a render is asked of no effect.
+        if (std::string_view(command.name) == "a render") continue;
+        parts.push_back({fmt::format("{} inside a render", command.name),
+                         [command](Trial& part) { SendFromInside(part, command); }});
+    }
+    RunParts(trial, parts);
+}
+
+/// All that survives a process as a number: 53 bits of the digest.
+double DigestFigure(std::uint64_t digest) {
+    return static_cast<double>(digest >> 11);
+}
+
+void IgnoresRowOrder(Trial& trial) {
+    const auto digests = [&](int threads, RowOrder order) {
+        return RunPart(trial, {fmt::format("with {} row threads", threads), [=](Trial& part) {
+                                   SetRowThreads(threads);
+                                   SetRowOrder(order);
+                                   Stage stage(part);
+                                   stage.Cheapen();
+                                   for (const Depth depth : {Depth::k8, Depth::k32}) {
+                                       const World layer = TestPicture(61, 47, depth);
+                                       for (const Variant& variant : StyleVariants(stage.Session().Params(), 3)) {
+                                           ParamSet params = stage.Session().Params();
+                                           variant.apply(params);
+                                           FrameRequest request = RequestOf(layer);
+                                           request.params = &params;
+                                           const auto frame = stage.Draw(request, variant.name);
+                                           const auto name =
+                                               fmt::format("{} at {} bits", variant.name, static_cast<int>(depth));
+                                           part.Count(name, DigestFigure(frame ? DigestOf(frame->output) : 0));
+                                       }
+                                   }
+                               }});
+    };
+    const CheckResult usual = digests(1, RowOrder::kNeighbours);
+    for (const Finding& finding : usual.findings) trial.Note(finding);
+    for (const int threads : {1, 2, 4, 7}) {
+        const CheckResult other = digests(threads, RowOrder::kScattered);
+        for (const Finding& finding : other.findings) trial.Note(finding);
+        for (const auto& [name, digest] : usual.figures) {
+            const auto found = other.figures.find(name);
+            if (name == "frames" || (found != other.figures.end() && found->second == digest)) continue;
+            trial.Fail(fmt::format("{}: the frame differs when rows come scattered on {} threads", name, threads));
+        }
+    }
+}
+
+}  // namespace
+
+std::vector<Check> ThreadChecks() {
+    return {
+        {"8.1", "frames on many threads, with the panel beside them, are those of one thread", DrawsOnManyThreads,
+         Needs::kNothing, 4},
+        {"8.3", "thousands of threads that render once and end leave nothing behind", StandsShortThreads,
+         Needs::kOpenGl, 4},
+        {"8.4", "render threads may end after set-down and after the module was unloaded", OutlivesItsThreads,
+         Needs::kOpenGl},
+        {"8.5", "no lock is held while the host is called", HoldsNoLocks, Needs::kNothing, 2},
+        {"8.6", "rows may be walked in any order on any number of threads", IgnoresRowOrder, Needs::kNothing, 2},
+    };
+}

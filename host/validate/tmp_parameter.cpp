@@ -1,2 +1,0 @@
-#include "host/validate/trial.h"
-std::vector<Check> ParameterChecks() { return {}; }

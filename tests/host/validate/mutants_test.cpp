@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// The judge judged: every check fails the wrong modules that are made for it, and passes the right one.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+#include "tests/host/cli/program.h"
+
+namespace {
+
+using ::testing::HasSubstr;
+
+/// A wrong module, the check that must fail it, and words of the finding.
+struct Row {
+    const char* mutant;
+    const char* check;
+    const char* finding;
+};
+
+constexpr Row kRows[] = {
+    {"MissingMain", "1.1", "registers the entry 'ElsewhereMain' but does not export it"},
+    {"WrongReserved", "1.2", "the reserved number is 7, not 8"},
+    {"NewerInterface", "1.2", "the interface version is 13.99; this host has 13.28"},
+    {"RegistersTwice", "1.2", "the callback was called 2 times, not once"},
+    {"SwallowsRefusal", "1.2", "the callback refused with 1001, but registration returned 0"},
+    {"ExportsMore", "1.3", "it exports 'judgedHelper' besides its entries"},
+    {"SlowSetup", "1.4", "loading and set-up took more than 1000 ms"},
+    {"PrintsOnLoad", "1.5", "printed something: 'Judged was loaded"},
+    {"LeaksFile", "1.5", "loading 10 times left 10 files open"},
+    {"NoVersion", "2.1", "leaves the version at 0"},
+    {"FlagsChange", "2.1", "a second set-up announces another version or other flags"},
+    {"SameDiskId", "2.2", "rows #6 and #7 are stored under one id, 6"},
+    {"DefaultOutside", "2.2", "look/amount: the default 120 is outside of the valid range 0 to 100"},
+    {"WrongItemCount", "2.2", "look/mode: the popup has 3 items but says 5"},
+    {"EndlessName", "2.2", "row #2: the name has no end within its 32 bytes"},
+    {"EndlessAbout", "2.3", "the about text has no end within the message's 256 bytes"},
+    {"NoAbout", "2.3", "about leaves no text"},
+    {"AboutOverruns", "2.3", "about writes beyond the message's 256 bytes"},
+    {"CrashesInPremiere", "2.4", "in Premiere Pro crashed: Aborted (signal 6)"},
+    {"RefusesUnknown", "2.5", "command 2147483647 (unknown command) is answered with PF_Err_BAD_CALLBACK_PARAM"},
+    {"RendersOldWay", "2.5", "changes the output world"},
+    {"DrawsNothing", "2.6", "the default frame at 8 bits is all zero"},
+    {"DrawsNaN", "2.6", "the default frame at 32 bits has a channel at 0,0 that is no finite number"},
+    {"Exits", "2.6", "check 2.6 ended the process with code 3"},
+    {"Hangs", "2.6", "check 2.6 did not end in time"},
+    {"FailsAfterAbout", "3.1", "render: Judged failed in PF_Cmd_SMART_RENDER: error 512"},
+    {"CrashesOnSecondSetdown", "3.2", "set-down twice crashed"},
+    {"NeedsDriver", "3.2", "set-up without any OpenGL driver crashed"},
+    {"LeaksSuite", "3.3", "suite PF Handle Suite 2 was taken 1 time and given back 0 times (PF_Cmd_GLOBAL_SETUP)"},
+    {"ReleasesTwice", "3.3", "the suite PF Handle Suite 2 was released without being held"},
+    {"UsesReleasedSuite", "3.3", "check 3.3 crashed: Segmentation fault (signal 11)"},
+    {"AsksUnknownSuite", "3.4", "it asks for the suite PF Suite Of Dreams 3"},
+    {"WritesStatic", "3.6", "a render changes static data"},
+    {"TakesUnknownLayer", "3.7", "render takes the layer with id 77, which pre-render did not ask for"},
+    {"LeaksHandle", "4.1", "handle #2 was taken 1 time and given back 0 times (PF_Cmd_GLOBAL_SETUP)"},
+    {"LeaksLock", "4.1", "lock #1 was taken 1 time and given back 0 times (PF_Cmd_GLOBAL_SETUP)"},
+    {"UsesDisposedHandle", "4.1", "with handles' memory before a shut page crashed"},
+    {"WritesPastHandle", "4.1", "with handles' memory before a shut page crashed"},
+    {"LeaksParam", "4.2", "and given back 0 times"},
+    {"ChecksInTwice", "4.2", "parameter check-out was taken"},
+    {"ReadsCheckedIn", "4.3", "a frame differs when parameter definitions are overwritten after their check-in"},
+    {"FreesPreRenderData", "4.4", "check 4.4 crashed"},
+    {"LeaksPreRenderData", "4.4", "1000 pre-renders without a render left"},
+    {"LeaksWorld", "4.5", "world #1 was taken 1 time and given back 0 times (PF_Cmd_SMART_RENDER)"},
+    {"KeepsLayer", "4.5", "layer check-out id 1 was taken 1 time and given back 0 times"},
+    {"WritesInput", "4.6", "with read-only inputs crashed"},
+    {"WritesGlobalData", "4.7", "a render writes the global data"},
+    {"CrashesOnTinyLayer", "5.1", "with layers of common sizes crashed"},
+    {"CrashesAt16Bits", "5.2", "at 16 bits crashed"},
+    {"AssumesTightRows", "5.3", "the picture changes when rows are"},
+    {"WritesPadding", "5.3", "bytes between the rows of the output were written"},
+    {"WritesRowTooFar", "5.4", "with worlds before a shut page crashed"},
+    {"WritesBefore", "5.4", "with worlds behind a shut page crashed"},
+    {"MaxFollowsRequest", "5.5", "for the whole layer it was"},
+    {"ResultBeyondMax", "5.5", "reaches beyond the largest"},
+    {"TrustsExtentHint", "5.6", "crashed"},
+    {"IgnoresDownsample", "5.7", "where the full size has it"},
+    {"DividesByStep", "5.8", "at a step of 0 crashed: Floating point exception (signal 8)"},
+    {"TrustsIndex", "5.9", "with changes of any row crashed"},
+    {"HandlesEverything", "5.9", "in which nothing happens, is said to have been handled"},
+    {"NaNInRange", "6.1", "is no finite number"},
+    {"FailsAtMaximum", "6.2", "with look/amount at 100: Judged failed"},
+    {"TrustsPopup", "6.3", "look/mode at item 0"},
+    {"LoopsOnHuge", "6.4", "did not end in time; it last printed: "},
+    {"TrustsPointers", "6.5", "with no suites crashed"},
+    {"TilesDiffer", "6.6", "tiles of 64 pixels differ from the whole frame"},
+    {"IndexesByPixel", "6.7", "with pixels of random bits crashed"},
+    {"SwallowsError", "7.1", "returns 0 (PF_Err_NONE) instead of 1001"},
+    {"ReplacesError", "7.1", "returns 4 (PF_Err_OUT_OF_MEMORY) instead of 1001"},
+    {"GoesOnAfterError", "7.1", "goes on to call interact.checkout_param"},
+    {"LeaksOnError", "7.1", "world #1 was taken 1 time and given back 0 times"},
+    {"TrustsSuite", "7.2", "refused: a fault crashed"},
+    {"IgnoresMissingSuite", "7.2", "returns no error and no message, but gives another picture"},
+    {"TrustsHandle", "7.3", "with PF Handle Suite.host_new_handle:1:4 refused: a fault crashed"},
+    {"TrustsMalloc", "7.4", "with the module's own allocations failing, style 1 crashed"},
+    {"SharesEnvironment", "7.6", "draws another picture beside"},
+    {"SharesScratch", "8.1", "differ from those of one thread"},
+    {"LeaksPerThread", "8.3", "each thread that rendered once and ended leaves"},
+    {"OutlivesUnload", "8.4", "that ends after the module was unloaded crashed"},
+    {"LocksWhileCalling", "8.5", "about on one thread waits for a render on another"},
+    {"CountsRows", "8.6", "the frame differs when rows come scattered"},
+    {"DrawsChance", "9.1", "another process draws another picture"},
+    {"RemembersFrame", "9.2", "frames drawn backwards differ from those drawn forwards"},
+    {"DrawsTime", "9.4", "the picture changes with time, which the effect does not announce"},
+    {"ClaimsLess", "9.5", "leaves out the pixel"},
+    {"EndlessErrorText", "9.6", "the message of PF_Cmd_SMART_RENDER has no end within its 256 bytes"},
+    {"GrowsPerFrame", "10.1", "grow the process by"},
+    {"SlowsDown", "10.2", "look/steps from 8 to 32: 4 times the work takes"},
+    {"CrashesLate", "10.5", "a long session crashed"},
+};
+
+/// Checks whose wrong module draws with OpenGL; see mutants_gl_test.cpp.
+constexpr const char* kDriverChecks[] = {"3.5", "7.5"};
+
+std::string ExactId(const std::string& id) {
+    std::string escaped = id;
+    escaped.insert(escaped.find('.'), "\\");
+    return "^" + escaped + " ";
+}
+
+/// Short limits where the wrong module hangs on purpose.
+std::vector<std::string> Arguments(const std::string& module, const std::string& check) {
+    const bool slow = check == "8.3" || check == "10.1" || check == "10.2" || check == "7.1";
+    return {"validate",     TestModule(module),      "--strictness",   "10", "--include", ExactId(check),
+            "--timeout-ms", slow ? "20000" : "6000", "--soak-seconds", "2"};
+}
+
+class Mutants : public ::testing::TestWithParam<Row> {};
+
+TEST_P(Mutants, FailTheirCheck) {
+    const Folder folder;
+    const Outcome run = RunUmbrant(folder, Arguments(std::string("Judged") + GetParam().mutant, GetParam().check));
+    EXPECT_EQ(run.code, 1) << run.out << run.err;
+    EXPECT_THAT(run.out, HasSubstr(GetParam().finding));
+    EXPECT_THAT(run.out, HasSubstr("again with: umbrant validate"));
+    EXPECT_THAT(run.out, HasSubstr("0 passed, 1 failed, 0 skipped, 0 waived"));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Mutants, ::testing::ValuesIn(kRows),
+                         [](const auto& info) { return std::string(info.param.mutant); });
+
+TEST(Judge, HasAMutantForEveryCheck) {
+    const Folder folder;
+    std::set<std::string> covered(std::begin(kDriverChecks), std::end(kDriverChecks));
+    for (const Row& row : kRows) covered.insert(row.check);
+    std::istringstream lines(RunUmbrant(folder, {"validate", "--list"}).out);
+    int checks = 0;
+    for (std::string id, rest; lines >> id && std::getline(lines, rest); ++checks) {
+        EXPECT_TRUE(covered.contains(id)) << "no wrong module shows that check " << id << " finds anything";
+    }
+    EXPECT_GT(checks, 50);
+}
+
+TEST(Judge, PassesTheRightModuleOnEveryLevel) {
+    const Folder folder;
+    const Outcome run =
+        RunUmbrant(folder, {"validate", TestModule("JudgedNone"), "--strictness", "10", "--soak-seconds", "2"});
+    EXPECT_EQ(run.code, 0) << run.out << run.err;
+    EXPECT_THAT(run.out, HasSubstr(" 0 failed, "));
+    EXPECT_THAT(run.out, ::testing::Not(HasSubstr("warn:")));
+}
+
+}  // namespace
