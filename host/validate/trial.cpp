@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
+#include <utility>
 
 #include "host/suites/event_log.h"
 #include "host/validate/trace.h"
@@ -131,10 +133,14 @@ const std::vector<Check>& AllChecks() {
     static const std::vector<Check> checks = [] {
         std::vector<Check> all;
         for (const auto level :
-             {LoadChecks, DeclarationChecks, OrderChecks, MemoryChecks, FrameChecks, PanelChecks, ParameterChecks,
-              FaultChecks, DriverChecks, ThreadChecks, ResultChecks, EnduranceChecks}) {
+             {LoadChecks, DeclarationChecks, OrderChecks, MemoryChecks, FrameChecks, RectangleChecks, PanelChecks,
+              ParameterChecks, PixelChecks, FaultChecks, DriverChecks, ThreadChecks, ResultChecks, EnduranceChecks}) {
             for (const Check& check : level()) all.push_back(check);
         }
+        const auto number = [](const Check& check) {
+            return std::pair(check.Level(), std::atoi(std::strchr(check.id, '.') + 1));
+        };
+        std::sort(all.begin(), all.end(), [&](const Check& a, const Check& b) { return number(a) < number(b); });
         return all;
     }();
     return checks;

@@ -119,7 +119,7 @@ struct Check {
     int Level() const;
 };
 
-/// Every check, in order of level and number.
+/// Every check, in the order of their numbers.
 const std::vector<Check>& AllChecks();
 
 // The levels, one file each or two.
@@ -128,8 +128,10 @@ std::vector<Check> DeclarationChecks();
 std::vector<Check> OrderChecks();
 std::vector<Check> MemoryChecks();
 std::vector<Check> FrameChecks();
+std::vector<Check> RectangleChecks();
 std::vector<Check> PanelChecks();
 std::vector<Check> ParameterChecks();
+std::vector<Check> PixelChecks();
 std::vector<Check> FaultChecks();
 std::vector<Check> DriverChecks();
 std::vector<Check> ThreadChecks();
