@@ -117,7 +117,12 @@ void FailAllocationsOf(Trial& part, std::size_t style) {
     if (usual && (!after || !SamePixels(after->output, usual->output))) {
         part.Fail(fmt::format("{}: after failed allocations the frame is no longer what it was", variant.name));
     }
-    stage.EndEven("after failed allocations");
+    const auto ended = stage.Session().End();
+    if (!ended) part.Fail(ended.Error().sentence);
+    if (!stage.Session().Open().Even()) {
+        part.Fail(
+            fmt::format("{}: failed allocations left something open: {}", variant.name, stage.Session().Open().Text()));
+    }
 }
 
 void StandsWantOfItsOwnMemory(Trial& trial) {

@@ -7,7 +7,9 @@
 #include <dlfcn.h>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <iterator>
 
 #include "host/session/error_names.h"
 #include "host/validate/fault_lab.h"
@@ -21,8 +23,21 @@ std::string Where(const FaultOutcome& outcome) {
     return fmt::format("{}: with {} refused, ", outcome.scenario, outcome.plan.Text());
 }
 
+/// Whether a thing can only be given back through the suite that was refused.
+bool NeedsRefusedSuite(const FaultOutcome& outcome, Resource resource) {
+    const std::pair<const char*, Resource> kWays[] = {
+        {"PF Handle Suite", Resource::kHandle},   {"PF Handle Suite", Resource::kLock},
+        {"PF World Suite", Resource::kWorld},     {"AEGP Effect Suite", Resource::kEffectRef},
+        {"AEGP Stream Suite", Resource::kStream}, {"DRAWBOT Supplier Suite", Resource::kDrawObject}};
+    return std::any_of(std::begin(kWays), std::end(kWays), [&](const auto& way) {
+        return resource == way.second && outcome.plan.callee == std::string("AcquireSuite:") + way.first;
+    });
+}
+
 void JudgeBalance(Trial& trial, const FaultOutcome& outcome) {
-    for (const std::string& row : outcome.uneven) trial.Fail(Where(outcome) + row);
+    for (const LedgerRow& row : outcome.uneven) {
+        if (!NeedsRefusedSuite(outcome, row.resource)) trial.Fail(Where(outcome) + row.sentence);
+    }
     for (const std::string& sentence : outcome.misbehaviour) {
         // The host itself says so when a global set-down was cut short by the refusal.
         if (sentence.starts_with("after global set-down") || sentence.starts_with("drawing a frame left")) continue;

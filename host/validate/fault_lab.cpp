@@ -180,7 +180,7 @@ FaultOutcome RunScenario(Lab& lab, const Scenario& scenario, const FaultPlan& pl
     }
     // A world or a suite that stays open after a refusal stays open for good; global data of a session that is up is
     // not among these events.
-    for (const LedgerRow& row : UnevenRows(events)) outcome.uneven.push_back(row.sentence);
+    outcome.uneven = UnevenRows(events);
     const std::vector<std::string> misbehaviour = session.Misbehaviour();
     outcome.misbehaviour.assign(misbehaviour.begin() + static_cast<std::ptrdiff_t>(seen), misbehaviour.end());
     if (scenario.fromDown) static_cast<void>(bool(session.SetUp()));

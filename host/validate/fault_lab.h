@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "host/suites/ledger.h"
 #include "host/validate/processes.h"
 #include "host/validate/stage.h"
 

@@ -153,7 +153,9 @@ void Spoil(const PF_EffectWorld& output, const Look& look, PF_InData* in) {
             for (A_long x = 0; x < output.width; x += 7) RowOf<Pixel>(output, y)[x] = {};
         }
     }
-    if (Is(Mutant::kSharesEnvironment) && std::getenv("JUDGED_TWICE")) *first = {};
+    if (Is(Mutant::kSharesEnvironment) && std::getenv("JUDGED_TWICE")) {
+        RowOf<Pixel>(output, output.height / 2)[output.width / 2] = {};
+    }
     if (Is(Mutant::kSharesScratch)) {
         sharedScratch = static_cast<int>(look.amount * 100);
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
