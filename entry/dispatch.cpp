@@ -14,9 +14,29 @@
 #include "render/pre_render.h"
 #include "render/smart_render.h"
 
+namespace {
+
+/// Whether what the command is about was left out, as hosts with faults of their own have done.
+bool LacksItsArgument(PF_Cmd cmd, PF_ParamDef** params, const void* extra) {
+    switch (cmd) {
+        case PF_Cmd_UPDATE_PARAMS_UI:
+            return params == nullptr;
+        case PF_Cmd_USER_CHANGED_PARAM:
+        case PF_Cmd_EVENT:
+        case PF_Cmd_SMART_PRE_RENDER:
+        case PF_Cmd_SMART_RENDER:
+            return extra == nullptr;
+        default:
+            return false;
+    }
+}
+
+}  // namespace
+
 PF_Err EffectMain(PF_Cmd cmd, PF_InData* in_data, PF_OutData* out_data, PF_ParamDef* params[], PF_LayerDef*,
                   void* extra) {
     try {
+        if (LacksItsArgument(cmd, params, extra)) return PF_Err_BAD_CALLBACK_PARAM;
         switch (cmd) {
             case PF_Cmd_ABOUT:
                 return About(in_data, out_data);

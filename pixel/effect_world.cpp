@@ -30,8 +30,7 @@ HV_EffectWorld::HV_EffectWorld(PF_InData* inData, PF_LayerDef like)
       width(0),
       height(0) {
     const WorldSuite suite = HoldWorldSuite(in_data);
-    // A host that cannot tell leaves the format 0, which it will then refuse to make a world of.
-    suite->PF_GetPixelFormat(&like, &format);
+    if (const PF_Err err = suite->PF_GetPixelFormat(&like, &format)) throw err;
 }
 
 HV_EffectWorld::~HV_EffectWorld() {

@@ -12,6 +12,8 @@
 #include <system_error>
 
 #include "host/cli/command.h"
+#include "host/cli/opened_module.h"
+#include "host/cli/renderer.h"
 #include "host/cli/results.h"
 #include "host/module/module.h"
 #include "host/validate/runner.h"
@@ -74,6 +76,9 @@ Result<ExitCode> Validate(ValidateOptions options) {
     trial.module = *file;
     trial.trace = options.trace;
     trial.shim = FindShim(search);
+    trial.isProcessorBetter = [](const ParamSet& params) {
+        return DecideRenderer(RendererWish::kAuto, ReadGpuStrings(params)).processor;
+    };
     if (!options.fault.empty()) {
         trial.fault = FaultPlan::FromText(options.fault);
         if (!trial.fault) {

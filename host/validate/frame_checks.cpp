@@ -70,6 +70,7 @@ std::vector<std::uint64_t> DrawStyles(Stage& stage, int width, int height, const
     std::vector<std::uint64_t> digests;
     stage.Cheapen();
     for (const Depth depth : depths) {
+        if (depth == Depth::k16 && !(stage.Session().OutFlags() & PF_OutFlag_DEEP_COLOR_AWARE)) continue;
         const World layer = TestPicture(width, height, depth);
         for (const Variant& variant : StyleVariants(stage.Session().Params(), 4)) {
             ParamSet params = stage.Session().Params();

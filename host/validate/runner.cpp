@@ -20,25 +20,12 @@ namespace {
 
 constexpr char kProbe[] = "probe";
 
-/// Whether the renderer that the module declares in a row named so draws on the processor.
-bool DrawsInSoftware(const ParamSet& params) {
-    for (const ParamRow& row : params.Rows()) {
-        if (row.name != "Renderer") continue;
-        for (const std::string& item : row.items) {
-            for (const char* word : {"llvmpipe", "softpipe", "swrast", "Software Rasterizer", "SwiftShader"}) {
-                if (item.find(word) != std::string::npos) return true;
-            }
-        }
-    }
-    return false;
-}
-
 /// Looks once, before the checks, which renderer the module has. What goes wrong here the checks will tell.
 void Probe(Trial& trial) {
     auto module = Module::Load(trial.Options().module);
     if (!module) return;
     auto session = EffectSession::Start(*module);
-    if (session && DrawsInSoftware(session->Params())) trial.Count("software");
+    if (session && trial.Options().isProcessorBetter(session->Params())) trial.Count("software");
 }
 
 std::vector<std::string> ChildArguments(const std::string& id, const TrialOptions& options) {
@@ -58,7 +45,8 @@ std::vector<std::string> ChildArguments(const std::string& id, const TrialOption
 std::vector<std::string> ChildEnvironment(const Check& check, const TrialOptions& options) {
     std::vector<std::string> environment;
     const bool aboutGl = check.needs == Needs::kOpenGl || check.needs == Needs::kShim;
-    if (options.softwareGl && !aboutGl && !std::getenv("UMBRANT_RENDERER")) {
+    const char* asked = std::getenv("UMBRANT_RENDERER");
+    if (options.softwareGl && !aboutGl && (!asked || !*asked)) {
         environment.push_back("UMBRANT_RENDERER=cpu");
     }
     if (check.needs == Needs::kStrictHeap) {
@@ -267,7 +255,8 @@ Result<std::vector<CheckOutcome>> RunChecks(const RunOptions& asked, void (*prin
         if (options.report == "text") print(TextOf(options, outcome));
     });
     std::vector<Job> jobs;
-    if (!options.trial.inProcess) options.trial.softwareGl = ProbeSoftware(options.trial);
+    const bool canProbe = !options.trial.inProcess && options.trial.isProcessorBetter;
+    if (canProbe) options.trial.softwareGl = ProbeSoftware(options.trial);
     for (std::size_t place = 0; place < outcomes.size(); ++place) {
         for (int i = 0; i < options.repeat; ++i) {
             Job job{place, options.trial};

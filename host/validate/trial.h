@@ -15,6 +15,7 @@
 #include <vector>
 
 class EventLog;
+class ParamSet;
 
 /// How a check ended.
 enum class Verdict { kPass, kWarn, kFail, kCrash, kTimeout, kSkip, kWaived };
@@ -59,7 +60,9 @@ struct TrialOptions {
     std::optional<FaultPlan> fault;  ///< the fault checks do this one alone
     std::filesystem::path trace;     ///< where the check's events are added; empty for nowhere
     std::filesystem::path shim;      ///< the interposed library; empty when there is none
-    bool softwareGl = false;         ///< the module's OpenGL is drawn by the processor
+    /// Whether a module with these declared rows draws faster by the processor path that it may have.
+    std::function<bool(const ParamSet&)> isProcessorBetter;
+    bool softwareGl = false;  ///< what that said
 };
 
 /// Thrown to end a check early, after what it found was noted.

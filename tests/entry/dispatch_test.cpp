@@ -109,6 +109,15 @@ TEST_F(DispatchTest, EveryCommandWithoutABasicSuite) {
     }
 }
 
+TEST_F(DispatchTest, CommandsWithoutWhatTheyAreAboutAreRefused) {
+    for (const PF_Cmd cmd : {PF_Cmd_UPDATE_PARAMS_UI, PF_Cmd_USER_CHANGED_PARAM, PF_Cmd_EVENT, PF_Cmd_SMART_PRE_RENDER,
+                             PF_Cmd_SMART_RENDER}) {
+        EXPECT_EQ(Call(cmd), PF_Err_BAD_CALLBACK_PARAM) << cmd;
+    }
+    EXPECT_TRUE(host.calls.empty());
+    EXPECT_TRUE(fake::Calls().empty());
+}
+
 TEST_F(DispatchTest, OtherEventsLeaveTheOutFlags) {
     for (PF_EventType type : {-1, 0, 1, 2, 3, 5, 6, 7, 8, 9, 10, 11, 12}) {
         PF_EventExtra event{};

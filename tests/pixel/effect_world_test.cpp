@@ -161,10 +161,17 @@ TEST_F(EffectWorldTest, MissingSuiteThrows13) {
     EXPECT_EQ(host.outData.out_flags, 0) << "no message: there is no out data";
 }
 
-TEST_F(EffectWorldTest, FormatErrorLeavesTheFormatUnset) {
+TEST_F(EffectWorldTest, TheFormatsErrorIsThrown) {
     host.pixelFormatError = 512;
-    HV_EffectWorld world(&host.inData, like);
-    EXPECT_EQ(world.format, 0);
+    int thrown = 0;
+    try {
+        HV_EffectWorld world(&host.inData, like);
+    } catch (PF_Err err) {
+        thrown = err;
+    }
+    EXPECT_EQ(thrown, 512);
+    EXPECT_EQ(host.calls, (std::vector<std::string>{"AcquireSuite PF World Suite 2", "PF_GetPixelFormat",
+                                                    "ReleaseSuite PF World Suite 2"}));
 }
 
 TEST(EffectWorldDeathTest, MissingSuiteInTheDestructorEndsTheProgram) {
