@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -62,6 +63,14 @@ std::filesystem::path FindShim(const ModuleSearch& search) {
     return {};
 }
 
+/// The waivers that a module's makers keep beside it: "effect.waivers.json" for "effect.so". Empty without.
+std::string WaiversBeside(const std::filesystem::path& module) {
+    std::filesystem::path file = module;
+    file.replace_extension(".waivers.json");
+    std::error_code error;
+    return std::filesystem::is_regular_file(file, error) ? file.string() : std::string();
+}
+
 Result<ExitCode> Validate(ValidateOptions options) {
     if (options.list) {
         ListChecks();
@@ -97,6 +106,12 @@ Result<ExitCode> Validate(ValidateOptions options) {
                                                       "module's file",
                                                       trial.module.string())};
     }
+    if (options.run.waivers.empty()) {
+        options.run.waivers = WaiversBeside(trial.module);
+        if (!options.run.waivers.empty()) {
+            std::fputs(fmt::format("findings in '{}' are accepted\n", options.run.waivers).c_str(), stderr);
+        }
+    }
     const auto outcomes = RunChecks(options.run, Print);
     if (!outcomes) return outcomes.Error();
     return TotalsOf(*outcomes).failed > 0 ? ExitCode::kEffectFailed : ExitCode::kDone;
@@ -124,7 +139,8 @@ Command ValidateCommand() {
         app.add_option("--include", run.include, "Only checks whose \"ID title\" fits the regular expression")
             ->type_name("RE");
         app.add_option("--exclude", run.exclude, "Not those that fit this one")->type_name("RE");
-        app.add_option("--waive", run.waivers, "A file of accepted findings, each with its reason (docs/validate.md)")
+        app.add_option("--waive", run.waivers, "A file of accepted findings, each with its reason; without it, MODULE's own .waivers.json beside it, if "
+                       "there is one")
             ->type_name("FILE");
         app.add_option("--timeout-ms", run.trial.timeoutMilliseconds,
                        "How long a check, or a part of a long one, may take (default 30000)")

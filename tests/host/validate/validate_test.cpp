@@ -161,6 +161,17 @@ TEST(Validate, OtherFindingsOfAWaivedCheckStillFail) {
     EXPECT_EQ(run.code, 1);
 }
 
+TEST(Validate, FindsTheWaiversBesideTheModule) {
+    const Folder folder;
+    std::filesystem::copy_file(TestModule("JudgedSameDiskId"), folder.Path() / "effect.so");
+    Write(folder, "effect.waivers.json", R"({"waivers": [
+        {"check": "2.2", "finding": "stored under one id", "reason": "they always were"}]})");
+    const Outcome run = RunUmbrant(folder, {"validate", "effect.so", "--include", "^2\\.2 "});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_THAT(run.out, EndsWith("0 passed, 0 failed, 0 skipped, 1 waived\n"));
+    EXPECT_THAT(run.err, HasSubstr("effect.waivers.json' are accepted"));
+}
+
 TEST(Validate, ReportsJson) {
     const Folder folder;
     const Outcome run = RunUmbrant(folder, {"validate", TestModule("JudgedNoVersion"), "--strictness", "2", "--include",
@@ -227,7 +238,7 @@ TEST(Validate, RepeatsWithOtherSeeds) {
 /// The module of this project on the levels that every build runs.
 TEST(Validate, PassesThisProjectsModule) {
     const Folder folder;
-    const Outcome run = RunUmbrant(folder, {"validate", UMBRANT_MODULE_FILE, "--waive", UMBRANT_WAIVERS});
+    const Outcome run = RunUmbrant(folder, {"validate", UMBRANT_MODULE_FILE});
     EXPECT_EQ(run.code, 0) << run.out << run.err;
     EXPECT_THAT(run.out, Not(HasSubstr("crash:")));
 }
