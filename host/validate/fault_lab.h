@@ -24,7 +24,7 @@ struct FaultOutcome {
     bool messageEnded = true;         ///< the message field holds a NUL
     bool samePixels = false;          ///< the frame came out as without the fault
     std::string laterCall;            ///< the first host call after it, in the same command, that gives nothing back
-    std::vector<std::string> uneven;  ///< what was left open
+    std::vector<LedgerRow> uneven;  ///< what was left open
     std::vector<std::string> misbehaviour;
 };
 
