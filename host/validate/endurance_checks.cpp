@@ -55,7 +55,7 @@ void KeepsItsSize(Trial& trial) {
     stage.NoteMisbehaviour("");
 }
 
-/// The usual time of one frame, in milliseconds; the slowest is compared with it.
+/// The time that one frame takes at best, in milliseconds; the slowest is compared with the usual one.
 double FrameTime(Trial& trial, Stage& stage, const World& layer, const ParamSet& params, const std::string& what) {
     constexpr int kTimes = 9;
     FrameRequest request = RequestOf(layer);
@@ -73,7 +73,8 @@ double FrameTime(Trial& trial, Stage& stage, const World& layer, const ParamSet&
         trial.Warn(
             fmt::format("{}: one frame took {:.1f} ms, the usual {:.1f} ms", what, times.back(), times[kTimes / 2]));
     }
-    return times[kTimes / 2];
+    // The quickest: whatever else the machine does only ever adds.
+    return times.front();
 }
 
 /// Fails when time grows faster than the amount of work; short times say nothing.
