@@ -139,7 +139,9 @@ Command ValidateCommand() {
         app.add_option("--include", run.include, "Only checks whose \"ID title\" fits the regular expression")
             ->type_name("RE");
         app.add_option("--exclude", run.exclude, "Not those that fit this one")->type_name("RE");
-        app.add_option("--waive", run.waivers, "A file of accepted findings, each with its reason; without it, MODULE's own .waivers.json beside it, if "
+        app.add_option("--waive", run.waivers,
+                       "A file of accepted findings, each with its reason; without it, MODULE's own .waivers.json "
+                       "beside it, if "
                        "there is one")
             ->type_name("FILE");
         app.add_option("--timeout-ms", run.trial.timeoutMilliseconds,
