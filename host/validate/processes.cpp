@@ -252,7 +252,12 @@ Child StartProgram(std::vector<std::string> arguments, const std::vector<std::st
     posix_spawnattr_init(&attributes);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
     posix_spawnattr_setpgroup(&attributes, 0);
-    const int error = posix_spawn(&child.process, "/proc/self/exe", &actions, &attributes, pointers(arguments).data(),
+    // By its own name, as a tool that the program runs in, valgrind for one, has that link for itself.
+    std::error_code unknown;
+    const std::filesystem::path link = "/proc/self/exe";
+    std::filesystem::path program = std::filesystem::read_symlink(link, unknown);
+    if (unknown) program = link;
+    const int error = posix_spawn(&child.process, program.c_str(), &actions, &attributes, pointers(arguments).data(),
                                   pointers(variables).data());
     posix_spawn_file_actions_destroy(&actions);
     posix_spawnattr_destroy(&attributes);
