@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -28,6 +29,18 @@ std::size_t RoundedUp(std::size_t size, std::size_t unit) {
     return (size + unit - 1) / unit * unit;
 }
 
+// A frame's worlds are new memory in every frame, and taking it page by page costs more than a pass over the pixels.
+void AskForLargePages([[maybe_unused]] std::byte* data, [[maybe_unused]] std::size_t size) {
+#ifdef MADV_HUGEPAGE
+    constexpr std::size_t kWorthwhile = std::size_t{4} << 20;
+    if (!data || size < kWorthwhile) return;
+    const auto address = reinterpret_cast<std::uintptr_t>(data);
+    const std::size_t before = RoundedUp(address, PageSize()) - address;
+    // Only advice: where it is not taken everything works as before.
+    madvise(data + before, (size - before) / PageSize() * PageSize(), MADV_HUGEPAGE);
+#endif
+}
+
 }  // namespace
 
 void SetLendingRules(const LendingRules& wanted) {
@@ -45,6 +58,7 @@ LentBytes LentBytes::Create(std::size_t size, bool clear) {
     if (rules.placement == MemoryPlacement::kPlain) {
         const std::size_t asked = std::max<std::size_t>(size, 1);
         bytes.data_ = static_cast<std::byte*>(clear ? std::calloc(asked, 1) : std::malloc(asked));
+        AskForLargePages(bytes.data_, asked);
         return bytes;
     }
     const std::size_t page = PageSize();
