@@ -227,9 +227,9 @@ INSTANTIATE_TEST_SUITE_P(Pixels, NoNumber,
                          ::testing::Values(std::numeric_limits<float>::quiet_NaN(),
                                            std::numeric_limits<float>::infinity(),
                                            -std::numeric_limits<float>::infinity()),
-                         [](const auto& info) {
-                             if (std::isnan(info.param)) return "NotANumber";
-                             return info.param > 0 ? "Infinity" : "MinusInfinity";
+                         [](const auto& row) {
+                             if (std::isnan(row.param)) return "NotANumber";
+                             return row.param > 0 ? "Infinity" : "MinusInfinity";
                          });
 
 TEST_F(Extremes, FourRenderThreadsAndThePanelBeside) {

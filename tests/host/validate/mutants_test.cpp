@@ -154,7 +154,7 @@ TEST_P(Mutants, FailTheirCheck) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Mutants, ::testing::ValuesIn(kRows),
-                         [](const auto& info) { return std::string(info.param.mutant); });
+                         [](const auto& row) { return std::string(row.param.mutant); });
 
 TEST(Judge, HasAMutantForEveryCheck) {
     const Folder folder;

@@ -5,6 +5,7 @@
 // of nothing around it.
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
@@ -289,7 +290,7 @@ void Misbehave(PF_InData* in, PF_SmartRenderExtra* extra, PF_EffectWorld* input)
     }
     if (Is(Mutant::kOutlivesUnload)) {
         std::thread([] {
-            for (volatile int i = 0;; i = i + 1) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            for (std::atomic<int> turns{0};; ++turns) std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }).detach();
     }
 }
