@@ -30,6 +30,7 @@ Command InfoCommand();
 Command CompareCommand();
 Command PanelCommand();
 Command ValidateCommand();
+Command CurvesCommand();
 
 /// All of them, in the order of the help text.
 std::vector<Command> AllCommands();

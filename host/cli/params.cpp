@@ -15,7 +15,6 @@
 
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
-#include "host/cli/preset.h"
 #include "host/cli/results.h"
 #include "host/cli/settings.h"
 
@@ -212,11 +211,12 @@ std::string Text(const ParamSet& params) {
 Result<ExitCode> Params(const ParamsOptions& options) {
     auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module));
     if (!opened) return opened.Error();
-    ParamSet& params = opened->Session().Params();
-    if (auto set = ApplyValues(options.preset, options.settings, params); !set) return set.Error();
+    AnimatedParams animated{opened->Session().Params(), {}};
+    if (auto set = ApplyValues(options.preset, options.settings, animated); !set) return set.Error();
+    const ParamSet& params = animated.values;
     std::string text;
     if (options.values) {
-        text = PresetText(params);
+        text = PresetText(animated);
     } else if (options.json) {
         Json rows = Json::array();
         for (const ParamRow& row : params.Rows()) rows.push_back(Describe(params, row));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// `umbrant render`: one picture in, one picture out.
+// `umbrant render`: one picture in, one picture out; sequences are in render_sequence.cpp.
 
 #include <fmt/format.h>
 
@@ -16,12 +16,13 @@
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
 #include "host/cli/progress.h"
+#include "host/cli/render_options.h"
 #include "host/cli/render_report.h"
 #include "host/cli/renderer.h"
 #include "host/cli/results.h"
-#include "host/cli/settings.h"
 #include "host/image/picture.h"
-#include "host/image/resample.h"
+#include "host/sequence/frame_pixels.h"
+#include "host/sequence/frame_plan.h"
 
 namespace {
 
@@ -29,8 +30,6 @@ namespace {
 constexpr A_u_long kTimeScale = 24000;
 constexpr A_long kTimeStep = 1000;
 constexpr double kLongestTime = 24.0 * 60 * 60;
-/// Beyond it no texture could meet a layer.
-constexpr double kFarthestTexture = 100000;
 
 constexpr char kExamples[] =
     "  umbrant render title.png -o shadow.png\n"
@@ -45,84 +44,15 @@ constexpr char kExamples[] =
     "      the values that `umbrant params --json --values` wrote, one of them changed\n"
     "  umbrant render title.png -o shadow.png --json | jq .milliseconds\n"
     "      where the time went\n"
+    "  umbrant render shot.####.exr -o out/shot.####.exr --frames 1-240x2 --missing hold\n"
+    "      every second frame of a sequence; where a file is missing, the one before it\n"
+    "  umbrant render title.png -o out/title.%04d.png --preset moving.json --frames 1-48 --threads 2\n"
+    "      48 frames of one picture with a preset that has keyframes\n"
     "  umbrant render title.png -o draft.png --downsample 4\n"
     "      a quarter of the resolution; points are still given in pixels of the whole picture";
 
-struct RenderOptions {
-    std::string input;
-    std::string output;
-    std::string preset;
-    std::vector<std::string> settings;
-    std::string texture;
-    std::string textureAt = "0,0";
-    int depth = 0;
-    int downsample = 1;
-    std::string canvas = "grow";
-    bool collapsed = false;
-    double seconds = 0;
-    std::string compression;
-    std::string renderer;
-    std::string module;
-    bool json = false;
-    bool verbose = false;
-    double progress = -1;
-};
-
 void Note(const std::string& text) {
     std::fputs(text.c_str(), stderr);
-}
-
-/// "X,Y": a place in pixels of the full-size layer, or nothing.
-std::optional<std::pair<double, double>> PlaceOf(const std::string& text) {
-    const std::size_t comma = text.find(',');
-    if (comma == std::string::npos) return std::nullopt;
-    const std::string numbers[] = {text.substr(0, comma), text.substr(comma + 1)};
-    for (const std::string& number : numbers) {
-        if (!OutOfRange(number, -kFarthestTexture, kFarthestTexture).empty()) return std::nullopt;
-    }
-    return std::pair(std::stod(numbers[0]), std::stod(numbers[1]));
-}
-
-std::string WhyNoPlace(const std::string& text) {
-    if (PlaceOf(text)) return "";
-    return fmt::format("'{}' is not a place X,Y with numbers from -{} to {}", text, kFarthestTexture, kFarthestTexture);
-}
-
-/// A picture as the effect is to see it: cut to its frame, in the depth of the render, at its resolution.
-Result<World> LayerOf(const Picture& picture, Depth depth, int downsample) {
-    const Failure noMemory{ExitCode::kInternal, "there is not enough memory for the layer"};
-    World layer =
-        CutToFrame(picture.pixels, picture.window.left, picture.window.top, picture.frameWidth, picture.frameHeight);
-    if (layer.IsNull()) return noMemory;
-    if (layer.PixelDepth() != depth) layer = ConvertDepth(layer, depth);
-    if (!layer.IsNull() && downsample > 1) layer = Downsample(layer, downsample);
-    if (layer.IsNull()) return noMemory;
-    return layer;
-}
-
-/// The effect's failure, said as what it is when there is no OpenGL to draw with.
-Failure Explain(const Failure& failure, const EffectSession& session) {
-    if (failure.code != ExitCode::kEffectFailed || ReadGpuStrings(session.Params()).HasContext()) return failure;
-    return {failure.code,
-            fmt::format("no OpenGL context could be made, so the effect cannot draw: {}", failure.sentence)};
-}
-
-/// Pixels as they are written, and what they cover.
-struct Drawn {
-    World pixels;
-    PF_LRect rect{};
-};
-
-/// The frame's pixels as they are written: where nothing was drawn, the layer's frame, transparent.
-Result<Drawn> PictureOf(Frame& frame, Canvas canvas, const World& layer) {
-    const bool empty = frame.output.Width() == 0 || frame.output.Height() == 0;
-    const bool isFrame = frame.rect.left == 0 && frame.rect.top == 0 && frame.rect.right == layer.Width() &&
-                         frame.rect.bottom == layer.Height();
-    if (!empty && (canvas == Canvas::kGrow || isFrame)) return Drawn{std::move(frame.output), frame.rect};
-    World cut = empty ? World::Create(layer.Width(), layer.Height(), layer.PixelDepth())
-                      : CutToFrame(frame.output, frame.rect.left, frame.rect.top, layer.Width(), layer.Height());
-    if (cut.IsNull()) return Failure{ExitCode::kInternal, "there is not enough memory for the picture"};
-    return Drawn{std::move(cut), {0, 0, layer.Width(), layer.Height()}};
 }
 
 struct Layers {
@@ -175,20 +105,6 @@ FrameRequest RequestOf(const RenderOptions& options, const Layers& layers) {
     return request;
 }
 
-/// The session that draws, with the values that were asked for.
-Result<OpenedModule> OpenWithValues(const RenderOptions& options, const Layers& layers) {
-    SessionOptions about;
-    about.layerWidth = layers.width;
-    about.layerHeight = layers.height;
-    if (options.collapsed) about.layerFlags |= AEGP_LayerFlag_COLLAPSE;
-    auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module), about);
-    if (!opened) return opened.Error();
-    EffectSession& session = opened->Session();
-    if (auto set = ApplyValues(options.preset, options.settings, session.Params()); !set) return set.Error();
-    if (auto updated = session.UpdateParamsUI(); !updated) return Explain(updated.Error(), session);
-    return opened;
-}
-
 /// Draws, and lets the progress say how far the effect is.
 Result<Frame> Draw(EffectSession& session, const FrameRequest& request, Progress& progress) {
     progress.Follow([&session] { return ActivityText(session); });
@@ -210,7 +126,13 @@ RenderFacts FactsOf(const RenderOptions& options, const World& layer) {
 }
 
 Result<ExitCode> Render(const RenderOptions& options) {
+    const auto many = MeansSequence(options);
+    if (!many) return many.Error();
+    if (*many) return RenderSequence(options);
     Stopwatch whole, stage;
+    for (const std::string& read : {options.input, options.texture}) {
+        if (auto apart = CheckApart(read, options.output); !read.empty() && !apart) return apart.Error();
+    }
     if (auto writable = CheckWritable(options.output); !writable) return writable.Error();
     if (!options.compression.empty()) {
         if (auto known = CheckCompression(options.output, options.compression); !known) return known.Error();
@@ -225,7 +147,7 @@ Result<ExitCode> Render(const RenderOptions& options) {
     facts.load = stage.Lap();
 
     progress.Say("the module is loaded and set up");
-    auto opened = OpenWithValues(options, *layers);
+    auto opened = OpenWithValues(options, layers->width, layers->height, options.seconds);
     if (!opened) return opened.Error();
     EffectSession& session = opened->Session();
     const RendererDecision renderer = DecideRenderer(*wish, ReadGpuStrings(session.Params()));
@@ -239,7 +161,8 @@ Result<ExitCode> Render(const RenderOptions& options) {
     if (!frame->message.empty()) Note("the effect says: " + frame->message + "\n");
 
     stage.Lap();
-    const auto drawn = PictureOf(*frame, request.canvas, layers->layer);
+    const auto drawn = PictureOf(*frame, request.canvas, layers->layer.Width(), layers->layer.Height(),
+                                 layers->layer.PixelDepth());
     if (!drawn) return drawn.Error();
     facts.picture = drawn->rect;
     const Placement place{drawn->rect, layers->layer.Width(), layers->layer.Height(), layers->frameOrigin};
@@ -268,7 +191,8 @@ Command RenderCommand() {
     command.summary = "Draw a picture with the effect; prints the path of the picture that was written";
     command.examples = kExamples;
     command.options = [options](CLI::App& app) {
-        app.add_option("INPUT", options->input, "The layer: PNG, TIFF, JPEG, EXR, ...")->required();
+        app.add_option("INPUT", options->input, "The layer: PNG, TIFF, JPEG, EXR, ...; a sequence as shot.####.exr, shot.%04d.exr, shot.@@.exr, shot.$F4.exr, ...")
+            ->required();
         app.add_option("-o,--output", options->output,
                        "The picture to write: " + WritableFormats() +
                            ". PNG and TIFF are straight, EXR is premultiplied, JPEG lies on white")
@@ -316,6 +240,7 @@ Command RenderCommand() {
         app.add_option("--module", options->module,
                        "The effect's module; without it UMBRANT_MODULE or the one beside the program")
             ->type_name("FILE");
+        AddSequenceOptions(app, options->sequence);
         app.add_flag("--json", options->json,
                      "Print a report instead of the path: rectangles, milliseconds by stage, driver, suites");
         app.add_option("--progress", options->progress,

@@ -116,6 +116,8 @@ void PrepareProcess() {
     KeepStandardOutputForResults();
     std::signal(SIGINT, OnInterrupt);
     std::signal(SIGTERM, OnInterrupt);
+    // A limit on the size of files is a write that fails, like a full disk.
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 std::string ProgramVersion() {
@@ -131,7 +133,8 @@ std::string OutOfRange(const std::string& text, double low, double high) {
 }
 
 std::vector<Command> AllCommands() {
-    return {RenderCommand(), ParamsCommand(), InfoCommand(), CompareCommand(), PanelCommand(), ValidateCommand()};
+    return {RenderCommand(), ParamsCommand(),   InfoCommand(),  CompareCommand(),
+            PanelCommand(),  ValidateCommand(), CurvesCommand()};
 }
 
 int RunProgram(int argc, const char* const* argv, const std::function<int(const Command&)>& instead) {

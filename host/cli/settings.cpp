@@ -5,8 +5,6 @@
 
 #include <fmt/format.h>
 
-#include "host/cli/preset.h"
-
 Result<Done> ApplySettings(const std::vector<std::string>& settings, ParamSet& params) {
     for (const std::string& setting : settings) {
         const std::size_t equals = setting.find('=');
@@ -18,9 +16,13 @@ Result<Done> ApplySettings(const std::vector<std::string>& settings, ParamSet& p
     return Done{};
 }
 
-Result<Done> ApplyValues(const std::string& preset, const std::vector<std::string>& settings, ParamSet& params) {
+Result<Done> ApplyValues(const std::string& preset, const std::vector<std::string>& settings, AnimatedParams& params) {
     if (!preset.empty()) {
         if (auto applied = ApplyPreset(preset, params); !applied) return applied;
     }
-    return ApplySettings(settings, params);
+    if (auto applied = ApplySettings(settings, params.values); !applied) return applied;
+    for (const std::string& setting : settings) {
+        if (const auto row = params.values.Find(setting.substr(0, setting.find('=')))) params.animation.Remove(*row);
+    }
+    return Done{};
 }

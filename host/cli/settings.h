@@ -7,12 +7,13 @@
 #include <string>
 #include <vector>
 
+#include "host/animation/preset.h"
 #include "host/result.h"
 #include "host/session/param_set.h"
 
 /// Sets the values in their order. Fails with `ExitCode::kUsage` at the first that has no '=' or cannot be set.
 Result<Done> ApplySettings(const std::vector<std::string>& settings, ParamSet& params);
 
-/// A preset's values, unless its name is empty, and then the settings, which win. Fails as ApplyPreset and
-/// ApplySettings do.
-Result<Done> ApplyValues(const std::string& preset, const std::vector<std::string>& settings, ParamSet& params);
+/// A preset's values and keyframes, unless its name is empty, and then the settings, which win: a row that is set keeps
+/// still. Fails as ApplyPreset and ApplySettings do.
+Result<Done> ApplyValues(const std::string& preset, const std::vector<std::string>& settings, AnimatedParams& params);

@@ -6,42 +6,12 @@
 #include <cairo.h>
 
 #include <cmath>
-#include <cstdint>
-#include <memory>
 
+#include "host/panel/cairo_picture.h"
 #include "host/panel/panel_painter.h"
 #include "host/suites/drawbot_canvas.h"
 
 namespace {
-
-struct EndSurface {
-    void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
-};
-struct EndCairo {
-    void operator()(cairo_t* cairo) const { cairo_destroy(cairo); }
-};
-using Surface = std::unique_ptr<cairo_surface_t, EndSurface>;
-using Cairo = std::unique_ptr<cairo_t, EndCairo>;
-
-/// The picture as a world: Cairo has the same channels, in the order of the machine's words.
-World WorldOf(cairo_surface_t* surface) {
-    cairo_surface_flush(surface);
-    const int width = cairo_image_surface_get_width(surface);
-    const int height = cairo_image_surface_get_height(surface);
-    World world = World::Create(width, height, Depth::k8);
-    if (world.IsNull()) return world;
-    const unsigned char* bytes = cairo_image_surface_get_data(surface);
-    for (int y = 0; y < height; ++y) {
-        const auto* from = reinterpret_cast<const uint32_t*>(bytes);
-        auto* to = reinterpret_cast<PF_Pixel*>(world.Row(y));
-        for (int x = 0; x < width; ++x) {
-            const auto channel = [&](int shift) { return static_cast<A_u_char>(from[x] >> shift & 255); };
-            to[x] = {255, channel(16), channel(8), channel(0)};
-        }
-        bytes += cairo_image_surface_get_stride(surface);
-    }
-    return world;
-}
 
 PF_EventExtra EventFor(const PanelItem& item, int width, DrawbotCanvas* canvas) {
     PF_EventExtra event{};
@@ -86,9 +56,9 @@ Result<PanelPicture> DrawPanel(EffectSession& session, const PanelPictureOptions
     PanelPicture picture;
     picture.items = PanelItems(session, options.width);
     const double height = PanelHeight(picture.items);
-    const Surface surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, options.width * options.scale,
+    const CairoSurface surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, options.width * options.scale,
                                                      static_cast<int>(std::ceil(height)) * options.scale));
-    const Cairo cairo(cairo_create(surface.get()));
+    const CairoPen cairo(cairo_create(surface.get()));
     const Failure noMemory{ExitCode::kInternal, "there is not enough memory for a picture of the panel"};
     if (cairo_status(cairo.get()) != CAIRO_STATUS_SUCCESS) return noMemory;
     cairo_scale(cairo.get(), options.scale, options.scale);

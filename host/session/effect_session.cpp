@@ -32,6 +32,13 @@ std::optional<Failure> GlobalSetup(SessionState& state) {
     return std::nullopt;
 }
 
+/// The panel before anybody has touched it.
+std::vector<PanelRow> DeclaredPanel(const ParamSet& params) {
+    std::vector<PanelRow> rows;
+    for (const ParamRow& row : params.Rows()) rows.push_back(DeclaredPanelRow(row.def));
+    return rows;
+}
+
 /// Parameter set-up: the whole declaration, which must add up.
 std::optional<Failure> ParamsSetup(SessionState& state) {
     state.declaring = true;
@@ -47,9 +54,7 @@ std::optional<Failure> ParamsSetup(SessionState& state) {
     const std::string problem = state.params.Finish();
     if (!problem.empty()) return Failure{ExitCode::kEffectFailed, fmt::format("{}: {}", name, problem)};
 
-    std::vector<PanelRow> rows;
-    for (const ParamRow& row : state.params.Rows()) rows.push_back(DeclaredPanelRow(row.def));
-    state.services.panel.Reset(std::move(rows));
+    state.services.panel.Reset(DeclaredPanel(state.params));
     return std::nullopt;
 }
 
@@ -159,6 +164,25 @@ Result<EffectSession> EffectSession::Start(const Module& module, SessionOptions 
     EffectSession session = Create(module, std::move(options));
     if (const Result<Done> done = session.SetUp(); !done) return done.Error();
     return session;
+}
+
+Result<EffectSession> EffectSession::StartInstance(const EffectSession& first) {
+    const SessionState& from = *first.state_;
+    auto state = std::make_unique<SessionState>(from.module, from.options);
+    state->globalData = from.globalData;
+    state->outFlags = from.outFlags;
+    state->outFlags2 = from.outFlags2;
+    state->effectVersion = from.effectVersion;
+    state->customUIs = from.customUIs;
+    state->params = from.params;
+    state->services.panel.Reset(DeclaredPanel(state->params));
+    for (const auto step : {SequenceSetup, QueryFlags}) {
+        if (std::optional<Failure> failure = step(*state)) {
+            SetDown(*state);
+            return *failure;
+        }
+    }
+    return EffectSession(std::move(state));
 }
 
 Result<Done> EffectSession::End() {

@@ -145,12 +145,15 @@ class EffectSession {
     static EffectSession Create(const Module& module, SessionOptions options = {});
     /// What Start does after Create. A session that was ended may be set up again.
     Result<Done> SetUp();
+    /// Another instance of the effect that `first` has set up: the same global data, declaration and values, and a
+    /// sequence set-up of its own. `first` must outlive it, and end after it.
+    static Result<EffectSession> StartInstance(const EffectSession& first);
     /// Ends the session when End was not called.
     ~EffectSession();
     EffectSession(EffectSession&&) noexcept;
     EffectSession& operator=(EffectSession&&) noexcept;
 
-    /// Sequence and global set-down, once; later calls do nothing. No render may be under way.
+    /// Sequence and global set-down (of the first instance), once; later calls do nothing. No render may be under way.
     Result<Done> End();
 
     /// The effect's about text, as the effect wrote it.

@@ -269,6 +269,9 @@ PAINTER_EXPORT PF_Err PaintMain(PF_Cmd command, PF_InData* in, PF_OutData* out, 
             out->my_version = 0x99801;
             out->out_flags = PF_OutFlag_SEND_UPDATE_PARAMS_UI;
             out->out_flags2 = PF_OutFlag2_SUPPORTS_SMART_RENDER | PF_OutFlag2_SUPPORTS_QUERY_DYNAMIC_FLAGS;
+#ifdef PAINTER_IS_THREADED
+            out->out_flags2 |= PF_OutFlag2_SUPPORTS_THREADED_RENDERING;
+#endif
             out->global_data = in->utils->host_new_handle(32);
             return PF_Err_NONE;
         case PF_Cmd_QUERY_DYNAMIC_FLAGS:

@@ -1,0 +1,243 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/animation/curves_picture.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "host/panel/cairo_picture.h"
+#include "host/suites/drawbot_text.h"
+
+namespace {
+
+constexpr double kLeft = 76;
+constexpr double kRight = 20;
+constexpr double kTop = 28;     ///< of a plot, for its title
+constexpr double kBottom = 22;  ///< of a plot, for its numbers
+constexpr double kKeySize = 4.5;
+constexpr double kStrip = 8;  ///< a colour's strip
+constexpr double kTypeSize = 11;
+
+struct Ink {
+    double red, green, blue;
+};
+constexpr Ink kGround{0.985, 0.983, 0.978};
+constexpr Ink kPlotGround{1, 1, 1};
+constexpr Ink kGrid{0.88, 0.88, 0.9};
+constexpr Ink kText{0.16, 0.16, 0.2};
+constexpr Ink kFaintText{0.45, 0.45, 0.5};
+/// Single numbers and x, then y, then z.
+constexpr std::array<Ink, 3> kCurves = {{{0.10, 0.35, 0.80}, {0.83, 0.33, 0.10}, {0.15, 0.55, 0.25}}};
+constexpr std::array<Ink, 3> kChannels = {{{0.80, 0.12, 0.12}, {0.10, 0.55, 0.15}, {0.12, 0.25, 0.80}}};
+
+/// The values of all rows that move, at the columns of the plots.
+struct Samples {
+    std::vector<double> frames;
+    std::vector<std::vector<std::vector<double>>> numbers;  ///< by track, then by column
+};
+
+Samples Sample(const ParamSet& values, const Animation& animation, const AnimationClock& clock,
+               const CurvesOptions& options, int columns) {
+    Samples samples;
+    samples.numbers.resize(animation.Tracks().size());
+    for (int i = 0; i <= columns; ++i) {
+        const double frame = options.firstFrame + (options.lastFrame - options.firstFrame) * i / columns;
+        const ParamSet now =
+            animation.ValuesAt(values, (frame - clock.zeroFrame) / clock.framesPerSecond, clock);
+        samples.frames.push_back(frame);
+        for (std::size_t track = 0; track < samples.numbers.size(); ++track) {
+            bool isPercent = false;
+            samples.numbers[track].push_back(NumbersOf(now.Row(animation.Tracks()[track].row), isPercent));
+        }
+    }
+    return samples;
+}
+
+/// One plot: frames across, values upwards.
+class Plot {
+ public:
+    Plot(cairo_t* cairo, const CurvesOptions& options, double top, const std::vector<std::vector<double>>& numbers)
+        : cairo_(cairo),
+          options_(options),
+          left_(kLeft),
+          top_(top + kTop),
+          width_(options.width - kLeft - kRight),
+          height_(kPlotHeight - kTop - kBottom) {
+        low_ = high_ = numbers.front().front();
+        for (const auto& column : numbers) {
+            low_ = std::min(low_, *std::min_element(column.begin(), column.end()));
+            high_ = std::max(high_, *std::max_element(column.begin(), column.end()));
+        }
+        // A row that keeps still has its line in the middle.
+        if (low_ == high_) {
+            low_ -= 1;
+            high_ += 1;
+        }
+    }
+
+    double X(double frame) const {
+        return left_ + (frame - options_.firstFrame) / (options_.lastFrame - options_.firstFrame) * width_;
+    }
+    double Y(double value) const { return top_ + height_ - (value - low_) / (high_ - low_) * height_; }
+
+    void DrawGround(const std::string& title) {
+        Use(kPlotGround);
+        cairo_rectangle(cairo_, left_, top_ - 4, width_, height_ + 8);
+        cairo_fill(cairo_);
+        DrawFrames();
+        for (const double value : {low_, (low_ + high_) / 2, high_}) {
+            Line(left_, Y(value), left_ + width_, Y(value));
+            Write(fmt::format("{:.6g}", value), left_ - 8, Y(value) + 4, 1, kFaintText);
+        }
+        Write(title, left_, top_ - 12, 0, kText);
+    }
+
+    void DrawCurve(const Samples& samples, std::size_t track, std::size_t number, const Ink& ink) {
+        Use(ink);
+        cairo_set_line_width(cairo_, 1.75);
+        for (std::size_t i = 0; i < samples.frames.size(); ++i) {
+            cairo_line_to(cairo_, X(samples.frames[i]), Y(samples.numbers[track][i][number]));
+        }
+        cairo_stroke(cairo_);
+    }
+
+    /// A diamond, or a square where the value is held.
+    void DrawKey(double frame, double value, bool holds, const Ink& ink) {
+        if (frame < options_.firstFrame || frame > options_.lastFrame) return;
+        const double x = X(frame), y = Y(value);
+        if (holds) {
+            cairo_rectangle(cairo_, x - kKeySize * 0.8, y - kKeySize * 0.8, kKeySize * 1.6, kKeySize * 1.6);
+        } else {
+            cairo_move_to(cairo_, x, y - kKeySize);
+            cairo_line_to(cairo_, x + kKeySize, y);
+            cairo_line_to(cairo_, x, y + kKeySize);
+            cairo_line_to(cairo_, x - kKeySize, y);
+            cairo_close_path(cairo_);
+        }
+        Use(ink);
+        cairo_fill_preserve(cairo_);
+        Use(kPlotGround);
+        cairo_set_line_width(cairo_, 1);
+        cairo_stroke(cairo_);
+    }
+
+    void DrawStrip(const Samples& samples, std::size_t track) {
+        for (std::size_t i = 0; i + 1 < samples.frames.size(); ++i) {
+            const auto& color = samples.numbers[track][i];
+            Use({color[0] / 255, color[1] / 255, color[2] / 255});
+            const double x = X(samples.frames[i]);
+            cairo_rectangle(cairo_, x, top_ - 4, X(samples.frames[i + 1]) - x + 0.5, kStrip);
+            cairo_fill(cairo_);
+        }
+    }
+
+    /// A word beside a key, for values that are names.
+    void DrawName(double frame, double value, const std::string& name) {
+        if (frame >= options_.firstFrame && frame <= options_.lastFrame) {
+            Write(name, X(frame) + 8, Y(value) - 6, 0, kText);
+        }
+    }
+
+ private:
+    /// Frame numbers at round places, at most about one in sixty pixels.
+    void DrawFrames() {
+        const double span = options_.lastFrame - options_.firstFrame;
+        double step = 1;
+        for (int i = 0; span / step * 60 > width_; ++i) step *= i % 3 == 1 ? 2.5 : 2;
+        for (double frame = std::ceil(options_.firstFrame / step) * step; frame <= options_.lastFrame; frame += step) {
+            Line(X(frame), top_ - 4, X(frame), top_ + height_ + 4);
+            Write(fmt::format("{:.6g}", frame), X(frame), top_ + height_ + 18, 0.5, kFaintText);
+        }
+    }
+
+    void Use(const Ink& ink) { cairo_set_source_rgb(cairo_, ink.red, ink.green, ink.blue); }
+
+    void Line(double x1, double y1, double x2, double y2) {
+        Use(kGrid);
+        cairo_set_line_width(cairo_, 1);
+        cairo_move_to(cairo_, x1, y1);
+        cairo_line_to(cairo_, x2, y2);
+        cairo_stroke(cairo_);
+    }
+
+    /// `anchor` says which part of the text's width lies left of `x`.
+    void Write(const std::string& text, double x, double y, double anchor, const Ink& ink) {
+        cairo_text_extents_t extents;
+        cairo_text_extents(cairo_, text.c_str(), &extents);
+        Use(ink);
+        cairo_move_to(cairo_, x - extents.x_advance * anchor, y);
+        cairo_show_text(cairo_, text.c_str());
+        cairo_new_path(cairo_);
+    }
+
+    cairo_t* const cairo_;
+    const CurvesOptions& options_;
+    const double left_, top_, width_, height_;
+    double low_ = 0, high_ = 1;
+};
+
+std::string TitleOf(const ParamRow& row, const RowTrack& track) {
+    const std::string name = row.path.empty() ? fmt::format("#{}", row.index) : row.path;
+    const bool isPoint = row.def.param_type == PF_Param_POINT;
+    return fmt::format("{}{}   {} key{}", name,
+                       isPoint ? (track.isPercent ? "  (x blue, y orange; %)" : "  (x blue, y orange; pixels)") : "",
+                       track.track.keys.size(), track.track.keys.size() == 1 ? "" : "s");
+}
+
+void DrawTrack(cairo_t* cairo, const ParamSet& values, const RowTrack& track, std::size_t index,
+               const Samples& samples, const AnimationClock& clock, const CurvesOptions& options) {
+    const ParamRow& row = values.Row(track.row);
+    Plot plot(cairo, options, kCurvesHead + static_cast<double>(index) * kPlotHeight, samples.numbers[index]);
+    plot.DrawGround(TitleOf(row, track));
+    const bool isColor = row.def.param_type == PF_Param_COLOR;
+    if (isColor) plot.DrawStrip(samples, index);
+    const auto& inks = isColor ? kChannels : kCurves;
+    const std::size_t count = track.track.keys.front().value.size();
+    for (std::size_t number = 0; number < count; ++number) plot.DrawCurve(samples, index, number, inks[number]);
+    for (const Keyframe& key : track.track.keys) {
+        const double frame = track.track.SecondsOf(key, clock) * clock.framesPerSecond + clock.zeroFrame;
+        for (std::size_t number = 0; number < count; ++number) {
+            plot.DrawKey(frame, key.value[number], key.out.kind == Interpolation::kHold, inks[number]);
+        }
+        if (!IsHeldOnly(row)) continue;
+        ParamSet probe = values;
+        (void)probe.SetFromText(fmt::format("#{}", track.row), TextOf(row, key.value, track.isPercent));
+        plot.DrawName(frame, key.value[0], probe.ValueText(track.row));
+    }
+}
+
+}  // namespace
+
+Result<World> DrawCurves(const ParamSet& values, const Animation& animation, const AnimationClock& clock,
+                         const CurvesOptions& options) {
+    const Failure noMemory{ExitCode::kInternal, "there is not enough memory for a picture of the curves"};
+    const int height = kCurvesHead + kPlotHeight * static_cast<int>(animation.Tracks().size());
+    const CairoSurface surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, options.width, height));
+    const CairoPen cairo(cairo_create(surface.get()));
+    if (cairo_status(cairo.get()) != CAIRO_STATUS_SUCCESS) return noMemory;
+    cairo_set_source_rgb(cairo.get(), kGround.red, kGround.green, kGround.blue);
+    cairo_paint(cairo.get());
+    cairo_select_font_face(cairo.get(), kPanelTypeface, CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
+    cairo_set_font_size(cairo.get(), kTypeSize);
+    cairo_set_line_join(cairo.get(), CAIRO_LINE_JOIN_ROUND);
+    cairo_set_source_rgb(cairo.get(), kText.red, kText.green, kText.blue);
+    cairo_move_to(cairo.get(), kLeft, 20);
+    cairo_show_text(cairo.get(), fmt::format("frames {:g} to {:g}, {:.6g} a second", options.firstFrame,
+                                             options.lastFrame, clock.framesPerSecond)
+                                     .c_str());
+
+    const Samples samples =
+        Sample(values, animation, clock, options, std::max(1, options.width - static_cast<int>(kLeft + kRight)));
+    for (std::size_t i = 0; i < animation.Tracks().size(); ++i) {
+        DrawTrack(cairo.get(), values, animation.Tracks()[i], i, samples, clock, options);
+    }
+    World pixels = WorldOf(surface.get());
+    if (pixels.IsNull()) return noMemory;
+    return pixels;
+}

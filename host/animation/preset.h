@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// Presets: files that hold values of parameters, and keyframes of those that move, as `params --json --values` writes
+// them and `--preset` reads them. Version 1 has values alone:
+//
+//   { "version": 1, "values": { "style/distance": "80", "style/color": "#203060" } }
+//
+// Version 2 may have keyframes beside them:
+//
+//   { "version": 2,
+//     "values": { "style/color": "#203060" },
+//     "keyframes": {
+//       "style/angle": [ { "frame": 1, "value": 45, "out": "ease" }, { "frame": 48, "value": 405 } ] } }
+
+#include <filesystem>
+#include <string>
+
+#include "host/animation/animation.h"
+#include "host/result.h"
+#include "host/session/param_set.h"
+
+/// What a preset changes: values, and what moves.
+struct AnimatedParams {
+    ParamSet values;
+    Animation animation;
+};
+
+/// Sets what the file says; rows that it does not name stay as they are, and a row that gets a value keeps still. Fails
+/// with `ExitCode::kFile` when the file cannot be read as JSON, and with `ExitCode::kUsage`, telling every mistake at
+/// once with its line and column, when it is no preset. A failure changes nothing.
+Result<Done> ApplyPreset(const std::filesystem::path& file, AnimatedParams& params);
+
+/// The current values and tracks as a preset, ending in a line break: every row that a user can set, in the order of the
+/// panel. Without tracks it is of version 1.
+std::string PresetText(const AnimatedParams& params);

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// Values and tracks as a preset's text.
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <cstdint>
+#include <nlohmann/json.hpp>
+
+#include "host/animation/preset.h"
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+/// Whether the value is the user's to set: the effect keeps the others for its own words, which differ between
+/// machines.
+bool IsSettable(const ParamRow& row) {
+    return (row.def.ui_flags & PF_PUI_DISABLED) == 0;
+}
+
+/// A whole number without a fraction, as a person writes it.
+Json NumberJson(double number) {
+    if (number == std::floor(number) && std::abs(number) < 1e15) return static_cast<std::int64_t>(number);
+    return number;
+}
+
+Json SideJson(const KeySide& side) {
+    if (side.kind == Interpolation::kHold) return "hold";
+    if (side.kind == Interpolation::kLinear) return "linear";
+    if (side == KeySide{Interpolation::kBezier}) return "ease";
+    return {{"speed", NumberJson(side.speed)}, {"influence", NumberJson(side.influence)}};
+}
+
+std::string PairText(const std::vector<double>& numbers) {
+    return fmt::format("{},{}", numbers[0], numbers[1]);
+}
+
+Json KeyJson(const ParamSet& values, const RowTrack& track, const Keyframe& key) {
+    const ParamRow& row = values.Row(track.row);
+    ParamSet probe = values;
+    // The keys were taken by the row, so it takes them again.
+    (void)probe.SetFromText(fmt::format("#{}", row.index), TextOf(row, key.value, track.isPercent));
+    Json json{{track.track.inFrames ? "frame" : "seconds", NumberJson(key.time)}, {"value", probe.ValueText(row.index)}};
+    if (IsHeldOnly(row)) return json;
+    if (key.in.kind != Interpolation::kLinear) json["in"] = SideJson(key.in);
+    if (key.out.kind != Interpolation::kLinear) json["out"] = SideJson(key.out);
+    if (!key.tangentIn.empty()) json["tangent-in"] = PairText(key.tangentIn);
+    if (!key.tangentOut.empty()) json["tangent-out"] = PairText(key.tangentOut);
+    return json;
+}
+
+}  // namespace
+
+std::string PresetText(const AnimatedParams& params) {
+    Json values = Json::object();
+    Json keyframes = Json::object();
+    for (const ParamRow& row : params.values.Rows()) {
+        const std::string value = params.values.ValueText(row.index);
+        if (value.empty() || !IsSettable(row)) continue;
+        const bool isNamed = !row.path.empty() && params.values.Find(row.path);
+        const std::string name = isNamed ? row.path : fmt::format("#{}", row.index);
+        const RowTrack* track = params.animation.Find(row.index);
+        if (!track) {
+            values[name] = value;
+            continue;
+        }
+        for (const Keyframe& key : track->track.keys) keyframes[name].push_back(KeyJson(params.values, *track, key));
+    }
+    Json preset{{"version", keyframes.empty() ? 1 : 2}, {"values", values}};
+    if (!keyframes.empty()) preset["keyframes"] = keyframes;
+    return preset.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}

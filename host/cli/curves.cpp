@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// `umbrant curves`: the keyframes of a preset, as a picture or as numbers.
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "host/animation/curves_picture.h"
+#include "host/cli/command.h"
+#include "host/cli/opened_module.h"
+#include "host/cli/results.h"
+#include "host/cli/settings.h"
+#include "host/image/picture.h"
+#include "host/sequence/frame_numbers.h"
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr char kExamples[] =
+    "  umbrant curves --preset moving.json -o curves.png\n"
+    "      a plot for each parameter that moves, from its first key to its last\n"
+    "  umbrant curves --preset moving.json --frames 1-48 --rate 25 -o curves.png\n"
+    "      over the frames of a shot\n"
+    "  umbrant curves --preset moving.json --frames 1-48 --json | jq '.rows[\"style/angle\"]'\n"
+    "      the values of each frame";
+
+struct CurvesCommandOptions {
+    std::string preset;
+    std::vector<std::string> settings;
+    std::string frames;
+    std::string rate = "24";
+    int zeroFrame = 0;
+    std::string output;
+    int width = 960;
+    bool json = false;
+    std::string module;
+};
+
+double FrameOf(const Track& track, const Keyframe& key, const AnimationClock& clock) {
+    return track.SecondsOf(key, clock) * clock.framesPerSecond + clock.zeroFrame;
+}
+
+/// Frames that are shown: those that were asked for, or from the first key to the last, whole numbers around them.
+Result<std::vector<int>> ShownFrames(const std::string& asked, const Animation& animation,
+                                     const AnimationClock& clock) {
+    if (!asked.empty()) return ParseFrames(asked);
+    double first = std::numeric_limits<double>::infinity();
+    double last = -first;
+    for (const RowTrack& track : animation.Tracks()) {
+        first = std::min(first, FrameOf(track.track, track.track.keys.front(), clock));
+        last = std::max(last, FrameOf(track.track, track.track.keys.back(), clock));
+    }
+    if (last - first > 2 * kFarthestFrame) {
+        return Failure{ExitCode::kUsage, "the keys lie too far apart to be shown at this rate; give --frames"};
+    }
+    std::vector<int> frames;
+    for (double frame = std::floor(first); frame <= std::ceil(last); ++frame) frames.push_back(static_cast<int>(frame));
+    return frames;
+}
+
+std::string Report(const AnimatedParams& params, const std::vector<int>& frames, const AnimationClock& clock) {
+    Json rows = Json::object();
+    for (const int frame : frames) {
+        const ParamSet values =
+            params.animation.ValuesAt(params.values, (frame - clock.zeroFrame) / clock.framesPerSecond, clock);
+        for (const RowTrack& track : params.animation.Tracks()) {
+            const ParamRow& row = params.values.Row(track.row);
+            rows[row.path.empty() ? fmt::format("#{}", row.index) : row.path].push_back(values.ValueText(track.row));
+        }
+    }
+    const Json report{{"framesPerSecond", clock.framesPerSecond}, {"frames", frames}, {"rows", rows}};
+    return report.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+Result<Done> WriteCurves(const CurvesCommandOptions& options, const AnimatedParams& params,
+                         const std::vector<int>& frames, const AnimationClock& clock) {
+    CurvesOptions drawing;
+    const auto [first, last] = std::minmax_element(frames.begin(), frames.end());
+    drawing.firstFrame = *first;
+    // One frame alone has a plot too.
+    drawing.lastFrame = std::max(*last, *first + 1);
+    drawing.width = options.width;
+    const auto pixels = DrawCurves(params.values, params.animation, clock, drawing);
+    if (!pixels) return pixels.Error();
+    const Placement place{{0, 0, pixels->Width(), pixels->Height()}, pixels->Width(), pixels->Height()};
+    if (auto written = WritePicture(options.output, *pixels, place); !written) return written;
+    if (!options.json) PrintResult(options.output + "\n");
+    return Done{};
+}
+
+Result<ExitCode> Curves(const CurvesCommandOptions& options) {
+    if (options.output.empty() && !options.json) {
+        return Failure{ExitCode::kUsage, "there is nothing to do; give -o FILE or --json"};
+    }
+    if (!options.output.empty()) {
+        if (auto writable = CheckWritable(options.output); !writable) return writable.Error();
+    }
+    const auto rate = ParseRate(options.rate);
+    if (!rate) return rate.Error();
+    const AnimationClock clock{rate->PerSecond(), static_cast<double>(options.zeroFrame)};
+    auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module));
+    if (!opened) return opened.Error();
+    AnimatedParams params{opened->Session().Params(), {}};
+    if (auto set = ApplyValues(options.preset, options.settings, params); !set) return set.Error();
+    if (params.animation.IsEmpty()) {
+        return Failure{ExitCode::kUsage, fmt::format("nothing moves in '{}': it has no keyframes", options.preset)};
+    }
+    const auto frames = ShownFrames(options.frames, params.animation, clock);
+    if (!frames) return frames.Error();
+    if (!options.output.empty()) {
+        if (auto written = WriteCurves(options, params, *frames, clock); !written) return written.Error();
+    }
+    if (options.json) PrintResult(Report(params, *frames, clock));
+    return ExitCode::kDone;
+}
+
+}  // namespace
+
+Command CurvesCommand() {
+    const auto options = std::make_shared<CurvesCommandOptions>();
+    Command command;
+    command.name = "curves";
+    command.summary = "Draw the keyframes of a preset: how each parameter moves";
+    command.examples = kExamples;
+    command.options = [options](CLI::App& app) {
+        app.add_option("--preset", options->preset, "The preset with the keyframes")->required()->type_name("FILE.json");
+        app.add_option("--set", options->settings, "A parameter's value, which then keeps still")
+            ->type_name("PATH=VALUE")
+            ->allow_extra_args(false);
+        app.add_option("-o,--output", options->output, "The picture to write: " + WritableFormats());
+        app.add_option("--frames", options->frames, "Which frames; without it from the first key to the last")
+            ->type_name("FRAMES");
+        app.add_option("--rate", options->rate, "Frames per second, as 24, 29.97 or 30000/1001")
+            ->capture_default_str()
+            ->type_name("RATE");
+        app.add_option("--zero-frame", options->zeroFrame, "The frame at time 0")
+            ->check(CLI::Range(-kFarthestFrame, kFarthestFrame))
+            ->capture_default_str()
+            ->type_name("FRAME");
+        app.add_option("--width", options->width, "The picture's width in pixels")
+            ->check(CLI::Range(320, 8000))
+            ->capture_default_str()
+            ->type_name("N");
+        app.add_flag("--json", options->json, "The value of each row at each frame, for programs");
+        app.add_option("--module", options->module,
+                       "The effect's module; without it UMBRANT_MODULE or the one beside the program")
+            ->type_name("FILE");
+    };
+    command.run = [options] { return Curves(*options); };
+    return command;
+}

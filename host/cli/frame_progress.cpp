@@ -1,0 +1,387 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/cli/frame_progress.h"
+
+#include <fmt/format.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+#include "host/cli/results.h"
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+using Clock = std::chrono::steady_clock;
+using Kind = FrameOutcome::Kind;
+
+constexpr auto kBarInterval = std::chrono::milliseconds(200);
+constexpr auto kLineInterval = std::chrono::seconds(10);
+constexpr int kUsualWidth = 80;
+
+double Since(Clock::time_point begin) {
+    return std::chrono::duration<double>(Clock::now() - begin).count();
+}
+
+int TerminalWidth() {
+    winsize size{};
+    return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : kUsualWidth;
+}
+
+const char* StepName(FrameStep step) {
+    switch (step) {
+        case FrameStep::kRead:
+            return "read";
+        case FrameStep::kDraw:
+            return "draw";
+        case FrameStep::kWrite:
+            return "write";
+    }
+    return "";
+}
+
+const char* StepWords(FrameStep step) {
+    switch (step) {
+        case FrameStep::kRead:
+            return "its pictures are read";
+        case FrameStep::kDraw:
+            return "the effect draws it";
+        case FrameStep::kWrite:
+            return "it is written";
+    }
+    return "";
+}
+
+const char* KindName(Kind kind) {
+    switch (kind) {
+        case Kind::kDrawn:
+            return "drawn";
+        case Kind::kExists:
+            return "exists";
+        case Kind::kSkipped:
+            return "skipped";
+        case Kind::kFailed:
+            return "failed";
+    }
+    return "";
+}
+
+std::string CountText(const FrameTotals& totals) {
+    std::string text = fmt::format("{} drawn", totals.drawn);
+    if (totals.existing > 0) text += fmt::format(", {} there already", totals.existing);
+    if (totals.skipped > 0) text += fmt::format(", {} left out", totals.skipped);
+    if (totals.failed > 0) text += fmt::format(", {} failed", totals.failed);
+    return text;
+}
+
+std::string Dump(const Json& json) {
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+double TimeOf(const FrameOutcome& outcome) {
+    return outcome.readTime + outcome.drawTime + outcome.writeTime;
+}
+
+/// What programs are told about a frame.
+Json FrameJson(const PlannedFrame& frame, const FrameOutcome& outcome) {
+    Json json{{"frame", frame.number}, {"state", KindName(outcome.kind)}, {"output", frame.output}};
+    if (frame.heldInput) json["heldInput"] = *frame.heldInput;
+    if (frame.heldTexture) json["heldTexture"] = *frame.heldTexture;
+    if (outcome.failure) {
+        json["error"] = outcome.failure->sentence;
+        json["code"] = static_cast<int>(outcome.failure->code);
+    }
+    if (!outcome.message.empty()) json["message"] = outcome.message;
+    if (outcome.kind == Kind::kDrawn) {
+        json["milliseconds"] = {
+            {"read", outcome.readTime}, {"draw", outcome.drawTime}, {"write", outcome.writeTime}};
+    }
+    return json;
+}
+
+Json TotalsJson(const FrameTotals& totals, std::size_t all, double seconds) {
+    return {{"frames", all},
+            {"drawn", totals.drawn},
+            {"existing", totals.existing},
+            {"skipped", totals.skipped},
+            {"failed", totals.failed},
+            {"seconds", seconds}};
+}
+
+/// Seconds until the last frame at the rate so far; nothing before there is one.
+std::optional<double> SecondsLeft(const FrameTotals& totals, std::size_t all, double seconds) {
+    if (totals.drawn == 0) return std::nullopt;
+    return seconds / static_cast<double>(totals.drawn) * static_cast<double>(all - totals.Ended());
+}
+
+}  // namespace
+
+ProgressForm ProgressFormOf(const std::string& name, bool quiet) {
+    if (quiet) return ProgressForm::kQuiet;
+    if (name == "json") return ProgressForm::kJson;
+    if (name == "bar") return ProgressForm::kBar;
+    if (name == "lines") return ProgressForm::kLines;
+    return isatty(STDERR_FILENO) ? ProgressForm::kBar : ProgressForm::kLines;
+}
+
+std::string DurationText(double seconds) {
+    if (seconds < 10) return fmt::format("{:.2f} s", seconds);
+    const auto whole = static_cast<long>(std::lround(seconds));
+    if (whole < 60) return fmt::format("{} s", whole);
+    if (whole < 3600) return fmt::format("{}:{:02}", whole / 60, whole % 60);
+    return fmt::format("{}:{:02}:{:02}", whole / 3600, whole / 60 % 60, whole % 60);
+}
+
+std::string BarText(const FrameTotals& totals, std::size_t all, double seconds, const std::string& current,
+                    int width) {
+    constexpr std::size_t kCells = 20;
+    const std::size_t full = all == 0 ? kCells : totals.Ended() * kCells / all;
+    std::string line =
+        fmt::format("[{}{}] {}/{}", std::string(full, '#'), std::string(kCells - full, '.'), totals.Ended(), all);
+    if (totals.failed > 0) line += fmt::format(", {} failed", totals.failed);
+    if (totals.drawn > 0 && seconds > 0) {
+        line += fmt::format("  {:.2f} frames/s", static_cast<double>(totals.drawn) / seconds);
+    }
+    if (const auto left = SecondsLeft(totals, all, seconds)) line += fmt::format("  {} left", DurationText(*left));
+    if (!current.empty()) line += "  " + current;
+    // The last column stays free: a line that fills it would wrap on some terminals.
+    return line.substr(0, static_cast<std::size_t>(std::max(1, width - 1)));
+}
+
+FrameProgress::FrameProgress(const FramePlan& plan, ProgressForm form, bool printsPaths)
+    : plan_(plan), form_(form), printsPaths_(printsPaths), outcomes_(plan.frames.size()) {
+    if (form_ == ProgressForm::kJson) {
+        Print(Dump({{"event", "start"}, {"frames", plan_.frames.size()}}));
+    }
+    if (form_ != ProgressForm::kQuiet) thread_ = std::thread(&FrameProgress::TellNowAndThen, this);
+}
+
+FrameProgress::~FrameProgress() {
+    {
+        const std::lock_guard lock(mutex_);
+        ended_ = true;
+    }
+    ending_.notify_all();
+    if (thread_.joinable()) thread_.join();
+    ClearBar();
+}
+
+double FrameProgress::Seconds() const {
+    return Since(begin_);
+}
+
+void FrameProgress::Begins(std::size_t frame, FrameStep step, const EffectSession* session) {
+    const std::lock_guard lock(mutex_);
+    const auto known = current_.find(frame);
+    if (known == current_.end()) {
+        current_.emplace(frame, Current{step, session, Clock::now()});
+    } else {
+        known->second.step = step;
+        known->second.session = session;
+    }
+}
+
+void FrameProgress::Ends(std::size_t frame, const FrameOutcome& outcome) {
+    const std::lock_guard lock(mutex_);
+    current_.erase(frame);
+    outcomes_[frame] = outcome;
+    std::size_t& total = outcome.kind == Kind::kDrawn     ? totals_.drawn
+                         : outcome.kind == Kind::kExists  ? totals_.existing
+                         : outcome.kind == Kind::kSkipped ? totals_.skipped
+                                                          : totals_.failed;
+    ++total;
+    TellReady();
+}
+
+/// Tells of the frames that are done with and come next in the plan.
+void FrameProgress::TellReady() {
+    for (; told_ < outcomes_.size() && outcomes_[told_]; ++told_) TellFrame(told_);
+}
+
+/// What is odd about a frame, in whole sentences.
+std::vector<std::string> FrameProgress::NotesOf(std::size_t index) {
+    const PlannedFrame& frame = plan_.frames[index];
+    const FrameOutcome& outcome = *outcomes_[index];
+    std::vector<std::string> notes;
+    if (outcome.kind == Kind::kSkipped) {
+        notes.push_back(fmt::format("frame {} is left out: there is no '{}'", frame.number, frame.missing));
+    }
+    if (outcome.bits == 0) return notes;
+    if (frame.heldInput) notes.push_back(fmt::format("frame {} shows '{}'", frame.number, frame.input));
+    if (frame.heldTexture) {
+        notes.push_back(fmt::format("frame {} has the texture '{}'", frame.number, frame.texture));
+    }
+    if (!outcome.message.empty()) {
+        notes.push_back(fmt::format("frame {}: the effect says: {}", frame.number, outcome.message));
+    }
+    if (previous_) {
+        const FrameOutcome& before = *outcomes_[*previous_];
+        const int number = plan_.frames[*previous_].number;
+        if (before.layerWidth != outcome.layerWidth || before.layerHeight != outcome.layerHeight) {
+            notes.push_back(fmt::format("frame {} is {} x {} where frame {} is {} x {}", frame.number,
+                                        outcome.layerWidth, outcome.layerHeight, number, before.layerWidth,
+                                        before.layerHeight));
+        }
+        if (before.bits != outcome.bits) {
+            notes.push_back(fmt::format("frame {} has {} bits a channel where frame {} has {}", frame.number,
+                                        outcome.bits, number, before.bits));
+        }
+    }
+    previous_ = index;
+    return notes;
+}
+
+void FrameProgress::TellFrame(std::size_t index) {
+    const PlannedFrame& frame = plan_.frames[index];
+    const FrameOutcome& outcome = *outcomes_[index];
+    if (outcome.kind == Kind::kDrawn && printsPaths_) {
+        PrintResult(frame.output + "\n");
+        // Whoever reads along works on this picture while the next ones are drawn. A failure is told in the end.
+        FlushResults();
+    }
+    if (outcome.failure && totals_.firstFailure.code == ExitCode::kDone) {
+        totals_.firstFailure = {outcome.failure->code,
+                                fmt::format("frame {}: {}", frame.number, outcome.failure->sentence)};
+    }
+    const std::vector<std::string> notes = NotesOf(index);
+    if (form_ == ProgressForm::kJson) {
+        Json json{{"event", "frame"}};
+        json.update(FrameJson(frame, outcome));
+        if (!notes.empty()) json["notes"] = notes;
+        json["done"] = index + 1;
+        json["frames"] = plan_.frames.size();
+        if (const auto left = SecondsLeft(totals_, plan_.frames.size(), Seconds())) json["secondsLeft"] = *left;
+        Print(Dump(json));
+        return;
+    }
+    if (form_ != ProgressForm::kQuiet) {
+        for (const std::string& note : notes) Print("umbrant: " + note);
+    }
+    if (outcome.kind == Kind::kFailed) {
+        if (keepsGoing_) Print(fmt::format("umbrant: frame {}: {}", frame.number, outcome.failure->sentence));
+        return;
+    }
+    if (form_ != ProgressForm::kLines || outcome.kind == Kind::kSkipped) return;
+    const std::string place = fmt::format("{} of {}", index + 1, plan_.frames.size());
+    Print(outcome.kind == Kind::kExists
+              ? fmt::format("umbrant: frame {} ({}): '{}' is there already", frame.number, place, frame.output)
+              : fmt::format("umbrant: frame {} ({}): {}", frame.number, place,
+                            DurationText(TimeOf(outcome) / 1000)));
+}
+
+/// The frame that is under way and comes first, and what it is at.
+std::string FrameProgress::CurrentText() const {
+    if (current_.empty()) return "";
+    const auto& [index, current] = *current_.begin();
+    return fmt::format("frame {}: {}", plan_.frames[index].number, StepWords(current.step));
+}
+
+/// A frame that takes long is told about on its way.
+void FrameProgress::TellCurrent() {
+    if (current_.empty()) return;
+    const auto& [index, current] = *current_.begin();
+    const double seconds = Since(current.begin);
+    if (seconds < std::chrono::duration<double>(kLineInterval).count()) return;
+    const int number = plan_.frames[index].number;
+    if (form_ == ProgressForm::kJson) {
+        Print(Dump({{"event", "stage"}, {"frame", number}, {"stage", StepName(current.step)}, {"seconds", seconds}}));
+    } else {
+        Print(fmt::format("umbrant: {}, for {} now", CurrentText(), DurationText(seconds)));
+    }
+}
+
+void FrameProgress::TellNowAndThen() {
+    std::unique_lock lock(mutex_);
+    if (form_ == ProgressForm::kBar) {
+        while (!ending_.wait_for(lock, kBarInterval, [this] { return ended_; })) DrawBar();
+    } else {
+        while (!ending_.wait_for(lock, kLineInterval, [this] { return ended_; })) TellCurrent();
+    }
+}
+
+void FrameProgress::Print(const std::string& line) {
+    ClearBar();
+    std::fputs((line + "\n").c_str(), stderr);
+    std::fflush(stderr);
+}
+
+void FrameProgress::DrawBar() {
+    std::string current = CurrentText();
+    if (!current_.empty()) {
+        const double seconds = Since(current_.begin()->second.begin);
+        if (seconds >= 2) current += ", " + DurationText(seconds);
+    }
+    const std::string line = BarText(totals_, plan_.frames.size(), Seconds(), current, TerminalWidth());
+    std::fputs(("\r" + line + "\x1b[K").c_str(), stderr);
+    std::fflush(stderr);
+    barIsThere_ = true;
+}
+
+void FrameProgress::ClearBar() {
+    if (!barIsThere_) return;
+    std::fputs("\r\x1b[K", stderr);
+    barIsThere_ = false;
+}
+
+FrameTotals FrameProgress::Finish() {
+    {
+        const std::lock_guard lock(mutex_);
+        ended_ = true;
+    }
+    ending_.notify_all();
+    if (thread_.joinable()) thread_.join();
+    const std::lock_guard lock(mutex_);
+    // After a failure there are gaps.
+    for (; told_ < outcomes_.size(); ++told_) {
+        if (outcomes_[told_]) TellFrame(told_);
+    }
+    const double seconds = Seconds();
+    if (form_ == ProgressForm::kJson) {
+        Json json{{"event", "end"}};
+        json.update(TotalsJson(totals_, plan_.frames.size(), seconds));
+        Print(Dump(json));
+    } else if (form_ != ProgressForm::kQuiet) {
+        std::string line = plan_.frames.empty() ? "there are no frames in this chunk" : CountText(totals_);
+        if (totals_.drawn > 0) {
+            line += fmt::format(" in {}, {:.2f} frames/s", DurationText(seconds),
+                                static_cast<double>(totals_.drawn) / std::max(seconds, 1e-3));
+        }
+        const std::size_t unreached = plan_.frames.size() - totals_.Ended();
+        if (unreached > 0) line += fmt::format("; {} of {} frames were not reached", unreached, plan_.frames.size());
+        Print("umbrant: " + line);
+    }
+    return totals_;
+}
+
+std::string SequenceReport(const std::string& input, const std::string& output, const FramePlan& plan,
+                           const PipelineShape& shape, const FrameProgress& progress) {
+    Json frames = Json::array();
+    FrameTotals totals;
+    for (std::size_t i = 0; i < plan.frames.size(); ++i) {
+        const auto& outcome = progress.Outcomes()[i];
+        if (!outcome) continue;
+        totals.drawn += outcome->kind == Kind::kDrawn;
+        totals.existing += outcome->kind == Kind::kExists;
+        totals.skipped += outcome->kind == Kind::kSkipped;
+        totals.failed += outcome->kind == Kind::kFailed;
+        Json frame = FrameJson(plan.frames[i], *outcome);
+        if (outcome->kind == Kind::kDrawn) {
+            const PF_LRect& rect = outcome->picture;
+            frame["picture"] = {
+                {"left", rect.left}, {"top", rect.top}, {"right", rect.right}, {"bottom", rect.bottom}};
+        }
+        frames.push_back(std::move(frame));
+    }
+    Json report{{"input", input},
+                {"output", output},
+                {"threads", {{"read", shape.readers}, {"draw", shape.drawers}, {"write", shape.writers}}},
+                {"underWay", shape.underWay},
+                {"totals", TotalsJson(totals, plan.frames.size(), progress.Seconds())},
+                {"frames", std::move(frames)}};
+    return report.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// What `umbrant render` was asked for, and the session that one picture and a sequence are drawn with.
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/animation/preset.h"
+#include "host/cli/opened_module.h"
+#include "host/result.h"
+
+namespace CLI {
+class App;
+}
+
+/// What only sequences have.
+struct SequenceOptions {
+    std::string frames;
+    std::string rate = "24";
+    int zeroFrame = 0;
+    int inputOffset = 0;
+    int textureOffset = 0;
+    std::string missing = "error";
+    bool skipExisting = false;
+    bool keepGoing = false;
+    std::string chunk = "1/1";
+    int threads = 0;  ///< 0 takes what suits the machine
+    std::string progress = "auto";
+    bool quiet = false;
+};
+
+struct RenderOptions {
+    std::string input;
+    std::string output;
+    std::string preset;
+    std::vector<std::string> settings;
+    std::string texture;
+    std::string textureAt = "0,0";
+    int depth = 0;
+    int downsample = 1;
+    std::string canvas = "grow";
+    bool collapsed = false;
+    double seconds = 0;
+    std::string compression;
+    std::string renderer;
+    std::string module;
+    bool json = false;
+    bool verbose = false;
+    SequenceOptions sequence;
+};
+
+/// "X,Y": a place in pixels of the full-size layer, or nothing.
+std::optional<std::pair<double, double>> PlaceOf(const std::string& text);
+
+/// For an option's check: why the text is no such place, or an empty text.
+std::string WhyNoPlace(const std::string& text);
+
+/// A module with what it is to draw.
+struct OpenedEffect {
+    OpenedModule module;  ///< its session has the values of the first frame
+    AnimatedParams params;
+    AnimationClock clock;
+
+    EffectSession& Session() { return module.Session(); }
+};
+
+/// The session that draws layers of this full size, with the values that were asked for, those that move as they are at
+/// `seconds`.
+Result<OpenedEffect> OpenWithValues(const RenderOptions& options, int layerWidth, int layerHeight, double seconds);
+
+/// The effect's failure, said as what it is when there is no OpenGL to draw with.
+Failure Explain(const Failure& failure, const EffectSession& session);
+
+/// Declares the options of SequenceOptions.
+void AddSequenceOptions(CLI::App& app, SequenceOptions& options);
+
+/// Whether the options mean a sequence. Fails as ParseFrames and MeansSequence do.
+Result<bool> MeansSequence(const RenderOptions& options);
+
+/// Draws a sequence.
+Result<ExitCode> RenderSequence(const RenderOptions& options);

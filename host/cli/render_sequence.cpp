@@ -1,0 +1,306 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// `umbrant render` over many frames.
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+
+#include "host/cli/frame_progress.h"
+#include "host/cli/render_options.h"
+#include "host/cli/render_report.h"
+#include "host/cli/results.h"
+#include "host/sequence/draw_frames.h"
+#include "host/sequence/memory_plan.h"
+
+namespace {
+
+constexpr int kMostThreads = 16;
+
+std::string Reason(const Failure& failure) {
+    return failure.sentence;
+}
+
+/// The check of an option whose text one of the parsers of frame_numbers.h reads.
+template <typename Parse>
+auto Readable(Parse parse) {
+    return [parse](const std::string& text) {
+        const auto parsed = parse(text);
+        return parsed ? std::string() : Reason(parsed.Error());
+    };
+}
+
+Result<PlanRequest> RequestOf(const RenderOptions& options) {
+    const SequenceOptions& sequence = options.sequence;
+    PlanRequest request;
+    request.input = options.input;
+    request.texture = options.texture;
+    request.output = options.output;
+    if (!sequence.frames.empty()) {
+        auto frames = ParseFrames(sequence.frames);
+        if (!frames) return frames.Error();
+        request.frames = std::move(*frames);
+    }
+    const auto chunk = ParseChunk(sequence.chunk);
+    if (!chunk) return chunk.Error();
+    const auto rate = ParseRate(sequence.rate);
+    if (!rate) return rate.Error();
+    request.chunk = *chunk;
+    request.rate = *rate;
+    request.inputOffset = sequence.inputOffset;
+    request.textureOffset = sequence.textureOffset;
+    request.missing = sequence.missing == "hold"   ? MissingFrames::kHold
+                      : sequence.missing == "skip" ? MissingFrames::kSkip
+                                                   : MissingFrames::kError;
+    request.keepGoing = sequence.keepGoing;
+    request.skipExisting = sequence.skipExisting;
+    request.zeroFrame = sequence.zeroFrame;
+    return request;
+}
+
+/// The first frame that is to be drawn and can be read: the session is about its size. Without one there is nothing to
+/// draw.
+Result<FirstFrame> ReadFirst(const FramePlan& plan, LayerReader& reader, bool keepGoing) {
+    for (std::size_t i = 0; i < plan.frames.size(); ++i) {
+        if (plan.frames[i].state != PlannedFrame::State::kDraw) continue;
+        auto layers = reader.Read(plan.frames[i]);
+        if (layers) return FirstFrame{i, std::move(*layers)};
+        if (!keepGoing) {
+            return Failure{layers.Error().code,
+                           fmt::format("frame {}: {}", plan.frames[i].number, layers.Error().sentence)};
+        }
+    }
+    return FirstFrame{};
+}
+
+std::uint64_t BytesOf(const World& world) {
+    return static_cast<std::uint64_t>(world.Height()) * static_cast<std::uint64_t>(world.Def().rowbytes);
+}
+
+/// What a frame costs, judged by the first one.
+Result<FrameFootprint> Footprint(const FrameJob& job, const FirstFrame& first, EffectSession& session) {
+    const PlannedFrame& frame = job.plan->frames[first.frame];
+    const Layer& layer = *first.layers.input;
+    FrameFootprint footprint;
+    const auto pixel = static_cast<std::uint64_t>(BytesPerPixel(layer.pixels.PixelDepth()));
+    footprint.file = static_cast<std::uint64_t>(layer.width) * static_cast<std::uint64_t>(layer.height) *
+                     (layer.bits > 8 ? 16 : 4);
+    footprint.layer = BytesOf(layer.pixels);
+    if (first.layers.texture) footprint.texture = BytesOf(first.layers.texture->pixels);
+    std::optional<ParamSet> values;
+    if (job.values) values = job.values(frame, session.Params());
+    const auto asked = session.PreRender(RequestFor(job, frame, first.layers, values ? &*values : nullptr));
+    if (!asked) return asked.Error();
+    PF_LRect rect = job.canvas == Canvas::kGrow ? asked->maxRect : asked->resultRect;
+    const auto side = [](A_long low, A_long high) { return static_cast<std::uint64_t>(std::max<A_long>(0, high - low)); };
+    footprint.outputPixels = side(rect.left, rect.right) * side(rect.top, rect.bottom);
+    footprint.output = footprint.outputPixels * pixel;
+    return footprint;
+}
+
+/// Software OpenGL has the cores for itself, and each drawing thread has buffers of its own: one frame in the effect
+/// and one outside of it is all that is gained.
+int MostDrawers(const EffectSession& session) {
+    const std::string renderer = ReadGpuStrings(session.Params()).renderer;
+    const bool software = renderer.find("llvmpipe") != std::string::npos || renderer.find("softpipe") != std::string::npos;
+    return software ? 2 : kMostThreads;
+}
+
+/// The sessions of the drawing threads; the first is the module's own.
+struct Instances {
+    std::vector<EffectSession> others;
+    std::vector<EffectSession*> all;
+
+    Result<Done> Start(EffectSession& first, int count) {
+        all = {&first};
+        // Effects that do not say so may not be called from several threads.
+        if (!(first.OutFlags2() & PF_OutFlag2_SUPPORTS_THREADED_RENDERING)) count = 1;
+        others.reserve(static_cast<std::size_t>(count));
+        for (int i = 1; i < count; ++i) {
+            auto another = EffectSession::StartInstance(first);
+            if (!another) return another.Error();
+            others.push_back(std::move(*another));
+            all.push_back(&others.back());
+            if (auto updated = others.back().UpdateParamsUI(); !updated) return updated.Error();
+        }
+        return Done{};
+    }
+
+    /// The first instance last.
+    Result<Done> End() {
+        Result<Done> outcome = Done{};
+        for (auto session = all.rbegin(); session != all.rend(); ++session) {
+            auto ended = (*session)->End();
+            if (!ended && outcome) outcome = ended;
+        }
+        return outcome;
+    }
+};
+
+/// A sequence from its plan to its last picture.
+class SequenceRender {
+ public:
+    explicit SequenceRender(const RenderOptions& options)
+        : options_(options),
+          reader_({options.depth == 0    ? std::nullopt
+                   : options.depth == 32 ? std::optional(Depth::k32)
+                                         : std::optional(Depth::k8),
+                   options.downsample, options.compression}) {}
+
+    Result<ExitCode> Run() {
+        const auto request = RequestOf(options_);
+        if (!request) return request.Error();
+        auto planned = PlanFrames(*request);
+        if (!planned) return planned.Error();
+        plan_ = std::move(*planned);
+        if (!options_.compression.empty()) {
+            if (auto known = CheckCompression(options_.output, options_.compression); !known) return known.Error();
+        }
+        auto first = ReadFirst(plan_, reader_, options_.sequence.keepGoing);
+        if (!first) return first.Error();
+        FillJob();
+        if (!first->layers.input) return Draw(std::move(*first));
+
+        const PlannedFrame& frame = plan_.frames[first->frame];
+        auto opened = OpenWithValues(options_, first->layers.input->width, first->layers.input->height, SecondsOf(frame));
+        if (!opened) return opened.Error();
+        if (!opened->params.animation.IsEmpty()) {
+            // What the effect itself keeps in its rows stays; only what moves is set for each frame.
+            job_.values = [this, &effect = *opened](const PlannedFrame& each, const ParamSet& params) {
+                return effect.params.animation.ValuesAt(params, SecondsOf(each), effect.clock);
+            };
+        }
+        if (auto started = StartInstances(opened->Session(), *first); !started) return started.Error();
+        auto outcome = Draw(std::move(*first));
+        if (options_.verbose) TellMisbehaviour();
+        auto ended = instances_.End();
+        if (outcome && !ended) return ended.Error();
+        return outcome;
+    }
+
+ private:
+    double SecondsOf(const PlannedFrame& frame) const {
+        return static_cast<double>(frame.time) / static_cast<double>(plan_.rate.scale);
+    }
+
+    void FillJob() {
+        job_.plan = &plan_;
+        job_.downsample = options_.downsample;
+        job_.canvas = options_.canvas == "layer" ? Canvas::kLayer : Canvas::kGrow;
+        std::tie(job_.textureX, job_.textureY) = PlaceOf(options_.textureAt).value_or(std::pair(0.0, 0.0));
+        job_.keepGoing = options_.sequence.keepGoing;
+        job_.explain = Explain;
+        job_.shape = ShapeFor(1);
+    }
+
+    Result<Done> StartInstances(EffectSession& session, const FirstFrame& first) {
+        const auto footprint = Footprint(job_, first, session);
+        if (!footprint) return Explain(footprint.Error(), session);
+        MachineLimits machine = ThisMachine();
+        machine.mostDrawers = MostDrawers(session);
+        int drawers = options_.sequence.threads > 0 ? options_.sequence.threads : DrawersFor(machine, *footprint);
+        drawers = std::min<int>(drawers, static_cast<int>(std::min<std::size_t>(plan_.frames.size(), kMostThreads)));
+        if (auto started = instances_.Start(session, drawers); !started) return started;
+        job_.shape = ShapeFor(static_cast<int>(instances_.all.size()));
+        if (options_.verbose) {
+            const PipelineShape& shape = job_.shape;
+            std::fputs(fmt::format("threads: {} reading, {} drawing, {} writing; at most {} frames under way, which take "
+                                   "up to {} MiB\n",
+                                   shape.readers, shape.drawers, shape.writers, shape.underWay,
+                                   (MostBytes(shape, *footprint) >> 20) + 1)
+                           .c_str(),
+                       stderr);
+        }
+        return Done{};
+    }
+
+    Result<ExitCode> Draw(FirstFrame first) {
+        FrameProgress progress(plan_, ProgressFormOf(options_.sequence.progress, options_.sequence.quiet),
+                               !options_.json);
+        progress.SetKeepsGoing(options_.sequence.keepGoing);
+        DrawFrames(job_, instances_.all, reader_, std::move(first), progress);
+        const FrameTotals totals = progress.Finish();
+        if (options_.json) PrintResult(SequenceReport(options_.input, options_.output, plan_, job_.shape, progress));
+        if (totals.failed == 0) return ExitCode::kDone;
+        if (options_.sequence.keepGoing) return ExitCode::kEffectFailed;
+        return totals.firstFailure;
+    }
+
+    void TellMisbehaviour() const {
+        for (const EffectSession* session : instances_.all) {
+            for (const std::string& misstep : session->Misbehaviour()) {
+                std::fputs(("the effect misbehaved: " + misstep + "\n").c_str(), stderr);
+            }
+        }
+    }
+
+    const RenderOptions& options_;
+    LayerReader reader_;
+    FramePlan plan_;
+    FrameJob job_;
+    Instances instances_;
+};
+
+}  // namespace
+
+void AddSequenceOptions(CLI::App& app, SequenceOptions& options) {
+    app.add_option("--frames", options.frames,
+                   "Which frames: 1-10, 1-240x2 (every second), 1-100y5 (all but every fifth), 1-100:8 (from coarse to "
+                   "fine), several with commas; without it all that INPUT has")
+        ->check(Readable(ParseFrames))
+        ->type_name("FRAMES");
+    app.add_option("--rate", options.rate, "Frames per second, as 24, 29.97 or 30000/1001")
+        ->check(Readable(ParseRate))
+        ->capture_default_str()
+        ->type_name("RATE");
+    app.add_option("--zero-frame", options.zeroFrame, "The frame at time 0")
+        ->check(CLI::Range(-kFarthestFrame, kFarthestFrame))
+        ->capture_default_str()
+        ->type_name("FRAME");
+    app.add_option("--input-offset", options.inputOffset, "Frame f shows the input's frame f + N")
+        ->check(CLI::Range(-kFarthestFrame, kFarthestFrame))
+        ->capture_default_str()
+        ->type_name("N");
+    app.add_option("--texture-offset", options.textureOffset, "Frame f shows the texture's frame f + N")
+        ->check(CLI::Range(-kFarthestFrame, kFarthestFrame))
+        ->capture_default_str()
+        ->needs("--texture")
+        ->type_name("N");
+    app.add_option("--missing", options.missing,
+                   "A frame without a file: error (default) draws nothing at all, hold shows the one before it, skip "
+                   "leaves it out")
+        ->check(CLI::IsMember({"error", "hold", "skip"}))
+        ->type_name("error|hold|skip");
+    app.add_flag("--skip-existing", options.skipExisting, "Leave out frames whose picture is there");
+    app.add_flag("--keep-going", options.keepGoing, "Draw the other frames when one fails; exit code 1 in the end");
+    app.add_option("--chunk", options.chunk, "The I-th of N parts of the frames, for several machines")
+        ->check(Readable(ParseChunk))
+        ->type_name("I/N");
+    app.add_option("--threads", options.threads,
+                   "Frames drawn at once; without it as many as suit the cores, the renderer and the memory")
+        ->check(CLI::Range(1, kMostThreads))
+        ->type_name("N");
+    app.add_option("--progress", options.progress,
+                   "How to tell of the frames: bar on a terminal, else lines; json for programs")
+        ->check(CLI::IsMember({"auto", "bar", "lines", "json"}))
+        ->type_name("bar|lines|json");
+    app.add_flag("--quiet", options.quiet, "Tell of failures alone");
+}
+
+Result<bool> MeansSequence(const RenderOptions& options) {
+    const auto request = RequestOf(options);
+    if (!request) return request.Error();
+    return MeansSequence(*request);
+}
+
+Result<ExitCode> RenderSequence(const RenderOptions& options) {
+    if (options.seconds != 0) {
+        return Failure{ExitCode::kUsage, "--time is about a single picture; the frames of a sequence have their times "
+                                         "from --rate and --zero-frame"};
+    }
+    return SequenceRender(options).Run();
+}

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// The session that `umbrant render` draws with, for one picture as for many.
+
+#include <fmt/format.h>
+
+#include "host/cli/command.h"
+#include "host/cli/render_options.h"
+#include "host/cli/settings.h"
+#include "host/sequence/frame_numbers.h"
+
+namespace {
+
+/// Beyond it no texture could meet a layer.
+constexpr double kFarthestTexture = 100000;
+
+}  // namespace
+
+std::optional<std::pair<double, double>> PlaceOf(const std::string& text) {
+    const std::size_t comma = text.find(',');
+    if (comma == std::string::npos) return std::nullopt;
+    const std::string numbers[] = {text.substr(0, comma), text.substr(comma + 1)};
+    for (const std::string& number : numbers) {
+        if (!OutOfRange(number, -kFarthestTexture, kFarthestTexture).empty()) return std::nullopt;
+    }
+    return std::pair(std::stod(numbers[0]), std::stod(numbers[1]));
+}
+
+std::string WhyNoPlace(const std::string& text) {
+    if (PlaceOf(text)) return "";
+    return fmt::format("'{}' is not a place X,Y with numbers from -{} to {}", text, kFarthestTexture, kFarthestTexture);
+}
+
+Failure Explain(const Failure& failure, const EffectSession& session) {
+    if (failure.code != ExitCode::kEffectFailed || ReadGpuStrings(session.Params()).HasContext()) return failure;
+    return {failure.code,
+            fmt::format("no OpenGL context could be made, so the effect cannot draw: {}", failure.sentence)};
+}
+
+Result<OpenedEffect> OpenWithValues(const RenderOptions& options, int layerWidth, int layerHeight, double seconds) {
+    SessionOptions about;
+    about.layerWidth = layerWidth;
+    about.layerHeight = layerHeight;
+    if (options.collapsed) about.layerFlags |= AEGP_LayerFlag_COLLAPSE;
+    const auto rate = ParseRate(options.sequence.rate);
+    if (!rate) return rate.Error();
+    auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module), about);
+    if (!opened) return opened.Error();
+    OpenedEffect effect{std::move(*opened), {}, {rate->PerSecond(), static_cast<double>(options.sequence.zeroFrame)}};
+    EffectSession& session = effect.Session();
+    effect.params.values = session.Params();
+    if (auto set = ApplyValues(options.preset, options.settings, effect.params); !set) return set.Error();
+    session.Params() = effect.params.animation.ValuesAt(effect.params.values, seconds, effect.clock);
+    if (auto updated = session.UpdateParamsUI(); !updated) return Explain(updated.Error(), session);
+    return effect;
+}

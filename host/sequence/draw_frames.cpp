@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/sequence/draw_frames.h"
+
+#include <fmt/format.h>
+
+#include <chrono>
+#include <cmath>
+#include <new>
+#include <utility>
+
+#include "host/sequence/frame_pixels.h"
+
+namespace {
+
+/// Milliseconds since it was made.
+class Timer {
+ public:
+    double Taken() const {
+        return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin_).count();
+    }
+
+ private:
+    std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
+};
+
+/// A frame under way.
+struct Underway {
+    FrameLayers layers;
+    Drawn drawn;
+    Placement place;
+    WriteOptions kept;
+    FrameOutcome outcome;
+};
+
+class FrameWorker {
+ public:
+    FrameWorker(const FrameJob& job, const std::vector<EffectSession*>& sessions, LayerReader& reader,
+                FirstFrame first, FrameWatcher& watcher)
+        : job_(job),
+          sessions_(sessions),
+          reader_(reader),
+          watcher_(watcher),
+          first_(std::move(first)),
+          underway_(job.plan->frames.size()) {}
+
+    AfterStep Read(std::size_t index) {
+        const PlannedFrame& frame = job_.plan->frames[index];
+        underway_[index] = std::make_unique<Underway>();
+        Underway& work = *underway_[index];
+        switch (frame.state) {
+            case PlannedFrame::State::kExists:
+                return End(index, FrameOutcome::Kind::kExists);
+            case PlannedFrame::State::kSkipped:
+                return End(index, FrameOutcome::Kind::kSkipped);
+            case PlannedFrame::State::kMissing:
+                return Fail(index, {ExitCode::kFile,
+                                    fmt::format("cannot read '{}': there is no such file", frame.missing)});
+            case PlannedFrame::State::kDraw:
+                break;
+        }
+        watcher_.Begins(index, FrameStep::kRead, nullptr);
+        const Timer timer;
+        if (index == first_.frame && first_.layers.input) {
+            work.layers = std::move(first_.layers);
+        } else {
+            auto layers = reader_.Read(frame);
+            if (!layers) return Fail(index, layers.Error());
+            work.layers = std::move(*layers);
+        }
+        work.outcome.readTime = timer.Taken();
+        work.outcome.layerWidth = work.layers.input->width;
+        work.outcome.layerHeight = work.layers.input->height;
+        work.outcome.bits = work.layers.input->bits;
+        return AfterStep::kGoOn;
+    }
+
+    AfterStep Draw(std::size_t index, int thread) {
+        EffectSession& session = *sessions_[static_cast<std::size_t>(thread)];
+        const PlannedFrame& frame = job_.plan->frames[index];
+        Underway& work = *underway_[index];
+        watcher_.Begins(index, FrameStep::kDraw, &session);
+        const Timer timer;
+        std::optional<ParamSet> values;
+        if (job_.values) values = job_.values(frame, session.Params());
+        auto drawn = session.Render(RequestFor(job_, frame, work.layers, values ? &*values : nullptr));
+        if (!drawn) return Fail(index, job_.explain ? job_.explain(drawn.Error(), session) : drawn.Error());
+        work.outcome.message = drawn->message;
+        const World& layer = work.layers.input->pixels;
+        auto picture = PictureOf(*drawn, job_.canvas, layer.Width(), layer.Height(), layer.PixelDepth());
+        if (!picture) return Fail(index, picture.Error());
+        work.drawn = std::move(*picture);
+        work.place = {work.drawn.rect, layer.Width(), layer.Height(), work.layers.input->frameOrigin};
+        work.kept = work.layers.input->kept;
+        work.outcome.picture = work.drawn.rect;
+        work.outcome.drawTime = timer.Taken();
+        work.layers = {};
+        return AfterStep::kGoOn;
+    }
+
+    AfterStep Write(std::size_t index) {
+        Underway& work = *underway_[index];
+        watcher_.Begins(index, FrameStep::kWrite, nullptr);
+        const Timer timer;
+        const std::string& output = job_.plan->frames[index].output;
+        if (auto written = WritePicture(output, work.drawn.pixels, work.place, work.kept); !written) {
+            return Fail(index, written.Error());
+        }
+        work.outcome.writeTime = timer.Taken();
+        return End(index, FrameOutcome::Kind::kDrawn);
+    }
+
+    /// A step that runs out of memory is a frame that fails.
+    template <typename Step>
+    AfterStep Guarded(std::size_t index, Step step) {
+        try {
+            return step();
+        } catch (const std::bad_alloc&) {
+            return Fail(index, {ExitCode::kInternal, "there is not enough memory for the frame"});
+        }
+    }
+
+ private:
+    AfterStep End(std::size_t index, FrameOutcome::Kind kind) {
+        const std::unique_ptr<Underway> work = std::move(underway_[index]);
+        work->outcome.kind = kind;
+        watcher_.Ends(index, work->outcome);
+        const bool ends = kind == FrameOutcome::Kind::kFailed && !job_.keepGoing;
+        return ends ? AfterStep::kStopAll : AfterStep::kLeave;
+    }
+
+    AfterStep Fail(std::size_t index, const Failure& failure) {
+        underway_[index]->outcome.failure = failure;
+        return End(index, FrameOutcome::Kind::kFailed);
+    }
+
+    const FrameJob& job_;
+    const std::vector<EffectSession*>& sessions_;
+    LayerReader& reader_;
+    FrameWatcher& watcher_;
+    FirstFrame first_;
+    std::vector<std::unique_ptr<Underway>> underway_;
+};
+
+}  // namespace
+
+FrameRequest RequestFor(const FrameJob& job, const PlannedFrame& frame, const FrameLayers& layers,
+                        const ParamSet* params) {
+    FrameRequest request;
+    request.layer = &layers.input->pixels;
+    request.layerWidth = layers.input->width;
+    request.layerHeight = layers.input->height;
+    request.downsampleX = request.downsampleY = {1, static_cast<A_u_long>(job.downsample)};
+    request.texture = layers.texture ? &layers.texture->pixels : nullptr;
+    request.textureOrigin.x = static_cast<A_long>(std::lround(job.textureX / job.downsample));
+    request.textureOrigin.y = static_cast<A_long>(std::lround(job.textureY / job.downsample));
+    request.canvas = job.canvas;
+    request.time = frame.time;
+    request.timeStep = job.plan->rate.step;
+    request.totalTime = job.plan->totalTime;
+    request.timeScale = job.plan->rate.scale;
+    request.params = params;
+    return request;
+}
+
+void DrawFrames(const FrameJob& job, const std::vector<EffectSession*>& sessions, LayerReader& reader,
+                FirstFrame first, FrameWatcher& watcher) {
+    FrameWorker worker(job, sessions, reader, std::move(first), watcher);
+    RunPipeline(
+        job.plan->frames.size(), job.shape,
+        [&](std::size_t frame, int) { return worker.Guarded(frame, [&] { return worker.Read(frame); }); },
+        [&](std::size_t frame, int thread) {
+            return worker.Guarded(frame, [&] { return worker.Draw(frame, thread); });
+        },
+        [&](std::size_t frame, int) { return worker.Guarded(frame, [&] { return worker.Write(frame); }); });
+}

@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// Draws the frames of a plan with one or more instances of an effect: each read, drawn and written, while others are.
+// The files do not depend on how many are under way at once, nor on their order.
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/sequence/frame_layers.h"
+#include "host/sequence/frame_plan.h"
+#include "host/sequence/pipeline.h"
+#include "host/session/effect_session.h"
+
+/// What a frame is at.
+enum class FrameStep { kRead, kDraw, kWrite };
+
+/// What became of a frame.
+struct FrameOutcome {
+    enum class Kind {
+        kDrawn,
+        kExists,   ///< its picture was there already
+        kSkipped,  ///< its file is missing, and it was to be left out
+        kFailed,
+    };
+    Kind kind = Kind::kDrawn;
+    std::optional<Failure> failure{};
+    std::string message{};  ///< the effect's words to the user
+    int layerWidth = 0;     ///< the layer's full size
+    int layerHeight = 0;
+    int bits = 0;          ///< of a channel in the input's file; 0 when it was not read
+    PF_LRect picture{};    ///< what was written, in pixels of the drawn layer
+    double readTime = 0;   ///< milliseconds of each step
+    double drawTime = 0;
+    double writeTime = 0;
+};
+
+/// Is told what happens, from several threads at once.
+class FrameWatcher {
+ public:
+    virtual ~FrameWatcher() = default;
+    /// A frame (an index of the plan's) begins a step; `session` is what draws it.
+    virtual void Begins(std::size_t frame, FrameStep step, const EffectSession* session) = 0;
+    /// A frame is done with. Called once for each frame that is reached.
+    virtual void Ends(std::size_t frame, const FrameOutcome& outcome) = 0;
+};
+
+/// What is drawn, and how.
+struct FrameJob {
+    const FramePlan* plan = nullptr;
+    int downsample = 1;
+    Canvas canvas = Canvas::kGrow;
+    double textureX = 0;  ///< where the texture's top-left lies, in pixels of the full-size layer
+    double textureY = 0;
+    bool keepGoing = false;  ///< a frame that fails does not end the others
+    /// The values of a frame; without it those of the session that draws it.
+    std::function<ParamSet(const PlannedFrame&, const ParamSet&)> values{};
+    /// Says an effect's failure in better words.
+    std::function<Failure(const Failure&, const EffectSession&)> explain{};
+    PipelineShape shape{};
+};
+
+/// The frame as it is asked of the effect; `params` may be null. The layers must outlive the request.
+FrameRequest RequestFor(const FrameJob& job, const PlannedFrame& frame, const FrameLayers& layers,
+                        const ParamSet* params);
+
+/// A frame whose pictures were read before the others.
+struct FirstFrame {
+    std::size_t frame = 0;
+    FrameLayers layers;
+};
+
+/// Draws all frames, as many at once as `job.shape` says; `sessions` has one instance for each drawing thread, and they
+/// have the same values. Unless it keeps going, the first failure ends it: frames that were drawn are still written, and
+/// those that were not reached have no outcome.
+void DrawFrames(const FrameJob& job, const std::vector<EffectSession*>& sessions, LayerReader& reader,
+                FirstFrame first, FrameWatcher& watcher);

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// The pictures of a frame, read and made ready for the effect. A picture that many frames share is read once.
+
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "host/image/picture.h"
+#include "host/sequence/frame_plan.h"
+
+/// How pictures become layers.
+struct LayerOptions {
+    std::optional<Depth> depth{};  ///< without it the input's own
+    int downsample = 1;
+    std::string compression{};  ///< of the picture that will be written; see WriteOptions
+};
+
+/// A picture as a layer, and what is to be kept of its file.
+struct Layer {
+    World pixels;
+    int width = 0;  ///< full size
+    int height = 0;
+    PF_Point frameOrigin{};  ///< what the file calls the frame's corner; (0, 0) when it was drawn smaller
+    int bits = 8;            ///< of a channel in the file
+    WriteOptions kept{};
+};
+
+struct FrameLayers {
+    std::shared_ptr<const Layer> input;
+    std::shared_ptr<const Layer> texture;  ///< null for none; in the input's depth
+};
+
+/// Safe on every thread.
+class LayerReader {
+ public:
+    explicit LayerReader(LayerOptions options) : options_(std::move(options)) {}
+
+    /// Fails as ReadPicture and LayerOf do.
+    Result<FrameLayers> Read(const PlannedFrame& frame);
+
+ private:
+    /// The picture that was kept last.
+    struct Kept {
+        std::mutex mutex;
+        std::string path;
+        Depth depth = Depth::k8;
+        std::shared_ptr<const Layer> layer;
+    };
+    Result<std::shared_ptr<const Layer>> ReadLayer(const std::string& path, std::optional<Depth> depth) const;
+    Result<std::shared_ptr<const Layer>> ReadOnce(Kept& kept, const std::string& path, std::optional<Depth> depth);
+
+    const LayerOptions options_;
+    Kept input_;
+    Kept texture_;
+};

@@ -1,0 +1,232 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/sequence/frame_plan.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <limits>
+#include <set>
+#include <system_error>
+
+#include "host/image/picture.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+bool IsFile(const std::string& path) {
+    std::error_code error;
+    return fs::exists(path, error);
+}
+
+/// A picture, or one for each frame.
+struct Source {
+    std::string path;
+    std::optional<FramePattern> pattern;
+    std::vector<int> onDisk;
+    int offset = 0;
+};
+
+/// An existing file of the very name is that file, whatever signs its name has; and an @ is a sign like any other unless
+/// there is a sequence behind it.
+Result<Source> SourceOf(const std::string& path, int offset) {
+    Source source{path, {}, {}, offset};
+    if (path.empty() || IsFile(path)) return source;
+    auto pattern = FramePattern::Find(path);
+    if (!pattern) return pattern.Error();
+    source.pattern = *pattern;
+    if (source.pattern) source.onDisk = source.pattern->FramesOnDisk();
+    if (source.pattern && source.pattern->IsWeak() && source.onDisk.empty()) source.pattern.reset();
+    return source;
+}
+
+/// The file of a frame, and what stands in for it.
+struct Found {
+    std::string path;
+    std::optional<int> held;
+    bool exists = true;
+};
+
+Found FindFrame(const Source& source, int frame, MissingFrames missing) {
+    if (!source.pattern) return {source.path, {}, true};
+    const int wanted = frame + source.offset;
+    const auto& onDisk = source.onDisk;
+    const auto after = std::lower_bound(onDisk.begin(), onDisk.end(), wanted);
+    const bool exists = after != onDisk.end() && *after == wanted;
+    if (exists || missing != MissingFrames::kHold || onDisk.empty()) {
+        return {source.pattern->PathOf(wanted), {}, exists};
+    }
+    const int held = after != onDisk.begin() ? *std::prev(after) : *after;
+    return {source.pattern->PathOf(held), held, true};
+}
+
+/// All frames that are asked for, before they are divided into chunks.
+Result<std::vector<int>> WholeSet(const PlanRequest& request, const Source& input, const Source& texture) {
+    if (request.frames) return *request.frames;
+    for (const Source* source : {&input, &texture}) {
+        if (!source->pattern) continue;
+        if (source->onDisk.empty()) {
+            return Failure{ExitCode::kFile, fmt::format("cannot read '{}': no file has such a name", source->path)};
+        }
+        std::vector<int> frames = source->onDisk;
+        for (int& frame : frames) frame -= source->offset;
+        return frames;
+    }
+    return Failure{ExitCode::kUsage, "there is no sequence; say which frames to draw with --frames"};
+}
+
+/// A name with a frame field for this one: "out.png" becomes "out.####.png".
+std::string WithField(const fs::path& path) {
+    return (path.parent_path() / (path.stem().string() + ".####" + path.extension().string())).string();
+}
+
+Result<std::optional<FramePattern>> OutputPattern(const PlanRequest& request, const std::vector<int>& frames) {
+    auto pattern = FramePattern::Find(request.output);
+    if (!pattern) return pattern;
+    if (!*pattern && frames.size() > 1) {
+        return Failure{ExitCode::kUsage,
+                       fmt::format("'{}' has no place for the frame's number, and there are {} frames; write it like "
+                                   "'{}'",
+                                   request.output, frames.size(), WithField(request.output))};
+    }
+    return pattern;
+}
+
+/// A file apart from the names that lead to it, or its name while it does not exist.
+std::string IdentityOf(const std::string& path) {
+    std::error_code error;
+    const fs::path canonical = fs::weakly_canonical(path, error);
+    return error ? path : canonical.string();
+}
+
+Failure SameFile(const std::string& output) {
+    return {ExitCode::kUsage,
+            fmt::format("'{}' is read and written in one run; give the output another name", output)};
+}
+
+Result<Done> CheckOutputs(const std::vector<PlannedFrame>& frames) {
+    std::set<std::string> read;
+    for (const PlannedFrame& frame : frames) {
+        read.insert(IdentityOf(frame.input));
+        if (!frame.texture.empty()) read.insert(IdentityOf(frame.texture));
+    }
+    for (const PlannedFrame& frame : frames) {
+        if (read.contains(IdentityOf(frame.output))) return SameFile(frame.output);
+    }
+    return frames.empty() ? Result<Done>(Done{}) : CheckWritable(frames.front().output);
+}
+
+/// Times must be whole numbers of 32 bits.
+Result<Done> CheckTimes(const std::vector<int>& frames, const PlanRequest& request) {
+    for (const int frame : frames) {
+        const std::int64_t time = (std::int64_t{frame} - request.zeroFrame) * request.rate.step;
+        if (std::abs(time) + request.rate.step <= std::numeric_limits<A_long>::max()) continue;
+        return Failure{ExitCode::kUsage,
+                       fmt::format("frame {} lies too far from frame {}, which is at time 0, for a rate of {}/{}",
+                                   frame, request.zeroFrame, request.rate.scale, request.rate.step)};
+    }
+    return Done{};
+}
+
+PlannedFrame PlanFrame(const PlanRequest& request, const Source& input, const Source& texture, int number) {
+    PlannedFrame frame;
+    frame.number = number;
+    frame.time = (number - request.zeroFrame) * request.rate.step;
+    const Found layer = FindFrame(input, number, request.missing);
+    frame.input = layer.path;
+    frame.heldInput = layer.held;
+    Found picture;
+    if (!texture.path.empty()) picture = FindFrame(texture, number, request.missing);
+    frame.texture = picture.path;
+    frame.heldTexture = picture.held;
+    if (layer.exists && picture.exists) return frame;
+    frame.missing = layer.exists ? picture.path : layer.path;
+    frame.state =
+        request.missing == MissingFrames::kSkip ? PlannedFrame::State::kSkipped : PlannedFrame::State::kMissing;
+    return frame;
+}
+
+Result<Done> CheckMissing(const std::vector<PlannedFrame>& frames) {
+    std::vector<int> missing;
+    const PlannedFrame* first = nullptr;
+    for (const PlannedFrame& frame : frames) {
+        if (frame.state != PlannedFrame::State::kMissing) continue;
+        if (!first) first = &frame;
+        missing.push_back(frame.number);
+    }
+    if (!first) return Done{};
+    if (missing.size() == 1) {
+        return Failure{ExitCode::kFile, fmt::format("cannot read '{}': there is no such file; --missing hold shows "
+                                                    "another frame instead, --missing skip leaves frame {} out",
+                                                    first->missing, first->number)};
+    }
+    return Failure{ExitCode::kFile, fmt::format("cannot read '{}', nor the files of {} frames in all ({}): there are no "
+                                                "such files; --missing hold shows other frames instead, --missing skip "
+                                                "leaves these out",
+                                                first->missing, missing.size(), FramesText(missing))};
+}
+
+}  // namespace
+
+Result<bool> MeansSequence(const PlanRequest& request) {
+    if (request.frames) return true;
+    for (const std::string& path : {request.input, request.texture}) {
+        const auto source = SourceOf(path, 0);
+        if (!source) return source.Error();
+        if (source->pattern) return true;
+    }
+    const auto output = FramePattern::Find(request.output);
+    if (!output || !*output || (*output)->IsWeak() || request.output.empty()) return false;
+    return Failure{ExitCode::kUsage, fmt::format("'{}' has a field for the frame's number, but '{}' is a single picture; "
+                                                 "say which frames to draw with --frames",
+                                                 request.output, request.input)};
+}
+
+Result<FramePlan> PlanFrames(const PlanRequest& request) {
+    const auto input = SourceOf(request.input, request.inputOffset);
+    if (!input) return input.Error();
+    const auto texture = SourceOf(request.texture, request.textureOffset);
+    if (!texture) return texture.Error();
+    const auto whole = WholeSet(request, *input, *texture);
+    if (!whole) return whole.Error();
+    const auto output = OutputPattern(request, *whole);
+    if (!output) return output.Error();
+    if (auto reachable = CheckTimes(*whole, request); !reachable) return reachable.Error();
+
+    // Another chunk's machine may be writing what this one would read, so the whole set is judged.
+    std::vector<PlannedFrame> frames;
+    for (const int number : *whole) {
+        frames.push_back(PlanFrame(request, *input, *texture, number));
+        PlannedFrame& frame = frames.back();
+        frame.output = *output ? (*output)->PathOf(number) : request.output;
+        frame.inputChanges = input->pattern && !frame.heldInput;
+        frame.textureChanges = texture->pattern && !frame.heldTexture;
+    }
+    if (auto apart = CheckOutputs(frames); !apart) return apart.Error();
+
+    FramePlan plan;
+    plan.rate = request.rate;
+    plan.zeroFrame = request.zeroFrame;
+    for (const PlannedFrame& frame : frames) plan.totalTime = std::max(plan.totalTime, frame.time + request.rate.step);
+    const auto [begin, end] = ChunkRange(frames.size(), request.chunk);
+    for (std::size_t i = begin; i < end; ++i) plan.frames.push_back(std::move(frames[i]));
+    if (request.skipExisting) {
+        for (PlannedFrame& frame : plan.frames) {
+            std::error_code error;
+            if (fs::is_regular_file(frame.output, error)) frame.state = PlannedFrame::State::kExists;
+        }
+    }
+    if (request.missing == MissingFrames::kError && !request.keepGoing) {
+        if (auto complete = CheckMissing(plan.frames); !complete) return complete.Error();
+    }
+    return plan;
+}
+
+Result<Done> CheckApart(const std::string& input, const std::string& output) {
+    if (IdentityOf(input) == IdentityOf(output)) return SameFile(output);
+    return Done{};
+}

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// What is to be done for a set of frames, decided before the first of them is drawn: which files each is made of, where
+// it goes, at which time it is, and which of them need not or cannot be drawn.
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/result.h"
+#include "host/sequence/frame_numbers.h"
+#include "host/sequence/frame_pattern.h"
+
+/// What to do about a frame whose file is not there.
+enum class MissingFrames {
+    kError,  ///< nothing is drawn
+    kHold,   ///< the nearest frame before it is shown, else the nearest after it
+    kSkip,   ///< it is left out
+};
+
+struct PlanRequest {
+    std::string input;    ///< a picture or a pattern
+    std::string texture;  ///< the same; empty for none
+    std::string output;   ///< a picture or a pattern
+    /// The frames; without them all that the input has, or else the texture.
+    std::optional<std::vector<int>> frames{};
+    int inputOffset = 0;    ///< frame f is drawn from the input's frame f + inputOffset
+    int textureOffset = 0;  ///< and from the texture's frame f + textureOffset
+    MissingFrames missing = MissingFrames::kError;
+    bool keepGoing = false;     ///< a frame without a file is one that fails, and does not end everything
+    bool skipExisting = false;  ///< a frame whose picture is there is left out
+    Chunk chunk{};
+    FrameRate rate{};
+    int zeroFrame = 0;  ///< the frame at time 0
+};
+
+struct PlannedFrame {
+    enum class State {
+        kDraw,
+        kMissing,  ///< `missing` is not there
+        kSkipped,  ///< the same, and that is to be so
+        kExists,   ///< its picture is there already
+    };
+    int number = 0;
+    State state = State::kDraw;
+    std::string input;
+    std::string texture;  ///< empty for none
+    std::string output;
+    std::string missing;                ///< the file that is not there
+    std::optional<int> heldInput{};     ///< the input's frame that stands in for a missing one
+    std::optional<int> heldTexture{};   ///< the texture's
+    bool inputChanges = true;  ///< its input is its own; else others may share it, and it is worth keeping
+    bool textureChanges = true;
+    A_long time = 0;  ///< in units of 1/rate.scale seconds
+};
+
+struct FramePlan {
+    std::vector<PlannedFrame> frames;  ///< of the chunk, in the order of drawing
+    FrameRate rate{};
+    int zeroFrame = 0;
+    A_long totalTime = 1;  ///< up to the end of the last frame of the whole set; at least one step
+};
+
+/// Whether the arguments mean a sequence: frames are given, or the input or the texture is a pattern and no file of
+/// that very name exists. Fails with `ExitCode::kUsage` on a wrong pattern.
+Result<bool> MeansSequence(const PlanRequest& request);
+
+/// Makes the plan. Fails with `ExitCode::kUsage` when many frames would go into one file, when a frame would be written
+/// over a file that is read, or when a time is too far off; with `ExitCode::kFile` when files are missing or the place
+/// of the output cannot be written.
+Result<FramePlan> PlanFrames(const PlanRequest& request);
+
+/// Fails with `ExitCode::kUsage` when both paths lead to one file.
+Result<Done> CheckApart(const std::string& input, const std::string& output);

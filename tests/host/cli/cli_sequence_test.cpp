@@ -1,0 +1,428 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// `umbrant render` over many frames: what is written, told and answered, and what bad input ends with.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <pty.h>
+
+#include <chrono>
+#include <csignal>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <thread>
+
+#include "tests/host/cli/program.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+using Json = nlohmann::json;
+
+class CliSequence : public testing::Test {
+ protected:
+    CliSequence() {
+        for (int frame = 1; frame <= 6; ++frame) {
+            WriteLayer(folder_ / ("in." + std::to_string(frame) + ".png"), 5, 3,
+                       {255, static_cast<A_u_char>(10 * frame), 100, 50});
+        }
+        WriteLayer(folder_ / "still.png", 5, 3, {255, 200, 100, 50});
+    }
+
+    std::vector<std::string> Arguments(const std::string& input, const std::string& output,
+                                       const std::vector<std::string>& more,
+                                       const std::string& module = "painter") const {
+        std::vector<std::string> all = {"render", input, "-o", output, "--module", TestModule(module)};
+        all.insert(all.end(), more.begin(), more.end());
+        return all;
+    }
+    Outcome Render(const std::vector<std::string>& more = {}, const std::string& input = "in.@.png",
+                   const std::string& output = "out.##.png") const {
+        return RunUmbrant(folder_, Arguments(input, output, more));
+    }
+    int Red(const std::string& name) const {
+        Picture picture = Read(folder_ / name);
+        return picture.pixels.IsNull() ? -1 : Pixel8(picture.pixels, 2, 1).red;
+    }
+    bool Exists(const std::string& name) const { return std::filesystem::exists(folder_ / name); }
+
+    static std::vector<Json> JsonLines(const std::string& text) {
+        std::vector<Json> lines;
+        std::istringstream stream(text);
+        for (std::string line; std::getline(stream, line);) lines.push_back(Json::parse(line));
+        return lines;
+    }
+
+    const Folder folder_;
+};
+
+TEST_F(CliSequence, DrawsEveryFrameAndPrintsThePaths) {
+    const Outcome outcome = Render();
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_EQ(outcome.out, "out.01.png\nout.02.png\nout.03.png\nout.04.png\nout.05.png\nout.06.png\n");
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 3 (3 of 6): "));
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: 6 drawn in "));
+    for (int frame = 1; frame <= 6; ++frame) EXPECT_EQ(Red("out.0" + std::to_string(frame) + ".png"), 10 * frame);
+    EXPECT_EQ(folder_.Entries(), 7 + 6) << "nothing else is left";
+}
+
+TEST_F(CliSequence, ChoosesFrames) {
+    const struct {
+        const char* name;
+        std::vector<std::string> arguments;
+        const char* paths;
+    } rows[] = {
+        {"a step", {"--frames", "1-6x2"}, "out.01.png\nout.03.png\nout.05.png\n"},
+        {"the rest", {"--frames", "1-6y2"}, "out.02.png\nout.04.png\nout.06.png\n"},
+        {"coarse to fine", {"--frames", "1-4:2"}, "out.01.png\nout.03.png\nout.02.png\nout.04.png\n"},
+        {"single ones", {"--frames", "6,2"}, "out.06.png\nout.02.png\n"},
+        {"an offset", {"--frames", "-1-0", "--input-offset", "2"}, "out.-1.png\nout.00.png\n"},
+        {"a chunk", {"--chunk", "2/3"}, "out.03.png\nout.04.png\n"},
+        {"the last of more chunks than frames", {"--chunk", "1/100"}, ""},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const Outcome outcome = Render(row.arguments);
+        EXPECT_EQ(outcome.code, 0) << outcome.err;
+        EXPECT_EQ(outcome.out, row.paths);
+    }
+    EXPECT_EQ(Red("out.-1.png"), 10) << "the input's first frame";
+    EXPECT_THAT(Render({"--chunk", "1/100"}).err, HasSubstr("umbrant: there are no frames in this chunk\n"));
+}
+
+TEST_F(CliSequence, AStillPictureHasFramesWhenTheyAreAskedFor) {
+    EXPECT_EQ(Render({"--frames", "1-2"}, "still.png").out, "out.01.png\nout.02.png\n");
+    EXPECT_EQ(ReadBytes(folder_ / "out.01.png"), ReadBytes(folder_ / "out.02.png"));
+    EXPECT_EQ(Render({"--frames", "7"}, "still.png", "one.png").out, "one.png\n");
+}
+
+TEST_F(CliSequence, ATextureSequenceRunsBesideTheLayers) {
+    for (int frame = 4; frame <= 9; ++frame) {
+        WriteLayer(folder_ / ("tex_" + std::to_string(frame) + ".png"), 5, 3, {255, 0, static_cast<A_u_char>(frame), 0});
+    }
+    WriteLayer(folder_ / "clear.png", 5, 3, {0, 0, 0, 0});
+    const Outcome outcome = Render({"--frames", "1-6", "--texture", "tex_%d.png", "--texture-offset", "3",
+                                    "--texture-at", "4,0", "--set", "paint/border=4"},
+                                   "in.@.png");
+    ASSERT_EQ(outcome.code, 0) << outcome.err;
+    Picture picture = Read(folder_ / "out.06.png");
+    EXPECT_EQ(Pixel8(picture.pixels, 9, 4).green, 9) << "beside the layer the texture shows: its frame 6 + 3";
+    EXPECT_EQ(Pixel8(picture.pixels, 8, 4).red, 60);
+}
+
+TEST_F(CliSequence, MissingFramesAreRefusedHeldOrLeftOut) {
+    std::filesystem::remove(folder_ / "in.3.png");
+    Outcome outcome = Render({"--frames", "1-6"});
+    EXPECT_EQ(outcome.code, 3);
+    EXPECT_EQ(outcome.err,
+              "umbrant: cannot read 'in.3.png': there is no such file; --missing hold shows another frame instead, "
+              "--missing skip leaves frame 3 out\n");
+    EXPECT_FALSE(Exists("out.01.png")) << "nothing is drawn";
+
+    outcome = Render({"--frames", "1-6", "--missing", "hold"});
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 3 shows 'in.2.png'\n"));
+    EXPECT_EQ(Red("out.03.png"), 20);
+
+    std::filesystem::remove(folder_ / "out.03.png");
+    outcome = Render({"--frames", "1-6", "--missing", "skip"});
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 3 is left out: there is no 'in.3.png'\n"));
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: 5 drawn, 1 left out in "));
+    EXPECT_FALSE(Exists("out.03.png"));
+
+    outcome = Render({"--frames", "1-6", "--keep-going"});
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 3: cannot read 'in.3.png': there is no such file\n"));
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: 5 drawn, 1 failed in "));
+    EXPECT_TRUE(Exists("out.06.png"));
+}
+
+TEST_F(CliSequence, WhatIsThereIsLeftAlone) {
+    WriteBytes(folder_ / "out.02.png", "mine");
+    Outcome outcome = Render({"--skip-existing"});
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_EQ(ReadBytes(folder_ / "out.02.png"), "mine");
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 2 (2 of 6): 'out.02.png' is there already\n"));
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: 5 drawn, 1 there already in "));
+    EXPECT_THAT(outcome.out, Not(HasSubstr("out.02.png")));
+    outcome = Render({"--skip-existing"});
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: 0 drawn, 6 there already\n"));
+    ASSERT_EQ(Render().code, 0);
+    EXPECT_EQ(Red("out.02.png"), 20) << "without it pictures are replaced";
+}
+
+TEST_F(CliSequence, AnUnreadableFrameInTheMiddle) {
+    WriteBytes(folder_ / "in.3.png", "no picture at all");
+    Outcome outcome = Render({"--threads", "1"});
+    EXPECT_EQ(outcome.code, 3);
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 3: cannot read 'in.3.png': it is not a picture that can be read"));
+    EXPECT_THAT(outcome.err, HasSubstr(" frames were not reached"));
+    EXPECT_FALSE(Exists("out.03.png"));
+
+    outcome = Render({"--keep-going"});
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 3: cannot read 'in.3.png': it is not a picture"));
+    EXPECT_THAT(outcome.out, HasSubstr("out.06.png"));
+
+    WriteBytes(folder_ / "in.1.png", "nor this");
+    EXPECT_EQ(Render({"--keep-going"}).code, 1) << "also when it is the first";
+    EXPECT_EQ(Render().code, 3);
+    EXPECT_THAT(Render().err, StartsWith("umbrant: frame 1: cannot read 'in.1.png'"));
+}
+
+TEST_F(CliSequence, SizesAndDepthsMayChangeAndItIsSaid) {
+    WriteLayer(folder_ / "in.3.png", 7, 2, {255, 30, 0, 0});
+    WriteFile(folder_ / "in.5.png", OIIO::ImageSpec(5, 3, 4, OIIO::TypeDesc::UINT16), {0.5f, 0.25f, 0.125f, 1});
+    const Outcome outcome = Render();
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 3 is 7 x 2 where frame 2 is 5 x 3\n"));
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 4 is 5 x 3 where frame 3 is 7 x 2\n"));
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 5 has 16 bits a channel where frame 4 has 8\n"));
+    EXPECT_EQ(Read(folder_ / "out.03.png").pixels.Width(), 7);
+    EXPECT_EQ(Read(folder_ / "out.05.png").bits, 16);
+    EXPECT_EQ(Read(folder_ / "out.06.png").bits, 8);
+}
+
+TEST_F(CliSequence, WrongUsageIsToldBeforeAnythingIsDrawn) {
+    const struct {
+        const char* name;
+        std::vector<std::string> arguments;
+        const char* input;
+        const char* output;
+        int code;
+        const char* sentence;
+    } rows[] = {
+        {"no field", {}, "in.@.png", "out.png", 2,
+         "'out.png' has no place for the frame's number, and there are 6 frames; write it like 'out.####.png'"},
+        {"two fields", {}, "in.@.png", "out.#.%d.png", 2, "has 2 fields for the frame's number"},
+        {"no frames", {}, "none.####.png", "out.#.png", 3, "cannot read 'none.####.png': no file has such a name"},
+        {"a field without frames", {}, "still.png", "out.####.png", 2, "say which frames to draw with --frames"},
+        {"the input is the output", {}, "in.@.png", "in.@.png", 2,
+         "'in.1.png' is read and written in one run; give the output another name"},
+        {"one picture over itself", {}, "still.png", "./still.png", 2, "'./still.png' is read and written in one run"},
+        {"the texture is the output", {"--texture", "still.png"}, "in.1.png", "still.png", 2,
+         "'still.png' is read and written in one run"},
+        {"wrong frames", {"--frames", "1-6z2"}, "in.@.png", "out.#.png", 2, "'1-6z2' is no set of frames"},
+        {"a wrong chunk", {"--chunk", "4/3"}, "in.@.png", "out.#.png", 2, "'4/3' is no chunk"},
+        {"a wrong rate", {"--rate", "fast"}, "in.@.png", "out.#.png", 2, "'fast' is no frame rate"},
+        {"a wrong policy", {"--missing", "guess"}, "in.@.png", "out.#.png", 2, "guess not in {error,hold,skip}"},
+        {"no threads", {"--threads", "0"}, "in.@.png", "out.#.png", 2, "--threads"},
+        {"a time", {"--time", "1"}, "in.@.png", "out.#.png", 2, "--time is about a single picture"},
+        {"a folder that is not there", {}, "in.@.png", "none/out.#.png", 3, "there is no folder 'none'"},
+        {"a compression that the format lacks", {"--compression", "zip"}, "in.@.png", "out.#.png", 2, "zip"},
+        {"a wrong value", {"--set", "paint/boarder=1"}, "in.@.png", "out.#.png", 2, "nearest: 'paint/border'"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const auto before = folder_.Entries();
+        const Outcome outcome = Render(row.arguments, row.input, row.output);
+        EXPECT_EQ(outcome.code, row.code) << outcome.err;
+        EXPECT_THAT(outcome.err, HasSubstr(row.sentence));
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(folder_.Entries(), before);
+    }
+}
+
+TEST_F(CliSequence, AnAtSignIsNoFieldInAPicturesName) {
+    EXPECT_EQ(Render({}, "still.png", "still@2x.png").out, "still@2x.png\n");
+    EXPECT_EQ(Render({}, "still@2x.png", "again@2x.png").out, "again@2x.png\n");
+}
+
+TEST_F(CliSequence, ADiskThatIsFullEndsItWithoutAHalfFile) {
+    // Pictures of noise, larger than a limit on the size of files allows.
+    World noise = World::Create(200, 200, Depth::k8);
+    unsigned state = 1;
+    for (int y = 0; y < 200; ++y) {
+        for (int x = 0; x < 200; ++x) {
+            state = state * 1664525 + 1013904223;
+            Pixel8(noise, x, y) = {255, static_cast<A_u_char>(state >> 24), static_cast<A_u_char>(state >> 16), 1};
+        }
+    }
+    ASSERT_TRUE(WritePicture(folder_ / "in.2.png", noise, {{0, 0, 200, 200}, 200, 200}));
+    for (const char* ending : {"png", "exr", "tif", "jpg"}) {
+        SCOPED_TRACE(ending);
+        std::string command = "cd " + Quoted(folder_.Path().string()) + " && ulimit -f 8 && " + Quoted(UMBRANT_PROGRAM);
+        for (const std::string& argument :
+             Arguments("in.@.png", std::string("full.@.") + ending, {"--frames", "1-3", "--keep-going"})) {
+            command += " " + Quoted(argument);
+        }
+        const int status = std::system(("bash -c " + Quoted(command + " >out.txt 2>err.txt")).c_str());
+        ASSERT_TRUE(WIFEXITED(status));
+        EXPECT_EQ(WEXITSTATUS(status), 1);
+        const std::string err = ReadBytes(folder_ / "err.txt");
+        EXPECT_THAT(err, HasSubstr(std::string("umbrant: frame 2: cannot write 'full.2.") + ending + "': "));
+        EXPECT_THAT(err, HasSubstr("2 drawn, 1 failed"));
+        EXPECT_TRUE(Exists(std::string("full.1.") + ending));
+        EXPECT_FALSE(Exists(std::string("full.2.") + ending));
+        EXPECT_TRUE(Exists(std::string("full.3.") + ending));
+        for (const auto& entry : std::filesystem::directory_iterator(folder_.Path())) {
+            EXPECT_THAT(entry.path().filename().string(), Not(StartsWith("."))) << "a half file";
+        }
+    }
+}
+
+TEST_F(CliSequence, AnEffectThatFailsEndsItInItsWords) {
+    const Outcome outcome = Render({"--set", "flaw=error-with-message"});
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 1: "));
+    EXPECT_THAT(outcome.err, HasSubstr("No paint 4"));
+    EXPECT_FALSE(Exists("out.01.png"));
+}
+
+TEST_F(CliSequence, ThreadsAreForEffectsThatAllowThem) {
+    const std::string expected = Render({"--threads", "4", "--verbose"}).err;
+    EXPECT_THAT(expected, HasSubstr("threads: 1 reading, 1 drawing, 1 writing; at most 4 frames under way"));
+    const Outcome threaded = RunUmbrant(
+        folder_, Arguments("in.@.png", "many.##.png", {"--threads", "4", "--verbose", "--set", "paint/border=3"},
+                           "threaded_painter"));
+    EXPECT_EQ(threaded.code, 0) << threaded.err;
+    EXPECT_THAT(threaded.err, HasSubstr("threads: 2 reading, 4 drawing, 4 writing; at most 11 frames under way"));
+    ASSERT_EQ(Render({"--set", "paint/border=3"}).code, 0);
+    for (int frame = 1; frame <= 6; ++frame) {
+        const std::string number = "0" + std::to_string(frame) + ".png";
+        EXPECT_EQ(ReadBytes(folder_ / ("many." + number)), ReadBytes(folder_ / ("out." + number)));
+    }
+}
+
+TEST_F(CliSequence, QuietTellsOfFailuresAlone) {
+    WriteLayer(folder_ / "in.3.png", 7, 2, {255, 30, 0, 0});
+    Outcome outcome = Render({"--quiet"});
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_EQ(outcome.err, "");
+    WriteBytes(folder_ / "in.3.png", "x");
+    outcome = Render({"--quiet", "--keep-going"});
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_THAT(outcome.err, StartsWith("umbrant: frame 3: cannot read 'in.3.png'"));
+}
+
+TEST_F(CliSequence, ProgressForPrograms) {
+    std::filesystem::remove(folder_ / "in.2.png");
+    const Outcome outcome = Render({"--frames", "1-3", "--progress", "json", "--missing", "hold"});
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    const std::vector<Json> events = JsonLines(outcome.err);
+    ASSERT_EQ(events.size(), 5u);
+    EXPECT_EQ(events[0], Json({{"event", "start"}, {"frames", 3}}));
+    EXPECT_EQ(events[2]["event"], "frame");
+    EXPECT_EQ(events[2]["frame"], 2);
+    EXPECT_EQ(events[2]["state"], "drawn");
+    EXPECT_EQ(events[2]["output"], "out.02.png");
+    EXPECT_EQ(events[2]["heldInput"], 1);
+    EXPECT_EQ(events[2]["done"], 2);
+    EXPECT_EQ(events[2]["frames"], 3);
+    EXPECT_EQ(events[2]["notes"], Json({"frame 2 shows 'in.1.png'"}));
+    EXPECT_GE(events[2]["milliseconds"]["draw"], 0);
+    EXPECT_EQ(events[4]["event"], "end");
+    EXPECT_EQ(events[4]["drawn"], 3);
+    EXPECT_EQ(events[4]["failed"], 0);
+}
+
+TEST_F(CliSequence, ProgressForProgramsTellsOfFailures) {
+    WriteBytes(folder_ / "in.2.png", "x");
+    const Outcome outcome = Render({"--frames", "1-3", "--progress", "json", "--keep-going"});
+    EXPECT_EQ(outcome.code, 1);
+    const std::vector<Json> events = JsonLines(outcome.err);
+    ASSERT_EQ(events.size(), 5u);
+    EXPECT_EQ(events[2]["state"], "failed");
+    EXPECT_EQ(events[2]["code"], 3);
+    EXPECT_THAT(events[2]["error"], HasSubstr("in.2.png"));
+    EXPECT_EQ(events[4]["failed"], 1);
+}
+
+TEST_F(CliSequence, TheReportHasEveryFrame) {
+    const Outcome outcome = Render({"--frames", "1-2", "--json", "--set", "paint/border=1"});
+    ASSERT_EQ(outcome.code, 0) << outcome.err;
+    const Json report = Json::parse(outcome.out);
+    EXPECT_EQ(report["input"], "in.@.png");
+    EXPECT_EQ(report["output"], "out.##.png");
+    EXPECT_EQ(report["totals"]["drawn"], 2);
+    EXPECT_EQ(report["threads"]["draw"], 1);
+    ASSERT_EQ(report["frames"].size(), 2u);
+    EXPECT_EQ(report["frames"][1]["output"], "out.02.png");
+    EXPECT_EQ(report["frames"][1]["picture"], Json({{"left", -1}, {"top", -1}, {"right", 6}, {"bottom", 4}}));
+}
+
+/// A process of the program that is not waited for.
+class Running {
+ public:
+    /// With a terminal of its own as standard error when `terminal`.
+    Running(const Folder& folder, const std::vector<std::string>& arguments, bool terminal = false) {
+        std::vector<char*> pointers;
+        arguments_ = arguments;
+        arguments_.insert(arguments_.begin(), UMBRANT_PROGRAM);
+        for (std::string& argument : arguments_) pointers.push_back(argument.data());
+        pointers.push_back(nullptr);
+        const std::string path = folder.Path().string();
+        process_ = terminal ? forkpty(&terminal_, nullptr, nullptr, nullptr) : fork();
+        if (process_ != 0) return;
+        if (chdir(path.c_str()) != 0) _exit(126);
+        if (!terminal && !std::freopen("/dev/null", "w", stderr)) _exit(126);
+        if (!std::freopen("/dev/null", "w", stdout)) _exit(126);
+        execv(pointers[0], pointers.data());
+        _exit(127);
+    }
+    void Interrupt() const { kill(process_, SIGINT); }
+    int Wait() {
+        int status = 0;
+        waitpid(process_, &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    /// Everything that is written to the terminal until the process ends.
+    std::string Terminal() const {
+        std::string text;
+        char buffer[512];
+        for (ssize_t got; (got = read(terminal_, buffer, sizeof(buffer))) > 0;) {
+            text.append(buffer, static_cast<std::size_t>(got));
+        }
+        close(terminal_);
+        return text;
+    }
+
+ private:
+    std::vector<std::string> arguments_;
+    pid_t process_ = -1;
+    int terminal_ = -1;
+};
+
+TEST_F(CliSequence, AnInterruptionEndsAtOnceAndLeavesWholeFiles) {
+    // Large enough to be interrupted in the middle of a write.
+    WriteLayer(folder_ / "large.png", 1500, 1500, {255, 200, 100, 50});
+    for (const int wait : {80, 250, 500, 900}) {
+        SCOPED_TRACE(wait);
+        Running run(folder_, Arguments("large.png", "cut.####.png",
+                                       {"--frames", "1-500", "--threads", "4", "--set", "paint/border=50"},
+                                       "threaded_painter"));
+        std::this_thread::sleep_for(std::chrono::milliseconds(wait));
+        const auto begin = std::chrono::steady_clock::now();
+        run.Interrupt();
+        EXPECT_EQ(run.Wait(), 130);
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2));
+        for (const auto& entry : std::filesystem::directory_iterator(folder_.Path())) {
+            const std::string name = entry.path().filename().string();
+            EXPECT_THAT(name, Not(StartsWith("."))) << "a half file";
+            if (!name.starts_with("cut")) continue;
+            EXPECT_TRUE(ReadPicture(entry.path())) << name;
+        }
+    }
+}
+
+TEST_F(CliSequence, ATerminalGetsABarAndASum) {
+    WriteLayer(folder_ / "large.png", 1200, 1200, {255, 200, 100, 50});
+    Running run(folder_, Arguments("large.png", "bar.##.png", {"--frames", "1-8", "--threads", "1"}), true);
+    const std::string text = run.Terminal();
+    EXPECT_EQ(run.Wait(), 0);
+    EXPECT_THAT(text, HasSubstr("\r["));
+    EXPECT_THAT(text, HasSubstr("/8"));
+    EXPECT_THAT(text, HasSubstr(" frames/s"));
+    EXPECT_THAT(text, HasSubstr(" left"));
+    EXPECT_THAT(text, HasSubstr("  frame "));
+    EXPECT_THAT(text, HasSubstr("\r\x1b[Kumbrant: 8 drawn in ")) << "the bar makes way for the sum";
+    EXPECT_THAT(text, Not(HasSubstr("frame 2 (2 of 8)"))) << "no lines beside the bar";
+}
+
+}  // namespace
