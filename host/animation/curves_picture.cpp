@@ -48,8 +48,7 @@ Samples Sample(const ParamSet& values, const Animation& animation, const Animati
     samples.numbers.resize(animation.Tracks().size());
     for (int i = 0; i <= columns; ++i) {
         const double frame = options.firstFrame + (options.lastFrame - options.firstFrame) * i / columns;
-        const ParamSet now =
-            animation.ValuesAt(values, (frame - clock.zeroFrame) / clock.framesPerSecond, clock);
+        const ParamSet now = animation.ValuesAt(values, (frame - clock.zeroFrame) / clock.framesPerSecond, clock);
         samples.frames.push_back(frame);
         for (std::size_t track = 0; track < samples.numbers.size(); ++track) {
             bool isPercent = false;
@@ -190,8 +189,8 @@ std::string TitleOf(const ParamRow& row, const RowTrack& track) {
                        track.track.keys.size(), track.track.keys.size() == 1 ? "" : "s");
 }
 
-void DrawTrack(cairo_t* cairo, const ParamSet& values, const RowTrack& track, std::size_t index,
-               const Samples& samples, const AnimationClock& clock, const CurvesOptions& options) {
+void DrawTrack(cairo_t* cairo, const ParamSet& values, const RowTrack& track, std::size_t index, const Samples& samples,
+               const AnimationClock& clock, const CurvesOptions& options) {
     const ParamRow& row = values.Row(track.row);
     Plot plot(cairo, options, kCurvesHead + static_cast<double>(index) * kPlotHeight, samples.numbers[index]);
     plot.DrawGround(TitleOf(row, track));

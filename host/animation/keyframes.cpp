@@ -22,7 +22,8 @@ double Cubic(double a, double b, double c, double d, double s) {
     return r * r * r * a + 3 * r * r * s * b + 3 * r * s * s * c + s * s * s * d;
 }
 
-/// Where a curve whose times run 0, `first`, `second`, 1 is at the time `u`. Both are within 0..1, so it never turns back.
+/// Where a curve whose times run 0, `first`, `second`, 1 is at the time `u`. Both are within 0..1, so it never turns
+/// back.
 double ParameterAt(double first, double second, double u) {
     double low = 0, high = 1;
     for (int i = 0; i < kHalvings; ++i) {
@@ -119,8 +120,8 @@ double Track::SecondsOf(const Keyframe& key, const AnimationClock& clock) const 
 }
 
 std::vector<double> Track::At(double seconds, const AnimationClock& clock) const {
-    const auto after = std::find_if(keys.begin(), keys.end(),
-                                    [&](const Keyframe& key) { return SecondsOf(key, clock) > seconds; });
+    const auto after =
+        std::find_if(keys.begin(), keys.end(), [&](const Keyframe& key) { return SecondsOf(key, clock) > seconds; });
     if (after == keys.begin()) return keys.front().value;
     const Keyframe& from = *std::prev(after);
     if (after == keys.end() || from.out.kind == Interpolation::kHold) return from.value;

@@ -6,8 +6,8 @@
 //
 // A key has an incoming and an outgoing side, each linear or Bézier with a speed and an influence, and the outgoing one
 // may hold. Between two keys the value runs along a cubic curve in the plane of time and value: the handle of a side
-// reaches `influence` per cent of the way to the other key, at the slope of its speed. A linear side beside a Bézier one
-// has the speed of the straight line and an influence of 16.67 %.
+// reaches `influence` per cent of the way to the other key, at the slope of its speed. A linear side beside a Bézier
+// one has the speed of the straight line and an influence of 16.67 %.
 //
 // A value of several numbers (a point, a colour) moves along a path from key to key, straight or bent by tangents, and
 // the curve tells how far on the path it is; speeds are in path units a second.
@@ -54,6 +54,6 @@ struct Track {
     std::vector<double> At(double seconds, const AnimationClock& clock) const;
 };
 
-/// How far a move from 0 to `distance` that takes `duration` seconds is after `passed` of them; beyond the ends when its
-/// speeds carry it there.
+/// How far a move from 0 to `distance` that takes `duration` seconds is after `passed` of them; beyond the ends when
+/// its speeds carry it there.
 double Eased(const KeySide& out, const KeySide& in, double distance, double duration, double passed);

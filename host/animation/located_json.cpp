@@ -42,8 +42,8 @@ class CountingIterator {
     const char** read_;
 };
 
-/// Builds the tree from the parser's events. A token begins at the first sign that is no separator behind the one before
-/// it: the parser is never more than one character ahead, and that one is a separator or a closing bracket.
+/// Builds the tree from the parser's events. A token begins at the first sign that is no separator behind the one
+/// before it: the parser is never more than one character ahead, and that one is a separator or a closing bracket.
 class Builder : public nlohmann::json_sax<Json> {
  public:
     Builder(const std::string& text, const char** read)

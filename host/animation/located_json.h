@@ -27,9 +27,9 @@ struct LocatedJson {
     TextPlace place{};
     bool boolean = false;
     double number = 0;
-    std::string text;                  ///< a string's characters, a number as it is written
-    std::vector<LocatedJson> items;    ///< of an array
-    std::vector<Member> members;       ///< of an object, in the order of the text, also those whose key comes twice
+    std::string text;                ///< a string's characters, a number as it is written
+    std::vector<LocatedJson> items;  ///< of an array
+    std::vector<Member> members;     ///< of an object, in the order of the text, also those whose key comes twice
 
     /// The first member of this key; null when there is none.
     const LocatedJson* Find(std::string_view key) const;

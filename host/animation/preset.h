@@ -32,6 +32,6 @@ struct AnimatedParams {
 /// once with its line and column, when it is no preset. A failure changes nothing.
 Result<Done> ApplyPreset(const std::filesystem::path& file, AnimatedParams& params);
 
-/// The current values and tracks as a preset, ending in a line break: every row that a user can set, in the order of the
-/// panel. Without tracks it is of version 1.
+/// The current values and tracks as a preset, ending in a line break: every row that a user can set, in the order of
+/// the panel. Without tracks it is of version 1.
 std::string PresetText(const AnimatedParams& params);

@@ -35,7 +35,7 @@ void CheckKeys(const LocatedJson& object, const std::vector<std::string>& known,
 /// A value in the form that `--set` takes; nothing for one that has no such form.
 std::optional<std::string> ValueTextOf(const LocatedJson& value);
 
-/// The track that a member of "keyframes" describes. What is wrong with it is told; a track comes back only when nothing
-/// is.
+/// The track that a member of "keyframes" describes. What is wrong with it is told; a track comes back only when
+/// nothing is.
 std::optional<RowTrack> ReadTrack(const LocatedJson::Member& member, int row, const ParamSet& params,
                                   PresetMistakes& mistakes);

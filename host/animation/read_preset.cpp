@@ -48,7 +48,7 @@ int VersionOf(const LocatedJson& preset, PresetMistakes& mistakes) {
         return static_cast<int>(version->number);
     }
     const bool isNewer = version->kind == Kind::kNumber && version->number > kNewestVersion;
-    const std::string shown = version->kind == Kind::kString ? fmt::format("\"{}\"", version->text)
+    const std::string shown = version->kind == Kind::kString   ? fmt::format("\"{}\"", version->text)
                               : version->kind == Kind::kNumber ? version->text
                                                                : std::string(version->KindName());
     mistakes.Add(version->place,
@@ -136,7 +136,8 @@ void ReadPreset(const LocatedJson& preset, AnimatedParams& params, PresetMistake
         CheckTwice(*values, mistakes);
         ReadValues(*values, params, named, mistakes);
     } else if (!tracks) {
-        mistakes.Add(preset.place, version == 1 ? "it has no \"values\"" : "it has neither \"values\" nor \"keyframes\"");
+        mistakes.Add(preset.place,
+                     version == 1 ? "it has no \"values\"" : "it has neither \"values\" nor \"keyframes\"");
     }
     if (tracks && tracks->kind != Kind::kObject) {
         mistakes.Add(tracks->place, "its \"keyframes\" are not an object of paths and lists");

@@ -55,12 +55,14 @@ class TrackReader {
 
     void ReadKey(const LocatedJson& json) {
         if (json.kind != Kind::kObject) {
-            Wrong(json.place, fmt::format("a keyframe of '{}' is an object with \"frame\" or \"seconds\" and \"value\", "
-                                          "not {}",
-                                          name_, json.KindName()));
+            Wrong(json.place,
+                  fmt::format("a keyframe of '{}' is an object with \"frame\" or \"seconds\" and \"value\", "
+                              "not {}",
+                              name_, json.KindName()));
             return;
         }
-        CheckKeys(json, {"frame", "seconds", "value", "in", "out", "tangent-in", "tangent-out"}, "a keyframe", mistakes_);
+        CheckKeys(json, {"frame", "seconds", "value", "in", "out", "tangent-in", "tangent-out"}, "a keyframe",
+                  mistakes_);
         Keyframe key;
         const bool timed = ReadTime(json, key);
         ReadValue(json, key);
@@ -165,8 +167,7 @@ class TrackReader {
             side.speed = Number(*speed, "speed", -kFastest, kFastest).value_or(0);
         }
         if (const LocatedJson* influence = json.Find("influence")) {
-            side.influence =
-                Number(*influence, "influence", kLeastInfluence, kMostInfluence).value_or(kEasyInfluence);
+            side.influence = Number(*influence, "influence", kLeastInfluence, kMostInfluence).value_or(kEasyInfluence);
         }
         return side;
     }

@@ -43,7 +43,8 @@ Json KeyJson(const ParamSet& values, const RowTrack& track, const Keyframe& key)
     ParamSet probe = values;
     // The keys were taken by the row, so it takes them again.
     (void)probe.SetFromText(fmt::format("#{}", row.index), TextOf(row, key.value, track.isPercent));
-    Json json{{track.track.inFrames ? "frame" : "seconds", NumberJson(key.time)}, {"value", probe.ValueText(row.index)}};
+    Json json{{track.track.inFrames ? "frame" : "seconds", NumberJson(key.time)},
+              {"value", probe.ValueText(row.index)}};
     if (IsHeldOnly(row)) return json;
     if (key.in.kind != Interpolation::kLinear) json["in"] = SideJson(key.in);
     if (key.out.kind != Interpolation::kLinear) json["out"] = SideJson(key.out);

@@ -131,7 +131,9 @@ Command CurvesCommand() {
     command.summary = "Draw the keyframes of a preset: how each parameter moves";
     command.examples = kExamples;
     command.options = [options](CLI::App& app) {
-        app.add_option("--preset", options->preset, "The preset with the keyframes")->required()->type_name("FILE.json");
+        app.add_option("--preset", options->preset, "The preset with the keyframes")
+            ->required()
+            ->type_name("FILE.json");
         app.add_option("--set", options->settings, "A parameter's value, which then keeps still")
             ->type_name("PATH=VALUE")
             ->allow_extra_args(false);

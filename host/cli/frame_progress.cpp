@@ -98,19 +98,15 @@ Json FrameJson(const PlannedFrame& frame, const FrameOutcome& outcome) {
     }
     if (!outcome.message.empty()) json["message"] = outcome.message;
     if (outcome.kind == Kind::kDrawn) {
-        json["milliseconds"] = {
-            {"read", outcome.readTime}, {"draw", outcome.drawTime}, {"write", outcome.writeTime}};
+        json["milliseconds"] = {{"read", outcome.readTime}, {"draw", outcome.drawTime}, {"write", outcome.writeTime}};
     }
     return json;
 }
 
 Json TotalsJson(const FrameTotals& totals, std::size_t all, double seconds) {
-    return {{"frames", all},
-            {"drawn", totals.drawn},
-            {"existing", totals.existing},
-            {"skipped", totals.skipped},
-            {"failed", totals.failed},
-            {"seconds", seconds}};
+    return {
+        {"frames", all},           {"drawn", totals.drawn}, {"existing", totals.existing}, {"skipped", totals.skipped},
+        {"failed", totals.failed}, {"seconds", seconds}};
 }
 
 /// Seconds until the last frame at the rate so far; nothing before there is one.
@@ -137,8 +133,7 @@ std::string DurationText(double seconds) {
     return fmt::format("{}:{:02}:{:02}", whole / 3600, whole / 60 % 60, whole % 60);
 }
 
-std::string BarText(const FrameTotals& totals, std::size_t all, double seconds, const std::string& current,
-                    int width) {
+std::string BarText(const FrameTotals& totals, std::size_t all, double seconds, const std::string& current, int width) {
     constexpr std::size_t kCells = 20;
     const std::size_t full = all == 0 ? kCells : totals.Ended() * kCells / all;
     std::string line =
@@ -270,8 +265,7 @@ void FrameProgress::TellFrame(std::size_t index) {
     const std::string place = fmt::format("{} of {}", index + 1, plan_.frames.size());
     Print(outcome.kind == Kind::kExists
               ? fmt::format("umbrant: frame {} ({}): '{}' is there already", frame.number, place, frame.output)
-              : fmt::format("umbrant: frame {} ({}): {}", frame.number, place,
-                            DurationText(TimeOf(outcome) / 1000)));
+              : fmt::format("umbrant: frame {} ({}): {}", frame.number, place, DurationText(TimeOf(outcome) / 1000)));
 }
 
 /// The frame that is under way and comes first, and what it is at.
@@ -358,8 +352,8 @@ FrameTotals FrameProgress::Finish() {
     return totals_;
 }
 
-std::string SequenceReport(const std::string& input, const std::string& output, const FramePlan& plan,
-                           const PipelineShape& shape, const FrameProgress& progress) {
+std::string SequenceReport(const SequenceFacts& facts, const FramePlan& plan, const PipelineShape& shape,
+                           const FrameProgress& progress) {
     Json frames = Json::array();
     FrameTotals totals;
     for (std::size_t i = 0; i < plan.frames.size(); ++i) {
@@ -372,13 +366,13 @@ std::string SequenceReport(const std::string& input, const std::string& output, 
         Json frame = FrameJson(plan.frames[i], *outcome);
         if (outcome->kind == Kind::kDrawn) {
             const PF_LRect& rect = outcome->picture;
-            frame["picture"] = {
-                {"left", rect.left}, {"top", rect.top}, {"right", rect.right}, {"bottom", rect.bottom}};
+            frame["picture"] = {{"left", rect.left}, {"top", rect.top}, {"right", rect.right}, {"bottom", rect.bottom}};
         }
         frames.push_back(std::move(frame));
     }
-    Json report{{"input", input},
-                {"output", output},
+    Json report{{"input", facts.input},
+                {"output", facts.output},
+                {"renderer", facts.renderer},
                 {"threads", {{"read", shape.readers}, {"draw", shape.drawers}, {"write", shape.writers}}},
                 {"underWay", shape.underWay},
                 {"totals", TotalsJson(totals, plan.frames.size(), progress.Seconds())},

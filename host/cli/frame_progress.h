@@ -97,6 +97,13 @@ class FrameProgress : public FrameWatcher {
     std::thread thread_;
 };
 
+/// What the report tells beside the frames.
+struct SequenceFacts {
+    std::string input;
+    std::string output;
+    std::string renderer;
+};
+
 /// The report of a whole sequence, ending in a line break.
-std::string SequenceReport(const std::string& input, const std::string& output, const FramePlan& plan,
-                           const PipelineShape& shape, const FrameProgress& progress);
+std::string SequenceReport(const SequenceFacts& facts, const FramePlan& plan, const PipelineShape& shape,
+                           const FrameProgress& progress);

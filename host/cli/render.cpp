@@ -161,8 +161,8 @@ Result<ExitCode> Render(const RenderOptions& options) {
     if (!frame->message.empty()) Note("the effect says: " + frame->message + "\n");
 
     stage.Lap();
-    const auto drawn = PictureOf(*frame, request.canvas, layers->layer.Width(), layers->layer.Height(),
-                                 layers->layer.PixelDepth());
+    const auto drawn =
+        PictureOf(*frame, request.canvas, layers->layer.Width(), layers->layer.Height(), layers->layer.PixelDepth());
     if (!drawn) return drawn.Error();
     facts.picture = drawn->rect;
     const Placement place{drawn->rect, layers->layer.Width(), layers->layer.Height(), layers->frameOrigin};
@@ -191,7 +191,9 @@ Command RenderCommand() {
     command.summary = "Draw a picture with the effect; prints the path of the picture that was written";
     command.examples = kExamples;
     command.options = [options](CLI::App& app) {
-        app.add_option("INPUT", options->input, "The layer: PNG, TIFF, JPEG, EXR, ...; a sequence as shot.####.exr, shot.%04d.exr, shot.@@.exr, shot.$F4.exr, ...")
+        app.add_option("INPUT", options->input,
+                       "The layer: PNG, TIFF, JPEG, EXR, ...; a sequence as shot.####.exr, shot.%04d.exr, shot.@@.exr, "
+                       "shot.$F4.exr, ...")
             ->required();
         app.add_option("-o,--output", options->output,
                        "The picture to write: " + WritableFormats() +

@@ -12,7 +12,7 @@
 
 #include "host/cli/frame_progress.h"
 #include "host/cli/render_options.h"
-#include "host/cli/render_report.h"
+#include "host/cli/renderer.h"
 #include "host/cli/results.h"
 #include "host/sequence/draw_frames.h"
 #include "host/sequence/memory_plan.h"
@@ -87,8 +87,8 @@ Result<FrameFootprint> Footprint(const FrameJob& job, const FirstFrame& first, E
     const Layer& layer = *first.layers.input;
     FrameFootprint footprint;
     const auto pixel = static_cast<std::uint64_t>(BytesPerPixel(layer.pixels.PixelDepth()));
-    footprint.file = static_cast<std::uint64_t>(layer.width) * static_cast<std::uint64_t>(layer.height) *
-                     (layer.bits > 8 ? 16 : 4);
+    footprint.file =
+        static_cast<std::uint64_t>(layer.width) * static_cast<std::uint64_t>(layer.height) * (layer.bits > 8 ? 16 : 4);
     footprint.layer = BytesOf(layer.pixels);
     if (first.layers.texture) footprint.texture = BytesOf(first.layers.texture->pixels);
     std::optional<ParamSet> values;
@@ -96,7 +96,9 @@ Result<FrameFootprint> Footprint(const FrameJob& job, const FirstFrame& first, E
     const auto asked = session.PreRender(RequestFor(job, frame, first.layers, values ? &*values : nullptr));
     if (!asked) return asked.Error();
     PF_LRect rect = job.canvas == Canvas::kGrow ? asked->maxRect : asked->resultRect;
-    const auto side = [](A_long low, A_long high) { return static_cast<std::uint64_t>(std::max<A_long>(0, high - low)); };
+    const auto side = [](A_long low, A_long high) {
+        return static_cast<std::uint64_t>(std::max<A_long>(0, high - low));
+    };
     footprint.outputPixels = side(rect.left, rect.right) * side(rect.top, rect.bottom);
     footprint.output = footprint.outputPixels * pixel;
     return footprint;
@@ -104,10 +106,8 @@ Result<FrameFootprint> Footprint(const FrameJob& job, const FirstFrame& first, E
 
 /// Software OpenGL has the cores for itself, and each drawing thread has buffers of its own: one frame in the effect
 /// and one outside of it is all that is gained.
-int MostDrawers(const EffectSession& session) {
-    const std::string renderer = ReadGpuStrings(session.Params()).renderer;
-    const bool software = renderer.find("llvmpipe") != std::string::npos || renderer.find("softpipe") != std::string::npos;
-    return software ? 2 : kMostThreads;
+int MostDrawers(const RendererDecision& renderer, const GpuStrings& gpu) {
+    return !renderer.processor && IsSoftware(gpu) ? 2 : kMostThreads;
 }
 
 /// The sessions of the drawing threads; the first is the module's own.
@@ -152,6 +152,8 @@ class SequenceRender {
                    options.downsample, options.compression}) {}
 
     Result<ExitCode> Run() {
+        const auto wish = ReadRendererWish(options_.renderer);
+        if (!wish) return wish.Error();
         const auto request = RequestOf(options_);
         if (!request) return request.Error();
         auto planned = PlanFrames(*request);
@@ -166,8 +168,11 @@ class SequenceRender {
         if (!first->layers.input) return Draw(std::move(*first));
 
         const PlannedFrame& frame = plan_.frames[first->frame];
-        auto opened = OpenWithValues(options_, first->layers.input->width, first->layers.input->height, SecondsOf(frame));
+        auto opened =
+            OpenWithValues(options_, first->layers.input->width, first->layers.input->height, SecondsOf(frame));
         if (!opened) return opened.Error();
+        renderer_ = DecideRenderer(*wish, ReadGpuStrings(opened->Session().Params()));
+        TellRenderer(renderer_);
         if (!opened->params.animation.IsEmpty()) {
             // What the effect itself keeps in its rows stays; only what moves is set for each frame.
             job_.values = [this, &effect = *opened](const PlannedFrame& each, const ParamSet& params) {
@@ -193,27 +198,30 @@ class SequenceRender {
         job_.canvas = options_.canvas == "layer" ? Canvas::kLayer : Canvas::kGrow;
         std::tie(job_.textureX, job_.textureY) = PlaceOf(options_.textureAt).value_or(std::pair(0.0, 0.0));
         job_.keepGoing = options_.sequence.keepGoing;
-        job_.explain = Explain;
+        job_.explain = [this](const Failure& failure, const EffectSession& session) {
+            return renderer_.processor ? failure : Explain(failure, session);
+        };
         job_.shape = ShapeFor(1);
     }
 
     Result<Done> StartInstances(EffectSession& session, const FirstFrame& first) {
         const auto footprint = Footprint(job_, first, session);
-        if (!footprint) return Explain(footprint.Error(), session);
+        if (!footprint) return job_.explain(footprint.Error(), session);
         MachineLimits machine = ThisMachine();
-        machine.mostDrawers = MostDrawers(session);
+        machine.mostDrawers = MostDrawers(renderer_, ReadGpuStrings(session.Params()));
         int drawers = options_.sequence.threads > 0 ? options_.sequence.threads : DrawersFor(machine, *footprint);
         drawers = std::min<int>(drawers, static_cast<int>(std::min<std::size_t>(plan_.frames.size(), kMostThreads)));
         if (auto started = instances_.Start(session, drawers); !started) return started;
         job_.shape = ShapeFor(static_cast<int>(instances_.all.size()));
         if (options_.verbose) {
             const PipelineShape& shape = job_.shape;
-            std::fputs(fmt::format("threads: {} reading, {} drawing, {} writing; at most {} frames under way, which take "
-                                   "up to {} MiB\n",
-                                   shape.readers, shape.drawers, shape.writers, shape.underWay,
-                                   (MostBytes(shape, *footprint) >> 20) + 1)
-                           .c_str(),
-                       stderr);
+            std::fputs(
+                fmt::format("{}\nthreads: {} reading, {} drawing, {} writing; at most {} frames under way, which take "
+                            "up to {} MiB\n",
+                            RendererText(renderer_), shape.readers, shape.drawers, shape.writers, shape.underWay,
+                            (MostBytes(shape, *footprint) >> 20) + 1)
+                    .c_str(),
+                stderr);
         }
         return Done{};
     }
@@ -224,7 +232,9 @@ class SequenceRender {
         progress.SetKeepsGoing(options_.sequence.keepGoing);
         DrawFrames(job_, instances_.all, reader_, std::move(first), progress);
         const FrameTotals totals = progress.Finish();
-        if (options_.json) PrintResult(SequenceReport(options_.input, options_.output, plan_, job_.shape, progress));
+        if (options_.json)
+            PrintResult(
+                SequenceReport({options_.input, options_.output, renderer_.Name()}, plan_, job_.shape, progress));
         if (totals.failed == 0) return ExitCode::kDone;
         if (options_.sequence.keepGoing) return ExitCode::kEffectFailed;
         return totals.firstFailure;
@@ -242,6 +252,7 @@ class SequenceRender {
     LayerReader reader_;
     FramePlan plan_;
     FrameJob job_;
+    RendererDecision renderer_;
     Instances instances_;
 };
 
@@ -299,8 +310,9 @@ Result<bool> MeansSequence(const RenderOptions& options) {
 
 Result<ExitCode> RenderSequence(const RenderOptions& options) {
     if (options.seconds != 0) {
-        return Failure{ExitCode::kUsage, "--time is about a single picture; the frames of a sequence have their times "
-                                         "from --rate and --zero-frame"};
+        return Failure{ExitCode::kUsage,
+                       "--time is about a single picture; the frames of a sequence have their times "
+                       "from --rate and --zero-frame"};
     }
     return SequenceRender(options).Run();
 }

@@ -12,15 +12,15 @@ namespace {
 
 constexpr char kVariable[] = "UMBRANT_RENDERER";
 
-/// Names that Mesa's drivers without hardware give themselves.
-bool IsSoftware(std::string_view renderer) {
+}  // namespace
+
+bool IsSoftware(const GpuStrings& gpu) {
+    // Names that Mesa's drivers without hardware give themselves.
     for (const std::string_view name : {"llvmpipe", "softpipe", "swrast", "SWR", "Software Rasterizer"}) {
-        if (renderer.find(name) != std::string_view::npos) return true;
+        if (gpu.renderer.find(name) != std::string::npos) return true;
     }
     return false;
 }
-
-}  // namespace
 
 Result<RendererWish> ReadRendererWish(const std::string& option) {
     std::string wish = option;
@@ -40,7 +40,7 @@ RendererDecision DecideRenderer(RendererWish wish, const GpuStrings& gpu) {
     if (wish == RendererWish::kProcessor) return {true, "it was asked for"};
     if (!gpu.HasContext()) return {true, "there is no OpenGL"};
     if (gpu.renderer.empty()) return {false, "the effect names no renderer"};
-    if (IsSoftware(gpu.renderer)) return {true, fmt::format("OpenGL is software, {}", gpu.renderer)};
+    if (IsSoftware(gpu)) return {true, fmt::format("OpenGL is software, {}", gpu.renderer)};
     return {false, fmt::format("OpenGL is hardware, {}", gpu.renderer)};
 }
 

@@ -18,6 +18,9 @@ enum class RendererWish { kAuto, kOpenGL, kProcessor };
 /// in the environment that is neither "gl" nor "cpu" is wrong usage.
 Result<RendererWish> ReadRendererWish(const std::string& option);
 
+/// Whether the effect's OpenGL is drawn by the processor.
+bool IsSoftware(const GpuStrings& gpu);
+
 /// What draws, and the reason as half a sentence.
 struct RendererDecision {
     bool processor = false;

@@ -43,7 +43,7 @@ void Say(const std::string& sentence) {
 }
 
 extern "C" void OnInterrupt(int) {
-    RemoveTemporaryFiles();
+    EndTemporaryFiles();
     std::_Exit(static_cast<int>(ExitCode::kInterrupted));
 }
 

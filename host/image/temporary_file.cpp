@@ -4,13 +4,16 @@
 #include "host/image/temporary_file.h"
 
 #include <fmt/format.h>
+#include <time.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <random>
 #include <string>
 #include <system_error>
+#include <thread>
 
 namespace {
 
@@ -25,7 +28,11 @@ struct Slot {
 };
 Slot slots[64];
 
+/// The program is being interrupted: nothing new is begun.
+std::atomic<bool> ending{false};
+
 int TakeSlot(const std::string& name) {
+    while (ending) std::this_thread::sleep_for(std::chrono::seconds(1));
     if (name.size() >= sizeof(Slot::name)) return -1;
     for (int i = 0; i < 64; ++i) {
         if (slots[i].taken.exchange(true)) continue;
@@ -74,4 +81,13 @@ void RemoveTemporaryFiles() noexcept {
     for (Slot& slot : slots) {
         if (slot.ready) std::remove(slot.name);
     }
+}
+
+void EndTemporaryFiles() noexcept {
+    ending = true;
+    RemoveTemporaryFiles();
+    // Another thread may just have been making a file whose name it had.
+    const timespec moment{0, 10'000'000};
+    nanosleep(&moment, nullptr);
+    RemoveTemporaryFiles();
 }

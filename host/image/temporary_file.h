@@ -30,5 +30,8 @@ class TemporaryFile {
     int slot_ = -1;
 };
 
-/// Removes every file under construction. May be called from a signal handler, before the program ends at once.
+/// Removes every file under construction. May be called from a signal handler.
 void RemoveTemporaryFiles() noexcept;
+
+/// The same before the program ends at once: whoever begins another file waits for that end.
+void EndTemporaryFiles() noexcept;

@@ -36,8 +36,8 @@ struct Underway {
 
 class FrameWorker {
  public:
-    FrameWorker(const FrameJob& job, const std::vector<EffectSession*>& sessions, LayerReader& reader,
-                FirstFrame first, FrameWatcher& watcher)
+    FrameWorker(const FrameJob& job, const std::vector<EffectSession*>& sessions, LayerReader& reader, FirstFrame first,
+                FrameWatcher& watcher)
         : job_(job),
           sessions_(sessions),
           reader_(reader),
@@ -55,8 +55,8 @@ class FrameWorker {
             case PlannedFrame::State::kSkipped:
                 return End(index, FrameOutcome::Kind::kSkipped);
             case PlannedFrame::State::kMissing:
-                return Fail(index, {ExitCode::kFile,
-                                    fmt::format("cannot read '{}': there is no such file", frame.missing)});
+                return Fail(index,
+                            {ExitCode::kFile, fmt::format("cannot read '{}': there is no such file", frame.missing)});
             case PlannedFrame::State::kDraw:
                 break;
         }
@@ -164,8 +164,8 @@ FrameRequest RequestFor(const FrameJob& job, const PlannedFrame& frame, const Fr
     return request;
 }
 
-void DrawFrames(const FrameJob& job, const std::vector<EffectSession*>& sessions, LayerReader& reader,
-                FirstFrame first, FrameWatcher& watcher) {
+void DrawFrames(const FrameJob& job, const std::vector<EffectSession*>& sessions, LayerReader& reader, FirstFrame first,
+                FrameWatcher& watcher) {
     FrameWorker worker(job, sessions, reader, std::move(first), watcher);
     RunPipeline(
         job.plan->frames.size(), job.shape,

@@ -31,9 +31,9 @@ struct FrameOutcome {
     std::string message{};  ///< the effect's words to the user
     int layerWidth = 0;     ///< the layer's full size
     int layerHeight = 0;
-    int bits = 0;          ///< of a channel in the input's file; 0 when it was not read
-    PF_LRect picture{};    ///< what was written, in pixels of the drawn layer
-    double readTime = 0;   ///< milliseconds of each step
+    int bits = 0;         ///< of a channel in the input's file; 0 when it was not read
+    PF_LRect picture{};   ///< what was written, in pixels of the drawn layer
+    double readTime = 0;  ///< milliseconds of each step
     double drawTime = 0;
     double writeTime = 0;
 };
@@ -74,7 +74,7 @@ struct FirstFrame {
 };
 
 /// Draws all frames, as many at once as `job.shape` says; `sessions` has one instance for each drawing thread, and they
-/// have the same values. Unless it keeps going, the first failure ends it: frames that were drawn are still written, and
-/// those that were not reached have no outcome.
-void DrawFrames(const FrameJob& job, const std::vector<EffectSession*>& sessions, LayerReader& reader,
-                FirstFrame first, FrameWatcher& watcher);
+/// have the same values. Unless it keeps going, the first failure ends it: frames that were drawn are still written,
+/// and those that were not reached have no outcome.
+void DrawFrames(const FrameJob& job, const std::vector<EffectSession*>& sessions, LayerReader& reader, FirstFrame first,
+                FrameWatcher& watcher);

@@ -39,14 +39,13 @@ Result<Shared> LayerReader::ReadOnce(Kept& kept, const std::string& path, std::o
 
 Result<FrameLayers> LayerReader::Read(const PlannedFrame& frame) {
     FrameLayers layers;
-    auto input = frame.inputChanges ? ReadLayer(frame.input, options_.depth)
-                                    : ReadOnce(input_, frame.input, options_.depth);
+    auto input =
+        frame.inputChanges ? ReadLayer(frame.input, options_.depth) : ReadOnce(input_, frame.input, options_.depth);
     if (!input) return input.Error();
     layers.input = std::move(*input);
     if (frame.texture.empty()) return layers;
     const Depth depth = layers.input->pixels.PixelDepth();
-    auto texture =
-        frame.textureChanges ? ReadLayer(frame.texture, depth) : ReadOnce(texture_, frame.texture, depth);
+    auto texture = frame.textureChanges ? ReadLayer(frame.texture, depth) : ReadOnce(texture_, frame.texture, depth);
     if (!texture) return texture.Error();
     layers.texture = std::move(*texture);
     return layers;

@@ -92,8 +92,9 @@ Result<std::vector<int>> ParsePart(std::string_view whole, std::string_view text
     }
     step = std::min(*step, 2 * kFarthestFrame + 1);
     if (kind == 'y' && *step == 1) return Wrong(whole, fmt::format("'{}' leaves no frame", part));
-    return kind == 'x' ? Every(*first, *last, *step) : kind == 'y' ? AllBut(*first, *last, *step)
-                                                                   : CoarseToFine(*first, *last, *step);
+    return kind == 'x'   ? Every(*first, *last, *step)
+           : kind == 'y' ? AllBut(*first, *last, *step)
+                         : CoarseToFine(*first, *last, *step);
 }
 
 /// A rate's numerator or its decimal form, or nothing.
@@ -184,7 +185,8 @@ Result<FrameRate> ParseRate(std::string_view text) {
     constexpr struct {
         double shown;
         A_u_long scale;
-    } kBroadcast[] = {{23.976, 24000}, {23.98, 24000}, {29.97, 30000}, {47.952, 48000}, {59.94, 60000}, {119.88, 120000}};
+    } kBroadcast[] = {{23.976, 24000}, {23.98, 24000}, {29.97, 30000},
+                      {47.952, 48000}, {59.94, 60000}, {119.88, 120000}};
     for (const auto& known : kBroadcast) {
         if (*rate == known.shown) return FrameRate{known.scale, 1001};
     }

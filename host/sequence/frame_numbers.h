@@ -39,8 +39,8 @@ struct Chunk {
 /// "2/4". Fails with `ExitCode::kUsage`.
 Result<Chunk> ParseChunk(std::string_view text);
 
-/// The chunk's part of a set of `size` frames, from the first index to behind the last: neighbours in the set's order. All
-/// chunks together are the set, and their sizes differ by one at most.
+/// The chunk's part of a set of `size` frames, from the first index to behind the last: neighbours in the set's order.
+/// All chunks together are the set, and their sizes differ by one at most.
 std::pair<std::size_t, std::size_t> ChunkRange(std::size_t size, const Chunk& chunk);
 
 /// Frames per second as a fraction, and so the unit of time: a frame takes `step` units of 1/`scale` seconds.

@@ -131,8 +131,7 @@ std::optional<int> FramePattern::FrameOf(std::string_view fileName) const {
         !fileName.ends_with(after_)) {
         return std::nullopt;
     }
-    const std::string_view digits =
-        fileName.substr(prefix.size(), fileName.size() - prefix.size() - after_.size());
+    const std::string_view digits = fileName.substr(prefix.size(), fileName.size() - prefix.size() - after_.size());
     int frame = 0;
     const char* end = digits.data() + digits.size();
     const auto [stop, error] = std::from_chars(digits.data(), end, frame);

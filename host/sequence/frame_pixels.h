@@ -17,6 +17,6 @@ struct Drawn {
     PF_LRect rect{};
 };
 
-/// The frame's pixels as they are written, taken from it: where nothing was drawn, the layer's frame, transparent. Fails
-/// as LayerOf does.
+/// The frame's pixels as they are written, taken from it: where nothing was drawn, the layer's frame, transparent.
+/// Fails as LayerOf does.
 Result<Drawn> PictureOf(Frame& frame, Canvas canvas, int layerWidth, int layerHeight, Depth depth);

@@ -31,8 +31,8 @@ struct Source {
     int offset = 0;
 };
 
-/// An existing file of the very name is that file, whatever signs its name has; and an @ is a sign like any other unless
-/// there is a sequence behind it.
+/// An existing file of the very name is that file, whatever signs its name has; and an @ is a sign like any other
+/// unless there is a sequence behind it.
 Result<Source> SourceOf(const std::string& path, int offset) {
     Source source{path, {}, {}, offset};
     if (path.empty() || IsFile(path)) return source;
@@ -104,8 +104,7 @@ std::string IdentityOf(const std::string& path) {
 }
 
 Failure SameFile(const std::string& output) {
-    return {ExitCode::kUsage,
-            fmt::format("'{}' is read and written in one run; give the output another name", output)};
+    return {ExitCode::kUsage, fmt::format("'{}' is read and written in one run; give the output another name", output)};
 }
 
 Result<Done> CheckOutputs(const std::vector<PlannedFrame>& frames) {
@@ -164,10 +163,11 @@ Result<Done> CheckMissing(const std::vector<PlannedFrame>& frames) {
                                                     "another frame instead, --missing skip leaves frame {} out",
                                                     first->missing, first->number)};
     }
-    return Failure{ExitCode::kFile, fmt::format("cannot read '{}', nor the files of {} frames in all ({}): there are no "
-                                                "such files; --missing hold shows other frames instead, --missing skip "
-                                                "leaves these out",
-                                                first->missing, missing.size(), FramesText(missing))};
+    return Failure{ExitCode::kFile,
+                   fmt::format("cannot read '{}', nor the files of {} frames in all ({}): there are no "
+                               "such files; --missing hold shows other frames instead, --missing skip "
+                               "leaves these out",
+                               first->missing, missing.size(), FramesText(missing))};
 }
 
 }  // namespace
@@ -181,9 +181,10 @@ Result<bool> MeansSequence(const PlanRequest& request) {
     }
     const auto output = FramePattern::Find(request.output);
     if (!output || !*output || (*output)->IsWeak() || request.output.empty()) return false;
-    return Failure{ExitCode::kUsage, fmt::format("'{}' has a field for the frame's number, but '{}' is a single picture; "
-                                                 "say which frames to draw with --frames",
-                                                 request.output, request.input)};
+    return Failure{ExitCode::kUsage,
+                   fmt::format("'{}' has a field for the frame's number, but '{}' is a single picture; "
+                               "say which frames to draw with --frames",
+                               request.output, request.input)};
 }
 
 Result<FramePlan> PlanFrames(const PlanRequest& request) {

@@ -48,10 +48,10 @@ struct PlannedFrame {
     std::string input;
     std::string texture;  ///< empty for none
     std::string output;
-    std::string missing;                ///< the file that is not there
-    std::optional<int> heldInput{};     ///< the input's frame that stands in for a missing one
-    std::optional<int> heldTexture{};   ///< the texture's
-    bool inputChanges = true;  ///< its input is its own; else others may share it, and it is worth keeping
+    std::string missing;               ///< the file that is not there
+    std::optional<int> heldInput{};    ///< the input's frame that stands in for a missing one
+    std::optional<int> heldTexture{};  ///< the texture's
+    bool inputChanges = true;          ///< its input is its own; else others may share it, and it is worth keeping
     bool textureChanges = true;
     A_long time = 0;  ///< in units of 1/rate.scale seconds
 };

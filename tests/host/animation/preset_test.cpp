@@ -90,10 +90,14 @@ TEST_F(PresetTest, EveryKindOfRowMoves) {
         const char* middle;
         const char* after;
     } rows[] = {
-        {"size", "10", "15", "20"},          {"count", "0", "2", "3"},
-        {"strength", "0", "25", "50"},       {"angle", "90", "450", "810"},
-        {"centre", "0,0", "50,25", "100,50"}, {"colour", "#000000", "#804000", "#ff8000"},
-        {"mode", "soft", "very-hard", "very-hard"}, {"on", "off", "on", "on"},
+        {"size", "10", "15", "20"},
+        {"count", "0", "2", "3"},
+        {"strength", "0", "25", "50"},
+        {"angle", "90", "450", "810"},
+        {"centre", "0,0", "50,25", "100,50"},
+        {"colour", "#000000", "#804000", "#ff8000"},
+        {"mode", "soft", "very-hard", "very-hard"},
+        {"on", "off", "on", "on"},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(At(row.path, -3), row.before) << row.path;
@@ -280,9 +284,11 @@ TEST_F(PresetTest, VersionsAreKnown) {
     } rows[] = {
         {"none", R"({"values": {}})", "it has no \"version\"; this program reads versions 1 and 2"},
         {"a newer one", R"({"version": 3, "values": {"size": "huge"}, "expressions": {}})",
-         "is wrong: line 1, column 13: it has the version 3; this program reads versions 1 and 2, and a newer one wrote "
+         "is wrong: line 1, column 13: it has the version 3; this program reads versions 1 and 2, and a newer one "
+         "wrote "
          "this; save it there without what is new"},
-        {"a text", R"({"version": "2", "values": {}})", "it has the version \"2\"; this program reads versions 1 and 2"},
+        {"a text", R"({"version": "2", "values": {}})",
+         "it has the version \"2\"; this program reads versions 1 and 2"},
         {"a fraction", R"({"version": 1.5, "values": {}})", "it has the version 1.5;"},
         {"none that is", R"({"version": null, "values": {}})", "it has the version null;"},
         {"zero", R"({"version": 0, "values": {}})", "it has the version 0;"},
@@ -308,7 +314,8 @@ TEST_F(PresetTest, CurvesHaveAPlotForEachRow) {
     ASSERT_TRUE(pixels) << pixels.Error().sentence;
     EXPECT_EQ(pixels->Width(), 496);
     EXPECT_EQ(pixels->Height(), kCurvesHead + 2 * kPlotHeight);
-    // The line rises: somewhere at its height there is a blue pixel, on the left below the middle and on the right above.
+    // The line rises: somewhere at its height there is a blue pixel, on the left below the middle and on the right
+    // above.
     auto at = [&](int x, int y) { return RowOf<PF_Pixel>(const_cast<World&>(*pixels).Def(), y)[x]; };
     const auto blueRow = [&](int x) {
         for (int y = kCurvesHead + 24; y < kCurvesHead + 132; ++y) {

@@ -36,9 +36,9 @@ TEST_F(CliCurves, DrawsAPlotForEachRow) {
     const Picture picture = Read(folder_ / "curves.png");
     EXPECT_EQ(picture.pixels.Width(), 960);
     EXPECT_EQ(picture.pixels.Height(), 30 + 2 * 150);
-    EXPECT_EQ(Curves({"--preset", "moving.json", "-o", "curves.png", "--width", "500", "--set", "paint/color=#123456"})
-                  .code,
-              0);
+    EXPECT_EQ(
+        Curves({"--preset", "moving.json", "-o", "curves.png", "--width", "500", "--set", "paint/color=#123456"}).code,
+        0);
     EXPECT_EQ(Read(folder_ / "curves.png").pixels.Width(), 500);
     EXPECT_EQ(Read(folder_ / "curves.png").pixels.Height(), 30 + 150) << "a row that is set keeps still";
 }
@@ -82,7 +82,10 @@ TEST_F(CliCurves, WrongUses) {
         {"nothing to do", {"--preset", "moving.json"}, 2, "there is nothing to do; give -o FILE or --json"},
         {"no preset", {"-o", "c.png"}, 2, "--preset is required"},
         {"a preset that is not there", {"--preset", "none.json", "--json"}, 3, "there is no such file"},
-        {"nothing moves", {"--preset", "still.json", "--json"}, 2, "nothing moves in 'still.json': it has no keyframes"},
+        {"nothing moves",
+         {"--preset", "still.json", "--json"},
+         2,
+         "nothing moves in 'still.json': it has no keyframes"},
         {"wrong frames", {"--preset", "moving.json", "--json", "--frames", "1-"}, 2, "'1-' is no set of frames"},
         {"a wrong rate", {"--preset", "moving.json", "--json", "--rate", "0"}, 2, "'0' is no frame rate"},
         {"a wrong format", {"--preset", "moving.json", "-o", "c.gif"}, 3, "'.gif' is not a format"},
@@ -128,7 +131,8 @@ TEST_F(CliCurves, EveryRowThatCanVaryMoves) {
 }
 
 TEST_F(CliCurves, ParamsWritesKeyframesBack) {
-    const std::vector<std::string> ask = {"params", "--json", "--values", "--module", TestModule("painter"), "--preset"};
+    const std::vector<std::string> ask = {"params",  "--json", "--values", "--module", TestModule("painter"),
+                                          "--preset"};
     auto first = ask;
     first.insert(first.end(), {"moving.json", "--set", "paint/angle=30"});
     const Outcome once = RunUmbrant(folder_, first);
@@ -146,7 +150,7 @@ TEST_F(CliCurves, ParamsWritesKeyframesBack) {
 
 TEST_F(CliCurves, RenderMovesFromFrameToFrame) {
     WriteLayer(folder_ / "in.png", 4, 4, {255, 1, 2, 3});
-    const std::vector<std::string> render = {"render", "in.png",   "--module", TestModule("painter"),
+    const std::vector<std::string> render = {"render",   "in.png",      "--module", TestModule("painter"),
                                              "--preset", "moving.json", "-o"};
     auto sequence = render;
     sequence.insert(sequence.end(), {"out.#.png", "--frames", "1-5"});

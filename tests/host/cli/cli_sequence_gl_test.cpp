@@ -31,8 +31,8 @@ class CliSequenceGl : public testing::Test {
         WriteBytes(folder_ / "moving.json", kMoving);
     }
     void Render(const std::string& output, std::vector<std::string> more) const {
-        more.insert(more.begin(), {"render", "in.png", "-o", output, "--preset", "moving.json", "--module",
-                                   UMBRANT_MODULE_FILE});
+        more.insert(more.begin(),
+                    {"render", "in.png", "-o", output, "--preset", "moving.json", "--module", UMBRANT_MODULE_FILE});
         const Outcome outcome = RunUmbrant(folder_, more);
         ASSERT_EQ(outcome.code, 0) << outcome.err;
     }

@@ -102,7 +102,8 @@ TEST_F(CliSequence, AStillPictureHasFramesWhenTheyAreAskedFor) {
 
 TEST_F(CliSequence, ATextureSequenceRunsBesideTheLayers) {
     for (int frame = 4; frame <= 9; ++frame) {
-        WriteLayer(folder_ / ("tex_" + std::to_string(frame) + ".png"), 5, 3, {255, 0, static_cast<A_u_char>(frame), 0});
+        WriteLayer(folder_ / ("tex_" + std::to_string(frame) + ".png"), 5, 3,
+                   {255, 0, static_cast<A_u_char>(frame), 0});
     }
     WriteLayer(folder_ / "clear.png", 5, 3, {0, 0, 0, 0});
     const Outcome outcome = Render({"--frames", "1-6", "--texture", "tex_%d.png", "--texture-offset", "3",
@@ -161,7 +162,8 @@ TEST_F(CliSequence, AnUnreadableFrameInTheMiddle) {
     WriteBytes(folder_ / "in.3.png", "no picture at all");
     Outcome outcome = Render({"--threads", "1"});
     EXPECT_EQ(outcome.code, 3);
-    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 3: cannot read 'in.3.png': it is not a picture that can be read"));
+    EXPECT_THAT(outcome.err,
+                HasSubstr("umbrant: frame 3: cannot read 'in.3.png': it is not a picture that can be read"));
     EXPECT_THAT(outcome.err, HasSubstr(" frames were not reached"));
     EXPECT_FALSE(Exists("out.03.png"));
 
@@ -198,15 +200,27 @@ TEST_F(CliSequence, WrongUsageIsToldBeforeAnythingIsDrawn) {
         int code;
         const char* sentence;
     } rows[] = {
-        {"no field", {}, "in.@.png", "out.png", 2,
+        {"no field",
+         {},
+         "in.@.png",
+         "out.png",
+         2,
          "'out.png' has no place for the frame's number, and there are 6 frames; write it like 'out.####.png'"},
         {"two fields", {}, "in.@.png", "out.#.%d.png", 2, "has 2 fields for the frame's number"},
         {"no frames", {}, "none.####.png", "out.#.png", 3, "cannot read 'none.####.png': no file has such a name"},
         {"a field without frames", {}, "still.png", "out.####.png", 2, "say which frames to draw with --frames"},
-        {"the input is the output", {}, "in.@.png", "in.@.png", 2,
+        {"the input is the output",
+         {},
+         "in.@.png",
+         "in.@.png",
+         2,
          "'in.1.png' is read and written in one run; give the output another name"},
         {"one picture over itself", {}, "still.png", "./still.png", 2, "'./still.png' is read and written in one run"},
-        {"the texture is the output", {"--texture", "still.png"}, "in.1.png", "still.png", 2,
+        {"the texture is the output",
+         {"--texture", "still.png"},
+         "in.1.png",
+         "still.png",
+         2,
          "'still.png' is read and written in one run"},
         {"wrong frames", {"--frames", "1-6z2"}, "in.@.png", "out.#.png", 2, "'1-6z2' is no set of frames"},
         {"a wrong chunk", {"--chunk", "4/3"}, "in.@.png", "out.#.png", 2, "'4/3' is no chunk"},
@@ -278,9 +292,9 @@ TEST_F(CliSequence, AnEffectThatFailsEndsItInItsWords) {
 TEST_F(CliSequence, ThreadsAreForEffectsThatAllowThem) {
     const std::string expected = Render({"--threads", "4", "--verbose"}).err;
     EXPECT_THAT(expected, HasSubstr("threads: 1 reading, 1 drawing, 1 writing; at most 4 frames under way"));
-    const Outcome threaded = RunUmbrant(
-        folder_, Arguments("in.@.png", "many.##.png", {"--threads", "4", "--verbose", "--set", "paint/border=3"},
-                           "threaded_painter"));
+    const Outcome threaded =
+        RunUmbrant(folder_, Arguments("in.@.png", "many.##.png",
+                                      {"--threads", "4", "--verbose", "--set", "paint/border=3"}, "threaded_painter"));
     EXPECT_EQ(threaded.code, 0) << threaded.err;
     EXPECT_THAT(threaded.err, HasSubstr("threads: 2 reading, 4 drawing, 4 writing; at most 11 frames under way"));
     ASSERT_EQ(Render({"--set", "paint/border=3"}).code, 0);
@@ -394,9 +408,9 @@ TEST_F(CliSequence, AnInterruptionEndsAtOnceAndLeavesWholeFiles) {
     WriteLayer(folder_ / "large.png", 1500, 1500, {255, 200, 100, 50});
     for (const int wait : {80, 250, 500, 900}) {
         SCOPED_TRACE(wait);
-        Running run(folder_, Arguments("large.png", "cut.####.png",
-                                       {"--frames", "1-500", "--threads", "4", "--set", "paint/border=50"},
-                                       "threaded_painter"));
+        Running run(folder_,
+                    Arguments("large.png", "cut.####.png",
+                              {"--frames", "1-500", "--threads", "4", "--set", "paint/border=50"}, "threaded_painter"));
         std::this_thread::sleep_for(std::chrono::milliseconds(wait));
         const auto begin = std::chrono::steady_clock::now();
         run.Interrupt();

@@ -122,7 +122,7 @@ TEST(FrameRates, AreFractions) {
         const char* text;
         FrameRate rate;
     } rows[] = {
-        {"24", {24, 1}},          {"25", {25, 1}},         {"12.5", {12500, 1000}},      {"23.976", {24000, 1001}},
+        {"24", {24, 1}},          {"25", {25, 1}},          {"12.5", {12500, 1000}},       {"23.976", {24000, 1001}},
         {"29.97", {30000, 1001}}, {"59.94", {60000, 1001}}, {"30000/1001", {30000, 1001}}, {"1/10", {1, 10}},
         {"0.1", {100, 1000}},     {"1000", {1000, 1}},
     };
@@ -132,7 +132,8 @@ TEST(FrameRates, AreFractions) {
         EXPECT_EQ(*rate, row.rate) << row.text;
     }
     EXPECT_DOUBLE_EQ((FrameRate{30000, 1001}).PerSecond(), 30000.0 / 1001);
-    for (const char* wrong : {"", "fast", "0", "-24", "1001", "0.05", "24/0", "24/", "/1", "24/1/1", "nan", "inf", "24 "}) {
+    for (const char* wrong :
+         {"", "fast", "0", "-24", "1001", "0.05", "24/0", "24/", "/1", "24/1/1", "nan", "inf", "24 "}) {
         const auto refused = ParseRate(wrong);
         ASSERT_FALSE(refused) << wrong;
         EXPECT_EQ(refused.Error().code, ExitCode::kUsage);

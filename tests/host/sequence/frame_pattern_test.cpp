@@ -79,7 +79,8 @@ TEST(FramePattern, TellsWrongFields) {
     } rows[] = {
         {"two", "a.####.%d.png", "'a.####.%d.png' has 2 fields for the frame's number, '####' and '%d'; leave one"},
         {"two runs of at signs", "a@.@.png", "has 2 fields for the frame's number, '@' and '@'; leave one"},
-        {"padding with blanks", "a.%4d.png", "'%4d' in 'a.%4d.png' is no field for a frame's number; write #### or %04d"},
+        {"padding with blanks", "a.%4d.png",
+         "'%4d' in 'a.%4d.png' is no field for a frame's number; write #### or %04d"},
         {"too many digits", "a.#############.png", "write #### or %04d for 4 digits, up to 12 of them"},
         {"very many digits", "a.%0999d.png", "is no field for a frame's number"},
         {"no digits", "a.$F0.png", "'$F0' in 'a.$F0.png' is no field"},

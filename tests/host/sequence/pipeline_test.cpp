@@ -145,10 +145,8 @@ TEST(Pipeline, AThreadsNumberIsItsOwn) {
 TEST(Pipeline, AFrameThatLeavesMakesRoom) {
     Log log;
     RunPipeline(
-        9, {1, 1, 1, 1},
-        [&](std::size_t frame, int) { return frame % 3 == 0 ? AfterStep::kLeave : AfterStep::kGoOn; },
-        [&](std::size_t frame, int) { return frame % 3 == 1 ? AfterStep::kLeave : AfterStep::kGoOn; },
-        Noted(log, 'w'));
+        9, {1, 1, 1, 1}, [&](std::size_t frame, int) { return frame % 3 == 0 ? AfterStep::kLeave : AfterStep::kGoOn; },
+        [&](std::size_t frame, int) { return frame % 3 == 1 ? AfterStep::kLeave : AfterStep::kGoOn; }, Noted(log, 'w'));
     EXPECT_THAT(log.Of('w'), ElementsAre(2, 5, 8));
 }
 
@@ -169,9 +167,8 @@ TEST(Pipeline, AStopLetsDrawnFramesBeWritten) {
 TEST(Pipeline, AStopInReadingEndsItToo) {
     Log log;
     RunPipeline(
-        100, {2, 2, 2, 8},
-        [&](std::size_t frame, int) { return frame == 0 ? AfterStep::kStopAll : AfterStep::kLeave; }, Noted(log, 'd'),
-        Noted(log, 'w'));
+        100, {2, 2, 2, 8}, [&](std::size_t frame, int) { return frame == 0 ? AfterStep::kStopAll : AfterStep::kLeave; },
+        Noted(log, 'd'), Noted(log, 'w'));
     EXPECT_TRUE(log.Of('d').empty());
 }
 
