@@ -81,12 +81,12 @@ std::uint64_t BytesOf(const World& world) {
     return static_cast<std::uint64_t>(world.Height()) * static_cast<std::uint64_t>(world.Def().rowbytes);
 }
 
-/// What a frame costs, judged by the first one.
-Result<FrameFootprint> Footprint(const FrameJob& job, const FirstFrame& first, EffectSession& session) {
+/// What a frame costs, judged by the first one. An effect that fails when it is asked will fail in that frame again,
+/// and be told of there; until then its picture is taken for as large as the layer.
+FrameFootprint Footprint(const FrameJob& job, const FirstFrame& first, EffectSession& session) {
     const PlannedFrame& frame = job.plan->frames[first.frame];
     const Layer& layer = *first.layers.input;
     FrameFootprint footprint;
-    const auto pixel = static_cast<std::uint64_t>(BytesPerPixel(layer.pixels.PixelDepth()));
     footprint.file =
         static_cast<std::uint64_t>(layer.width) * static_cast<std::uint64_t>(layer.height) * (layer.bits > 8 ? 16 : 4);
     footprint.layer = BytesOf(layer.pixels);
@@ -94,13 +94,13 @@ Result<FrameFootprint> Footprint(const FrameJob& job, const FirstFrame& first, E
     std::optional<ParamSet> values;
     if (job.values) values = job.values(frame, session.Params());
     const auto asked = session.PreRender(RequestFor(job, frame, first.layers, values ? &*values : nullptr));
-    if (!asked) return asked.Error();
-    PF_LRect rect = job.canvas == Canvas::kGrow ? asked->maxRect : asked->resultRect;
+    PF_LRect rect{0, 0, layer.pixels.Width(), layer.pixels.Height()};
+    if (asked) rect = job.canvas == Canvas::kGrow ? asked->maxRect : asked->resultRect;
     const auto side = [](A_long low, A_long high) {
-        return static_cast<std::uint64_t>(std::max<A_long>(0, high - low));
+        return static_cast<std::uint64_t>(std::max<std::int64_t>(0, std::int64_t{high} - low));
     };
     footprint.outputPixels = side(rect.left, rect.right) * side(rect.top, rect.bottom);
-    footprint.output = footprint.outputPixels * pixel;
+    footprint.output = footprint.outputPixels * static_cast<std::uint64_t>(BytesPerPixel(layer.pixels.PixelDepth()));
     return footprint;
 }
 
@@ -205,11 +205,10 @@ class SequenceRender {
     }
 
     Result<Done> StartInstances(EffectSession& session, const FirstFrame& first) {
-        const auto footprint = Footprint(job_, first, session);
-        if (!footprint) return job_.explain(footprint.Error(), session);
+        const FrameFootprint footprint = Footprint(job_, first, session);
         MachineLimits machine = ThisMachine();
         machine.mostDrawers = MostDrawers(renderer_, ReadGpuStrings(session.Params()));
-        int drawers = options_.sequence.threads > 0 ? options_.sequence.threads : DrawersFor(machine, *footprint);
+        int drawers = options_.sequence.threads > 0 ? options_.sequence.threads : DrawersFor(machine, footprint);
         drawers = std::min<int>(drawers, static_cast<int>(std::min<std::size_t>(plan_.frames.size(), kMostThreads)));
         if (auto started = instances_.Start(session, drawers); !started) return started;
         job_.shape = ShapeFor(static_cast<int>(instances_.all.size()));
@@ -219,7 +218,7 @@ class SequenceRender {
                 fmt::format("{}\nthreads: {} reading, {} drawing, {} writing; at most {} frames under way, which take "
                             "up to {} MiB\n",
                             RendererText(renderer_), shape.readers, shape.drawers, shape.writers, shape.underWay,
-                            (MostBytes(shape, *footprint) >> 20) + 1)
+                            (MostBytes(shape, footprint) >> 20) + 1)
                     .c_str(),
                 stderr);
         }

@@ -289,6 +289,18 @@ TEST_F(CliSequence, AnEffectThatFailsEndsItInItsWords) {
     EXPECT_FALSE(Exists("out.01.png"));
 }
 
+TEST_F(CliSequence, AFrameThatTheEffectCannotJudgeFailsAlone) {
+    WriteBytes(folder_ / "p.json", R"({"version": 2, "keyframes": {"flaw": [
+        {"frame": 1, "value": "pre-render-error"}, {"frame": 2, "value": "none"}, {"frame": 4, "value": "throw"},
+        {"frame": 5, "value": "none"}]}})");
+    const Outcome outcome = Render({"--preset", "p.json", "--keep-going"});
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_EQ(outcome.out, "out.02.png\nout.03.png\nout.05.png\nout.06.png\n");
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 1: "));
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 4: "));
+    EXPECT_THAT(outcome.err, HasSubstr("the painter is out of paint"));
+}
+
 TEST_F(CliSequence, ThreadsAreForEffectsThatAllowThem) {
     const std::string expected = Render({"--threads", "4", "--verbose"}).err;
     EXPECT_THAT(expected, HasSubstr("threads: 1 reading, 1 drawing, 1 writing; at most 4 frames under way"));
