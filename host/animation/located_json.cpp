@@ -49,13 +49,19 @@ class Builder : public nlohmann::json_sax<Json> {
     Builder(const std::string& text, const char** read)
         : text_(text), read_(read), before_(text.data()), lineStart_(text.data()), counted_(text.data()) {}
 
-    bool null() override { return Add({.kind = Kind::kNull, .place = Next()}); }
-    bool boolean(bool value) override { return Add({.kind = Kind::kBoolean, .place = Next(), .boolean = value}); }
+    bool null() override { return Add(Begun(Kind::kNull)); }
+    bool boolean(bool value) override {
+        LocatedJson boolean = Begun(Kind::kBoolean);
+        boolean.boolean = value;
+        return Add(std::move(boolean));
+    }
     bool number_integer(number_integer_t value) override { return AddNumber(static_cast<double>(value)); }
     bool number_unsigned(number_unsigned_t value) override { return AddNumber(static_cast<double>(value)); }
     bool number_float(number_float_t value, const string_t&) override { return AddNumber(value); }
     bool string(string_t& value) override {
-        return Add({.kind = Kind::kString, .place = Next(), .text = std::move(value)});
+        LocatedJson text = Begun(Kind::kString);
+        text.text = std::move(value);
+        return Add(std::move(text));
     }
     bool binary(binary_t&) override { return false; }
     bool start_object(std::size_t) override { return Open(Kind::kObject); }
@@ -66,10 +72,10 @@ class Builder : public nlohmann::json_sax<Json> {
     }
     bool end_object() override { return Close(); }
     bool end_array() override { return Close(); }
-    bool parse_error(std::size_t, const std::string&, const Json::exception& problem) override {
-        const std::string words = problem.what();
+    bool parse_error(std::size_t, const std::string&, const Json::exception& error) override {
+        const std::string words = error.what();
         const std::size_t name = words.find("] ");
-        this->problem = name == std::string::npos ? words : words.substr(name + 2);
+        problem = name == std::string::npos ? words : words.substr(name + 2);
         return false;
     }
 
@@ -96,8 +102,17 @@ class Builder : public nlohmann::json_sax<Json> {
         return {line_, column};
     }
 
+    /// A value of the token that was just read.
+    LocatedJson Begun(Kind kind) {
+        LocatedJson value;
+        value.kind = kind;
+        value.place = Next();
+        return value;
+    }
+
     bool AddNumber(double value) {
-        LocatedJson number{.kind = Kind::kNumber, .place = Next(), .number = value};
+        LocatedJson number = Begun(Kind::kNumber);
+        number.number = value;
         const std::string_view rest(token_, static_cast<std::size_t>(text_.data() + text_.size() - token_));
         number.text = std::string(rest.substr(0, rest.find_first_not_of("+-.0123456789eE")));
         return Add(std::move(number));

@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
+#include "host/cli/command.h"
 #include "host/cli/results.h"
 
 namespace {
@@ -21,7 +22,7 @@ using Clock = std::chrono::steady_clock;
 using Kind = FrameOutcome::Kind;
 
 constexpr auto kBarInterval = std::chrono::milliseconds(200);
-constexpr auto kLineInterval = std::chrono::seconds(10);
+constexpr double kLongestInterval = 24.0 * 60 * 60;
 constexpr int kUsualWidth = 80;
 
 double Since(Clock::time_point begin) {
@@ -117,12 +118,21 @@ std::optional<double> SecondsLeft(const FrameTotals& totals, std::size_t all, do
 
 }  // namespace
 
-ProgressForm ProgressFormOf(const std::string& name, bool quiet) {
-    if (quiet) return ProgressForm::kQuiet;
-    if (name == "json") return ProgressForm::kJson;
-    if (name == "bar") return ProgressForm::kBar;
-    if (name == "lines") return ProgressForm::kLines;
-    return isatty(STDERR_FILENO) ? ProgressForm::kBar : ProgressForm::kLines;
+std::optional<ProgressOptions> ReadProgress(const std::string& text, bool quiet) {
+    ProgressOptions options;
+    options.form = isatty(STDERR_FILENO) ? ProgressForm::kBar : ProgressForm::kLines;
+    if (text == "json") {
+        options.form = ProgressForm::kJson;
+    } else if (text == "bar") {
+        options.form = ProgressForm::kBar;
+    } else if (text == "lines") {
+        options.form = ProgressForm::kLines;
+    } else if (!text.empty()) {
+        if (!OutOfRange(text, 0, kLongestInterval).empty()) return std::nullopt;
+        options.seconds = std::stod(text);
+    }
+    if (quiet) options.form = ProgressForm::kQuiet;
+    return options;
 }
 
 std::string DurationText(double seconds) {
@@ -148,8 +158,12 @@ std::string BarText(const FrameTotals& totals, std::size_t all, double seconds, 
     return line.substr(0, static_cast<std::size_t>(std::max(1, width - 1)));
 }
 
-FrameProgress::FrameProgress(const FramePlan& plan, ProgressForm form, bool printsPaths)
-    : plan_(plan), form_(form), printsPaths_(printsPaths), outcomes_(plan.frames.size()) {
+FrameProgress::FrameProgress(const FramePlan& plan, const ProgressOptions& options, bool printsPaths)
+    : plan_(plan),
+      form_(options.form),
+      interval_(options.seconds),
+      printsPaths_(printsPaths),
+      outcomes_(plan.frames.size()) {
     if (form_ == ProgressForm::kJson) {
         Print(Dump({{"event", "start"}, {"frames", plan_.frames.size()}}));
     }
@@ -280,7 +294,7 @@ void FrameProgress::TellCurrent() {
     if (current_.empty()) return;
     const auto& [index, current] = *current_.begin();
     const double seconds = Since(current.begin);
-    if (seconds < std::chrono::duration<double>(kLineInterval).count()) return;
+    if (seconds < interval_.count()) return;
     const int number = plan_.frames[index].number;
     if (form_ == ProgressForm::kJson) {
         Print(Dump({{"event", "stage"}, {"frame", number}, {"stage", StepName(current.step)}, {"seconds", seconds}}));
@@ -293,8 +307,8 @@ void FrameProgress::TellNowAndThen() {
     std::unique_lock lock(mutex_);
     if (form_ == ProgressForm::kBar) {
         while (!ending_.wait_for(lock, kBarInterval, [this] { return ended_; })) DrawBar();
-    } else {
-        while (!ending_.wait_for(lock, kLineInterval, [this] { return ended_; })) TellCurrent();
+    } else if (interval_.count() > 0) {
+        while (!ending_.wait_for(lock, interval_, [this] { return ended_; })) TellCurrent();
     }
 }
 

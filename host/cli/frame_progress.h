@@ -24,8 +24,14 @@ enum class ProgressForm {
     kQuiet,  ///< failures alone
 };
 
-/// The form by its name, "auto" being a bar where standard error is a terminal and lines elsewhere.
-ProgressForm ProgressFormOf(const std::string& name, bool quiet);
+struct ProgressOptions {
+    ProgressForm form = ProgressForm::kLines;
+    double seconds = 10;  ///< after them, and again each time, a frame that takes long has a line; 0 for never
+};
+
+/// What `--progress` says: "bar", "lines", "json", or seconds; without a form it is a bar where standard error is a
+/// terminal and lines elsewhere. Nothing for a text that is none of them.
+std::optional<ProgressOptions> ReadProgress(const std::string& text, bool quiet);
 
 /// How many frames came to what end.
 struct FrameTotals {
@@ -46,7 +52,7 @@ std::string BarText(const FrameTotals& totals, std::size_t all, double seconds, 
 class FrameProgress : public FrameWatcher {
  public:
     /// Prints each picture's path to standard output when `printsPaths`.
-    FrameProgress(const FramePlan& plan, ProgressForm form, bool printsPaths);
+    FrameProgress(const FramePlan& plan, const ProgressOptions& options, bool printsPaths);
     ~FrameProgress() override;
     FrameProgress(const FrameProgress&) = delete;
     FrameProgress& operator=(const FrameProgress&) = delete;
@@ -82,6 +88,7 @@ class FrameProgress : public FrameWatcher {
 
     const FramePlan& plan_;
     const ProgressForm form_;
+    const std::chrono::duration<double> interval_;
     const bool printsPaths_;
     bool keepsGoing_ = false;
     const std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();

@@ -29,7 +29,7 @@ struct SequenceOptions {
     bool keepGoing = false;
     std::string chunk = "1/1";
     int threads = 0;  ///< 0 takes what suits the machine
-    std::string progress = "auto";
+    std::string progress;
     bool quiet = false;
 };
 

@@ -34,6 +34,11 @@ auto Readable(Parse parse) {
     };
 }
 
+std::string WhyNoProgress(const std::string& text) {
+    if (!text.empty() && ReadProgress(text, false)) return "";
+    return fmt::format("'{}' is neither bar, lines, json nor a number of seconds from 0 to 86400", text);
+}
+
 Result<PlanRequest> RequestOf(const RenderOptions& options) {
     const SequenceOptions& sequence = options.sequence;
     PlanRequest request;
@@ -226,8 +231,9 @@ class SequenceRender {
     }
 
     Result<ExitCode> Draw(FirstFrame first) {
-        FrameProgress progress(plan_, ProgressFormOf(options_.sequence.progress, options_.sequence.quiet),
-                               !options_.json);
+        FrameProgress progress(
+            plan_, ReadProgress(options_.sequence.progress, options_.sequence.quiet).value_or(ProgressOptions{}),
+            !options_.json);
         progress.SetKeepsGoing(options_.sequence.keepGoing);
         DrawFrames(job_, instances_.all, reader_, std::move(first), progress);
         const FrameTotals totals = progress.Finish();
@@ -294,10 +300,12 @@ void AddSequenceOptions(CLI::App& app, SequenceOptions& options) {
                    "Frames drawn at once; without it as many as suit the cores, the renderer and the memory")
         ->check(CLI::Range(1, kMostThreads))
         ->type_name("N");
-    app.add_option("--progress", options.progress,
-                   "How to tell of the frames: bar on a terminal, else lines; json for programs")
-        ->check(CLI::IsMember({"auto", "bar", "lines", "json"}))
-        ->type_name("bar|lines|json");
+    app.add_option(
+           "--progress", options.progress,
+           "How to tell of the frames: bar on a terminal, else lines; json for programs. Or how often a frame that "
+           "takes long is told about: SECONDS, 0 for never, 10 without it")
+        ->check(WhyNoProgress)
+        ->type_name("bar|lines|json|SECONDS");
     app.add_flag("--quiet", options.quiet, "Tell of failures alone");
 }
 

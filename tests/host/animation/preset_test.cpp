@@ -26,7 +26,7 @@ class PresetTest : public testing::Test {
             def.u.fs_d.valid_min = 0;
             def.u.fs_d.valid_max = 100;
         });
-        Add(PF_Param_SLIDER, "Count", [](PF_ParamDef& def) { def.u.sd = {.valid_max = 50}; });
+        Add(PF_Param_SLIDER, "Count", [](PF_ParamDef& def) { def.u.sd.valid_max = 50; });
         Add(PF_Param_FIX_SLIDER, "Strength", [](PF_ParamDef& def) {
             def.u.fd.valid_max = 100 << 16;
             def.u.fd.display_flags = PF_ValueDisplayFlag_PERCENT;

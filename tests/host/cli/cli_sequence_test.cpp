@@ -227,6 +227,12 @@ TEST_F(CliSequence, WrongUsageIsToldBeforeAnythingIsDrawn) {
         {"a wrong rate", {"--rate", "fast"}, "in.@.png", "out.#.png", 2, "'fast' is no frame rate"},
         {"a wrong policy", {"--missing", "guess"}, "in.@.png", "out.#.png", 2, "guess not in {error,hold,skip}"},
         {"no threads", {"--threads", "0"}, "in.@.png", "out.#.png", 2, "--threads"},
+        {"no progress",
+         {"--progress", "dots"},
+         "in.@.png",
+         "out.#.png",
+         2,
+         "'dots' is neither bar, lines, json nor a number of seconds from 0 to 86400"},
         {"a time", {"--time", "1"}, "in.@.png", "out.#.png", 2, "--time is about a single picture"},
         {"a folder that is not there", {}, "in.@.png", "none/out.#.png", 3, "there is no folder 'none'"},
         {"a compression that the format lacks", {"--compression", "zip"}, "in.@.png", "out.#.png", 2, "zip"},
@@ -358,6 +364,14 @@ TEST_F(CliSequence, ProgressForProgramsTellsOfFailures) {
     EXPECT_EQ(events[2]["code"], 3);
     EXPECT_THAT(events[2]["error"], HasSubstr("in.2.png"));
     EXPECT_EQ(events[4]["failed"], 1);
+}
+
+TEST_F(CliSequence, AFrameThatTakesLongIsToldAbout) {
+    WriteLayer(folder_ / "large.png", 1500, 1500, {255, 200, 100, 50});
+    const Outcome outcome = Render({"--frames", "1-3", "--progress", "0.02"}, "large.png");
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_THAT(outcome.err, testing::ContainsRegex("umbrant: frame [123]: [a-z ]+, for [0-9.]+ s now\n"));
+    EXPECT_THAT(Render({"--frames", "1-3", "--progress", "0"}, "large.png").err, Not(HasSubstr(" now")));
 }
 
 TEST_F(CliSequence, TheReportHasEveryFrame) {
