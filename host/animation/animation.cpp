@@ -42,10 +42,10 @@ const RowTrack* Animation::Find(int row) const {
     return found != tracks_.end() && found->row == row ? &*found : nullptr;
 }
 
-ParamSet Animation::ValuesAt(const ParamSet& base, double seconds, const AnimationClock& clock) const {
+ParamSet Animation::ValuesAt(const ParamSet& base, double frame, const AnimationClock& clock) const {
     ParamSet values = base;
     for (const RowTrack& track : tracks_) {
-        const std::string text = TextOf(base.Row(track.row), track.track.At(seconds, clock), track.isPercent);
+        const std::string text = TextOf(base.Row(track.row), track.track.At(frame, clock), track.isPercent);
         // The keys were taken by the row, and what lies between them is kept within its range.
         (void)values.SetFromText(fmt::format("#{}", track.row), text);
     }

@@ -48,7 +48,7 @@ Samples Sample(const ParamSet& values, const Animation& animation, const Animati
     samples.numbers.resize(animation.Tracks().size());
     for (int i = 0; i <= columns; ++i) {
         const double frame = options.firstFrame + (options.lastFrame - options.firstFrame) * i / columns;
-        const ParamSet now = animation.ValuesAt(values, (frame - clock.zeroFrame) / clock.framesPerSecond, clock);
+        const ParamSet now = animation.ValuesAt(values, frame, clock);
         samples.frames.push_back(frame);
         for (std::size_t track = 0; track < samples.numbers.size(); ++track) {
             bool isPercent = false;
@@ -200,7 +200,7 @@ void DrawTrack(cairo_t* cairo, const ParamSet& values, const RowTrack& track, st
     const std::size_t count = track.track.keys.front().value.size();
     for (std::size_t number = 0; number < count; ++number) plot.DrawCurve(samples, index, number, inks[number]);
     for (const Keyframe& key : track.track.keys) {
-        const double frame = track.track.SecondsOf(key, clock) * clock.framesPerSecond + clock.zeroFrame;
+        const double frame = track.track.FrameOf(key, clock);
         for (std::size_t number = 0; number < count; ++number) {
             plot.DrawKey(frame, key.value[number], key.out.kind == Interpolation::kHold, inks[number]);
         }

@@ -100,39 +100,38 @@ class Path {
 
 }  // namespace
 
-double Eased(const KeySide& out, const KeySide& in, double distance, double duration, double passed) {
-    const double u = passed / duration;
+double Eased(const KeySide& out, const KeySide& in, double distance, double duration, double part) {
     const bool isLine = out.kind == Interpolation::kLinear && in.kind != Interpolation::kBezier;
-    if (isLine) return distance * u;
-    const auto part = [](const KeySide& side) {
+    if (isLine) return distance * part;
+    const auto influence = [](const KeySide& side) {
         return side.kind == Interpolation::kBezier ? side.influence / 100 : kLinearPart;
     };
     const auto speed = [&](const KeySide& side) {
         return side.kind == Interpolation::kBezier ? side.speed : distance / duration;
     };
-    const double first = part(out), last = part(in);
-    const double s = ParameterAt(first, 1 - last, u);
+    const double first = influence(out), last = influence(in);
+    const double s = ParameterAt(first, 1 - last, part);
     return Cubic(0, speed(out) * first * duration, distance - speed(in) * last * duration, distance, s);
 }
 
-double Track::SecondsOf(const Keyframe& key, const AnimationClock& clock) const {
-    return inFrames ? (key.time - clock.zeroFrame) / clock.framesPerSecond : key.time;
+double Track::FrameOf(const Keyframe& key, const AnimationClock& clock) const {
+    return inFrames ? key.time : clock.FrameOf(key.time);
 }
 
-std::vector<double> Track::At(double seconds, const AnimationClock& clock) const {
-    const auto after =
-        std::find_if(keys.begin(), keys.end(), [&](const Keyframe& key) { return SecondsOf(key, clock) > seconds; });
+std::vector<double> Track::At(double frame, const AnimationClock& clock) const {
+    // In the track's own unit, in which whole numbers are exact.
+    const double time = inFrames ? frame : clock.SecondsOf(frame);
+    const auto after = std::find_if(keys.begin(), keys.end(), [&](const Keyframe& key) { return key.time > time; });
     if (after == keys.begin()) return keys.front().value;
     const Keyframe& from = *std::prev(after);
-    if (after == keys.end() || from.out.kind == Interpolation::kHold) return from.value;
-    const double begin = SecondsOf(from, clock);
-    const double duration = SecondsOf(*after, clock) - begin;
-    const double passed = seconds - begin;
-    if (passed <= 0) return from.value;
+    if (after == keys.end() || from.out.kind == Interpolation::kHold || time == from.time) return from.value;
+    const double span = after->time - from.time;
+    const double part = (time - from.time) / span;
+    const double duration = inFrames ? span / clock.framesPerSecond : span;
     if (from.value.size() == 1) {
         const double distance = after->value[0] - from.value[0];
-        return {from.value[0] + Eased(from.out, after->in, distance, duration, passed)};
+        return {from.value[0] + Eased(from.out, after->in, distance, duration, part)};
     }
     const Path path(from, *after);
-    return path.At(Eased(from.out, after->in, path.Total(), duration, passed));
+    return path.At(Eased(from.out, after->in, path.Total(), duration, part));
 }

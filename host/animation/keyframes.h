@@ -14,10 +14,13 @@
 
 #include <vector>
 
-/// From frames to seconds.
+/// Frames and seconds.
 struct AnimationClock {
     double framesPerSecond = 24;
     double zeroFrame = 0;  ///< the frame at 0 s
+
+    double SecondsOf(double frame) const { return (frame - zeroFrame) / framesPerSecond; }
+    double FrameOf(double seconds) const { return seconds * framesPerSecond + zeroFrame; }
 };
 
 enum class Interpolation { kHold, kLinear, kBezier };

@@ -44,10 +44,6 @@ struct CurvesCommandOptions {
     std::string module;
 };
 
-double FrameOf(const Track& track, const Keyframe& key, const AnimationClock& clock) {
-    return track.SecondsOf(key, clock) * clock.framesPerSecond + clock.zeroFrame;
-}
-
 /// Frames that are shown: those that were asked for, or from the first key to the last, whole numbers around them.
 Result<std::vector<int>> ShownFrames(const std::string& asked, const Animation& animation,
                                      const AnimationClock& clock) {
@@ -55,8 +51,8 @@ Result<std::vector<int>> ShownFrames(const std::string& asked, const Animation& 
     double first = std::numeric_limits<double>::infinity();
     double last = -first;
     for (const RowTrack& track : animation.Tracks()) {
-        first = std::min(first, FrameOf(track.track, track.track.keys.front(), clock));
-        last = std::max(last, FrameOf(track.track, track.track.keys.back(), clock));
+        first = std::min(first, track.track.FrameOf(track.track.keys.front(), clock));
+        last = std::max(last, track.track.FrameOf(track.track.keys.back(), clock));
     }
     if (last - first > 2 * kFarthestFrame) {
         return Failure{ExitCode::kUsage, "the keys lie too far apart to be shown at this rate; give --frames"};
@@ -69,8 +65,7 @@ Result<std::vector<int>> ShownFrames(const std::string& asked, const Animation& 
 std::string Report(const AnimatedParams& params, const std::vector<int>& frames, const AnimationClock& clock) {
     Json rows = Json::object();
     for (const int frame : frames) {
-        const ParamSet values =
-            params.animation.ValuesAt(params.values, (frame - clock.zeroFrame) / clock.framesPerSecond, clock);
+        const ParamSet values = params.animation.ValuesAt(params.values, frame, clock);
         for (const RowTrack& track : params.animation.Tracks()) {
             const ParamRow& row = params.values.Row(track.row);
             rows[row.path.empty() ? fmt::format("#{}", row.index) : row.path].push_back(values.ValueText(track.row));

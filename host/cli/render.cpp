@@ -147,7 +147,7 @@ Result<ExitCode> Render(const RenderOptions& options) {
     facts.load = stage.Lap();
 
     progress.Say("the module is loaded and set up");
-    auto opened = OpenWithValues(options, layers->width, layers->height, options.seconds);
+    auto opened = OpenWithValues(options, layers->width, layers->height);
     if (!opened) return opened.Error();
     EffectSession& session = opened->Session();
     const RendererDecision renderer = DecideRenderer(*wish, ReadGpuStrings(session.Params()));

@@ -69,8 +69,9 @@ struct OpenedEffect {
 };
 
 /// The session that draws layers of this full size, with the values that were asked for, those that move as they are at
-/// `seconds`.
-Result<OpenedEffect> OpenWithValues(const RenderOptions& options, int layerWidth, int layerHeight, double seconds);
+/// `frame`, or without one at the time of a single picture.
+Result<OpenedEffect> OpenWithValues(const RenderOptions& options, int layerWidth, int layerHeight,
+                                    std::optional<double> frame = {});
 
 /// The effect's failure, said as what it is when there is no OpenGL to draw with.
 Failure Explain(const Failure& failure, const EffectSession& session);

@@ -173,15 +173,14 @@ class SequenceRender {
         if (!first->layers.input) return Draw(std::move(*first));
 
         const PlannedFrame& frame = plan_.frames[first->frame];
-        auto opened =
-            OpenWithValues(options_, first->layers.input->width, first->layers.input->height, SecondsOf(frame));
+        auto opened = OpenWithValues(options_, first->layers.input->width, first->layers.input->height, frame.number);
         if (!opened) return opened.Error();
         renderer_ = DecideRenderer(*wish, ReadGpuStrings(opened->Session().Params()));
         TellRenderer(renderer_);
         if (!opened->params.animation.IsEmpty()) {
             // What the effect itself keeps in its rows stays; only what moves is set for each frame.
             job_.values = [this, &effect = *opened](const PlannedFrame& each, const ParamSet& params) {
-                return effect.params.animation.ValuesAt(params, SecondsOf(each), effect.clock);
+                return effect.params.animation.ValuesAt(params, each.number, effect.clock);
             };
         }
         if (auto started = StartInstances(opened->Session(), *first); !started) return started.Error();
@@ -193,10 +192,6 @@ class SequenceRender {
     }
 
  private:
-    double SecondsOf(const PlannedFrame& frame) const {
-        return static_cast<double>(frame.time) / static_cast<double>(plan_.rate.scale);
-    }
-
     void FillJob() {
         job_.plan = &plan_;
         job_.downsample = options_.downsample;
@@ -237,9 +232,10 @@ class SequenceRender {
         progress.SetKeepsGoing(options_.sequence.keepGoing);
         DrawFrames(job_, instances_.all, reader_, std::move(first), progress);
         const FrameTotals totals = progress.Finish();
-        if (options_.json)
-            PrintResult(
-                SequenceReport({options_.input, options_.output, renderer_.Name()}, plan_, job_.shape, progress));
+        if (options_.json) {
+            const SequenceFacts facts{options_.input, options_.output, renderer_.Name()};
+            PrintResult(SequenceReport(facts, plan_, job_.shape, progress));
+        }
         if (totals.failed == 0) return ExitCode::kDone;
         if (options_.sequence.keepGoing) return ExitCode::kEffectFailed;
         return totals.firstFailure;

@@ -38,7 +38,8 @@ Failure Explain(const Failure& failure, const EffectSession& session) {
             fmt::format("no OpenGL context could be made, so the effect cannot draw: {}", failure.sentence)};
 }
 
-Result<OpenedEffect> OpenWithValues(const RenderOptions& options, int layerWidth, int layerHeight, double seconds) {
+Result<OpenedEffect> OpenWithValues(const RenderOptions& options, int layerWidth, int layerHeight,
+                                    std::optional<double> frame) {
     SessionOptions about;
     about.layerWidth = layerWidth;
     about.layerHeight = layerHeight;
@@ -51,7 +52,8 @@ Result<OpenedEffect> OpenWithValues(const RenderOptions& options, int layerWidth
     EffectSession& session = effect.Session();
     effect.params.values = session.Params();
     if (auto set = ApplyValues(options.preset, options.settings, effect.params); !set) return set.Error();
-    session.Params() = effect.params.animation.ValuesAt(effect.params.values, seconds, effect.clock);
+    const double moment = frame.value_or(effect.clock.FrameOf(options.seconds));
+    session.Params() = effect.params.animation.ValuesAt(effect.params.values, moment, effect.clock);
     if (auto updated = session.UpdateParamsUI(); !updated) return Explain(updated.Error(), session);
     return effect;
 }

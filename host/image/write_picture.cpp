@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
+#include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imageio.h>
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cerrno>
 #include <charconv>
+#include <cstdio>
+#include <cstring>
 #include <exception>
 #include <memory>
 #include <optional>
@@ -166,16 +170,31 @@ OIIO::ImageSpec LayoutOf(const Format& format, const World& world, const Placeme
     return layout;
 }
 
+/// Writes bytes to a name that nobody looks at yet. Returns why it could not.
+std::optional<std::string> WriteBytes(const fs::path& name, const std::vector<unsigned char>& bytes) {
+    std::FILE* file = std::fopen(name.c_str(), "wb");
+    if (!file) return std::strerror(errno);
+    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+    const int problem = errno;
+    const bool closed = std::fclose(file) == 0;
+    if (written && closed) return std::nullopt;
+    return std::strerror(written ? errno : problem);
+}
+
 /// Writes to a name that nobody looks at yet. Returns why it could not.
-std::optional<std::string> WriteTo(const fs::path& name, const OIIO::ImageSpec& layout,
+std::optional<std::string> WriteTo(const Format& format, const fs::path& name, const OIIO::ImageSpec& layout,
                                    const std::vector<float>& values) {
     const std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(name.string());
     if (!output) return OIIO::geterror();
+    // What is behind the library overlooks a full disk in one of these formats, and ends the process in the other.
+    OIIO::Filesystem::IOVecOutput bytes;
+    const bool inMemory = format.name == "png" || format.name == "jpeg";
+    if (inMemory && !output->set_ioproxy(&bytes)) return output->geterror();
     if (!output->open(name.string(), layout)) return output->geterror();
     const bool written = output->write_image(OIIO::TypeDesc::FLOAT, values.data());
     const bool closed = output->close();
-    if (written && closed) return std::nullopt;
-    return output->geterror();
+    if (!written || !closed) return output->geterror();
+    return inMemory ? WriteBytes(name, bytes.buffer()) : std::nullopt;
 }
 
 }  // namespace
@@ -232,7 +251,7 @@ Result<Done> WritePicture(const fs::path& file, const World& world, const Placem
     TemporaryFile temporary(file);
     try {
         const OIIO::ImageSpec layout = LayoutOf(format, world, place, options);
-        if (const auto problem = WriteTo(temporary.Name(), layout, FileValues(world, format.form))) {
+        if (const auto problem = WriteTo(format, temporary.Name(), layout, FileValues(world, format.form))) {
             return CannotWrite(file, problem->empty() ? "the disk or folder refuses it"
                                                       : std::string_view(*problem).substr(0, problem->find('\n')));
         }

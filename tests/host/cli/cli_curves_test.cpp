@@ -106,7 +106,7 @@ TEST_F(CliCurves, RowsThatCannotVaryAreRefusedByName) {
                    std::string(R"({"version": 2, "keyframes": {")") + path + R"(": [{"frame": 1, "value": 1}]}})");
         const Outcome outcome = Curves({"--preset", "p.json", "--json"}, UMBRANT_MODULE_FILE);
         EXPECT_EQ(outcome.code, 2);
-        EXPECT_THAT(outcome.err, HasSubstr("the preset 'p.json' is wrong: line 1, column 31: '" + std::string(path) +
+        EXPECT_THAT(outcome.err, HasSubstr("the preset 'p.json' is wrong: line 1, column 30: '" + std::string(path) +
                                            "' cannot have keyframes: the effect keeps it the same for all frames"));
     }
 }

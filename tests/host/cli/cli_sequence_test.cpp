@@ -235,7 +235,12 @@ TEST_F(CliSequence, WrongUsageIsToldBeforeAnythingIsDrawn) {
          "'dots' is neither bar, lines, json nor a number of seconds from 0 to 86400"},
         {"a time", {"--time", "1"}, "in.@.png", "out.#.png", 2, "--time is about a single picture"},
         {"a folder that is not there", {}, "in.@.png", "none/out.#.png", 3, "there is no folder 'none'"},
-        {"a compression that the format lacks", {"--compression", "zip"}, "in.@.png", "out.#.png", 2, "zip"},
+        {"a compression that the format lacks",
+         {"--compression", "zip"},
+         "in.@.png",
+         "out.#.png",
+         2,
+         "there is nothing to choose"},
         {"a wrong value", {"--set", "paint/boarder=1"}, "in.@.png", "out.#.png", 2, "nearest: 'paint/border'"},
     };
     for (const auto& row : rows) {
@@ -432,11 +437,21 @@ class Running {
 TEST_F(CliSequence, AnInterruptionEndsAtOnceAndLeavesWholeFiles) {
     // Large enough to be interrupted in the middle of a write.
     WriteLayer(folder_ / "large.png", 1500, 1500, {255, 200, 100, 50});
-    for (const int wait : {80, 250, 500, 900}) {
+    const auto begun = [&] {
+        for (const auto& entry : std::filesystem::directory_iterator(folder_.Path())) {
+            if (entry.path().filename().string().find("cut") != std::string::npos) return true;
+        }
+        return false;
+    };
+    for (const int wait : {0, 7, 50, 130, 270}) {
         SCOPED_TRACE(wait);
+        for (const auto& entry : std::filesystem::directory_iterator(folder_.Path())) {
+            if (entry.path().filename().string().starts_with("cut")) std::filesystem::remove(entry.path());
+        }
         Running run(folder_,
                     Arguments("large.png", "cut.####.png",
                               {"--frames", "1-500", "--threads", "4", "--set", "paint/border=50"}, "threaded_painter"));
+        while (!begun()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
         std::this_thread::sleep_for(std::chrono::milliseconds(wait));
         const auto begin = std::chrono::steady_clock::now();
         run.Interrupt();
