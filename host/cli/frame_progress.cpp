@@ -13,6 +13,7 @@
 #include <nlohmann/json.hpp>
 
 #include "host/cli/command.h"
+#include "host/cli/progress.h"
 #include "host/cli/results.h"
 
 namespace {
@@ -51,7 +52,7 @@ const char* StepWords(FrameStep step) {
         case FrameStep::kRead:
             return "its pictures are read";
         case FrameStep::kDraw:
-            return "the effect draws it";
+            return "it is drawn";
         case FrameStep::kWrite:
             return "it is written";
     }
@@ -286,7 +287,8 @@ void FrameProgress::TellFrame(std::size_t index) {
 std::string FrameProgress::CurrentText() const {
     if (current_.empty()) return "";
     const auto& [index, current] = *current_.begin();
-    return fmt::format("frame {}: {}", plan_.frames[index].number, StepWords(current.step));
+    return fmt::format("frame {}: {}", plan_.frames[index].number,
+                       current.session ? ActivityText(*current.session) : StepWords(current.step));
 }
 
 /// A frame that takes long is told about on its way.

@@ -139,7 +139,7 @@ Result<ExitCode> Render(const RenderOptions& options) {
     }
     const auto wish = ReadRendererWish(options.renderer);
     if (!wish) return wish.Error();
-    Progress progress(options.progress);
+    Progress progress(SecondsOfProgress(options.sequence));
     progress.Say("the pictures are read");
     const auto layers = ReadLayers(options);
     if (!layers) return layers.Error();
@@ -245,11 +245,6 @@ Command RenderCommand() {
         AddSequenceOptions(app, options->sequence);
         app.add_flag("--json", options->json,
                      "Print a report instead of the path: rectangles, milliseconds by stage, driver, suites");
-        app.add_option("--progress", options->progress,
-                       "How often a render that takes long says what it is at; 0 for never. Without it each second on "
-                       "a terminal, else every 10")
-            ->check([](const std::string& text) { return OutOfRange(text, 0.0, kLongestTime); })
-            ->type_name("SECONDS");
         app.add_flag("--verbose", options->verbose, "Tell each command with its time, rectangles and suites");
     };
     command.run = [options] { return Render(*options); };

@@ -79,6 +79,9 @@ Failure Explain(const Failure& failure, const EffectSession& session);
 /// Declares the options of SequenceOptions.
 void AddSequenceOptions(CLI::App& app, SequenceOptions& options);
 
+/// How often a single picture that takes long is told about, as Progress takes it.
+double SecondsOfProgress(const SequenceOptions& options);
+
 /// Whether the options mean a sequence. Fails as ParseFrames and MeansSequence do.
 Result<bool> MeansSequence(const RenderOptions& options);
 

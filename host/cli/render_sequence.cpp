@@ -305,6 +305,12 @@ void AddSequenceOptions(CLI::App& app, SequenceOptions& options) {
     app.add_flag("--quiet", options.quiet, "Tell of failures alone");
 }
 
+double SecondsOfProgress(const SequenceOptions& options) {
+    if (options.quiet) return 0;
+    const bool isNumber = options.progress.find_first_not_of("0123456789.") == std::string::npos;
+    return options.progress.empty() || !isNumber ? -1 : std::stod(options.progress);
+}
+
 Result<bool> MeansSequence(const RenderOptions& options) {
     const auto request = RequestOf(options);
     if (!request) return request.Error();

@@ -1,17 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imageio.h>
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <cerrno>
 #include <charconv>
-#include <cstdio>
-#include <cstring>
 #include <exception>
 #include <memory>
 #include <optional>
@@ -19,6 +15,7 @@
 #include <system_error>
 #include <vector>
 
+#include "host/image/checked_file.h"
 #include "host/image/metadata.h"
 #include "host/image/picture.h"
 #include "host/image/temporary_file.h"
@@ -170,31 +167,24 @@ OIIO::ImageSpec LayoutOf(const Format& format, const World& world, const Placeme
     return layout;
 }
 
-/// Writes bytes to a name that nobody looks at yet. Returns why it could not.
-std::optional<std::string> WriteBytes(const fs::path& name, const std::vector<unsigned char>& bytes) {
-    std::FILE* file = std::fopen(name.c_str(), "wb");
-    if (!file) return std::strerror(errno);
-    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-    const int problem = errno;
-    const bool closed = std::fclose(file) == 0;
-    if (written && closed) return std::nullopt;
-    return std::strerror(written ? errno : problem);
-}
-
 /// Writes to a name that nobody looks at yet. Returns why it could not.
 std::optional<std::string> WriteTo(const Format& format, const fs::path& name, const OIIO::ImageSpec& layout,
                                    const std::vector<float>& values) {
     const std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(name.string());
     if (!output) return OIIO::geterror();
-    // What is behind the library overlooks a full disk in one of these formats, and ends the process in the other.
-    OIIO::Filesystem::IOVecOutput bytes;
-    const bool inMemory = format.name == "png" || format.name == "jpeg";
-    if (inMemory && !output->set_ioproxy(&bytes)) return output->geterror();
+    std::optional<CheckedFile> checked;
+    if (format.name == "png" || format.name == "jpeg") {
+        checked.emplace(name);
+        if (!output->set_ioproxy(&*checked)) return output->geterror();
+    }
     if (!output->open(name.string(), layout)) return output->geterror();
     const bool written = output->write_image(OIIO::TypeDesc::FLOAT, values.data());
     const bool closed = output->close();
-    if (!written || !closed) return output->geterror();
-    return inMemory ? WriteBytes(name, bytes.buffer()) : std::nullopt;
+    if (checked) {
+        if (const auto problem = checked->Finish()) return problem;
+    }
+    if (written && closed) return std::nullopt;
+    return output->geterror();
 }
 
 }  // namespace

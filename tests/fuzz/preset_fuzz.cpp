@@ -6,7 +6,7 @@
 
 #include <cstring>
 
-#include "host/cli/preset.h"
+#include "host/animation/preset.h"
 #include "tests/fuzz/target.h"
 
 namespace {
@@ -64,9 +64,9 @@ ParamSet EveryType() {
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const ScratchFile file("preset.json");
-    static const ParamSet declared = EveryType();
+    static const AnimatedParams declared{EveryType(), {}};
     file.Write({data, size});
-    ParamSet params = declared;
+    AnimatedParams params = declared;
     const auto applied = ApplyPreset(file.Path(), params);
     const std::string text = PresetText(params);
     if (!applied) {
@@ -76,9 +76,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     }
     static const ScratchFile written("written.json");
     written.Write({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
-    ParamSet again = declared;
+    AnimatedParams again = declared;
     const auto reread = ApplyPreset(written.Path(), again);
     Promise(bool(reread), reread ? "" : "what was written can be read: " + reread.Error().sentence);
     Promise(PresetText(again) == text, "what was written says the same when it is read");
+    // Every moment has values that the rows take.
+    for (const double frame : {-1e6, 0.0, 1.5, 24.0, 1e6}) params.animation.ValuesAt(params.values, frame, {});
     return 0;
 }

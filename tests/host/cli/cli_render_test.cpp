@@ -274,7 +274,9 @@ TEST_F(CliRender, ALongFrameTellsItsStageAndTheTime) {
     EXPECT_EQ(with("86400").err, "") << "a short frame says nothing";
     const Outcome wrong = with("often");
     EXPECT_EQ(wrong.code, 2);
-    EXPECT_THAT(wrong.err, testing::HasSubstr("--progress: 'often' is not a number from 0 to 86400"));
+    EXPECT_THAT(
+        wrong.err,
+        testing::HasSubstr("--progress: 'often' is neither bar, lines, json nor a number of seconds from 0 to 86400"));
 }
 
 TEST_F(CliRender, AnInterruptionLeavesNothing) {
