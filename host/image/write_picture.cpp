@@ -170,9 +170,10 @@ OIIO::ImageSpec LayoutOf(const Format& format, const World& world, const Placeme
 /// Writes to a name that nobody looks at yet. Returns why it could not.
 std::optional<std::string> WriteTo(const Format& format, const fs::path& name, const OIIO::ImageSpec& layout,
                                    const std::vector<float>& values) {
+    // Outlives the output, which may write once more when it goes.
+    std::optional<CheckedFile> checked;
     const std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(name.string());
     if (!output) return OIIO::geterror();
-    std::optional<CheckedFile> checked;
     if (format.name == "png" || format.name == "jpeg") {
         checked.emplace(name);
         if (!output->set_ioproxy(&*checked)) return output->geterror();
