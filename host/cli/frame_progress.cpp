@@ -15,6 +15,7 @@
 #include "host/cli/command.h"
 #include "host/cli/progress.h"
 #include "host/cli/results.h"
+#include "host/cli/sequence_report.h"
 
 namespace {
 
@@ -59,20 +60,6 @@ const char* StepWords(FrameStep step) {
     return "";
 }
 
-const char* KindName(Kind kind) {
-    switch (kind) {
-        case Kind::kDrawn:
-            return "drawn";
-        case Kind::kExists:
-            return "exists";
-        case Kind::kSkipped:
-            return "skipped";
-        case Kind::kFailed:
-            return "failed";
-    }
-    return "";
-}
-
 std::string CountText(const FrameTotals& totals) {
     std::string text = fmt::format("{} drawn", totals.drawn);
     if (totals.existing > 0) text += fmt::format(", {} there already", totals.existing);
@@ -87,28 +74,6 @@ std::string Dump(const Json& json) {
 
 double TimeOf(const FrameOutcome& outcome) {
     return outcome.readTime + outcome.drawTime + outcome.writeTime;
-}
-
-/// What programs are told about a frame.
-Json FrameJson(const PlannedFrame& frame, const FrameOutcome& outcome) {
-    Json json{{"frame", frame.number}, {"state", KindName(outcome.kind)}, {"output", frame.output}};
-    if (frame.heldInput) json["heldInput"] = *frame.heldInput;
-    if (frame.heldTexture) json["heldTexture"] = *frame.heldTexture;
-    if (outcome.failure) {
-        json["error"] = outcome.failure->sentence;
-        json["code"] = static_cast<int>(outcome.failure->code);
-    }
-    if (!outcome.message.empty()) json["message"] = outcome.message;
-    if (outcome.kind == Kind::kDrawn) {
-        json["milliseconds"] = {{"read", outcome.readTime}, {"draw", outcome.drawTime}, {"write", outcome.writeTime}};
-    }
-    return json;
-}
-
-Json TotalsJson(const FrameTotals& totals, std::size_t all, double seconds) {
-    return {
-        {"frames", all},           {"drawn", totals.drawn}, {"existing", totals.existing}, {"skipped", totals.skipped},
-        {"failed", totals.failed}, {"seconds", seconds}};
 }
 
 /// Seconds until the last frame at the rate so far; nothing before there is one.
@@ -366,32 +331,4 @@ FrameTotals FrameProgress::Finish() {
         Print("umbrant: " + line);
     }
     return totals_;
-}
-
-std::string SequenceReport(const SequenceFacts& facts, const FramePlan& plan, const PipelineShape& shape,
-                           const FrameProgress& progress) {
-    Json frames = Json::array();
-    FrameTotals totals;
-    for (std::size_t i = 0; i < plan.frames.size(); ++i) {
-        const auto& outcome = progress.Outcomes()[i];
-        if (!outcome) continue;
-        totals.drawn += outcome->kind == Kind::kDrawn;
-        totals.existing += outcome->kind == Kind::kExists;
-        totals.skipped += outcome->kind == Kind::kSkipped;
-        totals.failed += outcome->kind == Kind::kFailed;
-        Json frame = FrameJson(plan.frames[i], *outcome);
-        if (outcome->kind == Kind::kDrawn) {
-            const PF_LRect& rect = outcome->picture;
-            frame["picture"] = {{"left", rect.left}, {"top", rect.top}, {"right", rect.right}, {"bottom", rect.bottom}};
-        }
-        frames.push_back(std::move(frame));
-    }
-    Json report{{"input", facts.input},
-                {"output", facts.output},
-                {"renderer", facts.renderer},
-                {"threads", {{"read", shape.readers}, {"draw", shape.drawers}, {"write", shape.writers}}},
-                {"underWay", shape.underWay},
-                {"totals", TotalsJson(totals, plan.frames.size(), progress.Seconds())},
-                {"frames", std::move(frames)}};
-    return report.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }

@@ -103,14 +103,3 @@ class FrameProgress : public FrameWatcher {
     std::condition_variable ending_;
     std::thread thread_;
 };
-
-/// What the report tells beside the frames.
-struct SequenceFacts {
-    std::string input;
-    std::string output;
-    std::string renderer;
-};
-
-/// The report of a whole sequence, ending in a line break.
-std::string SequenceReport(const SequenceFacts& facts, const FramePlan& plan, const PipelineShape& shape,
-                           const FrameProgress& progress);

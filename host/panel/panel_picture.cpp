@@ -57,7 +57,7 @@ Result<PanelPicture> DrawPanel(EffectSession& session, const PanelPictureOptions
     picture.items = PanelItems(session, options.width);
     const double height = PanelHeight(picture.items);
     const CairoSurface surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, options.width * options.scale,
-                                                     static_cast<int>(std::ceil(height)) * options.scale));
+                                                          static_cast<int>(std::ceil(height)) * options.scale));
     const CairoPen cairo(cairo_create(surface.get()));
     const Failure noMemory{ExitCode::kInternal, "there is not enough memory for a picture of the panel"};
     if (cairo_status(cairo.get()) != CAIRO_STATUS_SUCCESS) return noMemory;

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// What programs are told about a sequence: single frames as they end, and the whole in the end.
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "host/cli/frame_progress.h"
+
+/// A frame and what became of it.
+nlohmann::ordered_json FrameJson(const PlannedFrame& frame, const FrameOutcome& outcome);
+
+/// The sums over `all` frames.
+nlohmann::ordered_json TotalsJson(const FrameTotals& totals, std::size_t all, double seconds);
+
+/// What the report tells beside the frames.
+struct SequenceFacts {
+    std::string input;
+    std::string output;
+    std::string renderer;
+};
+
+/// The report of a whole sequence, ending in a line break.
+std::string SequenceReport(const SequenceFacts& facts, const FramePlan& plan, const PipelineShape& shape,
+                           const FrameProgress& progress);
