@@ -51,12 +51,12 @@ struct Track {
     bool inFrames = true;        ///< times are frames, else seconds
     std::vector<Keyframe> keys;  ///< at least one; times rise
 
-    /// A key's time in seconds.
-    double SecondsOf(const Keyframe& key, const AnimationClock& clock) const;
-    /// The value at a time: the first key's before it, the last one's after it.
-    std::vector<double> At(double seconds, const AnimationClock& clock) const;
+    /// The frame of a key, whole or not.
+    double FrameOf(const Keyframe& key, const AnimationClock& clock) const;
+    /// The value at a frame, whole or not: the first key's before it, the last one's after it.
+    std::vector<double> At(double frame, const AnimationClock& clock) const;
 };
 
-/// How far a move from 0 to `distance` that takes `duration` seconds is after `passed` of them; beyond the ends when
-/// its speeds carry it there.
-double Eased(const KeySide& out, const KeySide& in, double distance, double duration, double passed);
+/// How far a move from 0 to `distance` that takes `duration` seconds is after a `part` of them, 0 to 1; beyond the ends
+/// when its speeds carry it there.
+double Eased(const KeySide& out, const KeySide& in, double distance, double duration, double part);
