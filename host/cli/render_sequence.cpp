@@ -87,25 +87,42 @@ std::uint64_t BytesOf(const World& world) {
     return static_cast<std::uint64_t>(world.Height()) * static_cast<std::uint64_t>(world.Def().rowbytes);
 }
 
-/// What a frame costs, judged by the first one. An effect that fails when it is asked will fail in that frame again,
-/// and be told of there; until then its picture is taken for as large as the layer.
+std::uint64_t AreaOf(const PF_LRect& rect) {
+    const auto side = [](A_long low, A_long high) {
+        return static_cast<std::uint64_t>(std::max<std::int64_t>(0, std::int64_t{high} - low));
+    };
+    return side(rect.left, rect.right) * side(rect.top, rect.bottom);
+}
+
+/// Pixels of the largest picture that the effect makes of these layers, asked with the values of some of the frames,
+/// which may move. An effect that fails when it is asked will fail in that frame again, and be told of there; its
+/// picture is taken for as large as the layer.
+std::uint64_t LargestArea(const FrameJob& job, const FirstFrame& first, EffectSession& session) {
+    constexpr std::size_t kAsked = 64;
+    const World& layer = first.layers.input->pixels;
+    const auto& frames = job.plan->frames;
+    const std::size_t asked = job.values ? std::min(frames.size(), kAsked) : 1;
+    std::uint64_t largest = AreaOf({0, 0, layer.Width(), layer.Height()});
+    for (std::size_t i = 0; i < asked; ++i) {
+        const PlannedFrame& frame = job.values ? frames[i * frames.size() / asked] : frames[first.frame];
+        std::optional<ParamSet> values;
+        if (job.values) values = job.values(frame, session.Params());
+        const auto answer = session.PreRender(RequestFor(job, frame, first.layers, values ? &*values : nullptr));
+        if (!answer) continue;
+        largest = std::max(largest, AreaOf(job.canvas == Canvas::kGrow ? answer->maxRect : answer->resultRect));
+    }
+    return largest;
+}
+
+/// What a frame costs, judged by the layers of the first one.
 FrameFootprint Footprint(const FrameJob& job, const FirstFrame& first, EffectSession& session) {
-    const PlannedFrame& frame = job.plan->frames[first.frame];
     const Layer& layer = *first.layers.input;
     FrameFootprint footprint;
     footprint.file =
         static_cast<std::uint64_t>(layer.width) * static_cast<std::uint64_t>(layer.height) * (layer.bits > 8 ? 16 : 4);
     footprint.layer = BytesOf(layer.pixels);
     if (first.layers.texture) footprint.texture = BytesOf(first.layers.texture->pixels);
-    std::optional<ParamSet> values;
-    if (job.values) values = job.values(frame, session.Params());
-    const auto asked = session.PreRender(RequestFor(job, frame, first.layers, values ? &*values : nullptr));
-    PF_LRect rect{0, 0, layer.pixels.Width(), layer.pixels.Height()};
-    if (asked) rect = job.canvas == Canvas::kGrow ? asked->maxRect : asked->resultRect;
-    const auto side = [](A_long low, A_long high) {
-        return static_cast<std::uint64_t>(std::max<std::int64_t>(0, std::int64_t{high} - low));
-    };
-    footprint.outputPixels = side(rect.left, rect.right) * side(rect.top, rect.bottom);
+    footprint.outputPixels = LargestArea(job, first, session);
     footprint.output = footprint.outputPixels * static_cast<std::uint64_t>(BytesPerPixel(layer.pixels.PixelDepth()));
     return footprint;
 }
