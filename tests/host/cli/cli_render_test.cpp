@@ -76,12 +76,12 @@ TEST_F(CliRender, AGrownExrKeepsItsFrame) {
 }
 
 TEST_F(CliRender, DrawsAnExrsFrameNotItsData) {
-    OIIO::ImageSpec spec(3, 2, 4, OIIO::TypeDesc::FLOAT);
-    spec.x = 6;
-    spec.y = -1;
-    spec.full_width = 8;
-    spec.full_height = 5;
-    WriteFile(folder_ / "layer.exr", spec, {0.5f, 0.25f, 2, 1}, false);
+    OIIO::ImageSpec header(3, 2, 4, OIIO::TypeDesc::FLOAT);
+    header.x = 6;
+    header.y = -1;
+    header.full_width = 8;
+    header.full_height = 5;
+    WriteFile(folder_ / "layer.exr", header, {0.5f, 0.25f, 2, 1}, false);
     ASSERT_EQ(Paint("out.exr", {}, "layer.exr").code, 0);
     Picture picture = Read(folder_ / "out.exr");
     EXPECT_EQ(picture.pixels.Width(), 8);

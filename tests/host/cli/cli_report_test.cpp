@@ -148,18 +148,18 @@ TEST_F(CliReport, WrongPlacesAndCompressions) {
 }
 
 TEST_F(CliReport, HalvesCompressionAndTagsSurvive) {
-    OIIO::ImageSpec spec(6, 4, 4, OIIO::TypeDesc::HALF);
-    spec.full_x = 10;
-    spec.full_y = 20;
-    spec.x = 9;
-    spec.y = 18;
-    spec.full_width = 4;
-    spec.full_height = 3;
-    spec.attribute("compression", "piz");
-    spec.attribute("owner", "Ada");
+    OIIO::ImageSpec header(6, 4, 4, OIIO::TypeDesc::HALF);
+    header.full_x = 10;
+    header.full_y = 20;
+    header.x = 9;
+    header.y = 18;
+    header.full_width = 4;
+    header.full_height = 3;
+    header.attribute("compression", "piz");
+    header.attribute("owner", "Ada");
     const int timecode[2] = {0x01020304, 0x05060708};
-    spec.attribute("smpte:TimeCode", OIIO::TypeTimeCode, timecode);
-    WriteFile(folder_ / "in.exr", spec, {1, 0.5f, 0.25f, 1}, false);
+    header.attribute("smpte:TimeCode", OIIO::TypeTimeCode, timecode);
+    WriteFile(folder_ / "in.exr", header, {1, 0.5f, 0.25f, 1}, false);
     ASSERT_EQ(Paint({"--set", "paint/border=2"}, "in.exr", "out.exr").code, 0);
     RawFile raw = ReadRaw(folder_ / "out.exr");
     EXPECT_EQ(raw.layout.format, OIIO::TypeDesc::HALF);
