@@ -14,6 +14,9 @@ using ::testing::IsEmpty;
 
 class Accounting : public SessionTest {
  protected:
+    // The session writes to the log until it has ended.
+    ~Accounting() override { session.reset(); }
+
     void StartLogged() {
         SessionOptions options;
         options.log = &log;
