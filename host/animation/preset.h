@@ -32,6 +32,9 @@ struct AnimatedParams {
 /// once with its line and column, when it is no preset. A failure changes nothing.
 Result<Done> ApplyPreset(const std::filesystem::path& file, AnimatedParams& params);
 
+/// The same for a preset's text, which failures call by `name`.
+Result<Done> ApplyPresetText(const std::string& text, const std::string& name, AnimatedParams& params);
+
 /// The current values and tracks as a preset, ending in a line break: every row that a user can set, in the order of
 /// the panel. Without tracks it is of version 1.
 std::string PresetText(const AnimatedParams& params);

@@ -190,8 +190,12 @@ std::optional<std::string> ValueTextOf(const LocatedJson& value) {
 Result<Done> ApplyPreset(const fs::path& file, AnimatedParams& params) {
     const auto text = ReadText(file);
     if (!text) return text.Error();
-    const auto preset = ParseLocatedJson(*text);
-    if (!preset) return CannotRead(file, fmt::format("it is not JSON ({})", preset.Error().sentence));
+    return ApplyPresetText(*text, file.string(), params);
+}
+
+Result<Done> ApplyPresetText(const std::string& text, const std::string& name, AnimatedParams& params) {
+    const auto preset = ParseLocatedJson(text);
+    if (!preset) return CannotRead(name, fmt::format("it is not JSON ({})", preset.Error().sentence));
     PresetMistakes mistakes;
     AnimatedParams changed = params;
     if (preset->kind == Kind::kObject) {
@@ -199,7 +203,7 @@ Result<Done> ApplyPreset(const fs::path& file, AnimatedParams& params) {
     } else {
         mistakes.Add(preset->place, "it is not an object with \"version\" and \"values\"");
     }
-    if (!mistakes.IsEmpty()) return mistakes.Told(file);
+    if (!mistakes.IsEmpty()) return mistakes.Told(name);
     params = std::move(changed);
     return Done{};
 }

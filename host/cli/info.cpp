@@ -12,8 +12,8 @@
 
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
-#include "host/cli/renderer.h"
 #include "host/cli/results.h"
+#include "host/session/renderer.h"
 
 namespace {
 

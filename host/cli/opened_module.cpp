@@ -4,23 +4,7 @@
 #include "host/cli/opened_module.h"
 
 #include <filesystem>
-#include <string_view>
 #include <utility>
-
-namespace {
-
-/// The whole text of the popup with this name; a bar in the text had made several items of it.
-std::string RowText(const ParamSet& params, std::string_view name) {
-    for (const ParamRow& row : params.Rows()) {
-        if (row.def.param_type != PF_Param_POPUP || row.name != name) continue;
-        std::string text;
-        for (std::size_t i = 0; i < row.items.size(); ++i) text += (i == 0 ? "" : "|") + row.items[i];
-        return text;
-    }
-    return "";
-}
-
-}  // namespace
 
 Result<OpenedModule> OpenModule(const std::optional<std::string>& option, SessionOptions options) {
     std::optional<std::filesystem::path> named;
@@ -35,13 +19,4 @@ Result<OpenedModule> OpenModule(const std::optional<std::string>& option, Sessio
     if (!session) return session.Error();
     opened.session.emplace(std::move(*session));
     return opened;
-}
-
-bool GpuStrings::HasContext() const {
-    return glVersion != "NULL";
-}
-
-GpuStrings ReadGpuStrings(const ParamSet& params) {
-    return {RowText(params, "Vendor"), RowText(params, "Renderer"), RowText(params, "OpenGL Version"),
-            RowText(params, "Shader Version")};
 }

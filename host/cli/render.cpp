@@ -18,11 +18,11 @@
 #include "host/cli/progress.h"
 #include "host/cli/render_options.h"
 #include "host/cli/render_report.h"
-#include "host/cli/renderer.h"
 #include "host/cli/results.h"
 #include "host/image/picture.h"
 #include "host/sequence/frame_pixels.h"
 #include "host/sequence/frame_plan.h"
+#include "host/session/renderer.h"
 
 namespace {
 

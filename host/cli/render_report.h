@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "host/cli/opened_module.h"
-#include "host/cli/renderer.h"
 #include "host/session/effect_session.h"
+#include "host/session/renderer.h"
 
 /// Milliseconds since it was made or last asked.
 class Stopwatch {

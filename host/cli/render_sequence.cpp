@@ -12,11 +12,11 @@
 
 #include "host/cli/frame_progress.h"
 #include "host/cli/render_options.h"
-#include "host/cli/renderer.h"
 #include "host/cli/results.h"
 #include "host/cli/sequence_report.h"
 #include "host/sequence/draw_frames.h"
 #include "host/sequence/memory_plan.h"
+#include "host/session/renderer.h"
 
 namespace {
 

@@ -33,9 +33,7 @@ std::string WhyNoPlace(const std::string& text) {
 }
 
 Failure Explain(const Failure& failure, const EffectSession& session) {
-    if (failure.code != ExitCode::kEffectFailed || ReadGpuStrings(session.Params()).HasContext()) return failure;
-    return {failure.code,
-            fmt::format("no OpenGL context could be made, so the effect cannot draw: {}", failure.sentence)};
+    return ExplainWithoutOpenGL(failure, session.Params());
 }
 
 Result<OpenedEffect> OpenWithValues(const RenderOptions& options, int layerWidth, int layerHeight,

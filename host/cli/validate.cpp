@@ -14,9 +14,9 @@
 
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
-#include "host/cli/renderer.h"
 #include "host/cli/results.h"
 #include "host/module/module.h"
+#include "host/session/renderer.h"
 #include "host/validate/runner.h"
 
 namespace {
@@ -56,7 +56,7 @@ void Print(const std::string& text) {
 
 /// The library that is put between a module and its driver lies beside the program, or where modules are installed.
 std::filesystem::path FindShim(const ModuleSearch& search) {
-    for (const auto& folder : {search.programFolder, search.libraryFolder}) {
+    for (const auto& folder : search.folders) {
         std::error_code error;
         if (std::filesystem::is_regular_file(folder / "umbrant_shim.so", error)) return folder / "umbrant_shim.so";
     }

@@ -6,8 +6,10 @@
 #include <dlfcn.h>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <system_error>
+#include <utility>
 
 #include "host/module/module.h"
 
@@ -16,45 +18,80 @@ namespace {
 /// The module's file inside a folder, in either platform's form.
 constexpr const char* kModuleFiles[] = {"umbrant2.so", "Umbrant 2.plugin/Contents/MacOS/Umbrant 2"};
 
+/// The file that this code lies in: the program, or a shared library that it is linked into.
+std::filesystem::path OwnFile() {
+    static const char anchor = 0;
+    Dl_info info{};
+    if (!dladdr(&anchor, &info) || !info.dli_fname) return {};
+    std::error_code error;
+    const std::filesystem::path file = std::filesystem::canonical(info.dli_fname, error);
+    return error ? std::filesystem::path() : file;
+}
+
 /// The folder of the running program: the process's own link where the system has one, else what the loader knows.
 std::filesystem::path ProgramFolder() {
     std::error_code error;
-    std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
-    if (error) {
-        static const char anchor = 0;
-        Dl_info info{};
-        if (!dladdr(&anchor, &info) || !info.dli_fname) return {};
-        program = std::filesystem::canonical(info.dli_fname, error);
-        if (error) return {};
-    }
-    return program.parent_path();
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+    return (error ? OwnFile() : program).parent_path();
 }
+
+/// In order, each once.
+class Folders {
+ public:
+    void Add(const std::filesystem::path& folder) {
+        const std::filesystem::path normal = folder.lexically_normal();
+        if (std::find(all.begin(), all.end(), normal) == all.end()) all.push_back(normal);
+    }
+    /// What is installed beside a folder of programs or libraries.
+    void AddInstalled(const std::filesystem::path& base) {
+        Add(base / ".." / UMBRANT_LIBRARY_FOLDER);
+        Add(base / "../lib/umbrant");
+    }
+    std::vector<std::filesystem::path> all;
+};
 
 }  // namespace
 
-ModuleSearch DefaultModuleSearch(const std::optional<std::filesystem::path>& option) {
+ModuleSearch DefaultModuleSearch(const std::optional<std::filesystem::path>& option, ModuleSeeker seeker) {
     ModuleSearch search;
     search.option = option;
     const char* environment = std::getenv("UMBRANT_MODULE");
     if (environment && *environment) search.environment = environment;
-    search.programFolder = ProgramFolder();
-    search.libraryFolder = (search.programFolder / ".." / "lib" / "umbrant").lexically_normal();
+    const std::filesystem::path program = ProgramFolder();
+    Folders folders;
+    folders.Add(program);
+    if (seeker == ModuleSeeker::kLibrary) {
+        const std::filesystem::path own = OwnFile().parent_path();
+        if (!own.empty()) {
+            folders.Add(own);
+            // A plug-in's folder and the module's lie side by side in the libraries' folder.
+            folders.Add(own / "../umbrant");
+        }
+    }
+    folders.AddInstalled(program);
+    if (seeker == ModuleSeeker::kLibrary) {
+        for (const char* prefix : {"/usr/local", "/usr"})
+            folders.Add(std::filesystem::path(prefix) / UMBRANT_LIBRARY_FOLDER);
+    }
+    search.folders = std::move(folders.all);
     return search;
 }
 
 Result<std::filesystem::path> FindModule(const ModuleSearch& search) {
     if (search.option) return *search.option;
     if (search.environment) return *search.environment;
-    for (const std::filesystem::path& folder : {search.programFolder, search.libraryFolder}) {
+    std::string places;
+    for (const std::filesystem::path& folder : search.folders) {
         for (const char* file : kModuleFiles) {
             std::error_code error;
             const std::filesystem::path candidate = folder / file;
             if (std::filesystem::is_regular_file(candidate, error)) return candidate;
         }
+        const char* joint = places.empty() ? "" : &folder == &search.folders.back() ? " or " : ", ";
+        places += fmt::format("{}'{}'", joint, folder.string());
     }
     return Failure{ExitCode::kModule,
-                   fmt::format("no module was found in '{}' or '{}'; name one with --module or UMBRANT_MODULE",
-                               search.programFolder.string(), search.libraryFolder.string())};
+                   fmt::format("no module was found in {}; name one with --module or UMBRANT_MODULE", places)};
 }
 
 Result<std::filesystem::path> FindModule(const std::optional<std::filesystem::path>& option) {

@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "host/result.h"
 #include "hostapi/commands.h"
@@ -66,16 +67,22 @@ class Module {
 struct ModuleSearch {
     std::optional<std::filesystem::path> option;       ///< the file named on the command line
     std::optional<std::filesystem::path> environment;  ///< the file named by UMBRANT_MODULE
-    std::filesystem::path programFolder;               ///< the folder of the running program
-    std::filesystem::path libraryFolder;               ///< the installed library folder
+    std::vector<std::filesystem::path> folders;        ///< where it may lie, the first first
 };
 
-/// The search of the running program: `option`, UMBRANT_MODULE (an empty value counts as unset), the program's folder,
-/// and `../lib/umbrant` beside it.
-ModuleSearch DefaultModuleSearch(const std::optional<std::filesystem::path>& option);
+/// Who looks for a module.
+enum class ModuleSeeker {
+    kProgram,  ///< this project's program: beside it, and in the library folder that was installed with it
+    /// Somebody's program, or a shared library in it: also beside that library, and in the system's library folders.
+    kLibrary,
+};
 
-/// The module's file: the option, else the environment's, else the first that exists beside the program or in the
-/// library folder. A file that was named is returned as it is; Load says what is wrong with it. Fails with
-/// `ExitCode::kModule` when none was named and none found.
+/// The search of the running program: `option`, UMBRANT_MODULE (an empty value counts as unset), and folders.
+ModuleSearch DefaultModuleSearch(const std::optional<std::filesystem::path>& option,
+                                 ModuleSeeker seeker = ModuleSeeker::kProgram);
+
+/// The module's file: the option, else the environment's, else the first that exists in the folders. A file that was
+/// named is returned as it is; Load says what is wrong with it. Fails with `ExitCode::kModule` when none was named and
+/// none found.
 Result<std::filesystem::path> FindModule(const ModuleSearch& search);
 Result<std::filesystem::path> FindModule(const std::optional<std::filesystem::path>& option);

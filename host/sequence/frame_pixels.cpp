@@ -5,7 +5,7 @@
 
 #include <utility>
 
-#include "host/image/resample.h"
+#include "host/compositing/resample.h"
 
 Result<World> LayerOf(const Picture& picture, Depth depth, int downsample) {
     const Failure noMemory{ExitCode::kInternal, "there is not enough memory for the layer"};

@@ -17,6 +17,9 @@
 
 namespace {
 
+/// Records that a session keeps: one that lives for days sends many.
+constexpr std::size_t kKeptCommands = 1000;
+
 /// Everything that an effect may read about where it is. Fields without a meaning for still pictures stay zero.
 PF_InData InDataFor(SessionState& state, FrameRecord* frame) {
     PF_InData in{};
@@ -25,7 +28,7 @@ PF_InData InDataFor(SessionState& state, FrameRecord* frame) {
     in.effect_ref = frame ? frame->ref.Pointer() : state.ref.Pointer();
     in.version = {state.options.apiMajor, state.options.apiMinor};
     in.appl_id = state.options.appId;
-    in.num_params = state.params.Count();
+    in.num_params = frame ? state.declaredRows : state.params.Count();
     in.global_data = state.globalData;
     in.sequence_data = state.sequenceData;
     in.pica_basicP = state.options.offerSuites ? &basicSuite : nullptr;
@@ -133,6 +136,7 @@ Answer SendCommand(SessionState& state, PF_Cmd command, FrameRecord* frame, PF_P
     if (!frame) {
         const std::lock_guard lock(state.commandsMutex);
         state.commands.push_back(record);
+        if (state.commands.size() > kKeptCommands) state.commands.pop_front();
     }
     return answer;
 }

@@ -54,6 +54,7 @@ std::optional<Failure> ParamsSetup(SessionState& state) {
     const std::string problem = state.params.Finish();
     if (!problem.empty()) return Failure{ExitCode::kEffectFailed, fmt::format("{}: {}", name, problem)};
 
+    state.declaredRows = state.params.Count();
     state.services.panel.Reset(DeclaredPanel(state.params));
     return std::nullopt;
 }
@@ -166,15 +167,17 @@ Result<EffectSession> EffectSession::Start(const Module& module, SessionOptions 
     return session;
 }
 
-Result<EffectSession> EffectSession::StartInstance(const EffectSession& first) {
+Result<EffectSession> EffectSession::StartInstance(const EffectSession& first, std::optional<SessionOptions> options) {
     const SessionState& from = *first.state_;
-    auto state = std::make_unique<SessionState>(from.module, from.options);
+    auto state =
+        std::make_unique<SessionState>(from.module, options ? std::move(*options) : SessionOptions(from.options));
     state->globalData = from.globalData;
     state->outFlags = from.outFlags;
     state->outFlags2 = from.outFlags2;
     state->effectVersion = from.effectVersion;
     state->customUIs = from.customUIs;
     state->params = from.params;
+    state->declaredRows = from.declaredRows;
     state->services.panel.Reset(DeclaredPanel(state->params));
     for (const auto step : {SequenceSetup, QueryFlags}) {
         if (std::optional<Failure> failure = step(*state)) {
@@ -290,5 +293,5 @@ std::optional<Activity> EffectSession::Now() const {
 
 std::vector<CommandRecord> EffectSession::Commands() const {
     const std::lock_guard lock(state_->commandsMutex);
-    return state_->commands;
+    return {state_->commands.begin(), state_->commands.end()};
 }

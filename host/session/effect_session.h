@@ -146,8 +146,8 @@ class EffectSession {
     /// What Start does after Create. A session that was ended may be set up again.
     Result<Done> SetUp();
     /// Another instance of the effect that `first` has set up: the same global data, declaration and values, and a
-    /// sequence set-up of its own. `first` must outlive it, and end after it.
-    static Result<EffectSession> StartInstance(const EffectSession& first);
+    /// sequence set-up of its own; without `options` those of `first`. `first` must outlive it, and end after it.
+    static Result<EffectSession> StartInstance(const EffectSession& first, std::optional<SessionOptions> options = {});
     /// Ends the session when End was not called.
     ~EffectSession();
     EffectSession(EffectSession&&) noexcept;
@@ -198,7 +198,7 @@ class EffectSession {
     /// What the effect is doing now; of several commands the one sent first. Nothing when none is under way. May be
     /// asked on any thread while the session lives.
     std::optional<Activity> Now() const;
-    /// The commands outside of frames, in order.
+    /// The commands outside of frames, in order; the last thousand of them.
     std::vector<CommandRecord> Commands() const;
 
  private:

@@ -68,7 +68,7 @@ std::string ProblemWith(const SessionState& state, const FrameRequest& request) 
     if (request.timeScale == 0 || request.downsampleX.den == 0 || request.downsampleY.den == 0) {
         return "a frame was asked for with a zero time scale or downsampling";
     }
-    if (request.params && request.params->Count() != state.params.Count()) {
+    if (request.params && request.params->Count() != state.declaredRows) {
         return "a frame was asked for with another effect's parameters";
     }
     return "";

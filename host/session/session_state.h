@@ -5,6 +5,7 @@
 // What a session keeps, and how it sends a command. Inside host/session only.
 
 #include <chrono>
+#include <deque>
 #include <list>
 #include <memory>
 #include <mutex>
@@ -28,6 +29,7 @@ struct SessionState {
     Services services;
     EffectRef ref{&services, nullptr};
     ParamSet params;
+    int declaredRows = 0;  ///< rows of `params`, told to frames while somebody may set values
 
     PF_Handle globalData = nullptr;
     PF_Handle sequenceData = nullptr;
@@ -50,7 +52,7 @@ struct SessionState {
     std::list<Running> running;  ///< the oldest first
 
     std::mutex commandsMutex;
-    std::vector<CommandRecord> commands;  ///< outside of frames
+    std::deque<CommandRecord> commands;  ///< outside of frames, the last ones
 
     LayerGeometry PanelGeometry() const { return {options.layerWidth, options.layerHeight, {1, 1}, {1, 1}}; }
 };

@@ -30,6 +30,8 @@ RIGHT = [
     ("a test uses anything", "tests/gl/b_test.cpp", '#include "gl/a.h"\n#include <gtest/gtest.h>'),
     ("the platform asks for the system", "platform/b.cpp", "#if defined(__APPLE__)\n#include <EGL/egl.h>\n#endif"),
     ("a feature is no operating system", "gl/b.cpp", "#ifdef __cpp_lib_span\n#endif"),
+    ("an installed header names another", "host/library/umbrant/b.h", "#include <umbrant/a.h>\n#include <string>"),
+    ("an example is a user", "examples/b/b.cpp", "#include <umbrant/a.h>"),
     ("a comment is no condition", "gl/b.cpp", "// #if __linux__"),
 ]
 
@@ -53,6 +55,9 @@ WRONG = [
     ("the session knows no command line", "host/session/b.cpp", '#include "host/cli/a.h"', "may not include"),
     ("packaging calls nothing", "packaging/b.cpp", '#include "entry/a.h"', 'packaging/ may not include "entry/a.h"'),
     ("golden tests know no module", "tests/golden/b.cpp", '#include "gl/a.h"', "tests/golden/ may not include"),
+    ("installed headers stand alone", "host/library/umbrant/b.h", '#include "host/result.h"', "may not include"),
+    ("installed headers need no other library", "host/library/umbrant/b.h", "#include <fmt/format.h>", "<umbrant/...>"),
+    ("an example knows no tree", "examples/b/b.cpp", '#include "host/result.h"', "examples/ may not include"),
     ("includes start at the root", "gl/b.cpp", '#include "a.h"', '"a.h" is no file from the root of the tree'),
     ("GL headers stay in the platform", "gl/b.cpp", "#include <GL/gl.h>", "only the C++ standard library"),
     ("POSIX headers stay in the platform", "pixel/b.cpp", "#include <unistd.h>", "only the C++ standard library"),

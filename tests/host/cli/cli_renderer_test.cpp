@@ -3,7 +3,7 @@
 
 // Which renderer draws, and how that is told; on the real module, without any OpenGL but where a wish needs none.
 
-#include "host/cli/renderer.h"
+#include "host/session/renderer.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -3,7 +3,7 @@
 
 // Smaller worlds, other depths, cut frames.
 
-#include "host/image/resample.h"
+#include "host/compositing/resample.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "host/image/resample.h"
+#include "host/compositing/resample.h"
 
 #include <algorithm>
 #include <cmath>

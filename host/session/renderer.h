@@ -8,8 +8,21 @@
 
 #include <string>
 
-#include "host/cli/opened_module.h"
 #include "host/result.h"
+#include "host/session/param_set.h"
+
+/// The four rows in which the effect reports its OpenGL.
+struct GpuStrings {
+    std::string vendor;
+    std::string renderer;
+    std::string glVersion;
+    std::string shaderVersion;
+
+    /// False when the effect could not make a context: it then says "NULL" in all rows.
+    bool HasContext() const;
+};
+
+GpuStrings ReadGpuStrings(const ParamSet& params);
 
 /// What was asked for.
 enum class RendererWish { kAuto, kOpenGL, kProcessor };
@@ -37,3 +50,6 @@ std::string RendererText(const RendererDecision& decision);
 
 /// Tells the effect, before it draws the process's first frame.
 void TellRenderer(const RendererDecision& decision);
+
+/// The effect's failure, said as what it is when there is no OpenGL to draw with. `params` are its session's.
+Failure ExplainWithoutOpenGL(const Failure& failure, const ParamSet& params);

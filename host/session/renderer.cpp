@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "host/cli/renderer.h"
+#include "host/session/renderer.h"
 
 #include <fmt/format.h>
 
@@ -12,7 +12,27 @@ namespace {
 
 constexpr char kVariable[] = "UMBRANT_RENDERER";
 
+/// The whole text of the popup with this name; a bar in the text had made several items of it.
+std::string RowText(const ParamSet& params, std::string_view name) {
+    for (const ParamRow& row : params.Rows()) {
+        if (row.def.param_type != PF_Param_POPUP || row.name != name) continue;
+        std::string text;
+        for (std::size_t i = 0; i < row.items.size(); ++i) text += (i == 0 ? "" : "|") + row.items[i];
+        return text;
+    }
+    return "";
+}
+
 }  // namespace
+
+bool GpuStrings::HasContext() const {
+    return glVersion != "NULL";
+}
+
+GpuStrings ReadGpuStrings(const ParamSet& params) {
+    return {RowText(params, "Vendor"), RowText(params, "Renderer"), RowText(params, "OpenGL Version"),
+            RowText(params, "Shader Version")};
+}
 
 bool IsSoftware(const GpuStrings& gpu) {
     // Names that Mesa's drivers without hardware give themselves.
@@ -50,4 +70,10 @@ std::string RendererText(const RendererDecision& decision) {
 
 void TellRenderer(const RendererDecision& decision) {
     ::setenv(kVariable, decision.Name(), 1);
+}
+
+Failure ExplainWithoutOpenGL(const Failure& failure, const ParamSet& params) {
+    if (failure.code != ExitCode::kEffectFailed || ReadGpuStrings(params).HasContext()) return failure;
+    return {failure.code,
+            fmt::format("no OpenGL context could be made, so the effect cannot draw: {}", failure.sentence)};
 }

@@ -1,0 +1,346 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// The library's one class: parameters under a lock, and frames outside of it.
+
+#include <umbrant/effect.h>
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <limits>
+#include <mutex>
+#include <utility>
+
+#include "host/animation/preset.h"
+#include "host/library/parameter_list.h"
+#include "host/library/pixel_order.h"
+#include "host/library/shared_module.h"
+
+namespace umbrant {
+
+namespace {
+
+[[noreturn]] void Throw(const Failure& failure) {
+    throw Error(static_cast<ErrorCode>(failure.code), failure.sentence);
+}
+
+/// The value, or the failure as an exception.
+template <typename T>
+T Need(Result<T> result) {
+    if (!result) Throw(result.Error());
+    return std::move(*result);
+}
+
+[[noreturn]] void Refuse(const std::string& sentence) {
+    Throw({ExitCode::kUsage, sentence});
+}
+
+constexpr double kLongestTime = 24.0 * 60 * 60;
+constexpr double kFarthestTexture = 100000;
+constexpr int kMostDownsample = 64;
+constexpr int kMostRate = 1000000;
+/// Moments between frames are told to the effect in steps of about this part of a second.
+constexpr int kFineSteps = 24000;
+
+/// Written so that not-a-number is outside.
+bool IsWithin(double value, double limit) {
+    return value >= -limit && value <= limit;
+}
+
+void CheckOptions(const FrameOptions& options) {
+    if (options.downsample < 1 || options.downsample > kMostDownsample) {
+        Refuse(fmt::format("downsample is {}; it must be from 1 to {}", options.downsample, kMostDownsample));
+    }
+    if (options.layerWidth < 0 || options.layerHeight < 0) {
+        Refuse(fmt::format("the layer's full size is {} x {}; it cannot be below 0", options.layerWidth,
+                           options.layerHeight));
+    }
+    if (!IsWithin(options.seconds, kLongestTime)) {
+        Refuse(fmt::format("the time is {} s; it must be from -{} to {}", options.seconds, kLongestTime, kLongestTime));
+    }
+    const FrameRate& rate = options.rate;
+    if (rate.frames < 1 || rate.seconds < 1 || rate.frames > kMostRate || rate.seconds > kMostRate) {
+        Refuse(fmt::format("the rate is {} / {}; both must be from 1 to {}", rate.frames, rate.seconds, kMostRate));
+    }
+    if (!IsWithin(options.zeroFrame, kMostRate)) {
+        Refuse(
+            fmt::format("the frame at 0 s is {}; it must be from -{} to {}", options.zeroFrame, kMostRate, kMostRate));
+    }
+    if (!IsWithin(options.textureX, kFarthestTexture) || !IsWithin(options.textureY, kFarthestTexture)) {
+        Refuse(fmt::format("the texture lies at {},{}; both must be from -{} to {}", options.textureX, options.textureY,
+                           kFarthestTexture, kFarthestTexture));
+    }
+}
+
+::Canvas CanvasOf(Canvas canvas) {
+    return canvas == Canvas::kLayer ? ::Canvas::kLayer : ::Canvas::kGrow;
+}
+
+/// The effect's clock: whole steps of a frame, or parts of it as far as its numbers reach.
+void SetTime(const FrameOptions& options, FrameRequest& request) {
+    int fine = std::max(1, kFineSteps / options.rate.frames);
+    const double longest = std::abs(options.seconds) + static_cast<double>(options.rate.seconds) / options.rate.frames;
+    while (fine > 1 && longest * options.rate.frames * fine > std::numeric_limits<A_long>::max()) fine /= 2;
+    const double scale = static_cast<double>(options.rate.frames) * fine;
+    if (longest * scale > std::numeric_limits<A_long>::max()) {
+        Refuse(fmt::format("the time of {} s at {} frames in {} s is more than an effect's clock can hold",
+                           options.seconds, options.rate.frames, options.rate.seconds));
+    }
+    request.timeScale = static_cast<A_u_long>(scale);
+    request.timeStep = options.rate.seconds * fine;
+    request.time = static_cast<A_long>(std::lround(options.seconds * scale));
+    request.totalTime = std::max(request.time, 0) + request.timeStep;
+}
+
+/// What a frame is drawn of.
+struct Layers {
+    World layer;
+    World texture;  ///< null for none
+};
+
+World MakeWorld(const ImageView& view, Depth depth, const char* what) {
+    Need(CheckView(view, what));
+    World world = WorldOf(view, depth);
+    if (world.IsNull()) Throw({ExitCode::kInternal, fmt::format("there is not enough memory for {}", what)});
+    return world;
+}
+
+Layers LayersOf(const ImageView& layer, const FrameOptions& options) {
+    Layers layers;
+    layers.layer = MakeWorld(layer, DepthOf(layer.format), "the layer");
+    const ImageView& texture = options.texture;
+    if (texture.pixels || texture.width != 0 || texture.height != 0) {
+        layers.texture = MakeWorld(texture, DepthOf(layer.format), "the texture");
+    }
+    return layers;
+}
+
+/// `params` and `layers` must outlive the request.
+FrameRequest RequestOf(const Layers& layers, const FrameOptions& options, const ParamSet& params) {
+    FrameRequest request;
+    request.layer = &layers.layer;
+    request.layerWidth = options.layerWidth ? options.layerWidth : layers.layer.Width() * options.downsample;
+    request.layerHeight = options.layerHeight ? options.layerHeight : layers.layer.Height() * options.downsample;
+    request.downsampleX = request.downsampleY = {1, static_cast<A_u_long>(options.downsample)};
+    request.texture = layers.texture.IsNull() ? nullptr : &layers.texture;
+    request.textureOrigin.x = static_cast<A_long>(std::lround(options.textureX / options.downsample));
+    request.textureOrigin.y = static_cast<A_long>(std::lround(options.textureY / options.downsample));
+    request.canvas = CanvasOf(options.canvas);
+    request.params = &params;
+    SetTime(options, request);
+    return request;
+}
+
+Rectangle RectangleOf(const PF_LRect& rect) {
+    return {rect.left, rect.top, rect.right, rect.bottom};
+}
+
+bool IsEmpty(const Rectangle& place) {
+    return place.left >= place.right || place.top >= place.bottom;
+}
+
+}  // namespace
+
+Error::Error(ErrorCode code, const std::string& sentence) : std::runtime_error(sentence), code_(code) {}
+Error::Error(const Error&) noexcept = default;
+Error::~Error() = default;
+
+std::string Version() {
+    return UMBRANT_VERSION;
+}
+
+struct Effect::State {
+    State(SharedInstance started, std::function<void(const std::string&)> told)
+        : instance(std::move(started)),
+          message(std::move(told)),
+          declared(instance.Session().Params()),
+          params{declared, {}} {}
+
+    /// Lets the effect see what was set since it last did. With `mutex` held.
+    void UpdatePanel() {
+        if (!std::exchange(isChanged, false)) return;
+        EffectSession& session = instance.Session();
+        const std::lock_guard lock(instance.Shared().mutex);
+        session.Params() = params.values;
+        if (auto updated = session.UpdateParamsUI(); !updated) Throw(Explained(updated.Error()));
+        params.values = session.Params();
+    }
+
+    /// The values of a moment.
+    ParamSet ValuesAt(const FrameOptions& options) {
+        const std::lock_guard lock(mutex);
+        UpdatePanel();
+        const AnimationClock clock{static_cast<double>(options.rate.frames) / options.rate.seconds, options.zeroFrame};
+        return params.animation.ValuesAt(params.values, clock.FrameOf(options.seconds), clock);
+    }
+
+    Failure Explained(const Failure& failure) {
+        return instance.Shared().renderer.processor ? failure : ExplainWithoutOpenGL(failure, declared);
+    }
+
+    /// Calls what sends a frame's commands; for itself, where the effect cannot do with others at the same time.
+    template <typename Call>
+    auto Send(Call call) {
+        std::unique_lock lock(instance.Shared().mutex, std::defer_lock);
+        if (!instance.Shared().drawsOnThreads) lock.lock();
+        auto answer = call(instance.Session());
+        if (!answer) Throw(Explained(answer.Error()));
+        return std::move(*answer);
+    }
+
+    Frame Draw(const Layers& layers, const FrameOptions& options) {
+        const ParamSet values = ValuesAt(options);
+        const FrameRequest request = RequestOf(layers, options, values);
+        Frame frame = Send([&](EffectSession& session) { return session.Render(request); });
+        if (!frame.message.empty() && message) message(frame.message);
+        return frame;
+    }
+
+    Rectangle Place(const Layers& layers, const FrameOptions& options) {
+        const Rectangle frame{0, 0, layers.layer.Width(), layers.layer.Height()};
+        if (options.canvas == Canvas::kLayer) return frame;
+        const ParamSet values = ValuesAt(options);
+        FrameRequest request = RequestOf(layers, options, values);
+        const auto ask = [&](EffectSession& session) { return session.PreRender(request); };
+        // As a frame does it: asked about the layer first, and then for everything that there could be.
+        request.region = Send(ask).maxRect;
+        const Rectangle place = RectangleOf(Send(ask).resultRect);
+        return IsEmpty(place) ? frame : place;
+    }
+
+    SharedInstance instance;
+    const std::function<void(const std::string&)> message;
+    const ParamSet declared;
+
+    std::mutex mutex;  ///< around what follows
+    AnimatedParams params;
+    bool isChanged = true;  ///< the effect has not seen the values
+};
+
+Effect::Effect(const EffectOptions& options) {
+    SharedModuleRequest request;
+    request.file = options.module;
+    if (options.renderer == Renderer::kOpenGL) request.renderer = RendererWish::kOpenGL;
+    if (options.renderer == Renderer::kProcessor) request.renderer = RendererWish::kProcessor;
+    request.collapsed = options.collapsed;
+    state_ = std::make_unique<State>(Need(SharedInstance::Start(request)), options.message);
+    const std::lock_guard lock(state_->mutex);
+    state_->UpdatePanel();
+}
+
+Effect::~Effect() = default;
+Effect::Effect(Effect&&) noexcept = default;
+Effect& Effect::operator=(Effect&&) noexcept = default;
+
+void Effect::Set(std::string_view path, std::string_view value) {
+    const std::lock_guard lock(state_->mutex);
+    AnimatedParams& params = state_->params;
+    Need(params.values.SetFromText(path, value));
+    params.animation.Remove(Need(params.values.Find(path)));
+    state_->isChanged = true;
+}
+
+void Effect::Set(std::string_view path, double value) {
+    Set(path, fmt::format("{}", value));
+}
+
+std::string Effect::Get(std::string_view path) const {
+    const std::lock_guard lock(state_->mutex);
+    return state_->params.values.ValueText(Need(state_->params.values.Find(path)));
+}
+
+void Effect::Reset() {
+    const std::lock_guard lock(state_->mutex);
+    state_->params = {state_->declared, {}};
+    state_->isChanged = true;
+}
+
+void Effect::ApplyPreset(std::string_view json) {
+    const std::lock_guard lock(state_->mutex);
+    Need(ApplyPresetText(std::string(json), "in memory", state_->params));
+    state_->isChanged = true;
+}
+
+void Effect::LoadPreset(const std::string& file) {
+    const std::lock_guard lock(state_->mutex);
+    Need(::ApplyPreset(file, state_->params));
+    state_->isChanged = true;
+}
+
+std::string Effect::PresetText() const {
+    const std::lock_guard lock(state_->mutex);
+    return ::PresetText(state_->params);
+}
+
+std::vector<Parameter> Effect::Parameters() const {
+    const std::lock_guard lock(state_->mutex);
+    state_->UpdatePanel();
+    const std::vector<PanelRow> panel = state_->instance.Session().Panel().Rows();
+    std::vector<Parameter> parameters;
+    for (const ParamRow& row : state_->declared.Rows()) {
+        if (row.def.param_type == PF_Param_GROUP_END) continue;
+        parameters.push_back(
+            DescribeParameter(state_->declared, row.index, panel[static_cast<std::size_t>(row.index)]));
+    }
+    return parameters;
+}
+
+Parameter Effect::Find(std::string_view path) const {
+    const int index = Need(state_->declared.Find(path));
+    const std::lock_guard lock(state_->mutex);
+    state_->UpdatePanel();
+    const std::vector<PanelRow> panel = state_->instance.Session().Panel().Rows();
+    return DescribeParameter(state_->declared, index, panel[static_cast<std::size_t>(index)]);
+}
+
+Rectangle Effect::Place(const ImageView& layer, const FrameOptions& options) const {
+    CheckOptions(options);
+    if (options.canvas == Canvas::kGrow) return state_->Place(LayersOf(layer, options), options);
+    Need(CheckView(layer, "the layer"));
+    return {0, 0, layer.width, layer.height};
+}
+
+Image Effect::Render(const ImageView& layer, const FrameOptions& options) const {
+    CheckOptions(options);
+    const Layers layers = LayersOf(layer, options);
+    const Frame frame = state_->Draw(layers, options);
+    const bool isLayer = options.canvas == Canvas::kLayer || IsEmpty(RectangleOf(frame.rect));
+    Image image(isLayer ? Rectangle{0, 0, layer.width, layer.height} : RectangleOf(frame.rect), layer.format);
+    CopyInto(frame.output, frame.rect.left - image.Place().left, frame.rect.top - image.Place().top, image.View());
+    return image;
+}
+
+Rectangle Effect::RenderInto(const ImageView& layer, const MutableImageView& target,
+                             const FrameOptions& options) const {
+    CheckOptions(options);
+    Need(CheckView(target, "the target"));
+    if (target.format != layer.format) Refuse("the target has another pixel format than the layer; they must agree");
+    const Layers layers = LayersOf(layer, options);
+    const Rectangle place = state_->Place(layers, options);
+    if (target.width != place.Width() || target.height != place.Height()) {
+        Refuse(fmt::format("the target is {} x {} pixels; the picture is {} x {}", target.width, target.height,
+                           place.Width(), place.Height()));
+    }
+    const Frame frame = state_->Draw(layers, options);
+    CopyInto(frame.output, frame.rect.left - place.left, frame.rect.top - place.top, target);
+    return place;
+}
+
+std::string Effect::Name() const {
+    return state_->instance.Shared().module->Effect().name;
+}
+
+std::string Effect::ModuleFile() const {
+    return state_->instance.Shared().module->File().string();
+}
+
+std::string Effect::RendererText() const {
+    return ::RendererText(state_->instance.Shared().renderer);
+}
+
+Renderer Effect::ChosenRenderer() const {
+    return state_->instance.Shared().renderer.processor ? Renderer::kProcessor : Renderer::kOpenGL;
+}
+
+}  // namespace umbrant

@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/library/shared_module.h"
+
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <map>
+#include <system_error>
+#include <utility>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The modules of the process. Everything in it, and every set-up and set-down, happens under its mutex.
+struct Registry {
+    std::mutex mutex;
+    std::map<fs::path, std::weak_ptr<SharedModule>> loaded;
+    /// A module reads its renderer once, and may stay in memory after it was unloaded: the choice is for good.
+    std::map<fs::path, RendererDecision> renderers;
+};
+
+/// Lives to the process's very end: effects may be members of static objects.
+Registry& TheRegistry() {
+    static Registry& registry = *new Registry;
+    return registry;
+}
+
+Result<fs::path> FileOf(const std::string& named) {
+    const std::optional<fs::path> option = named.empty() ? std::nullopt : std::optional<fs::path>(named);
+    return FindModule(DefaultModuleSearch(option, ModuleSeeker::kLibrary));
+}
+
+/// Decides which renderer draws, or joins the decision that was made.
+Result<RendererDecision> RendererFor(Registry& registry, const fs::path& key, const SharedModuleRequest& request,
+                                     const ParamSet& params) {
+    const auto made = registry.renderers.find(key);
+    if (made == registry.renderers.end()) {
+        const auto wish = request.renderer ? Result<RendererWish>(*request.renderer) : ReadRendererWish("");
+        if (!wish) return wish.Error();
+        const RendererDecision decision = DecideRenderer(*wish, ReadGpuStrings(params));
+        TellRenderer(decision);
+        registry.renderers.emplace(key, decision);
+        return decision;
+    }
+    const RendererDecision& decision = made->second;
+    const bool agrees = !request.renderer || (*request.renderer == RendererWish::kProcessor) == decision.processor;
+    if (agrees) return decision;
+    return Failure{
+        ExitCode::kUsage,
+        fmt::format("'{}' draws by {} in this process, as its first effect chose; a module has one renderer, "
+                    "so leave the choice out or make it in the first effect",
+                    key.string(), decision.processor ? "the processor" : "OpenGL")};
+}
+
+Result<std::shared_ptr<SharedModule>> Load(const fs::path& file) {
+    auto loaded = Module::Load(file);
+    if (!loaded) return loaded.Error();
+    auto module = std::make_unique<const Module>(std::move(*loaded));
+    auto session = EffectSession::Start(*module);
+    if (!session) return session.Error();
+    auto shared = std::make_shared<SharedModule>(std::move(module), std::move(*session));
+    shared->drawsOnThreads = (shared->root.OutFlags2() & PF_OutFlag2_SUPPORTS_THREADED_RENDERING) != 0;
+    return shared;
+}
+
+}  // namespace
+
+Result<SharedInstance> SharedInstance::Start(const SharedModuleRequest& request) {
+    const auto file = FileOf(request.file);
+    if (!file) return file.Error();
+    std::error_code error;
+    const fs::path canonical = fs::canonical(*file, error);
+    const fs::path& key = error ? *file : canonical;
+
+    Registry& registry = TheRegistry();
+    const std::lock_guard lock(registry.mutex);
+    std::shared_ptr<SharedModule> shared = registry.loaded[key].lock();
+    if (!shared) {
+        auto loaded = Load(*file);
+        if (!loaded) return loaded.Error();
+        shared = std::move(*loaded);
+        registry.loaded[key] = shared;
+    }
+    const auto renderer = RendererFor(registry, key, request, shared->root.Params());
+    if (!renderer) return renderer.Error();
+    shared->renderer = *renderer;
+
+    SessionOptions options;
+    if (request.collapsed) options.layerFlags |= AEGP_LayerFlag_COLLAPSE;
+    const std::lock_guard panelLock(shared->mutex);
+    auto session = EffectSession::StartInstance(shared->root, options);
+    if (!session) return session.Error();
+    return SharedInstance(shared, std::move(*session));
+}
+
+SharedInstance::~SharedInstance() {
+    if (!shared_) return;
+    const std::lock_guard lock(TheRegistry().mutex);
+    {
+        const std::lock_guard panelLock(shared_->mutex);
+        session_.reset();
+    }
+    shared_.reset();
+}

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// A module's file is loaded and set up once in a process, however many effects are made of it. What belongs on one
+// thread in a host (loading, set-up, set-down, panel commands) is kept apart in time here.
+
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "host/module/module.h"
+#include "host/session/effect_session.h"
+#include "host/session/renderer.h"
+
+/// A loaded module with the instance that all others are made from.
+struct SharedModule {
+    SharedModule(std::unique_ptr<const Module> loaded, EffectSession session)
+        : module(std::move(loaded)), root(std::move(session)) {}
+
+    const std::unique_ptr<const Module> module;  ///< stays where it is: the sessions refer to it
+    EffectSession root;
+    RendererDecision renderer;
+    /// Around every panel command, and around frames of an effect that takes one thread at a time.
+    std::mutex mutex;
+    bool drawsOnThreads = false;
+};
+
+/// What an effect was asked to be made with.
+struct SharedModuleRequest {
+    std::string file;  ///< empty looks for one
+    std::optional<RendererWish> renderer;
+    bool collapsed = false;
+};
+
+/// An instance of a shared module; ends its session, and the module with the last one.
+class SharedInstance {
+ public:
+    /// Fails as FindModule, Module::Load, EffectSession::Start and ReadRendererWish do, and with `ExitCode::kUsage`
+    /// when the process draws by another renderer than the one asked for.
+    static Result<SharedInstance> Start(const SharedModuleRequest& request);
+    ~SharedInstance();
+    SharedInstance(SharedInstance&&) noexcept = default;
+    SharedInstance& operator=(SharedInstance&&) = delete;
+
+    SharedModule& Shared() const { return *shared_; }
+    EffectSession& Session() { return *session_; }
+
+ private:
+    SharedInstance(std::shared_ptr<SharedModule> shared, EffectSession session)
+        : shared_(std::move(shared)), session_(std::move(session)) {}
+    std::shared_ptr<SharedModule> shared_;
+    std::optional<EffectSession> session_;
+};

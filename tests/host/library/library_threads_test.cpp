@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// Effects on threads: several effects, one effect on several threads, values set while frames are drawn, and effects
+// that come and go meanwhile.
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <thread>
+
+#include "tests/host/library/library_fixture.h"
+
+namespace {
+
+using umbrant::Effect;
+using umbrant::Image;
+
+constexpr int kThreads = 4;
+constexpr int kFrames = 6;
+
+Effect RealEffect() {
+    return Effect({UMBRANT_MODULE_FILE, umbrant::Renderer::kProcessor, false, {}});
+}
+
+/// Runs `work` on several threads, each told which it is.
+template <typename Work>
+void OnThreads(Work work) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i) threads.emplace_back(work, i);
+    for (std::thread& thread : threads) thread.join();
+}
+
+TEST(LibraryThreads, EffectsOnThreadsOfTheirOwnDrawWhatTheyDrawAlone) {
+    const auto layer = Disc8(57, 43);
+    std::vector<Image> alone;
+    for (int i = 0; i < kThreads; ++i) {
+        Effect effect = RealEffect();
+        effect.Set("style/distance", 5 + 7 * i);
+        alone.push_back(effect.Render(layer.View()));
+    }
+    std::atomic<std::size_t> different = 0;
+    OnThreads([&](int i) {
+        Effect effect = RealEffect();
+        effect.Set("style/distance", 5 + 7 * i);
+        for (int frame = 0; frame < kFrames; ++frame) {
+            different += DifferentBytes(effect.Render(layer.View()), alone[static_cast<std::size_t>(i)]);
+        }
+    });
+    EXPECT_EQ(different, 0u);
+}
+
+TEST(LibraryThreads, OneEffectDrawsOnAllOfThem) {
+    const auto layer = DiscFloat(57, 43);
+    Effect effect = RealEffect();
+    effect.Set("style/shadow-type", "radial");
+    const Image alone = effect.Render(layer.View());
+    std::atomic<std::size_t> different = 0;
+    OnThreads([&](int) {
+        for (int frame = 0; frame < kFrames; ++frame) different += DifferentBytes(effect.Render(layer.View()), alone);
+    });
+    EXPECT_EQ(different, 0u);
+}
+
+TEST(LibraryThreads, AFrameHasTheValuesOfItsMoment) {
+    const auto layer = Disc8(16, 16);
+    Effect effect({TestModule("threaded_painter"), umbrant::Renderer::kAuto, false, {}});
+    effect.Set("paint/border", 0);
+    std::atomic<bool> done = false;
+    std::thread setter([&] {
+        for (int i = 0; i < 200; ++i) effect.Set("paint/border", i % 5);
+        (void)effect.Parameters();
+        done = true;
+    });
+    std::atomic<int> odd = 0;
+    OnThreads([&](int) {
+        do {
+            const Image image = effect.Render(layer.View());
+            const int border = -image.Place().left;
+            odd += border < 0 || border > 4 || image.Width() != 16 + 2 * border || image.Height() != image.Width();
+        } while (!done);
+    });
+    setter.join();
+    EXPECT_EQ(odd, 0);
+}
+
+TEST(LibraryThreads, AnEffectThatTakesOneThreadAtATimeGetsOne) {
+    const auto layer = Disc8(16, 16);
+    const Effect effect({TestModule("painter"), umbrant::Renderer::kAuto, false, {}});
+    const Image alone = effect.Render(layer.View());
+    std::atomic<std::size_t> different = 0;
+    OnThreads([&](int) {
+        for (int frame = 0; frame < kFrames; ++frame) different += DifferentBytes(effect.Render(layer.View()), alone);
+    });
+    EXPECT_EQ(different, 0u);
+}
+
+TEST(LibraryThreads, EffectsComeAndGoWhileOthersDraw) {
+    const auto layer = Disc8(20, 20);
+    const Image alone = RealEffect().Render(layer.View());
+    std::atomic<std::size_t> different = 0;
+    OnThreads([&](int i) {
+        for (int round = 0; round < kFrames; ++round) {
+            const Effect effect = RealEffect();
+            for (int frame = 0; frame <= i; ++frame) different += DifferentBytes(effect.Render(layer.View()), alone);
+        }
+    });
+    EXPECT_EQ(different, 0u);
+}
+
+TEST(LibraryThreads, AnEffectMayOutliveTheThreadThatMadeIt) {
+    const auto layer = Disc8(20, 20);
+    std::unique_ptr<Effect> effect;
+    std::thread([&] { effect = std::make_unique<Effect>(RealEffect()); }).join();
+    const Image here = effect->Render(layer.View());
+    std::thread([&] {
+        EXPECT_EQ(DifferentBytes(effect->Render(layer.View()), here), 0u);
+        effect.reset();
+    }).join();
+    EXPECT_EQ(DifferentBytes(RealEffect().Render(layer.View()), here), 0u);
+}
+
+}  // namespace
