@@ -31,6 +31,7 @@ Command CompareCommand();
 Command PanelCommand();
 Command ValidateCommand();
 Command CurvesCommand();
+Command FarmCommand();
 
 /// All of them, in the order of the help text.
 std::vector<Command> AllCommands();
@@ -49,3 +50,7 @@ void PrepareProcess();
 /// `instead` is called in place of the command's run once its options were read, and gives the exit code: for a caller
 /// that only wants the arguments judged.
 int RunProgram(int argc, const char* const* argv, const std::function<int(const Command&)>& instead = {});
+
+/// The same for these commands alone.
+int RunProgram(const std::vector<Command>& commands, int argc, const char* const* argv,
+               const std::function<int(const Command&)>& instead);

@@ -185,7 +185,10 @@ Result<ExitCode> Render(const RenderOptions& options) {
 }  // namespace
 
 Command RenderCommand() {
-    const auto options = std::make_shared<RenderOptions>();
+    return RenderCommand(std::make_shared<RenderOptions>());
+}
+
+Command RenderCommand(const std::shared_ptr<RenderOptions>& options) {
     Command command;
     command.name = "render";
     command.summary = "Draw a picture with the effect; prints the path of the picture that was written";

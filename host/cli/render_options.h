@@ -4,12 +4,14 @@
 
 // What `umbrant render` was asked for, and the session that one picture and a sequence are drawn with.
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "host/animation/preset.h"
+#include "host/cli/command.h"
 #include "host/cli/opened_module.h"
 #include "host/result.h"
 
@@ -27,8 +29,8 @@ struct SequenceOptions {
     std::string missing = "error";
     bool skipExisting = false;
     bool keepGoing = false;
-    std::string chunk = "1/1";
-    int threads = 0;  ///< 0 takes what suits the machine
+    std::string chunk;  ///< empty for the whole
+    int threads = 0;    ///< 0 takes what suits the machine
     std::string progress;
     bool quiet = false;
 };
@@ -81,6 +83,12 @@ void AddSequenceOptions(CLI::App& app, SequenceOptions& options);
 
 /// How often a single picture that takes long is told about, as Progress takes it.
 double SecondsOfProgress(const SequenceOptions& options);
+
+/// The command `render`, which reads its arguments into these options.
+Command RenderCommand(const std::shared_ptr<RenderOptions>& options);
+
+/// All frames that the options ask for, in their order, as WholeFrameSet gives them.
+Result<std::vector<int>> FramesOf(const RenderOptions& options);
 
 /// Whether the options mean a sequence. Fails as ParseFrames and MeansSequence do.
 Result<bool> MeansSequence(const RenderOptions& options);

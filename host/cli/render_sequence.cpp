@@ -51,11 +51,13 @@ Result<PlanRequest> RequestOf(const RenderOptions& options) {
         if (!frames) return frames.Error();
         request.frames = std::move(*frames);
     }
-    const auto chunk = ParseChunk(sequence.chunk);
-    if (!chunk) return chunk.Error();
+    if (!sequence.chunk.empty()) {
+        const auto chunk = ParseChunk(sequence.chunk);
+        if (!chunk) return chunk.Error();
+        request.chunk = *chunk;
+    }
     const auto rate = ParseRate(sequence.rate);
     if (!rate) return rate.Error();
-    request.chunk = *chunk;
     request.rate = *rate;
     request.inputOffset = sequence.inputOffset;
     request.textureOffset = sequence.textureOffset;
@@ -66,6 +68,13 @@ Result<PlanRequest> RequestOf(const RenderOptions& options) {
     request.skipExisting = sequence.skipExisting;
     request.zeroFrame = sequence.zeroFrame;
     return request;
+}
+
+Result<Done> CheckNoTime(const RenderOptions& options) {
+    if (options.seconds == 0) return Done{};
+    return Failure{ExitCode::kUsage,
+                   "--time is about a single picture; the frames of a sequence have their times "
+                   "from --rate and --zero-frame"};
 }
 
 /// The first frame that is to be drawn and can be read: the session is about its size. Without one there is nothing to
@@ -335,11 +344,17 @@ Result<bool> MeansSequence(const RenderOptions& options) {
     return MeansSequence(*request);
 }
 
-Result<ExitCode> RenderSequence(const RenderOptions& options) {
-    if (options.seconds != 0) {
-        return Failure{ExitCode::kUsage,
-                       "--time is about a single picture; the frames of a sequence have their times "
-                       "from --rate and --zero-frame"};
+Result<std::vector<int>> FramesOf(const RenderOptions& options) {
+    if (auto usable = CheckNoTime(options); !usable) return usable.Error();
+    if (!options.compression.empty()) {
+        if (auto known = CheckCompression(options.output, options.compression); !known) return known.Error();
     }
+    const auto request = RequestOf(options);
+    if (!request) return request.Error();
+    return WholeFrameSet(*request);
+}
+
+Result<ExitCode> RenderSequence(const RenderOptions& options) {
+    if (auto usable = CheckNoTime(options); !usable) return usable.Error();
     return SequenceRender(options).Run();
 }

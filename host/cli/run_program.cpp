@@ -57,7 +57,8 @@ std::optional<std::string> UnknownArgument(const CLI::App& app, const std::vecto
     const auto chosen = app.get_subcommands();
     const CLI::App& asked = chosen.empty() ? app : *chosen.front();
     const std::vector<std::string> extras = asked.remaining(true);
-    if (extras.empty()) return std::nullopt;
+    // What follows a command of that kind is for another one to judge.
+    if (extras.empty() || asked.get_prefix_command()) return std::nullopt;
     const std::string& extra = extras.front();
     if (extra.size() > 1 && extra.front() == '-') {
         std::vector<std::string> options;
@@ -134,11 +135,15 @@ std::string OutOfRange(const std::string& text, double low, double high) {
 
 std::vector<Command> AllCommands() {
     return {RenderCommand(), ParamsCommand(),   InfoCommand(),  CompareCommand(),
-            PanelCommand(),  ValidateCommand(), CurvesCommand()};
+            PanelCommand(),  ValidateCommand(), CurvesCommand(), FarmCommand()};
 }
 
 int RunProgram(int argc, const char* const* argv, const std::function<int(const Command&)>& instead) {
-    const std::vector<Command> commands = AllCommands();
+    return RunProgram(AllCommands(), argc, argv, instead);
+}
+
+int RunProgram(const std::vector<Command>& commands, int argc, const char* const* argv,
+               const std::function<int(const Command&)>& instead) {
     CLI::App app(kDescription, "umbrant");
     app.footer(kFooter);
     app.set_version_flag("--version", "umbrant " + ProgramVersion());

@@ -28,13 +28,6 @@ std::filesystem::path OwnFile() {
     return error ? std::filesystem::path() : file;
 }
 
-/// The folder of the running program: the process's own link where the system has one, else what the loader knows.
-std::filesystem::path ProgramFolder() {
-    std::error_code error;
-    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
-    return (error ? OwnFile() : program).parent_path();
-}
-
 /// In order, each once.
 class Folders {
  public:
@@ -52,12 +45,19 @@ class Folders {
 
 }  // namespace
 
+std::filesystem::path RunningProgram() {
+    // The process's own link where the system has one, else what the loader knows.
+    std::error_code error;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+    return error ? OwnFile() : program;
+}
+
 ModuleSearch DefaultModuleSearch(const std::optional<std::filesystem::path>& option, ModuleSeeker seeker) {
     ModuleSearch search;
     search.option = option;
     const char* environment = std::getenv("UMBRANT_MODULE");
     if (environment && *environment) search.environment = environment;
-    const std::filesystem::path program = ProgramFolder();
+    const std::filesystem::path program = RunningProgram().parent_path();
     Folders folders;
     folders.Add(program);
     if (seeker == ModuleSeeker::kLibrary) {

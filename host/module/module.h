@@ -70,6 +70,9 @@ struct ModuleSearch {
     std::vector<std::filesystem::path> folders;        ///< where it may lie, the first first
 };
 
+/// The file of the running program, empty when the system does not tell.
+std::filesystem::path RunningProgram();
+
 /// Who looks for a module.
 enum class ModuleSeeker {
     kProgram,  ///< this project's program: beside it, and in the library folder that was installed with it

@@ -142,6 +142,18 @@ std::string FramesText(std::vector<int> frames) {
     return text;
 }
 
+std::string FrameSetText(const std::vector<int>& frames) {
+    std::string text;
+    for (std::size_t i = 0; i < frames.size();) {
+        std::size_t end = i + 1;
+        while (end < frames.size() && frames[end] == frames[end - 1] + 1) ++end;
+        text += fmt::format("{}{}", text.empty() ? "" : ",", frames[i]);
+        if (end - i > 1) text += fmt::format("-{}", frames[end - 1]);
+        i = end;
+    }
+    return text;
+}
+
 Result<Chunk> ParseChunk(std::string_view text) {
     Chunk chunk;
     std::string_view rest = text;

@@ -30,6 +30,9 @@ Result<std::vector<int>> ParseFrames(std::string_view text);
 /// how many are left.
 std::string FramesText(std::vector<int> frames);
 
+/// Frames as ParseFrames reads them, in their order: "1-4,7,9-12".
+std::string FrameSetText(const std::vector<int>& frames);
+
 /// One of several parts of a set.
 struct Chunk {
     int number = 1;  ///< from 1 to `count`

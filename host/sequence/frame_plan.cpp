@@ -170,6 +170,30 @@ Result<Done> CheckMissing(const std::vector<PlannedFrame>& frames) {
                                first->missing, missing.size(), FramesText(missing))};
 }
 
+/// Every frame of the set, whatever the chunk: another chunk's machine may be writing what this one would read.
+Result<std::vector<PlannedFrame>> WholePlan(const PlanRequest& request) {
+    const auto input = SourceOf(request.input, request.inputOffset);
+    if (!input) return input.Error();
+    const auto texture = SourceOf(request.texture, request.textureOffset);
+    if (!texture) return texture.Error();
+    const auto whole = WholeSet(request, *input, *texture);
+    if (!whole) return whole.Error();
+    const auto output = OutputPattern(request, *whole);
+    if (!output) return output.Error();
+    if (auto reachable = CheckTimes(*whole, request); !reachable) return reachable.Error();
+
+    std::vector<PlannedFrame> frames;
+    for (const int number : *whole) {
+        frames.push_back(PlanFrame(request, *input, *texture, number));
+        PlannedFrame& frame = frames.back();
+        frame.output = *output ? (*output)->PathOf(number) : request.output;
+        frame.inputChanges = input->pattern && !frame.heldInput;
+        frame.textureChanges = texture->pattern && !frame.heldTexture;
+    }
+    if (auto apart = CheckOutputs(frames); !apart) return apart.Error();
+    return frames;
+}
+
 }  // namespace
 
 Result<bool> MeansSequence(const PlanRequest& request) {
@@ -187,28 +211,18 @@ Result<bool> MeansSequence(const PlanRequest& request) {
                                request.output, request.input)};
 }
 
+Result<std::vector<int>> WholeFrameSet(const PlanRequest& request) {
+    const auto frames = WholePlan(request);
+    if (!frames) return frames.Error();
+    std::vector<int> numbers;
+    for (const PlannedFrame& frame : *frames) numbers.push_back(frame.number);
+    return numbers;
+}
+
 Result<FramePlan> PlanFrames(const PlanRequest& request) {
-    const auto input = SourceOf(request.input, request.inputOffset);
-    if (!input) return input.Error();
-    const auto texture = SourceOf(request.texture, request.textureOffset);
-    if (!texture) return texture.Error();
-    const auto whole = WholeSet(request, *input, *texture);
+    auto whole = WholePlan(request);
     if (!whole) return whole.Error();
-    const auto output = OutputPattern(request, *whole);
-    if (!output) return output.Error();
-    if (auto reachable = CheckTimes(*whole, request); !reachable) return reachable.Error();
-
-    // Another chunk's machine may be writing what this one would read, so the whole set is judged.
-    std::vector<PlannedFrame> frames;
-    for (const int number : *whole) {
-        frames.push_back(PlanFrame(request, *input, *texture, number));
-        PlannedFrame& frame = frames.back();
-        frame.output = *output ? (*output)->PathOf(number) : request.output;
-        frame.inputChanges = input->pattern && !frame.heldInput;
-        frame.textureChanges = texture->pattern && !frame.heldTexture;
-    }
-    if (auto apart = CheckOutputs(frames); !apart) return apart.Error();
-
+    std::vector<PlannedFrame>& frames = *whole;
     FramePlan plan;
     plan.rate = request.rate;
     plan.zeroFrame = request.zeroFrame;

@@ -72,5 +72,9 @@ Result<bool> MeansSequence(const PlanRequest& request);
 /// of the output cannot be written.
 Result<FramePlan> PlanFrames(const PlanRequest& request);
 
+/// All frames of the set, whatever the chunk, for whoever divides them. Fails as PlanFrames does, except that files may be
+/// missing, which may be made before they are needed.
+Result<std::vector<int>> WholeFrameSet(const PlanRequest& request);
+
 /// Fails with `ExitCode::kUsage` when both paths lead to one file.
 Result<Done> CheckApart(const std::string& input, const std::string& output);

@@ -61,6 +61,11 @@ class Bootstrap(unittest.TestCase):
         self.assertEqual(asked[1], MACOS)
         self.assertEqual(self.run_it("--without-macos")[1], asked[:1])
 
+    def test_more_for_the_soak(self):
+        self.installed("[!vsmp]*|[sm]*[!me]|python3*")
+        self.assertEqual(self.run_it("--without-macos")[1], [["parallel"]])
+        self.assertEqual(self.run_it("--without-macos", "--soak")[1], [["parallel", "valgrind", "slurm-wlm", "munge"]])
+
     def test_npm_is_a_command_before_it_is_a_package(self):
         (self.folder / "npm").unlink()
         self.installed("[!n]*|ninja-build|nlohmann-json3-dev")

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// Any bytes as one word of a bash script.
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// The text as a word that bash reads as exactly these bytes. It lies on one line, is valid UTF-8 and holds no pair of
+/// braces that a template could take for its own.
+std::string ShellWord(std::string_view text);
+
+/// Several words with blanks between them.
+std::string ShellWords(const std::vector<std::string>& texts);
