@@ -32,9 +32,13 @@ Command PanelCommand();
 Command ValidateCommand();
 Command CurvesCommand();
 Command FarmCommand();
+Command CompletionCommand();
 
 /// All of them, in the order of the help text.
 std::vector<Command> AllCommands();
+
+/// Declares the program's command line, with these commands. They must outlive the declaration.
+void DeclareProgram(CLI::App& app, const std::vector<Command>& commands);
 
 /// For an option's check: why `text` is not a number from `low` to `high`, or an empty text.
 std::string OutOfRange(const std::string& text, double low, double high);

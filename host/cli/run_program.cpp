@@ -134,17 +134,13 @@ std::string OutOfRange(const std::string& text, double low, double high) {
 }
 
 std::vector<Command> AllCommands() {
-    return {RenderCommand(), ParamsCommand(),   InfoCommand(),  CompareCommand(),
-            PanelCommand(),  ValidateCommand(), CurvesCommand(), FarmCommand()};
+    return {RenderCommand(),   ParamsCommand(), InfoCommand(), CompareCommand(),   PanelCommand(),
+            ValidateCommand(), CurvesCommand(), FarmCommand(), CompletionCommand()};
 }
 
-int RunProgram(int argc, const char* const* argv, const std::function<int(const Command&)>& instead) {
-    return RunProgram(AllCommands(), argc, argv, instead);
-}
-
-int RunProgram(const std::vector<Command>& commands, int argc, const char* const* argv,
-               const std::function<int(const Command&)>& instead) {
-    CLI::App app(kDescription, "umbrant");
+void DeclareProgram(CLI::App& app, const std::vector<Command>& commands) {
+    app.description(kDescription);
+    app.name("umbrant");
     app.footer(kFooter);
     app.set_version_flag("--version", "umbrant " + ProgramVersion());
     app.require_subcommand(1);
@@ -153,6 +149,16 @@ int RunProgram(const std::vector<Command>& commands, int argc, const char* const
         subcommand->footer("\nExamples:\n" + command.examples);
         command.options(*subcommand);
     }
+}
+
+int RunProgram(int argc, const char* const* argv, const std::function<int(const Command&)>& instead) {
+    return RunProgram(AllCommands(), argc, argv, instead);
+}
+
+int RunProgram(const std::vector<Command>& commands, int argc, const char* const* argv,
+               const std::function<int(const Command&)>& instead) {
+    CLI::App app;
+    DeclareProgram(app, commands);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& asked) {  // help or version

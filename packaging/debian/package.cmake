@@ -1,0 +1,65 @@
+# Debian packages by CPack: `cpack -G DEB` in a build folder writes umbrant, the program with its module, and
+# libumbrant-host-dev, the library for other programs. packaging/debian/try installs and uses them in a fresh Debian.
+
+set(CPACK_PACKAGE_NAME umbrant)
+set(CPACK_PACKAGE_VENDOR "The Umbrant authors")
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(UMBRANT_MAINTAINER "The Umbrant authors <umbrant@example.com>" CACHE STRING "Who answers for the Debian packages")
+set(CPACK_PACKAGE_CONTACT "${UMBRANT_MAINTAINER}")
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_COMPONENTS_ALL umbrant development)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE
+                                                WORLD_READ WORLD_EXECUTE)
+set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/finish_files.cmake)
+
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 0upstream1)
+set(CPACK_DEBIAN_PACKAGE_MAINTAINER "${UMBRANT_MAINTAINER}")
+set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
+set(CPACK_DEBIAN_PACKAGE_SOURCE umbrant)
+
+set(CPACK_DEBIAN_UMBRANT_PACKAGE_NAME umbrant)
+set(CPACK_DEBIAN_UMBRANT_PACKAGE_SECTION graphics)
+# What the program and the module are linked with is found by dpkg-shlibdeps.
+set(CPACK_DEBIAN_UMBRANT_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_UMBRANT_PACKAGE_RECOMMENDS "ffmpeg, libgl1-mesa-dri")
+set(CPACK_DEBIAN_UMBRANT_DESCRIPTION
+    "long, soft shadows for pictures with transparency
+Draws normal, inner and radial shadows of pictures and sequences with an
+alpha channel, in 8 bits and 32-bit float: a stack of blurred copies along
+a straight or eased curve, in one colour or with a picture in it.
+.
+The package has the program umbrant and the effect module that it drives,
+which draws by OpenGL or by the processor; neither a graphics processor
+nor a screen is needed.")
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libumbrant-host-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
+    "umbrant (= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}), libfmt-dev, libcairo2-dev")
+set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
+    "long, soft shadows from memory to memory - development files
+A static library that loads the effect module of the package umbrant and
+draws with it: an image in, parameters by name, an image out, on as many
+threads as a program has.
+.
+The package has the archive, its headers, a CMake package and an example.")
+
+foreach(package umbrant libumbrant-host-dev)
+    set(component umbrant)
+    if(package STREQUAL "libumbrant-host-dev")
+        set(component development)
+    endif()
+    configure_file(packaging/debian/changelog.in packaging/debian/changelog.Debian @ONLY)
+    install(FILES ${CMAKE_SOURCE_DIR}/packaging/debian/copyright ${CMAKE_BINARY_DIR}/packaging/debian/changelog.Debian
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package} COMPONENT ${component})
+endforeach()
+install(FILES ${CMAKE_SOURCE_DIR}/CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/umbrant RENAME changelog
+        COMPONENT umbrant)
+
+include(CPack)

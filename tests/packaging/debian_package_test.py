@@ -1,0 +1,144 @@
+# SPDX-License-Identifier: BSD-3-Clause
+# Copyright 2026 the Umbrant authors
+"""CPack makes the Debian packages of this build folder: their fields, their files and what lintian says. How they
+install and run in a fresh Debian is tried by packaging/debian/try."""
+
+import gzip
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+BUILD = pathlib.Path(os.environ["BUILD_FOLDER"])
+SOURCE = pathlib.Path(os.environ["SOURCE_FOLDER"])
+CPACK = os.environ["CPACK"]
+LIBDIR = os.environ["LIBDIR"]
+
+
+def setUpModule():
+    for tool in ("dpkg-deb", "dpkg-shlibdeps"):
+        if shutil.which(tool) is None:
+            raise unittest.SkipTest(f"there is no {tool} here")
+
+
+def output(*command):
+    done = subprocess.run([str(part) for part in command], text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                          check=False)  # fmt: skip
+    if done.returncode != 0:
+        raise AssertionError(f"{command} ended with {done.returncode}:\n{done.stdout}")
+    return done.stdout
+
+
+def version():
+    text = (SOURCE / "entry/version.h").read_text(encoding="utf-8")
+    return ".".join(re.search(rf"kVersion{part} = (\d+)", text)[1] for part in ("Major", "Minor", "BugFix"))
+
+
+class DebianPackages(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.holder = tempfile.TemporaryDirectory()
+        cls.folder = pathlib.Path(cls.holder.name)
+        output(CPACK, "-G", "DEB", "-B", cls.folder, "--config", BUILD / "CPackConfig.cmake")
+        cls.packages = {path.name.split("_")[0]: path for path in cls.folder.glob("*.deb")}
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.holder.cleanup()
+
+    def field(self, package, name):
+        return output("dpkg-deb", "--field", self.packages[package], name).strip()
+
+    def contents(self, package):
+        """Mode and owner of each file by its name."""
+        lines = output("dpkg-deb", "--contents", self.packages[package]).splitlines()
+        return {line.split(None, 5)[5].removeprefix("."): line.split()[:2] for line in lines}
+
+    def unpacked(self, package):
+        folder = self.folder / f"{package}.unpacked"
+        if not folder.exists():
+            output("dpkg-deb", "--extract", self.packages[package], folder)
+        return folder
+
+    def test_there_are_two(self):
+        self.assertEqual(set(self.packages), {"umbrant", "libumbrant-host-dev"} | ({"umbrant-frei0r"} & set(self.packages)))
+
+    def test_fields(self):
+        for package in self.packages:
+            with self.subTest(package):
+                self.assertRegex(self.field(package, "Version"), rf"^{re.escape(version())}-\w+$")
+                self.assertRegex(self.field(package, "Maintainer"), r"^.+ <.+@.+>$")
+                self.assertEqual(self.field(package, "Priority"), "optional")
+                description = self.field(package, "Description").splitlines()
+                self.assertLess(len(description[0]), 80)
+                self.assertGreater(len(description), 3)
+        self.assertEqual(self.field("umbrant", "Section"), "graphics")
+        self.assertEqual(self.field("libumbrant-host-dev", "Section"), "libdevel")
+
+    def test_dependencies(self):
+        depends = self.field("umbrant", "Depends")
+        for library in ("libc6", "libstdc++6", "libopenimageio2.4", "libcairo2", "libfmt9", "libegl1", "libopengl0"):
+            self.assertRegex(depends, rf"(^|, ){re.escape(library)}\b")
+        self.assertIn("ffmpeg", self.field("umbrant", "Recommends"))
+        full = self.field("umbrant", "Version")
+        self.assertEqual(self.field("libumbrant-host-dev", "Depends"), f"umbrant (= {full}), libfmt-dev, libcairo2-dev")
+
+    def test_files(self):
+        expected = {
+            "umbrant": [
+                "/usr/bin/umbrant", f"/usr/{LIBDIR}/umbrant/umbrant2.so", f"/usr/{LIBDIR}/umbrant/umbrant_shim.so",
+                "/usr/share/man/man1/umbrant.1.gz", "/usr/share/bash-completion/completions/umbrant",
+                "/usr/share/zsh/vendor-completions/_umbrant", "/usr/share/fish/vendor_completions.d/umbrant.fish",
+                "/usr/share/doc/umbrant/copyright", "/usr/share/doc/umbrant/changelog.gz",
+                "/usr/share/doc/umbrant/changelog.Debian.gz",
+            ],
+            "libumbrant-host-dev": [
+                "/usr/include/umbrant/effect.h", f"/usr/{LIBDIR}/libumbrant_host.a",
+                f"/usr/{LIBDIR}/cmake/umbrant_host/umbrant_host-config.cmake",
+                "/usr/share/doc/libumbrant-host-dev/copyright",
+                "/usr/share/doc/libumbrant-host-dev/examples/render_from_memory/render_from_memory.cpp",
+            ],
+        }  # fmt: skip
+        for package, names in expected.items():
+            contents = self.contents(package)
+            for name in names:
+                self.assertIn(name, contents)
+            for name, (mode, owner) in contents.items():
+                self.assertEqual(owner, "root/root", name)
+                self.assertTrue(name.startswith("/usr/"), name)
+                executable = name.endswith("/") or name == "/usr/bin/umbrant"
+                self.assertEqual(mode[1:], "rwxr-xr-x" if executable else "rw-r--r--", name)
+
+    def test_documents(self):
+        folder = self.unpacked("umbrant") / "usr/share"
+        page = gzip.decompress((folder / "man/man1/umbrant.1.gz").read_bytes())
+        self.assertEqual(page, (SOURCE / "docs/umbrant.1").read_bytes())
+        changes = gzip.decompress((folder / "doc/umbrant/changelog.gz").read_bytes())
+        self.assertEqual(changes, (SOURCE / "CHANGELOG.md").read_bytes())
+        entry = gzip.decompress((folder / "doc/umbrant/changelog.Debian.gz").read_bytes()).decode()
+        self.assertTrue(entry.startswith(f"umbrant ({self.field('umbrant', 'Version')}) "), entry)
+        # The licence, word for word, within the form that machines read.
+        rights = (folder / "doc/umbrant/copyright").read_text(encoding="utf-8")
+        self.assertIn("Format: https://www.debian.org/doc/packaging-manuals/copyright-format/1.0/", rights)
+        licence = (SOURCE / "LICENSE").read_text(encoding="utf-8").partition("All rights reserved.")[2]
+        self.assertIn(" ".join(licence.split()), " ".join(rights.replace("\n .\n", "\n").split()))
+
+    def test_programs_are_stripped_and_carry_no_path_of_the_build(self):
+        for name in ("bin/umbrant", f"{LIBDIR}/umbrant/umbrant2.so"):
+            file = self.unpacked("umbrant") / "usr" / name
+            self.assertNotIn(".debug_info", output("readelf", "--sections", file))
+            self.assertNotIn("RUNPATH", output("readelf", "--dynamic", file))
+            self.assertNotIn(str(BUILD).encode(), file.read_bytes())
+
+    def test_lintian_has_nothing_to_say(self):
+        if shutil.which("lintian") is None:
+            self.skipTest("there is no lintian here")
+        said = output("lintian", "--allow-root", "--fail-on", "error,warning", *self.packages.values())
+        self.assertEqual([line for line in said.splitlines() if re.match(r"[EW]:", line)], [])
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,180 @@
+# SPDX-License-Identifier: BSD-3-Clause
+# Copyright 2026 the Umbrant authors
+"""`cmake --install` puts everything where Linux expects it, wherever the prefix is and wherever it is moved to; the
+example builds against the installed library alone and draws what the installed program draws."""
+
+import os
+import pathlib
+import shutil
+import struct
+import subprocess
+import tempfile
+import unittest
+import zlib
+
+BUILD = pathlib.Path(os.environ["BUILD_FOLDER"])
+SOURCE = pathlib.Path(os.environ["SOURCE_FOLDER"])
+CMAKE = os.environ["CMAKE"]
+LIBDIR = os.environ["LIBDIR"]
+ZSH = "vendor-completions" if pathlib.Path("/etc/debian_version").exists() else "site-functions"
+
+EXPECTED = {
+    "bin/umbrant",
+    f"{LIBDIR}/umbrant/umbrant2.so",
+    f"{LIBDIR}/umbrant/umbrant_shim.so",
+    f"{LIBDIR}/umbrant/umbrant2.waivers.json",
+    "share/man/man1/umbrant.1",
+    "share/umbrant/presets/turning-title.json",
+    "share/bash-completion/completions/umbrant",
+    f"share/zsh/{ZSH}/_umbrant",
+    "share/fish/vendor_completions.d/umbrant.fish",
+    "share/doc/umbrant/copyright",
+    "share/doc/umbrant/changelog",
+    "share/doc/umbrant/changelog.Debian",
+    f"{LIBDIR}/libumbrant_host.a",
+    *(f"include/umbrant/{name}.h" for name in ("effect", "error", "export", "image", "parameter")),
+    *(f"{LIBDIR}/cmake/umbrant_host/{name}" for name in (
+        "umbrant_host-config.cmake", "umbrant_host-config-version.cmake", "umbrant_host-targets.cmake",
+        "FindCairo.cmake")),
+    "share/doc/libumbrant-host-dev/copyright",
+    "share/doc/libumbrant-host-dev/changelog.Debian",
+    "share/doc/libumbrant-host-dev/examples/render_from_memory/CMakeLists.txt",
+    "share/doc/libumbrant-host-dev/examples/render_from_memory/render_from_memory.cpp",
+}  # fmt: skip
+
+
+def run(*command, cwd=None, **environment):
+    """Standard output and error of a command that must succeed."""
+    inherited = {name: value for name, value in os.environ.items() if not name.startswith("UMBRANT_")}
+    done = subprocess.run([str(part) for part in command], cwd=cwd, env=inherited | environment, text=True,
+                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False)  # fmt: skip
+    if done.returncode != 0:
+        raise AssertionError(f"{command} ended with {done.returncode}:\n{done.stdout}")
+    return done.stdout
+
+
+def install(prefix):
+    run(CMAKE, "--install", BUILD, "--prefix", prefix)
+
+
+def write_png(file, width, height, rgba):
+    def chunk(kind, data):
+        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
+
+    rows = b"".join(b"\0" + rgba[4 * width * y : 4 * width * (y + 1)] for y in range(height))
+    header = struct.pack(">IIBBBBB", width, height, 8, 6, 0, 0, 0)
+    parts = chunk(b"IHDR", header) + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b"")
+    file.write_bytes(b"\x89PNG\r\n\x1a\n" + parts)
+
+
+def files_in(prefix):
+    return {path.relative_to(prefix).as_posix() for path in prefix.rglob("*") if path.is_file()}
+
+
+class Installed(unittest.TestCase):
+    """An installation that was moved after it was made."""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.holder = tempfile.TemporaryDirectory()
+        cls.root = pathlib.Path(cls.holder.name)
+        install(cls.root / "first")
+        cls.prefix = cls.root / "moved" / "here"
+        cls.prefix.parent.mkdir()
+        shutil.move(cls.root / "first", cls.prefix)
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.holder.cleanup()
+
+    def test_files_lie_where_they_belong(self):
+        found = files_in(self.prefix)
+        self.assertEqual(EXPECTED - found, set())
+        # Besides, one file a configuration, and what optional parts of the project bring.
+        more = {name for name in found - EXPECTED if "umbrant_host-targets-" not in name and "frei0r" not in name}
+        self.assertEqual(more, set())
+
+    def test_permissions(self):
+        for name in files_in(self.prefix):
+            mode = (self.prefix / name).stat().st_mode & 0o777
+            self.assertIn(mode, {0o755} if name.startswith("bin/") else {0o644, 0o755}, name)
+
+    def test_the_program_finds_its_module(self):
+        self.assertIn("style/distance", run(self.prefix / "bin/umbrant", "params"))
+
+    def test_the_judge_finds_its_parts(self):
+        judged = run(self.prefix / "bin/umbrant", "validate", "--strictness", "2")
+        self.assertIn(f"findings in '{self.prefix}/{LIBDIR}/umbrant/umbrant2.waivers.json' are accepted", judged)
+        self.assertIn(" 0 failed, 0 skipped", judged)
+
+    def test_no_text_names_the_build_or_the_source_folder(self):
+        for name in files_in(self.prefix):
+            data = (self.prefix / name).read_bytes()
+            if b"\0" in data[:4096]:
+                continue
+            for folder in (BUILD, SOURCE, self.root / "first"):
+                self.assertNotIn(str(folder).encode(), data, name)
+
+    def test_the_manual_page_can_be_read(self):
+        if shutil.which("man") is None:
+            self.skipTest("there is no man here")
+        warnings = run("man", "--warnings", "-E", "UTF-8", "-l", "-Tutf8", "-Z", self.prefix / "share/man/man1/umbrant.1")
+        self.assertIn("x T utf8", warnings)
+        self.assertNotIn("warning", warnings)
+
+    def build_example(self, folder, *definitions):
+        source = self.root / folder
+        shutil.copytree(self.prefix / "share/doc/libumbrant-host-dev/examples/render_from_memory", source)
+        output = run(CMAKE, "-S", source, "-B", source / "build", "-G", "Ninja", f"-DCMAKE_PREFIX_PATH={self.prefix}",
+                     *definitions)  # fmt: skip
+        run(CMAKE, "--build", source / "build")
+        return source / "build", output
+
+    def test_the_example_draws_what_the_program_draws(self):
+        build, _ = self.build_example("example")
+        module = str(self.prefix / LIBDIR / "umbrant/umbrant2.so")
+        said = run(build / "render_from_memory", cwd=build, UMBRANT_MODULE=module, UMBRANT_RENDERER="cpu")
+        header, _, pixels = (build / "shadow.pam").read_bytes().partition(b"ENDHDR\n")
+        fields = dict(line.split(" ", 1) for line in header.decode().splitlines() if " " in line)
+        width, height = int(fields["WIDTH"]), int(fields["HEIGHT"])
+        self.assertEqual(len(pixels), 4 * width * height)
+        self.assertIn(f"{width} x {height}, the layer at ", said)
+
+        # The same disc by way of files.
+        disc = bytearray(4 * 128 * 128)
+        for i in range(128 * 128):
+            x, y = i % 128 - 64, i // 128 - 64
+            if x * x + y * y < 1600:
+                disc[4 * i], disc[4 * i + 3] = 255, 255
+        write_png(build / "disc.png", 128, 128, bytes(disc))
+        write_png(build / "example.png", width, height, pixels)
+        run(self.prefix / "bin/umbrant", "render", "disc.png", "-o", "shadow.png", "--renderer", "cpu", "--set",
+            "style/distance=80", cwd=build)  # fmt: skip
+        run(self.prefix / "bin/umbrant", "compare", "shadow.png", "example.png", "--straight", "--warn", "1/255",
+            "--percent", "0", "--hard", "1/255", cwd=build)  # fmt: skip
+
+    def test_the_package_knows_its_module_and_version(self):
+        source = self.root / "asks"
+        source.mkdir()
+        (source / "CMakeLists.txt").write_text(
+            "cmake_minimum_required(VERSION 3.18)\nproject(asks LANGUAGES CXX)\nset(CMAKE_MODULE_PATH kept)\n"
+            "find_package(umbrant_host ${WANTED} CONFIG QUIET)\n"
+            'message(STATUS "found=${umbrant_host_FOUND} module=${umbrant_host_MODULE} path=${CMAKE_MODULE_PATH}")\n',
+            encoding="utf-8",
+        )
+
+        def ask(wanted):
+            return run(CMAKE, "-S", source, "-B", source / wanted, f"-DCMAKE_PREFIX_PATH={self.prefix}", f"-DWANTED={wanted}")
+
+        self.assertIn(f"found=1 module={self.prefix}/{LIBDIR}/umbrant/umbrant2.so path=kept", ask("1.0"))
+        self.assertIn("found=0", ask("99"))
+
+    def test_the_archive_shows_only_its_own_names(self):
+        listed = run("nm", "--demangle", "--defined-only", "--extern-only", self.prefix / LIBDIR / "libumbrant_host.a")
+        names = [line.split(" ", 2)[2] for line in listed.splitlines() if " " in line and line.split(" ", 2)[1] in "TDBR"]
+        self.assertTrue(any(name.startswith("umbrant::Effect::Render(") for name in names), names)
+        self.assertEqual([name for name in names if not name.startswith("umbrant::")], [])
+
+
+if __name__ == "__main__":
+    unittest.main()
