@@ -51,7 +51,8 @@ struct CompletionRow {
     std::vector<std::string> values;  ///< a popup's items, "on" and "off"; empty for numbers and the like
 };
 
-/// Reads a declared command line.
+/// Reads a declared command line. A command that hands the rest of its arguments to `render` has a command below it for
+/// each word that may come first.
 CompletionNode DescribeCommands(const CLI::App& app);
 
 /// The rows that `--set` takes and that have a path.

@@ -78,23 +78,40 @@ CompletionOption Describe(const CLI::Option& option) {
     return described;
 }
 
-}  // namespace
-
-CompletionNode DescribeCommands(const CLI::App& app) {
-    CompletionNode command;
-    command.name = app.get_name();
-    command.summary = app.get_description();
+CompletionNode Describe(const CLI::App& app) {
+    CompletionNode node;
+    node.name = app.get_name();
+    node.summary = app.get_description();
     for (const CLI::Option* option : app.get_options()) {
         if (option->get_positional()) {
-            command.arguments.push_back(ValueOf(*option));
+            node.arguments.push_back(ValueOf(*option));
         } else {
-            command.options.push_back(Describe(*option));
+            node.options.push_back(Describe(*option));
         }
     }
     for (const CLI::App* below : app.get_subcommands([](const CLI::App* each) { return !each->get_name().empty(); })) {
-        command.commands.push_back(DescribeCommands(*below));
+        node.commands.push_back(Describe(*below));
     }
-    return command;
+    return node;
+}
+
+}  // namespace
+
+CompletionNode DescribeCommands(const CLI::App& app) {
+    CompletionNode program = Describe(app);
+    const auto render = std::find_if(program.commands.begin(), program.commands.end(),
+                                     [](const CompletionNode& node) { return node.name == "render"; });
+    if (render == program.commands.end()) return program;
+    const CompletionNode follows = *render;
+    for (CompletionNode& command : program.commands) {
+        if (!app.get_subcommand(command.name)->get_prefix_command() || command.arguments.empty()) continue;
+        // After its own first argument come the arguments of `render`.
+        for (const std::string& choice : command.arguments.front().choices) {
+            command.commands.push_back({choice, command.summary, follows.options, follows.arguments, {}});
+        }
+        command.arguments.clear();
+    }
+    return program;
 }
 
 std::vector<CompletionRow> DescribeRows(const ParamSet& params) {

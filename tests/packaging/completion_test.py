@@ -28,6 +28,10 @@ ROWS = [
     ("parameters", "umbrant render --set style/", ["style/shadow-type", "style/distance"], ["easing/mode"]),
     ("items of a popup", "umbrant render --set style/shadow-type=", ["inner", "radial"], ["screen"]),
     ("rows of the panel", "umbrant panel --open easing/", ["easing/mode"], ["style/angle"]),
+    ("the first word of a farm's job", "umbrant farm ", ["slurm", "openjd", "parallel"], []),
+    ("a farm's own options", "umbrant farm --halt ", ["never", "soon", "now"], []),
+    ("the arguments of a farm's job", "umbrant farm slurm in.png --mis", ["--missing"], ["--halt"]),
+    ("values in a farm's job", "umbrant farm parallel in.png --canvas ", ["grow", "layer"], ["slurm"]),
     ("after other options", "umbrant render in.png -o x.png --set style/angle=9 --mis", ["--missing"], ["--canvas"]),
 ]
 
