@@ -3,10 +3,11 @@
 #pragma once
 
 // A file that the image library writes through, and that remembers whether it could. What is behind the library takes a
-// full disk for success in one format, and ends the process in another; here every write succeeds as far as the library
-// knows, and the truth is told in the end. Inside host/image only.
+// full disk for success in one format, ends the process in another, and tells the reason in none; here every write
+// succeeds as far as the library knows, and the truth is told in the end. Inside host/image only.
 
 #include <OpenImageIO/filesystem.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdint>
@@ -18,9 +19,13 @@
 
 class CheckedFile : public OIIO::Filesystem::IOProxy {
  public:
-    explicit CheckedFile(const std::filesystem::path& name)
-        : IOProxy(name.string(), Write), file_(std::fopen(name.c_str(), "wb")) {
-        if (!file_) Note();
+    /// Writes to an open file, which stays its owner's. `name` is what the library calls it.
+    CheckedFile(const std::filesystem::path& name, int descriptor) : IOProxy(name.string(), Write) {
+        const int own = dup(descriptor);
+        if (own >= 0) file_ = fdopen(own, "wb");
+        if (file_) return;
+        Note();
+        if (own >= 0) ::close(own);
     }
     ~CheckedFile() override { Finish(); }
     CheckedFile(const CheckedFile&) = delete;
@@ -60,7 +65,7 @@ class CheckedFile : public OIIO::Filesystem::IOProxy {
         if (problem_ == 0) problem_ = errno == 0 ? EIO : errno;
     }
 
-    std::FILE* file_;
+    std::FILE* file_ = nullptr;
     size_t size_ = 0;
     int problem_ = 0;
 };

@@ -6,6 +6,8 @@
 // right name may trust it.
 
 #include <filesystem>
+#include <optional>
+#include <string>
 
 #include "host/result.h"
 
@@ -13,13 +15,22 @@
 /// thread; across threads any number.
 class TemporaryFile {
  public:
-    /// Chooses the name: hidden, in the folder of `place`, with its extension. Creates nothing.
+    /// Makes an empty file: hidden, in the folder of `place`, with its extension. An interruption finds it from its
+    /// first moment on; while there is one, this does not return.
     explicit TemporaryFile(const std::filesystem::path& place);
     ~TemporaryFile();
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
     const std::filesystem::path& Name() const { return name_; }
+
+    /// The file, open for reading and writing; negative when it could not be made. It is closed when this goes. Who
+    /// writes through it after an interruption has removed the file leaves nothing behind.
+    int Descriptor() const { return descriptor_; }
+    /// Why it could not be made; nothing when it was.
+    std::optional<std::string> Problem() const;
+    /// A name to open the file by that makes none. Where the system has no such names it is Name().
+    std::string OpenName() const;
 
     /// Renames the file to its place, replacing what is there. Fails with `ExitCode::kFile`.
     Result<Done> PutInPlace();
@@ -28,10 +39,13 @@ class TemporaryFile {
     std::filesystem::path place_;
     std::filesystem::path name_;
     int slot_ = -1;
+    int descriptor_ = -1;
+    int problem_ = 0;
 };
 
 /// Removes every file under construction. May be called from a signal handler.
 void RemoveTemporaryFiles() noexcept;
 
-/// The same before the program ends at once: whoever begins another file waits for that end.
+/// The same before the program ends at once: whoever begins another file waits for that end. To be called from a signal
+/// handler, on any thread.
 void EndTemporaryFiles() noexcept;

@@ -3,11 +3,14 @@
 
 #include <OpenImageIO/imageio.h>
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cerrno>
 #include <charconv>
+#include <cstring>
 #include <exception>
 #include <memory>
 #include <optional>
@@ -167,25 +170,42 @@ OIIO::ImageSpec LayoutOf(const Format& format, const World& world, const Placeme
     return layout;
 }
 
-/// Writes to a name that nobody looks at yet. Returns why it could not.
-std::optional<std::string> WriteTo(const Format& format, const fs::path& name, const OIIO::ImageSpec& layout,
+/// Why nothing more can be written to the file, or nothing when it can. What it holds is of no use any more.
+std::optional<std::string> WhyNoMore(int file) {
+    const std::vector<char> block(std::size_t{4} << 20, '\1');
+    std::size_t done = 0;
+    lseek(file, 0, SEEK_END);
+    while (done < block.size()) {
+        const auto count = write(file, block.data() + done, block.size() - done);
+        if (count < 0) return std::strerror(errno);
+        done += static_cast<std::size_t>(count);
+    }
+    return std::nullopt;
+}
+
+/// Writes to a file that nobody looks at yet, never by its name: the library would make the file anew that an
+/// interruption has just removed. Returns why it could not.
+std::optional<std::string> WriteTo(const Format& format, const TemporaryFile& file, const OIIO::ImageSpec& layout,
                                    const std::vector<float>& values) {
+    if (auto problem = file.Problem()) return problem;
     // Outlives the output, which may write once more when it goes.
     std::optional<CheckedFile> checked;
-    const std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(name.string());
+    const std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(file.Name().string());
     if (!output) return OIIO::geterror();
-    if (format.name == "png" || format.name == "jpeg") {
-        checked.emplace(name);
+    // Through a proxy the library loses a TIFF file's first directory when there is one for metadata beside it.
+    if (format.name != "tiff") {
+        checked.emplace(file.Name(), file.Descriptor());
         if (!output->set_ioproxy(&*checked)) return output->geterror();
     }
-    if (!output->open(name.string(), layout)) return output->geterror();
-    const bool written = output->write_image(OIIO::TypeDesc::FLOAT, values.data());
-    const bool closed = output->close();
+    bool whole = output->open(checked ? file.Name().string() : file.OpenName(), layout);
+    whole = whole && output->write_image(OIIO::TypeDesc::FLOAT, values.data());
+    whole = output->close() && whole;
     if (checked) {
         if (const auto problem = checked->Finish()) return problem;
+    } else if (!whole) {
+        if (const auto problem = WhyNoMore(file.Descriptor())) return problem;
     }
-    if (written && closed) return std::nullopt;
-    return output->geterror();
+    return whole ? std::nullopt : std::optional(output->geterror());
 }
 
 }  // namespace
@@ -242,7 +262,7 @@ Result<Done> WritePicture(const fs::path& file, const World& world, const Placem
     TemporaryFile temporary(file);
     try {
         const OIIO::ImageSpec layout = LayoutOf(format, world, place, options);
-        if (const auto problem = WriteTo(format, temporary.Name(), layout, FileValues(world, format.form))) {
+        if (const auto problem = WriteTo(format, temporary, layout, FileValues(world, format.form))) {
             return CannotWrite(file, problem->empty() ? "the disk or folder refuses it"
                                                       : std::string_view(*problem).substr(0, problem->find('\n')));
         }

@@ -136,39 +136,6 @@ TEST_F(CliSequenceProgress, TheReportHasEveryFrame) {
     EXPECT_EQ(report["frames"][1]["picture"], Json({{"left", -1}, {"top", -1}, {"right", 6}, {"bottom", 4}}));
 }
 
-TEST_F(CliSequenceProgress, ADiskThatIsFullEndsItWithoutAHalfFile) {
-    // Pictures of noise, larger than a limit on the size of files allows.
-    World noise = World::Create(200, 200, Depth::k8);
-    unsigned state = 1;
-    for (int y = 0; y < 200; ++y) {
-        for (int x = 0; x < 200; ++x) {
-            state = state * 1664525 + 1013904223;
-            Pixel8(noise, x, y) = {255, static_cast<A_u_char>(state >> 24), static_cast<A_u_char>(state >> 16), 1};
-        }
-    }
-    ASSERT_TRUE(WritePicture(folder_ / "in.2.png", noise, {{0, 0, 200, 200}, 200, 200}));
-    for (const char* ending : {"png", "exr", "tif", "jpg"}) {
-        SCOPED_TRACE(ending);
-        std::string command = "cd " + Quoted(folder_.Path().string()) + " && ulimit -f 8 && " + Quoted(UMBRANT_PROGRAM);
-        for (const std::string& argument :
-             Arguments("in.@.png", std::string("full.@.") + ending, {"--frames", "1-3", "--keep-going"})) {
-            command += " " + Quoted(argument);
-        }
-        const int status = std::system(("bash -c " + Quoted(command + " >out.txt 2>err.txt")).c_str());
-        ASSERT_TRUE(WIFEXITED(status));
-        EXPECT_EQ(WEXITSTATUS(status), 1);
-        const std::string err = ReadBytes(folder_ / "err.txt");
-        EXPECT_THAT(err, HasSubstr(std::string("umbrant: frame 2: cannot write 'full.2.") + ending + "': "));
-        EXPECT_THAT(err, HasSubstr("2 drawn, 1 failed"));
-        EXPECT_TRUE(Exists(std::string("full.1.") + ending));
-        EXPECT_FALSE(Exists(std::string("full.2.") + ending));
-        EXPECT_TRUE(Exists(std::string("full.3.") + ending));
-        for (const auto& entry : std::filesystem::directory_iterator(folder_.Path())) {
-            EXPECT_THAT(entry.path().filename().string(), Not(StartsWith("."))) << "a half file";
-        }
-    }
-}
-
 TEST_F(CliSequenceProgress, AnInterruptionEndsAtOnceAndLeavesWholeFiles) {
     // Large enough to be interrupted in the middle of a write.
     WriteLayer(folder_ / "large.png", 1500, 1500, {255, 200, 100, 50});

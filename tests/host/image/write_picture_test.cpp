@@ -9,7 +9,6 @@
 #include <cmath>
 
 #include "host/image/picture.h"
-#include "host/image/temporary_file.h"
 #include "tests/host/image/picture_files.h"
 
 namespace {
@@ -176,53 +175,6 @@ TEST(WritePicture, AnEmptyPictureIsRefused) {
     ASSERT_FALSE(written);
     EXPECT_THAT(written.Error().sentence, HasSubstr("there is nothing in the picture"));
     EXPECT_EQ(folder.Entries(), 0);
-}
-
-TEST(TemporaryFile, GoesWithItsOwner) {
-    const Folder folder;
-    {
-        const TemporaryFile temporary(folder / "a.png");
-        EXPECT_EQ(temporary.Name().parent_path(), folder.Path());
-        EXPECT_EQ(temporary.Name().extension(), ".png");
-        EXPECT_NE(temporary.Name(), folder / "a.png");
-        WriteBytes(temporary.Name(), "half");
-    }
-    EXPECT_EQ(folder.Entries(), 0);
-}
-
-TEST(TemporaryFile, TakesItsPlaceWhole) {
-    const Folder folder;
-    {
-        TemporaryFile temporary(folder / "a.png");
-        WriteBytes(temporary.Name(), "whole");
-        ASSERT_TRUE(temporary.PutInPlace());
-    }
-    EXPECT_EQ(ReadBytes(folder / "a.png"), "whole");
-    EXPECT_EQ(folder.Entries(), 1);
-}
-
-TEST(TemporaryFile, KeepsTheOldFileWhenItsPlaceIsTaken) {
-    const Folder folder;
-    std::filesystem::create_directories(folder / "a.png/inside");
-    {
-        TemporaryFile temporary(folder / "a.png");
-        WriteBytes(temporary.Name(), "whole");
-        const auto put = temporary.PutInPlace();
-        ASSERT_FALSE(put);
-        EXPECT_EQ(put.Error().code, ExitCode::kFile);
-    }
-    EXPECT_EQ(folder.Entries(), 1);
-}
-
-TEST(TemporaryFile, AnInterruptionRemovesThemAll) {
-    const Folder folder;
-    const TemporaryFile first(folder / "a.png");
-    const TemporaryFile second(folder / "b.png");
-    WriteBytes(first.Name(), "half");
-    WriteBytes(second.Name(), "half");
-    WriteBytes(folder / "c.png", "whole");
-    RemoveTemporaryFiles();
-    EXPECT_EQ(folder.Entries(), 1);
 }
 
 }  // namespace

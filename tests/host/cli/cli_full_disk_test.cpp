@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// Pictures that do not fit: on a disk that is full, and where files may not be as large as they would be.
+
+#include "tests/host/cli/sequence_fixture.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+constexpr const char* kEndings[] = {"png", "exr", "tif", "jpg"};
+
+class CliFullDisk : public CliSequence {
+ protected:
+    CliFullDisk() {
+        // Noise, which no format makes small.
+        World noise = World::Create(200, 200, Depth::k8);
+        unsigned state = 1;
+        for (int y = 0; y < 200; ++y) {
+            for (int x = 0; x < 200; ++x) {
+                state = state * 1664525 + 1013904223;
+                Pixel8(noise, x, y) = {255, static_cast<A_u_char>(state >> 24), static_cast<A_u_char>(state >> 16), 1};
+            }
+        }
+        EXPECT_TRUE(WritePicture(folder_ / "in.2.png", noise, {{0, 0, 200, 200}, 200, 200}));
+        std::filesystem::create_directory(folder_ / "disk");
+    }
+    /// The program's command line for a shell, with its outputs in files.
+    std::string Command(const std::string& output, const std::vector<std::string>& more,
+                        const std::string& input = "in.@.png") const {
+        std::string command = Quoted(UMBRANT_PROGRAM);
+        for (const std::string& argument : Arguments(input, output, more)) command += " " + Quoted(argument);
+        return command + " >out.txt 2>err.txt";
+    }
+    int Bash(const std::string& script) const {
+        const int status = std::system(("cd " + Quoted(folder_.Path().string()) + " && " + script).c_str());
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    /// A shell that sees a disk of 16 KiB in the folder "disk"; nothing outside of it does. Empty, with the reason in
+    /// `whyNot`, where this user may not have one.
+    std::string OnSmallDisk(const std::string& script) {
+        const std::string mount = "mount -t tmpfs -o size=16k tmpfs disk";
+        for (const char* shell : {"unshare -m bash -c ", "unshare -rm bash -c "}) {
+            if (Bash(shell + Quoted(mount) + " 2>why.txt") == 0) return shell + Quoted(mount + " && " + script);
+        }
+        whyNot = "no disk of a limited size can be mounted here: " + ReadBytes(folder_ / "why.txt");
+        return "";
+    }
+
+    std::string whyNot;
+};
+
+TEST_F(CliFullDisk, AFullDiskFailsAFrameAndLeavesNoHalfFile) {
+    for (const char* ending : kEndings) {
+        SCOPED_TRACE(ending);
+        const std::string output = std::string("disk/full.@.") + ending;
+        // What is on the disk is seen by the shell alone.
+        const std::string script = OnSmallDisk(Command(output, {"--frames", "1-3", "--keep-going", "--threads", "1"}) +
+                                               "; code=$?; ls -A disk >list.txt; exit $code");
+        if (script.empty()) GTEST_SKIP() << whyNot;
+        EXPECT_EQ(Bash(script), 1);
+        const std::string err = ReadBytes(folder_ / "err.txt");
+        EXPECT_THAT(err, HasSubstr(std::string("umbrant: frame 2: cannot write 'disk/full.2.") + ending +
+                                   "': No space left on device\n"));
+        EXPECT_THAT(err, HasSubstr("2 drawn, 1 failed"));
+        EXPECT_EQ(ReadBytes(folder_ / "list.txt"), std::string("full.1.") + ending + "\nfull.3." + ending + "\n")
+            << "the others are there, and no half file";
+    }
+}
+
+TEST_F(CliFullDisk, WithoutKeepGoingItEndsWithThree) {
+    for (const char* ending : kEndings) {
+        SCOPED_TRACE(ending);
+        const std::string output = std::string("disk/full.") + ending;
+        const std::string single =
+            OnSmallDisk(Command(output, {}, "in.2.png") + "; code=$?; ls -A disk >list.txt; exit $code");
+        if (single.empty()) GTEST_SKIP() << whyNot;
+        EXPECT_EQ(Bash(single), 3);
+        EXPECT_EQ(ReadBytes(folder_ / "err.txt"), "umbrant: cannot write '" + output + "': No space left on device\n");
+        EXPECT_EQ(ReadBytes(folder_ / "list.txt"), "");
+    }
+    const std::string many = OnSmallDisk(Command("disk/full.@.png", {"--frames", "2-3", "--threads", "1"}));
+    EXPECT_EQ(Bash(many), 3);
+}
+
+TEST_F(CliFullDisk, AnOldPictureStays) {
+    const std::string script = OnSmallDisk("cp in.1.png disk/full.png && " + Command("disk/full.png", {}, "in.2.png") +
+                                           "; code=$?; cmp in.1.png disk/full.png && exit $code");
+    if (script.empty()) GTEST_SKIP() << whyNot;
+    EXPECT_EQ(Bash(script), 3);
+}
+
+TEST_F(CliFullDisk, ALimitOnTheSizeOfFilesIsTheSame) {
+    for (const char* ending : kEndings) {
+        SCOPED_TRACE(ending);
+        const std::string output = std::string("full.@.") + ending;
+        EXPECT_EQ(Bash("bash -c " + Quoted("ulimit -f 8 && " + Command(output, {"--frames", "1-3", "--keep-going"}))),
+                  1);
+        const std::string err = ReadBytes(folder_ / "err.txt");
+        EXPECT_THAT(err, HasSubstr(std::string("umbrant: frame 2: cannot write 'full.2.") + ending + "': "));
+        EXPECT_THAT(err, HasSubstr("2 drawn, 1 failed"));
+        EXPECT_TRUE(Exists(std::string("full.1.") + ending));
+        EXPECT_FALSE(Exists(std::string("full.2.") + ending));
+        EXPECT_TRUE(Exists(std::string("full.3.") + ending));
+        for (const auto& entry : std::filesystem::directory_iterator(folder_.Path())) {
+            EXPECT_THAT(entry.path().filename().string(), Not(StartsWith("."))) << "a half file";
+        }
+    }
+}
+
+}  // namespace
