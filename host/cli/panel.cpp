@@ -19,6 +19,7 @@
 #include "host/image/picture.h"
 #include "host/panel/panel_picture.h"
 #include "host/panel/panel_rows.h"
+#include "host/sequence/frame_numbers.h"
 
 namespace {
 
@@ -32,10 +33,18 @@ constexpr char kExamples[] =
     "  umbrant panel --press about-support/product-page\n"
     "      presses a button: by its group and what its face says, its face alone, its path, or '#3'\n"
     "  umbrant panel --json --set style/shadow-type=inner\n"
-    "      the visible rows, for programs";
+    "      the visible rows, for programs\n"
+    "  umbrant panel -o panel.png --preset moving.json --time 1.5\n"
+    "      the values of a preset, those that move as they are after a second and a half";
+
+constexpr double kLongestTime = 24.0 * 60 * 60;
 
 struct PanelOptions {
     std::string output;
+    std::string preset;
+    double seconds = 0;
+    std::string rate = "24";
+    int zeroFrame = 0;
     std::vector<std::string> settings;
     std::vector<std::string> opened;
     std::vector<std::string> closed;
@@ -115,6 +124,17 @@ Result<Done> WritePanel(EffectSession& session, const OpenedModule& opened, cons
     return Done{};
 }
 
+/// Sets what the preset and the settings say, those that move as they are at the moment.
+Result<Done> SetValues(const PanelOptions& options, EffectSession& session) {
+    const auto rate = ParseRate(options.rate);
+    if (!rate) return rate.Error();
+    AnimatedParams params{session.Params(), {}};
+    if (auto set = ApplyValues(options.preset, options.settings, params); !set) return set;
+    const AnimationClock clock{rate->PerSecond(), static_cast<double>(options.zeroFrame)};
+    session.Params() = params.animation.ValuesAt(params.values, clock.FrameOf(options.seconds), clock);
+    return Done{};
+}
+
 Result<ExitCode> Panel(const PanelOptions& options) {
     if (options.output.empty() && options.press.empty() && !options.json) {
         return Failure{ExitCode::kUsage, "there is nothing to do; give -o FILE, --json or --press BUTTON"};
@@ -125,7 +145,7 @@ Result<ExitCode> Panel(const PanelOptions& options) {
     auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module));
     if (!opened) return opened.Error();
     EffectSession& session = opened->Session();
-    if (auto set = ApplySettings(options.settings, session.Params()); !set) return set.Error();
+    if (auto set = SetValues(options, session); !set) return set.Error();
     if (auto updated = session.UpdateParamsUI(); !updated) return updated.Error();
     for (const std::string& name : options.opened) {
         if (auto twirled = Twirl(session, name, true); !twirled) return twirled.Error();
@@ -154,6 +174,22 @@ Command PanelCommand() {
     command.examples = kExamples;
     command.options = [options](CLI::App& app) {
         app.add_option("-o,--output", options->output, "The picture to write: " + WritableFormats());
+        CLI::Option* preset =
+            app.add_option("--preset", options->preset, "Values and keyframes from a file; a later --set wins")
+                ->type_name("FILE.json");
+        app.add_option("--time", options->seconds, "The moment that the panel shows of what moves")
+            ->check([](const std::string& text) { return OutOfRange(text, 0.0, kLongestTime); })
+            ->needs(preset)
+            ->type_name("SECONDS");
+        app.add_option("--rate", options->rate, "Frames per second of keyframes that count in frames")
+            ->capture_default_str()
+            ->needs(preset)
+            ->type_name("RATE");
+        app.add_option("--zero-frame", options->zeroFrame, "Their frame at time 0")
+            ->check(CLI::Range(-kFarthestFrame, kFarthestFrame))
+            ->capture_default_str()
+            ->needs(preset)
+            ->type_name("FRAME");
         app.add_option("--set", options->settings, "A parameter's value; may be given many times")
             ->type_name("PATH=VALUE")
             ->allow_extra_args(false);

@@ -173,4 +173,50 @@ TEST(CliPanel, AnotherEffectsPanelIsDrawnToo) {
     EXPECT_GT(Read(folder / "panel.png").frameHeight, 28);
 }
 
+TEST(CliPanel, ShowsAPresetAsItIsAtAMoment) {
+    const Folder folder;
+    WriteBytes(folder / "moving.json", R"({ "version": 2, "values": { "style/softness": "12" }, "keyframes": {
+        "style/distance": [ { "frame": 0, "value": 100 }, { "frame": 48, "value": 196 } ] } })");
+    const auto value = [&](const char* name, std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {"panel", "--json", "--open", "all", "--preset", "moving.json"});
+        const Outcome run = RunUmbrant(folder, arguments);
+        EXPECT_EQ(run.code, 0) << run.err;
+        for (const auto& row : nlohmann::json::parse(run.out)) {
+            if (row["name"] == name) return row["value"].get<std::string>();
+        }
+        return std::string("no such row");
+    };
+    EXPECT_THAT(value("Softness", {}), HasSubstr("12"));
+    EXPECT_THAT(value("Distance", {}), HasSubstr("100"));
+    EXPECT_THAT(value("Distance", {"--time", "1"}), HasSubstr("148"));
+    EXPECT_THAT(value("Distance", {"--time", "1", "--rate", "12"}), HasSubstr("124"));
+    EXPECT_THAT(value("Distance", {"--time", "1", "--zero-frame", "12"}), HasSubstr("172"));
+    EXPECT_THAT(value("Distance", {"--time", "9000"}), HasSubstr("196"));
+    EXPECT_THAT(value("Distance", {"--time", "1", "--set", "style/distance=7"}), HasSubstr("7"));
+
+    const struct {
+        const char* name;
+        std::vector<std::string> arguments;
+        int code;
+        const char* sentence;
+    } rows[] = {
+        {"no moment without a preset", {"--time", "1"}, 2, "--time requires --preset"},
+        {"a moment that is none",
+         {"--preset", "moving.json", "--time", "-1"},
+         2,
+         "'-1' is not a number from 0 to 86400"},
+        {"a rate that is none", {"--preset", "moving.json", "--rate", "fast"}, 2, "'fast' is no frame rate"},
+        {"no such file", {"--preset", "none.json"}, 3, "'none.json'"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        std::vector<std::string> arguments = {"panel", "-o", "panel.png"};
+        arguments.insert(arguments.end(), row.arguments.begin(), row.arguments.end());
+        const Outcome run = RunUmbrant(folder, arguments);
+        EXPECT_EQ(run.code, row.code);
+        EXPECT_THAT(run.err, HasSubstr(row.sentence));
+        EXPECT_FALSE(std::filesystem::exists(folder / "panel.png"));
+    }
+}
+
 }  // namespace
