@@ -16,6 +16,7 @@
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
 #include "host/cli/results.h"
+#include "host/cli/sequence_report.h"
 #include "host/cli/settings.h"
 #include "host/image/picture.h"
 #include "host/sequence/frame_numbers.h"
@@ -45,8 +46,8 @@ struct CurvesCommandOptions {
 };
 
 /// Frames that are shown: those that were asked for, or from the first key to the last, whole numbers around them.
-Result<std::vector<int>> ShownFrames(const std::string& asked, const Animation& animation,
-                                     const AnimationClock& clock) {
+Result<std::vector<FrameNumber>> ShownFrames(const std::string& asked, const Animation& animation,
+                                             const AnimationClock& clock) {
     if (!asked.empty()) return ParseFrames(asked);
     double first = std::numeric_limits<double>::infinity();
     double last = -first;
@@ -57,31 +58,34 @@ Result<std::vector<int>> ShownFrames(const std::string& asked, const Animation& 
     if (last - first > 2 * kFarthestFrame) {
         return Failure{ExitCode::kUsage, "the keys lie too far apart to be shown at this rate; give --frames"};
     }
-    std::vector<int> frames;
-    for (double frame = std::floor(first); frame <= std::ceil(last); ++frame) frames.push_back(static_cast<int>(frame));
+    std::vector<FrameNumber> frames;
+    for (double frame = std::floor(first); frame <= std::ceil(last); ++frame)
+        frames.emplace_back(static_cast<int>(frame));
     return frames;
 }
 
-std::string Report(const AnimatedParams& params, const std::vector<int>& frames, const AnimationClock& clock) {
+std::string Report(const AnimatedParams& params, const std::vector<FrameNumber>& frames, const AnimationClock& clock) {
     Json rows = Json::object();
-    for (const int frame : frames) {
-        const ParamSet values = params.animation.ValuesAt(params.values, frame, clock);
+    Json numbers = Json::array();
+    for (const FrameNumber& frame : frames) {
+        numbers.push_back(NumberJson(frame));
+        const ParamSet values = params.animation.ValuesAt(params.values, frame.Value(), clock);
         for (const RowTrack& track : params.animation.Tracks()) {
             const ParamRow& row = params.values.Row(track.row);
             rows[row.path.empty() ? fmt::format("#{}", row.index) : row.path].push_back(values.ValueText(track.row));
         }
     }
-    const Json report{{"framesPerSecond", clock.framesPerSecond}, {"frames", frames}, {"rows", rows}};
+    const Json report{{"framesPerSecond", clock.framesPerSecond}, {"frames", numbers}, {"rows", rows}};
     return report.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
 Result<Done> WriteCurves(const CurvesCommandOptions& options, const AnimatedParams& params,
-                         const std::vector<int>& frames, const AnimationClock& clock) {
+                         const std::vector<FrameNumber>& frames, const AnimationClock& clock) {
     CurvesOptions drawing;
     const auto [first, last] = std::minmax_element(frames.begin(), frames.end());
-    drawing.firstFrame = *first;
+    drawing.firstFrame = first->Value();
     // One frame alone has a plot too.
-    drawing.lastFrame = std::max(*last, *first + 1);
+    drawing.lastFrame = std::max(last->Value(), first->Value() + 1);
     drawing.width = options.width;
     const auto pixels = DrawCurves(params.values, params.animation, clock, drawing);
     if (!pixels) return pixels.Error();

@@ -196,7 +196,7 @@ std::vector<std::string> FrameProgress::NotesOf(std::size_t index) {
     }
     if (previous_) {
         const FrameOutcome& before = *outcomes_[*previous_];
-        const int number = plan_.frames[*previous_].number;
+        const FrameNumber& number = plan_.frames[*previous_].number;
         if (before.layerWidth != outcome.layerWidth || before.layerHeight != outcome.layerHeight) {
             notes.push_back(fmt::format("frame {} is {} x {} where frame {} is {} x {}", frame.number,
                                         outcome.layerWidth, outcome.layerHeight, number, before.layerWidth,
@@ -262,9 +262,12 @@ void FrameProgress::TellCurrent() {
     const auto& [index, current] = *current_.begin();
     const double seconds = Since(current.begin);
     if (seconds < interval_.count()) return;
-    const int number = plan_.frames[index].number;
+    const FrameNumber& number = plan_.frames[index].number;
     if (form_ == ProgressForm::kJson) {
-        Print(Dump({{"event", "stage"}, {"frame", number}, {"stage", StepName(current.step)}, {"seconds", seconds}}));
+        Print(Dump({{"event", "stage"},
+                    {"frame", NumberJson(number)},
+                    {"stage", StepName(current.step)},
+                    {"seconds", seconds}}));
     } else {
         Print(fmt::format("umbrant: {}, for {} now", CurrentText(), DurationText(seconds)));
     }

@@ -154,7 +154,13 @@ Result<ExitCode> Render(const RenderOptions& options) {
     TellRenderer(renderer);
     if (options.verbose) Note(CommandsText(session.Commands()) + RendererText(renderer) + "\n");
 
-    const FrameRequest request = RequestOf(options, *layers);
+    FrameRequest request = RequestOf(options, *layers);
+    if (!opened->params.animation.IsEmpty()) {
+        request.valuesAt = [&opened, &session](const Moment& moment) {
+            const double seconds = static_cast<double>(moment.value) / moment.scale;
+            return opened->params.animation.ValuesAt(session.Params(), opened->clock.FrameOf(seconds), opened->clock);
+        };
+    }
     auto frame = Draw(session, request, progress);
     if (options.verbose) Note(frame ? FrameText(*frame, session) : RefusedText(session));
     if (!frame) return renderer.processor ? frame.Error() : Explain(frame.Error(), session);

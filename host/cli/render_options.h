@@ -14,6 +14,7 @@
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
 #include "host/result.h"
+#include "host/sequence/frame_number.h"
 
 namespace CLI {
 class App;
@@ -88,7 +89,7 @@ double SecondsOfProgress(const SequenceOptions& options);
 Command RenderCommand(const std::shared_ptr<RenderOptions>& options);
 
 /// All frames that the options ask for, in their order, as WholeFrameSet gives them.
-Result<std::vector<int>> FramesOf(const RenderOptions& options);
+Result<std::vector<FrameNumber>> FramesOf(const RenderOptions& options);
 
 /// Whether the options mean a sequence. Fails as ParseFrames and MeansSequence do.
 Result<bool> MeansSequence(const RenderOptions& options);

@@ -115,7 +115,7 @@ std::uint64_t LargestArea(const FrameJob& job, const FirstFrame& first, EffectSe
     for (std::size_t i = 0; i < asked; ++i) {
         const PlannedFrame& frame = job.values ? frames[i * frames.size() / asked] : frames[first.frame];
         std::optional<ParamSet> values;
-        if (job.values) values = job.values(frame, session.Params());
+        if (job.values) values = job.values(frame.number.Value(), session.Params());
         const auto answer = session.PreRender(RequestFor(job, frame, first.layers, values ? &*values : nullptr));
         if (!answer) continue;
         largest = std::max(largest, AreaOf(job.canvas == Canvas::kGrow ? answer->maxRect : answer->resultRect));
@@ -200,14 +200,15 @@ class SequenceRender {
         if (!first->layers.input) return Draw(std::move(*first));
 
         const PlannedFrame& frame = plan_.frames[first->frame];
-        auto opened = OpenWithValues(options_, first->layers.input->width, first->layers.input->height, frame.number);
+        auto opened =
+            OpenWithValues(options_, first->layers.input->width, first->layers.input->height, frame.number.Value());
         if (!opened) return opened.Error();
         renderer_ = DecideRenderer(*wish, ReadGpuStrings(opened->Session().Params()));
         TellRenderer(renderer_);
         if (!opened->params.animation.IsEmpty()) {
             // What the effect itself keeps in its rows stays; only what moves is set for each frame.
-            job_.values = [this, &effect = *opened](const PlannedFrame& each, const ParamSet& params) {
-                return effect.params.animation.ValuesAt(params, each.number, effect.clock);
+            job_.values = [&effect = *opened](double each, const ParamSet& params) {
+                return effect.params.animation.ValuesAt(params, each, effect.clock);
             };
         }
         if (auto started = StartInstances(opened->Session(), *first); !started) return started.Error();
@@ -288,7 +289,8 @@ class SequenceRender {
 
 void AddSequenceOptions(CLI::App& app, SequenceOptions& options) {
     app.add_option("--frames", options.frames,
-                   "Which frames: 1-10, 1-240x2 (every second), 1-100y5 (all but every fifth), 1-100:8 (from coarse to "
+                   "Which frames: 1-10, 1-240x2 (every second), 1-10x0.25 (quarters of frames), 1-100y5 (all but every "
+                   "fifth), 1-100:8 (from coarse to "
                    "fine), several with commas; without it all that INPUT has")
         ->check(Readable(ParseFrames))
         ->type_name("FRAMES");
@@ -344,7 +346,7 @@ Result<bool> MeansSequence(const RenderOptions& options) {
     return MeansSequence(*request);
 }
 
-Result<std::vector<int>> FramesOf(const RenderOptions& options) {
+Result<std::vector<FrameNumber>> FramesOf(const RenderOptions& options) {
     if (auto usable = CheckNoTime(options); !usable) return usable.Error();
     if (!options.compression.empty()) {
         if (auto known = CheckCompression(options.output, options.compression); !known) return known.Error();

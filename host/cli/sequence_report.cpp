@@ -24,8 +24,12 @@ const char* KindName(Kind kind) {
 
 }  // namespace
 
+nlohmann::ordered_json NumberJson(const FrameNumber& frame) {
+    return frame.IsWhole() ? Json(frame.Begun()) : Json(frame.Value());
+}
+
 nlohmann::ordered_json FrameJson(const PlannedFrame& frame, const FrameOutcome& outcome) {
-    Json json{{"frame", frame.number}, {"state", KindName(outcome.kind)}, {"output", frame.output}};
+    Json json{{"frame", NumberJson(frame.number)}, {"state", KindName(outcome.kind)}, {"output", frame.output}};
     if (frame.heldInput) json["heldInput"] = *frame.heldInput;
     if (frame.heldTexture) json["heldTexture"] = *frame.heldTexture;
     if (outcome.failure) {

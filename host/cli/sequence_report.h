@@ -9,6 +9,9 @@
 
 #include "host/cli/frame_progress.h"
 
+/// A whole number where it is one.
+nlohmann::ordered_json NumberJson(const FrameNumber& frame);
+
 /// A frame and what became of it.
 nlohmann::ordered_json FrameJson(const PlannedFrame& frame, const FrameOutcome& outcome);
 

@@ -5,11 +5,15 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <cstdint>
+#include <map>
 #include <new>
 #include <utility>
 
+#include "host/sequence/frame_numbers.h"
 #include "host/sequence/frame_pixels.h"
 
 namespace {
@@ -23,6 +27,54 @@ class Timer {
 
  private:
     std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
+};
+
+/// The frame, whole or not, at a moment.
+double FrameAt(const FramePlan& plan, const Moment& moment) {
+    return plan.zeroFrame + plan.rate.PerSecond() * moment.value / moment.scale;
+}
+
+/// The frame that shows at a moment: the last one that has begun.
+int FrameShownAt(const FramePlan& plan, const Moment& moment) {
+    // Whole numbers, as a rounded quotient could show the frame before: 32 bits times no more than 20, and 32 times 17.
+    const std::int64_t above = std::int64_t{moment.value} * plan.rate.scale;
+    const std::int64_t below = std::int64_t{moment.scale} * plan.rate.step;
+    const std::int64_t since = above / below - (above % below < 0 ? 1 : 0);
+    return static_cast<int>(std::clamp<std::int64_t>(plan.zeroFrame + since, -2 * kFarthestFrame, 2 * kFarthestFrame));
+}
+
+/// The layers that an effect asks for while it draws a frame, each read once for it.
+class OtherTimes {
+ public:
+    OtherTimes(const FramePlan& plan, LayerReader& reader, const FrameLayers& own)
+        : plan_(plan), reader_(reader), own_(own) {}
+
+    Result<MomentLayers> LayersAt(const Moment& moment) {
+        const int number = FrameShownAt(plan_, moment);
+        auto known = read_.find(number);
+        if (known == read_.end()) {
+            PlannedFrame frame;
+            frame.input = plan_.input.ShownAt(number);
+            if (!plan_.texture.path.empty()) frame.texture = plan_.texture.ShownAt(number);
+            frame.inputChanges = plan_.input.pattern.has_value();
+            frame.textureChanges = plan_.texture.pattern.has_value();
+            auto layers = reader_.Read(frame, own_.input->pixels.PixelDepth());
+            if (!layers) {
+                return Failure{layers.Error().code,
+                               fmt::format("the effect asks for frame {}: {}", number, layers.Error().sentence)};
+            }
+            known = read_.emplace(number, std::move(*layers)).first;
+        }
+        const FrameLayers& layers = known->second;
+        return MomentLayers{&layers.input->pixels, layers.input->width, layers.input->height,
+                            layers.texture ? &layers.texture->pixels : nullptr};
+    }
+
+ private:
+    const FramePlan& plan_;
+    LayerReader& reader_;
+    const FrameLayers& own_;
+    std::map<int, FrameLayers> read_;
 };
 
 /// A frame under way.
@@ -83,8 +135,16 @@ class FrameWorker {
         watcher_.Begins(index, FrameStep::kDraw, &session);
         const Timer timer;
         std::optional<ParamSet> values;
-        if (job_.values) values = job_.values(frame, session.Params());
-        auto drawn = session.Render(RequestFor(job_, frame, work.layers, values ? &*values : nullptr));
+        if (job_.values) values = job_.values(frame.number.Value(), session.Params());
+        FrameRequest request = RequestFor(job_, frame, work.layers, values ? &*values : nullptr);
+        OtherTimes others(*job_.plan, reader_, work.layers);
+        request.layersAt = [&](const Moment& moment) { return others.LayersAt(moment); };
+        if (job_.values) {
+            request.valuesAt = [&](const Moment& moment) {
+                return job_.values(FrameAt(*job_.plan, moment), session.Params());
+            };
+        }
+        auto drawn = session.Render(request);
         if (!drawn) return Fail(index, job_.explain ? job_.explain(drawn.Error(), session) : drawn.Error());
         work.outcome.message = drawn->message;
         const World& layer = work.layers.input->pixels;

@@ -56,8 +56,8 @@ struct FrameJob {
     double textureX = 0;  ///< where the texture's top-left lies, in pixels of the full-size layer
     double textureY = 0;
     bool keepGoing = false;  ///< a frame that fails does not end the others
-    /// The values of a frame; without it those of the session that draws it.
-    std::function<ParamSet(const PlannedFrame&, const ParamSet&)> values{};
+    /// The values at a frame, whole or not; without it those of the session that draws it. Safe on every thread.
+    std::function<ParamSet(double frame, const ParamSet&)> values{};
     /// Says an effect's failure in better words.
     std::function<Failure(const Failure&, const EffectSession&)> explain{};
     PipelineShape shape{};

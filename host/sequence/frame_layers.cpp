@@ -38,9 +38,16 @@ Result<Shared> LayerReader::ReadOnce(Kept& kept, const std::string& path, std::o
 }
 
 Result<FrameLayers> LayerReader::Read(const PlannedFrame& frame) {
+    return ReadAs(frame, options_.depth);
+}
+
+Result<FrameLayers> LayerReader::Read(const PlannedFrame& frame, Depth depth) {
+    return ReadAs(frame, depth);
+}
+
+Result<FrameLayers> LayerReader::ReadAs(const PlannedFrame& frame, std::optional<Depth> inputDepth) {
     FrameLayers layers;
-    auto input =
-        frame.inputChanges ? ReadLayer(frame.input, options_.depth) : ReadOnce(input_, frame.input, options_.depth);
+    auto input = frame.inputChanges ? ReadLayer(frame.input, inputDepth) : ReadOnce(input_, frame.input, inputDepth);
     if (!input) return input.Error();
     layers.input = std::move(*input);
     if (frame.texture.empty()) return layers;

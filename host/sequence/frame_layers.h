@@ -41,8 +41,11 @@ class LayerReader {
 
     /// Fails as ReadPicture and LayerOf do.
     Result<FrameLayers> Read(const PlannedFrame& frame);
+    /// The same in this depth, whatever the options say.
+    Result<FrameLayers> Read(const PlannedFrame& frame, Depth depth);
 
  private:
+    Result<FrameLayers> ReadAs(const PlannedFrame& frame, std::optional<Depth> depth);
     /// The picture that was kept last.
     struct Kept {
         std::mutex mutex;

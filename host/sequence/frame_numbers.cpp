@@ -15,7 +15,8 @@
 
 namespace {
 
-constexpr char kForms[] = "write frames as 7, 1-10, 1-240x2, 1-100y5 or 1-100:8, several of them with commas";
+constexpr char kForms[] =
+    "write frames as 7, 1-10, 1-240x2, 1-10x0.25, 1-100y5 or 1-100:8, several of them with commas";
 
 Failure Wrong(std::string_view text, const std::string& reason) {
     return {ExitCode::kUsage, fmt::format("'{}' is no set of frames: {}; {}", text, reason, kForms)};
@@ -36,65 +37,98 @@ std::optional<int> TakeNumber(std::string_view& text) {
     return number;
 }
 
-/// From `first` to `last`, upwards or downwards, every `step`-th.
-std::vector<int> Every(int first, int last, int step) {
-    std::vector<int> frames;
+/// Takes a number with up to four decimals from the front of the text, in parts of a frame; nothing when there is none,
+/// or when it has more.
+std::optional<std::int64_t> TakeParts(std::string_view& text) {
+    const bool isNegative = text.starts_with('-');
+    const auto whole = TakeNumber(text);
+    if (!whole) return std::nullopt;
+    const std::int64_t size = std::abs(std::int64_t{*whole}) * FrameNumber::kParts;
+    std::int64_t decimals = 0;
+    if (text.size() > 1 && text[0] == '.' && std::isdigit(static_cast<unsigned char>(text[1]))) {
+        text.remove_prefix(1);
+        for (int unit = FrameNumber::kParts; !text.empty() && std::isdigit(static_cast<unsigned char>(text[0]));) {
+            if (text[0] != '0' && unit == 1) return std::nullopt;
+            unit = std::max(unit / 10, 1);
+            decimals += (text[0] - '0') * unit;
+            text.remove_prefix(1);
+        }
+    }
+    return isNegative ? -size - decimals : size + decimals;
+}
+
+/// From `first` to `last`, upwards or downwards, every `step`; all in parts.
+std::vector<std::int64_t> Every(std::int64_t first, std::int64_t last, std::int64_t step) {
+    std::vector<std::int64_t> frames;
     const int direction = first <= last ? 1 : -1;
-    for (int frame = first; (last - frame) * direction >= 0; frame += direction * step) frames.push_back(frame);
+    for (std::int64_t frame = first; (last - frame) * direction >= 0; frame += direction * step)
+        frames.push_back(frame);
     return frames;
 }
 
 /// All, beginning with every `step`-th; the steps are halved until nothing is left out.
-std::vector<int> CoarseToFine(int first, int last, int step) {
-    std::vector<int> frames;
-    std::set<int> seen;
+std::vector<std::int64_t> CoarseToFine(std::int64_t first, std::int64_t last, std::int64_t step) {
+    std::vector<std::int64_t> frames;
+    std::set<std::int64_t> seen;
     for (; step > 0; step /= 2) {
-        for (const int frame : Every(first, last, step)) {
+        for (const std::int64_t frame : Every(first, last, step * FrameNumber::kParts)) {
             if (seen.insert(frame).second) frames.push_back(frame);
         }
     }
     return frames;
 }
 
-std::vector<int> AllBut(int first, int last, int step) {
-    std::vector<int> frames = Every(first, last, 1);
-    std::erase_if(frames, [&](int frame) { return (frame - first) % step == 0; });
+std::vector<std::int64_t> AllBut(std::int64_t first, std::int64_t last, std::int64_t step) {
+    std::vector<std::int64_t> frames = Every(first, last, FrameNumber::kParts);
+    std::erase_if(frames, [&](std::int64_t frame) { return (frame - first) % (step * FrameNumber::kParts) == 0; });
     return frames;
 }
 
-/// One part between two commas.
-Result<std::vector<int>> ParsePart(std::string_view whole, std::string_view text) {
+/// One part between two commas, in parts of a frame.
+Result<std::vector<std::int64_t>> ParsePart(std::string_view whole, std::string_view text) {
+    constexpr std::int64_t kFrame = FrameNumber::kParts;
     const std::string_view part = Trimmed(text);
     std::string_view rest = part;
     if (part.empty()) return Wrong(whole, "there is nothing beside a comma");
-    const auto first = TakeNumber(rest);
-    if (!first) return Wrong(whole, fmt::format("'{}' does not begin with a frame", part));
+    const auto first = TakeParts(rest);
+    if (!first) return Wrong(whole, fmt::format("'{}' does not begin with a frame of up to four decimals", part));
     auto last = first;
     if (rest.starts_with('-')) {
         rest.remove_prefix(1);
-        last = TakeNumber(rest);
+        last = TakeParts(rest);
         if (!last) return Wrong(whole, fmt::format("'{}' does not say where it ends", part));
     }
-    for (const int frame : {*first, *last}) {
-        if (std::abs(frame) <= kFarthestFrame) continue;
-        return Wrong(whole, fmt::format("frame {} is not between {} and {}", frame, -kFarthestFrame, kFarthestFrame));
+    for (const std::int64_t frame : {*first, *last}) {
+        if (std::abs(frame) <= kFarthestFrame * kFrame) continue;
+        return Wrong(whole, fmt::format("frame {} is not between {} and {}", FrameNumber::OfParts(frame),
+                                        -kFarthestFrame, kFarthestFrame));
     }
-    if (rest.starts_with('.')) return Wrong(whole, "frames are whole numbers");
-    if (rest.empty()) return Every(*first, *last, 1);
+    if (rest.empty()) return Every(*first, *last, kFrame);
 
     const char kind = rest.front();
     if (kind != 'x' && kind != 'y' && kind != ':') return Wrong(whole, fmt::format("'{}' means nothing here", rest));
     rest.remove_prefix(1);
-    auto step = TakeNumber(rest);
-    if (rest.starts_with('.')) return Wrong(whole, "frames are whole numbers");
-    if (!step || *step < 1 || !rest.empty()) {
+    auto step = TakeParts(rest);
+    if (kind == 'x' && step && *step > 0 && rest.empty()) {
+        if (std::abs(*last - *first) / *step >= kMostFrames) {
+            return Wrong(whole, fmt::format("'{}' has more than {} frames", part, kMostFrames));
+        }
+        return Every(*first, *last, *step);
+    }
+    if (kind == 'x') {
+        return Wrong(whole, fmt::format("in '{}' a number above 0 of up to four decimals belongs after the 'x'", part));
+    }
+    if (!step || *step < kFrame || *step % kFrame != 0 || !rest.empty()) {
         return Wrong(whole, fmt::format("in '{}' a whole number of at least 1 belongs after the '{}'", part, kind));
     }
-    step = std::min(*step, 2 * kFarthestFrame + 1);
+    step = std::min<std::int64_t>(*step / kFrame, kMostFrames);
     if (kind == 'y' && *step == 1) return Wrong(whole, fmt::format("'{}' leaves no frame", part));
-    return kind == 'x'   ? Every(*first, *last, *step)
-           : kind == 'y' ? AllBut(*first, *last, *step)
-                         : CoarseToFine(*first, *last, *step);
+    return kind == 'y' ? AllBut(*first, *last, *step) : CoarseToFine(*first, *last, *step);
+}
+
+/// Whether `next` is the whole frame after a whole one: what a range without a step goes on with.
+bool Follows(const FrameNumber& frame, const FrameNumber& next) {
+    return frame.IsWhole() && next.Parts() - frame.Parts() == FrameNumber::kParts;
 }
 
 /// A rate's numerator or its decimal form, or nothing.
@@ -108,24 +142,27 @@ std::optional<double> Decimal(std::string_view text) {
 
 }  // namespace
 
-Result<std::vector<int>> ParseFrames(std::string_view text) {
-    std::vector<int> frames;
-    std::set<int> seen;
+Result<std::vector<FrameNumber>> ParseFrames(std::string_view text) {
+    std::vector<FrameNumber> frames;
+    std::set<std::int64_t> seen;
     std::string_view rest = text;
     for (bool more = true; more;) {
         const std::size_t comma = rest.find(',');
         more = comma != std::string_view::npos;
         const auto part = ParsePart(text, rest.substr(0, comma));
         if (!part) return part.Error();
-        for (const int frame : *part) {
-            if (seen.insert(frame).second) frames.push_back(frame);
+        for (const std::int64_t frame : *part) {
+            if (seen.insert(frame).second) frames.push_back(FrameNumber::OfParts(frame));
+        }
+        if (frames.size() > static_cast<std::size_t>(kMostFrames)) {
+            return Wrong(text, fmt::format("it has more than {} frames", kMostFrames));
         }
         if (more) rest.remove_prefix(comma + 1);
     }
     return frames;
 }
 
-std::string FramesText(std::vector<int> frames) {
+std::string FramesText(std::vector<FrameNumber> frames) {
     constexpr int kRuns = 8;
     std::sort(frames.begin(), frames.end());
     std::string text;
@@ -133,20 +170,20 @@ std::string FramesText(std::vector<int> frames) {
     for (std::size_t i = 0; i < frames.size();) {
         if (runs++ == kRuns) return text + fmt::format(" and {} more", frames.size() - i);
         std::size_t end = i + 1;
-        while (end < frames.size() && frames[end] == frames[end - 1] + 1) ++end;
+        while (end < frames.size() && Follows(frames[end - 1], frames[end])) ++end;
         if (!text.empty()) text += ", ";
-        text += std::to_string(frames[i]);
+        text += frames[i].Text();
         if (end - i > 1) text += fmt::format("{}{}", end - i == 2 ? ", " : "-", frames[end - 1]);
         i = end;
     }
     return text;
 }
 
-std::string FrameSetText(const std::vector<int>& frames) {
+std::string FrameSetText(const std::vector<FrameNumber>& frames) {
     std::string text;
     for (std::size_t i = 0; i < frames.size();) {
         std::size_t end = i + 1;
-        while (end < frames.size() && frames[end] == frames[end - 1] + 1) ++end;
+        while (end < frames.size() && Follows(frames[end - 1], frames[end])) ++end;
         text += fmt::format("{}{}", text.empty() ? "" : ",", frames[i]);
         if (end - i > 1) text += fmt::format("-{}", frames[end - 1]);
         i = end;

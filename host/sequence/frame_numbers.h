@@ -9,6 +9,7 @@
 //   1-10y3        the others: 2 3 5 6 8 9
 //   1-10:4        all, from coarse to fine: 1 5 9, 3 7, 2 4 6 8 10
 //   7, -3, -10--5 single frames and frames below zero; parts are joined with commas
+//   1-2x0.25      between frames: 1 1.25 1.5 1.75 2; also 7.5
 
 #include <cstddef>
 #include <string>
@@ -17,21 +18,25 @@
 #include <vector>
 
 #include "host/result.h"
+#include "host/sequence/frame_number.h"
 #include "hostapi/basic_types.h"
 
 /// No frame lies further from zero than this.
 inline constexpr int kFarthestFrame = 999999;
 
+/// No set has more frames than this.
+inline constexpr int kMostFrames = 2 * kFarthestFrame + 1;
+
 /// The frames in the order in which they are written, each once: where a frame comes up again it is left out. Fails
 /// with `ExitCode::kUsage`.
-Result<std::vector<int>> ParseFrames(std::string_view text);
+Result<std::vector<FrameNumber>> ParseFrames(std::string_view text);
 
 /// Frames as a person reads them, in rising order: "1-4, 7, 9-12"; of more than a few runs only the first ones, and
 /// how many are left.
-std::string FramesText(std::vector<int> frames);
+std::string FramesText(std::vector<FrameNumber> frames);
 
 /// Frames as ParseFrames reads them, in their order: "1-4,7,9-12".
-std::string FrameSetText(const std::vector<int>& frames);
+std::string FrameSetText(const std::vector<FrameNumber>& frames);
 
 /// One of several parts of a set.
 struct Chunk {

@@ -120,8 +120,8 @@ Result<std::optional<FramePattern>> FramePattern::Find(const std::string& path) 
     return std::optional(pattern);
 }
 
-std::string FramePattern::PathOf(int frame) const {
-    return fmt::format("{}{:0{}d}{}", before_, frame, width_, after_);
+std::string FramePattern::PathOf(const FrameNumber& frame) const {
+    return before_ + frame.Text(width_) + after_;
 }
 
 std::optional<int> FramePattern::FrameOf(std::string_view fileName) const {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "host/result.h"
+#include "host/sequence/frame_number.h"
 
 /// A path with one frame field in the name of the file. The field is written as
 ///   #           four digits; ## and longer: as many digits as signs
@@ -25,7 +26,7 @@ class FramePattern {
     static Result<std::optional<FramePattern>> Find(const std::string& path);
 
     /// The path of a frame.
-    std::string PathOf(int frame) const;
+    std::string PathOf(const FrameNumber& frame) const;
     /// The frame whose file name this would be, or nothing.
     std::optional<int> FrameOf(std::string_view fileName) const;
     /// Frames with a file, rising. Empty also when the folder cannot be read.

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <limits>
+#include <numeric>
 #include <set>
 #include <system_error>
 
@@ -23,18 +24,10 @@ bool IsFile(const std::string& path) {
     return fs::exists(path, error);
 }
 
-/// A picture, or one for each frame.
-struct Source {
-    std::string path;
-    std::optional<FramePattern> pattern;
-    std::vector<int> onDisk;
-    int offset = 0;
-};
-
 /// An existing file of the very name is that file, whatever signs its name has; and an @ is a sign like any other
 /// unless there is a sequence behind it.
-Result<Source> SourceOf(const std::string& path, int offset) {
-    Source source{path, {}, {}, offset};
+Result<FrameSource> SourceOf(const std::string& path, int offset) {
+    FrameSource source{path, {}, {}, offset};
     if (path.empty() || IsFile(path)) return source;
     auto pattern = FramePattern::Find(path);
     if (!pattern) return pattern.Error();
@@ -51,7 +44,7 @@ struct Found {
     bool exists = true;
 };
 
-Found FindFrame(const Source& source, int frame, MissingFrames missing) {
+Found FindFrame(const FrameSource& source, int frame, MissingFrames missing) {
     if (!source.pattern) return {source.path, {}, true};
     const int wanted = frame + source.offset;
     const auto& onDisk = source.onDisk;
@@ -65,15 +58,16 @@ Found FindFrame(const Source& source, int frame, MissingFrames missing) {
 }
 
 /// All frames that are asked for, before they are divided into chunks.
-Result<std::vector<int>> WholeSet(const PlanRequest& request, const Source& input, const Source& texture) {
+Result<std::vector<FrameNumber>> WholeSet(const PlanRequest& request, const FrameSource& input,
+                                          const FrameSource& texture) {
     if (request.frames) return *request.frames;
-    for (const Source* source : {&input, &texture}) {
+    for (const FrameSource* source : {&input, &texture}) {
         if (!source->pattern) continue;
         if (source->onDisk.empty()) {
             return Failure{ExitCode::kFile, fmt::format("cannot read '{}': no file has such a name", source->path)};
         }
-        std::vector<int> frames = source->onDisk;
-        for (int& frame : frames) frame -= source->offset;
+        std::vector<FrameNumber> frames;
+        for (const int frame : source->onDisk) frames.emplace_back(frame - source->offset);
         return frames;
     }
     return Failure{ExitCode::kUsage, "there is no sequence; say which frames to draw with --frames"};
@@ -84,7 +78,7 @@ std::string WithField(const fs::path& path) {
     return (path.parent_path() / (path.stem().string() + ".####" + path.extension().string())).string();
 }
 
-Result<std::optional<FramePattern>> OutputPattern(const PlanRequest& request, const std::vector<int>& frames) {
+Result<std::optional<FramePattern>> OutputPattern(const PlanRequest& request, const std::vector<FrameNumber>& frames) {
     auto pattern = FramePattern::Find(request.output);
     if (!pattern) return pattern;
     if (!*pattern && frames.size() > 1) {
@@ -119,27 +113,49 @@ Result<Done> CheckOutputs(const std::vector<PlannedFrame>& frames) {
     return frames.empty() ? Result<Done>(Done{}) : CheckWritable(frames.front().output);
 }
 
-/// Times must be whole numbers of 32 bits.
-Result<Done> CheckTimes(const std::vector<int>& frames, const PlanRequest& request) {
-    for (const int frame : frames) {
-        const std::int64_t time = (std::int64_t{frame} - request.zeroFrame) * request.rate.step;
-        if (std::abs(time) + request.rate.step <= std::numeric_limits<A_long>::max()) continue;
+/// Tells frames' times in a unit that each of them is a whole number of.
+struct FrameTimes {
+    std::int64_t common = FrameNumber::kParts;  ///< parts of a frame that every frame is a multiple of
+    FrameRate asked{};
+    FrameRate finest{};  ///< the same rate, in units of `common` parts
+    int zeroFrame = 0;
+
+    std::int64_t TimeOf(const FrameNumber& frame) const {
+        return (frame.Parts() - FrameNumber(zeroFrame).Parts()) / common * asked.step;
+    }
+};
+
+/// Fails unless times are whole numbers of 32 bits.
+Result<FrameTimes> TimesOf(const std::vector<FrameNumber>& frames, const PlanRequest& request) {
+    FrameTimes times{FrameNumber::kParts, request.rate, request.rate, request.zeroFrame};
+    for (const FrameNumber& frame : frames) times.common = std::gcd(times.common, frame.Parts());
+    const std::int64_t finer = FrameNumber::kParts / times.common;
+    const std::int64_t scale = finer * request.rate.scale;
+    const std::int64_t step = finer * request.rate.step;
+    if (scale > std::numeric_limits<A_u_long>::max() || step > std::numeric_limits<A_long>::max()) {
+        return Failure{ExitCode::kUsage, fmt::format("a rate of {}/{} cannot be divided by {}, as these frames ask for",
+                                                     request.rate.scale, request.rate.step, finer)};
+    }
+    times.finest = {static_cast<A_u_long>(scale), static_cast<A_long>(step)};
+    for (const FrameNumber& frame : frames) {
+        if (std::abs(times.TimeOf(frame)) + step <= std::numeric_limits<A_long>::max()) continue;
         return Failure{ExitCode::kUsage,
                        fmt::format("frame {} lies too far from frame {}, which is at time 0, for a rate of {}/{}",
-                                   frame, request.zeroFrame, request.rate.scale, request.rate.step)};
+                                   frame, request.zeroFrame, times.finest.scale, times.finest.step)};
     }
-    return Done{};
+    return times;
 }
 
-PlannedFrame PlanFrame(const PlanRequest& request, const Source& input, const Source& texture, int number) {
+PlannedFrame PlanFrame(const PlanRequest& request, const FrameSource& input, const FrameSource& texture,
+                       const FrameNumber& number) {
     PlannedFrame frame;
     frame.number = number;
-    frame.time = (number - request.zeroFrame) * request.rate.step;
-    const Found layer = FindFrame(input, number, request.missing);
+    // Between two frames of an input the one that has begun is shown.
+    const Found layer = FindFrame(input, number.Begun(), request.missing);
     frame.input = layer.path;
     frame.heldInput = layer.held;
     Found picture;
-    if (!texture.path.empty()) picture = FindFrame(texture, number, request.missing);
+    if (!texture.path.empty()) picture = FindFrame(texture, number.Begun(), request.missing);
     frame.texture = picture.path;
     frame.heldTexture = picture.held;
     if (layer.exists && picture.exists) return frame;
@@ -150,7 +166,7 @@ PlannedFrame PlanFrame(const PlanRequest& request, const Source& input, const So
 }
 
 Result<Done> CheckMissing(const std::vector<PlannedFrame>& frames) {
-    std::vector<int> missing;
+    std::vector<FrameNumber> missing;
     const PlannedFrame* first = nullptr;
     for (const PlannedFrame& frame : frames) {
         if (frame.state != PlannedFrame::State::kMissing) continue;
@@ -171,7 +187,7 @@ Result<Done> CheckMissing(const std::vector<PlannedFrame>& frames) {
 }
 
 /// Every frame of the set, whatever the chunk: another chunk's machine may be writing what this one would read.
-Result<std::vector<PlannedFrame>> WholePlan(const PlanRequest& request) {
+Result<FramePlan> WholePlan(const PlanRequest& request) {
     const auto input = SourceOf(request.input, request.inputOffset);
     if (!input) return input.Error();
     const auto texture = SourceOf(request.texture, request.textureOffset);
@@ -180,18 +196,26 @@ Result<std::vector<PlannedFrame>> WholePlan(const PlanRequest& request) {
     if (!whole) return whole.Error();
     const auto output = OutputPattern(request, *whole);
     if (!output) return output.Error();
-    if (auto reachable = CheckTimes(*whole, request); !reachable) return reachable.Error();
+    const auto times = TimesOf(*whole, request);
+    if (!times) return times.Error();
 
-    std::vector<PlannedFrame> frames;
-    for (const int number : *whole) {
+    FramePlan plan;
+    plan.input = *input;
+    plan.texture = *texture;
+    plan.rate = times->finest;
+    plan.zeroFrame = request.zeroFrame;
+    std::vector<PlannedFrame>& frames = plan.frames;
+    for (const FrameNumber& number : *whole) {
         frames.push_back(PlanFrame(request, *input, *texture, number));
         PlannedFrame& frame = frames.back();
+        frame.time = static_cast<A_long>(times->TimeOf(number));
+        plan.totalTime = std::max(plan.totalTime, frame.time + plan.rate.step);
         frame.output = *output ? (*output)->PathOf(number) : request.output;
         frame.inputChanges = input->pattern && !frame.heldInput;
         frame.textureChanges = texture->pattern && !frame.heldTexture;
     }
     if (auto apart = CheckOutputs(frames); !apart) return apart.Error();
-    return frames;
+    return plan;
 }
 
 }  // namespace
@@ -211,22 +235,24 @@ Result<bool> MeansSequence(const PlanRequest& request) {
                                request.output, request.input)};
 }
 
-Result<std::vector<int>> WholeFrameSet(const PlanRequest& request) {
-    const auto frames = WholePlan(request);
-    if (!frames) return frames.Error();
-    std::vector<int> numbers;
-    for (const PlannedFrame& frame : *frames) numbers.push_back(frame.number);
+std::string FrameSource::ShownAt(int frame) const {
+    return FindFrame(*this, frame, MissingFrames::kHold).path;
+}
+
+Result<std::vector<FrameNumber>> WholeFrameSet(const PlanRequest& request) {
+    const auto plan = WholePlan(request);
+    if (!plan) return plan.Error();
+    std::vector<FrameNumber> numbers;
+    for (const PlannedFrame& frame : plan->frames) numbers.push_back(frame.number);
     return numbers;
 }
 
 Result<FramePlan> PlanFrames(const PlanRequest& request) {
     auto whole = WholePlan(request);
     if (!whole) return whole.Error();
-    std::vector<PlannedFrame>& frames = *whole;
-    FramePlan plan;
-    plan.rate = request.rate;
-    plan.zeroFrame = request.zeroFrame;
-    for (const PlannedFrame& frame : frames) plan.totalTime = std::max(plan.totalTime, frame.time + request.rate.step);
+    FramePlan plan = std::move(*whole);
+    std::vector<PlannedFrame> frames;
+    frames.swap(plan.frames);
     const auto [begin, end] = ChunkRange(frames.size(), request.chunk);
     for (std::size_t i = begin; i < end; ++i) plan.frames.push_back(std::move(frames[i]));
     if (request.skipExisting) {

@@ -25,7 +25,7 @@ struct PlanRequest {
     std::string texture;  ///< the same; empty for none
     std::string output;   ///< a picture or a pattern
     /// The frames; without them all that the input has, or else the texture.
-    std::optional<std::vector<int>> frames{};
+    std::optional<std::vector<FrameNumber>> frames{};
     int inputOffset = 0;    ///< frame f is drawn from the input's frame f + inputOffset
     int textureOffset = 0;  ///< and from the texture's frame f + textureOffset
     MissingFrames missing = MissingFrames::kError;
@@ -36,6 +36,17 @@ struct PlanRequest {
     int zeroFrame = 0;  ///< the frame at time 0
 };
 
+/// Where frames come from: one picture, or one for each.
+struct FrameSource {
+    std::string path;  ///< empty for none
+    std::optional<FramePattern> pattern{};
+    std::vector<int> onDisk{};  ///< of the pattern, rising
+    int offset = 0;             ///< frame f is the pattern's frame f + offset
+
+    /// The file that shows at a frame: its own, else that of the nearest before it, else the first.
+    std::string ShownAt(int frame) const;
+};
+
 struct PlannedFrame {
     enum class State {
         kDraw,
@@ -43,7 +54,7 @@ struct PlannedFrame {
         kSkipped,  ///< the same, and that is to be so
         kExists,   ///< its picture is there already
     };
-    int number = 0;
+    FrameNumber number;
     State state = State::kDraw;
     std::string input;
     std::string texture;  ///< empty for none
@@ -58,9 +69,13 @@ struct PlannedFrame {
 
 struct FramePlan {
     std::vector<PlannedFrame> frames;  ///< of the chunk, in the order of drawing
+    /// As it was asked for, in a unit that every frame is a whole number of: a set with quarters of frames at 24 frames
+    /// a second has 96/4.
     FrameRate rate{};
     int zeroFrame = 0;
     A_long totalTime = 1;  ///< up to the end of the last frame of the whole set; at least one step
+    FrameSource input{};   ///< for times that are no frame's
+    FrameSource texture{};
 };
 
 /// Whether the arguments mean a sequence: frames are given, or the input or the texture is a pattern and no file of
@@ -72,9 +87,9 @@ Result<bool> MeansSequence(const PlanRequest& request);
 /// of the output cannot be written.
 Result<FramePlan> PlanFrames(const PlanRequest& request);
 
-/// All frames of the set, whatever the chunk, for whoever divides them. Fails as PlanFrames does, except that files may be
-/// missing, which may be made before they are needed.
-Result<std::vector<int>> WholeFrameSet(const PlanRequest& request);
+/// All frames of the set, whatever the chunk, for whoever divides them. Fails as PlanFrames does, except that files may
+/// be missing, which may be made before they are needed.
+Result<std::vector<FrameNumber>> WholeFrameSet(const PlanRequest& request);
 
 /// Fails with `ExitCode::kUsage` when both paths lead to one file.
 Result<Done> CheckApart(const std::string& input, const std::string& output);

@@ -37,7 +37,7 @@ PF_InData InDataFor(SessionState& state, FrameRecord* frame) {
 
     const FrameRequest defaults;
     const FrameRequest& request = frame ? frame->request : defaults;
-    const LayerGeometry geometry = frame ? frame->geometry : state.PanelGeometry();
+    const LayerGeometry geometry = frame ? frame->layers.geometry : state.PanelGeometry();
     in.quality = request.quality;
     in.field = request.field;
     in.current_time = request.time;
@@ -47,7 +47,7 @@ PF_InData InDataFor(SessionState& state, FrameRecord* frame) {
     in.time_scale = request.timeScale;
     in.width = geometry.width;
     in.height = geometry.height;
-    in.extent_hint = frame ? frame->layerBounds : PF_LRect{0, 0, geometry.width, geometry.height};
+    in.extent_hint = frame ? frame->layers.layerBounds : PF_LRect{0, 0, geometry.width, geometry.height};
     in.downsample_x = geometry.downsampleX;
     in.downsample_y = geometry.downsampleY;
     return in;

@@ -73,6 +73,20 @@ enum class Canvas {
     kLayer,  ///< the layer's frame is what is asked for
 };
 
+/// A time of the layer: `value` units of 1/`scale` seconds. `scale` is not 0.
+struct Moment {
+    A_long value = 0;
+    A_u_long scale = 1;
+};
+
+/// The pictures of a moment, at the depth and the downsampling of the frame that asks for them.
+struct MomentLayers {
+    const World* layer = nullptr;  ///< not null
+    int layerWidth = 0;            ///< the layer's full size, pixels; 0 takes the world's size
+    int layerHeight = 0;
+    const World* texture = nullptr;  ///< null for none
+};
+
 /// One frame to draw. The worlds must stay as they are until the call returns.
 struct FrameRequest {
     /// The layer's pixels, already downsampled; 8, 16 or 32 bits, which is also the frame's depth. Not null; may be
@@ -94,6 +108,10 @@ struct FrameRequest {
     PF_Quality quality = PF_Quality_HI;
     PF_Field field = PF_Field_FRAME;
     const ParamSet* params = nullptr;  ///< values to draw with; null takes the session's
+    /// What the effect is answered that asks about another time than `time`; without them every time is like it. Called
+    /// during the frame, from any thread, once at a time; the worlds stay until it is drawn. A failure is the frame's.
+    std::function<ParamSet(const Moment&)> valuesAt{};
+    std::function<Result<MomentLayers>(const Moment&)> layersAt{};
 };
 
 /// One command that was sent.

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <set>
+#include <utility>
 
 #include "host/session/error_names.h"
 #include "host/session/frame_record.h"
@@ -101,6 +102,7 @@ std::optional<Failure> SendPreRender(FrameRecord& frame, const PF_LRect& region,
     frame.stage = FrameRecord::Stage::kIdle;
     frame.Note(answer);
     suites.insert(answer.suites.begin(), answer.suites.end());
+    if (frame.failure) return frame.failure;
     if (answer.Failed()) return FailureOf(frame.state, answer);
 
     answered.solid = output.solid;
@@ -154,6 +156,7 @@ std::optional<Failure> SendRender(FrameRecord& frame, void* preRenderData, const
     if (watch) watch(frame.output, WorldRole::kOutput, false);
     frame.Note(answer);
     suites.insert(answer.suites.begin(), answer.suites.end());
+    if (frame.failure) return frame.failure;
     if (answer.Failed()) return RenderFailure(frame.state, answer, rect);
 
     if (!frame.outputTaken) {
@@ -164,7 +167,7 @@ std::optional<Failure> SendRender(FrameRecord& frame, void* preRenderData, const
 
 /// What a canvas asks for first.
 PF_LRect FirstRegion(const FrameRecord& frame) {
-    return frame.request.region.value_or(frame.layerBounds);
+    return frame.request.region.value_or(frame.layers.layerBounds);
 }
 
 /// One pass: pre-render for `region`, and render when `drawn` is given and there is something to draw.
@@ -196,21 +199,23 @@ std::optional<Failure> RunPass(SessionState& state, const FrameRequest& request,
 
 }  // namespace
 
+LayersSeen::LayersSeen(MomentLayers shown, const FrameRequest& request) : pictures(std::move(shown)) {
+    const World& layer = *pictures.layer;
+    geometry = {pictures.layerWidth ? pictures.layerWidth : layer.Width(),
+                pictures.layerHeight ? pictures.layerHeight : layer.Height(), request.downsampleX, request.downsampleY};
+    layerBounds = Normalised(BoundsOf(layer.Def()));
+    if (const World* texture = pictures.texture) {
+        const PF_Point& origin = request.textureOrigin;
+        textureBounds = Normalised({origin.x, origin.y, origin.x + texture->Width(), origin.y + texture->Height()});
+    }
+}
+
 FrameRecord::FrameRecord(SessionState& session, const FrameRequest& asked)
     : state(session),
       request(asked),
       ref(&session.services, this),
-      params(asked.params ? *asked.params : session.params) {
-    const World& layer = *request.layer;
-    geometry = {request.layerWidth ? request.layerWidth : layer.Width(),
-                request.layerHeight ? request.layerHeight : layer.Height(), request.downsampleX, request.downsampleY};
-    layerBounds = Normalised(BoundsOf(layer.Def()));
-    if (request.texture) {
-        const PF_Point& origin = request.textureOrigin;
-        textureBounds =
-            Normalised({origin.x, origin.y, origin.x + request.texture->Width(), origin.y + request.texture->Height()});
-    }
-}
+      params(asked.params ? *asked.params : session.params),
+      layers({asked.layer, asked.layerWidth, asked.layerHeight, asked.texture}, asked) {}
 
 void FrameRecord::Note(const Answer& answer) {
     commands.push_back(answer.record);

@@ -6,6 +6,7 @@
 
 #include <list>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 #include "host/compositing/rectangles.h"
@@ -14,12 +15,22 @@
 #include "host/session/session_state.h"
 #include "hostapi/smart_render.h"
 
+/// The layers of a moment, and where they lie.
+struct LayersSeen {
+    LayersSeen(MomentLayers shown, const FrameRequest& request);
+    MomentLayers pictures;
+    LayerGeometry geometry;
+    PF_LRect layerBounds{};
+    PF_LRect textureBounds{};  ///< all zero without a texture
+};
+
 /// A layer that the effect asked for in pre-render.
 struct LayerCheckout {
     A_long id = 0;
     bool isTexture = false;
-    PF_LRect rect{};   ///< what it will get, in downsampled pixels of the layer; all zero for nothing
-    bool out = false;  ///< its pixels are with the effect
+    const World* world = nullptr;  ///< what it is a part of; null for nothing
+    PF_LRect rect{};               ///< what it will get, in downsampled pixels of the layer; all zero for nothing
+    bool out = false;              ///< its pixels are with the effect
     bool used = false;
     World pixels;
 };
@@ -32,15 +43,26 @@ struct FrameRecord {
     const FrameRequest& request;
     EffectRef ref;
     const ParamSet params;
-    LayerGeometry geometry;
-    PF_LRect layerBounds{};
-    PF_LRect textureBounds{};  ///< all zero without a texture
+    const LayersSeen layers;
+
+    /// Times other than the frame's that the effect asked about. `mutex` is to be held for these, and what they return
+    /// stays until the record goes.
+    struct OtherMoment {
+        Moment moment;
+        std::optional<ParamSet> params;
+        std::optional<LayersSeen> layers;
+    };
+    std::list<OtherMoment> moments;
+    const ParamSet& ParamsAt(const Moment& moment);
+    /// Null, with `failure` told, when they cannot be had.
+    const LayersSeen* LayersAt(const Moment& moment);
+    std::optional<Failure> failure;  ///< why the effect was refused what it may have asked for
 
     enum class Stage { kIdle, kPreRender, kRender };
     Stage stage = Stage::kIdle;
     PF_RenderRequest outputRequest{};
     std::list<LayerCheckout> checkouts;
-    std::mutex mutex;  ///< guards the check-outs: an effect may ask from its own threads
+    std::mutex mutex;  ///< guards the check-outs and moments: an effect may ask from its own threads
 
     World output;
     bool outputTaken = false;
@@ -49,6 +71,10 @@ struct FrameRecord {
 
     short BitDepth() const { return static_cast<short>(request.layer->PixelDepth()); }
     void Note(const Answer& answer);
+
+ private:
+    /// The moment's place in `moments`; null for the frame's own.
+    OtherMoment* Other(const Moment& moment);
 };
 
 /// The frame that an effect reference belongs to, when the callback may be made now; null, with a report, otherwise.

@@ -38,23 +38,28 @@ void FillLayer(PF_LayerDef& layer, const World* world, PF_Point origin) {
     layer.dephault = dephault;
 }
 
-/// The picture stands still: every time has the same values.
-PF_Err CheckoutParam(PF_ProgPtr effectRef, PF_ParamIndex index, A_long, A_long, A_u_long timeScale,
+/// Outside of frames the panel stands still: every time has the same values.
+PF_Err CheckoutParam(PF_ProgPtr effectRef, PF_ParamIndex index, A_long time, A_long, A_u_long timeScale,
                      PF_ParamDef* param) {
     SessionState* state = SessionOf(effectRef, "checkout_param");
     if (!state || !param || timeScale == 0) return PF_Err_BAD_CALLBACK_PARAM;
-    const FrameRecord* frame = EffectRef::Of(effectRef, "checkout_param")->frame;
-    const ParamSet& params = frame ? frame->params : state->params;
+    FrameRecord* frame = EffectRef::Of(effectRef, "checkout_param")->frame;
+    const Moment moment{time, timeScale};
+    std::unique_lock<std::mutex> lock;
+    if (frame) lock = std::unique_lock(frame->mutex);
+    const ParamSet& params = frame ? frame->ParamsAt(moment) : state->params;
     if (index < 0 || index >= params.Count()) {
         Report(fmt::format("checkout_param was called for row {}, which does not exist", index));
         return PF_Err_INVALID_INDEX;
     }
-    *param = params.CheckOut(index, frame ? frame->geometry : state->PanelGeometry());
+    *param = params.CheckOut(index, frame ? frame->layers.geometry : state->PanelGeometry());
     if (frame && param->param_type == PF_Param_LAYER) {
+        const LayersSeen* layers = frame->LayersAt(moment);
+        if (!layers) return PF_Err_INVALID_CALLBACK;
         if (index == 0) {
-            FillLayer(param->u.ld, frame->request.layer, {});
+            FillLayer(param->u.ld, layers->pictures.layer, {});
         } else {
-            FillLayer(param->u.ld, frame->request.texture, frame->request.textureOrigin);
+            FillLayer(param->u.ld, layers->pictures.texture, frame->request.textureOrigin);
         }
     }
     Count(Resource::kParam, 1);

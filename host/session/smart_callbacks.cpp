@@ -24,8 +24,7 @@ A_long FullSize(int size, const PF_RationalScale& scale) {
     return static_cast<A_long>(std::lround(static_cast<double>(size) * scale.den / scale.num));
 }
 
-/// The picture stands still: every time has the same pixels.
-PF_Err CheckoutLayer(PF_ProgPtr effectRef, PF_ParamIndex index, A_long id, const PF_RenderRequest* request, A_long,
+PF_Err CheckoutLayer(PF_ProgPtr effectRef, PF_ParamIndex index, A_long id, const PF_RenderRequest* request, A_long time,
                      A_long, A_u_long timeScale, PF_CheckoutResult* result) {
     FrameRecord* frame = FrameOf(effectRef, FrameRecord::Stage::kPreRender, "checkout_layer");
     if (!frame || !request || !result || timeScale == 0) return PF_Err_BAD_CALLBACK_PARAM;
@@ -41,21 +40,24 @@ PF_Err CheckoutLayer(PF_ProgPtr effectRef, PF_ParamIndex index, A_long id, const
         Report(fmt::format("checkout_layer was called with the id {}, which is negative or in use", id));
         return PF_Err_BAD_CALLBACK_PARAM;
     }
+    const LayersSeen* layers = frame->LayersAt({time, timeScale});
+    if (!layers) return PF_Err_INVALID_CALLBACK;
     LayerCheckout checkout;
     checkout.id = id;
     checkout.isTexture = index != 0;
-    const PF_LRect& bounds = checkout.isTexture ? frame->textureBounds : frame->layerBounds;
+    checkout.world = checkout.isTexture ? layers->pictures.texture : layers->pictures.layer;
+    const PF_LRect& bounds = checkout.isTexture ? layers->textureBounds : layers->layerBounds;
     checkout.rect = Intersection(request->rect, bounds);
 
     *result = {};
     result->result_rect = checkout.rect;
     result->max_result_rect = bounds;
     result->par = {1, 1};
-    result->ref_width = frame->geometry.width;
-    result->ref_height = frame->geometry.height;
+    result->ref_width = layers->geometry.width;
+    result->ref_height = layers->geometry.height;
     if (checkout.isTexture) {
-        result->ref_width = FullSize(WidthOf(bounds), frame->geometry.downsampleX);
-        result->ref_height = FullSize(HeightOf(bounds), frame->geometry.downsampleY);
+        result->ref_width = FullSize(WidthOf(bounds), layers->geometry.downsampleX);
+        result->ref_height = FullSize(HeightOf(bounds), layers->geometry.downsampleY);
     }
     frame->checkouts.push_back(std::move(checkout));
     return PF_Err_NONE;
@@ -101,9 +103,8 @@ PF_Err CheckoutLayerPixels(PF_ProgPtr effectRef, A_long id, PF_EffectWorld** pix
     if (!IsEmpty(found->rect)) {
         const TimedCall timed(PixelCall::kFetch);
         const FrameRequest& request = frame->request;
-        const PF_Err error = found->isTexture
-                                 ? CropTo(found->rect, *request.texture, request.textureOrigin, found->pixels)
-                                 : CropTo(found->rect, *request.layer, {}, found->pixels);
+        const PF_Point origin = found->isTexture ? request.textureOrigin : PF_Point{};
+        const PF_Err error = CropTo(found->rect, *found->world, origin, found->pixels);
         if (error) return error;
         Watch(*frame, found->pixels, found->isTexture ? WorldRole::kTexture : WorldRole::kInput, true);
         *pixels = &found->pixels.Def();

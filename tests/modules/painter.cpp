@@ -74,11 +74,32 @@ PF_Err ParamsSetup(PF_InData* in, PF_OutData* out) {
     return PF_Err_NONE;
 }
 
-PF_ParamDef Value(PF_InData* in, PF_ParamIndex index) {
+PF_ParamDef ValueAt(PF_InData* in, PF_ParamIndex index, A_long time, A_u_long scale) {
     PF_ParamDef def{};
-    in->inter.checkout_param(in->effect_ref, index, in->current_time, in->time_step, in->time_scale, &def);
+    in->inter.checkout_param(in->effect_ref, index, time, in->time_step, scale, &def);
     in->inter.checkin_param(in->effect_ref, &def);
     return def;
+}
+
+/// The time that the painter looks at: in one that looks elsewhere as many frames from its own as "Angle" has degrees,
+/// to the quarter of a frame.
+struct LookedAt {
+    A_long time;
+    A_u_long scale;
+};
+
+LookedAt TimeOf(PF_InData* in) {
+#ifdef PAINTER_LOOKS_ELSEWHERE
+    const PF_ParamDef angle = ValueAt(in, PAINTER_ANGLE, in->current_time, in->time_scale);
+    return {4 * in->current_time + (angle.u.ad.value >> 14) * in->time_step, 4 * in->time_scale};
+#else
+    return {in->current_time, in->time_scale};
+#endif
+}
+
+PF_ParamDef Value(PF_InData* in, PF_ParamIndex index) {
+    const LookedAt at = TimeOf(in);
+    return ValueAt(in, index, at.time, at.scale);
 }
 
 PainterFlaw FlawOf(PF_InData* in) {
@@ -108,8 +129,9 @@ PF_Err PreRender(PF_InData* in, PF_PreRenderExtra* extra) {
     if (flaw == FLAW_PRE_RENDER_ERROR) return PF_Err_OUT_OF_MEMORY;
 
     const auto checkout = [&](PF_ParamIndex index, A_long id, PF_CheckoutResult& result) {
-        return extra->cb->checkout_layer(in->effect_ref, index, id, &extra->input->output_request, in->current_time,
-                                         in->time_step, in->time_scale, &result);
+        const LookedAt at = TimeOf(in);
+        return extra->cb->checkout_layer(in->effect_ref, index, id, &extra->input->output_request, at.time,
+                                         in->time_step, at.scale, &result);
     };
     PF_CheckoutResult input{};
     PF_CheckoutResult picture{};

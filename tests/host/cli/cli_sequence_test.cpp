@@ -30,6 +30,7 @@ TEST_F(CliSequence, ChoosesFrames) {
         {"a step", {"--frames", "1-6x2"}, "out.01.png\nout.03.png\nout.05.png\n"},
         {"the rest", {"--frames", "1-6y2"}, "out.02.png\nout.04.png\nout.06.png\n"},
         {"coarse to fine", {"--frames", "1-4:2"}, "out.01.png\nout.03.png\nout.02.png\nout.04.png\n"},
+        {"between frames", {"--frames", "2-3x0.5"}, "out.02.png\nout.02.5.png\nout.03.png\n"},
         {"single ones", {"--frames", "6,2"}, "out.06.png\nout.02.png\n"},
         {"an offset", {"--frames", "-1-0", "--input-offset", "2"}, "out.-1.png\nout.00.png\n"},
         {"a chunk", {"--chunk", "2/3"}, "out.03.png\nout.04.png\n"},

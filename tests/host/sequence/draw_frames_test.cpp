@@ -147,9 +147,9 @@ TEST_F(DrawFramesTest, FilesDependOnNeitherThreadsNorOrder) {
 
 TEST_F(DrawFramesTest, ValuesCanDifferFromFrameToFrame) {
     request.frames = {1, 2, 3};
-    job.values = [](const PlannedFrame& frame, const ParamSet& params) {
+    job.values = [](double frame, const ParamSet& params) {
         ParamSet values = params;
-        EXPECT_TRUE(values.SetFromText("paint/border", std::to_string(frame.number)));
+        EXPECT_TRUE(values.SetFromText("paint/border", std::to_string(frame)));
         return values;
     };
     Draw(2);

@@ -10,11 +10,15 @@ namespace {
 
 using ::testing::HasSubstr;
 
+FrameNumber Quarters(int count) {
+    return FrameNumber::OfParts(std::int64_t{count} * FrameNumber::kParts / 4);
+}
+
 TEST(FrameNumbers, ReadTheWholeGrammar) {
     const struct {
         const char* name;
         const char* text;
-        std::vector<int> frames;
+        std::vector<FrameNumber> frames;
     } rows[] = {
         {"one frame", "7", {7}},
         {"a range", "1-4", {1, 2, 3, 4}},
@@ -37,6 +41,16 @@ TEST(FrameNumbers, ReadTheWholeGrammar) {
         {"a frame that comes again counts once", "1-3,2-5", {1, 2, 3, 4, 5}},
         {"a step beyond the range", "1-10x1000000000", {1}},
         {"the farthest", "-999999,999999", {-999999, 999999}},
+        {"quarters of a frame", "1-2x0.25", {1, Quarters(5), Quarters(6), Quarters(7), 2}},
+        {"quarters downwards", "2-1x0.5", {2, Quarters(6), 1}},
+        {"a frame between frames", "1.5", {Quarters(6)}},
+        {"whole steps from between frames", "0.25-2.75", {Quarters(1), Quarters(5), Quarters(9)}},
+        {"below zero", "-0.5-0.5x0.5", {Quarters(-2), 0, Quarters(2)}},
+        {"both ends below zero", "-2.5--1.75x0.75", {Quarters(-10), Quarters(-7)}},
+        {"a step that does not divide a frame", "1-3x0.75", {1, Quarters(7), Quarters(10)}},
+        {"the others of parts", "0.5-3.5y2", {Quarters(6), Quarters(14)}},
+        {"noughts at the end say nothing", "1.50000000,1.5", {Quarters(6)}},
+        {"the finest", "1-1.0002x0.0001", {1, FrameNumber::OfParts(10001), FrameNumber::OfParts(10002)}},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -59,12 +73,18 @@ TEST(FrameNumbers, TellWhatIsWrong) {
         {"a number too long for anything", "99999999999", "does not begin with a frame"},
         {"an open end", "1-", "'1-' does not say where it ends"},
         {"an unknown sign", "1-10z3", "'z3' means nothing here"},
-        {"no step", "1-10x", "in '1-10x' a whole number of at least 1 belongs after the 'x'"},
+        {"no step", "1-10x", "in '1-10x' a number above 0 of up to four decimals belongs after the 'x'"},
+        {"every nothing", "1-10x0", "a number above 0 of up to four decimals belongs after the 'x'"},
         {"a step of 0", "1-10:0", "a whole number of at least 1 belongs after the ':'"},
         {"a step below 0", "1-10y-2", "a whole number of at least 1 belongs after the 'y'"},
-        {"something after the step", "1-10x2x3", "a whole number of at least 1"},
-        {"a part of a frame", "1-10x0.25", "frames are whole numbers"},
-        {"a frame between frames", "1.5", "frames are whole numbers"},
+        {"something after the step", "1-10x2x3", "a number above 0 of up to four decimals"},
+        {"coarse to fine by parts", "1-10:0.5", "a whole number of at least 1 belongs after the ':'"},
+        {"the others of parts", "1-10y1.5", "a whole number of at least 1 belongs after the 'y'"},
+        {"more decimals than four", "1.00001", "'1.00001' does not begin with a frame of up to four decimals"},
+        {"a point without a number", "1.", "'.' means nothing here"},
+        {"a number without a front", ".5", "'.5' does not begin with a frame"},
+        {"more than memory holds", "1-999x0.0001", "'1-999x0.0001' has more than 1999999 frames"},
+        {"the same in parts", "1-150x0.0001,200-350x0.0001", "it has more than 1999999 frames"},
         {"all but every first", "1-10y1", "'1-10y1' leaves no frame"},
         {"too far", "1-1000000", "frame 1000000 is not between -999999 and 999999"},
     };
@@ -74,8 +94,9 @@ TEST(FrameNumbers, TellWhatIsWrong) {
         ASSERT_FALSE(frames);
         EXPECT_EQ(frames.Error().code, ExitCode::kUsage);
         EXPECT_THAT(frames.Error().sentence, HasSubstr(row.reason));
-        EXPECT_THAT(frames.Error().sentence,
-                    HasSubstr("write frames as 7, 1-10, 1-240x2, 1-100y5 or 1-100:8, several of them with commas"));
+        EXPECT_THAT(
+            frames.Error().sentence,
+            HasSubstr("write frames as 7, 1-10, 1-240x2, 1-10x0.25, 1-100y5 or 1-100:8, several of them with commas"));
     }
 }
 
@@ -141,6 +162,36 @@ TEST(FrameRates, AreFractions) {
                                                 "' is no frame rate: write frames per second from 0.1 to 1000, as 24, "
                                                 "29.97 or 30000/1001");
     }
+}
+
+TEST(FrameNumbers, AreWrittenAsTheyAreRead) {
+    const struct {
+        const char* name;
+        FrameNumber frame;
+        int width;
+        const char* text;
+        int begun;
+    } rows[] = {
+        {"a whole one", 7, 4, "0007", 7},
+        {"between frames", Quarters(29), 4, "0007.25", 7},
+        {"without noughts at its end", Quarters(30), 1, "7.5", 7},
+        {"the finest", FrameNumber::OfParts(70001), 4, "0007.0001", 7},
+        {"below zero", Quarters(-1), 4, "-000.25", -1},
+        {"a whole one below zero", -7, 4, "-007", -7},
+        {"further below zero", Quarters(-30), 1, "-7.5", -8},
+        {"longer than its field", Quarters(4 * 12345 + 2), 4, "12345.5", 12345},
+        {"zero", 0, 3, "000", 0},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(row.frame.Text(row.width), row.text);
+        EXPECT_EQ(row.frame.Begun(), row.begun);
+        EXPECT_EQ(*ParseFrames(row.frame.Text()), std::vector<FrameNumber>{row.frame});
+    }
+    EXPECT_EQ(FramesText({1, 2, 3, Quarters(14), Quarters(18), 5}), "1-3, 3.5, 4.5, 5");
+    const std::vector<FrameNumber> mixed = {3, 4, 5, Quarters(22), 1, -2, -1};
+    EXPECT_EQ(FrameSetText(mixed), "3-5,5.5,1,-2--1");
+    EXPECT_EQ(*ParseFrames(FrameSetText(mixed)), mixed);
 }
 
 }  // namespace

@@ -24,11 +24,11 @@ class FramePlanTest : public testing::Test {
     }
     std::string Path(const std::string& name) const { return (folder_ / name).string(); }
 
-    PlanRequest Request(std::vector<int> frames) const {
+    PlanRequest Request(const std::vector<FrameNumber>& frames) const {
         PlanRequest request;
         request.input = Path("in.@.png");
         request.output = Path("out.#.png");
-        request.frames = std::move(frames);
+        request.frames = frames;
         return request;
     }
     static FramePlan Plan(const PlanRequest& request) {
@@ -46,7 +46,7 @@ class FramePlanTest : public testing::Test {
     }
     static std::vector<int> Numbers(const FramePlan& plan) {
         std::vector<int> numbers;
-        for (const PlannedFrame& frame : plan.frames) numbers.push_back(frame.number);
+        for (const PlannedFrame& frame : plan.frames) numbers.push_back(frame.number.Begun());
         return numbers;
     }
 
@@ -162,7 +162,7 @@ TEST_F(FramePlanTest, ChunksDivideTheFramesInTheirOrder) {
     std::vector<int> frames(7);
     std::iota(frames.begin(), frames.end(), 1);
     Files("in", frames);
-    PlanRequest request = Request(frames);
+    PlanRequest request = Request({frames.begin(), frames.end()});
     std::vector<int> together;
     for (int number = 1; number <= 3; ++number) {
         request.chunk = {number, 3};
@@ -325,6 +325,59 @@ TEST_F(FramePlanTest, ASequenceWithoutAnyFileIsRefused) {
     request.frames.reset();
     EXPECT_EQ(Refused(request).code, ExitCode::kFile);
     EXPECT_EQ(Refused(request).sentence, "cannot read '" + Path("in.#.png") + "': no file has such a name");
+}
+
+TEST_F(FramePlanTest, FramesBetweenFramesHaveExactTimes) {
+    Files("in", {-1, 0, 1, 2});
+    const struct {
+        const char* name;
+        const char* frames;
+        FrameRate rate;
+        FrameRate unit;
+        std::vector<A_long> times;
+    } rows[] = {
+        {"whole ones", "1-2", {24, 1}, {24, 1}, {1, 2}},
+        {"quarters", "1-2x0.25", {24, 1}, {96, 4}, {4, 5, 6, 7, 8}},
+        {"halves at a rate of broadcasting", "1-2x0.5", {30000, 1001}, {60000, 2002}, {2002, 3003, 4004}},
+        {"below zero", "-0.5-0x0.5", {25, 1}, {50, 2}, {-1, 0}},
+        {"tenths of thousands", "0.0001", {24, 1}, {240000, 10000}, {1}},
+        {"of several finenesses", "0.5,0.2", {10, 1}, {100, 10}, {5, 2}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        PlanRequest request = Request(*ParseFrames(row.frames));
+        request.rate = row.rate;
+        const FramePlan plan = Plan(request);
+        EXPECT_EQ(plan.rate, row.unit);
+        std::vector<A_long> times;
+        for (const PlannedFrame& frame : plan.frames) times.push_back(frame.time);
+        EXPECT_EQ(times, row.times);
+        // A chunk tells the same times, whichever frames are in it.
+        request.chunk = {1, static_cast<int>(times.size())};
+        EXPECT_EQ(Plan(request).rate, row.unit);
+        EXPECT_EQ(Plan(request).frames.front().time, times.front());
+    }
+}
+
+TEST_F(FramePlanTest, FramesBetweenFramesShowTheOneThatHasBegun) {
+    Files("in", {-1, 0, 1, 2});
+    const FramePlan plan = Plan(Request(*ParseFrames("-0.5-2x0.5")));
+    std::vector<std::string> inputs, outputs;
+    for (const PlannedFrame& frame : plan.frames) {
+        inputs.push_back(std::filesystem::path(frame.input).filename());
+        outputs.push_back(std::filesystem::path(frame.output).filename());
+    }
+    EXPECT_THAT(inputs, ElementsAre("in.-1.png", "in.0.png", "in.0.png", "in.1.png", "in.1.png", "in.2.png"));
+    EXPECT_THAT(outputs, ElementsAre("out.-000.5.png", "out.0000.png", "out.0000.5.png", "out.0001.png",
+                                     "out.0001.5.png", "out.0002.png"));
+}
+
+TEST_F(FramePlanTest, ARateThatCannotBeDividedIsRefused) {
+    Files("in", {1});
+    PlanRequest request = Request(*ParseFrames("1.0001"));
+    request.rate = {30000000, 100000};
+    EXPECT_EQ(Refused(request).sentence,
+              "a rate of 30000000/100000 cannot be divided by 10000, as these frames ask for");
 }
 
 }  // namespace
