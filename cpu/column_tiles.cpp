@@ -85,7 +85,7 @@ void ColumnTiles::Build(const AlphaPlane& plane, const Bounds& bounds, const Loo
         while (distinct_.end - 1 > distinct_.begin && look.At(distinct_.end - 2) >= look.size - 1) --distinct_.end;
     }
     const auto isEmpty = [&](int row) {
-        const auto above = static_cast<int64_t>(std::floor(look.At(row)));
+        const auto above = TexelAt(look.At(row));
         const int a = EdgeIndex(above, look.size, look.edge);
         const int b = EdgeIndex(above + 1, look.size, look.edge);
         return std::max(a, b) < bounds.rows.begin || std::min(a, b) >= bounds.rows.end;
@@ -110,7 +110,7 @@ void ColumnTiles::BuildTile(const AlphaPlane& plane, const Look& look, int tile,
     for (int row = 0; row < count; ++row) {
         const double at = look.At(first + row);
         const double floor = std::floor(at);
-        const auto index = static_cast<int64_t>(floor);
+        const auto index = TexelAt(at);
         const ptrdiff_t above = ptrdiff_t{EdgeIndex(index, look.size, look.edge)} * plane.width + columns_.begin;
         const ptrdiff_t below = ptrdiff_t{EdgeIndex(index + 1, look.size, look.edge)} * plane.width + columns_.begin;
         const auto fraction = static_cast<float>(at - floor);

@@ -29,7 +29,7 @@ Span TexelsOf(const Placement& place, Span out) {
 // The pixels of `out` that any texel of `texels` reaches.
 Span PixelsOf(const Placement& place, Span out, Span texels) {
     const Stretch stretch(place);
-    const auto texel = [&](int pixel) { return static_cast<int>(std::floor(stretch.At(pixel))); };
+    const auto texel = [&](int pixel) { return TexelAt(stretch.At(pixel)); };
     while (!out.Empty() && texel(out.begin) < texels.begin - 1) ++out.begin;
     while (!out.Empty() && texel(out.end - 1) >= texels.end) --out.end;
     return out;

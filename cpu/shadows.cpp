@@ -158,7 +158,7 @@ AlphaPlane Invert(const myParams& s, const AlphaPlane& layer, float* out) {
     std::vector<Column> columns(static_cast<size_t>(first.fboW));
     for (int x = 0; x < first.fboW; ++x) {
         const double at = lookX.At(x);
-        const auto texel = static_cast<int64_t>(std::floor(at));
+        const auto texel = TexelAt(at);
         columns[static_cast<size_t>(x)] = {EdgeIndex(texel, layer.width, Edge::kClamp),
                                            EdgeIndex(texel + 1, layer.width, Edge::kClamp),
                                            static_cast<float>(at - std::floor(at))};
@@ -173,7 +173,7 @@ AlphaPlane Invert(const myParams& s, const AlphaPlane& layer, float* out) {
     };
     RunTasks(first.fboH, [&](int y, int) {
         const double at = lookY.At(y);
-        const auto texel = static_cast<int64_t>(std::floor(at));
+        const auto texel = TexelAt(at);
         const ptrdiff_t above = ptrdiff_t{EdgeIndex(texel, layer.height, Edge::kClamp)} * layer.width;
         const ptrdiff_t below = ptrdiff_t{EdgeIndex(texel + 1, layer.height, Edge::kClamp)} * layer.width;
         const auto fraction = static_cast<float>(at - std::floor(at));

@@ -128,7 +128,7 @@ void StackDrawer::Memory::StretchColumns(Slot& slot) {
     for (int i = 0; i < out.Size(); ++i) {
         const double at = stretch.At(out.begin + i);
         const double floor = std::floor(at);
-        slot.texels[static_cast<size_t>(i)] = static_cast<int>(floor) - (slot.plan.columns.begin - 1);
+        slot.texels[static_cast<size_t>(i)] = static_cast<int>(TexelAt(at)) - (slot.plan.columns.begin - 1);
         slot.fractions[static_cast<size_t>(i)] = static_cast<float>(at - floor);
     }
 }
@@ -170,15 +170,16 @@ void StackDrawer::Memory::PlaceRows(const Slot& slot, const float* rows, Span ha
         return index < have.begin || index >= have.end ? nothing : rows + (index - have.begin) * slot.pitch;
     };
 
-    int pixel = std::max(plan.outRows.begin,
-                         static_cast<int>(std::floor((texelRows.begin - stretch.offset) / stretch.scale)) - 1);
+    int pixel =
+        std::max(plan.outRows.begin, static_cast<int>(TexelAt((texelRows.begin - stretch.offset) / stretch.scale)) - 1);
     const PlaceColumns place{slot.texels.data(), slot.fractions.data(), plan.outColumns.Size(), stretch.scale <= 1};
     for (; pixel < plan.outRows.end; ++pixel) {
         const double at = stretch.At(pixel);
-        const auto texel = static_cast<int>(std::floor(at));
+        const auto texel = TexelAt(at);
         if (texel < texelRows.begin) continue;
         if (texel >= texelRows.end) break;
-        kernels.mixRows(rowOf(texel), rowOf(int64_t{texel} + 1), static_cast<float>(at - texel), columns, mixed);
+        kernels.mixRows(rowOf(texel), rowOf(texel + 1), static_cast<float>(at - static_cast<double>(texel)), columns,
+                        mixed);
         // Beyond the copy's edge lies its mirror image; beyond what is not 0, nothing.
         mixed[-1] = plan.columns.begin == 0 ? mixed[0] : 0;
         mixed[columns] = plan.columns.end == plan.sample->x.texels ? mixed[columns - 1] : 0;

@@ -18,6 +18,12 @@ int EdgeIndex(int64_t index, int size, Edge edge) {
     return static_cast<int>(phase < size ? phase : period - 1 - phase);
 }
 
+int64_t TexelAt(double place) {
+    constexpr double kFar = 1 << 30;
+    // fmin and fmax answer with the other number when one is none.
+    return static_cast<int64_t>(std::fmax(-kFar, std::fmin(std::floor(place), kFar)));
+}
+
 Span Intersect(Span a, Span b) {
     return {std::max(a.begin, b.begin), std::min(a.end, b.end)};
 }
@@ -76,7 +82,7 @@ void TapFolder::Fold(int output, double centre, const Kernel& kernel, const Look
     for (int i = 0; i < taps; ++i) {
         const double at = start + i * kernel.stride;
         const double floor = std::floor(at);
-        const auto input = static_cast<int64_t>(floor);
+        const auto input = TexelAt(at);
         const int here = EdgeIndex(input, look.size, look.edge);
         const int beyond = EdgeIndex(input + 1, look.size, look.edge);
         const double weight = kernel.weights[static_cast<size_t>(i)];

@@ -15,6 +15,10 @@ enum class Edge { kClamp, kMirror };
 /// The input index that a tap beyond the edge reads. `size` is at least 1.
 int EdgeIndex(int64_t index, int size, Edge edge);
 
+/// The input at or before a place. What is farther away than any picture is wide, and no number, count as such a far
+/// place, so that parameters that are no numbers leave every index defined.
+int64_t TexelAt(double place);
+
 /// Half-open range of rows or columns.
 struct Span {
     int begin = 0;

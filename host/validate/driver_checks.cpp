@@ -13,6 +13,7 @@
 #include <optional>
 #include <thread>
 
+#include "host/validate/process_memory.h"
 #include "host/validate/processes.h"
 #include "host/validate/shim/shim_control.h"
 #include "host/validate/stage.h"
@@ -28,9 +29,6 @@ struct Shim {
     ShimCountFaults countFaults = nullptr;
 
     static Shim Find(Trial& trial) {
-        if (dlsym(RTLD_DEFAULT, "__asan_init") || dlsym(RTLD_DEFAULT, "__tsan_init")) {
-            trial.Skip("a sanitizer stands where the judge's library would");
-        }
         Shim shim;
         shim.setModule = reinterpret_cast<ShimSetModule>(dlsym(RTLD_DEFAULT, kShimSetModule));
         shim.failAllocation = reinterpret_cast<ShimFailAllocation>(dlsym(RTLD_DEFAULT, kShimFailAllocation));
@@ -88,6 +86,7 @@ std::optional<Frame> DrawStyle(Trial& part, Stage& stage, const Variant& variant
 
 /// Every allocation of one style's frame fails in turn. An error is an answer, and so is the picture as it should be.
 void FailAllocationsOf(Trial& part, std::size_t style) {
+    if (SanitizerRuntime()) part.Skip("a sanitizer's allocator stands where the judge's would");
     const Shim shim = Shim::Find(part);
     Stage stage(part);
     stage.Cheapen();

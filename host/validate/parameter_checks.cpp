@@ -195,8 +195,16 @@ void AddPopupItems(std::vector<OddValue>& values, const ParamRow& row) {
     }
 }
 
+/// A count for which an effect may ask for more memory than there is. Without a sanitizer `new` says so by an
+/// exception, with one it ends the process.
+bool IsBeyondMemory(const ParamRow& row, double number) {
+    constexpr double kMany = 1e6;
+    return row.def.param_type == PF_Param_FLOAT_SLIDER && std::abs(number) > kMany && SanitizerRuntime();
+}
+
 void AddNumbers(std::vector<OddValue>& values, const ParamRow& row, const std::vector<double>& numbers) {
     for (const double number : numbers) {
+        if (IsBeyondMemory(row, number)) continue;
         values.push_back({fmt::format("{} at {}", RowName(row), number), row.index,
                           [number](ParamRow& r) { SetNumber(r, number); }});
     }

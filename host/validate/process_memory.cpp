@@ -4,6 +4,7 @@
 #include "host/validate/process_memory.h"
 
 #include <dirent.h>
+#include <dlfcn.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -21,9 +22,29 @@ int EntriesOf(const char* folder) {
     return count;
 }
 
+/// A function of a sanitizer's runtime, or null.
+void* OfSanitizer(std::initializer_list<const char*> names) {
+    for (const char* name : names) {
+        if (void* function = dlsym(RTLD_DEFAULT, name)) return function;
+    }
+    return nullptr;
+}
+
 }  // namespace
 
+std::optional<std::filesystem::path> SanitizerRuntime() {
+    void* start = OfSanitizer({"__asan_init", "__tsan_init"});
+    if (!start) return std::nullopt;
+    Dl_info info{};
+    if (dladdr(start, &info) == 0 || !info.dli_fname) return std::filesystem::path();
+    return std::filesystem::path(info.dli_fname);
+}
+
 long ResidentBytes() {
+    // Declared in <sanitizer/allocator_interface.h>.
+    if (void* function = OfSanitizer({"__sanitizer_get_current_allocated_bytes"})) {
+        return static_cast<long>(reinterpret_cast<std::size_t (*)()>(function)());
+    }
     std::ifstream statm("/proc/self/statm");
     long size = 0, resident = 0;
     statm >> size >> resident;

@@ -4,7 +4,15 @@
 
 // What this process takes of the machine.
 
-/// Bytes of memory in use, shared libraries included; 0 where the system does not tell.
+#include <filesystem>
+#include <optional>
+
+/// Whether the program was built with a sanitizer that watches memory or threads: then the file of its runtime library,
+/// or this program's when it is linked into it.
+std::optional<std::filesystem::path> SanitizerRuntime();
+
+/// Bytes of memory in use, shared libraries included; 0 where the system does not tell. With a sanitizer, which keeps
+/// freed memory for a while, the bytes of its heap that are not freed.
 long ResidentBytes();
 /// Files that are open.
 int OpenFiles();

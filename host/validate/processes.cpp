@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <poll.h>
+#include <pthread.h>
 #include <sched.h>
 #include <spawn.h>
 #include <sys/prctl.h>
@@ -22,6 +23,8 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
+
+#include "host/validate/process_memory.h"
 
 extern char** environ;
 
@@ -110,6 +113,18 @@ void Drain(Child& child) {
     }
 }
 
+/// Gives threads of a fork's child larger stacks than the C library keeps from the parent's: the race checker takes the
+/// parent's threads for alive, and one on the same stack for the same.
+void UseFreshStacks() {
+    pthread_attr_t attributes;
+    if (!SanitizerRuntime() || pthread_getattr_default_np(&attributes) != 0) return;
+    std::size_t size = 0;
+    pthread_attr_getstacksize(&attributes, &size);
+    pthread_attr_setstacksize(&attributes, size + size / 4);
+    pthread_setattr_default_np(&attributes);
+    pthread_attr_destroy(&attributes);
+}
+
 Child ForkPart(const Part& part, const TrialOptions& options, const std::string& output) {
     Child child;
     int ends[2];
@@ -121,6 +136,7 @@ Child ForkPart(const Part& part, const TrialOptions& options, const std::string&
     if (child.process == 0) {
         setpgid(0, 0);
         BecomeChild();
+        UseFreshStacks();
         const int file = open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
         if (file >= 0) {
             dup2(file, STDOUT_FILENO);

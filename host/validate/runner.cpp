@@ -12,6 +12,7 @@
 #include <map>
 
 #include "host/session/effect_session.h"
+#include "host/validate/process_memory.h"
 #include "host/validate/processes.h"
 #include "host/validate/trace.h"
 #include "host/validate/waivers.h"
@@ -40,6 +41,13 @@ std::vector<std::string> ChildArguments(const std::string& id, const TrialOption
     return arguments;
 }
 
+/// The libraries that come before all others: the judge's, but a sanitizer's runtime wants to be the first.
+std::string Preloaded(const TrialOptions& options) {
+    const auto runtime = SanitizerRuntime();
+    const bool isOwnFile = runtime && runtime->string().find(".so") != std::string::npos;
+    return (isOwnFile ? runtime->string() + ":" : "") + options.shim.string();
+}
+
 /// What the child's environment has besides ours. Software OpenGL draws some hundred times slower than the processor
 /// path that a module may have; modules without one do not look at the variable.
 std::vector<std::string> ChildEnvironment(const Check& check, const TrialOptions& options) {
@@ -52,9 +60,12 @@ std::vector<std::string> ChildEnvironment(const Check& check, const TrialOptions
     if (check.needs == Needs::kStrictHeap) {
         environment.push_back("GLIBC_TUNABLES=glibc.malloc.tcache_count=0:glibc.malloc.mxfast=0");
     }
-    if (check.needs == Needs::kShim && !options.shim.empty()) {
-        environment.push_back("LD_PRELOAD=" + options.shim.string());
+    if (SanitizerRuntime()) {
+        // The race checker ends a fork's child that starts threads, unless it is told not to.
+        const char* given = std::getenv("TSAN_OPTIONS");
+        environment.push_back(fmt::format("TSAN_OPTIONS={}:die_after_fork=0", given ? given : ""));
     }
+    if (check.needs == Needs::kShim && !options.shim.empty()) environment.push_back("LD_PRELOAD=" + Preloaded(options));
     return environment;
 }
 

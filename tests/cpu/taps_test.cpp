@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <vector>
 
 namespace {
@@ -24,6 +25,14 @@ TEST(EdgeIndex, ClampsAndMirrors) {
         EXPECT_EQ(EdgeIndex(row.index, 5, Edge::kMirror), row.mirrored) << row.index;
     }
     EXPECT_EQ(EdgeIndex(-7, 1, Edge::kMirror), 0);
+}
+
+TEST(TexelAt, RoundsDownAndEndsFarAwayWithWhatIsNoPlace) {
+    EXPECT_EQ(TexelAt(2.75), 2);
+    EXPECT_EQ(TexelAt(-0.25), -1);
+    EXPECT_EQ(TexelAt(1e300), 1 << 30);
+    EXPECT_EQ(TexelAt(-std::numeric_limits<double>::infinity()), -(1 << 30));
+    EXPECT_EQ(TexelAt(std::numeric_limits<double>::quiet_NaN()), 1 << 30);
 }
 
 TEST(Kernel, WeightsAreTheShadersAndAddUpToTheGain) {

@@ -12,6 +12,7 @@
 
 #include <array>
 #include <fstream>
+#include <mutex>
 #include <optional>
 #include <thread>
 
@@ -42,7 +43,19 @@ std::ostream& operator<<(std::ostream& out, const GLCounts& c) {
                << c.vertexArrays << ", programs " << c.programs << ", shaders " << c.shaders;
 }
 
+// Threads that end delete their objects beside threads that draw.
 GLCounts counts;
+std::mutex countsGuard;
+
+void Count(int GLCounts::*what, int change) {
+    const std::lock_guard lock(countsGuard);
+    counts.*what += change;
+}
+
+GLCounts Counted() {
+    const std::lock_guard lock(countsGuard);
+    return counts;
+}
 
 template <typename Function>
 Function Driver(const char* name) {
@@ -60,59 +73,59 @@ int NonZero(GLsizei n, const GLuint* names) {
 #define COUNTED extern "C" __attribute__((visibility("default")))
 
 COUNTED void APIENTRY glCompileShader(GLuint shader) {
-    ++counts.compiled;
+    Count(&GLCounts::compiled, 1);
     Driver<PFNGLCOMPILESHADERPROC>("glCompileShader")(shader);
 }
 COUNTED void APIENTRY glLinkProgram(GLuint program) {
-    ++counts.linked;
+    Count(&GLCounts::linked, 1);
     Driver<PFNGLLINKPROGRAMPROC>("glLinkProgram")(program);
 }
 COUNTED GLuint APIENTRY glCreateShader(GLenum type) {
-    ++counts.shaders;
+    Count(&GLCounts::shaders, 1);
     return Driver<PFNGLCREATESHADERPROC>("glCreateShader")(type);
 }
 COUNTED void APIENTRY glDeleteShader(GLuint shader) {
-    counts.shaders -= shader != 0;
+    Count(&GLCounts::shaders, -(shader != 0));
     Driver<PFNGLDELETESHADERPROC>("glDeleteShader")(shader);
 }
 COUNTED GLuint APIENTRY glCreateProgram() {
-    ++counts.programs;
+    Count(&GLCounts::programs, 1);
     return Driver<PFNGLCREATEPROGRAMPROC>("glCreateProgram")();
 }
 COUNTED void APIENTRY glDeleteProgram(GLuint program) {
-    counts.programs -= program != 0;
+    Count(&GLCounts::programs, -(program != 0));
     Driver<PFNGLDELETEPROGRAMPROC>("glDeleteProgram")(program);
 }
 COUNTED void APIENTRY glGenTextures(GLsizei n, GLuint* names) {
-    counts.textures += n;
+    Count(&GLCounts::textures, n);
     Driver<PFNGLGENTEXTURESPROC>("glGenTextures")(n, names);
 }
 COUNTED void APIENTRY glDeleteTextures(GLsizei n, const GLuint* names) {
-    counts.textures -= NonZero(n, names);
+    Count(&GLCounts::textures, -NonZero(n, names));
     Driver<PFNGLDELETETEXTURESPROC>("glDeleteTextures")(n, names);
 }
 COUNTED void APIENTRY glGenFramebuffers(GLsizei n, GLuint* names) {
-    counts.framebuffers += n;
+    Count(&GLCounts::framebuffers, n);
     Driver<PFNGLGENFRAMEBUFFERSPROC>("glGenFramebuffers")(n, names);
 }
 COUNTED void APIENTRY glDeleteFramebuffers(GLsizei n, const GLuint* names) {
-    counts.framebuffers -= NonZero(n, names);
+    Count(&GLCounts::framebuffers, -NonZero(n, names));
     Driver<PFNGLDELETEFRAMEBUFFERSPROC>("glDeleteFramebuffers")(n, names);
 }
 COUNTED void APIENTRY glGenBuffers(GLsizei n, GLuint* names) {
-    counts.buffers += n;
+    Count(&GLCounts::buffers, n);
     Driver<PFNGLGENBUFFERSPROC>("glGenBuffers")(n, names);
 }
 COUNTED void APIENTRY glDeleteBuffers(GLsizei n, const GLuint* names) {
-    counts.buffers -= NonZero(n, names);
+    Count(&GLCounts::buffers, -NonZero(n, names));
     Driver<PFNGLDELETEBUFFERSPROC>("glDeleteBuffers")(n, names);
 }
 COUNTED void APIENTRY glGenVertexArrays(GLsizei n, GLuint* names) {
-    counts.vertexArrays += n;
+    Count(&GLCounts::vertexArrays, n);
     Driver<PFNGLGENVERTEXARRAYSPROC>("glGenVertexArrays")(n, names);
 }
 COUNTED void APIENTRY glDeleteVertexArrays(GLsizei n, const GLuint* names) {
-    counts.vertexArrays -= NonZero(n, names);
+    Count(&GLCounts::vertexArrays, -NonZero(n, names));
     Driver<PFNGLDELETEVERTEXARRAYSPROC>("glDeleteVertexArrays")(n, names);
 }
 
@@ -190,13 +203,13 @@ class Endurance : public ::testing::Test {
 };
 
 TEST_F(Endurance, TwoHundredFramesLeaveEverythingAsItWas) {
-    const GLCounts begin = counts;
+    const GLCounts begin = Counted();
     const Balance openBefore = session_->Open();
     // A thread of its own has a context of its own, whatever this program drew before.
     std::thread renderer([&] {
         // Every combination twice: drivers build their variants of the programs at the first draw.
         Draw(24);
-        const GLCounts warm = counts;
+        const GLCounts warm = Counted();
         const long residentBefore = ResidentBytes();
         EXPECT_EQ(warm.compiled - begin.compiled, 10) << "five programs of two shaders; or nothing is counted";
         EXPECT_EQ(warm.linked - begin.linked, 5);
@@ -207,7 +220,7 @@ TEST_F(Endurance, TwoHundredFramesLeaveEverythingAsItWas) {
 
         Draw(200);
         EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR)) << "asked of the thread's own context";
-        EXPECT_EQ(counts, warm);
+        EXPECT_EQ(Counted(), warm);
         EXPECT_EQ(session_->Open(), openBefore) << session_->Open().Text();
         EXPECT_THAT(session_->Misbehaviour(), IsEmpty());
         // One output world of these frames kept each time would make about 30 MiB.
@@ -217,9 +230,9 @@ TEST_F(Endurance, TwoHundredFramesLeaveEverythingAsItWas) {
         }
     });
     renderer.join();
-    EXPECT_EQ(counts.programs, begin.programs) << "the thread's own objects end with it";
-    EXPECT_EQ(counts.buffers, begin.buffers);
-    EXPECT_EQ(counts.vertexArrays, begin.vertexArrays);
+    EXPECT_EQ(Counted().programs, begin.programs) << "the thread's own objects end with it";
+    EXPECT_EQ(Counted().buffers, begin.buffers);
+    EXPECT_EQ(Counted().vertexArrays, begin.vertexArrays);
 }
 
 }  // namespace
