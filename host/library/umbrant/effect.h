@@ -43,7 +43,8 @@ struct EffectOptions {
     /// program, beside the shared library that this library is linked into, or in an installed library folder.
     std::string module;
     Renderer renderer = Renderer::kAuto;
-    /// Presents layers with their "Collapse Transformations" switch on: radial shadows then grow by their softness alone.
+    /// Presents layers with their "Collapse Transformations" switch on: radial shadows then grow by their softness
+    /// alone.
     bool collapsed = false;
     /// Called with the words that the effect has for its user beside a picture that it drew, which it seldom has; on
     /// the thread that draws.
