@@ -150,6 +150,15 @@ double FrameProgress::Seconds() const {
     return Since(begin_);
 }
 
+void FrameProgress::Note(const std::string& sentence) {
+    const std::lock_guard lock(mutex_);
+    if (form_ == ProgressForm::kJson) {
+        Print(Dump({{"event", "note"}, {"note", sentence}}));
+    } else if (form_ != ProgressForm::kQuiet) {
+        Print("umbrant: " + sentence);
+    }
+}
+
 void FrameProgress::Begins(std::size_t frame, FrameStep step, const EffectSession* session) {
     const std::lock_guard lock(mutex_);
     const auto known = current_.find(frame);
@@ -184,12 +193,18 @@ std::vector<std::string> FrameProgress::NotesOf(std::size_t index) {
     const FrameOutcome& outcome = *outcomes_[index];
     std::vector<std::string> notes;
     if (outcome.kind == Kind::kSkipped) {
-        notes.push_back(fmt::format("frame {} is left out: there is no '{}'", frame.number, frame.missing));
+        notes.push_back(fmt::format("frame {} is left out: there is no {}", frame.number, frame.missing));
     }
     if (outcome.bits == 0) return notes;
-    if (frame.heldInput) notes.push_back(fmt::format("frame {} shows '{}'", frame.number, frame.input));
+    const auto named = [](const std::string& path, const std::optional<int>& clipFrame) {
+        return clipFrame ? fmt::format("frame {} of '{}'", *clipFrame, path) : fmt::format("'{}'", path);
+    };
+    if (frame.heldInput) {
+        notes.push_back(fmt::format("frame {} shows {}", frame.number, named(frame.input, frame.inputClipFrame)));
+    }
     if (frame.heldTexture) {
-        notes.push_back(fmt::format("frame {} has the texture '{}'", frame.number, frame.texture));
+        notes.push_back(
+            fmt::format("frame {} has the texture {}", frame.number, named(frame.texture, frame.textureClipFrame)));
     }
     if (!outcome.message.empty()) {
         notes.push_back(fmt::format("frame {}: the effect says: {}", frame.number, outcome.message));

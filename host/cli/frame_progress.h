@@ -60,6 +60,9 @@ class FrameProgress : public FrameWatcher {
     /// A failure is told as it happens, since it does not end the render and is not told in the end.
     void SetKeepsGoing(bool keepsGoing) { keepsGoing_ = keepsGoing; }
 
+    /// Says something about the whole, unless it is to be quiet.
+    void Note(const std::string& sentence);
+
     void Begins(std::size_t frame, FrameStep step, const EffectSession* session) override;
     void Ends(std::size_t frame, const FrameOutcome& outcome) override;
 

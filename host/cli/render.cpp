@@ -121,7 +121,7 @@ RenderFacts FactsOf(const RenderOptions& options, const World& layer) {
     facts.layerHeight = layer.Height();
     facts.depth = static_cast<int>(layer.PixelDepth());
     facts.downsample = options.downsample;
-    facts.canvas = options.canvas;
+    facts.canvas = options.canvas.empty() ? "grow" : options.canvas;
     return facts;
 }
 
@@ -229,7 +229,9 @@ Command RenderCommand(const std::shared_ptr<RenderOptions>& options) {
             ->check(CLI::Range(1, 64))
             ->type_name("N");
         app.add_option("--canvas", options->canvas,
-                       "grow: as large as layer and shadow together (default); layer: the layer's frame")
+                       "grow: as large as layer and shadow together (default); layer: the layer's frame (default of a "
+                       "clip, whose "
+                       "grown frame holds every frame's shadow)")
             ->check(CLI::IsMember({"grow", "layer"}))
             ->type_name("grow|layer");
         app.add_flag(

@@ -20,10 +20,13 @@ namespace CLI {
 class App;
 }
 
+/// As many frames may be drawn at once.
+inline constexpr int kMostThreads = 16;
+
 /// What only sequences have.
 struct SequenceOptions {
     std::string frames;
-    std::string rate = "24";
+    std::string rate;  ///< empty for the clip's, or 24
     int zeroFrame = 0;
     int inputOffset = 0;
     int textureOffset = 0;
@@ -34,6 +37,8 @@ struct SequenceOptions {
     int threads = 0;    ///< 0 takes what suits the machine
     std::string progress;
     bool quiet = false;
+    std::string codec;  ///< of a clip that is written; empty for what suits its extension
+    bool noSound = false;
 };
 
 struct RenderOptions {
@@ -45,7 +50,7 @@ struct RenderOptions {
     std::string textureAt = "0,0";
     int depth = 0;
     int downsample = 1;
-    std::string canvas = "grow";
+    std::string canvas;  ///< empty: the layer's frame for a clip, else grown
     bool collapsed = false;
     double seconds = 0;
     std::string compression;

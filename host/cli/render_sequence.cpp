@@ -5,11 +5,11 @@
 
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
 #include <memory>
 
+#include "host/cli/clip_ends.h"
 #include "host/cli/frame_progress.h"
 #include "host/cli/render_options.h"
 #include "host/cli/results.h"
@@ -19,26 +19,6 @@
 #include "host/session/renderer.h"
 
 namespace {
-
-constexpr int kMostThreads = 16;
-
-std::string Reason(const Failure& failure) {
-    return failure.sentence;
-}
-
-/// The check of an option whose text one of the parsers of frame_numbers.h reads.
-template <typename Parse>
-auto Readable(Parse parse) {
-    return [parse](const std::string& text) {
-        const auto parsed = parse(text);
-        return parsed ? std::string() : Reason(parsed.Error());
-    };
-}
-
-std::string WhyNoProgress(const std::string& text) {
-    if (!text.empty() && ReadProgress(text, false)) return "";
-    return fmt::format("'{}' is neither bar, lines, json nor a number of seconds from 0 to 86400", text);
-}
 
 Result<PlanRequest> RequestOf(const RenderOptions& options) {
     const SequenceOptions& sequence = options.sequence;
@@ -56,7 +36,7 @@ Result<PlanRequest> RequestOf(const RenderOptions& options) {
         if (!chunk) return chunk.Error();
         request.chunk = *chunk;
     }
-    const auto rate = ParseRate(sequence.rate);
+    const auto rate = ParseRate(sequence.rate.empty() ? "24" : sequence.rate);
     if (!rate) return rate.Error();
     request.rate = *rate;
     request.inputOffset = sequence.inputOffset;
@@ -103,35 +83,54 @@ std::uint64_t AreaOf(const PF_LRect& rect) {
     return side(rect.left, rect.right) * side(rect.top, rect.bottom);
 }
 
-/// Pixels of the largest picture that the effect makes of these layers, asked with the values of some of the frames,
-/// which may move. An effect that fails when it is asked will fail in that frame again, and be told of there; its
-/// picture is taken for as large as the layer.
-std::uint64_t LargestArea(const FrameJob& job, const FirstFrame& first, EffectSession& session) {
-    constexpr std::size_t kAsked = 64;
+/// The frame's pixels that the effect makes of these layers, asked with the values of up to `most` of the frames, which
+/// may move, and at least the layer's. An effect that fails when it is asked will fail in that frame again, and be told
+/// of there.
+std::vector<PF_LRect> PicturesOf(const FrameJob& job, const FirstFrame& first, EffectSession& session,
+                                 std::size_t most) {
     const World& layer = first.layers.input->pixels;
     const auto& frames = job.plan->frames;
-    const std::size_t asked = job.values ? std::min(frames.size(), kAsked) : 1;
-    std::uint64_t largest = AreaOf({0, 0, layer.Width(), layer.Height()});
+    const std::size_t asked = job.values ? std::min(frames.size(), most) : 1;
+    std::vector<PF_LRect> pictures = {{0, 0, layer.Width(), layer.Height()}};
     for (std::size_t i = 0; i < asked; ++i) {
         const PlannedFrame& frame = job.values ? frames[i * frames.size() / asked] : frames[first.frame];
         std::optional<ParamSet> values;
         if (job.values) values = job.values(frame.number.Value(), session.Params());
         const auto answer = session.PreRender(RequestFor(job, frame, first.layers, values ? &*values : nullptr));
         if (!answer) continue;
-        largest = std::max(largest, AreaOf(job.canvas == Canvas::kGrow ? answer->maxRect : answer->resultRect));
+        pictures.push_back(job.canvas == Canvas::kGrow ? answer->maxRect : answer->resultRect);
     }
+    return pictures;
+}
+
+std::uint64_t LargestArea(const std::vector<PF_LRect>& pictures) {
+    std::uint64_t largest = 0;
+    for (const PF_LRect& picture : pictures) largest = std::max(largest, AreaOf(picture));
     return largest;
+}
+
+/// The frame of a clip, in which each of its pictures has room; the first picture is the layer.
+PF_LRect ClipCanvas(const FrameJob& job, const std::vector<PF_LRect>& pictures) {
+    PF_LRect all = pictures.front();
+    if (job.canvas == Canvas::kLayer) return all;
+    for (const PF_LRect& one : pictures) {
+        if (AreaOf(one) == 0) continue;
+        all = {std::min(all.left, one.left), std::min(all.top, one.top), std::max(all.right, one.right),
+               std::max(all.bottom, one.bottom)};
+    }
+    return all;
 }
 
 /// What a frame costs, judged by the layers of the first one.
 FrameFootprint Footprint(const FrameJob& job, const FirstFrame& first, EffectSession& session) {
+    constexpr std::size_t kAsked = 64;
     const Layer& layer = *first.layers.input;
     FrameFootprint footprint;
     footprint.file =
         static_cast<std::uint64_t>(layer.width) * static_cast<std::uint64_t>(layer.height) * (layer.bits > 8 ? 16 : 4);
     footprint.layer = BytesOf(layer.pixels);
     if (first.layers.texture) footprint.texture = BytesOf(first.layers.texture->pixels);
-    footprint.outputPixels = LargestArea(job, first, session);
+    footprint.outputPixels = LargestArea(PicturesOf(job, first, session, kAsked));
     footprint.output = footprint.outputPixels * static_cast<std::uint64_t>(BytesPerPixel(layer.pixels.PixelDepth()));
     return footprint;
 }
@@ -176,25 +175,13 @@ struct Instances {
 /// A sequence from its plan to its last picture.
 class SequenceRender {
  public:
-    explicit SequenceRender(const RenderOptions& options)
-        : options_(options),
-          reader_({options.depth == 0    ? std::nullopt
-                   : options.depth == 32 ? std::optional(Depth::k32)
-                                         : std::optional(Depth::k8),
-                   options.downsample, options.compression}) {}
+    explicit SequenceRender(RenderOptions options) : options_(std::move(options)) {}
 
     Result<ExitCode> Run() {
         const auto wish = ReadRendererWish(options_.renderer);
         if (!wish) return wish.Error();
-        const auto request = RequestOf(options_);
-        if (!request) return request.Error();
-        auto planned = PlanFrames(*request);
-        if (!planned) return planned.Error();
-        plan_ = std::move(*planned);
-        if (!options_.compression.empty()) {
-            if (auto known = CheckCompression(options_.output, options_.compression); !known) return known.Error();
-        }
-        auto first = ReadFirst(plan_, reader_, options_.sequence.keepGoing);
+        if (auto planned = Plan(); !planned) return planned.Error();
+        auto first = ReadFirst(plan_, *reader_, options_.sequence.keepGoing);
         if (!first) return first.Error();
         FillJob();
         if (!first->layers.input) return Draw(std::move(*first));
@@ -212,6 +199,7 @@ class SequenceRender {
             };
         }
         if (auto started = StartInstances(opened->Session(), *first); !started) return started.Error();
+        if (auto begun = BeginClip(opened->Session(), *first); !begun) return begun.Error();
         auto outcome = Draw(std::move(*first));
         if (options_.verbose) TellMisbehaviour();
         auto ended = instances_.End();
@@ -220,16 +208,40 @@ class SequenceRender {
     }
 
  private:
+    Result<Done> Plan() {
+        auto request = RequestOf(options_);
+        if (!request) return request.Error();
+        if (auto open = clips_.Open(options_, *request); !open) return open;
+        options_.sequence.rate = fmt::format("{}/{}", request->rate.scale, request->rate.step);
+        auto planned = PlanFrames(*request);
+        if (!planned) return planned.Error();
+        plan_ = std::move(*planned);
+        if (!options_.compression.empty()) {
+            if (auto known = CheckCompression(options_.output, options_.compression); !known) return known;
+        }
+        LayerOptions layers;
+        if (options_.depth != 0) layers.depth = options_.depth == 32 ? Depth::k32 : Depth::k8;
+        layers.downsample = options_.downsample;
+        layers.compression = options_.compression;
+        clips_.Connect(layers);
+        reader_.emplace(std::move(layers));
+        return Done{};
+    }
+
     void FillJob() {
         job_.plan = &plan_;
         job_.downsample = options_.downsample;
-        job_.canvas = options_.canvas == "layer" ? Canvas::kLayer : Canvas::kGrow;
+        const bool grows = options_.canvas == "grow" || (options_.canvas.empty() && !clips_.Writes());
+        job_.canvas = grows ? Canvas::kGrow : Canvas::kLayer;
         std::tie(job_.textureX, job_.textureY) = PlaceOf(options_.textureAt).value_or(std::pair(0.0, 0.0));
         job_.keepGoing = options_.sequence.keepGoing;
         job_.explain = [this](const Failure& failure, const EffectSession& session) {
             return renderer_.processor ? failure : Explain(failure, session);
         };
-        job_.shape = ShapeFor(1);
+        if (clips_.Writes()) {
+            job_.write = [this](const Drawn& drawn, const Placement& place) { return clips_.Write(drawn, place); };
+        }
+        job_.shape = clips_.Shape(ShapeFor(1));
     }
 
     Result<Done> StartInstances(EffectSession& session, const FirstFrame& first) {
@@ -239,7 +251,7 @@ class SequenceRender {
         int drawers = options_.sequence.threads > 0 ? options_.sequence.threads : DrawersFor(machine, footprint);
         drawers = std::min<int>(drawers, static_cast<int>(std::min<std::size_t>(plan_.frames.size(), kMostThreads)));
         if (auto started = instances_.Start(session, drawers); !started) return started;
-        job_.shape = ShapeFor(static_cast<int>(instances_.all.size()));
+        job_.shape = clips_.Shape(ShapeFor(static_cast<int>(instances_.all.size())));
         if (options_.verbose) {
             const PipelineShape& shape = job_.shape;
             std::fputs(
@@ -253,16 +265,28 @@ class SequenceRender {
         return Done{};
     }
 
+    Result<Done> BeginClip(EffectSession& session, const FirstFrame& first) {
+        if (!clips_.Writes()) return Done{};
+        const PF_LRect canvas = ClipCanvas(job_, PicturesOf(job_, first, session, plan_.frames.size()));
+        return clips_.Begin(plan_, canvas, first.layers.input->pixels, !options_.sequence.noSound);
+    }
+
     Result<ExitCode> Draw(FirstFrame first) {
         FrameProgress progress(
             plan_, ReadProgress(options_.sequence.progress, options_.sequence.quiet).value_or(ProgressOptions{}),
-            !options_.json);
+            !options_.json && !clips_.Writes());
         progress.SetKeepsGoing(options_.sequence.keepGoing);
-        DrawFrames(job_, instances_.all, reader_, std::move(first), progress);
+        if (!clips_.Note().empty()) progress.Note(clips_.Note());
+        DrawFrames(job_, instances_.all, *reader_, std::move(first), progress);
         const FrameTotals totals = progress.Finish();
+        if (clips_.Writes() && totals.failed == 0) {
+            const auto finished = clips_.Finish();
+            if (!finished) return finished.Error();
+            if (*finished && !options_.json) PrintResult(options_.output + "\n");
+        }
         if (options_.json) {
             const SequenceFacts facts{options_.input, options_.output, renderer_.Name()};
-            PrintResult(SequenceReport(facts, plan_, job_.shape, progress));
+            PrintResult(SequenceReport(facts, plan_, job_.shape, progress, clips_.Report()));
         }
         if (totals.failed == 0) return ExitCode::kDone;
         if (options_.sequence.keepGoing) return ExitCode::kEffectFailed;
@@ -277,8 +301,9 @@ class SequenceRender {
         }
     }
 
-    const RenderOptions& options_;
-    LayerReader reader_;
+    RenderOptions options_;
+    ClipEnds clips_;
+    std::optional<LayerReader> reader_;
     FramePlan plan_;
     FrameJob job_;
     RendererDecision renderer_;
@@ -287,53 +312,6 @@ class SequenceRender {
 
 }  // namespace
 
-void AddSequenceOptions(CLI::App& app, SequenceOptions& options) {
-    app.add_option("--frames", options.frames,
-                   "Which frames: 1-10, 1-240x2 (every second), 1-10x0.25 (quarters of frames), 1-100y5 (all but every "
-                   "fifth), 1-100:8 (from coarse to "
-                   "fine), several with commas; without it all that INPUT has")
-        ->check(Readable(ParseFrames))
-        ->type_name("FRAMES");
-    app.add_option("--rate", options.rate, "Frames per second, as 24, 29.97 or 30000/1001")
-        ->check(Readable(ParseRate))
-        ->capture_default_str()
-        ->type_name("RATE");
-    app.add_option("--zero-frame", options.zeroFrame, "The frame at time 0")
-        ->check(CLI::Range(-kFarthestFrame, kFarthestFrame))
-        ->capture_default_str()
-        ->type_name("FRAME");
-    app.add_option("--input-offset", options.inputOffset, "Frame f shows the input's frame f + N")
-        ->check(CLI::Range(-kFarthestFrame, kFarthestFrame))
-        ->capture_default_str()
-        ->type_name("N");
-    app.add_option("--texture-offset", options.textureOffset, "Frame f shows the texture's frame f + N")
-        ->check(CLI::Range(-kFarthestFrame, kFarthestFrame))
-        ->capture_default_str()
-        ->needs("--texture")
-        ->type_name("N");
-    app.add_option("--missing", options.missing,
-                   "A frame without a file: error (default) draws nothing at all, hold shows the one before it, skip "
-                   "leaves it out")
-        ->check(CLI::IsMember({"error", "hold", "skip"}))
-        ->type_name("error|hold|skip");
-    app.add_flag("--skip-existing", options.skipExisting, "Leave out frames whose picture is there");
-    app.add_flag("--keep-going", options.keepGoing, "Draw the other frames when one fails; exit code 1 in the end");
-    app.add_option("--chunk", options.chunk, "The I-th of N parts of the frames, for several machines")
-        ->check(Readable(ParseChunk))
-        ->type_name("I/N");
-    app.add_option("--threads", options.threads,
-                   "Frames drawn at once; without it as many as suit the cores, the renderer and the memory")
-        ->check(CLI::Range(1, kMostThreads))
-        ->type_name("N");
-    app.add_option(
-           "--progress", options.progress,
-           "How to tell of the frames: bar on a terminal, else lines; json for programs. Or how often a frame that "
-           "takes long is told about: SECONDS, 0 for never, 10 without it")
-        ->check(WhyNoProgress)
-        ->type_name("bar|lines|json|SECONDS");
-    app.add_flag("--quiet", options.quiet, "Tell of failures alone");
-}
-
 double SecondsOfProgress(const SequenceOptions& options) {
     if (options.quiet) return 0;
     const bool isNumber = options.progress.find_first_not_of("0123456789.") == std::string::npos;
@@ -341,9 +319,18 @@ double SecondsOfProgress(const SequenceOptions& options) {
 }
 
 Result<bool> MeansSequence(const RenderOptions& options) {
+    if (auto fits = CheckClipOptions(options); !fits) return fits.Error();
+    if (IsClipName(options.input) || IsClipName(options.texture)) return true;
     const auto request = RequestOf(options);
     if (!request) return request.Error();
-    return MeansSequence(*request);
+    const auto many = MeansSequence(*request);
+    if (many && !*many && IsClipName(options.output)) {
+        return Failure{ExitCode::kUsage,
+                       fmt::format("'{}' is a clip, but '{}' is a single picture; say which frames to "
+                                   "draw with --frames",
+                                   options.output, options.input)};
+    }
+    return many;
 }
 
 Result<std::vector<FrameNumber>> FramesOf(const RenderOptions& options) {
@@ -351,8 +338,17 @@ Result<std::vector<FrameNumber>> FramesOf(const RenderOptions& options) {
     if (!options.compression.empty()) {
         if (auto known = CheckCompression(options.output, options.compression); !known) return known.Error();
     }
-    const auto request = RequestOf(options);
+    if (IsClipName(options.output)) {
+        return Failure{
+            ExitCode::kUsage,
+            fmt::format("the tasks of a job draw frames with files of their own, and '{}' is one file; let them "
+                        "draw pictures, and then make a clip of those",
+                        options.output)};
+    }
+    auto request = RequestOf(options);
     if (!request) return request.Error();
+    ClipEnds clips;
+    if (auto open = clips.Open(options, *request); !open) return open.Error();
     return WholeFrameSet(*request);
 }
 

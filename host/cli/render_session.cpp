@@ -42,7 +42,7 @@ Result<OpenedEffect> OpenWithValues(const RenderOptions& options, int layerWidth
     about.layerWidth = layerWidth;
     about.layerHeight = layerHeight;
     if (options.collapsed) about.layerFlags |= AEGP_LayerFlag_COLLAPSE;
-    const auto rate = ParseRate(options.sequence.rate);
+    const auto rate = ParseRate(options.sequence.rate.empty() ? "24" : options.sequence.rate);
     if (!rate) return rate.Error();
     auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module), about);
     if (!opened) return opened.Error();

@@ -18,6 +18,7 @@
 #include "host/cli/results.h"
 #include "host/image/temporary_file.h"
 #include "host/session/param_set.h"
+#include "host/video/child_process.h"
 
 namespace {
 
@@ -43,6 +44,8 @@ void Say(const std::string& sentence) {
 }
 
 extern "C" void OnInterrupt(int) {
+    // They may be writing files that are removed then.
+    EndChildProcesses();
     EndTemporaryFiles();
     std::_Exit(static_cast<int>(ExitCode::kInterrupted));
 }

@@ -50,7 +50,7 @@ nlohmann::ordered_json TotalsJson(const FrameTotals& totals, std::size_t all, do
 }
 
 std::string SequenceReport(const SequenceFacts& facts, const FramePlan& plan, const PipelineShape& shape,
-                           const FrameProgress& progress) {
+                           const FrameProgress& progress, const Json& clip) {
     Json frames = Json::array();
     FrameTotals totals;
     for (std::size_t i = 0; i < plan.frames.size(); ++i) {
@@ -74,5 +74,6 @@ std::string SequenceReport(const SequenceFacts& facts, const FramePlan& plan, co
                 {"underWay", shape.underWay},
                 {"totals", TotalsJson(totals, plan.frames.size(), progress.Seconds())},
                 {"frames", std::move(frames)}};
+    if (!clip.is_null()) report["clip"] = clip;
     return report.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }

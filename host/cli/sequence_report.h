@@ -25,6 +25,6 @@ struct SequenceFacts {
     std::string renderer;
 };
 
-/// The report of a whole sequence, ending in a line break.
+/// The report of a whole sequence, ending in a line break; `clip` tells of the clip that it went into, null for none.
 std::string SequenceReport(const SequenceFacts& facts, const FramePlan& plan, const PipelineShape& shape,
-                           const FrameProgress& progress);
+                           const FrameProgress& progress, const nlohmann::ordered_json& clip = nullptr);

@@ -62,6 +62,9 @@ std::string WritableFormats();
 /// done. Fails with `ExitCode::kFile`.
 Result<Done> CheckWritable(const std::filesystem::path& file);
 
+/// The same without the extension, which may be of something else than a picture.
+Result<Done> CheckPlace(const std::filesystem::path& file);
+
 /// Writes a world, whose format is one of the host's, in the format that the extension names:
 ///   .png        straight; 8 bits, or 16 from a float world
 ///   .tif .tiff  straight; 8 bits, or float

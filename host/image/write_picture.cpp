@@ -222,6 +222,10 @@ std::string WritableFormats() {
 Result<Done> CheckWritable(const fs::path& file) {
     if (file.empty()) return Failure{ExitCode::kFile, "cannot write: the output's name is empty"};
     if (!FormatOf(file)) return UnknownFormat(file);
+    return CheckPlace(file);
+}
+
+Result<Done> CheckPlace(const fs::path& file) {
     std::error_code error;
     if (fs::is_directory(file, error)) return CannotWrite(file, "there is a folder of that name");
     const fs::path folder = file.has_parent_path() ? file.parent_path() : fs::path(".");

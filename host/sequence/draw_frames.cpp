@@ -14,7 +14,6 @@
 #include <utility>
 
 #include "host/sequence/frame_numbers.h"
-#include "host/sequence/frame_pixels.h"
 
 namespace {
 
@@ -56,8 +55,10 @@ class OtherTimes {
             PlannedFrame frame;
             frame.input = plan_.input.ShownAt(number);
             if (!plan_.texture.path.empty()) frame.texture = plan_.texture.ShownAt(number);
-            frame.inputChanges = plan_.input.pattern.has_value();
-            frame.textureChanges = plan_.texture.pattern.has_value();
+            frame.inputClipFrame = plan_.input.ClipFrameShownAt(number);
+            frame.textureClipFrame = plan_.texture.ClipFrameShownAt(number);
+            frame.inputChanges = plan_.input.HasFrames();
+            frame.textureChanges = plan_.texture.HasFrames();
             auto layers = reader_.Read(frame, own_.input->pixels.PixelDepth());
             if (!layers) {
                 return Failure{layers.Error().code,
@@ -108,7 +109,7 @@ class FrameWorker {
                 return End(index, FrameOutcome::Kind::kSkipped);
             case PlannedFrame::State::kMissing:
                 return Fail(index,
-                            {ExitCode::kFile, fmt::format("cannot read '{}': there is no such file", frame.missing)});
+                            {ExitCode::kFile, fmt::format("cannot read {}: {}", frame.missing, frame.missingReason)});
             case PlannedFrame::State::kDraw:
                 break;
         }
@@ -164,9 +165,9 @@ class FrameWorker {
         watcher_.Begins(index, FrameStep::kWrite, nullptr);
         const Timer timer;
         const std::string& output = job_.plan->frames[index].output;
-        if (auto written = WritePicture(output, work.drawn.pixels, work.place, work.kept); !written) {
-            return Fail(index, written.Error());
-        }
+        const auto written = job_.write ? job_.write(work.drawn, work.place)
+                                        : WritePicture(output, work.drawn.pixels, work.place, work.kept);
+        if (!written) return Fail(index, written.Error());
         work.outcome.writeTime = timer.Taken();
         return End(index, FrameOutcome::Kind::kDrawn);
     }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "host/sequence/frame_layers.h"
+#include "host/sequence/frame_pixels.h"
 #include "host/sequence/frame_plan.h"
 #include "host/sequence/pipeline.h"
 #include "host/session/effect_session.h"
@@ -60,6 +61,8 @@ struct FrameJob {
     std::function<ParamSet(double frame, const ParamSet&)> values{};
     /// Says an effect's failure in better words.
     std::function<Failure(const Failure&, const EffectSession&)> explain{};
+    /// Where a frame goes instead of a picture file of its own.
+    std::function<Result<Done>(const Drawn&, const Placement&)> write{};
     PipelineShape shape{};
 };
 

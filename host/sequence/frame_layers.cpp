@@ -9,8 +9,9 @@
 
 using Shared = std::shared_ptr<const Layer>;
 
-Result<Shared> LayerReader::ReadLayer(const std::string& path, std::optional<Depth> depth) const {
-    const auto picture = ReadPicture(path);
+Result<Shared> LayerReader::ReadLayer(const Source& source, std::optional<Depth> depth) const {
+    const auto& clip = source.isTexture ? options_.textureClip : options_.inputClip;
+    const auto picture = source.clipFrame ? clip(*source.clipFrame) : ReadPicture(source.path);
     if (!picture) return picture.Error();
     auto pixels = LayerOf(*picture, depth.value_or(picture->pixels.PixelDepth()), options_.downsample);
     if (!pixels) return pixels.Error();
@@ -25,13 +26,13 @@ Result<Shared> LayerReader::ReadLayer(const std::string& path, std::optional<Dep
     return Shared(std::move(layer));
 }
 
-Result<Shared> LayerReader::ReadOnce(Kept& kept, const std::string& path, std::optional<Depth> depth) {
+Result<Shared> LayerReader::ReadOnce(Kept& kept, const Source& source, std::optional<Depth> depth) {
     const std::lock_guard lock(kept.mutex);
-    if (kept.layer && kept.path == path && (!depth || kept.depth == *depth)) return kept.layer;
+    if (kept.layer && kept.source == source && (!depth || kept.depth == *depth)) return kept.layer;
     kept.layer.reset();
-    auto layer = ReadLayer(path, depth);
+    auto layer = ReadLayer(source, depth);
     if (!layer) return layer;
-    kept.path = path;
+    kept.source = source;
     kept.layer = *layer;
     kept.depth = kept.layer->pixels.PixelDepth();
     return layer;
@@ -47,12 +48,14 @@ Result<FrameLayers> LayerReader::Read(const PlannedFrame& frame, Depth depth) {
 
 Result<FrameLayers> LayerReader::ReadAs(const PlannedFrame& frame, std::optional<Depth> inputDepth) {
     FrameLayers layers;
-    auto input = frame.inputChanges ? ReadLayer(frame.input, inputDepth) : ReadOnce(input_, frame.input, inputDepth);
+    const Source picture{frame.input, frame.inputClipFrame, false};
+    auto input = frame.inputChanges ? ReadLayer(picture, inputDepth) : ReadOnce(input_, picture, inputDepth);
     if (!input) return input.Error();
     layers.input = std::move(*input);
     if (frame.texture.empty()) return layers;
     const Depth depth = layers.input->pixels.PixelDepth();
-    auto texture = frame.textureChanges ? ReadLayer(frame.texture, depth) : ReadOnce(texture_, frame.texture, depth);
+    const Source beside{frame.texture, frame.textureClipFrame, true};
+    auto texture = frame.textureChanges ? ReadLayer(beside, depth) : ReadOnce(texture_, beside, depth);
     if (!texture) return texture.Error();
     layers.texture = std::move(*texture);
     return layers;

@@ -4,6 +4,7 @@
 
 // The pictures of a frame, read and made ready for the effect. A picture that many frames share is read once.
 
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -17,6 +18,9 @@ struct LayerOptions {
     std::optional<Depth> depth{};  ///< without it the input's own
     int downsample = 1;
     std::string compression{};  ///< of the picture that will be written; see WriteOptions
+    /// A frame of the clip that the input is, and of the one that the texture is.
+    std::function<Result<Picture>(int)> inputClip{};
+    std::function<Result<Picture>(int)> textureClip{};
 };
 
 /// A picture as a layer, and what is to be kept of its file.
@@ -45,16 +49,23 @@ class LayerReader {
     Result<FrameLayers> Read(const PlannedFrame& frame, Depth depth);
 
  private:
+    /// A picture's file, or a frame of a clip.
+    struct Source {
+        std::string path;
+        std::optional<int> clipFrame;
+        bool isTexture = false;
+        bool operator==(const Source&) const = default;
+    };
     Result<FrameLayers> ReadAs(const PlannedFrame& frame, std::optional<Depth> depth);
     /// The picture that was kept last.
     struct Kept {
         std::mutex mutex;
-        std::string path;
+        Source source{};
         Depth depth = Depth::k8;
         std::shared_ptr<const Layer> layer;
     };
-    Result<std::shared_ptr<const Layer>> ReadLayer(const std::string& path, std::optional<Depth> depth) const;
-    Result<std::shared_ptr<const Layer>> ReadOnce(Kept& kept, const std::string& path, std::optional<Depth> depth);
+    Result<std::shared_ptr<const Layer>> ReadLayer(const Source& source, std::optional<Depth> depth) const;
+    Result<std::shared_ptr<const Layer>> ReadOnce(Kept& kept, const Source& source, std::optional<Depth> depth);
 
     const LayerOptions options_;
     Kept input_;

@@ -26,8 +26,13 @@ bool IsFile(const std::string& path) {
 
 /// An existing file of the very name is that file, whatever signs its name has; and an @ is a sign like any other
 /// unless there is a sequence behind it.
-Result<FrameSource> SourceOf(const std::string& path, int offset) {
-    FrameSource source{path, {}, {}, offset};
+Result<FrameSource> SourceOf(const std::string& path, int offset, std::optional<int> clipFrames = {}) {
+    FrameSource source{path, {}, {}, offset, clipFrames};
+    if (clipFrames) {
+        source.onDisk.resize(static_cast<std::size_t>(*clipFrames));
+        std::iota(source.onDisk.begin(), source.onDisk.end(), 0);
+        return source;
+    }
     if (path.empty() || IsFile(path)) return source;
     auto pattern = FramePattern::Find(path);
     if (!pattern) return pattern.Error();
@@ -40,21 +45,34 @@ Result<FrameSource> SourceOf(const std::string& path, int offset) {
 /// The file of a frame, and what stands in for it.
 struct Found {
     std::string path;
+    std::optional<int> clipFrame;
     std::optional<int> held;
     bool exists = true;
+    int wanted = 0;
 };
 
 Found FindFrame(const FrameSource& source, int frame, MissingFrames missing) {
-    if (!source.pattern) return {source.path, {}, true};
+    if (!source.HasFrames()) return {source.path, {}, {}, true, frame};
     const int wanted = frame + source.offset;
     const auto& onDisk = source.onDisk;
     const auto after = std::lower_bound(onDisk.begin(), onDisk.end(), wanted);
     const bool exists = after != onDisk.end() && *after == wanted;
-    if (exists || missing != MissingFrames::kHold || onDisk.empty()) {
-        return {source.pattern->PathOf(wanted), {}, exists};
-    }
-    const int held = after != onDisk.begin() ? *std::prev(after) : *after;
-    return {source.pattern->PathOf(held), held, true};
+    const bool isHeld = !exists && missing == MissingFrames::kHold && !onDisk.empty();
+    const int shown = !isHeld ? wanted : after != onDisk.begin() ? *std::prev(after) : *after;
+    Found found{source.path, {}, {}, exists || isHeld, wanted};
+    if (isHeld) found.held = shown;
+    if (source.pattern) found.path = source.pattern->PathOf(shown);
+    if (source.clipFrames) found.clipFrame = shown;
+    return found;
+}
+
+/// What to call a frame that is not there, and why it is not.
+void NameMissing(const FrameSource& source, const Found& found, PlannedFrame& frame) {
+    frame.missing = fmt::format("'{}'", found.path);
+    frame.missingReason = "there is no such file";
+    if (!source.clipFrames) return;
+    frame.missing = fmt::format("frame {} of '{}'", found.wanted, source.path);
+    frame.missingReason = fmt::format("its frames are 0 to {}", *source.clipFrames - 1);
 }
 
 /// All frames that are asked for, before they are divided into chunks.
@@ -62,7 +80,7 @@ Result<std::vector<FrameNumber>> WholeSet(const PlanRequest& request, const Fram
                                           const FrameSource& texture) {
     if (request.frames) return *request.frames;
     for (const FrameSource* source : {&input, &texture}) {
-        if (!source->pattern) continue;
+        if (!source->HasFrames()) continue;
         if (source->onDisk.empty()) {
             return Failure{ExitCode::kFile, fmt::format("cannot read '{}': no file has such a name", source->path)};
         }
@@ -79,6 +97,7 @@ std::string WithField(const fs::path& path) {
 }
 
 Result<std::optional<FramePattern>> OutputPattern(const PlanRequest& request, const std::vector<FrameNumber>& frames) {
+    if (request.outputIsClip) return std::optional<FramePattern>();
     auto pattern = FramePattern::Find(request.output);
     if (!pattern) return pattern;
     if (!*pattern && frames.size() > 1) {
@@ -101,7 +120,7 @@ Failure SameFile(const std::string& output) {
     return {ExitCode::kUsage, fmt::format("'{}' is read and written in one run; give the output another name", output)};
 }
 
-Result<Done> CheckOutputs(const std::vector<PlannedFrame>& frames) {
+Result<Done> CheckOutputs(const std::vector<PlannedFrame>& frames, bool isClip) {
     std::set<std::string> read;
     for (const PlannedFrame& frame : frames) {
         read.insert(IdentityOf(frame.input));
@@ -110,7 +129,8 @@ Result<Done> CheckOutputs(const std::vector<PlannedFrame>& frames) {
     for (const PlannedFrame& frame : frames) {
         if (read.contains(IdentityOf(frame.output))) return SameFile(frame.output);
     }
-    return frames.empty() ? Result<Done>(Done{}) : CheckWritable(frames.front().output);
+    if (frames.empty()) return Done{};
+    return isClip ? CheckPlace(frames.front().output) : CheckWritable(frames.front().output);
 }
 
 /// Tells frames' times in a unit that each of them is a whole number of.
@@ -153,13 +173,15 @@ PlannedFrame PlanFrame(const PlanRequest& request, const FrameSource& input, con
     // Between two frames of an input the one that has begun is shown.
     const Found layer = FindFrame(input, number.Begun(), request.missing);
     frame.input = layer.path;
+    frame.inputClipFrame = layer.clipFrame;
     frame.heldInput = layer.held;
     Found picture;
     if (!texture.path.empty()) picture = FindFrame(texture, number.Begun(), request.missing);
     frame.texture = picture.path;
+    frame.textureClipFrame = picture.clipFrame;
     frame.heldTexture = picture.held;
     if (layer.exists && picture.exists) return frame;
-    frame.missing = layer.exists ? picture.path : layer.path;
+    NameMissing(layer.exists ? texture : input, layer.exists ? picture : layer, frame);
     frame.state =
         request.missing == MissingFrames::kSkip ? PlannedFrame::State::kSkipped : PlannedFrame::State::kMissing;
     return frame;
@@ -175,22 +197,23 @@ Result<Done> CheckMissing(const std::vector<PlannedFrame>& frames) {
     }
     if (!first) return Done{};
     if (missing.size() == 1) {
-        return Failure{ExitCode::kFile, fmt::format("cannot read '{}': there is no such file; --missing hold shows "
-                                                    "another frame instead, --missing skip leaves frame {} out",
-                                                    first->missing, first->number)};
+        return Failure{ExitCode::kFile, fmt::format("cannot read {}: {}; --missing hold shows another frame instead, "
+                                                    "--missing skip leaves frame {} out",
+                                                    first->missing, first->missingReason, first->number)};
     }
+    const bool isClip = first->missing.front() != '\'';
     return Failure{ExitCode::kFile,
-                   fmt::format("cannot read '{}', nor the files of {} frames in all ({}): there are no "
-                               "such files; --missing hold shows other frames instead, --missing skip "
-                               "leaves these out",
-                               first->missing, missing.size(), FramesText(missing))};
+                   fmt::format("cannot read {}, nor the {} of {} frames in all ({}): {}; --missing hold shows other "
+                               "frames instead, --missing skip leaves these out",
+                               first->missing, isClip ? "others" : "files", missing.size(), FramesText(missing),
+                               isClip ? first->missingReason : "there are no such files")};
 }
 
 /// Every frame of the set, whatever the chunk: another chunk's machine may be writing what this one would read.
 Result<FramePlan> WholePlan(const PlanRequest& request) {
-    const auto input = SourceOf(request.input, request.inputOffset);
+    const auto input = SourceOf(request.input, request.inputOffset, request.inputClip);
     if (!input) return input.Error();
-    const auto texture = SourceOf(request.texture, request.textureOffset);
+    const auto texture = SourceOf(request.texture, request.textureOffset, request.textureClip);
     if (!texture) return texture.Error();
     const auto whole = WholeSet(request, *input, *texture);
     if (!whole) return whole.Error();
@@ -211,17 +234,17 @@ Result<FramePlan> WholePlan(const PlanRequest& request) {
         frame.time = static_cast<A_long>(times->TimeOf(number));
         plan.totalTime = std::max(plan.totalTime, frame.time + plan.rate.step);
         frame.output = *output ? (*output)->PathOf(number) : request.output;
-        frame.inputChanges = input->pattern && !frame.heldInput;
-        frame.textureChanges = texture->pattern && !frame.heldTexture;
+        frame.inputChanges = input->HasFrames() && !frame.heldInput;
+        frame.textureChanges = texture->HasFrames() && !frame.heldTexture;
     }
-    if (auto apart = CheckOutputs(frames); !apart) return apart.Error();
+    if (auto apart = CheckOutputs(frames, request.outputIsClip); !apart) return apart.Error();
     return plan;
 }
 
 }  // namespace
 
 Result<bool> MeansSequence(const PlanRequest& request) {
-    if (request.frames) return true;
+    if (request.frames || request.inputClip || request.textureClip) return true;
     for (const std::string& path : {request.input, request.texture}) {
         const auto source = SourceOf(path, 0);
         if (!source) return source.Error();
@@ -237,6 +260,10 @@ Result<bool> MeansSequence(const PlanRequest& request) {
 
 std::string FrameSource::ShownAt(int frame) const {
     return FindFrame(*this, frame, MissingFrames::kHold).path;
+}
+
+std::optional<int> FrameSource::ClipFrameShownAt(int frame) const {
+    return FindFrame(*this, frame, MissingFrames::kHold).clipFrame;
 }
 
 Result<std::vector<FrameNumber>> WholeFrameSet(const PlanRequest& request) {

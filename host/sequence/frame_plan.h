@@ -24,6 +24,10 @@ struct PlanRequest {
     std::string input;    ///< a picture or a pattern
     std::string texture;  ///< the same; empty for none
     std::string output;   ///< a picture or a pattern
+    /// Frames of a clip that the input is, which are numbered from 0; nothing when it is none.
+    std::optional<int> inputClip{};
+    std::optional<int> textureClip{};  ///< the texture's
+    bool outputIsClip = false;         ///< all frames go into one file
     /// The frames; without them all that the input has, or else the texture.
     std::optional<std::vector<FrameNumber>> frames{};
     int inputOffset = 0;    ///< frame f is drawn from the input's frame f + inputOffset
@@ -40,11 +44,16 @@ struct PlanRequest {
 struct FrameSource {
     std::string path;  ///< empty for none
     std::optional<FramePattern> pattern{};
-    std::vector<int> onDisk{};  ///< of the pattern, rising
-    int offset = 0;             ///< frame f is the pattern's frame f + offset
+    std::vector<int> onDisk{};        ///< of the pattern, rising
+    int offset = 0;                   ///< frame f is the pattern's frame f + offset
+    std::optional<int> clipFrames{};  ///< how many frames the clip has that it is; `onDisk` has their numbers
+
+    bool HasFrames() const { return pattern || clipFrames; }
 
     /// The file that shows at a frame: its own, else that of the nearest before it, else the first.
     std::string ShownAt(int frame) const;
+    /// The same of a clip: its frame; nothing of pictures.
+    std::optional<int> ClipFrameShownAt(int frame) const;
 };
 
 struct PlannedFrame {
@@ -59,10 +68,13 @@ struct PlannedFrame {
     std::string input;
     std::string texture;  ///< empty for none
     std::string output;
-    std::string missing;               ///< the file that is not there
-    std::optional<int> heldInput{};    ///< the input's frame that stands in for a missing one
-    std::optional<int> heldTexture{};  ///< the texture's
-    bool inputChanges = true;          ///< its input is its own; else others may share it, and it is worth keeping
+    std::optional<int> inputClipFrame{};    ///< where the input is a clip: which of its frames
+    std::optional<int> textureClipFrame{};  ///< the texture's
+    std::string missing;                    ///< the file, or the frame of a clip, that is not there: "'in.0007.png'"
+    std::string missingReason;              ///< "there is no such file"
+    std::optional<int> heldInput{};         ///< the input's frame that stands in for a missing one
+    std::optional<int> heldTexture{};       ///< the texture's
+    bool inputChanges = true;               ///< its input is its own; else others may share it, and it is worth keeping
     bool textureChanges = true;
     A_long time = 0;  ///< in units of 1/rate.scale seconds
 };

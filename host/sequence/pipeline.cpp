@@ -19,8 +19,8 @@ constexpr std::size_t kWrite = 2;
 
 class Pipeline {
  public:
-    Pipeline(std::size_t count, std::size_t underWay, std::array<const PipelineStep*, kSteps> steps)
-        : count_(count), mostUnderWay_(underWay), steps_(steps) {}
+    Pipeline(std::size_t count, const PipelineShape& shape, std::array<const PipelineStep*, kSteps> steps)
+        : count_(count), mostUnderWay_(shape.underWay), inOrder_(shape.inOrder), steps_(steps) {}
 
     /// One thread of one step, until no frame can come to it any more.
     void Work(std::size_t step, int thread) {
@@ -44,16 +44,24 @@ class Pipeline {
 
  private:
     std::optional<std::size_t> Next(std::size_t step) const {
-        if (stopped_ && step != kWrite) return std::nullopt;
+        if (stopped_ && !GoesOn(step)) return std::nullopt;
         if (step == 0) {
-            return next_ < count_ && underWay_ < mostUnderWay_ ? std::optional(next_) : std::nullopt;
+            return next_ < count_ && underWay_.size() < mostUnderWay_ ? std::optional(next_) : std::nullopt;
         }
-        return waiting_[step].empty() ? std::nullopt : std::optional(*waiting_[step].begin());
+        if (waiting_[step].empty()) return std::nullopt;
+        // Frames are begun in their order, so none that comes later is before all those that are under way.
+        if (inOrder_ && step == kWrite && *waiting_[step].begin() != *underWay_.begin()) {
+            return std::nullopt;
+        }
+        return *waiting_[step].begin();
     }
+
+    /// What is drawn is still written, except where something before it is missing.
+    bool GoesOn(std::size_t step) const { return step == kWrite && !inOrder_; }
 
     bool HasEnded(std::size_t step) const {
         if (step == 0) return stopped_ || next_ == count_;
-        if (stopped_ && step != kWrite) return true;
+        if (stopped_ && !GoesOn(step)) return true;
         return waiting_[step].empty() && working_[step - 1] == 0 && HasEnded(step - 1);
     }
 
@@ -64,7 +72,7 @@ class Pipeline {
             return;
         }
         ++next_;
-        ++underWay_;
+        underWay_.insert(frame);
         // The limit may let in one more.
         changed_.notify_all();
     }
@@ -85,17 +93,18 @@ class Pipeline {
         if (after == AfterStep::kGoOn && step + 1 < kSteps) {
             waiting_[step + 1].insert(frame);
         } else {
-            --underWay_;
+            underWay_.erase(frame);
         }
     }
 
     const std::size_t count_;
     const std::size_t mostUnderWay_;
+    const bool inOrder_;
     const std::array<const PipelineStep*, kSteps> steps_;
     std::mutex mutex_;
     std::condition_variable changed_;
     std::size_t next_ = 0;
-    std::size_t underWay_ = 0;
+    std::set<std::size_t> underWay_;
     std::array<std::set<std::size_t>, kSteps> waiting_{};
     std::array<int, kSteps> working_{};
     bool stopped_ = false;
@@ -106,7 +115,7 @@ class Pipeline {
 
 void RunPipeline(std::size_t count, const PipelineShape& shape, const PipelineStep& read, const PipelineStep& draw,
                  const PipelineStep& write) {
-    Pipeline pipeline(count, shape.underWay, {&read, &draw, &write});
+    Pipeline pipeline(count, shape, {&read, &draw, &write});
     const std::array<int, kSteps> threadsOf = {shape.readers, shape.drawers, shape.writers};
     std::vector<std::thread> threads;
     for (std::size_t step = 0; step < kSteps; ++step) {

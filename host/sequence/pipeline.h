@@ -22,6 +22,7 @@ struct PipelineShape {
     int drawers = 1;
     int writers = 1;
     std::size_t underWay = 4;
+    bool inOrder = false;  ///< a frame is written only after all before it, and after a stop none
 };
 
 /// A step of a frame; `thread` is below the number of the step's threads, and its calls come from one thread. Of the

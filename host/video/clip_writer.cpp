@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/video/clip_writer.h"
+
+#include <fmt/format.h>
+
+#include <sstream>
+
+#include "host/video/ffmpeg.h"
+
+namespace {
+
+Failure CannotWrite(const std::string& path, const std::string& reason) {
+    return {ExitCode::kFile, fmt::format("cannot write '{}': {}", path, reason)};
+}
+
+/// ffmpeg's name of the container.
+std::string ContainerOf(const std::string& path) {
+    const std::string extension = std::filesystem::path(path).extension().string();
+    if (extension.size() < 2) return "mov";
+    const char second = static_cast<char>(extension[1] | 0x20), third = static_cast<char>(extension[2] | 0x20);
+    return second == 'w' ? "webm" : third == 'k' ? "matroska" : "mov";
+}
+
+void AddSound(const ClipTarget& target, std::vector<std::string>& arguments) {
+    const SoundPlan sound = PlanSound(*target.from, target.path);
+    for (std::size_t i = 0; i < sound.codecs.size(); ++i) {
+        arguments.insert(arguments.end(),
+                         {"-map", fmt::format("1:a:{}", i), fmt::format("-c:a:{}", i), sound.codecs[i]});
+        if (sound.codecs[i] == "libopus") {
+            // Layouts that opus does not name are left to its general mapping.
+            arguments.insert(arguments.end(), {fmt::format("-b:a:{}", i), "192k"});
+        }
+    }
+}
+
+}  // namespace
+
+Result<Done> CheckEncoder(const ClipCodec& codec, const std::string& path) {
+    auto child = StartTool("ffmpeg", {"-encoders"}, ChildProcess::Piped::kOutput);
+    if (!child) return CannotWrite(path, child.Error().sentence);
+    std::string text(1 << 18, '\0');
+    text.resize((*child)->Read(static_cast<std::byte*>(static_cast<void*>(text.data())), text.size()));
+    if (const ChildEnd& end = (*child)->Wait(); !end.IsWell()) return CannotWrite(path, EndText("ffmpeg", end));
+    std::istringstream lines(text);
+    std::string flags, name;
+    for (std::string line; std::getline(lines, line);) {
+        if (std::istringstream(line) >> flags >> name && name == codec.encoder) return Done{};
+    }
+    return CannotWrite(path, fmt::format("this ffmpeg cannot write {}: it was built without the encoder '{}'",
+                                         codec.words, codec.encoder));
+}
+
+std::vector<std::string> EncoderArguments(const ClipTarget& target, const std::string& file) {
+    std::vector<std::string> all = {"-y",
+                                    "-f",
+                                    "rawvideo",
+                                    "-pix_fmt",
+                                    NameOf(target.raw),
+                                    "-video_size",
+                                    fmt::format("{}x{}", target.width, target.height),
+                                    "-framerate",
+                                    fmt::format("{}/{}", target.rate.scale, target.rate.step),
+                                    "-i",
+                                    "pipe:0"};
+    const auto add = [&all](std::initializer_list<std::string> more) { all.insert(all.end(), more); };
+    if (target.from) {
+        const double start = target.from->start + (target.part ? target.part->first : 0);
+        if (target.part) {
+            add({"-ss", fmt::format("{:.6f}", start), "-t", fmt::format("{:.6f}", target.part->second)});
+        } else if (start != 0) {
+            // The pictures begin at 0, and the sound stays where it is beside them.
+            add({"-itsoffset", fmt::format("{:.6f}", -start)});
+        }
+        add({"-i", FileArgument(target.from->path)});
+    }
+    add({"-map", "0:v:0"});
+    if (target.from && target.keepsSound) AddSound(target, all);
+    if (target.from) {
+        add({"-map_metadata", "1", "-map_chapters", target.part ? "-1" : "1"});
+        if (!target.part && !target.from->timecode.empty() && ContainerOf(target.path) == "mov") {
+            add({"-timecode", target.from->timecode});
+        }
+    }
+    const ColorTags tags = TagsFor(*target.codec, target.from);
+    add({"-vf", EncoderFilters(*target.codec, target.raw, tags, target.from ? target.from->aspect : ""), "-c:v",
+         target.codec->encoder});
+    all.insert(all.end(), target.codec->arguments.begin(), target.codec->arguments.end());
+    add({"-fps_mode", "passthrough", "-f", ContainerOf(target.path), FileArgument(file)});
+    return all;
+}
+
+ClipWriter::ClipWriter(ClipTarget target) : target_(std::move(target)), file_(target_.path) {}
+
+Result<std::unique_ptr<ClipWriter>> ClipWriter::Start(ClipTarget target) {
+    std::unique_ptr<ClipWriter> writer(new ClipWriter(std::move(target)));
+    auto child = StartTool("ffmpeg", EncoderArguments(writer->target_, writer->file_.Name().string()),
+                           ChildProcess::Piped::kInput);
+    if (!child) return CannotWrite(writer->target_.path, child.Error().sentence);
+    writer->encoder_ = std::move(*child);
+    return writer;
+}
+
+Failure ClipWriter::Died() {
+    const ChildEnd& end = encoder_->Wait();
+    if (!end.IsWell()) {
+        return CannotWrite(target_.path, fmt::format("{}, after {} frames", EndText("ffmpeg", end), written_));
+    }
+    return CannotWrite(target_.path, fmt::format("ffmpeg took no more frames after {}, as if it were done", written_));
+}
+
+Result<Done> ClipWriter::Write(const World& picture) {
+    const std::vector<std::byte> bytes = RawFromWorld(target_.raw, picture);
+    if (!encoder_->Write(bytes.data(), bytes.size())) return Died();
+    ++written_;
+    return Done{};
+}
+
+Result<Done> ClipWriter::Finish() {
+    encoder_->CloseInput();
+    if (!encoder_->Wait().IsWell()) return Died();
+    std::error_code error;
+    if (!std::filesystem::exists(file_.Name(), error)) {
+        return CannotWrite(target_.path, "ffmpeg ended well, but there is no clip");
+    }
+    return file_.PutInPlace();
+}

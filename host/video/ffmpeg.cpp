@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/video/ffmpeg.h"
+
+#include <fmt/format.h>
+
+#include <cstring>
+
+Result<std::unique_ptr<ChildProcess>> StartTool(const std::string& tool, const std::vector<std::string>& arguments,
+                                                ChildProcess::Piped piped) {
+    std::vector<std::string> all = {tool, "-hide_banner", "-v", "error"};
+    if (tool == "ffmpeg") all.emplace_back("-nostdin");
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    auto child = ChildProcess::Start(all, piped);
+    if (child) return child;
+    const std::string& reason = child.Error().sentence;
+    if (reason == std::strerror(ENOENT)) {
+        return Failure{ExitCode::kFile, fmt::format("there is no '{}' in PATH, and clips are read and written by it; "
+                                                    "install ffmpeg (Debian: apt install ffmpeg)",
+                                                    tool)};
+    }
+    return Failure{ExitCode::kFile,
+                   fmt::format("'{}', which clips are read and written by, cannot be started: {}", tool, reason)};
+}
+
+std::string EndText(const std::string& tool, const ChildEnd& end) {
+    std::string text = end.signal != 0
+                           ? fmt::format("{} was ended by signal {} ({})", tool, end.signal, strsignal(end.signal))
+                           : fmt::format("{} ended with exit code {}", tool, end.code);
+    if (!end.lastLine.empty()) text += ": " + end.lastLine;
+    return text;
+}
+
+std::string FileArgument(const std::filesystem::path& file) {
+    return "file:" + file.string();
+}
