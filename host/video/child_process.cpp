@@ -85,11 +85,10 @@ ssize_t WriteQuietly(int pipe, const std::byte* bytes, std::size_t count) {
     const bool wasPending = sigismember(&pending, SIGPIPE) == 1;
     const ssize_t written = write(pipe, bytes, count);
     const int error = errno;
-    if (written < 0 && error == EPIPE && !wasPending) {
-        sigpending(&pending);
-        int signal = 0;
-        if (sigismember(&pending, SIGPIPE) == 1) sigwait(&held.Held(), &signal);
-    }
+    // It also comes when the reader went after it had taken a part, which is then what was written.
+    sigpending(&pending);
+    int signal = 0;
+    if (!wasPending && sigismember(&pending, SIGPIPE) == 1) sigwait(&held.Held(), &signal);
     errno = error;
     return written;
 }

@@ -114,11 +114,8 @@ Result<const ClipCodec*> CodecFor(const std::string& path, const std::string& na
         if (named == codecs.end()) {
             std::vector<std::string> names;
             for (const ClipCodec& codec : codecs) names.emplace_back(codec.name);
-            const auto nearest = Nearest(name, names, 1);
-            return Failure{ExitCode::kUsage,
-                           fmt::format("there is no codec '{}'; {}", name,
-                                       nearest.empty() ? "there are " + ClipCodecNames()
-                                                       : fmt::format("did you mean '{}'?", nearest.front()))};
+            return Failure{ExitCode::kUsage, fmt::format("there is no codec '{}' among {}; did you mean '{}'?", name,
+                                                         ClipCodecNames(), Nearest(name, names, 1).front())};
         }
         if (Holds(*named, extension)) return &*named;
         return Failure{ExitCode::kUsage, fmt::format("'{}' cannot hold {}, which goes into {}", path, named->words,

@@ -51,8 +51,8 @@ std::string RatesText(const ClipTimes& times) {
     double shortest = 1e9, longest = 0;
     for (std::size_t i = 1; i < times.seconds.size(); ++i) {
         const double step = times.seconds[i] - times.seconds[i - 1];
-        shortest = std::min(shortest, step);
+        if (step > 0) shortest = std::min(shortest, step);
         longest = std::max(longest, step);
     }
-    return fmt::format("{:.4g} to {:.4g}", longest > 0 ? 1 / longest : 0, shortest > 0 ? 1 / shortest : 0);
+    return fmt::format("{:.4g} to {:.4g}", longest > 0 ? 1 / longest : 0, 1 / shortest);
 }

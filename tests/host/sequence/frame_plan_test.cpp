@@ -136,7 +136,7 @@ TEST_F(FramePlanTest, MissingFramesAreRefusedHeldOrLeftOut) {
     request.missing = MissingFrames::kSkip;
     FramePlan plan = Plan(request);
     EXPECT_EQ(plan.frames[0].state, State::kSkipped);
-    EXPECT_EQ(plan.frames[0].missing, Path("in.1.png"));
+    EXPECT_EQ(plan.frames[0].missing, "'" + Path("in.1.png") + "'");
     EXPECT_EQ(plan.frames[1].state, State::kDraw);
 
     request.missing = MissingFrames::kError;
