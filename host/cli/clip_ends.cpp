@@ -5,7 +5,7 @@
 
 #include <fmt/format.h>
 
-#include "host/image/resample.h"
+#include "host/compositing/resample.h"
 
 namespace {
 

@@ -48,6 +48,8 @@ constexpr char kExamples[] =
     "      every second frame of a sequence; where a file is missing, the one before it\n"
     "  umbrant render title.png -o out/title.%04d.png --preset moving.json --frames 1-48 --threads 2\n"
     "      48 frames of one picture with a preset that has keyframes\n"
+    "  umbrant render clip.mov -o out.mov; umbrant render title.png -o title.webm --preset moving.json --frames 1-48\n"
+    "      clips through ffmpeg: ProRes 4444 in .mov, FFV1 in .mkv, VP9 in .webm, all with alpha; sound is kept\n"
     "  umbrant render title.png -o draft.png --downsample 4\n"
     "      a quarter of the resolution; points are still given in pixels of the whole picture";
 
@@ -202,11 +204,11 @@ Command RenderCommand(const std::shared_ptr<RenderOptions>& options) {
     command.options = [options](CLI::App& app) {
         app.add_option("INPUT", options->input,
                        "The layer: PNG, TIFF, JPEG, EXR, ...; a sequence as shot.####.exr, shot.%04d.exr, shot.@@.exr, "
-                       "shot.$F4.exr, ...")
+                       "shot.$F4.exr, ...; or a clip: .mov, .mp4, .mkv, ...")
             ->required();
         app.add_option("-o,--output", options->output,
                        "The picture to write: " + WritableFormats() +
-                           ". PNG and TIFF are straight, EXR is premultiplied, JPEG lies on white")
+                           ". PNG and TIFF are straight, EXR is premultiplied, JPEG lies on white. Or a clip: .mov, .mkv, .webm")
             ->required();
         app.add_option("--preset", options->preset,
                        "Values from a file that `umbrant params --json --values` wrote; a later --set wins")

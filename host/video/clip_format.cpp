@@ -83,7 +83,7 @@ const std::vector<ClipCodec>& ClipCodecs() {
          "gbrap16le",
          true,
          false,
-         {"-level", "3", "-g", "1", "-slices", "4", "-slicecrc", "1"},
+         {"-level", "3", "-g", "1", "-slicecrc", "1"},
          {".mkv"}},
         {"vp9",
          "VP9",

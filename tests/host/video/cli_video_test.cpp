@@ -266,7 +266,8 @@ TEST_F(Clips, ARateThatVaries) {
     outcome = Render("vfr.mkv", "out.mkv", {"--rate", "10"});
     ASSERT_EQ(outcome.code, 0) << outcome.err;
     EXPECT_EQ(Pictures("out.mkv")["r_frame_rate"], "10/1");
-    EXPECT_THAT(outcome.err, HasSubstr("umbrant: 18 drawn in ")) << "to the last frame, whose length the file does not tell";
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: 18 drawn in "))
+        << "to the last frame, whose length the file does not tell";
 }
 
 TEST_F(Clips, ClipsThatCannotBeRead) {

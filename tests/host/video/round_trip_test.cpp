@@ -202,8 +202,8 @@ TEST_F(RoundTrip, FloatClipsAreReadAsTheyAre) {
     }
     const auto bytes = RawFromWorld(RawFormat::kFloat, world);
     WriteBytes(folder_ / "f.raw", {static_cast<const char*>(static_cast<const void*>(bytes.data())), bytes.size()});
-    Ffmpeg("-f rawvideo -pix_fmt gbrapf32le -s 3x2 -i f.raw -c:v rawvideo -f nut f.nut");
-    auto facts = ReadClipFacts((folder_ / "f.nut").string());
+    Ffmpeg("-f rawvideo -pix_fmt gbrapf32le -s 3x2 -i f.raw -c:v exr -format float f.mkv");
+    auto facts = ReadClipFacts((folder_ / "f.mkv").string());
     ASSERT_TRUE(facts) << facts.Error().sentence;
     EXPECT_EQ(facts->bits, 32);
     ClipReader reader(*facts, facts->rate);
