@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <sstream>
 
 #include "host/video/ffmpeg.h"
@@ -87,6 +88,12 @@ std::vector<std::string> EncoderArguments(const ClipTarget& target, const std::s
     add({"-vf", EncoderFilters(*target.codec, target.raw, tags, target.from ? target.from->aspect : ""), "-c:v",
          target.codec->encoder});
     all.insert(all.end(), target.codec->arguments.begin(), target.codec->arguments.end());
+    // ffmpeg cuts FFV1's third version into more slices than such a picture has pixels, and loses some without a word;
+    // the first version has none. What comes last counts.
+    constexpr int kSmallest = 4;
+    if (std::string(target.codec->name) == "ffv1" && std::min(target.width, target.height) < kSmallest) {
+        add({"-level", "1", "-slicecrc", "0"});
+    }
     add({"-fps_mode", "passthrough", "-f", ContainerOf(target.path), FileArgument(file)});
     return all;
 }

@@ -111,7 +111,7 @@ TEST_F(RoundTrip, ExactCodecsKeepEveryBit) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        for (const auto& [width, height] : {std::pair(64, 48), std::pair(63, 47), std::pair(1, 1)}) {
+        for (const auto& [width, height] : {std::pair(64, 48), std::pair(63, 47), std::pair(1, 1), std::pair(5, 3)}) {
             const auto reader = Written(row.file, row.codec, width, height, row.depth);
             ASSERT_TRUE(reader);
             EXPECT_EQ(reader->Facts().bits, row.depth == Depth::k8 ? 8 : 16);
