@@ -208,7 +208,8 @@ Command RenderCommand(const std::shared_ptr<RenderOptions>& options) {
             ->required();
         app.add_option("-o,--output", options->output,
                        "The picture to write: " + WritableFormats() +
-                           ". PNG and TIFF are straight, EXR is premultiplied, JPEG lies on white. Or a clip: .mov, .mkv, .webm")
+                           ". PNG and TIFF are straight, EXR is premultiplied, JPEG lies on white. Or a clip: .mov, "
+                           ".mkv, .webm")
             ->required();
         app.add_option("--preset", options->preset,
                        "Values from a file that `umbrant params --json --values` wrote; a later --set wins")

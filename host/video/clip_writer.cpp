@@ -128,7 +128,8 @@ Result<Done> ClipWriter::Finish() {
     encoder_->CloseInput();
     if (!encoder_->Wait().IsWell()) return Died();
     std::error_code error;
-    if (!std::filesystem::exists(file_.Name(), error)) {
+    // The temporary file is there, empty, from its first moment on.
+    if (const auto size = std::filesystem::file_size(file_.Name(), error); error || size == 0) {
         return CannotWrite(target_.path, "ffmpeg ended well, but there is no clip");
     }
     return file_.PutInPlace();

@@ -244,7 +244,6 @@ TEST_F(Clips, OddNames) {
     NEEDS_FFMPEG();
     WriteLayer(folder_ / "still.png", 10, 6, {255, 200, 100, 50});
     for (const std::string name : {"-y.mov", "a:b.mov", "100%d %s#.mov", "http:x.mov", "quo'te \"d.mov"}) {
-        std::vector<std::string> more = {"--frames", "1-2", "--output=" + name};
         Outcome outcome = RunUmbrant(
             folder_, {"render", "--module", TestModule("painter"), "--frames", "1-2", "--output=" + name, "still.png"});
         EXPECT_EQ(outcome.code, 0) << outcome.err;
