@@ -112,6 +112,13 @@ TEST(FarmJobText, OneIsNotMany) {
     EXPECT_EQ(json::parse(OpenJdJob(job))["steps"][0]["parameterSpace"]["taskParameterDefinitions"][0]["range"], "1-1");
 }
 
+/// A member of an object, or null where it is not there, which the rules tell elsewhere.
+const json& Member(const json& object, const char* name) {
+    static const json none;
+    const auto found = object.find(name);
+    return found == object.end() ? none : *found;
+}
+
 /// The rules of "jobtemplate-2023-09" for what a job of ours uses: which members an object may have and must have, how
 /// long its texts may be and which of them hold references. Adds a line for every offence.
 class TemplateRules {
@@ -123,7 +130,7 @@ class TemplateRules {
         Text("job's name", root, "name", 128, false);
         Text("description", root, "description", 2048, true);
         if (!List("steps", root, "steps", 1000)) return;
-        for (const json& step : root["steps"]) Step(step);
+        for (const json& step : Member(root, "steps")) Step(step);
     }
     std::vector<std::string> offences;
 
@@ -177,7 +184,7 @@ class TemplateRules {
         const json& space = step.value("parameterSpace", json::object());
         Members("parameter space", space, {"taskParameterDefinitions"}, {"combination"});
         if (List("parameters", space, "taskParameterDefinitions", 16)) {
-            for (const json& parameter : space["taskParameterDefinitions"]) Parameter(parameter);
+            for (const json& parameter : Member(space, "taskParameterDefinitions")) Parameter(parameter);
         }
         const json& script = step.value("script", json::object());
         Members("script", script, {"actions"}, {"embeddedFiles"});
@@ -194,7 +201,7 @@ class TemplateRules {
         Identifier("parameter", parameter);
         Check(parameter.value("type", "") == "INT", "the parameter is of another type");
         static const std::regex range("-?[0-9]+(-(-?[0-9]+)(:[0-9]+)?)?");
-        Check(parameter["range"].is_string() && std::regex_match(parameter["range"].get<std::string>(), range),
+        Check(Member(parameter, "range").is_string() && std::regex_match(parameter["range"].get<std::string>(), range),
               "the range cannot be read");
         known_.insert("Task.Param." + parameter.value("name", ""));
         known_.insert("Task.RawParam." + parameter.value("name", ""));
@@ -212,10 +219,10 @@ class TemplateRules {
         Check(!action.value("command", "").empty(), "the command is empty");
         Format("the command", action.value("command", ""));
         if (action.contains("args") && List("arguments", action, "args", 1000)) {
-            for (const json& argument : action["args"]) Format("an argument", argument);
+            for (const json& argument : Member(action, "args")) Format("an argument", argument);
         }
         if (!action.contains("cancelation")) return;
-        const json& cancelation = action["cancelation"];
+        const json& cancelation = Member(action, "cancelation");
         Members("cancelation", cancelation, {"mode"}, {"notifyPeriodInSeconds"});
         Check(cancelation.value("mode", "") == "NOTIFY_THEN_TERMINATE", "the mode of cancelation");
         const int seconds = cancelation.value("notifyPeriodInSeconds", 30);
