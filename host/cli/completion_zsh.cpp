@@ -50,7 +50,7 @@ std::string Action(const CompletionValue& value) {
     return "";
 }
 
-/// An option's specification: '(-o --output)'{-o+,--output=}'[summary]:FILE:_files'.
+/// An option's form: '(-o --output)'{-o+,--output=}'[summary]:FILE:_files'.
 std::string OptionSpec(const CompletionOption& option) {
     const bool hasValue = option.value.kind != Kind::kNone;
     std::string all, spellings;
