@@ -8,13 +8,16 @@ set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
-# Debian keeps libraries in a folder for each architecture, wherever the prefix is; CMake would do so under /usr alone.
-if(NOT DEFINED CMAKE_INSTALL_LIBDIR AND CMAKE_LIBRARY_ARCHITECTURE AND EXISTS /etc/debian_version)
-    set(CMAKE_INSTALL_LIBDIR lib/${CMAKE_LIBRARY_ARCHITECTURE} CACHE PATH "Object code libraries")
+# The bundle lies where the host looks for it and knows no such folders.
+if(NOT APPLE)
+    # Debian keeps libraries in a folder for each architecture, wherever the prefix is; CMake would do so under /usr alone.
+    if(NOT DEFINED CMAKE_INSTALL_LIBDIR AND CMAKE_LIBRARY_ARCHITECTURE AND EXISTS /etc/debian_version)
+        set(CMAKE_INSTALL_LIBDIR lib/${CMAKE_LIBRARY_ARCHITECTURE} CACHE PATH "Object code libraries")
+    endif()
+    include(GNUInstallDirs)
+    # Where the module lies in an installation, from the prefix on: not among libraries that programs are linked with.
+    set(UMBRANT_MODULE_DESTINATION ${CMAKE_INSTALL_LIBDIR}/umbrant)
 endif()
-include(GNUInstallDirs)
-# Where the module lies in an installation, from the prefix on: not among libraries that programs are linked with.
-set(UMBRANT_MODULE_DESTINATION ${CMAKE_INSTALL_LIBDIR}/umbrant)
 
 find_package(Threads REQUIRED)
 
