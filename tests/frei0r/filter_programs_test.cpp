@@ -38,11 +38,10 @@ class FilterPrograms : public Clips {
         const std::string all = "cd " + Quoted(folder_.Path().string()) + " && export FREI0R_PATH=" +
                                 Quoted(std::filesystem::path(FREI0R_FILTER).parent_path().string()) +
                                 " UMBRANT_RENDERER=cpu UMBRANT_MODULE=" + Quoted(module) + " HOME=. && " + command;
-        const int status = std::system(("(" + all + ") >out.txt 2>err.txt").c_str());
-        const std::string said = ReadBytes("err.txt");
+        const int status =
+            std::system(("(" + all + ") >/dev/null 2>" + Quoted((folder_ / "err.txt").string())).c_str());
+        const std::string said = ReadBytes(folder_ / "err.txt");
         EXPECT_EQ(status, 0) << command << "\n" << said;
-        std::filesystem::remove("err.txt");
-        std::filesystem::remove("out.txt");
         return said;
     }
 

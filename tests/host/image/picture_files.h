@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -24,8 +25,10 @@ class Folder {
  public:
     Folder() {
         const auto* info = testing::UnitTest::GetInstance()->current_test_info();
-        path_ = std::filesystem::path(testing::TempDir()) / (std::string("umbrant_") + std::to_string(getpid()) + "_" +
-                                                             info->test_suite_name() + "_" + info->name());
+        std::string name = "umbrant_" + std::to_string(getpid()) + "_" + info->test_suite_name() + "_" + info->name();
+        // The names of tests over parameters have slashes, which would leave the folders above this one behind.
+        std::replace(name.begin(), name.end(), '/', '_');
+        path_ = std::filesystem::path(testing::TempDir()) / name;
         std::filesystem::remove_all(path_);
         std::filesystem::create_directories(path_);
     }
