@@ -131,14 +131,14 @@ INSTANTIATE_TEST_SUITE_P(All, ProcessorCases, ::testing::ValuesIn(kCases),
                          [](const auto& row) { return TestName(row.param.name); });
 
 // UMBRANT_TEST_SCENES draws another number of scenes, for long runs.
-unsigned Scenes() {
+unsigned Scenes(unsigned usual) {
     const char* text = std::getenv("UMBRANT_TEST_SCENES");
     const int scenes = text ? std::atoi(text) : 0;
-    return scenes > 0 ? static_cast<unsigned>(scenes) : 300;
+    return scenes > 0 ? static_cast<unsigned>(scenes) : usual;
 }
 
 TEST_F(ProcessorTest, BoundsChangeNoByte) {
-    for (unsigned number = 0; number < Scenes(); ++number) {
+    for (unsigned number = 0; number < Scenes(300); ++number) {
         const RandomScene scene = MakeRandomScene(number);
         SetWorksEverywhere(false);
         const Plane bounded = Draw(scene);
@@ -146,6 +146,21 @@ TEST_F(ProcessorTest, BoundsChangeNoByte) {
         const Plane everywhere = Draw(scene);
         ASSERT_EQ(bounded.values, everywhere.values) << scene.words;
     }
+}
+
+TEST_F(ProcessorTest, MatchesTheModelInRandomScenes) {
+    double energy = 0;
+    const auto draw = [&](unsigned number) {
+        const RandomScene scene = MakeRandomScene(number);
+        SCOPED_TRACE(scene.words);
+        const Plane drawn = Draw(scene);
+        energy += ExpectAlike(drawn, Model(scene), scene.panel.samples);
+    };
+    const unsigned scenes = Scenes(100);
+    for (unsigned number = 0; number < scenes; ++number) draw(number);
+    // In these an edge of a copy lies within 1/256 pixel of a pixel's centre.
+    for (const unsigned number : {130u, 184u, 297u}) draw(number);
+    EXPECT_GT(energy, scenes) << "empty pictures prove nothing";
 }
 
 TEST_F(ProcessorTest, EveryInstructionSetAndNumberOfThreadsGivesTheSameBytes) {

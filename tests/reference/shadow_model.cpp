@@ -97,15 +97,23 @@ Plane BlurDown(const Plane& across, int taps, double stride) {
     return out;
 }
 
+// Rasterizers snap corners to a grid of 1/256 pixel before they ask which pixels' centres lie inside.
+double Snap(double corner) {
+    return std::round(corner * 256) / 256;
+}
+
 // Lays the padded copy so that its centre falls (shiftX, shiftY) pixels from the output's, and adds it.
 void Accumulate(const Plane& copy, double paddedW, double paddedH, double shiftX, double shiftY, Plane* out) {
     const double left = out->width / 2.0 + shiftX - paddedW / 2;
     const double top = out->height / 2.0 + shiftY - paddedH / 2;
     for (int y = 0; y < out->height; ++y) {
         for (int x = 0; x < out->width; ++x) {
-            const double u = (x + 0.5 - left) / paddedW;
-            const double v = (y + 0.5 - top) / paddedH;
-            if (u < 0 || u >= 1 || v < 0 || v >= 1) continue;
+            const double centreX = x + 0.5;
+            const double centreY = y + 0.5;
+            if (centreX < Snap(left) || centreX >= Snap(left + paddedW)) continue;
+            if (centreY < Snap(top) || centreY >= Snap(top + paddedH)) continue;
+            const double u = (centreX - left) / paddedW;
+            const double v = (centreY - top) / paddedH;
             const double s = SampleLinear(copy, u, v, Wrap::kMirror);
             const double d = out->At(x, y);
             out->At(x, y) = Round16(s * (1 - d) + d);

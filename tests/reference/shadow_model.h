@@ -3,7 +3,8 @@
 #pragma once
 
 // What a normal shadow must look like: blur, placement and accumulation as plain double-precision loops over one
-// channel, written to be checked by eye. Its only concession to the GPU is the 16-bit rounding after each pass.
+// channel, written to be checked by eye. Its only concessions to the GPU are the 16-bit rounding after each pass and
+// the grid that corners are snapped to.
 
 #include <cstddef>
 #include <vector>

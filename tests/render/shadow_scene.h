@@ -29,8 +29,10 @@ class ShadowScene {
     /// Alpha of a world of the rendered depth, 0..1.
     double AlphaAt(const PF_EffectWorld& world, int x, int y) const;
 
-    /// Holds the alpha of a world against a model; `samples` copies were drawn.
+    /// Holds the alpha of a world against a model that must not be empty; `samples` copies were drawn.
     void ExpectLike(const Plane& drawn, const Plane& expected, double samples) const;
+    /// The same against a model that may be; returns the sum of its alpha.
+    double ExpectAlike(const Plane& drawn, const Plane& expected, double samples) const;
     Plane AlphaOf(const PF_EffectWorld& world) const;
 
     int depth_ = 8;
