@@ -342,7 +342,7 @@ PF_Err Draw(PF_InData* in, PF_SmartRenderExtra* extra) {
     if (depth == 8) Spoil<PF_Pixel>(*output, look, in);
     if (depth == 16) Spoil<PF_Pixel16>(*output, look, in);
     if (depth == 32) Spoil<PF_PixelFloat>(*output, look, in);
-    lastAmount = Is(Mutant::kRemembersFrame) ? look.amount : 0;
+    if (Is(Mutant::kRemembersFrame)) lastAmount = look.amount;
     return PF_Err_NONE;
 }
 
