@@ -40,6 +40,7 @@ struct Slot {
     TapList down;
     std::vector<int32_t> texels;  ///< per output column, from plan.columns.begin - 1 on
     std::vector<float> fractions;
+    bool gentle = false;  ///< no column is more than one texel beyond the one before
     ptrdiff_t pitch = 0;
 
     int Chunks() const { return Divide(plan.columns.Size(), kChunkColumns); }
@@ -125,11 +126,16 @@ void StackDrawer::Memory::StretchColumns(Slot& slot) {
     const Span out = slot.plan.outColumns;
     slot.texels.resize(static_cast<size_t>(out.Size()));
     slot.fractions.resize(static_cast<size_t>(out.Size()));
+    slot.gentle = true;
     for (int i = 0; i < out.Size(); ++i) {
+        const auto column = static_cast<size_t>(i);
         const double at = stretch.At(out.begin + i);
         const double floor = std::floor(at);
-        slot.texels[static_cast<size_t>(i)] = static_cast<int>(TexelAt(at)) - (slot.plan.columns.begin - 1);
-        slot.fractions[static_cast<size_t>(i)] = static_cast<float>(at - floor);
+        slot.texels[column] = static_cast<int>(TexelAt(at)) - (slot.plan.columns.begin - 1);
+        slot.fractions[column] = static_cast<float>(at - floor);
+        // A scale of at most 1 promises nothing: places that differ by 1 may lie on two sides of a texel's centre by
+        // their last bits alone, and then a texel is stepped over.
+        if (i > 0 && slot.texels[column] > slot.texels[column - 1] + 1) slot.gentle = false;
     }
 }
 
@@ -172,7 +178,7 @@ void StackDrawer::Memory::PlaceRows(const Slot& slot, const float* rows, Span ha
 
     int pixel =
         std::max(plan.outRows.begin, static_cast<int>(TexelAt((texelRows.begin - stretch.offset) / stretch.scale)) - 1);
-    const PlaceColumns place{slot.texels.data(), slot.fractions.data(), plan.outColumns.Size(), stretch.scale <= 1};
+    const PlaceColumns place{slot.texels.data(), slot.fractions.data(), plan.outColumns.Size(), slot.gentle};
     for (; pixel < plan.outRows.end; ++pixel) {
         const double at = stretch.At(pixel);
         const auto texel = TexelAt(at);

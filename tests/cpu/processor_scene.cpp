@@ -4,6 +4,8 @@
 #include "tests/cpu/processor_scene.h"
 
 Plane SceneRenderer::Draw(const RandomScene& scene) {
+    host_.outData.return_msg[0] = '\0';
+    mayBeTooSmall_ = true;
     host_.inData.width = scene.width;
     host_.inData.height = scene.height;
     SetPanel(scene.type, scene.panel);

@@ -9,7 +9,9 @@
 
 class SceneRenderer : public ShadowScene {
  public:
-    /// The accumulated alpha, 0..1. Fails the test when the render does.
+    /// The accumulated alpha, 0..1. Fails the test when the render does, but for an inner shadow in so small a layer
+    /// that its buffer has no pixel: that has no alpha, and a message.
     Plane Draw(const RandomScene& scene);
     RenderHost& Host() { return host_; }
+    std::string Message() const { return host_.outData.return_msg; }
 };

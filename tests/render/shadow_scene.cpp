@@ -8,6 +8,7 @@
 #include <cctype>
 #include <cmath>
 
+#include "render/passes.h"
 #include "render/pre_render.h"
 #include "render/smart_render.h"
 
@@ -96,7 +97,10 @@ void ShadowScene::Render(double scale, int depth, double (*alphaOf)(int, int), c
     host_.input = &input_->world;
     host_.output = &output_->world;
     ASSERT_EQ(SmartRender(&host_.inData, &host_.outData, &host_.renderExtra), PF_Err_NONE);
-    EXPECT_STREQ(host_.outData.return_msg, "");
+    const std::string message = host_.outData.return_msg;
+    if (!mayBeTooSmall_ || message != kInnerTooSmall) {
+        EXPECT_EQ(message, "");
+    }
     EXPECT_TRUE(output_->PaddingIntact());
     EXPECT_TRUE(input_->PaddingIntact());
 }

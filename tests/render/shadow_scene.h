@@ -35,6 +35,7 @@ class ShadowScene {
     double ExpectAlike(const Plane& drawn, const Plane& expected, double samples) const;
     Plane AlphaOf(const PF_EffectWorld& world) const;
 
+    bool mayBeTooSmall_ = false;  ///< whether a render may say that the layer is too small for an inner shadow
     int depth_ = 8;
     RenderHost host_;
     std::unique_ptr<TestWorld> input_;
