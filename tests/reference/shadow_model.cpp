@@ -32,8 +32,9 @@ double Ease(int mode, double i, double n, double b, double c) {
     return b + c / 2 * (2 - std::pow(2, -10 * (u - 1)));
 }
 
+// In this form a mix of equal numbers is that number to the last bit, on which a tap more or less may hang.
 double Mix(double from, double to, double weight) {
-    return from * (1 - weight) + to * weight;
+    return from - (from - to) * weight;
 }
 
 struct Copy {
