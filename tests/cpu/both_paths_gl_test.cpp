@@ -45,13 +45,6 @@ constexpr double kStepsOfPlace = 16;
 // Of a smaller picture a share of this many pixels may differ: a single pixel is a large part of a tiny one.
 constexpr size_t kFewestPixels = 1000;
 
-// UMBRANT_TEST_SCENES draws another number of scenes, for long runs.
-unsigned Scenes() {
-    const char* text = std::getenv("UMBRANT_TEST_SCENES");
-    const int scenes = text ? std::atoi(text) : 0;
-    return scenes > 0 ? static_cast<unsigned>(scenes) : 300;
-}
-
 class BothPaths : public GLContextTest, protected SceneRenderer {
  protected:
     void SetUp() override {
@@ -97,11 +90,11 @@ class BothPaths : public GLContextTest, protected SceneRenderer {
 };
 
 TEST_F(BothPaths, DrawRandomScenesAlike) {
-    for (unsigned number = 0; number < Scenes(); ++number) ExpectAlike(MakeRandomScene(number));
+    for (unsigned number = 0; number < ScenesToDraw(300); ++number) ExpectAlike(MakeRandomScene(number));
 }
 
 TEST_F(BothPaths, BoundsChangeNoByteOnTheGpu) {
-    for (unsigned number = 0; number < Scenes(); ++number) {
+    for (unsigned number = 0; number < ScenesToDraw(300); ++number) {
         const RandomScene scene = MakeRandomScene(number);
         SetWorksEverywhere(false);
         const Plane bounded = DrawBy(RendererChoice::kOpenGL, scene);

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <string>
 #include <thread>
 
@@ -130,20 +129,13 @@ TEST_P(ProcessorCases, MatchTheModel) {
 INSTANTIATE_TEST_SUITE_P(All, ProcessorCases, ::testing::ValuesIn(kCases),
                          [](const auto& row) { return TestName(row.param.name); });
 
-// UMBRANT_TEST_SCENES draws another number of scenes, for long runs.
-unsigned Scenes(unsigned usual) {
-    const char* text = std::getenv("UMBRANT_TEST_SCENES");
-    const int scenes = text ? std::atoi(text) : 0;
-    return scenes > 0 ? static_cast<unsigned>(scenes) : usual;
-}
-
 // In these an edge of a copy lies within 1/256 pixel of a pixel's centre.
 constexpr unsigned kEdgesOnCentres[] = {130, 184, 297};
 // In these the places of output columns step over a texel by their last bits.
 constexpr unsigned kTexelsSteppedOver[] = {866, 896, 1187, 1794, 2549};
 
 TEST_F(ProcessorTest, BoundsChangeNoByte) {
-    for (unsigned number = 0; number < Scenes(300); ++number) {
+    for (unsigned number = 0; number < ScenesToDraw(300); ++number) {
         const RandomScene scene = MakeRandomScene(number);
         SetWorksEverywhere(false);
         const Plane bounded = Draw(scene);
@@ -162,7 +154,7 @@ TEST_F(ProcessorTest, MatchesTheModelInRandomScenes) {
         if (!Message().empty()) return;
         energy += ExpectAlike(drawn, Model(scene), scene.panel.samples);
     };
-    const unsigned scenes = Scenes(100);
+    const unsigned scenes = ScenesToDraw(100);
     for (unsigned number = 0; number < scenes; ++number) draw(number);
     for (const unsigned number : kEdgesOnCentres) draw(number);
     for (const unsigned number : kTexelsSteppedOver) draw(number);

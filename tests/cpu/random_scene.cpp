@@ -4,6 +4,7 @@
 #include "tests/cpu/random_scene.h"
 
 #include <cmath>
+#include <cstdlib>
 #include <random>
 #include <sstream>
 
@@ -103,4 +104,10 @@ RandomScene MakeRandomScene(unsigned number) {
           << p.samples << ", resolution " << p.resolution;
     scene.words = words.str();
     return scene;
+}
+
+unsigned ScenesToDraw(unsigned usual) {
+    const char* text = std::getenv("UMBRANT_TEST_SCENES");
+    const int scenes = text ? std::atoi(text) : 0;
+    return scenes > 0 ? static_cast<unsigned>(scenes) : usual;
 }

@@ -23,3 +23,6 @@ struct RandomScene {
 
 /// Scene `number`; costly values are rare. Sets what the scene's `alphaOf` draws, until the next call.
 RandomScene MakeRandomScene(unsigned number);
+
+/// How many scenes a test draws: `usual`, or what UMBRANT_TEST_SCENES says, for long runs.
+unsigned ScenesToDraw(unsigned usual);
