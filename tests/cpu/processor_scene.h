@@ -12,6 +12,8 @@ class SceneRenderer : public ShadowScene {
     /// The accumulated alpha, 0..1. Fails the test when the render does, but for an inner shadow in so small a layer
     /// that its buffer has no pixel: that has no alpha, and a message.
     Plane Draw(const RandomScene& scene);
+    /// What the scene that was drawn last must look like.
+    Plane Model(const RandomScene& scene) const;
     RenderHost& Host() { return host_; }
     std::string Message() const { return host_.outData.return_msg; }
 };

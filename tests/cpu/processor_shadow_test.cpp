@@ -39,24 +39,6 @@ class ProcessorTest : public ::testing::Test, protected SceneRenderer {
         EXPECT_TRUE(fake::Calls().empty()) << "no call to GL: " << fake::Calls().front();
         fake::Reset();
     }
-
-    Plane Model(const RandomScene& s) const {
-        const int width = output_->world.width;
-        const int height = output_->world.height;
-        if (s.type == SHADOW_NORMAL) {
-            return NormalShadow(alpha_, s.panel, {record_->centreOffsetX, record_->centreOffsetY}, width, height);
-        }
-        if (s.type == SHADOW_INNER) {
-            return InnerShadow(alpha_, s.panel, {record_->innerGrowLeft, record_->innerGrowTop}, 1, width, height);
-        }
-        const RadialPlacement placement{s.originX,
-                                        s.originY,
-                                        record_->centreOffsetX,
-                                        record_->centreOffsetY,
-                                        static_cast<double>(output_->world.origin_x) - input_->world.origin_x,
-                                        static_cast<double>(output_->world.origin_y) - input_->world.origin_y};
-        return RadialShadow(alpha_, s.panel, placement, width, height);
-    }
 };
 
 struct Case {
