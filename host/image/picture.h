@@ -35,6 +35,10 @@ struct Picture {
 /// pixels than can be drawn, which is found out before memory is taken for them.
 Result<Picture> ReadPicture(const std::filesystem::path& file);
 
+/// The same without reading pixels: the picture has its sizes, format and depth, and neither pixels nor metadata. Fails
+/// as ReadPicture does, except for what only the pixels show.
+Result<Picture> ReadPictureHeader(const std::filesystem::path& file);
+
 /// Where a picture's pixels belong.
 struct Placement {
     PF_LRect window{};   ///< the world's place in the frame

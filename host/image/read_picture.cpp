@@ -167,8 +167,9 @@ std::optional<std::string> WhyTooLarge(int width, int height, int channels) {
     return std::nullopt;
 }
 
-Result<Picture> ReadOpened(OIIO::ImageInput& input, const fs::path& file) {
-    const OIIO::ImageSpec layout = input.spec();
+/// All that the header says: a picture without pixels and metadata.
+Result<Picture> ReadHeader(const OIIO::ImageInput& input, const fs::path& file) {
+    const OIIO::ImageSpec& layout = input.spec();
     if (layout.deep) return CannotRead(file, "it is a deep picture; flatten it first");
     if (layout.depth > 1) return CannotRead(file, "it is a volume, not a flat picture");
     if (layout.width <= 0 || layout.height <= 0 || layout.nchannels <= 0) return CannotRead(file, "it has no pixels");
@@ -179,7 +180,6 @@ Result<Picture> ReadOpened(OIIO::ImageInput& input, const fs::path& file) {
         return CannotRead(file, "it has several parts; save the one you need as a file of its own");
     }
 
-    const bool eight = layout.format.size() == 1;
     picture.bits = layout.get_int_attribute("oiio:BitsPerSample", static_cast<int>(layout.format.size()) * 8);
     picture.window = {0, 0, layout.width, layout.height};
     picture.frameWidth = layout.width;
@@ -196,20 +196,28 @@ Result<Picture> ReadOpened(OIIO::ImageInput& input, const fs::path& file) {
         return CannotRead(file, *reason);
     if (const auto reason = WhyTooLarge(picture.frameWidth, picture.frameHeight, 4)) return CannotRead(file, *reason);
     picture.isHalf = layout.format == OIIO::TypeDesc::HALF;
-    picture.metadata = std::make_shared<const PictureMetadata>(MetadataOf(layout, picture.format));
-    picture.pixels = World::Create(layout.width, layout.height, eight ? Depth::k8 : Depth::k32);
-    if (picture.pixels.IsNull()) return CannotRead(file, "there is not enough memory for it");
+    return picture;
+}
+
+Result<Picture> ReadOpened(OIIO::ImageInput& input, const fs::path& file) {
+    auto picture = ReadHeader(input, file);
+    if (!picture) return picture;
+    const OIIO::ImageSpec layout = input.spec();
+    const bool eight = layout.format.size() == 1;
+    picture->metadata = std::make_shared<const PictureMetadata>(MetadataOf(layout, picture->format));
+    picture->pixels = World::Create(layout.width, layout.height, eight ? Depth::k8 : Depth::k32);
+    if (picture->pixels.IsNull()) return CannotRead(file, "there is not enough memory for it");
 
     const auto problem =
-        eight ? ReadPixels<PF_Pixel, A_u_char>(input, layout, OIIO::TypeDesc::UINT8, 255, picture.pixels)
-              : ReadPixels<PF_PixelFloat, float>(input, layout, OIIO::TypeDesc::FLOAT, 1.0f, picture.pixels);
+        eight ? ReadPixels<PF_Pixel, A_u_char>(input, layout, OIIO::TypeDesc::UINT8, 255, picture->pixels)
+              : ReadPixels<PF_PixelFloat, float>(input, layout, OIIO::TypeDesc::FLOAT, 1.0f, picture->pixels);
     if (problem) return CannotRead(file, Reason(*problem, file));
     return picture;
 }
 
-}  // namespace
-
-Result<Picture> ReadPicture(const fs::path& file) {
+/// Opens the file and lets `read` make a picture of it.
+template <typename Read>
+Result<Picture> OpenAnd(const fs::path& file, Read read) {
     if (const auto reason = WhyNoFile(file)) return CannotRead(file, *reason);
     try {
         // Without this the library would hand over straight files premultiplied, and rounded.
@@ -220,10 +228,20 @@ Result<Picture> ReadPicture(const fs::path& file) {
             const std::string message = OIIO::geterror();
             return CannotRead(file, fmt::format("it is not a picture that can be read ({})", Reason(message, file)));
         }
-        return ReadOpened(*input, file);
+        return read(*input, file);
     } catch (const std::bad_alloc&) {
         return CannotRead(file, "there is not enough memory for it");
     } catch (const std::exception& problem) {
         return CannotRead(file, Reason(problem.what(), file));
     }
+}
+
+}  // namespace
+
+Result<Picture> ReadPicture(const fs::path& file) {
+    return OpenAnd(file, ReadOpened);
+}
+
+Result<Picture> ReadPictureHeader(const fs::path& file) {
+    return OpenAnd(file, ReadHeader);
 }

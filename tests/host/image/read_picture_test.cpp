@@ -289,7 +289,34 @@ TEST(ReadPicture, ExrWindowsAreKept) {
         EXPECT_EQ(picture->window.bottom, row.window.bottom);
         EXPECT_EQ(picture->frameWidth, row.fullWidth);
         EXPECT_EQ(picture->frameHeight, row.fullHeight);
+
+        const auto header = ReadPictureHeader(folder / "a.exr");
+        ASSERT_TRUE(header) << header.Error().sentence;
+        EXPECT_EQ(header->window.left, row.window.left);
+        EXPECT_EQ(header->window.bottom, row.window.bottom);
+        EXPECT_EQ(header->frameWidth, row.fullWidth);
+        EXPECT_EQ(header->frameHeight, row.fullHeight);
+        EXPECT_EQ(header->bits, picture->bits);
+        EXPECT_TRUE(header->pixels.IsNull());
     }
+}
+
+TEST(ReadPicture, AHeaderIsReadWithoutThePixels) {
+    const Folder folder;
+    OIIO::ImageSpec layout = LayoutOf(4, OIIO::TypeDesc::UINT8);
+    layout.width = layout.full_width = 400;
+    WriteFile(folder / "a.png", layout, {0.1f, 0.2f, 0.3f, 1});
+    const std::string whole = ReadBytes(folder / "a.png");
+    WriteBytes(folder / "cut.png", whole.substr(0, whole.size() - 20));
+    ASSERT_FALSE(ReadPicture(folder / "cut.png"));
+    const auto header = ReadPictureHeader(folder / "cut.png");
+    ASSERT_TRUE(header) << header.Error().sentence;
+    EXPECT_EQ(header->frameWidth, 400);
+    EXPECT_EQ(header->frameHeight, 2);
+    const auto missing = ReadPictureHeader(folder / "missing.png");
+    ASSERT_FALSE(missing);
+    EXPECT_EQ(missing.Error().code, ExitCode::kFile);
+    EXPECT_THAT(missing.Error().sentence, HasSubstr("there is no such file"));
 }
 
 void ExpectRefused(const std::filesystem::path& file, const std::string& reason) {
