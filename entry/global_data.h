@@ -4,7 +4,12 @@
 
 // What lives from global set-up to global set-down: the driver's strings and the probe context that read them.
 
+#include <algorithm>
+#include <mutex>
+#include <vector>
+
 #include "hostapi/basic_types.h"
+#include "hostapi/suites/handle_suite.h"
 #include "platform/cgl_api.h"
 
 /// The effect's global data, in a host handle. Zero-filled when created; the strings are NUL-terminated and cut to fit.
@@ -16,4 +21,54 @@ struct GlobalData {
     CGLContextObj context;   ///< the probe context, or null: then OpenGL is not usable at all
     /// 1 once a render has recorded its renderer. Written under the render mutex; parameter rows are fixed earlier.
     A_u_char rendererRecorded;
+};
+
+/// The handles whose record global set-up has written. Behind any other handle, one that could not be locked then
+/// included, the memory may hold anything: whoever reads global data takes it for an empty record. [any]
+class WrittenRecords {
+ public:
+    void Note(PF_Handle handle) {
+        const std::lock_guard lock(mutex_);
+        handles_.push_back(handle);
+    }
+    void Forget(PF_Handle handle) {
+        const std::lock_guard lock(mutex_);
+        handles_.erase(std::remove(handles_.begin(), handles_.end(), handle), handles_.end());
+    }
+    bool Contains(PF_Handle handle) const {
+        const std::lock_guard lock(mutex_);
+        return std::find(handles_.begin(), handles_.end(), handle) != handles_.end();
+    }
+
+ private:
+    mutable std::mutex mutex_;
+    std::vector<PF_Handle> handles_;
+};
+inline WrittenRecords writtenRecords;
+
+/// The record behind a handle of global data, locked for the length of a scope: the handle's own pointer is valid only
+/// under a lock.
+class LockedGlobalData {
+ public:
+    LockedGlobalData(const PF_HandleSuite1* handles, PF_Handle handle) : handles_(handles), handle_(handle) {
+        if (writtenRecords.Contains(handle)) record_ = static_cast<GlobalData*>(handles->host_lock_handle(handle));
+    }
+    ~LockedGlobalData() {
+        if (record_ == nullptr) return;
+        try {
+            handles_->host_unlock_handle(handle_);
+        } catch (...) {
+            // A host that throws must not end the program here: this may run while another exception is on its way.
+        }
+    }
+    LockedGlobalData(const LockedGlobalData&) = delete;
+    LockedGlobalData& operator=(const LockedGlobalData&) = delete;
+
+    /// Null for an empty record.
+    GlobalData* Get() const { return record_; }
+
+ private:
+    const PF_HandleSuite1* handles_;
+    PF_Handle handle_;
+    GlobalData* record_ = nullptr;
 };

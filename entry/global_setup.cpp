@@ -9,6 +9,7 @@
 
 #include "entry/global_data.h"
 #include "entry/suites/suite_handler.h"
+#include "entry/suites/without_throwing.h"
 #include "entry/version.h"
 #include "gl/context.h"
 #include "platform/gl_api.h"
@@ -44,6 +45,50 @@ void ProbeDriver(GlobalData* record) {
     SetCurrentContext(previous);
 }
 
+/// The record of one set-up. Until `Keep`, everything that was made for it is given back at the end of the scope.
+class NewRecord {
+ public:
+    explicit NewRecord(const PF_HandleSuite1* handles)
+        : handles_(handles), handle_(handles->host_new_handle(sizeof(GlobalData))) {}
+    ~NewRecord() {
+        if (handle_ == nullptr) return;
+        if (context_ != nullptr) DeleteContext(context_);
+        writtenRecords.Forget(handle_);
+        WithoutThrowing([this] { Unlock(); });
+        WithoutThrowing([this] { handles_->host_dispose_handle(handle_); });
+    }
+    NewRecord(const NewRecord&) = delete;
+    NewRecord& operator=(const NewRecord&) = delete;
+
+    PF_Handle Handle() const { return handle_; }
+
+    /// Fills the record in, under a lock that stays. Where there is no lock nothing is written: the unlocked handle's
+    /// pointer may lead anywhere.
+    void Fill() {
+        writtenRecords.Forget(handle_);
+        auto* record = static_cast<GlobalData*>(handles_->host_lock_handle(handle_));
+        if (record == nullptr) return;
+        locked_ = true;
+        std::memset(record, 0, sizeof(GlobalData));
+        writtenRecords.Note(handle_);
+        ProbeDriver(record);
+        context_ = record->context;
+    }
+    void Unlock() {
+        if (locked_) {
+            locked_ = false;
+            handles_->host_unlock_handle(handle_);
+        }
+    }
+    void Keep() { handle_ = nullptr; }
+
+ private:
+    const PF_HandleSuite1* handles_;
+    PF_Handle handle_;
+    CGLContextObj context_ = nullptr;
+    bool locked_ = false;
+};
+
 }  // namespace
 
 PF_Err GlobalSetup(PF_InData* in_data, PF_OutData* out_data) {
@@ -54,18 +99,18 @@ PF_Err GlobalSetup(PF_InData* in_data, PF_OutData* out_data) {
 
     AEGP_SuiteHandler suites(in_data->pica_basicP);
     const PF_HandleSuite1* handles = suites.HandleSuite1();
-    const PF_Handle handle = handles->host_new_handle(sizeof(GlobalData));
-    if (handle == nullptr) return PF_Err_NONE;
-    auto* record = static_cast<GlobalData*>(handles->host_lock_handle(handle));
-    if (record != nullptr) {
-        std::memset(record, 0, sizeof(GlobalData));
-        ProbeDriver(record);
-    } else if (*handle != nullptr) {
-        // Later commands read the record without a lock: it must not hold what the memory held before.
-        std::memset(*handle, 0, sizeof(GlobalData));
+    NewRecord record(handles);
+    if (record.Handle() == nullptr) return PF_Err_NONE;
+    record.Fill();
+    const PF_Handle previous = out_data->global_data;
+    out_data->global_data = record.Handle();
+    try {
+        record.Unlock();
+    } catch (...) {
+        out_data->global_data = previous;
+        throw;
     }
-    out_data->global_data = handle;
-    if (record != nullptr) handles->host_unlock_handle(handle);
+    record.Keep();
     return PF_Err_NONE;
 }
 
@@ -78,13 +123,13 @@ PF_Err GlobalSetdown(PF_InData* in_data) {
     if (handle == nullptr) return PF_Err_NONE;
     auto* record = static_cast<GlobalData*>(handles->host_lock_handle(handle));
     if (record == nullptr) return PF_Err_NONE;
-    if (record->context != nullptr) {
+    if (writtenRecords.Contains(handle) && record->context != nullptr) {
         SetCurrentContext(record->context);
         DeleteContext(record->context);
         SetCurrentContext(nullptr);
     }
-    handles->host_unlock_handle(handle);
-    handles->host_dispose_handle(handle);
-    in_data->global_data = nullptr;
+    writtenRecords.Forget(handle);
+    RunBoth([&] { handles->host_unlock_handle(handle); },
+            [&] { RunBoth([&] { handles->host_dispose_handle(handle); }, [&] { in_data->global_data = nullptr; }); });
     return PF_Err_NONE;
 }

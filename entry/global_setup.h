@@ -17,8 +17,8 @@ extern std::recursive_mutex globalMutex;
 extern AEGP_PluginID my_id;
 
 /// Announces version and flags, and keeps `GlobalData` with a probe context and the driver's strings in
-/// `out_data->global_data`. Returns 0, also when there is no memory for the record or no context can be made; throws
-/// 516 for a missing suite.
+/// `out_data->global_data`. Returns 0, also when there is no memory for the record, the record cannot be locked (the
+/// handle is then kept with nothing written) or no context can be made; throws 516 for a missing suite.
 PF_Err GlobalSetup(PF_InData* in_data, PF_OutData* out_data);
 
 /// Deletes the probe context and the record and clears `in_data->global_data`; does nothing when there is none or it

@@ -10,6 +10,7 @@
 
 #include "entry/about.h"
 #include "entry/param_table.h"
+#include "entry/suites/suite_handler.h"
 #include "hostapi/custom_ui.h"
 
 namespace {
@@ -25,12 +26,12 @@ void CopyText(const char* text, char (&field)[kSize]) {
     field[length] = '\0';
 }
 
-/// The driver's strings from global set-up; all "NULL" when there are none. Set-up runs on the main thread, where the
-/// record does not move, so the handle is read without the handle suite.
-GlobalData DriverStrings(const PF_InData* in_data) {
+/// The driver's strings from global set-up; all "NULL" when there are none.
+GlobalData DriverStrings(const PF_InData* in_data, AEGP_SuiteHandler& suites) {
     GlobalData strings{};
-    if (in_data->global_data != nullptr && *in_data->global_data != nullptr) {
-        std::memcpy(&strings, *in_data->global_data, sizeof(strings));
+    if (in_data->global_data != nullptr) {
+        const LockedGlobalData record(suites.HandleSuite1(), in_data->global_data);
+        if (record.Get() != nullptr) strings = *record.Get();
     }
     const bool none = strings.gl_version[0] == '\0';
     for (auto field :
@@ -97,7 +98,8 @@ void RegisterPanel(PF_InData* in_data) {
 }  // namespace
 
 PF_Err ParamsSetup(PF_InData* in_data, PF_OutData* out_data) {
-    const GlobalData driver = DriverStrings(in_data);
+    AEGP_SuiteHandler suites(in_data->pica_basicP);
+    const GlobalData driver = DriverStrings(in_data, suites);
     const std::string versionedName = VersionedEffectName();
     for (const ParamRow& row : kParamTable) {
         if (row.index == PARAM_INPUT) continue;

@@ -7,5 +7,5 @@
 #include "hostapi/commands.h"
 
 /// Adds every row of the parameter table but the input layer, registers the self-drawn area, and tells the host the
-/// count. Uses no suite. Returns the first error of `add_param`, with the count then untouched.
+/// count. Returns the first error of `add_param`, with the count then untouched; throws 516 for a missing suite.
 PF_Err ParamsSetup(PF_InData* in_data, PF_OutData* out_data);

@@ -13,9 +13,9 @@ thread_local std::unique_ptr<LocalGLStruct, tls_ctx_deleter> local_render_data;
 
 namespace {
 
-// Whether global set-up could make a context at all. The host keeps a handle's pointer valid also while it is unlocked.
+// Whether global set-up could make a context at all. Intended: the handle's pointer is read without a lock.
 bool HasProbeContext(PF_Handle globalData) {
-    if (!globalData || !*globalData) return false;
+    if (!writtenRecords.Contains(globalData) || !*globalData) return false;
     return reinterpret_cast<const GlobalData*>(*globalData)->context != nullptr;
 }
 

@@ -7,6 +7,7 @@
 
 #include "entry/global_data.h"
 #include "entry/suites/suite_handler.h"
+#include "entry/suites/without_throwing.h"
 #include "gl/thread_state.h"
 #include "hostapi/errors.h"
 #include "platform/gl_api.h"
@@ -28,7 +29,9 @@ class CheckedOutLayers {
  public:
     CheckedOutLayers(PF_InData* in_data, const PF_SmartRenderCallbacks* callbacks)
         : in_data_(in_data), callbacks_(callbacks) {}
-    ~CheckedOutLayers() { CheckIn(); }
+    ~CheckedOutLayers() {
+        while (count_ > 0) WithoutThrowing([this] { CheckIn(); });
+    }
     CheckedOutLayers(const CheckedOutLayers&) = delete;
     CheckedOutLayers& operator=(const CheckedOutLayers&) = delete;
 
@@ -56,9 +59,10 @@ class CheckedOutLayers {
 };
 
 // The panel shows which renderer draws; the first render knows. Called with the render mutex held.
-void RecordRenderer(PF_InData* in_data, const char* renderer) {
+void RecordRenderer(PF_InData* in_data, AEGP_SuiteHandler& suites, const char* renderer) {
     if (!in_data->global_data) return;
-    auto* global = *reinterpret_cast<GlobalData**>(in_data->global_data);
+    const LockedGlobalData locked(suites.HandleSuite1(), in_data->global_data);
+    GlobalData* global = locked.Get();
     if (!global || global->rendererRecorded) return;
     if (renderer) {
         std::strncpy(global->gl_renderer, renderer, sizeof(global->gl_renderer) - 1);
@@ -71,7 +75,7 @@ void RecordRenderer(PF_InData* in_data, const char* renderer) {
 PF_Err RenderPassesOnProcessor(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings,
                                const RadialGeometry& radial) {
     if (!HasProcessorPath()) return PF_Err_INTERNAL_STRUCT_DAMAGED;
-    RecordRenderer(in_data, ProcessorName().c_str());
+    RecordRenderer(in_data, suites, ProcessorName().c_str());
     switch (settings->shadowType) {
         case SHADOW_NORMAL:
             return RenderNormalOnProcessor(in_data, out_data, suites, settings);
@@ -93,7 +97,7 @@ PF_Err RenderPasses(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler&
     }
     InitThreadLocalRenderData(in_data, out_data);
     if (!local_render_data || !local_render_data->context) return PF_Err_INTERNAL_STRUCT_DAMAGED;
-    RecordRenderer(in_data, reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
+    RecordRenderer(in_data, suites, reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
     switch (settings->shadowType) {
         case SHADOW_NORMAL:
             return RenderNormalPasses(in_data, out_data, suites, settings);
@@ -149,6 +153,6 @@ PF_Err SmartRender(PF_InData* in_data, PF_OutData* out_data, PF_SmartRenderExtra
 
     CheckedOutLayers layers(in_data, extra->cb);
     const PF_Err rendered = RenderFrame(in_data, out_data, extra, suites, params, &layers);
-    const PF_Err checkedIn = layers.CheckIn();
-    return rendered ? rendered : checkedIn;
+    if (rendered) return rendered;  // which wins over the check-ins'
+    return layers.CheckIn();
 }

@@ -99,10 +99,10 @@ TEST_F(DispatchTest, EveryCommandWithoutABasicSuite) {
     EXPECT_EQ(EventCommand(PF_Event_DRAW), 516);
     EXPECT_EQ(PreRenderCommand(), 516);
     EXPECT_EQ(RenderCommand(), 516);
-    // These use no suite.
     host.inData.inter.add_param = [](PF_ProgPtr, PF_ParamIndex, PF_ParamDefPtr) { return PF_Err{}; };
     host.inData.inter.register_ui = [](PF_ProgPtr, PF_CustomUIInfo*) { return PF_Err{}; };
-    EXPECT_EQ(Call(PF_Cmd_PARAMS_SETUP), PF_Err_NONE);
+    EXPECT_EQ(Call(PF_Cmd_PARAMS_SETUP), 516);
+    // These use no suite.
     EXPECT_EQ(Call(PF_Cmd_QUERY_DYNAMIC_FLAGS), PF_Err_NONE);
     for (PF_EventType type : {-1, 0, 1, 2, 3, 5, 6, 7, 8, 9, 10, 11, 12, 99}) {
         EXPECT_EQ(EventCommand(type), PF_Err_NONE) << type;

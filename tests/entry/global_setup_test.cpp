@@ -8,9 +8,13 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <iterator>
+#include <thread>
 
 #include "entry/global_data.h"
 #include "gl/context.h"
+#include "gl/thread_state.h"
+#include "hostapi/custom_ui.h"
 #include "tests/entry/entry_fixture.h"
 #include "tests/support/capture_stdout.h"
 
@@ -33,7 +37,7 @@ class GlobalSetupTest : public EntryTest {
         host.inData.global_data = host.outData.global_data;
         return Call(PF_Cmd_GLOBAL_SETDOWN);
     }
-    GlobalData& Record() { return *reinterpret_cast<GlobalData*>(*host.outData.global_data); }
+    GlobalData& Record() { return *static_cast<GlobalData*>(host.BytesOf(host.outData.global_data)); }
 };
 
 TEST_F(GlobalSetupTest, AnnouncesVersionAndFlags) {
@@ -189,17 +193,116 @@ TEST_F(GlobalSetupTest, NoMemoryIsNoError) {
     ExpectBalanced();
 }
 
-TEST_F(GlobalSetupTest, AHandleThatCannotBeLockedIsStoredEmpty) {
-    host.failLock = 1;
-    EXPECT_EQ(SetUpModule(), PF_Err_NONE);
-    EXPECT_NE(host.outData.global_data, nullptr);
+// An unlocked handle's pointer need not lead anywhere: here it leads to memory of somebody else's.
+class UnlockableRecordTest : public GlobalSetupTest {
+ protected:
+    UnlockableRecordTest() : foreign_(sizeof(GlobalData) * 2, kForeign) {
+        host.PointUnlockedHandlesTo(foreign_.data());
+        host.inData.inter.add_param = [](PF_ProgPtr, PF_ParamIndex index, PF_ParamDefPtr def) {
+            static_cast<void>(index);
+            if (def->param_type == PF_Param_POPUP) popups.push_back(def->u.pd.u.namesptr);
+            return PF_Err{};
+        };
+        host.inData.inter.register_ui = [](PF_ProgPtr, PF_CustomUIInfo*) { return PF_Err{}; };
+        popups.clear();
+    }
+    ~UnlockableRecordTest() override {
+        EXPECT_EQ(std::count(foreign_.begin(), foreign_.end(), kForeign), std::ssize(foreign_))
+            << "written through the pointer of a handle that is not locked";
+    }
+
+    /// Set-up whose lock fails, on memory that holds what an earlier owner left: bytes that make a context, too.
+    void SetUpWithoutLock() {
+        host.failLock = 1;
+        newHandleOfTheHost = host.handleSuite.host_new_handle;
+        host.handleSuite.host_new_handle = [](A_HandleSize size) {
+            const PF_Handle handle = newHandleOfTheHost(size);
+            std::memset(TestHost::Current().BytesOf(handle), kForeign, size);
+            return handle;
+        };
+        EXPECT_EQ(SetUpModule(), PF_Err_NONE);
+        host.inData.global_data = host.outData.global_data;
+    }
+
+    static constexpr char kForeign = 0x2B;
+    static inline PF_Handle (*newHandleOfTheHost)(A_HandleSize) = nullptr;
+    static inline std::vector<std::string> popups;
+    std::vector<char> foreign_;
+};
+
+TEST_F(UnlockableRecordTest, AHandleThatCannotBeLockedIsStoredUnwritten) {
+    SetUpWithoutLock();
+    ASSERT_NE(host.outData.global_data, nullptr);
     EXPECT_TRUE(fake::Calls().empty()) << "no probe without a record";
+    EXPECT_EQ(host.CountOf("host_lock_handle"), 1);
     EXPECT_EQ(host.CountOf("host_unlock_handle"), 0) << "there is no lock to take back";
-    const auto* record = *reinterpret_cast<GlobalData**>(host.outData.global_data);
-    EXPECT_EQ(record->context, nullptr) << "later commands read it without a lock";
-    EXPECT_EQ(record->gl_version[0], '\0');
+    EXPECT_EQ(host.CountOf("host_dispose_handle"), 0);
+    const auto* bytes = static_cast<const char*>(host.BytesOf(host.outData.global_data));
+    EXPECT_EQ(std::count(bytes, bytes + sizeof(GlobalData), kForeign), std::ssize(foreign_) / 2) << "not written";
     EXPECT_EQ(host.misuses, 0);
     EXPECT_EQ(host.suiteBalance.at({"PF Handle Suite", 2}), 0);
+}
+
+TEST_F(UnlockableRecordTest, ItsParametersNameNoDriver) {
+    SetUpWithoutLock();
+    EXPECT_EQ(Call(PF_Cmd_PARAMS_SETUP), PF_Err_NONE);
+    ASSERT_GE(popups.size(), 4u);
+    EXPECT_EQ(std::vector(popups.begin(), popups.begin() + 4), Lines(4, "NULL"));
+}
+
+TEST_F(UnlockableRecordTest, NoThreadMakesAContextForIt) {
+    SetUpWithoutLock();
+    std::thread([this] {
+        InitThreadLocalRenderData(&host.inData, &host.outData);
+        EXPECT_EQ(local_render_data, nullptr);
+    }).join();
+    EXPECT_TRUE(fake::Calls().empty());
+}
+
+TEST_F(UnlockableRecordTest, SetDownDeletesNoContextFromIt) {
+    SetUpWithoutLock();
+    EXPECT_EQ(SetDownModule(), PF_Err_NONE) << "the lock succeeds now";
+    EXPECT_TRUE(fake::Calls().empty()) << "what the memory held is no context";
+    EXPECT_EQ(host.CountOf("host_dispose_handle"), 1);
+    EXPECT_EQ(host.inData.global_data, nullptr);
+    ExpectBalanced();
+}
+
+// The handle of an earlier life may come back from the host under the same address.
+TEST_F(UnlockableRecordTest, AHandleOfAnEarlierSetUpIsForgotten) {
+    EXPECT_EQ(SetUpModule(), PF_Err_NONE);
+    const PF_Handle first = host.outData.global_data;
+    EXPECT_EQ(SetDownModule(), PF_Err_NONE);
+    EXPECT_FALSE(writtenRecords.Contains(first));
+
+    // Nobody sends set-down: the note stays, and ends when a set-up that cannot write stores the same handle.
+    static PF_Handle again;
+    EXPECT_EQ(SetUpModule(), PF_Err_NONE);
+    again = host.outData.global_data;
+    EXPECT_TRUE(writtenRecords.Contains(again));
+    const GlobalData left = *static_cast<GlobalData*>(host.BytesOf(again));
+    host.handleSuite.host_new_handle = [](A_HandleSize) { return again; };
+    host.RestartCounts();
+    host.failLock = 1;
+    EXPECT_EQ(SetUpModule(), PF_Err_NONE);
+    EXPECT_EQ(host.outData.global_data, again);
+    EXPECT_FALSE(writtenRecords.Contains(again));
+    DeleteContext(left.context);
+}
+
+// Several instances of a host in one process set the module up side by side.
+TEST_F(GlobalSetupTest, EverySetUpHasItsRecord) {
+    EXPECT_EQ(SetUpModule(), PF_Err_NONE);
+    const PF_Handle first = host.outData.global_data;
+    EXPECT_EQ(SetUpModule(), PF_Err_NONE);
+    const PF_Handle second = host.outData.global_data;
+    EXPECT_EQ(fake::Cgl().liveContexts, 2);
+    for (const PF_Handle handle : {first, second}) {
+        host.outData.global_data = handle;
+        EXPECT_EQ(SetDownModule(), PF_Err_NONE);
+    }
+    EXPECT_EQ(fake::Cgl().liveContexts, 0);
+    ExpectBalanced();
 }
 
 TEST_F(GlobalSetupTest, MissingHandleSuite) {

@@ -65,11 +65,17 @@ class ParamsSetupTest : public EntryTest {
         host.inData.inter.add_param = AddParam;
         host.inData.inter.register_ui = RegisterUI;
         host.outData.num_params = -7;
-        host.inData.global_data = host.MakeHandle(sizeof(GlobalData));
+        handle_ = host.inData.global_data = host.MakeHandle(sizeof(GlobalData));
+        writtenRecords.Note(handle_);
         SetDriver("3.3 Test", "The Vendor", "The Renderer", "3.30");
     }
 
-    GlobalData& Record() { return *reinterpret_cast<GlobalData*>(*host.inData.global_data); }
+    ~ParamsSetupTest() override {
+        writtenRecords.Forget(handle_);
+        ExpectBalanced();
+    }
+
+    GlobalData& Record() { return *static_cast<GlobalData*>(host.BytesOf(handle_)); }
     void SetDriver(const char* version, const char* vendor, const char* renderer, const char* shading) {
         std::strcpy(Record().gl_version, version);
         std::strcpy(Record().gl_vendor, vendor);
@@ -84,6 +90,8 @@ class ParamsSetupTest : public EntryTest {
         EXPECT_EQ(Row(8).text, version);
         EXPECT_EQ(Row(9).text, shading);
     }
+
+    PF_Handle handle_;
 };
 
 TEST_F(ParamsSetupTest, EveryRowInOrder) {
@@ -269,11 +277,28 @@ TEST_F(ParamsSetupTest, NoGlobalDataNoStrings) {
     host.inData.global_data = nullptr;
     EXPECT_EQ(Declare(), PF_Err_NONE);
     ExpectDriverRows("NULL", "NULL", "NULL", "NULL");
+    EXPECT_EQ(host.CountOf("host_lock_handle"), 0);
     seen = {};
-    char* nowhere = nullptr;
-    host.inData.global_data = &nowhere;
+    host.inData.global_data = handle_;
+    host.failLock = 1;
     EXPECT_EQ(Declare(), PF_Err_NONE);
     ExpectDriverRows("NULL", "NULL", "NULL", "NULL");
+    EXPECT_EQ(host.CountOf("host_unlock_handle"), 0);
+}
+
+TEST_F(ParamsSetupTest, ARecordThatSetUpDidNotWriteHasNoStrings) {
+    writtenRecords.Forget(handle_);
+    EXPECT_EQ(Declare(), PF_Err_NONE);
+    ExpectDriverRows("NULL", "NULL", "NULL", "NULL");
+}
+
+// A handle's pointer is valid only while the handle is locked.
+TEST_F(ParamsSetupTest, TheRecordIsReadUnderALock) {
+    host.PointUnlockedHandlesTo(nullptr);
+    EXPECT_EQ(Declare(), PF_Err_NONE);
+    ExpectDriverRows("The Vendor", "The Renderer", "3.3 Test", "3.30");
+    EXPECT_EQ(host.calls, (std::vector<std::string>{"AcquireSuite PF Handle Suite 2", "host_lock_handle",
+                                                    "host_unlock_handle", "ReleaseSuite PF Handle Suite 2"}));
 }
 
 TEST_F(ParamsSetupTest, TheVersionAloneDecides) {
@@ -336,13 +361,16 @@ TEST_F(ParamsSetupTest, TheFirstErrorEndsTheSetup) {
     }
 }
 
-TEST_F(ParamsSetupTest, UsesNoSuite) {
+TEST_F(ParamsSetupTest, MissingSuitesAre516AndNothingIsAdded) {
+    host.Refuse("PF Handle Suite");
+    EXPECT_EQ(Declare(), 516);
+    EXPECT_EQ(seen.added.size(), 0u);
+    host.inData.global_data = nullptr;
+    EXPECT_EQ(Declare(), PF_Err_NONE) << "without a record there is nothing to lock";
+    seen = {};
     host.inData.pica_basicP = nullptr;
-    host.inData.utils = nullptr;
-    EXPECT_EQ(Declare(), PF_Err_NONE);
-    EXPECT_EQ(seen.added.size(), 60u);
-    ExpectDriverRows("The Vendor", "The Renderer", "3.3 Test", "3.30");
-    EXPECT_TRUE(host.calls.empty());
+    EXPECT_EQ(Declare(), 516);
+    EXPECT_EQ(seen.added.size(), 0u);
 }
 
 TEST_F(ParamsSetupTest, TwiceTheSame) {

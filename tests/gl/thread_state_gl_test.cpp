@@ -25,10 +25,14 @@ class ThreadStateGL : public ::testing::Test {
         const char* reason = nullptr;
         if (!GLAvailable(&reason)) GTEST_SKIP() << reason;
         probe_ = CreateContext(nullptr, nullptr);
-        host_.inData.global_data = host_.MakeHandle(sizeof(GlobalData));
-        reinterpret_cast<GlobalData*>(*host_.inData.global_data)->context = probe_;
+        global_ = host_.inData.global_data = host_.MakeHandle(sizeof(GlobalData));
+        writtenRecords.Note(global_);
+        reinterpret_cast<GlobalData*>(*global_)->context = probe_;
     }
-    void TearDown() override { DeleteContext(probe_); }
+    void TearDown() override {
+        writtenRecords.Forget(global_);
+        DeleteContext(probe_);
+    }
 
     /// Draws with the thread's copy program; whether a pixel has come out as it should.
     bool Render() {
@@ -56,6 +60,7 @@ class ThreadStateGL : public ::testing::Test {
 
     TestHost host_;
     CGLContextObj probe_ = nullptr;
+    PF_Handle global_ = nullptr;
 };
 
 TEST_F(ThreadStateGL, AllFiveProgramsCompile) {

@@ -20,13 +20,17 @@ class ThreadState : public ::testing::Test {
  protected:
     void SetUp() override {
         fake::Reset();
-        host_.inData.global_data = host_.MakeHandle(sizeof(GlobalData));
+        global_ = host_.inData.global_data = host_.MakeHandle(sizeof(GlobalData));
+        writtenRecords.Note(global_);
         Global().context = CreateContext(nullptr, nullptr);  // context 1, the probe
         fake::ClearCalls();
     }
-    void TearDown() override { EXPECT_EQ(fake::Gl().callsWithoutContext, 0); }
+    void TearDown() override {
+        writtenRecords.Forget(global_);
+        EXPECT_EQ(fake::Gl().callsWithoutContext, 0);
+    }
 
-    GlobalData& Global() { return *reinterpret_cast<GlobalData*>(*host_.inData.global_data); }
+    GlobalData& Global() { return *static_cast<GlobalData*>(host_.BytesOf(global_)); }
     void Init() { InitThreadLocalRenderData(&host_.inData, &host_.outData); }
 
     template <typename Function>
@@ -35,6 +39,7 @@ class ThreadState : public ::testing::Test {
     }
 
     TestHost host_;
+    PF_Handle global_ = nullptr;
 };
 
 TEST_F(ThreadState, FirstRenderMakesContextProgramsAndQuad) {
@@ -147,17 +152,23 @@ TEST_F(ThreadState, WithoutAProbeContextNothingHappensAndTheNextCallTriesAgain) 
 }
 
 TEST_F(ThreadState, WithoutGlobalDataNothingHappens) {
-    PF_Handle whole = host_.inData.global_data;
-    char* null = nullptr;
-    for (PF_Handle handle : {static_cast<PF_Handle>(&null), static_cast<PF_Handle>(nullptr)}) {
-        host_.inData.global_data = handle;
+    const auto expectNothing = [this](const char* why) {
+        SCOPED_TRACE(why);
         OnThread([this] {
             Init();
             EXPECT_EQ(local_render_data, nullptr);
         });
-    }
-    EXPECT_THAT(fake::Calls(), IsEmpty());
-    host_.inData.global_data = whole;
+        EXPECT_THAT(fake::Calls(), IsEmpty());
+    };
+    writtenRecords.Forget(global_);
+    expectNothing("a record that set-up did not write");
+    writtenRecords.Note(global_);
+    host_.inData.global_data = nullptr;
+    expectNothing("no handle");
+    host_.inData.global_data = global_;
+    host_.PointUnlockedHandlesTo(nullptr);
+    expectNothing("a handle whose pointer is null while it is unlocked");
+    EXPECT_THAT(host_.calls, IsEmpty()) << "read without a lock";
 }
 
 TEST_F(ThreadState, AContextThatCannotBeMadeIsNeverTriedAgain) {

@@ -136,7 +136,9 @@ RenderHost::RenderHost() {
     utils.fill = Calls::Fill;
     utils.copy = Calls::Copy;
     inData.global_data = MakeHandle(sizeof(GlobalData));
-    global = *reinterpret_cast<GlobalData**>(inData.global_data);
+    globalHandle_ = inData.global_data;
+    writtenRecords.Note(globalHandle_);
+    global = static_cast<GlobalData*>(BytesOf(globalHandle_));
 
     preCallbacks.checkout_layer = Calls::CheckoutLayer;
     preInput.output_request.rect = {0, 0, 40, 30};
@@ -160,6 +162,10 @@ RenderHost::RenderHost() {
     Offer(kAEGPLayerSuiteName, kAEGPLayerSuiteVersion7, &layerSuite);
     Offer(kPFColorParamSuiteName, kPFColorParamSuiteVersion1, &colourSuite);
     Offer(kPFWorldTransformSuiteName, kPFWorldTransformSuiteVersion1, &transformSuite);
+}
+
+RenderHost::~RenderHost() {
+    writtenRecords.Forget(globalHandle_);
 }
 
 void RenderHost::ResetFailures() {

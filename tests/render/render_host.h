@@ -21,6 +21,7 @@ class RenderHost : public TestHost {
  public:
     /// A 40 x 30 layer at full resolution, default panel, no GL context in the global data.
     RenderHost();
+    ~RenderHost();
 
     /// The host the callbacks answer for.
     static RenderHost& Current();
@@ -92,6 +93,7 @@ class RenderHost : public TestHost {
 
  private:
     friend struct RenderHostCalls;
+    PF_Handle globalHandle_ = nullptr;
     int checkoutParams_ = 0;
     int checkinParams_ = 0;
     int checkoutLayers_ = 0;

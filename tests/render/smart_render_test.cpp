@@ -26,13 +26,14 @@ TEST_F(SmartRenderTest, CallsTheHostInOrder) {
         calls.push_back(call);
     }
     EXPECT_THAT(
-        calls, ElementsAre("checkout_layer_pixels 1", "checkout_layer_pixels 39", "checkout_output", "fill clear whole",
-                           "AcquireSuite PF ColorParamSuite 1", "PF_GetFloatingPointColorFromColorDef",
-                           "AcquireSuite PF Handle Suite 2", "host_new_handle 1200", "host_lock_handle",
-                           "AcquireSuite PF Iterate8 Suite 1", "iterate8 0 30", "host_unlock_handle",
-                           "host_dispose_handle", "host_new_handle 3000", "host_lock_handle", "iterate8 0 50",
-                           "host_unlock_handle", "host_dispose_handle", "AcquireSuite PF World Transform Suite 1",
-                           "transfer_rect 2", "checkin_layer_pixels 39", "checkin_layer_pixels 1"));
+        calls,
+        ElementsAre("checkout_layer_pixels 1", "checkout_layer_pixels 39", "checkout_output", "fill clear whole",
+                    "AcquireSuite PF ColorParamSuite 1", "PF_GetFloatingPointColorFromColorDef",
+                    "AcquireSuite PF Handle Suite 2", "host_lock_handle", "host_unlock_handle", "host_new_handle 1200",
+                    "host_lock_handle", "AcquireSuite PF Iterate8 Suite 1", "iterate8 0 30", "host_unlock_handle",
+                    "host_dispose_handle", "host_new_handle 3000", "host_lock_handle", "iterate8 0 50",
+                    "host_unlock_handle", "host_dispose_handle", "AcquireSuite PF World Transform Suite 1",
+                    "transfer_rect 2", "checkin_layer_pixels 39", "checkin_layer_pixels 1"));
     EXPECT_EQ(host_.CountOf("checkout_param"), 59);
     EXPECT_EQ(host_.CountOf("checkout_param 39"), 0);
     EXPECT_EQ(host_.CountOf("ReleaseSuite"), 4);
@@ -354,6 +355,25 @@ TEST_F(SmartRenderTest, RendererIsRecordedOnce) {
     fake::Gl().strings[GL_RENDERER] = "Another";
     ASSERT_EQ(Run(), PF_Err_NONE);
     EXPECT_STREQ(host_.global->gl_renderer, "Fake Renderer");
+}
+
+// The thread's state has read the handle without a lock before; from then on the pointer may be gone.
+TEST_F(SmartRenderTest, RendererIsRecordedUnderALock) {
+    ASSERT_EQ(Run(), PF_Err_NONE);
+    host_.global->rendererRecorded = 0;
+    fake::Gl().strings[GL_RENDERER] = "Another";
+    host_.PointUnlockedHandlesTo(nullptr);
+    ASSERT_EQ(Run(), PF_Err_NONE);
+    EXPECT_STREQ(host_.global->gl_renderer, "Another");
+    EXPECT_EQ(host_.global->rendererRecorded, 1);
+}
+
+TEST_F(SmartRenderTest, RendererIsNotRecordedWhereSetUpWroteNothing) {
+    ASSERT_EQ(Run(), PF_Err_NONE);
+    host_.global->rendererRecorded = 0;
+    writtenRecords.Forget(host_.inData.global_data);
+    ASSERT_EQ(Run(), PF_Err_NONE);
+    EXPECT_EQ(host_.global->rendererRecorded, 0);
 }
 
 TEST_F(SmartRenderTest, LongRendererIsCutToTheField) {

@@ -10,9 +10,10 @@
 #include <cstdlib>
 #include <cstring>
 
-// A handle is the address of `master`, which always points to the bytes, locked or not.
+// A handle is the address of `master`, which points to the bytes while the handle is locked.
 struct TestHost::Block {
     char* master = nullptr;
+    char* bytes = nullptr;
     size_t size = 0;
     int locks = 0;
     bool counted = true;
@@ -120,7 +121,8 @@ struct TestHostCalls {
         if (!block) return nullptr;
         ++block->locks;
         ++host.liveLocks;
-        return block->master;
+        block->master = block->bytes;
+        return block->bytes;
     }
 
     static void UnlockHandle(PF_Handle handle) {
@@ -135,6 +137,7 @@ struct TestHostCalls {
         }
         --block->locks;
         --host.liveLocks;
+        if (block->locks == 0 && host.pointsElsewhere_) block->master = host.elsewhere_;
     }
 
     static void DisposeHandle(PF_Handle handle) {
@@ -161,9 +164,10 @@ struct TestHostCalls {
         TestHost::Block* block = Find(host, *handle);
         if (!block) return PF_Err_BAD_CALLBACK_PARAM;
         if (block->locks != 0) ++host.misuses;
-        void* bytes = std::realloc(block->master, size ? size : 1);
+        void* bytes = std::realloc(block->bytes, size ? size : 1);
         if (!bytes) return PF_Err_OUT_OF_MEMORY;
-        block->master = static_cast<char*>(bytes);
+        block->bytes = static_cast<char*>(bytes);
+        block->master = host.pointsElsewhere_ && block->locks == 0 ? host.elsewhere_ : block->bytes;
         block->size = size;
         return PF_Err_NONE;
     }
@@ -271,7 +275,7 @@ TestHost::TestHost() {
 
 TestHost::~TestHost() {
     for (Block* block : blocks_) {
-        std::free(block->master);
+        std::free(block->bytes);
         delete block;
     }
     current = nullptr;
@@ -294,6 +298,7 @@ void TestHost::Refuse(const std::string& name, SPErr error) {
 void TestHost::Log(const std::string& line) {
     std::lock_guard lock(mutex_);
     calls.push_back(line);
+    if (onCall) onCall(line);
 }
 
 int TestHost::CountOf(const std::string& call) const {
@@ -323,9 +328,25 @@ PF_Handle TestHost::MakeHandle(size_t bytes) {
     void* memory = std::calloc(bytes ? bytes : 1, 1);
     if (!memory) return nullptr;
     auto* block = new Block;
-    block->master = static_cast<char*>(memory);
+    block->bytes = static_cast<char*>(memory);
+    block->master = pointsElsewhere_ ? elsewhere_ : block->bytes;
     block->size = bytes;
     block->counted = false;
     blocks_.push_back(block);
     return &block->master;
+}
+
+void* TestHost::BytesOf(PF_Handle handle) {
+    std::lock_guard lock(mutex_);
+    TestHost::Block* block = TestHostCalls::Find(*this, handle);
+    return block ? block->bytes : nullptr;
+}
+
+void TestHost::PointUnlockedHandlesTo(char* pointer) {
+    std::lock_guard lock(mutex_);
+    pointsElsewhere_ = true;
+    elsewhere_ = pointer;
+    for (Block* block : blocks_) {
+        if (block->locks == 0) block->master = elsewhere_;
+    }
 }

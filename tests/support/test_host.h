@@ -66,6 +66,8 @@ class TestHost {
     /// "iterate8 0 4", "PF_NewWorld 3 2", ... Tests may add their own lines with `Log`.
     std::vector<std::string> calls;
     void Log(const std::string& line);
+    /// Called with every logged line before the call does anything; what it throws leaves the call.
+    std::function<void(const std::string&)> onCall;
     /// How often a call with exactly this text, or starting with it and a blank, was logged.
     int CountOf(const std::string& call) const;
 
@@ -90,8 +92,13 @@ class TestHost {
     /// Whether all of the above are zero; otherwise `why` names what is not.
     bool Balanced(std::string* why = nullptr) const;
 
-    /// Allocates a handle outside the counts, as the host's own (global data, ...); `*handle` is always valid, zeroed.
+    /// Allocates a handle outside the counts, as the host's own (global data, ...); zeroed.
     PF_Handle MakeHandle(size_t bytes);
+    /// The bytes of a handle, locked or not.
+    void* BytesOf(PF_Handle handle);
+    /// From now on `*handle` is `pointer` while a handle is not locked, as on a host that moves its memory. Without
+    /// this call it is always the address of the bytes.
+    void PointUnlockedHandlesTo(char* pointer);
 
     /// The instance that the callbacks answer for.
     static TestHost& Current();
@@ -104,5 +111,7 @@ class TestHost {
     std::vector<Block*> blocks_;
     int newHandleCalls_ = 0;
     int lockCalls_ = 0;
+    bool pointsElsewhere_ = false;
+    char* elsewhere_ = nullptr;
     mutable std::recursive_mutex mutex_;
 };

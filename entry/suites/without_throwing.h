@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// Calls to the host where an exception must not get further: in destructors, which may run while another exception is
+// on its way, and between several things that must all be given back. A host's function throws when the host itself is
+// faulty; the module then returns an error and keeps nothing.
+
+/// Calls `action` and drops what it throws.
+template <typename Action>
+void WithoutThrowing(Action action) noexcept {
+    try {
+        action();
+    } catch (...) {
+        // Nobody is left to report to: the command's result is decided already.
+    }
+}
+
+/// Calls both, `second` also when `first` throws. What is thrown first leaves this function.
+template <typename First, typename Second>
+void RunBoth(First first, Second second) {
+    try {
+        first();
+    } catch (...) {
+        WithoutThrowing(second);
+        throw;
+    }
+    second();
+}
