@@ -9,8 +9,9 @@
 
 extern "C" {
 
-/// Announces the effect: calls the host's callback once and returns what it returns. The basic suite, host name and
-/// host version are not used. [main]
+/// Announces the effect: calls the host's callback once and returns what it returns; a thrown integer as it was thrown,
+/// any other exception as `PF_Err_INTERNAL_STRUCT_DAMAGED`. No exception leaves it. The basic suite, host name and host
+/// version are not used. [main]
 __attribute__((visibility("default"))) PF_Err PluginDataEntryFunction(PF_PluginDataPtr inPtr,
                                                                       PF_PluginDataCB inPluginDataCallBackPtr,
                                                                       SPBasicSuite* inSPBasicSuitePtr,

@@ -8,6 +8,7 @@
 #include "entry/addresses.h"
 #include "entry/global_setup.h"
 #include "entry/param_ids.h"
+#include "entry/suites/without_throwing.h"
 #include "platform/open_url.h"
 
 namespace {
@@ -23,25 +24,27 @@ constexpr unsigned char kCollapse = 1;
 /// This instance's reference, given back at the latest when it goes out of scope.
 class OwnEffect {
  public:
-    /// The suite comes first, so that there is no reference yet when the host does not offer what gives it back.
-    OwnEffect(PF_InData* in_data, AEGP_SuiteHandler* suites) : effects_(suites->EffectSuite2()) {
+    OwnEffect(PF_InData* in_data, AEGP_SuiteHandler* suites) : suites_(suites) {
         error_ = suites->PFInterfaceSuite1()->AEGP_GetNewEffectForEffect(my_id, in_data->effect_ref, &reference_);
     }
-    ~OwnEffect() { Dispose(); }
+    ~OwnEffect() {
+        WithoutThrowing([this] { Dispose(); });
+    }
     OwnEffect(const OwnEffect&) = delete;
     OwnEffect& operator=(const OwnEffect&) = delete;
 
     PF_Err Error() const { return error_; }
     AEGP_EffectRefH* Reference() { return &reference_; }
+    /// The suite is asked for here and not before: without it the rows are changed all the same.
     PF_Err Dispose() {
         if (reference_ == nullptr) return PF_Err_NONE;
         const AEGP_EffectRefH reference = reference_;
         reference_ = nullptr;
-        return effects_->AEGP_DisposeEffect(reference);
+        return suites_->EffectSuite2()->AEGP_DisposeEffect(reference);
     }
 
  private:
-    const AEGP_EffectSuite2* effects_;
+    AEGP_SuiteHandler* suites_;
     AEGP_EffectRefH reference_ = nullptr;
     PF_Err error_;
 };
@@ -124,14 +127,17 @@ PF_Err disableParam(PF_InData* in_data, AEGP_SuiteHandler* suites, PF_ParamDef* 
 PF_Err hideStream(AEGP_SuiteHandler* suites, int index, AEGP_EffectRefH* effect, unsigned char hide) {
     constexpr AEGP_PluginID kNoPlugin = 0;
     constexpr A_Boolean kNotUndoable = 0;
-    // Both suites before there is a stream that a missing one would leave behind.
     const AEGP_StreamSuite2* streams = suites->StreamSuite2();
-    const AEGP_DynamicStreamSuite2* dynamicStreams = suites->DynamicStreamSuite2();
-
     AEGP_StreamRefH stream = nullptr;
     PF_Err err = streams->AEGP_GetNewEffectStreamByIndex(kNoPlugin, *effect, index, &stream);
     if (err != PF_Err_NONE) return err;
-    err = dynamicStreams->AEGP_SetDynamicStreamFlag(stream, AEGP_DynStreamFlag_HIDDEN, kNotUndoable, hide);
+    try {
+        err = suites->DynamicStreamSuite2()->AEGP_SetDynamicStreamFlag(stream, AEGP_DynStreamFlag_HIDDEN, kNotUndoable,
+                                                                       hide);
+    } catch (...) {
+        if (stream != nullptr) WithoutThrowing([&] { streams->AEGP_DisposeStream(stream); });
+        throw;
+    }
     // Kept: a stream whose flag cannot be set is not given back.
     if (err != PF_Err_NONE) return err;
     return stream != nullptr ? streams->AEGP_DisposeStream(stream) : PF_Err_NONE;
@@ -146,8 +152,8 @@ PF_Err UpdateParamsUI(PF_InData* in_data, PF_ParamDef* params[]) {
     rows.SetHidden(PARAM_PRIORITISE, kHide);
     if (rows.Error() == PF_Err_NONE) FollowShadowType(params[PARAM_SHADOW_TYPE]->u.pd.value, &rows);
 
-    const PF_Err disposal = effect.Dispose();
-    return rows.Error() != PF_Err_NONE ? rows.Error() : disposal;
+    if (rows.Error() != PF_Err_NONE) return rows.Error();  // which wins over the disposal's
+    return effect.Dispose();
 }
 
 PF_Err UserChangedParam(PF_InData* in_data, PF_UserChangedParamExtra* extra) {

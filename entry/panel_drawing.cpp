@@ -11,6 +11,8 @@
 #include "entry/banner.h"
 #include "entry/suites/suite_handler.h"
 #include "entry/suites/suite_scoper.h"
+#include "entry/suites/without_throwing.h"
+#include "gl/locked_handle.h"
 
 namespace {
 
@@ -24,30 +26,6 @@ struct DrawingSuites {
     AEFX_SuiteScoper<DRAWBOT_DrawbotSuite1> draw;
     AEFX_SuiteScoper<DRAWBOT_SupplierSuite1> supplier;
     AEFX_SuiteScoper<DRAWBOT_SurfaceSuite1> surface;
-};
-
-/// A copy of the banner in host memory, locked for as long as it lives.
-class BannerCopy {
- public:
-    explicit BannerCopy(const PF_HandleSuite1* handles)
-        : handles_(handles), handle_(handles->host_new_handle(kBannerBytes)) {
-        if (handle_ != nullptr) bytes_ = handles_->host_lock_handle(handle_);
-        if (bytes_ != nullptr) std::memcpy(bytes_, um2_map, kBannerBytes);
-    }
-    ~BannerCopy() {
-        if (bytes_ != nullptr) handles_->host_unlock_handle(handle_);
-        if (handle_ != nullptr) handles_->host_dispose_handle(handle_);
-    }
-    BannerCopy(const BannerCopy&) = delete;
-    BannerCopy& operator=(const BannerCopy&) = delete;
-
-    /// Null when the host has no memory for it.
-    const void* Bytes() const { return bytes_; }
-
- private:
-    const PF_HandleSuite1* handles_;
-    PF_Handle handle_;
-    void* bytes_ = nullptr;
 };
 
 constexpr DRAWBOT_MatrixF32 Scale(float factor) {
@@ -74,15 +52,18 @@ PF_Err DrawAtHalfSize(const DRAWBOT_SurfaceSuite1* suite, DRAWBOT_SurfaceRef sur
 /// Draws the banner, or, when `err` says that there is nothing to draw on, only takes and gives back its memory.
 PF_Err DrawBanner(PF_Err err, const DrawingSuites& drawing, const PF_HandleSuite1* handles,
                   DRAWBOT_SupplierRef supplier, DRAWBOT_SurfaceRef surface, const PF_UnionableRect& frame) {
-    const BannerCopy banner(handles);
+    LockedHandle banner(handles, kBannerBytes);
+    void* bytes = banner.Lock();
+    if (bytes != nullptr) std::memcpy(bytes, um2_map, kBannerBytes);
     if (err != PF_Err_NONE) return err;
-    if (banner.Bytes() == nullptr) return PF_Err_OUT_OF_MEMORY;
+    if (bytes == nullptr) return PF_Err_OUT_OF_MEMORY;
     DRAWBOT_ImageRef image = nullptr;
     err = drawing.supplier->NewImageFromBuffer(supplier, kBannerWidth, kBannerHeight, kBannerRowBytes,
-                                               kDRAWBOT_PixelLayout_32BGRA_Straight, banner.Bytes(), &image);
+                                               kDRAWBOT_PixelLayout_32BGRA_Straight, bytes, &image);
     if (err != PF_Err_NONE || image == nullptr) return err;
-    err = DrawAtHalfSize(drawing.surface.get(), surface, image, BannerOrigin(frame));
-    const PF_Err released = drawing.supplier->ReleaseObject(reinterpret_cast<DRAWBOT_ObjectRef>(image));
+    PF_Err released = PF_Err_NONE;
+    RunBoth([&] { err = DrawAtHalfSize(drawing.surface.get(), surface, image, BannerOrigin(frame)); },
+            [&] { released = drawing.supplier->ReleaseObject(reinterpret_cast<DRAWBOT_ObjectRef>(image)); });
     return err != PF_Err_NONE ? err : released;
 }
 

@@ -5,6 +5,7 @@
 
 #include "entry/entry_points.h"
 #include "entry/version.h"
+#include "hostapi/errors.h"
 
 namespace {
 
@@ -17,7 +18,13 @@ const A_u_char* HostText(const char* text) {
 
 PF_Err PluginDataEntryFunction(PF_PluginDataPtr inPtr, PF_PluginDataCB inPluginDataCallBackPtr, SPBasicSuite*,
                                const char*, const char*) {
-    return inPluginDataCallBackPtr(inPtr, HostText(kEffectName), HostText(kEffectMatchName), HostText(kEffectCategory),
-                                   HostText(kEffectEntryPoint), kPluginKind_Effect, kRegisteredApiMajor,
-                                   kRegisteredApiMinor, kRegisteredReservedInfo);
+    try {
+        return inPluginDataCallBackPtr(inPtr, HostText(kEffectName), HostText(kEffectMatchName),
+                                       HostText(kEffectCategory), HostText(kEffectEntryPoint), kPluginKind_Effect,
+                                       kRegisteredApiMajor, kRegisteredApiMinor, kRegisteredReservedInfo);
+    } catch (PF_Err err) {
+        return err;
+    } catch (...) {
+        return PF_Err_INTERNAL_STRUCT_DAMAGED;
+    }
 }

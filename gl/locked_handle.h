@@ -3,10 +3,12 @@
 
 #pragma once
 
-// Host memory for the length of a scope: whatever happens inside, the handle is unlocked and disposed of.
+// Host memory for the length of a scope: whatever happens inside, the handle is unlocked and disposed of. What the host
+// throws there is dropped.
 
 #include <cstdint>
 
+#include "entry/suites/without_throwing.h"
 #include "hostapi/suites/handle_suite.h"
 
 /// Bytes of `width` x `height` elements, formed in 64 bits; 0 when either is below 1.
@@ -21,8 +23,8 @@ class LockedHandle {
     LockedHandle(const PF_HandleSuite1* suite, A_HandleSize bytes)
         : suite_(suite), handle_(suite->host_new_handle(bytes)) {}
     ~LockedHandle() {
-        if (address_) suite_->host_unlock_handle(handle_);
-        if (handle_) suite_->host_dispose_handle(handle_);
+        if (address_) WithoutThrowing([this] { suite_->host_unlock_handle(handle_); });
+        if (handle_) WithoutThrowing([this] { suite_->host_dispose_handle(handle_); });
     }
     LockedHandle(const LockedHandle&) = delete;
     LockedHandle& operator=(const LockedHandle&) = delete;

@@ -5,6 +5,9 @@
 
 #include "entry/suites/suite_handler.h"
 
+#include <exception>
+
+#include "entry/suites/without_throwing.h"
 #include "hostapi/errors.h"
 
 namespace {
@@ -49,7 +52,7 @@ AEGP_SuiteHandler::AEGP_SuiteHandler(SPBasicSuite* basic) : basic_(basic) {
 }
 
 AEGP_SuiteHandler::~AEGP_SuiteHandler() {
-    ReleaseAllSuites();
+    WithoutThrowing([this] { ReleaseAllSuites(); });
 }
 
 const void* AEGP_SuiteHandler::LoadSuite(const char* name, int32_t version) {
@@ -63,11 +66,17 @@ void AEGP_SuiteHandler::ReleaseSuite(const char* name, int32_t version) {
 }
 
 void AEGP_SuiteHandler::ReleaseAllSuites() {
+    std::exception_ptr first;
     for (int slot = 0; slot < kSlotCount; ++slot) {
         if (suites_[slot] == nullptr) continue;
-        ReleaseSuite(kKnownSuites[slot].name, kKnownSuites[slot].version);
         suites_[slot] = nullptr;
+        try {
+            ReleaseSuite(kKnownSuites[slot].name, kKnownSuites[slot].version);
+        } catch (...) {
+            if (!first) first = std::current_exception();
+        }
     }
+    if (first) std::rethrow_exception(first);
 }
 
 const void* AEGP_SuiteHandler::Suite(Slot slot) {

@@ -37,7 +37,7 @@ class AEGP_SuiteHandler {
  public:
     /// Throws 516 when `basic` is null. Acquires nothing.
     explicit AEGP_SuiteHandler(SPBasicSuite* basic);
-    /// Releases every suite that was acquired, each by its name and version.
+    /// Releases every suite that was acquired, each by its name and version. What the host throws there is dropped.
     ~AEGP_SuiteHandler();
     AEGP_SuiteHandler(const AEGP_SuiteHandler&) = delete;
     AEGP_SuiteHandler& operator=(const AEGP_SuiteHandler&) = delete;
@@ -66,7 +66,8 @@ class AEGP_SuiteHandler {
     const void* LoadSuite(const char* name, int32_t version);
     /// Releases one suite by name and version.
     void ReleaseSuite(const char* name, int32_t version);
-    /// Releases every suite acquired through the accessors and forgets them.
+    /// Releases every suite acquired through the accessors, each once, and forgets them. What the host throws first
+    /// leaves at the end.
     void ReleaseAllSuites();
 
  private:

@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "entry/suites/aefx_suite.h"
+#include "entry/suites/without_throwing.h"
 #include "hostapi/commands.h"
 #include "hostapi/errors.h"
 
@@ -15,8 +16,8 @@
     throw PF_Err{A_Err_MISSING_SUITE};
 }
 
-/// Holds one host suite for the length of a scope. With `kMayBeMissing` a suite that the host does not offer leaves the
-/// holder empty; without it the constructor throws 13.
+/// Holds one host suite for the length of a scope; what the host throws at its end is dropped. With `kMayBeMissing` a
+/// suite that the host does not offer leaves the holder empty; without it the constructor throws 13.
 template <typename SuiteT, bool kMayBeMissing = false>
 class AEFX_SuiteScoper {
  public:
@@ -31,7 +32,7 @@ class AEFX_SuiteScoper {
         if (!kMayBeMissing && suite_ == nullptr) MissingScopedSuiteError();
     }
     ~AEFX_SuiteScoper() {
-        if (suite_ != nullptr) basic_->ReleaseSuite(name_, version_);
+        if (suite_ != nullptr) WithoutThrowing([this] { basic_->ReleaseSuite(name_, version_); });
     }
     AEFX_SuiteScoper(const AEFX_SuiteScoper&) = delete;
     AEFX_SuiteScoper& operator=(const AEFX_SuiteScoper&) = delete;

@@ -68,6 +68,23 @@ TEST_F(PanelDrawingTest, DrawsTheBannerInTheControl) {
     EXPECT_STREQ(host.outData.return_msg, "");
 }
 
+// Whatever the flags were before: they are set, not added to.
+TEST_F(PanelDrawingTest, TheOutFlagsAreHandledAlone) {
+    for (const PF_EffectArea area : {PF_EA_CONTROL, PF_EA_PARAM_TITLE}) {
+        event.effect_win.area = area;
+        for (const PF_EventOutFlags before : {0, 1, 2, 6, -1}) {
+            event.evt_out_flags = before;
+            EXPECT_EQ(Send(&event), PF_Err_NONE);
+            EXPECT_EQ(event.evt_out_flags, 1) << before;
+        }
+    }
+    failing = "GetSupplier";
+    failure = 3;
+    event.evt_out_flags = 6;
+    EXPECT_EQ(Send(&event), 3);
+    EXPECT_EQ(event.evt_out_flags, 6) << "untouched by a failure";
+}
+
 TEST_F(PanelDrawingTest, TakesTheSuitesInOrderAndGivesThemBackInReverse) {
     EXPECT_TRUE(Handled());
     EXPECT_THAT(Suites("AcquireSuite"),

@@ -7,6 +7,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 #include "entry/addresses.h"
 #include "tests/entry/panel_host.h"
 
@@ -15,7 +17,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
-using ::testing::UnorderedElementsAre;
 
 class PanelTest : public PanelHostTest {};
 
@@ -104,12 +105,21 @@ TEST_F(PanelTest, AnInnerShadowDisablesOffsetShadowAndEnablesItAgain) {
     EXPECT_THAT(calls, ElementsAre("UpdateParamUI 50 disabled collapsed", "UpdateParamUI 50 enabled collapsed"));
 }
 
-TEST_F(PanelTest, AsksForFiveSuitesOnceEach) {
+TEST_F(PanelTest, AsksForEachOfFiveSuitesWhereItIsNeeded) {
     EXPECT_EQ(Update(3), PF_Err_NONE);
     EXPECT_THAT(Suites("AcquireSuite"),
-                UnorderedElementsAre("AEGP Effect Suite", "AEGP PF Interface Suite", "AEGP Stream Suite",
-                                     "AEGP Dynamic Stream Suite", "PF Param Utils Suite"));
+                ElementsAre("AEGP PF Interface Suite", "AEGP Stream Suite", "AEGP Dynamic Stream Suite",
+                            "PF Param Utils Suite", "AEGP Effect Suite"));
     EXPECT_EQ(Suites("ReleaseSuite").size(), 5u);
+    const auto place = [this](const std::string& call) {
+        return std::find(host.calls.begin(), host.calls.end(), call) - host.calls.begin();
+    };
+    EXPECT_EQ(place("AcquireSuite AEGP PF Interface Suite 1"), 0);
+    EXPECT_EQ(place("AcquireSuite AEGP Stream Suite 7") + 1, place("GetStream 0 53"));
+    EXPECT_EQ(place("GetStream 0 53") + 1, place("AcquireSuite AEGP Dynamic Stream Suite 2")) << "the stream first";
+    EXPECT_EQ(place("AcquireSuite AEGP Dynamic Stream Suite 2") + 1, place("SetFlag 53 2 0 1"));
+    EXPECT_EQ(place("AcquireSuite PF Param Utils Suite 3") + 1, place("UpdateParamUI 49 enabled collapsed"));
+    EXPECT_EQ(place("AcquireSuite AEGP Effect Suite 2") + 1, place("DisposeEffect"));
 }
 
 // Every call of every type, failed in its turn: its error comes back, nothing but the disposal of the effect follows.
@@ -162,8 +172,8 @@ TEST_F(PanelTest, NullReferencesAreNotDisposedOf) {
 }
 
 TEST_F(PanelTest, EveryMissingSuiteIs516AndLeavesNothingOpen) {
-    for (const char* name : {"AEGP Effect Suite", "AEGP PF Interface Suite", "AEGP Stream Suite",
-                             "AEGP Dynamic Stream Suite", "PF Param Utils Suite"}) {
+    for (const char* name :
+         {"AEGP PF Interface Suite", "AEGP Stream Suite", "AEGP Dynamic Stream Suite", "PF Param Utils Suite"}) {
         SCOPED_TRACE(name);
         host.Refuse(name);
         EXPECT_EQ(Update(1), 516);
@@ -172,6 +182,24 @@ TEST_F(PanelTest, EveryMissingSuiteIs516AndLeavesNothingOpen) {
         ExpectBalanced();
         host.Allow(name);
     }
+}
+
+// It is needed for the disposal alone, so the rows have changed; without it the reference cannot be given back.
+TEST_F(PanelTest, AMissingEffectSuiteLeavesTheRowsChanged) {
+    host.Refuse("AEGP Effect Suite");
+    for (const TypeRow& row : kTypes) {
+        SCOPED_TRACE(row.name);
+        host.calls.clear();
+        EXPECT_EQ(Update(row.type), 516);
+        std::vector<std::string> expected = ExpectedCalls(row.type);
+        expected.pop_back();
+        EXPECT_THAT(HostCalls(), ElementsAreArray(expected));
+        ExpectBalanced();
+    }
+    failing = "SetFlag";
+    failure = 4711;
+    ResetCounts();
+    EXPECT_EQ(Update(1), 4711) << "an earlier error wins";
 }
 
 TEST_F(PanelTest, CollapseParamChangesOneFlagOfACopy) {

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -51,6 +52,23 @@ TEST(Registration, TellsTheHostOnceAndReturnsItsAnswer) {
         EXPECT_EQ(told.minor, 28);
         EXPECT_EQ(told.reserved, 8);
     }
+}
+
+template <typename Thrown, Thrown kValue>
+A_Err Throwing(PF_PluginDataPtr, const A_u_char*, const A_u_char*, const A_u_char*, const A_u_char*, A_long, A_long,
+               A_long, A_long) {
+    throw kValue;
+}
+A_Err ThrowingException(PF_PluginDataPtr, const A_u_char*, const A_u_char*, const A_u_char*, const A_u_char*, A_long,
+                        A_long, A_long, A_long) {
+    throw std::runtime_error("inside the host");
+}
+
+TEST(Registration, NoExceptionLeavesIt) {
+    EXPECT_EQ(PluginDataEntryFunction(nullptr, Throwing<PF_Err, 4711>, nullptr, nullptr, nullptr), 4711);
+    EXPECT_EQ(PluginDataEntryFunction(nullptr, Throwing<PF_Err, 516>, nullptr, nullptr, nullptr), 516);
+    EXPECT_EQ(PluginDataEntryFunction(nullptr, Throwing<char, 'x'>, nullptr, nullptr, nullptr), 512);
+    EXPECT_EQ(PluginDataEntryFunction(nullptr, ThrowingException, nullptr, nullptr, nullptr), 512);
 }
 
 TEST(Version, PacksToTheAnnouncedWord) {

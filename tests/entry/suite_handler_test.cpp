@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <stdexcept>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -70,11 +69,15 @@ TEST(SuiteHandler, NullBasicSuiteThrowsAtOnce) {
 }
 
 TEST(SuiteHandler, MissingSuiteErrorIsThePlainInteger) {
+    int caught = 0;
     try {
         MissingSuiteError();
     } catch (int err) {
-        EXPECT_EQ(err, 516);
+        caught = err;
+    } catch (...) {
+        ADD_FAILURE() << "not a plain integer";
     }
+    EXPECT_EQ(caught, 516);
 }
 
 TEST(SuiteHandler, ConstructionAcquiresNothing) {
@@ -174,23 +177,45 @@ TEST(SuiteHandler, LoadAndReleaseByName) {
     EXPECT_EQ(ThrownBy([&] { suites.LoadSuite("No Such Suite", 1); }), 516);
 }
 
+int throwingReleases = 0;
 SPErr ThrowingRelease(const char*, int32_t) {
-    throw std::runtime_error("inside the host");
+    throw PF_Err{4711 + throwingReleases++};
 }
 
-TEST(SuiteHandlerDeathTest, NothingLeavesTheDestructor) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_DEATH(
-        {
-            TestHost host;
-            host.basic.ReleaseSuite = ThrowingRelease;
-            try {
-                AEGP_SuiteHandler suites(&host.basic);
-                suites.HandleSuite1();
-            } catch (...) {
-            }
-        },
-        "terminat");
+TEST(SuiteHandler, NothingLeavesTheDestructorAndEverySuiteIsReleasedOnce) {
+    TestHost host;
+    host.basic.ReleaseSuite = ThrowingRelease;
+    throwingReleases = 0;
+    EXPECT_EQ(ThrownBy([&] {
+                  AEGP_SuiteHandler suites(&host.basic);
+                  suites.HandleSuite1();
+                  suites.WorldSuite2();
+              }),
+              0);
+    EXPECT_EQ(throwingReleases, 2);
+    // Also while another exception is on its way.
+    EXPECT_EQ(ThrownBy([&] {
+                  AEGP_SuiteHandler suites(&host.basic);
+                  suites.HandleSuite1();
+                  throw PF_Err{12};
+              }),
+              12);
+    EXPECT_EQ(throwingReleases, 3);
+}
+
+TEST(SuiteHandler, ReleaseAllReleasesEachOnceAndThrowsTheFirst) {
+    TestHost host;
+    host.basic.ReleaseSuite = ThrowingRelease;
+    throwingReleases = 0;
+    {
+        AEGP_SuiteHandler suites(&host.basic);
+        suites.HandleSuite1();
+        suites.ANSICallbacksSuite1();
+        EXPECT_EQ(ThrownBy([&] { suites.ReleaseAllSuites(); }), 4711);
+        EXPECT_EQ(throwingReleases, 2);
+        EXPECT_EQ(ThrownBy([&] { suites.ReleaseAllSuites(); }), 0);
+    }
+    EXPECT_EQ(throwingReleases, 2);
 }
 
 static_assert(std::is_nothrow_destructible_v<AEGP_SuiteHandler>);
