@@ -56,23 +56,69 @@ function(umbrant_library target)
     endif()
 endfunction()
 
-# umbrant_discover(program PREFIX text LABELS labels... TIMEOUT seconds [SLOW_UNWIND])
-# One CTest test per GoogleTest case of a program. The labels are set by a script of their own, which CTest reads after
-# the discovery: gtest_discover_tests itself takes lists among properties apart.
-function(umbrant_discover program)
-    cmake_parse_arguments(arg "SLOW_UNWIND" "PREFIX;TIMEOUT" "LABELS" ${ARGN})
-    # The slow way up the stack tells whose a leak is also where libraries were built without frame pointers.
-    set(more)
-    if(arg_SLOW_UNWIND)
-        set(more "ENVIRONMENT_MODIFICATION ASAN_OPTIONS=string_append::fast_unwind_on_malloc=0")
+# How long CTest waits for one entry before it takes it for hung, in seconds: far more than twenty times what the longest
+# takes on two quiet cores, so that nothing depends on the speed of the machine.
+set(umbrant_test_timeout 5400)
+if(umbrant_sanitized)
+    set(umbrant_test_timeout 14400)
+endif()
+
+# Where every entry leaves its JUnit report; tools/test_report reads them.
+set(umbrant_test_reports ${CMAKE_BINARY_DIR}/reports)
+
+# umbrant_test_entry(name program LABELS labels... [FILTER pattern] [COST seconds] [SLOW_UNWIND] [PROPERTIES ...])
+# One CTest entry that runs the cases of a GoogleTest program, those of FILTER if it is given. Nothing is listed
+# beforehand: listing starts every program, which a slow machine may not do in the time that CMake allows for it.
+function(umbrant_test_entry name program)
+    cmake_parse_arguments(arg "SLOW_UNWIND" "FILTER;COST" "LABELS;PROPERTIES" ${ARGN})
+    string(REGEX REPLACE "[^A-Za-z0-9_.-]+" "_" report "${name}")
+    set(command ${program} --gtest_output=xml:${umbrant_test_reports}/${report}.xml)
+    if(arg_FILTER)
+        list(APPEND command "--gtest_filter=${arg_FILTER}")
     endif()
-    gtest_discover_tests(${program} TEST_PREFIX "${arg_PREFIX}: " DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES)
-    set(script ${CMAKE_CURRENT_BINARY_DIR}/${program}_properties.cmake)
-    file(WRITE ${script} "foreach(test IN LISTS ${program}_TESTS)
-    set_tests_properties(\"\${test}\" PROPERTIES LABELS \"${arg_LABELS}\" TIMEOUT ${arg_TIMEOUT} ${more})
-endforeach()
-")
-    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${script})
+    add_test(NAME "${name}" COMMAND ${command})
+    # 77: every case was skipped.
+    set_tests_properties("${name}" PROPERTIES LABELS "${arg_LABELS}" TIMEOUT ${umbrant_test_timeout} SKIP_RETURN_CODE 77
+                                              ${arg_PROPERTIES})
+    if(arg_COST)
+        set_tests_properties("${name}" PROPERTIES COST ${arg_COST})
+    endif()
+    # The slow way up the stack tells whose a leak is also where libraries were built without frame pointers.
+    if(arg_SLOW_UNWIND)
+        set_tests_properties("${name}" PROPERTIES ENVIRONMENT_MODIFICATION
+                                                  "ASAN_OPTIONS=string_append::fast_unwind_on_malloc=0")
+    endif()
+endfunction()
+
+# umbrant_test_program(program NAME name [ALONE patterns...] ...): the entries of a GoogleTest program: one for all of
+# its cases, and one for each pattern of ALONE, whose cases must not share a process with others because they change
+# what a process has only one of (a limit, the pool, the choice of the renderer). The rest is umbrant_test_entry's.
+function(umbrant_test_program program)
+    cmake_parse_arguments(arg "SLOW_UNWIND" "NAME;COST" "ALONE;LABELS" ${ARGN})
+    set(options LABELS ${arg_LABELS})
+    if(arg_SLOW_UNWIND)
+        list(APPEND options SLOW_UNWIND)
+    endif()
+    set(others)
+    if(arg_ALONE)
+        list(JOIN arg_ALONE ":" patterns)
+        set(others FILTER "-${patterns}")
+    endif()
+    umbrant_test_entry("${arg_NAME}" ${program} ${options} ${others} COST ${arg_COST})
+    foreach(pattern IN LISTS arg_ALONE)
+        umbrant_test_entry("${arg_NAME}: ${pattern}" ${program} ${options} FILTER "${pattern}")
+    endforeach()
+endfunction()
+
+# umbrant_unittest(name file LABELS labels... [ENVIRONMENT variables...]): one CTest entry that runs a file of Python's
+# unittest cases. It counts as skipped when none could run.
+function(umbrant_unittest name file)
+    cmake_parse_arguments(arg "" "" "LABELS;ENVIRONMENT" ${ARGN})
+    string(REGEX REPLACE "[^A-Za-z0-9_.-]+" "_" report "${name}")
+    add_test(NAME "${name}" COMMAND Python3::Interpreter -B ${CMAKE_SOURCE_DIR}/tests/support/run_unittest.py
+                                    ${CMAKE_CURRENT_SOURCE_DIR}/${file} ${umbrant_test_reports}/${report}.xml)
+    set_tests_properties("${name}" PROPERTIES LABELS "${arg_LABELS}" TIMEOUT ${umbrant_test_timeout} SKIP_RETURN_CODE 77
+                                              ENVIRONMENT "${arg_ENVIRONMENT}")
 endfunction()
 
 # umbrant_note_program(program labels...): what the presets of the sanitizers build, the race checker's only where the
@@ -84,11 +130,12 @@ function(umbrant_note_program program)
     endif()
 endfunction()
 
-# umbrant_tests(name LINK libraries... [GL_LINK libraries...])
+# umbrant_tests(name LINK libraries... [GL_LINK libraries...] [LABELS labels...] [ALONE patterns...] [GL_ALONE patterns...]
+#               [COST seconds] [GL_COST seconds] [SLOW_UNWIND])
 # Two programs from the current folder: <name>_test of every *_test.cpp that needs nothing (label unit) and
 # <name>_gl_test of every *_gl_test.cpp (label gl). A file's suffix is a promise about what it needs.
 function(umbrant_tests name)
-    cmake_parse_arguments(arg "SLOW_UNWIND" "" "LINK;GL_LINK;LABELS" ${ARGN})
+    cmake_parse_arguments(arg "SLOW_UNWIND" "COST;GL_COST" "LINK;GL_LINK;LABELS;ALONE;GL_ALONE" ${ARGN})
     set(unwind)
     if(arg_SLOW_UNWIND)
         set(unwind SLOW_UNWIND)
@@ -100,14 +147,16 @@ function(umbrant_tests name)
     list(FILTER unit EXCLUDE REGEX "_gl_test\\.cpp$")
     if(unit)
         add_executable(${name}_test ${unit})
-        target_link_libraries(${name}_test PRIVATE ${arg_LINK} GTest::gmock_main)
-        umbrant_discover(${name}_test PREFIX "${name}" LABELS unit ${arg_LABELS} TIMEOUT 300 ${unwind})
+        target_link_libraries(${name}_test PRIVATE ${arg_LINK} umbrant_test_main)
+        umbrant_test_program(${name}_test NAME "${name}" LABELS unit ${arg_LABELS} ALONE ${arg_ALONE}
+                             COST ${arg_COST} ${unwind})
         umbrant_note_program(${name}_test ${arg_LABELS})
     endif()
     if(gl)
         add_executable(${name}_gl_test ${gl})
-        target_link_libraries(${name}_gl_test PRIVATE ${arg_GL_LINK} GTest::gmock_main)
-        umbrant_discover(${name}_gl_test PREFIX "${name} gl" LABELS gl ${arg_LABELS} TIMEOUT 600)
+        target_link_libraries(${name}_gl_test PRIVATE ${arg_GL_LINK} umbrant_test_main)
+        umbrant_test_program(${name}_gl_test NAME "${name} gl" LABELS gl ${arg_LABELS} ALONE ${arg_GL_ALONE}
+                             COST ${arg_GL_COST})
         umbrant_note_program(${name}_gl_test ${arg_LABELS})
     endif()
 endfunction()

@@ -157,12 +157,12 @@ class SlurmFarm:
         self.daemon("munged", "munged", "--foreground", "--force", "--num-threads=2", f"--key-file={munge}/key",
                     f"--socket={munge}/sock", f"--pid-file={munge}/pid", f"--log-file={munge}/log",
                     f"--seed-file={munge}/seed")
-        self.until(lambda: (munge / "sock").exists(), 20, "munged has no socket")
+        self.until(lambda: (munge / "sock").exists(), 600, "munged has no socket")
         self.daemon("slurmctld", "slurmctld", "-D")
         for worker in self.workers:
             self.daemon(worker, "slurmd", "-D", "-N", worker)
         idle = [f"{worker} idle" for worker in sorted(self.workers)]
-        self.until(lambda: sorted(self.ask("sinfo", "--noheader", "--Node", "--format=%N %T").splitlines()) == idle, 60,
+        self.until(lambda: sorted(self.ask("sinfo", "--noheader", "--Node", "--format=%N %T").splitlines()) == idle, 1200,
                    "the workers are not ready")
 
     def until(self, condition, seconds, what):

@@ -45,7 +45,7 @@ class Slurm(FarmCase):
         script = self.job("slurm", "farm/t.####.png", "1-8", "--downsample", "8",
                           options=["--tasks", "4", "--name", "title", "--logs", "logs of 100%"])
         job = self.submit(script)
-        said, _ = job.communicate(timeout=100)
+        said, _ = job.communicate(timeout=3600)
         self.assertEqual(job.returncode, 0, said)
         self.assertEqual(self.frames("farm"), self.one_machine("1-8", "--downsample", "8"))
         self.assertEqual(sorted(log.name for log in (self.folder / "logs of 100%").iterdir()),
@@ -56,7 +56,7 @@ class Slurm(FarmCase):
         script = self.job("slurm", "farm/u.####.png", "1-2", "--downsample", "8",
                           options=["--tasks", "2", "--program", tool, "--retries", "1"])
         job = self.submit(script)
-        said, _ = job.communicate(timeout=100)
+        said, _ = job.communicate(timeout=3600)
         self.assertEqual(job.returncode, 4, said)
         self.assertEqual(sorted(name for name in self.frames("farm") if name.startswith("u")), ["u.0001.png"])
         self.assertEqual((self.folder / "umbrant-5_2.log").read_text(),
