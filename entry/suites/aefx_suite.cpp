@@ -5,6 +5,9 @@
 
 #include "entry/suites/aefx_suite.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
 
 constexpr char kCannotAcquire[] = "Not able to acquire AEFX Suite.";
@@ -16,13 +19,10 @@ struct SuiteName {
     int32_t version;
 };
 
-/// In the order of the fields of AEFX_DrawbotSuites.
-constexpr SuiteName kDrawbotSuites[] = {
-    {kDRAWBOT_DrawSuiteName, kDRAWBOT_DrawSuite_Version1},
-    {kDRAWBOT_SupplierSuiteName, kDRAWBOT_SupplierSuite_Version1},
-    {kDRAWBOT_SurfaceSuiteName, kDRAWBOT_SurfaceSuite_Version1},
-    {kDRAWBOT_PathSuiteName, kDRAWBOT_PathSuite_Version1},
-};
+constexpr SuiteName kDrawSuite = {kDRAWBOT_DrawSuiteName, kDRAWBOT_DrawSuite_Version1};
+constexpr SuiteName kSupplierSuite = {kDRAWBOT_SupplierSuiteName, kDRAWBOT_SupplierSuite_Version1};
+constexpr SuiteName kSurfaceSuite = {kDRAWBOT_SurfaceSuiteName, kDRAWBOT_SurfaceSuite_Version1};
+constexpr SuiteName kPathSuite = {kDRAWBOT_PathSuiteName, kDRAWBOT_PathSuite_Version1};
 
 /// Makes the host show `message` when the command ends.
 void Report(const PF_InData* in_data, PF_OutData* out_data, const char* message) {
@@ -64,33 +64,48 @@ PF_Err AEFX_ReleaseSuite(PF_InData* in_data, PF_OutData* out_data, const char* n
     return basic->ReleaseSuite(name, version);
 }
 
+namespace {
+
+/// Acquires one suite of the bundle into its field.
+template <typename SuiteT>
+PF_Err Acquire(PF_InData* in_data, PF_OutData* out_data, const SuiteName& wanted, const SuiteT** field) {
+    const void* suite = nullptr;
+    const PF_Err err = AcquireSuiteOrReport(in_data, out_data, wanted.name, wanted.version, nullptr, &suite);
+    *field = static_cast<const SuiteT*>(suite);
+    return err;
+}
+
+/// Releases the suite of one field, if there is one, and clears the field.
+template <typename SuiteT>
+PF_Err Release(PF_InData* in_data, PF_OutData* out_data, const SuiteName& held, const SuiteT** field) {
+    if (*field == nullptr) return PF_Err_NONE;
+    if (in_data->pica_basicP != nullptr) *field = nullptr;
+    return AEFX_ReleaseSuite(in_data, out_data, held.name, held.version, nullptr, nullptr);
+}
+
+}  // namespace
+
 PF_Err AEFX_AcquireDrawbotSuites(PF_InData* in_data, PF_OutData* out_data, AEFX_DrawbotSuites* suites) {
     if (suites == nullptr) {
         Report(in_data, out_data, kNullDrawbotSuites);
         return PF_Err_UNRECOGNIZED_PARAM_TYPE;
     }
     *suites = {};
-    const void* acquired[4] = {};
-    for (int i = 0; i < 4; ++i) {
-        const SuiteName& wanted = kDrawbotSuites[i];
-        const PF_Err err = AcquireSuiteOrReport(in_data, out_data, wanted.name, wanted.version, nullptr, &acquired[i]);
-        if (err != PF_Err_NONE) {
-            while (--i >= 0) in_data->pica_basicP->ReleaseSuite(kDrawbotSuites[i].name, kDrawbotSuites[i].version);
-            return err;
-        }
-    }
-    suites->draw = static_cast<const DRAWBOT_DrawbotSuite1*>(acquired[0]);
-    suites->supplier = static_cast<const DRAWBOT_SupplierSuite1*>(acquired[1]);
-    suites->surface = static_cast<const DRAWBOT_SurfaceSuite1*>(acquired[2]);
-    suites->path = static_cast<const DRAWBOT_PathSuite1*>(acquired[3]);
-    return PF_Err_NONE;
+    PF_Err err = Acquire(in_data, out_data, kDrawSuite, &suites->draw);
+    if (err == PF_Err_NONE) err = Acquire(in_data, out_data, kSupplierSuite, &suites->supplier);
+    if (err == PF_Err_NONE) err = Acquire(in_data, out_data, kSurfaceSuite, &suites->surface);
+    if (err == PF_Err_NONE) err = Acquire(in_data, out_data, kPathSuite, &suites->path);
+    return err;
 }
 
-PF_Err AEFX_ReleaseDrawbotSuites(PF_InData* in_data, PF_OutData* out_data) {
-    PF_Err first = PF_Err_NONE;
-    for (const SuiteName& held : kDrawbotSuites) {
-        const PF_Err err = AEFX_ReleaseSuite(in_data, out_data, held.name, held.version, nullptr, nullptr);
-        if (first == PF_Err_NONE) first = err;
-    }
-    return first;
+PF_Err AEFX_ReleaseDrawbotSuites(PF_InData* in_data, PF_OutData* out_data, AEFX_DrawbotSuites* suites) {
+    if (suites == nullptr) return PF_Err_UNRECOGNIZED_PARAM_TYPE;
+    const PF_Err errors[] = {
+        Release(in_data, out_data, kDrawSuite, &suites->draw),
+        Release(in_data, out_data, kSupplierSuite, &suites->supplier),
+        Release(in_data, out_data, kSurfaceSuite, &suites->surface),
+        Release(in_data, out_data, kPathSuite, &suites->path),
+    };
+    const PF_Err* first = std::find_if(std::begin(errors), std::end(errors), [](PF_Err err) { return err != 0; });
+    return first != std::end(errors) ? *first : PF_Err_NONE;
 }

@@ -34,13 +34,15 @@ PF_Err AEFX_AcquireSuite(PF_InData* in_data, PF_OutData* out_data, const char* n
 PF_Err AEFX_ReleaseSuite(PF_InData* in_data, PF_OutData* out_data, const char* name, int32_t version,
                          const char* error_message, void** suite);
 
-/// Acquires the drawing, supplier, surface and path suites in that order, stopping at the first failure, whose error
-/// is returned; those already acquired are then given back and the record is all null. A null record is
-/// `PF_Err_UNRECOGNIZED_PARAM_TYPE` with a message.
+/// Fills the record with the drawing, supplier, surface and path suites, in that order. Stops at the first failure and
+/// returns its error; what was acquired until then stays in the record, everything else in it is null. The record goes
+/// to `AEFX_ReleaseDrawbotSuites` in both cases. A null record is `PF_Err_UNRECOGNIZED_PARAM_TYPE` with a message.
 PF_Err AEFX_AcquireDrawbotSuites(PF_InData* in_data, PF_OutData* out_data, AEFX_DrawbotSuites* suites);
 
-/// Releases the four suites of a successful AEFX_AcquireDrawbotSuites. Returns the first error; tries all four.
-PF_Err AEFX_ReleaseDrawbotSuites(PF_InData* in_data, PF_OutData* out_data);
+/// Releases the suites that the record holds, in the order in which they were acquired, and clears their fields, so
+/// that a second call releases nothing. Returns the first error; tries all four. Without a basic suite the record stays
+/// as it is. A null record is `PF_Err_UNRECOGNIZED_PARAM_TYPE`.
+PF_Err AEFX_ReleaseDrawbotSuites(PF_InData* in_data, PF_OutData* out_data, AEFX_DrawbotSuites* suites);
 
 /// What AEFX_AcquireSuite and the scoped holder share.
 PF_Err AcquireSuiteOrReport(const PF_InData* in_data, PF_OutData* out_data, const char* name, int32_t version,

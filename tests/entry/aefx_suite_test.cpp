@@ -54,6 +54,20 @@ TEST_F(AefxSuiteTest, AcquireAndRelease) {
     ExpectSilence();
 }
 
+SPErr FailingRelease(const char* name, int32_t version) {
+    TestHost::Current().Log(std::string("ReleaseSuite ") + name + " " + std::to_string(version));
+    --TestHost::Current().suiteBalance[{name, version}];
+    return 4711 + TestHost::Current().CountOf("ReleaseSuite");
+}
+
+TEST_F(AefxSuiteTest, TheHostsErrorOfAReleaseComesBack) {
+    EXPECT_EQ(AEFX_AcquireSuite(&host.inData, &host.outData, "PF Handle Suite", 2, nullptr, &suite), 0);
+    host.basic.ReleaseSuite = FailingRelease;
+    EXPECT_EQ(AEFX_ReleaseSuite(&host.inData, &host.outData, "PF Handle Suite", 2, "text", &suite), 4712);
+    EXPECT_EQ(suite, nullptr) << "it is not released again";
+    ExpectSilence();
+}
+
 TEST_F(AefxSuiteTest, AFailedAcquireReports) {
     host.Refuse("PF Handle Suite", 99);
     EXPECT_EQ(AEFX_AcquireSuite(&host.inData, &host.outData, "PF Handle Suite", 2, nullptr, &suite), 516);
@@ -102,12 +116,16 @@ TEST_F(AefxSuiteTest, BundleInOrder) {
     EXPECT_EQ(host.calls, (Lines{"AcquireSuite DRAWBOT Draw Suite 1", "AcquireSuite DRAWBOT Supplier Suite 1",
                                  "AcquireSuite DRAWBOT Surface Suite 1", "AcquireSuite DRAWBOT Path Suite 1"}));
     host.calls.clear();
-    EXPECT_EQ(AEFX_ReleaseDrawbotSuites(&host.inData, &host.outData), 0);
+    EXPECT_EQ(AEFX_ReleaseDrawbotSuites(&host.inData, &host.outData, &suites), 0);
     EXPECT_EQ(host.calls, (Lines{"ReleaseSuite DRAWBOT Draw Suite 1", "ReleaseSuite DRAWBOT Supplier Suite 1",
                                  "ReleaseSuite DRAWBOT Surface Suite 1", "ReleaseSuite DRAWBOT Path Suite 1"}));
     ExpectSilence();
+    host.calls.clear();
+    EXPECT_EQ(AEFX_ReleaseDrawbotSuites(&host.inData, &host.outData, &suites), 0);
+    EXPECT_TRUE(host.calls.empty()) << "nothing is released twice";
 }
 
+// The record carries what was acquired until then, and the release function takes it from there.
 TEST_F(AefxSuiteTest, BundleStopsAtTheFirstFailure) {
     for (int missing = 0; missing < 4; ++missing) {
         SCOPED_TRACE(kBundle[missing]);
@@ -119,14 +137,28 @@ TEST_F(AefxSuiteTest, BundleStopsAtTheFirstFailure) {
         std::memset(&suites, 0x7F, sizeof(suites));
         EXPECT_EQ(AEFX_AcquireDrawbotSuites(&host.inData, &host.outData, &suites), 516);
         ExpectReported("Not able to acquire AEFX Suite.");
-        EXPECT_EQ(host.CountOf("AcquireSuite"), missing + 1);
-        EXPECT_EQ(host.CountOf("ReleaseSuite"), missing) << "nothing stays acquired";
-        EXPECT_EQ(suites.draw, nullptr);
-        EXPECT_EQ(suites.supplier, nullptr);
-        EXPECT_EQ(suites.surface, nullptr);
-        EXPECT_EQ(suites.path, nullptr);
+        EXPECT_EQ(host.CountOf("AcquireSuite"), missing + 1) << "stopped there";
+        EXPECT_EQ(host.CountOf("ReleaseSuite"), 0) << "the record still holds them";
+        const void* const fields[] = {suites.draw, suites.supplier, suites.surface, suites.path};
+        for (int i = 0; i < 4; ++i) EXPECT_EQ(fields[i], i < missing ? &tables[i] : nullptr) << i;
+
+        EXPECT_EQ(AEFX_ReleaseDrawbotSuites(&host.inData, &host.outData, &suites), 0);
+        EXPECT_EQ(host.CountOf("ReleaseSuite"), missing) << "each that was acquired, and no other";
         EXPECT_TRUE(host.Balanced());
+        EXPECT_EQ(AEFX_ReleaseDrawbotSuites(&host.inData, &host.outData, &suites), 0);
+        EXPECT_EQ(host.CountOf("ReleaseSuite"), missing) << "nothing is released twice";
     }
+}
+
+TEST_F(AefxSuiteTest, BundleReleaseTriesAllFourAndReturnsTheFirstError) {
+    AEFX_DrawbotSuites suites;
+    EXPECT_EQ(AEFX_AcquireDrawbotSuites(&host.inData, &host.outData, &suites), 0);
+    host.basic.ReleaseSuite = FailingRelease;
+    EXPECT_EQ(AEFX_ReleaseDrawbotSuites(&host.inData, &host.outData, &suites), 4712);
+    EXPECT_EQ(host.CountOf("ReleaseSuite"), 4);
+    EXPECT_EQ(AEFX_ReleaseDrawbotSuites(&host.inData, &host.outData, &suites), 0);
+    EXPECT_EQ(host.CountOf("ReleaseSuite"), 4);
+    ExpectSilence();
 }
 
 TEST_F(AefxSuiteTest, BundleWithoutARecord) {
@@ -134,12 +166,19 @@ TEST_F(AefxSuiteTest, BundleWithoutARecord) {
     ExpectReported("NULL suite pointer passed to AEFX_AcquireDrawbotSuites");
     EXPECT_TRUE(host.calls.empty());
     EXPECT_EQ(AEFX_AcquireDrawbotSuites(&host.inData, nullptr, nullptr), 514);
+    EXPECT_EQ(AEFX_ReleaseDrawbotSuites(&host.inData, &host.outData, nullptr), 514);
+    EXPECT_TRUE(host.calls.empty());
 }
 
 TEST_F(AefxSuiteTest, BundleReleaseWithoutABasicSuite) {
+    AEFX_DrawbotSuites suites;
+    EXPECT_EQ(AEFX_AcquireDrawbotSuites(&host.inData, &host.outData, &suites), 0);
     host.inData.pica_basicP = nullptr;
-    EXPECT_EQ(AEFX_ReleaseDrawbotSuites(&host.inData, &host.outData), 516);
+    EXPECT_EQ(AEFX_ReleaseDrawbotSuites(&host.inData, &host.outData, &suites), 516);
     ExpectReported("Not able to release AEFX Suite.");
+    EXPECT_EQ(static_cast<const void*>(suites.draw), &tables[0]) << "still held";
+    host.inData.pica_basicP = &host.basic;
+    EXPECT_EQ(AEFX_ReleaseDrawbotSuites(&host.inData, &host.outData, &suites), 0);
 }
 
 TEST_F(AefxSuiteTest, ScoperHoldsForItsScope) {
