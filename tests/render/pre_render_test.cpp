@@ -202,6 +202,25 @@ TEST_F(PreRenderTest, CollapsedRadialLayerIsClamped) {
     ExpectRect(host_.layerRequests[1].request.rect, 0, 0, 40, 30);
 }
 
+TEST_F(PreRenderTest, OneFlagBitAloneMeansCollapsed) {
+    host_.panel[PARAM_SHADOW_TYPE].u.pd.value = 3;
+    Slide(PARAM_DISTANCE, 100);
+    Slide(PARAM_SOFTNESS, 0);
+    const auto clampedWith = [this](uint32_t flags) {
+        host_.layerFlags = static_cast<AEGP_LayerFlags>(flags);
+        host_.preOutput = {};
+        EXPECT_EQ(Run(), PF_Err_NONE);
+        const bool clamped = host_.preOutput.result_rect.right == 40;
+        EXPECT_EQ(host_.preOutput.result_rect.right, clamped ? 40 : 80) << flags;
+        DisposePreRenderData(host_.preOutput.pre_render_data);
+        host_.preOutput.pre_render_data = nullptr;
+        return clamped;
+    };
+    for (int bit = 0; bit < 32; ++bit) EXPECT_EQ(clampedWith(1u << bit), bit == 7) << bit;
+    EXPECT_TRUE(clampedWith(0xFFFFFFFFu)) << "whatever else is set";
+    EXPECT_FALSE(clampedWith(~0x80u));
+}
+
 TEST_F(PreRenderTest, CollapsedTextureIsClampedThoughTheOutputIsLarger) {
     host_.panel[PARAM_SHADOW_TYPE].u.pd.value = 3;
     Slide(PARAM_SOFTNESS, 40);
