@@ -50,12 +50,12 @@ Bounds FindBoundsIn(const Element* values, int width, int height) {
 template <typename Element>
 void MixSourceRows(const Element* above, const Element* below, float fraction, int count, float* out) {
     if (fraction == 0) {
-        for (int x = 0; x < count; ++x) out[x] = static_cast<float>(above[x]);
+        for (int x = 0; x < count; ++x) out[x] = AlphaValue(above[x]);
         return;
     }
     for (int x = 0; x < count; ++x) {
-        const float from = static_cast<float>(above[x]);
-        out[x] = from + fraction * (static_cast<float>(below[x]) - from);
+        const float from = AlphaValue(above[x]);
+        out[x] = from + fraction * (AlphaValue(below[x]) - from);
     }
 }
 

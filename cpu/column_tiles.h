@@ -19,6 +19,21 @@ struct AlphaPlane {
     int height = 0;
 };
 
+/// The largest alpha that is calculated with. It is full wherever a tap sees any of it, as an infinite one is, and its
+/// products with weights and gains stay finite: infinity times a weight of 0 would be no number, and where such weights
+/// fall depends on the bounds.
+inline constexpr float kMostAlpha = 1e30f;
+
+inline float AlphaValue(uint8_t alpha) {
+    return static_cast<float>(alpha);
+}
+/// What is not a number counts as 0.
+inline float AlphaValue(float alpha) {
+    const float number = alpha == alpha ? alpha : 0.0f;
+    const float most = number < kMostAlpha ? number : kMostAlpha;
+    return most > -kMostAlpha ? most : -kMostAlpha;
+}
+
 /// The part of a picture outside which every value is 0.
 struct Bounds {
     Span columns;

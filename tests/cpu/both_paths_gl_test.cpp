@@ -93,6 +93,14 @@ class BothPaths : public GLContextTest, protected SceneRenderer {
         ExpectNear(gpu, cpu, scene);
     }
 
+    void ExpectBoundsChangeNothing(const RandomScene& scene) {
+        SetWorksEverywhere(false);
+        const Plane bounded = DrawBy(RendererChoice::kOpenGL, scene);
+        SetWorksEverywhere(true);
+        const Plane everywhere = DrawBy(RendererChoice::kOpenGL, scene);
+        EXPECT_TRUE(bounded.values == everywhere.values) << scene.words;
+    }
+
     // The processor alone, against the model rounded as pictures are.
     void ExpectLikeTheModel(const RandomScene& scene) {
         const Plane cpu = DrawBy(RendererChoice::kProcessor, scene);
@@ -118,14 +126,19 @@ TEST_F(BothPaths, TheProcessorIsRightWhereTheDriverIsOff) {
     for (const unsigned number : kDriverIsOff) ExpectLikeTheModel(MakeRandomScene(number));
 }
 
+TEST_F(BothPaths, DrawAlphasOutsideTheirRangeAlike) {
+    for (unsigned number = 0; number < ScenesToDraw(150); ++number) {
+        ExpectAlike(MakeOddScene(number, OddAlphas::kFinite));
+    }
+}
+
 TEST_F(BothPaths, BoundsChangeNoByteOnTheGpu) {
+    for (unsigned number = 0; number < ScenesToDraw(300); ++number) ExpectBoundsChangeNothing(MakeRandomScene(number));
+}
+
+TEST_F(BothPaths, BoundsChangeNoByteOnTheGpuWhateverTheAlphas) {
     for (unsigned number = 0; number < ScenesToDraw(300); ++number) {
-        const RandomScene scene = MakeRandomScene(number);
-        SetWorksEverywhere(false);
-        const Plane bounded = DrawBy(RendererChoice::kOpenGL, scene);
-        SetWorksEverywhere(true);
-        const Plane everywhere = DrawBy(RendererChoice::kOpenGL, scene);
-        ASSERT_EQ(bounded.values, everywhere.values) << scene.words;
+        ExpectBoundsChangeNothing(MakeOddScene(number, OddAlphas::kAny));
     }
 }
 

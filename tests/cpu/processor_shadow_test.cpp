@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <string>
 #include <thread>
 
@@ -38,6 +39,14 @@ class ProcessorTest : public ::testing::Test, protected SceneRenderer {
         EXPECT_EQ(host_.layersOut, 0);
         EXPECT_TRUE(fake::Calls().empty()) << "no call to GL: " << fake::Calls().front();
         fake::Reset();
+    }
+
+    void ExpectBoundsChangeNothing(const RandomScene& scene) {
+        SetWorksEverywhere(false);
+        const Plane bounded = Draw(scene);
+        SetWorksEverywhere(true);
+        const Plane everywhere = Draw(scene);
+        EXPECT_TRUE(bounded.values == everywhere.values) << scene.words;
     }
 };
 
@@ -117,13 +126,44 @@ constexpr unsigned kEdgesOnCentres[] = {130, 184, 297};
 constexpr unsigned kTexelsSteppedOver[] = {866, 896, 1187, 1794, 2549};
 
 TEST_F(ProcessorTest, BoundsChangeNoByte) {
-    for (unsigned number = 0; number < ScenesToDraw(300); ++number) {
-        const RandomScene scene = MakeRandomScene(number);
-        SetWorksEverywhere(false);
-        const Plane bounded = Draw(scene);
-        SetWorksEverywhere(true);
-        const Plane everywhere = Draw(scene);
-        ASSERT_EQ(bounded.values, everywhere.values) << scene.words;
+    for (unsigned number = 0; number < ScenesToDraw(300); ++number) ExpectBoundsChangeNothing(MakeRandomScene(number));
+}
+
+TEST_F(ProcessorTest, BoundsChangeNoByteWhateverTheAlphas) {
+    for (unsigned number = 0; number < ScenesToDraw(600); ++number) {
+        ExpectBoundsChangeNothing(MakeOddScene(number, OddAlphas::kAny));
+    }
+}
+
+double special = 0;
+double WithASpecialPixel(int x, int y) {
+    if (x < 10 || y < 8 || x > 30 || y > 22) return 0;
+    return x == 20 && y == 15 ? special : 0.3;
+}
+
+TEST_F(ProcessorTest, InfiniteAlphasAreLikeVeryLargeOnesAndNotANumberIsLikeNothing) {
+    RandomScene scene;
+    scene.depth = 32;
+    scene.width = 40;
+    scene.height = 30;
+    scene.panel.distance = 5;
+    scene.panel.softness = 8;
+    scene.panel.samples = 3;
+    scene.alphaOf = WithASpecialPixel;
+    const auto drawn = [&](double alpha) {
+        special = alpha;
+        return Draw(scene).values;
+    };
+    const double infinity = std::numeric_limits<double>::infinity();
+    for (const int type : {SHADOW_NORMAL, SHADOW_INNER, SHADOW_RADIAL}) {
+        SCOPED_TRACE(type);
+        scene.type = type;
+        const auto plain = drawn(0.3);
+        EXPECT_NE(drawn(infinity), plain) << "else the test proves nothing";
+        EXPECT_TRUE(drawn(infinity) == drawn(1e25));
+        EXPECT_TRUE(drawn(-infinity) == drawn(-1e25));
+        EXPECT_NE(drawn(0), plain) << "else the test proves nothing";
+        EXPECT_TRUE(drawn(std::nan("")) == drawn(0));
     }
 }
 

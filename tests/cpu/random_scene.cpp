@@ -3,8 +3,10 @@
 
 #include "tests/cpu/random_scene.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <limits>
 #include <random>
 #include <sstream>
 
@@ -17,6 +19,11 @@ struct Layer {
     int height = 0;
     unsigned seed = 0;
     int left = 0, top = 0, right = 0, bottom = 0;
+    // Of an odd scene.
+    OddAlphas odd = OddAlphas::kFinite;
+    double oddShare = 0;  ///< of the pixels that are not 0
+    int oddX = 0, oddY = 0;
+    int oddValue = 0;  ///< of the pixel at (oddX, oddY)
 };
 Layer current;
 
@@ -47,6 +54,34 @@ double AlphaOf(int x, int y) {
         default:  // touches one corner
             return x + y < current.right ? 0.8 : 0;
     }
+}
+
+constexpr double kFinite[] = {-2, -0.25, 1.25, 3};
+constexpr double kHuge = std::numeric_limits<float>::max();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kAny[] = {-2,        1.25,      -kHuge,     kHuge,
+                           kInfinity, kInfinity, -kInfinity, std::numeric_limits<double>::quiet_NaN()};
+
+double OddValue(int index) {
+    return current.odd == OddAlphas::kFinite ? kFinite[index % 4] : kAny[index % 8];
+}
+
+double OddAlphaOf(int x, int y) {
+    if (x == current.oddX && y == current.oddY) return OddValue(current.oddValue);
+    const double alpha = AlphaOf(x, y);
+    // Other places of the noise than the alphas themselves.
+    if (alpha == 0 || Noise(x + 1000, y + 1000) >= current.oddShare) return alpha;
+    return OddValue(static_cast<int>(Noise(x + 2000, y + 2000) * 65535));
+}
+
+std::string Words(unsigned number, const RandomScene& scene) {
+    const PanelValues& p = scene.panel;
+    std::ostringstream words;
+    words << "scene " << number << ": type " << scene.type << ", " << scene.depth << " bits, " << scene.width << " x "
+          << scene.height << ", shape " << current.shape << ", angle " << p.angle << ", distance " << p.distance
+          << ", softness " << p.softness << ", opacity " << p.opacityStart << " to " << p.opacityEnd << ", samples "
+          << p.samples << ", resolution " << p.resolution;
+    return words.str();
 }
 
 }  // namespace
@@ -97,11 +132,24 @@ RandomScene MakeRandomScene(unsigned number) {
     current.bottom = whole(current.top + 1, scene.height);
     scene.alphaOf = AlphaOf;
 
+    scene.words = Words(number, scene);
+    return scene;
+}
+
+RandomScene MakeOddScene(unsigned number, OddAlphas alphas) {
+    RandomScene scene = MakeRandomScene(number);
+    std::mt19937 engine(number * 104729u + 71u);
+    scene.depth = 32;
+    scene.alphaOf = OddAlphaOf;
+    current.odd = alphas;
+    const double shares[] = {0, 0, 0.05, 1};
+    current.oddShare = shares[engine() % 4];
+    current.oddX = static_cast<int>(engine() % static_cast<unsigned>(scene.width));
+    current.oddY = static_cast<int>(engine() % static_cast<unsigned>(scene.height));
+    current.oddValue = static_cast<int>(engine() % 8);
     std::ostringstream words;
-    words << "scene " << number << ": type " << scene.type << ", " << scene.depth << " bits, " << scene.width << " x "
-          << scene.height << ", shape " << current.shape << ", angle " << p.angle << ", distance " << p.distance
-          << ", softness " << p.softness << ", opacity " << p.opacityStart << " to " << p.opacityEnd << ", samples "
-          << p.samples << ", resolution " << p.resolution;
+    words << "odd " << Words(number, scene) << ", alpha " << OddValue(current.oddValue) << " at " << current.oddX
+          << ", " << current.oddY << ", " << current.oddShare * 100 << " % odd elsewhere";
     scene.words = words.str();
     return scene;
 }

@@ -24,5 +24,15 @@ struct RandomScene {
 /// Scene `number`; costly values are rare. Sets what the scene's `alphaOf` draws, until the next call.
 RandomScene MakeRandomScene(unsigned number);
 
+/// Which alphas `MakeOddScene` draws.
+enum class OddAlphas {
+    kFinite,  ///< from -2 to 3
+    kAny,     ///< the largest floats, infinite ones and not-a-number as well
+};
+
+/// Scene `number` in float, with alphas in its layer that are none of 0..1: one, some, or all that are not 0. Sets what
+/// the scene's `alphaOf` draws, until the next call.
+RandomScene MakeOddScene(unsigned number, OddAlphas alphas);
+
 /// How many scenes a test draws: `usual`, or what UMBRANT_TEST_SCENES says, for long runs.
 unsigned ScenesToDraw(unsigned usual);
