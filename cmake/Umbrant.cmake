@@ -30,6 +30,9 @@ target_link_libraries(umbrant_flags INTERFACE Threads::Threads)
 # Results are fixed to the last rounding step, so no multiply-add may be fused behind the formulas' back.
 add_library(umbrant_module_flags INTERFACE)
 target_compile_options(umbrant_module_flags INTERFACE -ffp-contract=off)
+# GCC 12 loses a rounding to single precision where it makes one vector of two neighbouring double numbers of which one
+# or both have passed through a float. Loops are still made vectors of.
+target_compile_options(umbrant_module_flags INTERFACE -fno-tree-slp-vectorize)
 target_link_libraries(umbrant_module_flags INTERFACE umbrant_flags)
 
 # How a module is linked. Under a sanitizer it stays mapped to the end, so that reports can name its functions, and its

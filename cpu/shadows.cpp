@@ -12,7 +12,7 @@
 
 #include "cpu/stack_drawer.h"
 #include "cpu/thread_pool.h"
-#include "pixel/saturate.h"
+#include "pixel/blur_stride.h"
 
 namespace {
 
@@ -68,14 +68,19 @@ Look ScaledLook(int outputs, double scale, int size, Edge edge) {
     return {0.5 * pitch - scale * size / 2 + size / 2.0 - 0.5, pitch, size, edge};
 }
 
+/// Strides of a sample's blurs in inputs: the GPU passes' own, which are in sizes of what they read, rounded alike.
 struct Taps {
-    int steps;
-    double amount;  ///< pixels each way
+    int32_t steps;
+    double across;
+    double down;
 };
 
-Taps TapsFor(double resolutionScale, double softness) {
-    const double amount = std::max(softness, 1.0);
-    return {std::max(ToInt32(std::ceil(resolutionScale * amount)), 1), amount};
+// Across, `width` pixels are drawn as `inputs` inputs.
+Taps TapsFor(double resolutionScale, double softness, int32_t width, int32_t inputs, const framebufferData& record) {
+    const double amount = BlurAmount(softness);
+    const int32_t steps = BlurSteps(resolutionScale, amount);
+    return {steps, static_cast<double>(StrideAcross(amount, steps, width)) * inputs,
+            static_cast<double>(StrideDown(static_cast<float>(amount), steps, record.paddedH)) * record.fboH};
 }
 
 // Shifted about the middle of the output, in pixels; `scale` is the copy's share of it.
@@ -87,16 +92,14 @@ Placement Centred(double shift, double padded, int size, int texels) {
 
 StackSample NormalSample(const myParams& s, const perSampleData& copy, const framebufferData& record,
                          const ColumnTiles& source, double full) {
-    const double inputWidth = s.inputWorld->width;
-    const auto [steps, amount] = TapsFor(s.resolutionScale, copy.softness);
+    const int32_t inputWidth = s.inputWorld->width;
+    const Taps taps = TapsFor(s.resolutionScale, copy.softness, inputWidth, inputWidth, record);
     StackSample sample;
     sample.source = &source;
-    sample.across = ScaledLook(record.fboW, Single(record.paddedW / inputWidth), s.inputWorld->width, Edge::kClamp);
-    const double across = Single(amount / steps * (1.0 / inputWidth)) * inputWidth;
-    sample.acrossKernel = MakeKernel(steps, across, Single(copy.opacity) * kFull / full);
-    // The GPU's own value of the amount has passed through single precision.
-    const double down = Single(Single(amount) / steps * (1.0 / record.paddedH)) * record.fboH;
-    sample.downKernel = MakeKernel(steps, down, 1);
+    const double scale = Single(record.paddedW / static_cast<double>(inputWidth));
+    sample.across = ScaledLook(record.fboW, scale, inputWidth, Edge::kClamp);
+    sample.acrossKernel = MakeKernel(taps.steps, taps.across, Single(copy.opacity) * kFull / full);
+    sample.downKernel = MakeKernel(taps.steps, taps.down, 1);
     sample.x = Centred(copy.offsetX + s.offsetShadowX + s.preRender.centreOffsetX, record.paddedW, s.outputWorld->width,
                        record.fboW);
     sample.y = Centred(copy.offsetY + s.offsetShadowY + s.preRender.centreOffsetY, record.paddedH,
@@ -106,16 +109,13 @@ StackSample NormalSample(const myParams& s, const perSampleData& copy, const fra
 
 StackSample InnerSample(const myParams& s, const perSampleData& copy, const framebufferData& record,
                         const framebufferData& first, const ColumnTiles& source) {
-    const double sourceWidth = s.innerSourceWorld->width;
-    const auto [steps, amount] = TapsFor(s.resolutionScale, copy.softness);
+    const Taps taps = TapsFor(s.resolutionScale, copy.softness, s.innerSourceWorld->width, first.fboW, record);
     StackSample sample;
     sample.source = &source;
     sample.across =
         ScaledLook(record.fboW, Single(static_cast<double>(record.fboW) / first.fboW), first.fboW, Edge::kMirror);
-    const double across = Single(amount / steps * (1.0 / sourceWidth)) * first.fboW;
-    sample.acrossKernel = MakeKernel(steps, across, Single(copy.opacity));
-    const double down = Single(Single(amount) / steps * (1.0 / record.paddedH)) * record.fboH;
-    sample.downKernel = MakeKernel(steps, down, 1);
+    sample.acrossKernel = MakeKernel(taps.steps, taps.across, Single(copy.opacity));
+    sample.downKernel = MakeKernel(taps.steps, taps.down, 1);
     sample.x = Centred(copy.offsetX + s.offsetShadowX + s.preRender.centreOffsetX, record.paddedW, s.outputWorld->width,
                        record.fboW);
     sample.y = Centred(copy.offsetY + s.offsetShadowY + s.preRender.centreOffsetY, record.paddedH,
@@ -125,7 +125,10 @@ StackSample InnerSample(const myParams& s, const perSampleData& copy, const fram
 
 StackSample RadialSample(const myParams& s, const perSampleData& copy, const RadialPadding& padding,
                          const ColumnTiles& source) {
-    const int steps = TapsFor(s.resolutionScale, copy.softness).steps;
+    const int32_t steps = BlurSteps(s.resolutionScale, copy.softness);
+    const auto kernel = [&](int32_t inputs, double gain) {
+        return MakeKernel(steps, static_cast<double>(StrideRadial(copy.softness, steps, inputs)) * inputs, gain);
+    };
     const auto place = [&](double translation, int padded, int size) {
         const double scale = Single(copy.radialScale);
         const double ratio = static_cast<double>(static_cast<float>(padded) / static_cast<float>(size));
@@ -135,9 +138,8 @@ StackSample RadialSample(const myParams& s, const perSampleData& copy, const Rad
     StackSample sample;
     sample.source = &source;
     sample.across = ScaledLook(padding.width, 1, padding.width, Edge::kMirror);
-    const double stride = copy.softness / steps;
-    sample.acrossKernel = MakeKernel(steps, Single(stride / padding.width) * padding.width, Single(copy.opacity));
-    sample.downKernel = MakeKernel(steps, Single(stride / padding.height) * padding.height, 1);
+    sample.acrossKernel = kernel(padding.width, Single(copy.opacity));
+    sample.downKernel = kernel(padding.height, 1);
     sample.x = place(copy.radialTx, padding.width, s.outputWorld->width);
     sample.y = place(copy.radialTy, padding.height, s.outputWorld->height);
     return sample;
@@ -166,8 +168,8 @@ AlphaPlane Invert(const myParams& s, const AlphaPlane& layer, float* out) {
     const auto invertRow = [&](const auto* above, const auto* below, float fraction, float full, float* row) {
         for (const Column& c : columns) {
             const auto mix = [](float from, float to, float f) { return from + f * (to - from); };
-            const float upper = mix(static_cast<float>(above[c.here]), static_cast<float>(above[c.next]), c.fraction);
-            const float lower = mix(static_cast<float>(below[c.here]), static_cast<float>(below[c.next]), c.fraction);
+            const float upper = mix(AlphaValue(above[c.here]), AlphaValue(above[c.next]), c.fraction);
+            const float lower = mix(AlphaValue(below[c.here]), AlphaValue(below[c.next]), c.fraction);
             *row++ = Round16((1 - mix(upper, lower, fraction) / full) * gain);
         }
     };

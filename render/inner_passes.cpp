@@ -3,15 +3,13 @@
 
 // The inner shadow's passes: the inverted alpha is blurred and shifted like a normal shadow.
 
-#include <algorithm>
-#include <cmath>
 #include <vector>
 
 #include "gl/framebuffer.h"
 #include "gl/thread_state.h"
 #include "hostapi/errors.h"
+#include "pixel/blur_stride.h"
 #include "pixel/effect_world.h"
-#include "pixel/saturate.h"
 #include "render/draw.h"
 #include "render/inner_composite.h"
 #include "render/pass_regions.h"
@@ -74,10 +72,10 @@ void SendBlurAcross(myParams* params, int* sampleIndex, int* framebufferIndex, u
     const perSampleData& sample = params->samples.at(static_cast<size_t>(*sampleIndex));
     const framebufferData& record = params->framebuffers.at(static_cast<size_t>(*framebufferIndex));
     const framebufferData& first = params->framebuffers.front();
-    const double blurAmount = std::max(sample.softness, 1.0);
+    const double blurAmount = BlurAmount(sample.softness);
     params->blurAmount = static_cast<float>(blurAmount);
-    params->blurSteps = std::max(ToInt32(std::ceil(params->resolutionScale * blurAmount)), 1);
-    params->blurStride = static_cast<float>((blurAmount / params->blurSteps) * (1.0 / params->innerSourceWorld->width));
+    params->blurSteps = BlurSteps(params->resolutionScale, blurAmount);
+    params->blurStride = StrideAcross(blurAmount, params->blurSteps, params->innerSourceWorld->width);
     SendMatrix(*programId, kIdentity);
     SendFloat(*programId, "opacityF", sample.opacity);
     SendInt(*programId, "steps", params->blurSteps);

@@ -4,13 +4,12 @@
 // The radial shadow's passes.
 
 #include <algorithm>
-#include <cmath>
 
 #include "gl/framebuffer.h"
 #include "gl/quad.h"
 #include "gl/thread_state.h"
 #include "hostapi/errors.h"
-#include "pixel/saturate.h"
+#include "pixel/blur_stride.h"
 #include "render/draw.h"
 #include "render/pass_regions.h"
 #include "render/passes.h"
@@ -61,7 +60,7 @@ void DrawPaddedCopy(const myParams& settings, const RadialGeometry& geometry, Bu
 void BlurSample(const myParams& settings, const RadialGeometry& geometry, const perSampleData& sample,
                 const SampleRegions& regions, Buffers& buffers, PF_OutData* out_data) {
     Program* programs = local_render_data->programs;
-    const int steps = std::max(1, ToInt32(std::ceil(settings.resolutionScale * sample.softness)));
+    const int steps = BlurSteps(settings.resolutionScale, sample.softness);
 
     // Across, from the padded layer.
     SetBlending(false);
@@ -71,7 +70,7 @@ void BlurSample(const myParams& settings, const RadialGeometry& geometry, const 
     programs[kProgramBlurW].Use(out_data);
     unsigned id = programs[kProgramBlurW].Get(out_data);
     SendInt(id, "steps", steps);
-    SendFloat(id, "stride", (sample.softness / steps) / geometry.paddedW);
+    SendFloat(id, "stride", StrideRadial(sample.softness, steps, geometry.paddedW));
     SendFloat(id, "opacityF", sample.opacity);
     SendFloat(id, "scaleW", 1);
     SendFloat(id, "scaleH", 1);
@@ -84,7 +83,7 @@ void BlurSample(const myParams& settings, const RadialGeometry& geometry, const 
     programs[kProgramBlurH].Use(out_data);
     id = programs[kProgramBlurH].Get(out_data);
     SendInt(id, "steps", steps);
-    SendFloat(id, "stride", (sample.softness / steps) / geometry.paddedH);
+    SendFloat(id, "stride", StrideRadial(sample.softness, steps, geometry.paddedH));
     SendMatrix(id, kIdentity);
     DrawQuadIn(regions.down);
 }
@@ -109,13 +108,16 @@ void PlaceSample(const myParams& settings, const perSampleData& sample, bool fir
     DrawQuadIn(region);
 }
 
-// Where the padded copy holds anything.
+// Where the padded copy holds anything, and a texel more: the copy is drawn texel upon texel, but a driver's sampling
+// place may be off by a little, and a little of an infinite alpha is full.
 Region PaddedRegion(const myParams& settings, const RadialGeometry& geometry) {
     if (WorksEverywhere()) return WholeRegion(geometry.paddedW, geometry.paddedH);
     Region region = FindAlpha(*settings.inputWorld, settings.bitDepth);
     if (region.Empty()) return {};
-    region.x = {region.x.begin + geometry.pad, region.x.end + geometry.pad};
-    region.y = {region.y.begin + geometry.pad, region.y.end + geometry.pad};
+    region.x = {std::max(region.x.begin + geometry.pad - 1, 0),
+                std::min(region.x.end + geometry.pad + 1, geometry.paddedW)};
+    region.y = {std::max(region.y.begin + geometry.pad - 1, 0),
+                std::min(region.y.end + geometry.pad + 1, geometry.paddedH)};
     return region;
 }
 

@@ -3,12 +3,9 @@
 
 #include "render/shadow_shaders.h"
 
-#include <algorithm>
-#include <cmath>
-
 #include "gl/program.h"
 #include "gl/thread_state.h"
-#include "pixel/saturate.h"
+#include "pixel/blur_stride.h"
 #include "render/draw.h"
 #include "render/render_settings.h"
 #include "render/shader_sources.h"
@@ -29,10 +26,10 @@ void SendBlurWUniforms(myParams* params, int* sampleIndex, int* framebufferIndex
     const double inputWidth = params->inputWorld->width;
     const double inputHeight = params->inputWorld->height;
 
-    const double blurAmount = std::max(sample.softness, 1.0);
+    const double blurAmount = BlurAmount(sample.softness);
     params->blurAmount = static_cast<float>(blurAmount);
-    params->blurSteps = std::max(ToInt32(std::ceil(params->resolutionScale * blurAmount)), 1);
-    params->blurStride = static_cast<float>((blurAmount / params->blurSteps) * (1.0 / inputWidth));
+    params->blurSteps = BlurSteps(params->resolutionScale, blurAmount);
+    params->blurStride = StrideAcross(blurAmount, params->blurSteps, params->inputWorld->width);
 
     SendFloat(*programId, "opacityF", sample.opacity);
     SendMatrix(*programId, kIdentity);
@@ -46,7 +43,7 @@ void SendBlurHUniforms(myParams* params, int* sampleIndex, int* framebufferIndex
     params->samples.at(static_cast<size_t>(*sampleIndex));
     const framebufferData& buffer = params->framebuffers.at(static_cast<size_t>(*framebufferIndex));
 
-    params->blurStride = static_cast<float>((params->blurAmount / params->blurSteps) * (1.0 / buffer.paddedH));
+    params->blurStride = StrideDown(params->blurAmount, params->blurSteps, buffer.paddedH);
 
     SendInt(*programId, "steps", params->blurSteps);
     SendFloat(*programId, "stride", params->blurStride);
