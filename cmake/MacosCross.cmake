@@ -10,10 +10,13 @@ if(NOT status EQUAL 0)
 endif()
 find_program(UMBRANT_LIPO llvm-lipo-14 REQUIRED)
 
-# The addresses behind the panel's buttons are the slices' to know.
+# The addresses behind the panel's buttons are the slices' to know. Checked here too: the list would divide one with a
+# semicolon.
+include(CheckAddress)
 set(passedOn "")
 foreach(name UMBRANT_PRODUCT_URL UMBRANT_FREE_PLUGINS_URL UMBRANT_SUPPORT_URL)
     if(DEFINED ${name})
+        umbrant_check_address(${name} MACOS)
         list(APPEND passedOn -D${name}=${${name}})
     endif()
 endforeach()

@@ -3,7 +3,8 @@
 #pragma once
 
 // The web pages behind the panel's three buttons. They are cache variables of the build (UMBRANT_PRODUCT_URL,
-// UMBRANT_FREE_PLUGINS_URL, UMBRANT_SUPPORT_URL), which refuses what a shell would interpret.
+// UMBRANT_FREE_PLUGINS_URL, UMBRANT_SUPPORT_URL), which takes complete https addresses alone; for macOS, where a shell
+// opens them, without the characters that a shell acts on.
 
 extern const char kProductUrl[];
 extern const char kFreePluginsUrl[];

@@ -2,17 +2,21 @@
 // Copyright 2026 the Umbrant authors
 
 // On Linux the desktop's own opener, xdg-open, hands an address to the default browser. On some desktops it stays
-// until the browser ends, and the panel must not stand still for that long.
+// until the browser ends, and the panel must not stand still for that long. No shell has a part in it: the address
+// reaches the opener as it is, whatever characters it holds.
 
 #include "platform/open_url.h"
 
 #include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
+#include <string>
+#include <string_view>
 
 extern char** environ;
 
@@ -20,40 +24,63 @@ namespace {
 
 /// How long an opener may take to be waited for: a fast one has done its work when the call returns.
 constexpr int kPatienceMilliseconds = 300;
+constexpr int kFirstAfterStandardStreams = 3;
 
-/// The address is the shell's $0, so the shell never reads it as a command. The shell leaves at once; the opener, now
-/// nobody's child, holds descriptor 3 for as long as it runs.
-constexpr const char* kShellLine = "xdg-open \"$0\" </dev/null >/dev/null 2>&1 &";
-constexpr int kHeldByOpener = 3;
-
-/// Starts the shell with `held` as its descriptor 3, and waits for the shell alone.
-void StartOpener(const char* url, int held) {
-    char* const arguments[] = {const_cast<char*>("sh"), const_cast<char*>("-c"), const_cast<char*>(kShellLine),
-                               const_cast<char*>(url), nullptr};
-    posix_spawn_file_actions_t actions;
-    if (posix_spawn_file_actions_init(&actions) != 0) return;
-    pid_t shell = 0;
-    if (posix_spawn_file_actions_adddup2(&actions, held, kHeldByOpener) == 0 &&
-        posix_spawn(&shell, "/bin/sh", &actions, nullptr, arguments, environ) == 0) {
-        while (waitpid(shell, nullptr, 0) == -1 && errno == EINTR) {
-        }
+/// The first file of that name in the search path that may be run; empty when there is none.
+std::string FindInPath(std::string_view name) {
+    const char* path = std::getenv("PATH");
+    std::string_view rest = path != nullptr ? path : "/usr/local/bin:/usr/bin:/bin";
+    while (!rest.empty()) {
+        const size_t length = rest.find(':');
+        const std::string_view folder = rest.substr(0, length);
+        rest = length == std::string_view::npos ? std::string_view() : rest.substr(length + 1);
+        if (folder.empty()) continue;
+        std::string file = std::string(folder) + "/" + std::string(name);
+        struct stat status;
+        if (stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode) && access(file.c_str(), X_OK) == 0) return file;
     }
-    posix_spawn_file_actions_destroy(&actions);
+    return {};
+}
+
+/// In a new process: becomes the opener, which holds `held` for as long as it runs.
+[[noreturn]] void BecomeOpener(const char* file, const char* url, int held) {
+    setsid();
+    const int nothing = open("/dev/null", O_RDWR);
+    for (int stream = 0; stream < kFirstAfterStandardStreams; ++stream) dup2(nothing, stream);
+    if (nothing >= kFirstAfterStandardStreams) close(nothing);
+    fcntl(held, F_SETFD, 0);
+    char* const arguments[] = {const_cast<char*>("xdg-open"), const_cast<char*>(url), nullptr};
+    execve(file, arguments, environ);
+    _exit(127);
+}
+
+/// Starts the opener as nobody's child: its parent is gone at once, so nothing is left for the host to wait for.
+/// Between the fork and the new program only functions run that may do so in a process that had other threads.
+void StartOpener(const std::string& file, const char* url, int held) {
+    const pid_t parent = _Fork();
+    if (parent == 0) {
+        if (_Fork() == 0) BecomeOpener(file.c_str(), url, held);
+        _exit(0);
+    }
+    while (parent > 0 && waitpid(parent, nullptr, 0) == -1 && errno == EINTR) {
+    }
 }
 
 }  // namespace
 
 void OpenUrl(const char* url) {
+    const std::string opener = FindInPath("xdg-open");
+    if (opener.empty()) return;
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0) return;
-    // A number above 3, so that putting it there is a copy, which loses the mark that would close it in the shell.
-    const int held = fcntl(ends[1], F_DUPFD_CLOEXEC, kHeldByOpener + 1);
+    // Above the standard streams, which the opener gets anew.
+    const int held = fcntl(ends[1], F_DUPFD_CLOEXEC, kFirstAfterStandardStreams);
     close(ends[1]);
     if (held != -1) {
-        StartOpener(url, held);
+        StartOpener(opener, url, held);
         close(held);
-        pollfd opener{ends[0], 0, 0};
-        poll(&opener, 1, kPatienceMilliseconds);  // ends early when the last holder of the other end is gone
+        pollfd opened{ends[0], 0, 0};
+        poll(&opened, 1, kPatienceMilliseconds);  // ends early when the last holder of the other end is gone
     }
     close(ends[0]);
 }

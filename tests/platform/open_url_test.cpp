@@ -8,6 +8,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,6 +19,7 @@
 #include <iterator>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "platform/fake/call_log.h"
 
@@ -68,7 +70,7 @@ class OpenUrlTest : public ::testing::TestWithParam<Platform> {
 
     /// What the opener wrote; waits for it.
     std::string Record() const {
-        for (const auto end = steady_clock::now() + std::chrono::seconds(10); steady_clock::now() < end;) {
+        for (const auto end = steady_clock::now() + std::chrono::seconds(100); steady_clock::now() < end;) {
             std::ifstream file(Given());
             std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
             if (text.ends_with("done\n")) return text;
@@ -117,18 +119,22 @@ TEST_P(OpenUrlOnLinuxTest, WhatTheOpenerPrintsIsNotShown) {
     EXPECT_EQ(output, "");
 }
 
+// The call waits for 300 ms, which a busy machine may need to start the opener alone.
 TEST_P(OpenUrlOnLinuxTest, AQuickOpenerIsDoneWhenTheCallReturns) {
     WriteOpener("echo done > '" + Given().string() + "'");
+    const auto begin = steady_clock::now();
     EXPECT_EQ(Open("https://example.com"), 0);
-    EXPECT_TRUE(std::filesystem::exists(Given()));
+    EXPECT_TRUE(std::filesystem::exists(Given()) || steady_clock::now() - begin >= milliseconds(300));
 }
 
 TEST_P(OpenUrlOnLinuxTest, ASlowOpenerIsNotWaitedFor) {
-    WriteOpener("/bin/sleep 3; echo done > '" + Given().string() + "'");
-    const auto begin = steady_clock::now();
+    const std::string go = (folder_ / "go").string();
+    WriteOpener("i=0; while [ ! -e '" + go +
+                "' ] && [ $i -lt 1000 ]; do /bin/sleep 0.1; i=$((i + 1)); done; echo done > '" + Given().string() +
+                "'");
     EXPECT_EQ(Open("https://example.com"), 0);
-    EXPECT_LT(steady_clock::now() - begin, milliseconds(2500));
-    EXPECT_FALSE(std::filesystem::exists(Given()));
+    EXPECT_FALSE(std::filesystem::exists(Given())) << "the call returned while the opener was at work";
+    std::ofstream(go).close();
     EXPECT_EQ(Record(), "done\n") << "it goes on by itself";
 }
 
@@ -136,6 +142,44 @@ TEST_P(OpenUrlOnLinuxTest, AnAddressIsNeverACommand) {
     WriteOpener("{ echo \"$1\"; echo done; } > '" + Given().string() + "'");
     EXPECT_EQ(Open("$(id); id & id | id"), 0);
     EXPECT_EQ(Record(), "$(id); id & id | id\ndone\n");
+}
+
+// A shell in between would leave its own variables in the opener's environment.
+TEST_P(OpenUrlOnLinuxTest, NoShellHasAPartInIt) {
+    std::filesystem::copy_file(OPENER_PROBE, folder_ / "xdg-open");
+    const std::string url = "https://example.com/?a=1&b='2'*#$HOME;id";
+    std::string path = "/nowhere::" + (folder_ / "given").string() + ":" + folder_.string();
+    std::vector<std::string> arguments = {"/usr/bin/env",   "-i", "PATH=" + path, "RECORD=" + Given().string(),
+                                          GetParam().probe, url};
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments) pointers.push_back(argument.data());
+    pointers.push_back(nullptr);
+    pid_t child = 0;
+    ASSERT_EQ(posix_spawn(&child, pointers[0], nullptr, nullptr, pointers.data(), environ), 0);
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(Record(), "argument " + url + "\nvariable PATH=" + path + "\nvariable RECORD=" + Given().string() +
+                            "\nstream open\nstream open\nstream open\nleader 1\ndone\n");
+}
+
+TEST_P(OpenUrlOnLinuxTest, WhatCannotBeRunIsNotAnOpener) {
+    std::filesystem::create_directory(folder_ / "xdg-open");
+    std::string output;
+    EXPECT_EQ(Open("https://example.com", &output), 0);
+    std::filesystem::remove(folder_ / "xdg-open");
+    std::ofstream(folder_ / "xdg-open") << "no program\n";
+    EXPECT_EQ(Open("https://example.com", &output), 0);
+    EXPECT_EQ(output, "");
+}
+
+// Nothing stays behind for the host to wait for, also while an opener still runs: the probe looks itself.
+TEST_P(OpenUrlOnLinuxTest, LeavesNoChild) {
+    WriteOpener("/bin/sleep 1; echo done > '" + Given().string() + "'");
+    std::string output;
+    EXPECT_EQ(Open("https://example.com", &output), 0);
+    EXPECT_EQ(output, "");
+    EXPECT_EQ(Record(), "done\n");
 }
 
 INSTANTIATE_TEST_SUITE_P(On, OpenUrlOnLinuxTest, ::testing::Values(kLinux), PlatformName);
