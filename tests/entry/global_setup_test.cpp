@@ -30,7 +30,10 @@ class GlobalSetupTest : public EntryTest {
                               {GL_RENDERER, "The Renderer"},
                               {GL_SHADING_LANGUAGE_VERSION, "3.30"}};
     }
-    ~GlobalSetupTest() override { SetCurrentContext(nullptr); }
+    ~GlobalSetupTest() override {
+        writtenRecords.Forget(host.outData.global_data);
+        SetCurrentContext(nullptr);
+    }
 
     PF_Err SetUpModule() { return Call(PF_Cmd_GLOBAL_SETUP); }
     PF_Err SetDownModule() {
