@@ -1,11 +1,11 @@
 # umbrant_check_address(name [MACOS])
 # Ends the configuration when the variable called `name` does not hold a complete https address (RFC 3986). With MACOS,
-# and in a build for macOS, it also refuses the characters that a shell acts on: there the panel's buttons hand theirs
-# to one, unquoted. `?`, `[` and `]` stay: to the shell they are a pattern, which no file has, and an encoding would take
-# their meaning away.
+# and in a build for macOS, it also refuses the characters that a shell acts on: there a shell opens the address, without
+# quotes. `?`, `[` and `]` are accepted: to the shell they form a pattern that matches no file and is left as it is, and
+# percent-encoded they would mean something else.
 function(umbrant_check_address name)
     set(address "${${name}}")
-    # With its percent-encoded characters in the place of which one letter stands.
+    # The address with each percent-encoded character replaced by a letter.
     string(REGEX REPLACE "%[0-9A-Fa-f][0-9A-Fa-f]" "x" plain "${address}")
     set(letters "A-Za-z0-9._~!$&'()*+,;=")
     set(valid FALSE)

@@ -58,7 +58,7 @@ class LockedGlobalData {
         try {
             handles_->host_unlock_handle(handle_);
         } catch (...) {
-            // A host that throws must not end the program here: this may run while another exception is on its way.
+            // A host that throws must not end the program here: another exception may be in flight.
         }
     }
     LockedGlobalData(const LockedGlobalData&) = delete;

@@ -63,7 +63,7 @@ class NewRecord {
     PF_Handle Handle() const { return handle_; }
 
     /// Fills the record in, under a lock that stays. Where there is no lock nothing is written: the unlocked handle's
-    /// pointer may lead anywhere.
+    /// pointer need not be valid.
     void Fill() {
         writtenRecords.Forget(handle_);
         auto* record = static_cast<GlobalData*>(handles_->host_lock_handle(handle_));

@@ -2,9 +2,9 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// Calls to the host where an exception must not get further: in destructors, which may run while another exception is
-// on its way, and between several things that must all be given back. A host's function throws when the host itself is
-// faulty; the module then returns an error and keeps nothing.
+// Calls to the host that must not let an exception through: in destructors, which may run while another exception is
+// being handled, and between several things that must all be given back. A host's function throws only when the host
+// itself is faulty; the module then returns an error and keeps nothing.
 
 /// Calls `action` and drops what it throws.
 template <typename Action>
@@ -12,7 +12,7 @@ void WithoutThrowing(Action action) noexcept {
     try {
         action();
     } catch (...) {
-        // Nobody is left to report to: the command's result is decided already.
+        // There is no one to report to: the command's result is already decided.
     }
 }
 

@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 
 // On Linux the desktop's own opener, xdg-open, hands an address to the default browser. On some desktops it stays
-// until the browser ends, and the panel must not stand still for that long. No shell has a part in it: the address
+// until the browser ends, and the panel must not stand still for that long. No shell is involved: the address
 // reaches the opener as it is, whatever characters it holds.
 
 #include "platform/open_url.h"
@@ -54,7 +54,7 @@ std::string FindInPath(std::string_view name) {
     _exit(127);
 }
 
-/// Starts the opener as nobody's child: its parent is gone at once, so nothing is left for the host to wait for.
+/// Starts the opener as an orphan: its parent ends at once, so nothing is left for the host to wait for.
 /// Between the fork and the new program only functions run that may do so in a process that had other threads.
 void StartOpener(const std::string& file, const char* url, int held) {
     const pid_t parent = _Fork();

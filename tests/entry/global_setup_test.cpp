@@ -196,7 +196,7 @@ TEST_F(GlobalSetupTest, NoMemoryIsNoError) {
     ExpectBalanced();
 }
 
-// An unlocked handle's pointer need not lead anywhere: here it leads to memory of somebody else's.
+// An unlocked handle's pointer need not be valid: here it leads to memory that is not the module's.
 class UnlockableRecordTest : public GlobalSetupTest {
  protected:
     UnlockableRecordTest() : foreign_(sizeof(GlobalData) * 2, kForeign) {
@@ -271,14 +271,14 @@ TEST_F(UnlockableRecordTest, SetDownDeletesNoContextFromIt) {
     ExpectBalanced();
 }
 
-// The handle of an earlier life may come back from the host under the same address.
+// The host may hand out the address of an earlier set-up's handle again.
 TEST_F(UnlockableRecordTest, AHandleOfAnEarlierSetUpIsForgotten) {
     EXPECT_EQ(SetUpModule(), PF_Err_NONE);
     const PF_Handle first = host.outData.global_data;
     EXPECT_EQ(SetDownModule(), PF_Err_NONE);
     EXPECT_FALSE(writtenRecords.Contains(first));
 
-    // Nobody sends set-down: the note stays, and ends when a set-up that cannot write stores the same handle.
+    // Without a set-down the note stays; it ends when a set-up that cannot write stores the same handle.
     static PF_Handle again;
     EXPECT_EQ(SetUpModule(), PF_Err_NONE);
     again = host.outData.global_data;

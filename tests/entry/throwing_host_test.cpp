@@ -250,7 +250,7 @@ TEST_F(ThrowingPanelHost, Event) {
             EXPECT_TRUE(event.evt_out_flags == 0 || GivesBack(call)) << "not handled";
         };
         ThrowInEveryCall(trial);
-        // With the failure's own road: a step before the release fails, and the release throws.
+        // On the failure path too: a step before the release fails, and the release throws.
         failing = "DrawImage";
         failure = 4711;
         if (area == PF_EA_CONTROL) {

@@ -145,7 +145,7 @@ TEST_P(OpenUrlOnLinuxTest, AnAddressIsNeverACommand) {
 }
 
 // A shell in between would leave its own variables in the opener's environment.
-TEST_P(OpenUrlOnLinuxTest, NoShellHasAPartInIt) {
+TEST_P(OpenUrlOnLinuxTest, NoShellIsInvolved) {
     std::filesystem::copy_file(OPENER_PROBE, folder_ / "xdg-open");
     const std::string url = "https://example.com/?a=1&b='2'*#$HOME;id";
     std::string path = "/nowhere::" + (folder_ / "given").string() + ":" + folder_.string();

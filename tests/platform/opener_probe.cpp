@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// Stands in the place of the desktop's opener. Writes what it was given to the file that RECORD names: its arguments,
+// Replaces the desktop's opener in tests. Writes what it was given to the file that RECORD names: its arguments,
 // its environment and its open descriptors, each on a line, then "done".
 
 #include <fcntl.h>
