@@ -12,7 +12,7 @@
 #include <condition_variable>
 #include <exception>
 #include <mutex>
-#include <system_error>
+#include <new>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -20,13 +20,17 @@
 namespace {
 
 constexpr std::chrono::microseconds kAwake{50};
+// A frame takes many runs; none but the first of a second asks again for threads that could not be had.
+constexpr std::chrono::seconds kUntilNextAttempt{1};
+
+// Read before the first frame, so that no fork falls into it.
+const int cores = std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
 
 class Pool {
  public:
     ~Pool() { End(); }
 
     int Threads() const {
-        static const int cores = std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
         const int limit = limit_;
         return limit > 0 ? limit : cores;
     }
@@ -68,16 +72,27 @@ class Pool {
         for (std::thread& thread : threads_) thread.join();
         threads_.clear();
         ending_ = false;
+        nextAttempt_ = {};
+    }
+
+    // Kept: the records of the threads, which never end here.
+    void StartAfresh() {
+        const int limit = limit_;
+        new (this) Pool;
+        limit_ = limit;
     }
 
  private:
-    // A machine that gives no more threads is worked on with those that there are.
+    // One by one: the first that cannot be made ends the attempt, and the work is done with those that there are.
     void Start() {
+        int worker = static_cast<int>(threads_.size()) + 1;
+        if (worker >= Threads() || std::chrono::steady_clock::now() < nextAttempt_) return;
         try {
-            for (int worker = static_cast<int>(threads_.size()) + 1; worker < Threads(); ++worker) {
+            for (; worker < Threads(); ++worker) {
                 threads_.emplace_back([this, worker, seen = generation_.load()] { Serve(worker, seen); });
             }
-        } catch (const std::system_error&) {
+        } catch (const std::exception&) {
+            nextAttempt_ = std::chrono::steady_clock::now() + kUntilNextAttempt;
         }
     }
 
@@ -116,6 +131,7 @@ class Pool {
     std::mutex mutex_;
     std::condition_variable wake_;
     std::vector<std::thread> threads_;
+    std::chrono::steady_clock::time_point nextAttempt_;
     std::atomic<unsigned> generation_{0};
     std::atomic<bool> ending_{false};
     std::atomic<int> next_{0};
@@ -145,4 +161,8 @@ void RunTasks(int count, const std::function<void(int task, int worker)>& work) 
 
 void EndPool() {
     pool.End();
+}
+
+void ForgetPoolInChild() {
+    pool.StartAfresh();
 }

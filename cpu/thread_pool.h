@@ -3,7 +3,8 @@
 #pragma once
 
 // The processor path's threads: one pool per process, as many threads as the machine has cores, the caller counted. It
-// starts with the first work that needs it and is joined on demand, since the code it runs may be unloaded.
+// starts with the first work that needs it and is joined on demand, since the code it runs may be unloaded. Where no
+// more threads can be had, those that there are do the work, at least the caller's own.
 
 #include <functional>
 
@@ -21,3 +22,7 @@ void RunTasks(int count, const std::function<void(int task, int worker)>& work);
 
 /// Joins the threads. The next run starts them again.
 void EndPool();
+
+/// In a forked child, before anything else: the threads are the parent's, so the pool forgets them and whatever it was
+/// doing. The next run starts it as if for the first time.
+void ForgetPoolInChild();

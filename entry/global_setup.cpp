@@ -6,12 +6,14 @@
 #include "entry/global_setup.h"
 
 #include <cstring>
+#include <new>
 
 #include "entry/global_data.h"
 #include "entry/suites/suite_handler.h"
 #include "entry/suites/without_throwing.h"
 #include "entry/version.h"
 #include "gl/context.h"
+#include "platform/fork.h"
 #include "platform/gl_api.h"
 #include "render/processor_path.h"
 
@@ -19,6 +21,13 @@ std::recursive_mutex globalMutex;
 AEGP_PluginID my_id;
 
 namespace {
+
+// In a forked child nobody gives back what another thread of the parent held. Where the forking thread held it itself,
+// the child is inside that render and gives back a lock that it has not, which does nothing.
+void ForgetLockInChild() {
+    new (&globalMutex) std::recursive_mutex;
+}
+const bool watchingForks = (OnFork(ForgetLockInChild), true);
 
 /// Copies one of the driver's strings, cut to the field. A driver without an answer leaves the field as it is, empty.
 template <size_t kSize>

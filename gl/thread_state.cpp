@@ -8,6 +8,7 @@
 #include "entry/global_data.h"
 #include "gl/context.h"
 #include "gl/quad.h"
+#include "platform/fork.h"
 
 thread_local std::unique_ptr<LocalGLStruct, tls_ctx_deleter> local_render_data;
 
@@ -18,6 +19,12 @@ bool HasProbeContext(PF_Handle globalData) {
     if (!writtenRecords.Contains(globalData) || !*globalData) return false;
     return reinterpret_cast<const GlobalData*>(*globalData)->context != nullptr;
 }
+
+// Kept: what a forked child's thread had in the parent; its driver is not there to delete it.
+void ForgetRecordInChild() {
+    static_cast<void>(local_render_data.release());
+}
+const bool watchingForks = (OnFork(ForgetRecordInChild), true);
 
 }  // namespace
 

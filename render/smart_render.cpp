@@ -8,8 +8,10 @@
 #include "entry/global_data.h"
 #include "entry/suites/suite_handler.h"
 #include "entry/suites/without_throwing.h"
+#include "gl/return_message.h"
 #include "gl/thread_state.h"
 #include "hostapi/errors.h"
+#include "platform/fork.h"
 #include "platform/gl_api.h"
 #include "platform/renderer_choice.h"
 #include "render/composite.h"
@@ -23,6 +25,11 @@
 #include "render/samples.h"
 
 namespace {
+
+constexpr char kLostByFork[] =
+    "UM2 Error: this process was forked from one that uses OpenGL, which does not work in it. Fork before the effect "
+    "is "
+    "set up, start a new program, or draw with the processor";
 
 // Layers checked out for one render; checked in again on every road out, also when a suite is missing.
 class CheckedOutLayers {
@@ -94,6 +101,10 @@ PF_Err RenderPasses(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler&
     if (choice == RendererChoice::kRefused) return PF_Err_INTERNAL_STRUCT_DAMAGED;
     if (choice == RendererChoice::kProcessor) {
         return RenderPassesOnProcessor(in_data, out_data, suites, settings, radial);
+    }
+    if (OpenGLLostByFork()) {
+        WriteReturnMessage(kLostByFork, out_data);
+        return PF_Err_INTERNAL_STRUCT_DAMAGED;
     }
     InitThreadLocalRenderData(in_data, out_data);
     if (!local_render_data || !local_render_data->context) return PF_Err_INTERNAL_STRUCT_DAMAGED;

@@ -10,6 +10,7 @@
 
 #include "platform/cgl_error_words.h"
 #include "platform/fake/call_log.h"
+#include "platform/fork.h"
 
 struct _CGLContextObject {
     int number;
@@ -129,4 +130,8 @@ CGLContextObj CGLGetCurrentContext(void) {
 
 const char* CGLErrorString(CGLError error) {
     return CglErrorWords(error);
+}
+
+bool OpenGLLostByFork() {
+    return fake::Cgl().lostByFork;
 }

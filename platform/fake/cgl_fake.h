@@ -21,6 +21,8 @@ struct CglState {
     CGLError destroyError = kCGLNoError;
     int32_t virtualScreens = 1;  ///< the count that a choice reports, also a failed one
 
+    bool lostByFork = false;  ///< what `OpenGLLostByFork` answers
+
     int formatsMade = 0;
     int contextsMade = 0;               ///< their numbers run from 1
     int liveContexts = 0;               ///< contexts with a reference left

@@ -6,8 +6,10 @@
 // in use then.
 
 #include <mutex>
+#include <new>
 
 #include "platform/cgl_error_words.h"
+#include "platform/fork.h"
 #include "platform/linux/cgl.h"
 #include "platform/linux/egl_target.h"
 
@@ -39,6 +41,17 @@ struct ForeignContext {
     EGLSurface read = EGL_NO_SURFACE;
 };
 thread_local ForeignContext foreign;
+
+bool lostByFork = false;
+
+// The lock may be another thread's of the parent. The contexts stay where they are: the driver would wait for threads
+// that are not in this process.
+void ForgetDriverInChild() {
+    new (&mutex) std::mutex;
+    lostByFork = HasBegunEgl();
+    current = nullptr;
+}
+const bool watchingForks = (OnFork(ForgetDriverInChild), true);
 
 bool IsLive(CGLContextObj context) {
     for (CGLContextObj each = contexts; each; each = each->next) {
@@ -109,7 +122,7 @@ CGLError CGLChoosePixelFormat(const CGLPixelFormatAttribute* attribs, CGLPixelFo
     *pix = nullptr;
     *npix = 0;
     if (const CGLError error = CheckAttributes(attribs); error != kCGLNoError) return error;
-    if (!ChooseEglTarget()) return kCGLBadPixelFormat;
+    if (lostByFork || !ChooseEglTarget()) return kCGLBadPixelFormat;
     *pix = &coreFormat;
     *npix = 1;
     return kCGLNoError;
@@ -119,6 +132,7 @@ CGLError CGLCreateContext(CGLPixelFormatObj pix, CGLContextObj share, CGLContext
     if (!ctx) return kCGLBadAddress;
     *ctx = nullptr;
     if (pix != &coreFormat) return kCGLBadPixelFormat;
+    if (lostByFork) return kCGLBadState;
     const EglTarget* target = ChooseEglTarget();
     const std::lock_guard lock(mutex);
     if (share && !IsLive(share)) return kCGLBadMatch;
@@ -136,11 +150,13 @@ CGLContextObj CGLRetainContext(CGLContextObj ctx) {
 }
 
 void CGLReleaseContext(CGLContextObj ctx) {
+    if (lostByFork) return;
     const std::lock_guard lock(mutex);
     if (ctx && IsLive(ctx)) DropReference(ctx);
 }
 
 CGLError CGLDestroyContext(CGLContextObj ctx) {
+    if (lostByFork) return kCGLNoError;
     const std::lock_guard lock(mutex);
     if (!ctx || !IsLive(ctx)) return kCGLBadContext;
     DropReference(ctx);
@@ -148,6 +164,7 @@ CGLError CGLDestroyContext(CGLContextObj ctx) {
 }
 
 CGLError CGLSetCurrentContext(CGLContextObj ctx) {
+    if (lostByFork) return ctx ? kCGLBadState : kCGLNoError;
     const std::lock_guard lock(mutex);
     if (ctx && ctx == &foreign.object) {
         if (!eglBindAPI(foreign.api) ||
@@ -170,6 +187,7 @@ CGLError CGLSetCurrentContext(CGLContextObj ctx) {
 }
 
 CGLContextObj CGLGetCurrentContext(void) {
+    if (lostByFork) return nullptr;
     const EGLContext now = eglGetCurrentContext();
     if (now == EGL_NO_CONTEXT || (current && current->egl == now)) return current;
     foreign.object.egl = now;
@@ -182,4 +200,8 @@ CGLContextObj CGLGetCurrentContext(void) {
 
 const char* CGLErrorString(CGLError error) {
     return CglErrorWords(error);
+}
+
+bool OpenGLLostByFork() {
+    return watchingForks && lostByFork;
 }

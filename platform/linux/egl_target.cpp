@@ -6,6 +6,7 @@
 #include <EGL/eglext.h>
 #include <dlfcn.h>
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -149,12 +150,18 @@ void PinDriver() {
 }
 
 std::mutex mutex;
+std::atomic<bool> begun{false};
 
 }  // namespace
+
+bool HasBegunEgl() {
+    return begun;
+}
 
 const EglTarget* ChooseEglTarget() {
     static EglTarget chosen;
     static bool found = false;
+    begun = true;
     const std::lock_guard lock(mutex);
     if (!found && FindTarget(&chosen)) {
         PinDriver();

@@ -18,6 +18,9 @@ struct EglTarget {
 /// EGL context as it was. Any thread.
 const EglTarget* ChooseEglTarget();
 
+/// Whether a target was ever asked for, and so perhaps a driver begun. Any thread.
+bool HasBegunEgl();
+
 /// A 3.3 core context on the target, for use without a surface; `EGL_NO_CONTEXT` on failure. Any thread.
 EGLContext MakeCoreContext(const EglTarget& target, EGLContext share);
 

@@ -10,6 +10,7 @@
 #include "cpu/kernels.h"
 #include "cpu/shadows.h"
 #include "cpu/thread_pool.h"
+#include "platform/fork.h"
 #include "render/work_extent.h"
 
 namespace {
@@ -23,10 +24,12 @@ Extent Wanted() {
     return WorksEverywhere() ? Extent::kEverywhere : Extent::kWhereSomething;
 }
 
+const bool watchingForks = (OnFork(ForgetPoolInChild), true);
+
 }  // namespace
 
 bool HasProcessorPath() {
-    return true;
+    return watchingForks;
 }
 
 std::string ProcessorName() {

@@ -13,8 +13,10 @@
 #include "gl/context.h"
 #include "gl/thread_state.h"
 #include "platform/renderer_choice.h"
+#include "render/smart_render.h"
 #include "render/work_extent.h"
 #include "tests/cpu/processor_scene.h"
+#include "tests/support/child_process.h"
 #include "tests/support/gl_context.h"
 
 namespace {
@@ -124,6 +126,25 @@ TEST_F(BothPaths, DrawRandomScenesAlike) {
 
 TEST_F(BothPaths, TheProcessorIsRightWhereTheDriverIsOff) {
     for (const unsigned number : kDriverIsOff) ExpectLikeTheModel(MakeRandomScene(number));
+}
+
+// The driver's threads are the parent's; a child that asked for them would wait for ever.
+TEST_F(BothPaths, InAForkedChildOpenGLFailsAtOnceAndTheProcessorDraws) {
+    const RandomScene scene = MakeRandomScene(3);
+    const Plane here = DrawBy(RendererChoice::kProcessor, scene);
+    DrawBy(RendererChoice::kOpenGL, scene);
+    const auto child = [&] {
+        choice = RendererChoice::kOpenGL;
+        if (SmartRender(&host_.inData, &host_.outData, &host_.renderExtra) != PF_Err_INTERNAL_STRUCT_DAMAGED) return 1;
+        if (Message().rfind("UM2 Error: this process was forked from one that uses OpenGL", 0) != 0) return 2;
+        if (CreateContext(nullptr, nullptr) != nullptr) return 3;
+        DeleteContext(context_);
+        SetCurrentContext(nullptr);
+        if (GetCurrentContext() != nullptr || local_render_data) return 4;
+        return DrawBy(RendererChoice::kProcessor, scene).values == here.values ? 0 : 5;
+    };
+    EXPECT_EQ(RunInChild(child), 0);
+    DrawBy(RendererChoice::kOpenGL, scene);
 }
 
 TEST_F(BothPaths, DrawAlphasOutsideTheirRangeAlike) {

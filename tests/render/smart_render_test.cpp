@@ -9,7 +9,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdio>
+
 #include "tests/render/fake_render.h"
+#include "tests/support/thrown_code.h"
 
 namespace {
 
@@ -117,8 +120,11 @@ TEST_F(SmartRenderTest, MatricesGoUpTransposed) {
     const std::vector<std::string> uploads = fake::CallsTo("glUniformMatrix4fv");
     ASSERT_EQ(uploads.size(), 6u);
     for (const std::string& upload : uploads) {
-        EXPECT_TRUE(upload.find("GL_TRUE") != std::string::npos || upload.find(", 1, 1") != std::string::npos)
+        int location = -1, count = -1, transposed = -1;
+        ASSERT_EQ(std::sscanf(upload.c_str(), "glUniformMatrix4fv(%d, %d, %d,", &location, &count, &transposed), 3)
             << upload;
+        EXPECT_EQ(count, 1) << upload;
+        EXPECT_EQ(transposed, GL_TRUE) << upload;
     }
 }
 
@@ -348,6 +354,20 @@ TEST_F(SmartRenderTest, NullContextIsNeverTriedAgain) {
     EXPECT_TRUE(fake::CallsTo("CGLCreateContext").empty());
 }
 
+TEST_F(SmartRenderTest, InAForkedChildOpenGLIsRefusedAtOnce) {
+    fake::Cgl().lostByFork = true;
+    fake::ClearCalls();
+    Soil();
+    EXPECT_EQ(Run(), PF_Err_INTERNAL_STRUCT_DAMAGED);
+    EXPECT_EQ(
+        Message(),
+        "UM2 Error: this process was forked from one that uses OpenGL, which does not work in it. Fork before the "
+        "effect is set up, start a new program, or draw with the processor");
+    EXPECT_TRUE(fake::Calls().empty()) << fake::Calls().front();
+    EXPECT_TRUE(Transparent());
+    EXPECT_TRUE(host_.transfers.empty());
+}
+
 TEST_F(SmartRenderTest, RendererIsRecordedOnce) {
     ASSERT_EQ(Run(), PF_Err_NONE);
     EXPECT_STREQ(host_.global->gl_renderer, "Fake Renderer");
@@ -428,7 +448,7 @@ TEST_F(SmartRenderTest, MissingSuitesThrow516AndLeakNothing) {
         EXPECT_TRUE(fake::Gl().liveFramebuffers.empty());
     }
     host_.inData.pica_basicP = nullptr;
-    EXPECT_THROW(Run(), PF_Err);
+    EXPECT_EQ(ThrownBy([&] { Run(); }), 516);
 }
 
 TEST_F(SmartRenderTest, SecondFrameCompilesNothing) {
