@@ -8,6 +8,7 @@
 #include "tests/gl/fake_fixture.h"
 #include "tests/support/test_host.h"
 #include "tests/support/test_world.h"
+#include "tests/support/thrown_code.h"
 
 namespace {
 
@@ -210,7 +211,7 @@ TEST_F(UploadTest, AMissingHandleSuiteThrows) {
     host_.Refuse("PF Handle Suite");
     TestWorld world(3, 2, sizeof(PF_Pixel));
     Framebuffer fb;
-    EXPECT_THROW(Upload(fb, world), int);
+    EXPECT_EQ(ThrownBy([&] { Upload(fb, world); }), 516);
 }
 
 TEST_F(UploadTest, AWorldWithoutPixelsIsNotedAsZeroSized) {
@@ -351,7 +352,7 @@ TEST_F(DownloadTest, AMissingIterateSuiteLeavesNothingLocked) {
     Init(32);
     host_.Refuse("PF iterateFloat Suite");
     TestWorld world(3, 2, sizeof(PF_PixelFloat));
-    EXPECT_THROW(Download(world), int);
+    EXPECT_EQ(ThrownBy([&] { Download(world); }), 516);
     EXPECT_EQ(fb_.downloadHandle, nullptr);
     EXPECT_EQ(fake::Calls().back(), "glPixelStorei(GL_PACK_ROW_LENGTH, 0)");
 }

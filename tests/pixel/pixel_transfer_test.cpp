@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "hostapi/errors.h"
+#include "tests/support/capture_stdout.h"
 #include "tests/support/test_world.h"
 
 namespace {
@@ -180,8 +181,10 @@ TEST(SampleIntegral, NegativeRowbytesAddressBottomUpWorlds) {
     EXPECT_EQ(sampleIntegral8(bottomUp, 1, 2), &world8.At8(1, 0));
 }
 
-TEST(Problem, DoesNothing) {
+TEST(Problem, PrintsNothing) {
+    CaptureStdout out;
     Problem();
+    EXPECT_EQ(out.Text(), "");
 }
 
 static_assert(offsetof(PixelTransferRefcon, buffer) == 0 && offsetof(PixelTransferRefcon, world) == 8 &&

@@ -150,6 +150,61 @@ TEST_F(FillSettingsTest, SourceOpacityIsSinglePrecision) {
     }
 }
 
+TEST_F(FillSettingsTest, EachEasingWeightStopsAtOne) {
+    Slide(PARAM_EASE, 100);
+    for (const ParamIndex index : {PARAM_EASE_DISTANCE, PARAM_EASE_SOFTNESS, PARAM_EASE_OPACITY}) {
+        SCOPED_TRACE(index);
+        for (const ParamIndex other : {PARAM_EASE_DISTANCE, PARAM_EASE_SOFTNESS, PARAM_EASE_OPACITY}) {
+            Slide(other, other == index ? 150 : 50);
+        }
+        Fill();
+        EXPECT_EQ(settings_.easeDistance, index == PARAM_EASE_DISTANCE ? 1.0 : 0.5);
+        EXPECT_EQ(settings_.easeSoftness, index == PARAM_EASE_SOFTNESS ? 1.0 : 0.5);
+        EXPECT_EQ(settings_.easeOpacity, index == PARAM_EASE_OPACITY ? 1.0 : 0.5);
+    }
+}
+
+TEST_F(FillSettingsTest, TheShadowsBlendModeIsThePopupsValue) {
+    panel_[PARAM_BLEND_MODE].u.pd.value = 11;
+    panel_[PARAM_TEXTURE_BLEND_MODE].u.pd.value = 3;
+    Fill();
+    EXPECT_EQ(settings_.shadowBlendMode, 11);
+    EXPECT_EQ(settings_.textureBlendMode, 3);
+}
+
+TEST_F(FillSettingsTest, TheEaseModeIsThePopupsValueLessOneWhateverItIs) {
+    for (const int value : {-3, 0, 1, 2, 3, 9}) {
+        panel_[PARAM_EASE_MODE].u.pd.value = value;
+        Fill();
+        EXPECT_EQ(settings_.easeMode, value - 1);
+    }
+}
+
+TEST_F(FillSettingsTest, ARadialShadowDoesNotTravel) {
+    panel_[PARAM_SHADOW_TYPE].u.pd.value = SHADOW_RADIAL;
+    panel_[PARAM_COLOR].u.cd.value = {1, 2, 3, 4};
+    Slide(PARAM_SOFTNESS, 31);
+    Fill(1, 2);
+    const myParams& s = settings_;
+    EXPECT_EQ(s.shadowType, 3);
+    EXPECT_EQ(s.downscaleX, 0.5);
+    EXPECT_EQ(s.softnessPx, 15);
+    EXPECT_EQ(s.softnessPx2, 30);
+    EXPECT_EQ(s.shadowColour8.blue, 4);
+    EXPECT_EQ(s.bufferW, 320) << "the input's";
+    EXPECT_EQ(s.bufferH, 200);
+    EXPECT_EQ(s.numSamples, 36);
+    EXPECT_EQ(s.opacityStart, 0.2);
+    EXPECT_EQ(s.easeDistance, 0.8);
+    EXPECT_EQ(s.resolutionScale, 3 * 0.2);
+    EXPECT_EQ(s.sourceOpacity, 255);
+    EXPECT_EQ(s.textureStrength, 1.0);
+    for (const double none :
+         {s.distancePx, s.travelX, s.travelY, s.stepX, s.stepY, s.offsetShadowPx, s.offsetShadowX, s.offsetShadowY}) {
+        EXPECT_EQ(none, 0);
+    }
+}
+
 TEST_F(FillSettingsTest, EasingWeightsStopAtOne) {
     Slide(PARAM_EASE, 50);
     Slide(PARAM_EASE_DISTANCE, 50);

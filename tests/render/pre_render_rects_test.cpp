@@ -248,6 +248,7 @@ const RadialRow kRadialRows[] = {
     {"from the middle, soft", 1, 100, 50, 50, 40, 0, {-119, -94, 319, 194}, -109, -84},
     {"from far away", 1, -300, 500, 20, 9.5, 12, {-8, -125, 325, 108}, 0, -117},
     {"no distance: the softness alone", 1, 100, 50, 0, 16, 0, {-36, -36, 236, 136}, -32, -32},
+    {"a fraction of the softness is dropped first", 1, 0, 0, 0, 9.5, 0, {-20, -20, 220, 120}, -18, -18},
     {"half resolution", 0.5, 30, 20, 250, 250, 10, {-266, -241, 466, 316}, -232, -207},
 };
 
@@ -269,6 +270,13 @@ TEST(RadialRects, Table) {
         EXPECT_EQ(record.centreOffsetX, row.placeX);
         EXPECT_EQ(record.centreOffsetY, row.placeY);
     }
+}
+
+TEST(RadialRects, OnePixelIsLeftOfAnEmptyLayer) {
+    PreRenderInputs in = Layer200x100(1);
+    in.distance = 100;
+    PF_LRect grown{};
+    EXPECT_EQ(RadialRects(in, {50, 40, 50, 40}, &grown).result, (PF_LRect{99, 79, 100, 80}));
 }
 
 TEST(RadialRects, CollapsedLayerStaysInsideTheComposition) {

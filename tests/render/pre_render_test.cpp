@@ -9,24 +9,42 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <new>
 
 #include "tests/render/render_host.h"
+#include "tests/support/thrown_code.h"
 
 namespace {
 
 thread_local bool failNothrowNew = false;
+thread_local void* watched = nullptr;  ///< of which `freed` counts the releases
+thread_local int freed = 0;
+thread_local int freedInAll = 0;
+
+void NoteFreed(void* memory) {
+    if (!memory) return;
+    ++freedInAll;
+    if (memory == watched) ++freed;
+}
 
 }  // namespace
 
+void* operator new(std::size_t size) {
+    if (void* memory = std::malloc(size > 0 ? size : 1)) return memory;
+    throw std::bad_alloc();
+}
 // The record is allocated with the non-throwing form, which nothing else in this program depends on.
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    if (failNothrowNew) return nullptr;
-    try {
-        return ::operator new(size);
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
+    return failNothrowNew ? nullptr : std::malloc(size > 0 ? size : 1);
+}
+void operator delete(void* memory) noexcept {
+    NoteFreed(memory);
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    NoteFreed(memory);
+    std::free(memory);
 }
 
 namespace {
@@ -270,7 +288,7 @@ TEST(PreRenderFailures, MissingSuitesThrow516) {
     }
     RenderHost host;
     host.inData.pica_basicP = nullptr;
-    EXPECT_THROW(PreRender(&host.inData, &host.outData, &host.preExtra), PF_Err);
+    EXPECT_EQ(ThrownBy([&] { PreRender(&host.inData, &host.outData, &host.preExtra); }), 516);
 }
 
 TEST(PreRenderFailures, FirstCheckoutErrorEnds) {
@@ -308,8 +326,119 @@ TEST_F(PreRenderTest, NoMemoryForTheRecord) {
     EXPECT_EQ(host_.preOutput.pre_render_data, nullptr);
 }
 
-TEST(DisposePreRenderData, TakesNull) {
+TEST_F(PreRenderTest, TheRecordIsReleasedAndNothingElse) {
+    ASSERT_EQ(Run(), PF_Err_NONE);
+    watched = host_.preOutput.pre_render_data;
+    freed = freedInAll = 0;
+    DisposePreRenderData(host_.preOutput.pre_render_data);
+    EXPECT_EQ(freed, 1);
+    EXPECT_EQ(freedInAll, 1);
+    host_.preOutput.pre_render_data = watched = nullptr;
     DisposePreRenderData(nullptr);
+    EXPECT_EQ(freedInAll, 1);
+}
+
+// A shadow and a texture that leave the composition, so that a clamp shows.
+void ReachFar(RenderHost& host) {
+    host.panel[PARAM_DISTANCE].u.fs_d.value = 100;
+    host.panel[PARAM_SOFTNESS].u.fs_d.value = 40;
+    host.preOutput = {};
+    host.layerRequests.clear();
+}
+
+TEST_F(PreRenderTest, OnlyRadialShadowsOfCollapsedLayersAreClamped) {
+    for (const int type : {SHADOW_NORMAL, SHADOW_INNER}) {
+        SCOPED_TRACE(type);
+        host_.panel[PARAM_SHADOW_TYPE].u.pd.value = type;
+        PF_LRect result{}, max{}, texture{};
+        for (const AEGP_LayerFlags flags : {0, 0x80}) {
+            ReachFar(host_);
+            host_.layerFlags = flags;
+            ASSERT_EQ(Run(), PF_Err_NONE);
+            if (flags != 0) {
+                ExpectRect(host_.preOutput.result_rect, result.left, result.top, result.right, result.bottom);
+                ExpectRect(host_.preOutput.max_result_rect, max.left, max.top, max.right, max.bottom);
+                ExpectRect(host_.layerRequests[1].request.rect, texture.left, texture.top, texture.right,
+                           texture.bottom);
+            }
+            result = host_.preOutput.result_rect;
+            max = host_.preOutput.max_result_rect;
+            texture = host_.layerRequests[1].request.rect;
+            EXPECT_LT(texture.left, 0) << "else the test proves nothing";
+            EXPECT_GT(max.bottom, 30) << "else the test proves nothing";
+            DisposePreRenderData(host_.preOutput.pre_render_data);
+            host_.preOutput.pre_render_data = nullptr;
+        }
+    }
+}
+
+TEST_F(PreRenderTest, NoOtherFlagOfTheLayerClamps) {
+    host_.panel[PARAM_SHADOW_TYPE].u.pd.value = SHADOW_RADIAL;
+    ReachFar(host_);
+    host_.layerFlags = ~AEGP_LayerFlags{0x80};
+    ASSERT_EQ(Run(), PF_Err_NONE);
+    EXPECT_LT(host_.preOutput.result_rect.left, -10);
+    EXPECT_LT(host_.layerRequests[1].request.rect.left, -10);
+}
+
+TEST_F(PreRenderTest, AnEffectWithoutALayerIsNotCollapsed) {
+    host_.panel[PARAM_SHADOW_TYPE].u.pd.value = SHADOW_RADIAL;
+    ReachFar(host_);
+    host_.noEffectLayer = true;
+    host_.layerFlags = 0x80;
+    ASSERT_EQ(Run(), PF_Err_NONE);
+    EXPECT_EQ(host_.CountOf("AEGP_GetEffectLayer"), 1);
+    EXPECT_EQ(host_.CountOf("AEGP_GetLayerFlags"), 0) << "there is no layer to ask about";
+    EXPECT_LT(host_.preOutput.result_rect.left, -10);
+}
+
+TEST_F(PreRenderTest, TheMaxRectangleComesFromTheCheckoutsMaxResult) {
+    Slide(PARAM_DISTANCE, 0);
+    Slide(PARAM_SOFTNESS, 0);
+    Slide(PARAM_OFFSET_SHADOW, 0);
+    host_.panel[PARAM_ANGLE].u.ad.value = 0;
+    for (const int type : {SHADOW_NORMAL, SHADOW_INNER, SHADOW_RADIAL}) {
+        SCOPED_TRACE(type);
+        host_.panel[PARAM_SHADOW_TYPE].u.pd.value = type;
+        host_.preOutput = {};
+        host_.layerGranted.result_rect = {10, 11, 20, 21};
+        host_.layerGranted.max_result_rect = {2, 3, 38, 29};
+        ASSERT_EQ(Run(), PF_Err_NONE);
+        ExpectRect(host_.preOutput.max_result_rect, 2, 3, 38, 29);
+        if (type == SHADOW_INNER) ExpectRect(host_.preOutput.result_rect, 10, 11, 20, 21);
+        DisposePreRenderData(host_.preOutput.pre_render_data);
+        host_.preOutput.pre_render_data = nullptr;
+    }
+}
+
+TEST_F(PreRenderTest, TheResultIsUnitedWithTheInputsResultRectangle) {
+    Slide(PARAM_DISTANCE, 0);
+    Slide(PARAM_SOFTNESS, 0);
+    Slide(PARAM_OFFSET_SHADOW, 0);
+    host_.layerGranted.result_rect = {-7, 5, 25, 44};
+    ASSERT_EQ(Run(), PF_Err_NONE);
+    ExpectRect(host_.preOutput.result_rect, -7, 0, 40, 44);
+    ExpectRect(host_.preOutput.max_result_rect, 0, 0, 40, 30);
+}
+
+TEST_F(PreRenderTest, FractionsOfTheAngleCount) {
+    Slide(PARAM_DISTANCE, 1000);
+    Slide(PARAM_SOFTNESS, 0);
+    Slide(PARAM_OFFSET_SHADOW, 0);
+    host_.panel[PARAM_ANGLE].u.ad.value = (90 << 16) + 0x8000;
+    ASSERT_EQ(Run(), PF_Err_NONE);
+    // The cosine of 90.5 degrees is -0.0087.
+    ExpectRect(host_.preOutput.result_rect, 0, 0, 1040, 38);
+}
+
+TEST_F(PreRenderTest, FractionsOfTheOriginCount) {
+    host_.panel[PARAM_SHADOW_TYPE].u.pd.value = SHADOW_RADIAL;
+    Slide(PARAM_DISTANCE, 200);
+    Slide(PARAM_SOFTNESS, 0);
+    host_.panel[PARAM_ORIGIN].u.td.x_value = (20 << 16) + 0x8000;
+    host_.panel[PARAM_ORIGIN].u.td.y_value = (15 << 16) + 0x8000;
+    ASSERT_EQ(Run(), PF_Err_NONE);
+    ExpectRect(host_.preOutput.result_rect, -41, -31, 79, 59);
 }
 
 }  // namespace

@@ -97,6 +97,18 @@ TEST_F(RadialSamplesTest, EaseInOut) {
     EXPECT_DOUBLE_EQ(samples[3].radialScale, 1.25);
 }
 
+TEST_F(RadialSamplesTest, EveryModeButTheFirstEasesInAndOut) {
+    s_.easeDistance = s_.easeSoftness = s_.easeOpacity = 1;
+    s_.easeMode = 1;
+    const double inOut = Samples()[2].radialScale;
+    s_.easeMode = 0;
+    EXPECT_NE(Samples()[2].radialScale, inOut);
+    for (const int mode : {-1, 2, 7}) {
+        s_.easeMode = mode;
+        EXPECT_EQ(Samples()[2].radialScale, inOut) << mode;
+    }
+}
+
 TEST_F(RadialSamplesTest, NoDistanceScalesNothing) {
     panel_[PARAM_DISTANCE].u.fs_d.value = 0;
     s_.easeDistance = 0.8;

@@ -8,13 +8,27 @@
 
 namespace {
 int dummyLayer = 0;
-}
+int dummyEffect = 0;
+}  // namespace
 
 // The host's callbacks; each logs its name and answers from the current RenderHost.
 struct RenderHostCalls {
+    // A call with another effect or moment than the command's is a misuse.
+    static void CheckEffect(PF_ProgPtr effect) {
+        RenderHost& host = RenderHost::Current();
+        if (effect != host.inData.effect_ref) ++host.misuses;
+    }
+    static void CheckMoment(A_long time, A_long step, A_u_long scale) {
+        RenderHost& host = RenderHost::Current();
+        const PF_InData& in = host.inData;
+        if (time != in.current_time || step != in.time_step || scale != in.time_scale) ++host.misuses;
+    }
     static bool Due(int* calls, int failAt) { return ++*calls == failAt; }
 
-    static PF_Err CheckoutParam(PF_ProgPtr, PF_ParamIndex index, A_long, A_long, A_u_long, PF_ParamDef* param) {
+    static PF_Err CheckoutParam(PF_ProgPtr effect, PF_ParamIndex index, A_long time, A_long step, A_u_long scale,
+                                PF_ParamDef* param) {
+        CheckEffect(effect);
+        CheckMoment(time, step, scale);
         RenderHost& host = RenderHost::Current();
         host.Log("checkout_param " + std::to_string(index));
         if (Due(&host.checkoutParams_, host.failCheckoutParam)) return RenderHost::kInjected;
@@ -22,14 +36,17 @@ struct RenderHostCalls {
         *param = host.panel[static_cast<size_t>(index)];
         return PF_Err_NONE;
     }
-    static PF_Err CheckinParam(PF_ProgPtr, PF_ParamDef*) {
+    static PF_Err CheckinParam(PF_ProgPtr effect, PF_ParamDef*) {
+        CheckEffect(effect);
         RenderHost& host = RenderHost::Current();
         host.Log("checkin_param");
         --host.paramsOut;
         return Due(&host.checkinParams_, host.failCheckinParam) ? RenderHost::kInjected : PF_Err_NONE;
     }
-    static PF_Err CheckoutLayer(PF_ProgPtr, PF_ParamIndex index, A_long id, const PF_RenderRequest* request,
+    static PF_Err CheckoutLayer(PF_ProgPtr effect, PF_ParamIndex index, A_long id, const PF_RenderRequest* request,
                                 A_long time, A_long step, A_u_long scale, PF_CheckoutResult* result) {
+        CheckEffect(effect);
+        CheckMoment(time, step, scale);
         RenderHost& host = RenderHost::Current();
         host.Log("checkout_layer " + std::to_string(index));
         host.layerRequests.push_back({index, id, *request, time, step, scale});
@@ -37,7 +54,8 @@ struct RenderHostCalls {
         if (index == PARAM_INPUT) *result = host.layerGranted;
         return PF_Err_NONE;
     }
-    static PF_Err CheckoutPixels(PF_ProgPtr, A_long id, PF_EffectWorld** pixels) {
+    static PF_Err CheckoutPixels(PF_ProgPtr effect, A_long id, PF_EffectWorld** pixels) {
+        CheckEffect(effect);
         RenderHost& host = RenderHost::Current();
         host.Log("checkout_layer_pixels " + std::to_string(id));
         if (Due(&host.checkoutPixels_, host.failCheckoutPixels)) return RenderHost::kInjected;
@@ -45,19 +63,22 @@ struct RenderHostCalls {
         *pixels = id == PARAM_TEXTURE_LAYER ? host.texture : host.input;
         return PF_Err_NONE;
     }
-    static PF_Err CheckinPixels(PF_ProgPtr, A_long id) {
+    static PF_Err CheckinPixels(PF_ProgPtr effect, A_long id) {
+        CheckEffect(effect);
         RenderHost& host = RenderHost::Current();
         host.Log("checkin_layer_pixels " + std::to_string(id));
         --host.layersOut;
         return host.checkinPixelsError;
     }
-    static PF_Err CheckoutOutput(PF_ProgPtr, PF_EffectWorld** output) {
+    static PF_Err CheckoutOutput(PF_ProgPtr effect, PF_EffectWorld** output) {
+        CheckEffect(effect);
         RenderHost& host = RenderHost::Current();
         host.Log("checkout_output");
         *output = host.output;
         return host.checkoutOutputError;
     }
-    static PF_Err Fill(PF_ProgPtr, const PF_Pixel* colour, const PF_Rect* area, PF_EffectWorld* world) {
+    static PF_Err Fill(PF_ProgPtr effect, const PF_Pixel* colour, const PF_Rect* area, PF_EffectWorld* world) {
+        CheckEffect(effect);
         RenderHost& host = RenderHost::Current();
         host.Log(std::string("fill ") + (colour ? "colour" : "clear") + (area ? " area" : " whole"));
         if (host.fillError) return host.fillError;
@@ -67,7 +88,9 @@ struct RenderHostCalls {
         }
         return PF_Err_NONE;
     }
-    static PF_Err Copy(PF_ProgPtr, PF_EffectWorld* source, PF_EffectWorld* destination, PF_Rect* from, PF_Rect* to) {
+    static PF_Err Copy(PF_ProgPtr effect, PF_EffectWorld* source, PF_EffectWorld* destination, PF_Rect* from,
+                       PF_Rect* to) {
+        CheckEffect(effect);
         RenderHost& host = RenderHost::Current();
         host.Log(std::string("copy ") + (from ? "area" : "whole") + " to " + std::to_string(to->left) + " " +
                  std::to_string(to->top) + " " + std::to_string(to->right) + " " + std::to_string(to->bottom));
@@ -85,26 +108,29 @@ struct RenderHostCalls {
         }
         return PF_Err_NONE;
     }
-    static PF_Err Colour(PF_ProgPtr, const PF_ParamDef* def, PF_PixelFloat* colour) {
+    static PF_Err Colour(PF_ProgPtr effect, const PF_ParamDef* def, PF_PixelFloat* colour) {
+        CheckEffect(effect);
         RenderHost& host = RenderHost::Current();
         host.Log("PF_GetFloatingPointColorFromColorDef");
         const PF_Pixel& c = def->u.cd.value;
         *colour = {c.alpha / 255.0f, c.red / 255.0f, c.green / 255.0f, c.blue / 255.0f};
         return host.colourError;
     }
-    static PF_Err TransferRect(PF_ProgPtr, PF_Quality quality, PF_ModeFlags flags, PF_Field field, const PF_Rect* area,
-                               const PF_EffectWorld* source, const PF_CompositeMode* mode, const PF_MaskWorld* mask,
-                               A_long x, A_long y, PF_EffectWorld* destination) {
+    static PF_Err TransferRect(PF_ProgPtr effect, PF_Quality quality, PF_ModeFlags flags, PF_Field field,
+                               const PF_Rect* area, const PF_EffectWorld* source, const PF_CompositeMode* mode,
+                               const PF_MaskWorld* mask, A_long x, A_long y, PF_EffectWorld* destination) {
+        CheckEffect(effect);
         RenderHost& host = RenderHost::Current();
         host.Log("transfer_rect " + std::to_string(mode->xfer));
         host.transfers.push_back({quality, flags, field, *area, source, *mode, mask, x, y, destination});
         if (host.onTransfer) host.onTransfer(host.transfers.back());
         return Due(&host.transferCalls_, host.failTransfer) ? RenderHost::kInjected : PF_Err_NONE;
     }
-    static A_Err EffectLayer(PF_ProgPtr, AEGP_LayerH* layer) {
+    static A_Err EffectLayer(PF_ProgPtr effect, AEGP_LayerH* layer) {
+        CheckEffect(effect);
         RenderHost& host = RenderHost::Current();
         host.Log("AEGP_GetEffectLayer");
-        *layer = reinterpret_cast<AEGP_LayerH>(&dummyLayer);
+        *layer = host.noEffectLayer ? nullptr : reinterpret_cast<AEGP_LayerH>(&dummyLayer);
         return host.effectLayerError;
     }
     static A_Err LayerFlags(AEGP_LayerH, AEGP_LayerFlags* flags) {
@@ -121,6 +147,7 @@ RenderHost& RenderHost::Current() {
 
 RenderHost::RenderHost() {
     using Calls = RenderHostCalls;
+    inData.effect_ref = reinterpret_cast<PF_ProgPtr>(&dummyEffect);
     inData.version = {13, 28};
     inData.width = 40;
     inData.height = 30;

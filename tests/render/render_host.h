@@ -44,6 +44,7 @@ class RenderHost : public TestHost {
     };
     std::vector<LayerRequest> layerRequests;
     AEGP_LayerFlags layerFlags = 0;
+    bool noEffectLayer = false;  ///< answer null, without an error, when the effect's layer is asked for
 
     // Render.
     PF_SmartRenderInput renderInput{};

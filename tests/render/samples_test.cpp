@@ -85,6 +85,19 @@ TEST(Samples, EaseInOutPassesTheMiddle) {
     }
 }
 
+TEST(Samples, EveryModeButTheFirstEasesInAndOut) {
+    myParams s = Settings(8);
+    s.easeDistance = s.easeSoftness = s.easeOpacity = 1;
+    s.easeMode = 1;
+    const double inOut = BuildSamples(s)[5].offsetX;
+    s.easeMode = 0;
+    EXPECT_NE(BuildSamples(s)[5].offsetX, inOut);
+    for (const int mode : {-1, 2, 7}) {
+        s.easeMode = mode;
+        EXPECT_EQ(BuildSamples(s)[5].offsetX, inOut) << mode;
+    }
+}
+
 TEST(Samples, EachAttributeHasItsOwnWeight) {
     myParams s = Settings(2);
     s.easeMode = 1;
