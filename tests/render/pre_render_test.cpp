@@ -372,15 +372,6 @@ TEST_F(PreRenderTest, OnlyRadialShadowsOfCollapsedLayersAreClamped) {
     }
 }
 
-TEST_F(PreRenderTest, NoOtherFlagOfTheLayerClamps) {
-    host_.panel[PARAM_SHADOW_TYPE].u.pd.value = SHADOW_RADIAL;
-    ReachFar(host_);
-    host_.layerFlags = ~AEGP_LayerFlags{0x80};
-    ASSERT_EQ(Run(), PF_Err_NONE);
-    EXPECT_LT(host_.preOutput.result_rect.left, -10);
-    EXPECT_LT(host_.layerRequests[1].request.rect.left, -10);
-}
-
 TEST_F(PreRenderTest, AnEffectWithoutALayerIsNotCollapsed) {
     host_.panel[PARAM_SHADOW_TYPE].u.pd.value = SHADOW_RADIAL;
     ReachFar(host_);
