@@ -3,17 +3,46 @@
 
 #include "host/image/metadata.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cctype>
+#include <charconv>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <optional>
 #include <string_view>
+#include <system_error>
+#include <utility>
 
 namespace {
 
 /// Attributes that say how a file is stored, or that the image library keeps for itself, by how their names begin.
 constexpr std::string_view kStorage[] = {
-    "oiio:",      "openexr:",      "tiff:",     "png:",      "jpeg:",       "compression", "planarconfig",
-    "thumbnail",  "textureformat", "wrapmodes", "multiview", "interlaced",  "tile",        "type",
-    "chunkcount", "lineorder",     "name",      "view",      "exif:pixelx", "exif:pixely",
+    "oiio:",
+    "openexr:",
+    "tiff:",
+    "png:",
+    "jpeg:",
+    "compression",
+    "planarconfig",
+    "thumbnail",
+    "textureformat",
+    "wrapmodes",
+    "multiview",
+    "interlaced",
+    "tile",
+    "type",
+    "chunkcount",
+    "lineorder",
+    "name",
+    "view",
+    "exif:pixelx",
+    "exif:pixely",
+    // What the library reads out of a profile, which says it itself.
+    "iccprofile:",
 };
 
 /// Of the library's own the two that say what the numbers mean.
@@ -26,9 +55,51 @@ std::string Lower(std::string_view text) {
     return lower;
 }
 
-bool Survives(const std::string& name, const OIIO::ImageSpec& layout) {
-    // A profile for grey or for inks would be wrong for the three colours that are written.
-    if (name == "iccprofile") return layout.nchannels - (layout.alpha_channel < 0 ? 0 : 1) == 3;
+/// Four characters of a profile, for a message.
+std::string ProfileWord(const unsigned char* bytes) {
+    std::string word(bytes, bytes + 4);
+    while (!word.empty() && word.back() == ' ') word.pop_back();
+    std::replace_if(
+        word.begin(), word.end(), [](unsigned char c) { return !std::isprint(c); }, '?');
+    return word;
+}
+
+std::uint32_t Number(const unsigned char* bytes) {
+    return std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 | std::uint32_t{bytes[2]} << 8 | bytes[3];
+}
+
+/// Why a colour profile cannot go with the red, green and blue that are written, or nothing when it can. What an
+/// encoder would refuse is refused here.
+std::optional<std::string> WhyNoProfile(const OIIO::ParamValue& attribute) {
+    const OIIO::TypeDesc type = attribute.type();
+    if (type.basetype != OIIO::TypeDesc::UINT8) return "it is a text";
+    constexpr std::size_t kHeader = 132, kTag = 12;
+    const auto* bytes = static_cast<const unsigned char*>(attribute.data());
+    const std::size_t size = type.size();
+    const auto has = [&](std::size_t at, std::string_view word) {
+        return std::memcmp(bytes + at, word.data(), 4) == 0;
+    };
+    if (size < kHeader || Number(bytes) != size || (bytes[8] > 3 && size % 4 != 0)) return "its length is wrong";
+    if (!has(36, "acsp")) return "it is damaged";
+    if (!has(16, "RGB ")) return fmt::format("it is for '{}', not for RGB", ProfileWord(bytes + 16));
+    if (!has(20, "XYZ ") && !has(20, "Lab ")) return "it is damaged";
+    if (!has(12, "mntr") && !has(12, "scnr") && !has(12, "prtr") && !has(12, "spac")) {
+        return "it does not describe the colours of an image";
+    }
+    if (Number(bytes + 64) > 3) return "its rendering intent is unknown";
+    constexpr unsigned char kD50[] = {0, 0, 0xf6, 0xd6, 0, 1, 0, 0, 0, 0, 0xd3, 0x2d};
+    if (std::memcmp(bytes + 68, kD50, sizeof kD50) != 0) return "its white is not D50";
+    const std::size_t tags = Number(bytes + 128);
+    if (tags > (size - kHeader) / kTag) return "it is damaged";
+    for (std::size_t i = 0; i < tags; ++i) {
+        const std::size_t start = Number(bytes + kHeader + i * kTag + 4);
+        const std::size_t length = Number(bytes + kHeader + i * kTag + 8);
+        if (start > size || length > size - start || start % 4 != 0) return "it is damaged";
+    }
+    return std::nullopt;
+}
+
+bool Survives(const std::string& name) {
     if (std::find(std::begin(kColor), std::end(kColor), name) != std::end(kColor)) return true;
     return std::none_of(std::begin(kStorage), std::end(kStorage),
                         [&](std::string_view prefix) { return name.starts_with(prefix); });
@@ -41,11 +112,36 @@ PictureMetadata MetadataOf(const OIIO::ImageSpec& layout, const std::string& for
     metadata.format = format;
     metadata.compression = layout.get_string_attribute("compression");
     for (const OIIO::ParamValue& attribute : layout.extra_attribs) {
-        if (Survives(Lower(attribute.name().string()), layout)) metadata.attributes.push_back(attribute);
+        const std::string name = Lower(attribute.name().string());
+        if (name == "iccprofile") {
+            if (auto reason = WhyNoProfile(attribute)) {
+                metadata.dropped = std::move(*reason);
+                continue;
+            }
+        }
+        if (Survives(name)) metadata.attributes.push_back(attribute);
     }
     return metadata;
 }
 
 void AddMetadata(const PictureMetadata& metadata, OIIO::ImageSpec& layout) {
     for (const OIIO::ParamValue& attribute : metadata.attributes) layout.extra_attribs.add_or_replace(attribute);
+}
+
+void FixDate(OIIO::ImageSpec& layout) {
+    if (!layout.get_string_attribute("DateTime").empty()) return;
+    if (const char* epoch = std::getenv("SOURCE_DATE_EPOCH")) {
+        std::time_t seconds = 0;
+        const char* end = epoch + std::strlen(epoch);
+        const auto [stop, error] = std::from_chars(epoch, end, seconds);
+        std::tm date{};
+        char text[64];
+        if (error == std::errc() && stop == end && gmtime_r(&seconds, &date) &&
+            std::strftime(text, sizeof text, "%Y:%m:%d %H:%M:%S", &date) == 19) {
+            layout.attribute("DateTime", text);
+            return;
+        }
+    }
+    // An attribute of that name keeps the library from adding one, and a number is no date that it could write.
+    layout.attribute("DateTime", 0);
 }

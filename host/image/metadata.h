@@ -12,6 +12,7 @@ struct PictureMetadata {
     OIIO::ParamValueList attributes;
     std::string format;       ///< of the file that they come from
     std::string compression;  ///< of that file; empty where it has none
+    std::string dropped;      ///< why its colour profile is left out; empty where it has none or it is kept
 };
 
 /// Takes from a file's description what is about the picture, and leaves what is about how the file is stored.
@@ -19,3 +20,7 @@ PictureMetadata MetadataOf(const OIIO::ImageSpec& layout, const std::string& for
 
 /// Adds the attributes to the description of a file of a format.
 void AddMetadata(const PictureMetadata& metadata, OIIO::ImageSpec& layout);
+
+/// Makes the date of the description one that does not depend on when it is written: the one that it has, else the time
+/// of the environment's SOURCE_DATE_EPOCH, else none, also where the image library would take the present.
+void FixDate(OIIO::ImageSpec& layout);

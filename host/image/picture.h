@@ -26,18 +26,27 @@ struct Picture {
     int bits = 8;            ///< bits of a channel in the file
     bool isHalf = false;     ///< the file's channels are 16-bit floats
     std::shared_ptr<const PictureMetadata> metadata;
+    std::string note{};          ///< which of the file's parts and channels were left out without being asked for
+    std::string metadataNote{};  ///< which of its metadata cannot be kept; both are sentences, empty for nothing
 };
 
-/// Reads the first picture of a file. 16-bit integers and halves become float. Grey becomes three equal channels, a
-/// palette its colours; without an alpha channel every pixel is opaque. Premultiplied files (EXR by definition, TIFF
-/// where it says so) are divided by their alpha; a pixel of alpha 0 keeps its colour as it is. Values are the file's:
-/// no colour conversion. Fails with `ExitCode::kFile`, also for a deep or multi-part file, and for one that claims more
-/// pixels than can be drawn, which is found out before memory is taken for them.
-Result<Picture> ReadPicture(const std::filesystem::path& file);
+/// Which image of a file is read.
+struct ReadOptions {
+    std::string layer{};  ///< "diffuse" of the channels "diffuse.R", ..., or a channel; empty for the image itself
+    std::string part{};   ///< a number from 0, or a name; empty for the first
+};
+
+/// Reads an image of a file, or of standard input for the file "-". 16-bit integers and halves become float. Grey
+/// becomes three equal channels, a palette its colours; without an alpha channel every pixel is opaque. Premultiplied
+/// files (EXR by definition, TIFF where it says so) are divided by their alpha; a pixel of alpha 0 keeps its colour as
+/// it is. Values are the file's: no colour conversion. Fails with `ExitCode::kFile`, also for a deep file, and for one
+/// that claims more pixels than can be drawn, which is found out before memory is taken for them; with
+/// `ExitCode::kUsage` when the file has no such layer or part.
+Result<Picture> ReadPicture(const std::filesystem::path& file, const ReadOptions& options = {});
 
 /// The same without reading pixels: the picture has its sizes, format and depth, and neither pixels nor metadata. Fails
 /// as ReadPicture does, except for what only the pixels show.
-Result<Picture> ReadPictureHeader(const std::filesystem::path& file);
+Result<Picture> ReadPictureHeader(const std::filesystem::path& file, const ReadOptions& options = {});
 
 /// Where a picture's pixels belong.
 struct Placement {
@@ -47,6 +56,18 @@ struct Placement {
     PF_Point frameOrigin{};  ///< what the file is to call the frame's top-left corner
 };
 
+/// How a file stores its channels.
+enum class FileDepth {
+    kAuto,  ///< as the format stores the world's depth
+    k8,
+    k16,
+    kHalf,
+    kFloat,
+};
+
+/// The depth with that name in --output-depth: "8", "16", "half", "float"; kAuto for any other text.
+FileDepth FileDepthNamed(const std::string& name);
+
 /// What a file is to hold beside the pixels.
 struct WriteOptions {
     /// "zip", "piz", "lzw", "jpeg:90", ...; empty keeps the compression of the metadata where the format has it, and
@@ -54,10 +75,20 @@ struct WriteOptions {
     std::string compression{};
     bool half = false;  ///< EXR of a float world: 16-bit floats
     std::shared_ptr<const PictureMetadata> metadata{};
+    FileDepth depth = FileDepth::kAuto;
+    std::string format{};  ///< "png", "tif", "exr", "jpg": of an output without an extension, for EncodePicture
 };
 
-/// Whether the format that the extension names has this compression. Fails with `ExitCode::kUsage` and what it has.
-Result<Done> CheckCompression(const std::filesystem::path& file, const std::string& compression);
+/// Whether there is a format to write: the extension's or, for the file "-", which is standard output, the one of this
+/// name. Fails with `ExitCode::kFile` or, for a wrong name, `ExitCode::kUsage`.
+Result<Done> CheckFormat(const std::filesystem::path& file, const std::string& name = "");
+
+/// Whether that format has this compression. Fails with `ExitCode::kUsage` and what it has.
+Result<Done> CheckCompression(const std::filesystem::path& file, const std::string& compression,
+                              const std::string& name = "");
+
+/// Whether that format can store channels in this depth. Fails with `ExitCode::kUsage` and what it has.
+Result<Done> CheckFileDepth(const std::filesystem::path& file, FileDepth depth, const std::string& name = "");
 
 /// The extensions that WritePicture knows, as a phrase: ".png, .tif, ...".
 std::string WritableFormats();
@@ -70,11 +101,16 @@ Result<Done> CheckWritable(const std::filesystem::path& file);
 Result<Done> CheckPlace(const std::filesystem::path& file);
 
 /// Writes a world, whose format is one of the host's, in the format that the extension names:
-///   .png        straight; 8 bits, or 16 from a float world
+///   .png        straight; 8 bits, or 16 from a float world; `place` becomes the offset of the first pixel
 ///   .tif .tiff  straight; 8 bits, or float
 ///   .exr        premultiplied; half from an 8-bit world or on demand, else float; `place` becomes data and display
 ///   window .jpg .jpeg  8 bits; has no alpha, so the picture is laid on white, where a shadow shows
-/// The file appears whole or not at all: it is written under a temporary name beside its place and then renamed. Fails
-/// with `ExitCode::kFile`, also for an empty world.
+/// The file appears whole or not at all: it is written under a temporary name in its folder and then renamed. A
+/// symbolic link stays, and the file that it leads to is replaced; a file that is replaced passes its mode on. The same
+/// arguments give the same bytes at any time: the date is the metadata's, else SOURCE_DATE_EPOCH, else there is none.
+/// Fails with `ExitCode::kFile`, also for an empty world.
 Result<Done> WritePicture(const std::filesystem::path& file, const World& world, const Placement& place,
                           const WriteOptions& options = {});
+
+/// The same as the bytes of a file in the format that the options name.
+Result<std::string> EncodePicture(const World& world, const Placement& place, const WriteOptions& options);

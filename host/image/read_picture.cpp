@@ -2,21 +2,29 @@
 // Copyright 2026 the Umbrant authors
 
 #include <OpenImageIO/imageio.h>
+#include <fcntl.h>
 #include <fmt/format.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <algorithm>
-#include <cctype>
+#include <cerrno>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
+#include <limits>
 #include <memory>
 #include <new>
 #include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
+#include "host/image/encoded_file.h"
 #include "host/image/metadata.h"
 #include "host/image/picture.h"
+#include "host/image/picture_channels.h"
 #include "hostapi/limits.h"
 
 namespace {
@@ -36,45 +44,6 @@ std::string Reason(std::string message, const fs::path& file) {
     }
     while (!message.empty() && (message.back() == '.' || message.back() == ' ')) message.pop_back();
     return message.empty() ? "its contents are damaged" : message;
-}
-
-/// Which of a file's channels are which; -1 for none.
-struct Channels {
-    int red = 0;
-    int green = 0;
-    int blue = 0;
-    int alpha = -1;
-};
-
-int ChannelNamed(const OIIO::ImageSpec& layout, std::string_view name) {
-    for (int i = 0; i < layout.nchannels; ++i) {
-        const std::string& candidate = layout.channelnames[static_cast<std::size_t>(i)];
-        if (candidate.size() == name.size() &&
-            std::equal(candidate.begin(), candidate.end(), name.begin(),
-                       [](unsigned char a, unsigned char b) { return std::tolower(a) == std::tolower(b); })) {
-            return i;
-        }
-    }
-    return -1;
-}
-
-/// Colour channels by name where they are named, else the first three; one channel is grey, two are red and green.
-Channels FindChannels(const OIIO::ImageSpec& layout) {
-    Channels found;
-    found.alpha = layout.alpha_channel;
-    found.red = ChannelNamed(layout, "R");
-    found.green = ChannelNamed(layout, "G");
-    found.blue = ChannelNamed(layout, "B");
-    if (found.red >= 0 && found.green >= 0 && found.blue >= 0) return found;
-
-    std::vector<int> colours;
-    for (int i = 0; i < layout.nchannels; ++i) {
-        if (i != found.alpha) colours.push_back(i);
-    }
-    if (colours.size() >= 3) return {colours[0], colours[1], colours[2], found.alpha};
-    if (colours.size() == 2) return {colours[0], colours[1], -1, found.alpha};
-    if (colours.size() == 1) return {colours[0], colours[0], colours[0], found.alpha};
-    return {-1, -1, -1, found.alpha};
 }
 
 /// Puts one row of the file's channels into a world's row. A colour channel that the file lacks is 0, or full in a file
@@ -113,37 +82,59 @@ void Unpremultiply(PF_Pixel* row, int width) {
     }
 }
 
-/// Reads all pixels in the file's own channels, `Channel` being what they are converted to.
+/// The channels from the first to the last that are needed.
+std::pair<int, int> RangeOf(const Channels& channels) {
+    int begin = std::numeric_limits<int>::max();
+    int end = 0;
+    for (const int channel : {channels.red, channels.green, channels.blue, channels.alpha}) {
+        if (channel < 0) continue;
+        begin = std::min(begin, channel);
+        end = std::max(end, channel + 1);
+    }
+    return {begin, end};
+}
+
+/// The same channels, counted from `begin`.
+Channels Within(Channels channels, int begin) {
+    for (int* channel : {&channels.red, &channels.green, &channels.blue, &channels.alpha}) {
+        if (*channel >= 0) *channel -= begin;
+    }
+    return channels;
+}
+
+/// Reads all pixels of some of the file's channels, `Channel` being what they are converted to.
 template <typename Pixel, typename Channel>
-std::optional<std::string> ReadPixels(OIIO::ImageInput& input, const OIIO::ImageSpec& layout, OIIO::TypeDesc type,
-                                      Channel full, World& world) {
-    const std::size_t rowValues = static_cast<std::size_t>(layout.width) * static_cast<std::size_t>(layout.nchannels);
+std::optional<std::string> ReadPixels(OIIO::ImageInput& input, const OIIO::ImageSpec& layout, Channels channels,
+                                      OIIO::TypeDesc type, Channel full, World& world) {
+    const auto [begin, end] = RangeOf(channels);
+    const int count = end - begin;
+    const std::size_t rowValues = static_cast<std::size_t>(layout.width) * static_cast<std::size_t>(count);
     // Zeroed by the system page by page, as they are written: a small file that claims to be large costs nothing.
     const std::unique_ptr<Channel, decltype(&std::free)> values(
         static_cast<Channel*>(std::calloc(rowValues * static_cast<std::size_t>(layout.height), sizeof(Channel))),
         &std::free);
     if (!values) throw std::bad_alloc();
-    const bool read = input.read_image(0, 0, 0, layout.nchannels, type, values.get());
+    const bool read = input.read_image(input.current_subimage(), 0, begin, end, type, values.get());
     // Some readers deliver what they have of a truncated file and only leave a message.
     const std::string message = input.geterror();
     if (!read || !message.empty()) return message;
 
-    const Channels channels = FindChannels(layout);
+    channels = Within(channels, begin);
     const bool hasBoth = channels.alpha >= 0 && channels.red >= 0;
     const bool straight = !hasBoth || layout.get_int_attribute("oiio:UnassociatedAlpha", 0) != 0;
     for (int y = 0; y < layout.height; ++y) {
         auto* row = static_cast<Pixel*>(static_cast<void*>(world.Row(y)));
-        FillRow(values.get() + rowValues * static_cast<std::size_t>(y), layout.nchannels, channels, full, row,
-                layout.width);
+        FillRow(values.get() + rowValues * static_cast<std::size_t>(y), count, channels, full, row, layout.width);
         if (!straight) Unpremultiply(row, layout.width);
     }
     return std::nullopt;
 }
 
-/// What lies at a path that is not a file, or nothing when it is one.
+/// Why there is no file to read at a path, or nothing when there is one.
 std::optional<std::string> WhyNoFile(const fs::path& file) {
     std::error_code error;
     const fs::file_status status = fs::status(file, error);
+    if (status.type() == fs::file_type::none) return error.message();
     if (!fs::exists(status)) return "there is no such file";
     if (fs::is_directory(status)) return "it is a folder, not a picture";
     if (!fs::is_regular_file(status)) return "it is not a regular file";
@@ -167,19 +158,24 @@ std::optional<std::string> WhyTooLarge(int width, int height, int channels) {
     return std::nullopt;
 }
 
+/// An offset of pixels, unless it is absurd.
+PF_Point OffsetOf(const OIIO::ImageSpec& layout) {
+    constexpr int kFarthest = 1 << 24;
+    PF_Point offset{};
+    if (std::abs(std::int64_t{layout.x}) > kFarthest || std::abs(std::int64_t{layout.y}) > kFarthest) return offset;
+    offset.x = layout.x;
+    offset.y = layout.y;
+    return offset;
+}
+
 /// All that the header says: a picture without pixels and metadata.
-Result<Picture> ReadHeader(const OIIO::ImageInput& input, const fs::path& file) {
+Result<Picture> ReadHeader(const OIIO::ImageInput& input, const fs::path& file, const ChannelChoice& choice) {
     const OIIO::ImageSpec& layout = input.spec();
-    if (layout.deep) return CannotRead(file, "it is a deep picture; flatten it first");
     if (layout.depth > 1) return CannotRead(file, "it is a volume, not a flat picture");
     if (layout.width <= 0 || layout.height <= 0 || layout.nchannels <= 0) return CannotRead(file, "it has no pixels");
     Picture picture;
     picture.format = input.format_name();
     const bool hasWindows = picture.format == "openexr";
-    if (hasWindows && layout.get_int_attribute("oiio:subimages", 1) > 1) {
-        return CannotRead(file, "it has several parts; save the one you need as a file of its own");
-    }
-
     picture.bits = layout.get_int_attribute("oiio:BitsPerSample", static_cast<int>(layout.format.size()) * 8);
     picture.window = {0, 0, layout.width, layout.height};
     picture.frameWidth = layout.width;
@@ -192,56 +188,154 @@ Result<Picture> ReadHeader(const OIIO::ImageInput& input, const fs::path& file) 
         picture.frameOrigin.x = layout.full_x;
         picture.frameOrigin.y = layout.full_y;
     }
-    if (const auto reason = WhyTooLarge(layout.width, layout.height, layout.nchannels))
-        return CannotRead(file, *reason);
+    // A format without a frame has the frame begin where its pixels do.
+    if (picture.format == "png") picture.frameOrigin = OffsetOf(layout);
+    const auto [begin, end] = RangeOf(choice.channels);
+    if (const auto reason = WhyTooLarge(layout.width, layout.height, end - begin)) return CannotRead(file, *reason);
     if (const auto reason = WhyTooLarge(picture.frameWidth, picture.frameHeight, 4)) return CannotRead(file, *reason);
     picture.isHalf = layout.format == OIIO::TypeDesc::HALF;
+    picture.note = choice.note;
     return picture;
 }
 
-Result<Picture> ReadOpened(OIIO::ImageInput& input, const fs::path& file) {
-    auto picture = ReadHeader(input, file);
+Result<Picture> ReadOpened(OIIO::ImageInput& input, const fs::path& file, const ChannelChoice& choice) {
+    auto picture = ReadHeader(input, file, choice);
     if (!picture) return picture;
     const OIIO::ImageSpec layout = input.spec();
     const bool eight = layout.format.size() == 1;
     picture->metadata = std::make_shared<const PictureMetadata>(MetadataOf(layout, picture->format));
     picture->pixels = World::Create(layout.width, layout.height, eight ? Depth::k8 : Depth::k32);
     if (picture->pixels.IsNull()) return CannotRead(file, "there is not enough memory for it");
+    if (!picture->metadata->dropped.empty()) {
+        picture->metadataNote =
+            fmt::format("the colour profile of '{}' is left out: {}", file.string(), picture->metadata->dropped);
+    }
 
+    const Channels& channels = choice.channels;
     const auto problem =
-        eight ? ReadPixels<PF_Pixel, A_u_char>(input, layout, OIIO::TypeDesc::UINT8, 255, picture->pixels)
-              : ReadPixels<PF_PixelFloat, float>(input, layout, OIIO::TypeDesc::FLOAT, 1.0f, picture->pixels);
+        eight ? ReadPixels<PF_Pixel, A_u_char>(input, layout, channels, OIIO::TypeDesc::UINT8, 255, picture->pixels)
+              : ReadPixels<PF_PixelFloat, float>(input, layout, channels, OIIO::TypeDesc::FLOAT, 1.0f, picture->pixels);
     if (problem) return CannotRead(file, Reason(*problem, file));
     return picture;
 }
 
+/// An open file. The image library takes what follows a '?' in a name for arguments, and its formats read files by name
+/// only; so what has no plain name is opened here and read through its descriptor.
+class OpenFile {
+ public:
+    explicit OpenFile(int descriptor) : descriptor_(descriptor) {}
+    ~OpenFile() {
+        if (descriptor_ >= 0) close(descriptor_);
+    }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+
+    int Descriptor() const { return descriptor_; }
+    std::string Name() const { return fmt::format("/dev/fd/{}", descriptor_); }
+
+ private:
+    const int descriptor_;
+};
+
+/// The format that a file's first bytes announce, as the library has it, or the name itself.
+std::string FormatByContent(int descriptor, const std::string& name) {
+    using namespace std::string_view_literals;
+    constexpr std::pair<std::string_view, const char*> kMagic[] = {
+        {"\x89PNG"sv, "png"},
+        {"\xff\xd8\xff"sv, "jpeg"},
+        {"II*\0"sv, "tiff"},
+        {"MM\0*"sv, "tiff"},
+        {"II+\0"sv, "tiff"},
+        {"MM\0+"sv, "tiff"},
+        {"\x76\x2f\x31\x01"sv, "openexr"},
+    };
+    char begin[4]{};
+    if (pread(descriptor, begin, sizeof begin, 0) != sizeof begin) return name;
+    for (const auto& [magic, format] : kMagic) {
+        if (std::string_view(begin, magic.size()) == magic) return format;
+    }
+    return name;
+}
+
+/// Everything that standard input holds, in a file without a place on a disk. Returns why there is none.
+std::optional<std::string> TakeStandardInput(int file) {
+    constexpr std::int64_t kMost = std::int64_t{1} << 32;  // more than an image that may be drawn
+    std::vector<char> block(std::size_t{1} << 20);
+    for (std::int64_t taken = 0; taken <= kMost;) {
+        const ssize_t count = read(STDIN_FILENO, block.data(), block.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return std::strerror(errno);
+        if (count == 0) return taken == 0 ? std::optional<std::string>("standard input is empty") : std::nullopt;
+        taken += count;
+        if (auto problem = WriteAll(file, block.data(), static_cast<std::size_t>(count))) return problem;
+    }
+    return "standard input is longer than 4 GiB";
+}
+
+/// Chooses part and channels, and lets `read` make a picture of them.
+template <typename Read>
+Result<Picture> ChooseAnd(OIIO::ImageInput& input, const fs::path& file, const ReadOptions& options, Read read) {
+    auto partNote = ChoosePart(input, options.part, file.string());
+    if (!partNote) return partNote.Error();
+    if (input.spec().deep) return CannotRead(file, "it is a deep picture; flatten it first");
+    auto choice = ChooseChannels(input.spec(), options.layer, file.string());
+    if (!choice) return choice.Error();
+    if (!partNote->empty()) choice->note = *partNote + (choice->note.empty() ? "" : "; " + choice->note);
+    return read(input, file, *choice);
+}
+
 /// Opens the file and lets `read` make a picture of it.
 template <typename Read>
-Result<Picture> OpenAnd(const fs::path& file, Read read) {
-    if (const auto reason = WhyNoFile(file)) return CannotRead(file, *reason);
+Result<Picture> OpenAnd(const fs::path& file, const ReadOptions& options, Read read) {
+    const bool isStandardInput = file == "-";
+    if (!isStandardInput) {
+        if (const auto reason = WhyNoFile(file)) return CannotRead(file, *reason);
+    }
+    std::string name = file.string();
+    std::string format = name;
+    std::optional<OpenFile> opened;
+    if (isStandardInput || name.find('?') != std::string::npos) {
+        opened.emplace(isStandardInput ? memfd_create("umbrant", MFD_CLOEXEC)
+                                       : open(name.c_str(), O_RDONLY | O_CLOEXEC));
+        if (opened->Descriptor() < 0) return CannotRead(file, std::strerror(errno));
+        if (isStandardInput) {
+            if (const auto problem = TakeStandardInput(opened->Descriptor())) return CannotRead(file, *problem);
+        }
+        name = opened->Name();
+        format = FormatByContent(opened->Descriptor(), name);
+    }
     try {
         // Without this the library would hand over straight files premultiplied, and rounded.
         OIIO::ImageSpec config;
         config.attribute("oiio:UnassociatedAlpha", 1);
-        const std::unique_ptr<OIIO::ImageInput> input = OIIO::ImageInput::open(file.string(), &config);
+        std::unique_ptr<OIIO::ImageInput> input;
+        if (format == name) {
+            input = OIIO::ImageInput::open(name, &config);
+        } else if ((input = OIIO::ImageInput::create(format))) {
+            OIIO::ImageSpec layout;
+            if (!input->open(name, layout, config)) {
+                return CannotRead(
+                    file, fmt::format("it is not a picture that can be read ({})", Reason(input->geterror(), name)));
+            }
+        }
         if (!input) {
             const std::string message = OIIO::geterror();
-            return CannotRead(file, fmt::format("it is not a picture that can be read ({})", Reason(message, file)));
+            return CannotRead(file, fmt::format("it is not a picture that can be read ({})", Reason(message, name)));
         }
-        return read(*input, file);
+        return ChooseAnd(*input, file, options, read);
     } catch (const std::bad_alloc&) {
         return CannotRead(file, "there is not enough memory for it");
     } catch (const std::exception& problem) {
-        return CannotRead(file, Reason(problem.what(), file));
+        return CannotRead(file, Reason(problem.what(), name));
     }
 }
 
 }  // namespace
 
-Result<Picture> ReadPicture(const fs::path& file) {
-    return OpenAnd(file, ReadOpened);
+Result<Picture> ReadPicture(const fs::path& file, const ReadOptions& options) {
+    return OpenAnd(file, options, ReadOpened);
 }
 
-Result<Picture> ReadPictureHeader(const fs::path& file) {
-    return OpenAnd(file, ReadHeader);
+Result<Picture> ReadPictureHeader(const fs::path& file, const ReadOptions& options) {
+    return OpenAnd(file, options, ReadHeader);
 }

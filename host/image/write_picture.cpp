@@ -3,78 +3,32 @@
 
 #include <OpenImageIO/imageio.h>
 #include <fmt/format.h>
+#include <sys/mman.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
-#include <cctype>
 #include <cerrno>
-#include <charconv>
 #include <cstring>
 #include <exception>
 #include <memory>
 #include <optional>
 #include <string_view>
-#include <system_error>
 #include <vector>
 
-#include "host/image/checked_file.h"
+#include "host/image/encoded_file.h"
 #include "host/image/metadata.h"
 #include "host/image/picture.h"
+#include "host/image/picture_format.h"
+#include "host/image/picture_place.h"
 #include "host/image/temporary_file.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-/// How pixels leave the program.
-enum class Form {
-    kStraight,       ///< colours as they are, with alpha
-    kPremultiplied,  ///< colours times alpha, with alpha
-    kOnWhite,        ///< no alpha
-};
-
-struct Format {
-    std::string_view extension;
-    Form form;
-    OIIO::TypeDesc::BASETYPE fromEight;  ///< the file's channels when the world has 8 bits
-    OIIO::TypeDesc::BASETYPE fromFloat;
-    bool hasWindows;                ///< a data window apart from the display window
-    std::string_view name;          ///< as the image library has it
-    std::string_view compressions;  ///< what may be chosen, in spaces; the first is taken when nothing else is said
-};
-
-constexpr std::string_view kTiffCompressions = " zip lzw packbits none ";
-constexpr std::string_view kExrCompressions = " zip zips piz rle pxr24 b44 b44a dwaa dwab none ";
-
-constexpr std::array<Format, 6> kFormats = {{
-    {".png", Form::kStraight, OIIO::TypeDesc::UINT8, OIIO::TypeDesc::UINT16, false, "png", ""},
-    {".tif", Form::kStraight, OIIO::TypeDesc::UINT8, OIIO::TypeDesc::FLOAT, false, "tiff", kTiffCompressions},
-    {".tiff", Form::kStraight, OIIO::TypeDesc::UINT8, OIIO::TypeDesc::FLOAT, false, "tiff", kTiffCompressions},
-    {".exr", Form::kPremultiplied, OIIO::TypeDesc::HALF, OIIO::TypeDesc::FLOAT, true, "openexr", kExrCompressions},
-    {".jpg", Form::kOnWhite, OIIO::TypeDesc::UINT8, OIIO::TypeDesc::UINT8, false, "jpeg", ""},
-    {".jpeg", Form::kOnWhite, OIIO::TypeDesc::UINT8, OIIO::TypeDesc::UINT8, false, "jpeg", ""},
-}};
-
-const Format* FormatOf(const fs::path& file) {
-    std::string extension = file.extension().string();
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    for (const Format& format : kFormats) {
-        if (format.extension == extension) return &format;
-    }
-    return nullptr;
-}
-
 Failure CannotWrite(const fs::path& file, std::string_view reason) {
     return {ExitCode::kFile, fmt::format("cannot write '{}': {}", file.string(), reason)};
-}
-
-Failure UnknownFormat(const fs::path& file) {
-    const std::string extension = file.extension().string();
-    const std::string what = extension.empty() ? "its name has no extension"
-                                               : fmt::format("'{}' is not a format that can be written", extension);
-    return CannotWrite(file, fmt::format("{}; use {}", what, WritableFormats()));
 }
 
 /// Alpha, red, green, blue as 0..1 and beyond.
@@ -104,11 +58,10 @@ Sample SampleAt(const World& world, int x, int y) {
     return {};
 }
 
-/// The file's values of a world, row by row: three channels without alpha, else four with alpha last.
-std::vector<float> FileValues(const World& world, Form form) {
-    std::vector<float> values;
-    values.reserve(static_cast<std::size_t>(world.Width()) * static_cast<std::size_t>(world.Height()) * 4);
-    for (int y = 0; y < world.Height(); ++y) {
+/// The file's values of some rows of a world: three channels without alpha, else four with alpha last.
+void FileValues(const World& world, Form form, int begin, int end, std::vector<float>& values) {
+    values.clear();
+    for (int y = begin; y < end; ++y) {
         for (int x = 0; x < world.Width(); ++x) {
             const Sample s = SampleAt(world, x, y);
             const float weight = form == Form::kStraight ? 1.0f : s.alpha;
@@ -119,24 +72,6 @@ std::vector<float> FileValues(const World& world, Form form) {
             if (form != Form::kOnWhite) values.push_back(s.alpha);
         }
     }
-    return values;
-}
-
-/// A number from 1 to 100 after "jpeg:".
-bool IsJpegQuality(std::string_view compression) {
-    constexpr std::string_view kPrefix = "jpeg:";
-    if (!compression.starts_with(kPrefix)) return false;
-    compression.remove_prefix(kPrefix.size());
-    int quality = 0;
-    const char* end = compression.data() + compression.size();
-    const auto [stop, error] = std::from_chars(compression.data(), end, quality);
-    return error == std::errc() && stop == end && quality >= 1 && quality <= 100;
-}
-
-bool HasCompression(const Format& format, std::string_view compression) {
-    if (format.form == Form::kOnWhite) return IsJpegQuality(compression);
-    return !compression.empty() && compression.find(' ') == std::string_view::npos &&
-           format.compressions.find(" " + std::string(compression) + " ") != std::string_view::npos;
 }
 
 /// The chosen compression, else the one that the picture came with, else the format's own.
@@ -149,19 +84,27 @@ std::string CompressionFor(const Format& format, const WriteOptions& options) {
     return std::string(format.compressions.substr(1, format.compressions.find(' ', 1) - 1));
 }
 
+FileDepth DepthFor(const Format& format, const World& world, const WriteOptions& options) {
+    if (options.depth != FileDepth::kAuto) return options.depth;
+    if (format.place == PlaceKind::kWindows && options.half) return FileDepth::kHalf;
+    return world.PixelDepth() == Depth::k8 ? format.fromEight : format.fromFloat;
+}
+
 OIIO::ImageSpec LayoutOf(const Format& format, const World& world, const Placement& place,
                          const WriteOptions& options) {
-    auto type = world.PixelDepth() == Depth::k8 ? format.fromEight : format.fromFloat;
-    if (format.hasWindows && options.half) type = OIIO::TypeDesc::HALF;
-    OIIO::ImageSpec layout(world.Width(), world.Height(), format.form == Form::kOnWhite ? 3 : 4, OIIO::TypeDesc(type));
+    OIIO::ImageSpec layout(world.Width(), world.Height(), format.form == Form::kOnWhite ? 3 : 4,
+                           TypeOf(DepthFor(format, world, options)));
     if (options.metadata) AddMetadata(*options.metadata, layout);
+    FixDate(layout);
     if (format.form == Form::kStraight) layout.attribute("oiio:UnassociatedAlpha", 1);
     if (const std::string compression = CompressionFor(format, options); !compression.empty()) {
         layout.attribute("compression", compression);
     }
-    if (format.hasWindows) {
+    if (format.place != PlaceKind::kNone) {
         layout.x = place.frameOrigin.x + place.window.left;
         layout.y = place.frameOrigin.y + place.window.top;
+    }
+    if (format.place == PlaceKind::kWindows) {
         layout.full_x = place.frameOrigin.x;
         layout.full_y = place.frameOrigin.y;
         layout.full_width = place.frameWidth > 0 ? place.frameWidth : world.Width();
@@ -170,108 +113,115 @@ OIIO::ImageSpec LayoutOf(const Format& format, const World& world, const Placeme
     return layout;
 }
 
-/// Why nothing more can be written to the file, or nothing when it can. What it holds is of no use any more.
-std::optional<std::string> WhyNoMore(int file) {
-    const std::vector<char> block(std::size_t{4} << 20, '\1');
-    std::size_t done = 0;
-    lseek(file, 0, SEEK_END);
-    while (done < block.size()) {
-        const auto count = write(file, block.data() + done, block.size() - done);
-        if (count < 0) return std::strerror(errno);
-        done += static_cast<std::size_t>(count);
+/// Lets the library write the image, through `proxy` or, without one, to a file of that name. Returns why it could not.
+std::optional<std::string> Encode(const Format& format, const World& world, const OIIO::ImageSpec& layout,
+                                  const std::string& name, OIIO::Filesystem::IOProxy* proxy) {
+    const std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(std::string(format.name));
+    if (!output) return OIIO::geterror();
+    if (proxy && !output->set_ioproxy(proxy)) return output->geterror();
+    if (!output->open(name, layout)) return output->geterror();
+    // In bands, which take less memory than all values at once. Each is a multiple of every format's own.
+    constexpr int kBand = 256;
+    std::vector<float> values;
+    bool whole = true;
+    for (int begin = 0; whole && begin < world.Height(); begin += kBand) {
+        const int end = std::min(begin + kBand, world.Height());
+        FileValues(world, format.form, begin, end, values);
+        whole = output->write_scanlines(layout.y + begin, layout.y + end, 0, OIIO::TypeDesc::FLOAT, values.data());
     }
-    return std::nullopt;
+    whole = output->close() && whole;
+    return whole ? std::nullopt : std::optional(output->geterror());
 }
 
-/// Writes to a file that nobody looks at yet, never by its name: the library would make the file anew that an
-/// interruption has just removed. Returns why it could not.
-std::optional<std::string> WriteTo(const Format& format, const TemporaryFile& file, const OIIO::ImageSpec& layout,
-                                   const std::vector<float>& values) {
-    if (auto problem = file.Problem()) return problem;
-    // Outlives the output, which may write once more when it goes.
-    std::optional<CheckedFile> checked;
-    const std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(file.Name().string());
-    if (!output) return OIIO::geterror();
-    // Through a proxy the library loses a TIFF file's first directory when there is one for metadata beside it.
-    if (format.name != "tiff") {
-        checked.emplace(file.Name(), file.Descriptor());
-        if (!output->set_ioproxy(&*checked)) return output->geterror();
+/// The same for TIFF, whose metadata may have a directory of their own, for which the library reads what it wrote, and
+/// never through a proxy. The image goes to a file without a place on a disk; where files may not grow, nothing is
+/// begun that would not fit: after a failed write the library may not end.
+std::optional<std::string> EncodeTiff(const Format& format, const World& world, const OIIO::ImageSpec& layout,
+                                      EncodedFile& encoded) {
+    rlimit limit{};
+    if (getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY) {
+        OIIO::ImageSpec plain(layout.width, layout.height, layout.nchannels, layout.format);
+        plain.attribute("compression", layout.get_string_attribute("compression"));
+        std::size_t metadata = 1024;
+        for (const OIIO::ParamValue& attribute : layout.extra_attribs) {
+            metadata += static_cast<std::size_t>(attribute.datasize()) + 64;
+        }
+        EncodedFile measured(std::string(format.name));
+        if (auto problem = Encode(format, world, plain, "measured", &measured)) return problem;
+        if (measured.size() + metadata > limit.rlim_cur) return std::strerror(EFBIG);
     }
-    bool whole = output->open(checked ? file.Name().string() : file.OpenName(), layout);
-    whole = whole && output->write_image(OIIO::TypeDesc::FLOAT, values.data());
-    whole = output->close() && whole;
-    if (checked) {
-        if (const auto problem = checked->Finish()) return problem;
-    } else if (!whole) {
-        if (const auto problem = WhyNoMore(file.Descriptor())) return problem;
+    const int file = memfd_create("umbrant", MFD_CLOEXEC);
+    if (file < 0) return std::strerror(errno);
+    auto problem = Encode(format, world, layout, fmt::format("/dev/fd/{}", file), nullptr);
+    if (!problem) encoded.CopyFrom(file);
+    close(file);
+    return problem;
+}
+
+/// The file's bytes. Fails with the reason alone.
+std::optional<std::string> EncodeTo(EncodedFile& encoded, const Format& format, const World& world,
+                                    const Placement& place, const WriteOptions& options) {
+    // What the library says to its own developers would appear on the standard streams.
+    static const bool quiet = OIIO::attribute("debug", 0);
+    (void)quiet;
+    try {
+        const OIIO::ImageSpec layout = LayoutOf(format, world, place, options);
+        auto problem = format.name == "tiff" ? EncodeTiff(format, world, layout, encoded)
+                                             : Encode(format, world, layout, std::string(format.name), &encoded);
+        if (!encoded.Problem() && !problem) return std::nullopt;
+        const std::string reason = encoded.Problem().value_or(problem.value_or(""));
+        return reason.empty() ? "it cannot be encoded" : reason.substr(0, reason.find('\n'));
+    } catch (const std::bad_alloc&) {
+        return "there is not enough memory for it";
+    } catch (const std::exception& problem) {
+        return problem.what();
     }
-    return whole ? std::nullopt : std::optional(output->geterror());
+}
+
+constexpr char kNothing[] = "there is nothing in the picture";
+
+bool HasPixels(const World& world) {
+    return !world.IsNull() && world.Width() > 0 && world.Height() > 0;
 }
 
 }  // namespace
 
-std::string WritableFormats() {
-    std::string text;
-    for (std::size_t i = 0; i < kFormats.size(); ++i) {
-        if (i > 0) text += i + 1 == kFormats.size() ? " or " : ", ";
-        text += kFormats[i].extension;
-    }
-    return text;
-}
-
 Result<Done> CheckWritable(const fs::path& file) {
     if (file.empty()) return Failure{ExitCode::kFile, "cannot write: the output's name is empty"};
-    if (!FormatOf(file)) return UnknownFormat(file);
+    if (auto known = CheckFormat(file); !known) return known;
     return CheckPlace(file);
 }
 
-Result<Done> CheckPlace(const fs::path& file) {
-    std::error_code error;
-    if (fs::is_directory(file, error)) return CannotWrite(file, "there is a folder of that name");
-    const fs::path folder = file.has_parent_path() ? file.parent_path() : fs::path(".");
-    if (!fs::exists(folder, error)) {
-        return CannotWrite(file, fmt::format("there is no folder '{}'", folder.string()));
+Result<std::string> EncodePicture(const World& world, const Placement& place, const WriteOptions& options) {
+    const fs::path output = "-";
+    if (auto known = CheckFormat(output, options.format); !known) return known.Error();
+    if (!HasPixels(world)) return CannotWrite(output, kNothing);
+    EncodedFile encoded(options.format);
+    if (const auto problem = EncodeTo(encoded, *FormatOf(output, options.format), world, place, options)) {
+        return CannotWrite(output, *problem);
     }
-    if (!fs::is_directory(folder, error)) {
-        return CannotWrite(file, fmt::format("'{}' is not a folder", folder.string()));
-    }
-    return Done{};
-}
-
-Result<Done> CheckCompression(const fs::path& file, const std::string& compression) {
-    const Format* format = FormatOf(file);
-    if (!format) return UnknownFormat(file);
-    if (HasCompression(*format, compression)) return Done{};
-    const std::string extension(format->extension);
-    if (format->form == Form::kOnWhite) {
-        return Failure{ExitCode::kUsage,
-                       fmt::format("'{}' is no compression of {}; use 'jpeg:1' to 'jpeg:100', its quality", compression,
-                                   extension)};
-    }
-    if (format->compressions.empty()) {
-        return Failure{ExitCode::kUsage,
-                       fmt::format("{} has one compression only; there is nothing to choose", extension)};
-    }
-    return Failure{ExitCode::kUsage, fmt::format("'{}' is no compression of {}; use one of:{}", compression, extension,
-                                                 format->compressions.substr(0, format->compressions.size() - 1))};
+    std::string bytes(encoded.size(), '\0');
+    encoded.pread(bytes.data(), bytes.size(), 0);
+    return bytes;
 }
 
 Result<Done> WritePicture(const fs::path& file, const World& world, const Placement& place,
                           const WriteOptions& options) {
     if (auto writable = CheckWritable(file); !writable) return writable;
-    if (world.IsNull() || world.Width() == 0 || world.Height() == 0) {
-        return CannotWrite(file, "there is nothing in the picture");
+    if (!HasPixels(world)) return CannotWrite(file, kNothing);
+    // Made before the encoding, so that a folder that takes no file is found out at once.
+    const fs::path behind = BehindLinks(file);
+    TemporaryFile temporary(behind);
+    if (const auto problem = temporary.Problem()) return CannotWrite(file, *problem);
+    EncodedFile encoded(file.string());
+    if (const auto problem = EncodeTo(encoded, *FormatOf(file), world, place, options)) {
+        return CannotWrite(file, *problem);
     }
-    const Format& format = *FormatOf(file);
-    TemporaryFile temporary(file);
-    try {
-        const OIIO::ImageSpec layout = LayoutOf(format, world, place, options);
-        if (const auto problem = WriteTo(format, temporary, layout, FileValues(world, format.form))) {
-            return CannotWrite(file, problem->empty() ? "the disk or folder refuses it"
-                                                      : std::string_view(*problem).substr(0, problem->find('\n')));
-        }
-    } catch (const std::exception& problem) {
-        return CannotWrite(file, problem.what());
+    if (const auto problem = encoded.CopyTo(temporary.Descriptor())) return CannotWrite(file, *problem);
+    // Some file systems report a failed write only here.
+    if (const int copy = dup(temporary.Descriptor()); copy >= 0 && close(copy) != 0) {
+        return CannotWrite(file, std::strerror(errno));
     }
+    TakeModeOf(behind, temporary.Descriptor());
     return temporary.PutInPlace();
 }

@@ -13,19 +13,31 @@ using testing::StartsWith;
 
 constexpr const char* kEndings[] = {"png", "exr", "tif", "jpg"};
 
+struct StoredAs {
+    const char* ending;
+    const char* compression;  ///< empty for the format's own
+};
+
+constexpr StoredAs kStored[] = {{"png", ""},     {"exr", "zip"},      {"exr", "none"}, {"tif", "zip"},
+                                {"tif", "none"}, {"tif", "packbits"}, {"tif", "lzw"},  {"jpg", ""}};
+
+/// Noise, which no format makes small.
+World Noise(int width, int height) {
+    World noise = World::Create(width, height, Depth::k8);
+    unsigned state = 1;
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            state = state * 1664525 + 1013904223;
+            Pixel8(noise, x, y) = {255, static_cast<A_u_char>(state >> 24), static_cast<A_u_char>(state >> 16), 1};
+        }
+    }
+    return noise;
+}
+
 class CliFullDisk : public CliSequence {
  protected:
     CliFullDisk() {
-        // Noise, which no format makes small.
-        World noise = World::Create(200, 200, Depth::k8);
-        unsigned state = 1;
-        for (int y = 0; y < 200; ++y) {
-            for (int x = 0; x < 200; ++x) {
-                state = state * 1664525 + 1013904223;
-                Pixel8(noise, x, y) = {255, static_cast<A_u_char>(state >> 24), static_cast<A_u_char>(state >> 16), 1};
-            }
-        }
-        EXPECT_TRUE(WritePicture(folder_ / "in.2.png", noise, {{0, 0, 200, 200}, 200, 200}));
+        EXPECT_TRUE(WritePicture(folder_ / "in.2.png", Noise(200, 200), {{0, 0, 200, 200}, 200, 200}));
         std::filesystem::create_directory(folder_ / "disk");
     }
     /// The program's command line for a shell, with its outputs in files.
@@ -39,10 +51,10 @@ class CliFullDisk : public CliSequence {
         const int status = std::system(("cd " + Quoted(folder_.Path().string()) + " && " + script).c_str());
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
-    /// A shell that sees a disk of 16 KiB in the folder "disk"; nothing outside of it does. Empty, with the reason in
-    /// `whyNot`, where this user may not have one.
-    std::string OnSmallDisk(const std::string& script) {
-        const std::string mount = "mount -t tmpfs -o size=16k tmpfs disk";
+    /// A shell that sees a disk of this size in the folder "disk"; nothing outside of it does. Empty, with the reason
+    /// in `whyNot`, where this user may not have one.
+    std::string OnSmallDisk(const std::string& script, std::uintmax_t bytes = 16384) {
+        const std::string mount = "mount -t tmpfs -o size=" + std::to_string(bytes) + " tmpfs disk";
         for (const char* shell : {"unshare -m bash -c ", "unshare -rm bash -c "}) {
             if (Bash(shell + Quoted(mount) + " 2>why.txt") == 0) return shell + Quoted(mount + " && " + script);
         }
@@ -84,6 +96,28 @@ TEST_F(CliFullDisk, WithoutKeepGoingItEndsWithThree) {
     }
     const std::string many = OnSmallDisk(Command("disk/full.@.png", {"--frames", "2-3", "--threads", "1"}));
     EXPECT_EQ(Bash(many), 3);
+}
+
+// The pixels fill the disk to its last page, so that only what a format writes at its end does not fit.
+TEST_F(CliFullDisk, AFileWhoseEndDoesNotFitIsNoFile) {
+    ASSERT_TRUE(WritePicture(folder_ / "pages.png", Noise(128, 64), {{0, 0, 128, 64}, 128, 64}));
+    for (const StoredAs& row : kStored) {
+        SCOPED_TRACE(std::string(row.ending) + " " + row.compression);
+        std::vector<std::string> more = {"--canvas", "layer"};
+        if (*row.compression) more.insert(more.end(), {"--compression", row.compression});
+        const std::string name = std::string("whole.") + row.ending;
+        ASSERT_EQ(Bash(Command(name, more, "pages.png")), 0) << ReadBytes(folder_ / "err.txt");
+        constexpr std::uintmax_t kPage = 4096;
+        const std::uintmax_t pages = (std::filesystem::file_size(folder_ / name) - 1) / kPage;
+        const std::string script = OnSmallDisk(
+            "timeout 300 " + Command("disk/" + name, more, "pages.png") + "; code=$?; ls -A disk >list.txt; exit $code",
+            pages * kPage);
+        if (script.empty()) GTEST_SKIP() << whyNot;
+        EXPECT_EQ(Bash(script), 3) << "124 says that it did not end";
+        EXPECT_EQ(ReadBytes(folder_ / "err.txt"),
+                  "umbrant: cannot write 'disk/" + name + "': No space left on device\n");
+        EXPECT_EQ(ReadBytes(folder_ / "list.txt"), "");
+    }
 }
 
 TEST_F(CliFullDisk, AnOldPictureStays) {

@@ -5,6 +5,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <csignal>
 
 #include "host/image/picture.h"
 #include "tests/host/image/picture_files.h"
@@ -148,6 +151,158 @@ TEST(Metadata, AbsurdSizesAreRefused) {
         EXPECT_EQ(picture.Error().code, ExitCode::kFile);
         EXPECT_THAT(picture.Error().sentence, HasSubstr(row.sentence));
     }
+}
+
+/// A colour profile of a header alone.
+std::vector<unsigned char> Profile(const std::string& colours) {
+    std::vector<unsigned char> bytes(132, 0);
+    const auto put = [&](std::size_t at, const std::string& text) { std::copy(text.begin(), text.end(), &bytes[at]); };
+    bytes[3] = 132;
+    bytes[8] = 2;
+    put(12, "mntr");
+    put(16, colours);
+    put(20, "XYZ ");
+    put(36, "acsp");
+    put(68, std::string("\0\0\xf6\xd6\0\1\0\0\0\0\xd3\x2d", 12));
+    return bytes;
+}
+
+struct ProfileCase {
+    const char* name;
+    std::vector<unsigned char> bytes;
+    const char* reason;  // empty where it is kept
+};
+
+TEST(Metadata, OnlyAProfileThatDescribesThePixelsIsKept) {
+    const auto changed = [](std::size_t at, unsigned char value) {
+        auto bytes = Profile("RGB ");
+        bytes[at] = value;
+        return bytes;
+    };
+    auto odd = Profile("RGB ");
+    odd[8] = 4;
+    odd.resize(133);
+    odd[3] = 133;
+    const ProfileCase rows[] = {
+        {"for RGB", Profile("RGB "), ""},
+        {"for inks", Profile("CMYK"), "it is for 'CMYK', not for RGB"},
+        {"for grey", Profile("GRAY"), "it is for 'GRAY', not for RGB"},
+        {"for Lab", Profile("Lab "), "it is for 'Lab', not for RGB"},
+        {"a wrong length", changed(3, 99), "its length is wrong"},
+        {"an odd length", odd, "its length is wrong"},
+        {"too short", std::vector<unsigned char>(100, 1), "its length is wrong"},
+        {"no signature", changed(36, 'b'), "it is damaged"},
+        {"no connection space", changed(20, 'b'), "it is damaged"},
+        {"tags behind the end", changed(131, 9), "it is damaged"},
+        {"an odd intent", changed(67, 9), "its rendering intent is unknown"},
+        {"another white", changed(71, 0), "its white is not D50"},
+        {"a link between devices", changed(12, 'x'), "it does not describe the colours of an image"},
+        {"a far intent", changed(64, 0xff), "its rendering intent is unknown"},
+    };
+    for (const ProfileCase& row : rows) {
+        SCOPED_TRACE(row.name);
+        const Folder folder;
+        OIIO::ImageSpec layout(3, 2, 3, OIIO::TypeDesc::UINT8);
+        layout.attribute("ICCProfile", OIIO::TypeDesc(OIIO::TypeDesc::UINT8, static_cast<int>(row.bytes.size())),
+                         row.bytes.data());
+        WriteFile(folder / "a.tif", layout, {1, 1, 1});
+        const auto picture = ReadPicture(folder / "a.tif");
+        ASSERT_TRUE(picture);
+        EXPECT_EQ(picture->metadataNote,
+                  *row.reason ? "the colour profile of '" + (folder / "a.tif").string() + "' is left out: " + row.reason
+                              : "");
+        for (const char* name : {"b.png", "b.tif", "b.jpg", "b.exr"}) {
+            SCOPED_TRACE(name);
+            Rewrite(folder / "a.tif", folder / name);
+            const bool kept = std::string(name) == "b.png"
+                                  ? ReadBytes(folder / name).find("iCCP") != std::string::npos
+                                  : ReadRaw(folder / name).layout.find_attribute("ICCProfile") != nullptr;
+            // EXR has no place for one.
+            EXPECT_EQ(kept, !*row.reason && std::string(name) != "b.exr");
+        }
+    }
+}
+
+TEST(Metadata, AProfileIsNotRepeatedAsTexts) {
+    const Folder folder;
+    OIIO::ImageSpec layout(3, 2, 3, OIIO::TypeDesc::UINT8);
+    const auto bytes = Profile("RGB ");
+    layout.attribute("ICCProfile", OIIO::TypeDesc(OIIO::TypeDesc::UINT8, 132), bytes.data());
+    layout.attribute("Copyright", "Ada");
+    WriteFile(folder / "a.tif", layout, {1, 1, 1});
+    Rewrite(folder / "a.tif", folder / "b.png");
+    const std::string png = ReadBytes(folder / "b.png");
+    EXPECT_THAT(png, HasSubstr("iCCP"));
+    EXPECT_THAT(png, HasSubstr("Ada"));
+    EXPECT_THAT(png, testing::Not(HasSubstr("ICCProfile:")));
+}
+
+/// The checksum of a PNG file's chunk.
+unsigned Checksum(const std::string& bytes) {
+    unsigned sum = 0xffffffff;
+    for (const char byte : bytes) {
+        sum ^= static_cast<unsigned char>(byte);
+        for (int i = 0; i < 8; ++i) sum = sum & 1 ? sum >> 1 ^ 0xedb88320 : sum >> 1;
+    }
+    return ~sum;
+}
+
+std::string BigEndian(std::size_t number) {
+    std::string text;
+    for (int shift = 24; shift >= 0; shift -= 8) text += static_cast<char>(number >> shift & 255);
+    return text;
+}
+
+TEST(Metadata, ATextThatIsNamedLikeAProfileIsNone) {
+    const Folder folder;
+    WriteFile(folder / "plain.png", OIIO::ImageSpec(3, 2, 3, OIIO::TypeDesc::UINT8), {1, 1, 1});
+    std::string png = ReadBytes(folder / "plain.png");
+    const std::string text = std::string("tEXtICCProfile") + '\0' + "sRGB";
+    png.insert(33, BigEndian(text.size() - 4) + text + BigEndian(Checksum(text)));  // after the header
+    WriteBytes(folder / "a.png", png);
+    const auto picture = ReadPicture(folder / "a.png");
+    ASSERT_TRUE(picture);
+    EXPECT_EQ(picture->metadataNote,
+              "the colour profile of '" + (folder / "a.png").string() + "' is left out: it is a text");
+    for (const char* name : {"b.png", "b.tif", "b.jpg", "b.exr"}) {
+        SCOPED_TRACE(name);
+        Rewrite(folder / "a.png", folder / name);
+        EXPECT_FALSE(ReadRaw(folder / name).layout.find_attribute("ICCProfile"));
+    }
+}
+
+// A TIFF with a directory of its own for them goes another way to its file.
+TEST(Metadata, ExifGoesIntoATiff) {
+    const Folder folder;
+    OIIO::ImageSpec layout(40, 30, 3, OIIO::TypeDesc::UINT8);
+    layout.attribute("Exif:FocalLength", 50.0f);
+    layout.attribute("compression", "none");
+    WriteFile(folder / "a.tif", layout, {1, 0, 1});
+    Rewrite(folder / "a.tif", folder / "b.tif");
+    EXPECT_EQ(ReadRaw(folder / "b.tif").layout.get_float_attribute("Exif:FocalLength"), 50.0f);
+    EXPECT_EQ(ReadRaw(folder / "b.tif").values[1], 0);
+
+    // Where files may not grow as large, the library is not let to write one that ends too early.
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit small = before;
+    const auto picture = ReadPicture(folder / "a.tif");
+    ASSERT_TRUE(picture);
+    WriteOptions options;
+    options.metadata = picture->metadata;
+    small.rlim_cur = 4096;
+    setrlimit(RLIMIT_FSIZE, &small);
+    const auto refused = WritePicture(folder / "c.tif", picture->pixels, {{0, 0, 40, 30}, 40, 30}, options);
+    small.rlim_cur = 65536;
+    setrlimit(RLIMIT_FSIZE, &small);
+    const auto written = WritePicture(folder / "c.tif", picture->pixels, {{0, 0, 40, 30}, 40, 30}, options);
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    ASSERT_FALSE(refused);
+    EXPECT_THAT(refused.Error().sentence, HasSubstr("': File too large"));
+    ASSERT_TRUE(written) << written.Error().sentence;
+    EXPECT_EQ(ReadRaw(folder / "c.tif").layout.get_float_attribute("Exif:FocalLength"), 50.0f);
 }
 
 }  // namespace

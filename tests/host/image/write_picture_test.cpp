@@ -5,8 +5,14 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
+#include <chrono>
 #include <cmath>
+#include <cstdlib>
+#include <ctime>
+#include <optional>
+#include <thread>
 
 #include "host/image/picture.h"
 #include "tests/host/image/picture_files.h"
@@ -160,6 +166,8 @@ TEST(WritePicture, WhatCannotBeWrittenIsSaidAndLeavesNothing) {
     WriteBytes(folder / "file", "x");
     const std::string formats = "use .png, .tif, .tiff, .exr, .jpg or .jpeg";
     ExpectRefused(folder / "a.gif", "'.gif' is not a format that can be written; " + formats);
+    ExpectRefused(folder / "a.gif",
+                  "; for an animation write a clip, .mov, .mkv or .webm, which `ffmpeg -i clip.mov clip.gif` converts");
     ExpectRefused(folder / "picture", "its name has no extension; " + formats);
     ExpectRefused("", "the output's name is empty");
     ExpectRefused(folder / "folder.png", "there is a folder of that name");
@@ -167,6 +175,194 @@ TEST(WritePicture, WhatCannotBeWrittenIsSaidAndLeavesNothing) {
     ExpectRefused(folder / "file/a.png", "");
     ExpectRefused("/proc/umbrant.png", "", false);
     EXPECT_EQ(folder.Entries(), 2);
+}
+
+constexpr const char* kNames[] = {"a.png", "a.tif", "a.exr", "a.jpg"};
+
+/// Sets a variable of the environment until it goes; no value unsets it.
+class Variable {
+ public:
+    Variable(const char* name, const char* value) : name_(name) {
+        if (const char* before = std::getenv(name)) before_ = before;
+        Set(value);
+    }
+    ~Variable() { Set(before_ ? before_->c_str() : nullptr); }
+    Variable(const Variable&) = delete;
+    Variable& operator=(const Variable&) = delete;
+
+ private:
+    void Set(const char* value) {
+        if (value) {
+            setenv(name_, value, 1);
+        } else {
+            unsetenv(name_);
+        }
+    }
+    const char* name_;
+    std::optional<std::string> before_;
+};
+
+/// Dates in files have seconds.
+void WaitForAnotherSecond() {
+    const std::time_t now = std::time(nullptr);
+    while (std::time(nullptr) == now) std::this_thread::sleep_for(std::chrono::milliseconds(20));
+}
+
+TEST(WritePicture, AnotherTimeGivesTheSameBytes) {
+    const Variable none("SOURCE_DATE_EPOCH", nullptr);
+    const Folder folder;
+    const World eight = Filled8(9, 7, {255, 1, 2, 3});
+    const World real = FilledFloat(9, 7, {1, 0.5f, 0.25f, 0});
+    std::vector<std::string> first;
+    for (int round = 0; round < 2; ++round) {
+        if (round > 0) WaitForAnotherSecond();
+        std::size_t i = 0;
+        for (const World* world : {&eight, &real}) {
+            for (const char* name : kNames) {
+                SCOPED_TRACE(name);
+                ASSERT_TRUE(WritePicture(folder / name, *world, Frame(9, 7)));
+                EXPECT_EQ(ReadRaw(folder / name).layout.get_string_attribute("DateTime"), "");
+                if (round == 0) first.push_back(ReadBytes(folder / name));
+                EXPECT_TRUE(ReadBytes(folder / name) == first[i++]);
+            }
+        }
+    }
+}
+
+TEST(WritePicture, TheDateIsTheInputsOrTheEnvironments) {
+    const Folder folder;
+    OIIO::ImageSpec layout(3, 2, 3, OIIO::TypeDesc::UINT8);
+    layout.attribute("DateTime", "2001:02:03 04:05:06");
+    WriteFile(folder / "dated.tif", layout, {0, 0, 0});
+    const auto dated = ReadPicture(folder / "dated.tif");
+    ASSERT_TRUE(dated);
+    const Variable epoch("SOURCE_DATE_EPOCH", "1000000000");
+    for (const char* name : kNames) {
+        SCOPED_TRACE(name);
+        WriteOptions options;
+        ASSERT_TRUE(WritePicture(folder / name, dated->pixels, Frame(3, 2), options));
+        EXPECT_EQ(ReadRaw(folder / name).layout.get_string_attribute("DateTime"), "2001:09:09 01:46:40");
+        options.metadata = dated->metadata;
+        ASSERT_TRUE(WritePicture(folder / name, dated->pixels, Frame(3, 2), options));
+        EXPECT_EQ(ReadRaw(folder / name).layout.get_string_attribute("DateTime"), "2001:02:03 04:05:06");
+    }
+    const Variable wrong("SOURCE_DATE_EPOCH", "yesterday");
+    ASSERT_TRUE(WritePicture(folder / "a.tif", dated->pixels, Frame(3, 2)));
+    EXPECT_EQ(ReadRaw(folder / "a.tif").layout.get_string_attribute("DateTime"), "");
+}
+
+TEST(WritePicture, PngHoldsWhereItBegins) {
+    const Folder folder;
+    const World world = Filled8(9, 7, {255, 1, 2, 3});
+    ASSERT_TRUE(WritePicture(folder / "a.png", world, {{-62, -61, -53, -54}, 5, 4}));
+    const OIIO::ImageSpec raw = ReadRaw(folder / "a.png").layout;
+    EXPECT_EQ(raw.x, -62);
+    EXPECT_EQ(raw.y, -61);
+    // Read again, it is a layer whose corner has that place, from which the next image's is counted.
+    const auto layer = ReadPicture(folder / "a.png");
+    ASSERT_TRUE(layer);
+    EXPECT_EQ(layer->frameOrigin.x, -62);
+    EXPECT_EQ(layer->frameOrigin.y, -61);
+    EXPECT_EQ(layer->window.left, 0);
+    EXPECT_EQ(layer->window.right, 9);
+    EXPECT_EQ(layer->frameWidth, 9);
+    for (const char* name : {"b.png", "b.exr"}) {
+        SCOPED_TRACE(name);
+        ASSERT_TRUE(WritePicture(folder / name, world, {{-3, -2, 6, 5}, 9, 7, layer->frameOrigin}));
+        const OIIO::ImageSpec back = ReadRaw(folder / name).layout;
+        EXPECT_EQ(back.x, -65);
+        EXPECT_EQ(back.y, -63);
+    }
+}
+
+TEST(WritePicture, AReplacedFileKeepsItsModeAndALinkItsPlace) {
+    const Folder folder;
+    const World world = Filled8(2, 2, {255, 1, 2, 3});
+    namespace fs = std::filesystem;
+    fs::create_directory(folder / "far");
+    WriteBytes(folder / "far/a.png", "old");
+    fs::permissions(folder / "far/a.png", fs::perms::owner_read | fs::perms::owner_write | fs::perms::others_read);
+    fs::create_symlink("far/a.png", folder / "near.png");
+    fs::create_symlink("near.png", folder / "nearer.png");
+    fs::create_symlink("far/new.png", folder / "dangling.png");
+    ASSERT_TRUE(WritePicture(folder / "nearer.png", world, Frame(2, 2)));
+    EXPECT_TRUE(fs::is_symlink(folder / "near.png"));
+    EXPECT_TRUE(fs::is_symlink(folder / "nearer.png"));
+    EXPECT_TRUE(ReadPicture(folder / "far/a.png"));
+    EXPECT_EQ(fs::status(folder / "far/a.png").permissions(),
+              fs::perms::owner_read | fs::perms::owner_write | fs::perms::others_read);
+    ASSERT_TRUE(WritePicture(folder / "dangling.png", world, Frame(2, 2)));
+    EXPECT_TRUE(ReadPicture(folder / "far/new.png"));
+    EXPECT_TRUE(fs::is_symlink(folder / "dangling.png"));
+    EXPECT_EQ(folder.Entries(), 4);
+}
+
+TEST(WritePicture, WhatIsNoRegularFileIsNotReplaced) {
+    const Folder folder;
+    ASSERT_EQ(mkfifo((folder / "pipe.png").c_str(), 0600), 0);
+    ExpectRefused(folder / "pipe.png", "there is something else than a regular file of that name");
+    std::filesystem::create_symlink("none/a.png", folder / "astray.png");
+    ExpectRefused(folder / "astray.png", "there is no folder '");
+    std::filesystem::create_symlink("circle.png", folder / "circle.png");
+    ExpectRefused(folder / "circle.png", "Too many levels of symbolic links");
+    ExpectRefused(folder / (std::string(300, 'a') + ".png"), "File name too long");
+    EXPECT_EQ(folder.Entries(), 3);
+}
+
+TEST(WritePicture, ChannelsAreStoredAsDeepAsAskedFor) {
+    struct Row {
+        const char* name;
+        const char* depth;
+        OIIO::TypeDesc::BASETYPE type;
+    };
+    const Row rows[] = {
+        {"a.png", "8", OIIO::TypeDesc::UINT8},     {"a.png", "16", OIIO::TypeDesc::UINT16},
+        {"a.tif", "8", OIIO::TypeDesc::UINT8},     {"a.tif", "16", OIIO::TypeDesc::UINT16},
+        {"a.tif", "float", OIIO::TypeDesc::FLOAT}, {"a.exr", "half", OIIO::TypeDesc::HALF},
+        {"a.exr", "float", OIIO::TypeDesc::FLOAT}, {"a.jpg", "8", OIIO::TypeDesc::UINT8},
+    };
+    const World eight = Filled8(2, 2, {255, 255, 128, 0});
+    const World real = FilledFloat(2, 2, {1, 1, 128 / 255.0f, 0});
+    for (const World* world : {&eight, &real}) {
+        for (const Row& row : rows) {
+            SCOPED_TRACE(std::string(row.name) + " " + row.depth);
+            const Folder folder;
+            WriteOptions options;
+            options.depth = FileDepthNamed(row.depth);
+            EXPECT_TRUE(CheckFileDepth(row.name, options.depth));
+            ASSERT_TRUE(WritePicture(folder / row.name, *world, Frame(2, 2), options));
+            const RawFile raw = ReadRaw(folder / row.name);
+            EXPECT_EQ(raw.layout.format, OIIO::TypeDesc(row.type));
+            EXPECT_NEAR(raw.values[1], 128 / 255.0, 0.01);
+        }
+    }
+    const auto refused = CheckFileDepth("a.jpg", FileDepth::kHalf);
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.Error().code, ExitCode::kUsage);
+    EXPECT_EQ(refused.Error().sentence, ".jpg has no channels of 'half'; use --output-depth with one of: 8");
+    EXPECT_EQ(CheckFileDepth("a.tif", FileDepth::kHalf).Error().sentence,
+              ".tif has no channels of 'half'; use --output-depth with one of: 8 16 float");
+}
+
+TEST(WritePicture, EncodedIsWhatAFileHolds) {
+    const Folder folder;
+    const World world = Filled8(2, 2, {255, 255, 128, 0});
+    for (const char* format : {"png", "tif", "exr", "jpg"}) {
+        SCOPED_TRACE(format);
+        WriteOptions options;
+        options.format = format;
+        const auto bytes = EncodePicture(world, Frame(2, 2), options);
+        ASSERT_TRUE(bytes) << bytes.Error().sentence;
+        const auto file = folder / (std::string("a.") + format);
+        ASSERT_TRUE(WritePicture(file, world, Frame(2, 2)));
+        EXPECT_TRUE(*bytes == ReadBytes(file));
+    }
+    WriteOptions options;
+    EXPECT_EQ(EncodePicture(world, Frame(2, 2), options).Error().sentence,
+              "standard output has no extension; name its format with --format png, tif, exr or jpg");
+    options.format = "gif";
+    EXPECT_EQ(EncodePicture(world, Frame(2, 2), options).Error().sentence,
+              "'gif' is not a format that can be written; use --format png, tif, exr or jpg");
 }
 
 TEST(WritePicture, AnEmptyPictureIsRefused) {

@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/image/encoded_file.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <new>
+
+namespace {
+
+constexpr std::size_t kBlock = std::size_t{1} << 20;
+
+}  // namespace
+
+bool EncodedFile::seek(int64_t offset) {
+    m_pos = offset;
+    return true;
+}
+
+size_t EncodedFile::write(const void* bytes, size_t size) {
+    const auto* from = static_cast<const std::byte*>(bytes);
+    auto at = static_cast<std::size_t>(m_pos);
+    m_pos += static_cast<int64_t>(size);
+    size_ = std::max(size_, at + size);
+    // The callers are C libraries, which no exception may pass.
+    try {
+        while (blocks_.size() * kBlock < at + size) blocks_.push_back(std::make_unique<std::byte[]>(kBlock));
+    } catch (const std::bad_alloc&) {
+        problem_ = "there is not enough memory for it";
+        return size;
+    }
+    for (std::size_t left = size; left > 0;) {
+        const std::size_t count = std::min(left, kBlock - at % kBlock);
+        std::memcpy(blocks_[at / kBlock].get() + at % kBlock, from, count);
+        from += count;
+        at += count;
+        left -= count;
+    }
+    return size;
+}
+
+size_t EncodedFile::pwrite(const void* bytes, size_t size, int64_t offset) {
+    const int64_t before = m_pos;
+    m_pos = offset;
+    write(bytes, size);
+    m_pos = before;
+    return size;
+}
+
+size_t EncodedFile::read(void* bytes, size_t size) {
+    auto* to = static_cast<std::byte*>(bytes);
+    std::size_t done = 0;
+    while (done < size && static_cast<std::size_t>(m_pos) < std::min(size_, blocks_.size() * kBlock)) {
+        const auto at = static_cast<std::size_t>(m_pos);
+        const std::size_t count = std::min({size - done, size_ - at, kBlock - at % kBlock});
+        std::memcpy(to + done, blocks_[at / kBlock].get() + at % kBlock, count);
+        done += count;
+        m_pos += static_cast<int64_t>(count);
+    }
+    return done;
+}
+
+size_t EncodedFile::pread(void* bytes, size_t size, int64_t offset) {
+    const int64_t before = m_pos;
+    m_pos = offset;
+    const size_t count = read(bytes, size);
+    m_pos = before;
+    return count;
+}
+
+std::optional<std::string> EncodedFile::CopyTo(int descriptor) const {
+    if (problem_) return problem_;
+    for (std::size_t i = 0; i * kBlock < size_; ++i) {
+        const std::size_t count = std::min(kBlock, size_ - i * kBlock);
+        if (auto problem = WriteAll(descriptor, blocks_[i].get(), count)) return problem;
+    }
+    return std::nullopt;
+}
+
+void EncodedFile::CopyFrom(int descriptor) {
+    blocks_.clear();
+    size_ = 0;
+    m_pos = 0;
+    const auto block = std::make_unique<std::byte[]>(kBlock);
+    lseek(descriptor, 0, SEEK_SET);
+    while (!problem_) {
+        const ssize_t count = ::read(descriptor, block.get(), kBlock);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) problem_ = std::strerror(errno);
+        if (count <= 0) return;
+        write(block.get(), static_cast<std::size_t>(count));
+    }
+}
+
+std::optional<std::string> WriteAll(int descriptor, const void* bytes, std::size_t size) {
+    const auto* from = static_cast<const char*>(bytes);
+    while (size > 0) {
+        const ssize_t count = ::write(descriptor, from, size);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return std::strerror(errno);
+        from += count;
+        size -= static_cast<std::size_t>(count);
+    }
+    return std::nullopt;
+}

@@ -1,0 +1,186 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/image/picture_format.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <charconv>
+#include <system_error>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kTiffCompressions = " zip lzw packbits none ";
+constexpr std::string_view kExrCompressions = " zip zips piz rle pxr24 b44 b44a dwaa dwab none ";
+
+constexpr Format Tiff(std::string_view extension) {
+    return {extension,        Form::kStraight, FileDepth::k8,     FileDepth::kFloat,
+            PlaceKind::kNone, "tiff",          kTiffCompressions, " 8 16 float "};
+}
+
+constexpr Format Jpeg(std::string_view extension) {
+    return {extension, Form::kOnWhite, FileDepth::k8, FileDepth::k8, PlaceKind::kNone, "jpeg", "", " 8 "};
+}
+
+constexpr std::array<Format, 6> kFormats = {{
+    {".png", Form::kStraight, FileDepth::k8, FileDepth::k16, PlaceKind::kOffset, "png", "", " 8 16 "},
+    Tiff(".tif"),
+    Tiff(".tiff"),
+    {".exr", Form::kPremultiplied, FileDepth::kHalf, FileDepth::kFloat, PlaceKind::kWindows, "openexr",
+     kExrCompressions, " half float "},
+    Jpeg(".jpg"),
+    Jpeg(".jpeg"),
+}};
+
+std::string Lower(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return text;
+}
+
+/// A number from 1 to 100 after "jpeg:".
+bool IsJpegQuality(std::string_view compression) {
+    constexpr std::string_view kPrefix = "jpeg:";
+    if (!compression.starts_with(kPrefix)) return false;
+    compression.remove_prefix(kPrefix.size());
+    int quality = 0;
+    const char* end = compression.data() + compression.size();
+    const auto [stop, error] = std::from_chars(compression.data(), end, quality);
+    return error == std::errc() && stop == end && quality >= 1 && quality <= 100;
+}
+
+/// Whether a list in spaces has the name.
+bool Lists(std::string_view list, std::string_view name) {
+    return !name.empty() && name.find(' ') == std::string_view::npos &&
+           list.find(" " + std::string(name) + " ") != std::string_view::npos;
+}
+
+std::string_view NameOf(FileDepth depth) {
+    switch (depth) {
+        case FileDepth::kAuto:
+            break;
+        case FileDepth::k8:
+            return "8";
+        case FileDepth::k16:
+            return "16";
+        case FileDepth::kHalf:
+            return "half";
+        case FileDepth::kFloat:
+            return "float";
+    }
+    return "";
+}
+
+Failure UnknownFormat(const fs::path& file) {
+    const std::string extension = Lower(file.extension().string());
+    std::string what = extension.empty() ? "its name has no extension"
+                                         : fmt::format("'{}' is not a format that can be written", extension);
+    what += fmt::format("; use {}", WritableFormats());
+    if (extension == ".gif") {
+        what += "; for an animation write a clip, .mov, .mkv or .webm, which `ffmpeg -i clip.mov clip.gif` converts";
+    }
+    return {ExitCode::kFile, fmt::format("cannot write '{}': {}", file.string(), what)};
+}
+
+Failure UnknownFormatName(const std::string& name) {
+    if (name.empty()) {
+        return {ExitCode::kUsage,
+                "standard output has no extension; name its format with --format png, tif, exr or "
+                "jpg"};
+    }
+    return {ExitCode::kUsage,
+            fmt::format("'{}' is not a format that can be written; use --format png, tif, exr or jpg", name)};
+}
+
+/// The format of an output, or why there is none.
+Result<const Format*> WantedFormat(const fs::path& file, const std::string& name) {
+    if (const Format* format = FormatOf(file, name)) return format;
+    if (file == "-") return UnknownFormatName(name);
+    return UnknownFormat(file);
+}
+
+}  // namespace
+
+const Format* FormatOf(const fs::path& file, const std::string& name) {
+    const std::string extension = file == "-" ? "." + Lower(name) : Lower(file.extension().string());
+    for (const Format& format : kFormats) {
+        if (format.extension == extension) return &format;
+    }
+    return nullptr;
+}
+
+bool HasCompression(const Format& format, std::string_view compression) {
+    if (format.form == Form::kOnWhite) return IsJpegQuality(compression);
+    return Lists(format.compressions, compression);
+}
+
+OIIO::TypeDesc TypeOf(FileDepth depth) {
+    switch (depth) {
+        case FileDepth::kAuto:
+        case FileDepth::k8:
+            return OIIO::TypeDesc::UINT8;
+        case FileDepth::k16:
+            return OIIO::TypeDesc::UINT16;
+        case FileDepth::kHalf:
+            return OIIO::TypeDesc::HALF;
+        case FileDepth::kFloat:
+            return OIIO::TypeDesc::FLOAT;
+    }
+    return OIIO::TypeDesc::UINT8;
+}
+
+std::string WritableFormats() {
+    std::string text;
+    for (std::size_t i = 0; i < kFormats.size(); ++i) {
+        if (i > 0) text += i + 1 == kFormats.size() ? " or " : ", ";
+        text += kFormats[i].extension;
+    }
+    return text;
+}
+
+Result<Done> CheckFormat(const fs::path& file, const std::string& name) {
+    const auto format = WantedFormat(file, name);
+    if (!format) return format.Error();
+    return Done{};
+}
+
+Result<Done> CheckCompression(const fs::path& file, const std::string& compression, const std::string& name) {
+    const auto wanted = WantedFormat(file, name);
+    if (!wanted) return wanted.Error();
+    const Format& format = **wanted;
+    if (HasCompression(format, compression)) return Done{};
+    if (format.form == Form::kOnWhite) {
+        return Failure{ExitCode::kUsage,
+                       fmt::format("'{}' is no compression of {}; use 'jpeg:1' to 'jpeg:100', its quality", compression,
+                                   format.extension)};
+    }
+    if (format.compressions.empty()) {
+        return Failure{ExitCode::kUsage,
+                       fmt::format("{} has one compression only; there is nothing to choose", format.extension)};
+    }
+    return Failure{ExitCode::kUsage,
+                   fmt::format("'{}' is no compression of {}; use one of:{}", compression, format.extension,
+                               format.compressions.substr(0, format.compressions.size() - 1))};
+}
+
+Result<Done> CheckFileDepth(const fs::path& file, FileDepth depth, const std::string& name) {
+    const auto wanted = WantedFormat(file, name);
+    if (!wanted) return wanted.Error();
+    const Format& format = **wanted;
+    if (depth == FileDepth::kAuto || Lists(format.depths, NameOf(depth))) return Done{};
+    return Failure{ExitCode::kUsage,
+                   fmt::format("{} has no channels of '{}'; use --output-depth with one of:{}", format.extension,
+                               NameOf(depth), format.depths.substr(0, format.depths.size() - 1))};
+}
+
+FileDepth FileDepthNamed(const std::string& name) {
+    for (const FileDepth depth : {FileDepth::k8, FileDepth::k16, FileDepth::kHalf, FileDepth::kFloat}) {
+        if (NameOf(depth) == name) return depth;
+    }
+    return FileDepth::kAuto;
+}
