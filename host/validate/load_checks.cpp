@@ -9,13 +9,14 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <fstream>
 #include <memory>
 
 #include "host/validate/module_file.h"
 #include "host/validate/process_memory.h"
+#include "host/validate/processes.h"
 #include "host/validate/stage.h"
+#include "host/validate/timing.h"
 #include "hostapi/registration.h"
 
 namespace {
@@ -151,25 +152,64 @@ void ExportsItsEntriesAlone(Trial& trial) {
     }
 }
 
-double MillisecondsOf(const std::function<void()>& work) {
-    const auto begin = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
+/// One start of the effect in a process of its own, and another in the same process; false when it does not start.
+bool TimeStarts(Trial& trial, std::vector<TimedTry>& cold, std::vector<TimedTry>& warm) {
+    const auto store = [](Trial& part, const std::string& name, const TimedTry& one) {
+        part.Count(name + " elapsed", one.elapsed);
+        part.Count(name + " processor", one.processor);
+        part.Count(name + " stretch", one.pace.stretch);
+        part.Count(name + " slowness", one.pace.slowness);
+    };
+    const CheckResult result = RunPart(trial, {"a start", [&](Trial& part) {
+                                                   const auto start = [&] { Stage stage(part); };
+                                                   store(part, "cold", TimeOf(start));
+                                                   store(part, "warm", TimeOf(start));
+                                               }});
+    for (const Finding& finding : result.findings) trial.Note(finding);
+    const auto read = [&](const std::string& name) {
+        const auto figure = [&](const char* part) {
+            const auto found = result.figures.find(name + part);
+            return found == result.figures.end() ? 0.0 : found->second;
+        };
+        return TimedTry{figure(" elapsed"), figure(" processor"), {figure(" stretch"), figure(" slowness")}};
+    };
+    cold.push_back(read("cold"));
+    warm.push_back(read("warm"));
+    return !trial.Failed();
+}
+
+double BestOf(const std::vector<TimedTry>& tries) {
+    const auto faster = [](const TimedTry& a, const TimedTry& b) { return a.elapsed < b.elapsed; };
+    return std::min_element(tries.begin(), tries.end(), faster)->elapsed;
 }
 
 void StartsSwiftly(Trial& trial) {
     constexpr double kCold = 1000, kWarm = 100;
-    double cold = 0;
-    cold = MillisecondsOf([&] { Stage stage(trial); });
-    const double warm = MillisecondsOf([&] { Stage stage(trial); });
-    trial.Count("cold start, ms", cold);
-    trial.Count("warm start, ms", warm);
-    if (cold > kCold) {
-        trial.Fail(fmt::format("loading and set-up took more than {:.0f} ms: {:.0f} ms", kCold, cold));
+    constexpr std::size_t kMostTries = 7;
+    std::vector<TimedTry> cold, warm;
+    Claim coldClaim = Claim::kUnclear, warmClaim = Claim::kUnclear;
+    const auto isOpen = [&] { return coldClaim == Claim::kUnclear || warmClaim == Claim::kUnclear; };
+    while (isOpen() && cold.size() < kMostTries) {
+        if (!TimeStarts(trial, cold, warm)) return;
+        coldClaim = JudgeLimit(cold, kCold);
+        warmClaim = JudgeLimit(warm, kWarm);
     }
-    if (warm > kWarm) {
-        const std::string text = fmt::format("a second set-up took more than {:.0f} ms: {:.0f} ms", kWarm, warm);
-        trial.Options().softwareGl ? trial.Warn(text + ", with OpenGL drawn by the processor") : trial.Fail(text);
+    // There the second set-up is no more than a warning, which needs no certainty.
+    if (trial.Options().softwareGl && warmClaim == Claim::kUnclear) warmClaim = Claim::kFails;
+    trial.Count("cold start, ms", BestOf(cold));
+    trial.Count("warm start, ms", BestOf(warm));
+    const auto coldText =
+        fmt::format("loading and set-up took more than {:.0f} ms: at best {:.0f} ms", kCold, BestOf(cold));
+    const auto warmText =
+        fmt::format("a second set-up took more than {:.0f} ms: at best {:.0f} ms", kWarm, BestOf(warm));
+    if (coldClaim == Claim::kFails) trial.Fail(coldText);
+    if (warmClaim == Claim::kFails) {
+        trial.Options().softwareGl ? trial.Warn(warmText + ", with OpenGL drawn by the processor")
+                                   : trial.Fail(warmText);
+    }
+    if (isOpen()) {
+        trial.Skip(NotMeasured((coldClaim == Claim::kUnclear ? coldText : warmText) +
+                               ", but other programs took part of that time"));
     }
 }
 
@@ -246,7 +286,7 @@ std::vector<Check> LoadChecks() {
         {"1.1", "it loads with every symbol found, and has both entries", LoadsWithBothEntries},
         {"1.2", "it registers one effect of this interface, and hands back the host's refusal", RegistersOnce},
         {"1.3", "it exports its entries and nothing else", ExportsItsEntriesAlone},
-        {"1.4", "it is ready within a second, and within a tenth when loaded again", StartsSwiftly, Needs::kQuiet},
+        {"1.4", "it is ready within a second, and within a tenth when loaded again", StartsSwiftly, Needs::kQuiet, 2},
         {"1.5", "loading and unloading leaves no text, file or thread behind", LoadsWithoutATrace},
     };
 }

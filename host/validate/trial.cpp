@@ -63,6 +63,10 @@ std::string FaultPlan::Text() const {
     return callee + ":" + std::to_string(call) + ":" + std::to_string(error);
 }
 
+std::string NotMeasured(const std::string& what) {
+    return "could not be measured on this machine: " + what;
+}
+
 Trial::Trial(const TrialOptions& options) : options_(options), random_(options.seed) {}
 
 int Trial::Draw(int low, int high) {
@@ -96,7 +100,8 @@ void Trial::FailAndEnd(const std::string& text) {
 
 void Trial::Skip(const std::string& reason) {
     result_.skipReason = reason;
-    if (result_.verdict == Verdict::kPass) result_.verdict = Verdict::kSkip;
+    // Warnings do not make up for what was not looked at; they are reported all the same.
+    if (!Failed()) result_.verdict = Verdict::kSkip;
     throw TrialOver();
 }
 
@@ -119,7 +124,7 @@ CheckResult Trial::Result() const {
 void Trial::Merge(const CheckResult& part) {
     for (const Finding& finding : part.findings) Note(finding);
     for (const auto& [figure, amount] : part.figures) result_.figures[figure] += amount;
-    if (part.verdict == Verdict::kSkip && result_.verdict == Verdict::kPass) {
+    if (part.verdict == Verdict::kSkip && !Failed()) {
         result_.verdict = Verdict::kSkip;
         result_.skipReason = part.skipReason;
     }

@@ -65,6 +65,9 @@ struct TrialOptions {
     bool softwareGl = false;  ///< what that said
 };
 
+/// The reason of a skip for what this machine, at this moment, gives no sure answer to.
+std::string NotMeasured(const std::string& what);
+
 /// Thrown to end a check early, after what it found was noted.
 struct TrialOver {};
 

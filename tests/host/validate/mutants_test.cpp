@@ -5,14 +5,19 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 
+#include <csignal>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "tests/host/cli/program.h"
 
 namespace {
 
+using ::testing::AnyOf;
+using ::testing::ContainsRegex;
 using ::testing::HasSubstr;
 
 /// A wrong module, the check that must fail it, and words of the finding.
@@ -123,11 +128,14 @@ std::string ExactId(const std::string& id) {
     return "^" + escaped + " ";
 }
 
+/// A limit that a machine ten times slower keeps, in milliseconds.
+constexpr const char* kPatient = "300000";
+
 /// Short limits where the wrong module hangs on purpose.
 std::vector<std::string> Arguments(const std::string& module, const std::string& check) {
-    const bool slow = check == "8.3" || check == "10.1" || check == "10.2" || check == "7.1";
-    return {"validate",     TestModule(module),      "--strictness",   "10", "--include", ExactId(check),
-            "--timeout-ms", slow ? "20000" : "6000", "--soak-seconds", "2"};
+    const bool hangs = module == "JudgedHangs" || module == "JudgedLoopsOnHuge";
+    return {"validate",     TestModule(module),        "--strictness",   "10", "--include", ExactId(check),
+            "--timeout-ms", hangs ? "6000" : kPatient, "--soak-seconds", "2"};
 }
 
 /// Under a sanitizer wrong modules end by its report instead of by what the judge says about them.
@@ -170,10 +178,64 @@ TEST(Judge, HasAMutantForEveryCheck) {
 
 TEST(Judge, PassesTheRightModuleOnEveryLevel) {
     const Folder folder;
-    const Outcome run =
-        RunUmbrant(folder, {"validate", TestModule("JudgedNone"), "--strictness", "10", "--soak-seconds", "2"});
+    const Outcome run = RunUmbrant(folder, {"validate", TestModule("JudgedNone"), "--strictness", "10",
+                                            "--soak-seconds", "2", "--timeout-ms", kPatient});
     EXPECT_EQ(run.code, 0) << run.out << run.err;
     EXPECT_THAT(run.out, HasSubstr(" 0 failed, "));
+}
+
+/// Programs that compute without end, to keep the machine busy.
+class Load {
+ public:
+    explicit Load(int count) {
+        for (int i = 0; i < count; ++i) {
+            const pid_t child = fork();
+            if (child == 0) {
+                prctl(PR_SET_PDEATHSIG, SIGKILL);
+                volatile unsigned turns = 0;
+                for (;;) turns = turns + 1;
+            }
+            if (child > 0) children_.push_back(child);
+        }
+    }
+    ~Load() {
+        for (const pid_t child : children_) kill(child, SIGKILL);
+        for (const pid_t child : children_) waitpid(child, nullptr, 0);
+    }
+    Load(const Load&) = delete;
+    Load& operator=(const Load&) = delete;
+
+ private:
+    std::vector<pid_t> children_;
+};
+
+Outcome Time(const std::string& module) {
+    const Folder folder;
+    return RunUmbrant(folder, Arguments(module, "10.2"));
+}
+
+TEST(Judge, WaitingIsNotTakenForWork) {
+    const Outcome run = Time("JudgedWaits");
+    EXPECT_EQ(run.code, 0) << run.out;
+    EXPECT_THAT(run.out, HasSubstr(" 0 failed, "));
+}
+
+TEST(Judge, TimesThatDoNotAgreeAreReportedAsNotMeasured) {
+    const Outcome run = Time("JudgedUnsteady");
+    EXPECT_EQ(run.code, 0) << run.out;
+    EXPECT_THAT(run.out, ContainsRegex("skip     10.2[^\n]*\n +could not be measured on this machine: look/steps from "
+                                       "8 to 32: 4 times the work takes [0-9.]+ to [0-9.]+ times the time"));
+    EXPECT_THAT(run.out, HasSubstr("0 failed, 1 skipped, 0 waived"));
+}
+
+TEST(Judge, ABusyMachineRaisesNoFalseAlarm) {
+    const Load load(4);
+    const Outcome right = Time("JudgedNone");
+    EXPECT_EQ(right.code, 0) << right.out;
+    EXPECT_THAT(right.out, HasSubstr(" 0 failed, "));
+    const Outcome wrong = Time("JudgedSlowsDown");
+    EXPECT_THAT(wrong.out, AnyOf(HasSubstr("fail: look/steps from 8 to 32: 4 times the work takes"),
+                                 HasSubstr("could not be measured on this machine: look/steps from 8 to 32")));
 }
 
 }  // namespace

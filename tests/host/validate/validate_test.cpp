@@ -238,7 +238,7 @@ TEST(Validate, RepeatsWithOtherSeeds) {
 /// The module of this project on the levels that every build runs.
 TEST(Validate, PassesThisProjectsModule) {
     const Folder folder;
-    const Outcome run = RunUmbrant(folder, {"validate", UMBRANT_MODULE_FILE});
+    const Outcome run = RunUmbrant(folder, {"validate", UMBRANT_MODULE_FILE, "--timeout-ms", "300000"});
     EXPECT_EQ(run.code, 0) << run.out << run.err;
     EXPECT_THAT(run.out, Not(HasSubstr("crash:")));
 }

@@ -111,6 +111,9 @@ enum class Mutant {
     kGrowsPerFrame,
     kSlowsDown,
     kCrashesLate,
+    // Right, but hard to measure
+    kWaits,     ///< frames with many steps are kept waiting, as by a busy machine
+    kUnsteady,  ///< the same work takes now more and now less time
 };
 
 /// The fault of this module; defined by the one source that is its own.

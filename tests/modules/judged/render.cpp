@@ -138,6 +138,16 @@ void Work(A_long steps) {
     for (A_long i = 0; i < rounds * 4; ++i) sink = sink + i;
 }
 
+/// The steps of a frame. The unsteady effect takes 8 times as many every other time that it is asked for 32.
+A_long PacedSteps(A_long steps) {
+    if (Is(Mutant::kWaits) && steps >= 16) std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    static A_long last = 0, changes = 0;
+    if (!Is(Mutant::kUnsteady)) return steps;
+    if (steps != last && steps == 32) ++changes;
+    last = steps;
+    return steps == 32 && changes % 2 == 1 ? steps * 8 : steps;
+}
+
 /// The faults that show in single pixels.
 template <typename Pixel>
 void Spoil(const PF_EffectWorld& output, const Look& look, PF_InData* in) {
@@ -177,6 +187,7 @@ void CopyLayer(const PF_EffectWorld& input, const PF_EffectWorld& output, const 
     const PF_LRect to{output.origin_x, output.origin_y, output.origin_x + output.width,
                       output.origin_y + output.height};
     const PF_LRect both = Intersection(from, to);
+    const A_long steps = PacedSteps(look.steps);
     for (A_long y = both.top; y < both.bottom; ++y) {
         const Pixel* source = RowOf<Pixel>(input, y - input.origin_y);
         Pixel* target = RowOf<Pixel>(output, y - output.origin_y);
@@ -189,7 +200,7 @@ void CopyLayer(const PF_EffectWorld& input, const PF_EffectWorld& output, const 
             }
             pixel.alpha = Scaled<Pixel>(pixel.alpha, scratch[static_cast<std::size_t>(x - to.left)]);
             target[x - to.left] = pixel;
-            Work(look.steps);
+            Work(steps);
         }
     }
 }
