@@ -114,6 +114,7 @@ Result<ExitCode> Validate(ValidateOptions options) {
     }
     const auto outcomes = RunChecks(options.run, Print);
     if (!outcomes) return outcomes.Error();
+    if (outcomes->front().result.isNoModule) return ExitCode::kModule;
     return TotalsOf(*outcomes).failed > 0 ? ExitCode::kEffectFailed : ExitCode::kDone;
 }
 

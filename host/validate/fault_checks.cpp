@@ -169,9 +169,9 @@ void LivesBesideAnother(Trial& trial) {
 std::vector<Check> FaultChecks() {
     return {
         {"7.1", "an error or interrupt of the host is handed back, and everything is given back", HandsErrorsBack,
-         Needs::kNothing, 10},
-        {"7.2", "it survives the lack of any suite", StandsMissingSuites, Needs::kNothing, 4},
-        {"7.3", "it survives the host's want of memory", StandsWantOfMemory, Needs::kNothing, 2},
+         Needs::kNothing, 10, true},
+        {"7.2", "it survives the lack of any suite", StandsMissingSuites, Needs::kNothing, 4, true},
+        {"7.3", "it survives the host's want of memory", StandsWantOfMemory, Needs::kNothing, 2, true},
         {"7.6", "a second copy of the module beside it changes nothing", LivesBesideAnother},
     };
 }

@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 #include <sys/mman.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <cstring>
@@ -216,6 +217,7 @@ std::vector<Job> CountCalls(Trial& trial, const FaultRules& rules) {
         const auto scenario = static_cast<std::size_t>(std::stoul(rest.substr(0, space)));
         const std::string callee = rest.substr(space + 1);
         if (!rules.isMeant(callee)) continue;
+        if (trial.Options().fault) trial.NoteCall(callee, static_cast<int>(count));
         for (const PF_Err error : rules.errors) {
             for (int call = 1; call <= static_cast<int>(count); ++call)
                 jobs.push_back({scenario, {callee, call, error}});
@@ -280,6 +282,15 @@ bool GivesBack(const std::string& callee) {
     return false;
 }
 
+std::string ClosestCall(const std::string& name, const std::vector<std::string>& callees) {
+    const auto distance = [&](const std::string& callee) {
+        return std::min(EditDistance(name, callee), EditDistance(name, callee.substr(callee.find_last_of(".:") + 1)));
+    };
+    const auto closest = std::min_element(callees.begin(), callees.end(),
+                                          [&](const auto& a, const auto& b) { return distance(a) < distance(b); });
+    return closest == callees.end() ? std::string() : *closest;
+}
+
 bool ReturnsNoError(const std::string& callee) {
     for (const char* word : {"host_", "ANSI", "ansi", "IsEqual"}) {
         if (callee.find(word) != std::string::npos) return true;
@@ -287,13 +298,20 @@ bool ReturnsNoError(const std::string& callee) {
     return false;
 }
 
+/// Leaves the jobs of one fault, with the error that it asks for. A suite lent as null is no error among others.
+void KeepOnly(const FaultPlan& one, const FaultRules& rules, std::vector<Job>& jobs) {
+    const bool isUsual = std::find(rules.errors.begin(), rules.errors.end(), one.error) != rules.errors.end();
+    const bool isSpecial = one.error == kLendNothing || rules.errors.front() == kLendNothing;
+    const PF_Err replaced = isUsual || isSpecial ? one.error : rules.errors.front();
+    std::erase_if(jobs, [&](const Job& job) {
+        return job.plan.callee != one.callee || job.plan.call != one.call || job.plan.error != replaced;
+    });
+    for (Job& job : jobs) job.plan.error = one.error;
+}
+
 void InjectFaults(Trial& trial, const FaultRules& rules) {
     std::vector<Job> jobs = CountCalls(trial, rules);
-    if (const auto& one = trial.Options().fault) {
-        std::erase_if(jobs, [&](const Job& job) {
-            return job.plan.callee != one->callee || job.plan.call != one->call || job.plan.error != one->error;
-        });
-    }
+    if (const auto& one = trial.Options().fault) KeepOnly(*one, rules, jobs);
     // Batches side by side; a batch that ends early hands its rest to a new one.
     std::deque<std::vector<Job>> waiting;
     for (std::size_t first = 0; first < jobs.size(); first += kBatch) {

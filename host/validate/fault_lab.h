@@ -41,5 +41,7 @@ void InjectFaults(Trial& trial, const FaultRules& rules);
 
 /// Calls by which an effect gives back what it has; they are allowed after a refusal, and may be refused without harm.
 bool GivesBack(const std::string& callee);
+/// Of these callees the one that is most like a name, of which the suite may be left out; empty when there are none.
+std::string ClosestCall(const std::string& name, const std::vector<std::string>& callees);
 /// Calls whose result is no error code.
 bool ReturnsNoError(const std::string& callee);

@@ -37,14 +37,16 @@ Library Load(Trial& trial) {
     Library library(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL));
     if (!library) {
         const char* reason = dlerror();
-        trial.FailAndEnd(fmt::format("it cannot be loaded: {}", reason ? reason : "no reason given"));
+        trial.FailAsNoModule(fmt::format("it cannot be loaded: {}", reason ? reason : "no reason given"));
     }
     return library;
 }
 
 RegistrationFunction RegistrationOf(Trial& trial, void* library) {
     const auto entry = reinterpret_cast<RegistrationFunction>(dlsym(library, kRegistrationExport));
-    if (!entry) trial.FailAndEnd(fmt::format("it does not export {}", kRegistrationExport));
+    if (!entry) {
+        trial.FailAsNoModule(fmt::format("it does not export {}, as an effect module does", kRegistrationExport));
+    }
     return entry;
 }
 

@@ -45,7 +45,9 @@ json ToJson(const CheckResult& result) {
     return {{"verdict", VerdictName(result.verdict)},
             {"findings", std::move(findings)},
             {"skip", result.skipReason},
-            {"figures", result.figures}};
+            {"figures", result.figures},
+            {"noModule", result.isNoModule},
+            {"calls", result.calls}};
 }
 
 CheckResult FromJson(const json& object) {
@@ -57,6 +59,8 @@ CheckResult FromJson(const json& object) {
     }
     result.skipReason = object.at("skip");
     for (const auto& [name, amount] : object.at("figures").items()) result.figures[name] = amount;
+    result.isNoModule = object.at("noModule");
+    for (const auto& [callee, times] : object.at("calls").items()) result.calls[callee] = times;
     return result;
 }
 

@@ -12,6 +12,7 @@
 #include <map>
 
 #include "host/session/effect_session.h"
+#include "host/validate/fault_lab.h"
 #include "host/validate/process_memory.h"
 #include "host/validate/processes.h"
 #include "host/validate/trace.h"
@@ -182,6 +183,57 @@ bool ProbeSoftware(const TrialOptions& options) {
     return ResultOf(children[0], kProbe).figures.contains("software");
 }
 
+/// What check 1.1 says about the file, chosen or not: without a module no other check has a subject.
+CheckOutcome JudgeFile(const TrialOptions& options) {
+    CheckOutcome outcome;
+    outcome.check = &AllChecks().front();
+    outcome.seed = options.seed;
+    const auto begin = std::chrono::steady_clock::now();
+    if (options.inProcess) {
+        outcome.result = RunToEnd(outcome.check->run, options);
+    } else {
+        std::vector<Child> children;
+        children.push_back(
+            StartProgram(ChildArguments(outcome.check->id, options), {}, OutputFile(-2), options.timeoutMilliseconds));
+        if (children[0].process < 0) return outcome;
+        WaitForOne(children);
+        std::filesystem::remove(children[0].output);
+        outcome.result = ResultOf(children[0], outcome.check->id);
+    }
+    outcome.milliseconds = MillisecondsSince(begin);
+    return outcome;
+}
+
+bool TakesFaults(const Check* check) {
+    return check->takesFaults;
+}
+
+/// A check that had no use for the fault that was asked for did not pass.
+void NoteUnused(const FaultPlan& fault, CheckOutcome& outcome) {
+    const bool was = outcome.result.figures.contains("faults");
+    if (!TakesFaults(outcome.check) || was || outcome.result.verdict != Verdict::kPass) return;
+    outcome.result.verdict = Verdict::kSkip;
+    outcome.result.skipReason = fmt::format("the fault '{}' was not reached", fault.Text());
+}
+
+/// What is wrong with a fault that no check reached.
+Failure Unreached(const FaultPlan& fault, const std::vector<CheckOutcome>& outcomes) {
+    std::map<std::string, int> calls;
+    for (const CheckOutcome& outcome : outcomes) {
+        for (const auto& [callee, times] : outcome.result.calls) calls[callee] = std::max(calls[callee], times);
+    }
+    std::vector<std::string> names;
+    for (const auto& [callee, times] : calls) names.push_back(callee);
+    std::string reason = "the module makes no call that these checks refuse";
+    if (const auto same = calls.find(fault.callee); same != calls.end()) {
+        reason = fmt::format("that call came {} times at most; K from 1 to {} would work", same->second, same->second);
+    } else if (const auto closest = ClosestCall(fault.callee, names); !closest.empty()) {
+        reason =
+            fmt::format("there was no such call; the closest is '{}', with K from 1 to {}", closest, calls[closest]);
+    }
+    return {ExitCode::kUsage, fmt::format("--fault '{}': {}", fault.Text(), reason)};
+}
+
 Result<std::regex> Expression(const std::string& text, const char* option) {
     try {
         return std::regex(text);
@@ -242,11 +294,29 @@ Result<std::vector<CheckOutcome>> RunChecks(const RunOptions& asked, void (*prin
         if (!read) return read.Error();
         waivers = std::move(*read);
     }
+    if (options.trial.fault && std::none_of(chosen->begin(), chosen->end(), TakesFaults)) {
+        return Failure{ExitCode::kUsage,
+                       fmt::format("--fault '{}': no check is chosen that refuses host calls (7.1, 7.2, 7.3 and 9.6); "
+                                   "--strictness 7 chooses three of them",
+                                   options.trial.fault->Text())};
+    }
     if (!options.trial.trace.empty() && !BeginTrace(options.trial.trace)) {
         return Failure{ExitCode::kFile, fmt::format("cannot write the trace '{}'", options.trial.trace.string())};
     }
 
     std::vector<CheckOutcome> outcomes;
+    const auto report = [&] {
+        if (!options.trial.trace.empty()) EndTrace(options.trial.trace);
+        if (options.report == "text") print(TextSummary(outcomes));
+        if (options.report == "json") print(JsonOf(options, outcomes));
+        if (options.report == "junit") print(JunitOf(options, outcomes));
+    };
+    if (const CheckOutcome file = JudgeFile(options.trial); file.result.isNoModule) {
+        outcomes.push_back(file);
+        if (options.report == "text") print(TextOf(options, file));
+        report();
+        return outcomes;
+    }
     for (const Check* check : *chosen) {
         CheckOutcome outcome;
         outcome.check = check;
@@ -256,6 +326,7 @@ Result<std::vector<CheckOutcome>> RunChecks(const RunOptions& asked, void (*prin
     InOrder order(outcomes.size(), options.repeat, [&](std::size_t place) {
         CheckOutcome& outcome = outcomes[place];
         ApplyWaivers(*outcome.check, outcome.result, waivers);
+        if (options.trial.fault) NoteUnused(*options.trial.fault, outcome);
         // One fault alone, or a check that was skipped, says nothing about what the others would have found.
         if (!options.trial.fault && outcome.result.verdict != Verdict::kSkip) {
             for (const Finding& finding : UnusedWaivers(*outcome.check, waivers)) {
@@ -285,10 +356,12 @@ Result<std::vector<CheckOutcome>> RunChecks(const RunOptions& asked, void (*prin
     } else {
         Scheduler(outcomes, [&](std::size_t place) { order.Ended(place); }).Run(jobs);
     }
-    if (!options.trial.trace.empty()) EndTrace(options.trial.trace);
-    if (options.report == "text") print(TextSummary(outcomes));
-    if (options.report == "json") print(JsonOf(options, outcomes));
-    if (options.report == "junit") print(JunitOf(options, outcomes));
+    report();
+    const auto reached = [](const CheckOutcome& outcome) { return outcome.result.figures.contains("faults"); };
+    if (options.trial.fault && TotalsOf(outcomes).failed == 0 &&
+        std::none_of(outcomes.begin(), outcomes.end(), reached)) {
+        return Unreached(*options.trial.fault, outcomes);
+    }
     return outcomes;
 }
 

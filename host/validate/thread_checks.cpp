@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// Level 8: many threads, short threads, threads that stay too long, and locks held at the wrong time.
+// Level 8: many threads, short threads, threads that stay too long, and rows in any order.
 
 #include <fmt/format.h>
 
@@ -156,140 +156,6 @@ void OutlivesItsThreads(Trial& trial) {
                      {"with a render thread that ends after the module was unloaded", part(true)}});
 }
 
-/// A lock of the host's that every callback of a render takes while another thread, which holds it, sends a command.
-class HostLock {
- public:
-    /// The render's side, in every host call: tells that it is inside, and waits for the lock.
-    void EnterFromRender() {
-        std::unique_lock lock(mutex_);
-        if (!armed_ || std::this_thread::get_id() != renderThread_) return;
-        inside_ = true;
-        changed_.notify_all();
-        changed_.wait_for(lock, kPatience, [&] { return !armed_; });
-        armed_ = false;
-    }
-    void Arm(std::thread::id renderThread) {
-        const std::lock_guard lock(mutex_);
-        renderThread_ = renderThread;
-        armed_ = true;
-        inside_ = false;
-    }
-    bool WaitForRender() {
-        std::unique_lock lock(mutex_);
-        return changed_.wait_for(lock, kPatience, [&] { return inside_; });
-    }
-    /// The command is through: the lock is free.
-    void Release() {
-        const std::lock_guard lock(mutex_);
-        armed_ = false;
-        changed_.notify_all();
-    }
-    static constexpr std::chrono::milliseconds kPatience{1500};
-
- private:
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    std::thread::id renderThread_;
-    bool armed_ = false;
-    bool inside_ = false;
-};
-
-struct Command {
-    const char* name;
-    std::function<void(EffectSession&, const World&)> send;
-};
-
-std::vector<Command> ReentrantCommands() {
-    return {{"about", [](EffectSession& session, const World&) { static_cast<void>(bool(session.About())); }},
-            {"a query of dynamic flags",
-             [](EffectSession& session, const World&) {
-                 session.Send(PF_Cmd_QUERY_DYNAMIC_FLAGS, nullptr, nullptr, nullptr);
-             }},
-            {"an update of the panel",
-             [](EffectSession& session, const World&) { static_cast<void>(bool(session.UpdateParamsUI())); }},
-            {"a pre-render", [](EffectSession& session,
-                                const World& layer) { static_cast<void>(bool(session.PreRender(RequestOf(layer)))); }},
-            {"a render", [](EffectSession& session, const World& layer) {
-                 static_cast<void>(bool(session.Render(RequestOf(layer))));
-             }}};
-}
-
-/// While a render waits in a callback for the host's lock, the lock's owner sends a command: does it come through?
-void SendWhileRendering(Trial& trial, const Command& command) {
-    HostLock hostLock;
-    std::atomic<bool> rendering{false};
-    SessionOptions options;
-    options.fault = [&](std::string_view) {
-        if (rendering) hostLock.EnterFromRender();
-        return PF_Err_NONE;
-    };
-    options.beforeCommand = [&](CommandArguments& sent) {
-        if (sent.command == PF_Cmd_SMART_RENDER) rendering = true;
-    };
-    Stage stage(trial, options);
-    stage.Cheapen();
-    const World layer = TestPicture(24, 24, Depth::k8);
-    stage.Draw(RequestOf(layer), "a first frame");
-    rendering = false;
-    std::thread render([&] {
-        hostLock.Arm(std::this_thread::get_id());
-        static_cast<void>(bool(stage.Session().Render(RequestOf(layer))));
-    });
-    if (hostLock.WaitForRender()) {
-        const auto begin = Clock::now();
-        command.send(stage.Session(), layer);
-        const auto taken = Clock::now() - begin;
-        if (taken > HostLock::kPatience / 2) {
-            trial.Fail(
-                fmt::format("{} on one thread waits for a render on another, which waits for the host: a lock is "
-                            "held while the host is called",
-                            command.name));
-        }
-    }
-    hostLock.Release();
-    render.join();
-}
-
-/// The host sends a command from inside of a render's own callback.
-void SendFromInside(Trial& trial, const Command& command) {
-    std::atomic<int> depth{0};
-    const World layer = TestPicture(16, 16, Depth::k8);
-    EffectSession* session = nullptr;
-    bool armed = false;
-    SessionOptions options;
-    options.fault = [&](std::string_view call) {
-        const bool here = call == "interact.checkout_param" || call == "smart-render.checkout_output";
-        if (!armed || !here || depth > 0) return PF_Err_NONE;
-        ++depth;
-        command.send(*session, layer);
-        --depth;
-        return PF_Err_NONE;
-    };
-    Stage stage(trial, options);
-    stage.Cheapen();
-    session = &stage.Session();
-    const auto usual = stage.Draw(RequestOf(layer), "a frame");
-    armed = true;
-    const auto interrupted = stage.Draw(RequestOf(layer), "a frame with a command inside");
-    armed = false;
-    if (usual && interrupted && !SamePixels(usual->output, interrupted->output)) {
-        trial.Fail(fmt::format("{} from inside of a render's callback changes the frame", command.name));
-    }
-}
-
-void HoldsNoLocks(Trial& trial) {
-    std::vector<Part> parts;
-    for (const Command& command : ReentrantCommands()) {
-        parts.push_back({fmt::format("{} beside a render", command.name),
-                         [command](Trial& part) { SendWhileRendering(part, command); }});
-        // A render inside of a render is asked of no effect.
-        if (std::string_view(command.name) == "a render") continue;
-        parts.push_back({fmt::format("{} inside a render", command.name),
-                         [command](Trial& part) { SendFromInside(part, command); }});
-    }
-    RunParts(trial, parts);
-}
-
 /// All that survives a process as a number: 53 bits of the digest.
 double DigestFigure(std::uint64_t digest) {
     return static_cast<double>(digest >> 11);
@@ -340,7 +206,6 @@ std::vector<Check> ThreadChecks() {
          Needs::kOpenGl, 4},
         {"8.4", "render threads may end after set-down and after the module was unloaded", OutlivesItsThreads,
          Needs::kOpenGl},
-        {"8.5", "no lock is held while the host is called", HoldsNoLocks, Needs::kNothing, 2},
         {"8.6", "rows may be walked in any order on any number of threads", IgnoresRowOrder, Needs::kNothing, 2},
     };
 }

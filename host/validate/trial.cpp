@@ -98,6 +98,11 @@ void Trial::FailAndEnd(const std::string& text) {
     throw TrialOver();
 }
 
+void Trial::FailAsNoModule(const std::string& text) {
+    result_.isNoModule = true;
+    FailAndEnd(text);
+}
+
 void Trial::Skip(const std::string& reason) {
     result_.skipReason = reason;
     // Warnings do not make up for what was not looked at; they are reported all the same.
@@ -107,6 +112,11 @@ void Trial::Skip(const std::string& reason) {
 
 void Trial::Count(const std::string& figure, double amount) {
     result_.figures[figure] += amount;
+}
+
+void Trial::NoteCall(const std::string& callee, int times) {
+    int& most = result_.calls[callee];
+    most = std::max(most, times);
 }
 
 void Trial::KeepEvents(const EventLog& log) {
@@ -124,6 +134,8 @@ CheckResult Trial::Result() const {
 void Trial::Merge(const CheckResult& part) {
     for (const Finding& finding : part.findings) Note(finding);
     for (const auto& [figure, amount] : part.figures) result_.figures[figure] += amount;
+    for (const auto& [callee, times] : part.calls) NoteCall(callee, times);
+    result_.isNoModule = result_.isNoModule || part.isNoModule;
     if (part.verdict == Verdict::kSkip && !Failed()) {
         result_.verdict = Verdict::kSkip;
         result_.skipReason = part.skipReason;
@@ -137,9 +149,9 @@ int Check::Level() const {
 const std::vector<Check>& AllChecks() {
     static const std::vector<Check> checks = [] {
         std::vector<Check> all;
-        for (const auto level :
-             {LoadChecks, DeclarationChecks, OrderChecks, MemoryChecks, FrameChecks, RectangleChecks, PanelChecks,
-              ParameterChecks, PixelChecks, FaultChecks, DriverChecks, ThreadChecks, ResultChecks, EnduranceChecks}) {
+        for (const auto level : {LoadChecks, DeclarationChecks, OrderChecks, MemoryChecks, FrameChecks, RectangleChecks,
+                                 PanelChecks, ParameterChecks, PixelChecks, FaultChecks, DriverChecks, ThreadChecks,
+                                 LockChecks, ResultChecks, EnduranceChecks}) {
             for (const Check& check : level()) all.push_back(check);
         }
         const auto number = [](const Check& check) {

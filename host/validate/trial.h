@@ -38,6 +38,9 @@ struct CheckResult {
     std::vector<Finding> findings;
     std::string skipReason;
     std::map<std::string, double> figures;  ///< "frames", "faults", "milliseconds a frame", ...
+    bool isNoModule = false;                ///< the file is no effect module at all, so other checks have no subject
+    /// For a fault that was asked for: the calls that could have been refused, and how often each came at most.
+    std::map<std::string, int> calls;
 };
 
 /// One fault to put into the host: the k-th call, from 1, of a callee fails with an error.
@@ -88,9 +91,13 @@ class Trial {
     /// A finding with the options that repeat it.
     void Note(Finding finding);
     [[noreturn]] void FailAndEnd(const std::string& text);
+    /// For a file that is no effect module.
+    [[noreturn]] void FailAsNoModule(const std::string& text);
     [[noreturn]] void Skip(const std::string& reason);
     /// A number to report; several notes of one name are added up.
     void Count(const std::string& figure, double amount = 1);
+    /// A call that can be refused, and how often it came.
+    void NoteCall(const std::string& callee, int times);
     /// The events of the check, when a trace is wanted.
     void KeepEvents(const EventLog& log);
     bool Failed() const;
@@ -120,7 +127,8 @@ struct Check {
     const char* title;  ///< what must hold, as a sentence without its full stop
     void (*run)(Trial& trial);
     Needs needs = Needs::kNothing;
-    int patience = 1;  ///< how many times the time limit it may take: for checks that are many runs
+    int patience = 1;          ///< how many times the time limit it may take: for checks that are many runs
+    bool takesFaults = false;  ///< refuses host calls, so that one fault can be asked for
 
     int Level() const;
 };
@@ -141,5 +149,6 @@ std::vector<Check> PixelChecks();
 std::vector<Check> FaultChecks();
 std::vector<Check> DriverChecks();
 std::vector<Check> ThreadChecks();
+std::vector<Check> LockChecks();
 std::vector<Check> ResultChecks();
 std::vector<Check> EnduranceChecks();

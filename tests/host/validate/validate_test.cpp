@@ -235,6 +235,78 @@ TEST(Validate, RepeatsWithOtherSeeds) {
     EXPECT_GT(json::parse(run.out)["checks"][0]["figures"]["commands"].get<double>(), 400);
 }
 
+TEST(Validate, AFaultThatNeverComesDoesNotPass) {
+    const Folder folder;
+    const std::string module = TestModule("JudgedNone");
+    const UsageRow rows[] = {
+        {"no such call",
+         {"--include", "^7\\.3 ", "--strictness", "7", "--fault", "PF Wrld Suite.NewWorld:1:4"},
+         2,
+         "--fault 'PF Wrld Suite.NewWorld:1:4': there was no such call; the closest is 'PF World Suite.PF_NewWorld', "
+         "with K from 1 to 1"},
+        {"the name of the function alone",
+         {"--include", "^7\\.1 ", "--strictness", "7", "--fault", "checkout_param:1:1001"},
+         2,
+         "there was no such call; the closest is 'interact.checkout_param', with K from 1 to "},
+        {"too late a call",
+         {"--include", "^7\\.3 ", "--strictness", "7", "--fault", "PF World Suite.PF_NewWorld:9:4"},
+         2,
+         "--fault 'PF World Suite.PF_NewWorld:9:4': that call came 1 times at most; K from 1 to 1 would work"},
+        {"no check that refuses calls",
+         {"--fault", "PF World Suite.PF_NewWorld:1:4"},
+         2,
+         "no check is chosen that refuses host calls (7.1, 7.2, 7.3 and 9.6); --strictness 7 chooses three of them"},
+    };
+    for (const UsageRow& row : rows) {
+        SCOPED_TRACE(row.name);
+        std::vector<std::string> arguments{"validate", module};
+        arguments.insert(arguments.end(), row.arguments.begin(), row.arguments.end());
+        const Outcome run = RunUmbrant(folder, arguments);
+        EXPECT_EQ(run.code, row.code) << run.out;
+        EXPECT_THAT(run.err, HasSubstr(row.sentence));
+        EXPECT_THAT(run.out, Not(HasSubstr("pass     7.")));
+    }
+}
+
+TEST(Validate, AFaultThatComesIsPutWithAnyError) {
+    const Folder folder;
+    for (const char* fault : {"PF World Suite.PF_NewWorld:1:4", "PF World Suite.PF_NewWorld:1:25"}) {
+        SCOPED_TRACE(fault);
+        const Outcome run = RunUmbrant(folder, {"validate", TestModule("JudgedNone"), "--include", "^7\\.[12] ",
+                                                "--strictness", "7", "--fault", fault});
+        EXPECT_EQ(run.code, 0) << run.out << run.err;
+        EXPECT_THAT(run.out, HasSubstr("pass     7.1 "));
+        EXPECT_THAT(run.out, HasSubstr("skip     7.2 "));
+        EXPECT_THAT(run.out, HasSubstr(std::string("the fault '") + fault + "' was not reached"));
+        EXPECT_THAT(run.out, HasSubstr("1 passed, 0 failed, 1 skipped, 0 waived"));
+    }
+}
+
+TEST(Validate, AFileThatIsNoModuleStopsAtTheFirstCheck) {
+    const Folder folder;
+    const std::string text = Write(folder, "notes.txt", "this is no module, but a text that is longer than a header\n");
+    const UsageRow rows[] = {
+        {"a text", {text}, 4, "fail: it cannot be loaded: "},
+        {"a text, other checks chosen", {text, "--include", "^5"}, 4, "fail: it cannot be loaded: "},
+        {"a folder", {folder.Path().string()}, 4, "fail: it cannot be loaded: "},
+        {"another library", {TestModule("no_export")}, 4, "fail: it does not export PluginDataEntryFunction"},
+        {"in this process", {text, "--in-process"}, 4, "fail: it cannot be loaded: "},
+    };
+    for (const UsageRow& row : rows) {
+        SCOPED_TRACE(row.name);
+        std::vector<std::string> arguments = row.arguments;
+        arguments.insert(arguments.begin(), "validate");
+        const Outcome run = RunUmbrant(folder, arguments);
+        EXPECT_EQ(run.code, row.code) << run.out;
+        EXPECT_THAT(run.out, StartsWith("fail     1.1   it loads with every symbol found, and has both entries"));
+        EXPECT_THAT(run.out, HasSubstr(row.sentence));
+        EXPECT_THAT(run.out, EndsWith("0 passed, 1 failed, 0 skipped, 0 waived\n"));
+    }
+    const Outcome listed = RunUmbrant(folder, {"validate", text, "--report", "json"});
+    EXPECT_EQ(listed.code, 4);
+    EXPECT_EQ(json::parse(listed.out)["checks"].size(), 1u);
+}
+
 /// The module of this project on the levels that every build runs.
 TEST(Validate, PassesThisProjectsModule) {
     const Folder folder;

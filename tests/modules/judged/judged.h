@@ -100,6 +100,11 @@ enum class Mutant {
     kLeaksPerThread,
     kOutlivesUnload,
     kLocksWhileCalling,
+    kLocksInPreRender,
+    kLocksInSetUp,
+    kLocksInUpdate,
+    kLocksInChange,
+    kLocksInDraw,
     kCountsRows,
     // 9: results
     kDrawsChance,

@@ -24,7 +24,7 @@ namespace {
 
 bool aboutWasAsked = false;
 int setUps = 0;
-std::mutex renderMutex;
+std::mutex commandMutex;
 
 [[noreturn]] void Crash() {
     std::abort();
@@ -107,7 +107,7 @@ PF_Err About(PF_OutData* out) {
 }
 
 /// Everything about one row of the panel; the row's index comes from the host and is not trusted.
-PF_Err UserChanged(const PF_UserChangedParamExtra* extra, PF_ParamDef* params[]) {
+PF_Err UserChanged(PF_InData* in, const PF_UserChangedParamExtra* extra, PF_ParamDef* params[]) {
     if (Is(Mutant::kTrustsIndex)) {
         static int touched[JUDGED_COUNT];
         volatile char* far = reinterpret_cast<char*>(touched);
@@ -116,26 +116,44 @@ PF_Err UserChanged(const PF_UserChangedParamExtra* extra, PF_ParamDef* params[])
             1;
     }
     if (!extra || !params) return PF_Err_BAD_CALLBACK_PARAM;
+    if (Is(Mutant::kLocksInChange)) ValueOf(in, JUDGED_AMOUNT);
     return PF_Err_NONE;
 }
 
 PF_Err SmartRender(PF_InData* in, PF_OutData* out, PF_SmartRenderExtra* extra) {
     if (Is(Mutant::kFailsAfterAbout) && aboutWasAsked) return PF_Err_INTERNAL_STRUCT_DAMAGED;
-    if (Is(Mutant::kLocksWhileCalling)) {
-        const std::lock_guard lock(renderMutex);
-        return Render(in, out, extra);
-    }
     return Render(in, out, extra);
+}
+
+/// Whether a wrong module takes its lock for the whole of a command, the host's callbacks included.
+bool TakesLock(PF_Cmd command) {
+    switch (command) {
+        case PF_Cmd_ABOUT:
+            return Is(Mutant::kLocksWhileCalling) || Is(Mutant::kLocksInPreRender) || Is(Mutant::kLocksInSetUp);
+        case PF_Cmd_SMART_RENDER:
+            return Is(Mutant::kLocksWhileCalling);
+        case PF_Cmd_SMART_PRE_RENDER:
+            return Is(Mutant::kLocksInPreRender) || Is(Mutant::kLocksInUpdate) || Is(Mutant::kLocksInChange) ||
+                   Is(Mutant::kLocksInDraw);
+        case PF_Cmd_PARAMS_SETUP:
+            return Is(Mutant::kLocksInSetUp);
+        case PF_Cmd_UPDATE_PARAMS_UI:
+            return Is(Mutant::kLocksInUpdate);
+        case PF_Cmd_USER_CHANGED_PARAM:
+            return Is(Mutant::kLocksInChange);
+        case PF_Cmd_EVENT:
+            return Is(Mutant::kLocksInDraw);
+        default:
+            return false;
+    }
 }
 
 PF_Err Dispatch(PF_Cmd command, PF_InData* in, PF_OutData* out, PF_ParamDef* params[], PF_LayerDef* output,
                 void* extra) {
+    std::unique_lock lock(commandMutex, std::defer_lock);
+    if (TakesLock(command)) lock.lock();
     switch (command) {
         case PF_Cmd_ABOUT:
-            if (Is(Mutant::kLocksWhileCalling)) {
-                const std::lock_guard lock(renderMutex);
-                return About(out);
-            }
             return About(out);
         case PF_Cmd_GLOBAL_SETUP:
             return SetUp(in, out);
@@ -146,7 +164,7 @@ PF_Err Dispatch(PF_Cmd command, PF_InData* in, PF_OutData* out, PF_ParamDef* par
         case PF_Cmd_UPDATE_PARAMS_UI:
             return params ? UpdatePanel(in, params) : PF_Err_BAD_CALLBACK_PARAM;
         case PF_Cmd_USER_CHANGED_PARAM:
-            return UserChanged(static_cast<const PF_UserChangedParamExtra*>(extra), params);
+            return UserChanged(in, static_cast<const PF_UserChangedParamExtra*>(extra), params);
         case PF_Cmd_EVENT:
             return extra ? DrawPanel(in, static_cast<PF_EventExtra*>(extra)) : PF_Err_BAD_CALLBACK_PARAM;
         case PF_Cmd_SMART_PRE_RENDER:
