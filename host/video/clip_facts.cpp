@@ -15,6 +15,7 @@
 #include <sstream>
 #include <system_error>
 
+#include "host/video/container.h"
 #include "host/video/ffmpeg.h"
 #include "hostapi/limits.h"
 
@@ -32,9 +33,11 @@ Failure CannotRead(const std::string& path, const std::string& reason) {
 }
 
 /// All that ffprobe prints when it is asked this about a file.
-Result<std::string> Ask(const std::string& path, std::vector<std::string> arguments) {
+Result<std::string> Ask(const ClipFacts& clip, std::vector<std::string> arguments) {
+    const std::string& path = clip.path;
     const std::string argument = FileArgument(path);
-    arguments.push_back(argument);
+    const std::vector<std::string> input = InputArguments(path, clip.demuxer);
+    arguments.insert(arguments.end(), input.begin(), input.end());
     auto child = StartTool("ffprobe", arguments, ChildProcess::Piped::kOutput);
     if (!child) return CannotRead(path, child.Error().sentence);
     std::string text;
@@ -109,8 +112,8 @@ double TickOf(const std::string& base) {
 Result<Done> ReadTimes(ClipFacts& facts, double tick, const std::string& codec, const FrameRate& rate) {
     // Some pictures of this codec are only there for others to be made of, and only the decoder knows which.
     const bool decoded = codec == "vp8";
-    auto told = Ask(facts.path, {"-select_streams", std::to_string(facts.stream), "-of", "csv=p=0", "-show_entries",
-                                 decoded ? "frame=best_effort_timestamp,pkt_duration" : "packet=pts,duration,flags"});
+    auto told = Ask(facts, {"-select_streams", std::to_string(facts.stream), "-of", "csv=p=0", "-show_entries",
+                            decoded ? "frame=best_effort_timestamp,pkt_duration" : "packet=pts,duration,flags"});
     if (!told) return told.Error();
     struct Shown {
         double time;
@@ -230,15 +233,18 @@ Result<ClipFacts> ReadClipFacts(const std::string& path) {
     if (fs::is_directory(path, error)) return CannotRead(path, "it is a folder, not a clip");
     if (!fs::is_regular_file(path, error)) return CannotRead(path, "it is not a regular file");
     if (fs::file_size(path, error) == 0 && !error) return CannotRead(path, "the file is empty");
-    auto told = Ask(path, {"-of", "json", "-show_streams", "-show_format"});
+    ClipFacts facts;
+    facts.path = path;
+    auto demuxer = ReadDemuxer(path);
+    if (!demuxer) return demuxer.Error();
+    facts.demuxer = *demuxer;
+    auto told = Ask(facts, {"-of", "json", "-show_streams", "-show_format"});
     if (!told) return told.Error();
     const Json json = Json::parse(*told, nullptr, false);
     const auto streams = json.is_object() ? json.find("streams") : json.end();
     if (!json.is_object() || streams == json.end() || !streams->is_array()) {
         return CannotRead(path, "ffprobe did not tell about its streams");
     }
-    ClipFacts facts;
-    facts.path = path;
     const Json* pictures = nullptr;
     for (const Json& stream : *streams) {
         const std::string type = TextOf(stream, "codec_type");

@@ -22,8 +22,9 @@ struct ColorTags {
 
 struct ClipFacts {
     std::string path;
-    int stream = 0;  ///< which of the file's streams has the pictures
-    int width = 0;   ///< as it is shown: turned by what the file says about that
+    std::string demuxer;  ///< ffmpeg's name of the container's format
+    int stream = 0;       ///< which of the file's streams has the pictures
+    int width = 0;        ///< as it is shown: turned by what the file says about that
     int height = 0;
     int bits = 8;          ///< of a channel; 32 for floats
     bool isRgb = false;    ///< its channels are red, green and blue, and not a matrix's

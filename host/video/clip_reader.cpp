@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "host/video/clip_format.h"
+#include "host/video/container.h"
 #include "host/video/ffmpeg.h"
 
 namespace {
@@ -29,10 +30,12 @@ Result<Done> ClipReader::Start(int first) {
     std::vector<std::string> arguments;
     if (!facts_.decoder.empty()) arguments.insert(arguments.end(), {"-c:v", facts_.decoder});
     // A damaged picture is an error, not something like a picture.
-    arguments.insert(arguments.end(),
-                     {"-xerror", "-i", FileArgument(facts_.path), "-map", fmt::format("0:{}", facts_.stream), "-vf",
-                      DecoderFilters(format_, facts_.width, facts_.height, first), "-fps_mode", "passthrough", "-f",
-                      "rawvideo", "-pix_fmt", NameOf(format_), "pipe:1"});
+    arguments.emplace_back("-xerror");
+    const std::vector<std::string> input = InputArguments(facts_.path, facts_.demuxer);
+    arguments.insert(arguments.end(), input.begin(), input.end());
+    arguments.insert(arguments.end(), {"-map", fmt::format("0:{}", facts_.stream), "-vf",
+                                       DecoderFilters(format_, facts_.width, facts_.height, first), "-fps_mode",
+                                       "passthrough", "-f", "rawvideo", "-pix_fmt", NameOf(format_), "pipe:1"});
     auto child = StartTool("ffmpeg", arguments, ChildProcess::Piped::kOutput);
     if (!child) {
         return Failure{ExitCode::kFile, fmt::format("cannot read '{}': {}", facts_.path, child.Error().sentence)};

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <sstream>
 
+#include "host/video/container.h"
 #include "host/video/ffmpeg.h"
 
 namespace {
@@ -74,7 +75,8 @@ std::vector<std::string> EncoderArguments(const ClipTarget& target, const std::s
             // The pictures begin at 0, and the sound stays where it is beside them.
             add({"-itsoffset", fmt::format("{:.6f}", -start)});
         }
-        add({"-i", FileArgument(target.from->path)});
+        const std::vector<std::string> input = InputArguments(target.from->path, target.from->demuxer);
+        all.insert(all.end(), input.begin(), input.end());
     }
     add({"-map", "0:v:0"});
     if (target.from && target.keepsSound) AddSound(target, all);

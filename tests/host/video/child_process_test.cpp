@@ -116,16 +116,16 @@ TEST(ChildProcess, ItsPipeSignalIsTheUsualOne) {
 TEST(ChildProcess, WhoeverIsNotWaitedForIsEnded) {
     const auto begin = std::chrono::steady_clock::now();
     { auto child = Shell("trap '' TERM INT; sleep 1000", Piped::kOutput); }
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(300));
     EXPECT_FALSE(HasChildren());
 }
 
 TEST(ChildProcess, WhatItStartedDoesNotKeepUsWaiting) {
     const auto begin = std::chrono::steady_clock::now();
-    auto child = Shell("sleep 60 >/dev/null & echo done >&2; exit 4", Piped::kOutput);
+    auto child = Shell("sleep 1000 >/dev/null & echo done >&2; exit 4", Piped::kOutput);
     EXPECT_EQ(child->Wait().code, 4);
     EXPECT_EQ(child->Wait().lastLine, "done");
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(300));
 }
 
 TEST(ChildProcess, NoChildInheritsAnothersPipe) {

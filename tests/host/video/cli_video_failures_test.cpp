@@ -28,6 +28,12 @@ constexpr char kProbe[] = R"(case "$*" in
 *) for i in 0 1 2 3 4 5 6 7 8 9; do echo $i,1,K_; done;;
 esac)";
 
+/// What makes a file a clip before any tool looks at it.
+const std::string kMovBytes(
+    "\0\0\0\x14"
+    "ftypqt  ",
+    12);
+
 class ClipFailures : public Clips {
  protected:
     ClipFailures() { WriteLayer(folder_ / "still.png", 40, 30, {255, 200, 100, 50}); }
@@ -83,7 +89,7 @@ TEST_F(ClipFailures, OneThatTalksMuchAndWorks) {
 }
 
 TEST_F(ClipFailures, OneThatCannotRead) {
-    WriteBytes(folder_ / "in.mov", "x");
+    WriteBytes(folder_ / "in.mov", kMovBytes);
     const struct {
         const char* name;
         const char* probe;
@@ -125,7 +131,7 @@ TEST_F(ClipFailures, OneThatCannotRead) {
 }
 
 TEST_F(ClipFailures, OneThatHasMoreThanItTold) {
-    WriteBytes(folder_ / "in.mov", "x");
+    WriteBytes(folder_ / "in.mov", kMovBytes);
     Fake("ffprobe", kProbe);
     Fake("ffmpeg", "yes | tr -d '\\n'");
     const Outcome outcome = Render("in.mov", "out.##.png", {"--quiet"}, WithFakes());
@@ -135,7 +141,7 @@ TEST_F(ClipFailures, OneThatHasMoreThanItTold) {
 }
 
 TEST_F(ClipFailures, OneThatIsNotThere) {
-    WriteBytes(folder_ / "in.mov", "x");
+    WriteBytes(folder_ / "in.mov", kMovBytes);
     std::filesystem::create_directories(folder_ / "bin");
     const RunOptions none{{"PATH=" + (folder_ / "bin").string()}, {}};
     Outcome outcome = Render("still.png", "out.mov", {"--frames", "1-2"}, none);
@@ -159,7 +165,7 @@ TEST_F(ClipFailures, OneThatIsNotThere) {
 }
 
 TEST_F(ClipFailures, AnInterruptionEndsEverybodyAtOnce) {
-    WriteBytes(folder_ / "in.mov", "x");
+    WriteBytes(folder_ / "in.mov", kMovBytes);
     const std::string hangs = "trap '' INT TERM; : >started; sleep 1000";
     const struct {
         const char* name;
@@ -186,7 +192,7 @@ TEST_F(ClipFailures, AnInterruptionEndsEverybodyAtOnce) {
         const auto begin = std::chrono::steady_clock::now();
         // Jobs in the background of a shell without job control take no interruption; with it they do.
         EXPECT_EQ(Shell("bash -mc " + Quoted(command) + " 2>/dev/null"), "130");
-        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(25));
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(300));
         ExpectNothingLeft(4);
     }
 }

@@ -285,8 +285,8 @@ TEST_F(Clips, ClipsThatCannotBeRead) {
         {"folder.mov", "cannot read 'folder.mov': it is a folder, not a clip\n"},
         {"empty.mov", "cannot read 'empty.mov': the file is empty\n"},
         {"words.mov",
-         "cannot read 'words.mov': it is not a clip that ffmpeg can read (Invalid data found when "
-         "processing input)\n"},
+         "cannot read 'words.mov': it is not a clip; clips are QuickTime, MP4, Matroska, WebM, AVI, MXF, NUT, MPEG, "
+         "Ogg, ASF, FLV and YUV4MPEG files\n"},
         {"cut.mov",
          "cannot read 'cut.mov': it is not a clip that ffmpeg can read (Invalid data found when processing "
          "input)\n"},

@@ -67,6 +67,7 @@ TEST(ClipFormat, BitsOfPixelFormats) {
 ClipFacts Facts() {
     ClipFacts facts;
     facts.path = "in.mkv";
+    facts.demuxer = "matroska";
     facts.color = {"bt2020", "smpte2084", "bt2020nc", "pc"};
     return facts;
 }
@@ -131,12 +132,14 @@ TEST(ClipFormat, ArgumentsOfTheEncoder) {
     EXPECT_THAT(Arguments(target), Not(HasSubstr("1:a")));
     target.keepsSound = true;
     const std::string whole = Arguments(target);
-    EXPECT_THAT(whole, HasSubstr("-itsoffset -0.250000 -i file:in.mkv -map 0:v:0 -map 1:a:0 -c:a:0 copy "
+    EXPECT_THAT(whole, HasSubstr("-itsoffset -0.250000 -protocol_whitelist file,pipe -format_whitelist matroska "
+                                 "-f matroska -i file:in.mkv -map 0:v:0 -map 1:a:0 -c:a:0 copy "
                                  "-map_metadata 1 -map_chapters 1 -timecode 01:00:00:00 "));
     EXPECT_THAT(whole, HasSubstr("setsar=64/45"));
     target.part = {2.0, 1.5};
     const std::string part = Arguments(target);
-    EXPECT_THAT(part, HasSubstr("-ss 2.250000 -t 1.500000 -i file:in.mkv "));
+    EXPECT_THAT(part, HasSubstr("-ss 2.250000 -t 1.500000 -protocol_whitelist file,pipe -format_whitelist matroska "
+                                "-f matroska -i file:in.mkv "));
     EXPECT_THAT(part, HasSubstr("-map_chapters -1 ")) << "they would not fit any more";
     EXPECT_THAT(part, Not(HasSubstr("-timecode")));
 }
