@@ -176,8 +176,10 @@ void CheckKeys(const LocatedJson& object, const std::vector<std::string>& known,
     for (const LocatedJson::Member& member : object.members) {
         if (std::find(known.begin(), known.end(), member.key) != known.end()) continue;
         const auto near = Nearest(member.key, known, 1);
-        mistakes.Add(member.place, fmt::format("there is no key '{}' in {}; nearest: '{}'", member.key, what,
-                                               near.empty() ? known.front() : near.front()));
+        mistakes.Add(member.place, near.empty() ? fmt::format("there is no key '{}' in {}; the keys are: {}",
+                                                              member.key, what, fmt::join(known, ", "))
+                                                : fmt::format("there is no key '{}' in {}; nearest: '{}'", member.key,
+                                                              what, near.front()));
     }
 }
 

@@ -72,7 +72,7 @@ std::string Text(const nlohmann::ordered_json& info) {
     const auto gpu = [&info](const char* key) { return info["gpu"][key].get<std::string>(); };
     std::string text;
     const auto line = [&text](const char* label, const std::string& value) {
-        text += fmt::format("{:<16} {}\n", label, value);
+        text += fmt::format("{:<16} {}\n", label, value.empty() ? "the effect does not say" : value);
     };
     line("Effect", fmt::format("{} {}", get("name"), get("version")));
     line("Match name", get("matchName"));
@@ -88,7 +88,8 @@ std::string Text(const nlohmann::ordered_json& info) {
                                    info["renderer"]["why"].get<std::string>()));
     line("Host", fmt::format("umbrant {}, interface {}", info["host"]["version"].get<std::string>(),
                              info["host"]["apiVersion"].get<std::string>()));
-    return text + "\n" + WithoutFinalBreaks(get("about")) + "\n";
+    const std::string about = WithoutFinalBreaks(get("about"));
+    return text + "\n" + (about.empty() ? "the effect does not say what it is about" : about) + "\n";
 }
 
 Result<ExitCode> Info(const InfoOptions& options) {

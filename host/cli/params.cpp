@@ -26,6 +26,7 @@ struct ParamsOptions {
     std::string module;
     bool json = false;
     bool values = false;
+    bool all = false;
     std::string preset;
     std::vector<std::string> settings;
 };
@@ -184,12 +185,17 @@ Cells CellsOf(const ParamSet& params, const ParamRow& row) {
             JoinedFlags(row)};
 }
 
-std::string Text(const ParamSet& params) {
+/// Whether people have no use for the row: it is there to look into the effect.
+bool IsForDevelopers(const ParamRow& row) {
+    return row.path == "debug" || row.path.starts_with("debug/");
+}
+
+std::string Text(const ParamSet& params, bool all) {
     std::vector<Cells> lines = {{"#", "PATH", "TYPE", "VALUES", "DEFAULT", "FLAGS"}};
     std::vector<std::string> itemLines = {""};
     std::array<std::size_t, kColumns> widths{};
     for (const ParamRow& row : params.Rows()) {
-        if (row.def.param_type == PF_Param_GROUP_END) continue;
+        if (row.def.param_type == PF_Param_GROUP_END || (!all && IsForDevelopers(row))) continue;
         lines.push_back(CellsOf(params, row));
         itemLines.push_back(row.def.param_type == PF_Param_POPUP && !IsReadout(row) ? ItemsLine(row) : "");
         for (std::size_t i = 0; i < kColumns; ++i) widths[i] = std::max(widths[i], lines.back()[i].size());
@@ -222,7 +228,7 @@ Result<ExitCode> Params(const ParamsOptions& options) {
         for (const ParamRow& row : params.Rows()) rows.push_back(Describe(params, row));
         text = rows.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
     } else {
-        text = Text(params);
+        text = Text(params, options.all);
     }
     PrintResult(text);
     return ExitCode::kDone;
@@ -242,6 +248,7 @@ Command ParamsCommand() {
         "      a preset, for `umbrant render --preset long.json`";
     command.options = [options](CLI::App& app) {
         app.add_option("--module", options->module, "The effect's module")->type_name("FILE");
+        app.add_flag("--all", options->all, "With the rows of the group 'debug', which --json always lists");
         CLI::Option* json = app.add_flag("--json", options->json, "For programs; with the group ends too");
         CLI::Option* values =
             app.add_flag("--values", options->values, "The values alone, as a preset for `render --preset`")

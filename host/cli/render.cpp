@@ -219,6 +219,9 @@ Command RenderCommand(const std::shared_ptr<RenderOptions>& options) {
             ->allow_extra_args(false);
         app.add_option("--texture", options->texture,
                        "A picture for the effect's layer parameters, at the layer's origin")
+            ->check([](const std::string& file) {
+                return file.empty() ? "'' names no file; leave the option out to draw without a texture" : "";
+            })
             ->type_name("IMAGE");
         app.add_option("--texture-at", options->textureAt,
                        "Where the texture's top-left lies, in pixels of the full-size layer")

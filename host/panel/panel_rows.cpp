@@ -24,6 +24,18 @@ std::string GroupPath(const ParamSet& params, int index) {
     return "";
 }
 
+/// A name as it is typed, each part of its path in the form that names have: "Free Plugins" is "free-plugins".
+std::string TypedForm(std::string_view name) {
+    if (name.starts_with('#')) return std::string(name);
+    std::string form;
+    for (std::size_t begin = 0; begin <= name.size();) {
+        const std::size_t end = std::min(name.find('/', begin), name.size());
+        form += (begin == 0 ? "" : "/") + PathForm(name.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    return form;
+}
+
 /// What a button answers to, the shortest first.
 std::vector<std::string> ButtonNames(const ParamSet& params, const ParamRow& row) {
     std::vector<std::string> names;
@@ -70,17 +82,20 @@ Result<int> FindButton(const EffectSession& session, std::string_view name) {
     const ParamSet& params = session.Params();
     std::vector<int> found;
     std::vector<std::string> known;
+    const std::string form = TypedForm(name);
     for (const ParamRow& row : params.Rows()) {
         if (row.def.param_type != PF_Param_BUTTON) continue;
         const std::vector<std::string> names = ButtonNames(params, row);
         known.insert(known.end(), names.begin(), names.end());
-        if (std::find(names.begin(), names.end(), name) != names.end()) found.push_back(row.index);
+        if (std::find(names.begin(), names.end(), form) != names.end()) found.push_back(row.index);
     }
     if (found.empty()) {
-        const auto near = Nearest(name, known, 2);
+        const auto near = Nearest(form, known, 2);
         return Failure{ExitCode::kUsage,
-                       near.empty() ? fmt::format("'{}' is no button: the effect has none", name)
-                                    : fmt::format("'{}' is no button; nearest: '{}'", name, fmt::join(near, "', '"))};
+                       known.empty() ? fmt::format("'{}' is no button: the effect has none", name)
+                       : near.empty()
+                           ? fmt::format("'{}' is no button; the buttons are: '{}'", name, fmt::join(known, "', '"))
+                           : fmt::format("'{}' is no button; nearest: '{}'", name, fmt::join(near, "', '"))};
     }
     if (found.size() > 1) {
         return Failure{ExitCode::kUsage, fmt::format("several buttons are called '{}'; press one by its index: #{}",
@@ -94,6 +109,15 @@ Result<int> FindButton(const EffectSession& session, std::string_view name) {
         return Failure{ExitCode::kUsage, fmt::format("the button '{}' is disabled", name)};
     }
     return found.front();
+}
+
+std::vector<std::string> TwirlNames(const EffectSession& session) {
+    std::vector<std::string> names{std::string(kAll)};
+    const std::vector<PanelRow> rows = session.Panel().Rows();
+    for (const ParamRow& row : session.Params().Rows()) {
+        if (!row.path.empty() && HasTwirl(rows[static_cast<std::size_t>(row.index)])) names.push_back(row.path);
+    }
+    return names;
 }
 
 Result<Done> Twirl(EffectSession& session, std::string_view name, bool open) {

@@ -4,6 +4,7 @@
 
 // Rows of the panel as a person names them: as everywhere by path or index, buttons also by what their face says.
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -12,9 +13,12 @@
 #include "host/session/effect_session.h"
 
 /// The index of the button that "#index", its path, its face or its group's path and its face ("about-support/
-/// product-page") names. Fails with `ExitCode::kUsage` and the nearest right names, also for a row that is no button,
-/// is disabled, or is hidden by the effect.
+/// product-page") names; "Product Page" is as good as "product-page". Fails with `ExitCode::kUsage` and the nearest
+/// right names, also for a row that is no button, is disabled, or is hidden by the effect.
 Result<int> FindButton(const EffectSession& session, std::string_view name);
+
+/// What Twirl takes: "all", and the paths of the rows that have one.
+std::vector<std::string> TwirlNames(const EffectSession& session);
 
 /// Opens or closes the twirl of the row that a path or index names, or with "all" of every row that has one. Fails with
 /// `ExitCode::kUsage` for a row without a twirl.

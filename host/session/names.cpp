@@ -54,7 +54,18 @@ std::vector<std::string> Nearest(std::string_view typed, const std::vector<std::
     std::stable_sort(sorted.begin(), sorted.end(),
                      [&](const auto& a, const auto& b) { return distance(a) < distance(b); });
     sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
-    // Beside a name that is nearly right, one that is far off would only distract.
+    // A name that shares less than half of its letters with what was typed was not meant. A part of a name may be, and
+    // so may its beginning with a mistake in it.
+    const int most = std::max(1, static_cast<int>(typed.size()) / 2);
+    const auto isNear = [&](const std::string& candidate) {
+        if (distance(candidate) <= most) return true;
+        constexpr std::size_t kShort = 3;
+        if (typed.size() < kShort) return false;
+        const std::string_view beginning = std::string_view(candidate).substr(0, typed.size());
+        return candidate.find(typed) != std::string::npos || EditDistance(typed, beginning) <= most / 2;
+    };
+    std::erase_if(sorted, [&](const std::string& candidate) { return !isNear(candidate); });
+    // Next to a name that is nearly right, one that is far off would only distract.
     constexpr int kSlack = 2;
     while (!sorted.empty() && distance(sorted.back()) > distance(sorted.front()) + kSlack) sorted.pop_back();
     if (sorted.size() > count) sorted.resize(count);

@@ -178,8 +178,12 @@ Result<int> ParamSet::Find(std::string_view path) const {
     std::vector<std::string> near = Nearest(path, names, kSuggestions);
     for (std::string& name : near) name = "'" + name + "'";
     return Failure{ExitCode::kUsage,
-                   near.empty() ? fmt::format("there is no parameter '{}'; the effect names none", path)
-                                : fmt::format("there is no parameter '{}'; nearest: {}", path, fmt::join(near, ", "))};
+                   names.empty() ? fmt::format("there is no parameter '{}'; the effect names none", path)
+                   : near.empty()
+                       ? fmt::format("there is no parameter '{}' nor a similar one; `umbrant params` lists "
+                                     "them",
+                                     path)
+                       : fmt::format("there is no parameter '{}'; nearest: {}", path, fmt::join(near, ", "))};
 }
 
 PF_ParamDef ParamSet::CheckOut(int index, const LayerGeometry& geometry) const {

@@ -105,7 +105,8 @@ std::string PathForm(std::string_view name);
 /// Number of single-character edits (insert, delete, replace) between two texts.
 int EditDistance(std::string_view a, std::string_view b);
 
-/// Up to `count` of `candidates`, the nearest to `typed` first, none much farther off than the first.
+/// Up to `count` of `candidates`, the closest to `typed` first, none much farther off than the first. Empty when
+/// nothing is close: more than half of the letters would have to change.
 std::vector<std::string> Nearest(std::string_view typed, const std::vector<std::string>& candidates, std::size_t count);
 
 /// What a person calls the type: "slider", "popup", "group", ...

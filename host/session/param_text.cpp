@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <limits>
 
+#include "host/session/color_names.h"
 #include "host/session/param_set.h"
 
 namespace {
@@ -80,9 +81,28 @@ Result<Done> SetInteger(ParamRow& row, std::string_view text) {
                      [&](double number) { slider.value = static_cast<PF_ParamValue>(number); });
 }
 
+/// Degrees from "405", "405deg", "405°" and, as panels show them, "1x45": one turn and 45 degrees. A sign before the
+/// turns is that of the whole, unless the degrees have one of their own: "-1x45" and "-1x-45" are -405.
+std::optional<double> Degrees(std::string_view text) {
+    text = Trimmed(text);
+    for (const std::string_view unit : {"deg", "\u00B0"}) {
+        if (!text.ends_with(unit)) continue;
+        text = Trimmed(text.substr(0, text.size() - unit.size()));
+        break;
+    }
+    const std::size_t x = text.find('x');
+    if (x == std::string_view::npos) return Number(text);
+    const std::string_view rest = text.substr(x + 1);
+    const std::optional<double> turns = Number(text.substr(0, x));
+    const std::optional<double> degrees = Number(rest);
+    if (!turns || !degrees || *turns != std::floor(*turns)) return std::nullopt;
+    const bool hasSign = rest.front() == '-' || rest.front() == '+';
+    return *turns * 360 + (text.starts_with('-') && !hasSign ? -*degrees : *degrees);
+}
+
 Result<Done> SetAngle(ParamRow& row, std::string_view text) {
-    const std::optional<double> degrees = Number(text);
-    if (!degrees) return NotANumber(row, text, "an angle in degrees");
+    const std::optional<double> degrees = Degrees(text);
+    if (!degrees) return NotANumber(row, text, "an angle in degrees, as 405, 405deg or 1x45");
     if (std::abs(*degrees) > kFixedLimit) {
         return Wrong(row, fmt::format("takes -{0} to {0} degrees, not {1}", Show(kFixedLimit), Show(*degrees)));
     }
@@ -141,14 +161,22 @@ Result<Done> SetPoint3D(ParamRow& row, std::string_view text) {
     return Done{};
 }
 
-Result<Done> SetColor(ParamRow& row, std::string_view text) {
-    std::string_view digits = Trimmed(text);
+/// 0xRRGGBB of "#rrggbb", "#rgb" or a name.
+std::optional<std::uint32_t> ColorOf(std::string_view text) {
+    if (!text.starts_with('#')) return NamedColor(text);
+    text.remove_prefix(1);
+    std::string digits;
+    for (const char digit : text) digits.append(text.size() == 3 ? 2 : 1, digit);
     std::uint32_t value = 0;
     const char* end = digits.data() + digits.size();
-    if (digits.size() != 7 || digits[0] != '#' || std::from_chars(digits.data() + 1, end, value, 16).ptr != end) {
-        return NotANumber(row, text, "a colour as #rrggbb");
-    }
-    const auto channel = [&](int shift) { return static_cast<A_u_char>(value >> shift & 0xFF); };
+    if (digits.size() != 6 || std::from_chars(digits.data(), end, value, 16).ptr != end) return std::nullopt;
+    return value;
+}
+
+Result<Done> SetColor(ParamRow& row, std::string_view text) {
+    const std::optional<std::uint32_t> value = ColorOf(Trimmed(text));
+    if (!value) return NotANumber(row, text, "a colour as #rrggbb, #rgb or a CSS name");
+    const auto channel = [&](int shift) { return static_cast<A_u_char>(*value >> shift & 0xFF); };
     row.def.u.cd.value = {255, channel(16), channel(8), channel(0)};
     return Done{};
 }
@@ -205,7 +233,10 @@ Result<Done> SetPopup(ParamRow& row, std::string_view text) {
         return Done{};
     }
     std::vector<std::string> near = Nearest(typed, forms, 1);
-    return Wrong(row, near.empty() ? fmt::format("has no item '{}'; use a number from 1 to {}", text, popup.num_choices)
+    if (forms.empty()) {
+        return Wrong(row, fmt::format("has no item '{}'; use a number from 1 to {}", text, popup.num_choices));
+    }
+    return Wrong(row, near.empty() ? fmt::format("has no item '{}'; the items are: {}", text, fmt::join(forms, ", "))
                                    : fmt::format("has no item '{}'; nearest: '{}' (of {})", text, near.front(),
                                                  fmt::join(forms, ", ")));
 }

@@ -11,6 +11,7 @@
 namespace {
 
 constexpr char kVariable[] = "UMBRANT_RENDERER";
+constexpr char kOpenGLVariable[] = "UMBRANT_GL";
 
 /// The whole text of the popup with this name; a bar in the text had made several items of it.
 std::string RowText(const ParamSet& params, std::string_view name) {
@@ -21,6 +22,16 @@ std::string RowText(const ParamSet& params, std::string_view name) {
         return text;
     }
     return "";
+}
+
+/// Fails when the variable that chooses the OpenGL has a value that the effect would refuse.
+Result<Done> CheckOpenGLVariable() {
+    const char* value = std::getenv(kOpenGLVariable);
+    if (!value || *value == '\0' || value == std::string_view("software") || value == std::string_view("hardware")) {
+        return Done{};
+    }
+    return Failure{ExitCode::kUsage,
+                   fmt::format("{} is \"{}\"; it must be \"software\" or \"hardware\"", kOpenGLVariable, value)};
 }
 
 }  // namespace
@@ -43,14 +54,16 @@ bool IsSoftware(const GpuStrings& gpu) {
 }
 
 Result<RendererWish> ReadRendererWish(const std::string& option) {
+    if (const auto checked = CheckOpenGLVariable(); !checked) return checked.Error();
     std::string wish = option;
     const char* variable = std::getenv(kVariable);
     const bool fromEnvironment = wish.empty() && variable && *variable != '\0';
     if (fromEnvironment) wish = variable;
     if (wish == "gl") return RendererWish::kOpenGL;
     if (wish == "cpu") return RendererWish::kProcessor;
-    if (fromEnvironment) {
-        return Failure{ExitCode::kUsage, fmt::format("{} is \"{}\"; it must be \"gl\" or \"cpu\"", kVariable, wish)};
+    if (fromEnvironment && wish != "auto") {
+        return Failure{ExitCode::kUsage,
+                       fmt::format("{} is \"{}\"; it must be \"gl\", \"cpu\" or \"auto\"", kVariable, wish)};
     }
     return RendererWish::kAuto;
 }

@@ -27,8 +27,9 @@ GpuStrings ReadGpuStrings(const ParamSet& params);
 /// What was asked for.
 enum class RendererWish { kAuto, kOpenGL, kProcessor };
 
-/// The wish by `option` ("auto", "gl", "cpu"); without one by the environment, where an empty variable is none. A value
-/// in the environment that is neither "gl" nor "cpu" is wrong usage.
+/// The wish by `option` ("auto", "gl", "cpu"); without one by the environment, where an empty variable is none. Another
+/// value of UMBRANT_RENDERER in the environment is wrong usage, and so is one of UMBRANT_GL that is neither "software"
+/// nor "hardware".
 Result<RendererWish> ReadRendererWish(const std::string& option);
 
 /// Whether the effect's OpenGL is drawn by the processor.

@@ -114,8 +114,10 @@ Result<const ClipCodec*> CodecFor(const std::string& path, const std::string& na
         if (named == codecs.end()) {
             std::vector<std::string> names;
             for (const ClipCodec& codec : codecs) names.emplace_back(codec.name);
-            return Failure{ExitCode::kUsage, fmt::format("there is no codec '{}' among {}; did you mean '{}'?", name,
-                                                         ClipCodecNames(), Nearest(name, names, 1).front())};
+            const auto near = Nearest(name, names, 1);
+            return Failure{ExitCode::kUsage,
+                           fmt::format("there is no codec '{}' among {}{}", name, ClipCodecNames(),
+                                       near.empty() ? "" : fmt::format("; did you mean '{}'?", near.front()))};
         }
         if (Holds(*named, extension)) return &*named;
         return Failure{ExitCode::kUsage, fmt::format("'{}' cannot hold {}, which goes into {}", path, named->words,

@@ -32,7 +32,7 @@ namespace umbrant {
 /// What draws. A module draws by one renderer in a process, which its first effect chooses; the choice is left in the
 /// environment variable UMBRANT_RENDERER, where the module reads it.
 enum class Renderer {
-    kAuto,  ///< UMBRANT_RENDERER ("gl", "cpu"), else OpenGL where hardware draws it, else the processor
+    kAuto,  ///< UMBRANT_RENDERER ("gl", "cpu", "auto"), else OpenGL where hardware draws it, else the processor
     kOpenGL,
     kProcessor,
 };

@@ -13,10 +13,10 @@ enum class ParameterKind {
     kGroup,     ///< begins a group; has no value
     kInteger,   ///< "12"
     kNumber,    ///< "12.5"; where `isPercent` the number is the one that the panel shows, and "50%" is taken too
-    kAngle,     ///< degrees, any number of turns: "405"
+    kAngle,     ///< degrees, any number of turns: "405"; "405deg" and "1x45" are taken too
     kCheckBox,  ///< "on", "off"
     kPopup,     ///< an item's text as `items` has it, or its number, which counts from 1
-    kColor,     ///< "#rrggbb"
+    kColor,     ///< "#rrggbb"; "#rgb" and CSS names are taken too
     kPoint,     ///< "x,y" in pixels of the full-size layer, or "x%,y%" of its size
     kPoint3D,   ///< "x,y,z"
     kLayer,     ///< row 0 is the layer itself, the others show the texture; no text sets them

@@ -193,18 +193,19 @@ TEST_F(PresetTest, EveryMistakeIsToldWithItsPlace) {
 })");
     ASSERT_FALSE(applied);
     EXPECT_EQ(applied.Error().code, ExitCode::kUsage);
-    EXPECT_EQ(applied.Error().sentence,
-              "the preset '" + (folder_ / "p.json").string() +
-                  "' has 8 mistakes:"
-                  "\n  line 3, column 3: there is no key 'valeus' in a preset; nearest: 'values'"
-                  "\n  line 4, column 23: 'size' takes 0 to 100, not 101"
-                  "\n  line 4, column 28: there is no parameter 'nothing'; nearest: 'count', 'on', 'kind'"
-                  "\n  line 6, column 5: 'kind' cannot have keyframes: the effect keeps it the same for all frames; "
-                  "give it one value in \"values\""
-                  "\n  line 7, column 5: 'angle' has a value and keyframes; leave one of them"
-                  "\n  line 8, column 5: 'size' has a value and keyframes; leave one of them"
-                  "\n  line 8, column 40: the keyframes of 'size' are out of order: frame 4 stands after frame 9"
-                  "\n  line 8, column 62: 'size' takes a number from 0 to 100, not 'big'");
+    EXPECT_EQ(
+        applied.Error().sentence,
+        "the preset '" + (folder_ / "p.json").string() +
+            "' has 8 mistakes:"
+            "\n  line 3, column 3: there is no key 'valeus' in a preset; nearest: 'values'"
+            "\n  line 4, column 23: 'size' takes 0 to 100, not 101"
+            "\n  line 4, column 28: there is no parameter 'nothing' nor a similar one; `umbrant params` lists them"
+            "\n  line 6, column 5: 'kind' cannot have keyframes: the effect keeps it the same for all frames; "
+            "give it one value in \"values\""
+            "\n  line 7, column 5: 'angle' has a value and keyframes; leave one of them"
+            "\n  line 8, column 5: 'size' has a value and keyframes; leave one of them"
+            "\n  line 8, column 40: the keyframes of 'size' are out of order: frame 4 stands after frame 9"
+            "\n  line 8, column 62: 'size' takes a number from 0 to 100, not 'big'");
     EXPECT_THAT(params_.animation.Tracks(), IsEmpty()) << "nothing is changed";
     EXPECT_EQ(params_.values.ValueText(*params_.values.Find("angle")), "0");
 }

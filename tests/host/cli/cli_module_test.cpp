@@ -57,6 +57,16 @@ TEST_F(CliWithoutOpenGL, InfoAsJsonIsJsonAlone) {
     EXPECT_EQ(info["host"]["version"], PROJECT_VERSION);
 }
 
+TEST_F(CliWithoutOpenGL, InfoSaysWhatAnotherEffectDoesNotSay) {
+    const Outcome outcome = Run({"info", "--module", TestModule("painter")});
+    ASSERT_EQ(outcome.code, 0) << outcome.err;
+    for (const char* line :
+         {"\nVendor           the effect does not say\n", "\nRenderer         the effect does not say\n",
+          "\nOpenGL Version   the effect does not say\n"}) {
+        EXPECT_THAT(outcome.out, HasSubstr(line));
+    }
+}
+
 TEST_F(CliWithoutOpenGL, ParamsListEveryRow) {
     const Outcome outcome = Run({"params"});
     ASSERT_EQ(outcome.code, 0) << outcome.err;
@@ -67,10 +77,13 @@ TEST_F(CliWithoutOpenGL, ParamsListEveryRow) {
           "19 +style/color +colour +#rrggbb +#000000", "23 +opacity/opacity-start +slider +0 to 100 % +20",
           "33 +easing/advanced/distance +slider +0 to 100 % +80", "39 +texture/layer +layer +--texture",
           "5 +about-support/gpu-spec +button +\\[Get Support\\] +supervised",
-          "7 +about-support/renderer +popup +NULL +cannot-time-vary, disabled",
-          "59 +debug/counter +slider +0 to 99999 +0 +disabled"}) {
+          "7 +about-support/renderer +popup +NULL +cannot-time-vary, disabled", "51 +compositing/buffer-expansion +slider +0 to 1000 +0"}) {
         EXPECT_THAT("\n" + outcome.out, testing::ContainsRegex("\n" + std::string(expression) + "\n"));
     }
+    EXPECT_THAT(outcome.out, testing::Not(HasSubstr("debug")));
+    const Outcome all = Run({"params", "--all"});
+    ASSERT_EQ(all.code, 0) << all.err;
+    EXPECT_THAT("\n" + all.out, testing::ContainsRegex("\n59 +debug/counter +slider +0 to 99999 +0 +disabled\n"));
 }
 
 TEST_F(CliWithoutOpenGL, ParamsAsJson) {
@@ -129,7 +142,7 @@ TEST_F(CliWithoutOpenGL, WrongValuesOfEveryShadowTypeAreTold) {
         const char* sentence;
     } rows[] = {
         {"a type that is none", "normal", "style/shadow-type=outer",
-         "'style/shadow-type' has no item 'outer'; nearest: 'inner' (of normal, inner, radial)"},
+         "'style/shadow-type' has no item 'outer'; the items are: normal, inner, radial"},
         {"a number that is no type", "normal", "style/shadow-type=4",
          "'style/shadow-type' takes an item number from 1 to 3, not 4"},
         {"a misspelt blend mode", "inner", "style/blend-mode=multply",

@@ -96,12 +96,12 @@ struct WrongPreset {
 TEST(CliPreset, MistakesAreAllToldAndNothingIsDrawn) {
     const WrongPreset rows[] = {
         {"several",
-         R"({"version": 1, "values": {"paint/boarder": 1, "paint/border": 40001, "flaw": "leek", "paint/color": "red"}})",
+         R"({"version": 1, "values": {"paint/boarder": 1, "paint/border": 40001, "flaw": "leek", "paint/color": "reddish"}})",
          2,
          {"the preset 'p.json' has 4 mistakes:\n",
           "\n  line 1, column 27: there is no parameter 'paint/boarder'; nearest: 'paint/border'",
           ": 'paint/border' takes 0 to 40000, not 40001\n", ": 'flaw' has no item 'leek'; nearest: 'leak'",
-          ": 'paint/color' takes a colour as #rrggbb, not 'red'"}},
+          ": 'paint/color' takes a colour as #rrggbb, #rgb or a CSS name, not 'reddish'"}},
         {"not a number",
          R"({"version": 1, "values": {"paint/border": "nan"}})",
          2,

@@ -106,6 +106,7 @@ TEST_F(CliRenderer, WishesAreHeard) {
         {"an empty variable is none", {}, {"UMBRANT_RENDERER="}, 0, "cpu"},
         {"the option wins", {"--renderer", "cpu"}, {"UMBRANT_RENDERER=gl"}, 0, "cpu"},
         {"auto beside the environment", {"--renderer", "auto"}, {"UMBRANT_RENDERER=gl"}, 0, "cpu"},
+        {"auto by the environment", {}, {"UMBRANT_RENDERER=auto"}, 0, "cpu"},
         {"gl where there is none", {"--renderer", "gl"}, {}, 1, nullptr},
         {"gl by the environment", {}, {"UMBRANT_RENDERER=gl"}, 1, nullptr},
     };
@@ -129,7 +130,10 @@ TEST_F(CliRenderer, WrongWishesAreToldBeforeAnythingIsDrawn) {
     for (const std::vector<std::string>& arguments : {Render({}), {"info"}}) {
         const Outcome variable = Run(arguments, {"UMBRANT_RENDERER=fast"});
         EXPECT_EQ(variable.code, 2);
-        EXPECT_THAT(variable.err, HasSubstr("UMBRANT_RENDERER is \"fast\"; it must be \"gl\" or \"cpu\""));
+        EXPECT_THAT(variable.err, HasSubstr("UMBRANT_RENDERER is \"fast\"; it must be \"gl\", \"cpu\" or \"auto\""));
+        const Outcome openGL = Run(arguments, {"UMBRANT_GL=xx"});
+        EXPECT_EQ(openGL.code, 2);
+        EXPECT_THAT(openGL.err, HasSubstr("UMBRANT_GL is \"xx\"; it must be \"software\" or \"hardware\"\n"));
         EXPECT_EQ(variable.out, "");
     }
     EXPECT_EQ(folder_.Entries(), entries);

@@ -63,7 +63,7 @@ TEST(LibraryFailures, TheRenderer) {
     const auto make = [&](Renderer renderer) { return Effect({file.string(), renderer, false, {}}); };
     ::setenv("UMBRANT_RENDERER", "abacus", 1);
     EXPECT_EQ(Thrown([&] { make(Renderer::kAuto); }),
-              "2: UMBRANT_RENDERER is \"abacus\"; it must be \"gl\" or \"cpu\"");
+              "2: UMBRANT_RENDERER is \"abacus\"; it must be \"gl\", \"cpu\" or \"auto\"");
     ::unsetenv("UMBRANT_RENDERER");
     make(Renderer::kProcessor);
     EXPECT_STREQ(std::getenv("UMBRANT_RENDERER"), "cpu");

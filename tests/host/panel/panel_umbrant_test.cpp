@@ -188,6 +188,9 @@ TEST_F(PanelSessionTest, ButtonsAreFoundByEveryName) {
         {"#4", 4},
         {"get-support", 5},
         {"about-support/gpu-spec", 5},
+        {"Product Page", 3},
+        {"Free Plugins", 4},
+        {"About & Support/Get Support", 5},
     };
     for (const auto& [name, index] : names) {
         const auto found = FindButton(*session, name);
@@ -199,6 +202,8 @@ TEST_F(PanelSessionTest, ButtonsAreFoundByEveryName) {
         ASSERT_FALSE(found) << name;
         EXPECT_EQ(found.Error().code, ExitCode::kUsage);
     }
+    EXPECT_EQ(FindButton(*session, "zyxw").Error().sentence.substr(0, 45),
+              "'zyxw' is no button; the buttons are: 'produc");
     EXPECT_THAT(FindButton(*session, "product-pages").Error().sentence,
                 ::testing::HasSubstr("'product-pages' is no button; nearest: 'product-page'"));
 }

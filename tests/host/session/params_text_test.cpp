@@ -157,8 +157,15 @@ INSTANTIATE_TEST_SUITE_P(
         WrongValue{"style/distance", "1e999", "'style/distance' takes a number from 0 to 2000, not '1e999'"},
         WrongValue{"style/distance", "0x10", "'style/distance' takes a number from 0 to 2000, not '0x10'"},
         WrongValue{"style/strength", "101", "'style/strength' takes 0 to 100 %, not 101"},
-        WrongValue{"style/angle", "north", "'style/angle' takes an angle in degrees, not 'north'"},
+        WrongValue{"style/angle", "north",
+                   "'style/angle' takes an angle in degrees, as 405, 405deg or 1x45, not 'north'"},
         WrongValue{"style/angle", "40000", "'style/angle' takes -32767 to 32767 degrees, not 40000"},
+        WrongValue{"style/angle", "91x8", "'style/angle' takes -32767 to 32767 degrees, not 32768"},
+        WrongValue{"style/angle", "1.5x45",
+                   "'style/angle' takes an angle in degrees, as 405, 405deg or 1x45, not '1.5x45'"},
+        WrongValue{"style/angle", "1x", "'style/angle' takes an angle in degrees, as 405, 405deg or 1x45, not '1x'"},
+        WrongValue{"style/angle", "45rad",
+                   "'style/angle' takes an angle in degrees, as 405, 405deg or 1x45, not '45rad'"},
         WrongValue{"style/origin", "10",
                    "'style/origin' takes a point as x,y in pixels of the full-size layer, not '10'"},
         WrongValue{"style/origin", "10%,5",
@@ -167,9 +174,13 @@ INSTANTIATE_TEST_SUITE_P(
         WrongValue{"style/origin", "1,2,3",
                    "'style/origin' takes a point as x,y in pixels of the full-size layer, not '1,2,3'"},
         WrongValue{"style/origin", "1,40000", "'style/origin' takes -32767 to 32767 pixels, not 40000"},
-        WrongValue{"style/color", "red", "'style/color' takes a colour as #rrggbb, not 'red'"},
-        WrongValue{"style/color", "#12345", "'style/color' takes a colour as #rrggbb, not '#12345'"},
-        WrongValue{"style/color", "#12345g", "'style/color' takes a colour as #rrggbb, not '#12345g'"},
+        WrongValue{"style/color", "reddish",
+                   "'style/color' takes a colour as #rrggbb, #rgb or a CSS name, not 'reddish'"},
+        WrongValue{"style/color", "#12345",
+                   "'style/color' takes a colour as #rrggbb, #rgb or a CSS name, not '#12345'"},
+        WrongValue{"style/color", "#12g", "'style/color' takes a colour as #rrggbb, #rgb or a CSS name, not '#12g'"},
+        WrongValue{"style/color", "#12345g",
+                   "'style/color' takes a colour as #rrggbb, #rgb or a CSS name, not '#12345g'"},
         WrongValue{"style/blend-mode", "softlight",
                    "'style/blend-mode' has no item 'softlight'; nearest: 'soft-light' (of normal, add, soft-light, "
                    "ease-in-out)"},
@@ -177,7 +188,9 @@ INSTANTIATE_TEST_SUITE_P(
                    "'style/blend-mode' cannot be set to 2, which is a separator line; the items are: normal, add, "
                    "soft-light, ease-in-out"},
         WrongValue{"style/blend-mode", "(-",
-                   "'style/blend-mode' has no item '(-'; nearest: 'add' (of normal, add, soft-light, ease-in-out)"},
+                   "'style/blend-mode' has no item '(-'; the items are: normal, add, soft-light, ease-in-out"},
+        WrongValue{"style/blend-mode", "difference",
+                   "'style/blend-mode' has no item 'difference'; the items are: normal, add, soft-light, ease-in-out"},
         WrongValue{"style/blend-mode", "0", "'style/blend-mode' takes an item number from 1 to 5, not 0"},
         WrongValue{"style/blend-mode", "6", "'style/blend-mode' takes an item number from 1 to 5, not 6"},
         WrongValue{"style/blend-mode", "1.5", "'style/blend-mode' takes an item number from 1 to 5, not 1.5"},
@@ -193,6 +206,47 @@ INSTANTIATE_TEST_SUITE_P(
         WrongValue{"#0", "a.png", "#0 is a layer; give it a picture instead of a value"},
         WrongValue{"panel", "1", "'panel' holds data of the effect's own, which no text can set"},
         WrongValue{"nothing", "1", "'nothing' has no value that a text can set"}));
+
+TEST(SetFromText, AnglesMayHaveAUnitOrTurns) {
+    const struct {
+        const char* text;
+        const char* degrees;
+    } rows[] = {{"45", "45"},       {"45deg", "45"},    {" 45 deg ", "45"}, {"45\u00B0", "45"},    {"1x45", "405"},
+                {"+1x45", "405"},   {"-1x45", "-405"},  {"-1x-45", "-405"}, {"1x-45", "315"},      {"0x45", "45"},
+                {"2x0.5", "720.5"}, {"1x45deg", "405"}, {"-0x45", "-45"},   {"1x+45\u00B0", "405"}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        ParamSet params = EveryKind();
+        const auto set = params.SetFromText("style/angle", row.text);
+        ASSERT_TRUE(set) << set.Error().sentence;
+        EXPECT_EQ(params.ValueText(*params.Find("style/angle")), row.degrees);
+    }
+}
+
+TEST(SetFromText, ColoursMayBeShortOrNamed) {
+    const struct {
+        const char* text;
+        const char* value;
+    } rows[] = {{"#203060", "#203060"},       {"#2AF", "#22aaff"},       {"red", "#ff0000"},
+                {"Teal", "#008080"},          {" aliceblue", "#f0f8ff"}, {"YellowGreen", "#9acd32"},
+                {"rebeccapurple", "#663399"}, {"grey", "#808080"},       {"gray", "#808080"}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        ParamSet params = EveryKind();
+        const auto set = params.SetFromText("style/color", row.text);
+        ASSERT_TRUE(set) << set.Error().sentence;
+        EXPECT_EQ(params.ValueText(*params.Find("style/color")), row.value);
+    }
+}
+
+TEST(Nearest, FarNamesAreNotSuggested) {
+    const std::vector<std::string> names{"render", "params", "panel", "style/distance"};
+    EXPECT_THAT(Nearest("bogus", names, 3), ElementsAre());
+    EXPECT_THAT(Nearest("rendr", names, 3), ElementsAre("render"));
+    EXPECT_THAT(Nearest("dist", names, 3), ElementsAre("style/distance")) << "a part of a name";
+    EXPECT_THAT(Nearest("x", names, 3), ElementsAre());
+    EXPECT_THAT(Nearest("", names, 3), ElementsAre());
+}
 
 TEST(SetFromText, AWrongNameIsSaidFirst) {
     ParamSet params = EveryKind();

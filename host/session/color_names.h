@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// The colours that CSS has names for.
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+/// 0xRRGGBB of a name of the CSS Color Module, Level 4, in any case; nothing for other texts.
+std::optional<std::uint32_t> NamedColor(std::string_view name);
