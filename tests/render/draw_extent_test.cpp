@@ -40,6 +40,26 @@ TEST_F(DrawExtent, DrawsOnlyWhereTheLayerReaches) {
     }
 }
 
+TEST_F(DrawExtent, ARadialShadowLooksATexelBeyondItsLayer) {
+    // One pixel at (20, 15) in a border of 10; a copy of the same size, whose blur reaches 10 pixels and two to spare.
+    for (int y = 0; y < 30; ++y) {
+        for (int x = 0; x < 40; ++x) input_.At8(x, y) = {0, 9, 9, 9};
+    }
+    input_.At8(20, 15) = {1, 0, 0, 0};
+    host_.panel[PARAM_SHADOW_TYPE].u.pd.value = SHADOW_RADIAL;
+    Slide(PARAM_SAMPLES, 1);
+    Slide(PARAM_DISTANCE, 0);
+    ASSERT_EQ(Run(), PF_Err_NONE);
+    const std::vector<std::string> boxes = fake::CallsTo("glScissor");
+    ASSERT_EQ(boxes.size(), 3u);
+    int x = 0, y = 0, width = 0, height = 0;
+    ASSERT_EQ(std::sscanf(boxes[0].c_str(), "glScissor(%d, %d, %d, %d)", &x, &y, &width, &height), 4);
+    EXPECT_EQ(y, 15 + 10 - 1) << boxes[0];
+    EXPECT_EQ(height, 3) << boxes[0];
+    EXPECT_EQ(x, 20 + 10 - 1 - 12) << boxes[0];
+    EXPECT_EQ(width, 3 + 2 * 12) << boxes[0];
+}
+
 TEST_F(DrawExtent, AnEmptyLayerIsOnlyClearedAndReadBack) {
     for (int y = 0; y < 30; ++y) {
         for (int x = 0; x < 40; ++x) input_.At8(x, y) = {0, 9, 9, 9};
