@@ -11,6 +11,7 @@
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
 #include "host/cli/results.h"
+#include "host/panel/panel_rows.h"
 
 namespace {
 
@@ -25,7 +26,8 @@ Result<ExitCode> Completion(const CompletionOptions& options) {
     const std::vector<Command> commands = AllCommands();
     CLI::App app;
     DeclareProgram(app, commands);
-    const CompletionNode program = DescribeCommands(app);
+    CompletionNode program = DescribeCommands(app);
+    NameRows(program, TwirlNames(opened->Session()));
     const std::vector<CompletionRow> rows = DescribeRows(opened->Session().Params());
     PrintResult(options.shell == "bash"  ? BashCompletion(program, rows)
                 : options.shell == "zsh" ? ZshCompletion(program, rows)

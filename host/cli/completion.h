@@ -55,6 +55,9 @@ struct CompletionRow {
 /// each word that may come first.
 CompletionNode DescribeCommands(const CLI::App& app);
 
+/// Gives every value that is a row of the panel these names to choose from.
+void NameRows(CompletionNode& program, const std::vector<std::string>& names);
+
 /// The rows that `--set` takes and that have a path.
 std::vector<CompletionRow> DescribeRows(const ParamSet& params);
 

@@ -7,6 +7,8 @@
 #include <algorithm>
 
 #include "host/cli/completion.h"
+#include "host/image/compression_names.h"
+#include "host/video/clip_format.h"
 
 namespace {
 
@@ -52,6 +54,10 @@ CompletionValue ValueOf(const CLI::Option& option) {
     const std::string type = option.get_type_name();
     value.shown = ShownType(type);
     value.choices = ChoicesOf(type);
+    // Their values depend on the file that is written, so no check names them.
+    if (option.check_lname("codec")) value.choices = Split(ClipCodecNames(), ' ');
+    if (option.check_lname("compression")) value.choices = CompressionNames();
+    for (std::string& word : value.choices) std::erase(word, ',');
     const auto begins = [&](const char* text) { return value.shown.rfind(text, 0) == 0; };
     if (!value.choices.empty()) {
         value.kind = Kind::kChoices;
@@ -112,6 +118,15 @@ CompletionNode DescribeCommands(const CLI::App& app) {
         command.arguments.clear();
     }
     return program;
+}
+
+void NameRows(CompletionNode& program, const std::vector<std::string>& names) {
+    for (CompletionOption& option : program.options) {
+        if (option.value.kind != Kind::kRow) continue;
+        option.value.kind = Kind::kChoices;
+        option.value.choices = names;
+    }
+    for (CompletionNode& command : program.commands) NameRows(command, names);
 }
 
 std::vector<CompletionRow> DescribeRows(const ParamSet& params) {

@@ -9,7 +9,12 @@
 #include <array>
 #include <cctype>
 #include <charconv>
+#include <sstream>
+#include <string>
 #include <system_error>
+#include <vector>
+
+#include "host/image/compression_names.h"
 
 namespace {
 
@@ -183,4 +188,13 @@ FileDepth FileDepthNamed(const std::string& name) {
         if (NameOf(depth) == name) return depth;
     }
     return FileDepth::kAuto;
+}
+
+std::vector<std::string> CompressionNames() {
+    std::vector<std::string> names;
+    std::istringstream words(std::string(kTiffCompressions) + std::string(kExrCompressions));
+    for (std::string word; words >> word;) {
+        if (std::find(names.begin(), names.end(), word) == names.end()) names.push_back(word);
+    }
+    return names;
 }

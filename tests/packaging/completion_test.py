@@ -27,12 +27,22 @@ ROWS = [
     ("an argument's values", "umbrant completion ", ["bash", "zsh", "fish"], []),
     ("parameters", "umbrant render --set style/", ["style/shadow-type", "style/distance"], ["easing/mode"]),
     ("items of a popup", "umbrant render --set style/shadow-type=", ["inner", "radial"], ["screen"]),
-    ("rows of the panel", "umbrant panel --open easing/", ["easing/mode"], ["style/angle"]),
+    ("rows of the panel", "umbrant panel --open easing/", ["easing/advanced"], ["style/angle", "easing/mode"]),
+    ("groups of the panel", "umbrant panel --open ", ["all", "style", "about-support"], ["style/shadow-type"]),
+    ("codecs", "umbrant render --codec ", ["prores4444", "ffv1", "vp9", "png"], []),
+    ("compressions", "umbrant render --compression ", ["zip", "piz", "lzw", "none"], []),
+    ("rows for developers", "umbrant render --set debug/", ["debug/counter"], []),
     ("the first word of a farm's job", "umbrant farm ", ["slurm", "openjd", "parallel"], []),
     ("a farm's own options", "umbrant farm --halt ", ["never", "soon", "now"], []),
     ("the arguments of a farm's job", "umbrant farm slurm in.png --mis", ["--missing"], ["--halt"]),
     ("values in a farm's job", "umbrant farm parallel in.png --canvas ", ["grow", "layer"], ["slurm"]),
     ("after other options", "umbrant render in.png -o x.png --set style/angle=9 --mis", ["--missing"], ["--canvas"]),
+]
+
+# Beginnings with one end: zsh writes that end at once, and lists nothing.
+BEGINNINGS = [
+    ("the beginning of a farm's option", "umbrant farm --fra", ["--frames-per-task"], ["--frames"]),
+    ("the frames of a farm's job", "umbrant farm slurm in.png --fra", ["--frames"], ["--frames-per-task"]),
 ]
 
 
@@ -117,7 +127,7 @@ class Completion(unittest.TestCase):
             "source umbrant.bash; COMP_LINE=$1 COMP_POINT=${#1} COMP_WORDBREAKS=$2; _umbrant; "
             "printf '%s\\n' \"${COMPREPLY[@]}\""
         )
-        for title, line, offered, absent in ROWS:
+        for title, line, offered, absent in ROWS + BEGINNINGS:
             for breaks in (" \t\n\"'><=;|&(:", " \t\n\"'><;|&(:"):
                 with self.subTest(title, breaks=breaks):
                     done = subprocess.run(["bash", "-c", ask, "ask", line, breaks], cwd=self.folder, check=True,
@@ -178,7 +188,7 @@ class Completion(unittest.TestCase):
     def test_fish(self):
         self.need("fish")
         (self.folder / "umbrant.fish").write_text(script("fish"), encoding="utf-8")
-        for title, line, offered, absent in ROWS:
+        for title, line, offered, absent in ROWS + BEGINNINGS:
             with self.subTest(title):
                 done = subprocess.run(["fish", "-c", "source umbrant.fish; complete -C $argv[1]", line], check=True,
                                       cwd=self.folder, capture_output=True, text=True,
