@@ -4,8 +4,11 @@
 // The program `umbrant`: everything happens in the command that it is asked for.
 
 #include "host/cli/command.h"
+#include "host/process/interruption.h"
 
 int main(int argc, char** argv) {
     PrepareProcess();
-    return RunProgram(argc, argv);
+    const int code = RunProgram(argc, argv);
+    StayWhileEnding();
+    return code;
 }

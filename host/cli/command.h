@@ -46,8 +46,8 @@ std::string OutOfRange(const std::string& text, double low, double high);
 /// The host program's own version, "major.minor.fix".
 std::string ProgramVersion();
 
-/// Standard output for results alone, whatever an effect prints; an interruption removes half-written files and ends
-/// the process with `ExitCode::kInterrupted`. Once, before RunProgram.
+/// Standard output for results alone, whatever an effect prints; a signal that ends the process removes half-written
+/// files first and leaves an exit code of 128 plus the signal. Once, before anything else.
 void PrepareProcess();
 
 /// Finds the command that the arguments name and runs it; prints what went wrong. Returns the process's exit code.

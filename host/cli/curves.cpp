@@ -15,6 +15,7 @@
 #include "host/animation/curves_picture.h"
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
+#include "host/cli/output_folder.h"
 #include "host/cli/results.h"
 #include "host/cli/sequence_report.h"
 #include "host/cli/settings.h"
@@ -101,6 +102,7 @@ Result<ExitCode> Curves(const CurvesCommandOptions& options) {
     }
     if (!options.output.empty()) {
         if (auto writable = CheckWritable(options.output); !writable) return writable.Error();
+        CleanFolderOf(options.output);
     }
     const auto rate = ParseRate(options.rate);
     if (!rate) return rate.Error();

@@ -14,11 +14,13 @@
 
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
+#include "host/cli/output_folder.h"
 #include "host/cli/results.h"
 #include "host/cli/settings.h"
 #include "host/image/picture.h"
 #include "host/panel/panel_picture.h"
 #include "host/panel/panel_rows.h"
+#include "host/process/interruption.h"
 #include "host/sequence/frame_numbers.h"
 
 namespace {
@@ -104,7 +106,11 @@ std::string Json(const std::vector<PanelItem>& items) {
 Result<Done> Press(EffectSession& session, const std::string& name) {
     const auto button = FindButton(session, name);
     if (!button) return button.Error();
-    if (auto pressed = session.UserChangedParam(*button); !pressed) return pressed;
+    {
+        // The effect may start a program that outlives this one, a browser for an address.
+        const SignalsOfTheStart signals;
+        if (auto pressed = session.UserChangedParam(*button); !pressed) return pressed;
+    }
     std::fputs(fmt::format("pressed '{}'\n", session.Params().Row(*button).label).c_str(), stderr);
     return Done{};
 }
@@ -141,6 +147,7 @@ Result<ExitCode> Panel(const PanelOptions& options) {
     }
     if (!options.output.empty()) {
         if (auto writable = CheckWritable(options.output); !writable) return writable.Error();
+        CleanFolderOf(options.output);
     }
     auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module));
     if (!opened) return opened.Error();

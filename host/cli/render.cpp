@@ -15,6 +15,7 @@
 
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
+#include "host/cli/output_folder.h"
 #include "host/cli/progress.h"
 #include "host/cli/render_options.h"
 #include "host/cli/render_report.h"
@@ -141,6 +142,7 @@ Result<ExitCode> Render(const RenderOptions& options) {
     }
     const auto wish = ReadRendererWish(options.renderer);
     if (!wish) return wish.Error();
+    CleanFolderOf(options.output, options.sequence.quiet);
     Progress progress(SecondsOfProgress(options.sequence));
     progress.Say("the pictures are read");
     const auto layers = ReadLayers(options);

@@ -7,13 +7,16 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <memory>
+#include <set>
 
 #include "host/cli/clip_ends.h"
 #include "host/cli/frame_progress.h"
 #include "host/cli/render_options.h"
 #include "host/cli/results.h"
 #include "host/cli/sequence_report.h"
+#include "host/process/abandoned_files.h"
 #include "host/sequence/draw_frames.h"
 #include "host/sequence/memory_plan.h"
 #include "host/session/renderer.h"
@@ -277,6 +280,7 @@ class SequenceRender {
             !options_.json && !clips_.Writes());
         progress.SetKeepsGoing(options_.sequence.keepGoing);
         if (!clips_.Note().empty()) progress.Note(clips_.Note());
+        if (const std::string removed = RemoveAbandonedFiles(OutputFolders()); !removed.empty()) progress.Note(removed);
         DrawFrames(job_, instances_.all, *reader_, std::move(first), progress);
         const FrameTotals totals = progress.Finish();
         if (clips_.Writes() && totals.failed == 0) {
@@ -291,6 +295,13 @@ class SequenceRender {
         if (totals.failed == 0) return ExitCode::kDone;
         if (options_.sequence.keepGoing) return ExitCode::kEffectFailed;
         return totals.firstFailure;
+    }
+
+    std::set<std::filesystem::path> OutputFolders() const {
+        if (clips_.Writes()) return {FolderOf(options_.output)};
+        std::set<std::filesystem::path> folders;
+        for (const PlannedFrame& frame : plan_.frames) folders.insert(FolderOf(frame.output));
+        return folders;
     }
 
     void TellMisbehaviour() const {

@@ -7,16 +7,20 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <optional>
 #include <sstream>
 
 #include "host/cli/command.h"
 #include "host/cli/results.h"
-#include "host/image/temporary_file.h"
+#include "host/process/interruption.h"
+#include "host/process/standard_streams.h"
+#include "host/process/temporary_file.h"
 #include "host/session/param_set.h"
 #include "host/video/child_process.h"
 
@@ -33,21 +37,23 @@ constexpr char kFooter[] =
     "  umbrant params\n"
     "\n"
     "Exit codes: 0 done, 1 the effect or a check failed (or compared pictures differ), 2 wrong usage or a bad value,\n"
-    "3 a file cannot be read or written, 4 the module cannot be loaded, 5 an internal error, 130 interrupted.";
+    "3 a file cannot be read or written, 4 the module cannot be loaded, 5 an internal error, 129 the terminal was "
+    "closed,\n"
+    "130 interrupted, 131 quit, 141 nobody reads standard output, 143 terminated.";
 
 int Code(ExitCode code) {
     return static_cast<int>(code);
 }
 
 void Say(const std::string& sentence) {
+    StayWhileEnding();
     std::fputs(fmt::format("umbrant: {}\n", sentence).c_str(), stderr);
 }
 
-extern "C" void OnInterrupt(int) {
+void CleanUp() {
     // They may be writing files that are removed then.
     EndChildProcesses();
     EndTemporaryFiles();
-    std::_Exit(static_cast<int>(ExitCode::kInterrupted));
 }
 
 std::string Suggestion(const std::string& typed, const std::vector<std::string>& candidates) {
@@ -93,10 +99,10 @@ int UsageError(const CLI::App& app, const std::vector<Command>& commands, const 
     return Code(ExitCode::kUsage);
 }
 
-/// The command's own code, or internal when even its results could not be handed over.
+/// The command's own code, unless its results could not be handed over.
 int Finish(int code) {
     if (FlushResults()) return code;
-    Say("the results cannot be written to standard output");
+    Say(fmt::format("the results cannot be written to standard output: {}", std::strerror(errno)));
     return Code(ExitCode::kFile);
 }
 
@@ -105,6 +111,8 @@ int Run(const Command& command) {
         const Result<ExitCode> outcome = command.run();
         if (outcome) return Finish(Code(*outcome));
         Say(outcome.Error().sentence);
+        // The failure's own code says more than that of results that were lost too.
+        Finish(Code(outcome.Error().code));
         return Code(outcome.Error().code);
     } catch (const std::exception& problem) {
         Say(fmt::format("internal error: {}", problem.what()));
@@ -117,9 +125,12 @@ int Run(const Command& command) {
 }  // namespace
 
 void PrepareProcess() {
+    if (!OpenStandardStreams()) {
+        Say("a standard stream is closed, and /dev/null cannot be opened in its place");
+        std::_Exit(Code(ExitCode::kFile));
+    }
+    HandleInterruptions(CleanUp);
     KeepStandardOutputForResults();
-    std::signal(SIGINT, OnInterrupt);
-    std::signal(SIGTERM, OnInterrupt);
     // A limit on the size of files is a write that fails, like a full disk.
     std::signal(SIGXFSZ, SIG_IGN);
 }

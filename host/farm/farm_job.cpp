@@ -50,8 +50,8 @@ std::string TryTask(const FarmJob& job, const char* number) {
         "        wait \"$drawing\"\n"
         "        code=$?\n"
         "    fi\n"
-        "    # Wrong usage stays wrong, and who interrupts it means it.\n"
-        "    case $code in 0 | 2 | 130) break ;; esac\n";
+        "    # Wrong usage stays wrong, and a signal is meant to end the task.\n"
+        "    case $code in 0 | 2 | 129 | 130 | 131 | 143) break ;; esac\n";
     text += fmt::format("    echo \"try $try of {} ended with exit code $code\" >&2\n", job.tries);
     text +=
         "done\n"

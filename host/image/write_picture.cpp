@@ -21,7 +21,7 @@
 #include "host/image/picture.h"
 #include "host/image/picture_format.h"
 #include "host/image/picture_place.h"
-#include "host/image/temporary_file.h"
+#include "host/process/temporary_file.h"
 
 namespace {
 

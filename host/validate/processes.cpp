@@ -24,6 +24,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "host/process/interruption.h"
 #include "host/validate/process_memory.h"
 
 extern char** environ;
@@ -270,8 +271,10 @@ Child StartProgram(std::vector<std::string> arguments, const std::vector<std::st
     posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK);
     posix_spawnattr_setpgroup(&attributes, 0);
+    const sigset_t mask = SignalMaskForChildren();
+    posix_spawnattr_setsigmask(&attributes, &mask);
     // By its own name, as a tool that the program runs in, valgrind for one, has that link for itself.
     std::error_code unknown;
     const std::filesystem::path link = "/proc/self/exe";

@@ -17,7 +17,10 @@
 #include <chrono>
 #include <csignal>
 #include <cstring>
+#include <thread>
 #include <utility>
+
+#include "host/process/interruption.h"
 
 extern char** environ;
 
@@ -30,7 +33,7 @@ namespace {
 constexpr std::size_t kLongestLine = 400;
 constexpr int kDrainPause = 100;  // milliseconds
 
-/// The children that run, where a signal handler may read them.
+/// The children that run, for an interruption to end.
 constexpr pid_t kNone = 0;
 constexpr pid_t kStarting = -1;
 std::array<std::atomic<pid_t>, 32> running{};
@@ -38,12 +41,7 @@ std::array<std::atomic<pid_t>, 32> running{};
 /// The program is being interrupted: no child is started any more.
 std::atomic<bool> ending{false};
 
-/// What an interruption did to a child is no answer: whoever would take it for one stays here until the program ends.
-void StayWhileEnding() {
-    while (ending) std::this_thread::sleep_for(std::chrono::seconds(1));
-}
-
-/// A place among the children that run; -1 when all are taken, and a signal then finds this one not.
+/// A place among the children that run; -1 when all are taken, and an interruption then finds this one not.
 int TakeSlot() {
     for (std::size_t i = 0; i < running.size(); ++i) {
         pid_t none = kNone;
@@ -56,18 +54,17 @@ void SetSlot(int slot, pid_t process) {
     if (slot >= 0) running[static_cast<std::size_t>(slot)] = process;
 }
 
-/// Keeps signals from this thread while it lives.
-class SignalsHeld {
+/// Keeps the signal of broken pipes from this thread while it lives.
+class PipeSignalHeld {
  public:
-    explicit SignalsHeld(std::initializer_list<int> signals) {
+    PipeSignalHeld() {
         sigemptyset(&held_);
-        for (const int signal : signals) sigaddset(&held_, signal);
+        sigaddset(&held_, SIGPIPE);
         pthread_sigmask(SIG_BLOCK, &held_, &before_);
     }
-    ~SignalsHeld() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-    SignalsHeld(const SignalsHeld&) = delete;
-    SignalsHeld& operator=(const SignalsHeld&) = delete;
-    const sigset_t& Before() const { return before_; }
+    ~PipeSignalHeld() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+    PipeSignalHeld(const PipeSignalHeld&) = delete;
+    PipeSignalHeld& operator=(const PipeSignalHeld&) = delete;
     const sigset_t& Held() const { return held_; }
 
  private:
@@ -79,7 +76,7 @@ class SignalsHeld {
 /// goes to the thread that wrote, so it is held and taken away here, and what the rest of the program does with its
 /// own outputs stays as it was.
 ssize_t WriteQuietly(int pipe, const std::byte* bytes, std::size_t count) {
-    const SignalsHeld held({SIGPIPE});
+    const PipeSignalHeld held;
     sigset_t pending;
     sigpending(&pending);
     const bool wasPending = sigismember(&pending, SIGPIPE) == 1;
@@ -116,8 +113,7 @@ struct Pipe {
 };
 
 /// Starts the program; returns the system's error, 0 for none.
-int Spawn(const std::vector<std::string>& arguments, int input, int output, int errors, pid_t& process,
-          const sigset_t& mask) {
+int Spawn(const std::vector<std::string>& arguments, int input, int output, int errors, pid_t& process) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     const auto connect = [&actions](int descriptor, int target, int mode) {
@@ -137,6 +133,7 @@ int Spawn(const std::vector<std::string>& arguments, int input, int output, int 
     sigemptyset(&usual);
     sigaddset(&usual, SIGPIPE);
     posix_spawnattr_setsigdefault(&attributes, &usual);
+    const sigset_t mask = SignalMaskForChildren();
     posix_spawnattr_setsigmask(&attributes, &mask);
     posix_spawnattr_setpgroup(&attributes, 0);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
@@ -159,14 +156,15 @@ Result<std::unique_ptr<ChildProcess>> ChildProcess::Start(const std::vector<std:
     const bool writes = piped == Piped::kInput;
     std::unique_ptr<ChildProcess> child(new ChildProcess);
     {
-        // An interruption that comes to this thread waits until the child is known, and one that comes to another
-        // thread waits for the same; see EndChildProcesses.
-        const SignalsHeld held({SIGINT, SIGTERM});
+        // An interruption waits until the child is known; see EndChildProcesses.
         child->slot_ = TakeSlot();
+        if (ending) {
+            SetSlot(child->slot_, kNone);
+            StayWhileEnding();
+        }
         pid_t process = -1;
-        const int error = ending ? EINTR
-                                 : Spawn(arguments, writes ? stream.reads : -1, writes ? -1 : stream.writes,
-                                         errors.writes, process, held.Before());
+        const int error =
+            Spawn(arguments, writes ? stream.reads : -1, writes ? -1 : stream.writes, errors.writes, process);
         SetSlot(child->slot_, error == 0 ? process : kNone);
         if (error != 0) {
             child->waitedFor_ = true;
@@ -220,6 +218,7 @@ bool ChildProcess::Write(const std::byte* bytes, std::size_t count) {
         const ssize_t written = pipe_ < 0 ? -1 : WriteQuietly(pipe_, bytes, count);
         if (written < 0 && pipe_ >= 0 && errno == EINTR) continue;
         if (written < 0) {
+            // What an interruption did to a child is no answer.
             StayWhileEnding();
             return false;
         }
@@ -256,7 +255,7 @@ void ChildProcess::Kill() {
 const ChildEnd& ChildProcess::Wait() {
     if (waitedFor_) return end_;
     Close(pipe_);
-    // Its number may be given to another process only after it has left the list that a signal handler reads.
+    // Its number may be given to another process only after it has left the list of those that run.
     siginfo_t info{};
     while (waitid(P_PID, static_cast<id_t>(process_), &info, WEXITED | WNOWAIT) != 0 && errno == EINTR) {
     }

@@ -66,6 +66,5 @@ class ChildProcess {
     std::unique_ptr<Shared> shared_;
 };
 
-/// Ends all children of this kind before the program ends at once; none is started any more. May be called from a
-/// signal handler.
+/// Ends all children of this kind before the program ends; none is started any more. Any thread.
 void EndChildProcesses() noexcept;

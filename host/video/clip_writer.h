@@ -10,7 +10,7 @@
 #include <string>
 #include <utility>
 
-#include "host/image/temporary_file.h"
+#include "host/process/temporary_file.h"
 #include "host/video/child_process.h"
 #include "host/video/clip_format.h"
 

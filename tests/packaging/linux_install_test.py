@@ -175,6 +175,13 @@ class Installed(unittest.TestCase):
         self.assertTrue(any(name.startswith("umbrant::Effect::Render(") for name in names), names)
         self.assertEqual([name for name in names if not name.startswith("umbrant::")], [])
 
+    def test_the_archive_leaves_the_signals_of_its_program_alone(self):
+        listed = run("nm", "--undefined-only", self.prefix / LIBDIR / "libumbrant_host.a")
+        names = {line.split()[-1].split("@")[0] for line in listed.splitlines() if line.split()}
+        self.assertIn("malloc", names)
+        self.assertEqual(
+            names & {"pthread_sigmask", "sigprocmask", "sigaction", "signal", "sigwait", "pthread_atfork"}, set())
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -113,7 +113,10 @@ TEST_F(CliFarm, ATaskKeepsItsExitCodeAndIsTriedAgainWhereThatMayHelp) {
         {"a module that cannot be loaded", "exit 4", 4, 3},
         {"the second try helps", "[[ $(wc -l <tries) -gt 1 ]]", 0, 2},
         {"wrong usage", "exit 2", 2, 1},
+        {"a terminal that was closed", "exit 129", 129, 1},
         {"an interruption", "exit 130", 130, 1},
+        {"a quit", "exit 131", 131, 1},
+        {"an end by the engine", "exit 143", 143, 1},
         {"killed", "kill -9 $$", 137, 3},
     };
     for (const auto& row : rows) {
@@ -138,9 +141,9 @@ TEST_F(CliFarm, AnEndedTaskLeavesNothingUnfinished) {
     const std::string script =
         "cd " + Quoted(folder_.Path().string()) +
         " && { SLURM_ARRAY_TASK_ID=1 bash job.sh >/dev/null 2>&1 & pid=$!; tries=0;"
-        " while [ -z \"$(find . -name '.out.*.part.png')\" ] && [ $tries -lt 3000 ]; do sleep 0.01; "
+        " while [ -z \"$(find . -name '.umbrant-*.part')\" ] && [ $tries -lt 3000 ]; do sleep 0.01; "
         "tries=$((tries+1)); done; kill -TERM $pid; wait $pid; }";
-    EXPECT_EQ(WEXITSTATUS(std::system(script.c_str())), 130);
+    EXPECT_EQ(WEXITSTATUS(std::system(script.c_str())), 143);
     for (const auto& entry : std::filesystem::directory_iterator(folder_.Path())) {
         EXPECT_THAT(entry.path().filename().string(), Not(StartsWith(".")));
     }

@@ -284,7 +284,7 @@ TEST_F(CliRender, AnInterruptionLeavesNothing) {
     const std::string script = "cd " + Quoted(folder_.Path().string()) + " && { " + Quoted(UMBRANT_PROGRAM) +
                                " render in.png -o out.png --module " + Quoted(TestModule("painter")) +
                                " --set paint/border=1500 --depth 32 >/dev/null 2>&1 & pid=$!; tries=0;"
-                               " while [ -z \"$(find . -name '.out.*.part.png')\" ] && [ $tries -lt 3000 ]; do sleep "
+                               " while [ -z \"$(find . -name '.umbrant-*.part')\" ] && [ $tries -lt 3000 ]; do sleep "
                                "0.01; tries=$((tries+1)); done;"
                                " kill -INT $pid; wait $pid; }";
     const int status = std::system(script.c_str());

@@ -18,7 +18,8 @@ TEST(CliUsage, HelpHasExamplesAndExitCodes) {
     const Outcome help = RunUmbrant(folder, {"--help"});
     EXPECT_EQ(help.code, 0);
     for (const char* text : {"render", "params", "info", "compare", "Examples:", "--version", "Exit codes: 0 done",
-                             "2 wrong usage", "130 interrupted"}) {
+                             "2 wrong usage", "129 the terminal was closed", "130 interrupted", "131 quit",
+                             "141 nobody reads standard output", "143 terminated"}) {
         EXPECT_THAT(help.out, HasSubstr(text));
     }
     EXPECT_EQ(help.err, "");

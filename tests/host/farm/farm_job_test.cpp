@@ -59,8 +59,8 @@ for ((try = 1; try <= 3; ++try)); do
         wait "$drawing"
         code=$?
     fi
-    # Wrong usage stays wrong, and who interrupts it means it.
-    case $code in 0 | 2 | 130) break ;; esac
+    # Wrong usage stays wrong, and a signal is meant to end the task.
+    case $code in 0 | 2 | 129 | 130 | 131 | 143) break ;; esac
     echo "try $try of 3 ended with exit code $code" >&2
 done
 exit "$code"

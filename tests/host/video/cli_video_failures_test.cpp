@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <sstream>
 #include <thread>
 
 #include "tests/host/video/clips.h"
@@ -164,6 +165,27 @@ TEST_F(ClipFailures, OneThatIsNotThere) {
     EXPECT_THAT(outcome.err, HasSubstr("'ffprobe', which clips are read and written by, cannot be started: "));
 }
 
+TEST_F(ClipFailures, ProgramsOfClipsBlockAndIgnoreNoSignals) {
+    // Bits of SIGHUP, SIGINT, SIGQUIT, SIGPIPE and SIGTERM.
+    Fake("ffmpeg", Encoder("grep -E '^Sig(Blk|Ign)' /proc/self/status >signals; cat >\"$file\""));
+    const Outcome outcome = Render("still.png", "out.mov", {"--frames", "1-2"}, WithFakes());
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    std::istringstream lines(ReadBytes(folder_ / "signals"));
+    int seen = 0;
+    for (std::string name, bits; lines >> name >> bits; ++seen) {
+        EXPECT_EQ(std::stoul(bits, nullptr, 16) & 0x5007, 0u) << name << bits;
+    }
+    EXPECT_EQ(seen, 2);
+}
+
+TEST_F(ClipFailures, ANameOf255Bytes) {
+    const std::string name = std::string(251, 'n') + ".mov";
+    Fake("ffmpeg", Encoder("cat >\"$file\""));
+    const Outcome outcome = Render("still.png", name, {"--frames", "1-2"}, WithFakes());
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_TRUE(Exists(name));
+}
+
 TEST_F(ClipFailures, AnInterruptionEndsEverybodyAtOnce) {
     WriteBytes(folder_ / "in.mov", kMovBytes);
     const std::string hangs = "trap '' INT TERM; : >started; sleep 1000";
@@ -188,12 +210,21 @@ TEST_F(ClipFailures, AnInterruptionEndsEverybodyAtOnce) {
             "; PATH=" + Quoted((folder_ / "bin").string() + ":/usr/bin:/bin") + " " + Quoted(UMBRANT_PROGRAM) +
             " render " + row.input + " -o out.mov --frames 0-9 --module " + Quoted(TestModule("painter")) +
             " 2>/dev/null & pid=$!; n=0; while [ ! -e " + Quoted((folder_ / "started").string()) +
-            " ] && [ $n -lt 200 ]; do sleep 0.05; n=$((n+1)); done; sleep 0.2; kill -INT $pid; wait $pid; echo $?";
-        const auto begin = std::chrono::steady_clock::now();
-        // Jobs in the background of a shell without job control take no interruption; with it they do.
-        EXPECT_EQ(Shell("bash -mc " + Quoted(command) + " 2>/dev/null"), "130");
-        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(300));
-        ExpectNothingLeft(4);
+            " ] && [ $n -lt 200 ]; do sleep 0.05; n=$((n+1)); done; sleep 0.2; kill -";
+        const struct {
+            const char* signal;
+            const char* code;
+        } ends[] = {{"INT", "130"}, {"HUP", "129"}, {"QUIT", "131"}, {"TERM", "143"}};
+        for (const auto& end : ends) {
+            SCOPED_TRACE(end.signal);
+            std::filesystem::remove(folder_ / "started");
+            const auto begin = std::chrono::steady_clock::now();
+            // Jobs in the background of a shell without job control take no interruption; with it they do.
+            EXPECT_EQ(Shell("bash -mc " + Quoted(command + end.signal + " $pid; wait $pid; echo $?") + " 2>/dev/null"),
+                      end.code);
+            EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(300));
+            ExpectNothingLeft(4);
+        }
     }
 }
 

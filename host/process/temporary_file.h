@@ -2,8 +2,8 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// A file under construction: it has a temporary name beside its place until it is whole. Whoever finds a file under its
-// right name may trust it.
+// A file under construction: it has a hidden temporary name in the folder of its place until it is whole. Whoever finds
+// a file under its right name may trust it.
 
 #include <filesystem>
 #include <optional>
@@ -11,12 +11,12 @@
 
 #include "host/result.h"
 
-/// Removes its file when it goes, unless the file was put in its place. One at a time may be under construction in a
-/// thread; across threads any number.
+/// Removes its file when it goes, unless the file was put in its place. Any number may be under construction, on any
+/// threads.
 class TemporaryFile {
  public:
-    /// Makes an empty file: hidden, in the folder of `place`, with its extension. An interruption finds it from its
-    /// first moment on; while there is one, this does not return.
+    /// Makes an empty file in the folder of `place`, with a name of HiddenName. An interruption finds it from its first
+    /// moment on; while there is one, this does not return.
     explicit TemporaryFile(const std::filesystem::path& place);
     ~TemporaryFile();
     TemporaryFile(const TemporaryFile&) = delete;
@@ -38,14 +38,12 @@ class TemporaryFile {
  private:
     std::filesystem::path place_;
     std::filesystem::path name_;
-    int slot_ = -1;
     int descriptor_ = -1;
     int problem_ = 0;
 };
 
-/// Removes every file under construction. May be called from a signal handler.
-void RemoveTemporaryFiles() noexcept;
+/// Removes every file under construction.
+void RemoveTemporaryFiles();
 
-/// The same before the program ends at once: whoever begins another file waits for that end. To be called from a signal
-/// handler, on any thread.
-void EndTemporaryFiles() noexcept;
+/// The same before the process ends: whoever begins another file waits for that end.
+void EndTemporaryFiles();

@@ -3,7 +3,7 @@
 
 // Files under construction: where they are, when they go, and that an interruption finds every one of them.
 
-#include "host/image/temporary_file.h"
+#include "host/process/temporary_file.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -18,6 +18,8 @@
 #include <vector>
 
 #include "host/image/picture.h"
+#include "host/process/file_owner.h"
+#include "host/process/interruption.h"
 #include "tests/host/image/picture_files.h"
 
 namespace {
@@ -27,8 +29,7 @@ TEST(TemporaryFile, GoesWithItsOwner) {
     {
         const TemporaryFile temporary(folder / "a.png");
         EXPECT_EQ(temporary.Name().parent_path(), folder.Path());
-        EXPECT_EQ(temporary.Name().extension(), ".png");
-        EXPECT_NE(temporary.Name(), folder / "a.png");
+        EXPECT_TRUE(OwnerOf(temporary.Name().filename().string())) << temporary.Name();
         EXPECT_EQ(ReadBytes(temporary.Name()), "") << "it is there, and empty";
         EXPECT_FALSE(temporary.Problem());
         WriteBytes(temporary.Name(), "half");
@@ -90,11 +91,6 @@ TEST(TemporaryFile, WhoWritesOnAfterAnInterruptionMakesNoNewFile) {
     EXPECT_EQ(folder.Entries(), 0);
 }
 
-extern "C" void EndAtOnce(int) {
-    EndTemporaryFiles();
-    _exit(130);
-}
-
 /// Makes and writes files on several threads until the process ends.
 [[noreturn]] void WriteForEver(const Folder& folder) {
 #if defined(__SANITIZE_THREAD__)
@@ -104,7 +100,7 @@ extern "C" void EndAtOnce(int) {
     pthread_attr_setstacksize(&attributes, std::size_t{10} << 20);
     pthread_setattr_default_np(&attributes);
 #endif
-    std::signal(SIGINT, EndAtOnce);
+    HandleInterruptions(EndTemporaryFiles);
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&folder] {
@@ -135,6 +131,34 @@ TEST(TemporaryFile, AnInterruptionAtAnyMomentLeavesNone) {
         ++interrupted;
     }
     EXPECT_GT(interrupted, 0) << "every writer was ended before it was ready";
+}
+
+TEST(TemporaryFile, TheNameOfTheFileMayBeAsLongAsTheSystemTakes) {
+    const Folder folder;
+    const std::string longest(255, 'n');
+    {
+        TemporaryFile temporary(folder / longest);
+        EXPECT_FALSE(temporary.Problem());
+        ASSERT_TRUE(temporary.PutInPlace());
+    }
+    EXPECT_TRUE(std::filesystem::exists(folder / longest));
+}
+
+TEST(TemporaryFile, ANameThatIsTakenIsPassedOver) {
+    const Folder folder;
+    const std::string name = TemporaryFile(folder / "a.png").Name().filename().string();
+    const auto owner = OwnerOf(name);
+    ASSERT_TRUE(owner);
+    unsigned count = 0;
+    while (HiddenName(*owner, count) != name) ++count;
+    for (unsigned next = 1; next <= 3; ++next) WriteBytes(folder / HiddenName(*owner, count + next), "another's");
+    {
+        const TemporaryFile temporary(folder / "a.png");
+        EXPECT_FALSE(temporary.Problem());
+        EXPECT_EQ(ReadBytes(temporary.Name()), "");
+        EXPECT_EQ(folder.Entries(), 4);
+    }
+    EXPECT_EQ(folder.Entries(), 3);
 }
 
 }  // namespace
