@@ -3,29 +3,72 @@
 
 #include "host/cli/results.h"
 
+#include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
-#include <cstdio>
+#include <cerrno>
+#include <csignal>
+#include <mutex>
+#include <string_view>
+
+#include "host/process/interruption.h"
 
 namespace {
 
-std::FILE* results = stdout;
-bool failed = false;
+constexpr std::size_t kBuffered = 1 << 16;
+
+struct Results {
+    std::mutex mutex;
+    int descriptor = STDOUT_FILENO;
+    std::string pending;
+    int error = 0;  ///< the first one; what comes after it is dropped
+};
+
+Results& TheResults() {
+    static Results results;
+    return results;
+}
+
+void WritePending(Results& results) {
+    std::string_view rest = results.pending;
+    while (!rest.empty() && results.error == 0) {
+        const ssize_t count = write(results.descriptor, rest.data(), rest.size());
+        if (count >= 0) {
+            rest.remove_prefix(static_cast<std::size_t>(count));
+        } else if (errno == EAGAIN || errno == EWOULDBLOCK) {
+            pollfd output{results.descriptor, POLLOUT, 0};
+            poll(&output, 1, -1);
+        } else if (errno == EPIPE) {
+            EndProcess(128 + SIGPIPE);
+        } else if (errno != EINTR) {
+            results.error = errno;
+        }
+    }
+    results.pending.clear();
+}
 
 }  // namespace
 
 void KeepStandardOutputForResults() {
-    const int kept = dup(STDOUT_FILENO);
-    std::FILE* stream = kept < 0 ? nullptr : fdopen(kept, "w");
-    if (!stream) return;
-    results = stream;
+    Results& results = TheResults();
+    const int kept = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    if (kept < 0) return;
+    results.descriptor = kept;
     dup2(STDERR_FILENO, STDOUT_FILENO);
 }
 
 void PrintResult(const std::string& text) {
-    if (std::fwrite(text.data(), 1, text.size(), results) != text.size()) failed = true;
+    Results& results = TheResults();
+    const std::lock_guard lock(results.mutex);
+    results.pending += text;
+    if (results.pending.size() >= kBuffered) WritePending(results);
 }
 
 bool FlushResults() {
-    return std::fflush(results) == 0 && !failed;
+    Results& results = TheResults();
+    const std::lock_guard lock(results.mutex);
+    WritePending(results);
+    errno = results.error;
+    return results.error == 0;
 }

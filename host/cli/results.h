@@ -11,8 +11,8 @@
 /// at the program's start, before a module is loaded.
 void KeepStandardOutputForResults();
 
-/// Prints to the standard output that the program was started with.
+/// Prints to the program's standard output. When nobody reads there any more, the process ends, with exit code 141.
 void PrintResult(const std::string& text);
 
-/// Hands over all results. False when one of them could not be written.
+/// Hands over all results. False when any of them could not be written so far; errno is then the first one's error.
 bool FlushResults();
