@@ -80,6 +80,14 @@ LentBytes LentBytes::Create(std::size_t size, bool clear) {
     return bytes;
 }
 
+LentBytes LentBytes::Over(std::byte* data, std::size_t size, std::shared_ptr<void> owner) {
+    LentBytes bytes;
+    bytes.data_ = data;
+    bytes.size_ = size;
+    bytes.owner_ = std::move(owner);
+    return bytes;
+}
+
 LentBytes::~LentBytes() {
     Free();
 }
@@ -95,6 +103,7 @@ LentBytes& LentBytes::operator=(LentBytes&& other) noexcept {
     size_ = std::exchange(other.size_, 0);
     pages_ = std::exchange(other.pages_, nullptr);
     pagesSize_ = std::exchange(other.pagesSize_, 0);
+    owner_ = std::move(other.owner_);
     return *this;
 }
 
@@ -111,7 +120,9 @@ bool LentBytes::SlackIsWhole() const {
 }
 
 void LentBytes::Free() {
-    if (!pages_) {
+    if (owner_) {
+        owner_.reset();
+    } else if (!pages_) {
         std::free(data_);
     } else {
         // The addresses stay taken and shut for good: whoever still holds one is found out.

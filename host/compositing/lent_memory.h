@@ -8,6 +8,7 @@
 // back pages stay shut, so that a late touch does the same.
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 
 /// Where lent bytes lie between their pages.
@@ -34,11 +35,14 @@ class LentBytes {
     LentBytes() = default;
     /// `size` may be 0. Null (Data() is null) when memory cannot be had. Bytes are zero when `clear`.
     static LentBytes Create(std::size_t size, bool clear);
+    /// Somebody else's bytes, aligned to 16, for as long as `owner` is held. The rules do not hold for them.
+    static LentBytes Over(std::byte* data, std::size_t size, std::shared_ptr<void> owner);
     ~LentBytes();
     LentBytes(LentBytes&& other) noexcept;
     LentBytes& operator=(LentBytes&& other) noexcept;
 
     std::byte* Data() const { return data_; }
+    std::size_t Size() const { return size_; }
     /// Makes the bytes, and everything on their pages, read-only or writeable again. False without pages of its own.
     bool SetReadOnly(bool readOnly) const;
     /// Whether the watched bytes between the block and its pages' ends are as they were. True without any.
@@ -50,4 +54,5 @@ class LentBytes {
     std::size_t size_ = 0;
     std::byte* pages_ = nullptr;  ///< the open pages; null for the C library's memory
     std::size_t pagesSize_ = 0;
+    std::shared_ptr<void> owner_;  ///< of bytes that are not this object's
 };

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 
 #include "host/compositing/lent_memory.h"
 #include "hostapi/pixels.h"
@@ -19,7 +20,8 @@ int BytesPerPixel(Depth depth);
 PF_PixelFormat PixelFormatOf(Depth depth);
 
 /// The format that this host recorded in a world it made, also for a by-value copy of the record;
-/// PF_PixelFormat_INVALID for a world that is not ours.
+/// PF_PixelFormat_INVALID for a world that is not ours, and for a record that somebody changed so that it describes
+/// pixels outside of the memory of a world.
 PF_PixelFormat PixelFormatOf(const PF_EffectWorld& world);
 /// The depth of a world that this host made. Precondition: its format is one of the three.
 Depth DepthOf(const PF_EffectWorld& world);
@@ -36,6 +38,13 @@ class World {
     static World Create(int width, int height, Depth depth, bool clear = true);
     /// The same with pixels of any value: for a caller that writes every one of them before anybody reads.
     static World CreateUnwritten(int width, int height, Depth depth);
+    /// A world over memory of at least BytesOf bytes, which it owns from here on; null when they are too few.
+    static World CreateOver(LentBytes bytes, int width, int height, Depth depth);
+    /// The bytes that a world of this shape takes: the same in every process of this program. Nothing for a shape that
+    /// no world has.
+    static std::optional<std::size_t> BytesOf(int width, int height, Depth depth);
+    /// Makes every pixel half-transparent and light, so that an effect which leaves one unwritten is seen at once.
+    void FillUnwritten();
 
     bool IsNull() const { return !block_; }
     PF_EffectWorld& Def();
@@ -55,5 +64,6 @@ class World {
         void operator()(Block* block) const;
     };
     static World Allocate(int width, int height, Depth depth, bool clear);
+    static World Describe(LentBytes bytes, int width, int height, Depth depth);
     std::unique_ptr<Block, Deleter> block_;
 };

@@ -7,8 +7,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -105,6 +108,54 @@ TEST(World, AForeignRecordIsNot) {
     foreign.height = 4;
     foreign.reserved_long1 = PF_PixelFormat_ARGB32;
     EXPECT_EQ(PixelFormatOf(foreign), PF_PixelFormat_INVALID);
+}
+
+TEST(World, ARecordThatLeadsOutOfItsMemoryIsNoWorld) {
+    World world = World::Create(4, 4, Depth::k8);
+    const PF_EffectWorld record = world.Def();
+    PF_EffectWorld inside = record;
+    inside.height = 2;
+    inside.data = reinterpret_cast<PF_PixelPtr>(world.Row(2));
+    EXPECT_EQ(PixelFormatOf(inside), PF_PixelFormat_ARGB32) << "a part of it is one";
+    inside.rowbytes = -record.rowbytes;
+    EXPECT_EQ(PixelFormatOf(inside), PF_PixelFormat_ARGB32) << "its rows from the bottom up too";
+    const struct {
+        const char* name;
+        void (*change)(PF_EffectWorld&);
+    } rows[] = {{"more rows", [](PF_EffectWorld& each) { ++each.height; }},
+                {"many rows", [](PF_EffectWorld& each) { each.height = 2147483647; }},
+                {"longer rows", [](PF_EffectWorld& each) { each.rowbytes *= 2; }},
+                {"the longest rows", [](PF_EffectWorld& each) { each.rowbytes = 2147483647; }},
+                {"rows before it", [](PF_EffectWorld& each) { each.rowbytes = -16; }},
+                {"wider rows", [](PF_EffectWorld& each) { each.width += 5; }},
+                {"larger pixels", [](PF_EffectWorld& each) { each.reserved_long1 = PF_PixelFormat_ARGB128; }},
+                {"no pixels", [](PF_EffectWorld& each) { each.data = nullptr; }},
+                {"pixels elsewhere", [](PF_EffectWorld& each) { each.data = reinterpret_cast<PF_PixelPtr>(&each); }}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        PF_EffectWorld changed = record;
+        row.change(changed);
+        EXPECT_EQ(PixelFormatOf(changed), PF_PixelFormat_INVALID);
+    }
+    world = World();
+    EXPECT_EQ(PixelFormatOf(record), PF_PixelFormat_INVALID) << "nor is the record of a world that has gone";
+}
+
+TEST(World, LiesOverMemoryThatSomebodyElseHas) {
+    const auto size = World::BytesOf(5, 3, Depth::k32);
+    ASSERT_TRUE(size);
+    auto memory = std::make_shared<std::vector<std::max_align_t>>(*size / sizeof(std::max_align_t) + 1);
+    auto* data = reinterpret_cast<std::byte*>(memory->data());
+    EXPECT_TRUE(World::CreateOver(LentBytes::Over(data, *size - 1, memory), 5, 3, Depth::k32).IsNull());
+    World world = World::CreateOver(LentBytes::Over(data, *size, memory), 5, 3, Depth::k32);
+    ASSERT_FALSE(world.IsNull());
+    EXPECT_EQ(world.Row(0), data);
+    EXPECT_EQ(world.Def().rowbytes, World::Create(5, 3, Depth::k32).Def().rowbytes);
+    EXPECT_EQ(memory.use_count(), 2);
+    world = World();
+    EXPECT_EQ(memory.use_count(), 1);
+    EXPECT_FALSE(World::BytesOf(-1, 3, Depth::k8));
+    EXPECT_EQ(World::BytesOf(0, 3, Depth::k8), std::size_t{0});
 }
 
 TEST(World, EmptyWorldsHaveNoPixels) {
