@@ -4,9 +4,11 @@
 // The program `umbrant`: everything happens in the command that it is asked for.
 
 #include "host/cli/command.h"
+#include "host/isolation/module_child.h"
 #include "host/process/interruption.h"
 
 int main(int argc, char** argv) {
+    if (const auto served = RunModuleProcess(argc, argv)) return *served;
     PrepareProcess();
     const int code = RunProgram(argc, argv);
     StayWhileEnding();

@@ -41,12 +41,12 @@ std::string WithoutFinalBreaks(std::string text) {
 }
 
 nlohmann::ordered_json Describe(const OpenedModule& opened, const std::string& about, RendererWish wish) {
-    const Registration& effect = opened.module->Effect();
+    const Registration& effect = opened.effect;
     const EffectSession& session = *opened.session;
     const GpuStrings gpu = ReadGpuStrings(session.Params());
     const RendererDecision renderer = DecideRenderer(wish, gpu);
     return {
-        {"module", opened.module->File().string()},
+        {"module", opened.file.string()},
         {"name", effect.name},
         {"matchName", effect.matchName},
         {"category", effect.category},
@@ -100,6 +100,7 @@ Result<ExitCode> Info(const InfoOptions& options) {
     const auto about = opened->Session().About();
     if (!about) return about.Error();
     const auto info = Describe(*opened, *about, *wish);
+    if (auto ended = opened->Session().End(); !ended) return ended.Error();
     const std::string text =
         options.json ? info.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n" : Text(info);
     PrintResult(text);

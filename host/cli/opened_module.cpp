@@ -3,18 +3,31 @@
 
 #include "host/cli/opened_module.h"
 
+#include "host/isolation/module_process.h"
+#include "host/module/own_module.h"
+
 #include <filesystem>
 #include <utility>
 
 Result<OpenedModule> OpenModule(const std::optional<std::string>& option, SessionOptions options) {
     std::optional<std::filesystem::path> named;
     if (option) named = *option;
-    const auto file = FindModule(named);
+    const ModuleSearch search = DefaultModuleSearch(named);
+    const auto file = FindModule(search);
     if (!file) return file.Error();
+    OpenedModule opened;
+    opened.file = *file;
+    if (!IsOwnModule(*file, search.folders)) {
+        auto process = ModuleProcess::Start({*file, std::move(options), {}});
+        if (!process) return process.Error();
+        opened.effect = (*process)->Effect();
+        opened.session.emplace(EffectSession::Over(std::move(*process)));
+        return opened;
+    }
     auto loaded = Module::Load(*file);
     if (!loaded) return loaded.Error();
-    OpenedModule opened;
     opened.module = std::make_unique<Module>(std::move(*loaded));
+    opened.effect = opened.module->Effect();
     auto session = EffectSession::Start(*opened.module, std::move(options));
     if (!session) return session.Error();
     opened.session.emplace(std::move(*session));

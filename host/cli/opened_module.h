@@ -4,6 +4,7 @@
 
 // What every command that meets the effect begins with: the module's file found and loaded, and a session started.
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -12,13 +13,16 @@
 #include "host/session/effect_session.h"
 #include "host/session/renderer.h"
 
-/// A session and the module that it needs to outlive it.
+/// A session on a module: on the program's own one in this process, on any other in a process of its own.
 struct OpenedModule {
-    std::unique_ptr<Module> module;
+    std::filesystem::path file;
+    Registration effect;
+    std::unique_ptr<Module> module;  ///< outlives the session; null for a module in another process
     std::optional<EffectSession> session;
 
     EffectSession& Session() { return *session; }
 };
 
-/// Loads the module that `option` names, or the one that is found without it, and starts a session.
+/// Loads the module that `option` names, or the one that is found without it, and starts a session. Whose module it is
+/// is decided before anything of it is run.
 Result<OpenedModule> OpenModule(const std::optional<std::string>& option, SessionOptions options = {});

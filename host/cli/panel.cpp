@@ -120,7 +120,7 @@ Result<Done> WritePanel(EffectSession& session, const OpenedModule& opened, cons
     drawing.width = options.width;
     drawing.scale = options.scale;
     drawing.theme = options.theme == "light" ? &kLightTheme : &kDarkTheme;
-    drawing.effectName = opened.module->Effect().name;
+    drawing.effectName = opened.effect.name;
     const auto picture = DrawPanel(session, drawing);
     if (!picture) return picture.Error();
     const World& pixels = picture->pixels;

@@ -230,6 +230,7 @@ Result<ExitCode> Params(const ParamsOptions& options) {
     } else {
         text = Text(params, options.all);
     }
+    if (auto ended = opened->Session().End(); !ended) return ended.Error();
     PrintResult(text);
     return ExitCode::kDone;
 }

@@ -9,6 +9,7 @@
 
 #include "host/panel/cairo_picture.h"
 #include "host/panel/panel_painter.h"
+#include "host/session/remote_session.h"
 #include "host/suites/drawbot_canvas.h"
 
 namespace {
@@ -55,6 +56,13 @@ std::vector<PanelItem> PanelItems(const EffectSession& session, int width) {
 Result<PanelPicture> DrawPanel(EffectSession& session, const PanelPictureOptions& options) {
     PanelPicture picture;
     picture.items = PanelItems(session, options.width);
+    if (RemoteSession* remote = session.Remote()) {
+        auto pixels =
+            remote->DrawPanel({options.width, options.scale, options.theme == &kLightTheme, options.effectName});
+        if (!pixels) return pixels.Error();
+        picture.pixels = std::move(*pixels);
+        return picture;
+    }
     const double height = PanelHeight(picture.items);
     const CairoSurface surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, options.width * options.scale,
                                                           static_cast<int>(std::ceil(height)) * options.scale));

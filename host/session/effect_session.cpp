@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/session/remote_session.h"
 #include "host/session/session_state.h"
 #include "host/suites/tokens.h"
 
@@ -130,12 +131,14 @@ Result<Done> SendPanelCommand(SessionState& state, PF_Cmd command, void* extra) 
 }  // namespace
 
 EffectSession::EffectSession(std::unique_ptr<SessionState> state) : state_(std::move(state)) {}
+EffectSession::EffectSession(std::unique_ptr<RemoteSession> remote) : remote_(std::move(remote)) {}
 EffectSession::EffectSession(EffectSession&&) noexcept = default;
 
 EffectSession& EffectSession::operator=(EffectSession&& other) noexcept {
     if (this != &other) {
-        EffectSession ended(std::move(state_));
+        const EffectSession ended(std::move(*this));
         state_ = std::move(other.state_);
+        remote_ = std::move(other.remote_);
     }
     return *this;
 }
@@ -144,6 +147,10 @@ EffectSession::~EffectSession() {
     if (!state_) return;
     SetDown(*state_);
     DropTokens(&state_->services);
+}
+
+EffectSession EffectSession::Over(std::unique_ptr<RemoteSession> remote) {
+    return EffectSession(std::move(remote));
 }
 
 EffectSession EffectSession::Create(const Module& module, SessionOptions options) {
@@ -168,6 +175,11 @@ Result<EffectSession> EffectSession::Start(const Module& module, SessionOptions 
 }
 
 Result<EffectSession> EffectSession::StartInstance(const EffectSession& first, std::optional<SessionOptions> options) {
+    if (first.remote_) {
+        auto another = first.remote_->StartInstance(options);
+        if (!another) return another.Error();
+        return Over(std::move(*another));
+    }
     const SessionState& from = *first.state_;
     auto state =
         std::make_unique<SessionState>(from.module, options ? std::move(*options) : SessionOptions(from.options));
@@ -189,22 +201,26 @@ Result<EffectSession> EffectSession::StartInstance(const EffectSession& first, s
 }
 
 Result<Done> EffectSession::End() {
+    if (remote_) return remote_->End();
     if (std::optional<Failure> failure = SetDown(*state_)) return *failure;
     return Done{};
 }
 
 Result<std::string> EffectSession::About() {
+    if (remote_) return remote_->About();
     const Answer answer = SendCommand(*state_, PF_Cmd_ABOUT, nullptr, nullptr, nullptr);
     if (answer.Failed()) return FailureOf(*state_, answer);
     return answer.record.message;
 }
 
 Result<Done> EffectSession::UpdateParamsUI() {
+    if (remote_) return remote_->UpdateParamsUI();
     if (!(state_->outFlags & PF_OutFlag_SEND_UPDATE_PARAMS_UI)) return Done{};
     return SendPanelCommand(*state_, PF_Cmd_UPDATE_PARAMS_UI, nullptr);
 }
 
 Result<Done> EffectSession::UserChangedParam(int index) {
+    if (remote_) return remote_->UserChangedParam(index);
     if (index < 0 || index >= state_->params.Count()) {
         return Failure{ExitCode::kUsage, fmt::format("there is no parameter #{}", index)};
     }
@@ -224,6 +240,7 @@ Result<Done> EffectSession::SendEvent(PF_EventExtra* event) {
 }
 
 bool EffectSession::SetTwirl(int index, bool collapsed) {
+    if (remote_) return remote_->SetTwirl(index, collapsed);
     return state_->services.panel.SetCollapsed(index, collapsed);
 }
 
@@ -232,58 +249,72 @@ CommandRecord EffectSession::Send(PF_Cmd command, PF_ParamDef* params[], PF_Laye
 }
 
 Result<PreRendered> EffectSession::PreRender(const FrameRequest& request) {
+    if (remote_) return remote_->PreRender(request);
     return PreRenderFrame(*state_, request);
 }
 
 Result<Frame> EffectSession::Render(const FrameRequest& request) {
+    if (remote_) return remote_->Render(request);
     return RenderFrame(*state_, request);
 }
 
 ParamSet& EffectSession::Params() {
+    if (remote_) return remote_->Params();
     return state_->params;
 }
 
 const ParamSet& EffectSession::Params() const {
+    if (remote_) return remote_->Params();
     return state_->params;
 }
 
 const PanelState& EffectSession::Panel() const {
+    if (remote_) return remote_->Panel();
     return state_->services.panel;
 }
 
 LayerGeometry EffectSession::PanelGeometry() const {
+    if (remote_) return remote_->PanelGeometry();
     return state_->PanelGeometry();
 }
 
 PF_OutFlags EffectSession::OutFlags() const {
+    if (remote_) return remote_->OutFlags();
     return state_->outFlags;
 }
 
 PF_OutFlags2 EffectSession::OutFlags2() const {
+    if (remote_) return remote_->OutFlags2();
     return state_->outFlags2;
 }
 
 A_u_long EffectSession::EffectVersion() const {
+    if (remote_) return remote_->EffectVersion();
     return state_->effectVersion;
 }
 
 Balance EffectSession::Open() const {
+    if (remote_) return remote_->Open();
     return state_->services.tally.Snapshot();
 }
 
 std::vector<std::string> EffectSession::Misbehaviour() const {
+    if (remote_) return remote_->Misbehaviour();
     return state_->services.Misbehaviour();
 }
 
 std::vector<std::string> EffectSession::AcquiredSuites() const {
+    if (remote_) return remote_->AcquiredSuites();
     return state_->services.acquired.Names();
 }
 
 std::vector<std::string> EffectSession::RefusedSuites() const {
+    if (remote_) return remote_->RefusedSuites();
     return state_->services.refused.Names();
 }
 
 std::optional<Activity> EffectSession::Now() const {
+    if (remote_) return remote_->Now();
     const std::lock_guard lock(state_->runningMutex);
     if (state_->running.empty()) return std::nullopt;
     const SessionState::Running& first = state_->running.front();
@@ -292,6 +323,7 @@ std::optional<Activity> EffectSession::Now() const {
 }
 
 std::vector<CommandRecord> EffectSession::Commands() const {
+    if (remote_) return remote_->Commands();
     const std::lock_guard lock(state_->commandsMutex);
     return {state_->commands.begin(), state_->commands.end()};
 }

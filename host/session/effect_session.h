@@ -27,6 +27,7 @@
 #include "hostapi/custom_ui.h"
 #include "hostapi/smart_render.h"
 
+class RemoteSession;
 struct SessionState;
 
 /// What a command is sent with. A hook may change the pointers and what they lead to.
@@ -65,6 +66,9 @@ struct SessionOptions {
     WorldWatch worldWatch{};
     /// What the effect gives back can no longer be used: suites' tables are shut, parameter definitions overwritten.
     bool strictLending = false;
+    /// Makes the world that a frame is drawn into, its pixels of any value but zero; null when memory cannot be had.
+    /// Without it the world is of this process's memory.
+    std::function<World(int width, int height, Depth depth)> makeOutput{};
 };
 
 /// How much of the plane a frame shows.
@@ -166,6 +170,9 @@ class EffectSession {
     /// Another instance of the effect that `first` has set up: the same global data, declaration and values, and a
     /// sequence set-up of its own; without `options` those of `first`. `first` must outlive it, and end after it.
     static Result<EffectSession> StartInstance(const EffectSession& first, std::optional<SessionOptions> options = {});
+    /// The session that another process holds; see RemoteSession. Its records are the other process's, as of the last
+    /// call that returned. Send, SendEvent, SetUp and the hooks of SessionOptions are not for such a session.
+    static EffectSession Over(std::unique_ptr<RemoteSession> remote);
     /// Ends the session when End was not called.
     ~EffectSession();
     EffectSession(EffectSession&&) noexcept;
@@ -219,7 +226,13 @@ class EffectSession {
     /// The commands outside of frames, in order; the last thousand of them.
     std::vector<CommandRecord> Commands() const;
 
+    /// Null for a session of this process.
+    RemoteSession* Remote() const { return remote_.get(); }
+
  private:
     explicit EffectSession(std::unique_ptr<SessionState> state);
+    explicit EffectSession(std::unique_ptr<RemoteSession> remote);
+    /// One of the two.
     std::unique_ptr<SessionState> state_;
+    std::unique_ptr<RemoteSession> remote_;
 };

@@ -131,10 +131,21 @@ Failure RenderFailure(const SessionState& state, const Answer& answer, const PF_
     return failure;
 }
 
+/// Whether two records describe the same pixels at the same place.
+bool IsSame(const PF_EffectWorld& one, const PF_EffectWorld& other) {
+    return one.data == other.data && one.rowbytes == other.rowbytes && one.width == other.width &&
+           one.height == other.height && one.origin_x == other.origin_x && one.origin_y == other.origin_y &&
+           one.reserved0 == other.reserved0 && one.reserved_long1 == other.reserved_long1 &&
+           one.world_flags == other.world_flags;
+}
+
 /// Sends render for what pre-render promised. The output world is the frame's.
 std::optional<Failure> SendRender(FrameRecord& frame, void* preRenderData, const PF_LRect& rect,
                                   std::set<std::string>& suites) {
-    frame.output = World::Create(WidthOf(rect), HeightOf(rect), frame.request.layer->PixelDepth(), false);
+    const Depth depth = frame.request.layer->PixelDepth();
+    const auto& make = frame.state.options.makeOutput;
+    frame.output =
+        make ? make(WidthOf(rect), HeightOf(rect), depth) : World::Create(WidthOf(rect), HeightOf(rect), depth, false);
     if (frame.output.IsNull()) {
         return Failure{ExitCode::kInternal,
                        fmt::format("there is no memory for a picture of {} x {}", WidthOf(rect), HeightOf(rect))};
@@ -144,6 +155,7 @@ std::optional<Failure> SendRender(FrameRecord& frame, void* preRenderData, const
 
     const WorldWatch& watch = frame.state.services.worldWatch;
     if (watch) watch(frame.output, WorldRole::kOutput, true);
+    const PF_EffectWorld record = frame.output.Def();
 
     PF_SmartRenderInput input{};
     input.output_request = frame.outputRequest;
@@ -153,6 +165,11 @@ std::optional<Failure> SendRender(FrameRecord& frame, void* preRenderData, const
     frame.stage = FrameRecord::Stage::kRender;
     const Answer answer = SendCommand(frame.state, PF_Cmd_SMART_RENDER, &frame, nullptr, &extra);
     frame.stage = FrameRecord::Stage::kIdle;
+    if (!IsSame(frame.output.Def(), record)) {
+        frame.state.services.Report(
+            "PF_Cmd_SMART_RENDER changed the record of its output world; what the host knows of it counts");
+        frame.output.Def() = record;
+    }
     if (watch) watch(frame.output, WorldRole::kOutput, false);
     frame.Note(answer);
     suites.insert(answer.suites.begin(), answer.suites.end());

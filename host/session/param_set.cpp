@@ -214,3 +214,10 @@ void ParamSet::TakeValue(int index, const PF_ParamDef& def, const LayerGeometry&
     row.def.u = def.u;
     if (const char** pointer = TextPointer(row.def)) *pointer = row.text->c_str();
 }
+
+void ParamSet::SetValue(int index, const PF_ParamDefUnion& u, const std::optional<LayerPoint>& point) {
+    ParamRow& row = rows_[static_cast<std::size_t>(index)];
+    row.def.u = u;
+    row.point = point;
+    if (const char** pointer = TextPointer(row.def)) *pointer = row.text->c_str();
+}

@@ -89,6 +89,10 @@ class ParamSet {
     /// Takes over a value that the effect wrote into a checked-out definition of the row; the type must be the row's.
     void TakeValue(int index, const PF_ParamDef& def, const LayerGeometry& geometry);
 
+    /// Sets the row's value to that of a copy of the set in another process: `u` and `point` are what they are in that
+    /// copy's ParamRow. Text pointers in `u` are not followed.
+    void SetValue(int index, const PF_ParamDefUnion& u, const std::optional<LayerPoint>& point);
+
     /// A copy of the row's definition with the value that the effect sees: points in 16.16 downsampled pixels.
     PF_ParamDef CheckOut(int index, const LayerGeometry& geometry) const;
 

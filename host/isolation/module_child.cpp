@@ -1,0 +1,357 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// One request at a time, on the thread on which the module was loaded. Whatever the module does to this process, the
+// program hears of it by the socket's end, and reads from the status page where it happened.
+
+#include "host/isolation/module_child.h"
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <list>
+#include <map>
+#include <mutex>
+#include <new>
+#include <string_view>
+#include <utility>
+
+#include "host/compositing/copy_world.h"
+#include "host/isolation/module_messages.h"
+#include "host/panel/panel_picture.h"
+#include "host/process/channel.h"
+#include "host/process/child_program.h"
+#include "host/process/shared_memory.h"
+
+namespace {
+
+using nlohmann::json;
+
+/// What the thread that watches the parent reads.
+struct Watched {
+    std::mutex mutex;
+    const EffectSession* session = nullptr;
+    ModuleStatus* status = nullptr;
+};
+// Kept: never destroyed, as the thread runs until the process ends.
+Watched& TheWatched() {
+    static Watched* watched = new Watched;
+    return *watched;
+}
+
+void NoteStage() {
+    Watched& watched = TheWatched();
+    const std::lock_guard lock(watched.mutex);
+    if (!watched.session || !watched.status) return;
+    if (const auto activity = watched.session->Now()) watched.status->stage = static_cast<int>(activity->stage);
+}
+
+/// A module that calls exit ends here, before anything is torn down that its threads may still use.
+void EndAtOnce(int status, void*) {
+    std::fflush(nullptr);
+    _exit(status);
+}
+
+[[noreturn]] void End(int status) {
+    EndAtOnce(status, nullptr);
+    std::abort();
+}
+
+class ModuleServer {
+ public:
+    explicit ModuleServer(int socket) : channel_(socket) {}
+
+    /// Answers requests until the session ends or the other end is gone.
+    void Run() {
+        for (;;) {
+            Message message;
+            if (channel_.Receive(message, {}) != Received::kMessage) End(0);
+            TakeBlocks(message);
+            json answer;
+            try {
+                answer = Serve(message.content);
+            } catch (const std::bad_alloc&) {
+                answer = Refused({ExitCode::kInternal, "there is not enough memory for the module's process"});
+            } catch (const std::exception& problem) {
+                answer = Refused({ExitCode::kInternal, std::string("the module's process failed: ") + problem.what()});
+            }
+            if (!channel_.Send(answer)) End(0);
+            if (ended_) End(0);
+        }
+    }
+
+ private:
+    static json Refused(const Failure& failure) { return {{"failure", FailureJson(failure)}}; }
+
+    json Serve(const json& request) {
+        const auto what = request.at("do").get<std::string>();
+        if (what == "open") return Open(request);
+        if (!session_) return Refused({ExitCode::kInternal, "the module's process has no session"});
+        if (request.contains("values")) SetValues(request.at("values"), session_->Params());
+        if (what == "render") return Render(request);
+        if (what == "pre-render") return PreRender(request);
+        if (what == "twirl") {
+            return WithRecords({{"done", session_->SetTwirl(request.at("row"), request.at("collapsed"))}});
+        }
+        if (what == "about") {
+            const auto about = session_->About();
+            return about ? WithRecords({{"about", *about}}) : Refused(about.Error());
+        }
+        if (what == "draw panel") return DrawPanel(request);
+        if (what == "update panel") return AfterPanelCommand(session_->UpdateParamsUI());
+        if (what == "user changed") return AfterPanelCommand(session_->UserChangedParam(request.at("row")));
+        if (what == "end") return EndSession();
+        return Refused({ExitCode::kInternal, "the module's process was asked for '" + what + "'"});
+    }
+
+    json Open(const json& request) {
+        statusBlock_ = Block(request.at("status"));
+        if (!statusBlock_ || statusBlock_->Size() < sizeof(ModuleStatus)) {
+            return Refused({ExitCode::kInternal, "the module's process has no status page"});
+        }
+        status_ = reinterpret_cast<ModuleStatus*>(statusBlock_->Data());
+        on_exit(EndAtOnce, nullptr);
+        auto module = Module::Load(request.at("module").get<std::string>());
+        // Once more, as what is registered last is called first, and the module may have registered something.
+        on_exit(EndAtOnce, nullptr);
+        if (!module) return Refused(module.Error());
+        module_ = std::make_unique<Module>(std::move(*module));
+        status_->phase = ModuleStatus::kBetween;
+
+        SessionOptions options = OptionsOf(request.at("options"));
+        options.beforeCommand = [this](const CommandArguments& arguments) {
+            status_->command = arguments.command;
+            status_->stage = static_cast<int>(RenderStage::kUpload);
+            status_->begin = std::chrono::steady_clock::now().time_since_epoch() / std::chrono::nanoseconds(1);
+            status_->phase = ModuleStatus::kInCommand;
+        };
+        options.afterCommand = [this](const CommandArguments&, PF_Err) { status_->phase = ModuleStatus::kBetween; };
+        options.makeOutput = [this](int width, int height, Depth depth) { return MakeOutput(width, height, depth); };
+        auto session = EffectSession::Start(*module_, std::move(options));
+        if (!session) return Refused(session.Error());
+        session_.emplace(std::move(*session));
+        Watch(&*session_);
+        return WithRecords({{"effect", RegistrationJson(module_->Effect())},
+                            {"declaration", DeclarationJson(session_->Params())},
+                            {"values", ValuesJson(session_->Params())},
+                            {"outFlags", session_->OutFlags()},
+                            {"outFlags2", session_->OutFlags2()},
+                            {"version", session_->EffectVersion()}});
+    }
+
+    void Watch(const EffectSession* session) {
+        Watched& watched = TheWatched();
+        const std::lock_guard lock(watched.mutex);
+        watched.session = session;
+        watched.status = status_;
+    }
+
+    json EndSession() {
+        Watch(nullptr);
+        const auto ended = session_->End();
+        json answer = ended ? json::object() : Refused(ended.Error());
+        answer = WithRecords(std::move(answer));
+        session_.reset();
+        status_->phase = ModuleStatus::kUnloads;
+        module_.reset();
+        ended_ = true;
+        return answer;
+    }
+
+    json AfterPanelCommand(const Result<Done>& done) {
+        if (!done) return WithRecords(Refused(done.Error()));
+        return WithRecords({{"values", ValuesJson(session_->Params())}});
+    }
+
+    /// What the session knows besides, as the program sees it after every request.
+    json WithRecords(json answer) {
+        if (!session_) return answer;
+        const std::vector<std::string> sentences = session_->Misbehaviour();
+        answer["misbehaviour"] =
+            std::vector<std::string>(sentences.begin() + static_cast<std::ptrdiff_t>(sentencesSent_), sentences.end());
+        sentencesSent_ = sentences.size();
+        answer["acquired"] = session_->AcquiredSuites();
+        answer["refused"] = session_->RefusedSuites();
+        answer["open"] = BytesOf(session_->Open());
+        answer["commands"] = CommandsJson(session_->Commands());
+        answer["panel"] = PanelJson(session_->Panel().Rows());
+        answer["optionsButton"] = session_->Panel().OptionsButton();
+        return answer;
+    }
+
+    // Frames.
+
+    /// A request with the worlds and answers that it needs for its length.
+    struct Asked {
+        FrameRequest request;
+        std::list<World> worlds;
+        std::optional<ParamSet> params;
+    };
+
+    void Fill(Asked& asked, const json& message) {
+        if (message.contains("renderer"))
+            setenv(kRendererVariable, message.at("renderer").get<std::string>().c_str(), 1);
+        asked.request = RequestOf(message.at("request"));
+        asked.request.layer = WorldFrom(message.at("layer"), asked.worlds);
+        if (message.contains("texture")) asked.request.texture = WorldFrom(message.at("texture"), asked.worlds);
+        asked.params = session_->Params();
+        SetValues(message.at("frameValues"), *asked.params);
+        asked.request.params = &*asked.params;
+        if (message.at("asksValues")) {
+            asked.request.valuesAt = [this, &asked](const Moment& moment) {
+                ParamSet values = *asked.params;
+                SetValues(Ask({{"ask", "values"}, {"moment", BytesOf(moment)}}).at("values"), values);
+                return values;
+            };
+        }
+        if (message.at("asksLayers")) {
+            asked.request.layersAt = [this, &asked](const Moment& moment) { return LayersAt(moment, asked.worlds); };
+        }
+    }
+
+    Result<MomentLayers> LayersAt(const Moment& moment, std::list<World>& worlds) {
+        const json answer = Ask({{"ask", "layers"}, {"moment", BytesOf(moment)}});
+        if (answer.contains("failure")) return ReadFailure(answer.at("failure"));
+        MomentLayers layers;
+        layers.layer = WorldFrom(answer.at("layer"), worlds);
+        layers.layerWidth = answer.at("width");
+        layers.layerHeight = answer.at("height");
+        if (answer.contains("texture")) layers.texture = WorldFrom(answer.at("texture"), worlds);
+        return layers;
+    }
+
+    json PreRender(const json& message) {
+        Asked asked;
+        Fill(asked, message);
+        const auto answer = session_->PreRender(asked.request);
+        if (!answer) return WithRecords(Refused(answer.Error()));
+        return WithRecords({{"resultRect", BytesOf(answer->resultRect)},
+                            {"maxRect", BytesOf(answer->maxRect)},
+                            {"solid", answer->solid},
+                            {"flags", answer->flags},
+                            {"frameCommands", CommandsJson(answer->commands)}});
+    }
+
+    json Render(const json& message) {
+        Asked asked;
+        Fill(asked, message);
+        outputBlock_ = 0;
+        auto frame = session_->Render(asked.request);
+        if (!frame) return WithRecords(Refused(frame.Error()));
+        return WithRecords({{"output", BytesOf(FactsOf(frame->output, outputBlock_))},
+                            {"resultRect", BytesOf(frame->rect)},
+                            {"maxRect", BytesOf(frame->maxRect)},
+                            {"message", frame->message},
+                            {"messageIsError", frame->messageIsError},
+                            {"frameCommands", CommandsJson(frame->commands)},
+                            {"suites", frame->suites}});
+    }
+
+    /// The world that a frame is drawn into: memory that the program has.
+    World MakeOutput(int width, int height, Depth depth) {
+        const auto size = World::BytesOf(width, height, depth);
+        if (!size) return {};
+        if (*size == 0) return World::Create(width, height, depth, false);
+        const json answer = Ask({{"ask", "memory"}, {"size", *size}});
+        outputBlock_ = answer.at("block");
+        const auto block = Block(answer.at("block"));
+        if (!block) return {};
+        World world = World::CreateOver(LentBytes::Over(block->Data(), block->Size(), block), width, height, depth);
+        if (!world.IsNull()) world.FillUnwritten();
+        return world;
+    }
+
+    json DrawPanel(const json& message) {
+        PanelPictureOptions options;
+        options.width = message.at("width");
+        options.scale = message.at("scale");
+        options.theme = message.at("light") ? &kLightTheme : &kDarkTheme;
+        options.effectName = message.at("effectName");
+        const auto picture = ::DrawPanel(*session_, options);
+        if (!picture) return WithRecords(Refused(picture.Error()));
+        const World& pixels = picture->pixels;
+        World shared = MakeOutput(pixels.Width(), pixels.Height(), pixels.PixelDepth());
+        if (shared.IsNull()) {
+            return Refused({ExitCode::kInternal, "there is not enough memory for a picture of the panel"});
+        }
+        CopyWorld(&pixels.Def(), &shared.Def(), nullptr, nullptr);
+        return WithRecords({{"output", BytesOf(FactsOf(shared, outputBlock_))}});
+    }
+
+    // Memory and questions.
+
+    /// Asks the program something in the middle of a request. From any thread: an effect may ask from its own.
+    json Ask(const json& question) {
+        const std::lock_guard lock(askMutex_);
+        Message message;
+        if (!channel_.Send(question) || channel_.Receive(message, {}) != Received::kMessage) End(0);
+        TakeBlocks(message);
+        return std::move(message.content);
+    }
+
+    void TakeBlocks(const Message& message) {
+        std::size_t next = 0;
+        const std::lock_guard lock(blocksMutex_);
+        if (message.content.contains("forget")) {
+            for (const json& id : message.content.at("forget")) blocks_.erase(id.get<std::uint64_t>());
+        }
+        if (!message.content.contains("blocks")) return;
+        for (const json& id : message.content.at("blocks")) {
+            if (next == message.descriptors.size()) break;
+            blocks_[id.get<std::uint64_t>()] = SharedMemory::Open(message.descriptors[next++]);
+        }
+    }
+
+    std::shared_ptr<SharedMemory> Block(std::uint64_t id) {
+        const std::lock_guard lock(blocksMutex_);
+        const auto found = blocks_.find(id);
+        return found == blocks_.end() ? nullptr : found->second;
+    }
+
+    const World* WorldFrom(const json& message, std::list<World>& worlds) {
+        const auto facts = RecordOf<WorldFacts>(message);
+        const auto depth = static_cast<Depth>(facts.depth);
+        World world;
+        if (facts.block == 0) {
+            world = World::Create(facts.width, facts.height, depth);
+        } else if (const auto block = Block(facts.block)) {
+            world = World::CreateOver(LentBytes::Over(block->Data(), block->Size(), block), facts.width, facts.height,
+                                      depth);
+        }
+        if (world.IsNull()) throw std::bad_alloc();
+        return &worlds.emplace_back(std::move(world));
+    }
+
+    Channel channel_;
+    std::shared_ptr<SharedMemory> statusBlock_;
+    ModuleStatus* status_ = nullptr;
+    std::unique_ptr<Module> module_;
+    std::optional<EffectSession> session_;
+    std::size_t sentencesSent_ = 0;
+    bool ended_ = false;
+    std::mutex askMutex_;
+    std::mutex blocksMutex_;
+    std::map<std::uint64_t, std::shared_ptr<SharedMemory>> blocks_;
+    std::uint64_t outputBlock_ = 0;
+};
+
+}  // namespace
+
+std::optional<int> RunModuleProcess(int argc, const char* const* argv) {
+    if (argc != 2 || std::string_view(argv[1]) != kModuleProcessArgument) return std::nullopt;
+    struct stat status {};
+    if (fstat(kChildSocket, &status) != 0 || !S_ISSOCK(status.st_mode)) return std::nullopt;
+    // Programs that the module starts are no part of the conversation.
+    fcntl(kChildSocket, F_SETFD, FD_CLOEXEC);
+    const rlimit none{0, 0};
+    setrlimit(RLIMIT_CORE, &none);
+    EndWithParent(kChildSocket, NoteStage);
+    ModuleServer(kChildSocket).Run();
+    return 0;
+}

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/isolation/pixel_blocks.h"
+
+#include <fmt/format.h>
+
+#include "host/compositing/copy_world.h"
+#include "host/isolation/module_messages.h"
+#include "host/process/channel.h"
+
+Failure NoPixelMemory(std::size_t bytes) {
+    return {ExitCode::kInternal,
+            fmt::format("not enough memory for the pixels that a module's process needs, {} MiB", (bytes >> 20) + 1)};
+}
+
+void PixelBlocks::Attach(Parcel& parcel, const std::shared_ptr<SharedMemory>& block) {
+    parcel.blocks.push_back(block);
+    if (!known_.insert(block->Id()).second) return;
+    parcel.content["blocks"].push_back(block->Id());
+    parcel.descriptors.push_back(block->Descriptor());
+}
+
+Result<Done> PixelBlocks::Put(const World& world, const char* name, Parcel& parcel) {
+    const auto size = World::BytesOf(world.Width(), world.Height(), world.PixelDepth());
+    if (!size) return NoPixelMemory(0);
+    std::shared_ptr<SharedMemory> block;
+    if (*size > 0) {
+        block = Take(*size);
+        if (!block) return NoPixelMemory(*size);
+        World shared = World::CreateOver(LentBytes::Over(block->Data(), block->Size(), block), world.Width(),
+                                         world.Height(), world.PixelDepth());
+        if (shared.IsNull()) return NoPixelMemory(*size);
+        CopyWorld(&world.Def(), &shared.Def(), nullptr, nullptr);
+        Attach(parcel, block);
+    }
+    parcel.content[name] = BytesOf(FactsOf(world, block ? block->Id() : 0));
+    return Done{};
+}
+
+void PixelBlocks::NameDropped(Parcel& parcel) {
+    for (const std::uint64_t id : pool_->TakeDropped()) {
+        if (known_.erase(id) > 0) parcel.content["forget"].push_back(id);
+    }
+}
