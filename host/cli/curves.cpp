@@ -21,6 +21,7 @@
 #include "host/cli/settings.h"
 #include "host/image/picture.h"
 #include "host/sequence/frame_numbers.h"
+#include "host/sequence/frame_plan.h"
 
 namespace {
 
@@ -102,6 +103,9 @@ Result<ExitCode> Curves(const CurvesCommandOptions& options) {
     }
     if (!options.output.empty()) {
         if (auto writable = CheckWritable(options.output); !writable) return writable.Error();
+        if (!options.preset.empty()) {
+            if (auto apart = CheckApart(options.preset, options.output); !apart) return apart.Error();
+        }
         CleanFolderOf(options.output);
     }
     const auto rate = ParseRate(options.rate);

@@ -22,6 +22,7 @@
 #include "host/panel/panel_rows.h"
 #include "host/process/interruption.h"
 #include "host/sequence/frame_numbers.h"
+#include "host/sequence/frame_plan.h"
 
 namespace {
 
@@ -147,6 +148,9 @@ Result<ExitCode> Panel(const PanelOptions& options) {
     }
     if (!options.output.empty()) {
         if (auto writable = CheckWritable(options.output); !writable) return writable.Error();
+        if (!options.preset.empty()) {
+            if (auto apart = CheckApart(options.preset, options.output); !apart) return apart.Error();
+        }
         CleanFolderOf(options.output);
     }
     auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module));

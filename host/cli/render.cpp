@@ -68,8 +68,9 @@ struct Layers {
 };
 
 Result<Layers> ReadLayers(const RenderOptions& options) {
-    const auto input = ReadPicture(options.input);
+    const auto input = ReadPicture(options.input, options.read);
     if (!input) return input.Error();
+    TellNotes(options, input->note, input->metadataNote);
     const Depth depth = options.depth == 0 ? input->pixels.PixelDepth() : options.depth == 32 ? Depth::k32 : Depth::k8;
     Layers layers;
     layers.width = input->frameWidth;
@@ -79,11 +80,13 @@ Result<Layers> ReadLayers(const RenderOptions& options) {
     layers.layer = std::move(*layer);
     // A smaller picture has pixels of another size, so the frame's place in the file means nothing to it.
     if (options.downsample == 1) layers.frameOrigin = input->frameOrigin;
-    layers.kept = {options.compression, input->isHalf && options.depth == 0, input->metadata};
+    layers.kept = {options.compression, input->isHalf && options.depth == 0, input->metadata,
+                   FileDepthNamed(options.outputDepth), options.format};
     if (options.texture.empty()) return layers;
 
     const auto picture = ReadPicture(options.texture);
     if (!picture) return picture.Error();
+    TellNotes(options, picture->note, "");
     auto texture = LayerOf(*picture, depth, options.downsample);
     if (!texture) return texture.Error();
     layers.texture = std::move(*texture);
@@ -116,6 +119,16 @@ Result<Frame> Draw(EffectSession& session, const FrameRequest& request, Progress
     return frame;
 }
 
+/// Writes the file, or its bytes to standard output.
+Result<Done> Write(const RenderOptions& options, const World& pixels, const Placement& place,
+                   const WriteOptions& kept) {
+    if (options.output != "-") return WritePicture(options.output, pixels, place, kept);
+    const auto bytes = EncodePicture(pixels, place, kept);
+    if (!bytes) return bytes.Error();
+    PrintResult(*bytes);
+    return Done{};
+}
+
 RenderFacts FactsOf(const RenderOptions& options, const World& layer) {
     RenderFacts facts;
     facts.input = options.input;
@@ -133,16 +146,10 @@ Result<ExitCode> Render(const RenderOptions& options) {
     if (!many) return many.Error();
     if (*many) return RenderSequence(options);
     Stopwatch whole, stage;
-    for (const std::string& read : {options.input, options.texture}) {
-        if (auto apart = CheckApart(read, options.output); !read.empty() && !apart) return apart.Error();
-    }
-    if (auto writable = CheckWritable(options.output); !writable) return writable.Error();
-    if (!options.compression.empty()) {
-        if (auto known = CheckCompression(options.output, options.compression); !known) return known.Error();
-    }
+    if (auto usable = CheckOutput(options); !usable) return usable.Error();
     const auto wish = ReadRendererWish(options.renderer);
     if (!wish) return wish.Error();
-    CleanFolderOf(options.output, options.sequence.quiet);
+    if (options.output != "-") CleanFolderOf(options.output, options.sequence.quiet);
     Progress progress(SecondsOfProgress(options.sequence));
     progress.Say("the pictures are read");
     const auto layers = ReadLayers(options);
@@ -177,9 +184,7 @@ Result<ExitCode> Render(const RenderOptions& options) {
     facts.picture = drawn->rect;
     const Placement place{drawn->rect, layers->layer.Width(), layers->layer.Height(), layers->frameOrigin};
     progress.Say("the picture is written");
-    if (auto written = WritePicture(options.output, drawn->pixels, place, layers->kept); !written) {
-        return written.Error();
-    }
+    if (auto written = Write(options, drawn->pixels, place, layers->kept); !written) return written.Error();
     facts.save = stage.Lap();
 
     auto ended = session.End();
@@ -188,7 +193,8 @@ Result<ExitCode> Render(const RenderOptions& options) {
     }
     if (!ended) return ended.Error();
     facts.total = whole.Lap();
-    PrintResult(options.json ? RenderReport(facts, renderer, *frame, session) : options.output + "\n");
+    if (options.output != "-")
+        PrintResult(options.json ? RenderReport(facts, renderer, *frame, session) : options.output + "\n");
     return ExitCode::kDone;
 }
 
@@ -206,13 +212,22 @@ Command RenderCommand(const std::shared_ptr<RenderOptions>& options) {
     command.options = [options](CLI::App& app) {
         app.add_option("INPUT", options->input,
                        "The layer: PNG, TIFF, JPEG, EXR, ...; a sequence as shot.####.exr, shot.%04d.exr, shot.@@.exr, "
-                       "shot.$F4.exr, ...; or a clip: .mov, .mp4, .mkv, ...")
+                       "shot.$F4.exr, ...; or a clip: .mov, .mp4, .mkv, ...; - for standard input")
             ->required();
         app.add_option("-o,--output", options->output,
                        "The picture to write: " + WritableFormats() +
                            ". PNG and TIFF are straight, EXR is premultiplied, JPEG lies on white. Or a clip: .mov, "
-                           ".mkv, .webm")
+                           ".mkv, .webm. - is standard output, in the format of --format")
             ->required();
+        app.add_option("--format", options->format, "The format of standard output, '-o -'")
+            ->check(CLI::IsMember({"png", "tif", "exr", "jpg"}))
+            ->type_name("png|tif|exr|jpg");
+        app.add_option("--layer", options->read.layer,
+                       "The layer of INPUT that is drawn: diffuse for the channels diffuse.R, diffuse.G, ..., or a "
+                       "channel")
+            ->type_name("NAME");
+        app.add_option("--part", options->read.part, "The part of INPUT that is drawn: its number from 0, or its name")
+            ->type_name("N|NAME");
         app.add_option("--preset", options->preset,
                        "Values from a file that `umbrant params --json --values` wrote; a later --set wins")
             ->type_name("FILE.json");
@@ -230,9 +245,15 @@ Command RenderCommand(const std::shared_ptr<RenderOptions>& options) {
             ->check(WhyNoPlace)
             ->needs("--texture")
             ->type_name("X,Y");
-        app.add_option("--depth", options->depth, "Bits per channel; without it, those of the input (16 become 32)")
-            ->check(CLI::IsMember({8, 32}))
+        app.add_option("--depth", options->depth,
+                       "Bits per channel in the effect; without it, those of the input (16 become 32)")
+            ->check(WhyNoDepth)
             ->type_name("8|32");
+        app.add_option("--output-depth", options->outputDepth,
+                       "How the file stores a channel: 8 or 16 in PNG, also float in TIFF, half or float in EXR; "
+                       "without it as suits the effect's depth")
+            ->check(CLI::IsMember({"8", "16", "half", "float"}))
+            ->type_name("8|16|half|float");
         app.add_option("--downsample", options->downsample, "Draw at one N-th of the resolution")
             ->check(CLI::Range(1, 64))
             ->type_name("N");

@@ -13,6 +13,7 @@
 #include "host/animation/preset.h"
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
+#include "host/image/picture.h"
 #include "host/result.h"
 #include "host/sequence/frame_number.h"
 
@@ -54,6 +55,9 @@ struct RenderOptions {
     bool collapsed = false;
     double seconds = 0;
     std::string compression;
+    std::string outputDepth;  ///< empty for what suits the render's depth
+    std::string format;       ///< of standard output
+    ReadOptions read;         ///< which image of INPUT
     std::string renderer;
     std::string module;
     bool json = false;
@@ -83,6 +87,19 @@ Result<OpenedEffect> OpenWithValues(const RenderOptions& options, int layerWidth
 
 /// The effect's failure, said as what it is when there is no OpenGL to draw with.
 Failure Explain(const Failure& failure, const EffectSession& session);
+
+/// Whether the output is one that can be written as it is asked for, and none of the files that are read. For failing
+/// before any work is done.
+Result<Done> CheckOutput(const RenderOptions& options);
+
+/// Whether the output can be stored as asked for: --compression, --output-depth, --format.
+Result<Done> CheckStorage(const RenderOptions& options);
+
+/// What was left out of a file that is read, as a line on standard error.
+void TellNotes(const RenderOptions& options, const std::string& note, const std::string& metadataNote);
+
+/// For --depth: why the text is no depth of a render, or an empty text.
+std::string WhyNoDepth(const std::string& text);
 
 /// Declares the options of SequenceOptions.
 void AddSequenceOptions(CLI::App& app, SequenceOptions& options);

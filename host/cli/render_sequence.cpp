@@ -54,6 +54,10 @@ Result<PlanRequest> RequestOf(const RenderOptions& options) {
 }
 
 Result<Done> CheckNoTime(const RenderOptions& options) {
+    for (const std::string& file : {options.input, options.texture, options.output}) {
+        if (file != "-") continue;
+        return Failure{ExitCode::kUsage, "'-' is a single image; the frames of a sequence need files"};
+    }
     if (options.seconds == 0) return Done{};
     return Failure{ExitCode::kUsage,
                    "--time is about a single picture; the frames of a sequence have their times "
@@ -187,6 +191,7 @@ class SequenceRender {
         auto first = ReadFirst(plan_, *reader_, options_.sequence.keepGoing);
         if (!first) return first.Error();
         FillJob();
+        if (first->layers.input) TellNotes(options_, first->layers.input->note, first->layers.input->metadataNote);
         if (!first->layers.input) return Draw(std::move(*first));
 
         const PlannedFrame& frame = plan_.frames[first->frame];
@@ -219,10 +224,18 @@ class SequenceRender {
         auto planned = PlanFrames(*request);
         if (!planned) return planned.Error();
         plan_ = std::move(*planned);
-        if (!options_.compression.empty()) {
-            if (auto known = CheckCompression(options_.output, options_.compression); !known) return known;
+        if (!options_.preset.empty()) {
+            for (const PlannedFrame& frame : plan_.frames) {
+                if (auto apart = CheckApart(options_.preset, frame.output); !apart) return apart;
+            }
+        }
+        // A clip has its own ways of storing.
+        if (!clips_.Writes() || !options_.compression.empty()) {
+            if (auto known = CheckStorage(options_); !known) return known;
         }
         LayerOptions layers;
+        layers.read = options_.read;
+        layers.outputDepth = FileDepthNamed(options_.outputDepth);
         if (options_.depth != 0) layers.depth = options_.depth == 32 ? Depth::k32 : Depth::k8;
         layers.downsample = options_.downsample;
         layers.compression = options_.compression;
@@ -346,8 +359,8 @@ Result<bool> MeansSequence(const RenderOptions& options) {
 
 Result<std::vector<FrameNumber>> FramesOf(const RenderOptions& options) {
     if (auto usable = CheckNoTime(options); !usable) return usable.Error();
-    if (!options.compression.empty()) {
-        if (auto known = CheckCompression(options.output, options.compression); !known) return known.Error();
+    if (!options.compression.empty() || !IsClipName(options.output)) {
+        if (auto known = CheckStorage(options); !known) return known.Error();
     }
     if (IsClipName(options.output)) {
         return Failure{

@@ -11,7 +11,8 @@ using Shared = std::shared_ptr<const Layer>;
 
 Result<Shared> LayerReader::ReadLayer(const Source& source, std::optional<Depth> depth) const {
     const auto& clip = source.isTexture ? options_.textureClip : options_.inputClip;
-    const auto picture = source.clipFrame ? clip(*source.clipFrame) : ReadPicture(source.path);
+    const auto picture = source.clipFrame ? clip(*source.clipFrame)
+                                          : ReadPicture(source.path, source.isTexture ? ReadOptions{} : options_.read);
     if (!picture) return picture.Error();
     auto pixels = LayerOf(*picture, depth.value_or(picture->pixels.PixelDepth()), options_.downsample);
     if (!pixels) return pixels.Error();
@@ -22,7 +23,10 @@ Result<Shared> LayerReader::ReadLayer(const Source& source, std::optional<Depth>
     // A smaller picture has pixels of another size, so the frame's place in the file means nothing to it.
     if (options_.downsample == 1) layer->frameOrigin = picture->frameOrigin;
     layer->bits = picture->bits;
-    layer->kept = {options_.compression, picture->isHalf && !options_.depth, picture->metadata};
+    layer->kept = {options_.compression, picture->isHalf && !options_.depth, picture->metadata, options_.outputDepth,
+                   ""};
+    layer->note = picture->note;
+    layer->metadataNote = picture->metadataNote;
     return Shared(std::move(layer));
 }
 

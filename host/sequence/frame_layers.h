@@ -18,6 +18,8 @@ struct LayerOptions {
     std::optional<Depth> depth{};  ///< without it the input's own
     int downsample = 1;
     std::string compression{};  ///< of the picture that will be written; see WriteOptions
+    FileDepth outputDepth = FileDepth::kAuto;
+    ReadOptions read{};  ///< which image of the input's files
     /// A frame of the clip that the input is, and of the one that the texture is.
     std::function<Result<Picture>(int)> inputClip{};
     std::function<Result<Picture>(int)> textureClip{};
@@ -31,6 +33,8 @@ struct Layer {
     PF_Point frameOrigin{};  ///< what the file calls the frame's corner; (0, 0) when it was drawn smaller
     int bits = 8;            ///< of a channel in the file
     WriteOptions kept{};
+    std::string note{};  ///< as a Picture has them
+    std::string metadataNote{};
 };
 
 struct FrameLayers {

@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// What the program reads and writes besides plain files, what it refuses to replace, and what it notes about an input.
+
+#include <gmock/gmock.h>
+
+#include "tests/host/cli/program.h"
+
+namespace {
+
+using testing::HasSubstr;
+
+class CliFiles : public testing::Test {
+ protected:
+    CliFiles() { WriteLayer(folder_ / "in.png", 6, 4, {255, 1, 2, 3}); }
+
+    Outcome Render(std::vector<std::string> arguments) const {
+        arguments.insert(arguments.begin(), "render");
+        arguments.insert(arguments.end(), {"--module", TestModule("painter")});
+        return RunUmbrant(folder_, arguments);
+    }
+    /// The same by a shell, which may set up standard input and output; what `before` starts runs the program.
+    int Bash(const std::string& before, const std::vector<std::string>& arguments, const std::string& streams) const {
+        std::string command =
+            "cd " + Quoted(folder_.Path().string()) + " && " + before + " " + Quoted(UMBRANT_PROGRAM) + " render";
+        for (const std::string& argument : arguments) command += " " + Quoted(argument);
+        command += " --module " + Quoted(TestModule("painter")) + " " + streams + " 2>err.txt";
+        const int status = std::system(command.c_str());
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    Folder folder_;
+};
+
+TEST_F(CliFiles, ADashIsStandardInputAndOutput) {
+    for (const char* format : {"png", "tif", "exr", "jpg"}) {
+        SCOPED_TRACE(format);
+        const std::string file = std::string("file.") + format;
+        ASSERT_EQ(Render({"in.png", "-o", file}).code, 0);
+        EXPECT_EQ(Bash("", {"-", "-o", "-", "--format", format}, "<in.png >piped"), 0)
+            << ReadBytes(folder_ / "err.txt");
+        EXPECT_TRUE(ReadBytes(folder_ / "piped") == ReadBytes(folder_ / file));
+    }
+    EXPECT_EQ(Bash("cat in.png |", {"in.png", "-o", "t.png", "--texture", "-"}, ">out.txt"), 0);
+    EXPECT_EQ(ReadBytes(folder_ / "out.txt"), "t.png\n");
+    EXPECT_EQ(Bash("", {"-", "-o", "a.png"}, "</dev/null"), 3);
+    EXPECT_EQ(ReadBytes(folder_ / "err.txt"), "umbrant: cannot read '-': standard input is empty\n");
+    WriteBytes(folder_ / "text", "Dear diary\n");
+    EXPECT_EQ(Bash("", {"-", "-o", "a.png"}, "<text"), 3);
+    EXPECT_THAT(ReadBytes(folder_ / "err.txt"),
+                HasSubstr("umbrant: cannot read '-': it is not a picture that can be read ("));
+}
+
+struct Refusal {
+    const char* name;
+    std::vector<std::string> arguments;
+    const char* sentence;
+};
+
+TEST_F(CliFiles, WhatDoesNotFitTogetherIsRefused) {
+    WriteBytes(folder_ / "preset.png", "{\"version\": 1, \"values\": {}}");
+    WriteBytes(folder_ / "preset.2.png", "{\"version\": 1, \"values\": {}}");
+    WriteLayer(folder_ / "texture.png", 2, 2, {255, 1, 2, 3});
+    const auto entries = folder_.Entries();
+    const Refusal rows[] = {
+        {"no format",
+         {"in.png", "-o", "-"},
+         "standard output has no extension; name its format with --format png, tif, exr or jpg"},
+        {"a format and an extension",
+         {"in.png", "-o", "a.png", "--format", "tif"},
+         "--format is about standard output, '-o -'; the extension of 'a.png' names its format"},
+        {"two results",
+         {"in.png", "-o", "-", "--format", "png", "--json"},
+         "--json and '-o -' both write to standard output; name a file for one"},
+        {"one input twice",
+         {"-", "-o", "a.png", "--texture", "-"},
+         "standard input can be the layer or the texture, not both"},
+        {"many frames of one image",
+         {"-", "-o", "a.@.png", "--frames", "1-2"},
+         "'-' is a single image; the frames of a sequence need files"},
+        {"the preset",
+         {"in.png", "-o", "preset.png", "--preset", "preset.png"},
+         "'preset.png' is read and written in one run; give the output another name"},
+        {"the preset among frames",
+         {"in.png", "-o", "preset.@.png", "--preset", "preset.2.png", "--frames", "1-2"},
+         "'preset.2.png' is read and written in one run; give the output another name"},
+        {"the texture",
+         {"in.png", "-o", "./texture.png", "--texture", "texture.png"},
+         "'./texture.png' is read and written in one run; give the output another name"},
+        {"a depth of files",
+         {"in.png", "-o", "a.png", "--depth", "16"},
+         "the effect renders in 8 or 32 bits; --output-depth 16 stores the file so"},
+        {"another one",
+         {"in.png", "-o", "a.exr", "--depth", "half"},
+         "the effect renders in 8 or 32 bits; --output-depth half stores the file so"},
+        {"no depth at all",
+         {"in.png", "-o", "a.png", "--depth", "7"},
+         "'7' is not 8 or 32, the bits of a channel in the effect"},
+        {"a depth that the format lacks",
+         {"in.png", "-o", "a.png", "--output-depth", "half"},
+         ".png has no channels of 'half'; use --output-depth with one of: 8 16"},
+        {"the same of frames",
+         {"in.png", "-o", "a.@.jpg", "--output-depth", "16", "--frames", "1-2"},
+         ".jpg has no channels of '16'; use --output-depth with one of: 8"},
+        {"a layer that is not there",
+         {"in.png", "-o", "a.png", "--layer", "diffuse"},
+         "'in.png' has no layer 'diffuse'; its channels are R, G, B, A"},
+        {"a part that is not there",
+         {"in.png", "-o", "a.png", "--part", "3"},
+         "'in.png' has no part '3'; its parts are 0"},
+    };
+    for (const Refusal& row : rows) {
+        SCOPED_TRACE(row.name);
+        const Outcome outcome = Render(row.arguments);
+        EXPECT_EQ(outcome.code, 2);
+        EXPECT_THAT(outcome.err, HasSubstr(row.sentence));
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(folder_.Entries(), entries);
+    }
+    for (const char* command : {"curves", "panel"}) {
+        SCOPED_TRACE(command);
+        const Outcome outcome = RunUmbrant(folder_, {command, "-o", "preset.png", "--preset", "preset.png"});
+        EXPECT_EQ(outcome.code, 2);
+        EXPECT_THAT(outcome.err, HasSubstr("'preset.png' is read and written in one run"));
+    }
+    EXPECT_EQ(ReadBytes(folder_ / "preset.png"), ReadBytes(folder_ / "preset.2.png"));
+}
+
+TEST_F(CliFiles, ChannelsAreStoredAsAskedFor) {
+    ASSERT_EQ(Render({"in.png", "-o", "a.png", "--output-depth", "16"}).code, 0);
+    EXPECT_EQ(ReadRaw(folder_ / "a.png").layout.format, OIIO::TypeDesc::UINT16);
+    ASSERT_EQ(Render({"in.png", "-o", "a.tif", "--depth", "32", "--output-depth", "8"}).code, 0);
+    EXPECT_EQ(ReadRaw(folder_ / "a.tif").layout.format, OIIO::TypeDesc::UINT8);
+    ASSERT_EQ(Render({"in.png", "-o", "a.@.exr", "--output-depth", "float", "--frames", "1-2"}).code, 0);
+    EXPECT_EQ(ReadRaw(folder_ / "a.2.exr").layout.format, OIIO::TypeDesc::FLOAT);
+}
+
+TEST_F(CliFiles, WhatIsLeftOutOfAnInputIsNotedOnce) {
+    OIIO::ImageSpec layout(3, 2, 5, OIIO::TypeDesc::HALF);
+    layout.channelnames = {"R", "G", "B", "A", "Z"};
+    layout.alpha_channel = 3;
+    const std::string note = " has 5 channels: R, G, B, A were read, Z were left out; --layer reads one of: Z\n";
+    for (const char* name : {"in.1.exr", "in.2.exr"}) WriteFile(folder_ / name, layout, {1, 1, 1, 1, 0.5f}, false);
+    EXPECT_EQ(Render({"in.1.exr", "-o", "a.exr"}).err, "note: 'in.1.exr'" + note);
+    EXPECT_EQ(Render({"in.1.exr", "-o", "a.exr", "--quiet"}).err, "");
+    EXPECT_EQ(Render({"in.1.exr", "-o", "a.exr", "--layer", "Z"}).err, "");
+    const std::string err = Render({"in.@.exr", "-o", "a.@.exr"}).err;
+    EXPECT_THAT(err, HasSubstr("note: 'in.1.exr'" + note));
+    EXPECT_EQ(err.find("note: "), err.rfind("note: "));
+}
+
+// Also root is kept from a folder, once it has lost the right to look into every one.
+TEST_F(CliFiles, AFileBehindAForbiddenFolderIsNotMissing) {
+    namespace fs = std::filesystem;
+    fs::create_directory(folder_ / "locked");
+    fs::copy_file(folder_ / "in.png", folder_ / "locked/in.png");
+    fs::permissions(folder_ / "locked", fs::perms::none);
+    const std::string plain =
+        geteuid() == 0 ? "setpriv --bounding-set -dac_override,-dac_read_search --inh-caps -all" : "";
+    EXPECT_EQ(Bash(plain, {"locked/in.png", "-o", "a.png"}, ""), 3);
+    EXPECT_EQ(ReadBytes(folder_ / "err.txt"), "umbrant: cannot read 'locked/in.png': Permission denied\n");
+    EXPECT_EQ(Bash(plain, {"in.png", "-o", "locked/a.png"}, ""), 3);
+    EXPECT_EQ(ReadBytes(folder_ / "err.txt"), "umbrant: cannot write 'locked/a.png': Permission denied\n");
+    fs::permissions(folder_ / "locked", fs::perms::owner_all);
+}
+
+}  // namespace
