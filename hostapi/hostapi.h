@@ -43,6 +43,7 @@
 #include "hostapi/suites/iterate8_suite.h"
 #include "hostapi/suites/iterate_float_suite.h"
 #include "hostapi/suites/param_utils_suite.h"
+#include "hostapi/suites/umbrant_host_suite.h"
 #include "hostapi/suites/world_suite.h"
 #include "hostapi/suites/world_transform_suite.h"
 #include "hostapi/transfer.h"

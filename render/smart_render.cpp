@@ -13,7 +13,6 @@
 #include "hostapi/errors.h"
 #include "platform/fork.h"
 #include "platform/gl_api.h"
-#include "platform/renderer_choice.h"
 #include "render/composite.h"
 #include "render/fill_settings.h"
 #include "render/layer_checkout.h"
@@ -22,6 +21,7 @@
 #include "render/processor_passes.h"
 #include "render/processor_path.h"
 #include "render/radial_samples.h"
+#include "render/renderer_request.h"
 #include "render/samples.h"
 
 namespace {
@@ -97,7 +97,8 @@ PF_Err RenderPassesOnProcessor(PF_InData* in_data, PF_OutData* out_data, AEGP_Su
 
 PF_Err RenderPasses(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings,
                     const RadialGeometry& radial) {
-    const RendererChoice choice = ChosenRenderer();
+    RendererChoice choice = RendererChoice::kRefused;
+    if (PF_Err err = ReadRendererRequest(in_data, &choice)) return err;
     if (choice == RendererChoice::kRefused) return PF_Err_INTERNAL_STRUCT_DAMAGED;
     if (choice == RendererChoice::kProcessor) {
         return RenderPassesOnProcessor(in_data, out_data, suites, settings, radial);

@@ -162,7 +162,7 @@ Result<ExitCode> Render(const RenderOptions& options) {
     if (!opened) return opened.Error();
     EffectSession& session = opened->Session();
     const RendererDecision renderer = DecideRenderer(*wish, ReadGpuStrings(session.Params()));
-    TellRenderer(renderer);
+    session.SetRenderer(renderer.Request());
     if (options.verbose) Note(CommandsText(session.Commands()) + RendererText(renderer) + "\n");
 
     FrameRequest request = RequestOf(options, *layers);

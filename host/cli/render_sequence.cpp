@@ -199,7 +199,7 @@ class SequenceRender {
             OpenWithValues(options_, first->layers.input->width, first->layers.input->height, frame.number.Value());
         if (!opened) return opened.Error();
         renderer_ = DecideRenderer(*wish, ReadGpuStrings(opened->Session().Params()));
-        TellRenderer(renderer_);
+        opened->Session().SetRenderer(renderer_.Request());
         if (!opened->params.animation.IsEmpty()) {
             // What the effect itself keeps in its rows stays; only what moves is set for each frame.
             job_.values = [&effect = *opened](double each, const ParamSet& params) {

@@ -176,7 +176,7 @@ struct Effect::State {
     }
 
     Failure Explained(const Failure& failure) {
-        return instance.Shared().renderer.processor ? failure : ExplainWithoutOpenGL(failure, declared);
+        return instance.Renderer().processor ? failure : ExplainWithoutOpenGL(failure, declared);
     }
 
     /// Calls what sends a frame's commands; for itself, where the effect cannot do with others at the same time.
@@ -336,11 +336,11 @@ std::string Effect::ModuleFile() const {
 }
 
 std::string Effect::RendererText() const {
-    return ::RendererText(state_->instance.Shared().renderer);
+    return ::RendererText(state_->instance.Renderer());
 }
 
 Renderer Effect::ChosenRenderer() const {
-    return state_->instance.Shared().renderer.processor ? Renderer::kProcessor : Renderer::kOpenGL;
+    return state_->instance.Renderer().processor ? Renderer::kProcessor : Renderer::kOpenGL;
 }
 
 }  // namespace umbrant

@@ -18,8 +18,6 @@ namespace fs = std::filesystem;
 struct Registry {
     std::mutex mutex;
     std::map<fs::path, std::weak_ptr<SharedModule>> loaded;
-    /// A module reads its renderer once, and may stay in memory after it was unloaded: the choice is for good.
-    std::map<fs::path, RendererDecision> renderers;
 };
 
 /// Lives to the process's very end: effects may be members of static objects.
@@ -69,7 +67,7 @@ Result<std::shared_ptr<SharedModule>> Load(const fs::path& file) {
 }  // namespace
 
 Result<SharedInstance> SharedInstance::Start(const SharedModuleRequest& request) {
-    const auto file = FileOf(request.file);
+    const auto file = FileOf(request);
     if (!file) return file.Error();
     std::error_code error;
     const fs::path canonical = fs::canonical(*file, error);
@@ -84,16 +82,17 @@ Result<SharedInstance> SharedInstance::Start(const SharedModuleRequest& request)
         shared = std::move(*loaded);
         registry.loaded[key] = shared;
     }
-    const auto renderer = RendererFor(registry, key, request, shared->root.Params());
-    if (!renderer) return renderer.Error();
-    shared->renderer = *renderer;
+    const auto wish = request.renderer ? Result<RendererWish>(*request.renderer) : ReadRendererWish("");
+    if (!wish) return wish.Error();
+    RendererDecision renderer = DecideRenderer(*wish, ReadGpuStrings(shared->root.Params()));
 
     SessionOptions options;
     if (request.collapsed) options.layerFlags |= AEGP_LayerFlag_COLLAPSE;
     const std::lock_guard panelLock(shared->mutex);
     auto session = EffectSession::StartInstance(shared->root, options);
     if (!session) return session.Error();
-    return SharedInstance(shared, std::move(*session));
+    session->SetRenderer(renderer.Request());
+    return SharedInstance(shared, std::move(*session), std::move(renderer));
 }
 
 SharedInstance::~SharedInstance() {

@@ -22,7 +22,6 @@ struct SharedModule {
 
     const std::unique_ptr<const Module> module;  ///< stays where it is: the sessions refer to it
     EffectSession root;
-    RendererDecision renderer;
     /// Around every panel command, and around frames of an effect that takes one thread at a time.
     std::mutex mutex;
     bool drawsOnThreads = false;
@@ -38,8 +37,7 @@ struct SharedModuleRequest {
 /// An instance of a shared module; ends its session, and the module with the last one.
 class SharedInstance {
  public:
-    /// Fails as FindModule, Module::Load, EffectSession::Start and ReadRendererWish do, and with `ExitCode::kUsage`
-    /// when the process draws by another renderer than the one asked for.
+    /// Fails as FindModule, Module::Load, EffectSession::Start and ReadRendererWish do.
     static Result<SharedInstance> Start(const SharedModuleRequest& request);
     ~SharedInstance();
     SharedInstance(SharedInstance&&) noexcept = default;
@@ -47,10 +45,12 @@ class SharedInstance {
 
     SharedModule& Shared() const { return *shared_; }
     EffectSession& Session() { return *session_; }
+    const RendererDecision& Renderer() const { return renderer_; }
 
  private:
-    SharedInstance(std::shared_ptr<SharedModule> shared, EffectSession session)
-        : shared_(std::move(shared)), session_(std::move(session)) {}
+    SharedInstance(std::shared_ptr<SharedModule> shared, EffectSession session, RendererDecision renderer)
+        : shared_(std::move(shared)), session_(std::move(session)), renderer_(std::move(renderer)) {}
     std::shared_ptr<SharedModule> shared_;
     std::optional<EffectSession> session_;
+    RendererDecision renderer_;
 };

@@ -191,6 +191,7 @@ Result<EffectSession> EffectSession::StartInstance(const EffectSession& first, s
     state->params = from.params;
     state->declaredRows = from.declaredRows;
     state->services.panel.Reset(DeclaredPanel(state->params));
+    state->services.renderer = from.services.renderer.load();
     for (const auto step : {SequenceSetup, QueryFlags}) {
         if (std::optional<Failure> failure = step(*state)) {
             SetDown(*state);
@@ -242,6 +243,10 @@ Result<Done> EffectSession::SendEvent(PF_EventExtra* event) {
 bool EffectSession::SetTwirl(int index, bool collapsed) {
     if (remote_) return remote_->SetTwirl(index, collapsed);
     return state_->services.panel.SetCollapsed(index, collapsed);
+}
+
+void EffectSession::SetRenderer(UMBRANT_Renderer renderer) {
+    state_->services.renderer = renderer;
 }
 
 CommandRecord EffectSession::Send(PF_Cmd command, PF_ParamDef* params[], PF_LayerDef* output, void* extra) {

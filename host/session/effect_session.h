@@ -26,6 +26,7 @@
 #include "hostapi/aegp_types.h"
 #include "hostapi/custom_ui.h"
 #include "hostapi/smart_render.h"
+#include "hostapi/suites/umbrant_host_suite.h"
 
 class RemoteSession;
 struct SessionState;
@@ -168,7 +169,8 @@ class EffectSession {
     /// What Start does after Create. A session that was ended may be set up again.
     Result<Done> SetUp();
     /// Another instance of the effect that `first` has set up: the same global data, declaration and values, and a
-    /// sequence set-up of its own; without `options` those of `first`. `first` must outlive it, and end after it.
+    /// sequence set-up of its own; without `options` those of `first`, and its renderer in any case. `first` must
+    /// outlive it, and end after it.
     static Result<EffectSession> StartInstance(const EffectSession& first, std::optional<SessionOptions> options = {});
     /// The session that another process holds; see RemoteSession. Its records are the other process's, as of the last
     /// call that returned. Send, SendEvent, SetUp and the hooks of SessionOptions are not for such a session.
@@ -194,6 +196,10 @@ class EffectSession {
     Result<Done> SendEvent(PF_EventExtra* event);
     /// Opens or closes a row's twirl, as the user does. False when there is no such row.
     bool SetTwirl(int index, bool collapsed);
+
+    /// What the effect is to draw with, from its next frame on; an effect that does not ask is not affected. Any
+    /// thread.
+    void SetRenderer(UMBRANT_Renderer renderer);
 
     /// Sends any command with any arguments, as no host should need to. Its record is kept like any other's.
     CommandRecord Send(PF_Cmd command, PF_ParamDef* params[], PF_LayerDef* output, void* extra);

@@ -81,10 +81,6 @@ std::string RendererText(const RendererDecision& decision) {
     return fmt::format("drawn by {}: {}", decision.processor ? "the processor" : "OpenGL", decision.why);
 }
 
-void TellRenderer(const RendererDecision& decision) {
-    ::setenv(kVariable, decision.Name(), 1);
-}
-
 Failure ExplainWithoutOpenGL(const Failure& failure, const ParamSet& params) {
     if (failure.code != ExitCode::kEffectFailed || ReadGpuStrings(params).HasContext()) return failure;
     return {failure.code,

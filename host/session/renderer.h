@@ -2,14 +2,15 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// Which renderer draws: OpenGL or the processor. The effect keeps to OpenGL unless the environment variable
-// UMBRANT_RENDERER says otherwise when it draws its first frame; the program decides after set-up, when the effect has
-// told which OpenGL it found.
+// Which renderer draws: OpenGL or the processor. The host decides after set-up, when the effect's parameters name the
+// OpenGL that it found, and hands the decision to the session; the effect asks for it through the suite of
+// hostapi/suites/umbrant_host_suite.h. In a host without that suite the environment variable UMBRANT_RENDERER decides.
 
 #include <string>
 
 #include "host/result.h"
 #include "host/session/param_set.h"
+#include "hostapi/suites/umbrant_host_suite.h"
 
 /// The four rows in which the effect reports its OpenGL.
 struct GpuStrings {
@@ -41,6 +42,8 @@ struct RendererDecision {
     std::string why;
 
     const char* Name() const { return processor ? "cpu" : "gl"; }
+    /// For EffectSession::SetRenderer.
+    UMBRANT_Renderer Request() const { return processor ? UMBRANT_Renderer_PROCESSOR : UMBRANT_Renderer_OPENGL; }
 };
 
 /// `kAuto` takes OpenGL where hardware draws it, and otherwise the processor.
@@ -48,9 +51,6 @@ RendererDecision DecideRenderer(RendererWish wish, const GpuStrings& gpu);
 
 /// "drawn by the processor: there is no OpenGL".
 std::string RendererText(const RendererDecision& decision);
-
-/// Tells the effect, before it draws the process's first frame.
-void TellRenderer(const RendererDecision& decision);
 
 /// The effect's failure, said as what it is when there is no OpenGL to draw with. `params` are its session's.
 Failure ExplainWithoutOpenGL(const Failure& failure, const ParamSet& params);

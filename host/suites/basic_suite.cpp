@@ -52,6 +52,7 @@ const OfferedSuite kOffered[] = {
     Offer(kAEGPEffectSuiteName, kAEGPEffectSuiteVersion2, kEffectSuite),
     Offer(kAEGPStreamSuiteName, kAEGPStreamSuiteVersion2, kStreamSuite),
     Offer(kAEGPDynamicStreamSuiteName, kAEGPDynamicStreamSuiteVersion2, kDynamicStreamSuite),
+    Offer(kUmbrantHostSuiteName, kUmbrantHostSuiteVersion1, kUmbrantHostSuite),
 };
 
 const OfferedSuite* FindOffered(const char* name, int32_t version) {

@@ -23,6 +23,7 @@
 #include "host/suites/stage_clock.h"
 #include "hostapi/aegp_types.h"
 #include "hostapi/errors.h"
+#include "hostapi/suites/umbrant_host_suite.h"
 
 class EventLog;
 class World;
@@ -86,6 +87,7 @@ class Services {
     std::map<std::pair<std::string, int32_t>, int> suites;
     std::mutex suitesMutex;
     std::atomic<AEGP_LayerFlags> layerFlags{AEGP_LayerFlag_NONE};
+    std::atomic<UMBRANT_Renderer> renderer{UMBRANT_Renderer_ANY};
     /// The session that the record belongs to; null in a record that stands alone.
     SessionState* session = nullptr;
     /// See SessionOptions::fault. Set before the first command.

@@ -25,6 +25,7 @@
 #include "hostapi/suites/iterate8_suite.h"
 #include "hostapi/suites/iterate_float_suite.h"
 #include "hostapi/suites/param_utils_suite.h"
+#include "hostapi/suites/umbrant_host_suite.h"
 #include "hostapi/suites/world_suite.h"
 #include "hostapi/suites/world_transform_suite.h"
 
@@ -48,6 +49,7 @@ extern const AEGP_LayerSuite7 kLayerSuite;
 extern const AEGP_EffectSuite2 kEffectSuite;
 extern const AEGP_StreamSuite2 kStreamSuite;
 extern const AEGP_DynamicStreamSuite2 kDynamicStreamSuite;
+extern const UMBRANT_HostSuite1 kUmbrantHostSuite;
 
 /// The suite of suites. The pointer that effects get is not const; none writes through it.
 extern SPBasicSuite basicSuite;

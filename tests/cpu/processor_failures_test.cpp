@@ -39,11 +39,12 @@ TEST_F(ProcessorRoads, TheHostIsCalledInTheSameOrder) {
         HostCalls(),
         ElementsAre("checkout_layer_pixels 1", "checkout_layer_pixels 39", "checkout_output", "fill clear whole",
                     "AcquireSuite PF ColorParamSuite 1", "PF_GetFloatingPointColorFromColorDef",
-                    "AcquireSuite PF Handle Suite 2", "host_lock_handle", "host_unlock_handle", "host_new_handle 1200",
-                    "host_lock_handle", "AcquireSuite PF Iterate8 Suite 1", "iterate8 0 30", "host_unlock_handle",
-                    "host_dispose_handle", "host_new_handle 3000", "host_lock_handle", "iterate8 0 50",
-                    "host_unlock_handle", "host_dispose_handle", "AcquireSuite PF World Transform Suite 1",
-                    "transfer_rect 2", "checkin_layer_pixels 39", "checkin_layer_pixels 1"));
+                    "AcquireSuite Umbrant Host Suite 1", "AcquireSuite PF Handle Suite 2", "host_lock_handle",
+                    "host_unlock_handle", "host_new_handle 1200", "host_lock_handle",
+                    "AcquireSuite PF Iterate8 Suite 1", "iterate8 0 30", "host_unlock_handle", "host_dispose_handle",
+                    "host_new_handle 3000", "host_lock_handle", "iterate8 0 50", "host_unlock_handle",
+                    "host_dispose_handle", "AcquireSuite PF World Transform Suite 1", "transfer_rect 2",
+                    "checkin_layer_pixels 39", "checkin_layer_pixels 1"));
     EXPECT_EQ(host_.global->rendererRecorded, 1);
     EXPECT_THAT(host_.global->gl_renderer, StartsWith("Processor ("));
 }

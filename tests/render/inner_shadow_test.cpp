@@ -36,16 +36,17 @@ TEST_F(InnerShadowTest, CallsTheHostInOrder) {
         if (call.find("PF World Suite") == std::string::npos) calls.push_back(call);
     }
     EXPECT_THAT(
-        calls, ElementsAre("checkout_layer_pixels 1", "checkout_layer_pixels 39", "checkout_output", "fill clear whole",
-                           "AcquireSuite PF ColorParamSuite 1", "PF_GetFloatingPointColorFromColorDef",
-                           "AcquireSuite PF Handle Suite 2", "host_lock_handle", "host_unlock_handle",
-                           "PF_GetPixelFormat", "PF_NewWorld 60 50 1", "copy whole to 13 24 53 54",
-                           "host_new_handle 3000", "host_lock_handle", "AcquireSuite PF Iterate8 Suite 1",
-                           "iterate8 0 50", "host_unlock_handle", "host_dispose_handle", "PF_GetPixelFormat",
-                           "PF_NewWorld 60 50 1", "host_new_handle 3000", "host_lock_handle", "iterate8 0 50",
-                           "host_unlock_handle", "host_dispose_handle", "AcquireSuite PF World Transform Suite 1",
-                           "transfer_rect 6", "transfer_rect 2", "iterate8 0 50", "transfer_rect 5", "transfer_rect 17",
-                           "PF_DisposeWorld", "PF_DisposeWorld", "checkin_layer_pixels 39", "checkin_layer_pixels 1"));
+        calls,
+        ElementsAre("checkout_layer_pixels 1", "checkout_layer_pixels 39", "checkout_output", "fill clear whole",
+                    "AcquireSuite PF ColorParamSuite 1", "PF_GetFloatingPointColorFromColorDef",
+                    "AcquireSuite Umbrant Host Suite 1", "AcquireSuite PF Handle Suite 2", "host_lock_handle",
+                    "host_unlock_handle", "PF_GetPixelFormat", "PF_NewWorld 60 50 1", "copy whole to 13 24 53 54",
+                    "host_new_handle 3000", "host_lock_handle", "AcquireSuite PF Iterate8 Suite 1", "iterate8 0 50",
+                    "host_unlock_handle", "host_dispose_handle", "PF_GetPixelFormat", "PF_NewWorld 60 50 1",
+                    "host_new_handle 3000", "host_lock_handle", "iterate8 0 50", "host_unlock_handle",
+                    "host_dispose_handle", "AcquireSuite PF World Transform Suite 1", "transfer_rect 6",
+                    "transfer_rect 2", "iterate8 0 50", "transfer_rect 5", "transfer_rect 17", "PF_DisposeWorld",
+                    "PF_DisposeWorld", "checkin_layer_pixels 39", "checkin_layer_pixels 1"));
 }
 
 TEST_F(InnerShadowTest, TransfersSayWhatTheyLayWhere) {

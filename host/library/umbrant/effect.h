@@ -29,8 +29,7 @@
 
 namespace umbrant {
 
-/// What draws. A module draws by one renderer in a process, which its first effect chooses; the choice is left in the
-/// environment variable UMBRANT_RENDERER, where the module reads it.
+/// What draws. Each effect has its own; no call changes the environment.
 enum class Renderer {
     kAuto,  ///< UMBRANT_RENDERER ("gl", "cpu", "auto"), else OpenGL where hardware draws it, else the processor
     kOpenGL,
@@ -93,7 +92,7 @@ class UMBRANT_API Effect {
  public:
     /// Loads the module, unless another effect of the process has, and sets up an instance with default values.
     /// Throws ErrorCode::kModule when there is no module or it cannot be loaded, kUsage when UMBRANT_RENDERER makes no
-    /// sense or the process draws by another renderer already, kEffectFailed when the effect refuses to be set up.
+    /// sense, kEffectFailed when the effect refuses to be set up.
     explicit Effect(const EffectOptions& options = {});
     /// Unloads the module with the last effect. No call of this effect may be under way.
     ~Effect();

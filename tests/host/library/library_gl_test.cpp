@@ -64,6 +64,20 @@ TEST_F(LibraryGl, AContextGoesWithItsThread) {
     EXPECT_EQ(made, madeBefore + 8) << "the calls were not counted";
 }
 
+TEST_F(LibraryGl, EachEffectHasItsOwnRenderer) {
+    const auto layer = Disc8(24, 24);
+    const Effect byGl = RealEffect();
+    const Effect byProcessor({UMBRANT_MODULE_FILE, umbrant::Renderer::kProcessor, false, {}});
+    const auto contextsFor = [&](const Effect& effect) {
+        const int before = made;
+        std::thread([&] { effect.Render(layer.View()); }).join();
+        return made - before;
+    };
+    EXPECT_EQ(contextsFor(byProcessor), 0);
+    EXPECT_EQ(contextsFor(byGl), 1);
+    EXPECT_EQ(contextsFor(byProcessor), 0);
+}
+
 TEST_F(LibraryGl, TwoEffectsOnTwoThreads) {
     const auto layer = Disc8(24, 24);
     Effect first = RealEffect(), second = RealEffect();

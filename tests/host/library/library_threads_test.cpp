@@ -4,10 +4,14 @@
 // Effects on threads: several effects, one effect on several threads, values set while frames are drawn, and effects
 // that come and go meanwhile.
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include "tests/host/library/library_fixture.h"
 
@@ -48,6 +52,23 @@ TEST(LibraryThreads, EffectsOnThreadsOfTheirOwnDrawWhatTheyDrawAlone) {
         }
     });
     EXPECT_EQ(different, 0u);
+}
+
+/// All of this process's environment, and where each text is.
+std::vector<std::pair<const void*, std::string>> Environment() {
+    std::vector<std::pair<const void*, std::string>> entries;
+    for (char** entry = environ; *entry; ++entry) entries.emplace_back(*entry, *entry);
+    return entries;
+}
+
+TEST(LibraryThreads, TheEnvironmentIsTheProgramsOwn) {
+    const auto before = Environment();
+    for (const umbrant::Renderer renderer : {umbrant::Renderer::kProcessor, umbrant::Renderer::kAuto}) {
+        Effect effect({UMBRANT_MODULE_FILE, renderer, false, {}});
+        EXPECT_EQ(Environment(), before) << "a getenv of the program may run at the same time";
+    }
+    RealEffect().Render(Disc8(9, 9).View());
+    EXPECT_EQ(Environment(), before);
 }
 
 TEST(LibraryThreads, OneEffectDrawsOnAllOfThem) {

@@ -56,7 +56,8 @@ INSTANTIATE_TEST_SUITE_P(All, OfferedSuites,
                                            Offered{"DRAWBOT Supplier Suite", 1}, Offered{"DRAWBOT Surface Suite", 1},
                                            Offered{"DRAWBOT Path Suite", 1}, Offered{"AEGP PF Interface Suite", 1},
                                            Offered{"AEGP Layer Suite", 13}, Offered{"AEGP Effect Suite", 2},
-                                           Offered{"AEGP Stream Suite", 7}, Offered{"AEGP Dynamic Stream Suite", 2}));
+                                           Offered{"AEGP Stream Suite", 7}, Offered{"AEGP Dynamic Stream Suite", 2},
+                                           Offered{"Umbrant Host Suite", 1}));
 
 TEST_F(SuitesTest, RefusesUnknownSuites) {
     const void* suite = nullptr;
@@ -155,6 +156,7 @@ TEST_F(SuitesTest, NoSlotIsEmpty) {
     ExpectFilled(kEffectSuite, "effect");
     ExpectFilled(kStreamSuite, "stream");
     ExpectFilled(kDynamicStreamSuite, "dynamic stream");
+    ExpectFilled(kUmbrantHostSuite, "umbrant host");
     ExpectFilled(basicSuite, "basic");
     // The batch function that is no more, the ANSI block's spare word and the table's.
     ExpectFilled(utilCallbacks, "utilities",

@@ -136,6 +136,17 @@ TEST_F(SuitesTest, TheLayerAnswersItsFlags) {
     EXPECT_EQ(kPFInterfaceSuite.AEGP_GetEffectLayer(nullptr, &layer), A_Err_PARAMETER);
 }
 
+TEST_F(SuitesTest, TheRendererIsTheSessions) {
+    UMBRANT_Renderer renderer = -1;
+    ASSERT_EQ(kUmbrantHostSuite.GetRenderer(ref, &renderer), 0);
+    EXPECT_EQ(renderer, UMBRANT_Renderer_ANY);
+    services.renderer = UMBRANT_Renderer_PROCESSOR;
+    ASSERT_EQ(kUmbrantHostSuite.GetRenderer(ref, &renderer), 0);
+    EXPECT_EQ(renderer, UMBRANT_Renderer_PROCESSOR);
+    EXPECT_EQ(kUmbrantHostSuite.GetRenderer(ref, nullptr), PF_Err_BAD_CALLBACK_PARAM);
+    EXPECT_EQ(kUmbrantHostSuite.GetRenderer(nullptr, &renderer), PF_Err_BAD_CALLBACK_PARAM);
+}
+
 TEST_F(SuitesTest, ColoursBecomeFloats) {
     PF_ParamDef def = Row(PF_Param_COLOR, "Color");
     def.u.cd.value = {255, 51, 0, 102};
