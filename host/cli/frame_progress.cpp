@@ -16,6 +16,7 @@
 #include "host/cli/progress.h"
 #include "host/cli/results.h"
 #include "host/cli/sequence_report.h"
+#include "host/compositing/start_threads.h"
 
 namespace {
 
@@ -133,7 +134,10 @@ FrameProgress::FrameProgress(const FramePlan& plan, const ProgressOptions& optio
     if (form_ == ProgressForm::kJson) {
         Print(Dump({{"event", "start"}, {"frames", plan_.frames.size()}}));
     }
-    if (form_ != ProgressForm::kQuiet) thread_ = std::thread(&FrameProgress::TellNowAndThen, this);
+    if (form_ != ProgressForm::kQuiet) {
+        // Without a thread frames are reported as they end, and nothing in between.
+        thread_ = StartThread([this] { TellNowAndThen(); }).value_or(std::thread());
+    }
 }
 
 FrameProgress::~FrameProgress() {

@@ -9,6 +9,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "host/compositing/start_threads.h"
+
 namespace {
 
 const char* StageWords(RenderStage stage) {
@@ -42,7 +44,8 @@ Progress::Progress(double seconds)
         first_ = std::chrono::seconds(isTerminal_ ? 2 : 10);
         next_ = std::chrono::seconds(isTerminal_ ? 1 : 10);
     }
-    if (seconds != 0) thread_ = std::thread(&Progress::Tell, this);
+    // Without a thread there is no progress to be seen, and everything else goes on.
+    if (seconds != 0) thread_ = StartThread([this] { Tell(); }).value_or(std::thread());
 }
 
 Progress::~Progress() {

@@ -294,7 +294,8 @@ class SequenceRender {
         progress.SetKeepsGoing(options_.sequence.keepGoing);
         if (!clips_.Note().empty()) progress.Note(clips_.Note());
         if (const std::string removed = RemoveAbandonedFiles(OutputFolders()); !removed.empty()) progress.Note(removed);
-        DrawFrames(job_, instances_.all, *reader_, std::move(first), progress);
+        const auto run = DrawFrames(job_, instances_.all, *reader_, std::move(first), progress);
+        if (!run) return run.Error();
         const FrameTotals totals = progress.Finish();
         if (clips_.Writes() && totals.failed == 0) {
             const auto finished = clips_.Finish();

@@ -18,6 +18,9 @@
 
 #include "host/cli/command.h"
 #include "host/cli/results.h"
+#include "host/compositing/memory_shortage.h"
+#include "host/compositing/start_threads.h"
+#include "host/image/image_threads.h"
 #include "host/process/interruption.h"
 #include "host/process/standard_streams.h"
 #include "host/process/temporary_file.h"
@@ -106,7 +109,15 @@ int Finish(int code) {
     return Code(ExitCode::kFile);
 }
 
+void SayThreadShortage(const ThreadShortage& shortage) {
+    Say(fmt::format(
+        "only {} of {} threads could be started; the work goes on with fewer and takes longer (`ulimit -u`, "
+        "or the container's limits of tasks and memory, allow more)",
+        shortage.allowed, shortage.wanted));
+}
+
 int Run(const Command& command) {
+    ReportThreadShortage(SayThreadShortage);
     try {
         const Result<ExitCode> outcome = command.run();
         if (outcome) return Finish(Code(*outcome));
@@ -130,6 +141,7 @@ void PrepareProcess() {
         std::_Exit(Code(ExitCode::kFile));
     }
     HandleInterruptions(CleanUp);
+    PrepareImageThreads();
     KeepStandardOutputForResults();
     // A limit on the size of files is a write that fails, like a full disk.
     std::signal(SIGXFSZ, SIG_IGN);

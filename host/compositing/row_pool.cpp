@@ -3,14 +3,19 @@
 
 #include "host/compositing/row_pool.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <atomic>
 #include <condition_variable>
 #include <exception>
 #include <list>
+#include <memory>
 #include <mutex>
 #include <thread>
 #include <vector>
+
+#include "host/compositing/start_threads.h"
 
 namespace {
 
@@ -50,8 +55,11 @@ int wantedThreads = 0;  // 0: as many as there are cores
 class Pool {
  public:
     Pool() {
-        const int extra = RowThreads() - 1;
-        for (int i = 0; i < extra; ++i) threads_.emplace_back([this, i] { Serve(i + 1); });
+        // With fewer than these, even with none, the callers do the rest.
+        const int wanted = RowThreads() - 1;
+        threads_ = StartThreads(wanted, [this](int i) { Serve(i + 1); });
+        const int allowed = static_cast<int>(threads_.size());
+        if (allowed < wanted) NoteThreadShortage({wanted, allowed});
     }
 
     ~Pool() {
@@ -62,6 +70,9 @@ class Pool {
         wake_.notify_all();
         for (std::thread& thread : threads_) thread.join();
     }
+
+    /// False in a child of fork(), which has none of the threads and perhaps a locked mutex.
+    bool IsOwn() const { return process_ == getpid(); }
 
     void Run(Job& job) {
         {
@@ -103,8 +114,35 @@ class Pool {
     std::condition_variable left_;
     std::list<Job*> jobs_;
     bool ending_ = false;
+    const pid_t process_ = getpid();
     std::vector<std::thread> threads_;
 };
+
+/// Ends the pool with the process that made it. Kept in a child of fork(), where none of the threads are, and where a
+/// condition that they waited for cannot be destroyed.
+struct PoolOfProcess {
+    PoolOfProcess() : pool(new Pool) {}
+    ~PoolOfProcess() {
+        if (pool->IsOwn()) delete pool;
+    }
+    PoolOfProcess(const PoolOfProcess&) = delete;
+    PoolOfProcess& operator=(const PoolOfProcess&) = delete;
+    Pool* const pool;
+};
+
+/// The calling process's pool. A child of fork() gets one of its own.
+Pool& ThePool() {
+    static const PoolOfProcess first;
+    if (first.pool->IsOwn()) return *first.pool;
+    // Kept: never destroyed; its threads end with the process.
+    static std::atomic<Pool*> childs{nullptr};
+    Pool* known = childs;
+    while (!known || !known->IsOwn()) {
+        auto made = std::make_unique<Pool>();
+        if (childs.compare_exchange_strong(known, made.get())) known = made.release();
+    }
+    return *known;
+}
 
 void RunRanges(int count, const std::function<bool(int first, int last, int thread)>& work) {
     if (count <= 0) return;
@@ -113,7 +151,7 @@ void RunRanges(int count, const std::function<bool(int first, int last, int thre
     if (insideWork || RowThreads() == 1 || count == 1) {
         job.Work(0);
     } else {
-        static Pool pool;
+        Pool& pool = ThePool();
         insideWork = true;
         pool.Run(job);
         insideWork = false;

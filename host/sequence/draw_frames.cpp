@@ -225,10 +225,10 @@ FrameRequest RequestFor(const FrameJob& job, const PlannedFrame& frame, const Fr
     return request;
 }
 
-void DrawFrames(const FrameJob& job, const std::vector<EffectSession*>& sessions, LayerReader& reader, FirstFrame first,
-                FrameWatcher& watcher) {
+Result<Done> DrawFrames(const FrameJob& job, const std::vector<EffectSession*>& sessions, LayerReader& reader,
+                        FirstFrame first, FrameWatcher& watcher) {
     FrameWorker worker(job, sessions, reader, std::move(first), watcher);
-    RunPipeline(
+    return RunPipeline(
         job.plan->frames.size(), job.shape,
         [&](std::size_t frame, int) { return worker.Guarded(frame, [&] { return worker.Read(frame); }); },
         [&](std::size_t frame, int thread) {

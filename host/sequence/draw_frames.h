@@ -79,5 +79,5 @@ struct FirstFrame {
 /// Draws all frames, as many at once as `job.shape` says; `sessions` has one instance for each drawing thread, and they
 /// have the same values. Unless it keeps going, the first failure ends it: frames that were drawn are still written,
 /// and those that were not reached have no outcome.
-void DrawFrames(const FrameJob& job, const std::vector<EffectSession*>& sessions, LayerReader& reader, FirstFrame first,
-                FrameWatcher& watcher);
+Result<Done> DrawFrames(const FrameJob& job, const std::vector<EffectSession*>& sessions, LayerReader& reader,
+                        FirstFrame first, FrameWatcher& watcher);

@@ -3,14 +3,18 @@
 
 #include "host/sequence/pipeline.h"
 
+#include <algorithm>
 #include <array>
 #include <condition_variable>
 #include <exception>
+#include <future>
 #include <mutex>
 #include <optional>
 #include <set>
 #include <thread>
 #include <vector>
+
+#include "host/compositing/start_threads.h"
 
 namespace {
 
@@ -22,18 +26,18 @@ class Pipeline {
     Pipeline(std::size_t count, const PipelineShape& shape, std::array<const PipelineStep*, kSteps> steps)
         : count_(count), mostUnderWay_(shape.underWay), inOrder_(shape.inOrder), steps_(steps) {}
 
-    /// One thread of one step, until no frame can come to it any more.
-    void Work(std::size_t step, int thread) {
+    /// One thread of some steps, until no frame can come to any of them. A step nearer to the end goes first.
+    void Work(const std::vector<std::size_t>& steps, int thread) {
         std::unique_lock lock(mutex_);
         for (;;) {
-            std::optional<std::size_t> frame;
-            changed_.wait(lock, [&] { return (frame = Next(step)).has_value() || HasEnded(step); });
-            if (!frame) return;
-            Take(step, *frame);
+            std::optional<Task> task;
+            changed_.wait(lock, [&] { return (task = NextOf(steps)).has_value() || HaveEnded(steps); });
+            if (!task) return;
+            Take(task->step, task->frame);
             lock.unlock();
-            const AfterStep after = Run(step, *frame, thread);
+            const AfterStep after = Run(task->step, task->frame, thread);
             lock.lock();
-            Leave(step, *frame, after);
+            Leave(task->step, task->frame, after);
             changed_.notify_all();
         }
     }
@@ -43,6 +47,22 @@ class Pipeline {
     }
 
  private:
+    struct Task {
+        std::size_t step;
+        std::size_t frame;
+    };
+
+    std::optional<Task> NextOf(const std::vector<std::size_t>& steps) const {
+        for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
+            if (const auto frame = Next(*step)) return Task{*step, *frame};
+        }
+        return std::nullopt;
+    }
+
+    bool HaveEnded(const std::vector<std::size_t>& steps) const {
+        return std::all_of(steps.begin(), steps.end(), [this](std::size_t step) { return HasEnded(step); });
+    }
+
     std::optional<std::size_t> Next(std::size_t step) const {
         if (stopped_ && !GoesOn(step)) return std::nullopt;
         if (step == 0) {
@@ -111,18 +131,54 @@ class Pipeline {
     std::exception_ptr failure_;
 };
 
-}  // namespace
+/// What one thread does: its steps, and its number in each of them.
+struct Duty {
+    std::vector<std::size_t> steps;
+    int thread = 0;
+};
 
-void RunPipeline(std::size_t count, const PipelineShape& shape, const PipelineStep& read, const PipelineStep& draw,
-                 const PipelineStep& write) {
-    Pipeline pipeline(count, shape, {&read, &draw, &write});
+/// One for each thread that the shape asks for; the first of each step come first, as none can be done without.
+std::vector<Duty> DutiesOf(const PipelineShape& shape) {
     const std::array<int, kSteps> threadsOf = {shape.readers, shape.drawers, shape.writers};
-    std::vector<std::thread> threads;
-    for (std::size_t step = 0; step < kSteps; ++step) {
-        for (int thread = 0; thread < threadsOf[step]; ++thread) {
-            threads.emplace_back([&pipeline, step, thread] { pipeline.Work(step, thread); });
+    std::vector<Duty> duties;
+    for (int thread = 0; thread < *std::max_element(threadsOf.begin(), threadsOf.end()); ++thread) {
+        for (std::size_t step = 0; step < kSteps; ++step) {
+            if (thread < threadsOf[step]) duties.push_back({{step}, thread});
         }
     }
+    return duties;
+}
+
+/// Shares the steps out among fewer threads than there are steps.
+void ShareSteps(std::vector<Duty>& duties, std::size_t threads) {
+    for (std::size_t step = threads; step < kSteps; ++step) duties[step % threads].steps.push_back(step);
+}
+
+}  // namespace
+
+Result<Done> RunPipeline(std::size_t count, const PipelineShape& shape, const PipelineStep& read,
+                         const PipelineStep& draw, const PipelineStep& write) {
+    Pipeline pipeline(count, shape, {&read, &draw, &write});
+    std::vector<Duty> duties = DutiesOf(shape);
+    // What a thread does depends on how many there are, so the first ones wait until that is known.
+    std::promise<void> known;
+    const std::shared_future<void> start = known.get_future().share();
+    std::vector<std::thread> threads = StartThreads(static_cast<int>(duties.size()), [&, start](int index) {
+        start.wait();
+        const Duty& duty = duties[static_cast<std::size_t>(index)];
+        pipeline.Work(duty.steps, duty.thread);
+    });
+    if (threads.empty()) {
+        return Failure{ExitCode::kInternal,
+                       "cannot start a thread to draw frames; raise the limit of processes (`ulimit -u`), or the "
+                       "container's limit of tasks or memory"};
+    }
+    if (threads.size() < duties.size()) {
+        NoteThreadShortage({static_cast<int>(duties.size()), static_cast<int>(threads.size())});
+    }
+    if (threads.size() < kSteps) ShareSteps(duties, threads.size());
+    known.set_value();
     for (std::thread& thread : threads) thread.join();
     pipeline.ThrowFailure();
+    return Done{};
 }

@@ -8,6 +8,8 @@
 #include <cstddef>
 #include <functional>
 
+#include "host/result.h"
+
 /// What is to happen after a step.
 enum class AfterStep {
     kGoOn,    ///< the frame goes into its next step
@@ -30,6 +32,7 @@ struct PipelineShape {
 using PipelineStep = std::function<AfterStep(std::size_t frame, int thread)>;
 
 /// Takes frames 0 to `count` through the steps and returns when nothing is under way any more. An exception in a step
-/// stops all, and is thrown again here.
-void RunPipeline(std::size_t count, const PipelineShape& shape, const PipelineStep& read, const PipelineStep& draw,
-                 const PipelineStep& write);
+/// stops all, and is thrown again here. Where the system refuses threads, those that could be had share the steps;
+/// fails with `ExitCode::kInternal` when there is none at all, and no step was called then.
+Result<Done> RunPipeline(std::size_t count, const PipelineShape& shape, const PipelineStep& read,
+                         const PipelineStep& draw, const PipelineStep& write);

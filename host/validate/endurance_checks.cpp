@@ -13,6 +13,7 @@
 #include <regex>
 #include <thread>
 
+#include "host/compositing/start_threads.h"
 #include "host/validate/panel_events.h"
 #include "host/validate/process_memory.h"
 #include "host/validate/processes.h"
@@ -200,12 +201,10 @@ void Soaks(Trial& trial) {
                    const auto begin = Clock::now();
                    const auto end = begin + std::chrono::seconds(part.Options().soakSeconds);
                    std::atomic<long> frames{0};
-                   std::vector<std::thread> threads;
-                   for (int i = 0; i < std::max(2, ProcessorCount()); ++i) {
-                       threads.emplace_back([&, i] {
-                           Wander(part, stage, part.Options().seed * 1000 + static_cast<std::uint64_t>(i), end, frames);
-                       });
-                   }
+                   std::vector<std::thread> threads = StartThreads(std::max(2, ProcessorCount()), [&](int i) {
+                       Wander(part, stage, part.Options().seed * 1000 + static_cast<std::uint64_t>(i), end, frames);
+                   });
+                   if (threads.empty()) part.Skip("the system allows no thread");
                    long before = 0;
                    long framesBefore = 0;
                    while (Clock::now() < end) {

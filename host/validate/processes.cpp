@@ -23,6 +23,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <system_error>
 
 #include "host/process/interruption.h"
 #include "host/validate/process_memory.h"
@@ -175,6 +176,16 @@ CheckResult RunToEnd(const std::function<void(Trial&)>& run, const TrialOptions&
     try {
         run(trial);
     } catch (const TrialOver&) {
+    } catch (const std::system_error& problem) {
+        // A limit of this machine says nothing about the module.
+        if (problem.code() == std::errc::resource_unavailable_try_again) {
+            try {
+                trial.Skip("the system allows no thread");
+            } catch (const TrialOver&) {
+            }
+        } else {
+            trial.Fail(fmt::format("the check itself failed: {}", problem.what()));
+        }
     } catch (const std::exception& problem) {
         trial.Fail(fmt::format("the check itself failed: {}", problem.what()));
     }

@@ -20,6 +20,7 @@
 #include <thread>
 #include <utility>
 
+#include "host/compositing/start_threads.h"
 #include "host/process/interruption.h"
 
 extern char** environ;
@@ -175,7 +176,10 @@ Result<std::unique_ptr<ChildProcess>> ChildProcess::Start(const std::vector<std:
     child->pipe_ = std::exchange(writes ? stream.writes : stream.reads, -1);
     child->errors_ = std::exchange(errors.reads, -1);
     child->shared_ = std::make_unique<Shared>();
-    child->drain_ = std::thread(&ChildProcess::Drain, child.get());
+    auto drain = StartThread([reading = child.get()] { reading->Drain(); });
+    // The child is ended with its object.
+    if (!drain) return Failure{ExitCode::kInternal, "no thread can be started that reads its messages"};
+    child->drain_ = std::move(*drain);
     return child;
 }
 
@@ -266,7 +270,7 @@ const ChildEnd& ChildProcess::Wait() {
     StayWhileEnding();
     waitedFor_ = true;
     shared_->ended = true;
-    drain_.join();
+    if (drain_.joinable()) drain_.join();
     Close(errors_);
     end_.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     end_.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;

@@ -29,7 +29,7 @@ class ChildProcess {
     enum class Piped { kInput, kOutput };
 
     /// Starts `arguments[0]`, looked for in PATH, with these arguments. Fails with `ExitCode::kFile` and the system's
-    /// words alone.
+    /// words alone, and with `ExitCode::kInternal` where there can be no thread beside it.
     static Result<std::unique_ptr<ChildProcess>> Start(const std::vector<std::string>& arguments, Piped piped);
 
     /// Ends it and its process group when it has not been waited for.

@@ -20,7 +20,7 @@ Result<std::unique_ptr<ChildProcess>> StartTool(const std::string& tool, const s
                                                     "install ffmpeg (Debian: apt install ffmpeg)",
                                                     tool)};
     }
-    return Failure{ExitCode::kFile,
+    return Failure{child.Error().code,
                    fmt::format("'{}', which clips are read and written by, cannot be started: {}", tool, reason)};
 }
 

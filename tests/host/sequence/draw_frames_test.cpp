@@ -73,7 +73,7 @@ class DrawFramesTest : public SessionTest {
             all.push_back(&others.back());
         }
         LayerReader reader({});
-        DrawFrames(job, all, reader, {}, watcher);
+        EXPECT_TRUE(DrawFrames(job, all, reader, {}, watcher));
         for (const EffectSession* each : all) EXPECT_THAT(each->Misbehaviour(), testing::IsEmpty());
     }
 
@@ -243,7 +243,7 @@ TEST_F(DrawFramesTest, AFirstFrameThatWasReadIsNotReadAgain) {
     auto layers = reader.Read(plan.frames[0]);
     ASSERT_TRUE(layers);
     std::filesystem::remove(folder / "in.1.png");
-    DrawFrames(job, {&*session}, reader, {0, std::move(*layers)}, watcher);
+    EXPECT_TRUE(DrawFrames(job, {&*session}, reader, {0, std::move(*layers)}, watcher));
     EXPECT_EQ(watcher.outcomes[0].kind, Kind::kDrawn);
 }
 

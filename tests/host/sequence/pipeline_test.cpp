@@ -18,6 +18,8 @@
 #include <utility>
 #include <vector>
 
+#include "tests/support/limited_child.h"
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -56,13 +58,20 @@ PipelineStep Noted(Log& log, char step) {
     };
 }
 
+/// With all the threads that it wants.
+void RunAll(std::size_t count, const PipelineShape& shape, const PipelineStep& read, const PipelineStep& draw,
+            const PipelineStep& write) {
+    const auto run = RunPipeline(count, shape, read, draw, write);
+    EXPECT_TRUE(run) << run.Error().sentence;
+}
+
 const PipelineShape kShapes[] = {{1, 1, 1, 1}, {1, 1, 1, 4}, {1, 2, 2, 6}, {3, 4, 2, 10}, {1, 8, 1, 2}};
 
 TEST(Pipeline, TakesEveryFrameThroughEveryStepOnce) {
     for (const PipelineShape& shape : kShapes) {
         for (const std::size_t count : {0u, 1u, 2u, 50u}) {
             Log log;
-            RunPipeline(count, shape, Noted(log, 'r'), Noted(log, 'd'), Noted(log, 'w'));
+            RunAll(count, shape, Noted(log, 'r'), Noted(log, 'd'), Noted(log, 'w'));
             for (std::size_t frame = 0; frame < count; ++frame) EXPECT_EQ(log.OfFrame(frame), "rdw");
             EXPECT_EQ(log.Of('w').size(), count);
         }
@@ -71,7 +80,7 @@ TEST(Pipeline, TakesEveryFrameThroughEveryStepOnce) {
 
 TEST(Pipeline, OneThreadOfEachKeepsTheOrder) {
     Log log;
-    RunPipeline(20, {1, 1, 1, 5}, Noted(log, 'r'), Noted(log, 'd'), Noted(log, 'w'));
+    RunAll(20, {1, 1, 1, 5}, Noted(log, 'r'), Noted(log, 'd'), Noted(log, 'w'));
     for (const char step : {'r', 'd', 'w'}) {
         const auto frames = log.Of(step);
         EXPECT_TRUE(std::is_sorted(frames.begin(), frames.end())) << step;
@@ -94,7 +103,7 @@ TEST(Pipeline, NeverHasMoreUnderWayThanItMay) {
             --underWay;
             return AfterStep::kGoOn;
         };
-        RunPipeline(60, shape, begin, pass, end);
+        RunAll(60, shape, begin, pass, end);
         EXPECT_LE(most, shape.underWay);
         EXPECT_EQ(underWay, 0u);
     }
@@ -107,7 +116,7 @@ TEST(Pipeline, StepsOverlap) {
     const auto await = [](const std::atomic<bool>& flag) {
         while (!flag) std::this_thread::yield();
     };
-    RunPipeline(
+    RunAll(
         2, {1, 1, 1, 2},
         [&](std::size_t frame, int) {
             if (frame == 1) secondRead = true;
@@ -130,7 +139,7 @@ TEST(Pipeline, AThreadsNumberIsItsOwn) {
     std::atomic<int> inside[kDrawers]{};
     std::atomic<bool> shared{false};
     const auto pass = [](std::size_t, int) { return AfterStep::kGoOn; };
-    RunPipeline(
+    RunAll(
         200, {2, kDrawers, 2, 12}, pass,
         [&](std::size_t, int thread) {
             if (++inside[thread] != 1) shared = true;
@@ -144,7 +153,7 @@ TEST(Pipeline, AThreadsNumberIsItsOwn) {
 
 TEST(Pipeline, AFrameThatLeavesMakesRoom) {
     Log log;
-    RunPipeline(
+    RunAll(
         9, {1, 1, 1, 1}, [&](std::size_t frame, int) { return frame % 3 == 0 ? AfterStep::kLeave : AfterStep::kGoOn; },
         [&](std::size_t frame, int) { return frame % 3 == 1 ? AfterStep::kLeave : AfterStep::kGoOn; }, Noted(log, 'w'));
     EXPECT_THAT(log.Of('w'), ElementsAre(2, 5, 8));
@@ -152,7 +161,7 @@ TEST(Pipeline, AFrameThatLeavesMakesRoom) {
 
 TEST(Pipeline, AStopLetsDrawnFramesBeWritten) {
     Log log;
-    RunPipeline(
+    RunAll(
         100, {1, 1, 1, 3}, Noted(log, 'r'),
         [&](std::size_t frame, int) {
             log.Note('d', frame);
@@ -166,16 +175,44 @@ TEST(Pipeline, AStopLetsDrawnFramesBeWritten) {
 
 TEST(Pipeline, AStopInReadingEndsItToo) {
     Log log;
-    RunPipeline(
+    RunAll(
         100, {2, 2, 2, 8}, [&](std::size_t frame, int) { return frame == 0 ? AfterStep::kStopAll : AfterStep::kLeave; },
         Noted(log, 'd'), Noted(log, 'w'));
     EXPECT_TRUE(log.Of('d').empty());
 }
 
+TEST(Pipeline, GoesOnWithTheThreadsThatItCanHave) {
+    for (const int allowed : {1, 2, 3, 4, 7}) {
+        for (const bool inOrder : {false, true}) {
+            SCOPED_TRACE(std::to_string(allowed) + (inOrder ? " in order" : ""));
+            EXPECT_LIMITED_CHILD(allowed, {
+                Log log;
+                const auto run = RunPipeline(40, {2, 4, inOrder ? 1 : 4, 9, inOrder}, Noted(log, 'r'), Noted(log, 'd'),
+                                             Noted(log, 'w'));
+                bool right = bool(run);
+                for (std::size_t frame = 0; frame < 40; ++frame) right = right && log.OfFrame(frame) == "rdw";
+                const auto written = log.Of('w');
+                return right && (!inOrder || std::is_sorted(written.begin(), written.end()));
+            });
+        }
+    }
+}
+
+TEST(Pipeline, WithoutAnyThreadNothingIsBegun) {
+    EXPECT_LIMITED_CHILD(0, {
+        Log log;
+        const auto run = RunPipeline(3, {1, 2, 2, 4}, Noted(log, 'r'), Noted(log, 'd'), Noted(log, 'w'));
+        return !run && run.Error().code == ExitCode::kInternal && log.Of('r').empty() &&
+               run.Error().sentence ==
+                   "cannot start a thread to draw frames; raise the limit of processes (`ulimit -u`), or the "
+                   "container's limit of tasks or memory";
+    });
+}
+
 TEST(Pipeline, AnExceptionComesOut) {
     for (const PipelineShape& shape : kShapes) {
         const auto pass = [](std::size_t, int) { return AfterStep::kGoOn; };
-        EXPECT_THROW(RunPipeline(
+        EXPECT_THROW(RunAll(
                          30, shape, pass,
                          [](std::size_t frame, int) -> AfterStep {
                              if (frame == 7) throw std::runtime_error("seven");

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// The one failure of the host for every way in which memory runs out.
+
+#include <cstdint>
+#include <string>
+
+#include "host/compositing/world.h"
+#include "host/result.h"
+
+/// "not enough memory for WHAT, N MiB" with `ExitCode::kInternal`; `bytes` is what was needed.
+Failure NotEnoughMemory(const std::string& what, std::uint64_t bytes);
+/// The same for an image.
+Failure NotEnoughMemory(const std::string& what, std::int64_t width, std::int64_t height, Depth depth);
+/// Where nobody knows how much was needed: "not enough memory for WHAT, more than the N MiB in use".
+Failure NotEnoughMemory(const std::string& what);
+
+/// Whether so much memory could be had now: asked after a failure that does not say why it happened.
+bool CanHaveMemory(std::uint64_t bytes);
+
+/// Whether a library's message says that it got no memory: not all of them let std::bad_alloc through.
+bool SaysNoMemory(const std::string& message);

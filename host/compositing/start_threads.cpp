@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/compositing/start_threads.h"
+
+#include <atomic>
+#include <memory>
+#include <new>
+#include <system_error>
+#include <utility>
+
+namespace {
+
+std::atomic<void (*)(const ThreadShortage&)> reporter{nullptr};
+
+}  // namespace
+
+void ReportThreadShortage(void (*report)(const ThreadShortage&)) {
+    reporter = report;
+}
+
+void NoteThreadShortage(const ThreadShortage& shortage) {
+    // Taken out, so that one report is made.
+    if (const auto report = reporter.exchange(nullptr)) report(shortage);
+}
+
+std::optional<std::thread> StartThread(std::function<void()> work) {
+    try {
+        return std::thread(std::move(work));
+    } catch (const std::system_error&) {
+        return std::nullopt;
+    } catch (const std::bad_alloc&) {
+        return std::nullopt;
+    }
+}
+
+std::vector<std::thread> StartThreads(int count, std::function<void(int index)> work) {
+    const auto shared = std::make_shared<const std::function<void(int)>>(std::move(work));
+    std::vector<std::thread> threads;
+    // Before the first one runs: nothing may be thrown while threads are joinable.
+    if (count > 0) threads.reserve(static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i) {
+        auto thread = StartThread([shared, i] { (*shared)(i); });
+        if (!thread) break;
+        threads.push_back(std::move(*thread));
+    }
+    return threads;
+}
