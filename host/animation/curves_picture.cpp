@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "host/compositing/memory_shortage.h"
 #include "host/panel/cairo_picture.h"
 #include "host/suites/drawbot_text.h"
 
@@ -215,8 +216,8 @@ void DrawTrack(cairo_t* cairo, const ParamSet& values, const RowTrack& track, st
 
 Result<World> DrawCurves(const ParamSet& values, const Animation& animation, const AnimationClock& clock,
                          const CurvesOptions& options) {
-    const Failure noMemory{ExitCode::kInternal, "there is not enough memory for a picture of the curves"};
     const int height = kCurvesHead + kPlotHeight * static_cast<int>(animation.Tracks().size());
+    const Failure noMemory = NotEnoughMemory("a picture of the curves", options.width, height, Depth::k8);
     const CairoSurface surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, options.width, height));
     const CairoPen cairo(cairo_create(surface.get()));
     if (cairo_status(cairo.get()) != CAIRO_STATUS_SUCCESS) return noMemory;

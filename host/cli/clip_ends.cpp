@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include "host/compositing/memory_shortage.h"
 #include "host/compositing/resample.h"
 
 namespace {
@@ -157,7 +158,6 @@ Result<Done> ClipEnds::Begin(const FramePlan& plan, const PF_LRect& canvas, cons
 }
 
 Result<Done> ClipEnds::Write(const Drawn& drawn, const Placement& place) {
-    const Failure noMemory{ExitCode::kInternal, "there is not enough memory for the frame"};
     if (place.frameWidth != layerWidth_ || place.frameHeight != layerHeight_) {
         return Failure{ExitCode::kFile, fmt::format("its layer is {} x {}, and the frames of a clip have one size: the "
                                                     "first one's, {} x {}",
@@ -170,7 +170,9 @@ Result<Done> ClipEnds::Write(const Drawn& drawn, const Placement& place) {
     World cut = CutToFrame(drawn.pixels, rect.left - canvas_.left, rect.top - canvas_.top, canvas_.right - canvas_.left,
                            canvas_.bottom - canvas_.top);
     if (!cut.IsNull() && cut.PixelDepth() != depth_) cut = ConvertDepth(cut, depth_);
-    if (cut.IsNull()) return noMemory;
+    if (cut.IsNull()) {
+        return NotEnoughMemory("the frame", canvas_.right - canvas_.left, canvas_.bottom - canvas_.top, depth_);
+    }
     return writer_->Write(cut);
 }
 

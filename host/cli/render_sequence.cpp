@@ -268,6 +268,11 @@ class SequenceRender {
         drawers = std::min<int>(drawers, static_cast<int>(std::min<std::size_t>(plan_.frames.size(), kMostThreads)));
         if (auto started = instances_.Start(session, drawers); !started) return started;
         job_.shape = clips_.Shape(ShapeFor(static_cast<int>(instances_.all.size())));
+        // Who names the number of threads has counted.
+        if (options_.sequence.threads == 0) job_.shape = FitInto(job_.shape, footprint, MemoryForFrames(machine));
+        PipelineShape alone = job_.shape;
+        alone.underWay = 1;
+        job_.frameBytes = MostBytes(alone, footprint);
         if (options_.verbose) {
             const PipelineShape& shape = job_.shape;
             std::fputs(

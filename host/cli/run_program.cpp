@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <exception>
+#include <new>
 #include <optional>
 #include <sstream>
 
@@ -125,6 +126,8 @@ int Run(const Command& command) {
         // The failure's own code says more than that of results that were lost too.
         Finish(Code(outcome.Error().code));
         return Code(outcome.Error().code);
+    } catch (const std::bad_alloc&) {
+        Say(NotEnoughMemory(fmt::format("the command '{}'", command.name)).sentence);
     } catch (const std::exception& problem) {
         Say(fmt::format("internal error: {}", problem.what()));
     } catch (...) {

@@ -21,6 +21,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/compositing/memory_shortage.h"
 #include "host/image/encoded_file.h"
 #include "host/image/metadata.h"
 #include "host/image/picture.h"
@@ -31,7 +32,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
+Failure NoMemoryFor(const fs::path& file) {
+    return NotEnoughMemory(fmt::format("'{}'", file.string()));
+}
+
 Failure CannotRead(const fs::path& file, std::string_view reason) {
+    if (SaysNoMemory(std::string(reason))) return NoMemoryFor(file);
     return {ExitCode::kFile, fmt::format("cannot read '{}': {}", file.string(), reason)};
 }
 
@@ -205,7 +211,10 @@ Result<Picture> ReadOpened(OIIO::ImageInput& input, const fs::path& file, const 
     const bool eight = layout.format.size() == 1;
     picture->metadata = std::make_shared<const PictureMetadata>(MetadataOf(layout, picture->format));
     picture->pixels = World::Create(layout.width, layout.height, eight ? Depth::k8 : Depth::k32);
-    if (picture->pixels.IsNull()) return CannotRead(file, "there is not enough memory for it");
+    if (picture->pixels.IsNull()) {
+        return NotEnoughMemory(fmt::format("'{}'", file.string()), layout.width, layout.height,
+                               eight ? Depth::k8 : Depth::k32);
+    }
     if (!picture->metadata->dropped.empty()) {
         picture->metadataNote =
             fmt::format("the colour profile of '{}' is left out: {}", file.string(), picture->metadata->dropped);
@@ -324,7 +333,7 @@ Result<Picture> OpenAnd(const fs::path& file, const ReadOptions& options, Read r
         }
         return ChooseAnd(*input, file, options, read);
     } catch (const std::bad_alloc&) {
-        return CannotRead(file, "there is not enough memory for it");
+        return NoMemoryFor(file);
     } catch (const std::exception& problem) {
         return CannotRead(file, Reason(problem.what(), name));
     }

@@ -16,6 +16,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/compositing/memory_shortage.h"
 #include "host/image/encoded_file.h"
 #include "host/image/metadata.h"
 #include "host/image/picture.h"
@@ -28,6 +29,7 @@ namespace {
 namespace fs = std::filesystem;
 
 Failure CannotWrite(const fs::path& file, std::string_view reason) {
+    if (SaysNoMemory(std::string(reason))) return NotEnoughMemory(fmt::format("writing '{}'", file.string()));
     return {ExitCode::kFile, fmt::format("cannot write '{}': {}", file.string(), reason)};
 }
 

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "host/animation/preset.h"
+#include "host/compositing/memory_shortage.h"
 #include "host/library/parameter_list.h"
 #include "host/library/pixel_order.h"
 #include "host/library/shared_module.h"
@@ -102,7 +103,7 @@ struct Layers {
 World MakeWorld(const ImageView& view, Depth depth, const char* what) {
     Need(CheckView(view, what));
     World world = WorldOf(view, depth);
-    if (world.IsNull()) Throw({ExitCode::kInternal, fmt::format("there is not enough memory for {}", what)});
+    if (world.IsNull()) Throw(NotEnoughMemory(what, view.width, view.height, depth));
     return world;
 }
 

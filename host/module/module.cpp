@@ -6,7 +6,10 @@
 #include <dlfcn.h>
 #include <fmt/format.h>
 
+#include <cerrno>
+#include <cstring>
 #include <exception>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -124,6 +127,11 @@ Result<Module> Module::Load(const std::filesystem::path& file) {
     if (thrown) return ModuleFailure(file, fmt::format("an exception left its initialisation ({})", *thrown));
     if (!module.library_) {
         const char* reason = dlerror();
+        if (reason && std::string_view(reason).find(std::strerror(ENOMEM)) != std::string_view::npos) {
+            return Failure{ExitCode::kInternal,
+                           fmt::format("not enough memory for the module '{}', {} MiB", file.string(),
+                                       (std::filesystem::file_size(path, ignored) >> 20) + 1)};
+        }
         return ModuleFailure(file,
                              fmt::format("it is not a loadable module ({}); a shared library with an effect is needed",
                                          reason ? reason : "no reason given"));

@@ -7,6 +7,7 @@
 
 #include <cmath>
 
+#include "host/compositing/memory_shortage.h"
 #include "host/panel/cairo_picture.h"
 #include "host/panel/panel_painter.h"
 #include "host/session/remote_session.h"
@@ -67,7 +68,8 @@ Result<PanelPicture> DrawPanel(EffectSession& session, const PanelPictureOptions
     const CairoSurface surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, options.width * options.scale,
                                                           static_cast<int>(std::ceil(height)) * options.scale));
     const CairoPen cairo(cairo_create(surface.get()));
-    const Failure noMemory{ExitCode::kInternal, "there is not enough memory for a picture of the panel"};
+    const Failure noMemory = NotEnoughMemory("a picture of the panel", std::int64_t{options.width} * options.scale,
+                                             static_cast<std::int64_t>(std::ceil(height)) * options.scale, Depth::k8);
     if (cairo_status(cairo.get()) != CAIRO_STATUS_SUCCESS) return noMemory;
     cairo_scale(cairo.get(), options.scale, options.scale);
 

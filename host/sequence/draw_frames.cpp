@@ -13,6 +13,7 @@
 #include <new>
 #include <utility>
 
+#include "host/compositing/memory_shortage.h"
 #include "host/sequence/frame_numbers.h"
 
 namespace {
@@ -178,7 +179,8 @@ class FrameWorker {
         try {
             return step();
         } catch (const std::bad_alloc&) {
-            return Fail(index, {ExitCode::kInternal, "there is not enough memory for the frame"});
+            return Fail(index, job_.frameBytes > 0 ? NotEnoughMemory("the frame", job_.frameBytes)
+                                                   : NotEnoughMemory("the frame"));
         }
     }
 

@@ -64,6 +64,7 @@ struct FrameJob {
     /// Where a frame goes instead of a picture file of its own.
     std::function<Result<Done>(const Drawn&, const Placement&)> write{};
     PipelineShape shape{};
+    std::uint64_t frameBytes = 0;  ///< the memory that one frame takes at most; 0 when nobody knows
 };
 
 /// The frame as it is asked of the effect; `params` may be null. The layers must outlive the request.

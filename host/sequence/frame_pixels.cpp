@@ -5,10 +5,11 @@
 
 #include <utility>
 
+#include "host/compositing/memory_shortage.h"
 #include "host/compositing/resample.h"
 
 Result<World> LayerOf(const Picture& picture, Depth depth, int downsample) {
-    const Failure noMemory{ExitCode::kInternal, "there is not enough memory for the layer"};
+    const Failure noMemory = NotEnoughMemory("the layer", picture.frameWidth, picture.frameHeight, depth);
     World layer =
         CutToFrame(picture.pixels, picture.window.left, picture.window.top, picture.frameWidth, picture.frameHeight);
     if (layer.IsNull()) return noMemory;
@@ -25,6 +26,6 @@ Result<Drawn> PictureOf(Frame& frame, Canvas canvas, int layerWidth, int layerHe
     if (!empty && (canvas == Canvas::kGrow || isFrame)) return Drawn{std::move(frame.output), frame.rect};
     World cut = empty ? World::Create(layerWidth, layerHeight, depth)
                       : CutToFrame(frame.output, frame.rect.left, frame.rect.top, layerWidth, layerHeight);
-    if (cut.IsNull()) return Failure{ExitCode::kInternal, "there is not enough memory for the picture"};
+    if (cut.IsNull()) return NotEnoughMemory("the picture", layerWidth, layerHeight, depth);
     return Drawn{std::move(cut), {0, 0, layerWidth, layerHeight}};
 }

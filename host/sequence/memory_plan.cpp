@@ -3,7 +3,10 @@
 
 #include "host/sequence/memory_plan.h"
 
+#include <sys/resource.h>
+
 #include <algorithm>
+#include <cstdlib>
 #include <fstream>
 #include <string>
 #include <thread>
@@ -23,23 +26,64 @@ std::uint64_t AvailableMemory() {
     return 0;
 }
 
-/// What this process's group of processes may still take; 0 where there is no limit.
-std::uint64_t GroupMemory() {
-    std::uint64_t limit = 0, used = 0;
-    std::ifstream("/sys/fs/cgroup/memory.max") >> limit;
-    std::ifstream("/sys/fs/cgroup/memory.current") >> used;
-    if (limit == 0) return 0;
+/// The folder of this process below the root of the control groups of version 2, "/" where it does not say.
+std::string OwnGroup() {
+    std::ifstream stream("/proc/self/cgroup");
+    std::string line;
+    while (std::getline(stream, line)) {
+        if (line.rfind("0::", 0) == 0) return line.substr(3);
+    }
+    return "/";
+}
+
+/// A size of this process as /proc/self/status has it, "VmSize:"; 0 where it does not say.
+std::uint64_t OwnSize(const std::string& wanted) {
+    std::ifstream stream("/proc/self/status");
+    std::string line;
+    while (std::getline(stream, line)) {
+        if (line.rfind(wanted, 0) == 0) return std::strtoull(line.c_str() + wanted.size(), nullptr, 10) * 1024;
+    }
+    return 0;
+}
+
+/// What a limit leaves beside what is used: at least 1, as 0 stands for no limit.
+std::uint64_t Left(std::uint64_t limit, std::uint64_t used) {
     return limit > used ? limit - used : 1;
+}
+
+std::uint64_t LeftByLimit(int resource, const std::string& size) {
+    rlimit limit{};
+    if (getrlimit(static_cast<__rlimit_resource>(resource), &limit) != 0 || limit.rlim_cur == RLIM_INFINITY) return 0;
+    return Left(limit.rlim_cur, OwnSize(size));
 }
 
 }  // namespace
 
+std::uint64_t GroupMemory(const std::filesystem::path& root, const std::string& folder) {
+    std::uint64_t least = 0;
+    std::filesystem::path path = std::filesystem::path(folder).relative_path();
+    for (;; path = path.parent_path()) {
+        std::uint64_t limit = 0, used = 0;
+        std::ifstream(root / path / "memory.max") >> limit;
+        std::ifstream(root / path / "memory.current") >> used;
+        if (limit != 0) least = least == 0 ? Left(limit, used) : std::min(least, Left(limit, used));
+        if (path.empty()) return least;
+    }
+}
+
+std::uint64_t LeastOf(const MemoryRoom& room) {
+    std::uint64_t least = 0;
+    for (const std::uint64_t bytes : {room.available, room.group, room.address, room.data}) {
+        if (bytes != 0 && (least == 0 || bytes < least)) least = bytes;
+    }
+    return least;
+}
+
 MachineLimits ThisMachine() {
     MachineLimits machine;
     machine.cores = std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
-    machine.memory = AvailableMemory();
-    const std::uint64_t group = GroupMemory();
-    if (group != 0 && (machine.memory == 0 || group < machine.memory)) machine.memory = group;
+    machine.memory = LeastOf({AvailableMemory(), GroupMemory("/sys/fs/cgroup", OwnGroup()),
+                              LeftByLimit(RLIMIT_AS, "VmSize:"), LeftByLimit(RLIMIT_DATA, "VmData:")});
     return machine;
 }
 
@@ -60,14 +104,26 @@ std::uint64_t MostBytes(const PipelineShape& shape, const FrameFootprint& frame)
     const std::uint64_t drawing = frame.layer + frame.texture + frame.output + 64 * frame.outputPixels;
     // The values as the file's format takes them, in single precision and then in the file's own.
     const std::uint64_t writing = 24 * frame.outputPixels;
-    const auto times = [](int threads, std::uint64_t bytes) { return static_cast<std::uint64_t>(threads) * bytes; };
-    return shape.underWay * (frame.layer + frame.texture + frame.output) + times(shape.readers, reading) +
-           times(shape.drawers, drawing) + times(shape.writers, writing);
+    // With fewer frames than threads some of the threads have none.
+    const auto busy = [&](int threads) { return std::min(static_cast<std::size_t>(threads), shape.underWay); };
+    const std::uint64_t steps = shape.underWay == 1 ? std::max({reading, drawing, writing})
+                                                    : busy(shape.readers) * reading + busy(shape.drawers) * drawing +
+                                                          busy(shape.writers) * writing;
+    return shape.underWay * (frame.layer + frame.texture + frame.output) + steps;
+}
+
+std::uint64_t MemoryForFrames(const MachineLimits& machine) {
+    return machine.memory == 0 ? 0 : std::max<std::uint64_t>(machine.memory / 2, 1);
+}
+
+PipelineShape FitInto(PipelineShape shape, const FrameFootprint& frame, std::uint64_t memory) {
+    while (memory != 0 && shape.underWay > 1 && MostBytes(shape, frame) > memory) --shape.underWay;
+    return shape;
 }
 
 int DrawersFor(const MachineLimits& machine, const FrameFootprint& frame) {
     int drawers = std::clamp(machine.cores, 1, std::max(1, machine.mostDrawers));
-    if (machine.memory == 0) return drawers;
-    while (drawers > 1 && MostBytes(ShapeFor(drawers), frame) > machine.memory / 2) --drawers;
+    const std::uint64_t memory = MemoryForFrames(machine);
+    while (memory != 0 && drawers > 1 && MostBytes(ShapeFor(drawers), frame) > memory) --drawers;
     return drawers;
 }

@@ -5,6 +5,8 @@
 // How many frames may be under way at once: what they cost in memory, and what the machine has.
 
 #include <cstdint>
+#include <filesystem>
+#include <string>
 
 #include "host/sequence/pipeline.h"
 
@@ -29,6 +31,25 @@ MachineLimits ThisMachine();
 
 /// The threads beside `drawers` drawing ones: readers, writers, and the frames under way.
 PipelineShape ShapeFor(int drawers);
+
+/// The shape with as few frames under way as `memory` bytes have room for, at least 1; as it is where that is 0.
+PipelineShape FitInto(PipelineShape shape, const FrameFootprint& frame, std::uint64_t memory);
+
+/// The part of the machine's free memory that frames may take; 0 when nobody knows.
+std::uint64_t MemoryForFrames(const MachineLimits& machine);
+
+/// What a process with these limits and this use can still take. In bytes; 0 stands for no limit.
+struct MemoryRoom {
+    std::uint64_t available = 0;  ///< what the system says that it could hand out
+    std::uint64_t group = 0;      ///< what the process's control groups leave
+    std::uint64_t address = 0;    ///< what the limit of its address space leaves
+    std::uint64_t data = 0;       ///< what the limit of its data leaves
+};
+/// The least of what is known.
+std::uint64_t LeastOf(const MemoryRoom& room);
+/// What control groups leave to a process: the least of the folders from `folder` up to `root`, each with a file
+/// memory.max ("max" for no limit) and memory.current; 0 where none sets a limit.
+std::uint64_t GroupMemory(const std::filesystem::path& root, const std::string& folder);
 
 /// The most memory that frames take at once, beside what the program has anyhow.
 std::uint64_t MostBytes(const PipelineShape& shape, const FrameFootprint& frame);

@@ -10,6 +10,7 @@
 #include <set>
 #include <utility>
 
+#include "host/compositing/memory_shortage.h"
 #include "host/session/error_names.h"
 #include "host/session/frame_record.h"
 #include "hostapi/errors.h"
@@ -116,11 +117,31 @@ std::optional<Failure> SendPreRender(FrameRecord& frame, const PF_LRect& region,
     return std::nullopt;
 }
 
+std::string PictureText(const PF_LRect& rect) {
+    return fmt::format("a picture of {} x {} pixels", WidthOf(rect), HeightOf(rect));
+}
+
+/// The sums in single precision that a render takes a pixel: four of them, four channels.
+constexpr std::uint64_t kRenderBytes = 64;
+
+/// Whether a failed render had too little memory, which it can say with a code of its own and often cannot say at all.
+/// An effect that knows better has left a message; large pictures fail with that code where the driver refuses them.
+bool LacksMemory(const Answer& answer, std::uint64_t bytes, bool isDriverSize) {
+    const PF_Err error = answer.record.error;
+    if (!answer.exception.empty() || !answer.record.message.empty()) return false;
+    if (error == PF_Err_OUT_OF_MEMORY && isDriverSize) return true;
+    return (error == PF_Err_OUT_OF_MEMORY || error == PF_Err_INTERNAL_STRUCT_DAMAGED) && !CanHaveMemory(bytes);
+}
+
 /// A failed render's failure; when the picture may be too large for the driver, its size and the limit are told too.
 Failure RenderFailure(const SessionState& state, const Answer& answer, const PF_LRect& rect) {
     Failure failure = FailureOf(state, answer);
     const A_long width = WidthOf(rect);
     const A_long height = HeightOf(rect);
+    const std::uint64_t bytes = kRenderBytes * static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
+    if (LacksMemory(answer, bytes, std::max(width, height) <= kCommonTextureLimit)) {
+        return NotEnoughMemory("drawing " + PictureText(rect), bytes);
+    }
     if (answer.record.error != PF_Err_OUT_OF_MEMORY || !answer.exception.empty() ||
         std::max(width, height) <= kCommonTextureLimit) {
         return failure;
@@ -147,8 +168,7 @@ std::optional<Failure> SendRender(FrameRecord& frame, void* preRenderData, const
     frame.output =
         make ? make(WidthOf(rect), HeightOf(rect), depth) : World::Create(WidthOf(rect), HeightOf(rect), depth, false);
     if (frame.output.IsNull()) {
-        return Failure{ExitCode::kInternal,
-                       fmt::format("there is no memory for a picture of {} x {}", WidthOf(rect), HeightOf(rect))};
+        return NotEnoughMemory(PictureText(rect), WidthOf(rect), HeightOf(rect), frame.request.layer->PixelDepth());
     }
     frame.output.Def().origin_x = rect.left;
     frame.output.Def().origin_y = rect.top;

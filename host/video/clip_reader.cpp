@@ -7,6 +7,7 @@
 
 #include <utility>
 
+#include "host/compositing/memory_shortage.h"
 #include "host/video/clip_format.h"
 #include "host/video/container.h"
 #include "host/video/ffmpeg.h"
@@ -73,8 +74,7 @@ Result<Picture> ClipReader::Read(int frame) {
     Picture picture;
     picture.pixels = WorldFromRaw(format_, facts_.width, facts_.height, buffer_);
     if (picture.pixels.IsNull()) {
-        return Failure{ExitCode::kFile,
-                       fmt::format("cannot read '{}': there is not enough memory for it", facts_.path)};
+        return NotEnoughMemory(fmt::format("a frame of '{}'", facts_.path), facts_.width, facts_.height, Depth::k32);
     }
     picture.window = {0, 0, facts_.width, facts_.height};
     picture.frameWidth = facts_.width;

@@ -4,6 +4,13 @@
 #include "host/sequence/memory_plan.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
 
 namespace {
 
@@ -49,6 +56,78 @@ TEST(MemoryPlan, ThreadsFollowCoresRendererAndMemory) {
         {"nobody knows the memory", {6, 0, 16}, 6},
     };
     for (const auto& row : rows) EXPECT_EQ(DrawersFor(row.machine, kFrame), row.drawers) << row.name;
+}
+
+TEST(MemoryPlan, FramesUnderWayFollowTheMemory) {
+    const auto with = [](std::size_t frames) {
+        PipelineShape shape = ShapeFor(1);
+        shape.underWay = frames;
+        return MostBytes(shape, kFrame);
+    };
+    const struct {
+        const char* name;
+        std::uint64_t memory;
+        std::size_t underWay;
+    } rows[] = {
+        {"nobody knows the memory", 0, 4}, {"room for all", with(4), 4},    {"not quite", with(4) - 1, 3},
+        {"room for two", with(2), 2},      {"not for two", with(2) - 1, 1}, {"hardly any", 1, 1},
+    };
+    for (const auto& row : rows) EXPECT_EQ(FitInto(ShapeFor(1), kFrame, row.memory).underWay, row.underWay) << row.name;
+    // A frame alone is in one step at a time.
+    EXPECT_EQ(with(1), kFrame.layer + kFrame.output + kFrame.layer + kFrame.output + 64 * kFrame.outputPixels);
+}
+
+TEST(MemoryPlan, TheNarrowestLimitCounts) {
+    const struct {
+        const char* name;
+        MemoryRoom room;
+        std::uint64_t least;
+    } rows[] = {
+        {"nothing known", {}, 0},         {"the system's", {5, 0, 0, 0}, 5},
+        {"the group's", {5, 4, 9, 9}, 4}, {"the address space", {5, 9, 3, 9}, 3},
+        {"the data", {5, 9, 9, 2}, 2},
+    };
+    for (const auto& row : rows) EXPECT_EQ(LeastOf(row.room), row.least) << row.name;
+}
+
+TEST(MemoryPlan, EveryGroupAboveTheProcessMayLimitIt) {
+    namespace fs = std::filesystem;
+    const fs::path root = fs::path(testing::TempDir()) / ("memory_groups_" + std::to_string(getpid()));
+    fs::create_directories(root / "outer" / "inner");
+    const auto put = [&](const char* folder, const char* limit, const char* used) {
+        std::ofstream(root / folder / "memory.max") << limit << "\n";
+        std::ofstream(root / folder / "memory.current") << used << "\n";
+    };
+    EXPECT_EQ(GroupMemory(root, "/outer/inner"), 0u) << "no files at all";
+    put("outer/inner", "max", "10");
+    EXPECT_EQ(GroupMemory(root, "/outer/inner"), 0u);
+    put("outer", "1000", "300");
+    EXPECT_EQ(GroupMemory(root, "/outer/inner"), 700u);
+    put("outer/inner", "500", "100");
+    EXPECT_EQ(GroupMemory(root, "/outer/inner"), 400u);
+    put(".", "600", "599");
+    EXPECT_EQ(GroupMemory(root, "/outer/inner"), 1u);
+    EXPECT_EQ(GroupMemory(root, "/"), 1u);
+    put(".", "600", "700");
+    EXPECT_EQ(GroupMemory(root, "/"), 1u) << "0 would stand for no limit";
+    fs::remove_all(root);
+}
+
+TEST(MemoryPlan, ALimitOfTheAddressSpaceIsSeen) {
+    const pid_t child = fork();
+    if (child == 0) {
+        constexpr std::uint64_t kRoom = 64 * kMiB;
+        std::uint64_t pages = 0;
+        std::ifstream("/proc/self/statm") >> pages;
+        const rlim_t limit = pages * static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE)) + kRoom;
+        const rlimit narrow{limit, limit};
+        if (setrlimit(RLIMIT_AS, &narrow) != 0) _exit(2);
+        const std::uint64_t memory = ThisMachine().memory;
+        _exit(memory > 0 && memory <= kRoom ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
 }
 
 TEST(MemoryPlan, KnowsThisMachine) {

@@ -1,0 +1,173 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// The program where the system has limits: threads that it refuses, memory that it does not give, and a number of
+// threads in the environment that no system has.
+
+#include <filesystem>
+
+#include "tests/host/cli/sequence_fixture.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::AnyOf;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using testing::Not;
+
+constexpr char kShortage[] =
+    " threads could be started; the work goes on with fewer and takes longer (`ulimit -u`, or the container's limits "
+    "of "
+    "tasks and memory, allow more)\n";
+
+class CliLimits : public CliSequence {
+ protected:
+    CliLimits() { fs::permissions(folder_.Path(), fs::perms::all); }
+
+    /// What a run is started with, word for word: variables for `env`, then a program that runs it.
+    using Before = std::vector<std::string>;
+
+    /// As a user without any other process, in any test, who may have so many threads; root has no such limit.
+    static Before WithThreads(int count) {
+        return {"setpriv", "--reuid=" + std::to_string(200'000'000 + getpid()), "--clear-groups", "prlimit",
+                "--nproc=" + std::to_string(count) + ":" + std::to_string(count)};
+    }
+    /// Why such a run is not possible here, or nothing.
+    std::string WhyNoOtherUser() const {
+        const Outcome outcome = Run({"--version"}, WithThreads(50));
+        return outcome.code == 0 ? "" : "the program cannot be run as another user here: " + outcome.err;
+    }
+    Outcome Run(const std::vector<std::string>& arguments, const Before& before) const {
+        std::string command = "cd " + Quoted(folder_.Path().string()) + " && env -u UMBRANT_MODULE";
+        for (const std::string& word : before) command += " " + Quoted(word);
+        command += " " + Quoted(UMBRANT_PROGRAM);
+        for (const std::string& argument : arguments) command += " " + Quoted(argument);
+        // The shell writes these two, and not the other user.
+        const int status =
+            std::system((command + " >" + Quoted(folder_ / "run.out") + " 2>" + Quoted(folder_ / "run.err")).c_str());
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadBytes(folder_ / "run.out"),
+                ReadBytes(folder_ / "run.err")};
+    }
+};
+
+TEST_F(CliLimits, ASequenceIsDrawnWithTheThreadsThatCanBeHad) {
+    if (const std::string reason = WhyNoOtherUser(); !reason.empty()) GTEST_SKIP() << reason;
+    for (const int threads : {2, 3, 5}) {
+        SCOPED_TRACE(threads);
+        const std::string output = "of" + std::to_string(threads) + ".@.png";
+        const Outcome outcome =
+            Run(Arguments("in.@.png", output, {"--threads", "4", "--quiet"}, "threaded_painter"), WithThreads(threads));
+        EXPECT_EQ(outcome.code, 0) << outcome.err;
+        EXPECT_THAT(outcome.err, HasSubstr("umbrant: only " + std::to_string(threads - 1) + " of 10" + kShortage));
+        for (int frame = 1; frame <= 6; ++frame) {
+            EXPECT_EQ(Red("of" + std::to_string(threads) + "." + std::to_string(frame) + ".png"), 10 * frame);
+        }
+    }
+}
+
+TEST_F(CliLimits, WithoutAnyThreadASequenceIsNotBegun) {
+    if (const std::string reason = WhyNoOtherUser(); !reason.empty()) GTEST_SKIP() << reason;
+    for (const char* ending : {"png", "exr"}) {
+        SCOPED_TRACE(ending);
+        const Outcome outcome =
+            Run(Arguments("in.@.png", std::string("none.@.") + ending, {"--quiet"}), WithThreads(1));
+        EXPECT_EQ(outcome.code, 5);
+        EXPECT_EQ(outcome.err,
+                  "umbrant: cannot start a thread to draw frames; raise the limit of processes (`ulimit -u`), or the "
+                  "container's limit of tasks or memory\n");
+        EXPECT_FALSE(Exists(std::string("none.1.") + ending));
+    }
+}
+
+TEST_F(CliLimits, OnePictureNeedsNoOtherThread) {
+    if (const std::string reason = WhyNoOtherUser(); !reason.empty()) GTEST_SKIP() << reason;
+    for (const char* name : {"one.png", "one.exr", "one.tif", "one.jpg"}) {
+        SCOPED_TRACE(name);
+        const Outcome outcome = Run(Arguments("still.png", name, {}), WithThreads(1));
+        EXPECT_EQ(outcome.code, 0) << outcome.err;
+        EXPECT_TRUE(Exists(name));
+        // Its own files are read without threads too.
+        EXPECT_EQ(Run({"compare", name, name}, WithThreads(1)).code, 0);
+    }
+}
+
+TEST_F(CliLimits, NoNumberOfImageThreadsIsTooLarge) {
+    for (const char* name : {"many.png", "many.exr", "many.tif"}) {
+        SCOPED_TRACE(name);
+        // A minute is many times what it takes; that many threads take longer, or cannot be had.
+        const Before options{"OPENIMAGEIO_THREADS=99999", "timeout", "60"};
+        const Outcome outcome = Run(Arguments("still.png", name, {}), options);
+        EXPECT_EQ(outcome.code, 0) << outcome.err;
+        EXPECT_EQ(outcome.err, "");
+        EXPECT_EQ(Run({"compare", name, name}, options).code, 0);
+    }
+}
+
+/// How a run ends that has too little memory: in the program's own words, or before the program begins.
+void ExpectDoneOrNoMemory(const Outcome& outcome) {
+    if (outcome.code == 0) return;
+    EXPECT_EQ(outcome.code, 5) << outcome.err;
+    EXPECT_THAT(outcome.err, HasSubstr("not enough memory for "));
+    EXPECT_THAT(outcome.err, MatchesRegex("(.|\n)*umbrant: (frame [0-9]+: )?not enough memory for [^\n]*, "
+                                          "(more than the )?[0-9]+ MiB( in use)?\n(.|\n)*"));
+    EXPECT_THAT(outcome.err, Not(HasSubstr("internal error")));
+    EXPECT_THAT(outcome.err, Not(HasSubstr("terminate")));
+}
+
+class CliMemory : public CliLimits {
+ protected:
+    CliMemory() {
+        WriteLayer(folder_ / "large.tif", 3000, 2500, {255, 200, 100, 50});
+        for (int frame = 1; frame <= 3; ++frame) {
+            fs::copy_file(folder_ / "large.tif", folder_ / ("large." + std::to_string(frame) + ".tif"));
+        }
+    }
+    static Before WithMiB(int count) {
+        const std::string bytes = std::to_string(static_cast<long long>(count) << 20);
+        return {"prlimit", "--as=" + bytes + ":" + bytes};
+    }
+    /// The least address space, in steps of 16 MiB, in which a small picture is drawn.
+    int LeastForSmall() const {
+        for (int count = 64; count < 4096; count += 16) {
+            if (Run(Arguments("still.png", "small.png", {"--quiet"}), WithMiB(count)).code == 0) return count;
+        }
+        return 0;
+    }
+};
+
+TEST_F(CliMemory, EveryWantOfItHasOneFace) {
+    const int least = LeastForSmall();
+    if (least == 0) GTEST_SKIP() << "no address space is enough here, as with a sanitizer's";
+    int failed = 0, drawn = 0;
+    for (const char* ending : {"png", "exr"}) {
+        // From hardly more than nothing to room for everything: each step of a picture's way runs out in turn.
+        for (const int more : {8, 24, 40, 72, 104, 136, 200, 1500}) {
+            SCOPED_TRACE(std::to_string(least) + " and " + std::to_string(more) + " MiB, " + ending);
+            const Outcome outcome =
+                Run(Arguments("large.tif", std::string("out.") + ending, {"--quiet"}), WithMiB(least + more));
+            ExpectDoneOrNoMemory(outcome);
+            EXPECT_EQ(Exists(std::string("out.") + ending), outcome.code == 0) << "nothing half written";
+            fs::remove(folder_ / (std::string("out.") + ending));
+            ++(outcome.code == 0 ? drawn : failed);
+        }
+    }
+    EXPECT_GE(failed, 2) << "no memory was ever missing";
+    EXPECT_GE(drawn, 2) << "all of it was always missing";
+}
+
+TEST_F(CliMemory, ASequenceHasIt) {
+    const int least = LeastForSmall();
+    if (least == 0) GTEST_SKIP() << "no address space is enough here, as with a sanitizer's";
+    for (const int more : {24, 104, 400}) {
+        SCOPED_TRACE(std::to_string(least) + " and " + std::to_string(more) + " MiB");
+        const Outcome outcome = Run(Arguments("large.@.tif", "out.@.png", {"--quiet"}), WithMiB(least + more));
+        ExpectDoneOrNoMemory(outcome);
+    }
+    // Where frames are drawn one at a time for want of room, they are all drawn.
+    const Outcome verbose = Run(Arguments("large.@.tif", "out.@.png", {"--verbose"}), WithMiB(least + 1000));
+    EXPECT_EQ(verbose.code, 0) << verbose.err;
+    EXPECT_THAT(verbose.err, MatchesRegex("(.|\n)*at most [1-4] frames under way(.|\n)*"));
+}
+
+}  // namespace
