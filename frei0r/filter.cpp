@@ -63,7 +63,10 @@ class Filter {
  public:
     Filter(int width, int height) : width_(width), height_(height) {
         for (const FilterParameter& parameter : FilterParameters()) values_.push_back(parameter.standard);
-        Try([this] { effect_ = std::make_unique<umbrant::Effect>(); });
+        umbrant::EffectOptions options;
+        options.moduleAdvice =
+            "put umbrant2.so into the filter's folder, or set the environment variable UMBRANT_MODULE to its file";
+        Try([&] { effect_ = std::make_unique<umbrant::Effect>(options); });
     }
 
     /// The host sets all parameters for every frame; what is as it was costs nothing.

@@ -222,6 +222,7 @@ struct Effect::State {
 Effect::Effect(const EffectOptions& options) {
     SharedModuleRequest request;
     request.file = options.module;
+    request.advice = options.moduleAdvice;
     if (options.renderer == Renderer::kOpenGL) request.renderer = RendererWish::kOpenGL;
     if (options.renderer == Renderer::kProcessor) request.renderer = RendererWish::kProcessor;
     request.collapsed = options.collapsed;
@@ -259,7 +260,10 @@ void Effect::Reset() {
 
 void Effect::ApplyPreset(std::string_view json) {
     const std::lock_guard lock(state_->mutex);
-    Need(ApplyPresetText(std::string(json), "in memory", state_->params));
+    auto applied = ApplyPresetText(std::string(json), "in memory", state_->params);
+    // Without a file a text that is no JSON is an argument that makes no sense.
+    if (!applied && applied.Error().code == ExitCode::kFile) Refuse(applied.Error().sentence);
+    Need(std::move(applied));
     state_->isChanged = true;
 }
 

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <limits>
 
 #include "host/compositing/resample.h"
 #include "hostapi/limits.h"
@@ -66,6 +67,12 @@ Result<Done> CheckView(const ImageView& view, const std::string& what) {
     if (view.RowBytes() < least && view.RowBytes() > -least) {
         return wrong(
             fmt::format("has a stride of {} bytes; a row of {} pixels has {}", view.stride, view.width, least));
+    }
+    // No row's place may be beyond what a pointer can be moved by.
+    const std::ptrdiff_t most = std::numeric_limits<std::ptrdiff_t>::max() / view.height - least;
+    if (view.stride > most || view.stride < -most) {
+        return wrong(fmt::format("has a stride of {} bytes; {} rows so far apart have no place in memory", view.stride,
+                                 view.height));
     }
     return Done{};
 }

@@ -26,31 +26,13 @@ Registry& TheRegistry() {
     return registry;
 }
 
-Result<fs::path> FileOf(const std::string& named) {
-    const std::optional<fs::path> option = named.empty() ? std::nullopt : std::optional<fs::path>(named);
-    return FindModule(DefaultModuleSearch(option, ModuleSeeker::kLibrary));
-}
-
-/// Decides which renderer draws, or joins the decision that was made.
-Result<RendererDecision> RendererFor(Registry& registry, const fs::path& key, const SharedModuleRequest& request,
-                                     const ParamSet& params) {
-    const auto made = registry.renderers.find(key);
-    if (made == registry.renderers.end()) {
-        const auto wish = request.renderer ? Result<RendererWish>(*request.renderer) : ReadRendererWish("");
-        if (!wish) return wish.Error();
-        const RendererDecision decision = DecideRenderer(*wish, ReadGpuStrings(params));
-        TellRenderer(decision);
-        registry.renderers.emplace(key, decision);
-        return decision;
-    }
-    const RendererDecision& decision = made->second;
-    const bool agrees = !request.renderer || (*request.renderer == RendererWish::kProcessor) == decision.processor;
-    if (agrees) return decision;
-    return Failure{
-        ExitCode::kUsage,
-        fmt::format("'{}' draws by {} in this process, as its first effect chose; a module has one renderer, "
-                    "so leave the choice out or make it in the first effect",
-                    key.string(), decision.processor ? "the processor" : "OpenGL")};
+Result<fs::path> FileOf(const SharedModuleRequest& request) {
+    const std::optional<fs::path> option = request.file.empty() ? std::nullopt : std::optional<fs::path>(request.file);
+    ModuleSearch search = DefaultModuleSearch(option, ModuleSeeker::kLibrary);
+    search.advice = request.advice.empty() ? "name one with EffectOptions::module or the environment variable "
+                                             "UMBRANT_MODULE"
+                                           : request.advice;
+    return FindModule(search);
 }
 
 Result<std::shared_ptr<SharedModule>> Load(const fs::path& file) {

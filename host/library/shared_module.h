@@ -29,7 +29,8 @@ struct SharedModule {
 
 /// What an effect was asked to be made with.
 struct SharedModuleRequest {
-    std::string file;  ///< empty looks for one
+    std::string file;    ///< empty looks for one
+    std::string advice;  ///< what to do when none is found; empty for a program's own way
     std::optional<RendererWish> renderer;
     bool collapsed = false;
 };

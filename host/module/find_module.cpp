@@ -7,7 +7,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdlib>
+#include <memory>
 #include <system_error>
 #include <utility>
 
@@ -43,6 +45,34 @@ class Folders {
     std::vector<std::filesystem::path> all;
 };
 
+/// The file of a module in a folder, empty where there is none.
+std::filesystem::path ModuleIn(const std::filesystem::path& folder) {
+    for (const char* file : kModuleFiles) {
+        std::error_code error;
+        const std::filesystem::path candidate = folder / file;
+        if (std::filesystem::is_regular_file(candidate, error)) return candidate;
+    }
+    return {};
+}
+
+/// Where the loader looks for the libraries of the file that this code is linked into. A program that was linked with
+/// the installed package has the module's folder in its run path.
+std::vector<std::filesystem::path> LoaderFolders() {
+    const std::filesystem::path own = OwnFile();
+    const bool isProgram = own.empty() || own == RunningProgram();
+    const std::unique_ptr<void, int (*)(void*)> handle(
+        dlopen(isProgram ? nullptr : own.c_str(), RTLD_LAZY | RTLD_LOCAL | RTLD_NOLOAD), dlclose);
+    Dl_serinfo size{};
+    if (!handle || dlinfo(handle.get(), RTLD_DI_SERINFOSIZE, &size) != 0) return {};
+    std::vector<std::max_align_t> memory(size.dls_size / sizeof(std::max_align_t) + 1);
+    auto* const info = reinterpret_cast<Dl_serinfo*>(memory.data());
+    if (dlinfo(handle.get(), RTLD_DI_SERINFOSIZE, info) != 0) return {};
+    if (dlinfo(handle.get(), RTLD_DI_SERINFO, info) != 0) return {};
+    std::vector<std::filesystem::path> folders;
+    for (unsigned i = 0; i < info->dls_cnt; ++i) folders.emplace_back(info->dls_serpath[i].dls_name);
+    return folders;
+}
+
 }  // namespace
 
 std::filesystem::path RunningProgram() {
@@ -70,6 +100,10 @@ ModuleSearch DefaultModuleSearch(const std::optional<std::filesystem::path>& opt
     }
     folders.AddInstalled(program);
     if (seeker == ModuleSeeker::kLibrary) {
+        // Only where there is one: a message need not name all of the system's folders.
+        for (const std::filesystem::path& folder : LoaderFolders()) {
+            if (!ModuleIn(folder).empty()) folders.Add(folder);
+        }
         for (const char* prefix : {"/usr/local", "/usr"})
             folders.Add(std::filesystem::path(prefix) / UMBRANT_LIBRARY_FOLDER);
     }
@@ -82,16 +116,11 @@ Result<std::filesystem::path> FindModule(const ModuleSearch& search) {
     if (search.environment) return *search.environment;
     std::string places;
     for (const std::filesystem::path& folder : search.folders) {
-        for (const char* file : kModuleFiles) {
-            std::error_code error;
-            const std::filesystem::path candidate = folder / file;
-            if (std::filesystem::is_regular_file(candidate, error)) return candidate;
-        }
+        if (std::filesystem::path file = ModuleIn(folder); !file.empty()) return file;
         const char* joint = places.empty() ? "" : &folder == &search.folders.back() ? " or " : ", ";
         places += fmt::format("{}'{}'", joint, folder.string());
     }
-    return Failure{ExitCode::kModule,
-                   fmt::format("no module was found in {}; name one with --module or UMBRANT_MODULE", places)};
+    return Failure{ExitCode::kModule, fmt::format("no module was found in {}; {}", places, search.advice)};
 }
 
 Result<std::filesystem::path> FindModule(const std::optional<std::filesystem::path>& option) {

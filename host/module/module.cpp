@@ -38,14 +38,32 @@ std::string Text(const A_u_char* bytes) {
     return bytes ? std::string(reinterpret_cast<const char*>(bytes)) : std::string();
 }
 
+/// Longer names are a module's mistake, and only make messages unreadable.
+constexpr std::size_t kLongestName = 255;
+
+/// At most `kLongestName` bytes of a text for people, with a mark where the rest is missing; characters stay whole.
+std::string Shortened(std::string text) {
+    constexpr std::string_view kMark = "...";
+    if (text.size() <= kLongestName) return text;
+    std::size_t end = kLongestName - kMark.size();
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+    return text.substr(0, end).append(kMark);
+}
+
 A_Err Receive(PF_PluginDataPtr pointer, const A_u_char* name, const A_u_char* matchName, const A_u_char* category,
               const A_u_char* entryPoint, A_long kind, A_long apiMajor, A_long apiMinor, A_long reservedInfo) {
     auto* received = reinterpret_cast<Received*>(pointer);
     if (!received) return PF_Err_BAD_CALLBACK_PARAM;
     ++received->calls;
     received->complete = name && matchName && category && entryPoint;
-    received->registration = {Text(name), Text(matchName), Text(category), Text(entryPoint),
-                              kind,       apiMajor,        apiMinor,       reservedInfo};
+    received->registration = {Shortened(Text(name)),
+                              Shortened(Text(matchName)),
+                              Shortened(Text(category)),
+                              Text(entryPoint),
+                              kind,
+                              apiMajor,
+                              apiMinor,
+                              reservedInfo};
     return PF_Err_NONE;
 }
 
@@ -142,7 +160,8 @@ Result<Module> Module::Load(const std::filesystem::path& file) {
     const std::string& entryPoint = module.registration_.entryPoint;
     module.entry_ = reinterpret_cast<PF_FilterProc>(dlsym(module.library_.get(), entryPoint.c_str()));
     if (!module.entry_) {
-        return ModuleFailure(file, fmt::format("it registers the entry '{}' but does not export it", entryPoint));
+        return ModuleFailure(file,
+                             fmt::format("it registers the entry '{}' but does not export it", Shortened(entryPoint)));
     }
     return module;
 }

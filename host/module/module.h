@@ -14,7 +14,8 @@
 #include "host/result.h"
 #include "hostapi/commands.h"
 
-/// What the module said about its effect when it was scanned.
+/// What the module said about its effect when it was scanned. The first three texts are for people, and cut at 255
+/// bytes.
 struct Registration {
     std::string name;
     std::string matchName;
@@ -67,7 +68,9 @@ class Module {
 struct ModuleSearch {
     std::optional<std::filesystem::path> option;       ///< the file named on the command line
     std::optional<std::filesystem::path> environment;  ///< the file named by UMBRANT_MODULE
-    std::vector<std::filesystem::path> folders;        ///< where it may lie, the first first
+    std::vector<std::filesystem::path> folders;        ///< where it may be, the first first
+    /// What the user can do when none is found: "name one with ...".
+    std::string advice = "name one with --module or UMBRANT_MODULE";
 };
 
 /// The file of the running program, empty when the system does not tell.
@@ -76,7 +79,8 @@ std::filesystem::path RunningProgram();
 /// Who looks for a module.
 enum class ModuleSeeker {
     kProgram,  ///< this project's program: beside it, and in the library folder that was installed with it
-    /// Somebody's program, or a shared library in it: also beside that library, and in the system's library folders.
+    /// Somebody's program, or a shared library in it: also beside that library, in the folders in which the loader
+    /// looks for the libraries of it (its run path, LD_LIBRARY_PATH), and in the system's library folders.
     kLibrary,
 };
 

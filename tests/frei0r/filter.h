@@ -17,7 +17,8 @@ extern "C" {
 
 /// The functions of a loaded filter.
 struct LoadedFilter {
-    LoadedFilter() : handle(dlopen(FREI0R_FILTER, RTLD_NOW | RTLD_LOCAL)) {
+    explicit LoadedFilter(const std::string& file = FREI0R_FILTER)
+        : handle(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) {
         if (!handle) {
             ADD_FAILURE() << dlerror();
             return;

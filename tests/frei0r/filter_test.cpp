@@ -306,6 +306,23 @@ TEST_F(FilterTest, WithoutItsModulePicturesPass) {
     EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1) << "once, not for every instance and frame";
 }
 
+TEST_F(FilterTest, WithoutAnyModuleItSaysWhatItsUserCanDo) {
+    // A copy of the filter in a folder without a module.
+    const Folder alone;
+    std::filesystem::copy_file(FREI0R_FILTER, alone / "umbrant_frei0r.so");
+    ::unsetenv("UMBRANT_MODULE");
+    const LoadedFilter filter((alone / "umbrant_frei0r.so").string());
+    testing::internal::CaptureStderr();
+    const f0r_instance_t instance = filter.construct(16, 16);
+    const std::string said = testing::internal::GetCapturedStderr();
+    filter.destruct(instance);
+    // Where this project is installed, that module is found.
+    if (said.empty()) return;
+    EXPECT_THAT(said, testing::StartsWith("umbrant_frei0r: no module was found in '"));
+    EXPECT_THAT(said, testing::EndsWith("'; put umbrant2.so into the filter's folder, or set the environment variable "
+                                        "UMBRANT_MODULE to its file; pictures pass unchanged\n"));
+}
+
 TEST_F(FilterTest, TimesThatMakeNoSense) {
     const auto picture = Disc8(16, 16);
     const Frame in = FrameOf(picture), expected = FromProgram(picture, {});

@@ -7,6 +7,7 @@
 
 #include <cstring>
 #include <stdexcept>
+#include <string>
 
 #include "hostapi/commands.h"
 
@@ -23,6 +24,7 @@ enum Flaw {
     kWrongKind,
     kWrongEntry,
     kNullName,
+    kLongName,
     kNoSmartRender,
     kSetupError,
     kParamsError,
@@ -33,6 +35,12 @@ enum Flaw {
     kSetupThrows
 };
 constexpr Flaw kFlaw = REGISTRATION_FLAW;
+
+/// 300 bytes, of which the 253rd begins a character of two.
+const std::string& LongName() {
+    static const std::string name = std::string(251, 'n') + "\xc3\xa4" + std::string(47, 'n');
+    return name;
+}
 
 PF_Err AddRow(PF_InData* in, PF_ParamType type) {
     PF_ParamDef def{};
@@ -73,7 +81,7 @@ MODULE_EXPORT PF_Err PluginDataEntryFunction(PF_PluginDataPtr pointer, PF_Plugin
     if (kFlaw == kReturnsError) return 25;
     if (kFlaw == kRegistersNothing) return PF_Err_NONE;
     const auto text = [](const char* characters) { return reinterpret_cast<const A_u_char*>(characters); };
-    const A_u_char* name = kFlaw == kNullName ? nullptr : text("Flawed");
+    const A_u_char* name = kFlaw == kNullName ? nullptr : text(kFlaw == kLongName ? LongName().c_str() : "Flawed");
     const A_u_char* entry = text(kFlaw == kWrongEntry ? "ElsewhereMain" : "FlawedMain");
     const A_long kind = kFlaw == kWrongKind ? 0x41454750 : kPluginKind_Effect;
     const int times = kFlaw == kRegistersTwice ? 2 : 1;

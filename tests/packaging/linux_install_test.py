@@ -36,6 +36,7 @@ EXPECTED = {
     *(f"{LIBDIR}/cmake/umbrant_host/{name}" for name in (
         "umbrant_host-config.cmake", "umbrant_host-config-version.cmake", "umbrant_host-targets.cmake",
         "FindCairo.cmake")),
+    f"{LIBDIR}/pkgconfig/umbrant_host.pc",
     "share/doc/libumbrant-host-dev/copyright",
     "share/doc/libumbrant-host-dev/changelog.Debian",
     "share/doc/libumbrant-host-dev/examples/render_from_memory/CMakeLists.txt",
@@ -132,8 +133,8 @@ class Installed(unittest.TestCase):
 
     def test_the_example_draws_what_the_program_draws(self):
         build, _ = self.build_example("example")
-        module = str(self.prefix / LIBDIR / "umbrant/umbrant2.so")
-        said = run(build / "render_from_memory", cwd=build, UMBRANT_MODULE=module, UMBRANT_RENDERER="cpu")
+        # Nothing names the module: `run` hands on no UMBRANT_MODULE.
+        said = run(build / "render_from_memory", cwd=build, UMBRANT_RENDERER="cpu")
         header, _, pixels = (build / "shadow.pam").read_bytes().partition(b"ENDHDR\n")
         fields = dict(line.split(" ", 1) for line in header.decode().splitlines() if " " in line)
         width, height = int(fields["WIDTH"]), int(fields["HEIGHT"])
@@ -152,6 +153,47 @@ class Installed(unittest.TestCase):
             "style/distance=80", cwd=build)  # fmt: skip
         run(self.prefix / "bin/umbrant", "compare", "shadow.png", "example.png", "--straight", "--warn", "1/255",
             "--percent", "0", "--hard", "1/255", cwd=build)  # fmt: skip
+
+    def test_pkg_config_builds_and_runs_the_example_too(self):
+        if shutil.which("pkg-config") is None:
+            self.skipTest("there is no pkg-config here")
+        folder = self.root / "by_pkg_config"
+        folder.mkdir()
+        files = str(self.prefix / LIBDIR / "pkgconfig")
+
+        def ask(*options):
+            return run("pkg-config", *options, "umbrant_host", PKG_CONFIG_PATH=files)
+
+        module = ask("--variable=module").strip()
+        self.assertEqual(os.path.realpath(module), str(self.prefix / LIBDIR / "umbrant/umbrant2.so"))
+        self.assertEqual(ask("--modversion").strip(), run(self.prefix / "bin/umbrant", "--version").split()[-1])
+        example = self.prefix / "share/doc/libumbrant-host-dev/examples/render_from_memory/render_from_memory.cpp"
+        flags = " ".join(ask("--cflags", "--libs").split())
+        # By a shell, as people type it.
+        run("sh", "-euc", f'c++ -std=c++17 "$0" -o render_from_memory {flags}', example, cwd=folder)
+        said = run(folder / "render_from_memory", cwd=folder, UMBRANT_RENDERER="cpu")
+        self.assertIn(", the layer at ", said)
+        self.assertTrue((folder / "shadow.pam").read_bytes().startswith(b"P7\n"))
+
+    def test_a_program_without_a_module_says_what_it_can_do(self):
+        build, _ = self.build_example("example_alone")
+        # The installation without its module.
+        module = self.prefix / LIBDIR / "umbrant/umbrant2.so"
+        hidden = module.with_suffix(".hidden")
+        module.rename(hidden)
+        try:
+            done = subprocess.run([build / "render_from_memory"], cwd=build, text=True, capture_output=True, check=False,
+                                  env={name: value for name, value in os.environ.items()
+                                       if not name.startswith("UMBRANT_")})  # fmt: skip
+        finally:
+            hidden.rename(module)
+        if done.returncode == 0:
+            self.skipTest("a module is installed on this machine")
+        self.assertEqual(done.returncode, 4)
+        self.assertIn("no module was found in '", done.stderr)
+        self.assertTrue(
+            done.stderr.endswith("; name one with EffectOptions::module or the environment variable UMBRANT_MODULE\n"),
+            done.stderr)
 
     def test_the_package_knows_its_module_and_version(self):
         source = self.root / "asks"

@@ -38,8 +38,9 @@ enum class Renderer {
 
 /// How an effect is made.
 struct EffectOptions {
-    /// The module's file. Empty: the environment variable UMBRANT_MODULE, else the first `umbrant2.so` beside the
-    /// program, beside the shared library that this library is linked into, or in an installed library folder.
+    /// The module's file. Empty: the environment variable UMBRANT_MODULE, else the first `umbrant2.so` in the folder of
+    /// the program, of the shared library that this library is linked into, in the run path of either (where the CMake
+    /// and pkg-config packages put the installed module's folder), or in an installed library folder.
     std::string module;
     Renderer renderer = Renderer::kAuto;
     /// Presents layers with their "Collapse Transformations" switch on: radial shadows then grow by their softness
@@ -48,6 +49,9 @@ struct EffectOptions {
     /// Called with the words that the effect has for its user beside a picture that it drew, which it seldom has; on
     /// the thread that draws.
     std::function<void(const std::string&)> message;
+    /// How the users of the program can name a module; ends the sentence of the Error when none is found. Empty: how
+    /// the program can.
+    std::string moduleAdvice{};
 };
 
 /// How much a picture shows.
@@ -110,7 +114,7 @@ class UMBRANT_API Effect {
     void Reset();
 
     /// Takes values and keyframes from a preset; parameters that it does not name stay as they are. Throws kUsage with
-    /// every mistake, its line and column; `LoadPreset` also kFile.
+    /// every mistake, its line and column; `LoadPreset` kFile for a file that cannot be read as JSON.
     void ApplyPreset(std::string_view json);
     void LoadPreset(const std::string& file);
     /// Values and keyframes as a preset.

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fstream>
 #include <functional>
 #include <limits>
 
@@ -14,6 +15,7 @@
 
 namespace {
 
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 using umbrant::Effect;
@@ -48,7 +50,11 @@ TEST(LibraryFailures, NoModuleIsFound) {
     // Where this project is installed, that module is found.
     if (!thrown.empty()) {
         EXPECT_THAT(thrown, StartsWith("4: no module was found in '"));
-        EXPECT_THAT(thrown, HasSubstr("'; name one with --module or UMBRANT_MODULE"));
+        EXPECT_THAT(thrown, HasSubstr("'; name one with EffectOptions::module or the environment variable "
+                                      "UMBRANT_MODULE"));
+        EffectOptions options;
+        options.moduleAdvice = "ask the person who gave you this program";
+        EXPECT_THAT(Thrown([&] { Effect{options}; }), EndsWith("'; ask the person who gave you this program"));
     }
     ::setenv("UMBRANT_MODULE", TestModule("painter").c_str(), 1);
     EXPECT_EQ(Effect().ModuleFile(), TestModule("painter"));
@@ -68,6 +74,9 @@ TEST(LibraryFailures, TheRenderer) {
 }
 
 TEST(LibraryFailures, Parameters) {
+    const Folder folder;
+    const std::string torn = (folder / "torn.json").string();
+    std::ofstream(torn) << "{";
     struct {
         const char* what;
         std::function<void(Effect&)> call;
@@ -86,12 +95,14 @@ TEST(LibraryFailures, Parameters) {
         {"a layer", [](Effect& e) { e.Set("paint/picture", "1"); },
          "2: 'paint/picture' is a layer; give it a picture instead of a value"},
         {"a row to find", [](Effect& e) { e.Find("flow"); }, "2: there is no parameter 'flow'; nearest: 'flaw'"},
-        {"a preset that is no JSON", [](Effect& e) { e.ApplyPreset("{"); }, "3: cannot read the preset 'in memory'"},
+        {"a preset that is no JSON", [](Effect& e) { e.ApplyPreset("{"); },
+         "2: cannot read the preset 'in memory': line 1, column 2: "},
         {"a preset with mistakes",
          [](Effect& e) { e.ApplyPreset(R"({"version": 1, "values": {"paint/colr": "#000000"}})"); },
          "2: the preset 'in memory' is wrong: line 1, column "},
         {"a preset that is not there", [](Effect& e) { e.LoadPreset("none.json"); },
          "3: cannot read the preset 'none.json': there is no such file"},
+        {"a preset's file that is no JSON", [&](Effect& e) { e.LoadPreset(torn); }, "3: cannot read the preset '"},
     };
     Effect effect = Painter();
     const std::string before = effect.PresetText();
@@ -117,6 +128,18 @@ TEST(LibraryFailures, Layers) {
         {"rows that overlap upwards",
          {pixels, 6, 5, -23},
          "2: the layer has a stride of -23 bytes; a row of 6 pixels has 24"},
+        {"rows that no memory holds",
+         {pixels, 6, 5, std::numeric_limits<std::ptrdiff_t>::max()},
+         "2: the layer has a stride of 9223372036854775807 bytes; 5 rows so far apart have no place in memory"},
+        {"rows that no memory holds upwards",
+         {pixels, 6, 5, std::numeric_limits<std::ptrdiff_t>::min()},
+         "2: the layer has a stride of -9223372036854775808 bytes; 5 rows so far apart have no place in memory"},
+        {"a little less",
+         {pixels, 6, 5, std::numeric_limits<std::ptrdiff_t>::max() / 5},
+         "2: the layer has a stride of 1844674407370955161 bytes; 5 rows so far apart have no place in memory"},
+        {"one row that is no different",
+         {pixels, 6, 1, std::numeric_limits<std::ptrdiff_t>::min() + 1},
+         "2: the layer has a stride of -9223372036854775807 bytes; 1 rows so far apart have no place in memory"},
         {"another format",
          {pixels, 6, 5, static_cast<PixelFormat>(9)},
          "2: the layer has the pixel format 9; it must be kRgba8 or kRgbaFloat"},
@@ -141,6 +164,8 @@ TEST(LibraryFailures, Targets) {
         return Thrown([&] { effect.RenderInto(kLayer.View(), target); });
     };
     EXPECT_EQ(into({memory.data(), 6, 5}), "");
+    EXPECT_EQ(into({memory.data(), 6, 5, std::numeric_limits<std::ptrdiff_t>::min()}),
+              "2: the target has a stride of -9223372036854775808 bytes; 5 rows so far apart have no place in memory");
     EXPECT_EQ(into({memory.data(), 6, 5, 7}), "2: the target has a stride of 7 bytes; a row of 6 pixels has 24");
     EXPECT_EQ(into({floats.data(), 6, 5}), "2: the target has another pixel format than the layer; they must agree");
     EXPECT_EQ(into({memory.data(), 5, 5}), "2: the target is 5 x 5 pixels; the picture is 6 x 5");

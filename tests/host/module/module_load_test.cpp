@@ -76,6 +76,13 @@ TEST(ModuleCall, CatchesAnException) {
     EXPECT_EQ(outcome.exception, "no set-up today");
 }
 
+TEST(ModuleLoad, CutsANameThatIsTooLongForPeople) {
+    const Result<Module> module = Module::Load(TestModule("LongName"));
+    ASSERT_TRUE(module) << module.Error().sentence;
+    EXPECT_EQ(module->Effect().name, std::string(251, 'n') + "...") << "254 bytes: a character is not cut in two";
+    EXPECT_EQ(module->Effect().matchName, "TEST flawed");
+}
+
 struct WrongModule {
     const char* name;
     const char* file;
