@@ -4,6 +4,7 @@
 #include "host/compositing/start_threads.h"
 
 #include <atomic>
+#include <cerrno>
 #include <memory>
 #include <new>
 #include <system_error>
@@ -32,6 +33,10 @@ std::optional<std::thread> StartThread(std::function<void()> work) {
     } catch (const std::bad_alloc&) {
         return std::nullopt;
     }
+}
+
+bool SaysNoThread(const std::string& message) {
+    return message.find(std::generic_category().message(EAGAIN)) != std::string::npos;
 }
 
 std::vector<std::thread> StartThreads(int count, std::function<void(int index)> work) {

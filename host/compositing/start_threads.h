@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <optional>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -16,6 +17,9 @@ std::optional<std::thread> StartThread(std::function<void()> work);
 /// Starts `count` threads one by one, of which the i-th runs `work(i)`, and ends the attempts with the first that is
 /// refused. The caller joins those that it gets, which may be none.
 std::vector<std::thread> StartThreads(int count, std::function<void(int index)> work);
+
+/// Whether a library's message says that the system refused it a thread.
+bool SaysNoThread(const std::string& message);
 
 /// How many threads were wanted, and how many of them the system allowed.
 struct ThreadShortage {

@@ -6,9 +6,11 @@
 #include <OpenImageIO/imageio.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <future>
 #include <string>
+#include <system_error>
 #include <thread>
 
 #include "host/compositing/start_threads.h"
@@ -20,6 +22,8 @@ constexpr char kVariable[] = "OPENIMAGEIO_THREADS";
 constexpr int kMostThreads = 16;
 /// What the rest of the program starts beside its drawing threads.
 constexpr int kOthers = 6;
+constexpr int kAttempts = 10;
+constexpr std::chrono::milliseconds kPause{10};
 
 /// Whether the system refuses some of so many threads at once.
 bool AreThreadsScarce(int count) {
@@ -46,6 +50,20 @@ void PrepareImageThreads() {
     const int threads = ImageThreads(wanted, cores, AreThreadsScarce(2 * std::clamp(cores, 1, kMostThreads) + kOthers));
     // The library's pool is made with this number, whatever its attribute says.
     setenv(kVariable, std::to_string(threads).c_str(), 1);
+    if (threads > 1) {
+        OIIO::attribute("exr_threads", threads);
+        return;
+    }
     // -1 is what it calls no threads at all.
-    OIIO::attribute("exr_threads", threads > 1 ? threads : -1);
+    OIIO::attribute("exr_threads", -1);
+    // It read the variable before the program began. This also makes its pool, which has a thread at least; one that
+    // has just ended may still be counted for a moment.
+    for (int i = 0; i < kAttempts; ++i) {
+        try {
+            OIIO::attribute("threads", 1);
+            return;
+        } catch (const std::system_error&) {
+            std::this_thread::sleep_for(kPause);
+        }
+    }
 }

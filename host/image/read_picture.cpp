@@ -22,6 +22,7 @@
 #include <vector>
 
 #include "host/compositing/memory_shortage.h"
+#include "host/compositing/start_threads.h"
 #include "host/image/encoded_file.h"
 #include "host/image/metadata.h"
 #include "host/image/picture.h"
@@ -38,7 +39,8 @@ Failure NoMemoryFor(const fs::path& file) {
 
 Failure CannotRead(const fs::path& file, std::string_view reason) {
     if (SaysNoMemory(std::string(reason))) return NoMemoryFor(file);
-    return {ExitCode::kFile, fmt::format("cannot read '{}': {}", file.string(), reason)};
+    return {SaysNoThread(std::string(reason)) ? ExitCode::kInternal : ExitCode::kFile,
+            fmt::format("cannot read '{}': {}", file.string(), reason)};
 }
 
 /// The library's message as part of one sentence: its first line, without the file's name again or a full stop.

@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "host/compositing/memory_shortage.h"
+#include "host/compositing/start_threads.h"
 #include "host/image/encoded_file.h"
 #include "host/image/metadata.h"
 #include "host/image/picture.h"
@@ -30,7 +31,8 @@ namespace fs = std::filesystem;
 
 Failure CannotWrite(const fs::path& file, std::string_view reason) {
     if (SaysNoMemory(std::string(reason))) return NotEnoughMemory(fmt::format("writing '{}'", file.string()));
-    return {ExitCode::kFile, fmt::format("cannot write '{}': {}", file.string(), reason)};
+    return {SaysNoThread(std::string(reason)) ? ExitCode::kInternal : ExitCode::kFile,
+            fmt::format("cannot write '{}': {}", file.string(), reason)};
 }
 
 /// Alpha, red, green, blue as 0..1 and beyond.

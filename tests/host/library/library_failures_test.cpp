@@ -96,7 +96,7 @@ TEST(LibraryFailures, Parameters) {
          "2: 'paint/picture' is a layer; give it a picture instead of a value"},
         {"a row to find", [](Effect& e) { e.Find("flow"); }, "2: there is no parameter 'flow'; nearest: 'flaw'"},
         {"a preset that is no JSON", [](Effect& e) { e.ApplyPreset("{"); },
-         "2: cannot read the preset 'in memory': line 1, column 2: "},
+         "2: cannot read the preset 'in memory': it is not JSON (parse error at line 1, column 2: "},
         {"a preset with mistakes",
          [](Effect& e) { e.ApplyPreset(R"({"version": 1, "values": {"paint/colr": "#000000"}})"); },
          "2: the preset 'in memory' is wrong: line 1, column "},
