@@ -29,8 +29,8 @@ class CliLimits : public CliSequence {
     using Before = std::vector<std::string>;
 
     /// As a user without any other process, in any test, who may have so many threads besides those that libraries
-    /// start before the program begins; root has no such limit.
-    Before WithThreads(int count) const { return WithTasks(ofLibraries_ + count); }
+    /// start before the program begins, and the one that waits for signals; root has no such limit.
+    Before WithThreads(int count) const { return WithTasks(ofLibraries_ + 1 + count); }
     static Before WithTasks(int count) {
         return {"setpriv", "--reuid=" + std::to_string(200'000'000 + getpid()), "--clear-groups", "prlimit",
                 "--nproc=" + std::to_string(count) + ":" + std::to_string(count)};
