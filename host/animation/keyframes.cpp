@@ -121,7 +121,8 @@ double Track::FrameOf(const Keyframe& key, const AnimationClock& clock) const {
 std::vector<double> Track::At(double frame, const AnimationClock& clock) const {
     // In the track's own unit, in which whole numbers are exact.
     const double time = inFrames ? frame : clock.SecondsOf(frame);
-    const auto after = std::find_if(keys.begin(), keys.end(), [&](const Keyframe& key) { return key.time > time; });
+    const auto after = std::upper_bound(keys.begin(), keys.end(), time,
+                                        [](double moment, const Keyframe& key) { return moment < key.time; });
     if (after == keys.begin()) return keys.front().value;
     const Keyframe& from = *std::prev(after);
     if (after == keys.end() || from.out.kind == Interpolation::kHold || time == from.time) return from.value;

@@ -3,9 +3,13 @@
 
 #include "host/animation/located_json.h"
 
+#include <fmt/format.h>
+
 #include <cstddef>
 #include <iterator>
 #include <nlohmann/json.hpp>
+
+#include "host/session/echo_text.h"
 
 namespace {
 
@@ -13,6 +17,21 @@ using Json = nlohmann::json;
 using Kind = LocatedJson::Kind;
 
 constexpr int kDeepest = 64;
+constexpr int kMostValues = 2'000'000;
+
+/// The parser's message without its code, with what it read last cut to what a person reads.
+std::string ProblemOf(const std::string& message) {
+    const std::size_t code = message.find("] ");
+    const std::string words = code == std::string::npos ? message : message.substr(code + 2);
+    constexpr std::string_view kBefore = "last read: '";
+    const std::size_t found = words.find(kBefore);
+    if (found == std::string::npos) return EchoText(words);
+    const std::size_t begin = found + kBefore.size();
+    std::size_t end = words.rfind("'; expected ");
+    if (end == std::string::npos || end < begin) end = words.rfind('\'');
+    if (end < begin) return EchoText(words);
+    return words.substr(0, begin) + EchoText(std::string_view(words).substr(begin, end - begin)) + words.substr(end);
+}
 
 /// Walks over the text and leaves word of how far the parser has read.
 class CountingIterator {
@@ -47,7 +66,7 @@ class CountingIterator {
 class Builder : public nlohmann::json_sax<Json> {
  public:
     Builder(const std::string& text, const char** read)
-        : text_(text), read_(read), before_(text.data()), lineStart_(text.data()), counted_(text.data()) {}
+        : text_(text), read_(read), before_(text.data()), counted_(text.data()) {}
 
     bool null() override { return Add(Begun(Kind::kNull)); }
     bool boolean(bool value) override {
@@ -73,9 +92,7 @@ class Builder : public nlohmann::json_sax<Json> {
     bool end_object() override { return Close(); }
     bool end_array() override { return Close(); }
     bool parse_error(std::size_t, const std::string&, const Json::exception& error) override {
-        const std::string words = error.what();
-        const std::size_t name = words.find("] ");
-        problem = name == std::string::npos ? words : words.substr(name + 2);
+        problem = ProblemOf(error.what());
         return false;
     }
 
@@ -90,16 +107,16 @@ class Builder : public nlohmann::json_sax<Json> {
         while (at < end && std::string_view(" \t\r\n,:").find(*at) != std::string_view::npos) ++at;
         before_ = *read_;
         token_ = at;
+        // Each byte of the text is counted once, however long its line is.
         for (; counted_ < at; ++counted_) {
-            if (*counted_ != '\n') continue;
-            ++line_;
-            lineStart_ = counted_ + 1;
+            if (*counted_ == '\n') {
+                ++place_.line;
+                place_.column = 1;
+            } else if ((static_cast<unsigned char>(*counted_) & 0xC0) != 0x80) {
+                ++place_.column;
+            }
         }
-        int column = 1;
-        for (const char* byte = lineStart_; byte < at; ++byte) {
-            if ((static_cast<unsigned char>(*byte) & 0xC0) != 0x80) ++column;
-        }
-        return {line_, column};
+        return place_;
     }
 
     /// A value of the token that was just read.
@@ -119,8 +136,16 @@ class Builder : public nlohmann::json_sax<Json> {
     }
 
     bool Add(LocatedJson value) {
+        if (!Count()) return false;
         Place() = std::move(value);
         return true;
+    }
+
+    /// Bounds the memory of a hostile text: a value takes 2 bytes of it and about a hundred here.
+    bool Count() {
+        if (++values_ <= kMostValues) return true;
+        problem = fmt::format("more than {} values", kMostValues);
+        return false;
     }
 
     /// Where the next value belongs.
@@ -136,6 +161,7 @@ class Builder : public nlohmann::json_sax<Json> {
             problem = "it is nested too deeply";
             return false;
         }
+        if (!Count()) return false;
         LocatedJson& value = Place();
         value.kind = kind;
         value.place = Next();
@@ -154,9 +180,9 @@ class Builder : public nlohmann::json_sax<Json> {
     const char** read_;
     const char* before_;  ///< behind the token before
     const char* token_ = nullptr;
-    const char* lineStart_;
     const char* counted_;
-    int line_ = 1;
+    TextPlace place_{};
+    int values_ = 0;
     std::vector<LocatedJson*> open_;
 };
 

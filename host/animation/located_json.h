@@ -43,5 +43,6 @@ struct LocatedJson::Member {
     LocatedJson value{};
 };
 
-/// Reads a whole text. Fails with `ExitCode::kFile` and what is wrong with it where.
+/// Reads a whole text, in time and memory proportional to its length. Fails with `ExitCode::kFile` and what is wrong
+/// with it where.
 Result<LocatedJson> ParseLocatedJson(const std::string& text);

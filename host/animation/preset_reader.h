@@ -7,22 +7,42 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
 #include "host/animation/animation.h"
 #include "host/animation/located_json.h"
+#include "host/session/echo_text.h"
 
-/// Everything that is wrong with a preset.
+/// What is wrong with a preset: the first mistakes of its text, and how many there are.
 class PresetMistakes {
  public:
-    void Add(TextPlace place, std::string sentence) { list_.emplace_back(place, std::move(sentence)); }
-    bool IsEmpty() const { return list_.empty(); }
-    /// All of them in the order of the text, as one failure with `ExitCode::kUsage`. There is at least one.
-    Failure Told(const std::filesystem::path& file);
+    /// Most mistakes that a failure lists.
+    static constexpr std::size_t kMostListed = 20;
+
+    /// Counts a mistake. `sentence` is a text, or a function that makes it, which is called only when it will be
+    /// listed.
+    template <typename Sentence>
+    void Add(TextPlace place, Sentence&& sentence) {
+        ++count_;
+        if (list_.size() == kMostListed && !(place < list_.back().first)) return;
+        if constexpr (std::is_invocable_v<Sentence>) {
+            Insert(place, sentence());
+        } else {
+            Insert(place, std::forward<Sentence>(sentence));
+        }
+    }
+    bool IsEmpty() const { return count_ == 0; }
+    /// The first of them in the order of the text, and the number of the others, as one failure with
+    /// `ExitCode::kUsage`. There is at least one.
+    Failure Told(const std::filesystem::path& file) const;
 
  private:
-    std::vector<std::pair<TextPlace, std::string>> list_;
+    void Insert(TextPlace place, std::string sentence);
+
+    std::vector<std::pair<TextPlace, std::string>> list_;  ///< in the order of the text
+    std::size_t count_ = 0;
 };
 
 /// Tells of keys that come twice.
@@ -36,6 +56,6 @@ void CheckKeys(const LocatedJson& object, const std::vector<std::string>& known,
 std::optional<std::string> ValueTextOf(const LocatedJson& value);
 
 /// The track that a member of "keyframes" describes. What is wrong with it is told; a track comes back only when
-/// nothing is.
-std::optional<RowTrack> ReadTrack(const LocatedJson::Member& member, int row, const ParamSet& params,
+/// nothing is. `scratch` has the effect's rows, whose values it changes.
+std::optional<RowTrack> ReadTrack(const LocatedJson::Member& member, int row, ParamSet& scratch,
                                   PresetMistakes& mistakes);

@@ -7,10 +7,11 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <optional>
-#include <set>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
 
 #include "host/animation/preset.h"
 #include "host/animation/preset_reader.h"
@@ -21,19 +22,32 @@ namespace fs = std::filesystem;
 using Kind = LocatedJson::Kind;
 
 constexpr int kNewestVersion = 2;
+constexpr std::size_t kMostBytes = std::size_t{64} << 20;
 
 Failure CannotRead(const fs::path& file, std::string_view reason) {
     return {ExitCode::kFile, fmt::format("cannot read the preset '{}': {}", file.string(), reason)};
 }
 
+/// Reads a bounded part of what has no end: a pipe, or a device.
 Result<std::string> ReadText(const fs::path& file) {
     std::error_code error;
     const fs::file_status status = fs::status(file, error);
     if (!fs::exists(status)) return CannotRead(file, "there is no such file");
     if (fs::is_directory(status)) return CannotRead(file, "it is a folder");
     std::ifstream stream(file, std::ios::binary);
-    std::string text{std::istreambuf_iterator<char>(stream), {}};
     if (!stream) return CannotRead(file, "it cannot be opened");
+    constexpr std::size_t kPiece = std::size_t{1} << 16;
+    std::string text;
+    while (stream && text.size() <= kMostBytes) {
+        const std::size_t before = text.size();
+        text.resize(before + kPiece);
+        stream.read(text.data() + before, kPiece);
+        text.resize(before + static_cast<std::size_t>(stream.gcount()));
+    }
+    if (text.size() > kMostBytes) {
+        return CannotRead(file, fmt::format("it is larger than {} MiB, which no preset is", kMostBytes >> 20));
+    }
+    if (stream.bad()) return CannotRead(file, "reading failed");
     return text;
 }
 
@@ -48,8 +62,8 @@ int VersionOf(const LocatedJson& preset, PresetMistakes& mistakes) {
         return static_cast<int>(version->number);
     }
     const bool isNewer = version->kind == Kind::kNumber && version->number > kNewestVersion;
-    const std::string shown = version->kind == Kind::kString   ? fmt::format("\"{}\"", version->text)
-                              : version->kind == Kind::kNumber ? version->text
+    const std::string shown = version->kind == Kind::kString   ? fmt::format("\"{}\"", EchoText(version->text))
+                              : version->kind == Kind::kNumber ? EchoText(version->text)
                                                                : std::string(version->KindName());
     mistakes.Add(version->place,
                  fmt::format("it has the version {}; this program reads versions 1 and 2{}", shown,
@@ -70,26 +84,45 @@ void CheckTopKeys(const LocatedJson& preset, int version, PresetMistakes& mistak
 /// The rows that a preset has named so far.
 class NamedRows {
  public:
-    NamedRows(const ParamSet& params, PresetMistakes& mistakes) : params_(params), mistakes_(mistakes) {}
+    NamedRows(const ParamSet& params, PresetMistakes& mistakes) : params_(params), mistakes_(mistakes) {
+        for (const ParamRow& row : params.Rows()) {
+            if (row.path.empty()) continue;
+            const auto [known, isNew] = rows_.emplace(row.path, row.index);
+            if (!isNew) known->second = kSeveral;
+        }
+    }
 
     /// The row that a member is about, unless nothing is or something else was.
     std::optional<int> Find(const LocatedJson::Member& member) {
-        const auto index = params_.Find(member.key);
+        const auto index = IndexOf(member.key);
         if (!index) {
-            mistakes_.Add(member.place, index.Error().sentence);
+            // The closest names are looked for only when they will be shown.
+            mistakes_.Add(member.place, [&] { return params_.Find(member.key).Error().sentence; });
             return std::nullopt;
         }
         const auto [other, first] = named_.emplace(*index, member.key);
-        if (first) return *index;
-        if (other->second == member.key) return *index;
-        mistakes_.Add(member.place, fmt::format("'{}' and '{}' are the same parameter", other->second, member.key));
+        if (first || other->second == member.key) return *index;
+        mistakes_.Add(member.place, fmt::format("'{}' and '{}' are the same parameter", EchoText(other->second),
+                                                EchoText(member.key)));
         return *index;
     }
     bool Has(int row) const { return named_.contains(row); }
 
  private:
+    static constexpr int kSeveral = -1;  ///< rows share the path
+
+    std::optional<int> IndexOf(const std::string& key) const {
+        if (key.starts_with('#')) {
+            const auto index = params_.Find(key);
+            return index ? std::optional(*index) : std::nullopt;
+        }
+        const auto known = rows_.find(key);
+        return known == rows_.end() || known->second == kSeveral ? std::nullopt : std::optional(known->second);
+    }
+
     const ParamSet& params_;
     PresetMistakes& mistakes_;
+    std::unordered_map<std::string, int> rows_;
     std::map<int, std::string> named_;
 };
 
@@ -100,10 +133,10 @@ void ReadValues(const LocatedJson& values, AnimatedParams& params, NamedRows& na
         const auto text = ValueTextOf(member.value);
         if (!text) {
             mistakes.Add(member.value.place, fmt::format("'{}' takes a text or a number, not what JSON calls {}",
-                                                         member.key, member.value.KindName()));
+                                                         EchoText(member.key), member.value.KindName()));
             continue;
         }
-        const auto set = params.values.SetFromText(member.key, *text);
+        const auto set = params.values.SetFromText(fmt::format("#{}", *row), *text);
         if (!set) mistakes.Add(member.value.place, set.Error().sentence);
         params.animation.Remove(*row);
     }
@@ -111,13 +144,15 @@ void ReadValues(const LocatedJson& values, AnimatedParams& params, NamedRows& na
 
 void ReadTracks(const LocatedJson& tracks, AnimatedParams& params, const NamedRows& still, PresetMistakes& mistakes) {
     NamedRows named(params.values, mistakes);
+    ParamSet scratch = params.values;
     for (const LocatedJson::Member& member : tracks.members) {
         const auto row = named.Find(member);
         if (!row) continue;
         if (still.Has(*row)) {
-            mistakes.Add(member.place, fmt::format("'{}' has a value and keyframes; leave one of them", member.key));
+            mistakes.Add(member.place,
+                         fmt::format("'{}' has a value and keyframes; leave one of them", EchoText(member.key)));
         }
-        auto track = ReadTrack(member, *row, params.values, mistakes);
+        auto track = ReadTrack(member, *row, scratch, mistakes);
         if (track) params.animation.Put(std::move(*track));
     }
 }
@@ -149,24 +184,31 @@ void ReadPreset(const LocatedJson& preset, AnimatedParams& params, PresetMistake
 
 }  // namespace
 
-Failure PresetMistakes::Told(const fs::path& file) {
-    std::stable_sort(list_.begin(), list_.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+void PresetMistakes::Insert(TextPlace place, std::string sentence) {
+    const auto after = std::upper_bound(list_.begin(), list_.end(), place,
+                                        [](const TextPlace& one, const auto& other) { return one < other.first; });
+    list_.emplace(after, place, std::move(sentence));
+    if (list_.size() > kMostListed) list_.pop_back();
+}
+
+Failure PresetMistakes::Told(const fs::path& file) const {
     const auto line = [](const auto& mistake) {
         return fmt::format("line {}, column {}: {}", mistake.first.line, mistake.first.column, mistake.second);
     };
-    if (list_.size() == 1) {
+    if (count_ == 1) {
         return {ExitCode::kUsage, fmt::format("the preset '{}' is wrong: {}", file.string(), line(list_.front()))};
     }
-    std::string text = fmt::format("the preset '{}' has {} mistakes:", file.string(), list_.size());
+    std::string text = fmt::format("the preset '{}' has {} mistakes:", file.string(), count_);
     for (const auto& mistake : list_) text += "\n  " + line(mistake);
+    if (count_ > list_.size()) text += fmt::format("\n  and {} more", count_ - list_.size());
     return {ExitCode::kUsage, text};
 }
 
 void CheckTwice(const LocatedJson& object, PresetMistakes& mistakes) {
-    std::set<std::string> seen;
+    std::unordered_set<std::string_view> seen;
     for (const LocatedJson::Member& member : object.members) {
         if (seen.insert(member.key).second) continue;
-        mistakes.Add(member.place, fmt::format("'{}' stands there twice", member.key));
+        mistakes.Add(member.place, fmt::format("'{}' stands there twice", EchoText(member.key)));
     }
 }
 
@@ -175,11 +217,13 @@ void CheckKeys(const LocatedJson& object, const std::vector<std::string>& known,
     CheckTwice(object, mistakes);
     for (const LocatedJson::Member& member : object.members) {
         if (std::find(known.begin(), known.end(), member.key) != known.end()) continue;
-        const auto near = Nearest(member.key, known, 1);
-        mistakes.Add(member.place, near.empty() ? fmt::format("there is no key '{}' in {}; the keys are: {}",
-                                                              member.key, what, fmt::join(known, ", "))
-                                                : fmt::format("there is no key '{}' in {}; nearest: '{}'", member.key,
-                                                              what, near.front()));
+        mistakes.Add(member.place, [&] {
+            const auto near = Nearest(member.key, known, 1);
+            return near.empty() ? fmt::format("there is no key '{}' in {}; the keys are: {}", EchoText(member.key),
+                                              what, fmt::join(known, ", "))
+                                : fmt::format("there is no key '{}' in {}; nearest: '{}'", EchoText(member.key), what,
+                                              near.front());
+        });
     }
 }
 

@@ -24,8 +24,8 @@ constexpr double kFastest = 1e9;
 /// Reads the keys of one row.
 class TrackReader {
  public:
-    TrackReader(std::string name, const ParamRow& row, const ParamSet& params, PresetMistakes& mistakes)
-        : name_(std::move(name)), row_(row), params_(params), mistakes_(mistakes) {}
+    TrackReader(std::string name, const ParamRow& row, ParamSet& scratch, PresetMistakes& mistakes)
+        : name_(std::move(name)), row_(row), scratch_(scratch), mistakes_(mistakes) {}
 
     std::optional<RowTrack> Read(const LocatedJson& list) {
         if (list.kind != Kind::kArray) {
@@ -49,7 +49,7 @@ class TrackReader {
         if (json.kind == Kind::kNumber && json.number >= low && json.number <= high) return json.number;
         const bool shown = json.kind == Kind::kNumber;
         Wrong(json.place, fmt::format("\"{}\" takes a number from {} to {}, not {}", what, low, high,
-                                      shown ? json.text : std::string(json.KindName())));
+                                      shown ? EchoText(json.text) : std::string(json.KindName())));
         return std::nullopt;
     }
 
@@ -119,10 +119,11 @@ class TrackReader {
             return Wrong(value->place, fmt::format("'{}' takes a text or a number, not what JSON calls {}", name_,
                                                    value->KindName()));
         }
-        ParamSet probe = params_;
-        if (const auto set = probe.SetFromText(name_, *text); !set) return Wrong(value->place, set.Error().sentence);
+        if (const auto set = scratch_.SetFromText(fmt::format("#{}", row_.index), *text); !set) {
+            return Wrong(value->place, set.Error().sentence);
+        }
         bool isPercent = false;
-        key.value = NumbersOf(probe.Row(row_.index), isPercent);
+        key.value = NumbersOf(row_, isPercent);
         if (isPercent_ && *isPercent_ != isPercent) {
             Wrong(value->place, fmt::format("the points of '{}' are in pixels and in percent; use one of them", name_));
         }
@@ -155,7 +156,7 @@ class TrackReader {
         Wrong(said->place, fmt::format("\"{}\" takes \"linear\", \"ease\"{} or an object with \"speed\" and "
                                        "\"influence\", not {}",
                                        name, isOut ? ", \"hold\"" : "",
-                                       said->kind == Kind::kString ? fmt::format("\"{}\"", said->text)
+                                       said->kind == Kind::kString ? fmt::format("\"{}\"", EchoText(said->text))
                                                                    : std::string(said->KindName())));
         return side;
     }
@@ -184,7 +185,7 @@ class TrackReader {
         if (said->kind == Kind::kString && TwoNumbers(said->text, numbers)) return {numbers[0], numbers[1]};
         Wrong(said->place, fmt::format("\"{}\" takes \"x,y\" from the keyframe's place, numbers from -{} to {}, not {}",
                                        name, kFarthestTangent, kFarthestTangent,
-                                       said->kind == Kind::kString ? fmt::format("\"{}\"", said->text)
+                                       said->kind == Kind::kString ? fmt::format("\"{}\"", EchoText(said->text))
                                                                    : std::string(said->KindName())));
         return {};
     }
@@ -204,7 +205,7 @@ class TrackReader {
 
     const std::string name_;
     const ParamRow& row_;
-    const ParamSet& params_;
+    ParamSet& scratch_;  ///< has `row_`
     PresetMistakes& mistakes_;
     RowTrack track_{.row = row_.index, .isPercent = false, .track = {}};
     std::optional<double> last_;
@@ -214,12 +215,12 @@ class TrackReader {
 
 }  // namespace
 
-std::optional<RowTrack> ReadTrack(const LocatedJson::Member& member, int row, const ParamSet& params,
+std::optional<RowTrack> ReadTrack(const LocatedJson::Member& member, int row, ParamSet& scratch,
                                   PresetMistakes& mistakes) {
-    const ParamRow& declared = params.Row(row);
+    const ParamRow& declared = scratch.Row(row);
     if (const auto reason = WhyStill(declared)) {
-        mistakes.Add(member.place, fmt::format("'{}' {}", member.key, *reason));
+        mistakes.Add(member.place, fmt::format("'{}' {}", EchoText(member.key), *reason));
         return std::nullopt;
     }
-    return TrackReader(member.key, declared, params, mistakes).Read(member.value);
+    return TrackReader(EchoText(member.key), declared, scratch, mistakes).Read(member.value);
 }

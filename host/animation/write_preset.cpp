@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include "host/animation/preset.h"
+#include "host/animation/value_json.h"
 
 namespace {
 
@@ -38,13 +39,13 @@ std::string PairText(const std::vector<double>& numbers) {
     return fmt::format("{},{}", numbers[0], numbers[1]);
 }
 
-Json KeyJson(const ParamSet& values, const RowTrack& track, const Keyframe& key) {
-    const ParamRow& row = values.Row(track.row);
-    ParamSet probe = values;
+/// A key as JSON; changes the row's value in `scratch`.
+Json KeyJson(ParamSet& scratch, const RowTrack& track, const Keyframe& key) {
+    const ParamRow& row = scratch.Row(track.row);
     // The keys were taken by the row, so it takes them again.
-    (void)probe.SetFromText(fmt::format("#{}", row.index), TextOf(row, key.value, track.isPercent));
+    (void)scratch.SetFromText(fmt::format("#{}", row.index), TextOf(row, key.value, track.isPercent));
     Json json{{track.track.inFrames ? "frame" : "seconds", NumberJson(key.time)},
-              {"value", probe.ValueText(row.index)}};
+              {"value", ValueJson(row, scratch.ValueText(row.index))}};
     if (IsHeldOnly(row)) return json;
     if (key.in.kind != Interpolation::kLinear) json["in"] = SideJson(key.in);
     if (key.out.kind != Interpolation::kLinear) json["out"] = SideJson(key.out);
@@ -55,9 +56,25 @@ Json KeyJson(const ParamSet& values, const RowTrack& track, const Keyframe& key)
 
 }  // namespace
 
+nlohmann::ordered_json ValueJson(const ParamRow& row, const std::string& text) {
+    switch (row.def.param_type) {
+        case PF_Param_SLIDER:
+        case PF_Param_FIX_SLIDER:
+        case PF_Param_FLOAT_SLIDER:
+        case PF_Param_ANGLE:
+            break;
+        default:
+            return text;
+    }
+    // A number that JSON has no form for, such as an infinite one, stays a text.
+    const Json number = Json::parse(text, nullptr, false);
+    return number.is_number() ? number : Json(text);
+}
+
 std::string PresetText(const AnimatedParams& params) {
     Json values = Json::object();
     Json keyframes = Json::object();
+    ParamSet scratch = params.values;
     for (const ParamRow& row : params.values.Rows()) {
         const std::string value = params.values.ValueText(row.index);
         if (value.empty() || !IsSettable(row)) continue;
@@ -65,10 +82,10 @@ std::string PresetText(const AnimatedParams& params) {
         const std::string name = isNamed ? row.path : fmt::format("#{}", row.index);
         const RowTrack* track = params.animation.Find(row.index);
         if (!track) {
-            values[name] = value;
+            values[name] = ValueJson(row, value);
             continue;
         }
-        for (const Keyframe& key : track->track.keys) keyframes[name].push_back(KeyJson(params.values, *track, key));
+        for (const Keyframe& key : track->track.keys) keyframes[name].push_back(KeyJson(scratch, *track, key));
     }
     Json preset{{"version", keyframes.empty() ? 1 : 2}, {"values", values}};
     if (!keyframes.empty()) preset["keyframes"] = keyframes;

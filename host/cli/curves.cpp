@@ -13,6 +13,7 @@
 #include <nlohmann/json.hpp>
 
 #include "host/animation/curves_picture.h"
+#include "host/animation/value_json.h"
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
 #include "host/cli/output_folder.h"
@@ -74,7 +75,8 @@ std::string Report(const AnimatedParams& params, const std::vector<FrameNumber>&
         const ParamSet values = params.animation.ValuesAt(params.values, frame.Value(), clock);
         for (const RowTrack& track : params.animation.Tracks()) {
             const ParamRow& row = params.values.Row(track.row);
-            rows[row.path.empty() ? fmt::format("#{}", row.index) : row.path].push_back(values.ValueText(track.row));
+            rows[row.path.empty() ? fmt::format("#{}", row.index) : row.path].push_back(
+                ValueJson(row, values.ValueText(track.row)));
         }
     }
     const Json report{{"framesPerSecond", clock.framesPerSecond}, {"frames", numbers}, {"rows", rows}};

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "host/animation/value_json.h"
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
 #include "host/cli/results.h"
@@ -118,7 +119,7 @@ Json Describe(const ParamSet& params, const ParamRow& row) {
     }
     if (row.def.param_type == PF_Param_FLOAT_SLIDER) json["precision"] = row.def.u.fs_d.precision;
     if (IsPercent(row.def)) json["unit"] = "percent";
-    if (HasValue(params, row)) json["default"] = params.DefaultText(row.index);
+    if (HasValue(params, row)) json["default"] = ValueJson(row, params.DefaultText(row.index));
     if (row.def.param_type == PF_Param_POPUP) {
         json["items"] = row.items;
         json["defaultIndex"] = row.def.u.pd.dephault;

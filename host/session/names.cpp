@@ -3,10 +3,14 @@
 
 // Names as they are typed, and the right name nearest to a wrong one.
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cctype>
 #include <numeric>
+#include <utility>
 
+#include "host/session/echo_text.h"
 #include "host/session/param_set.h"
 
 std::string PathForm(std::string_view name) {
@@ -43,6 +47,9 @@ int EditDistance(std::string_view a, std::string_view b) {
 
 std::vector<std::string> Nearest(std::string_view typed, const std::vector<std::string>& candidates,
                                  std::size_t count) {
+    // No name is that long, and the distance takes time in proportion to the length.
+    constexpr std::size_t kLongestCompared = 256;
+    typed = typed.substr(0, kLongestCompared);
     // A name typed without its groups is as near as its last part is.
     const auto distance = [&](const std::string& candidate) {
         const std::string_view whole = candidate;
@@ -50,9 +57,9 @@ std::vector<std::string> Nearest(std::string_view typed, const std::vector<std::
         const std::string_view last = slash == std::string_view::npos ? whole : whole.substr(slash + 1);
         return std::min(EditDistance(typed, whole), EditDistance(typed, last));
     };
-    std::vector<std::string> sorted = candidates;
-    std::stable_sort(sorted.begin(), sorted.end(),
-                     [&](const auto& a, const auto& b) { return distance(a) < distance(b); });
+    std::vector<std::pair<int, std::string>> sorted;
+    for (const std::string& candidate : candidates) sorted.emplace_back(distance(candidate), candidate);
+    std::stable_sort(sorted.begin(), sorted.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
     sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
     // A name that shares less than half of its letters with what was typed was not meant. A part of a name may be, and
     // so may its beginning with a mistake in it.
@@ -67,7 +74,32 @@ std::vector<std::string> Nearest(std::string_view typed, const std::vector<std::
     std::erase_if(sorted, [&](const std::string& candidate) { return !isNear(candidate); });
     // Next to a name that is nearly right, one that is far off would only distract.
     constexpr int kSlack = 2;
-    while (!sorted.empty() && distance(sorted.back()) > distance(sorted.front()) + kSlack) sorted.pop_back();
-    if (sorted.size() > count) sorted.resize(count);
-    return sorted;
+    std::vector<std::string> nearest;
+    for (auto& [far, name] : sorted) {
+        if (nearest.size() == count || far > sorted.front().first + kSlack) break;
+        nearest.push_back(std::move(name));
+    }
+    return nearest;
+}
+
+std::string EchoText(std::string_view text) {
+    constexpr std::size_t kMostCharacters = 200;
+    std::string echo;
+    std::size_t characters = 0;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        const bool begins = (byte & 0xC0) != 0x80;
+        if (begins && characters == kMostCharacters) return echo + "...";
+        if (begins) ++characters;
+        if (byte == '\n') {
+            echo += "\\n";
+        } else if (byte == '\t') {
+            echo += "\\t";
+        } else if (byte < 0x20 || byte == 0x7f) {
+            echo += fmt::format("\\u{:04x}", byte);
+        } else {
+            echo += c;
+        }
+    }
+    return echo;
 }

@@ -14,6 +14,7 @@
 #include <iterator>
 #include <limits>
 
+#include "host/session/echo_text.h"
 #include "hostapi/errors.h"
 
 namespace {
@@ -157,8 +158,8 @@ Result<int> ParamSet::Find(std::string_view path) const {
         const char* end = path.data() + path.size();
         const auto [stop, error] = std::from_chars(path.data() + 1, end, index);
         if (error == std::errc() && stop == end && index >= 0 && index < Count()) return index;
-        return Failure{ExitCode::kUsage,
-                       fmt::format("there is no parameter '{}'; the effect has #0 to #{}", path, Count() - 1)};
+        return Failure{ExitCode::kUsage, fmt::format("there is no parameter '{}'; the effect has #0 to #{}",
+                                                     EchoText(path), Count() - 1)};
     }
     std::vector<std::string> found;
     std::vector<std::string> names;
@@ -177,13 +178,12 @@ Result<int> ParamSet::Find(std::string_view path) const {
     }
     std::vector<std::string> near = Nearest(path, names, kSuggestions);
     for (std::string& name : near) name = "'" + name + "'";
-    return Failure{ExitCode::kUsage,
-                   names.empty() ? fmt::format("there is no parameter '{}'; the effect names none", path)
-                   : near.empty()
-                       ? fmt::format("there is no parameter '{}' nor a similar one; `umbrant params` lists "
-                                     "them",
-                                     path)
-                       : fmt::format("there is no parameter '{}'; nearest: {}", path, fmt::join(near, ", "))};
+    return Failure{
+        ExitCode::kUsage,
+        names.empty() ? fmt::format("there is no parameter '{}'; the effect names none", EchoText(path))
+        : near.empty()
+            ? fmt::format("there is no parameter '{}' nor a similar one; `umbrant params` lists them", EchoText(path))
+            : fmt::format("there is no parameter '{}'; nearest: {}", EchoText(path), fmt::join(near, ", "))};
 }
 
 PF_ParamDef ParamSet::CheckOut(int index, const LayerGeometry& geometry) const {

@@ -14,6 +14,7 @@
 #include <limits>
 
 #include "host/session/color_names.h"
+#include "host/session/echo_text.h"
 #include "host/session/param_set.h"
 
 namespace {
@@ -57,7 +58,7 @@ Failure Wrong(const ParamRow& row, const std::string& reason) {
 }
 
 Failure NotANumber(const ParamRow& row, std::string_view text, std::string_view wanted) {
-    return Wrong(row, fmt::format("takes {}, not '{}'", wanted, text));
+    return Wrong(row, fmt::format("takes {}, not '{}'", wanted, EchoText(text)));
 }
 
 /// Sets one slider; `low` and `high` are the valid range in the units that are typed.
@@ -233,11 +234,12 @@ Result<Done> SetPopup(ParamRow& row, std::string_view text) {
         return Done{};
     }
     std::vector<std::string> near = Nearest(typed, forms, 1);
+    const std::string echo = EchoText(text);
     if (forms.empty()) {
-        return Wrong(row, fmt::format("has no item '{}'; use a number from 1 to {}", text, popup.num_choices));
+        return Wrong(row, fmt::format("has no item '{}'; use a number from 1 to {}", echo, popup.num_choices));
     }
-    return Wrong(row, near.empty() ? fmt::format("has no item '{}'; the items are: {}", text, fmt::join(forms, ", "))
-                                   : fmt::format("has no item '{}'; nearest: '{}' (of {})", text, near.front(),
+    return Wrong(row, near.empty() ? fmt::format("has no item '{}'; the items are: {}", echo, fmt::join(forms, ", "))
+                                   : fmt::format("has no item '{}'; nearest: '{}' (of {})", echo, near.front(),
                                                  fmt::join(forms, ", ")));
 }
 

@@ -84,4 +84,14 @@ TEST(LocatedJson, TellsWhatIsNoJson) {
     EXPECT_EQ(deep.Error().sentence, "it is nested too deeply");
 }
 
+TEST(LocatedJson, BoundsTheNumberOfValues) {
+    std::string most = "[0";
+    for (int i = 2; i < 2'000'000; ++i) most += ",0";
+    EXPECT_TRUE(ParseLocatedJson(most + "]"));
+    const auto more = ParseLocatedJson(most + ",0]");
+    ASSERT_FALSE(more);
+    EXPECT_EQ(more.Error().code, ExitCode::kFile);
+    EXPECT_EQ(more.Error().sentence, "more than 2000000 values");
+}
+
 }  // namespace

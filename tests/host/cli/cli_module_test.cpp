@@ -101,7 +101,7 @@ TEST_F(CliWithoutOpenGL, ParamsAsJson) {
     EXPECT_EQ(distance["min"], 0);
     EXPECT_EQ(distance["max"], 2000);
     EXPECT_EQ(distance["sliderMax"], 200);
-    EXPECT_EQ(distance["default"], "250");
+    EXPECT_EQ(distance["default"], 250);
     EXPECT_EQ(distance["precision"], 2);
     EXPECT_FALSE(distance.contains("unit"));
     EXPECT_EQ(rows[23]["unit"], "percent");

@@ -32,11 +32,11 @@ TEST(CliPreset, TheRealModulesValuesGoRound) {
     ASSERT_EQ(written.code, 0) << written.err;
     const json preset = json::parse(written.out);
     EXPECT_EQ(preset["version"], 1);
-    EXPECT_EQ(preset["values"]["style/distance"], "80.5");
+    EXPECT_EQ(preset["values"]["style/distance"], 80.5);
     EXPECT_EQ(preset["values"]["style/color"], "#203060");
     EXPECT_EQ(preset["values"]["style/shadow-type"], "radial");
     EXPECT_EQ(preset["values"]["style/origin"], "12.5,-3");
-    EXPECT_EQ(preset["values"]["opacity/opacity-start"], "12");
+    EXPECT_EQ(preset["values"]["opacity/opacity-start"], 12);
     EXPECT_FALSE(preset["values"].contains("about-support/renderer")) << "a machine's own words are no values";
     EXPECT_FALSE(preset["values"].contains("texture/layer"));
     WriteBytes(folder / "p.json", written.out);
@@ -63,9 +63,9 @@ TEST(CliPreset, TextsNumbersAndALaterSetting) {
     WriteBytes(folder / "p.json", R"({"version": 1, "values": {"paint/border": 7, "#4": "1.5%, 2%"}})");
     const Outcome plain = Values(folder, {"--preset", "p.json"});
     ASSERT_EQ(plain.code, 0) << plain.err;
-    EXPECT_EQ(json::parse(plain.out)["values"]["paint/border"], "7");
+    EXPECT_EQ(json::parse(plain.out)["values"]["paint/border"], 7);
     const Outcome won = Values(folder, {"--set", "paint/border=9", "--preset", "p.json"});
-    EXPECT_EQ(json::parse(won.out)["values"]["paint/border"], "9") << "wherever it stands on the line";
+    EXPECT_EQ(json::parse(won.out)["values"]["paint/border"], 9) << "wherever it stands on the line";
 }
 
 TEST(CliPreset, ARenderTakesItsValues) {
@@ -169,6 +169,31 @@ TEST(CliPreset, MissingFilesAndMissingCompanions) {
     EXPECT_EQ(RunUmbrant(folder, {"params", "--values"}).code, 2);
     EXPECT_EQ(RunUmbrant(folder, {"params", "--json", "--preset", "p.json"}).code, 2);
     EXPECT_EQ(RunUmbrant(folder, {"params", "--set", "paint/border=1"}).code, 2);
+}
+
+TEST(CliPreset, ANulDoesNotCutTheMessage) {
+    const Folder folder;
+    WriteBytes(folder / "p.json", R"({"version": 1, "values": {"paint/a\u0000b": 1, "paint/border": "z"}})");
+    const Outcome outcome = Values(folder, {"--preset", "p.json"});
+    EXPECT_EQ(outcome.code, 2);
+    EXPECT_THAT(outcome.err, HasSubstr("there is no parameter 'paint/a\\u0000b'; nearest: "));
+    EXPECT_THAT(outcome.err, HasSubstr("'paint/border' takes a number from 0 to 40000, not 'z'\n"));
+}
+
+TEST(CliPreset, APipeIsReadToItsEndAndNoFurtherThan64MiB) {
+    const Folder folder;
+    const auto fromPipe = [&](const std::string& writer) {
+        const std::string command = "cd " + Quoted(folder.Path().string()) + " && rm -f pipe && mkfifo pipe && { " +
+                                    writer + " >pipe 2>/dev/null & }";
+        EXPECT_EQ(std::system(command.c_str()), 0);
+        return Values(folder, {"--preset", "pipe"});
+    };
+    const Outcome whole = fromPipe(R"(echo '{"version": 1, "values": {"paint/border": 7}}')");
+    ASSERT_EQ(whole.code, 0) << whole.err;
+    EXPECT_EQ(json::parse(whole.out)["values"]["paint/border"], 7);
+    const Outcome endless = fromPipe("cat /dev/zero");
+    EXPECT_EQ(endless.code, 3);
+    EXPECT_EQ(endless.err, "umbrant: cannot read the preset 'pipe': it is larger than 64 MiB, which no preset is\n");
 }
 
 }  // namespace

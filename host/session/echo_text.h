@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// Texts of a user's as messages show them.
+
+#include <string>
+#include <string_view>
+
+/// At most 200 characters of the text, followed by "..." where it is longer, and control characters as JSON escapes
+/// them ("\n", "\u0000").
+std::string EchoText(std::string_view text);
