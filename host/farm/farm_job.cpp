@@ -80,7 +80,16 @@ std::string SlurmJob(const FarmJob& job) {
     if (job.logs != ".") {
         text += fmt::format("# The folder of the logs must be there before: mkdir -p {}\n", ShellWord(job.logs));
     }
-    return text + "\n" + TryTask(job, "\"$((SLURM_ARRAY_TASK_ID))\"");
+    text +=
+        "\n"
+        "# The number of the task is Slurm's; anything else would be a word of the command.\n"
+        "case ${SLURM_ARRAY_TASK_ID-} in\n"
+        "    '' | *[!0-9]*)\n"
+        "        echo \"SLURM_ARRAY_TASK_ID is '${SLURM_ARRAY_TASK_ID-}', not a number; submit this with sbatch\" >&2\n"
+        "        exit 2\n"
+        "        ;;\n"
+        "esac\n\n";
+    return text + TryTask(job, "\"$SLURM_ARRAY_TASK_ID\"");
 }
 
 std::string ParallelJob(const FarmJob& job) {

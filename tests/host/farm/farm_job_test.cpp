@@ -45,12 +45,20 @@ TEST(FarmJobText, SlurmsScript) {
 # Draws 48 frames in 12 tasks. Submit it with sbatch; with --wait that ends with the largest of the tasks'
 # exit codes. A task that is begun again, here or on another machine, draws what is not there yet.
 
+# The number of the task is Slurm's; anything else would be a word of the command.
+case ${SLURM_ARRAY_TASK_ID-} in
+    '' | *[!0-9]*)
+        echo "SLURM_ARRAY_TASK_ID is '${SLURM_ARRAY_TASK_ID-}', not a number; submit this with sbatch" >&2
+        exit 2
+        ;;
+esac
+
 cd -- '/shots/my shot' || exit 3
 
 # An engine that ends a task tells this shell; the program then takes its unfinished files with it.
 trap 'kill "$drawing" 2>/dev/null' TERM INT
 for ((try = 1; try <= 3; ++try)); do
-    )sh") + kCommand + R"sh("$((SLURM_ARRAY_TASK_ID))"/12 --skip-existing &
+    )sh") + kCommand + R"sh("$SLURM_ARRAY_TASK_ID"/12 --skip-existing &
     drawing=$!
     wait "$drawing"
     code=$?
