@@ -39,6 +39,12 @@ Result<Done> CheckClipOptions(const RenderOptions& options) {
         return Done{};
     }
     if (auto codec = CodecFor(output, sequence.codec); !codec) return codec.Error();
+    if (options.canvas == "frame") {
+        return Usage(
+            fmt::format("--canvas frame gives each frame a size of its own, and the frames of a clip have one; for "
+                        "'{}' say grow, layer or LEFT,TOP,RIGHT,BOTTOM",
+                        output));
+    }
     if (!options.compression.empty()) {
         return Usage("--compression is about pictures; how a clip is stored is said with --codec");
     }

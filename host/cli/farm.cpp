@@ -113,6 +113,18 @@ int ReadArguments(const std::vector<std::string>& arguments, const std::shared_p
     });
 }
 
+/// Takes an option with its value out of words that were read without a mistake.
+void DropOption(const std::string& name, std::vector<std::string>& words) {
+    for (auto word = words.begin(); word != words.end();) {
+        const bool isAlone = *word == name;
+        if (!isAlone && !word->starts_with(name + "=")) {
+            ++word;
+            continue;
+        }
+        word = words.erase(word, word + (isAlone && word + 1 != words.end() ? 2 : 1));
+    }
+}
+
 /// The folder in which the tasks begin; the program goes there, as names are relative to it.
 Result<std::string> EnterFolder(const std::string& asked) {
     std::error_code error;
@@ -157,6 +169,13 @@ Result<FarmJob> JobOf(const FarmOptions& options, const std::vector<std::string>
     job.command = {options.program.empty() ? RunningProgram().string() : options.program, "render"};
     for (const std::string& argument : arguments) {
         if (argument != "--skip-existing") job.command.push_back(argument);
+    }
+    const auto canvas = CanvasOfSet(render);
+    if (!canvas) return canvas.Error();
+    if (!canvas->empty()) {
+        // A task knows its own part alone; what the whole set covers is found out once.
+        DropOption("--canvas", job.command);
+        job.command.push_back("--canvas=" + *canvas);
     }
     // Tasks that begin later must divide the same set, whatever files are there then.
     if (render.sequence.frames.empty()) job.command.push_back("--frames=" + FrameSetText(*frames));

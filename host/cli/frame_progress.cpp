@@ -17,6 +17,7 @@
 #include "host/cli/results.h"
 #include "host/cli/sequence_report.h"
 #include "host/compositing/start_threads.h"
+#include "host/sequence/sequence_canvas.h"
 
 namespace {
 
@@ -52,11 +53,11 @@ const char* StepName(FrameStep step) {
 const char* StepWords(FrameStep step) {
     switch (step) {
         case FrameStep::kRead:
-            return "its pictures are read";
+            return "reading";
         case FrameStep::kDraw:
-            return "it is drawn";
+            return "drawing";
         case FrameStep::kWrite:
-            return "it is written";
+            return "writing";
     }
     return "";
 }
@@ -81,6 +82,14 @@ double TimeOf(const FrameOutcome& outcome) {
 std::optional<double> SecondsLeft(const FrameTotals& totals, std::size_t all, double seconds) {
     if (totals.drawn == 0) return std::nullopt;
     return seconds / static_cast<double>(totals.drawn) * static_cast<double>(all - totals.Ended());
+}
+
+/// One reason as it is, several as a list.
+std::string ReasonsText(const std::vector<std::string>& reasons) {
+    if (reasons.size() < 2) return reasons.empty() ? std::string() : reasons.front();
+    std::string text = fmt::format("{} frames failed:", reasons.size());
+    for (const std::string& reason : reasons) text += "\n  " + reason;
+    return text;
 }
 
 }  // namespace
@@ -131,12 +140,22 @@ FrameProgress::FrameProgress(const FramePlan& plan, const ProgressOptions& optio
       interval_(options.seconds),
       printsPaths_(printsPaths),
       outcomes_(plan.frames.size()) {
-    if (form_ == ProgressForm::kJson) {
-        Print(Dump({{"event", "start"}, {"frames", plan_.frames.size()}}));
-    }
+    TellStart(options.canvas);
     if (form_ != ProgressForm::kQuiet) {
         // Without a thread frames are reported as they end, and nothing in between.
         thread_ = StartThread([this] { TellNowAndThen(); }).value_or(std::thread());
+    }
+}
+
+void FrameProgress::TellStart(const std::optional<CanvasFacts>& canvas) {
+    if (form_ == ProgressForm::kJson) {
+        Json start{{"event", "start"}, {"frames", plan_.frames.size()}};
+        if (canvas) start.update(CanvasJson(*canvas));
+        Print(Dump(start));
+    } else if (form_ != ProgressForm::kQuiet && canvas) {
+        Print(fmt::format("umbrant: {} frame{} of {} x {}, --canvas {}", plan_.frames.size(),
+                          plan_.frames.size() == 1 ? "" : "s", canvas->width, canvas->height,
+                          CanvasText(canvas->layer)));
     }
 }
 
@@ -234,13 +253,15 @@ void FrameProgress::TellFrame(std::size_t index) {
     const PlannedFrame& frame = plan_.frames[index];
     const FrameOutcome& outcome = *outcomes_[index];
     if (outcome.kind == Kind::kDrawn && printsPaths_) {
+        // Both may be one terminal.
+        ClearBar();
         PrintResult(frame.output + "\n");
         // Whoever reads along works on this picture while the next ones are drawn. A failure is told in the end.
         FlushResults();
     }
-    if (outcome.failure && totals_.firstFailure.code == ExitCode::kDone) {
-        totals_.firstFailure = {outcome.failure->code,
-                                fmt::format("frame {}: {}", frame.number, outcome.failure->sentence)};
+    if (outcome.failure) {
+        if (reasons_.empty()) totals_.failure.code = outcome.failure->code;
+        reasons_.push_back(fmt::format("frame {}: {}", frame.number, outcome.failure->sentence));
     }
     const std::vector<std::string> notes = NotesOf(index);
     if (form_ == ProgressForm::kJson) {
@@ -322,6 +343,7 @@ void FrameProgress::DrawBar() {
 void FrameProgress::ClearBar() {
     if (!barIsThere_) return;
     std::fputs("\r\x1b[K", stderr);
+    std::fflush(stderr);
     barIsThere_ = false;
 }
 
@@ -337,6 +359,7 @@ FrameTotals FrameProgress::Finish() {
     for (; told_ < outcomes_.size(); ++told_) {
         if (outcomes_[told_]) TellFrame(told_);
     }
+    totals_.failure.sentence = ReasonsText(reasons_);
     const double seconds = Seconds();
     if (form_ == ProgressForm::kJson) {
         Json json{{"event", "end"}};

@@ -24,9 +24,17 @@ enum class ProgressForm {
     kQuiet,  ///< failures alone
 };
 
+/// The one rectangle that all images of a sequence cover.
+struct CanvasFacts {
+    PF_LRect layer{};  ///< in pixels of the full-size layer
+    int width = 0;     ///< of the images, pixels
+    int height = 0;
+};
+
 struct ProgressOptions {
     ProgressForm form = ProgressForm::kLines;
     double seconds = 10;  ///< after them, and again each time, a frame that takes long has a line; 0 for never
+    std::optional<CanvasFacts> canvas{};  ///< told first; nothing where images may differ in size
 };
 
 /// What `--progress` says: "bar", "lines", "json", or seconds; without a form it is a bar where standard error is a
@@ -39,7 +47,8 @@ struct FrameTotals {
     std::size_t existing = 0;
     std::size_t skipped = 0;
     std::size_t failed = 0;
-    Failure firstFailure{ExitCode::kDone, ""};  ///< in the order of the plan, with its frame
+    /// Why frames failed, with their numbers in the order of the plan; the code is that of the first.
+    Failure failure{ExitCode::kDone, ""};
     std::size_t Ended() const { return drawn + existing + skipped + failed; }
 };
 
@@ -79,6 +88,7 @@ class FrameProgress : public FrameWatcher {
         const EffectSession* session;
         std::chrono::steady_clock::time_point begin;
     };
+    void TellStart(const std::optional<CanvasFacts>& canvas);
     void TellReady();
     void TellFrame(std::size_t frame);
     std::vector<std::string> NotesOf(std::size_t frame);
@@ -101,6 +111,7 @@ class FrameProgress : public FrameWatcher {
     std::optional<std::size_t> previous_;  ///< the last one whose input was read
     std::map<std::size_t, Current> current_;
     FrameTotals totals_;
+    std::vector<std::string> reasons_;  ///< of the frames that failed
     bool barIsThere_ = false;
     bool ended_ = false;
     std::condition_variable ending_;

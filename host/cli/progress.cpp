@@ -49,13 +49,29 @@ Progress::Progress(double seconds)
 }
 
 Progress::~Progress() {
+    Stop();
+}
+
+void Progress::Stop() {
     {
         const std::lock_guard lock(mutex_);
         ended_ = true;
     }
     changed_.notify_all();
     if (thread_.joinable()) thread_.join();
+    Erase();
+}
+
+void Progress::Erase() {
     if (told_ && isTerminal_) std::fputs("\r\x1b[K", stderr);
+    std::fflush(stderr);
+    told_ = false;
+}
+
+void Progress::Print(const std::string& text) {
+    const std::lock_guard lock(mutex_);
+    Erase();
+    std::fputs(text.c_str(), stderr);
 }
 
 void Progress::Say(std::string stage) {

@@ -28,9 +28,14 @@ class Progress {
     void Say(std::string stage);
     /// Takes the words from the function each time, on another thread. Say ends it.
     void Follow(std::function<std::string()> stage);
+    /// Prints text that ends in a line break to standard error, in the place of the line that changes.
+    void Print(const std::string& text);
+    /// Ends the telling, and the line that changes is gone: something else may be printed.
+    void Stop();
 
  private:
     void Tell();
+    void Erase();
 
     const bool isTerminal_;
     const std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();

@@ -7,7 +7,6 @@
 
 #include <CLI/CLI.hpp>
 #include <cmath>
-#include <cstdio>
 #include <optional>
 #include <string>
 #include <utility>
@@ -23,6 +22,7 @@
 #include "host/image/picture.h"
 #include "host/sequence/frame_pixels.h"
 #include "host/sequence/frame_plan.h"
+#include "host/sequence/sequence_canvas.h"
 #include "host/session/renderer.h"
 
 namespace {
@@ -53,10 +53,6 @@ constexpr char kExamples[] =
     "      clips through ffmpeg: ProRes 4444 in .mov, FFV1 in .mkv, VP9 in .webm, all with alpha; sound is kept\n"
     "  umbrant render title.png -o draft.png --downsample 4\n"
     "      a quarter of the resolution; points are still given in pixels of the whole picture";
-
-void Note(const std::string& text) {
-    std::fputs(text.c_str(), stderr);
-}
 
 struct Layers {
     World layer;
@@ -103,7 +99,7 @@ FrameRequest RequestOf(const RenderOptions& options, const Layers& layers) {
     const auto [x, y] = PlaceOf(options.textureAt).value_or(std::pair(0.0, 0.0));
     request.textureOrigin.x = static_cast<A_long>(std::lround(x / options.downsample));
     request.textureOrigin.y = static_cast<A_long>(std::lround(y / options.downsample));
-    request.canvas = options.canvas == "layer" ? Canvas::kLayer : Canvas::kGrow;
+    request.canvas = options.canvas == "layer" ? Canvas::kLayer : Canvas::kGrow;  // a rectangle is cut from all
     request.time = static_cast<A_long>(std::lround(options.seconds * kTimeScale));
     request.timeStep = kTimeStep;
     request.totalTime = request.time + kTimeStep;
@@ -115,7 +111,7 @@ FrameRequest RequestOf(const RenderOptions& options, const Layers& layers) {
 Result<Frame> Draw(EffectSession& session, const FrameRequest& request, Progress& progress) {
     progress.Follow([&session] { return ActivityText(session); });
     auto frame = session.Render(request);
-    progress.Say("the picture is made ready");
+    progress.Say("preparing the picture");
     return frame;
 }
 
@@ -141,29 +137,45 @@ RenderFacts FactsOf(const RenderOptions& options, const World& layer) {
     return facts;
 }
 
+/// What the picture is to cover, in pixels of the drawn layer; nothing for all that is drawn.
+Result<std::optional<PF_LRect>> CanvasOf(const RenderOptions& options, const World& layer) {
+    const auto choice = ParseCanvas(options.canvas.empty() ? "grow" : options.canvas);
+    if (!choice) return choice.Error();
+    if (choice->kind == CanvasChoice::Kind::kLayer) return std::optional(PF_LRect{0, 0, layer.Width(), layer.Height()});
+    if (choice->kind != CanvasChoice::Kind::kRectangle) return std::optional<PF_LRect>();
+    const PF_LRect drawn = DrawnCanvas(choice->rectangle, options.downsample);
+    if (auto fits = CheckCanvas(drawn, options.downsample); !fits) return fits.Error();
+    return std::optional(drawn);
+}
+
 Result<ExitCode> Render(const RenderOptions& options) {
     const auto many = MeansSequence(options);
     if (!many) return many.Error();
     if (*many) return RenderSequence(options);
     Stopwatch whole, stage;
+    auto folder = options.output == "-" ? Result<OutputFolder>(OutputFolder())
+                                        : OutputFolder::For(options.output, options.makesFolder);
+    if (!folder) return folder.Error();
     if (auto usable = CheckOutput(options); !usable) return usable.Error();
     const auto wish = ReadRendererWish(options.renderer);
     if (!wish) return wish.Error();
     if (options.output != "-") CleanFolderOf(options.output, options.sequence.quiet);
     Progress progress(SecondsOfProgress(options.sequence));
-    progress.Say("the pictures are read");
+    progress.Say("reading the pictures");
     const auto layers = ReadLayers(options);
     if (!layers) return layers.Error();
+    const auto canvas = CanvasOf(options, layers->layer);
+    if (!canvas) return canvas.Error();
     RenderFacts facts = FactsOf(options, layers->layer);
     facts.load = stage.Lap();
 
-    progress.Say("the module is loaded and set up");
+    progress.Say("loading and setting up the module");
     auto opened = OpenWithValues(options, layers->width, layers->height);
     if (!opened) return opened.Error();
     EffectSession& session = opened->Session();
     const RendererDecision renderer = DecideRenderer(*wish, ReadGpuStrings(session.Params()));
     session.SetRenderer(renderer.Request());
-    if (options.verbose) Note(CommandsText(session.Commands()) + RendererText(renderer) + "\n");
+    if (options.verbose) progress.Print(CommandsText(session.Commands()) + RendererText(renderer) + "\n");
 
     FrameRequest request = RequestOf(options, *layers);
     if (!opened->params.animation.IsEmpty()) {
@@ -173,28 +185,32 @@ Result<ExitCode> Render(const RenderOptions& options) {
         };
     }
     auto frame = Draw(session, request, progress);
-    if (options.verbose) Note(frame ? FrameText(*frame, session) : RefusedText(session));
+    if (options.verbose) progress.Print(frame ? FrameText(*frame, session) : RefusedText(session));
     if (!frame) return renderer.processor ? frame.Error() : Explain(frame.Error(), session);
-    if (!frame->message.empty()) Note("the effect says: " + frame->message + "\n");
+    if (!frame->message.empty()) progress.Print("the effect says: " + frame->message + "\n");
 
     stage.Lap();
     const auto drawn =
-        PictureOf(*frame, request.canvas, layers->layer.Width(), layers->layer.Height(), layers->layer.PixelDepth());
+        PictureOf(*frame, *canvas, layers->layer.Width(), layers->layer.Height(), layers->layer.PixelDepth());
     if (!drawn) return drawn.Error();
     facts.picture = drawn->rect;
     const Placement place{drawn->rect, layers->layer.Width(), layers->layer.Height(), layers->frameOrigin};
-    progress.Say("the picture is written");
+    progress.Say("writing the picture");
     if (auto written = Write(options, drawn->pixels, place, layers->kept); !written) return written.Error();
     facts.save = stage.Lap();
 
     auto ended = session.End();
     if (options.verbose) {
-        for (const std::string& misstep : session.Misbehaviour()) Note("the effect misbehaved: " + misstep + "\n");
+        for (const std::string& misstep : session.Misbehaviour()) {
+            progress.Print("the effect misbehaved: " + misstep + "\n");
+        }
     }
     if (!ended) return ended.Error();
     facts.total = whole.Lap();
-    if (options.output != "-")
+    progress.Stop();
+    if (options.output != "-") {
         PrintResult(options.json ? RenderReport(facts, renderer, *frame, session) : options.output + "\n");
+    }
     return ExitCode::kDone;
 }
 
@@ -258,11 +274,15 @@ Command RenderCommand(const std::shared_ptr<RenderOptions>& options) {
             ->check(CLI::Range(1, 64))
             ->type_name("N");
         app.add_option("--canvas", options->canvas,
-                       "grow: as large as layer and shadow together (default); layer: the layer's frame (default of a "
-                       "clip, whose "
-                       "grown frame holds every frame's shadow)")
-            ->check(CLI::IsMember({"grow", "layer"}))
-            ->type_name("grow|layer");
+                       "grow: layer and shadow together, in a sequence those of all frames (default); frame: in a "
+                       "sequence each frame its own; layer: the layer's frame (default of a clip); or a rectangle in "
+                       "pixels of the full-size layer, right and bottom exclusive")
+            ->check([](const std::string& text) {
+                const auto choice = ParseCanvas(text);
+                return choice ? std::string() : choice.Error().sentence;
+            })
+            ->type_name("grow|frame|layer|LEFT,TOP,RIGHT,BOTTOM");
+        app.add_flag("--mkdir", options->makesFolder, "Create the folder of the output where there is none");
         app.add_flag(
             "--collapsed", options->collapsed,
             "Present the layer with its \"Collapse Transformations\" switch on; radial shadows then stay in its frame");

@@ -51,7 +51,8 @@ struct RenderOptions {
     std::string textureAt = "0,0";
     int depth = 0;
     int downsample = 1;
-    std::string canvas;  ///< empty: the layer's frame for a clip, else grown
+    std::string canvas;        ///< as ParseCanvas takes it; empty: the layer's frame for a clip, else grown
+    bool makesFolder = false;  ///< of the output
     bool collapsed = false;
     double seconds = 0;
     std::string compression;
@@ -112,6 +113,11 @@ Command RenderCommand(const std::shared_ptr<RenderOptions>& options);
 
 /// All frames that the options ask for, in their order, as WholeFrameSet gives them.
 Result<std::vector<FrameNumber>> FramesOf(const RenderOptions& options);
+
+/// The text for `--canvas` that gives parts of the set the canvas of the whole; empty where every part finds the same
+/// one itself, or the options say otherwise. Where it cannot be found out yet, a note on standard error says so. Fails
+/// as RenderSequence does before the first frame.
+Result<std::string> CanvasOfSet(const RenderOptions& options);
 
 /// Whether the options mean a sequence. Fails as ParseFrames and MeansSequence do.
 Result<bool> MeansSequence(const RenderOptions& options);

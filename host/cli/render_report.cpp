@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include "host/cli/command.h"
+#include "host/sequence/sequence_canvas.h"
 #include "host/session/error_names.h"
 
 namespace {
@@ -100,13 +101,18 @@ std::string RenderReport(const RenderFacts& facts, const RendererDecision& rende
                          const EffectSession& session) {
     const GpuStrings gpu = ReadGpuStrings(session.Params());
     std::vector<CommandRecord> commands = session.Commands();
-    commands.insert(commands.end(), frame.commands.begin(), frame.commands.end());
+    // The frame was drawn before the session ended.
+    const auto ending = std::find_if(commands.begin(), commands.end(), [](const CommandRecord& record) {
+        return record.command == PF_Cmd_SEQUENCE_SETDOWN || record.command == PF_Cmd_GLOBAL_SETDOWN;
+    });
+    commands.insert(ending, frame.commands.begin(), frame.commands.end());
     Json report{
         {"input", facts.input},
         {"output", facts.output},
         {"depth", facts.depth},
         {"downsample", facts.downsample},
         {"canvas", facts.canvas},
+        {"canvasOption", "--canvas " + CanvasText(FullSizeCanvas(facts.picture, facts.downsample))},
         {"rectangles",
          {{"layer", RectJson({0, 0, facts.layerWidth, facts.layerHeight})},
           {"result", RectJson(frame.rect)},

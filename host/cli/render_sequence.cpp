@@ -12,13 +12,17 @@
 #include <set>
 
 #include "host/cli/clip_ends.h"
+#include "host/cli/frame_footprint.h"
 #include "host/cli/frame_progress.h"
+#include "host/cli/output_folder.h"
 #include "host/cli/render_options.h"
 #include "host/cli/results.h"
 #include "host/cli/sequence_report.h"
+#include "host/compositing/rectangles.h"
 #include "host/process/abandoned_files.h"
 #include "host/sequence/draw_frames.h"
 #include "host/sequence/memory_plan.h"
+#include "host/sequence/sequence_canvas.h"
 #include "host/session/renderer.h"
 
 namespace {
@@ -79,75 +83,6 @@ Result<FirstFrame> ReadFirst(const FramePlan& plan, LayerReader& reader, bool ke
     return FirstFrame{};
 }
 
-std::uint64_t BytesOf(const World& world) {
-    return static_cast<std::uint64_t>(world.Height()) * static_cast<std::uint64_t>(world.Def().rowbytes);
-}
-
-std::uint64_t AreaOf(const PF_LRect& rect) {
-    const auto side = [](A_long low, A_long high) {
-        return static_cast<std::uint64_t>(std::max<std::int64_t>(0, std::int64_t{high} - low));
-    };
-    return side(rect.left, rect.right) * side(rect.top, rect.bottom);
-}
-
-/// The frame's pixels that the effect makes of these layers, asked with the values of up to `most` of the frames, which
-/// may move, and at least the layer's. An effect that fails when it is asked will fail in that frame again, and be told
-/// of there.
-std::vector<PF_LRect> PicturesOf(const FrameJob& job, const FirstFrame& first, EffectSession& session,
-                                 std::size_t most) {
-    const World& layer = first.layers.input->pixels;
-    const auto& frames = job.plan->frames;
-    const std::size_t asked = job.values ? std::min(frames.size(), most) : 1;
-    std::vector<PF_LRect> pictures = {{0, 0, layer.Width(), layer.Height()}};
-    for (std::size_t i = 0; i < asked; ++i) {
-        const PlannedFrame& frame = job.values ? frames[i * frames.size() / asked] : frames[first.frame];
-        std::optional<ParamSet> values;
-        if (job.values) values = job.values(frame.number.Value(), session.Params());
-        const auto answer = session.PreRender(RequestFor(job, frame, first.layers, values ? &*values : nullptr));
-        if (!answer) continue;
-        pictures.push_back(job.canvas == Canvas::kGrow ? answer->maxRect : answer->resultRect);
-    }
-    return pictures;
-}
-
-std::uint64_t LargestArea(const std::vector<PF_LRect>& pictures) {
-    std::uint64_t largest = 0;
-    for (const PF_LRect& picture : pictures) largest = std::max(largest, AreaOf(picture));
-    return largest;
-}
-
-/// The frame of a clip, in which each of its pictures has room; the first picture is the layer.
-PF_LRect ClipCanvas(const FrameJob& job, const std::vector<PF_LRect>& pictures) {
-    PF_LRect all = pictures.front();
-    if (job.canvas == Canvas::kLayer) return all;
-    for (const PF_LRect& one : pictures) {
-        if (AreaOf(one) == 0) continue;
-        all = {std::min(all.left, one.left), std::min(all.top, one.top), std::max(all.right, one.right),
-               std::max(all.bottom, one.bottom)};
-    }
-    return all;
-}
-
-/// What a frame costs, judged by the layers of the first one.
-FrameFootprint Footprint(const FrameJob& job, const FirstFrame& first, EffectSession& session) {
-    constexpr std::size_t kAsked = 64;
-    const Layer& layer = *first.layers.input;
-    FrameFootprint footprint;
-    footprint.file =
-        static_cast<std::uint64_t>(layer.width) * static_cast<std::uint64_t>(layer.height) * (layer.bits > 8 ? 16 : 4);
-    footprint.layer = BytesOf(layer.pixels);
-    if (first.layers.texture) footprint.texture = BytesOf(first.layers.texture->pixels);
-    footprint.outputPixels = LargestArea(PicturesOf(job, first, session, kAsked));
-    footprint.output = footprint.outputPixels * static_cast<std::uint64_t>(BytesPerPixel(layer.pixels.PixelDepth()));
-    return footprint;
-}
-
-/// Software OpenGL has the cores for itself, and each drawing thread has buffers of its own: one frame in the effect
-/// and one outside of it is all that is gained.
-int MostDrawers(const RendererDecision& renderer, const GpuStrings& gpu) {
-    return !renderer.processor && IsSoftware(gpu) ? 2 : kMostThreads;
-}
-
 /// The sessions of the drawing threads; the first is the module's own.
 struct Instances {
     std::vector<EffectSession> others;
@@ -200,14 +135,9 @@ class SequenceRender {
         if (!opened) return opened.Error();
         renderer_ = DecideRenderer(*wish, ReadGpuStrings(opened->Session().Params()));
         opened->Session().SetRenderer(renderer_.Request());
-        if (!opened->params.animation.IsEmpty()) {
-            // What the effect itself keeps in its rows stays; only what moves is set for each frame.
-            job_.values = [&effect = *opened](double each, const ParamSet& params) {
-                return effect.params.animation.ValuesAt(params, each, effect.clock);
-            };
-        }
+        if (auto found = FindCanvas(*opened, *first); !found) return found.Error();
         if (auto started = StartInstances(opened->Session(), *first); !started) return started.Error();
-        if (auto begun = BeginClip(opened->Session(), *first); !begun) return begun.Error();
+        if (auto begun = BeginClip(*first); !begun) return begun.Error();
         auto outcome = Draw(std::move(*first));
         if (options_.verbose) TellMisbehaviour();
         auto ended = instances_.End();
@@ -215,12 +145,89 @@ class SequenceRender {
         return outcome;
     }
 
+    /// See CanvasOfSet.
+    Result<std::string> FindCanvasOfSet() {
+        options_.sequence.skipExisting = false;
+        options_.sequence.keepGoing = true;
+        if (auto planned = Plan(); !planned) return planned.Error();
+        FillJob();
+        const bool changes = plan_.input.pattern || plan_.texture.pattern || !options_.preset.empty();
+        if (canvas_.kind != CanvasChoice::Kind::kGrow || !changes) return std::string();
+        const auto first = ReadFirst(plan_, *reader_, true);
+        if (!first || !first->layers.input) return CannotFind("none of the input's frames can be read yet");
+        auto opened = OpenWithValues(options_, first->layers.input->width, first->layers.input->height,
+                                     plan_.frames[first->frame].number.Value());
+        // The machines of a farm may have a module that this one lacks.
+        if (!opened && opened.Error().code == ExitCode::kModule) return CannotFind(opened.Error().sentence);
+        if (!opened) return opened.Error();
+        if (auto found = FindCanvas(*opened, *first); !found) return found.Error();
+        if (auto ended = opened->Session().End(); !ended) return ended.Error();
+        return CanvasText(FullSizeCanvas(*job_.picture, options_.downsample));
+    }
+
  private:
+    static std::string CannotFind(const std::string& reason) {
+        std::fputs(
+            fmt::format("umbrant: the canvas of the whole set is not known here: {}; each task finds one itself, "
+                        "from the frames that are there then; --canvas LEFT,TOP,RIGHT,BOTTOM fixes it\n",
+                        reason)
+                .c_str(),
+            stderr);
+        return "";
+    }
+
+    /// Sets what all images cover, unless each covers what is drawn in it; and the values that move.
+    Result<Done> FindCanvas(OpenedEffect& effect, const FirstFrame& first) {
+        if (!effect.params.animation.IsEmpty()) {
+            // What the effect itself keeps in its rows stays; only what moves is set for each frame.
+            job_.values = [&effect](double each, const ParamSet& params) {
+                return effect.params.animation.ValuesAt(params, each, effect.clock);
+            };
+        }
+        const World& pixels = first.layers.input->pixels;
+        const PF_LRect layer{0, 0, pixels.Width(), pixels.Height()};
+        switch (canvas_.kind) {
+            case CanvasChoice::Kind::kFrame:
+                return Done{};
+            case CanvasChoice::Kind::kLayer:
+                // Layers may differ in size, except in a clip.
+                if (clips_.Writes()) job_.picture = layer;
+                return Done{};
+            case CanvasChoice::Kind::kRectangle:
+                job_.picture = DrawnCanvas(canvas_.rectangle, options_.downsample);
+                break;
+            case CanvasChoice::Kind::kGrow: {
+                PF_LRect all = SetCanvas(job_, first.layers, effect.Session());
+                if (clips_.Writes()) {
+                    all = {std::min(all.left, layer.left), std::min(all.top, layer.top),
+                           std::max(all.right, layer.right), std::max(all.bottom, layer.bottom)};
+                }
+                job_.picture = all;
+                break;
+            }
+        }
+        return CheckCanvas(*job_.picture, options_.downsample);
+    }
+
+    std::optional<CanvasFacts> Covered() const {
+        if (!job_.picture) return std::nullopt;
+        return CanvasFacts{FullSizeCanvas(*job_.picture, options_.downsample), WidthOf(*job_.picture),
+                           HeightOf(*job_.picture)};
+    }
+
     Result<Done> Plan() {
         auto request = RequestOf(options_);
         if (!request) return request.Error();
+        auto folder = OutputFolder::For(options_.output, options_.makesFolder);
+        if (!folder) return folder.Error();
+        folder_.emplace(std::move(*folder));
         if (auto open = clips_.Open(options_, *request); !open) return open;
         options_.sequence.rate = fmt::format("{}/{}", request->rate.scale, request->rate.step);
+        const auto canvas = ParseCanvas(!options_.canvas.empty() ? options_.canvas
+                                        : request->outputIsClip  ? "layer"
+                                                                 : "grow");
+        if (!canvas) return canvas.Error();
+        canvas_ = *canvas;
         auto planned = PlanFrames(*request);
         if (!planned) return planned.Error();
         plan_ = std::move(*planned);
@@ -247,8 +254,7 @@ class SequenceRender {
     void FillJob() {
         job_.plan = &plan_;
         job_.downsample = options_.downsample;
-        const bool grows = options_.canvas == "grow" || (options_.canvas.empty() && !clips_.Writes());
-        job_.canvas = grows ? Canvas::kGrow : Canvas::kLayer;
+        job_.canvas = canvas_.kind == CanvasChoice::Kind::kLayer ? Canvas::kLayer : Canvas::kGrow;
         std::tie(job_.textureX, job_.textureY) = PlaceOf(options_.textureAt).value_or(std::pair(0.0, 0.0));
         job_.keepGoing = options_.sequence.keepGoing;
         job_.explain = [this](const Failure& failure, const EffectSession& session) {
@@ -286,16 +292,15 @@ class SequenceRender {
         return Done{};
     }
 
-    Result<Done> BeginClip(EffectSession& session, const FirstFrame& first) {
+    Result<Done> BeginClip(const FirstFrame& first) {
         if (!clips_.Writes()) return Done{};
-        const PF_LRect canvas = ClipCanvas(job_, PicturesOf(job_, first, session, plan_.frames.size()));
-        return clips_.Begin(plan_, canvas, first.layers.input->pixels, !options_.sequence.noSound);
+        return clips_.Begin(plan_, *job_.picture, first.layers.input->pixels, !options_.sequence.noSound);
     }
 
     Result<ExitCode> Draw(FirstFrame first) {
-        FrameProgress progress(
-            plan_, ReadProgress(options_.sequence.progress, options_.sequence.quiet).value_or(ProgressOptions{}),
-            !options_.json && !clips_.Writes());
+        auto form = ReadProgress(options_.sequence.progress, options_.sequence.quiet).value_or(ProgressOptions{});
+        form.canvas = Covered();
+        FrameProgress progress(plan_, form, !options_.json && !clips_.Writes());
         progress.SetKeepsGoing(options_.sequence.keepGoing);
         if (!clips_.Note().empty()) progress.Note(clips_.Note());
         if (const std::string removed = RemoveAbandonedFiles(OutputFolders()); !removed.empty()) progress.Note(removed);
@@ -308,12 +313,13 @@ class SequenceRender {
             if (*finished && !options_.json) PrintResult(options_.output + "\n");
         }
         if (options_.json) {
-            const SequenceFacts facts{options_.input, options_.output, renderer_.Name()};
+            const std::string canvas = !options_.canvas.empty() ? options_.canvas : clips_.Writes() ? "layer" : "grow";
+            const SequenceFacts facts{options_.input, options_.output, renderer_.Name(), canvas, Covered()};
             PrintResult(SequenceReport(facts, plan_, job_.shape, progress, clips_.Report()));
         }
         if (totals.failed == 0) return ExitCode::kDone;
         if (options_.sequence.keepGoing) return ExitCode::kEffectFailed;
-        return totals.firstFailure;
+        return totals.failure;
     }
 
     std::set<std::filesystem::path> OutputFolders() const {
@@ -332,6 +338,8 @@ class SequenceRender {
     }
 
     RenderOptions options_;
+    std::optional<OutputFolder> folder_;
+    CanvasChoice canvas_;
     ClipEnds clips_;
     std::optional<LayerReader> reader_;
     FramePlan plan_;
@@ -375,11 +383,17 @@ Result<std::vector<FrameNumber>> FramesOf(const RenderOptions& options) {
                         "draw pictures, and then make a clip of those",
                         options.output)};
     }
+    const auto folder = OutputFolder::For(options.output, options.makesFolder);
+    if (!folder) return folder.Error();
     auto request = RequestOf(options);
     if (!request) return request.Error();
     ClipEnds clips;
     if (auto open = clips.Open(options, *request); !open) return open.Error();
     return WholeFrameSet(*request);
+}
+
+Result<std::string> CanvasOfSet(const RenderOptions& options) {
+    return SequenceRender(options).FindCanvasOfSet();
 }
 
 Result<ExitCode> RenderSequence(const RenderOptions& options) {

@@ -3,6 +3,8 @@
 
 #include "host/cli/sequence_report.h"
 
+#include "host/sequence/sequence_canvas.h"
+
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -43,6 +45,11 @@ nlohmann::ordered_json FrameJson(const PlannedFrame& frame, const FrameOutcome& 
     return json;
 }
 
+nlohmann::ordered_json CanvasJson(const CanvasFacts& canvas) {
+    return {
+        {"width", canvas.width}, {"height", canvas.height}, {"canvasOption", "--canvas " + CanvasText(canvas.layer)}};
+}
+
 nlohmann::ordered_json TotalsJson(const FrameTotals& totals, std::size_t all, double seconds) {
     return {
         {"frames", all},           {"drawn", totals.drawn}, {"existing", totals.existing}, {"skipped", totals.skipped},
@@ -67,13 +74,13 @@ std::string SequenceReport(const SequenceFacts& facts, const FramePlan& plan, co
         }
         frames.push_back(std::move(frame));
     }
-    Json report{{"input", facts.input},
-                {"output", facts.output},
-                {"renderer", facts.renderer},
-                {"threads", {{"read", shape.readers}, {"draw", shape.drawers}, {"write", shape.writers}}},
-                {"underWay", shape.underWay},
-                {"totals", TotalsJson(totals, plan.frames.size(), progress.Seconds())},
-                {"frames", std::move(frames)}};
+    Json report{
+        {"input", facts.input}, {"output", facts.output}, {"renderer", facts.renderer}, {"canvas", facts.canvas}};
+    if (facts.covered) report.update(CanvasJson(*facts.covered));
+    report.update(Json{{"threads", {{"read", shape.readers}, {"draw", shape.drawers}, {"write", shape.writers}}},
+                       {"underWay", shape.underWay},
+                       {"totals", TotalsJson(totals, plan.frames.size(), progress.Seconds())},
+                       {"frames", std::move(frames)}});
     if (!clip.is_null()) report["clip"] = clip;
     return report.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }

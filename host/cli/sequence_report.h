@@ -5,6 +5,7 @@
 // What programs are told about a sequence: single frames as they end, and the whole in the end.
 
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 
 #include "host/cli/frame_progress.h"
@@ -15,6 +16,9 @@ nlohmann::ordered_json NumberJson(const FrameNumber& frame);
 /// A frame and what became of it.
 nlohmann::ordered_json FrameJson(const PlannedFrame& frame, const FrameOutcome& outcome);
 
+/// What all images cover: "width" and "height" of the files and the option that draws on the same canvas again.
+nlohmann::ordered_json CanvasJson(const CanvasFacts& canvas);
+
 /// The sums over `all` frames.
 nlohmann::ordered_json TotalsJson(const FrameTotals& totals, std::size_t all, double seconds);
 
@@ -23,6 +27,8 @@ struct SequenceFacts {
     std::string input;
     std::string output;
     std::string renderer;
+    std::string canvas;                    ///< what was asked for: "grow", "frame", "layer" or a rectangle
+    std::optional<CanvasFacts> covered{};  ///< nothing where images may differ in size
 };
 
 /// The report of a whole sequence, ending in a line break; `clip` tells of the clip that it went into, null for none.

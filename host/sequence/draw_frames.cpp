@@ -29,20 +29,6 @@ class Timer {
     std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
 };
 
-/// The frame, whole or not, at a moment.
-double FrameAt(const FramePlan& plan, const Moment& moment) {
-    return plan.zeroFrame + plan.rate.PerSecond() * moment.value / moment.scale;
-}
-
-/// The frame that shows at a moment: the last one that has begun.
-int FrameShownAt(const FramePlan& plan, const Moment& moment) {
-    // Whole numbers, as a rounded quotient could show the frame before: 32 bits times no more than 20, and 32 times 17.
-    const std::int64_t above = std::int64_t{moment.value} * plan.rate.scale;
-    const std::int64_t below = std::int64_t{moment.scale} * plan.rate.step;
-    const std::int64_t since = above / below - (above % below < 0 ? 1 : 0);
-    return static_cast<int>(std::clamp<std::int64_t>(plan.zeroFrame + since, -2 * kFarthestFrame, 2 * kFarthestFrame));
-}
-
 /// The layers that an effect asks for while it draws a frame, each read once for it.
 class OtherTimes {
  public:
@@ -150,7 +136,9 @@ class FrameWorker {
         if (!drawn) return Fail(index, job_.explain ? job_.explain(drawn.Error(), session) : drawn.Error());
         work.outcome.message = drawn->message;
         const World& layer = work.layers.input->pixels;
-        auto picture = PictureOf(*drawn, job_.canvas, layer.Width(), layer.Height(), layer.PixelDepth());
+        std::optional<PF_LRect> canvas = job_.picture;
+        if (!canvas && job_.canvas == Canvas::kLayer) canvas = PF_LRect{0, 0, layer.Width(), layer.Height()};
+        auto picture = PictureOf(*drawn, canvas, layer.Width(), layer.Height(), layer.PixelDepth());
         if (!picture) return Fail(index, picture.Error());
         work.drawn = std::move(*picture);
         work.place = {work.drawn.rect, layer.Width(), layer.Height(), work.layers.input->frameOrigin};
@@ -207,6 +195,18 @@ class FrameWorker {
 };
 
 }  // namespace
+
+double FrameAt(const FramePlan& plan, const Moment& moment) {
+    return plan.zeroFrame + plan.rate.PerSecond() * moment.value / moment.scale;
+}
+
+int FrameShownAt(const FramePlan& plan, const Moment& moment) {
+    // Whole numbers, as a rounded quotient could show the frame before: 32 bits times no more than 20, and 32 times 17.
+    const std::int64_t above = std::int64_t{moment.value} * plan.rate.scale;
+    const std::int64_t below = std::int64_t{moment.scale} * plan.rate.step;
+    const std::int64_t since = above / below - (above % below < 0 ? 1 : 0);
+    return static_cast<int>(std::clamp<std::int64_t>(plan.zeroFrame + since, -2 * kFarthestFrame, 2 * kFarthestFrame));
+}
 
 FrameRequest RequestFor(const FrameJob& job, const PlannedFrame& frame, const FrameLayers& layers,
                         const ParamSet* params) {

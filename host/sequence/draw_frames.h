@@ -53,8 +53,9 @@ class FrameWatcher {
 struct FrameJob {
     const FramePlan* plan = nullptr;
     int downsample = 1;
-    Canvas canvas = Canvas::kGrow;
-    double textureX = 0;  ///< where the texture's top-left lies, in pixels of the full-size layer
+    Canvas canvas = Canvas::kGrow;      ///< what the effect is asked for
+    std::optional<PF_LRect> picture{};  ///< what every image covers, in drawn pixels; without it each what was drawn
+    double textureX = 0;                ///< where the texture's top-left lies, in pixels of the full-size layer
     double textureY = 0;
     bool keepGoing = false;  ///< a frame that fails does not end the others
     /// The values at a frame, whole or not; without it those of the session that draws it. Safe on every thread.
@@ -70,6 +71,12 @@ struct FrameJob {
 /// The frame as it is asked of the effect; `params` may be null. The layers must outlive the request.
 FrameRequest RequestFor(const FrameJob& job, const PlannedFrame& frame, const FrameLayers& layers,
                         const ParamSet* params);
+
+/// The frame, whole or not, at a moment.
+double FrameAt(const FramePlan& plan, const Moment& moment);
+
+/// The frame that shows at a moment: the last one that has begun.
+int FrameShownAt(const FramePlan& plan, const Moment& moment);
 
 /// A frame whose pictures were read before the others.
 struct FirstFrame {

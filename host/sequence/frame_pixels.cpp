@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "host/compositing/memory_shortage.h"
+#include "host/compositing/rectangles.h"
 #include "host/compositing/resample.h"
 
 Result<World> LayerOf(const Picture& picture, Depth depth, int downsample) {
@@ -19,13 +20,14 @@ Result<World> LayerOf(const Picture& picture, Depth depth, int downsample) {
     return layer;
 }
 
-Result<Drawn> PictureOf(Frame& frame, Canvas canvas, int layerWidth, int layerHeight, Depth depth) {
+Result<Drawn> PictureOf(Frame& frame, const std::optional<PF_LRect>& canvas, int layerWidth, int layerHeight,
+                        Depth depth) {
     const bool empty = frame.output.Width() == 0 || frame.output.Height() == 0;
-    const bool isFrame = frame.rect.left == 0 && frame.rect.top == 0 && frame.rect.right == layerWidth &&
-                         frame.rect.bottom == layerHeight;
-    if (!empty && (canvas == Canvas::kGrow || isFrame)) return Drawn{std::move(frame.output), frame.rect};
-    World cut = empty ? World::Create(layerWidth, layerHeight, depth)
-                      : CutToFrame(frame.output, frame.rect.left, frame.rect.top, layerWidth, layerHeight);
-    if (cut.IsNull()) return NotEnoughMemory("the picture", layerWidth, layerHeight, depth);
-    return Drawn{std::move(cut), {0, 0, layerWidth, layerHeight}};
+    const PF_LRect cover = canvas.value_or(empty ? PF_LRect{0, 0, layerWidth, layerHeight} : frame.rect);
+    if (!empty && Same(cover, frame.rect)) return Drawn{std::move(frame.output), frame.rect};
+    World cut = empty ? World::Create(WidthOf(cover), HeightOf(cover), depth)
+                      : CutToFrame(frame.output, frame.rect.left - cover.left, frame.rect.top - cover.top,
+                                   WidthOf(cover), HeightOf(cover));
+    if (cut.IsNull()) return NotEnoughMemory("the picture", WidthOf(cover), HeightOf(cover), depth);
+    return Drawn{std::move(cut), cover};
 }

@@ -4,6 +4,8 @@
 
 // From pictures to what the effect sees, and from what it drew to pictures.
 
+#include <optional>
+
 #include "host/image/picture.h"
 #include "host/session/effect_session.h"
 
@@ -17,6 +19,7 @@ struct Drawn {
     PF_LRect rect{};
 };
 
-/// The frame's pixels as they are written, taken from it: where nothing was drawn, the layer's frame, transparent.
-/// Fails as LayerOf does.
-Result<Drawn> PictureOf(Frame& frame, Canvas canvas, int layerWidth, int layerHeight, Depth depth);
+/// The frame's pixels as they are written, taken from it: those that `canvas` covers, transparent where nothing was
+/// drawn. Without a canvas all that was drawn, or else the layer's frame, transparent. Fails as LayerOf does.
+Result<Drawn> PictureOf(Frame& frame, const std::optional<PF_LRect>& canvas, int layerWidth, int layerHeight,
+                        Depth depth);

@@ -227,11 +227,13 @@ Result<FramePlan> WholePlan(const PlanRequest& request) {
     plan.texture = *texture;
     plan.rate = times->finest;
     plan.zeroFrame = request.zeroFrame;
+    plan.leavesOutMissing = request.missing == MissingFrames::kSkip;
     std::vector<PlannedFrame>& frames = plan.frames;
     for (const FrameNumber& number : *whole) {
         frames.push_back(PlanFrame(request, *input, *texture, number));
         PlannedFrame& frame = frames.back();
         frame.time = static_cast<A_long>(times->TimeOf(number));
+        plan.wholeSet.push_back({number, frame.time});
         plan.totalTime = std::max(plan.totalTime, frame.time + plan.rate.step);
         frame.output = *output ? (*output)->PathOf(number) : request.output;
         frame.inputChanges = input->HasFrames() && !frame.heldInput;
@@ -264,6 +266,10 @@ std::string FrameSource::ShownAt(int frame) const {
 
 std::optional<int> FrameSource::ClipFrameShownAt(int frame) const {
     return FindFrame(*this, frame, MissingFrames::kHold).clipFrame;
+}
+
+bool FrameSource::Has(int frame) const {
+    return FindFrame(*this, frame, MissingFrames::kError).exists;
 }
 
 Result<std::vector<FrameNumber>> WholeFrameSet(const PlanRequest& request) {

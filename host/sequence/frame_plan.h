@@ -54,6 +54,8 @@ struct FrameSource {
     std::string ShownAt(int frame) const;
     /// The same of a clip: its frame; nothing of pictures.
     std::optional<int> ClipFrameShownAt(int frame) const;
+    /// Whether a frame has an image of its own: always where there is one image for all, or none.
+    bool Has(int frame) const;
 };
 
 struct PlannedFrame {
@@ -79,7 +81,15 @@ struct PlannedFrame {
     A_long time = 0;  ///< in units of 1/rate.scale seconds
 };
 
+/// A frame of the whole set.
+struct SetFrame {
+    FrameNumber number;
+    A_long time = 0;  ///< in units of 1/rate.scale seconds
+};
+
 struct FramePlan {
+    std::vector<SetFrame> wholeSet;    ///< whatever the chunk, and whatever is there already
+    bool leavesOutMissing = false;     ///< frames without a file are left out of the set
     std::vector<PlannedFrame> frames;  ///< of the chunk, in the order of drawing
     /// As it was asked for, in a unit that every frame is a whole number of: a set with quarters of frames at 24 frames
     /// a second has 96/4.

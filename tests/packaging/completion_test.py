@@ -21,7 +21,7 @@ ROWS = [
     ("a command's beginning", "umbrant rend", ["render"], ["params"]),
     ("options of a command", "umbrant render --", ["--output", "--canvas", "--set", "--renderer"], ["--strictness"]),
     ("options of another", "umbrant validate --", ["--strictness", "--seed"], ["--canvas"]),
-    ("an option's values", "umbrant render --canvas ", ["grow", "layer"], ["auto"]),
+    ("an option's values", "umbrant render --canvas ", ["grow", "frame", "layer"], ["auto"]),
     ("values of a check", "umbrant validate --report ", ["text", "json", "junit"], []),
     ("words among other texts", "umbrant render --progress ", ["bar", "lines", "json"], ["SECONDS"]),
     ("an argument's values", "umbrant completion ", ["bash", "zsh", "fish"], []),
@@ -35,7 +35,7 @@ ROWS = [
     ("the first word of a farm's job", "umbrant farm ", ["slurm", "openjd", "parallel"], []),
     ("a farm's own options", "umbrant farm --halt ", ["never", "soon", "now"], []),
     ("the arguments of a farm's job", "umbrant farm slurm in.png --mis", ["--missing"], ["--halt"]),
-    ("values in a farm's job", "umbrant farm parallel in.png --canvas ", ["grow", "layer"], ["slurm"]),
+    ("values in a farm's job", "umbrant farm parallel in.png --canvas ", ["grow", "frame", "layer"], ["slurm"]),
     ("after other options", "umbrant render in.png -o x.png --set style/angle=9 --mis", ["--missing"], ["--canvas"]),
 ]
 

@@ -33,10 +33,11 @@ TEST_F(CliFarm, PrintsAJobAndNothingElse) {
     const auto before = folder_.Entries();
     for (const char* engine : {"slurm", "parallel", "openjd"}) {
         SCOPED_TRACE(engine);
-        const Outcome outcome = Farm({engine, "in.@.png", "-o", "out.##.png", "--frames", "1-6"});
+        const Outcome outcome = Farm({engine, "in.@.png", "-o", "out.##.png", "--frames", "1-6", "--canvas", "layer"});
         EXPECT_EQ(outcome.code, 0);
         EXPECT_EQ(outcome.err, "");
-        EXPECT_THAT(outcome.out, HasSubstr("umbrant render in.@.png -o 'out.##.png' --frames 1-6 --chunk "));
+        EXPECT_THAT(outcome.out,
+                    HasSubstr("umbrant render in.@.png -o 'out.##.png' --frames 1-6 --canvas layer --chunk "));
         EXPECT_EQ(folder_.Entries(), before);
     }
     EXPECT_THAT(Farm({"slurm", "in.@.png", "-o", "out.##.png"}).out,
@@ -80,8 +81,9 @@ TEST_F(CliFarm, DividesTheFrames) {
 TEST_F(CliFarm, TheSetIsThatOfTheMomentOfPrinting) {
     std::filesystem::remove(folder_ / "in.4.png");
     EXPECT_THAT(
-        Farm({"slurm", "in.@.png", "-o", "out.##.png", "--skip-existing"}).out,
-        HasSubstr("-o 'out.##.png' --frames=1-3,5-6 --chunk \"$((SLURM_ARRAY_TASK_ID))\"/1 --skip-existing &\n"));
+        Farm({"slurm", "in.@.png", "-o", "out.##.png", "--skip-existing", "--canvas", "layer"}).out,
+        HasSubstr(
+            "-o 'out.##.png' --canvas layer --frames=1-3,5-6 --chunk \"$SLURM_ARRAY_TASK_ID\"/1 --skip-existing &\n"));
     EXPECT_THAT(Farm({"slurm", "in.@.png", "-o", "out.##.png", "--input-offset", "4"}).out,
                 HasSubstr(" --frames=-3--1,1-2 --chunk "));
     EXPECT_EQ(Farm({"slurm", "late.@.png", "-o", "out.##.png", "--frames", "1-6"}).code, 0)
@@ -129,7 +131,22 @@ TEST_F(CliFarm, ATaskKeepsItsExitCodeAndIsTriedAgainWhereThatMayHelp) {
         EXPECT_EQ(RunTask(job.out, "1"), row.code);
         EXPECT_EQ(ReadBytes(folder_ / "tries").size(), 4u * static_cast<unsigned>(row.tries));
     }
-    EXPECT_EQ(RunTask(Farm({"slurm", "in.@.png", "-o", "out.##.png"}).out, "x"), 2) << "outside of Slurm";
+}
+
+TEST_F(CliFarm, ATasksNumberIsANumberBeforeAnythingIsDoneWithIt) {
+    WriteBytes(folder_ / "tool", "#!/bin/bash\necho \"$@\" >>ran\n");
+    std::filesystem::permissions(folder_ / "tool", std::filesystem::perms::owner_all);
+    const Outcome job = Farm({"--program", "./tool", "slurm", "in.@.png", "-o", "out.##.png", "--canvas", "layer"});
+    ASSERT_EQ(job.code, 0) << job.err;
+    for (const char* task : {"x", "''", "1x", "-1", "'1 2'", "'a[$(touch stolen)]'", "'$(touch stolen)'"}) {
+        SCOPED_TRACE(task);
+        EXPECT_EQ(RunTask(job.out, task), 2);
+        EXPECT_THAT(ReadBytes(folder_ / "log"), HasSubstr("', not a number; submit this with sbatch\n"));
+        EXPECT_FALSE(Exists("ran"));
+        EXPECT_FALSE(std::filesystem::exists("/stolen"));
+    }
+    EXPECT_EQ(RunTask(job.out, "08"), 0);
+    EXPECT_THAT(ReadBytes(folder_ / "ran"), HasSubstr(" --chunk 08/1 --skip-existing\n"));
 }
 
 TEST_F(CliFarm, AnEndedTaskLeavesNothingUnfinished) {

@@ -128,6 +128,8 @@ TEST_F(CliOtherTimes, DepthAndSizeAreFitted) {
     EXPECT_EQ(Centre("out.03.png").red, 40);
     EXPECT_EQ(Read(folder_ / "out.04.png").bits, 8) << "in the depth of the frame";
     EXPECT_EQ(Centre("out.04.png").red, 64);
+    const Outcome three = Look(1, {"--frames", "2-3"}, "in.@.png", "two.##.png");
+    EXPECT_THAT(three.err, HasSubstr("umbrant: 2 frames of 9 x 7, --canvas 0,0,9,7\n")) << "frame 3 looks at frame 4";
 }
 
 TEST_F(CliOtherTimes, AnUnreadableFrameIsTheFramesFailure) {

@@ -268,7 +268,7 @@ TEST_F(CliRender, ALongFrameTellsItsStageAndTheTime) {
     };
     const Outcome told = with("0.02");
     EXPECT_EQ(told.code, 0) << told.err;
-    EXPECT_THAT(told.err, testing::ContainsRegex("umbrant: [0-9]+\\.[0-9] s, the picture is written\n"));
+    EXPECT_THAT(told.err, testing::ContainsRegex("umbrant: [0-9]+\\.[0-9] s, writing the picture\n"));
     EXPECT_EQ(told.out, "out.png\n") << "results alone on standard output";
     EXPECT_EQ(with("0").err, "");
     EXPECT_EQ(with("86400").err, "") << "a short frame says nothing";

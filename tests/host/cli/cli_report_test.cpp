@@ -65,6 +65,23 @@ TEST_F(CliReport, IsJsonAlone) {
     EXPECT_TRUE(std::filesystem::exists(folder_ / "out.png"));
 }
 
+TEST_F(CliReport, CommandsAreInTheOrderOfTime) {
+    const Outcome outcome = Paint({"--json"});
+    ASSERT_EQ(outcome.code, 0) << outcome.err;
+    std::vector<std::string> names;
+    for (const json& command : json::parse(outcome.out)["commands"]) names.push_back(command["name"]);
+    const auto at = [&](const char* name) {
+        const auto found = std::find(names.begin(), names.end(), name);
+        EXPECT_NE(found, names.end()) << name;
+        return found - names.begin();
+    };
+    EXPECT_EQ(at("PF_Cmd_GLOBAL_SETUP"), 0);
+    EXPECT_LT(at("PF_Cmd_SEQUENCE_SETUP"), at("PF_Cmd_SMART_PRE_RENDER"));
+    EXPECT_LT(at("PF_Cmd_SMART_PRE_RENDER"), at("PF_Cmd_SMART_RENDER"));
+    EXPECT_LT(at("PF_Cmd_SMART_RENDER"), at("PF_Cmd_SEQUENCE_SETDOWN"));
+    EXPECT_EQ(names.back(), "PF_Cmd_GLOBAL_SETDOWN");
+}
+
 TEST_F(CliReport, RefusedSuitesAreNamedAlsoWhenTheRenderFails) {
     const Outcome outcome = Paint({"--verbose", "--set", "flaw=unknown-suite"});
     EXPECT_EQ(outcome.code, 1);

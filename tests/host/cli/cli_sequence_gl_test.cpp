@@ -59,7 +59,7 @@ TEST_F(CliSequenceGl, FilesDependOnNeitherThreadsNorOrderNorChunks) {
 }
 
 TEST_F(CliSequenceGl, AFrameIsTheSinglePictureOfItsMoment) {
-    Render("seq.%d.png", {"--frames", "1-4"});
+    Render("seq.%d.png", {"--frames", "1-4", "--canvas", "frame"});
     Render("single.png", {"--time", "0.125"});
     EXPECT_EQ(ReadBytes(folder_ / "single.png"), Frame("seq", 3));
 }

@@ -32,8 +32,9 @@ std::vector<Json> JsonLines(const std::string& text) {
 /// A process of the program that is not waited for.
 class Running {
  public:
-    /// With a terminal of its own as standard error when `terminal`.
-    Running(const Folder& folder, const std::vector<std::string>& arguments, bool terminal = false) {
+    /// With a terminal of its own as standard error when `terminal`, and as standard output when `outputToo`.
+    Running(const Folder& folder, const std::vector<std::string>& arguments, bool terminal = false,
+            bool outputToo = false) {
         std::vector<char*> pointers;
         arguments_ = arguments;
         arguments_.insert(arguments_.begin(), UMBRANT_PROGRAM);
@@ -44,7 +45,7 @@ class Running {
         if (process_ != 0) return;
         if (chdir(path.c_str()) != 0) _exit(126);
         if (!terminal && !std::freopen("/dev/null", "w", stderr)) _exit(126);
-        if (!std::freopen("/dev/null", "w", stdout)) _exit(126);
+        if (!outputToo && !std::freopen("/dev/null", "w", stdout)) _exit(126);
         execv(pointers[0], pointers.data());
         _exit(127);
     }
@@ -88,7 +89,9 @@ TEST_F(CliSequenceProgress, ProgressForPrograms) {
     EXPECT_EQ(outcome.code, 0) << outcome.err;
     const std::vector<Json> events = JsonLines(outcome.err);
     ASSERT_EQ(events.size(), 5u);
-    EXPECT_EQ(events[0], Json({{"event", "start"}, {"frames", 3}}));
+    EXPECT_EQ(
+        events[0],
+        Json({{"event", "start"}, {"frames", 3}, {"width", 5}, {"height", 3}, {"canvasOption", "--canvas 0,0,5,3"}}));
     EXPECT_EQ(events[2]["event"], "frame");
     EXPECT_EQ(events[2]["frame"], 2);
     EXPECT_EQ(events[2]["state"], "drawn");
@@ -180,6 +183,43 @@ TEST_F(CliSequenceProgress, ATerminalGetsABarAndASum) {
     EXPECT_THAT(text, HasSubstr("  frame "));
     EXPECT_THAT(text, HasSubstr("\r\x1b[Kumbrant: 8 drawn in ")) << "the bar makes way for the sum";
     EXPECT_THAT(text, Not(HasSubstr("frame 2 (2 of 8)"))) << "no lines beside the bar";
+    EXPECT_THAT(text, StartsWith("umbrant: 8 frames of 1200 x 1200, --canvas 0,0,1200,1200\r\n"));
+}
+
+TEST_F(CliSequenceProgress, TheBarMakesWayForPathsOnTheSameTerminal) {
+    WriteLayer(folder_ / "large.png", 1200, 1200, {255, 200, 100, 50});
+    Running run(folder_, Arguments("large.png", "bar.##.png", {"--frames", "1-8", "--threads", "1"}), true, true);
+    const std::string text = run.Terminal();
+    EXPECT_EQ(run.Wait(), 0);
+    ASSERT_THAT(text, HasSubstr("\r[")) << "there is a bar";
+    for (int frame = 1; frame <= 8; ++frame) {
+        const std::string path = "bar.0" + std::to_string(frame) + ".png\r\n";
+        const std::size_t at = text.find(path);
+        ASSERT_NE(at, std::string::npos) << path;
+        const std::string before = text.substr(0, at);
+        EXPECT_TRUE(before.empty() || before.ends_with("\n") || before.ends_with("\r\x1b[K")) << path;
+    }
+}
+
+TEST_F(CliSequenceProgress, TheLineOfASinglePictureMakesWayForItsPath) {
+    WriteLayer(folder_ / "large.png", 1200, 1200, {255, 200, 100, 50});
+    Running run(folder_, Arguments("large.png", "one.png", {"--progress", "0.01", "--verbose"}), true, true);
+    const std::string text = run.Terminal();
+    EXPECT_EQ(run.Wait(), 0);
+    ASSERT_THAT(text, HasSubstr("\rumbrant: ")) << "there is a line";
+    for (const char* line : {"one.png\r\n", "result rectangle: "}) {
+        const std::size_t at = text.find(line);
+        ASSERT_NE(at, std::string::npos) << line;
+        const std::string before = text.substr(0, at);
+        EXPECT_TRUE(before.ends_with("\n") || before.ends_with("\r\x1b[K")) << line;
+    }
+}
+
+TEST_F(CliSequenceProgress, AStepIsNamedByWhatIsBeingDone) {
+    WriteLayer(folder_ / "large.png", 1500, 1500, {255, 200, 100, 50});
+    const Outcome outcome = Render({"--frames", "1-3", "--threads", "1", "--progress", "0.01"}, "large.png");
+    EXPECT_THAT(outcome.err, testing::ContainsRegex("umbrant: frame [123]: writing, for [0-9.]+ s now\n"));
+    EXPECT_THAT(outcome.err, Not(HasSubstr("it is ")));
 }
 
 }  // namespace

@@ -32,8 +32,8 @@ TEST(CliUsage, EveryCommandHasHelpWithExamples) {
         std::vector<const char*> texts;
     } cases[] = {
         {"render",
-         {"INPUT", "--output", "--set", "--texture", "--depth", "--downsample", "--canvas", "--collapsed", "--time",
-          "--module", "--verbose", "umbrant render title.png -o shadow.png"}},
+         {"INPUT", "--output", "--set", "--texture", "--depth", "--downsample", "--canvas", "--mkdir", "--collapsed",
+          "--time", "--module", "--verbose", "umbrant render title.png -o shadow.png"}},
         {"params", {"--json", "--module", "umbrant params --json"}},
         {"info", {"--json", "--module", "umbrant info"}},
         {"compare",
@@ -86,7 +86,7 @@ TEST(CliUsage, WrongUsageIsCodeTwoAndNamesTheRightOne) {
          "--depth: the effect renders in 8 or 32 bits; --output-depth 16 stores the file so"},
         {"a canvas that is none",
          {"render", "in.png", "-o", "out.png", "--canvas", "wide"},
-         "--canvas: wide not in {grow,layer}"},
+         "--canvas: 'wide' is neither grow, frame, layer nor a rectangle LEFT,TOP,RIGHT,BOTTOM"},
         {"a downsample of 0",
          {"render", "in.png", "-o", "out.png", "--downsample", "0"},
          "--downsample: Value 0 not in range"},

@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/sequence/sequence_canvas.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "host/compositing/rectangles.h"
+#include "host/compositing/resample.h"
+#include "host/session/echo_text.h"
+#include "hostapi/limits.h"
+
+namespace {
+
+/// Beyond it no image could meet a layer. Times the largest downsampling it is far from the end of 32 bits.
+constexpr int kFarthest = 1'000'000;
+
+std::optional<PF_LRect> RectangleOf(std::string_view text) {
+    std::array<A_long, 4> sides{};
+    for (std::size_t i = 0; i < sides.size(); ++i) {
+        const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), sides[i]);
+        if (error != std::errc() || sides[i] < -kFarthest || sides[i] > kFarthest) return std::nullopt;
+        text.remove_prefix(static_cast<std::size_t>(stop - text.data()));
+        if (i + 1 == sides.size() ? !text.empty() : !text.starts_with(',')) return std::nullopt;
+        if (i + 1 < sides.size()) text.remove_prefix(1);
+    }
+    return PF_LRect{sides[0], sides[1], sides[2], sides[3]};
+}
+
+A_long FloorDivided(A_long value, A_long n) {
+    return value / n - (value % n < 0 ? 1 : 0);
+}
+
+void Unite(std::optional<PF_LRect>& all, const PF_LRect& one) {
+    if (!all) {
+        all = one;
+        return;
+    }
+    *all = {std::min(all->left, one.left), std::min(all->top, one.top), std::max(all->right, one.right),
+            std::max(all->bottom, one.bottom)};
+}
+
+/// The full size of an image.
+struct ImageSize {
+    int width = 0;
+    int height = 0;
+    auto operator<=>(const ImageSize&) const = default;
+};
+
+/// Where the layers of a set come from, as sizes: the header of a file is read, never its pixels.
+class LayerSizes {
+ public:
+    LayerSizes(const FrameSource& source, const Layer* known) : source_(source) {
+        if (known) known_ = {known->width, known->height};
+    }
+
+    /// The size at a frame: that of the file which shows then, or where it cannot be read of the one before it.
+    ImageSize At(int frame) {
+        // A still image, and every frame of a clip, has the size of the one that was read.
+        if (!source_.pattern || source_.onDisk.empty()) return known_;
+        const std::string path = source_.ShownAt(frame);
+        if (path == path_) return size_;
+        path_ = path;
+        if (const auto header = ReadPictureHeader(path)) {
+            size_ = {header->frameWidth, header->frameHeight};
+        } else if (size_ == ImageSize{}) {
+            size_ = known_;
+        }
+        return size_;
+    }
+
+ private:
+    const FrameSource& source_;
+    ImageSize known_{};
+    std::string path_;
+    ImageSize size_{};
+};
+
+/// The sizes of a frame's layers; the texture's is 0 x 0 without one.
+struct FrameSizes {
+    ImageSize input{};
+    ImageSize texture{};
+    auto operator<=>(const FrameSizes&) const = default;
+};
+
+/// Layers of any size and without content, since pre-render sees no pixels.
+class BlankLayers {
+ public:
+    BlankLayers(const FramePlan& plan, const FrameLayers& known, int downsample)
+        : hasTexture_(known.texture != nullptr),
+          depth_(known.input->pixels.PixelDepth()),
+          downsample_(downsample),
+          inputs_(plan.input, known.input.get()),
+          textures_(plan.texture, known.texture.get()) {}
+
+    FrameSizes SizesAt(int frame) { return {inputs_.At(frame), hasTexture_ ? textures_.At(frame) : ImageSize{}}; }
+
+    /// Without a layer when there is no memory for it.
+    FrameLayers Of(const FrameSizes& sizes) {
+        if (!layers_.input || sizes.input != made_.input) layers_.input = Blank(sizes.input);
+        if (hasTexture_ && (!layers_.texture || sizes.texture != made_.texture)) {
+            layers_.texture = Blank(sizes.texture);
+        }
+        made_ = sizes;
+        return hasTexture_ && !layers_.texture ? FrameLayers{} : layers_;
+    }
+
+ private:
+    std::shared_ptr<const Layer> Blank(const ImageSize& size) const {
+        auto layer = std::make_shared<Layer>();
+        layer->width = size.width;
+        layer->height = size.height;
+        layer->pixels = World::CreateUnwritten(DownsampledSize(size.width, downsample_),
+                                               DownsampledSize(size.height, downsample_), depth_);
+        return layer->pixels.IsNull() ? nullptr : layer;
+    }
+
+    const bool hasTexture_;
+    const Depth depth_;
+    const int downsample_;
+    LayerSizes inputs_;
+    LayerSizes textures_;
+    FrameSizes made_{};
+    FrameLayers layers_;
+};
+
+/// What a frame's image covers when it has a rectangle of its own: the two questions that EffectSession::Render asks.
+std::optional<PF_LRect> OwnRectangle(FrameRequest request, EffectSession& session) {
+    const auto all = session.PreRender(request);
+    if (!all) return std::nullopt;
+    request.region = all->maxRect;
+    const auto drawn = session.PreRender(request);
+    if (!drawn) return std::nullopt;
+    // Where nothing is drawn the image is the layer's frame, transparent.
+    if (IsEmpty(drawn->resultRect)) return PF_LRect{0, 0, request.layer->Width(), request.layer->Height()};
+    return drawn->resultRect;
+}
+
+}  // namespace
+
+Result<CanvasChoice> ParseCanvas(const std::string& text) {
+    if (text == "grow") return CanvasChoice{CanvasChoice::Kind::kGrow};
+    if (text == "frame") return CanvasChoice{CanvasChoice::Kind::kFrame};
+    if (text == "layer") return CanvasChoice{CanvasChoice::Kind::kLayer};
+    const auto rectangle = RectangleOf(text);
+    if (!rectangle) {
+        return Failure{ExitCode::kUsage,
+                       fmt::format("'{}' is neither grow, frame, layer nor a rectangle LEFT,TOP,RIGHT,BOTTOM of whole "
+                                   "numbers from -{} to {}",
+                                   EchoText(text), kFarthest, kFarthest)};
+    }
+    if (IsEmpty(*rectangle)) {
+        return Failure{ExitCode::kUsage,
+                       fmt::format("'{}' covers nothing; LEFT must be less than RIGHT and TOP less than BOTTOM", text)};
+    }
+    return CanvasChoice{CanvasChoice::Kind::kRectangle, *rectangle};
+}
+
+std::string CanvasText(const PF_LRect& rectangle) {
+    return fmt::format("{},{},{},{}", rectangle.left, rectangle.top, rectangle.right, rectangle.bottom);
+}
+
+PF_LRect DrawnCanvas(const PF_LRect& rectangle, int downsample) {
+    return {FloorDivided(rectangle.left, downsample), FloorDivided(rectangle.top, downsample),
+            FloorDivided(rectangle.right + downsample - 1, downsample),
+            FloorDivided(rectangle.bottom + downsample - 1, downsample)};
+}
+
+PF_LRect FullSizeCanvas(const PF_LRect& drawn, int downsample) {
+    return {drawn.left * downsample, drawn.top * downsample, drawn.right * downsample, drawn.bottom * downsample};
+}
+
+Result<Done> CheckCanvas(const PF_LRect& drawn, int downsample) {
+    const std::int64_t width = std::int64_t{drawn.right} - drawn.left;
+    const std::int64_t height = std::int64_t{drawn.bottom} - drawn.top;
+    if (width <= PF_MAX_WORLD_WIDTH && height <= PF_MAX_WORLD_HEIGHT) return Done{};
+    return Failure{
+        ExitCode::kUsage,
+        fmt::format("--canvas {} has {} x {} pixels, where no side may be longer than {}; give --canvas a smaller "
+                    "rectangle, or draw at a lower resolution with --downsample",
+                    CanvasText(FullSizeCanvas(drawn, downsample)), width, height, PF_MAX_WORLD_WIDTH)};
+}
+
+PF_LRect SetCanvas(const FrameJob& job, const FrameLayers& known, EffectSession& session) {
+    const FramePlan& plan = *job.plan;
+    BlankLayers own(plan, known, job.downsample);
+    BlankLayers other(plan, known, job.downsample);
+    std::vector<std::pair<const SetFrame*, FrameSizes>> frames;
+    bool changes = job.values != nullptr;
+    for (const SetFrame& each : plan.wholeSet) {
+        const int begun = each.number.Begun();
+        if (plan.leavesOutMissing && !(plan.input.Has(begun) && plan.texture.Has(begun))) continue;
+        frames.emplace_back(&each, own.SizesAt(begun));
+        changes = changes || frames.back().second != frames.front().second;
+    }
+    if (!changes && !frames.empty()) frames.resize(1);
+
+    std::optional<PF_LRect> all;
+    for (const auto& [each, sizes] : frames) {
+        const FrameLayers layers = own.Of(sizes);
+        if (!layers.input) continue;
+        PlannedFrame frame;
+        frame.number = each->number;
+        frame.time = each->time;
+        std::optional<ParamSet> values;
+        if (job.values) values = job.values(each->number.Value(), session.Params());
+        FrameRequest request = RequestFor(job, frame, layers, values ? &*values : nullptr);
+        // An effect may look at other times, and what it sees there may decide what it covers.
+        std::vector<FrameLayers> lent;
+        request.layersAt = [&](const Moment& moment) -> Result<MomentLayers> {
+            const FrameLayers there = other.Of(other.SizesAt(FrameShownAt(plan, moment)));
+            if (!there.input) return Failure{ExitCode::kInternal, "there is not enough memory for the layer"};
+            lent.push_back(there);
+            return MomentLayers{&there.input->pixels, there.input->width, there.input->height,
+                                there.texture ? &there.texture->pixels : nullptr};
+        };
+        if (job.values) {
+            request.valuesAt = [&](const Moment& moment) {
+                return job.values(FrameAt(plan, moment), session.Params());
+            };
+        }
+        if (const auto rectangle = OwnRectangle(std::move(request), session)) Unite(all, *rectangle);
+    }
+    const World& layer = known.input->pixels;
+    return all.value_or(PF_LRect{0, 0, layer.Width(), layer.Height()});
+}
