@@ -203,8 +203,6 @@ PF_LRect SetCanvas(const FrameJob& job, const FrameLayers& known, EffectSession&
         frames.emplace_back(&each, own.SizesAt(begun));
         changes = changes || frames.back().second != frames.front().second;
     }
-    if (!changes && !frames.empty()) frames.resize(1);
-
     std::optional<PF_LRect> all;
     for (const auto& [each, sizes] : frames) {
         const FrameLayers layers = own.Of(sizes);
@@ -217,7 +215,9 @@ PF_LRect SetCanvas(const FrameJob& job, const FrameLayers& known, EffectSession&
         FrameRequest request = RequestFor(job, frame, layers, values ? &*values : nullptr);
         // An effect may look at other times, and what it sees there may decide what it covers.
         std::vector<FrameLayers> lent;
+        bool looksAway = false;
         request.layersAt = [&](const Moment& moment) -> Result<MomentLayers> {
+            looksAway = true;
             const FrameLayers there = other.Of(other.SizesAt(FrameShownAt(plan, moment)));
             if (!there.input) return Failure{ExitCode::kInternal, "there is not enough memory for the layer"};
             lent.push_back(there);
@@ -230,6 +230,8 @@ PF_LRect SetCanvas(const FrameJob& job, const FrameLayers& known, EffectSession&
             };
         }
         if (const auto rectangle = OwnRectangle(std::move(request), session)) Unite(all, *rectangle);
+        // All frames are like the first, unless what is seen at other times differs.
+        if (!changes && !looksAway) break;
     }
     const World& layer = known.input->pixels;
     return all.value_or(PF_LRect{0, 0, layer.Width(), layer.Height()});

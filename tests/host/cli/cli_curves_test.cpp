@@ -153,7 +153,7 @@ TEST_F(CliCurves, RenderMovesFromFrameToFrame) {
     const std::vector<std::string> render = {"render",   "in.png",      "--module", TestModule("painter"),
                                              "--preset", "moving.json", "-o"};
     auto sequence = render;
-    sequence.insert(sequence.end(), {"out.#.png", "--frames", "1-5"});
+    sequence.insert(sequence.end(), {"out.#.png", "--frames", "1-5", "--canvas", "frame"});
     const Outcome outcome = RunUmbrant(folder_, sequence);
     ASSERT_EQ(outcome.code, 0) << outcome.err;
     for (int frame = 1; frame <= 5; ++frame) {

@@ -123,7 +123,7 @@ TEST_F(CliOtherTimes, RatesOfBroadcastingMissNoFrame) {
 TEST_F(CliOtherTimes, DepthAndSizeAreFitted) {
     WriteLayer(folder_ / "in.4.png", 9, 7, {255, 40, 0, 0});
     WriteFile(folder_ / "in.5.png", OIIO::ImageSpec(5, 3, 4, OIIO::TypeDesc::UINT16), {0.25f, 0, 0, 1});
-    ASSERT_EQ(Look(1, {"--frames", "3-4"}).code, 0);
+    ASSERT_EQ(Look(1, {"--frames", "3-4", "--canvas", "frame"}).code, 0);
     EXPECT_EQ(Read(folder_ / "out.03.png").pixels.Width(), 9) << "as large as the layer that it looks at";
     EXPECT_EQ(Centre("out.03.png").red, 40);
     EXPECT_EQ(Read(folder_ / "out.04.png").bits, 8) << "in the depth of the frame";

@@ -68,8 +68,10 @@ TEST_F(CliReport, IsJsonAlone) {
 TEST_F(CliReport, CommandsAreInTheOrderOfTime) {
     const Outcome outcome = Paint({"--json"});
     ASSERT_EQ(outcome.code, 0) << outcome.err;
+    const json report = json::parse(outcome.out);
     std::vector<std::string> names;
-    for (const json& command : json::parse(outcome.out)["commands"]) names.push_back(command["name"]);
+    for (const json& command : report["commands"]) names.push_back(command["name"]);
+    ASSERT_FALSE(names.empty());
     const auto at = [&](const char* name) {
         const auto found = std::find(names.begin(), names.end(), name);
         EXPECT_NE(found, names.end()) << name;
