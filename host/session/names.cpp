@@ -71,7 +71,7 @@ std::vector<std::string> Nearest(std::string_view typed, const std::vector<std::
         const std::string_view beginning = std::string_view(candidate).substr(0, typed.size());
         return candidate.find(typed) != std::string::npos || EditDistance(typed, beginning) <= most / 2;
     };
-    std::erase_if(sorted, [&](const std::string& candidate) { return !isNear(candidate); });
+    std::erase_if(sorted, [&](const auto& each) { return !isNear(each.second); });
     // Next to a name that is nearly right, one that is far off would only distract.
     constexpr int kSlack = 2;
     std::vector<std::string> nearest;

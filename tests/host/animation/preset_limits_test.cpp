@@ -83,8 +83,9 @@ TEST_F(PresetLimits, LongValuesAreEchoedInPart) {
         {"a value", R"({"version": 1, "values": {"size": ")" + longText + "\"}}",
          "'size' takes a number from 0 to 100, not '" + shown + "'"},
         {"an item", R"({"version": 1, "values": {"mode": ")" + longText + "\"}}",
-         "has no item '" + shown + "'; nearest"},
-        {"a row", "{\"version\": 1, \"values\": {\"" + longText + "\": 1}}", "no parameter '" + shown + "'; nearest"},
+         "has no item '" + shown + "'; the items are: soft, "},
+        {"a row", "{\"version\": 1, \"values\": {\"" + longText + "\": 1}}",
+         "no parameter '" + shown + "' nor a similar one"},
         {"an index", "{\"version\": 1, \"values\": {\"#" + longText + "\": 1}}",
          "no parameter '#" + std::string(199, 'x') + "...'; the effect has"},
         {"a key", "{\"version\": 1, \"values\": {}, \"" + longText + "\": 1}", "no key '" + shown + "' in a preset"},
@@ -105,7 +106,7 @@ TEST_F(PresetLimits, LongValuesAreEchoedInPart) {
                  return text;
              }() +
              "\": 1}}",
-         "\u00fc...'; nearest"},
+         "\u00fc...' nor a similar one"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -125,7 +126,7 @@ TEST_F(PresetLimits, LongValuesAreEchoedInPart) {
 TEST_F(PresetLimits, ControlCharactersAreEchoedAsEscapes) {
     const auto applied = Apply(R"({"version": 1, "values": {"a\u0000b\nc": 1, "size": "1\u00002\u001b"}})");
     ASSERT_FALSE(applied);
-    EXPECT_THAT(applied.Error().sentence, HasSubstr("there is no parameter 'a\\u0000b\\nc'; nearest: "));
+    EXPECT_THAT(applied.Error().sentence, HasSubstr("there is no parameter 'a\\u0000b\\nc' nor a similar one; "));
     EXPECT_THAT(applied.Error().sentence, EndsWith("'size' takes a number from 0 to 100, not '1\\u00002\\u001b'"));
     EXPECT_EQ(applied.Error().sentence.find('\0'), std::string::npos);
 }
