@@ -23,6 +23,7 @@
 #include <utility>
 
 #include "host/compositing/copy_world.h"
+#include "host/compositing/memory_shortage.h"
 #include "host/isolation/module_messages.h"
 #include "host/panel/panel_picture.h"
 #include "host/process/channel.h"
@@ -77,7 +78,7 @@ class ModuleServer {
             try {
                 answer = Serve(message.content);
             } catch (const std::bad_alloc&) {
-                answer = Refused({ExitCode::kInternal, "there is not enough memory for the module's process"});
+                answer = Refused(NotEnoughMemory("the module's process"));
             } catch (const std::exception& problem) {
                 answer = Refused({ExitCode::kInternal, std::string("the module's process failed: ") + problem.what()});
             }
@@ -195,8 +196,7 @@ class ModuleServer {
     };
 
     void Fill(Asked& asked, const json& message) {
-        if (message.contains("renderer"))
-            setenv(kRendererVariable, message.at("renderer").get<std::string>().c_str(), 1);
+        session_->SetRenderer(message.at("renderer").get<UMBRANT_Renderer>());
         asked.request = RequestOf(message.at("request"));
         asked.request.layer = WorldFrom(message.at("layer"), asked.worlds);
         if (message.contains("texture")) asked.request.texture = WorldFrom(message.at("texture"), asked.worlds);
@@ -278,7 +278,7 @@ class ModuleServer {
         const World& pixels = picture->pixels;
         World shared = MakeOutput(pixels.Width(), pixels.Height(), pixels.PixelDepth());
         if (shared.IsNull()) {
-            return Refused({ExitCode::kInternal, "there is not enough memory for a picture of the panel"});
+            return Refused(NotEnoughMemory("a picture of the panel", pixels.Width(), pixels.Height(), Depth::k8));
         }
         CopyWorld(&pixels.Def(), &shared.Def(), nullptr, nullptr);
         return WithRecords({{"output", BytesOf(FactsOf(shared, outputBlock_))}});

@@ -64,6 +64,3 @@ struct WorldFacts {
 WorldFacts FactsOf(const World& world, std::uint64_t block);
 /// Whether such a world can be: sizes that a world may have, and one of the three depths.
 bool IsUsable(const WorldFacts& facts);
-
-/// By which variable an effect is asked to draw with OpenGL or the processor.
-inline constexpr char kRendererVariable[] = "UMBRANT_RENDERER";

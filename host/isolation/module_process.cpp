@@ -5,8 +5,8 @@
 
 #include <fmt/format.h>
 
+#include <atomic>
 #include <chrono>
-#include <cstdlib>
 #include <mutex>
 #include <new>
 #include <set>
@@ -74,6 +74,7 @@ class Proxy final : public ModuleProcess {
         if (options) same.session = *options;
         auto another = std::make_unique<Proxy>(std::move(same));
         if (auto begun = another->Begin(); !begun) return begun.Error();
+        another->renderer_ = renderer_.load();
         if (another->params_.Count() == params_.Count()) another->params_ = params_;
         return std::unique_ptr<RemoteSession>(std::move(another));
     }
@@ -108,6 +109,8 @@ class Proxy final : public ModuleProcess {
         (void)Do({{"do", "twirl"}, {"row", index}, {"collapsed", collapsed}});
         return panel_.SetCollapsed(index, collapsed);
     }
+
+    void SetRenderer(UMBRANT_Renderer renderer) override { renderer_ = renderer; }
 
     Result<PreRendered> PreRender(const FrameRequest& request) override {
         const auto answer = DoFrame("pre-render", request);
@@ -321,8 +324,7 @@ class Proxy final : public ModuleProcess {
                           {"frameValues", ValuesJson(request.params ? *request.params : params_)},
                           {"asksValues", request.valuesAt != nullptr},
                           {"asksLayers", request.layersAt != nullptr}};
-        const char* renderer = std::getenv(kRendererVariable);
-        if (renderer) parcel.content["renderer"] = renderer;
+        parcel.content["renderer"] = renderer_.load();
         if (auto filled = FillLayers(request.layer, request.texture, parcel); !filled) return filled.Error();
         auto answer = Exchange(std::move(parcel), &request);
         if (!answer) return answer;
@@ -365,6 +367,7 @@ class Proxy final : public ModuleProcess {
     }
 
     ModuleProcessOptions options_;
+    std::atomic<UMBRANT_Renderer> renderer_{UMBRANT_Renderer_ANY};
     std::unique_ptr<ChildProgram> child_;  ///< null when it has ended
     PixelBlocks blocks_;
     std::shared_ptr<SharedMemory> output_;

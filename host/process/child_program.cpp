@@ -8,6 +8,7 @@
 #include <poll.h>
 #include <pthread.h>
 #include <spawn.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -17,6 +18,8 @@
 #include <cstring>
 #include <system_error>
 #include <thread>
+
+#include "host/compositing/start_threads.h"
 
 extern char** environ;
 
@@ -140,7 +143,7 @@ ProcessEnd ChildProgram::Reap() {
 }
 
 void EndWithParent(int socket, void (*each)()) {
-    std::thread([socket, each] {
+    auto watch = StartThread([socket, each] {
         // What the effect's thread is to be sent stays with that thread.
         sigset_t everything;
         sigfillset(&everything);
@@ -152,5 +155,11 @@ void EndWithParent(int socket, void (*each)()) {
         }
         if (getpgrp() == getpid()) kill(0, SIGKILL);
         _exit(1);
-    }).detach();
+    });
+    // Without a thread the system is asked; what the child started then stays.
+    if (watch) {
+        watch->detach();
+    } else {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+    }
 }

@@ -246,6 +246,7 @@ bool EffectSession::SetTwirl(int index, bool collapsed) {
 }
 
 void EffectSession::SetRenderer(UMBRANT_Renderer renderer) {
+    if (remote_) return remote_->SetRenderer(renderer);
     state_->services.renderer = renderer;
 }
 

@@ -31,6 +31,7 @@ class RemoteSession {
     virtual Result<Done> UpdateParamsUI() = 0;
     virtual Result<Done> UserChangedParam(int index) = 0;
     virtual bool SetTwirl(int index, bool collapsed) = 0;
+    virtual void SetRenderer(UMBRANT_Renderer renderer) = 0;
     virtual Result<PreRendered> PreRender(const FrameRequest& request) = 0;
     virtual Result<Frame> Render(const FrameRequest& request) = 0;
     /// The panel's pixels, the rows that the effect draws itself included.
