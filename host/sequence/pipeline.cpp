@@ -3,6 +3,8 @@
 
 #include "host/sequence/pipeline.h"
 
+#include <pthread.h>
+
 #include <algorithm>
 #include <array>
 #include <condition_variable>
@@ -14,6 +16,7 @@
 #include <thread>
 #include <vector>
 
+#include "host/compositing/memory_shortage.h"
 #include "host/compositing/start_threads.h"
 
 namespace {
@@ -131,6 +134,16 @@ class Pipeline {
     std::exception_ptr failure_;
 };
 
+/// What a thread's stack takes.
+std::uint64_t StackBytes() {
+    pthread_attr_t attributes;
+    std::size_t bytes = 0;
+    pthread_attr_init(&attributes);
+    pthread_attr_getstacksize(&attributes, &bytes);
+    pthread_attr_destroy(&attributes);
+    return bytes;
+}
+
 /// What one thread does: its steps, and its number in each of them.
 struct Duty {
     std::vector<std::size_t> steps;
@@ -169,6 +182,8 @@ Result<Done> RunPipeline(std::size_t count, const PipelineShape& shape, const Pi
         pipeline.Work(duty.steps, duty.thread);
     });
     if (threads.empty()) {
+        // The stack of a thread counts against a limit of the address space.
+        if (!CanHaveMemory(StackBytes())) return NotEnoughMemory("the stack of a thread", StackBytes());
         return Failure{ExitCode::kInternal,
                        "cannot start a thread to draw frames; raise the limit of processes (`ulimit -u`), or the "
                        "container's limit of tasks or memory"};

@@ -21,6 +21,9 @@ constexpr char kShortage[] =
     "of "
     "tasks and memory, allow more)\n";
 
+/// OpenGL's drivers have threads and memory of their own.
+constexpr char kNoDriver[] = "__EGL_VENDOR_LIBRARY_FILENAMES=/nonexistent";
+
 class CliLimits : public CliSequence {
  protected:
     CliLimits() { fs::permissions(folder_.Path(), fs::perms::all); }
@@ -32,8 +35,8 @@ class CliLimits : public CliSequence {
     /// start before the program begins, and the one that waits for signals; root has no such limit.
     Before WithThreads(int count) const { return WithTasks(ofLibraries_ + 1 + count); }
     static Before WithTasks(int count) {
-        return {"setpriv", "--reuid=" + std::to_string(200'000'000 + getpid()), "--clear-groups", "prlimit",
-                "--nproc=" + std::to_string(count) + ":" + std::to_string(count)};
+        return {kNoDriver,        "setpriv", "--reuid=" + std::to_string(200'000'000 + getpid()),
+                "--clear-groups", "prlimit", "--nproc=" + std::to_string(count) + ":" + std::to_string(count)};
     }
     /// Why such a run is not possible here, or nothing.
     std::string WhyNoOtherUser() {
@@ -80,7 +83,7 @@ TEST_F(CliLimits, ASequenceIsDrawnWithTheThreadsThatCanBeHad) {
         for (int frame = 1; frame <= 6; ++frame) {
             const std::string number = std::to_string(frame) + ".png";
             EXPECT_TRUE(Exists(name + number));
-            EXPECT_EQ(ReadBytes(folder_ / (name + number)), ReadBytes(folder_ / ("all." + number)));
+            EXPECT_TRUE(ReadBytes(folder_ / (name + number)) == ReadBytes(folder_ / ("all." + number))) << number;
         }
     }
 }
@@ -148,7 +151,7 @@ class CliMemory : public CliLimits {
     }
     static Before WithMiB(int count) {
         const std::string bytes = std::to_string(static_cast<long long>(count) << 20);
-        return {"prlimit", "--as=" + bytes + ":" + bytes};
+        return {kNoDriver, "prlimit", "--as=" + bytes + ":" + bytes};
     }
     /// The least address space, in steps of 16 MiB, in which a small picture is drawn.
     int LeastForSmall() const {
@@ -187,8 +190,8 @@ TEST_F(CliMemory, ASequenceHasIt) {
         const Outcome outcome = Run(Own("large.@.tif", "out.@.png", {"--quiet"}), WithMiB(least + more));
         ExpectDoneOrNoMemory(outcome);
     }
-    // Where frames are drawn one at a time for want of room, they are all drawn.
-    const Outcome verbose = Run(Own("large.@.tif", "out.@.png", {"--verbose"}), WithMiB(least + 1000));
+    // With room for one frame at a time, beside what threads reserve, all are drawn.
+    const Outcome verbose = Run(Own("large.@.tif", "out.@.png", {"--verbose"}), WithMiB(least + 3000));
     EXPECT_EQ(verbose.code, 0) << verbose.err;
     EXPECT_THAT(verbose.err, MatchesRegex("(.|\n)*at most [1-4] frames under way(.|\n)*"));
 }
