@@ -197,7 +197,7 @@ class SequenceRender {
                 job_.picture = DrawnCanvas(canvas_.rectangle, options_.downsample);
                 break;
             case CanvasChoice::Kind::kGrow: {
-                PF_LRect all = SetCanvas(job_, first.layers, effect.Session());
+                PF_LRect all = SetCanvas(job_, first.layers, effect.Session(), options_.read);
                 if (clips_.Writes()) {
                     all = {std::min(all.left, layer.left), std::min(all.top, layer.top),
                            std::max(all.right, layer.right), std::max(all.bottom, layer.bottom)};

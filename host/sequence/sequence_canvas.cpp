@@ -60,7 +60,7 @@ struct ImageSize {
 /// Where the layers of a set come from, as sizes: the header of a file is read, never its pixels.
 class LayerSizes {
  public:
-    LayerSizes(const FrameSource& source, const Layer* known) : source_(source) {
+    LayerSizes(const FrameSource& source, const Layer* known, const ReadOptions& read) : source_(source), read_(read) {
         if (known) known_ = {known->width, known->height};
     }
 
@@ -71,7 +71,7 @@ class LayerSizes {
         const std::string path = source_.ShownAt(frame);
         if (path == path_) return size_;
         path_ = path;
-        if (const auto header = ReadPictureHeader(path)) {
+        if (const auto header = ReadPictureHeader(path, read_)) {
             size_ = {header->frameWidth, header->frameHeight};
         } else if (size_ == ImageSize{}) {
             size_ = known_;
@@ -81,6 +81,7 @@ class LayerSizes {
 
  private:
     const FrameSource& source_;
+    const ReadOptions read_;
     ImageSize known_{};
     std::string path_;
     ImageSize size_{};
@@ -96,12 +97,12 @@ struct FrameSizes {
 /// Layers of any size and without content, since pre-render sees no pixels.
 class BlankLayers {
  public:
-    BlankLayers(const FramePlan& plan, const FrameLayers& known, int downsample)
+    BlankLayers(const FramePlan& plan, const FrameLayers& known, int downsample, const ReadOptions& read)
         : hasTexture_(known.texture != nullptr),
           depth_(known.input->pixels.PixelDepth()),
           downsample_(downsample),
-          inputs_(plan.input, known.input.get()),
-          textures_(plan.texture, known.texture.get()) {}
+          inputs_(plan.input, known.input.get(), read),
+          textures_(plan.texture, known.texture.get(), {}) {}
 
     FrameSizes SizesAt(int frame) { return {inputs_.At(frame), hasTexture_ ? textures_.At(frame) : ImageSize{}}; }
 
@@ -191,10 +192,10 @@ Result<Done> CheckCanvas(const PF_LRect& drawn, int downsample) {
                     CanvasText(FullSizeCanvas(drawn, downsample)), width, height, PF_MAX_WORLD_WIDTH)};
 }
 
-PF_LRect SetCanvas(const FrameJob& job, const FrameLayers& known, EffectSession& session) {
+PF_LRect SetCanvas(const FrameJob& job, const FrameLayers& known, EffectSession& session, const ReadOptions& read) {
     const FramePlan& plan = *job.plan;
-    BlankLayers own(plan, known, job.downsample);
-    BlankLayers other(plan, known, job.downsample);
+    BlankLayers own(plan, known, job.downsample, read);
+    BlankLayers other(plan, known, job.downsample, read);
     std::vector<std::pair<const SetFrame*, FrameSizes>> frames;
     bool changes = job.values != nullptr;
     for (const SetFrame& each : plan.wholeSet) {

@@ -41,5 +41,5 @@ Result<Done> CheckCanvas(const PF_LRect& drawn, int downsample);
 /// The effect is asked with pre-render alone: about every frame, or about one where neither values nor the sizes of
 /// layers change. A frame for which it fails is left out; it fails again when it is drawn. `known` has the layers of
 /// one frame of the set: their depth is that of all, and their size where no file can be read. `session` is used for
-/// every frame.
-PF_LRect SetCanvas(const FrameJob& job, const FrameLayers& known, EffectSession& session);
+/// every frame. `read` chooses the image of the input's files, as for the reader of the layers.
+PF_LRect SetCanvas(const FrameJob& job, const FrameLayers& known, EffectSession& session, const ReadOptions& read = {});

@@ -5,6 +5,8 @@
 
 #include "host/sequence/sequence_canvas.h"
 
+#include <OpenImageIO/imageio.h>
+
 #include <algorithm>
 
 #include "tests/host/image/picture_files.h"
@@ -108,7 +110,7 @@ class SetCanvasTest : public SessionTest {
             return values;
         };
     }
-    std::vector<int> Find() {
+    std::vector<int> Find(const ReadOptions& read = {}) {
         auto planned = PlanFrames(request);
         EXPECT_TRUE(planned) << planned.Error().sentence;
         if (!planned) return {};
@@ -118,7 +120,7 @@ class SetCanvasTest : public SessionTest {
         EXPECT_TRUE(layers) << layers.Error().sentence;
         if (!layers) return {};
         commands.clear();
-        return Sides(SetCanvas(job, *layers, *session));
+        return Sides(SetCanvas(job, *layers, *session, read));
     }
 
     const Folder folder;
@@ -157,6 +159,28 @@ TEST_F(SetCanvasTest, SizesAreThoseOfTheFiles) {
     EXPECT_EQ(commands.size(), 2u * 6);
     job.downsample = 2;
     EXPECT_THAT(Find(), ElementsAre(0, 0, 3, 5));
+}
+
+TEST_F(SetCanvasTest, SizesAreThoseOfTheChosenPart) {
+    // In frame 5 the second part is the larger one.
+    OIIO::ImageSpec parts[] = {{6, 4, 4, OIIO::TypeDesc::HALF}, {3, 9, 4, OIIO::TypeDesc::HALF}};
+    parts[0].attribute("oiio:subimagename", "small");
+    parts[1].attribute("oiio:subimagename", "tall");
+    const std::vector<float> pixels(6 * 9 * 4, 0.5f);
+    for (int frame = 1; frame <= 6; ++frame) {
+        const std::string file = (folder / ("in." + std::to_string(frame) + ".exr")).string();
+        const auto output = OIIO::ImageOutput::create(file);
+        ASSERT_TRUE(output->open(file, 2, parts)) << output->geterror();
+        ASSERT_TRUE(output->write_image(OIIO::TypeDesc::FLOAT, pixels.data()));
+        ASSERT_TRUE(output->open(file, parts[1], OIIO::ImageOutput::AppendSubimage));
+        ASSERT_TRUE(output->write_image(OIIO::TypeDesc::FLOAT, pixels.data()));
+        ASSERT_TRUE(output->close());
+        std::filesystem::remove(folder / ("in." + std::to_string(frame) + ".png"));
+    }
+    request.input = (folder / "in.@.exr").string();
+    EXPECT_THAT(Find(), ElementsAre(0, 0, 6, 4));
+    // The layer that was read first is that of the first part here; every file of the set counts.
+    EXPECT_THAT(Find({"", "tall"}), ElementsAre(0, 0, 3, 9));
 }
 
 TEST_F(SetCanvasTest, AFrameWithoutAFileHasTheSizeOfTheOneBefore) {
