@@ -218,7 +218,7 @@ TEST_F(DispatchTest, PreRenderRunsWhileAFrameRenders) {
     insideTheCommand = [] { return PF_Err{9}; };
     globalMutex.lock();  // a frame on this thread
     auto preRender = std::async(std::launch::async, [&] { return PreRenderCommand(); });
-    const bool finished = preRender.wait_for(std::chrono::seconds(20)) == std::future_status::ready;
+    const bool finished = preRender.wait_for(std::chrono::seconds(600)) == std::future_status::ready;
     globalMutex.unlock();
     EXPECT_TRUE(finished);
     EXPECT_EQ(preRender.get(), 9);

@@ -30,7 +30,7 @@ inline int Run(int threads, const std::function<bool()>& work) {
     std::fflush(nullptr);
     const pid_t child = fork();
     if (child == 0) {
-        alarm(60);
+        alarm(600);
         if (threads >= 0) {
             // The child's own thread counts too.
             const rlimit limit{static_cast<rlim_t>(threads) + 1, static_cast<rlim_t>(threads) + 1};

@@ -111,7 +111,7 @@ TEST(CliPanel, PressingAButtonOpensItsPage) {
         EXPECT_EQ(run.code, 0) << run.err;
         EXPECT_EQ(run.out, "");
         EXPECT_EQ(run.err, std::string("pressed '") + row.face + "'\n");
-        for (int wait = 0; wait < 500 && ReadBytes(given).empty(); ++wait) {
+        for (int wait = 0; wait < 30000 && ReadBytes(given).empty(); ++wait) {
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
         pages.push_back(ReadBytes(given));
