@@ -104,7 +104,8 @@ TEST(LibraryParameters, ThePainterIsDescribed) {
 TEST(LibraryParameters, TheListIsThatOfTheProgram) {
     const Effect effect = RealEffect();
     const Folder folder;
-    const Outcome listed = RunUmbrant(folder, {"params"}, {{std::string("UMBRANT_MODULE=") + UMBRANT_MODULE_FILE}, ""});
+    const Outcome listed =
+        RunUmbrant(folder, {"params", "--all"}, {{std::string("UMBRANT_MODULE=") + UMBRANT_MODULE_FILE}, ""});
     int withValues = 0, hidden = 0;
     for (const Parameter& parameter : effect.Parameters()) {
         const std::string name = parameter.path.empty() ? "#" + std::to_string(parameter.index) : parameter.path;

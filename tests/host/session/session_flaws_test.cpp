@@ -133,13 +133,12 @@ TEST_P(Faults, AreReturnedByTheCall) {
 
 INSTANTIATE_TEST_SUITE_P(
     All, Faults,
-    ::testing::Values(Fault{"pre-render.checkout_layer", 517,
-                            "Painter failed in PF_Cmd_SMART_PRE_RENDER: error 517, PF_Interrupt_CANCEL"},
-                      Fault{"smart-render.checkout_layer_pixels", 4,
-                            "Painter failed in PF_Cmd_SMART_RENDER: error 4, PF_Err_OUT_OF_MEMORY"},
-                      Fault{"smart-render.checkout_output", 4,
-                            "Painter failed in PF_Cmd_SMART_RENDER: error 4, PF_Err_OUT_OF_MEMORY"},
-                      Fault{"utils.fill", 516,
-                            "Painter failed in PF_Cmd_SMART_RENDER: error 516, PF_Err_BAD_CALLBACK_PARAM"}));
+    ::testing::Values(
+        Fault{"pre-render.checkout_layer", 517,
+              "Painter failed in PF_Cmd_SMART_PRE_RENDER: error 517, PF_Interrupt_CANCEL"},
+        Fault{"smart-render.checkout_layer_pixels", 4,
+              "not enough memory for drawing a picture of 2 x 2 pixels, 1 MiB"},
+        Fault{"smart-render.checkout_output", 4, "not enough memory for drawing a picture of 2 x 2 pixels, 1 MiB"},
+        Fault{"utils.fill", 516, "Painter failed in PF_Cmd_SMART_RENDER: error 516, PF_Err_BAD_CALLBACK_PARAM"}));
 
 }  // namespace
