@@ -11,10 +11,10 @@
 namespace {
 
 namespace fs = std::filesystem;
-using testing::AnyOf;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::Not;
+using testing::StartsWith;
 
 constexpr char kShortage[] =
     " threads could be started; the work goes on with fewer and takes longer (`ulimit -u`, or the container's limits "
@@ -94,9 +94,10 @@ TEST_F(CliLimits, WithoutAnyThreadASequenceIsNotBegun) {
         SCOPED_TRACE(ending);
         const Outcome outcome = Run(Own("in.@.png", std::string("none.@.") + ending, {"--quiet"}), WithThreads(1));
         EXPECT_EQ(outcome.code, 5);
-        EXPECT_EQ(outcome.err,
-                  "umbrant: cannot start a thread to draw frames; raise the limit of processes (`ulimit -u`), or the "
-                  "container's limit of tasks or memory\n");
+        // The module's own lines about the missing driver are there too.
+        EXPECT_THAT(outcome.err,
+                    StartsWith("umbrant: cannot start a thread to draw frames; raise the limit of processes (`ulimit "
+                               "-u`), or the container's limit of tasks or memory\n"));
         EXPECT_FALSE(Exists(std::string("none.1.") + ending));
     }
 }
