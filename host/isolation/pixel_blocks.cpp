@@ -4,12 +4,22 @@
 #include "host/isolation/pixel_blocks.h"
 
 #include <fmt/format.h>
+#include <sys/resource.h>
 
 #include "host/compositing/copy_world.h"
 #include "host/isolation/module_messages.h"
 #include "host/process/channel.h"
 
 Failure NoPixelMemory(std::size_t bytes) {
+    // The system counts shared memory as a file.
+    rlimit files{};
+    if (getrlimit(RLIMIT_FSIZE, &files) == 0 && files.rlim_cur != RLIM_INFINITY && files.rlim_cur < bytes) {
+        return {
+            ExitCode::kInternal,
+            fmt::format("the limit of file sizes is {} KiB, and the pixels that a module's process needs are {} MiB "
+                        "of shared memory, which it counts; raise it (`ulimit -f`)",
+                        files.rlim_cur >> 10, (bytes >> 20) + 1)};
+    }
     return {ExitCode::kInternal,
             fmt::format("not enough memory for the pixels that a module's process needs, {} MiB", (bytes >> 20) + 1)};
 }

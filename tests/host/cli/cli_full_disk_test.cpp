@@ -131,8 +131,11 @@ TEST_F(CliFullDisk, ALimitOnTheSizeOfFilesIsTheSame) {
     for (const char* ending : kEndings) {
         SCOPED_TRACE(ending);
         const std::string output = std::string("full.@.") + ending;
-        EXPECT_EQ(Bash("bash -c " + Quoted("ulimit -f 8 && " + Command(output, {"--frames", "1-3", "--keep-going"}))),
-                  1);
+        // The program's own module, as the pixels of another one's process count as files.
+        const std::string command = Quoted(UMBRANT_PROGRAM) + " render in.@.png -o " + Quoted(output) +
+                                    " --frames 1-3 --keep-going --set style/distance=0 --set style/softness=0"
+                                    " --set quality/samples=1 >out.txt 2>err.txt";
+        EXPECT_EQ(Bash("env -u UMBRANT_MODULE bash -c " + Quoted("ulimit -f 8 && " + command)), 1);
         const std::string err = ReadBytes(folder_ / "err.txt");
         EXPECT_THAT(err, HasSubstr(std::string("umbrant: frame 2: cannot write 'full.2.") + ending + "': "));
         EXPECT_THAT(err, HasSubstr("2 drawn, 1 failed"));
@@ -143,6 +146,14 @@ TEST_F(CliFullDisk, ALimitOnTheSizeOfFilesIsTheSame) {
             EXPECT_THAT(entry.path().filename().string(), Not(StartsWith("."))) << "a half file";
         }
     }
+}
+
+TEST_F(CliFullDisk, ALimitThatTheSharedPixelsExceedIsNamed) {
+    EXPECT_EQ(Bash("bash -c " + Quoted("ulimit -f 8 && " + Command("full.png", {}, "in.2.png"))), 5);
+    EXPECT_EQ(ReadBytes(folder_ / "err.txt"),
+              "umbrant: the limit of file sizes is 8 KiB, and the pixels that a module's process needs are 1 MiB of "
+              "shared memory, which it counts; raise it (`ulimit -f`)\n");
+    EXPECT_FALSE(Exists("full.png"));
 }
 
 }  // namespace

@@ -389,9 +389,9 @@ TEST_F(Clips, AFullDisk) {
     NEEDS_FFMPEG();
     Ffmpeg("-f lavfi -i nullsrc=s=256x256:r=24:d=1 -vf 'geq=random(1)*255:128:128' -c:v ffv1 in.mkv");
     const std::string command = "cd " + Quoted(folder_.Path().string()) + " && ulimit -f 200 && " +
-                                Quoted(UMBRANT_PROGRAM) + " render in.mkv -o out.mkv --module " +
-                                Quoted(TestModule("painter")) + " 2>err.txt; echo $?";
-    EXPECT_EQ(Shell("bash -c " + Quoted(command)), "3");
+                                Quoted(UMBRANT_PROGRAM) + " render in.mkv -o out.mkv 2>err.txt; echo $?";
+    // The program's own module, as the pixels of another one's process count as files.
+    EXPECT_EQ(Shell("env -u UMBRANT_MODULE bash -c " + Quoted(command)), "3");
     EXPECT_THAT(ReadBytes(folder_ / "err.txt"), HasSubstr("cannot write 'out.mkv': ffmpeg ended with exit code "));
     EXPECT_THAT(ReadBytes(folder_ / "err.txt"), HasSubstr("File too large"));
     EXPECT_EQ(folder_.Entries(), 2) << "no half clip";
