@@ -25,7 +25,9 @@ LIBRARIES = [
 # The C++ library asks for this old library of the system, when it is loaded anyway, to share an empty string with it.
 ALSO_NAMED = "/usr/lib/libstdc++.6.dylib"
 # The render mutex, and the C++ library's standard streams, which a diagnostic is printed to.
-INITIALISERS = {"__GLOBAL__sub_I_global_setup.cpp", "__GLOBAL__I_000100"}
+# The mutex of all renders; what starts afresh in a forked child (OpenGL, the threads' state); the note of written records.
+INITIALISERS = {"__GLOBAL__sub_I_global_setup.cpp", "__GLOBAL__I_000100", "__GLOBAL__sub_I_opengl_fork.cpp",
+                "__GLOBAL__sub_I_thread_state.cpp", "___cxx_global_var_init"}  # fmt: skip
 PAGE = 4096
 
 

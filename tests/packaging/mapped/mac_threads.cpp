@@ -181,6 +181,7 @@ void* Address(Function* function) {
 
 void* ThreadingSymbol(const std::string& name) {
     static const std::map<std::string, void*> names = {
+        {"_pthread_atfork", Address(&pthread_atfork)},
         {"_pthread_cond_broadcast", Address(&ConditionBroadcast)},
         {"_pthread_cond_wait", Address(&ConditionWait)},
         {"_pthread_getspecific", Address(&GetSpecific)},
