@@ -44,6 +44,26 @@ if(CMAKE_CXX_FLAGS MATCHES "-fsanitize=")
     set(umbrant_module_link_options -Wl,-z,nodelete)
 endif()
 
+# umbrant_harden(target): what keeps a mistake with foreign bytes from becoming more than a crash, for everything that
+# ships: guarded stacks, checked library calls, checked format strings, indirect jumps only to where functions begin, and
+# tables that cannot be changed after the start. tests/packaging/hardening_test.py reads it from the built files.
+# Sanitizers bring checks of their own, and Apple's compiler has its own defaults. docs/performance.md has the cost.
+function(umbrant_harden target)
+    if(APPLE OR UMBRANT_MACOS_CROSS OR umbrant_sanitized)
+        return()
+    endif()
+    target_compile_options(${target} PRIVATE -fstack-protector-strong -fstack-clash-protection -Wformat
+                                             -Werror=format-security)
+    if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|amd64|AMD64")
+        target_compile_options(${target} PRIVATE -fcf-protection=full)
+    endif()
+    # It works on optimised code alone.
+    if(NOT CMAKE_BUILD_TYPE STREQUAL Debug)
+        target_compile_options(${target} PRIVATE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+    endif()
+    target_link_options(${target} PRIVATE -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
+endfunction()
+
 # umbrant_library(target FLAGS flags [LINK libraries...])
 # A static library of every .cpp in the current folder; a folder without one becomes an interface library.
 function(umbrant_library target)
@@ -53,6 +73,7 @@ function(umbrant_library target)
     if(sources)
         add_library(${target} STATIC ${sources})
         target_link_libraries(${target} PUBLIC ${arg_FLAGS} ${arg_LINK})
+        umbrant_harden(${target})
     else()
         add_library(${target} INTERFACE)
         target_link_libraries(${target} INTERFACE ${arg_FLAGS} ${arg_LINK})
