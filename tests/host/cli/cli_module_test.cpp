@@ -77,7 +77,8 @@ TEST_F(CliWithoutOpenGL, ParamsListEveryRow) {
           "19 +style/color +colour +#rrggbb +#000000", "23 +opacity/opacity-start +slider +0 to 100 % +20",
           "33 +easing/advanced/distance +slider +0 to 100 % +80", "39 +texture/layer +layer +--texture",
           "5 +about-support/gpu-spec +button +\\[Get Support\\] +supervised",
-          "7 +about-support/renderer +popup +NULL +cannot-time-vary, disabled", "51 +compositing/buffer-expansion +slider +0 to 1000 +0"}) {
+          "7 +about-support/renderer +popup +NULL +cannot-time-vary, disabled",
+          "51 +compositing/buffer-expansion +slider +0 to 1000 +0"}) {
         EXPECT_THAT("\n" + outcome.out, testing::ContainsRegex("\n" + std::string(expression) + "\n"));
     }
     EXPECT_THAT(outcome.out, testing::Not(HasSubstr("debug")));

@@ -444,7 +444,7 @@ TEST(ReadPicture, AnyLayerCanBeChosen) {
         const char* note;
     };
     const std::vector<std::string> all = {"R", "G", "B", "A", "Z", "diffuse.R", "diffuse.G", "diffuse.B"};
-    const std::vector<std::string> without = {"Z", "spec.R", "spec.G", "spec.B", "spec.A"};
+    const std::vector<std::string> without = {"Z", "gloss.R", "gloss.G", "gloss.B", "gloss.A"};
     const std::vector<std::string> coordinates = {"N.X", "N.Y", "N.Z"};
     const Row rows[] = {
         {"the image itself",
@@ -460,8 +460,9 @@ TEST(ReadPicture, AnyLayerCanBeChosen) {
          without,
          "",
          {4, 1, 2, 3},
-         " has 5 channels: spec.R, spec.G, spec.B, spec.A were read, Z were left out; --layer reads one of: Z, spec"},
-        {"a layer with its own alpha", without, "spec", {4, 1, 2, 3}, ""},
+         " has 5 channels: gloss.R, gloss.G, gloss.B, gloss.A were read, Z were left out; --layer reads one of: Z, "
+         "gloss"},
+        {"a layer with its own alpha", without, "gloss", {4, 1, 2, 3}, ""},
         {"coordinates are three channels", coordinates, "N", {-1, 0, 1, 2}, ""},
         {"and are all that there is", coordinates, "", {-1, 0, 1, 2}, ""},
         {"all channels are used", {"R", "G", "B"}, "", {-1, 0, 1, 2}, ""},
