@@ -96,6 +96,8 @@ class SetCanvasTest : public SessionTest {
         request.input = (folder / "in.@.png").string();
         request.output = (folder / "out.@.png").string();
     }
+    /// The session's last commands are noted too.
+    ~SetCanvasTest() override { session.reset(); }
     void WritePng(const std::string& name, int width, int height) const {
         const auto written =
             WritePicture(folder / name, Filled8(width, height, {255, 1, 2, 3}), {{0, 0, width, height}, width, height});
