@@ -212,7 +212,7 @@ class Proxy final : public ModuleProcess {
     Result<json> Exchange(Parcel parcel, const FrameRequest* request) {
         if (!Send(parcel)) return Ended();
         Channel channel(child_->Socket());
-        std::vector<std::shared_ptr<SharedMemory>> lent;
+        std::vector<std::shared_ptr<SharedMemory>> keptBlocks;
         for (;;) {
             Message message;
             switch (channel.Receive(message, [this] { return child_->HasEnded(); })) {
@@ -233,7 +233,7 @@ class Proxy final : public ModuleProcess {
             auto answer = Guarded([&] { return Answer(message.content, request); });
             if (!answer) return answer.Error();
             if (!Send(*answer)) return Ended();
-            for (auto& block : answer->blocks) lent.push_back(std::move(block));
+            for (auto& block : answer->blocks) keptBlocks.push_back(std::move(block));
         }
     }
 

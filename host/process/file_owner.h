@@ -22,7 +22,7 @@ struct FileOwner {
 /// This process.
 FileOwner ThisProcess();
 
-/// ".umbrant-", 26 letters and digits, ".part": 40 bytes, whatever the file's name will be. `count` tells apart the
+/// ".umbrant-", 26 letters and digits, ".part": 40 bytes, whatever the file's name will be. `count` separates the
 /// files of a process; its lowest 15 bits are taken.
 std::string HiddenName(const FileOwner& owner, unsigned count);
 

@@ -215,13 +215,13 @@ PF_LRect SetCanvas(const FrameJob& job, const FrameLayers& known, EffectSession&
         if (job.values) values = job.values(each->number.Value(), session.Params());
         FrameRequest request = RequestFor(job, frame, layers, values ? &*values : nullptr);
         // An effect may look at other times, and what it sees there may decide what it covers.
-        std::vector<FrameLayers> lent;
+        std::vector<FrameLayers> keptLayers;
         bool looksAway = false;
         request.layersAt = [&](const Moment& moment) -> Result<MomentLayers> {
             looksAway = true;
             const FrameLayers there = other.Of(other.SizesAt(FrameShownAt(plan, moment)));
             if (!there.input) return Failure{ExitCode::kInternal, "there is not enough memory for the layer"};
-            lent.push_back(there);
+            keptLayers.push_back(there);
             return MomentLayers{&there.input->pixels, there.input->width, there.input->height,
                                 there.texture ? &there.texture->pixels : nullptr};
         };

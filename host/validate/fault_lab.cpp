@@ -298,7 +298,7 @@ bool ReturnsNoError(const std::string& callee) {
     return false;
 }
 
-/// Leaves the jobs of one fault, with the error that it asks for. A suite lent as null is no error among others.
+/// Leaves the jobs of one fault, with the error that it asks for. A suite handed out as null has no error code.
 void KeepOnly(const FaultPlan& one, const FaultRules& rules, std::vector<Job>& jobs) {
     const bool isUsual = std::find(rules.errors.begin(), rules.errors.end(), one.error) != rules.errors.end();
     const bool isSpecial = one.error == kLendNothing || rules.errors.front() == kLendNothing;

@@ -2,7 +2,8 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// Tells a process whose threads all wait for each other from one that is merely slow, whatever else the machine does.
+// Distinguishes a process whose threads all wait for each other from one that is merely slow, whatever else the machine
+// does.
 
 #include <functional>
 
