@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <memory>
 #include <new>
 #include <system_error>
@@ -13,6 +14,9 @@
 namespace {
 
 std::atomic<void (*)(const ThreadShortage&)> reporter{nullptr};
+
+constexpr int kAttempts = 10;
+constexpr std::chrono::milliseconds kPause{10};
 
 }  // namespace
 
@@ -26,12 +30,16 @@ void NoteThreadShortage(const ThreadShortage& shortage) {
 }
 
 std::optional<std::thread> StartThread(std::function<void()> work) {
-    try {
-        return std::thread(std::move(work));
-    } catch (const std::system_error&) {
-        return std::nullopt;
-    } catch (const std::bad_alloc&) {
-        return std::nullopt;
+    for (int attempt = 1;; ++attempt) {
+        try {
+            return std::thread(work);
+        } catch (const std::system_error&) {
+            // A thread that was joined a moment ago may still be counted.
+            if (attempt == kAttempts) return std::nullopt;
+        } catch (const std::bad_alloc&) {
+            return std::nullopt;
+        }
+        std::this_thread::sleep_for(kPause);
     }
 }
 

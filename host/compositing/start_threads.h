@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-/// One thread; nothing when the system refuses it. The caller joins it.
+/// One thread; nothing when the system refuses it for a tenth of a second. The caller joins it.
 std::optional<std::thread> StartThread(std::function<void()> work);
 
 /// Starts `count` threads one by one, of which the i-th runs `work(i)`, and ends the attempts with the first that is
