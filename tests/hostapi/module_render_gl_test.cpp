@@ -147,15 +147,21 @@ class ModuleRenderGLTest : public ::testing::Test {
     }
 };
 
+/// On a thread of its own, which takes the module's state with it; on the thread of all tests it would stay, and with
+/// it the module.
+void OnAThread(const std::function<void()>& body) {
+    std::thread(body).join();
+}
+
 TEST_F(ModuleRenderGLTest, ReloadsAfterARenderThread) {
     for (int i = 0; i < 3; ++i) {
         LoadedModule module;
         ASSERT_NE(module.main, nullptr) << module.error;
-        std::thread([&] {
+        OnAThread([&] {
             Session session(module);
             std::thread([&] { session.Render(); }).join();
             EXPECT_EQ(session.SetDown(), 0);
-        }).join();
+        });
         module.Unload();
         EXPECT_EQ(LoadedModule::IsMapped(), LoadedModule::kStaysMapped) << "round " << i;
     }
@@ -189,26 +195,30 @@ void WithARenderThread(Session* session, const std::function<void()>& whileItLiv
 TEST_F(ModuleRenderGLTest, ARenderThreadOutlivesSetDown) {
     LoadedModule module;
     ASSERT_NE(module.main, nullptr) << module.error;
-    Session session(module);
-    WithARenderThread(&session, [&] { EXPECT_EQ(session.SetDown(), 0); });
+    OnAThread([&] {
+        Session session(module);
+        WithARenderThread(&session, [&] { EXPECT_EQ(session.SetDown(), 0); });
+    });
 }
 
 TEST_F(ModuleRenderGLTest, ARenderThreadOutlivesTheModulesHandle) {
     LoadedModule module;
     ASSERT_NE(module.main, nullptr) << module.error;
-    {
+    OnAThread([&] {
         Session session(module);
         WithARenderThread(&session, [&] {
             EXPECT_EQ(session.SetDown(), 0);
             module.Unload();
             EXPECT_TRUE(LoadedModule::IsMapped()) << "the thread's state still has its code";
         });
-    }
+    });
     LoadedModule again;
     ASSERT_NE(again.main, nullptr) << again.error;
-    Session session(again);
-    std::thread([&] { session.Render(); }).join();
-    EXPECT_EQ(session.SetDown(), 0);
+    OnAThread([&] {
+        Session session(again);
+        std::thread([&] { session.Render(); }).join();
+        EXPECT_EQ(session.SetDown(), 0);
+    });
 }
 
 }  // namespace
