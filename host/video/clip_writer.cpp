@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <sstream>
 
+#include "host/image/picture_place.h"
 #include "host/video/container.h"
 #include "host/video/ffmpeg.h"
 
@@ -100,7 +101,8 @@ std::vector<std::string> EncoderArguments(const ClipTarget& target, const std::s
     return all;
 }
 
-ClipWriter::ClipWriter(ClipTarget target) : target_(std::move(target)), file_(target_.path) {}
+ClipWriter::ClipWriter(ClipTarget target)
+    : target_(std::move(target)), place_(BehindLinks(target_.path)), file_(place_) {}
 
 Result<std::unique_ptr<ClipWriter>> ClipWriter::Start(ClipTarget target) {
     std::unique_ptr<ClipWriter> writer(new ClipWriter(std::move(target)));
@@ -134,5 +136,7 @@ Result<Done> ClipWriter::Finish() {
     if (const auto size = std::filesystem::file_size(file_.Name(), error); error || size == 0) {
         return CannotWrite(target_.path, "ffmpeg ended well, but there is no clip");
     }
+    // Only now: the mode may be one that ffmpeg could not have written with.
+    TakeModeOf(place_, file_.Descriptor());
     return file_.PutInPlace();
 }

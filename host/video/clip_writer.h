@@ -5,6 +5,7 @@
 // A clip under construction: pictures go through a pipe into ffmpeg, which writes under a temporary name beside the
 // clip's place until it is whole.
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -43,7 +44,8 @@ class ClipWriter {
     /// `ExitCode::kFile` when ffmpeg takes no more, and says why.
     Result<Done> Write(const World& picture);
 
-    /// Ends the clip and puts it in its place. Without it nothing is left.
+    /// Ends the clip and puts it in its place: through symbolic links, with the mode of a file that it replaces.
+    /// Without it nothing is left.
     Result<Done> Finish();
 
  private:
@@ -51,6 +53,7 @@ class ClipWriter {
     Failure Died();
 
     const ClipTarget target_;
+    const std::filesystem::path place_;  ///< the target's path behind symbolic links
     int written_ = 0;
     TemporaryFile file_;
     std::unique_ptr<ChildProcess> encoder_;  ///< ends before its file is removed

@@ -43,6 +43,30 @@ TEST_F(Clips, ClipInClipOutKeepsPicturesSoundRateAndTags) {
     EXPECT_EQ(folder_.Entries(), 2) << "nothing else is left";
 }
 
+TEST_F(Clips, AReplacedClipKeepsItsModeAndALinkItsPlace) {
+    NEEDS_FFMPEG();
+    namespace fs = std::filesystem;
+    // Neither what a new file has nor what could be written to while ffmpeg is at work.
+    const fs::perms mode = fs::perms::owner_read | fs::perms::group_read;
+    Ffmpeg("-f lavfi -i testsrc2=s=16x12:r=25:d=0.12 -c:v png in.mov");
+    fs::create_directory(folder_ / "far");
+    WriteBytes(folder_ / "far/a.mov", "old");
+    fs::permissions(folder_ / "far/a.mov", mode);
+    fs::create_symlink("far/a.mov", folder_ / "near.mov");
+    fs::create_symlink("near.mov", folder_ / "nearer.mov");
+    fs::create_symlink("far/new.mov", folder_ / "dangling.mov");
+    const Outcome outcome = Render("in.mov", "nearer.mov", {"--codec", "png"});
+    ASSERT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_TRUE(fs::is_symlink(folder_ / "near.mov"));
+    EXPECT_TRUE(fs::is_symlink(folder_ / "nearer.mov"));
+    EXPECT_EQ(fs::status(folder_ / "far/a.mov").permissions(), mode);
+    EXPECT_EQ(PictureHash("far/a.mov", "rgba"), PictureHash("in.mov", "rgba"));
+    ASSERT_EQ(Render("in.mov", "dangling.mov", {"--codec", "png"}).code, 0);
+    EXPECT_TRUE(fs::is_symlink(folder_ / "dangling.mov"));
+    EXPECT_EQ(PictureHash("far/new.mov", "rgba"), PictureHash("in.mov", "rgba"));
+    EXPECT_EQ(folder_.Entries(), 5) << "nothing else is left";
+}
+
 TEST_F(Clips, TagsOfTelevisionAreKept) {
     NEEDS_FFMPEG();
     Ffmpeg(
