@@ -15,6 +15,7 @@
 
 #include "host/animation/preset.h"
 #include "host/animation/preset_reader.h"
+#include "host/why_no_file.h"
 
 namespace {
 
@@ -30,10 +31,9 @@ Failure CannotRead(const fs::path& file, std::string_view reason) {
 
 /// Reads a bounded part of what has no end: a pipe, or a device.
 Result<std::string> ReadText(const fs::path& file) {
+    if (const auto reason = WhyNoFile(file)) return CannotRead(file, *reason);
     std::error_code error;
-    const fs::file_status status = fs::status(file, error);
-    if (!fs::exists(status)) return CannotRead(file, "there is no such file");
-    if (fs::is_directory(status)) return CannotRead(file, "it is a folder");
+    if (fs::is_directory(file, error)) return CannotRead(file, "it is a folder");
     std::ifstream stream(file, std::ios::binary);
     if (!stream) return CannotRead(file, "it cannot be opened");
     constexpr std::size_t kPiece = std::size_t{1} << 16;

@@ -80,7 +80,6 @@ Result<ExitCode> Validate(ValidateOptions options) {
         options.module.empty() ? std::nullopt : std::optional(std::filesystem::path(options.module)));
     const auto file = FindModule(search);
     if (!file) return file.Error();
-    std::error_code error;
     TrialOptions& trial = options.run.trial;
     trial.module = *file;
     trial.trace = options.trace;
@@ -101,11 +100,7 @@ Result<ExitCode> Validate(ValidateOptions options) {
         if (!done) return done.Error();
         return ExitCode::kDone;
     }
-    if (!std::filesystem::exists(trial.module, error)) {
-        return Failure{ExitCode::kModule, fmt::format("cannot load the module '{}': there is no such file; name the "
-                                                      "module's file",
-                                                      trial.module.string())};
-    }
+    if (auto there = CheckModuleIsThere(trial.module); !there) return there.Error();
     if (options.run.waivers.empty()) {
         options.run.waivers = WaiversBeside(trial.module);
         if (!options.run.waivers.empty()) {

@@ -27,6 +27,7 @@
 #include "host/image/metadata.h"
 #include "host/image/picture.h"
 #include "host/image/picture_channels.h"
+#include "host/why_no_file.h"
 #include "hostapi/limits.h"
 
 namespace {
@@ -138,12 +139,11 @@ std::optional<std::string> ReadPixels(OIIO::ImageInput& input, const OIIO::Image
     return std::nullopt;
 }
 
-/// Why there is no file to read at a path, or nothing when there is one.
-std::optional<std::string> WhyNoFile(const fs::path& file) {
+/// Why there is no file of a picture to read at a path, or nothing when there is one.
+std::optional<std::string> WhyNoPicture(const fs::path& file) {
+    if (auto reason = WhyNoFile(file)) return reason;
     std::error_code error;
     const fs::file_status status = fs::status(file, error);
-    if (status.type() == fs::file_type::none) return error.message();
-    if (!fs::exists(status)) return "there is no such file";
     if (fs::is_directory(status)) return "it is a folder, not a picture";
     if (!fs::is_regular_file(status)) return "it is not a regular file";
     const auto size = fs::file_size(file, error);
@@ -300,7 +300,7 @@ template <typename Read>
 Result<Picture> OpenAnd(const fs::path& file, const ReadOptions& options, Read read) {
     const bool isStandardInput = file == "-";
     if (!isStandardInput) {
-        if (const auto reason = WhyNoFile(file)) return CannotRead(file, *reason);
+        if (const auto reason = WhyNoPicture(file)) return CannotRead(file, *reason);
     }
     std::string name = file.string();
     std::string format = name;

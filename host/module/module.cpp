@@ -13,6 +13,7 @@
 #include <system_error>
 #include <utility>
 
+#include "host/why_no_file.h"
 #include "hostapi/registration.h"
 
 namespace {
@@ -91,15 +92,6 @@ std::string FourCharacters(A_long code) {
     return text;
 }
 
-/// The reason why a path cannot even be tried, or nothing.
-std::optional<std::string> FileProblem(const std::filesystem::path& file) {
-    std::error_code error;
-    const auto status = std::filesystem::status(file, error);
-    if (!std::filesystem::exists(status)) return "there is no such file; name the module's file";
-    if (std::filesystem::is_directory(status)) return "it is a folder; name the module's file inside it";
-    return std::nullopt;
-}
-
 /// Asks the module what it holds. Returns the reason when it does not hold one effect that can be driven.
 std::optional<std::string> Register(void* library, Registration& registration) {
     const auto entry = reinterpret_cast<RegistrationFunction>(dlsym(library, kRegistrationExport));
@@ -132,13 +124,22 @@ void Module::Unloader::operator()(void* library) const {
     dlclose(library);
 }
 
+Result<Done> CheckModuleIsThere(const std::filesystem::path& file) {
+    const auto reason = WhyNoFile(file);
+    if (!reason) return Done{};
+    return ModuleFailure(file, *reason == kNoSuchFile ? *reason + "; name the module's file" : *reason);
+}
+
 Result<Module> Module::Load(const std::filesystem::path& file) {
-    if (const auto problem = FileProblem(file)) return ModuleFailure(file, *problem);
+    if (auto there = CheckModuleIsThere(file); !there) return there.Error();
+    std::error_code ignored;
+    if (std::filesystem::is_directory(file, ignored)) {
+        return ModuleFailure(file, "it is a folder; name the module's file inside it");
+    }
 
     Module module;
     module.file_ = file;
     // A bare file name would be looked for in the system's library folders.
-    std::error_code ignored;
     const std::filesystem::path path = std::filesystem::absolute(file, ignored);
     std::optional<std::string> thrown =
         CatchAll([&] { module.library_.reset(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)); });

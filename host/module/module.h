@@ -64,6 +64,9 @@ class Module {
     PF_FilterProc entry_ = nullptr;
 };
 
+/// Fails as Module::Load does when there is nothing at the path, or when the system does not let the program look.
+Result<Done> CheckModuleIsThere(const std::filesystem::path& file);
+
 /// Where a module is looked for, in order; see FindModule.
 struct ModuleSearch {
     std::optional<std::filesystem::path> option;       ///< the file named on the command line

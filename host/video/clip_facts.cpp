@@ -17,6 +17,7 @@
 
 #include "host/video/container.h"
 #include "host/video/ffmpeg.h"
+#include "host/why_no_file.h"
 #include "hostapi/limits.h"
 
 namespace {
@@ -228,8 +229,8 @@ int BitsOfPixelFormat(std::string_view name) {
 }
 
 Result<ClipFacts> ReadClipFacts(const std::string& path) {
+    if (const auto reason = WhyNoFile(path)) return CannotRead(path, *reason);
     std::error_code error;
-    if (!fs::exists(path, error)) return CannotRead(path, "there is no such file");
     if (fs::is_directory(path, error)) return CannotRead(path, "it is a folder, not a clip");
     if (!fs::is_regular_file(path, error)) return CannotRead(path, "it is not a regular file");
     if (fs::file_size(path, error) == 0 && !error) return CannotRead(path, "the file is empty");

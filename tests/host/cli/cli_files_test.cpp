@@ -9,6 +9,7 @@
 
 namespace {
 
+namespace fs = std::filesystem;
 using testing::HasSubstr;
 
 class CliFiles : public testing::Test {
@@ -150,19 +151,48 @@ TEST_F(CliFiles, WhatIsLeftOutOfAnInputIsNotedOnce) {
     EXPECT_EQ(err.find("note: "), err.rfind("note: "));
 }
 
-// Also root is kept from a folder, once it has lost the right to look into every one.
-TEST_F(CliFiles, AFileBehindAForbiddenFolderIsNotMissing) {
-    namespace fs = std::filesystem;
-    fs::create_directory(folder_ / "locked");
-    fs::copy_file(folder_ / "in.png", folder_ / "locked/in.png");
-    fs::permissions(folder_ / "locked", fs::perms::none);
-    const std::string plain =
-        geteuid() == 0 ? "setpriv --bounding-set -dac_override,-dac_read_search --inh-caps -all" : "";
-    EXPECT_EQ(Bash(plain, {"locked/in.png", "-o", "a.png"}, ""), 3);
-    EXPECT_EQ(ReadBytes(folder_ / "err.txt"), "umbrant: cannot read 'locked/in.png': Permission denied\n");
-    EXPECT_EQ(Bash(plain, {"in.png", "-o", "locked/a.png"}, ""), 3);
-    EXPECT_EQ(ReadBytes(folder_ / "err.txt"), "umbrant: cannot write 'locked/a.png': Permission denied\n");
-    fs::permissions(folder_ / "locked", fs::perms::owner_all);
+/// Files in a folder that the program may not enter. Also root is kept from it, once it has lost the right to look into
+/// every one.
+class CliForbiddenFolder : public CliFiles {
+ protected:
+    CliForbiddenFolder() {
+        fs::create_directory(folder_ / "locked");
+        for (const char* name : {"in.png", "in.mov", "preset.json", "module.so"}) {
+            fs::copy_file(folder_ / "in.png", folder_ / "locked" / name);
+        }
+        fs::permissions(folder_ / "locked", fs::perms::none);
+    }
+    ~CliForbiddenFolder() override { fs::permissions(folder_ / "locked", fs::perms::owner_all); }
+
+    const std::string plain_ =
+        geteuid() == 0 ? "setpriv --bounding-set -dac_override,-dac_read_search --inh-caps -all " : "";
+};
+
+TEST_F(CliForbiddenFolder, FilesInItAreNotCalledMissing) {
+    const struct {
+        const char* name;
+        const char* arguments;
+        int code;
+        const char* sentence;
+    } rows[] = {
+        {"an image", "render locked/in.png -o a.png", 3, "cannot read 'locked/in.png'"},
+        {"a place for an image", "render in.png -o locked/a.png", 3, "cannot write 'locked/a.png'"},
+        {"a texture", "render in.png -o a.png --texture locked/in.png", 3, "cannot read 'locked/in.png'"},
+        {"a clip", "render locked/in.mov -o a.@.png", 3, "cannot read 'locked/in.mov'"},
+        {"a clip as texture", "render in.png -o a.@.png --texture locked/in.mov", 3, "cannot read 'locked/in.mov'"},
+        {"a preset", "render in.png -o a.png --preset locked/preset.json", 3,
+         "cannot read the preset 'locked/preset.json'"},
+        {"a module", "info --module locked/module.so", 4, "cannot load the module 'locked/module.so'"},
+        {"a module to judge", "validate locked/module.so", 4, "cannot load the module 'locked/module.so'"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const std::string command = "cd " + Quoted(folder_.Path().string()) + " && env -u UMBRANT_MODULE " + plain_ +
+                                    Quoted(UMBRANT_PROGRAM) + " " + row.arguments + " >out.txt 2>err.txt";
+        const int status = std::system(command.c_str());
+        EXPECT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, row.code);
+        EXPECT_EQ(ReadBytes(folder_ / "err.txt"), std::string("umbrant: ") + row.sentence + ": Permission denied\n");
+    }
 }
 
 }  // namespace
