@@ -4,9 +4,11 @@
 // Signals and closed outputs that end the program early: a plain exit code, no file under construction, no message.
 
 #include <fcntl.h>
+#include <sys/stat.h>
 
 #include <fstream>
 
+#include "host/image/encoded_file.h"
 #include "tests/host/cli/running_program.h"
 #include "tests/host/cli/sequence_fixture.h"
 
@@ -93,6 +95,41 @@ TEST_F(CliInterruption, AnInterruptedRunSaysNothing) {
         EXPECT_EQ(program.Wait(), "exit 143");
         EXPECT_EQ(ReadError(), "");
     }
+}
+
+/// Just below the most values and the most bytes that a preset may have, so that it takes long to read. Its only
+/// mistake is in its shape, which is known at its end.
+std::string HugePreset() {
+    constexpr int kValues = 1'900'000;
+    std::string text = R"({ "version": 1, "values": [)";
+    text.reserve(std::size_t{64} << 20);
+    for (int i = 0; i < kValues; ++i) text += "0.12345678901234567890123456789,";
+    return text + "0] }";
+}
+
+TEST_F(CliInterruption, AnInterruptEndsTheReadingOfAHugePreset) {
+    // A named pipe shows how far the program is: it has taken what could be written.
+    ASSERT_EQ(mkfifo((folder_ / "preset.json").c_str(), 0600), 0);
+    const std::string preset = HugePreset();
+    ASSERT_GT(preset.size(), std::size_t{57} << 20);
+    const auto before = std::signal(SIGPIPE, SIG_IGN);
+    const int lost = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    // The pipe's end lets the program begin with the text; without it nothing but the signal can end the run.
+    for (const bool hasEnd : {true, false}) {
+        SCOPED_TRACE(hasEnd ? "the whole text" : "a text without an end");
+        RunningProgram program(folder_, Arguments("still.png", "out.png", {"--preset", "preset.json"}), Outputs(lost));
+        const int pipe = open((folder_ / "preset.json").c_str(), O_WRONLY | O_CLOEXEC);
+        EXPECT_FALSE(WriteAll(pipe, preset.data(), preset.size()));
+        if (hasEnd) close(pipe);
+        program.Send(SIGINT);
+        EXPECT_EQ(program.Wait(), "exit 130");
+        EXPECT_EQ(ReadError(), "");
+        EXPECT_FALSE(Exists("out.png"));
+        EXPECT_THAT(HiddenFiles(folder_.Path()), IsEmpty());
+        if (!hasEnd) close(pipe);
+    }
+    close(lost);
+    std::signal(SIGPIPE, before);
 }
 
 TEST_F(CliInterruption, ClosingTheTerminalIsAHangUp) {
