@@ -39,7 +39,7 @@ ROWS = [
     ("after other options", "umbrant render in.png -o x.png --set style/angle=9 --mis", ["--missing"], ["--canvas"]),
 ]
 
-# Beginnings with one end: zsh writes that end at once, and lists nothing.
+# Beginnings with one end: zsh writes that end at once, and lists nothing. What must be offered is one word.
 BEGINNINGS = [
     ("the beginning of a farm's option", "umbrant farm --fra", ["--frames-per-task"], ["--frames"]),
     ("the frames of a farm's job", "umbrant farm slurm in.png --fra", ["--frames"], ["--frames-per-task"]),
@@ -184,6 +184,15 @@ class Completion(unittest.TestCase):
                 terminal.type("\x15")
                 terminal.type("echo do''ne\n")
                 terminal.read_until(["done"])
+        for title, line, offered, _ in BEGINNINGS:
+            with self.subTest(title):
+                # The sign that zsh puts before a value shows where the option ends; between them it may ring.
+                terminal.type(line + "\t")
+                shown = terminal.read_until(["="]).replace("\a", "")
+                terminal.type("\x15")
+                terminal.type("echo do''ne\n")
+                terminal.read_until(["done"])
+                self.assertIn(line[: line.rindex(" ") + 1] + offered[0] + "=", shown)
 
     def test_fish(self):
         self.need("fish")
