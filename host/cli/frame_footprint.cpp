@@ -62,6 +62,8 @@ FrameFootprint Footprint(const FrameJob& job, const FirstFrame& first, EffectSes
     footprint.outputPixels = LargestArea(PicturesOf(job, first, session, kAsked));
     if (job.picture) footprint.outputPixels = std::max(footprint.outputPixels, AreaOf(*job.picture));
     footprint.output = footprint.outputPixels * static_cast<std::uint64_t>(BytesPerPixel(layer.pixels.PixelDepth()));
+    // The blocks that the process of a module shares with this one are kept for its next frame.
+    if (session.Remote()) footprint.copies = footprint.layer + footprint.texture + footprint.output;
     return footprint;
 }
 

@@ -278,6 +278,7 @@ class SequenceRender {
         if (options_.sequence.threads == 0) job_.shape = FitInto(job_.shape, footprint, MemoryForFrames(machine));
         PipelineShape alone = job_.shape;
         alone.underWay = 1;
+        alone.drawers = 1;
         job_.frameBytes = MostBytes(alone, footprint);
         if (options_.verbose) {
             const PipelineShape& shape = job_.shape;

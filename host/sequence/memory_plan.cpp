@@ -109,7 +109,8 @@ std::uint64_t MostBytes(const PipelineShape& shape, const FrameFootprint& frame)
     const std::uint64_t steps = shape.underWay == 1 ? std::max({reading, drawing, writing})
                                                     : busy(shape.readers) * reading + busy(shape.drawers) * drawing +
                                                           busy(shape.writers) * writing;
-    return shape.underWay * (frame.layer + frame.texture + frame.output) + steps;
+    const auto processes = static_cast<std::uint64_t>(shape.drawers);
+    return shape.underWay * (frame.layer + frame.texture + frame.output) + steps + processes * frame.copies;
 }
 
 std::uint64_t MemoryForFrames(const MachineLimits& machine) {

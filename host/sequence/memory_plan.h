@@ -17,6 +17,8 @@ struct FrameFootprint {
     std::uint64_t texture = 0;       ///< the texture as it is drawn
     std::uint64_t output = 0;        ///< the drawn picture
     std::uint64_t outputPixels = 0;  ///< its pixels
+    /// What each drawing thread's process keeps of them from frame to frame; 0 for a module of this process.
+    std::uint64_t copies = 0;
 };
 
 /// What a machine lends.

@@ -174,6 +174,20 @@ TEST_F(CliForeignModule, OtherFramesGoOnInANewProcess) {
     }
 }
 
+TEST_F(CliForeignModule, TheCopiesOfItsProcessCountAsMemory) {
+    for (const char* name : {"large.1.png", "large.2.png"}) WriteLayer(folder_ / name, 1000, 1000, kPixel);
+    const Outcome outcome =
+        Run("", {"render", "large.@.png", "-o", "out/large.@.png", "--threads", "1", "--quiet", "--verbose"});
+    ASSERT_EQ(outcome.code, 0) << outcome.err;
+    const std::string before = "at most 4 frames under way, which take up to ";
+    const std::size_t at = outcome.err.find(before);
+    ASSERT_NE(at, std::string::npos) << outcome.err;
+    // A layer and an output of four million bytes each: 136 million bytes without the copies, with some padding of
+    // rows.
+    const double mebibytes = std::stod(outcome.err.substr(at + before.size()));
+    EXPECT_NEAR(mebibytes, (136e6 + 8e6) / (1 << 20), 2.5);
+}
+
 TEST_F(CliForeignModule, AnotherWorkingFolderMovesNothing) {
     for (const char* place : {"constructor:chdir", "set-up:chdir", "render:chdir"}) {
         SCOPED_TRACE(place);

@@ -40,6 +40,22 @@ TEST(MemoryPlan, TheFormulaIsTheDocumentedOne) {
               6 * (layer + output) + 1 * 2 * kFrame.file + 2 * (layer + output + 64 * pixels) + 2 * 24 * pixels);
 }
 
+TEST(MemoryPlan, AProcessOfAModuleKeepsItsCopiesFromFrameToFrame) {
+    FrameFootprint shared = kFrame;
+    shared.copies = kFrame.layer + kFrame.texture + kFrame.output;
+    for (const int drawers : {1, 2, 5}) {
+        PipelineShape shape = ShapeFor(drawers);
+        const std::uint64_t copies = static_cast<std::uint64_t>(drawers) * shared.copies;
+        EXPECT_EQ(MostBytes(shape, shared), MostBytes(shape, kFrame) + copies);
+        // With fewer frames than threads the processes of all threads keep the copies of their last frames.
+        shape.underWay = 1;
+        EXPECT_EQ(MostBytes(shape, shared), MostBytes(shape, kFrame) + copies);
+    }
+    const MachineLimits machine{6, 2 * MostBytes(ShapeFor(2), kFrame), 16};
+    EXPECT_EQ(DrawersFor(machine, kFrame), 2);
+    EXPECT_EQ(DrawersFor(machine, shared), 1);
+}
+
 TEST(MemoryPlan, ThreadsFollowCoresRendererAndMemory) {
     const std::uint64_t two = MostBytes(ShapeFor(2), kFrame);
     const struct {
