@@ -7,6 +7,7 @@
 
 #include "entry/global_data.h"
 #include "tests/gl/fake_fixture.h"
+#include "tests/support/child_process.h"
 #include "tests/support/test_host.h"
 
 namespace {
@@ -89,6 +90,19 @@ TEST_F(ThreadState, ThreadEndDeletesQuadProgramsAndContext) {
                             "glDeleteProgram(1)", "glDeleteProgram(2)", "glDeleteProgram(3)", "glDeleteProgram(4)",
                             "glDeleteProgram(5)", "CGLReleaseContext(context 2)", "CGLDestroyContext(context 2)"));
     EXPECT_EQ(fake::Cgl().liveContexts, 1) << "the probe context is not touched";
+}
+
+// The child has none of the driver's threads: a call that deletes anything could wait for them.
+TEST_F(ThreadState, AForkedChildHasNoRecordAndDeletesNothing) {
+    OnThread([this] {
+        Init();
+        ASSERT_NE(local_render_data, nullptr);
+        const LocalGLStruct* const before = local_render_data.get();
+        fake::ClearCalls();
+        EXPECT_EQ(RunInChild([] { return local_render_data ? 1 : fake::Calls().empty() ? 0 : 2; }), 0);
+        EXPECT_EQ(local_render_data.get(), before) << "the parent's is untouched";
+        EXPECT_THAT(fake::Calls(), IsEmpty());
+    });
 }
 
 TEST_F(ThreadState, TheDeleterAbandonsTheRecord) {

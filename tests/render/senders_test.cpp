@@ -8,6 +8,7 @@
 
 #include <stdexcept>
 
+#include "render/sample_stack.h"
 #include "render/shadow_shaders.h"
 #include "tests/render/fake_render.h"
 
@@ -46,6 +47,22 @@ TEST_F(Senders, BeyondTheListsThrowOutOfRange) {
                      std::out_of_range);
     }
     EXPECT_TRUE(fake::CallsTo("glUniform").empty()) << "nothing is sent before";
+}
+
+TEST_F(Senders, ASampleOfNoBufferThrowsOutOfRangeBeforeAnythingIsDrawn) {
+    const auto everything = [](const myParams&, const perSampleData&, const framebufferData&, const Region& source) {
+        return SampleRegions{source, source, source};
+    };
+    const BlurSenders senders{SendBlurWUniforms, SendBlurHUniforms, everything};
+    Framebuffer source, accumulated;
+    for (const std::size_t buffers : {0, 1, 3}) {
+        SCOPED_TRACE(buffers);
+        std::vector<Framebuffer> blurred(buffers);
+        settings_.samples[0].fbIndex = static_cast<decltype(perSampleData::fbIndex)>(buffers);
+        EXPECT_THROW(DrawSampleStack(&settings_, source, {}, blurred, accumulated, senders, &host_.outData),
+                     std::out_of_range);
+    }
+    EXPECT_TRUE(fake::Calls().empty());
 }
 
 TEST_F(Senders, ThePlacementAsksTheThreadsFourthProgram) {
