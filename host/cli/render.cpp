@@ -290,7 +290,9 @@ Command RenderCommand(const std::shared_ptr<RenderOptions>& options) {
             ->check([](const std::string& text) { return OutOfRange(text, 0.0, kLongestTime); })
             ->type_name("SECONDS");
         app.add_option("--compression", options->compression,
-                       "How the picture is stored: zip, piz, dwaa, ... in EXR, lzw, ... in TIFF, jpeg:1 to jpeg:100; "
+                       "How the picture is stored: fast or small in PNG, zip, piz, dwaa, ... in EXR, lzw, ... in TIFF, "
+                       "jpeg:1 to "
+                       "jpeg:100; "
                        "without it as the input where it has the same format")
             ->type_name("NAME");
         app.add_option(

@@ -16,22 +16,15 @@ constexpr std::size_t kBlock = std::size_t{1} << 20;
 
 }  // namespace
 
-bool EncodedFile::seek(int64_t offset) {
-    m_pos = offset;
-    return true;
-}
-
-size_t EncodedFile::write(const void* bytes, size_t size) {
+void EncodedFile::Write(std::size_t at, const void* bytes, std::size_t size) {
     const auto* from = static_cast<const std::byte*>(bytes);
-    auto at = static_cast<std::size_t>(m_pos);
-    m_pos += static_cast<int64_t>(size);
     size_ = std::max(size_, at + size);
     // The callers are C libraries, which no exception may pass.
     try {
         while (blocks_.size() * kBlock < at + size) blocks_.push_back(std::make_unique<std::byte[]>(kBlock));
     } catch (const std::bad_alloc&) {
         problem_ = "there is not enough memory for it";
-        return size;
+        return;
     }
     for (std::size_t left = size; left > 0;) {
         const std::size_t count = std::min(left, kBlock - at % kBlock);
@@ -40,36 +33,18 @@ size_t EncodedFile::write(const void* bytes, size_t size) {
         at += count;
         left -= count;
     }
-    return size;
 }
 
-size_t EncodedFile::pwrite(const void* bytes, size_t size, int64_t offset) {
-    const int64_t before = m_pos;
-    m_pos = offset;
-    write(bytes, size);
-    m_pos = before;
-    return size;
-}
-
-size_t EncodedFile::read(void* bytes, size_t size) {
+std::size_t EncodedFile::Read(std::size_t at, void* bytes, std::size_t size) const {
     auto* to = static_cast<std::byte*>(bytes);
     std::size_t done = 0;
-    while (done < size && static_cast<std::size_t>(m_pos) < std::min(size_, blocks_.size() * kBlock)) {
-        const auto at = static_cast<std::size_t>(m_pos);
+    while (done < size && at < std::min(size_, blocks_.size() * kBlock)) {
         const std::size_t count = std::min({size - done, size_ - at, kBlock - at % kBlock});
         std::memcpy(to + done, blocks_[at / kBlock].get() + at % kBlock, count);
         done += count;
-        m_pos += static_cast<int64_t>(count);
+        at += count;
     }
     return done;
-}
-
-size_t EncodedFile::pread(void* bytes, size_t size, int64_t offset) {
-    const int64_t before = m_pos;
-    m_pos = offset;
-    const size_t count = read(bytes, size);
-    m_pos = before;
-    return count;
 }
 
 std::optional<std::string> EncodedFile::CopyTo(int descriptor) const {
@@ -84,7 +59,6 @@ std::optional<std::string> EncodedFile::CopyTo(int descriptor) const {
 void EncodedFile::CopyFrom(int descriptor) {
     blocks_.clear();
     size_ = 0;
-    m_pos = 0;
     const auto block = std::make_unique<std::byte[]>(kBlock);
     lseek(descriptor, 0, SEEK_SET);
     while (!problem_) {
@@ -92,7 +66,7 @@ void EncodedFile::CopyFrom(int descriptor) {
         if (count < 0 && errno == EINTR) continue;
         if (count < 0) problem_ = std::strerror(errno);
         if (count <= 0) return;
-        write(block.get(), static_cast<std::size_t>(count));
+        Append(block.get(), static_cast<std::size_t>(count));
     }
 }
 

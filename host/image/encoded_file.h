@@ -4,22 +4,17 @@
 
 // The bytes of an image file in memory, before any of them goes to a disk. The image library takes a failed write for
 // success in one format, ends the process in another, and in a third follows what it finds on the disk without end. In
-// memory its writes do not fail; the copy to the disk is then checked write by write. Inside host/image only.
-
-#include <OpenImageIO/filesystem.h>
+// memory its writes do not fail; the copy to the disk is then checked write by write. Inside host/image and
+// host/image_library only.
 
 #include <cstddef>
-#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-class EncodedFile : public OIIO::Filesystem::IOProxy {
+class EncodedFile {
  public:
-    /// `name` is what the library calls it; its extension names the format.
-    explicit EncodedFile(const std::string& name) : IOProxy(name, Write) {}
-
     /// Why the bytes are not whole, or nothing when they are.
     const std::optional<std::string>& Problem() const { return problem_; }
 
@@ -29,14 +24,13 @@ class EncodedFile : public OIIO::Filesystem::IOProxy {
     /// Takes all bytes of an open file instead of its own.
     void CopyFrom(int descriptor);
 
-    // Not "file": the library would take that for a class of its own, and look into it.
-    const char* proxytype() const override { return "encoded"; }
-    bool seek(int64_t offset) override;
-    size_t write(const void* bytes, size_t size) override;
-    size_t pwrite(const void* bytes, size_t size, int64_t offset) override;
-    size_t read(void* bytes, size_t size) override;
-    size_t pread(void* bytes, size_t size, int64_t offset) override;
-    size_t size() const override { return size_; }
+    /// Writes bytes at a place, after zeros where nothing was written before it. A failure is remembered.
+    void Write(std::size_t at, const void* bytes, std::size_t size);
+    /// Writes bytes behind the last.
+    void Append(const void* bytes, std::size_t size) { Write(size_, bytes, size); }
+    /// Reads bytes from a place. Returns how many there are, at most `size`.
+    std::size_t Read(std::size_t at, void* bytes, std::size_t size) const;
+    std::size_t Size() const { return size_; }
 
  private:
     /// Blocks of one size, so that growing copies nothing.

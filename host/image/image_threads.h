@@ -9,6 +9,9 @@
 /// are scarce.
 int ImageThreads(int wanted, int cores, bool areScarce);
 
-/// Sets OPENIMAGEIO_THREADS and the library's own numbers accordingly. Once, at the program's start: it changes the
-/// environment, which no other thread may be reading.
+/// The same for this machine, with the wish of OPENIMAGEIO_THREADS.
+int ImageThreadsHere(bool areScarce);
+
+/// Sets OPENIMAGEIO_THREADS to a number that this machine can bear, before the library is loaded and reads it. Once, at
+/// the program's start: it changes the environment, which no other thread may be reading.
 void PrepareImageThreads();

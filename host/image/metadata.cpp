@@ -70,12 +70,11 @@ std::uint32_t Number(const unsigned char* bytes) {
 
 /// Why a colour profile cannot go with the red, green and blue that are written, or nothing when it can. What an
 /// encoder would refuse is refused here.
-std::optional<std::string> WhyNoProfile(const OIIO::ParamValue& attribute) {
-    const OIIO::TypeDesc type = attribute.type();
-    if (type.basetype != OIIO::TypeDesc::UINT8) return "it is a text";
+std::optional<std::string> WhyNoProfile(const Attribute& attribute) {
+    if (attribute.type.base != AttributeType::kUint8) return "it is a text";
     constexpr std::size_t kHeader = 132, kTag = 12;
-    const auto* bytes = static_cast<const unsigned char*>(attribute.data());
-    const std::size_t size = type.size();
+    const auto* bytes = reinterpret_cast<const unsigned char*>(attribute.bytes.data());
+    const std::size_t size = attribute.bytes.size();
     const auto has = [&](std::size_t at, std::string_view word) {
         return std::memcmp(bytes + at, word.data(), 4) == 0;
     };
@@ -107,12 +106,12 @@ bool Survives(const std::string& name) {
 
 }  // namespace
 
-PictureMetadata MetadataOf(const OIIO::ImageSpec& layout, const std::string& format) {
+PictureMetadata MetadataOf(const ImageLayout& layout, const std::string& format) {
     PictureMetadata metadata;
     metadata.format = format;
-    metadata.compression = layout.get_string_attribute("compression");
-    for (const OIIO::ParamValue& attribute : layout.extra_attribs) {
-        const std::string name = Lower(attribute.name().string());
+    metadata.compression = layout.Text("compression");
+    for (const Attribute& attribute : layout.attributes) {
+        const std::string name = Lower(attribute.name);
         if (name == "iccprofile") {
             if (auto reason = WhyNoProfile(attribute)) {
                 metadata.dropped = std::move(*reason);
@@ -124,12 +123,12 @@ PictureMetadata MetadataOf(const OIIO::ImageSpec& layout, const std::string& for
     return metadata;
 }
 
-void AddMetadata(const PictureMetadata& metadata, OIIO::ImageSpec& layout) {
-    for (const OIIO::ParamValue& attribute : metadata.attributes) layout.extra_attribs.add_or_replace(attribute);
+void AddMetadata(const PictureMetadata& metadata, ImageLayout& layout) {
+    for (const Attribute& attribute : metadata.attributes) layout.Set(attribute);
 }
 
-void FixDate(OIIO::ImageSpec& layout) {
-    if (!layout.get_string_attribute("DateTime").empty()) return;
+void FixDate(ImageLayout& layout) {
+    if (!layout.Text("DateTime").empty()) return;
     if (const char* epoch = std::getenv("SOURCE_DATE_EPOCH")) {
         std::time_t seconds = 0;
         const char* end = epoch + std::strlen(epoch);
@@ -138,10 +137,10 @@ void FixDate(OIIO::ImageSpec& layout) {
         char text[64];
         if (error == std::errc() && stop == end && gmtime_r(&seconds, &date) &&
             std::strftime(text, sizeof text, "%Y:%m:%d %H:%M:%S", &date) == 19) {
-            layout.attribute("DateTime", text);
+            layout.SetText("DateTime", text);
             return;
         }
     }
     // An attribute of that name keeps the library from adding one, and a number is no date that it could write.
-    layout.attribute("DateTime", 0);
+    layout.SetNumber("DateTime", 0);
 }

@@ -4,23 +4,24 @@
 
 // What survives of a file beside its pixels. Inside host/image only.
 
-#include <OpenImageIO/imageio.h>
-
 #include <string>
+#include <vector>
+
+#include "host/image/image_layout.h"
 
 struct PictureMetadata {
-    OIIO::ParamValueList attributes;
+    std::vector<Attribute> attributes;
     std::string format;       ///< of the file that they come from
     std::string compression;  ///< of that file; empty where it has none
     std::string dropped;      ///< why its colour profile is left out; empty where it has none or it is kept
 };
 
 /// Takes from a file's description what is about the picture, and leaves what is about how the file is stored.
-PictureMetadata MetadataOf(const OIIO::ImageSpec& layout, const std::string& format);
+PictureMetadata MetadataOf(const ImageLayout& layout, const std::string& format);
 
 /// Adds the attributes to the description of a file of a format.
-void AddMetadata(const PictureMetadata& metadata, OIIO::ImageSpec& layout);
+void AddMetadata(const PictureMetadata& metadata, ImageLayout& layout);
 
 /// Makes the date of the description one that does not depend on when it is written: the one that it has, else the time
 /// of the environment's SOURCE_DATE_EPOCH, else none, also where the image library would take the present.
-void FixDate(OIIO::ImageSpec& layout);
+void FixDate(ImageLayout& layout);

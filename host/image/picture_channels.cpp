@@ -19,9 +19,9 @@ bool SameIgnoringCase(std::string_view a, std::string_view b) {
                       [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
 }
 
-int ChannelNamed(const OIIO::ImageSpec& layout, const std::string& name) {
-    for (int i = 0; i < layout.nchannels; ++i) {
-        if (SameIgnoringCase(layout.channelnames[static_cast<std::size_t>(i)], name)) return i;
+int ChannelNamed(const ImageLayout& layout, const std::string& name) {
+    for (int i = 0; i < layout.ChannelCount(); ++i) {
+        if (SameIgnoringCase(layout.channels[static_cast<std::size_t>(i)], name)) return i;
     }
     return -1;
 }
@@ -33,7 +33,7 @@ std::string LayerOf(const std::string& channel) {
 }
 
 /// A channel of a layer by any of its names.
-int ChannelOf(const OIIO::ImageSpec& layout, const std::string& layer, std::initializer_list<const char*> names) {
+int ChannelOf(const ImageLayout& layout, const std::string& layer, std::initializer_list<const char*> names) {
     for (const char* name : names) {
         const int found = ChannelNamed(layout, layer.empty() ? name : layer + "." + name);
         if (found >= 0) return found;
@@ -46,7 +46,7 @@ bool HasColours(const Channels& channels) {
 }
 
 /// The channels that have the names of colours, or of a luminance, in a layer.
-Channels NamedChannels(const OIIO::ImageSpec& layout, const std::string& layer) {
+Channels NamedChannels(const ImageLayout& layout, const std::string& layer) {
     Channels found;
     found.red = ChannelOf(layout, layer, {"R", "red"});
     found.green = ChannelOf(layout, layer, {"G", "green"});
@@ -60,10 +60,10 @@ Channels NamedChannels(const OIIO::ImageSpec& layout, const std::string& layer) 
 }
 
 /// The first three channels of a layer, whatever their names.
-Channels FirstChannels(const OIIO::ImageSpec& layout, const std::string& layer, int alpha) {
+Channels FirstChannels(const ImageLayout& layout, const std::string& layer, int alpha) {
     std::vector<int> colours;
-    for (int i = 0; i < layout.nchannels; ++i) {
-        if (i != alpha && LayerOf(layout.channelnames[static_cast<std::size_t>(i)]) == layer) colours.push_back(i);
+    for (int i = 0; i < layout.ChannelCount(); ++i) {
+        if (i != alpha && LayerOf(layout.channels[static_cast<std::size_t>(i)]) == layer) colours.push_back(i);
     }
     if (colours.size() >= 3) return {colours[0], colours[1], colours[2], alpha};
     if (colours.size() == 2) return {colours[0], colours[1], -1, alpha};
@@ -72,12 +72,12 @@ Channels FirstChannels(const OIIO::ImageSpec& layout, const std::string& layer, 
 }
 
 /// What --layer takes for this file, in its order.
-std::vector<std::string> LayerNames(const OIIO::ImageSpec& layout) {
+std::vector<std::string> LayerNames(const ImageLayout& layout) {
     const Channels own = NamedChannels(layout, "");
     std::vector<std::string> names;
-    for (int i = 0; i < layout.nchannels; ++i) {
+    for (int i = 0; i < layout.ChannelCount(); ++i) {
         if (i == own.red || i == own.green || i == own.blue || i == own.alpha) continue;
-        const std::string& channel = layout.channelnames[static_cast<std::size_t>(i)];
+        const std::string& channel = layout.channels[static_cast<std::size_t>(i)];
         const std::string layer = LayerOf(channel);
         const std::string& name = layer.empty() ? channel : layer;
         if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
@@ -95,53 +95,48 @@ std::string Listed(const std::vector<std::string>& names) {
 }
 
 /// What was read and what was left; empty when that is nothing.
-std::string NoteOn(const OIIO::ImageSpec& layout, const Channels& channels, const std::string& fileName) {
+std::string NoteOn(const ImageLayout& layout, const Channels& channels, const std::string& fileName) {
     std::vector<std::string> read, left;
-    for (int i = 0; i < layout.nchannels; ++i) {
+    for (int i = 0; i < layout.ChannelCount(); ++i) {
         const bool used = i == channels.red || i == channels.green || i == channels.blue || i == channels.alpha;
-        (used ? read : left).push_back(layout.channelnames[static_cast<std::size_t>(i)]);
+        (used ? read : left).push_back(layout.channels[static_cast<std::size_t>(i)]);
     }
     if (left.empty()) return "";
     return fmt::format("'{}' has {} channels: {} were read, {} were left out; --layer reads one of: {}", fileName,
-                       layout.nchannels, Listed(read), Listed(left), Listed(LayerNames(layout)));
+                       layout.ChannelCount(), Listed(read), Listed(left), Listed(LayerNames(layout)));
 }
 
-Channels ChannelsWithoutLayer(const OIIO::ImageSpec& layout) {
+Channels ChannelsWithoutLayer(const ImageLayout& layout) {
     Channels channels = NamedChannels(layout, "");
     if (channels.red >= 0) {
-        if (channels.alpha < 0 && layout.alpha_channel >= 0 &&
-            LayerOf(layout.channelnames[static_cast<std::size_t>(layout.alpha_channel)]).empty()) {
-            channels.alpha = layout.alpha_channel;
+        if (channels.alpha < 0 && layout.alphaChannel >= 0 &&
+            LayerOf(layout.channels[static_cast<std::size_t>(layout.alphaChannel)]).empty()) {
+            channels.alpha = layout.alphaChannel;
         }
         return channels;
     }
     const int alpha = channels.alpha;
-    for (const std::string& name : layout.channelnames) {
+    for (const std::string& name : layout.channels) {
         Channels layer = NamedChannels(layout, LayerOf(name));
         if (LayerOf(name).empty() || !HasColours(layer)) continue;
         if (layer.alpha < 0) layer.alpha = alpha;
         return layer;
     }
-    Channels first = FirstChannels(layout, "", alpha >= 0 ? alpha : layout.alpha_channel);
-    if (first.red < 0 && first.alpha < 0 && layout.nchannels > 0) {
-        first = FirstChannels(layout, LayerOf(layout.channelnames.front()), -1);
+    Channels first = FirstChannels(layout, "", alpha >= 0 ? alpha : layout.alphaChannel);
+    if (first.red < 0 && first.alpha < 0 && layout.ChannelCount() > 0) {
+        first = FirstChannels(layout, LayerOf(layout.channels.front()), -1);
     }
     return first;
 }
 
-std::string PartName(OIIO::ImageInput& input, int part) {
-    return input.spec_dimensions(part).width > 0 ? input.spec(part).get_string_attribute("oiio:subimagename") : "";
-}
-
-std::string PartText(OIIO::ImageInput& input, int part) {
-    const std::string name = PartName(input, part);
+std::string PartText(ImageReader& input, int part) {
+    const std::string name = input.PartName(part);
     return name.empty() ? fmt::format("{}", part) : fmt::format("{} ({})", part, name);
 }
 
 }  // namespace
 
-Result<ChannelChoice> ChooseChannels(const OIIO::ImageSpec& layout, const std::string& layer,
-                                     const std::string& fileName) {
+Result<ChannelChoice> ChooseChannels(const ImageLayout& layout, const std::string& layer, const std::string& fileName) {
     if (layer.empty()) {
         const Channels channels = ChannelsWithoutLayer(layout);
         return ChannelChoice{channels, NoteOn(layout, channels, fileName)};
@@ -152,17 +147,17 @@ Result<ChannelChoice> ChooseChannels(const OIIO::ImageSpec& layout, const std::s
     if (channels.red < 0) channels.red = channels.green = channels.blue = ChannelNamed(layout, layer);
     if (channels.red < 0) {
         return Failure{ExitCode::kUsage, fmt::format("'{}' has no layer '{}'; its channels are {}", fileName, layer,
-                                                     Listed(layout.channelnames))};
+                                                     Listed(layout.channels))};
     }
     channels.alpha = alpha;
     return ChannelChoice{channels, ""};
 }
 
-Result<std::string> ChoosePart(OIIO::ImageInput& input, const std::string& part, const std::string& fileName) {
-    const int count = std::max(1, input.spec().get_int_attribute("oiio:subimages", 1));
+Result<std::string> ChoosePart(ImageReader& input, const std::string& part, const std::string& fileName) {
+    const int count = std::max(1, input.PartCount());
     std::vector<std::string> parts;
     for (int i = 0; i < count; ++i) parts.push_back(PartText(input, i));
-    input.seek_subimage(0, 0);  // asking for a part moves to it
+    input.OpenPart(0);  // asking for a part moves to it
     if (part.empty()) {
         if (count == 1) return std::string();
         const std::string read = parts.front();
@@ -178,12 +173,11 @@ Result<std::string> ChoosePart(OIIO::ImageInput& input, const std::string& part,
     if (error != std::errc() || stop != end) {
         number = -1;
         for (int i = 0; i < count && number < 0; ++i) {
-            if (PartName(input, i) == part) number = i;
+            if (input.PartName(i) == part) number = i;
         }
     }
     // Formats whose parts cannot be counted before they are read are asked for the one that is wanted.
-    if (number >= 0 && input.seek_subimage(number, 0)) return std::string();
-    (void)input.geterror();
+    if (number >= 0 && input.OpenPart(number)) return std::string();
     return Failure{ExitCode::kUsage,
                    fmt::format("'{}' has no part '{}'; its parts are {}", fileName, part, Listed(parts))};
 }

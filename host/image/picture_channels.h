@@ -4,10 +4,9 @@
 
 // Which of a file's parts and channels make an image of red, green, blue and alpha. Inside host/image only.
 
-#include <OpenImageIO/imageio.h>
-
 #include <string>
 
+#include "host/image/codec.h"
 #include "host/image/picture.h"
 
 /// Places among the channels of a file; -1 for a channel that it lacks.
@@ -28,9 +27,8 @@ struct ChannelChoice {
 /// green and blue, else the luminance, else the first layer of an EXR that has colours, else the first three channels;
 /// one is grey, two are red and green. The alpha is the layer's own, else the image's. Fails with `ExitCode::kUsage`
 /// and the layers that there are.
-Result<ChannelChoice> ChooseChannels(const OIIO::ImageSpec& layout, const std::string& layer,
-                                     const std::string& fileName);
+Result<ChannelChoice> ChooseChannels(const ImageLayout& layout, const std::string& layer, const std::string& fileName);
 
 /// Moves to the part of that number, counted from 0, or of that name; empty for the first. Returns what was left out,
 /// as above. Fails with `ExitCode::kUsage` and the parts that there are.
-Result<std::string> ChoosePart(OIIO::ImageInput& input, const std::string& part, const std::string& fileName);
+Result<std::string> ChoosePart(ImageReader& input, const std::string& part, const std::string& fileName);

@@ -20,6 +20,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr std::string_view kPngCompressions = " default fast small ";
 constexpr std::string_view kTiffCompressions = " zip lzw packbits none ";
 constexpr std::string_view kExrCompressions = " zip zips piz rle pxr24 b44 b44a dwaa dwab none ";
 
@@ -33,7 +34,7 @@ constexpr Format Jpeg(std::string_view extension) {
 }
 
 constexpr std::array<Format, 6> kFormats = {{
-    {".png", Form::kStraight, FileDepth::k8, FileDepth::k16, PlaceKind::kOffset, "png", "", " 8 16 "},
+    {".png", Form::kStraight, FileDepth::k8, FileDepth::k16, PlaceKind::kOffset, "png", kPngCompressions, " 8 16 "},
     Tiff(".tif"),
     Tiff(".tiff"),
     {".exr", Form::kPremultiplied, FileDepth::kHalf, FileDepth::kFloat, PlaceKind::kWindows, "openexr",
@@ -124,21 +125,6 @@ bool HasCompression(const Format& format, std::string_view compression) {
     return Lists(format.compressions, compression);
 }
 
-OIIO::TypeDesc TypeOf(FileDepth depth) {
-    switch (depth) {
-        case FileDepth::kAuto:
-        case FileDepth::k8:
-            return OIIO::TypeDesc::UINT8;
-        case FileDepth::k16:
-            return OIIO::TypeDesc::UINT16;
-        case FileDepth::kHalf:
-            return OIIO::TypeDesc::HALF;
-        case FileDepth::kFloat:
-            return OIIO::TypeDesc::FLOAT;
-    }
-    return OIIO::TypeDesc::UINT8;
-}
-
 std::string WritableFormats() {
     std::string text;
     for (std::size_t i = 0; i < kFormats.size(); ++i) {
@@ -164,10 +150,6 @@ Result<Done> CheckCompression(const fs::path& file, const std::string& compressi
                        fmt::format("'{}' is no compression of {}; use 'jpeg:1' to 'jpeg:100', its quality", compression,
                                    format.extension)};
     }
-    if (format.compressions.empty()) {
-        return Failure{ExitCode::kUsage,
-                       fmt::format("{} has one compression only; there is nothing to choose", format.extension)};
-    }
     return Failure{ExitCode::kUsage,
                    fmt::format("'{}' is no compression of {}; use one of:{}", compression, format.extension,
                                format.compressions.substr(0, format.compressions.size() - 1))};
@@ -192,7 +174,8 @@ FileDepth FileDepthNamed(const std::string& name) {
 
 std::vector<std::string> CompressionNames() {
     std::vector<std::string> names;
-    std::istringstream words(std::string(kTiffCompressions) + std::string(kExrCompressions));
+    std::istringstream words(std::string(kPngCompressions) + std::string(kTiffCompressions) +
+                             std::string(kExrCompressions));
     for (std::string word; words >> word;) {
         if (std::find(names.begin(), names.end(), word) == names.end()) names.push_back(word);
     }

@@ -4,8 +4,6 @@
 
 // The formats that images are written in: what each can hold, and which is meant by a name. Inside host/image only.
 
-#include <OpenImageIO/imageio.h>
-
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -42,6 +40,3 @@ const Format* FormatOf(const std::filesystem::path& file, const std::string& nam
 
 /// Whether the format has this compression, a name of --compression.
 bool HasCompression(const Format& format, std::string_view compression);
-
-/// The type of the file's channels.
-OIIO::TypeDesc TypeOf(FileDepth depth);

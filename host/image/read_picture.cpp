@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include <OpenImageIO/imageio.h>
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/mman.h>
@@ -23,6 +22,7 @@
 
 #include "host/compositing/memory_shortage.h"
 #include "host/compositing/start_threads.h"
+#include "host/image/codec.h"
 #include "host/image/encoded_file.h"
 #include "host/image/metadata.h"
 #include "host/image/picture.h"
@@ -113,8 +113,8 @@ Channels Within(Channels channels, int begin) {
 
 /// Reads all pixels of some of the file's channels, `Channel` being what they are converted to.
 template <typename Pixel, typename Channel>
-std::optional<std::string> ReadPixels(OIIO::ImageInput& input, const OIIO::ImageSpec& layout, Channels channels,
-                                      OIIO::TypeDesc type, Channel full, World& world) {
+std::optional<std::string> ReadPixels(ImageReader& input, const ImageLayout& layout, Channels channels, Channel full,
+                                      World& world) {
     const auto [begin, end] = RangeOf(channels);
     const int count = end - begin;
     const std::size_t rowValues = static_cast<std::size_t>(layout.width) * static_cast<std::size_t>(count);
@@ -123,14 +123,11 @@ std::optional<std::string> ReadPixels(OIIO::ImageInput& input, const OIIO::Image
         static_cast<Channel*>(std::calloc(rowValues * static_cast<std::size_t>(layout.height), sizeof(Channel))),
         &std::free);
     if (!values) throw std::bad_alloc();
-    const bool read = input.read_image(input.current_subimage(), 0, begin, end, type, values.get());
-    // Some readers deliver what they have of a truncated file and only leave a message.
-    const std::string message = input.geterror();
-    if (!read || !message.empty()) return message;
+    if (auto problem = input.Read(begin, end, sizeof(Channel) == 1, values.get())) return problem;
 
     channels = Within(channels, begin);
     const bool hasBoth = channels.alpha >= 0 && channels.red >= 0;
-    const bool straight = !hasBoth || layout.get_int_attribute("oiio:UnassociatedAlpha", 0) != 0;
+    const bool straight = !hasBoth || layout.isStraight;
     for (int y = 0; y < layout.height; ++y) {
         auto* row = static_cast<Pixel*>(static_cast<void*>(world.Row(y)));
         FillRow(values.get() + rowValues * static_cast<std::size_t>(y), count, channels, full, row, layout.width);
@@ -167,7 +164,7 @@ std::optional<std::string> WhyTooLarge(int width, int height, int channels) {
 }
 
 /// An offset of pixels, unless it is absurd.
-PF_Point OffsetOf(const OIIO::ImageSpec& layout) {
+PF_Point OffsetOf(const ImageLayout& layout) {
     constexpr int kFarthest = 1 << 24;
     PF_Point offset{};
     if (std::abs(std::int64_t{layout.x}) > kFarthest || std::abs(std::int64_t{layout.y}) > kFarthest) return offset;
@@ -177,40 +174,40 @@ PF_Point OffsetOf(const OIIO::ImageSpec& layout) {
 }
 
 /// All that the header says: a picture without pixels and metadata.
-Result<Picture> ReadHeader(const OIIO::ImageInput& input, const fs::path& file, const ChannelChoice& choice) {
-    const OIIO::ImageSpec& layout = input.spec();
+Result<Picture> ReadHeader(const ImageReader& input, const fs::path& file, const ChannelChoice& choice) {
+    const ImageLayout& layout = input.Layout();
     if (layout.depth > 1) return CannotRead(file, "it is a volume, not a flat picture");
-    if (layout.width <= 0 || layout.height <= 0 || layout.nchannels <= 0) return CannotRead(file, "it has no pixels");
+    if (layout.width <= 0 || layout.height <= 0 || layout.channels.empty()) return CannotRead(file, "it has no pixels");
     Picture picture;
-    picture.format = input.format_name();
+    picture.format = input.FormatName();
     const bool hasWindows = picture.format == "openexr";
-    picture.bits = layout.get_int_attribute("oiio:BitsPerSample", static_cast<int>(layout.format.size()) * 8);
+    picture.bits = layout.Number("oiio:BitsPerSample", layout.channelBytes * 8);
     picture.window = {0, 0, layout.width, layout.height};
     picture.frameWidth = layout.width;
     picture.frameHeight = layout.height;
-    if (hasWindows && layout.full_width > 0 && layout.full_height > 0) {
-        picture.window = {layout.x - layout.full_x, layout.y - layout.full_y, layout.x - layout.full_x + layout.width,
-                          layout.y - layout.full_y + layout.height};
-        picture.frameWidth = layout.full_width;
-        picture.frameHeight = layout.full_height;
-        picture.frameOrigin.x = layout.full_x;
-        picture.frameOrigin.y = layout.full_y;
+    if (hasWindows && layout.fullWidth > 0 && layout.fullHeight > 0) {
+        picture.window = {layout.x - layout.fullX, layout.y - layout.fullY, layout.x - layout.fullX + layout.width,
+                          layout.y - layout.fullY + layout.height};
+        picture.frameWidth = layout.fullWidth;
+        picture.frameHeight = layout.fullHeight;
+        picture.frameOrigin.x = layout.fullX;
+        picture.frameOrigin.y = layout.fullY;
     }
     // A format without a frame has the frame begin where its pixels do.
     if (picture.format == "png") picture.frameOrigin = OffsetOf(layout);
     const auto [begin, end] = RangeOf(choice.channels);
     if (const auto reason = WhyTooLarge(layout.width, layout.height, end - begin)) return CannotRead(file, *reason);
     if (const auto reason = WhyTooLarge(picture.frameWidth, picture.frameHeight, 4)) return CannotRead(file, *reason);
-    picture.isHalf = layout.format == OIIO::TypeDesc::HALF;
+    picture.isHalf = layout.isHalf;
     picture.note = choice.note;
     return picture;
 }
 
-Result<Picture> ReadOpened(OIIO::ImageInput& input, const fs::path& file, const ChannelChoice& choice) {
+Result<Picture> ReadOpened(ImageReader& input, const fs::path& file, const ChannelChoice& choice) {
     auto picture = ReadHeader(input, file, choice);
     if (!picture) return picture;
-    const OIIO::ImageSpec layout = input.spec();
-    const bool eight = layout.format.size() == 1;
+    const ImageLayout& layout = input.Layout();
+    const bool eight = layout.channelBytes == 1;
     picture->metadata = std::make_shared<const PictureMetadata>(MetadataOf(layout, picture->format));
     picture->pixels = World::Create(layout.width, layout.height, eight ? Depth::k8 : Depth::k32);
     if (picture->pixels.IsNull()) {
@@ -223,15 +220,12 @@ Result<Picture> ReadOpened(OIIO::ImageInput& input, const fs::path& file, const 
     }
 
     const Channels& channels = choice.channels;
-    const auto problem =
-        eight ? ReadPixels<PF_Pixel, A_u_char>(input, layout, channels, OIIO::TypeDesc::UINT8, 255, picture->pixels)
-              : ReadPixels<PF_PixelFloat, float>(input, layout, channels, OIIO::TypeDesc::FLOAT, 1.0f, picture->pixels);
+    const auto problem = eight ? ReadPixels<PF_Pixel, A_u_char>(input, layout, channels, 255, picture->pixels)
+                               : ReadPixels<PF_PixelFloat, float>(input, layout, channels, 1.0f, picture->pixels);
     if (problem) return CannotRead(file, Reason(*problem, file));
     return picture;
 }
 
-/// An open file. The image library takes what follows a '?' in a name for arguments, and its formats read files by name
-/// only; so what has no plain name is opened here and read through its descriptor.
 class OpenFile {
  public:
     explicit OpenFile(int descriptor) : descriptor_(descriptor) {}
@@ -248,8 +242,8 @@ class OpenFile {
     const int descriptor_;
 };
 
-/// The format that a file's first bytes announce, as the library has it, or the name itself.
-std::string FormatByContent(int descriptor, const std::string& name) {
+/// The format that a file's first bytes announce, as the library has it, or nothing.
+std::string FormatByContent(int descriptor) {
     using namespace std::string_view_literals;
     constexpr std::pair<std::string_view, const char*> kMagic[] = {
         {"\x89PNG"sv, "png"},
@@ -261,11 +255,11 @@ std::string FormatByContent(int descriptor, const std::string& name) {
         {"\x76\x2f\x31\x01"sv, "openexr"},
     };
     char begin[4]{};
-    if (pread(descriptor, begin, sizeof begin, 0) != sizeof begin) return name;
+    if (pread(descriptor, begin, sizeof begin, 0) != sizeof begin) return "";
     for (const auto& [magic, format] : kMagic) {
         if (std::string_view(begin, magic.size()) == magic) return format;
     }
-    return name;
+    return "";
 }
 
 /// Everything that standard input holds, in a file without a place on a disk. Returns why there is none.
@@ -285,11 +279,11 @@ std::optional<std::string> TakeStandardInput(int file) {
 
 /// Chooses part and channels, and lets `read` make a picture of them.
 template <typename Read>
-Result<Picture> ChooseAnd(OIIO::ImageInput& input, const fs::path& file, const ReadOptions& options, Read read) {
+Result<Picture> ChooseAnd(ImageReader& input, const fs::path& file, const ReadOptions& options, Read read) {
     auto partNote = ChoosePart(input, options.part, file.string());
     if (!partNote) return partNote.Error();
-    if (input.spec().deep) return CannotRead(file, "it is a deep picture; flatten it first");
-    auto choice = ChooseChannels(input.spec(), options.layer, file.string());
+    if (input.Layout().isDeep) return CannotRead(file, "it is a deep picture; flatten it first");
+    auto choice = ChooseChannels(input.Layout(), options.layer, file.string());
     if (!choice) return choice.Error();
     if (!partNote->empty()) choice->note = *partNote + (choice->note.empty() ? "" : "; " + choice->note);
     return read(input, file, *choice);
@@ -302,42 +296,31 @@ Result<Picture> OpenAnd(const fs::path& file, const ReadOptions& options, Read r
     if (!isStandardInput) {
         if (const auto reason = WhyNoPicture(file)) return CannotRead(file, *reason);
     }
-    std::string name = file.string();
-    std::string format = name;
-    std::optional<OpenFile> opened;
-    if (isStandardInput || name.find('?') != std::string::npos) {
-        opened.emplace(isStandardInput ? memfd_create("umbrant", MFD_CLOEXEC)
-                                       : open(name.c_str(), O_RDONLY | O_CLOEXEC));
-        if (opened->Descriptor() < 0) return CannotRead(file, std::strerror(errno));
-        if (isStandardInput) {
-            if (const auto problem = TakeStandardInput(opened->Descriptor())) return CannotRead(file, *problem);
-        }
-        name = opened->Name();
-        format = FormatByContent(opened->Descriptor(), name);
+    const OpenFile opened(isStandardInput ? memfd_create("umbrant", MFD_CLOEXEC)
+                                          : open(file.c_str(), O_RDONLY | O_CLOEXEC));
+    if (opened.Descriptor() < 0) return CannotRead(file, std::strerror(errno));
+    if (isStandardInput) {
+        if (const auto problem = TakeStandardInput(opened.Descriptor())) return CannotRead(file, *problem);
+    }
+    ImageFile image{opened.Descriptor(), file.string(), ""};
+    // The image library takes what follows a '?' in a name for arguments.
+    if (isStandardInput || image.name.find('?') != std::string::npos) {
+        image.name = opened.Name();
+        image.format = FormatByContent(opened.Descriptor());
     }
     try {
-        // Without this the library would hand over straight files premultiplied, and rounded.
-        OIIO::ImageSpec config;
-        config.attribute("oiio:UnassociatedAlpha", 1);
-        std::unique_ptr<OIIO::ImageInput> input;
-        if (format == name) {
-            input = OIIO::ImageInput::open(name, &config);
-        } else if ((input = OIIO::ImageInput::create(format))) {
-            OIIO::ImageSpec layout;
-            if (!input->open(name, layout, config)) {
-                return CannotRead(
-                    file, fmt::format("it is not a picture that can be read ({})", Reason(input->geterror(), name)));
-            }
+        const auto codec = CodecToRead(opened.Descriptor());
+        if (const auto* problem = std::get_if<std::string>(&codec)) return CannotRead(file, *problem);
+        const OpenedImage input = std::get<const Codec*>(codec)->open(image);
+        if (const auto* problem = std::get_if<std::string>(&input)) {
+            return CannotRead(file,
+                              fmt::format("it is not a picture that can be read ({})", Reason(*problem, image.name)));
         }
-        if (!input) {
-            const std::string message = OIIO::geterror();
-            return CannotRead(file, fmt::format("it is not a picture that can be read ({})", Reason(message, name)));
-        }
-        return ChooseAnd(*input, file, options, read);
+        return ChooseAnd(*std::get<std::unique_ptr<ImageReader>>(input), file, options, read);
     } catch (const std::bad_alloc&) {
         return NoMemoryFor(file);
     } catch (const std::exception& problem) {
-        return CannotRead(file, Reason(problem.what(), name));
+        return CannotRead(file, Reason(problem.what(), image.name));
     }
 }
 

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include <OpenImageIO/imageio.h>
 #include <fmt/format.h>
-#include <sys/mman.h>
-#include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -18,6 +15,7 @@
 
 #include "host/compositing/memory_shortage.h"
 #include "host/compositing/start_threads.h"
+#include "host/image/codec.h"
 #include "host/image/encoded_file.h"
 #include "host/image/metadata.h"
 #include "host/image/picture.h"
@@ -94,84 +92,47 @@ FileDepth DepthFor(const Format& format, const World& world, const WriteOptions&
     return world.PixelDepth() == Depth::k8 ? format.fromEight : format.fromFloat;
 }
 
-OIIO::ImageSpec LayoutOf(const Format& format, const World& world, const Placement& place,
-                         const WriteOptions& options) {
-    OIIO::ImageSpec layout(world.Width(), world.Height(), format.form == Form::kOnWhite ? 3 : 4,
-                           TypeOf(DepthFor(format, world, options)));
+ImageLayout LayoutOf(const Format& format, const World& world, const Placement& place, const WriteOptions& options) {
+    ImageLayout layout;
+    layout.width = world.Width();
+    layout.height = world.Height();
+    layout.channels = {"R", "G", "B"};
+    if (format.form != Form::kOnWhite) {
+        layout.channels.push_back("A");
+        layout.alphaChannel = 3;
+    }
     if (options.metadata) AddMetadata(*options.metadata, layout);
     FixDate(layout);
-    if (format.form == Form::kStraight) layout.attribute("oiio:UnassociatedAlpha", 1);
-    if (const std::string compression = CompressionFor(format, options); !compression.empty()) {
-        layout.attribute("compression", compression);
-    }
+    layout.isStraight = format.form == Form::kStraight;
     if (format.place != PlaceKind::kNone) {
         layout.x = place.frameOrigin.x + place.window.left;
         layout.y = place.frameOrigin.y + place.window.top;
     }
     if (format.place == PlaceKind::kWindows) {
-        layout.full_x = place.frameOrigin.x;
-        layout.full_y = place.frameOrigin.y;
-        layout.full_width = place.frameWidth > 0 ? place.frameWidth : world.Width();
-        layout.full_height = place.frameHeight > 0 ? place.frameHeight : world.Height();
+        layout.fullX = place.frameOrigin.x;
+        layout.fullY = place.frameOrigin.y;
+        layout.fullWidth = place.frameWidth > 0 ? place.frameWidth : world.Width();
+        layout.fullHeight = place.frameHeight > 0 ? place.frameHeight : world.Height();
     }
     return layout;
-}
-
-/// Lets the library write the image, through `proxy` or, without one, to a file of that name. Returns why it could not.
-std::optional<std::string> Encode(const Format& format, const World& world, const OIIO::ImageSpec& layout,
-                                  const std::string& name, OIIO::Filesystem::IOProxy* proxy) {
-    const std::unique_ptr<OIIO::ImageOutput> output = OIIO::ImageOutput::create(std::string(format.name));
-    if (!output) return OIIO::geterror();
-    if (proxy && !output->set_ioproxy(proxy)) return output->geterror();
-    if (!output->open(name, layout)) return output->geterror();
-    // In bands, which take less memory than all values at once. Each is a multiple of every format's own.
-    constexpr int kBand = 256;
-    std::vector<float> values;
-    bool whole = true;
-    for (int begin = 0; whole && begin < world.Height(); begin += kBand) {
-        const int end = std::min(begin + kBand, world.Height());
-        FileValues(world, format.form, begin, end, values);
-        whole = output->write_scanlines(layout.y + begin, layout.y + end, 0, OIIO::TypeDesc::FLOAT, values.data());
-    }
-    whole = output->close() && whole;
-    return whole ? std::nullopt : std::optional(output->geterror());
-}
-
-/// The same for TIFF, whose metadata may have a directory of their own, for which the library reads what it wrote, and
-/// never through a proxy. The image goes to a file without a place on a disk; where files may not grow, nothing is
-/// begun that would not fit: after a failed write the library may not end.
-std::optional<std::string> EncodeTiff(const Format& format, const World& world, const OIIO::ImageSpec& layout,
-                                      EncodedFile& encoded) {
-    rlimit limit{};
-    if (getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY) {
-        OIIO::ImageSpec plain(layout.width, layout.height, layout.nchannels, layout.format);
-        plain.attribute("compression", layout.get_string_attribute("compression"));
-        std::size_t metadata = 1024;
-        for (const OIIO::ParamValue& attribute : layout.extra_attribs) {
-            metadata += static_cast<std::size_t>(attribute.datasize()) + 64;
-        }
-        EncodedFile measured(std::string(format.name));
-        if (auto problem = Encode(format, world, plain, "measured", &measured)) return problem;
-        if (measured.size() + metadata > limit.rlim_cur) return std::strerror(EFBIG);
-    }
-    const int file = memfd_create("umbrant", MFD_CLOEXEC);
-    if (file < 0) return std::strerror(errno);
-    auto problem = Encode(format, world, layout, fmt::format("/dev/fd/{}", file), nullptr);
-    if (!problem) encoded.CopyFrom(file);
-    close(file);
-    return problem;
 }
 
 /// The file's bytes. Fails with the reason alone.
 std::optional<std::string> EncodeTo(EncodedFile& encoded, const Format& format, const World& world,
                                     const Placement& place, const WriteOptions& options) {
-    // What the library says to its own developers would appear on the standard streams.
-    static const bool quiet = OIIO::attribute("debug", 0);
-    (void)quiet;
     try {
-        const OIIO::ImageSpec layout = LayoutOf(format, world, place, options);
-        auto problem = format.name == "tiff" ? EncodeTiff(format, world, layout, encoded)
-                                             : Encode(format, world, layout, std::string(format.name), &encoded);
+        const auto codec = CodecToWrite(format);
+        if (const auto* problem = std::get_if<std::string>(&codec)) return *problem;
+        const ImageLayout layout = LayoutOf(format, world, place, options);
+        const ImageToWrite image = {format,
+                                    layout,
+                                    DepthFor(format, world, options),
+                                    CompressionFor(format, options),
+                                    world,
+                                    [&](int begin, int end, std::vector<float>& values) {
+                                        FileValues(world, format.form, begin, end, values);
+                                    }};
+        const auto problem = std::get<const Codec*>(codec)->encode(image, encoded);
         if (!encoded.Problem() && !problem) return std::nullopt;
         const std::string reason = encoded.Problem().value_or(problem.value_or(""));
         return reason.empty() ? "it cannot be encoded" : reason.substr(0, reason.find('\n'));
@@ -200,12 +161,12 @@ Result<std::string> EncodePicture(const World& world, const Placement& place, co
     const fs::path output = "-";
     if (auto known = CheckFormat(output, options.format); !known) return known.Error();
     if (!HasPixels(world)) return CannotWrite(output, kNothing);
-    EncodedFile encoded(options.format);
+    EncodedFile encoded;
     if (const auto problem = EncodeTo(encoded, *FormatOf(output, options.format), world, place, options)) {
         return CannotWrite(output, *problem);
     }
-    std::string bytes(encoded.size(), '\0');
-    encoded.pread(bytes.data(), bytes.size(), 0);
+    std::string bytes(encoded.Size(), '\0');
+    encoded.Read(0, bytes.data(), bytes.size());
     return bytes;
 }
 
@@ -217,7 +178,7 @@ Result<Done> WritePicture(const fs::path& file, const World& world, const Placem
     const fs::path behind = BehindLinks(file);
     TemporaryFile temporary(behind);
     if (const auto problem = temporary.Problem()) return CannotWrite(file, *problem);
-    EncodedFile encoded(file.string());
+    EncodedFile encoded;
     if (const auto problem = EncodeTo(encoded, *FormatOf(file), world, place, options)) {
         return CannotWrite(file, *problem);
     }

@@ -107,7 +107,7 @@ TEST_F(FilterPrograms, Melt) {
         "sample_aspect_num=1\nsample_aspect_den=1\ndisplay_aspect_num=4\ndisplay_aspect_den=3\ncolorspace=709\n");
     const auto melt = [&](const std::string& filter, const std::string& name) {
         Run("melt -silent -profile small.profile clip.mov -filter frei0r.umbrant_frei0r " + filter +
-            " -consumer avformat:" + name + ".%04d.png vcodec=png pix_fmt=rgba mlt_image_format=rgba real_time=-1");
+            " -consumer avformat:" + name + ".%04d.png vcodec=png pix_fmt=rgba mlt_image_format=rgba real_time=0");
     };
     DrawWithProgram({});
     melt("", "all");

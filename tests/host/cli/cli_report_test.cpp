@@ -153,7 +153,10 @@ TEST_F(CliReport, WrongPlacesAndCompressions) {
          "'lzw' is no compression of .exr; use one of: zip"},
         {"no compression of TIFF", {"--compression", "piz"}, "o.tif", "'piz' is no compression of .tif"},
         {"two in one", {"--compression", "zip zips"}, "o.exr", "'zip zips' is no compression of .exr"},
-        {"nothing to choose", {"--compression", "zip"}, "o.png", ".png has one compression only"},
+        {"another one for PNG",
+         {"--compression", "zip"},
+         "o.png",
+         "'zip' is no compression of .png; use one of: default fast small"},
         {"a quality of 0", {"--compression", "jpeg:0"}, "o.jpg", "use 'jpeg:1' to 'jpeg:100'"},
         {"a quality that is none", {"--compression", "jpeg:nan"}, "o.jpg", "use 'jpeg:1' to 'jpeg:100'"},
     };

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/image/codec.h"
+
+#include <array>
+
+#include "host/image/png_reader.h"
+#include "host/image/png_writer.h"
+
+namespace {
+
+const Codec& PngCodec() {
+    static const Codec codec{"png", ReadsPng, OpenPng, EncodePng};
+    return codec;
+}
+
+/// The formats of nearly every frame, by their own libraries.
+std::array<const Codec*, 1> OwnCodecs() {
+    return {&PngCodec()};
+}
+
+}  // namespace
+
+std::variant<const Codec*, std::string> CodecToRead(int descriptor) {
+    for (const Codec* codec : OwnCodecs()) {
+        if (codec->reads(descriptor)) return codec;
+    }
+    return LibraryCodec();
+}
+
+std::variant<const Codec*, std::string> CodecToWrite(const Format& format) {
+    for (const Codec* codec : OwnCodecs()) {
+        if (codec->name == format.name) return codec;
+    }
+    return LibraryCodec();
+}

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// The filters of PNG's rows. Inside host/image only.
+
+#include <cstddef>
+#include <cstdint>
+
+/// Writes a row as PNG stores it: the filter's number, then its bytes less what the filter foretells. Of the filters
+/// none, sub and up it takes the one whose bytes, as signed numbers, have the smallest sum of sizes; the first of equal
+/// ones.
+/// \param row, above: `size` bytes each; `above` is the row before, zeros for the first
+/// \param pixel: bytes of a pixel
+/// \param to: `size` + 1 bytes
+void FilterRow(const std::uint8_t* row, const std::uint8_t* above, std::size_t size, std::size_t pixel,
+               std::uint8_t* to);

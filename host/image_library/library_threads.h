@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+/// Limits the image library's threads to those that the machine has, and to one where the system refuses threads. Once,
+/// before the library's first work.
+void PrepareLibraryThreads();

@@ -1,0 +1,427 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// PNG by its own library against the image library: every kind of pixel and chunk is read alike, and what is written is
+// read back alike.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <png.h>
+#include <zlib.h>
+
+#include <cstdio>
+#include <random>
+
+#include "host/image/codec.h"
+#include "host/image/latin_text.h"
+#include "host/image/metadata.h"
+#include "tests/host/image/picture_files.h"
+
+namespace {
+
+using testing::HasSubstr;
+
+std::string Big32(std::uint32_t value) {
+    std::string bytes;
+    for (int shift = 24; shift >= 0; shift -= 8) bytes += static_cast<char>(value >> shift);
+    return bytes;
+}
+
+std::string Chunk(const std::string& type, const std::string& content) {
+    const std::string body = type + content;
+    const auto sum = crc32(0, reinterpret_cast<const Bytef*>(body.data()), static_cast<uInt>(body.size()));
+    return Big32(static_cast<std::uint32_t>(content.size())) + body + Big32(static_cast<std::uint32_t>(sum));
+}
+
+std::string Deflated(const std::string& bytes) {
+    uLongf size = compressBound(static_cast<uLong>(bytes.size()));
+    std::string out(size, '\0');
+    compress(reinterpret_cast<Bytef*>(out.data()), &size, reinterpret_cast<const Bytef*>(bytes.data()),
+             static_cast<uLong>(bytes.size()));
+    out.resize(size);
+    return out;
+}
+
+/// What a PNG is made of.
+struct Png {
+    int color = PNG_COLOR_TYPE_RGB_ALPHA;
+    int bits = 8;
+    std::string chunks{};   ///< before the pixels
+    std::string palette{};  ///< with the chunks that follow it
+};
+
+constexpr int kWidth = 13, kHeight = 7;
+
+std::string Bytes(const Png& png) {
+    const int samples = png.color == PNG_COLOR_TYPE_GRAY || png.color == PNG_COLOR_TYPE_PALETTE ? 1
+                        : png.color == PNG_COLOR_TYPE_GRAY_ALPHA                                ? 2
+                        : png.color == PNG_COLOR_TYPE_RGB                                       ? 3
+                                                                                                : 4;
+    const int rowBytes = (kWidth * samples * png.bits + 7) / 8;
+    std::mt19937 random(7);
+    std::string rows;
+    for (int y = 0; y < kHeight; ++y) {
+        rows += '\0';
+        for (int x = 0; x < rowBytes; ++x) {
+            rows += static_cast<char>(
+                png.color == PNG_COLOR_TYPE_PALETTE ? (png.bits == 8 ? x % 2 : 0x11 & (x * 16 + x)) : random());
+        }
+    }
+    std::string header = Big32(kWidth) + Big32(kHeight);
+    header += {static_cast<char>(png.bits), static_cast<char>(png.color), 0, 0, 0};
+    return "\x89PNG\r\n\x1a\n" + Chunk("IHDR", header) + png.chunks + png.palette + Chunk("IDAT", Deflated(rows)) +
+           Chunk("IEND", "");
+}
+
+std::unique_ptr<ImageReader> Opened(const Codec& codec, const std::filesystem::path& path, std::string* problem) {
+    std::FILE* const file = std::fopen(path.c_str(), "rb");
+    OpenedImage opened = codec.open({fileno(file), path.string(), ""});
+    std::fclose(file);
+    if (auto* reader = std::get_if<std::unique_ptr<ImageReader>>(&opened)) return std::move(*reader);
+    *problem = std::get<std::string>(opened);
+    return nullptr;
+}
+
+const Codec& Library() {
+    const auto codec = LibraryCodec();
+    return *std::get<const Codec*>(codec);
+}
+
+/// The codec that a file of this name is read with.
+const Codec& Chosen(const std::filesystem::path& path) {
+    std::FILE* const file = std::fopen(path.c_str(), "rb");
+    const auto codec = CodecToRead(fileno(file));
+    std::fclose(file);
+    return *std::get<const Codec*>(codec);
+}
+
+template <typename Value>
+std::vector<Value> Values(ImageReader& reader, int begin, int end) {
+    const ImageLayout& layout = reader.Layout();
+    std::vector<Value> values(static_cast<std::size_t>(layout.width * layout.height * (end - begin)));
+    const auto problem = reader.Read(begin, end, sizeof(Value) == 1, values.data());
+    EXPECT_EQ(problem.value_or("none"), "none");
+    return values;
+}
+
+/// That both codecs say the same of a file beside its pixels.
+void ExpectSameLayout(const ImageLayout& ours, const ImageLayout& theirs) {
+    EXPECT_EQ(ours.channels, theirs.channels);
+    EXPECT_EQ(ours.alphaChannel, theirs.alphaChannel);
+    EXPECT_EQ(ours.channelBytes, theirs.channelBytes);
+    EXPECT_EQ(ours.isStraight || ours.alphaChannel < 0, theirs.isStraight || theirs.alphaChannel < 0);
+    EXPECT_EQ((std::array{ours.x, ours.y, ours.width, ours.height, ours.depth}),
+              (std::array{theirs.x, theirs.y, theirs.width, theirs.height, theirs.depth}));
+    const PictureMetadata kept = MetadataOf(ours, "png"), theirKept = MetadataOf(theirs, "png");
+    EXPECT_EQ(kept.attributes.size(), theirKept.attributes.size());
+    for (const Attribute& attribute : theirKept.attributes) {
+        const Attribute* own = ours.Find(attribute.name);
+        ASSERT_TRUE(own) << attribute.name;
+        EXPECT_EQ(*own, attribute) << attribute.name;
+    }
+}
+
+/// That both codecs read the same from a file: all channels, and the last alone.
+void ExpectReadAlike(const std::filesystem::path& path) {
+    std::string problem;
+    ASSERT_EQ(Chosen(path).name, "png");
+    for (const bool floats : {false, true}) {
+        for (const bool onlyLast : {false, true}) {
+            const auto ours = Opened(Chosen(path), path, &problem);
+            const auto theirs = Opened(Library(), path, &problem);
+            ASSERT_TRUE(ours && theirs) << problem;
+            EXPECT_EQ(ours->FormatName(), theirs->FormatName());
+            ExpectSameLayout(ours->Layout(), theirs->Layout());
+            const int end = ours->Layout().ChannelCount();
+            const int begin = onlyLast ? end - 1 : 0;
+            if (floats) {
+                EXPECT_EQ(Values<float>(*ours, begin, end), Values<float>(*theirs, begin, end));
+            } else if (ours->Layout().channelBytes == 1) {
+                EXPECT_EQ(Values<unsigned char>(*ours, begin, end), Values<unsigned char>(*theirs, begin, end));
+            }
+        }
+    }
+}
+
+TEST(PngCodec, EveryKindOfPixelIsReadAsBefore) {
+    const Folder folder;
+    const std::string palette = Chunk("PLTE", {10, 20, 30, 40, 50, 60});
+    const Png rows[] = {
+        {PNG_COLOR_TYPE_GRAY, 1},
+        {PNG_COLOR_TYPE_GRAY, 2},
+        {PNG_COLOR_TYPE_GRAY, 4},
+        {PNG_COLOR_TYPE_GRAY, 8},
+        {PNG_COLOR_TYPE_GRAY, 16},
+        {PNG_COLOR_TYPE_GRAY, 8, Chunk("tRNS", std::string("\0\x0b", 2))},
+        {PNG_COLOR_TYPE_RGB, 8},
+        {PNG_COLOR_TYPE_RGB, 16},
+        {PNG_COLOR_TYPE_RGB, 8, Chunk("tRNS", std::string("\0\x0b\0\x28\0\x45", 6))},
+        {PNG_COLOR_TYPE_RGB, 16, Chunk("tRNS", "\x0b\x28\x45\x62\x7f\x1c")},
+        {PNG_COLOR_TYPE_PALETTE, 1, "", palette},
+        {PNG_COLOR_TYPE_PALETTE, 2, "", palette},
+        {PNG_COLOR_TYPE_PALETTE, 4, "", palette},
+        {PNG_COLOR_TYPE_PALETTE, 8, "", palette},
+        {PNG_COLOR_TYPE_PALETTE, 8, "", palette + Chunk("tRNS", "\x7f")},
+        {PNG_COLOR_TYPE_GRAY_ALPHA, 8},
+        {PNG_COLOR_TYPE_GRAY_ALPHA, 16},
+        {PNG_COLOR_TYPE_RGB_ALPHA, 8},
+        {PNG_COLOR_TYPE_RGB_ALPHA, 16},
+    };
+    for (const Png& row : rows) {
+        SCOPED_TRACE(testing::Message() << "kind " << row.color << ", " << row.bits << " bits");
+        WriteBytes(folder / "a.png", Bytes(row));
+        ExpectReadAlike(folder / "a.png");
+    }
+}
+
+TEST(PngCodec, EveryChunkIsReadAsBefore) {
+    const Folder folder;
+    const auto real = [](double value) { return Big32(static_cast<std::uint32_t>(value * 100000)); };
+    const std::string rows[] = {
+        Chunk("gAMA", real(0.45455)) + Chunk("sRGB", std::string(1, '\0')),
+        Chunk("gAMA", real(0.45455)),
+        Chunk("gAMA", real(0.5)),
+        Chunk("gAMA", real(0.55556)),
+        Chunk("gAMA", real(1)),
+        Chunk("gAMA", real(0)),
+        Chunk("pHYs", Big32(3000) + Big32(6000) + '\1'),
+        Chunk("pHYs", Big32(2) + Big32(1) + '\0'),
+        Chunk("oFFs", Big32(static_cast<std::uint32_t>(-5)) + Big32(7) + '\0'),
+        Chunk("oFFs", Big32(5) + Big32(7) + '\1'),
+        Chunk("tIME", std::string("\x07\xe4\1\2\3\4\5", 7)),
+        Chunk("tEXt", std::string("Description\0hello", 17)) + Chunk("tEXt", std::string("author\0me", 9)) +
+            Chunk("tEXt", std::string("Title\0ti", 8)) + Chunk("tEXt", std::string("Own thing\0xyz", 13)),
+        Chunk("tEXt", std::string("twice\0one", 9)) + Chunk("tEXt", std::string("Twice\0two", 9)),
+        Chunk("zTXt", std::string("key\0\0", 5) + Deflated("compressed")),
+        Chunk("iTXt", std::string("key\0\0\0en\0\xc3\xa4\0\xe2\x82\xac", 15)),
+        Chunk("cHRM", std::string(32, '\1')),
+        Chunk("sBIT", "\5\5\5\5"),
+        Chunk("bKGD", std::string("\0\1\0\2\0\3", 6)),
+        Chunk("prVt", "unknown"),
+        Chunk("iCCP", std::string("bad\0\0", 5) + Deflated("no profile")),
+        // Known by its checksum to be damaged: an ancillary chunk is left out then.
+        "\0\0\0\4gAMA1234nono",
+    };
+    for (const std::string& row : rows) {
+        SCOPED_TRACE(row);
+        WriteBytes(folder / "a.png", Bytes({PNG_COLOR_TYPE_RGB_ALPHA, 8, row}));
+        ExpectReadAlike(folder / "a.png");
+    }
+}
+
+TEST(PngCodec, WhatHoldsAnotherFormatIsLeftToTheImageLibrary) {
+    const Folder folder;
+    const std::string rows[] = {
+        Chunk("eXIf", std::string("II*\0\x08\0\0\0\0\0\0\0\0\0", 14)),
+        Chunk("iTXt", std::string("XML:com.adobe.xmp\0\0\0\0\0<x/>", 26)),
+        Chunk("zTXt", std::string("Raw profile type exif\0\0", 23) + Deflated("exif")),
+    };
+    for (const std::string& row : rows) {
+        WriteBytes(folder / "a.png", Bytes({PNG_COLOR_TYPE_RGB_ALPHA, 8, row}));
+        EXPECT_EQ(Chosen(folder / "a.png").name, "");
+        EXPECT_TRUE(ReadPicture(folder / "a.png"));
+    }
+}
+
+TEST(PngCodec, TextsBefore8BitsOfUnicodeBecomeUnicode) {
+    const Folder folder;
+    WriteBytes(folder / "a.png", Bytes({PNG_COLOR_TYPE_RGB_ALPHA, 8, Chunk("tEXt", std::string("who\0J\xf6rg", 8))}));
+    std::string problem;
+    const auto reader = Opened(Chosen(folder / "a.png"), folder / "a.png", &problem);
+    ASSERT_TRUE(reader) << problem;
+    EXPECT_EQ(reader->Layout().Text("who"), "J\xc3\xb6rg");
+    EXPECT_EQ(LatinOfUtf8("J\xc3\xb6rg"), "J\xf6rg");
+    EXPECT_EQ(LatinOfUtf8("\xe2\x82\xac"), std::nullopt);
+    for (const char* wrong : {"\xc0\xaf", "\xed\xa0\x80", "\xf5\x80\x80\x80", "\xe2\x82", "\x80", "\xf0\x80\x80\xaf"}) {
+        EXPECT_FALSE(IsUtf8(wrong));
+    }
+    EXPECT_TRUE(IsUtf8("\xf0\x9f\x98\x80 \xe2\x82\xac \xc3\xa4 a"));
+}
+
+/// Writes a random image by libpng itself, with all rows in seven passes.
+void WriteInterlaced(const std::filesystem::path& path, int color, int bits) {
+    std::FILE* const file = std::fopen(path.c_str(), "wb");
+    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+    png_infop info = png_create_info_struct(png);
+    png_init_io(png, file);
+    png_set_IHDR(png, info, kWidth, kHeight, bits, color, PNG_INTERLACE_ADAM7, PNG_COMPRESSION_TYPE_BASE,
+                 PNG_FILTER_TYPE_BASE);
+    png_write_info(png, info);
+    const std::size_t rowBytes = png_get_rowbytes(png, info);
+    std::vector<png_byte> pixels(rowBytes * kHeight);
+    std::mt19937 random(3);
+    for (png_byte& byte : pixels) byte = static_cast<png_byte>(random());
+    std::vector<png_bytep> rows;
+    for (int y = 0; y < kHeight; ++y) rows.push_back(pixels.data() + static_cast<std::size_t>(y) * rowBytes);
+    png_write_image(png, rows.data());
+    png_write_end(png, nullptr);
+    png_destroy_write_struct(&png, &info);
+    std::fclose(file);
+}
+
+TEST(PngCodec, InterlacedFilesAreReadAsBefore) {
+    const Folder folder;
+    for (const auto& [color, bits] : {std::pair(PNG_COLOR_TYPE_RGB_ALPHA, 8), std::pair(PNG_COLOR_TYPE_RGB_ALPHA, 16),
+                                      std::pair(PNG_COLOR_TYPE_GRAY, 1), std::pair(PNG_COLOR_TYPE_GRAY, 16)}) {
+        WriteInterlaced(folder / "a.png", color, bits);
+        ExpectReadAlike(folder / "a.png");
+    }
+}
+
+TEST(PngCodec, AFileCutAnywhereIsRefusedAndNeverHalf) {
+    const Folder folder;
+    const std::string whole = Bytes({PNG_COLOR_TYPE_RGB_ALPHA, 16, Chunk("tEXt", std::string("a\0b", 3))});
+    for (std::size_t size = 8; size + 12 < whole.size(); size += 5) {
+        SCOPED_TRACE(size);
+        WriteBytes(folder / "a.png", whole.substr(0, size));
+        const auto picture = ReadPicture(folder / "a.png");
+        ASSERT_FALSE(picture);
+        EXPECT_EQ(picture.Error().code, ExitCode::kFile);
+        EXPECT_THAT(picture.Error().sentence, HasSubstr("the file ends too early"));
+    }
+}
+
+World Random(int width, int height, Depth depth) {
+    World world = World::Create(width, height, depth);
+    std::mt19937 random(width * 31 + height);
+    std::uniform_real_distribution<float> value(-0.2f, 1.2f);
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            // Flat parts, ramps and noise, so that every filter is the best one somewhere.
+            const auto byte = [&](int c) {
+                return static_cast<A_u_char>(y % 3 == 0 ? 0 : y % 3 == 1 ? x + c : random());
+            };
+            if (depth == Depth::k8) {
+                Pixel8(world, x, y) = {byte(0), byte(1), byte(2), byte(3)};
+            } else {
+                PixelFloat(world, x, y) = {value(random), value(random), value(random), value(random)};
+            }
+        }
+    }
+    return world;
+}
+
+float Steps(float value, float full) {
+    return std::floor(std::min(1.0f, std::max(0.0f, value)) * full + 0.5f);
+}
+
+TEST(PngCodec, EveryCompressionHoldsTheSamePixels) {
+    const Folder folder;
+    struct Size {
+        int width, height;
+    };
+    // One pixel, a row longer than a block of the compressor, more than a band, and something ordinary.
+    for (const Size& size : {Size{1, 1}, Size{29000, 5}, Size{3000, 2900}, Size{640, 333}}) {
+        for (const Depth depth : {Depth::k8, Depth::k32}) {
+            if (size.width == 3000 && depth == Depth::k32) continue;
+            const World world = Random(size.width, size.height, depth);
+            for (const char* compression : {"", "default", "fast", "small"}) {
+                SCOPED_TRACE(testing::Message() << size.width << " x " << size.height << " " << compression);
+                if (size.width == 3000 && std::string(compression) == "small") continue;
+                WriteOptions options;
+                options.compression = compression;
+                const Placement place{{3, 4, 3 + size.width, 4 + size.height}, size.width, size.height, {}};
+                const auto written = WritePicture(folder / "a.png", world, place, options);
+                ASSERT_TRUE(written) << written.Error().sentence;
+                const RawFile raw = ReadRaw(folder / "a.png");
+                EXPECT_EQ(raw.layout.format, depth == Depth::k8 ? OIIO::TypeDesc::UINT8 : OIIO::TypeDesc::UINT16);
+                EXPECT_EQ(raw.layout.x, 3);
+                EXPECT_EQ(raw.layout.y, 4);
+                std::size_t wrong = 0, i = 0;
+                const float full = depth == Depth::k8 ? 255.0f : 65535.0f;
+                for (int y = 0; y < size.height; ++y) {
+                    const void* row = world.Row(y);
+                    for (int x = 0; x < size.width; ++x) {
+                        std::array<float, 4> expected{};
+                        if (depth == Depth::k8) {
+                            const PF_Pixel& p = static_cast<const PF_Pixel*>(row)[x];
+                            expected = {static_cast<float>(p.red), static_cast<float>(p.green),
+                                        static_cast<float>(p.blue), static_cast<float>(p.alpha)};
+                        } else {
+                            const PF_PixelFloat& p = static_cast<const PF_PixelFloat*>(row)[x];
+                            expected = {Steps(p.red, full), Steps(p.green, full), Steps(p.blue, full),
+                                        Steps(p.alpha, full)};
+                        }
+                        for (const float value : expected) wrong += std::round(raw.values[i++] * full) != value;
+                    }
+                }
+                EXPECT_EQ(wrong, 0u);
+            }
+        }
+    }
+}
+
+TEST(PngCodec, ADamagedNumberBecomesNothing) {
+    const Folder folder;
+    const float infinity = std::numeric_limits<float>::infinity();
+    World world = FilledFloat(2, 1, {std::nanf(""), infinity, -infinity, 0.5f});
+    ASSERT_TRUE(WritePicture(folder / "a.png", world, {}));
+    const RawFile raw = ReadRaw(folder / "a.png");
+    EXPECT_EQ(raw.values[0], 1.0f);
+    EXPECT_EQ(raw.values[1], 0.0f);
+    EXPECT_NEAR(raw.values[2], 0.5f, 1e-4f);
+    EXPECT_EQ(raw.values[3], 0.0f);
+}
+
+TEST(PngCodec, OtherReadersFindNoFault) {
+    if (std::system("pngcheck -h >/dev/null 2>&1") == 127 * 256) GTEST_SKIP() << "pngcheck is not installed";
+    const Folder folder;
+    for (const char* compression : {"default", "fast", "small"}) {
+        SCOPED_TRACE(compression);
+        WriteOptions options;
+        options.compression = compression;
+        ImageLayout layout;
+        layout.SetText("ImageDescription", "\xe2\x82\xac and J\xc3\xb6rg");
+        layout.SetText("Own", "J\xc3\xb6rg");
+        layout.SetText("oiio:ColorSpace", "sRGB");
+        layout.SetText("DateTime", "2020:01:02 03:04:05");
+        layout.SetReal("XResolution", 300);
+        layout.SetReal("YResolution", 300);
+        layout.SetText("ResolutionUnit", "in");
+        options.metadata = std::make_shared<const PictureMetadata>(PictureMetadata{layout.attributes, "png", "", ""});
+        ASSERT_TRUE(WritePicture(folder / "a.png", Random(1200, 900, Depth::k8), {}, options));
+        const std::string command = "pngcheck -q '" + (folder / "a.png").string() + "'";
+        EXPECT_EQ(std::system(command.c_str()), 0);
+    }
+}
+
+TEST(PngCodec, MetadataAreWrittenAsBefore) {
+    const Folder folder;
+    ImageLayout layout;
+    layout.SetText("ImageDescription", "what");
+    layout.SetText("Artist", "who");
+    layout.SetText("Own", "J\xc3\xb6rg");
+    layout.SetText("Euro", "\xe2\x82\xac");
+    layout.SetText("", "a text without a key");
+    layout.SetText(std::string(80, 'k'), "a key that is too long");
+    layout.SetText("DateTime", "2020:01:02 03:04:05");
+    layout.SetReal("XResolution", 30);
+    layout.SetReal("YResolution", 30);
+    layout.SetText("ResolutionUnit", "cm");
+    for (const auto& [space, expected] : {std::pair("sRGB", "sRGB"), std::pair("Gamma2.2", "Gamma2.2"),
+                                          std::pair("Linear", "linear"), std::pair("ACEScg", "sRGB")}) {
+        SCOPED_TRACE(space);
+        layout.SetText("oiio:ColorSpace", space);
+        WriteOptions options;
+        options.metadata = std::make_shared<const PictureMetadata>(PictureMetadata{layout.attributes, "png", "", ""});
+        ASSERT_TRUE(WritePicture(folder / "a.png", Random(3, 2, Depth::k8), {}, options));
+        const OIIO::ImageSpec back = ReadRaw(folder / "a.png").layout;
+        EXPECT_EQ(back.get_string_attribute("ImageDescription"), "what");
+        EXPECT_EQ(back.get_string_attribute("Artist"), "who");
+        EXPECT_EQ(back.get_string_attribute("Euro"), "\xe2\x82\xac");
+        EXPECT_EQ(back.get_string_attribute("DateTime"), "2020:01:02 03:04:05");
+        EXPECT_NEAR(back.get_float_attribute("XResolution"), 30 * 2.54, 0.01);
+        EXPECT_EQ(back.get_string_attribute("oiio:ColorSpace"), expected);
+        // The image library's word for a colour space is no text for people.
+        EXPECT_THAT(ReadBytes(folder / "a.png"), testing::Not(HasSubstr("oiio:")));
+        const auto own = ReadPicture(folder / "a.png");
+        ASSERT_TRUE(own);
+        std::string kept;
+        for (const Attribute& attribute : own->metadata->attributes) {
+            if (attribute.name == "Own") kept = attribute.texts.front();
+        }
+        EXPECT_EQ(kept, "J\xc3\xb6rg");
+    }
+}
+
+}  // namespace
