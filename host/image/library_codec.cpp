@@ -4,9 +4,17 @@
 #include <dlfcn.h>
 #include <fmt/format.h>
 
+#include <cerrno>
+#include <chrono>
 #include <filesystem>
+#include <future>
+#include <iterator>
+#include <mutex>
 #include <system_error>
+#include <thread>
+#include <vector>
 
+#include "host/compositing/start_threads.h"
 #include "host/image/codec.h"
 
 namespace {
@@ -31,7 +39,34 @@ std::string Place() {
     return kFile;
 }
 
+/// What libraries behind the image library start while they are loaded, and one for its own work. Where the system
+/// refuses one of them, they end the process.
+constexpr int kThreads = 5;
+
+std::ptrdiff_t ThreadsOfThisProcess() {
+    std::error_code error;
+    return std::distance(fs::directory_iterator("/proc/self/task", error), fs::directory_iterator());
+}
+
+/// Whether the system gives so many threads at once. All have ended, also for the system, when this returns.
+bool CanHaveThreads(int count) {
+    const std::ptrdiff_t before = ThreadsOfThisProcess();
+    std::promise<void> counted;
+    const std::shared_future<void> end = counted.get_future().share();
+    std::vector<std::thread> threads = StartThreads(count, [end](int) { end.wait(); });
+    counted.set_value();
+    for (std::thread& thread : threads) thread.join();
+    // Others may have begun meanwhile; then this waits in vain, for a moment.
+    for (int i = 0; i < 100 && ThreadsOfThisProcess() > before; ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    return static_cast<int>(threads.size()) == count;
+}
+
 Loaded Load() {
+    if (!CanHaveThreads(kThreads)) {
+        return fmt::format("the library for this format needs {} threads, and the system refuses them: {}", kThreads,
+                           std::generic_category().message(EAGAIN));
+    }
     // Never closed: the library keeps threads.
     void* const object = dlopen(Place().c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!object) return fmt::format("{}, which has the codecs of this format, cannot be loaded: {}", kFile, dlerror());
@@ -43,6 +78,12 @@ Loaded Load() {
 }  // namespace
 
 Loaded LibraryCodec() {
-    static const Loaded loaded = Load();
+    static std::mutex mutex;
+    static const Codec* codec = nullptr;
+    const std::lock_guard lock(mutex);
+    if (codec) return codec;
+    // What is short now may be there for the next image.
+    Loaded loaded = Load();
+    if (const auto* const* found = std::get_if<const Codec*>(&loaded)) codec = *found;
     return loaded;
 }

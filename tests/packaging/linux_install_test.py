@@ -21,6 +21,7 @@ ZSH = "vendor-completions" if pathlib.Path("/etc/debian_version").exists() else 
 EXPECTED = {
     "bin/umbrant",
     f"{LIBDIR}/umbrant/umbrant2.so",
+    f"{LIBDIR}/umbrant/umbrant_images.so",
     f"{LIBDIR}/umbrant/umbrant_shim.so",
     f"{LIBDIR}/umbrant/umbrant2.waivers.json",
     "share/man/man1/umbrant.1",
@@ -102,6 +103,37 @@ class Installed(unittest.TestCase):
 
     def test_the_program_finds_its_module(self):
         self.assertIn("style/distance", run(self.prefix / "bin/umbrant", "params"))
+
+    def test_the_program_needs_few_libraries(self):
+        # The image library brings 235 others: it is loaded with the first image that needs it.
+        needed = run("readelf", "--dynamic", self.prefix / "bin/umbrant")
+        for name in ("OpenImageIO", "OpenColorIO", "OpenEXR", "ssl", "crypto", "tiff", "jpeg"):
+            self.assertNotRegex(needed, rf"NEEDED.*{name}")
+        self.assertIn("libpng", needed)
+
+    def test_the_program_finds_the_image_library(self):
+        umbrant = self.prefix / "bin/umbrant"
+        with tempfile.TemporaryDirectory() as folder:
+            folder = pathlib.Path(folder)
+            write_png(folder / "dot.png", 1, 1, bytes((255, 0, 0, 255)))
+            draw = [umbrant, "render", "dot.png", "--renderer", "cpu", "-o"]
+            run(*draw, "dot.tif", cwd=folder)
+            self.assertTrue((folder / "dot.tif").is_file())
+            part = self.prefix / LIBDIR / "umbrant/umbrant_images.so"
+            away = part.with_suffix(".away")
+            part.rename(away)
+            try:
+                failed = subprocess.run([*draw, "no.tif"], cwd=folder, capture_output=True, text=True)
+                run(*draw, "dot2.png", cwd=folder)
+            finally:
+                away.rename(part)
+            self.assertEqual(failed.returncode, 3)
+            self.assertIn(
+                "umbrant: cannot write 'no.tif': umbrant_images.so, which has the codecs of this format, cannot be "
+                "loaded: umbrant_images.so: cannot open shared object file: No such file or directory\n",
+                failed.stderr,
+            )
+            self.assertEqual(sorted(path.name for path in folder.iterdir()), ["dot.png", "dot.tif", "dot2.png"])
 
     def test_the_judge_finds_its_parts(self):
         judged = run(self.prefix / "bin/umbrant", "validate", "--strictness", "2")

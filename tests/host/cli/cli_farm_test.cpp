@@ -220,7 +220,7 @@ TEST_F(CliFarm, WrongUsageIsCodeTwoAndSaysWhatIsRight) {
         {"a compression that the format lacks",
          {"slurm", "in.@.png", "-o", "out.#.png", "--compression", "zip"},
          2,
-         "there is nothing to choose"},
+         "is no compression of .png; use one of: default fast small"},
         {"a moment", {"slurm", "in.@.png", "-o", "out.#.png", "--time", "1"}, 2, "--time is about a single picture"},
         {"no folder", {"slurm", "in.@.png", "-o", "none/out.#.png"}, 3, "there is no folder 'none'"},
         {"no folder for the tasks",
