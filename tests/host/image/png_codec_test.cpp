@@ -281,6 +281,42 @@ TEST(PngCodec, AFileCutAnywhereIsRefusedAndNeverHalf) {
     }
 }
 
+TEST(PngCodec, DamagedFilesAreRefusedOrReadAsBefore) {
+    const Folder folder;
+    const std::string texts = Chunk("tEXt", std::string("a\0b", 3)) + Chunk("pHYs", Big32(2) + Big32(1) + '\0');
+    std::mt19937 random(11);
+    int read = 0, refused = 0;
+    for (const Png& png : {Png{PNG_COLOR_TYPE_RGB_ALPHA, 8, texts}, Png{PNG_COLOR_TYPE_GRAY, 16, texts},
+                           Png{PNG_COLOR_TYPE_PALETTE, 4, texts, Chunk("PLTE", {10, 20, 30, 40, 50, 60})}}) {
+        const std::string whole = Bytes(png);
+        for (int i = 0; i < 400; ++i) {
+            std::string bytes = whole;
+            // Behind the signature, which would make it another file.
+            bytes[8 + random() % (bytes.size() - 8)] = static_cast<char>(random());
+            WriteBytes(folder / "a.png", bytes);
+            std::string problem;
+            const auto ours = Opened(Chosen(folder / "a.png"), folder / "a.png", &problem);
+            const auto theirs = Opened(Library(), folder / "a.png", &problem);
+            if (!ours || ours->Layout().width > 100 || ours->Layout().height > 100) {
+                ++refused;
+                continue;
+            }
+            std::vector<float> values(
+                static_cast<std::size_t>(ours->Layout().width * ours->Layout().height * ours->Layout().ChannelCount()));
+            if (ours->Read(0, ours->Layout().ChannelCount(), false, values.data())) {
+                ++refused;
+                continue;
+            }
+            ++read;
+            ASSERT_TRUE(theirs) << problem;
+            ExpectSameLayout(ours->Layout(), theirs->Layout());
+            EXPECT_EQ(values, Values<float>(*theirs, 0, theirs->Layout().ChannelCount()));
+        }
+    }
+    EXPECT_GT(read, 50);
+    EXPECT_GT(refused, 200);
+}
+
 World Random(int width, int height, Depth depth) {
     World world = World::Create(width, height, depth);
     std::mt19937 random(width * 31 + height);
