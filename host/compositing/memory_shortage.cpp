@@ -53,8 +53,9 @@ bool SaysNoMemory(const std::string& message) {
     std::string lower(message);
     std::transform(lower.begin(), lower.end(), lower.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    for (const char* words : {"bad_alloc", "out of memory", "insufficient memory", "not enough memory", "no memory",
-                              "cannot allocate memory", "memory exhausted", "memory allocation"}) {
+    for (const char* words :
+         {"bad_alloc", "out of memory", "insufficient memory", "not enough memory", "no memory",
+          "cannot allocate memory", "memory exhausted", "memory allocation", "failed to map segment"}) {
         if (lower.find(words) != std::string::npos) return true;
     }
     return false;

@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <future>
 #include <iterator>
@@ -14,6 +15,7 @@
 #include <thread>
 #include <vector>
 
+#include "host/compositing/memory_shortage.h"
 #include "host/compositing/start_threads.h"
 #include "host/image/codec.h"
 
@@ -62,7 +64,12 @@ bool CanHaveThreads(int count) {
     return static_cast<int>(threads.size()) == count;
 }
 
+/// The address space that the library takes when it is loaded, with the stacks and heaps of its threads. Where less is
+/// left, one of its 235 libraries fails, or ends the process.
+constexpr std::uint64_t kMemory = std::uint64_t{480} << 20;
+
 Loaded Load() {
+    if (!CanHaveMemory(kMemory)) return "not enough memory for the library for this format";
     if (!CanHaveThreads(kThreads)) {
         return fmt::format("the library for this format needs {} threads, and the system refuses them: {}", kThreads,
                            std::generic_category().message(EAGAIN));

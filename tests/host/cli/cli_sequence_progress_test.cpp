@@ -172,8 +172,11 @@ TEST_F(CliSequenceProgress, AnInterruptionEndsAtOnceAndLeavesWholeFiles) {
 }
 
 TEST_F(CliSequenceProgress, ATerminalGetsABarAndASum) {
-    WriteLayer(folder_ / "large.png", 1200, 1200, {255, 200, 100, 50});
-    Running run(folder_, Arguments("large.png", "bar.##.png", {"--frames", "1-8", "--threads", "1"}), true);
+    // Large and slow, so that the bar is due on any machine: it first appears after a fifth of a second.
+    WriteLayer(folder_ / "large.png", 3000, 3000, {255, 200, 100, 50});
+    Running run(folder_,
+                Arguments("large.png", "bar.##.png", {"--frames", "1-8", "--threads", "1", "--compression", "small"}),
+                true);
     const std::string text = run.Terminal();
     EXPECT_EQ(run.Wait(), 0);
     EXPECT_THAT(text, HasSubstr("\r["));
@@ -183,12 +186,14 @@ TEST_F(CliSequenceProgress, ATerminalGetsABarAndASum) {
     EXPECT_THAT(text, HasSubstr("  frame "));
     EXPECT_THAT(text, HasSubstr("\r\x1b[Kumbrant: 8 drawn in ")) << "the bar makes way for the sum";
     EXPECT_THAT(text, Not(HasSubstr("frame 2 (2 of 8)"))) << "no lines beside the bar";
-    EXPECT_THAT(text, StartsWith("umbrant: 8 frames of 1200 x 1200, --canvas 0,0,1200,1200\r\n"));
+    EXPECT_THAT(text, StartsWith("umbrant: 8 frames of 3000 x 3000, --canvas 0,0,3000,3000\r\n"));
 }
 
 TEST_F(CliSequenceProgress, TheBarMakesWayForPathsOnTheSameTerminal) {
-    WriteLayer(folder_ / "large.png", 1200, 1200, {255, 200, 100, 50});
-    Running run(folder_, Arguments("large.png", "bar.##.png", {"--frames", "1-8", "--threads", "1"}), true, true);
+    WriteLayer(folder_ / "large.png", 3000, 3000, {255, 200, 100, 50});
+    Running run(folder_,
+                Arguments("large.png", "bar.##.png", {"--frames", "1-8", "--threads", "1", "--compression", "small"}),
+                true, true);
     const std::string text = run.Terminal();
     EXPECT_EQ(run.Wait(), 0);
     ASSERT_THAT(text, HasSubstr("\r[")) << "there is a bar";

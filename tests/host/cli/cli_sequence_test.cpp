@@ -192,7 +192,7 @@ TEST_F(CliSequence, WrongUsageIsToldBeforeAnythingIsDrawn) {
          "in.@.png",
          "out.#.png",
          2,
-         "there is nothing to choose"},
+         "'zip' is no compression of .png; use one of: default fast small"},
         {"a wrong value", {"--set", "paint/boarder=1"}, "in.@.png", "out.#.png", 2, "nearest: 'paint/border'"},
     };
     for (const auto& row : rows) {

@@ -296,7 +296,6 @@ TEST(PngCodec, DamagedFilesAreRefusedOrReadAsBefore) {
             WriteBytes(folder / "a.png", bytes);
             std::string problem;
             const auto ours = Opened(Chosen(folder / "a.png"), folder / "a.png", &problem);
-            const auto theirs = Opened(Library(), folder / "a.png", &problem);
             if (!ours || ours->Layout().width > 100 || ours->Layout().height > 100) {
                 ++refused;
                 continue;
@@ -308,6 +307,8 @@ TEST(PngCodec, DamagedFilesAreRefusedOrReadAsBefore) {
                 continue;
             }
             ++read;
+            // Not before: the image library leaks memory over a file that it refuses.
+            const auto theirs = Opened(Library(), folder / "a.png", &problem);
             ASSERT_TRUE(theirs) << problem;
             ExpectSameLayout(ours->Layout(), theirs->Layout());
             EXPECT_EQ(values, Values<float>(*theirs, 0, theirs->Layout().ChannelCount()));
