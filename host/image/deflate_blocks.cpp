@@ -16,7 +16,7 @@ namespace {
 /// What a compressor can refer back to.
 constexpr std::size_t kWindow = 32768;
 /// Large enough that what each block costs besides, some bytes and a new table, is not seen.
-constexpr std::size_t kBlock = std::size_t{1} << 18;
+constexpr std::size_t kBlock = std::size_t{1} << 17;
 constexpr char kNoMemory[] = "there is not enough memory for it";
 
 struct Block {

@@ -263,7 +263,7 @@ std::optional<std::string> WritePixels(PngFile& file, const ImageToWrite& image)
     const std::size_t pixel = static_cast<std::size_t>(file.layout.ChannelCount() * file.bits / 8);
     const std::size_t rowBytes = static_cast<std::size_t>(file.layout.width) * pixel;
     // In bands, which take less memory than the whole image.
-    constexpr std::size_t kBand = std::size_t{1} << 25;
+    constexpr std::size_t kBand = std::size_t{1} << 22;
     const int rows = static_cast<int>(std::clamp<std::size_t>(kBand / (rowBytes + 1), 1, 1u << 20));
     std::vector<std::uint8_t> filtered;
     bool isWritten = true;
