@@ -17,7 +17,7 @@
 #include "host/image/picture.h"
 #include "host/image/picture_format.h"
 
-/// An open image file. No function throws anything but std::bad_alloc; a failure is told as the reason alone.
+/// An open image file. No function throws anything but std::bad_alloc; on failure, functions return the reason alone.
 class ImageReader {
  public:
     ImageReader() = default;

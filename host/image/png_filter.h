@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Writes a row as PNG stores it: the filter's number, then its bytes less what the filter foretells. Of the filters
+/// Writes a row as PNG stores it: the number of the filter, then the bytes minus the prediction. Of the filters
 /// none, sub and up it takes the one whose bytes, as signed numbers, have the smallest sum of sizes; the first of equal
 /// ones.
 /// \param row, above: `size` bytes each; `above` is the row before, zeros for the first

@@ -124,7 +124,7 @@ void SetPlace(PngFile& file) {
     double down = static_cast<double>(layout.Real("YResolution", 0));
     int unit = PNG_RESOLUTION_UNKNOWN;
     if (!(across > 0)) {
-        // Without a resolution only the shape of a pixel is told.
+        // Without a resolution the file can only state the aspect ratio of a pixel.
         if (!(aspect > 0) || aspect == 1) return;
         across = 100;
     } else if (const Attribute* name = layout.Find("ResolutionUnit"); name && name->texts.size() == 1) {
