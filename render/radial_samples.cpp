@@ -9,6 +9,7 @@
 #include "pixel/easing.h"
 #include "pixel/matrix.h"
 #include "pixel/saturate.h"
+#include "render/samples.h"
 
 namespace {
 
@@ -66,9 +67,10 @@ RadialGeometry BuildRadialGeometry(const CheckedOutParams& params, const myParam
 
 std::vector<perSampleData> BuildRadialSamples(const myParams& settings, const RadialGeometry& geometry) {
     std::vector<perSampleData> samples;
-    samples.reserve(static_cast<size_t>(std::max(settings.numSamples, 0)));
+    const int32_t count = std::clamp(settings.numSamples, 0, kMostSamples);
+    samples.reserve(static_cast<size_t>(count));
     const EaseFunction ease = settings.easeMode == 0 ? easeIn : easeInOut;
     // Intended: counted from one, unlike the other shadow types, so the last copy reaches the end values.
-    for (int32_t i = 1; i <= settings.numSamples; ++i) samples.push_back(BuildSample(settings, geometry, i, ease));
+    for (int32_t i = 1; i <= count; ++i) samples.push_back(BuildSample(settings, geometry, i, ease));
     return samples;
 }

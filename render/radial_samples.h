@@ -23,6 +23,6 @@ struct RadialGeometry {
 /// Expects the settings of the render to be filled.
 RadialGeometry BuildRadialGeometry(const CheckedOutParams& params, const myParams& settings);
 
-/// The samples in drawing order; empty when `numSamples` is below 1. `radialTx`, `radialTy` and `radialScale` map the
-/// padded input to output pixels.
+/// The samples in drawing order; empty when `numSamples` is below 1, and cut off after `kMostSamples`. `radialTx`,
+/// `radialTy` and `radialScale` map the padded input to output pixels.
 std::vector<perSampleData> BuildRadialSamples(const myParams& settings, const RadialGeometry& geometry);

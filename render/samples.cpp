@@ -35,9 +35,10 @@ perSampleData BuildSample(const myParams& s, int32_t index, EaseFunction ease) {
 
 std::vector<perSampleData> BuildSamples(const myParams& settings) {
     std::vector<perSampleData> samples;
-    samples.reserve(static_cast<size_t>(std::max(settings.numSamples, 0)));
+    const int32_t count = std::clamp(settings.numSamples, 0, kMostSamples);
+    samples.reserve(static_cast<size_t>(count));
     const EaseFunction ease = settings.easeMode == 0 ? easeIn : easeInOut;
-    for (int32_t i = 0; i < settings.numSamples; ++i) samples.push_back(BuildSample(settings, i, ease));
+    for (int32_t i = 0; i < count; ++i) samples.push_back(BuildSample(settings, i, ease));
     return samples;
 }
 

@@ -8,7 +8,12 @@
 
 #include "render/render_settings.h"
 
-/// The samples of a normal or inner shadow, in drawing order; empty when `numSamples` is below 1.
+/// The longest stack that is drawn: four times what the row "Samples" allows. A damaged project can ask for two
+/// thousand million samples, which no machine has the memory for.
+constexpr int32_t kMostSamples = 1024;
+
+/// The samples of a normal or inner shadow, in drawing order; empty when `numSamples` is below 1, and cut off after
+/// `kMostSamples`.
 std::vector<perSampleData> BuildSamples(const myParams& settings);
 
 /// One record per framebuffer; empty when `numFramebuffers` is below 1. Sizes saturate.

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 
 #include "render/radial_samples.h"
 #include "tests/render/fake_render.h"
@@ -140,6 +141,14 @@ TEST_F(RadialSamplesTest, SoftnessIsAtLeastOne) {
     EXPECT_TRUE(Samples().empty());
     s_.numSamples = -4;
     EXPECT_TRUE(Samples().empty());
+}
+
+TEST_F(RadialSamplesTest, AStackBeyondAllReasonIsCutOff) {
+    s_.numSamples = 1024;
+    EXPECT_EQ(Samples().size(), 1024u);
+    s_.numSamples = std::numeric_limits<int32_t>::max();
+    EXPECT_EQ(Samples().size(), 1024u);
+    EXPECT_LT(Samples().capacity(), 2048u);
 }
 
 class RadialShadowTest : public SmartRenderTest {

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -148,6 +149,14 @@ TEST(Samples, NoneBelowOne) {
     EXPECT_TRUE(BuildSamples(Settings(-3)).empty());
     EXPECT_TRUE(BuildFramebufferRecords(Settings(0)).empty());
     EXPECT_TRUE(BuildFramebufferRecords(Settings(-3)).empty());
+}
+
+TEST(Samples, AStackBeyondAllReasonIsCutOff) {
+    EXPECT_EQ(BuildSamples(Settings(256)).size(), 256u);
+    EXPECT_EQ(BuildSamples(Settings(1024)).size(), 1024u);
+    const std::vector<perSampleData> samples = BuildSamples(Settings(std::numeric_limits<int32_t>::max()));
+    EXPECT_EQ(samples.size(), 1024u);
+    EXPECT_LT(samples.capacity(), 2048u);
 }
 
 TEST(FramebufferRecords, SecondHasTwiceTheBorder) {
