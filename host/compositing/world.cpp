@@ -11,9 +11,9 @@
 #include <map>
 #include <mutex>
 #include <new>
-#include <shared_mutex>
 #include <utility>
 
+#include "host/compositing/fork_lock.h"
 #include "host/compositing/row_pool.h"
 
 namespace {
@@ -26,7 +26,7 @@ char ownMark;
 
 /// The memory of every world that lives: its first byte and the byte after its last.
 struct Registry {
-    std::shared_mutex mutex;
+    ForkLock mutex;
     std::map<std::int64_t, std::int64_t> blocks;
 };
 // Kept: never destroyed, because an effect may call the host while the program ends.
@@ -48,7 +48,7 @@ bool LeadsToAWorld(const PF_EffectWorld& world) {
     const std::int64_t begin = address + std::min<std::int64_t>(lastRow, 0);
     const std::int64_t end = address + std::max<std::int64_t>(lastRow, 0) + pixel * world.width;
     Registry& registry = TheRegistry();
-    const std::shared_lock lock(registry.mutex);
+    const std::lock_guard lock(registry.mutex);
     const auto after = registry.blocks.upper_bound(begin);
     return after != registry.blocks.begin() && end <= std::prev(after)->second;
 }
@@ -93,13 +93,13 @@ struct World::Block {
     Block& operator=(const Block&) = delete;
     ~Block() {
         Registry& registry = TheRegistry();
-        const std::unique_lock lock(registry.mutex);
+        const std::lock_guard lock(registry.mutex);
         registry.blocks.erase(Address());
     }
     void Register() const {
         if (!bytes.Data()) return;
         Registry& registry = TheRegistry();
-        const std::unique_lock lock(registry.mutex);
+        const std::lock_guard lock(registry.mutex);
         registry.blocks.insert_or_assign(Address(), Address() + static_cast<std::int64_t>(bytes.Size()));
     }
     std::int64_t Address() const { return static_cast<std::int64_t>(reinterpret_cast<std::uintptr_t>(bytes.Data())); }

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "host/animation/preset.h"
+#include "host/compositing/fork_lock.h"
 #include "host/compositing/memory_shortage.h"
 #include "host/library/parameter_list.h"
 #include "host/library/pixel_order.h"
@@ -214,7 +215,7 @@ struct Effect::State {
     const std::function<void(const std::string&)> message;
     const ParamSet declared;
 
-    std::mutex mutex;  ///< around what follows
+    ForkLock mutex{ForkRank::kEffect};  ///< around what follows
     AnimatedParams params;
     bool isChanged = true;  ///< the effect has not seen the values
 };

@@ -10,13 +10,15 @@
 #include <system_error>
 #include <utility>
 
+#include "host/compositing/fork_lock.h"
+
 namespace {
 
 namespace fs = std::filesystem;
 
 /// The modules of the process. Everything in it, and every set-up and set-down, happens under its mutex.
 struct Registry {
-    std::mutex mutex;
+    ForkLock mutex{ForkRank::kModules};
     std::map<fs::path, std::weak_ptr<SharedModule>> loaded;
 };
 

@@ -6,11 +6,11 @@
 // thread in a host (loading, set-up, set-down, panel commands) is kept apart in time here.
 
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <utility>
 
+#include "host/compositing/fork_lock.h"
 #include "host/module/module.h"
 #include "host/session/effect_session.h"
 #include "host/session/renderer.h"
@@ -23,7 +23,7 @@ struct SharedModule {
     const std::unique_ptr<const Module> module;  ///< stays where it is: the sessions refer to it
     EffectSession root;
     /// Around every panel command, and around frames of an effect that takes one thread at a time.
-    std::mutex mutex;
+    ForkLock mutex{ForkRank::kModule};
     bool drawsOnThreads = false;
 };
 

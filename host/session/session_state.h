@@ -8,10 +8,10 @@
 #include <deque>
 #include <list>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
+#include "host/compositing/fork_lock.h"
 #include "host/module/module.h"
 #include "host/session/effect_session.h"
 #include "host/session/param_set.h"
@@ -48,10 +48,10 @@ struct SessionState {
         std::chrono::steady_clock::time_point begin;
         const CommandNotes* notes;
     };
-    mutable std::mutex runningMutex;
+    mutable ForkLock runningMutex{ForkRank::kSession};
     std::list<Running> running;  ///< the oldest first
 
-    std::mutex commandsMutex;
+    ForkLock commandsMutex;
     std::deque<CommandRecord> commands;  ///< outside of frames, the last ones
 
     LayerGeometry PanelGeometry() const { return {options.layerWidth, options.layerHeight, {1, 1}, {1, 1}}; }

@@ -14,6 +14,7 @@
 #include <mutex>
 #include <unordered_set>
 
+#include "host/compositing/fork_lock.h"
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
 
@@ -96,7 +97,7 @@ class StrictTables {
         std::size_t size = 0;
         int held = 0;
     };
-    std::mutex mutex_;
+    ForkLock mutex_;
     std::map<const OfferedSuite*, Copy> copies_;
 };
 
@@ -150,7 +151,7 @@ SPBoolean IsEqual(const char* token1, const char* token2) {
 
 /// The blocks that are out, so that a wrong one is not given to the C library.
 struct Blocks {
-    std::mutex mutex;
+    ForkLock mutex;
     std::unordered_set<void*> live;
 };
 

@@ -7,13 +7,14 @@
 #include <mutex>
 #include <string>
 
+#include "host/compositing/fork_lock.h"
 #include "host/suites/services.h"
 
 namespace {
 
 /// The canvases that live. Draw events come on one thread, but a wrong effect may ask from another.
 struct Living {
-    std::mutex mutex;
+    ForkLock mutex;
     std::vector<DrawbotCanvas*> canvases;
 };
 

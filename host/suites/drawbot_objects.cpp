@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "host/compositing/fork_lock.h"
 #include "host/suites/services.h"
 
 namespace {
@@ -18,7 +19,7 @@ struct Counted {
 };
 
 struct Table {
-    std::mutex mutex;
+    ForkLock mutex;
     std::unordered_map<const void*, std::unique_ptr<Counted>> objects;
 };
 

@@ -9,11 +9,11 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <type_traits>
 #include <vector>
 
+#include "host/compositing/fork_lock.h"
 #include "hostapi/basic_types.h"
 #include "hostapi/drawbot_types.h"
 #include "hostapi/pixels.h"
@@ -54,7 +54,7 @@ class EventLog {
     void Clear();
 
  private:
-    mutable std::mutex mutex_;
+    mutable ForkLock mutex_;
     std::uint64_t last_ = 0;
     std::uint64_t firstKept_ = 1;  ///< sequence of events_[0]
     std::vector<Event> events_;

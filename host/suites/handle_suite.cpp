@@ -10,6 +10,7 @@
 #include <mutex>
 #include <unordered_map>
 
+#include "host/compositing/fork_lock.h"
 #include "host/compositing/lent_memory.h"
 #include "host/suites/handles.h"
 #include "host/suites/slots.h"
@@ -29,7 +30,7 @@ struct Block {
 
 /// Every live handle. Handles outlive commands and threads, so there is one table.
 struct Table {
-    std::mutex mutex;
+    ForkLock mutex;
     std::unordered_map<PF_Handle, std::unique_ptr<Block>> blocks;
 
     Block* Find(PF_Handle handle) {

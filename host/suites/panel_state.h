@@ -4,10 +4,10 @@
 
 // The effect's panel as the effect has left it: which rows are hidden, disabled or collapsed.
 
-#include <mutex>
 #include <string>
 #include <vector>
 
+#include "host/compositing/fork_lock.h"
 #include "hostapi/params.h"
 
 /// One row of the panel.
@@ -44,7 +44,7 @@ class PanelState {
     std::string OptionsButton() const;
 
  private:
-    mutable std::mutex mutex_;
+    mutable ForkLock mutex_;
     std::vector<PanelRow> rows_;
     std::string optionsButton_;
 };

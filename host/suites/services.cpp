@@ -5,11 +5,13 @@
 
 #include <algorithm>
 
+#include "host/compositing/fork_lock.h"
+
 namespace {
 
 /// The sessions that live, in the order in which they began.
 struct Registry {
-    std::mutex mutex;
+    ForkLock mutex;
     std::vector<Services*> sessions;
     std::set<const void*> effectRefs;
 };

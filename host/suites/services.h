@@ -11,13 +11,13 @@
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <mutex>
 #include <set>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "host/compositing/fork_lock.h"
 #include "host/suites/balance.h"
 #include "host/suites/panel_state.h"
 #include "host/suites/stage_clock.h"
@@ -55,7 +55,7 @@ class SuiteLog {
     std::vector<std::string> Names() const;  ///< sorted
 
  private:
-    mutable std::mutex mutex_;
+    mutable ForkLock mutex_;
     std::set<std::string> names_;
 };
 
@@ -85,7 +85,7 @@ class Services {
     PanelState panel;
     /// How often each suite is held, by name and version. Guarded by suitesMutex.
     std::map<std::pair<std::string, int32_t>, int> suites;
-    std::mutex suitesMutex;
+    ForkLock suitesMutex{ForkRank::kSession};
     std::atomic<AEGP_LayerFlags> layerFlags{AEGP_LayerFlag_NONE};
     std::atomic<UMBRANT_Renderer> renderer{UMBRANT_Renderer_ANY};
     /// The session that the record belongs to; null in a record that stands alone.
@@ -98,7 +98,7 @@ class Services {
     bool strictLending = false;
 
  private:
-    mutable std::mutex mutex_;
+    mutable ForkLock mutex_;
     std::vector<std::string> misbehaviour_;
 };
 

@@ -6,7 +6,8 @@
 // for the effect's own work.
 
 #include <chrono>
-#include <mutex>
+
+#include "host/compositing/fork_lock.h"
 
 /// Kinds of host calls that move pixels.
 enum class PixelCall {
@@ -40,7 +41,7 @@ class StageClock {
     void Leave(PixelCall call);
     RenderStage StageOf(PixelCall call) const;
 
-    mutable std::mutex mutex_;
+    mutable ForkLock mutex_;
     StageTimes times_;
     int inside_ = 0;
     PixelCall call_ = PixelCall::kFetch;  ///< the outermost of those that are inside

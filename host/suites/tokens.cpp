@@ -7,10 +7,12 @@
 #include <mutex>
 #include <unordered_map>
 
+#include "host/compositing/fork_lock.h"
+
 namespace {
 
 struct Table {
-    std::mutex mutex;
+    ForkLock mutex;
     std::unordered_map<const void*, std::unique_ptr<Token>> tokens;
 
     Token* Insert(TokenKind kind, Services* services, int index) {

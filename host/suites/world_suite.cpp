@@ -8,6 +8,7 @@
 #include <mutex>
 #include <unordered_map>
 
+#include "host/compositing/fork_lock.h"
 #include "host/compositing/world.h"
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
@@ -18,7 +19,7 @@ namespace {
 
 /// Every live world, by its pixels: effects copy the record around.
 struct Table {
-    std::mutex mutex;
+    ForkLock mutex;
     std::unordered_map<const void*, World> worlds;
 };
 

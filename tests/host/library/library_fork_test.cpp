@@ -33,7 +33,7 @@ TEST(LibraryFork, AChildDrawsWithTheParentsEffectAndWithOneOfItsOwn) {
 
 TEST(LibraryFork, AChildThatIsForkedWhileAnotherThreadDrawsDrawsToo) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "a lock of the sanitizer's own that the drawing thread holds stays held in the child";
+    GTEST_SKIP() << "the sanitizer's allocator has no handlers for forks: a lock of its own stays held in the child";
 #endif
     const auto layer = Disc8(157, 143);
     Effect effect = RealEffect();
