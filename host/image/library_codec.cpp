@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include <dlfcn.h>
 #include <fmt/format.h>
 
 #include <cerrno>
@@ -18,28 +17,15 @@
 #include "host/compositing/memory_shortage.h"
 #include "host/compositing/start_threads.h"
 #include "host/image/codec.h"
+#include "host/loading/own_object.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char kFile[] = "umbrant_images.so";
-constexpr char kEntry[] = "UmbrantLibraryCodec";
+constexpr OwnObject kLibrary{"umbrant_images.so", "which has the codecs of this format", "UmbrantLibraryCodec"};
 
 using Loaded = std::variant<const Codec*, std::string>;
-
-/// Where the shared object is: beside the program, in the folder of its installation, or wherever the system's loader
-/// looks for this program.
-std::string Place() {
-    std::error_code error;
-    const fs::path program = fs::read_symlink("/proc/self/exe", error);
-    if (error) return kFile;
-    const fs::path folder = program.parent_path();
-    for (const fs::path& place : {folder, folder / ".." / UMBRANT_LIBRARY_FOLDER}) {
-        if (fs::is_regular_file(place / kFile, error)) return (place / kFile).string();
-    }
-    return kFile;
-}
 
 /// What libraries behind the image library start while they are loaded, and one for its own work. Where the system
 /// refuses one of them, they end the process.
@@ -74,12 +60,9 @@ Loaded Load() {
         return fmt::format("the library for this format needs {} threads, and the system refuses them: {}", kThreads,
                            std::generic_category().message(EAGAIN));
     }
-    // Never closed: the library keeps threads.
-    void* const object = dlopen(Place().c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (!object) return fmt::format("{}, which has the codecs of this format, cannot be loaded: {}", kFile, dlerror());
-    const auto entry = reinterpret_cast<const Codec* (*)()>(dlsym(object, kEntry));
-    if (!entry) return fmt::format("{} is of another version of the program", kFile);
-    return entry();
+    const auto opened = OpenOwnObject(kLibrary);
+    if (const auto* reason = std::get_if<std::string>(&opened)) return *reason;
+    return reinterpret_cast<const Codec* (*)()>(std::get<void*>(opened))();
 }
 
 }  // namespace

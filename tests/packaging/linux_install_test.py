@@ -130,7 +130,8 @@ class Installed(unittest.TestCase):
             self.assertEqual(failed.returncode, 3)
             self.assertIn(
                 "umbrant: cannot write 'no.tif': umbrant_images.so, which has the codecs of this format, cannot be "
-                "loaded: umbrant_images.so: cannot open shared object file: No such file or directory\n",
+                "loaded: umbrant_images.so: cannot open shared object file: No such file or directory; "
+                "install the program again, with the libraries that it needs\n",
                 failed.stderr,
             )
             self.assertEqual(sorted(path.name for path in folder.iterdir()), ["dot.png", "dot.tif", "dot2.png"])
