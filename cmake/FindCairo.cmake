@@ -1,4 +1,4 @@
-# Cairo::Cairo, the library that the host program draws its panel with.
+# Cairo::Cairo, the library behind umbrant_drawing.so.
 find_path(CAIRO_INCLUDE_DIR cairo.h PATH_SUFFIXES cairo)
 find_library(CAIRO_LIBRARY cairo)
 mark_as_advanced(CAIRO_INCLUDE_DIR CAIRO_LIBRARY)

@@ -145,22 +145,24 @@ function(umbrant_unittest name file)
                                               ENVIRONMENT "${arg_ENVIRONMENT}")
 endfunction()
 
-# umbrant_finds_images(program): puts the image library's shared object beside a program of the current folder, where
-# host/image looks for it. Nothing in a build without the host.
-function(umbrant_finds_images program)
-    if(NOT TARGET umbrant_images)
-        return()
-    endif()
-    # Once a folder: programs that are linked at the same time must not make the same link.
-    string(MAKE_C_IDENTIFIER "images_${CMAKE_CURRENT_BINARY_DIR}" beside)
-    if(NOT TARGET ${beside})
-        set(link ${CMAKE_CURRENT_BINARY_DIR}/umbrant_images.so)
-        add_custom_command(OUTPUT ${link} COMMAND ${CMAKE_COMMAND} -E create_symlink $<TARGET_FILE:umbrant_images> ${link}
-                           VERBATIM)
-        add_custom_target(${beside} DEPENDS ${link})
-        add_dependencies(${beside} umbrant_images)
-    endif()
-    add_dependencies(${program} ${beside})
+# umbrant_finds_own_objects(program): puts the program's shared objects beside a program of the current folder, where
+# host/loading looks for them. Nothing in a build without the host.
+function(umbrant_finds_own_objects program)
+    foreach(object umbrant_drawing umbrant_images)
+        if(NOT TARGET ${object})
+            continue()
+        endif()
+        # Once a folder: programs that are linked at the same time must not make the same link.
+        string(MAKE_C_IDENTIFIER "${object}_${CMAKE_CURRENT_BINARY_DIR}" beside)
+        if(NOT TARGET ${beside})
+            set(link ${CMAKE_CURRENT_BINARY_DIR}/${object}.so)
+            add_custom_command(OUTPUT ${link} COMMAND ${CMAKE_COMMAND} -E create_symlink $<TARGET_FILE:${object}> ${link}
+                               VERBATIM)
+            add_custom_target(${beside} DEPENDS ${link})
+            add_dependencies(${beside} ${object})
+        endif()
+        add_dependencies(${program} ${beside})
+    endforeach()
 endfunction()
 
 # umbrant_note_program(program labels...): what the presets of the sanitizers build, the race checker's only where the
@@ -191,7 +193,7 @@ function(umbrant_tests name)
         add_executable(${name}_test ${unit})
         target_link_libraries(${name}_test PRIVATE ${arg_LINK} umbrant_test_main)
         target_precompile_headers(${name}_test REUSE_FROM umbrant_test_headers)
-        umbrant_finds_images(${name}_test)
+        umbrant_finds_own_objects(${name}_test)
         umbrant_test_program(${name}_test NAME "${name}" LABELS unit ${arg_LABELS} ALONE ${arg_ALONE}
                              COST ${arg_COST} ${unwind})
         umbrant_note_program(${name}_test ${arg_LABELS})
@@ -200,7 +202,7 @@ function(umbrant_tests name)
         add_executable(${name}_gl_test ${gl})
         target_link_libraries(${name}_gl_test PRIVATE ${arg_GL_LINK} umbrant_test_main)
         target_precompile_headers(${name}_gl_test REUSE_FROM umbrant_test_headers)
-        umbrant_finds_images(${name}_gl_test)
+        umbrant_finds_own_objects(${name}_gl_test)
         umbrant_test_program(${name}_gl_test NAME "${name} gl" LABELS gl ${arg_LABELS} ALONE ${arg_GL_ALONE}
                              COST ${arg_GL_COST})
         umbrant_note_program(${name}_gl_test ${arg_LABELS})

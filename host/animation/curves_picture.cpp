@@ -11,11 +11,12 @@
 #include <string>
 #include <vector>
 
-#include "host/compositing/memory_shortage.h"
-#include "host/panel/cairo_picture.h"
+#include "host/drawing/new_drawing.h"
 #include "host/suites/drawbot_text.h"
 
 namespace {
+
+constexpr char kPicture[] = "a picture of the curves";
 
 constexpr double kLeft = 76;
 constexpr double kRight = 20;
@@ -62,8 +63,8 @@ Samples Sample(const ParamSet& values, const Animation& animation, const Animati
 /// One plot: frames across, values upwards.
 class Plot {
  public:
-    Plot(cairo_t* cairo, const CurvesOptions& options, double top, const std::vector<std::vector<double>>& numbers)
-        : cairo_(cairo),
+    Plot(Drawing& drawing, const CurvesOptions& options, double top, const std::vector<std::vector<double>>& numbers)
+        : drawing_(drawing),
           options_(options),
           left_(kLeft),
           top_(top + kTop),
@@ -88,8 +89,8 @@ class Plot {
 
     void DrawGround(const std::string& title) {
         Use(kPlotGround);
-        cairo_rectangle(cairo_, left_, top_ - 4, width_, height_ + 8);
-        cairo_fill(cairo_);
+        drawing_.AddRect(left_, top_ - 4, width_, height_ + 8);
+        drawing_.Fill();
         DrawFrames();
         for (const double value : {low_, (low_ + high_) / 2, high_}) {
             Line(left_, Y(value), left_ + width_, Y(value));
@@ -100,11 +101,11 @@ class Plot {
 
     void DrawCurve(const Samples& samples, std::size_t track, std::size_t number, const Ink& ink) {
         Use(ink);
-        cairo_set_line_width(cairo_, 1.75);
+        drawing_.SetLineWidth(1.75);
         for (std::size_t i = 0; i < samples.frames.size(); ++i) {
-            cairo_line_to(cairo_, X(samples.frames[i]), Y(samples.numbers[track][i][number]));
+            drawing_.LineTo(X(samples.frames[i]), Y(samples.numbers[track][i][number]));
         }
-        cairo_stroke(cairo_);
+        drawing_.Stroke();
     }
 
     /// A diamond, or a square where the value is held.
@@ -112,19 +113,19 @@ class Plot {
         if (frame < options_.firstFrame || frame > options_.lastFrame) return;
         const double x = X(frame), y = Y(value);
         if (holds) {
-            cairo_rectangle(cairo_, x - kKeySize * 0.8, y - kKeySize * 0.8, kKeySize * 1.6, kKeySize * 1.6);
+            drawing_.AddRect(x - kKeySize * 0.8, y - kKeySize * 0.8, kKeySize * 1.6, kKeySize * 1.6);
         } else {
-            cairo_move_to(cairo_, x, y - kKeySize);
-            cairo_line_to(cairo_, x + kKeySize, y);
-            cairo_line_to(cairo_, x, y + kKeySize);
-            cairo_line_to(cairo_, x - kKeySize, y);
-            cairo_close_path(cairo_);
+            drawing_.MoveTo(x, y - kKeySize);
+            drawing_.LineTo(x + kKeySize, y);
+            drawing_.LineTo(x, y + kKeySize);
+            drawing_.LineTo(x - kKeySize, y);
+            drawing_.Close();
         }
         Use(ink);
-        cairo_fill_preserve(cairo_);
+        drawing_.FillAndKeep();
         Use(kPlotGround);
-        cairo_set_line_width(cairo_, 1);
-        cairo_stroke(cairo_);
+        drawing_.SetLineWidth(1);
+        drawing_.Stroke();
     }
 
     void DrawStrip(const Samples& samples, std::size_t track) {
@@ -132,8 +133,8 @@ class Plot {
             const auto& color = samples.numbers[track][i];
             Use({color[0] / 255, color[1] / 255, color[2] / 255});
             const double x = X(samples.frames[i]);
-            cairo_rectangle(cairo_, x, top_ - 4, X(samples.frames[i + 1]) - x + 0.5, kStrip);
-            cairo_fill(cairo_);
+            drawing_.AddRect(x, top_ - 4, X(samples.frames[i + 1]) - x + 0.5, kStrip);
+            drawing_.Fill();
         }
     }
 
@@ -156,27 +157,23 @@ class Plot {
         }
     }
 
-    void Use(const Ink& ink) { cairo_set_source_rgb(cairo_, ink.red, ink.green, ink.blue); }
+    void Use(const Ink& ink) { drawing_.SetColor(ink.red, ink.green, ink.blue); }
 
     void Line(double x1, double y1, double x2, double y2) {
         Use(kGrid);
-        cairo_set_line_width(cairo_, 1);
-        cairo_move_to(cairo_, x1, y1);
-        cairo_line_to(cairo_, x2, y2);
-        cairo_stroke(cairo_);
+        drawing_.SetLineWidth(1);
+        drawing_.MoveTo(x1, y1);
+        drawing_.LineTo(x2, y2);
+        drawing_.Stroke();
     }
 
     /// `anchor` says which part of the text's width lies left of `x`.
     void Write(const std::string& text, double x, double y, double anchor, const Ink& ink) {
-        cairo_text_extents_t extents;
-        cairo_text_extents(cairo_, text.c_str(), &extents);
         Use(ink);
-        cairo_move_to(cairo_, x - extents.x_advance * anchor, y);
-        cairo_show_text(cairo_, text.c_str());
-        cairo_new_path(cairo_);
+        drawing_.DrawText(text, x - drawing_.TextWidth(text) * anchor, y);
     }
 
-    cairo_t* const cairo_;
+    Drawing& drawing_;
     const CurvesOptions& options_;
     const double left_, top_, width_, height_;
     double low_ = 0, high_ = 1;
@@ -190,10 +187,10 @@ std::string TitleOf(const ParamRow& row, const RowTrack& track) {
                        track.track.keys.size(), track.track.keys.size() == 1 ? "" : "s");
 }
 
-void DrawTrack(cairo_t* cairo, const ParamSet& values, const RowTrack& track, std::size_t index, const Samples& samples,
-               const AnimationClock& clock, const CurvesOptions& options) {
+void DrawTrack(Drawing& drawing, const ParamSet& values, const RowTrack& track, std::size_t index,
+               const Samples& samples, const AnimationClock& clock, const CurvesOptions& options) {
     const ParamRow& row = values.Row(track.row);
-    Plot plot(cairo, options, kCurvesHead + static_cast<double>(index) * kPlotHeight, samples.numbers[index]);
+    Plot plot(drawing, options, kCurvesHead + static_cast<double>(index) * kPlotHeight, samples.numbers[index]);
     plot.DrawGround(TitleOf(row, track));
     const bool isColor = row.def.param_type == PF_Param_COLOR;
     if (isColor) plot.DrawStrip(samples, index);
@@ -217,27 +214,23 @@ void DrawTrack(cairo_t* cairo, const ParamSet& values, const RowTrack& track, st
 Result<World> DrawCurves(const ParamSet& values, const Animation& animation, const AnimationClock& clock,
                          const CurvesOptions& options) {
     const int height = kCurvesHead + kPlotHeight * static_cast<int>(animation.Tracks().size());
-    const Failure noMemory = NotEnoughMemory("a picture of the curves", options.width, height, Depth::k8);
-    const CairoSurface surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, options.width, height));
-    const CairoPen cairo(cairo_create(surface.get()));
-    if (cairo_status(cairo.get()) != CAIRO_STATUS_SUCCESS) return noMemory;
-    cairo_set_source_rgb(cairo.get(), kGround.red, kGround.green, kGround.blue);
-    cairo_paint(cairo.get());
-    cairo_select_font_face(cairo.get(), kPanelTypeface, CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
-    cairo_set_font_size(cairo.get(), kTypeSize);
-    cairo_set_line_join(cairo.get(), CAIRO_LINE_JOIN_ROUND);
-    cairo_set_source_rgb(cairo.get(), kText.red, kText.green, kText.blue);
-    cairo_move_to(cairo.get(), kLeft, 20);
-    cairo_show_text(cairo.get(), fmt::format("frames {:g} to {:g}, {:.6g} a second", options.firstFrame,
-                                             options.lastFrame, clock.framesPerSecond)
-                                     .c_str());
+    const auto made = NewDrawing(kPicture, options.width, height);
+    if (!made) return made.Error();
+    Drawing& drawing = **made;
+    drawing.SetColor(kGround.red, kGround.green, kGround.blue);
+    drawing.AddRect(0, 0, options.width, height);
+    drawing.Fill();
+    drawing.SetFont(kPanelTypeface, kTypeSize);
+    drawing.SetRoundJoins();
+    drawing.SetColor(kText.red, kText.green, kText.blue);
+    drawing.DrawText(fmt::format("frames {:g} to {:g}, {:.6g} a second", options.firstFrame, options.lastFrame,
+                                 clock.framesPerSecond),
+                     kLeft, 20);
 
     const Samples samples =
         Sample(values, animation, clock, options, std::max(1, options.width - static_cast<int>(kLeft + kRight)));
     for (std::size_t i = 0; i < animation.Tracks().size(); ++i) {
-        DrawTrack(cairo.get(), values, animation.Tracks()[i], i, samples, clock, options);
+        DrawTrack(drawing, values, animation.Tracks()[i], i, samples, clock, options);
     }
-    World pixels = WorldOf(surface.get());
-    if (pixels.IsNull()) return noMemory;
-    return pixels;
+    return WorldOf(kPicture, drawing);
 }

@@ -4,18 +4,17 @@
 
 // How the panel looks. Draws every row but what the effect draws itself.
 
-#include <cairo.h>
-
 #include <string>
 #include <vector>
 
+#include "host/drawing/drawing.h"
 #include "host/panel/panel_layout.h"
 #include "host/panel/panel_theme.h"
 
-/// Draws on `cairo`, whose unit is the panel pixel, from (0, 0).
+/// Draws on `drawing`, whose unit is the panel pixel, from (0, 0).
 class PanelPainter {
  public:
-    PanelPainter(cairo_t* cairo, const PanelTheme& theme, int width);
+    PanelPainter(Drawing& drawing, const PanelTheme& theme, int width);
 
     /// Ground and the effect's own row.
     void DrawHeader(const std::string& effectName, double panelHeight);
@@ -42,7 +41,7 @@ class PanelPainter {
     /// Text whose small letters stand in the middle of a line at `middle`, cut to `room`. Returns its width.
     double DrawText(const std::string& text, double left, double middle, double room);
 
-    cairo_t* cairo_;
+    Drawing& drawing_;
     const PanelTheme& theme_;
     const double width_;
     const double controlLeft_;

@@ -3,17 +3,16 @@
 
 #include "host/panel/panel_picture.h"
 
-#include <cairo.h>
-
 #include <cmath>
 
-#include "host/compositing/memory_shortage.h"
-#include "host/panel/cairo_picture.h"
+#include "host/drawing/new_drawing.h"
 #include "host/panel/panel_painter.h"
 #include "host/session/remote_session.h"
 #include "host/suites/drawbot_canvas.h"
 
 namespace {
+
+constexpr char kPanel[] = "a picture of the panel";
 
 PF_EventExtra EventFor(const PanelItem& item, int width, DrawbotCanvas* canvas) {
     PF_EventExtra event{};
@@ -29,14 +28,13 @@ PF_EventExtra EventFor(const PanelItem& item, int width, DrawbotCanvas* canvas) 
 }
 
 /// Lets the effect draw its row. It may use the row's whole width, as in a panel without columns.
-Result<Done> DrawOwnRow(EffectSession& session, const PanelItem& item, cairo_t* cairo,
+Result<Done> DrawOwnRow(EffectSession& session, const PanelItem& item, Drawing& drawing,
                         const PanelPictureOptions& options) {
-    cairo_save(cairo);
-    cairo_rectangle(cairo, 0, item.top, options.width, item.height);
-    cairo_clip(cairo);
+    drawing.Save();
+    drawing.ClipTo(0, item.top, options.width, item.height);
     Result<Done> outcome = Done{};
     {
-        DrawbotCanvas canvas(cairo, static_cast<float>(options.scale));
+        DrawbotCanvas canvas(drawing, static_cast<float>(options.scale));
         for (const PF_EventType type : {PF_Event_NEW_CONTEXT, PF_Event_DRAW, PF_Event_CLOSE_CONTEXT}) {
             PF_EventExtra event = EventFor(item, options.width, &canvas);
             event.e_type = type;
@@ -44,7 +42,7 @@ Result<Done> DrawOwnRow(EffectSession& session, const PanelItem& item, cairo_t* 
             if (!sent && outcome) outcome = sent;
         }
     }
-    cairo_restore(cairo);
+    drawing.Restore();
     return outcome;
 }
 
@@ -64,23 +62,22 @@ Result<PanelPicture> DrawPanel(EffectSession& session, const PanelPictureOptions
         picture.pixels = std::move(*pixels);
         return picture;
     }
-    const double height = PanelHeight(picture.items);
-    const CairoSurface surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, options.width * options.scale,
-                                                          static_cast<int>(std::ceil(height)) * options.scale));
-    const CairoPen cairo(cairo_create(surface.get()));
-    const Failure noMemory = NotEnoughMemory("a picture of the panel", std::int64_t{options.width} * options.scale,
-                                             static_cast<std::int64_t>(std::ceil(height)) * options.scale, Depth::k8);
-    if (cairo_status(cairo.get()) != CAIRO_STATUS_SUCCESS) return noMemory;
-    cairo_scale(cairo.get(), options.scale, options.scale);
+    const int height = static_cast<int>(std::ceil(PanelHeight(picture.items)));
+    const auto made = NewDrawing(kPanel, options.width * options.scale, height * options.scale);
+    if (!made) return made.Error();
+    Drawing& drawing = **made;
+    const double scale = options.scale;
+    drawing.SetMatrix({.xx = scale, .yy = scale});
 
-    PanelPainter painter(cairo.get(), *options.theme, options.width);
-    painter.DrawHeader(options.effectName, std::ceil(height));
+    PanelPainter painter(drawing, *options.theme, options.width);
+    painter.DrawHeader(options.effectName, height);
     for (const PanelItem& item : picture.items) {
         painter.DrawRow(item);
         if (item.control != PanelControl::kOwn || !session.WantsPanelEvents()) continue;
-        if (auto drawn = DrawOwnRow(session, item, cairo.get(), options); !drawn) return drawn.Error();
+        if (auto drawn = DrawOwnRow(session, item, drawing, options); !drawn) return drawn.Error();
     }
-    picture.pixels = WorldOf(surface.get());
-    if (picture.pixels.IsNull()) return noMemory;
+    auto pixels = WorldOf(kPanel, drawing);
+    if (!pixels) return pixels.Error();
+    picture.pixels = std::move(*pixels);
     return picture;
 }

@@ -39,11 +39,11 @@ DrawbotCanvas* Find(Reference reference, Reference (DrawbotCanvas::*own)(), cons
 
 }  // namespace
 
-DrawbotCanvas::DrawbotCanvas(cairo_t* cairo, float screenScale) : cairo_(cairo), screenScale_(screenScale) {
+DrawbotCanvas::DrawbotCanvas(Drawing& drawing, float screenScale) : drawing_(drawing), screenScale_(screenScale) {
     context_.magic = PF_CONTEXT_MAGIC;
     context_.w_type = PF_Window_EFFECT;
     context_.reserved_drawref = Draw();
-    cairo_save(cairo_);
+    drawing_.Save();
     Living& living = TheLiving();
     const std::lock_guard lock(living.mutex);
     living.canvases.push_back(this);
@@ -60,7 +60,7 @@ DrawbotCanvas::~DrawbotCanvas() {
     }
     while (Pop()) {
     }
-    cairo_restore(cairo_);
+    drawing_.Restore();
 }
 
 DrawbotCanvas* DrawbotCanvas::Of(PF_ContextH context, const char* call) {
@@ -81,13 +81,13 @@ DrawbotCanvas* DrawbotCanvas::Of(DRAWBOT_SurfaceRef reference, const char* call)
 
 void DrawbotCanvas::Push() {
     pushed_.push_back(policies);
-    cairo_save(cairo_);
+    drawing_.Save();
 }
 
 bool DrawbotCanvas::Pop() {
     if (pushed_.empty()) return false;
     policies = pushed_.back();
     pushed_.pop_back();
-    cairo_restore(cairo_);
+    drawing_.Restore();
     return true;
 }

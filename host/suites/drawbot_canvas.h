@@ -2,22 +2,21 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// What an effect draws on during one draw event: an area of the host's picture of the panel, through Cairo. The event's
-// context leads to it. [main]
-
-#include <cairo.h>
+// What an effect draws on during one draw event: an area of the host's picture of the panel. The event's context leads
+// to it. [main]
 
 #include <vector>
 
+#include "host/drawing/drawing.h"
 #include "hostapi/custom_ui.h"
 
 /// Lives for one draw event. Its references are good for as long as it lives, and told from wrong ones without being
 /// touched.
 class DrawbotCanvas {
  public:
-    /// Draws through `cairo`, which stays the caller's. The matrix and clip that it has now are what the effect finds:
+    /// Draws on `drawing`, which stays the caller's. The matrix and clip that it has now are what the effect finds:
     /// its coordinates are panel pixels. `screenScale` is the number of the picture's pixels per panel pixel.
-    DrawbotCanvas(cairo_t* cairo, float screenScale);
+    DrawbotCanvas(Drawing& drawing, float screenScale);
     /// Puts matrix and clip back; reports a state that the effect has pushed and not popped.
     ~DrawbotCanvas();
     DrawbotCanvas(const DrawbotCanvas&) = delete;
@@ -37,7 +36,8 @@ class DrawbotCanvas {
     static DrawbotCanvas* Of(DRAWBOT_SupplierRef reference, const char* call);
     static DrawbotCanvas* Of(DRAWBOT_SurfaceRef reference, const char* call);
 
-    cairo_t* Cairo() { return cairo_; }
+    Drawing& On() { return drawing_; }
+    const Drawing& On() const { return drawing_; }
     float ScreenScale() const { return screenScale_; }
 
     /// How images are resampled and edges drawn.
@@ -53,7 +53,7 @@ class DrawbotCanvas {
     bool Pop();
 
  private:
-    cairo_t* cairo_;
+    Drawing& drawing_;
     float screenScale_;
     std::vector<Policies> pushed_;
     PF_Context context_{};

@@ -47,8 +47,8 @@ uint32_t Multiplied(uint32_t channel, uint32_t alpha) {
     return (channel * alpha + 127) / 255;
 }
 
-/// One pixel in Cairo's order. A premultiplied channel above its alpha is none, and cut.
-uint32_t CairoPixel(const unsigned char* pixel, const Layout& layout) {
+/// One pixel as a drawing has it. A premultiplied channel above its alpha is none, and cut.
+uint32_t PremultipliedPixel(const unsigned char* pixel, const Layout& layout) {
     const uint32_t alpha = layout.alpha < 0 ? 255 : pixel[layout.alpha];
     const auto channel = [&](int place) {
         const uint32_t value = pixel[place];
@@ -118,23 +118,16 @@ void ReportWrongKind(const char* call) {
     Report(std::string(call) + " was called with a drawing object of another kind");
 }
 
-std::unique_ptr<cairo_surface_t, EndSurface> ImageFromBytes(int width, int height, int rowBytes,
-                                                            DRAWBOT_PixelLayout layout, const void* bytes) {
+std::unique_ptr<DrawnImage> ImageFromBytes(const Drawing& drawing, int width, int height, int rowBytes,
+                                           DRAWBOT_PixelLayout layout, const void* bytes) {
     const bool known = layout >= 0 && layout < static_cast<int>(std::size(kLayouts));
     if (!known || width < 1 || height < 1 || !bytes) return nullptr;
     const Layout& lie = kLayouts[layout];
     if (rowBytes < static_cast<int64_t>(width) * lie.bytes) return nullptr;
-    std::unique_ptr<cairo_surface_t, EndSurface> surface(
-        cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height));
-    if (cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS) return nullptr;
-    cairo_surface_flush(surface.get());
-    unsigned char* out = cairo_image_surface_get_data(surface.get());
-    const ptrdiff_t stride = cairo_image_surface_get_stride(surface.get());
-    for (ptrdiff_t y = 0; y < height; ++y) {
-        const unsigned char* row = static_cast<const unsigned char*>(bytes) + y * rowBytes;
-        auto* pixels = reinterpret_cast<uint32_t*>(out + y * stride);  // a surface's rows are aligned for it
-        for (int x = 0; x < width; ++x) pixels[x] = CairoPixel(row + static_cast<ptrdiff_t>(x) * lie.bytes, lie);
-    }
-    cairo_surface_mark_dirty(surface.get());
-    return surface;
+    return drawing.MakeImage(width, height, [&](int y, std::uint32_t* pixels) {
+        const unsigned char* row = static_cast<const unsigned char*>(bytes) + static_cast<ptrdiff_t>(y) * rowBytes;
+        for (int x = 0; x < width; ++x) {
+            pixels[x] = PremultipliedPixel(row + static_cast<ptrdiff_t>(x) * lie.bytes, lie);
+        }
+    });
 }

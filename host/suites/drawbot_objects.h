@@ -5,19 +5,11 @@
 // The pens, brushes, fonts, paths and images that the supplier hands out. Each counts its users and is counted in the
 // session's books until the last one is gone. [main]
 
-#include <cairo.h>
-
 #include <memory>
 #include <variant>
 
+#include "host/drawing/drawing.h"
 #include "hostapi/drawbot_types.h"
-
-struct EndPath {
-    void operator()(cairo_t* cairo) const { cairo_destroy(cairo); }
-};
-struct EndSurface {
-    void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
-};
 
 struct DrawPen {
     DRAWBOT_ColorRGBA color;
@@ -29,13 +21,11 @@ struct DrawBrush {
 struct DrawFont {
     float size;
 };
-/// Built on a drawing of its own that nobody sees.
 struct DrawPath {
-    std::unique_ptr<cairo_t, EndPath> cairo;
+    std::unique_ptr<DrawnPath> figures;
 };
-/// Premultiplied, in Cairo's order.
 struct DrawImage {
-    std::unique_ptr<cairo_surface_t, EndSurface> surface;
+    std::unique_ptr<DrawnImage> pixels;
 };
 
 using DrawObject = std::variant<DrawPen, DrawBrush, DrawFont, DrawPath, DrawImage>;
@@ -61,7 +51,7 @@ Kind* FindDrawObjectOf(const void* reference, const char* call) {
     return kind;
 }
 
-/// A picture from memory in one of the eight layouts, top row first; null when the numbers make no picture or there is
-/// no memory. The bytes are copied.
-std::unique_ptr<cairo_surface_t, EndSurface> ImageFromBytes(int width, int height, int rowBytes,
-                                                            DRAWBOT_PixelLayout layout, const void* bytes);
+/// An image for `drawing` from memory in one of the eight layouts, top row first; null when the numbers make no picture
+/// or there is no memory. The bytes are copied.
+std::unique_ptr<DrawnImage> ImageFromBytes(const Drawing& drawing, int width, int height, int rowBytes,
+                                           DRAWBOT_PixelLayout layout, const void* bytes);

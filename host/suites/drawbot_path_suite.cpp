@@ -15,59 +15,59 @@ namespace {
 
 constexpr double kRadians = 3.14159265358979323846 / 180.0;
 
-/// The drawing that a path is built on, when the path is one and all numbers are finite; null otherwise.
+/// The figures of a path, when the path is one and all numbers are finite; null otherwise.
 template <typename... Numbers>
-cairo_t* PathFor(DRAWBOT_PathRef reference, const char* call, Numbers... numbers) {
+DrawnPath* PathFor(DRAWBOT_PathRef reference, const char* call, Numbers... numbers) {
     const auto* path = FindDrawObjectOf<DrawPath>(reference, call);
-    return path && (std::isfinite(numbers) && ...) ? path->cairo.get() : nullptr;
+    return path && (std::isfinite(numbers) && ...) ? path->figures.get() : nullptr;
 }
 
 SPErr MoveTo(DRAWBOT_PathRef path, float x, float y) {
-    cairo_t* cairo = PathFor(path, "MoveTo", x, y);
-    if (!cairo) return PF_Err_BAD_CALLBACK_PARAM;
-    cairo_move_to(cairo, x, y);
+    DrawnPath* figures = PathFor(path, "MoveTo", x, y);
+    if (!figures) return PF_Err_BAD_CALLBACK_PARAM;
+    figures->MoveTo(x, y);
     return kSPNoError;
 }
 
 SPErr LineTo(DRAWBOT_PathRef path, float x, float y) {
-    cairo_t* cairo = PathFor(path, "LineTo", x, y);
-    if (!cairo) return PF_Err_BAD_CALLBACK_PARAM;
-    cairo_line_to(cairo, x, y);
+    DrawnPath* figures = PathFor(path, "LineTo", x, y);
+    if (!figures) return PF_Err_BAD_CALLBACK_PARAM;
+    figures->LineTo(x, y);
     return kSPNoError;
 }
 
 SPErr BezierTo(DRAWBOT_PathRef path, const DRAWBOT_PointF32* first, const DRAWBOT_PointF32* second,
                const DRAWBOT_PointF32* end) {
     if (!first || !second || !end) return PF_Err_BAD_CALLBACK_PARAM;
-    cairo_t* cairo = PathFor(path, "BezierTo", first->x, first->y, second->x, second->y, end->x, end->y);
-    if (!cairo) return PF_Err_BAD_CALLBACK_PARAM;
-    cairo_curve_to(cairo, first->x, first->y, second->x, second->y, end->x, end->y);
+    DrawnPath* figures = PathFor(path, "BezierTo", first->x, first->y, second->x, second->y, end->x, end->y);
+    if (!figures) return PF_Err_BAD_CALLBACK_PARAM;
+    figures->CurveTo(first->x, first->y, second->x, second->y, end->x, end->y);
     return kSPNoError;
 }
 
 SPErr AddRect(DRAWBOT_PathRef path, const DRAWBOT_RectF32* rect) {
     if (!rect) return PF_Err_BAD_CALLBACK_PARAM;
-    cairo_t* cairo = PathFor(path, "AddRect", rect->left, rect->top, rect->width, rect->height);
-    if (!cairo) return PF_Err_BAD_CALLBACK_PARAM;
-    cairo_rectangle(cairo, rect->left, rect->top, rect->width, rect->height);
+    DrawnPath* figures = PathFor(path, "AddRect", rect->left, rect->top, rect->width, rect->height);
+    if (!figures) return PF_Err_BAD_CALLBACK_PARAM;
+    figures->AddRect(rect->left, rect->top, rect->width, rect->height);
     return kSPNoError;
 }
 
 /// Angles grow clockwise from the right, as y grows downwards. A line leads to the arc from the current point.
 SPErr AddArc(DRAWBOT_PathRef path, const DRAWBOT_PointF32* centre, float radius, float start, float sweep) {
     if (!centre) return PF_Err_BAD_CALLBACK_PARAM;
-    cairo_t* cairo = PathFor(path, "AddArc", centre->x, centre->y, radius, start, sweep);
-    if (!cairo || radius < 0) return PF_Err_BAD_CALLBACK_PARAM;
+    DrawnPath* figures = PathFor(path, "AddArc", centre->x, centre->y, radius, start, sweep);
+    if (!figures || radius < 0) return PF_Err_BAD_CALLBACK_PARAM;
     const double from = start * kRadians;
     const double to = (double{start} + sweep) * kRadians;
-    (sweep < 0 ? cairo_arc_negative : cairo_arc)(cairo, centre->x, centre->y, radius, from, to);
+    figures->AddArc(centre->x, centre->y, radius, from, to, sweep < 0);
     return kSPNoError;
 }
 
 SPErr Close(DRAWBOT_PathRef path) {
-    cairo_t* cairo = PathFor(path, "Close");
-    if (!cairo) return PF_Err_BAD_CALLBACK_PARAM;
-    cairo_close_path(cairo);
+    DrawnPath* figures = PathFor(path, "Close");
+    if (!figures) return PF_Err_BAD_CALLBACK_PARAM;
+    figures->Close();
     return kSPNoError;
 }
 

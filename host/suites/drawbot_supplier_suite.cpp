@@ -51,17 +51,16 @@ SPErr NewDefaultFont(DRAWBOT_SupplierRef supplier, float size, DRAWBOT_FontRef* 
 
 SPErr NewImageFromBuffer(DRAWBOT_SupplierRef supplier, int width, int height, int rowBytes, DRAWBOT_PixelLayout layout,
                          const void* data, DRAWBOT_ImageRef* image) {
-    if (!DrawbotCanvas::Of(supplier, "NewImageFromBuffer") || !image) return PF_Err_BAD_CALLBACK_PARAM;
-    auto surface = ImageFromBytes(width, height, rowBytes, layout, data);
-    return surface ? HandOut(DrawImage{std::move(surface)}, image) : PF_Err_BAD_CALLBACK_PARAM;
+    const DrawbotCanvas* canvas = DrawbotCanvas::Of(supplier, "NewImageFromBuffer");
+    if (!canvas || !image) return PF_Err_BAD_CALLBACK_PARAM;
+    auto pixels = ImageFromBytes(canvas->On(), width, height, rowBytes, layout, data);
+    return pixels ? HandOut(DrawImage{std::move(pixels)}, image) : PF_Err_BAD_CALLBACK_PARAM;
 }
 
 SPErr NewPath(DRAWBOT_SupplierRef supplier, DRAWBOT_PathRef* path) {
-    if (!DrawbotCanvas::Of(supplier, "NewPath") || !path) return PF_Err_BAD_CALLBACK_PARAM;
-    cairo_surface_t* unseen = cairo_image_surface_create(CAIRO_FORMAT_A8, 1, 1);
-    std::unique_ptr<cairo_t, EndPath> cairo(cairo_create(unseen));
-    cairo_surface_destroy(unseen);
-    return HandOut(DrawPath{std::move(cairo)}, path);
+    const DrawbotCanvas* canvas = DrawbotCanvas::Of(supplier, "NewPath");
+    if (!canvas || !path) return PF_Err_BAD_CALLBACK_PARAM;
+    return HandOut(DrawPath{canvas->On().MakePath()}, path);
 }
 
 /// What this supplier can do, whatever the question.

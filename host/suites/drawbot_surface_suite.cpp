@@ -22,23 +22,15 @@ bool Finite(Numbers... numbers) {
     return (std::isfinite(numbers) && ...);
 }
 
-void SetColor(cairo_t* cairo, const DRAWBOT_ColorRGBA& color) {
-    cairo_set_source_rgba(cairo, color.red, color.green, color.blue, color.alpha);
+void SetColor(Drawing& drawing, const DRAWBOT_ColorRGBA& color) {
+    drawing.SetColor(color.red, color.green, color.blue, color.alpha);
 }
 
 /// The drawing with the canvas's way of drawing edges.
-cairo_t* Prepared(DrawbotCanvas* canvas) {
-    constexpr cairo_antialias_t kAntiAlias[] = {CAIRO_ANTIALIAS_NONE, CAIRO_ANTIALIAS_GOOD, CAIRO_ANTIALIAS_BEST};
-    cairo_set_antialias(canvas->Cairo(), kAntiAlias[canvas->policies.antiAlias]);
-    return canvas->Cairo();
-}
-
-/// Makes the path of an object the drawing's.
-void TakePath(cairo_t* cairo, const DrawPath& path) {
-    cairo_path_t* copy = cairo_copy_path(path.cairo.get());
-    cairo_new_path(cairo);
-    cairo_append_path(cairo, copy);
-    cairo_path_destroy(copy);
+Drawing& Prepared(DrawbotCanvas* canvas) {
+    constexpr DrawnEdges kEdges[] = {DrawnEdges::kJagged, DrawnEdges::kGood, DrawnEdges::kBest};
+    canvas->On().SetEdges(kEdges[canvas->policies.antiAlias]);
+    return canvas->On();
 }
 
 SPErr PushStateStack(DRAWBOT_SurfaceRef surface) {
@@ -62,11 +54,11 @@ SPErr PaintRect(DRAWBOT_SurfaceRef surface, const DRAWBOT_ColorRGBA* color, cons
         !Finite(rect->left, rect->top, rect->width, rect->height)) {
         return PF_Err_BAD_CALLBACK_PARAM;
     }
-    cairo_t* cairo = Prepared(canvas);
-    SetColor(cairo, *color);
-    cairo_new_path(cairo);
-    cairo_rectangle(cairo, rect->left, rect->top, rect->width, rect->height);
-    cairo_fill(cairo);
+    Drawing& drawing = Prepared(canvas);
+    SetColor(drawing, *color);
+    drawing.NewPath();
+    drawing.AddRect(rect->left, rect->top, rect->width, rect->height);
+    drawing.Fill();
     return kSPNoError;
 }
 
@@ -76,11 +68,10 @@ SPErr FillPath(DRAWBOT_SurfaceRef surface, DRAWBOT_BrushRef brushRef, DRAWBOT_Pa
     const auto* path = FindDrawObjectOf<DrawPath>(pathRef, "FillPath");
     const bool known = fill == kDRAWBOT_FillType_EvenOdd || fill == kDRAWBOT_FillType_Winding;
     if (!canvas || !brush || !path || !known) return PF_Err_BAD_CALLBACK_PARAM;
-    cairo_t* cairo = Prepared(canvas);
-    SetColor(cairo, brush->color);
-    TakePath(cairo, *path);
-    cairo_set_fill_rule(cairo, fill == kDRAWBOT_FillType_EvenOdd ? CAIRO_FILL_RULE_EVEN_ODD : CAIRO_FILL_RULE_WINDING);
-    cairo_fill(cairo);
+    Drawing& drawing = Prepared(canvas);
+    SetColor(drawing, brush->color);
+    drawing.TakePath(*path->figures);
+    drawing.Fill(fill == kDRAWBOT_FillType_EvenOdd ? FillRule::kEvenOdd : FillRule::kWinding);
     return kSPNoError;
 }
 
@@ -89,21 +80,18 @@ SPErr StrokePath(DRAWBOT_SurfaceRef surface, DRAWBOT_PenRef penRef, DRAWBOT_Path
     const auto* pen = FindDrawObjectOf<DrawPen>(penRef, "StrokePath");
     const auto* path = FindDrawObjectOf<DrawPath>(pathRef, "StrokePath");
     if (!canvas || !pen || !path) return PF_Err_BAD_CALLBACK_PARAM;
-    cairo_t* cairo = Prepared(canvas);
-    SetColor(cairo, pen->color);
-    cairo_set_line_width(cairo, pen->width);
-    TakePath(cairo, *path);
-    cairo_stroke(cairo);
+    Drawing& drawing = Prepared(canvas);
+    SetColor(drawing, pen->color);
+    drawing.SetLineWidth(pen->width);
+    drawing.TakePath(*path->figures);
+    drawing.Stroke();
     return kSPNoError;
 }
 
 SPErr Clip(DRAWBOT_SurfaceRef surface, DRAWBOT_SupplierRef supplier, const DRAWBOT_Rect32* rect) {
     DrawbotCanvas* canvas = DrawbotCanvas::Of(surface, "Clip");
     if (!canvas || DrawbotCanvas::Of(supplier, "Clip") != canvas || !rect) return PF_Err_BAD_CALLBACK_PARAM;
-    cairo_t* cairo = Prepared(canvas);
-    cairo_new_path(cairo);
-    cairo_rectangle(cairo, rect->left, rect->top, rect->width, rect->height);
-    cairo_clip(cairo);
+    Prepared(canvas).ClipTo(rect->left, rect->top, rect->width, rect->height);
     return kSPNoError;
 }
 
@@ -116,11 +104,10 @@ int Whole(double value) {
 SPErr GetClipBounds(DRAWBOT_SurfaceRef surface, DRAWBOT_Rect32* rect) {
     DrawbotCanvas* canvas = DrawbotCanvas::Of(surface, "GetClipBounds");
     if (!canvas || !rect) return PF_Err_BAD_CALLBACK_PARAM;
-    double left, top, right, bottom;
-    cairo_clip_extents(canvas->Cairo(), &left, &top, &right, &bottom);
-    left = std::floor(left);
-    top = std::floor(top);
-    *rect = {Whole(left), Whole(top), Whole(std::ceil(right) - left), Whole(std::ceil(bottom) - top)};
+    const DrawingBounds bounds = canvas->On().ClipBounds();
+    const double left = std::floor(bounds.left);
+    const double top = std::floor(bounds.top);
+    *rect = {Whole(left), Whole(top), Whole(std::ceil(bounds.right) - left), Whole(std::ceil(bounds.bottom) - top)};
     return kSPNoError;
 }
 
@@ -134,19 +121,26 @@ SPErr IsWithinClipBounds(DRAWBOT_SurfaceRef surface, const DRAWBOT_Rect32* rect,
     return kSPNoError;
 }
 
+/// The matrix that does what `first` does and then what `second` does.
+DrawingMatrix Joined(const DrawingMatrix& first, const DrawingMatrix& second) {
+    return {.xx = second.xx * first.xx + second.xy * first.yx,
+            .yx = second.yx * first.xx + second.yy * first.yx,
+            .xy = second.xx * first.xy + second.xy * first.yy,
+            .yy = second.yx * first.xy + second.yy * first.yy,
+            .x0 = second.xx * first.x0 + second.xy * first.y0 + second.x0,
+            .y0 = second.yx * first.x0 + second.yy * first.y0 + second.y0};
+}
+
 /// The third column says nothing here: it would belong to perspective, which a panel has none of.
 SPErr Transform(DRAWBOT_SurfaceRef surface, const DRAWBOT_MatrixF32* matrix) {
     DrawbotCanvas* canvas = DrawbotCanvas::Of(surface, "Transform");
     if (!canvas || !matrix) return PF_Err_BAD_CALLBACK_PARAM;
     const auto& m = matrix->mat;
-    cairo_matrix_t change, whole;
-    cairo_matrix_init(&change, m[0][0], m[0][1], m[1][0], m[1][1], m[2][0], m[2][1]);
-    cairo_get_matrix(canvas->Cairo(), &whole);
-    cairo_matrix_multiply(&whole, &change, &whole);
+    const DrawingMatrix whole = Joined({m[0][0], m[0][1], m[1][0], m[1][1], m[2][0], m[2][1]}, canvas->On().Matrix());
     const double area = whole.xx * whole.yy - whole.xy * whole.yx;
     // A matrix that cannot be undone would end all drawing in this context.
     if (!Finite(area, whole.x0, whole.y0) || area == 0) return PF_Err_BAD_CALLBACK_PARAM;
-    cairo_set_matrix(canvas->Cairo(), &whole);
+    canvas->On().SetMatrix(whole);
     return kSPNoError;
 }
 
@@ -159,41 +153,33 @@ SPErr DrawString(DRAWBOT_SurfaceRef surface, DRAWBOT_BrushRef brushRef, DRAWBOT_
     if (!canvas || !brush || !font || !string || !origin || !Finite(origin->x, origin->y)) {
         return PF_Err_BAD_CALLBACK_PARAM;
     }
-    cairo_t* cairo = Prepared(canvas);
-    cairo_select_font_face(cairo, kPanelTypeface, CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
-    cairo_set_font_size(cairo, font->size);
-    const std::string text = FitText(cairo, Utf8FromUtf16(string), width, truncation);
+    Drawing& drawing = Prepared(canvas);
+    drawing.SetFont(kPanelTypeface, font->size);
+    const std::string text = FitText(drawing, Utf8FromUtf16(string), width, truncation);
     const double share = alignment == kDRAWBOT_TextAlignment_Center  ? 0.5
                          : alignment == kDRAWBOT_TextAlignment_Right ? 1.0
                                                                      : 0.0;
-    SetColor(cairo, brush->color);
-    cairo_move_to(cairo, origin->x - share * TextWidth(cairo, text), origin->y);
-    cairo_show_text(cairo, text.c_str());
-    cairo_new_path(cairo);
+    SetColor(drawing, brush->color);
+    drawing.DrawText(text, origin->x - share * drawing.TextWidth(text), origin->y);
     return kSPNoError;
 }
 
 /// How to resample under the current matrix. A picture that is made smaller is always averaged: leaving pixels out is
 /// not what the fastest policy means.
-cairo_filter_t FilterFor(const DrawbotCanvas& canvas, cairo_t* cairo) {
-    if (canvas.policies.interpolation == kDRAWBOT_InterpolationPolicy_High) return CAIRO_FILTER_BEST;
-    cairo_matrix_t matrix;
-    cairo_get_matrix(cairo, &matrix);
+Resampling ResamplingFor(const DrawbotCanvas& canvas) {
+    if (canvas.policies.interpolation == kDRAWBOT_InterpolationPolicy_High) return Resampling::kBest;
+    const DrawingMatrix matrix = canvas.On().Matrix();
     const bool smaller = std::hypot(matrix.xx, matrix.yx) < 1 || std::hypot(matrix.xy, matrix.yy) < 1;
-    if (smaller || canvas.policies.interpolation == kDRAWBOT_InterpolationPolicy_Med) return CAIRO_FILTER_GOOD;
-    return CAIRO_FILTER_NEAREST;
+    if (smaller || canvas.policies.interpolation == kDRAWBOT_InterpolationPolicy_Med) return Resampling::kGood;
+    return Resampling::kNearest;
 }
 
 SPErr DrawImageAt(DRAWBOT_SurfaceRef surface, DRAWBOT_ImageRef imageRef, const DRAWBOT_PointF32* origin, float alpha) {
     DrawbotCanvas* canvas = DrawbotCanvas::Of(surface, "DrawImage");
     const auto* image = FindDrawObjectOf<DrawImage>(imageRef, "DrawImage");
     if (!canvas || !image || !origin || !Finite(origin->x, origin->y, alpha)) return PF_Err_BAD_CALLBACK_PARAM;
-    cairo_t* cairo = Prepared(canvas);
-    cairo_save(cairo);
-    cairo_set_source_surface(cairo, image->surface.get(), origin->x, origin->y);
-    cairo_pattern_set_filter(cairo_get_source(cairo), FilterFor(*canvas, cairo));
-    cairo_paint_with_alpha(cairo, std::clamp(alpha, 0.0f, 1.0f));
-    cairo_restore(cairo);
+    Prepared(canvas).DrawImage(*image->pixels, origin->x, origin->y, std::clamp(alpha, 0.0f, 1.0f),
+                               ResamplingFor(*canvas));
     return kSPNoError;
 }
 
@@ -228,7 +214,7 @@ SPErr GetAntiAliasPolicy(DRAWBOT_SurfaceRef surface, DRAWBOT_AntiAliasPolicy* po
 SPErr Flush(DRAWBOT_SurfaceRef surface) {
     DrawbotCanvas* canvas = DrawbotCanvas::Of(surface, "Flush");
     if (!canvas) return PF_Err_BAD_CALLBACK_PARAM;
-    cairo_surface_flush(cairo_get_target(canvas->Cairo()));
+    canvas->On().Flush();
     return kSPNoError;
 }
 

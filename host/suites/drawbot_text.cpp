@@ -75,16 +75,10 @@ std::string Utf8FromUtf16(const DRAWBOT_UTF16Char* text) {
     return result;
 }
 
-double TextWidth(cairo_t* cairo, const std::string& text) {
-    cairo_text_extents_t extents;
-    cairo_text_extents(cairo, text.c_str(), &extents);
-    return extents.x_advance;
-}
-
-std::string FitText(cairo_t* cairo, const std::string& text, double width, DRAWBOT_TextTruncation style) {
-    if (style == kDRAWBOT_TextTruncation_None || TextWidth(cairo, text) <= width) return text;
+std::string FitText(const Drawing& drawing, const std::string& text, double width, DRAWBOT_TextTruncation style) {
+    if (style == kDRAWBOT_TextTruncation_None || drawing.TextWidth(text) <= width) return text;
     const std::vector<std::size_t> cuts = Cuts(text);
     std::size_t kept = cuts.size() - 1;
-    while (kept > 0 && TextWidth(cairo, Shortened(text, cuts, kept, style)) > width) --kept;
+    while (kept > 0 && drawing.TextWidth(Shortened(text, cuts, kept, style)) > width) --kept;
     return Shortened(text, cuts, kept, style);
 }

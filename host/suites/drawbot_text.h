@@ -4,11 +4,10 @@
 
 // The panel's type: one family, text cut to a width. [main]
 
-#include <cairo.h>
-
 #include <string>
 #include <string_view>
 
+#include "host/drawing/drawing.h"
 #include "hostapi/drawbot_types.h"
 
 /// The panel's typeface; the system chooses another where it is not installed.
@@ -19,8 +18,5 @@ inline constexpr float kPanelTypeSize = 11.0f;
 /// UTF-8 from NUL-terminated UTF-16; a half of a pair without its other half becomes the replacement character.
 std::string Utf8FromUtf16(const DRAWBOT_UTF16Char* text);
 
-/// The advance width of a text in the context's current font, in user units.
-double TextWidth(cairo_t* cairo, const std::string& text);
-
 /// The text, or as much of it as fits in `width` user units with the style's ellipsis. Never cuts inside a character.
-std::string FitText(cairo_t* cairo, const std::string& text, double width, DRAWBOT_TextTruncation style);
+std::string FitText(const Drawing& drawing, const std::string& text, double width, DRAWBOT_TextTruncation style);

@@ -5,21 +5,25 @@
 
 #include <fmt/format.h>
 
+#include <stdexcept>
+#include <utility>
+
+#include "host/drawing/new_drawing.h"
+
 namespace {
 
 constexpr int kWidth = 300;
 constexpr int kHeight = 120;
 
-cairo_t* NewCairo() {
-    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, kWidth, kHeight);
-    cairo_t* cairo = cairo_create(surface);
-    cairo_surface_destroy(surface);
-    return cairo;
+std::unique_ptr<Drawing> Made() {
+    auto drawing = NewDrawing(kCanvasName, kWidth, kHeight);
+    if (!drawing) throw std::runtime_error(drawing.Error().sentence);
+    return std::move(*drawing);
 }
 
 }  // namespace
 
-UnseenCanvas::UnseenCanvas() : cairo_(NewCairo()), canvas_(cairo_.get(), 1.0f) {}
+UnseenCanvas::UnseenCanvas() : drawing_(Made()), canvas_(*drawing_, 1.0f) {}
 
 PF_EventExtra UnseenCanvas::Event(PF_EventType type, PF_ParamIndex row, const PF_UnionableRect& frame) {
     PF_EventExtra event{};

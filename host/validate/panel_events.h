@@ -4,26 +4,28 @@
 
 // Events for the rows that an effect draws itself, on a canvas that nobody sees.
 
-#include <cairo.h>
-
 #include <memory>
 #include <vector>
 
+#include "host/drawing/drawing.h"
 #include "host/suites/drawbot_canvas.h"
 #include "host/validate/stage.h"
+
+/// What canvases are called in messages.
+inline constexpr char kCanvasName[] = "the canvas of a draw event";
+/// Checks of lower levels send no draw events.
+inline constexpr int kFirstDrawingLevel = 3;
 
 /// Something to draw on, as long as an event goes on.
 class UnseenCanvas {
  public:
+    /// Throws std::runtime_error when no drawing can be made.
     UnseenCanvas();
     /// An event on a row, its own rectangle given.
     PF_EventExtra Event(PF_EventType type, PF_ParamIndex row, const PF_UnionableRect& frame);
 
  private:
-    struct End {
-        void operator()(cairo_t* cairo) const { cairo_destroy(cairo); }
-    };
-    std::unique_ptr<cairo_t, End> cairo_;
+    std::unique_ptr<Drawing> drawing_;
     DrawbotCanvas canvas_;
 };
 

@@ -11,8 +11,10 @@
 #include <cstring>
 #include <map>
 
+#include "host/drawing/new_drawing.h"
 #include "host/session/effect_session.h"
 #include "host/validate/fault_lab.h"
+#include "host/validate/panel_events.h"
 #include "host/validate/process_memory.h"
 #include "host/validate/processes.h"
 #include "host/validate/trace.h"
@@ -316,6 +318,11 @@ Result<std::vector<CheckOutcome>> RunChecks(const RunOptions& asked, void (*prin
         if (options.report == "text") print(TextOf(options, file));
         report();
         return outcomes;
+    }
+    // What is wrong with this program is not the module's failure.
+    const auto draws = [](const Check* check) { return check->Level() >= kFirstDrawingLevel; };
+    if (std::any_of(chosen->begin(), chosen->end(), draws)) {
+        if (auto canDraw = CheckCanDraw(kCanvasName); !canDraw) return canDraw.Error();
     }
     for (const Check* check : *chosen) {
         CheckOutcome outcome;

@@ -5,13 +5,14 @@
 // driven by the real host, on the fake platform, drawing through OpenGL or on the processor. Whatever happens it
 // returns, leaves nothing open and misbehaves in nothing.
 
-#include <cairo.h>
 #include <dlfcn.h>
 
 #include <optional>
+#include <stdexcept>
 #include <thread>
 
 #include "host/compositing/rectangles.h"
+#include "host/drawing/new_drawing.h"
 #include "host/session/effect_session.h"
 #include "host/suites/drawbot_canvas.h"
 #include "hostapi/custom_ui.h"
@@ -181,15 +182,11 @@ class Life {
         event.effect_win.area = static_cast<PF_EffectArea>(bytes_.Within(0, 3));
         event.effect_win.current_frame = {bytes_.Take<A_long>(), bytes_.Take<A_long>(), bytes_.Take<A_long>(),
                                           bytes_.Take<A_long>()};
-        cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, 16, 16);
-        cairo_t* cairo = cairo_create(surface);
-        {
-            DrawbotCanvas canvas(cairo, 1);
-            event.contextH = canvas.Context();
-            (void)session_->SendEvent(&event);
-        }
-        cairo_destroy(cairo);
-        cairo_surface_destroy(surface);
+        const auto drawing = NewDrawing("an event", 16, 16);
+        if (!drawing) throw std::runtime_error(drawing.Error().sentence);
+        DrawbotCanvas canvas(**drawing, 1);
+        event.contextH = canvas.Context();
+        (void)session_->SendEvent(&event);
     }
 
     void Draw() {

@@ -90,6 +90,7 @@ class DebianPackages(unittest.TestCase):
         expected = {
             "umbrant": [
                 "/usr/bin/umbrant", f"/usr/{LIBDIR}/umbrant/umbrant2.so", f"/usr/{LIBDIR}/umbrant/umbrant_shim.so",
+                f"/usr/{LIBDIR}/umbrant/umbrant_drawing.so", f"/usr/{LIBDIR}/umbrant/umbrant_images.so",
                 "/usr/share/man/man1/umbrant.1.gz", "/usr/share/bash-completion/completions/umbrant",
                 "/usr/share/zsh/vendor-completions/_umbrant", "/usr/share/fish/vendor_completions.d/umbrant.fish",
                 "/usr/share/doc/umbrant/copyright", "/usr/share/doc/umbrant/changelog.gz",

@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: BSD-3-Clause
 # Copyright 2026 the Umbrant authors
-"""The hardening of what ships, read from the built files: the program, the library, the module, the judge's library and
-the filter. Each reader is also tried on a small program that was built without hardening, so that it can fail."""
+"""The hardening of what ships, read from the built files: the program and its shared objects, the library, the module,
+the judge's library and the filter. Each reader is also tried on a small program that was built without hardening, so that
+it can fail."""
 
 import os
 import pathlib
@@ -13,7 +14,10 @@ import unittest
 
 BUILD = pathlib.Path(os.environ["BUILD_FOLDER"])
 LIBRARY = pathlib.Path(os.environ["LIBRARY"])
-LINKED = [BUILD / name for name in ("umbrant", "umbrant2.so", "umbrant_shim.so", "umbrant_frei0r.so")]
+LINKED = [
+    BUILD / name
+    for name in ("umbrant", "umbrant2.so", "umbrant_drawing.so", "umbrant_images.so", "umbrant_shim.so", "umbrant_frei0r.so")
+]
 # The judge's library puts itself before a few calls of the driver and has no buffer of its own to protect.
 LARGE = [BUILD / "umbrant", BUILD / "umbrant2.so", LIBRARY]
 

@@ -5,6 +5,7 @@ example builds against the installed library alone and draws what the installed 
 
 import os
 import pathlib
+import re
 import shutil
 import struct
 import subprocess
@@ -21,6 +22,7 @@ ZSH = "vendor-completions" if pathlib.Path("/etc/debian_version").exists() else 
 EXPECTED = {
     "bin/umbrant",
     f"{LIBDIR}/umbrant/umbrant2.so",
+    f"{LIBDIR}/umbrant/umbrant_drawing.so",
     f"{LIBDIR}/umbrant/umbrant_images.so",
     f"{LIBDIR}/umbrant/umbrant_shim.so",
     f"{LIBDIR}/umbrant/umbrant2.waivers.json",
@@ -105,11 +107,85 @@ class Installed(unittest.TestCase):
         self.assertIn("style/distance", run(self.prefix / "bin/umbrant", "params"))
 
     def test_the_program_needs_few_libraries(self):
-        # The image library brings 235 others: it is loaded with the first image that needs it.
+        # Libraries for drawing and for images bring hundreds of others: they are loaded when something needs them.
         needed = run("readelf", "--dynamic", self.prefix / "bin/umbrant")
-        for name in ("OpenImageIO", "OpenColorIO", "OpenEXR", "ssl", "crypto", "tiff", "jpeg"):
+        for name in ("cairo", "pango", "fontconfig", "freetype", "OpenImageIO", "OpenColorIO", "OpenEXR", "ssl", "crypto",
+                     "tiff", "jpeg"):  # fmt: skip
             self.assertNotRegex(needed, rf"NEEDED.*{name}")
         self.assertIn("libpng", needed)
+        self.assertIn("libcairo", run("readelf", "--dynamic", self.prefix / LIBDIR / "umbrant/umbrant_drawing.so"))
+
+    def objects_opened(self, *arguments):
+        """Which of the program's shared objects a run of it opens, its child processes included."""
+        with tempfile.TemporaryDirectory() as folder:
+            # The loader writes into one file a process: a module that is judged must not print.
+            run(self.prefix / "bin/umbrant", *arguments, LD_DEBUG="files", LD_DEBUG_OUTPUT=f"{folder}/loaded")
+            loaded = "".join(file.read_text(errors="replace") for file in pathlib.Path(folder).iterdir())
+        self.assertRegex(loaded, r"calling init: \S*/libpng")
+        return set(re.findall(r"calling init: \S*/(umbrant_(?:drawing|images)\.so)", loaded))
+
+    def test_only_what_draws_opens_the_shared_objects(self):
+        preset = self.prefix / "share/umbrant/presets/turning-title.json"
+        with tempfile.TemporaryDirectory() as folder:
+            folder = pathlib.Path(folder)
+            for name in ("a.1.png", "a.2.png"):
+                write_png(folder / name, 1, 1, bytes((255, 0, 0, 255)))
+            for arguments in (
+                ["--version"],
+                ["--help"],
+                ["completion", "bash"],
+                ["params"],
+                ["panel", "--json"],
+                ["farm", "parallel", folder / "a.#.png", "-o", folder / "b.#.png", "--frames", "1-2"],
+                ["validate", "--list"],
+                ["validate", "--strictness", "2"],
+                ["curves", "--preset", preset, "--json"],
+                ["render", folder / "a.1.png", "-o", folder / "c.png", "--renderer", "cpu"],
+            ):
+                with self.subTest(arguments[0]):
+                    self.assertEqual(self.objects_opened(*arguments), set())
+            self.assertEqual(self.objects_opened("panel", "-o", folder / "panel.png"), {"umbrant_drawing.so"})
+            self.assertEqual(self.objects_opened("panel", "-o", folder / "panel.tif"),
+                             {"umbrant_drawing.so", "umbrant_images.so"})  # fmt: skip
+
+    def test_a_missing_drawing_library_is_reported(self):
+        preset = self.prefix / "share/umbrant/presets/turning-title.json"
+        part = self.prefix / LIBDIR / "umbrant/umbrant_drawing.so"
+        away = part.with_suffix(".away")
+        advice = "install the program again, with the libraries that it needs"
+        loaded = "umbrant_drawing.so, which draws panels and curves, cannot be loaded: "
+        reasons = {
+            "missing": f"{loaded}umbrant_drawing.so: cannot open shared object file: No such file or directory; {advice}",
+            "empty": f"{loaded}{self.prefix}/bin/../{LIBDIR}/umbrant/umbrant_drawing.so: file too short; {advice}",
+            "another": "umbrant_drawing.so is of another version of the program; install both from one version",
+        }
+        with tempfile.TemporaryDirectory() as folder:
+            folder = pathlib.Path(folder)
+            part.rename(away)
+            try:
+                for state, reason in reasons.items():
+                    if state == "empty":
+                        part.write_bytes(b"")
+                    elif state == "another":
+                        shutil.copy(part.with_name("umbrant_shim.so"), part)
+                    for what, arguments in {
+                        "a picture of the panel": ["panel", "-o", "picture.png"],
+                        "a picture of the curves": ["curves", "--preset", preset, "-o", "picture.png"],
+                        "the canvas of a draw event": ["validate", "--strictness", "3"],
+                    }.items():
+                        with self.subTest(state=state, what=what):
+                            failed = subprocess.run([self.prefix / "bin/umbrant", *arguments], cwd=folder, text=True,
+                                                    capture_output=True)  # fmt: skip
+                            self.assertEqual(failed.returncode, 5)
+                            self.assertEqual(
+                                failed.stderr.splitlines()[-1],
+                                f"umbrant: cannot draw {what}: {reason}",
+                            )
+                run(self.prefix / "bin/umbrant", "panel", "--json", cwd=folder)
+                run(self.prefix / "bin/umbrant", "validate", "--strictness", "2", cwd=folder)
+            finally:
+                away.replace(part)
+            self.assertEqual(list(folder.iterdir()), [])
 
     def test_the_program_finds_the_image_library(self):
         umbrant = self.prefix / "bin/umbrant"

@@ -352,28 +352,27 @@ TEST(PanelText, ComesFromUtf16) {
 class FittedText : public DrawbotTest {};
 
 TEST_F(FittedText, IsCutAsTheStyleSays) {
-    cairo_select_font_face(cairo, kPanelTypeface, CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
-    cairo_set_font_size(cairo, 10);
+    drawing->SetFont(kPanelTypeface, 10);
     const std::string text = "abcdefghij\xC3\xA9\xC3\xA9";
-    const double whole = TextWidth(cairo, text);
+    const double whole = drawing->TextWidth(text);
     EXPECT_GT(whole, 20);
-    EXPECT_EQ(FitText(cairo, text, whole, kDRAWBOT_TextTruncation_EndEllipsis), text);
-    EXPECT_EQ(FitText(cairo, text, 1, kDRAWBOT_TextTruncation_None), text);
+    EXPECT_EQ(FitText(*drawing, text, whole, kDRAWBOT_TextTruncation_EndEllipsis), text);
+    EXPECT_EQ(FitText(*drawing, text, 1, kDRAWBOT_TextTruncation_None), text);
 
-    const std::string end = FitText(cairo, text, whole / 2, kDRAWBOT_TextTruncation_End);
+    const std::string end = FitText(*drawing, text, whole / 2, kDRAWBOT_TextTruncation_End);
     EXPECT_TRUE(text.starts_with(end) && end.size() >= 3 && end.size() < text.size()) << end;
-    EXPECT_LE(TextWidth(cairo, end), whole / 2);
+    EXPECT_LE(drawing->TextWidth(end), whole / 2);
 
-    const std::string dots = FitText(cairo, text, whole / 2, kDRAWBOT_TextTruncation_EndEllipsis);
+    const std::string dots = FitText(*drawing, text, whole / 2, kDRAWBOT_TextTruncation_EndEllipsis);
     EXPECT_TRUE(dots.starts_with("ab") && dots.ends_with("\xE2\x80\xA6")) << dots;
-    EXPECT_LE(TextWidth(cairo, dots), whole / 2);
+    EXPECT_LE(drawing->TextWidth(dots), whole / 2);
 
-    const std::string middle = FitText(cairo, text, whole / 2, kDRAWBOT_TextTruncation_PathEllipsis);
+    const std::string middle = FitText(*drawing, text, whole / 2, kDRAWBOT_TextTruncation_PathEllipsis);
     EXPECT_TRUE(middle.starts_with("a") && middle.ends_with("\xC3\xA9")) << middle;
     EXPECT_NE(middle.find("\xE2\x80\xA6"), std::string::npos);
-    EXPECT_LE(TextWidth(cairo, middle), whole / 2);
+    EXPECT_LE(drawing->TextWidth(middle), whole / 2);
 
-    EXPECT_EQ(FitText(cairo, text, 0, kDRAWBOT_TextTruncation_End), "");
+    EXPECT_EQ(FitText(*drawing, text, 0, kDRAWBOT_TextTruncation_End), "");
 }
 
 }  // namespace

@@ -4,17 +4,18 @@
 
 // A small picture to draw on, through the suites as an effect calls them, and its pixels.
 
-#include <cairo.h>
-
 #include <cstdint>
 #include <memory>
 #include <ostream>
+#include <stdexcept>
 #include <string>
+#include <utility>
 
+#include "host/drawing/new_drawing.h"
 #include "host/suites/drawbot_canvas.h"
 #include "tests/host/suites/suites_fixture.h"
 
-/// A pixel of the picture, straight or premultiplied as Cairo has it: premultiplied.
+/// A pixel of the picture, premultiplied as a drawing has it.
 struct Premultiplied {
     int alpha, red, green, blue;
     bool operator==(const Premultiplied&) const = default;
@@ -34,22 +35,20 @@ class DrawbotTest : public SuitesTest {
     static constexpr int kSize = 16;
 
     DrawbotTest() {
-        picture = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, kSize, kSize);
-        cairo = cairo_create(picture);
-        canvas = std::make_unique<DrawbotCanvas>(cairo, 2.0f);
+        drawing = NewPicture();
+        canvas = std::make_unique<DrawbotCanvas>(*drawing, 2.0f);
         supplier = canvas->Supplier();
         surface = canvas->Surface();
     }
-    ~DrawbotTest() override {
-        canvas.reset();
-        cairo_destroy(cairo);
-        cairo_surface_destroy(picture);
+
+    static std::unique_ptr<Drawing> NewPicture() {
+        auto made = NewDrawing("a picture", kSize, kSize, DrawnPixels::kWithAlpha);
+        if (!made) throw std::runtime_error(made.Error().sentence);
+        return std::move(*made);
     }
 
     Premultiplied At(int x, int y) const {
-        cairo_surface_flush(picture);
-        const unsigned char* row = cairo_image_surface_get_data(picture) + y * cairo_image_surface_get_stride(picture);
-        const uint32_t pixel = reinterpret_cast<const uint32_t*>(row)[x];
+        const std::uint32_t pixel = drawing->Row(y)[x];
         return {static_cast<int>(pixel >> 24), static_cast<int>(pixel >> 16 & 255), static_cast<int>(pixel >> 8 & 255),
                 static_cast<int>(pixel & 255)};
     }
@@ -61,13 +60,7 @@ class DrawbotTest : public SuitesTest {
         }
         return covered;
     }
-    void Clear() {
-        cairo_save(cairo);
-        cairo_reset_clip(cairo);
-        cairo_set_operator(cairo, CAIRO_OPERATOR_CLEAR);
-        cairo_paint(cairo);
-        cairo_restore(cairo);
-    }
+    void Clear() { drawing->Clear(); }
 
     SPErr Paint(const DRAWBOT_ColorRGBA& color, const DRAWBOT_RectF32& rect) {
         return kDrawbotSurfaceSuite.PaintRect(surface, &color, &rect);
@@ -95,8 +88,7 @@ class DrawbotTest : public SuitesTest {
     int Objects() const { return Open(Resource::kDrawObject); }
 
     static constexpr DRAWBOT_ColorRGBA kRedColor{1, 0, 0, 1}, kBlueColor{0, 0, 1, 1};
-    cairo_surface_t* picture;
-    cairo_t* cairo;
+    std::unique_ptr<Drawing> drawing;
     std::unique_ptr<DrawbotCanvas> canvas;
     DRAWBOT_SupplierRef supplier;
     DRAWBOT_SurfaceRef surface;

@@ -50,9 +50,9 @@ TEST_F(DrawbotTest, NoReferenceOutlivesItsDrawEvent) {
 }
 
 TEST_F(DrawbotTest, TwoCanvasesAreToldApart) {
-    cairo_t* other = cairo_create(picture);
+    const std::unique_ptr<Drawing> other = NewPicture();
     {
-        DrawbotCanvas second(other, 1.0f);
+        DrawbotCanvas second(*other, 1.0f);
         float scale = 0;
         EXPECT_EQ(kDrawbotSurfaceSuite.GetTransformToScreenScale(second.Surface(), &scale), 0);
         EXPECT_EQ(scale, 1.0f);
@@ -61,7 +61,6 @@ TEST_F(DrawbotTest, TwoCanvasesAreToldApart) {
         const DRAWBOT_Rect32 rect{0, 0, 4, 4};
         EXPECT_EQ(kDrawbotSurfaceSuite.Clip(surface, second.Supplier(), &rect), PF_Err_BAD_CALLBACK_PARAM);
     }
-    cairo_destroy(other);
 }
 
 TEST_F(DrawbotTest, ObjectsAreCountedUntilTheirLastUserIsGone) {
@@ -169,9 +168,7 @@ TEST_F(DrawbotTest, WhatWasPushedAndNotPoppedIsReportedAndUndone) {
     const DRAWBOT_MatrixF32 half{{{0.5f, 0, 0}, {0, 0.5f, 0}, {0, 0, 0.5f}}};
     EXPECT_EQ(kDrawbotSurfaceSuite.Transform(surface, &half), 0);
     canvas.reset();
-    cairo_matrix_t matrix;
-    cairo_get_matrix(cairo, &matrix);
-    EXPECT_EQ(matrix.xx, 1.0);
+    EXPECT_EQ(drawing->Matrix().xx, 1.0);
     EXPECT_THAT(services.Misbehaviour(), ElementsAre("a drawing state was popped that had not been pushed",
                                                      "a drawing state was pushed and not popped, 2 in all"));
 }
@@ -180,9 +177,7 @@ TEST_F(DrawbotTest, AMatrixThatIsLeftIsUndone) {
     const DRAWBOT_MatrixF32 half{{{0.5f, 0, 0}, {0, 0.5f, 0}, {0, 0, 0.5f}}};
     EXPECT_EQ(kDrawbotSurfaceSuite.Transform(surface, &half), 0);
     canvas.reset();
-    cairo_matrix_t matrix;
-    cairo_get_matrix(cairo, &matrix);
-    EXPECT_EQ(matrix.xx, 1.0);
+    EXPECT_EQ(drawing->Matrix().xx, 1.0);
 }
 
 }  // namespace
