@@ -41,7 +41,7 @@ nor a screen is needed.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libumbrant-host-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
-    "umbrant (= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}), libfmt-dev, libcairo2-dev")
+    "umbrant (= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}), libfmt-dev")
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
     "long, soft shadows from memory to memory - development files
 A static library that loads the effect module of the package umbrant and
