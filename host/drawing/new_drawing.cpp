@@ -23,6 +23,7 @@ Result<decltype(&UmbrantNewDrawing)> Entry(const std::string& what) {
     if (entry) return entry;
     const auto opened = OpenOwnObject(kLibrary);
     if (const auto* reason = std::get_if<std::string>(&opened)) {
+        if (SaysNoMemory(*reason)) return NotEnoughMemory(what);
         return Failure{ExitCode::kInternal, fmt::format("cannot draw {}: {}", what, *reason)};
     }
     entry = reinterpret_cast<decltype(&UmbrantNewDrawing)>(std::get<void*>(opened));
