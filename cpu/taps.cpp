@@ -29,6 +29,10 @@ Span Intersect(Span a, Span b) {
 }
 
 Kernel MakeKernel(int steps, double stride, double gain) {
+    if (steps > kMostSteps) {
+        stride *= static_cast<double>(steps) / kMostSteps;
+        steps = kMostSteps;
+    }
     Kernel kernel;
     kernel.steps = steps;
     kernel.stride = stride;

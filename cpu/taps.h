@@ -41,6 +41,10 @@ struct Look {
     double At(int output) const { return first + output * pitch; }
 };
 
+/// The most steps that a kernel has: many times what the longest blur of the panel needs. A damaged project can ask for
+/// two thousand million, which no machine has the memory for.
+constexpr int kMostSteps = 1 << 16;
+
 /// A blur's taps: 2 steps + 1 of them, `stride` inputs apart, with weights that add up to `gain`.
 struct Kernel {
     int steps = 1;
@@ -50,7 +54,8 @@ struct Kernel {
     double Reach() const { return steps * stride; }
 };
 
-/// exp(-x² / 0.12) over -1..1, normalised and multiplied with `gain`.
+/// exp(-x² / 0.12) over -1..1, normalised and multiplied with `gain`. Beyond `kMostSteps` there are that many, further
+/// apart, so that the reach stays.
 Kernel MakeKernel(int steps, double stride, double gain);
 
 /// Weights of blocks of outputs, owned.

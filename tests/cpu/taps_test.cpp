@@ -46,6 +46,14 @@ TEST(Kernel, WeightsAreTheShadersAndAddUpToTheGain) {
     EXPECT_DOUBLE_EQ(kernel.Reach(), 3.6);
 }
 
+TEST(Kernel, OneBeyondAllReasonKeepsItsReachAndNotItsSteps) {
+    EXPECT_EQ(MakeKernel(65536, 0.5, 1).weights.size(), 131073u);
+    const Kernel kernel = MakeKernel(std::numeric_limits<int>::max(), 0.5, 1);
+    EXPECT_EQ(kernel.weights.size(), 131073u);
+    EXPECT_DOUBLE_EQ(kernel.Reach(), 0.5 * std::numeric_limits<int>::max());
+    EXPECT_GT(kernel.weights[65536], kernel.weights[0]);
+}
+
 struct FoldCase {
     const char* name;
     int size;
