@@ -16,6 +16,7 @@
 #include "platform/fork.h"
 #include "platform/gl_api.h"
 #include "render/processor_path.h"
+#include "render/renderer_request.h"
 
 std::recursive_mutex globalMutex;
 AEGP_PluginID my_id;
@@ -37,6 +38,21 @@ void CopyDriverString(GLenum name, char (&field)[kSize]) {
     const size_t length = strnlen(text, kSize - 1);
     std::memcpy(field, text, length);
     field[length] = '\0';
+}
+
+template <size_t kSize>
+void CopyText(const char* text, char (&field)[kSize]) {
+    std::strncpy(field, text, kSize - 1);
+    field[kSize - 1] = '\0';
+}
+
+/// What the panel shows where the processor draws. No driver is asked, so none is loaded.
+void DescribeProcessor(GlobalData* record) {
+    record->withoutOpenGL = 1;
+    CopyText("Umbrant", record->gl_vendor);
+    CopyText(ProcessorName().c_str(), record->gl_renderer);
+    CopyText("not used", record->gl_version);
+    CopyText("not used", record->glsl_version);
 }
 
 /// Makes the probe context and reads the driver's strings. The calling thread's current context is the same afterwards.
@@ -73,13 +89,19 @@ class NewRecord {
 
     /// Fills the record in, under a lock that stays. Where there is no lock nothing is written: the unlocked handle's
     /// pointer need not be valid.
-    void Fill() {
+    void Fill(PF_InData* in_data) {
         writtenRecords.Forget(handle_);
         auto* record = static_cast<GlobalData*>(handles_->host_lock_handle(handle_));
         if (record == nullptr) return;
         locked_ = true;
         std::memset(record, 0, sizeof(GlobalData));
         writtenRecords.Note(handle_);
+        RendererChoice choice = RendererChoice::kOpenGL;
+        // A host that cannot say it here is asked again for each frame, and its error is the frame's.
+        if (!ReadRendererRequest(in_data, &choice) && choice == RendererChoice::kProcessor) {
+            DescribeProcessor(record);
+            return;
+        }
         ProbeDriver(record);
         context_ = record->context;
     }
@@ -110,7 +132,7 @@ PF_Err GlobalSetup(PF_InData* in_data, PF_OutData* out_data) {
     const PF_HandleSuite1* handles = suites.HandleSuite1();
     NewRecord record(handles);
     if (record.Handle() == nullptr) return PF_Err_NONE;
-    record.Fill();
+    record.Fill(in_data);
     const PF_Handle previous = out_data->global_data;
     out_data->global_data = record.Handle();
     try {

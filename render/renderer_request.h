@@ -3,7 +3,8 @@
 #pragma once
 
 // Which renderer draws a frame: what the host asks for through its private suite where it has one, else the platform's
-// choice. Asked once a frame, so that two instances in one process may differ.
+// choice. Asked once a frame, so that two instances in one process may differ, and at global set-up, which loads the
+// OpenGL driver only when it is going to be used.
 
 #include "hostapi/commands.h"
 #include "platform/renderer_choice.h"

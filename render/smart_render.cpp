@@ -28,8 +28,10 @@ namespace {
 
 constexpr char kLostByFork[] =
     "UM2 Error: this process was forked from one that uses OpenGL, which does not work in it. Fork before the effect "
-    "is "
-    "set up, start a new program, or draw with the processor";
+    "is set up, start a new program, or draw with the processor";
+constexpr char kSetUpForProcessor[] =
+    "UM2 Error: the effect was set up to draw with the processor, so OpenGL is not there. Ask for OpenGL before it is "
+    "set up, or draw with the processor";
 
 // Layers checked out for one render; checked in again on every road out, also when a suite is missing.
 class CheckedOutLayers {
@@ -78,6 +80,12 @@ void RecordRenderer(PF_InData* in_data, AEGP_SuiteHandler& suites, const char* r
     global->rendererRecorded = 1;
 }
 
+bool IsWithoutOpenGL(const PF_InData* in_data, AEGP_SuiteHandler& suites) {
+    if (!in_data->global_data) return false;
+    const LockedGlobalData locked(suites.HandleSuite1(), in_data->global_data);
+    return locked.Get() && locked.Get()->withoutOpenGL;
+}
+
 // Drawn by the processor: no thread state, no OpenGL.
 PF_Err RenderPassesOnProcessor(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings,
                                const RadialGeometry& radial) {
@@ -108,7 +116,10 @@ PF_Err RenderPasses(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler&
         return PF_Err_INTERNAL_STRUCT_DAMAGED;
     }
     InitThreadLocalRenderData(in_data, out_data);
-    if (!local_render_data || !local_render_data->context) return PF_Err_INTERNAL_STRUCT_DAMAGED;
+    if (!local_render_data || !local_render_data->context) {
+        if (IsWithoutOpenGL(in_data, suites)) WriteReturnMessage(kSetUpForProcessor, out_data);
+        return PF_Err_INTERNAL_STRUCT_DAMAGED;
+    }
     RecordRenderer(in_data, suites, reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
     switch (settings->shadowType) {
         case SHADOW_NORMAL:

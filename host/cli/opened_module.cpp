@@ -12,6 +12,11 @@
 Result<OpenedModule> OpenModule(const std::optional<std::string>& option, SessionOptions options) {
     std::optional<std::filesystem::path> named;
     if (option) named = *option;
+    if (options.renderer == UMBRANT_Renderer_ANY) {
+        // Whoever minds what is wrong with the variable has asked before.
+        const auto wish = ReadRendererWish("");
+        options.renderer = RendererOfSetUp(wish ? *wish : RendererWish::kAuto);
+    }
     const ModuleSearch search = DefaultModuleSearch(named);
     const auto file = FindModule(search);
     if (!file) return file.Error();

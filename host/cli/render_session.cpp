@@ -42,6 +42,9 @@ Result<OpenedEffect> OpenWithValues(const RenderOptions& options, int layerWidth
     about.layerWidth = layerWidth;
     about.layerHeight = layerHeight;
     if (options.collapsed) about.layerFlags |= AEGP_LayerFlag_COLLAPSE;
+    const auto wish = ReadRendererWish(options.renderer);
+    if (!wish) return wish.Error();
+    about.renderer = RendererOfSetUp(*wish);
     const auto rate = ParseRate(options.sequence.rate.empty() ? "24" : options.sequence.rate);
     if (!rate) return rate.Error();
     auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module), about);

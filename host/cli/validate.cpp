@@ -84,6 +84,7 @@ Result<ExitCode> Validate(ValidateOptions options) {
     trial.module = *file;
     trial.trace = options.trace;
     trial.shim = FindShim(search);
+    trial.rendererOfProbe = RendererOfSetUp(RendererWish::kAuto);
     trial.isProcessorBetter = [](const ParamSet& params) {
         return DecideRenderer(RendererWish::kAuto, ReadGpuStrings(params)).processor;
     };

@@ -75,6 +75,7 @@ struct OptionNumbers {
     AEGP_LayerFlags layerFlags;
     int layerWidth, layerHeight;
     bool offerSuites;
+    UMBRANT_Renderer renderer;
 };
 
 }  // namespace
@@ -177,7 +178,7 @@ std::vector<CommandRecord> CommandsOf(const json& object) {
 
 json OptionsJson(const SessionOptions& options) {
     return BytesOf(OptionNumbers{options.appId, options.apiMajor, options.apiMinor, options.layerFlags,
-                                 options.layerWidth, options.layerHeight, options.offerSuites});
+                                 options.layerWidth, options.layerHeight, options.offerSuites, options.renderer});
 }
 
 SessionOptions OptionsOf(const json& object) {
@@ -190,6 +191,7 @@ SessionOptions OptionsOf(const json& object) {
     options.layerWidth = numbers.layerWidth;
     options.layerHeight = numbers.layerHeight;
     options.offerSuites = numbers.offerSuites;
+    options.renderer = numbers.renderer;
     return options;
 }
 

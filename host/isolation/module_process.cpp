@@ -29,7 +29,7 @@ constexpr std::chrono::seconds kEndsIn{5};
 
 class Proxy final : public ModuleProcess {
  public:
-    explicit Proxy(ModuleProcessOptions options) : options_(std::move(options)) {
+    explicit Proxy(ModuleProcessOptions options) : options_(std::move(options)), renderer_(options_.session.renderer) {
         if (options_.program.empty()) options_.program = ProgramForChildren();
     }
 
@@ -367,7 +367,7 @@ class Proxy final : public ModuleProcess {
     }
 
     ModuleProcessOptions options_;
-    std::atomic<UMBRANT_Renderer> renderer_{UMBRANT_Renderer_ANY};
+    std::atomic<UMBRANT_Renderer> renderer_;
     std::unique_ptr<ChildProgram> child_;  ///< null when it has ended
     PixelBlocks blocks_;
     std::shared_ptr<SharedMemory> output_;

@@ -163,7 +163,7 @@ struct Effect::State {
     void UpdatePanel() {
         if (!std::exchange(isChanged, false)) return;
         EffectSession& session = instance.Session();
-        const std::lock_guard lock(instance.Shared().mutex);
+        const std::lock_guard lock(instance.Shared().loaded->mutex);
         session.Params() = params.values;
         if (auto updated = session.UpdateParamsUI(); !updated) Throw(Explained(updated.Error()));
         params.values = session.Params();
@@ -184,7 +184,7 @@ struct Effect::State {
     /// Calls what sends a frame's commands; for itself, where the effect cannot do with others at the same time.
     template <typename Call>
     auto Send(Call call) {
-        std::unique_lock lock(instance.Shared().mutex, std::defer_lock);
+        std::unique_lock lock(instance.Shared().loaded->mutex, std::defer_lock);
         if (!instance.Shared().drawsOnThreads) lock.lock();
         auto answer = call(instance.Session());
         if (!answer) Throw(Explained(answer.Error()));
@@ -334,11 +334,11 @@ Rectangle Effect::RenderInto(const ImageView& layer, const MutableImageView& tar
 }
 
 std::string Effect::Name() const {
-    return state_->instance.Shared().module->Effect().name;
+    return state_->instance.Shared().loaded->module.Effect().name;
 }
 
 std::string Effect::ModuleFile() const {
-    return state_->instance.Shared().module->File().string();
+    return state_->instance.Shared().loaded->module.File().string();
 }
 
 std::string Effect::RendererText() const {

@@ -19,7 +19,11 @@ namespace fs = std::filesystem;
 /// The modules of the process. Everything in it, and every set-up and set-down, happens under its mutex.
 struct Registry {
     ForkLock mutex{ForkRank::kModules};
-    std::map<fs::path, std::weak_ptr<SharedModule>> loaded;
+    struct SetUps {
+        std::weak_ptr<SharedModule> any;            ///< OpenGL was asked for; the processor draws there too
+        std::weak_ptr<SharedModule> processorOnly;  ///< no driver was loaded
+    };
+    std::map<fs::path, SetUps> loaded;
 };
 
 /// Lives to the process's very end: effects may be members of static objects.
@@ -37,13 +41,20 @@ Result<fs::path> FileOf(const SharedModuleRequest& request) {
     return FindModule(search);
 }
 
-Result<std::shared_ptr<SharedModule>> Load(const fs::path& file) {
-    auto loaded = Module::Load(file);
-    if (!loaded) return loaded.Error();
-    auto module = std::make_unique<const Module>(std::move(*loaded));
-    auto session = EffectSession::Start(*module);
+Result<std::shared_ptr<SharedModule>> SetUp(const fs::path& file, const std::shared_ptr<SharedModule>& other,
+                                            UMBRANT_Renderer renderer) {
+    std::shared_ptr<LoadedModule> loaded = other ? other->loaded : nullptr;
+    if (!loaded) {
+        auto module = Module::Load(file);
+        if (!module) return module.Error();
+        loaded = std::make_shared<LoadedModule>(std::move(*module));
+    }
+    SessionOptions options;
+    options.renderer = renderer;
+    const std::lock_guard panelLock(loaded->mutex);
+    auto session = EffectSession::Start(loaded->module, options);
     if (!session) return session.Error();
-    auto shared = std::make_shared<SharedModule>(std::move(module), std::move(*session));
+    auto shared = std::make_shared<SharedModule>(loaded, std::move(*session));
     shared->drawsOnThreads = (shared->root.OutFlags2() & PF_OutFlag2_SUPPORTS_THREADED_RENDERING) != 0;
     return shared;
 }
@@ -59,20 +70,24 @@ Result<SharedInstance> SharedInstance::Start(const SharedModuleRequest& request)
 
     Registry& registry = TheRegistry();
     const std::lock_guard lock(registry.mutex);
-    std::shared_ptr<SharedModule> shared = registry.loaded[key].lock();
-    if (!shared) {
-        auto loaded = Load(*file);
-        if (!loaded) return loaded.Error();
-        shared = std::move(*loaded);
-        registry.loaded[key] = shared;
-    }
     const auto wish = request.renderer ? Result<RendererWish>(*request.renderer) : ReadRendererWish("");
     if (!wish) return wish.Error();
+    const UMBRANT_Renderer needed = RendererOfSetUp(*wish);
+    Registry::SetUps& setUps = registry.loaded[key];
+    const std::shared_ptr<SharedModule> processorOnly = setUps.processorOnly.lock();
+    std::shared_ptr<SharedModule> shared = setUps.any.lock();
+    if (!shared && needed == UMBRANT_Renderer_PROCESSOR) shared = processorOnly;
+    if (!shared) {
+        auto made = SetUp(*file, processorOnly, needed);
+        if (!made) return made.Error();
+        shared = std::move(*made);
+        (needed == UMBRANT_Renderer_PROCESSOR ? setUps.processorOnly : setUps.any) = shared;
+    }
     RendererDecision renderer = DecideRenderer(*wish, ReadGpuStrings(shared->root.Params()));
 
     SessionOptions options;
     if (request.collapsed) options.layerFlags |= AEGP_LayerFlag_COLLAPSE;
-    const std::lock_guard panelLock(shared->mutex);
+    const std::lock_guard panelLock(shared->loaded->mutex);
     auto session = EffectSession::StartInstance(shared->root, options);
     if (!session) return session.Error();
     session->SetRenderer(renderer.Request());
@@ -82,9 +97,9 @@ Result<SharedInstance> SharedInstance::Start(const SharedModuleRequest& request)
 SharedInstance::~SharedInstance() {
     if (!shared_) return;
     const std::lock_guard lock(TheRegistry().mutex);
-    {
-        const std::lock_guard panelLock(shared_->mutex);
-        session_.reset();
-    }
+    // Kept to the end of the scope: its lock is held while the last session's set-down runs.
+    const std::shared_ptr<LoadedModule> loaded = shared_->loaded;
+    const std::lock_guard panelLock(loaded->mutex);
+    session_.reset();
     shared_.reset();
 }

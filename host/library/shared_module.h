@@ -2,8 +2,9 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// A module's file is loaded and set up once in a process, however many effects are made of it. What belongs on one
-// thread in a host (loading, set-up, set-down, panel commands) is kept apart in time here.
+// A module's file is loaded once in a process, however many effects are made of it, and set up once; a second time when
+// OpenGL is wished for after a set-up that loaded no driver. What belongs on one thread in a host (loading, set-up,
+// set-down, panel commands) is kept apart in time here.
 
 #include <memory>
 #include <optional>
@@ -15,15 +16,22 @@
 #include "host/session/effect_session.h"
 #include "host/session/renderer.h"
 
-/// A loaded module with the instance that all others are made from.
-struct SharedModule {
-    SharedModule(std::unique_ptr<const Module> loaded, EffectSession session)
-        : module(std::move(loaded)), root(std::move(session)) {}
+/// A module's file in this process.
+struct LoadedModule {
+    explicit LoadedModule(Module loaded) : module(std::move(loaded)) {}
 
-    const std::unique_ptr<const Module> module;  ///< stays where it is: the sessions refer to it
-    EffectSession root;
+    const Module module;  ///< stays where it is: the sessions refer to it
     /// Around every panel command, and around frames of an effect that takes one thread at a time.
     ForkLock mutex{ForkRank::kModule};
+};
+
+/// A set-up of a module: the instance that all others are made from.
+struct SharedModule {
+    SharedModule(std::shared_ptr<LoadedModule> of, EffectSession session)
+        : loaded(std::move(of)), root(std::move(session)) {}
+
+    const std::shared_ptr<LoadedModule> loaded;
+    EffectSession root;
     bool drawsOnThreads = false;
 };
 

@@ -84,6 +84,7 @@ std::string MessageOf(const PF_OutData& out) {
 SessionState::SessionState(const Module& loaded, SessionOptions chosen) : module(loaded), options(std::move(chosen)) {
     services.session = this;
     services.layerFlags = options.layerFlags;
+    services.renderer = options.renderer;
     services.fault = options.fault;
     services.log = options.log;
     services.worldWatch = options.worldWatch;

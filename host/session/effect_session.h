@@ -53,6 +53,8 @@ struct SessionOptions {
     int layerHeight = 1080;
     /// False hands the effect a null `pica_basicP`.
     bool offerSuites = true;
+    /// What SetRenderer starts with: the effect asks for it at set-up already, and loads no driver for the processor.
+    UMBRANT_Renderer renderer = UMBRANT_Renderer_ANY;
     /// Asked before every host call with "table.call" ("PF World Suite.PF_NewWorld", "utils.fill",
     /// "interact.checkout_param", "pre-render.checkout_layer", "smart-render.checkout_output") and before a suite is
     /// handed out with "AcquireSuite:name". A non-zero answer makes the call fail with it (a call that returns a

@@ -68,11 +68,29 @@ Result<RendererWish> ReadRendererWish(const std::string& option) {
     return RendererWish::kAuto;
 }
 
-RendererDecision DecideRenderer(RendererWish wish, const GpuStrings& gpu) {
+bool HasGraphicsDevice(const std::filesystem::path& devices) {
+    // The kernel's own drivers, NVIDIA's, and those of Windows' subsystem and of two makers of mobile chips.
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(devices / "dri", error)) {
+        if (entry.path().filename().string().rfind("renderD", 0) == 0) return true;
+    }
+    for (const char* name : {"nvidiactl", "dxg", "mali0", "kgsl-3d0"}) {
+        if (std::filesystem::exists(devices / name, error)) return true;
+    }
+    return false;
+}
+
+UMBRANT_Renderer RendererOfSetUp(RendererWish wish, bool hasDevice) {
+    if (wish == RendererWish::kProcessor) return UMBRANT_Renderer_PROCESSOR;
+    return wish == RendererWish::kAuto && !hasDevice ? UMBRANT_Renderer_PROCESSOR : UMBRANT_Renderer_OPENGL;
+}
+
+RendererDecision DecideRenderer(RendererWish wish, const GpuStrings& gpu, bool hasDevice) {
     if (wish == RendererWish::kOpenGL) return {false, "it was asked for"};
     if (wish == RendererWish::kProcessor) return {true, "it was asked for"};
     if (!gpu.HasContext()) return {true, "there is no OpenGL"};
     if (gpu.renderer.empty()) return {false, "the effect names no renderer"};
+    if (!hasDevice) return {true, "there is no graphics device"};
     if (IsSoftware(gpu)) return {true, fmt::format("OpenGL is software, {}", gpu.renderer)};
     return {false, fmt::format("OpenGL is hardware, {}", gpu.renderer)};
 }

@@ -2,17 +2,19 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// Which renderer draws: OpenGL or the processor. The host decides after set-up, when the effect's parameters name the
-// OpenGL that it found, and hands the decision to the session; the effect asks for it through the suite of
+// Which renderer draws: OpenGL or the processor. Where nothing but the processor can be meant the effect is told so
+// before set-up and loads no driver; otherwise the host decides after set-up, when the effect's parameters name the
+// OpenGL that it found, and hands the decision to the session. The effect asks for it through the suite of
 // hostapi/suites/umbrant_host_suite.h. In a host without that suite the environment variable UMBRANT_RENDERER decides.
 
+#include <filesystem>
 #include <string>
 
 #include "host/result.h"
 #include "host/session/param_set.h"
 #include "hostapi/suites/umbrant_host_suite.h"
 
-/// The four rows in which the effect reports its OpenGL.
+/// The four rows in which the effect reports its OpenGL, or what else draws.
 struct GpuStrings {
     std::string vendor;
     std::string renderer;
@@ -33,6 +35,13 @@ enum class RendererWish { kAuto, kOpenGL, kProcessor };
 /// nor "hardware".
 Result<RendererWish> ReadRendererWish(const std::string& option);
 
+/// Whether the system has a device that OpenGL could draw with, by the names that Linux's drivers give theirs in
+/// `devices`. Opens nothing.
+bool HasGraphicsDevice(const std::filesystem::path& devices = "/dev");
+
+/// What a session is set up for: `kAuto` needs to see OpenGL only where a device could draw it.
+UMBRANT_Renderer RendererOfSetUp(RendererWish wish, bool hasDevice = HasGraphicsDevice());
+
 /// Whether the effect's OpenGL is drawn by the processor.
 bool IsSoftware(const GpuStrings& gpu);
 
@@ -47,7 +56,7 @@ struct RendererDecision {
 };
 
 /// `kAuto` takes OpenGL where hardware draws it, and otherwise the processor.
-RendererDecision DecideRenderer(RendererWish wish, const GpuStrings& gpu);
+RendererDecision DecideRenderer(RendererWish wish, const GpuStrings& gpu, bool hasDevice = HasGraphicsDevice());
 
 /// "drawn by the processor: there is no OpenGL".
 std::string RendererText(const RendererDecision& decision);

@@ -28,7 +28,9 @@ constexpr char kProbe[] = "probe";
 void Probe(Trial& trial) {
     auto module = Module::Load(trial.Options().module);
     if (!module) return;
-    auto session = EffectSession::Start(*module);
+    SessionOptions about;
+    about.renderer = trial.Options().rendererOfProbe;
+    auto session = EffectSession::Start(*module, std::move(about));
     if (session && trial.Options().isProcessorBetter(session->Params())) trial.Count("software");
 }
 

@@ -14,6 +14,8 @@
 #include <string>
 #include <vector>
 
+#include "hostapi/suites/umbrant_host_suite.h"
+
 class EventLog;
 class ParamSet;
 
@@ -63,6 +65,8 @@ struct TrialOptions {
     std::optional<FaultPlan> fault;  ///< the fault checks do this one alone
     std::filesystem::path trace;     ///< where the check's events are added; empty for nowhere
     std::filesystem::path shim;      ///< the interposed library; empty when there is none
+    /// What the look at those rows sets the module up for.
+    UMBRANT_Renderer rendererOfProbe = UMBRANT_Renderer_ANY;
     /// Whether a module with these declared rows draws faster by the processor path that it may have.
     std::function<bool(const ParamSet&)> isProcessorBetter;
     bool softwareGl = false;  ///< what that said

@@ -21,6 +21,7 @@ enum {
 typedef A_long UMBRANT_Renderer;
 
 struct UMBRANT_HostSuite1 {
-    /// Which renderer draws the frame that is being rendered. To be asked during a render. [any]
+    /// Which renderer draws the frame that is being rendered, during a render. At global set-up: whether there will be
+    /// frames by OpenGL; after UMBRANT_Renderer_PROCESSOR no driver is loaded, and such a frame fails. [any]
     PF_Err (*GetRenderer)(PF_ProgPtr effect_ref, UMBRANT_Renderer* rendererP);
 };

@@ -94,6 +94,22 @@ TEST_F(RendererRequest, TheSuiteIsGivenBackBeforeAnythingIsDrawn) {
     EXPECT_EQ(at[2], kReleased);
 }
 
+TEST_F(RendererRequest, OpenGLIsMissedWhereSetUpWasForTheProcessor) {
+    OfferSuite();
+    host_.global->context = nullptr;
+    preference = UMBRANT_Renderer_OPENGL;
+    EXPECT_EQ(Run(), PF_Err_INTERNAL_STRUCT_DAMAGED);
+    EXPECT_STREQ(host_.outData.return_msg, "") << "a machine without OpenGL";
+    host_.global->withoutOpenGL = 1;
+    EXPECT_EQ(Run(), PF_Err_INTERNAL_STRUCT_DAMAGED);
+    EXPECT_STREQ(host_.outData.return_msg,
+                 "UM2 Error: the effect was set up to draw with the processor, so OpenGL is not there. Ask for OpenGL "
+                 "before it is set up, or draw with the processor");
+    host_.outData.return_msg[0] = '\0';
+    preference = UMBRANT_Renderer_PROCESSOR;
+    EXPECT_FALSE(DrawsByGl()) << "the next frame";
+}
+
 TEST_F(RendererRequest, AnErrorEndsTheFrame) {
     OfferSuite();
     preference = UMBRANT_Renderer_PROCESSOR;

@@ -16,6 +16,8 @@ namespace {
 
 using nlohmann::json;
 using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
 
 GpuStrings Gpu(const char* renderer) {
     const char* version = std::string(renderer) == "NULL" ? "NULL" : "4.5";
@@ -46,11 +48,51 @@ TEST(DecideRenderer, ByWishAndByWhatTheEffectFound) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        const RendererDecision decision = DecideRenderer(row.wish, Gpu(row.renderer));
+        const RendererDecision decision = DecideRenderer(row.wish, Gpu(row.renderer), true);
         EXPECT_EQ(decision.processor, row.processor);
         EXPECT_EQ(decision.why, row.why);
         EXPECT_STREQ(decision.Name(), row.processor ? "cpu" : "gl");
     }
+}
+
+TEST(DecideRenderer, WithoutAGraphicsDeviceNothingIsLookedAt) {
+    const RendererDecision decision = DecideRenderer(RendererWish::kAuto, Gpu("Processor (avx2, 2 threads)"), false);
+    EXPECT_TRUE(decision.processor);
+    EXPECT_EQ(decision.why, "there is no graphics device");
+    EXPECT_FALSE(DecideRenderer(RendererWish::kOpenGL, Gpu("llvmpipe"), false).processor);
+    EXPECT_EQ(DecideRenderer(RendererWish::kAuto, Gpu(""), false).why, "the effect names no renderer");
+}
+
+TEST(RendererOfSetUp, OnlyTheProcessorNeedsNoDriver) {
+    for (const bool hasDevice : {true, false}) {
+        EXPECT_EQ(RendererOfSetUp(RendererWish::kProcessor, hasDevice), UMBRANT_Renderer_PROCESSOR);
+        EXPECT_EQ(RendererOfSetUp(RendererWish::kOpenGL, hasDevice), UMBRANT_Renderer_OPENGL);
+    }
+    EXPECT_EQ(RendererOfSetUp(RendererWish::kAuto, true), UMBRANT_Renderer_OPENGL);
+    EXPECT_EQ(RendererOfSetUp(RendererWish::kAuto, false), UMBRANT_Renderer_PROCESSOR);
+}
+
+TEST(GraphicsDevice, ByTheNamesOfItsDriver) {
+    const struct {
+        const char* name;
+        bool isOne;
+    } rows[] = {{"dri/renderD128", true}, {"dri/renderD131", true}, {"nvidiactl", true},  {"dxg", true},
+                {"mali0", true},          {"kgsl-3d0", true},       {"dri/card0", false}, {"dri/by-path", false},
+                {"null", false},          {"nvidia-modeset", false}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const Folder devices;
+        EXPECT_FALSE(HasGraphicsDevice(devices.Path()));
+        std::filesystem::create_directories((devices / row.name).parent_path());
+        WriteBytes(devices / row.name, "");
+        EXPECT_EQ(HasGraphicsDevice(devices.Path()), row.isOne);
+    }
+    EXPECT_FALSE(HasGraphicsDevice("/nowhere"));
+}
+
+/// Why the processor draws where there is no OpenGL: on a machine with a device it has been looked for.
+std::string WhyByProcessor() {
+    return HasGraphicsDevice() ? "there is no OpenGL" : "there is no graphics device";
 }
 
 class CliRenderer : public testing::Test {
@@ -84,8 +126,9 @@ TEST_F(CliRenderer, WithoutOpenGLTheProcessorDrawsAllShadows) {
             ASSERT_EQ(outcome.code, 0) << outcome.err;
             const json report = json::parse(outcome.out, nullptr, false);
             ASSERT_TRUE(report.is_object()) << outcome.out;
-            EXPECT_EQ(report["renderer"], (json{{"used", "cpu"}, {"why", "there is no OpenGL"}}));
-            EXPECT_EQ(report["gpu"]["renderer"], "NULL");
+            EXPECT_EQ(report["renderer"], (json{{"used", "cpu"}, {"why", WhyByProcessor()}}));
+            EXPECT_THAT(report["gpu"]["renderer"].get<std::string>(),
+                        StartsWith(HasGraphicsDevice() ? "NULL" : "Processor ("));
             EXPECT_EQ(report["misbehaviour"], json::array());
             EXPECT_EQ(report["message"], "");
         }
@@ -139,15 +182,60 @@ TEST_F(CliRenderer, WrongWishesAreToldBeforeAnythingIsDrawn) {
     EXPECT_EQ(folder_.Entries(), entries);
 }
 
+/// What the loader opened while the program ran, beside the libraries that it is linked with.
+class CliDrivers : public testing::Test {
+ protected:
+    std::string Loaded(const std::vector<std::string>& arguments, std::vector<std::string> environment = {}) {
+        environment.insert(environment.end(), {"LD_DEBUG=files", "LD_DEBUG_OUTPUT=" + (folder_ / "files").string(),
+                                               std::string("UMBRANT_MODULE=") + UMBRANT_MODULE_FILE});
+        const Outcome outcome = RunUmbrant(folder_, arguments, {environment, ""});
+        EXPECT_EQ(outcome.code, 0) << outcome.err;
+        std::string all;
+        for (const auto& entry : std::filesystem::directory_iterator(folder_.Path())) {
+            if (entry.path().stem() == "files") all += ReadBytes(entry.path());
+        }
+        for (const auto& entry : std::filesystem::directory_iterator(folder_.Path())) {
+            if (entry.path().stem() == "files") std::filesystem::remove(entry.path());
+        }
+        EXPECT_THAT(all, HasSubstr("umbrant2.so")) << "nothing was recorded";
+        return all;
+    }
+    static bool HasDriver(const std::string& loaded) {
+        return loaded.find("libEGL_") != std::string::npos || loaded.find("libLLVM") != std::string::npos ||
+               loaded.find("libgallium") != std::string::npos || loaded.find("_dri.so") != std::string::npos;
+    }
+
+    const Folder folder_;
+};
+
+TEST_F(CliDrivers, TheProcessorLoadsNone) {
+    WriteLayer(folder_ / "in.png", 12, 9, {255, 200, 100, 50});
+    const std::vector<std::string> render = {"render", "in.png", "-o", "out.png", "--renderer"};
+    const auto with = [&](const char* renderer) {
+        std::vector<std::string> all = render;
+        all.push_back(renderer);
+        return all;
+    };
+    EXPECT_FALSE(HasDriver(Loaded(with("cpu"))));
+    EXPECT_FALSE(HasDriver(Loaded({"params"}, {"UMBRANT_RENDERER=cpu"})));
+    EXPECT_FALSE(HasDriver(Loaded({"info"}, {"UMBRANT_RENDERER=cpu"})));
+    if (!HasGraphicsDevice()) {
+        EXPECT_FALSE(HasDriver(Loaded(with("auto"))));
+        EXPECT_FALSE(HasDriver(Loaded({"panel", "--json"})));
+    }
+    const std::string info = Loaded({"info"}, {"UMBRANT_RENDERER=gl"});
+    if (info.find("libEGL_") != std::string::npos) EXPECT_TRUE(HasDriver(info));
+}
+
 TEST_F(CliRenderer, InfoAndVerboseTellItToo) {
     const Outcome info = Run({"info"});
-    EXPECT_THAT(info.out, HasSubstr("Draws with       the processor: there is no OpenGL\n")) << info.err;
+    EXPECT_THAT(info.out, HasSubstr("Draws with       the processor: " + WhyByProcessor() + "\n")) << info.err;
     const Outcome asked = Run({"info"}, {"UMBRANT_RENDERER=gl"});
     EXPECT_THAT(asked.out, HasSubstr("Draws with       OpenGL: it was asked for\n"));
     const Outcome machine = Run({"info", "--json"});
     EXPECT_EQ(json::parse(machine.out)["renderer"]["used"], "cpu");
     const Outcome verbose = Run(Render({"--verbose"}));
-    EXPECT_THAT(verbose.err, HasSubstr("drawn by the processor: there is no OpenGL\n"));
+    EXPECT_THAT(verbose.err, HasSubstr("drawn by the processor: " + WhyByProcessor() + "\n"));
 }
 
 }  // namespace

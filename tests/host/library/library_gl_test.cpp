@@ -26,6 +26,14 @@ Effect RealEffect() {
     return Effect({UMBRANT_MODULE_FILE, umbrant::Renderer::kOpenGL, false, {}});
 }
 
+/// The panel's row of that name; empty without.
+std::string OpenGLVersion(const Effect& effect) {
+    for (const umbrant::Parameter& parameter : effect.Parameters()) {
+        if (parameter.name == "OpenGL Version" && !parameter.itemNames.empty()) return parameter.itemNames[0];
+    }
+    return "";
+}
+
 class LibraryGl : public testing::Test {
  protected:
     void SetUp() override {
@@ -76,6 +84,21 @@ TEST_F(LibraryGl, EachEffectHasItsOwnRenderer) {
     EXPECT_EQ(contextsFor(byProcessor), 0);
     EXPECT_EQ(contextsFor(byGl), 1);
     EXPECT_EQ(contextsFor(byProcessor), 0);
+}
+
+TEST_F(LibraryGl, OpenGLMayBeWishedForAfterTheProcessor) {
+    const auto layer = Disc8(24, 24);
+    const Image byGl = RealEffect().Render(layer.View());
+    const Effect byProcessor({UMBRANT_MODULE_FILE, umbrant::Renderer::kProcessor, false, {}});
+    EXPECT_EQ(OpenGLVersion(byProcessor), "not used");
+    const Image before = byProcessor.Render(layer.View());
+    {
+        const Effect effect = RealEffect();
+        EXPECT_NE(OpenGLVersion(effect), "not used");
+        EXPECT_EQ(DifferentBytes(effect.Render(layer.View()), byGl), 0u);
+        EXPECT_EQ(DifferentBytes(byProcessor.Render(layer.View()), before), 0u);
+    }
+    EXPECT_EQ(DifferentBytes(byProcessor.Render(layer.View()), before), 0u) << "the other set-up has gone";
 }
 
 TEST_F(LibraryGl, TwoEffectsOnTwoThreads) {
