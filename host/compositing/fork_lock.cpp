@@ -7,12 +7,13 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <cstddef>
 #include <vector>
 
 namespace {
 
-constexpr std::size_t kRanks = 5;
+constexpr std::size_t kRanks = 6;
 
 /// How many locks of each rank the thread holds.
 thread_local std::array<int, kRanks> held{};
@@ -76,14 +77,18 @@ class ForkLocks {
 };
 
 ForkLock::ForkLock(ForkRank rank) : rank_(rank) {
+    assert(FirstFree() <= static_cast<std::size_t>(rank_));
     ForkLocks::All().Add(this);
 }
 
 ForkLock::~ForkLock() {
+    assert(FirstFree() <= static_cast<std::size_t>(rank_));
     ForkLocks::All().Remove(this);
 }
 
 void ForkLock::lock() {
+    // A lock out of its turn would be waited for by the thread that forks, which its own holder waits for.
+    assert(FirstFree() <= static_cast<std::size_t>(rank_));
     mutex_.lock();
     ++held[static_cast<std::size_t>(rank_)];
 }

@@ -16,8 +16,12 @@ enum class ForkRank {
     kModule,   ///< one module's panel, and its frames where they cannot be drawn side by side
     kSession,  ///< what a session has under way, and the suites that are held in it
     kTable,    ///< what is held for a few instructions
+    kRecord,   ///< what reports and counts of host calls are written to, and how they find it
 };
 
+/// What is made at its first use, by a function, is also used once while the program starts: a child whose parent was
+/// just making it would wait for that for good.
+///
 /// A mutex for std::lock_guard and std::unique_lock. A thread that forks while it holds one goes on holding it in the
 /// child; the fork waits for those of later ranks only. [any]
 class ForkLock {

@@ -34,6 +34,7 @@ Registry& TheRegistry() {
     static Registry* registry = new Registry;
     return *registry;
 }
+[[maybe_unused]] const Registry& earlyRegistry = TheRegistry();  // before there are threads: see fork_lock.h
 
 /// Whether all that a record describes lies in the memory of one world. Effects copy records, and may change them.
 bool LeadsToAWorld(const PF_EffectWorld& world) {

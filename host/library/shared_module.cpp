@@ -31,6 +31,7 @@ Registry& TheRegistry() {
     static Registry& registry = *new Registry;
     return registry;
 }
+[[maybe_unused]] const Registry& earlyRegistry = TheRegistry();  // before there are threads: see fork_lock.h
 
 Result<fs::path> FileOf(const SharedModuleRequest& request) {
     const std::optional<fs::path> option = request.file.empty() ? std::nullopt : std::optional<fs::path>(request.file);

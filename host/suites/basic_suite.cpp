@@ -106,6 +106,8 @@ StrictTables& TheStrictTables() {
     static StrictTables* tables = new StrictTables;
     return *tables;
 }
+[[maybe_unused]] const StrictTables& earlyStrictTables =
+    TheStrictTables();  // before there are threads: see fork_lock.h
 
 SPErr AcquireSuite(const char* name, int32_t version, const void** suite) {
     if (!name || !suite) return PF_Err_BAD_CALLBACK_PARAM;
@@ -160,6 +162,7 @@ Blocks& TheBlocks() {
     static Blocks* blocks = new Blocks;
     return *blocks;
 }
+[[maybe_unused]] const Blocks& earlyBlocks = TheBlocks();  // before there are threads: see fork_lock.h
 
 /// Takes a block out of the list; false, with a report, when it is not in it.
 bool Forget(void* block) {

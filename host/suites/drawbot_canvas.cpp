@@ -23,6 +23,7 @@ Living& TheLiving() {
     static Living* living = new Living;
     return *living;
 }
+[[maybe_unused]] const Living& earlyLiving = TheLiving();  // before there are threads: see fork_lock.h
 
 template <typename Reference>
 DrawbotCanvas* Find(Reference reference, Reference (DrawbotCanvas::*own)(), const char* call, const char* what) {

@@ -28,6 +28,7 @@ Table& TheTable() {
     static Table* table = new Table;
     return *table;
 }
+[[maybe_unused]] const Table& earlyTable = TheTable();  // before there are threads: see fork_lock.h
 
 /// How the bytes of one pixel lie; alpha at -1 is always opaque.
 struct Layout {

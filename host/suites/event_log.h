@@ -54,7 +54,7 @@ class EventLog {
     void Clear();
 
  private:
-    mutable ForkLock mutex_;
+    mutable ForkLock mutex_{ForkRank::kRecord};
     std::uint64_t last_ = 0;
     std::uint64_t firstKept_ = 1;  ///< sequence of events_[0]
     std::vector<Event> events_;

@@ -44,6 +44,7 @@ Table& TheTable() {
     static Table* table = new Table;
     return *table;
 }
+[[maybe_unused]] const Table& earlyTable = TheTable();  // before there are threads: see fork_lock.h
 
 LentBytes Allocate(A_HandleSize size) {
     return LentBytes::Create(static_cast<std::size_t>(size), false);

@@ -11,7 +11,7 @@ namespace {
 
 /// The sessions that live, in the order in which they began.
 struct Registry {
-    ForkLock mutex;
+    ForkLock mutex{ForkRank::kRecord};
     std::vector<Services*> sessions;
     std::set<const void*> effectRefs;
 };
@@ -21,6 +21,7 @@ Registry& TheRegistry() {
     static Registry* registry = new Registry;
     return *registry;
 }
+[[maybe_unused]] const Registry& earlyRegistry = TheRegistry();  // before there are threads: see fork_lock.h
 
 thread_local std::pair<Services*, CommandNotes*> current;
 

@@ -55,7 +55,7 @@ class SuiteLog {
     std::vector<std::string> Names() const;  ///< sorted
 
  private:
-    mutable ForkLock mutex_;
+    mutable ForkLock mutex_{ForkRank::kRecord};
     std::set<std::string> names_;
 };
 
@@ -98,7 +98,7 @@ class Services {
     bool strictLending = false;
 
  private:
-    mutable ForkLock mutex_;
+    mutable ForkLock mutex_{ForkRank::kRecord};
     std::vector<std::string> misbehaviour_;
 };
 

@@ -41,7 +41,7 @@ class StageClock {
     void Leave(PixelCall call);
     RenderStage StageOf(PixelCall call) const;
 
-    mutable ForkLock mutex_;
+    mutable ForkLock mutex_{ForkRank::kRecord};
     StageTimes times_;
     int inside_ = 0;
     PixelCall call_ = PixelCall::kFetch;  ///< the outermost of those that are inside

@@ -32,6 +32,7 @@ Table& TheTable() {
     static Table* table = new Table;
     return *table;
 }
+[[maybe_unused]] const Table& earlyTable = TheTable();  // before there are threads: see fork_lock.h
 
 Resource ResourceOf(TokenKind kind) {
     return kind == TokenKind::kStream ? Resource::kStream : Resource::kEffectRef;

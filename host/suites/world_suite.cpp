@@ -28,6 +28,7 @@ Table& TheTable() {
     static Table* table = new Table;
     return *table;
 }
+[[maybe_unused]] const Table& earlyTable = TheTable();  // before there are threads: see fork_lock.h
 
 bool DepthOfFormat(PF_PixelFormat format, Depth& depth) {
     for (const Depth candidate : {Depth::k8, Depth::k16, Depth::k32}) {
