@@ -22,10 +22,11 @@ class CliWithoutOpenGL : public testing::Test {
  protected:
     CliWithoutOpenGL() { std::filesystem::create_directory(folder_ / "no_drivers"); }
 
-    /// EGL looks for its drivers in a folder that has none.
+    /// EGL looks for its drivers in a folder that has none. It is asked for: without a graphics device nobody would
+    /// look.
     Outcome Run(const std::vector<std::string>& arguments) {
         return RunUmbrant(folder_, arguments,
-                          {{"__EGL_VENDOR_LIBRARY_DIRS=" + (folder_ / "no_drivers").string(),
+                          {{"__EGL_VENDOR_LIBRARY_DIRS=" + (folder_ / "no_drivers").string(), "UMBRANT_RENDERER=gl",
                             std::string("UMBRANT_MODULE=") + UMBRANT_MODULE_FILE},
                            ""});
     }

@@ -208,7 +208,10 @@ TEST_F(CliSequenceProgress, TheBarMakesWayForPathsOnTheSameTerminal) {
 
 TEST_F(CliSequenceProgress, TheLineOfASinglePictureMakesWayForItsPath) {
     WriteLayer(folder_ / "large.png", 1200, 1200, {255, 200, 100, 50});
-    Running run(folder_, Arguments("large.png", "one.png", {"--progress", "0.01", "--verbose"}), true, true);
+    // Writing takes a while then.
+    Running run(folder_,
+                Arguments("large.png", "one.png", {"--progress", "0.01", "--verbose", "--compression", "small"}), true,
+                true);
     const std::string text = run.Terminal();
     EXPECT_EQ(run.Wait(), 0);
     ASSERT_THAT(text, HasSubstr("\rumbrant: ")) << "there is a line";

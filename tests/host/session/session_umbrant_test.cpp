@@ -130,10 +130,11 @@ TEST_F(UmbrantTest, AsksForNoSuiteThatIsNotOffered) {
     ASSERT_TRUE(session->UpdateParamsUI());
     const World layer = World::Create(4, 4, Depth::k8);
     ASSERT_TRUE(session->PreRender({.layer = &layer}));
-    EXPECT_THAT(session->AcquiredSuites(),
-                IsSubsetOf({"AEGP Dynamic Stream Suite 2", "AEGP Effect Suite 2", "AEGP Layer Suite 13",
-                            "AEGP PF Interface Suite 1", "AEGP Stream Suite 7", "PF ANSI Suite 1",
-                            "PF Effect UI Suite 1", "PF Handle Suite 2", "PF Param Utils Suite 3"}));
+    EXPECT_THAT(
+        session->AcquiredSuites(),
+        IsSubsetOf({"AEGP Dynamic Stream Suite 2", "AEGP Effect Suite 2", "AEGP Layer Suite 13",
+                    "AEGP PF Interface Suite 1", "AEGP Stream Suite 7", "PF ANSI Suite 1", "PF Effect UI Suite 1",
+                    "PF Handle Suite 2", "PF Param Utils Suite 3", "Umbrant Host Suite 1"}));
 }
 
 }  // namespace
