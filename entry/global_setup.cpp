@@ -88,22 +88,23 @@ class NewRecord {
     PF_Handle Handle() const { return handle_; }
 
     /// Fills the record in, under a lock that stays. Where there is no lock nothing is written: the unlocked handle's
-    /// pointer need not be valid.
-    void Fill(PF_InData* in_data) {
+    /// pointer need not be valid. Returns the host's error when it cannot say what draws.
+    PF_Err Fill(PF_InData* in_data) {
         writtenRecords.Forget(handle_);
         auto* record = static_cast<GlobalData*>(handles_->host_lock_handle(handle_));
-        if (record == nullptr) return;
+        if (record == nullptr) return PF_Err_NONE;
         locked_ = true;
         std::memset(record, 0, sizeof(GlobalData));
         writtenRecords.Note(handle_);
         RendererChoice choice = RendererChoice::kOpenGL;
-        // A host that cannot say it here is asked again for each frame, and its error is the frame's.
-        if (!ReadRendererRequest(in_data, &choice) && choice == RendererChoice::kProcessor) {
+        if (PF_Err err = ReadRendererRequest(in_data, &choice)) return err;
+        if (choice == RendererChoice::kProcessor) {
             DescribeProcessor(record);
-            return;
+            return PF_Err_NONE;
         }
         ProbeDriver(record);
         context_ = record->context;
+        return PF_Err_NONE;
     }
     void Unlock() {
         if (locked_) {
@@ -132,7 +133,7 @@ PF_Err GlobalSetup(PF_InData* in_data, PF_OutData* out_data) {
     const PF_HandleSuite1* handles = suites.HandleSuite1();
     NewRecord record(handles);
     if (record.Handle() == nullptr) return PF_Err_NONE;
-    record.Fill(in_data);
+    if (PF_Err err = record.Fill(in_data)) return err;
     const PF_Handle previous = out_data->global_data;
     out_data->global_data = record.Handle();
     try {

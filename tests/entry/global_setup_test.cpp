@@ -163,11 +163,15 @@ TEST_F(SetupForARenderer, TheHostIsAskedAndThenThePlatform) {
     EXPECT_TRUE(Probes()) << "each frame says what is wrong with the variable";
 }
 
-TEST_F(SetupForARenderer, AHostThatCannotSayItIsToldNothingElse) {
+TEST_F(SetupForARenderer, TheErrorOfAHostThatCannotSayItIsHandedBack) {
     OfferSuite();
     preference = UMBRANT_Renderer_PROCESSOR;
     preferenceError = PF_Err_OUT_OF_MEMORY;
-    EXPECT_TRUE(Probes());
+    fake::ClearCalls();
+    EXPECT_EQ(SetUpModule(), PF_Err_OUT_OF_MEMORY);
+    EXPECT_EQ(host.outData.global_data, nullptr);
+    EXPECT_EQ(fake::Calls(), Lines{});
+    ExpectBalanced();
 }
 
 TEST_F(GlobalSetupTest, RestoresTheThreadsContext) {
