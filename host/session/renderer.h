@@ -2,10 +2,11 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// Which renderer draws: OpenGL or the processor. Where nothing but the processor can be meant the effect is told so
-// before set-up and loads no driver; otherwise the host decides after set-up, when the effect's parameters name the
-// OpenGL that it found, and hands the decision to the session. The effect asks for it through the suite of
-// hostapi/suites/umbrant_host_suite.h. In a host without that suite the environment variable UMBRANT_RENDERER decides.
+// Which renderer draws: OpenGL or the CPU renderer. Where only the CPU renderer can be used the session has that
+// decision before set-up, and the effect loads no driver. Otherwise the host decides after set-up, when the effect's
+// parameters name the OpenGL that it found, and sets the decision in the session. The effect asks for it through the
+// suite of hostapi/suites/umbrant_host_suite.h. In a host without that suite the environment variable UMBRANT_RENDERER
+// decides.
 
 #include <filesystem>
 #include <string>
