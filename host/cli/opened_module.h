@@ -25,5 +25,5 @@ struct OpenedModule {
 
 /// Loads the module that `option` names, or the one that is found without it, and starts a session. Whose module it is
 /// is decided before anything of it is run. Without a renderer in the options it is set up for the one that the
-/// environment wishes for.
+/// environment requests.
 Result<OpenedModule> OpenModule(const std::optional<std::string>& option, SessionOptions options = {});

@@ -98,7 +98,7 @@ class Drawing : public DrawnPath {
     /// Draws a line along the figures; empties the path.
     virtual void Stroke() = 0;
 
-    /// Another typeface stands in for one that is not installed.
+    /// Another typeface replaces one that is not installed.
     virtual void SetFont(const char* family, double size) = 0;
     /// Draws text with grey edges and without hinting, so that its shape depends on neither place nor size.
     virtual void SetUnhintedText() = 0;

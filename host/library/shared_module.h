@@ -3,7 +3,7 @@
 #pragma once
 
 // A module's file is loaded once in a process, however many effects are made of it, and set up once; a second time when
-// OpenGL is wished for after a set-up that loaded no driver. What belongs on one thread in a host (loading, set-up,
+// OpenGL is requested after a set-up that loaded no driver. What belongs on one thread in a host (loading, set-up,
 // set-down, panel commands) is kept apart in time here.
 
 #include <memory>

@@ -182,7 +182,7 @@ TEST_F(CliRenderer, WrongWishesAreToldBeforeAnythingIsDrawn) {
     EXPECT_EQ(folder_.Entries(), entries);
 }
 
-/// What the loader opened while the program ran, beside the libraries that it is linked with.
+/// What the loader opened while the program ran, apart from the libraries that it is linked with.
 class CliDrivers : public testing::Test {
  protected:
     std::string Loaded(const std::vector<std::string>& arguments, std::vector<std::string> environment = {}) {
