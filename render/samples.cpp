@@ -21,7 +21,8 @@ perSampleData BuildSample(const myParams& s, int32_t index, EaseFunction ease) {
     const double v = (i + 1) / n;
 
     perSampleData sample{};
-    sample.fbIndex = static_cast<uint32_t>(std::floor((s.numFramebuffers / n - 0.000001) * i));
+    // Counts that only a damaged project has, from a million on, would make the place in the list negative.
+    sample.fbIndex = static_cast<uint32_t>(std::max(std::floor((s.numFramebuffers / n - 0.000001) * i), 0.0));
     sample.offsetX = weightFloat(s.stepX * i, ease(i, 0, s.travelX, n), s.easeDistance);
     sample.offsetY = weightFloat(s.stepY * i, ease(i, 0, s.travelY, n), s.easeDistance);
     sample.softness = weightFloat(u * s.softnessPx, ease(i, 0, s.softnessPx, n), s.easeSoftness);

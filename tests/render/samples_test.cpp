@@ -157,6 +157,7 @@ TEST(Samples, AStackBeyondAllReasonIsCutOff) {
     const std::vector<perSampleData> samples = BuildSamples(Settings(std::numeric_limits<int32_t>::max()));
     EXPECT_EQ(samples.size(), 1024u);
     EXPECT_LT(samples.capacity(), 2048u);
+    for (const perSampleData& sample : samples) ASSERT_EQ(sample.fbIndex, 0u);
 }
 
 TEST(FramebufferRecords, SecondHasTwiceTheBorder) {
