@@ -58,6 +58,17 @@ void KeepStandardOutputForResults() {
     dup2(STDERR_FILENO, STDOUT_FILENO);
 }
 
+void GiveStandardOutputBack() {
+    Results& results = TheResults();
+    const std::lock_guard lock(results.mutex);
+    results.error = 0;
+    results.pending.clear();
+    if (results.descriptor == STDOUT_FILENO) return;
+    dup2(results.descriptor, STDOUT_FILENO);
+    close(results.descriptor);
+    results.descriptor = STDOUT_FILENO;
+}
+
 void PrintResult(const std::string& text) {
     Results& results = TheResults();
     const std::lock_guard lock(results.mutex);

@@ -11,6 +11,10 @@
 /// at the program's start, before a module is loaded.
 void KeepStandardOutputForResults();
 
+/// Undoes it after FlushResults: standard output is what it was, and a failure so far is forgotten. For a process in
+/// which more than one command runs.
+void GiveStandardOutputBack();
+
 /// Prints to the program's standard output. When nobody reads there any more, the process ends, with exit code 141.
 void PrintResult(const std::string& text);
 

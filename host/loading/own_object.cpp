@@ -9,16 +9,18 @@
 #include <filesystem>
 #include <system_error>
 
+#include "host/loading/program_file.h"
+
 namespace {
 
 namespace fs = std::filesystem;
 
 /// What dlopen is to open: a path where the file is found, else the name alone.
 std::string Place(const char* file) {
-    std::error_code error;
-    const fs::path program = fs::read_symlink("/proc/self/exe", error);
-    if (error) return file;
+    const fs::path program = ProgramFile();
+    if (program.empty()) return file;
     const fs::path folder = program.parent_path();
+    std::error_code error;
     for (const fs::path& place : {folder, folder / ".." / UMBRANT_LIBRARY_FOLDER}) {
         if (fs::is_regular_file(place / file, error)) return (place / file).string();
     }

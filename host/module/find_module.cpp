@@ -13,6 +13,7 @@
 #include <system_error>
 #include <utility>
 
+#include "host/loading/program_file.h"
 #include "host/module/module.h"
 
 namespace {
@@ -77,9 +78,8 @@ std::vector<std::filesystem::path> LoaderFolders() {
 
 std::filesystem::path RunningProgram() {
     // The process's own link where the system has one, else what the loader knows.
-    std::error_code error;
-    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
-    return error ? OwnFile() : program;
+    const std::filesystem::path program = ProgramFile();
+    return program.empty() ? OwnFile() : program;
 }
 
 ModuleSearch DefaultModuleSearch(const std::optional<std::filesystem::path>& option, ModuleSeeker seeker) {

@@ -20,6 +20,7 @@
 #include <thread>
 
 #include "host/compositing/start_threads.h"
+#include "host/loading/program_file.h"
 
 extern char** environ;
 
@@ -71,10 +72,9 @@ class SpawnPlan {
 
 std::filesystem::path ProgramForChildren() {
     // By its own name where that still leads to it: a tool that the program runs in may have the link for itself.
-    const std::filesystem::path link = "/proc/self/exe";
+    const std::filesystem::path program = ProgramFile();
     std::error_code error;
-    const std::filesystem::path program = std::filesystem::read_symlink(link, error);
-    return !error && std::filesystem::exists(program, error) ? program : link;
+    return !program.empty() && std::filesystem::exists(program, error) ? program : "/proc/self/exe";
 }
 
 Result<std::unique_ptr<ChildProgram>> ChildProgram::Start(const std::filesystem::path& program,
