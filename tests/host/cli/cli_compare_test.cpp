@@ -8,7 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "tests/host/cli/program.h"
+#include "tests/host/cli/in_process.h"
 
 namespace {
 
@@ -26,13 +26,13 @@ class CliCompare : public testing::Test {
 };
 
 TEST_F(CliCompare, EqualPicturesAreClose) {
-    const Outcome outcome = RunUmbrant(folder_, {"compare", "a.png", "a.png"});
+    const Outcome outcome = RunInProcess(folder_, {"compare", "a.png", "a.png"});
     EXPECT_EQ(outcome.code, 0);
     EXPECT_EQ(outcome.out, "close: worst difference 0 (0/255); 0 of 200 pixels differ by the warning step or more\n");
 }
 
 TEST_F(CliCompare, TheWorstPixelIsToldWithBothValues) {
-    const Outcome outcome = RunUmbrant(folder_, {"compare", "b.png", "a.png"});
+    const Outcome outcome = RunInProcess(folder_, {"compare", "b.png", "a.png"});
     EXPECT_EQ(outcome.code, 0) << "one of 200 is the half percent that is allowed";
     EXPECT_EQ(
         outcome.out,
@@ -41,13 +41,13 @@ TEST_F(CliCompare, TheWorstPixelIsToldWithBothValues) {
 }
 
 TEST_F(CliCompare, TheThreeNumbersAreOptions) {
-    EXPECT_EQ(RunUmbrant(folder_, {"compare", "a.png", "b.png", "--hard", "1/255"}).code, 1);
-    EXPECT_EQ(RunUmbrant(folder_, {"compare", "a.png", "b.png", "--percent", "0.1"}).code, 1);
-    EXPECT_EQ(RunUmbrant(folder_, {"compare", "a.png", "b.png", "--percent", "0.1", "--warn", "0.01"}).code, 0);
+    EXPECT_EQ(RunInProcess(folder_, {"compare", "a.png", "b.png", "--hard", "1/255"}).code, 1);
+    EXPECT_EQ(RunInProcess(folder_, {"compare", "a.png", "b.png", "--percent", "0.1"}).code, 1);
+    EXPECT_EQ(RunInProcess(folder_, {"compare", "a.png", "b.png", "--percent", "0.1", "--warn", "0.01"}).code, 0);
 }
 
 TEST_F(CliCompare, TheDifferencesMayBeDrawn) {
-    EXPECT_EQ(RunUmbrant(folder_, {"compare", "a.png", "b.png", "--diff", "diff.png"}).code, 0);
+    EXPECT_EQ(RunInProcess(folder_, {"compare", "a.png", "b.png", "--diff", "diff.png"}).code, 0);
     Picture difference = Read(folder_ / "diff.png");
     EXPECT_EQ(Pixel8(difference.pixels, 7, 4).red, 64);
     EXPECT_EQ(Pixel8(difference.pixels, 7, 4).green, 0);
@@ -56,7 +56,7 @@ TEST_F(CliCompare, TheDifferencesMayBeDrawn) {
 }
 
 TEST_F(CliCompare, AsJson) {
-    const Outcome outcome = RunUmbrant(folder_, {"compare", "a.png", "b.png", "--json", "--hard", "1/255"});
+    const Outcome outcome = RunInProcess(folder_, {"compare", "a.png", "b.png", "--json", "--hard", "1/255"});
     EXPECT_EQ(outcome.code, 1);
     const auto result = nlohmann::json::parse(outcome.out);
     EXPECT_EQ(result["close"], false);
@@ -68,11 +68,11 @@ TEST_F(CliCompare, AsJson) {
 
 TEST_F(CliCompare, DifferentSizesAndMissingFiles) {
     WriteLayer(folder_ / "small.png", 5, 5, {255, 1, 1, 1});
-    const Outcome sizes = RunUmbrant(folder_, {"compare", "a.png", "small.png"});
+    const Outcome sizes = RunInProcess(folder_, {"compare", "a.png", "small.png"});
     EXPECT_EQ(sizes.code, 1);
     EXPECT_EQ(sizes.out, "different: 20 x 10 against 5 x 5 pixels\n");
-    EXPECT_EQ(RunUmbrant(folder_, {"compare", "a.png", "none.png"}).code, 3);
-    EXPECT_EQ(RunUmbrant(folder_, {"compare", "a.png", "b.png", "--diff", "none/diff.png"}).code, 3);
+    EXPECT_EQ(RunInProcess(folder_, {"compare", "a.png", "none.png"}).code, 3);
+    EXPECT_EQ(RunInProcess(folder_, {"compare", "a.png", "b.png", "--diff", "none/diff.png"}).code, 3);
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "tests/host/cli/program.h"
+#include "tests/host/cli/in_process.h"
 
 namespace {
 
@@ -24,7 +24,7 @@ class CliCurves : public testing::Test {
     CliCurves() { WriteBytes(folder_ / "moving.json", kMoving); }
     Outcome Curves(std::vector<std::string> arguments, const std::string& module = TestModule("painter")) const {
         arguments.insert(arguments.begin(), {"curves", "--module", module});
-        return RunUmbrant(folder_, arguments);
+        return RunInProcess(folder_, arguments);
     }
     const Folder folder_;
 };
@@ -113,7 +113,7 @@ TEST_F(CliCurves, RowsThatCannotVaryAreRefusedByName) {
 
 TEST_F(CliCurves, EveryRowThatCanVaryMoves) {
     // The module itself says which; each is given its own default as a key.
-    const Outcome listed = RunUmbrant(folder_, {"params", "--json", "--module", UMBRANT_MODULE_FILE});
+    const Outcome listed = RunInProcess(folder_, {"params", "--json", "--module", UMBRANT_MODULE_FILE});
     ASSERT_EQ(listed.code, 0) << listed.err;
     Json keyframes = Json::object();
     for (const Json& row : Json::parse(listed.out)) {
@@ -135,7 +135,7 @@ TEST_F(CliCurves, ParamsWritesKeyframesBack) {
                                           "--preset"};
     auto first = ask;
     first.insert(first.end(), {"moving.json", "--set", "paint/angle=30"});
-    const Outcome once = RunUmbrant(folder_, first);
+    const Outcome once = RunInProcess(folder_, first);
     ASSERT_EQ(once.code, 0) << once.err;
     EXPECT_EQ(Json::parse(once.out)["version"], 2);
     EXPECT_EQ(Json::parse(once.out)["keyframes"].size(), 2u);
@@ -143,9 +143,9 @@ TEST_F(CliCurves, ParamsWritesKeyframesBack) {
     WriteBytes(folder_ / "again.json", once.out);
     auto second = ask;
     second.push_back("again.json");
-    EXPECT_EQ(RunUmbrant(folder_, second).out, once.out);
+    EXPECT_EQ(RunInProcess(folder_, second).out, once.out);
     second.insert(second.end(), {"--set", "paint/border=1", "--set", "paint/color=#010203"});
-    EXPECT_EQ(Json::parse(RunUmbrant(folder_, second).out)["version"], 1) << "nothing moves any more";
+    EXPECT_EQ(Json::parse(RunInProcess(folder_, second).out)["version"], 1) << "nothing moves any more";
 }
 
 TEST_F(CliCurves, RenderMovesFromFrameToFrame) {
@@ -154,18 +154,18 @@ TEST_F(CliCurves, RenderMovesFromFrameToFrame) {
                                              "--preset", "moving.json", "-o"};
     auto sequence = render;
     sequence.insert(sequence.end(), {"out.#.png", "--frames", "1-5", "--canvas", "frame"});
-    const Outcome outcome = RunUmbrant(folder_, sequence);
+    const Outcome outcome = RunInProcess(folder_, sequence);
     ASSERT_EQ(outcome.code, 0) << outcome.err;
     for (int frame = 1; frame <= 5; ++frame) {
         EXPECT_EQ(Read(folder_ / ("out.000" + std::to_string(frame) + ".png")).pixels.Width(), 4 + 2 * (frame - 1));
     }
     auto single = render;
     single.insert(single.end(), {"single.png", "--time", "0.125", "--rate", "24"});
-    ASSERT_EQ(RunUmbrant(folder_, single).code, 0);
+    ASSERT_EQ(RunInProcess(folder_, single).code, 0);
     EXPECT_EQ(Read(folder_ / "single.png").pixels.Width(), 4 + 2 * 2) << "frame 3";
     auto stopped = sequence;
     stopped.insert(stopped.end(), {"--set", "paint/border=1"});
-    ASSERT_EQ(RunUmbrant(folder_, stopped).code, 0);
+    ASSERT_EQ(RunInProcess(folder_, stopped).code, 0);
     EXPECT_EQ(Read(folder_ / "out.0005.png").pixels.Width(), 6);
 }
 

@@ -17,7 +17,7 @@ class CliFarm : public CliSequence {
  protected:
     Outcome Farm(std::vector<std::string> arguments) const {
         arguments.insert(arguments.begin(), "farm");
-        return RunUmbrant(folder_, arguments);
+        return RunInProcess(folder_, arguments);
     }
     /// The script that runs as a task of Slurm would, in a folder of no importance.
     int RunTask(const std::string& script, const std::string& task) const {

@@ -5,7 +5,7 @@
 
 #include <gmock/gmock.h>
 
-#include "tests/host/cli/program.h"
+#include "tests/host/cli/in_process.h"
 
 namespace {
 
@@ -19,7 +19,7 @@ class CliFiles : public testing::Test {
     Outcome Render(std::vector<std::string> arguments) const {
         arguments.insert(arguments.begin(), "render");
         arguments.insert(arguments.end(), {"--module", TestModule("painter")});
-        return RunUmbrant(folder_, arguments);
+        return RunInProcess(folder_, arguments);
     }
     /// The same by a shell, which may set up standard input and output; what `before` starts runs the program.
     int Bash(const std::string& before, const std::vector<std::string>& arguments, const std::string& streams) const {
@@ -121,7 +121,7 @@ TEST_F(CliFiles, WhatDoesNotFitTogetherIsRefused) {
     }
     for (const char* command : {"curves", "panel"}) {
         SCOPED_TRACE(command);
-        const Outcome outcome = RunUmbrant(folder_, {command, "-o", "preset.png", "--preset", "preset.png"});
+        const Outcome outcome = RunInProcess(folder_, {command, "-o", "preset.png", "--preset", "preset.png"});
         EXPECT_EQ(outcome.code, 2);
         EXPECT_THAT(outcome.err, HasSubstr("'preset.png' is read and written in one run"));
     }

@@ -235,11 +235,11 @@ TEST_F(CliInterruption, TheNextRunRemovesWhatAKilledOneLeft) {
     EXPECT_THAT(HiddenFiles(folder_.Path()), IsEmpty());
 
     left = kill();
-    outcome = Render();
+    outcome = RunUmbrant(folder_, Arguments("in.@.png", "out.##.png", {}));
     EXPECT_EQ(outcome.code, 0);
     EXPECT_THAT(outcome.err, HasSubstr(removed(left.size())));
     EXPECT_THAT(HiddenFiles(folder_.Path()), IsEmpty());
-    EXPECT_THAT(Render().err, Not(HasSubstr("removed")));
+    EXPECT_THAT(RunUmbrant(folder_, Arguments("in.@.png", "out.##.png", {})).err, Not(HasSubstr("removed")));
 
     WriteBytes(folder_ / "moving.json", kMoving);
     left = kill();

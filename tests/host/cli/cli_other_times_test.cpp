@@ -26,7 +26,7 @@ class CliOtherTimes : public CliSequence {
                  const std::string& output = "out.##.png") const {
         for (const std::string& word : {std::string("--set"), "paint/angle=" + std::to_string(frames)})
             more.push_back(word);
-        return RunUmbrant(folder_, Arguments(input, output, more, "looking_painter"));
+        return RunInProcess(folder_, Arguments(input, output, more, "looking_painter"));
     }
     PF_Pixel Centre(const std::string& name) const {
         Picture picture = Read(folder_ / name);

@@ -10,7 +10,7 @@
 #include <nlohmann/json.hpp>
 #include <thread>
 
-#include "tests/host/cli/program.h"
+#include "tests/host/cli/in_process.h"
 
 namespace {
 
@@ -20,7 +20,7 @@ using ::testing::Not;
 /// The indices of the rows that `panel --json` tells.
 std::vector<int> RowsOf(const Folder& folder, std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), {"panel", "--json"});
-    const Outcome run = RunUmbrant(folder, arguments);
+    const Outcome run = RunInProcess(folder, arguments);
     EXPECT_EQ(run.code, 0) << run.err;
     std::vector<int> indices;
     const auto rows = nlohmann::json::parse(run.out, nullptr, false);
@@ -31,7 +31,7 @@ std::vector<int> RowsOf(const Folder& folder, std::vector<std::string> arguments
 
 TEST(CliPanel, WritesAPictureAndPrintsItsPath) {
     const Folder folder;
-    const Outcome run = RunUmbrant(folder, {"panel", "-o", "panel.png"});
+    const Outcome run = RunInProcess(folder, {"panel", "-o", "panel.png"});
     EXPECT_EQ(run.code, 0) << run.err;
     EXPECT_EQ(run.out, "panel.png\n");
     EXPECT_EQ(run.err, "");
@@ -42,7 +42,7 @@ TEST(CliPanel, WritesAPictureAndPrintsItsPath) {
 
 TEST(CliPanel, WidthScaleThemeAndTwirls) {
     const Folder folder;
-    const Outcome run = RunUmbrant(
+    const Outcome run = RunInProcess(
         folder, {"panel", "-o", "panel.png", "--width", "400", "--scale", "2", "--theme", "light", "--close", "all"});
     EXPECT_EQ(run.code, 0) << run.err;
     const Picture picture = Read(folder / "panel.png");
@@ -71,7 +71,7 @@ TEST(CliPanel, RowsFollowTheShadowType) {
 TEST(CliPanel, JsonTellsWhatIsDisabled) {
     const Folder folder;
     const Outcome run =
-        RunUmbrant(folder, {"panel", "--json", "--open", "compositing", "--set", "style/shadow-type=inner"});
+        RunInProcess(folder, {"panel", "--json", "--open", "compositing", "--set", "style/shadow-type=inner"});
     const auto rows = nlohmann::json::parse(run.out, nullptr, false);
     ASSERT_TRUE(rows.is_array()) << run.out << run.err;
     for (const auto& row : rows) {
@@ -157,7 +157,7 @@ TEST(CliPanel, BadUsageIsToldAndLeavesNoFile) {
         const Folder folder;
         std::vector<std::string> arguments = {"panel"};
         arguments.insert(arguments.end(), row.arguments.begin(), row.arguments.end());
-        const Outcome run = RunUmbrant(folder, arguments);
+        const Outcome run = RunInProcess(folder, arguments);
         EXPECT_EQ(run.code, row.code) << run.err;
         EXPECT_THAT(run.err, HasSubstr(row.says));
         EXPECT_EQ(run.out, "");
@@ -168,7 +168,7 @@ TEST(CliPanel, BadUsageIsToldAndLeavesNoFile) {
 TEST(CliPanel, AnotherEffectsPanelIsDrawnToo) {
     const Folder folder;
     const Outcome run =
-        RunUmbrant(folder, {"panel", "-o", "panel.png", "--open", "all", "--module", TestModule("painter")});
+        RunInProcess(folder, {"panel", "-o", "panel.png", "--open", "all", "--module", TestModule("painter")});
     EXPECT_EQ(run.code, 0) << run.err;
     EXPECT_GT(Read(folder / "panel.png").frameHeight, 28);
 }
@@ -179,7 +179,7 @@ TEST(CliPanel, ShowsAPresetAsItIsAtAMoment) {
         "style/distance": [ { "frame": 0, "value": 100 }, { "frame": 48, "value": 196 } ] } })");
     const auto value = [&](const char* name, std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), {"panel", "--json", "--open", "all", "--preset", "moving.json"});
-        const Outcome run = RunUmbrant(folder, arguments);
+        const Outcome run = RunInProcess(folder, arguments);
         EXPECT_EQ(run.code, 0) << run.err;
         for (const auto& row : nlohmann::json::parse(run.out)) {
             if (row["name"] == name) return row["value"].get<std::string>();
@@ -212,7 +212,7 @@ TEST(CliPanel, ShowsAPresetAsItIsAtAMoment) {
         SCOPED_TRACE(row.name);
         std::vector<std::string> arguments = {"panel", "-o", "panel.png"};
         arguments.insert(arguments.end(), row.arguments.begin(), row.arguments.end());
-        const Outcome run = RunUmbrant(folder, arguments);
+        const Outcome run = RunInProcess(folder, arguments);
         EXPECT_EQ(run.code, row.code);
         EXPECT_THAT(run.err, HasSubstr(row.sentence));
         EXPECT_FALSE(std::filesystem::exists(folder / "panel.png"));

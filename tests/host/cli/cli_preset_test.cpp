@@ -8,7 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "tests/host/cli/program.h"
+#include "tests/host/cli/in_process.h"
 
 namespace {
 
@@ -17,9 +17,8 @@ using testing::HasSubstr;
 
 Outcome Values(const Folder& folder, std::vector<std::string> arguments, bool painter = true) {
     arguments.insert(arguments.begin(), {"params", "--json", "--values"});
-    RunOptions run;
-    if (painter) run.environment = {"UMBRANT_MODULE=" + TestModule("painter")};
-    return RunUmbrant(folder, arguments, run);
+    if (painter) arguments.insert(arguments.end(), {"--module", TestModule("painter")});
+    return RunInProcess(folder, arguments);
 }
 
 TEST(CliPreset, TheRealModulesValuesGoRound) {
@@ -76,7 +75,7 @@ TEST(CliPreset, ARenderTakesItsValues) {
         std::vector<std::string> all = {"render",   "in.png", "-o", "out.png", "--module", TestModule("painter"),
                                         "--preset", "p.json"};
         all.insert(all.end(), more.begin(), more.end());
-        const Outcome outcome = RunUmbrant(folder, all);
+        const Outcome outcome = RunInProcess(folder, all);
         EXPECT_EQ(outcome.code, 0) << outcome.err;
         return Read(folder / "out.png");
     };
@@ -148,7 +147,7 @@ TEST(CliPreset, MistakesAreAllToldAndNothingIsDrawn) {
         const Folder folder;
         WriteLayer(folder / "in.png", 2, 2, {255, 1, 2, 3});
         WriteBytes(folder / "p.json", row.text);
-        const Outcome outcome = RunUmbrant(
+        const Outcome outcome = RunInProcess(
             folder, {"render", "in.png", "-o", "out.png", "--module", TestModule("painter"), "--preset", "p.json"});
         EXPECT_EQ(outcome.code, row.code) << outcome.err;
         for (const char* sentence : row.sentences) EXPECT_THAT(outcome.err, HasSubstr(sentence));
@@ -166,9 +165,9 @@ TEST(CliPreset, MissingFilesAndMissingCompanions) {
     outcome = Values(folder, {"--preset", "folder"});
     EXPECT_EQ(outcome.code, 3);
     EXPECT_THAT(outcome.err, HasSubstr("it is a folder"));
-    EXPECT_EQ(RunUmbrant(folder, {"params", "--values"}).code, 2);
-    EXPECT_EQ(RunUmbrant(folder, {"params", "--json", "--preset", "p.json"}).code, 2);
-    EXPECT_EQ(RunUmbrant(folder, {"params", "--set", "paint/border=1"}).code, 2);
+    EXPECT_EQ(RunInProcess(folder, {"params", "--values"}).code, 2);
+    EXPECT_EQ(RunInProcess(folder, {"params", "--json", "--preset", "p.json"}).code, 2);
+    EXPECT_EQ(RunInProcess(folder, {"params", "--set", "paint/border=1"}).code, 2);
 }
 
 TEST(CliPreset, ANulDoesNotCutTheMessage) {
@@ -186,7 +185,9 @@ TEST(CliPreset, APipeIsReadToItsEndAndNoFurtherThan64MiB) {
         const std::string command = "cd " + Quoted(folder.Path().string()) + " && rm -f pipe && mkfifo pipe && { " +
                                     writer + " >pipe 2>/dev/null & }";
         EXPECT_EQ(std::system(command.c_str()), 0);
-        return Values(folder, {"--preset", "pipe"});
+        // The writer and its pipe are a matter of processes.
+        return RunUmbrant(folder,
+                          {"params", "--json", "--values", "--module", TestModule("painter"), "--preset", "pipe"});
     };
     const Outcome whole = fromPipe(R"(echo '{"version": 1, "values": {"paint/border": 7}}')");
     ASSERT_EQ(whole.code, 0) << whole.err;

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/host/cli/program.h"
+#include "tests/host/cli/in_process.h"
 
 namespace {
 
@@ -24,9 +24,9 @@ class CliRenderProcessor : public testing::Test {
     }
 
     Outcome Render(std::vector<std::string> arguments) {
-        std::vector<std::string> all = {"render", "in.png", "--renderer", "cpu"};
+        std::vector<std::string> all = {"render", "in.png", "--renderer", "cpu", "--module", UMBRANT_MODULE_FILE};
         all.insert(all.end(), arguments.begin(), arguments.end());
-        return RunUmbrant(folder_, all, {{std::string("UMBRANT_MODULE=") + UMBRANT_MODULE_FILE}, ""});
+        return RunInProcess(folder_, all);
     }
 
     const Folder folder_;
@@ -53,17 +53,15 @@ TEST_F(CliRenderProcessor, FloatAndEightBitsDrawTheSame) {
     ASSERT_EQ(Render(eight).code, 0);
     ASSERT_EQ(Render(real).code, 0);
     const Outcome outcome =
-        RunUmbrant(folder_, {"compare", "eight.png", "float.png", "--warn", "1.5/255", "--hard", "3/255"});
+        RunInProcess(folder_, {"compare", "eight.png", "float.png", "--warn", "1.5/255", "--hard", "3/255"});
     EXPECT_EQ(outcome.code, 0) << outcome.out;
 }
 
 TEST_F(CliRenderProcessor, APictureMayBeLargerThanAnyTexture) {
     WriteLayer(folder_ / "strip.png", 900, 2, {255, 255, 255, 255});
-    const Outcome outcome =
-        RunUmbrant(folder_,
-                   {"render", "strip.png", "-o", "out.png", "--renderer", "cpu", "--set", "style/shadow-type=radial",
-                    "--set", "style/distance=2000", "--set", "style/softness=0"},
-                   {{std::string("UMBRANT_MODULE=") + UMBRANT_MODULE_FILE}, ""});
+    const Outcome outcome = RunInProcess(
+        folder_, {"render", "strip.png", "-o", "out.png", "--renderer", "cpu", "--module", UMBRANT_MODULE_FILE, "--set",
+                  "style/shadow-type=radial", "--set", "style/distance=2000", "--set", "style/softness=0"});
     EXPECT_EQ(outcome.code, 0) << outcome.err;
     EXPECT_EQ(Read(folder_ / "out.png").pixels.Width(), 18900);
 }

@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/host/cli/program.h"
+#include "tests/host/cli/in_process.h"
 
 namespace {
 
@@ -23,7 +23,7 @@ class CliRender : public testing::Test {
                   const std::string& input = "in.png") {
         std::vector<std::string> all = {"render", input, "-o", output, "--module", TestModule("painter")};
         all.insert(all.end(), arguments.begin(), arguments.end());
-        return RunUmbrant(folder_, all);
+        return RunInProcess(folder_, all);
     }
 
     static void ExpectPixel(Picture& picture, int x, int y, PF_Pixel expected) {
@@ -243,7 +243,7 @@ TEST_F(CliRender, FailuresHaveTheirCodesAndLeaveNothing) {
     };
     for (const FailureCase& row : cases) {
         SCOPED_TRACE(row.name);
-        const Outcome outcome = RunUmbrant(folder_, row.arguments);
+        const Outcome outcome = RunInProcess(folder_, row.arguments);
         EXPECT_EQ(outcome.code, row.code) << outcome.err;
         EXPECT_THAT(outcome.err, HasSubstr("umbrant: "));
         EXPECT_THAT(outcome.err, HasSubstr(row.sentence));

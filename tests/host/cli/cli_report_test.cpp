@@ -9,7 +9,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "tests/host/cli/program.h"
+#include "tests/host/cli/in_process.h"
 
 namespace {
 
@@ -23,7 +23,7 @@ class CliReport : public testing::Test {
     Outcome Paint(std::vector<std::string> arguments, const std::string& input = "in.png",
                   const std::string& output = "out.png") {
         arguments.insert(arguments.begin(), {"render", input, "-o", output, "--module", TestModule("painter")});
-        return RunUmbrant(folder_, arguments);
+        return RunInProcess(folder_, arguments);
     }
 
     const Folder folder_;

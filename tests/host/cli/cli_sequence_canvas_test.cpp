@@ -204,7 +204,7 @@ TEST_F(CliSequenceCanvas, TheTasksOfAFarmShareIt) {
             "farm",     "--tasks",    "3", "slurm", "in.@.png", "-o", "task.##.png", "--module", TestModule("painter"),
             "--preset", "moving.json"};
         all.insert(all.end(), more.begin(), more.end());
-        return RunUmbrant(folder_, all);
+        return RunInProcess(folder_, all);
     };
     ASSERT_EQ(Move({}).code, 0);
     for (const std::vector<std::string>& canvas :
@@ -229,18 +229,18 @@ TEST_F(CliSequenceCanvas, TheTasksOfAFarmShareIt) {
 }
 
 TEST_F(CliSequenceCanvas, AFarmSaysWhereTheCanvasIsNotKnownYet) {
-    Outcome job = RunUmbrant(folder_, {"farm", "slurm", "late.#.png", "-o", "out.##.png", "--frames", "1-6"});
+    Outcome job = RunInProcess(folder_, {"farm", "slurm", "late.#.png", "-o", "out.##.png", "--frames", "1-6"});
     EXPECT_EQ(job.code, 0);
     EXPECT_EQ(
         job.err,
         "umbrant: the canvas of the whole set is not known here: none of the input's frames can be read yet; each "
         "task finds one itself, from the frames that are there then; --canvas LEFT,TOP,RIGHT,BOTTOM fixes it\n");
     EXPECT_THAT(job.out, Not(HasSubstr("--canvas")));
-    job = RunUmbrant(folder_, {"farm", "slurm", "in.@.png", "-o", "out.##.png", "--module", "none.so"});
+    job = RunInProcess(folder_, {"farm", "slurm", "in.@.png", "-o", "out.##.png", "--module", "none.so"});
     EXPECT_EQ(job.code, 0);
     EXPECT_THAT(job.err, HasSubstr("the canvas of the whole set is not known here: "));
     EXPECT_THAT(job.err, HasSubstr("none.so"));
-    job = RunUmbrant(folder_, {"farm", "slurm", "in.@.png", "-o", "out.##.png", "--preset", "none.json"});
+    job = RunInProcess(folder_, {"farm", "slurm", "in.@.png", "-o", "out.##.png", "--preset", "none.json"});
     EXPECT_EQ(job.code, 3) << "what every task would be refused";
     EXPECT_THAT(job.err, HasSubstr("cannot read the preset 'none.json': there is no such file"));
     EXPECT_EQ(job.out, "");
@@ -269,7 +269,7 @@ TEST_F(CliSequenceCanvas, TheOutputsFolderIsMadeOnDemand) {
     EXPECT_EQ(outcome.code, 3);
     EXPECT_THAT(outcome.err, HasSubstr("cannot write 'still.png/sub/one.png': "));
 
-    outcome = RunUmbrant(
+    outcome = RunInProcess(
         folder_, {"farm", "slurm", "in.@.png", "-o", "farm/out.##.png", "--module", TestModule("painter"), "--mkdir"});
     EXPECT_EQ(outcome.code, 0) << outcome.err;
     EXPECT_THAT(outcome.out, HasSubstr(" --mkdir "));

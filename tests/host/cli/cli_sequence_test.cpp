@@ -234,9 +234,9 @@ TEST_F(CliSequence, AFrameThatTheEffectCannotJudgeFailsAlone) {
 TEST_F(CliSequence, ThreadsAreForEffectsThatAllowThem) {
     const std::string expected = Render({"--threads", "4", "--verbose"}).err;
     EXPECT_THAT(expected, HasSubstr("threads: 1 reading, 1 drawing, 1 writing; at most 4 frames under way"));
-    const Outcome threaded =
-        RunUmbrant(folder_, Arguments("in.@.png", "many.##.png",
-                                      {"--threads", "4", "--verbose", "--set", "paint/border=3"}, "threaded_painter"));
+    const Outcome threaded = RunInProcess(
+        folder_, Arguments("in.@.png", "many.##.png", {"--threads", "4", "--verbose", "--set", "paint/border=3"},
+                           "threaded_painter"));
     EXPECT_EQ(threaded.code, 0) << threaded.err;
     EXPECT_THAT(threaded.err, HasSubstr("threads: 2 reading, 4 drawing, 4 writing; at most 11 frames under way"));
     ASSERT_EQ(Render({"--set", "paint/border=3"}).code, 0);

@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/host/cli/program.h"
+#include "tests/host/cli/in_process.h"
 
 namespace {
 
@@ -15,7 +15,7 @@ using testing::Not;
 
 TEST(CliUsage, HelpHasExamplesAndExitCodes) {
     const Folder folder;
-    const Outcome help = RunUmbrant(folder, {"--help"});
+    const Outcome help = RunInProcess(folder, {"--help"});
     EXPECT_EQ(help.code, 0);
     for (const char* text : {"render", "params", "info", "compare", "Examples:", "--version", "Exit codes: 0 done",
                              "2 wrong usage", "129 the terminal was closed", "130 interrupted", "131 quit",
@@ -40,7 +40,7 @@ TEST(CliUsage, EveryCommandHasHelpWithExamples) {
          {"FIRST", "SECOND", "--warn", "--percent", "--hard", "--diff", "--straight", "umbrant compare actual.png"}},
     };
     for (const auto& row : cases) {
-        const Outcome help = RunUmbrant(folder, {row.command, "--help"});
+        const Outcome help = RunInProcess(folder, {row.command, "--help"});
         EXPECT_EQ(help.code, 0) << row.command;
         EXPECT_THAT(help.out, HasSubstr("Examples:"));
         for (const char* text : row.texts) EXPECT_THAT(help.out, HasSubstr(text)) << row.command;
@@ -49,7 +49,7 @@ TEST(CliUsage, EveryCommandHasHelpWithExamples) {
 
 TEST(CliUsage, VersionIsOneLine) {
     const Folder folder;
-    const Outcome version = RunUmbrant(folder, {"--version"});
+    const Outcome version = RunInProcess(folder, {"--version"});
     EXPECT_EQ(version.code, 0);
     EXPECT_EQ(version.out, "umbrant " PROJECT_VERSION "\n");
 }
@@ -139,7 +139,7 @@ TEST(CliUsage, WrongUsageIsCodeTwoAndNamesTheRightOne) {
     WriteLayer(folder / "in.png", 4, 3, {255, 1, 2, 3});
     for (const UsageCase& row : cases) {
         SCOPED_TRACE(row.name);
-        const Outcome outcome = RunUmbrant(folder, row.arguments);
+        const Outcome outcome = RunInProcess(folder, row.arguments);
         EXPECT_EQ(outcome.code, 2);
         EXPECT_THAT(outcome.err, HasSubstr("umbrant: "));
         EXPECT_THAT(outcome.err, HasSubstr(row.sentence));

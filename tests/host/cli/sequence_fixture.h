@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/host/cli/program.h"
+#include "tests/host/cli/in_process.h"
 
 class CliSequence : public testing::Test {
  protected:
@@ -28,7 +28,7 @@ class CliSequence : public testing::Test {
     }
     Outcome Render(const std::vector<std::string>& more = {}, const std::string& input = "in.@.png",
                    const std::string& output = "out.##.png") const {
-        return RunUmbrant(folder_, Arguments(input, output, more));
+        return RunInProcess(folder_, Arguments(input, output, more));
     }
     int Red(const std::string& name) const {
         Picture picture = Read(folder_ / name);

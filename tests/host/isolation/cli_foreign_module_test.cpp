@@ -15,7 +15,7 @@
 #include <set>
 #include <thread>
 
-#include "tests/host/cli/sequence_fixture.h"
+#include "tests/host/cli/program.h"
 
 extern char** environ;
 
