@@ -5,6 +5,7 @@
 // `umbrant render --canvas layer`.
 
 #include "tests/host/video/clips.h"
+#include "tests/support/sanitized.h"
 
 namespace {
 
@@ -14,9 +15,7 @@ class FilterPrograms : public Clips {
     static constexpr int kFrames = 5;
 
     void SetUp() override {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-        GTEST_SKIP() << "a program without the sanitizer cannot load what was built with it";
-#endif
+        if (kIsSanitized) GTEST_SKIP() << "a program without the sanitizer cannot load what was built with it";
     }
 
     void MakeClip() const {

@@ -12,6 +12,8 @@
 #include <cstdint>
 #include <fstream>
 
+#include "tests/support/sanitized.h"
+
 namespace {
 
 TEST(NewDrawing, BeginsBlackOrTransparent) {
@@ -51,9 +53,7 @@ TEST(NewDrawing, RefusesWhatIsTooLarge) {
 }
 
 TEST(NewDrawing, SaysThatMemoryIsShortWhileItsLibrariesAreLoaded) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "a sanitizer reserves the whole address space, so no limit of it can be set";
-#endif
+    if (kIsSanitized) GTEST_SKIP() << "a sanitizer reserves the whole address space, so no limit of it can be set";
     std::uint64_t pages = 0;
     std::ifstream("/proc/self/statm") >> pages;
     rlimit before{};

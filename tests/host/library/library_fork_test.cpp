@@ -8,6 +8,7 @@
 
 #include "tests/host/library/library_fixture.h"
 #include "tests/support/child_process.h"
+#include "tests/support/sanitized.h"
 
 namespace {
 
@@ -32,9 +33,10 @@ TEST(LibraryFork, AChildDrawsWithTheParentsEffectAndWithOneOfItsOwn) {
 }
 
 TEST(LibraryFork, AChildThatIsForkedWhileAnotherThreadDrawsDrawsToo) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "the sanitizer's allocator has no handlers for forks: a lock of its own stays held in the child";
-#endif
+    if (kIsSanitized) {
+        GTEST_SKIP() << "the sanitizer's allocator has no handlers for forks: a lock of its own stays held in the "
+                        "child";
+    }
     const auto layer = Disc8(157, 143);
     Effect effect = RealEffect();
     const Image here = effect.Render(layer.View());

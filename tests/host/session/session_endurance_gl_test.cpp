@@ -19,6 +19,7 @@
 #include "host/compositing/rectangles.h"
 #include "host/session/effect_session.h"
 #include "platform/gl_api.h"
+#include "tests/support/sanitized.h"
 
 namespace {
 
@@ -140,17 +141,6 @@ long ResidentBytes() {
     return resident * sysconf(_SC_PAGESIZE);
 }
 
-/// Sanitizers keep freed memory for a while, so the process grows under them whatever the code does.
-constexpr bool MemoryIsWatched() {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    return true;
-#elif defined(__has_feature)
-    return __has_feature(address_sanitizer) || __has_feature(thread_sanitizer);
-#else
-    return false;
-#endif
-}
-
 class Endurance : public ::testing::Test {
  protected:
     static constexpr int kVendorRow = 6;
@@ -225,7 +215,7 @@ TEST_F(Endurance, TwoHundredFramesLeaveEverythingAsItWas) {
         EXPECT_THAT(session_->Misbehaviour(), IsEmpty());
         // One output world of these frames kept each time would make about 30 MiB.
         constexpr long kAllowedGrowth = 8L << 20;
-        if (!MemoryIsWatched()) {
+        if (!kIsSanitized) {
             EXPECT_LT(ResidentBytes() - residentBefore, kAllowedGrowth);
         }
     });

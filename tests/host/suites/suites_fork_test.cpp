@@ -13,6 +13,7 @@
 #include "host/suites/services.h"
 #include "host/suites/tokens.h"
 #include "tests/support/child_process.h"
+#include "tests/support/sanitized.h"
 
 namespace {
 
@@ -40,9 +41,10 @@ void UseTokens() {
 }
 
 TEST(SuitesFork, TheTablesAreWholeInAChild) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "the sanitizer's allocator has no handlers for forks: a lock of its own stays held in the child";
-#endif
+    if (kIsSanitized) {
+        GTEST_SKIP() << "the sanitizer's allocator has no handlers for forks: a lock of its own stays held in the "
+                        "child";
+    }
     const struct {
         const char* name;
         void (*use)();

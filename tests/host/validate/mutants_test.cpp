@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "tests/host/cli/program.h"
+#include "tests/support/sanitized.h"
 
 namespace {
 
@@ -143,21 +144,10 @@ std::vector<std::string> Arguments(const std::string& module, const std::string&
             "--timeout-ms", hangs ? "6000" : kPatient, "--soak-seconds", "2"};
 }
 
-/// Under a sanitizer wrong modules end by its report instead of by what the judge says about them.
-constexpr bool IsSanitized() {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    return true;
-#elif defined(__has_feature)
-    return __has_feature(address_sanitizer) || __has_feature(thread_sanitizer);
-#else
-    return false;
-#endif
-}
-
 class Mutants : public ::testing::TestWithParam<Row> {};
 
 TEST_P(Mutants, FailTheirCheck) {
-    if (IsSanitized()) GTEST_SKIP() << "a sanitizer reports what is wrong before the judge does";
+    if (kIsSanitized) GTEST_SKIP() << "a sanitizer reports what is wrong before the judge does";
     const Folder folder;
     const Outcome run = RunUmbrant(folder, Arguments(std::string("Judged") + GetParam().mutant, GetParam().check));
     EXPECT_EQ(run.code, 1) << run.out << run.err;
