@@ -11,6 +11,10 @@
 #include "host/animation/keyframes.h"
 #include "host/session/param_set.h"
 
+inline bool operator==(const Track& a, const Track& b) {
+    return a.inFrames == b.inFrames && a.keys == b.keys;
+}
+
 /// A row's track. Numbers are those that a person types: percents as shown, degrees, pixels or percents of the layer,
 /// channels from 0 to 255, a popup's item number, 0 and 1.
 struct RowTrack {
@@ -19,10 +23,6 @@ struct RowTrack {
     Track track;
     bool operator==(const RowTrack&) const = default;
 };
-
-inline bool operator==(const Track& a, const Track& b) {
-    return a.inFrames == b.inFrames && a.keys == b.keys;
-}
 
 class Animation {
  public:
