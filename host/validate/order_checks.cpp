@@ -228,8 +228,8 @@ void LeavesTheContextAlone(Trial& trial) {
 }
 
 /// The module's writable data at one moment. The bytes between its objects are read too, which a sanitizer would report
-/// and a library's copy would be checked for.
-[[gnu::no_sanitize("address", "thread")]] std::vector<std::vector<std::byte>> CopyOf(
+/// and a library's copy would be checked for. In this spelling the attribute is gcc's and clang's.
+__attribute__((no_sanitize("address", "thread"))) std::vector<std::vector<std::byte>> CopyOf(
     const std::vector<WritableRange>& ranges) {
     std::vector<std::vector<std::byte>> copies;
     for (const WritableRange& range : ranges) {
