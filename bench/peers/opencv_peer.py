@@ -2,8 +2,8 @@
 # Copyright 2026 the Umbrant authors
 """The same shadow as its author would write it with OpenCV: float arithmetic, blurred and united at a reduced scale.
 
-Usage: opencv_peer.py WORK SCALE. WORK is the JSON that bench/peers/compare writes. Answers "frame" and "save FILE" on
-standard input like the other peers.
+Usage: opencv_peer.py WORK SCALE [LAYER.png OUTPUT.png]. WORK is the JSON that bench/peers/compare writes. With two files
+it draws one into the other and ends; otherwise it answers "frame" and "save FILE" on standard input like the other peers.
 """
 
 import json
@@ -15,7 +15,12 @@ import numpy as np
 
 work = json.load(open(sys.argv[1]))
 scale = float(sys.argv[2])
-layer = np.fromfile(work["layer"], np.uint8).reshape(work["height"], work["width"], 4)
+files = sys.argv[3:5]
+if files:
+    # Blue first, as OpenCV has it in files: only the alpha is treated differently.
+    layer = cv2.imread(files[0], cv2.IMREAD_UNCHANGED)
+else:
+    layer = np.fromfile(work["layer"], np.uint8).reshape(work["height"], work["width"], 4)
 width, height, left, top = work["frame"]
 small = (round(width * scale), round(height * scale))
 
@@ -53,6 +58,9 @@ def draw():
 
 
 result = draw()
+if files:
+    cv2.imwrite(files[1], result)
+    sys.exit()
 print("ready", flush=True)
 for line in sys.stdin:
     if line.strip() == "frame":

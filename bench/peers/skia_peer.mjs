@@ -4,23 +4,28 @@
 // The same shadow as its author would write it for a canvas that Skia draws: 8 bits, blurred by the canvas's filter or,
 // for a plain shadow, by its shadow properties.
 //
-// Usage: skia_peer.mjs WORK filter|shadow SCALE CANVAS; WORK is the JSON that bench/peers/compare writes, SCALE that of
-// the filter's canvas, CANVAS the folder of the canvas package. Answers "frame" and "save FILE" on standard input like
-// the other peers.
+// Usage: skia_peer.mjs WORK filter|shadow SCALE CANVAS [LAYER.png OUTPUT.png]; WORK is the JSON that bench/peers/compare
+// writes, SCALE that of the filter's canvas, CANVAS the folder of the canvas package. With two files it draws one into
+// the other and ends; otherwise it answers "frame" and "save FILE" on standard input like the other peers.
 
 import { readFileSync, writeFileSync } from "node:fs";
 import { createRequire } from "node:module";
 import { createInterface } from "node:readline";
 
-const [workFile, way, scaleText, packageFolder] = process.argv.slice(2);
+const [workFile, way, scaleText, packageFolder, layerFile, outputFile] = process.argv.slice(2);
 const scale = Number(scaleText);
-const { createCanvas, ImageData } = createRequire(import.meta.url)(packageFolder);
+const { createCanvas, ImageData, loadImage } = createRequire(import.meta.url)(packageFolder);
 const work = JSON.parse(readFileSync(workFile, "utf8"));
 const [width, height, left, top] = work.frame;
 
-const layer = createCanvas(work.width, work.height);
-layer.getContext("2d").putImageData(
-    new ImageData(new Uint8ClampedArray(readFileSync(work.layer)), work.width, work.height), 0, 0);
+function layerInMemory() {
+    const [canvas, context] = canvasOf(work.width, work.height);
+    const bytes = new Uint8ClampedArray(readFileSync(work.layer));
+    context.putImageData(new ImageData(bytes, work.width, work.height), 0, 0);
+    return canvas;
+}
+
+const layer = layerFile ? await loadImage(layerFile) : layerInMemory();
 
 // A bell's standard deviation is sqrt(0.06) of its reach.
 const deviation = (softness) => softness * Math.sqrt(0.06);
@@ -63,12 +68,19 @@ function drawWithShadow(result) {
     result.drawImage(layer, -left, -top);
 }
 
-function draw() {
-    const [, context] = canvasOf(width, height);
+function drawn() {
+    const [canvas, context] = canvasOf(width, height);
     (way === "shadow" ? drawWithShadow : drawWithFilter)(context);
-    // Drawing is put off until somebody looks.
-    return context.getImageData(0, 0, width, height).data;
+    return canvas;
 }
+
+if (outputFile) {
+    writeFileSync(outputFile, drawn().toBuffer("image/png"));
+    process.exit();
+}
+
+// A canvas draws only when its pixels are read.
+const draw = () => drawn().getContext("2d").getImageData(0, 0, width, height).data;
 
 let result = draw();
 console.log("ready");
