@@ -7,6 +7,7 @@ Every program encodes as it does by default, libvips at zlib's quickest level; t
 
 import json
 import pathlib
+import shutil
 import statistics
 import subprocess
 import sys
@@ -44,6 +45,8 @@ def build_vips_peer(folder):
     """The program, or None and the reason that it cannot be built."""
     program = folder / "vips_peer"
     source = HERE / "vips_peer.cpp"
+    if shutil.which("c++") is None:
+        return None, "there is no C++ compiler"
     if not program.exists() or program.stat().st_mtime < source.stat().st_mtime:
         built = subprocess.run(["c++", "-O2", "-o", program, source, "-l:libvips.so.42"], capture_output=True, text=True)
         if built.returncode:
@@ -83,7 +86,7 @@ def commands(name, work, folder, program, skia, vips):
 
 
 def check_images(processes):
-    """Mean and greatest difference in alpha from ours, of 255; beyond a mean of 2 it is another picture."""
+    """Mean and greatest difference in alpha from ours, of 255; beyond a mean of 2 it is another image."""
     for process in processes.values():
         process.run()
 
@@ -99,7 +102,7 @@ def check_images(processes):
         away = np.abs(image[..., 3] - ours[..., 3])
         for what, mean in (("alpha", away.mean()), ("colour", np.abs(colour(image) - colour(ours)).mean())):
             if mean > 2:
-                sys.exit(f"{title} draws another picture: its {what} is {mean:.2f} of 255 away on average.")
+                sys.exit(f"{title} draws another image: its {what} is {mean:.2f} of 255 away on average.")
         differences[title] = (float(away.mean()), int(away.max()))
     return differences
 

@@ -2,8 +2,8 @@
 // Copyright 2026 the Umbrant authors
 
 // One plain soft shadow with libvips, PNG to PNG in one process: the layer's alpha, moved, blurred and made fainter, is
-// the shadow below the layer. Eight bits, as libvips keeps an image of 8 bits. Its command line does the same with
-// eight processes and takes three times as long.
+// the shadow below the layer. Eight bits, as libvips keeps an image of 8 bits. Its command line needs
+// eight processes for the same.
 //
 // Usage: vips_peer LAYER.png OUTPUT.png LEFT TOP WIDTH HEIGHT X Y DEVIATION OPACITY AMPLITUDE; LEFT, TOP, WIDTH and
 // HEIGHT are the output's rectangle in the layer's coordinates. The blur is cut off where its bell falls below
@@ -33,7 +33,7 @@ namespace {
 
 constexpr int kSrgb = 22;
 constexpr int kOver = 2;
-// zlib's quickest level: the default, 6, takes longer than everything else.
+// zlib's quickest level.
 constexpr int kQuickest = 1;
 constexpr char* kEnd = nullptr;
 
