@@ -5,6 +5,8 @@
 
 #include <array>
 
+#include "host/image/exr_reader.h"
+#include "host/image/exr_writer.h"
 #include "host/image/png_reader.h"
 #include "host/image/png_writer.h"
 
@@ -15,9 +17,14 @@ const Codec& PngCodec() {
     return codec;
 }
 
+const Codec& ExrCodec() {
+    static const Codec codec{"openexr", ReadsExr, OpenExr, EncodeExr};
+    return codec;
+}
+
 /// The formats of nearly every frame, by their own libraries.
-std::array<const Codec*, 1> OwnCodecs() {
-    return {&PngCodec()};
+std::array<const Codec*, 2> OwnCodecs() {
+    return {&PngCodec(), &ExrCodec()};
 }
 
 }  // namespace

@@ -12,10 +12,11 @@
 
 /// The kind of an attribute's values, numbered as the image library numbers them.
 struct AttributeType {
-    enum Base : unsigned char { kUint8 = 2, kInt = 7, kFloat = 11, kString = 13 };
+    enum Base : unsigned char { kUint8 = 2, kUint32 = 6, kInt = 7, kFloat = 11, kDouble = 12, kString = 13 };
+    enum Semantics : unsigned char { kIsNothing = 0, kIsVector = 3, kIsTimeCode = 5, kIsRational = 7 };
     unsigned char base = kString;
-    unsigned char aggregate = 1;  ///< 1 a number, 2 to 4 a vector, 9 or 16 a matrix
-    unsigned char semantics = 0;  ///< what the vector means; 0 is nothing
+    unsigned char aggregate = 1;           ///< 1 a number, 2 to 4 a vector, 9 or 16 a matrix
+    unsigned char semantics = kIsNothing;  ///< what the values mean
     int count = 0;                ///< of an array; 0 is none
 
     bool operator==(const AttributeType&) const = default;

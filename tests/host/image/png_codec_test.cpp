@@ -12,9 +12,8 @@
 #include <cstdio>
 #include <random>
 
-#include "host/image/codec.h"
 #include "host/image/latin_text.h"
-#include "host/image/metadata.h"
+#include "tests/host/image/both_codecs.h"
 #include "tests/host/image/picture_files.h"
 
 namespace {
@@ -73,76 +72,6 @@ std::string Bytes(const Png& png) {
            Chunk("IEND", "");
 }
 
-std::unique_ptr<ImageReader> Opened(const Codec& codec, const std::filesystem::path& path, std::string* problem) {
-    std::FILE* const file = std::fopen(path.c_str(), "rb");
-    OpenedImage opened = codec.open({fileno(file), path.string(), ""});
-    std::fclose(file);
-    if (auto* reader = std::get_if<std::unique_ptr<ImageReader>>(&opened)) return std::move(*reader);
-    *problem = std::get<std::string>(opened);
-    return nullptr;
-}
-
-const Codec& Library() {
-    const auto codec = LibraryCodec();
-    return *std::get<const Codec*>(codec);
-}
-
-/// The codec that a file of this name is read with.
-const Codec& Chosen(const std::filesystem::path& path) {
-    std::FILE* const file = std::fopen(path.c_str(), "rb");
-    const auto codec = CodecToRead(fileno(file));
-    std::fclose(file);
-    return *std::get<const Codec*>(codec);
-}
-
-template <typename Value>
-std::vector<Value> Values(ImageReader& reader, int begin, int end) {
-    const ImageLayout& layout = reader.Layout();
-    std::vector<Value> values(static_cast<std::size_t>(layout.width * layout.height * (end - begin)));
-    const auto problem = reader.Read(begin, end, sizeof(Value) == 1, values.data());
-    EXPECT_EQ(problem.value_or("none"), "none");
-    return values;
-}
-
-/// That both codecs say the same of a file beside its pixels.
-void ExpectSameLayout(const ImageLayout& ours, const ImageLayout& theirs) {
-    EXPECT_EQ(ours.channels, theirs.channels);
-    EXPECT_EQ(ours.alphaChannel, theirs.alphaChannel);
-    EXPECT_EQ(ours.channelBytes, theirs.channelBytes);
-    EXPECT_EQ(ours.isStraight || ours.alphaChannel < 0, theirs.isStraight || theirs.alphaChannel < 0);
-    EXPECT_EQ((std::array{ours.x, ours.y, ours.width, ours.height, ours.depth}),
-              (std::array{theirs.x, theirs.y, theirs.width, theirs.height, theirs.depth}));
-    const PictureMetadata kept = MetadataOf(ours, "png"), theirKept = MetadataOf(theirs, "png");
-    EXPECT_EQ(kept.attributes.size(), theirKept.attributes.size());
-    for (const Attribute& attribute : theirKept.attributes) {
-        const Attribute* own = ours.Find(attribute.name);
-        ASSERT_TRUE(own) << attribute.name;
-        EXPECT_EQ(*own, attribute) << attribute.name;
-    }
-}
-
-/// That both codecs read the same from a file: all channels, and the last alone.
-void ExpectReadAlike(const std::filesystem::path& path) {
-    std::string problem;
-    ASSERT_EQ(Chosen(path).name, "png");
-    for (const bool floats : {false, true}) {
-        for (const bool onlyLast : {false, true}) {
-            const auto ours = Opened(Chosen(path), path, &problem);
-            const auto theirs = Opened(Library(), path, &problem);
-            ASSERT_TRUE(ours && theirs) << problem;
-            EXPECT_EQ(ours->FormatName(), theirs->FormatName());
-            ExpectSameLayout(ours->Layout(), theirs->Layout());
-            const int end = ours->Layout().ChannelCount();
-            const int begin = onlyLast ? end - 1 : 0;
-            if (floats) {
-                EXPECT_EQ(Values<float>(*ours, begin, end), Values<float>(*theirs, begin, end));
-            } else if (ours->Layout().channelBytes == 1) {
-                EXPECT_EQ(Values<unsigned char>(*ours, begin, end), Values<unsigned char>(*theirs, begin, end));
-            }
-        }
-    }
-}
-
 TEST(PngCodec, EveryKindOfPixelIsReadAsBefore) {
     const Folder folder;
     const std::string palette = Chunk("PLTE", {10, 20, 30, 40, 50, 60});
@@ -170,7 +99,7 @@ TEST(PngCodec, EveryKindOfPixelIsReadAsBefore) {
     for (const Png& row : rows) {
         SCOPED_TRACE(testing::Message() << "kind " << row.color << ", " << row.bits << " bits");
         WriteBytes(folder / "a.png", Bytes(row));
-        ExpectReadAlike(folder / "a.png");
+        ExpectReadAlike("png", folder / "a.png");
     }
 }
 
@@ -205,7 +134,7 @@ TEST(PngCodec, EveryChunkIsReadAsBefore) {
     for (const std::string& row : rows) {
         SCOPED_TRACE(row);
         WriteBytes(folder / "a.png", Bytes({PNG_COLOR_TYPE_RGB_ALPHA, 8, row}));
-        ExpectReadAlike(folder / "a.png");
+        ExpectReadAlike("png", folder / "a.png");
     }
 }
 
@@ -264,7 +193,7 @@ TEST(PngCodec, InterlacedFilesAreReadAsBefore) {
     for (const auto& [color, bits] : {std::pair(PNG_COLOR_TYPE_RGB_ALPHA, 8), std::pair(PNG_COLOR_TYPE_RGB_ALPHA, 16),
                                       std::pair(PNG_COLOR_TYPE_GRAY, 1), std::pair(PNG_COLOR_TYPE_GRAY, 16)}) {
         WriteInterlaced(folder / "a.png", color, bits);
-        ExpectReadAlike(folder / "a.png");
+        ExpectReadAlike("png", folder / "a.png");
     }
 }
 
@@ -310,7 +239,7 @@ TEST(PngCodec, DamagedFilesAreRefusedOrReadAsBefore) {
             // Not before: the image library leaks memory over a file that it refuses.
             const auto theirs = Opened(Library(), folder / "a.png", &problem);
             ASSERT_TRUE(theirs) << problem;
-            ExpectSameLayout(ours->Layout(), theirs->Layout());
+            ExpectSameLayout("png", ours->Layout(), theirs->Layout());
             EXPECT_EQ(values, Values<float>(*theirs, 0, theirs->Layout().ChannelCount()));
         }
     }

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// What an EXR's header says, in the words that all codecs share. The image library's own translation is followed to
+// the letter, so that a file says the same whichever of the two reads or writes it. Inside host/image only.
+
+#include <OpenEXR/openexr.h>
+
+#include "host/image/image_layout.h"
+
+/// Adds the attributes of a file's only part to the layout. False where there is one that only the image library
+/// knows.
+bool TakeExrAttributes(exr_const_context_t file, ImageLayout& layout);
+
+/// Whether PutExrAttributes can write all that the layout says.
+bool CanPutExrAttributes(const ImageLayout& layout);
+
+/// Writes the layout's attributes into the header of a file's only part, which has the required ones already.
+exr_result_t PutExrAttributes(const ImageLayout& layout, exr_context_t file);
