@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "host/compositing/memory_shortage.h"
+#include "host/compositing/row_pool.h"
 #include "host/compositing/start_threads.h"
 #include "host/image/codec.h"
 #include "host/image/encoded_file.h"
@@ -128,11 +129,13 @@ std::optional<std::string> ReadPixels(ImageReader& input, const ImageLayout& lay
     channels = Within(channels, begin);
     const bool hasBoth = channels.alpha >= 0 && channels.red >= 0;
     const bool straight = !hasBoth || layout.isStraight;
-    for (int y = 0; y < layout.height; ++y) {
-        auto* row = static_cast<Pixel*>(static_cast<void*>(world.Row(y)));
-        FillRow(values.get() + rowValues * static_cast<std::size_t>(y), count, channels, full, row, layout.width);
-        if (!straight) Unpremultiply(row, layout.width);
-    }
+    ForEachRowRange(layout.height, [&](int first, int last) {
+        for (int y = first; y < last; ++y) {
+            auto* row = static_cast<Pixel*>(static_cast<void*>(world.Row(y)));
+            FillRow(values.get() + rowValues * static_cast<std::size_t>(y), count, channels, full, row, layout.width);
+            if (!straight) Unpremultiply(row, layout.width);
+        }
+    });
     return std::nullopt;
 }
 

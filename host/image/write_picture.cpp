@@ -38,40 +38,67 @@ struct Sample {
     float alpha, red, green, blue;
 };
 
-Sample SampleAt(const World& world, int x, int y) {
-    const std::byte* at = world.Row(y) + static_cast<std::ptrdiff_t>(x) * BytesPerPixel(world.PixelDepth());
-    const void* pixel = at;
-    switch (world.PixelDepth()) {
-        case Depth::k8: {
-            const auto& p = *static_cast<const PF_Pixel*>(pixel);
-            return {static_cast<float>(p.alpha) / 255.0f, static_cast<float>(p.red) / 255.0f,
-                    static_cast<float>(p.green) / 255.0f, static_cast<float>(p.blue) / 255.0f};
-        }
-        case Depth::k16: {
-            const auto& p = *static_cast<const PF_Pixel16*>(pixel);
-            return {static_cast<float>(p.alpha) / 32768.0f, static_cast<float>(p.red) / 32768.0f,
-                    static_cast<float>(p.green) / 32768.0f, static_cast<float>(p.blue) / 32768.0f};
-        }
-        case Depth::k32: {
-            const auto& p = *static_cast<const PF_PixelFloat*>(pixel);
-            return {p.alpha, p.red, p.green, p.blue};
-        }
-    }
-    return {};
+Sample SampleOf(const PF_Pixel& p) {
+    return {static_cast<float>(p.alpha) / 255.0f, static_cast<float>(p.red) / 255.0f,
+            static_cast<float>(p.green) / 255.0f, static_cast<float>(p.blue) / 255.0f};
 }
 
-/// The file's values of some rows of a world: three channels without alpha, else four with alpha last.
+Sample SampleOf(const PF_Pixel16& p) {
+    return {static_cast<float>(p.alpha) / 32768.0f, static_cast<float>(p.red) / 32768.0f,
+            static_cast<float>(p.green) / 32768.0f, static_cast<float>(p.blue) / 32768.0f};
+}
+
+Sample SampleOf(const PF_PixelFloat& p) {
+    return {p.alpha, p.red, p.green, p.blue};
+}
+
+/// The file's values of one row: three channels without alpha, else four with alpha last. Returns where they end.
+template <Form form, typename Pixel>
+float* RowValues(const std::byte* row, int width, float* to) {
+    const auto* pixel = static_cast<const Pixel*>(static_cast<const void*>(row));
+    for (int x = 0; x < width; ++x) {
+        const Sample s = SampleOf(pixel[x]);
+        const float weight = form == Form::kStraight ? 1.0f : s.alpha;
+        const float ground = form == Form::kOnWhite ? 1.0f - s.alpha : 0.0f;
+        // Nothing of an infinite colour is seen under no alpha, and a product would not be a number.
+        const auto value = [=](float colour) { return weight == 0.0f ? ground : colour * weight + ground; };
+        *to++ = value(s.red);
+        *to++ = value(s.green);
+        *to++ = value(s.blue);
+        if (form != Form::kOnWhite) *to++ = s.alpha;
+    }
+    return to;
+}
+
+template <Form form>
+float* RowValues(const World& world, int y, float* to) {
+    switch (world.PixelDepth()) {
+        case Depth::k8:
+            return RowValues<form, PF_Pixel>(world.Row(y), world.Width(), to);
+        case Depth::k16:
+            return RowValues<form, PF_Pixel16>(world.Row(y), world.Width(), to);
+        case Depth::k32:
+            return RowValues<form, PF_PixelFloat>(world.Row(y), world.Width(), to);
+    }
+    return to;
+}
+
+/// The file's values of some rows of a world.
 void FileValues(const World& world, Form form, int begin, int end, std::vector<float>& values) {
-    values.clear();
+    const std::size_t channels = form == Form::kOnWhite ? 3 : 4;
+    values.resize(static_cast<std::size_t>(world.Width()) * static_cast<std::size_t>(end - begin) * channels);
+    float* to = values.data();
     for (int y = begin; y < end; ++y) {
-        for (int x = 0; x < world.Width(); ++x) {
-            const Sample s = SampleAt(world, x, y);
-            const float weight = form == Form::kStraight ? 1.0f : s.alpha;
-            const float ground = form == Form::kOnWhite ? 1.0f - s.alpha : 0.0f;
-            // Nothing of an infinite colour is seen under no alpha, and a product would not be a number.
-            const auto value = [=](float colour) { return weight == 0.0f ? ground : colour * weight + ground; };
-            values.insert(values.end(), {value(s.red), value(s.green), value(s.blue)});
-            if (form != Form::kOnWhite) values.push_back(s.alpha);
+        switch (form) {
+            case Form::kStraight:
+                to = RowValues<Form::kStraight>(world, y, to);
+                break;
+            case Form::kPremultiplied:
+                to = RowValues<Form::kPremultiplied>(world, y, to);
+                break;
+            case Form::kOnWhite:
+                to = RowValues<Form::kOnWhite>(world, y, to);
+                break;
         }
     }
 }
