@@ -18,6 +18,7 @@
 #include "host/cli/render_options.h"
 #include "host/cli/results.h"
 #include "host/cli/sequence_report.h"
+#include "host/compositing/memory_recycler.h"
 #include "host/compositing/rectangles.h"
 #include "host/process/abandoned_files.h"
 #include "host/sequence/draw_frames.h"
@@ -305,6 +306,7 @@ class SequenceRender {
         progress.SetKeepsGoing(options_.sequence.keepGoing);
         if (!clips_.Note().empty()) progress.Note(clips_.Note());
         if (const std::string removed = RemoveAbandonedFiles(OutputFolders()); !removed.empty()) progress.Note(removed);
+        const MemoryRecycler recycler;
         const auto run = DrawFrames(job_, instances_.all, *reader_, std::move(first), progress);
         if (!run) return run.Error();
         const FrameTotals totals = progress.Finish();

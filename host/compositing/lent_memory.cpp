@@ -13,6 +13,9 @@
 #include <limits>
 #include <utility>
 
+#include "host/compositing/large_pages.h"
+#include "host/compositing/memory_recycler.h"
+
 namespace {
 
 constexpr std::size_t kAlignment = 16;
@@ -27,18 +30,6 @@ std::size_t PageSize() {
 
 std::size_t RoundedUp(std::size_t size, std::size_t unit) {
     return (size + unit - 1) / unit * unit;
-}
-
-// A frame's worlds are new memory in every frame, and taking it page by page costs more than a pass over the pixels.
-void AskForLargePages([[maybe_unused]] std::byte* data, [[maybe_unused]] std::size_t size) {
-#ifdef MADV_HUGEPAGE
-    constexpr std::size_t kWorthwhile = std::size_t{4} << 20;
-    if (!data || size < kWorthwhile) return;
-    const auto address = reinterpret_cast<std::uintptr_t>(data);
-    const std::size_t before = RoundedUp(address, PageSize()) - address;
-    // Only advice: where it is not taken everything works as before.
-    madvise(data + before, (size - before) / PageSize() * PageSize(), MADV_HUGEPAGE);
-#endif
 }
 
 }  // namespace
@@ -56,6 +47,8 @@ LentBytes LentBytes::Create(std::size_t size, bool clear) {
     if (size > std::numeric_limits<std::size_t>::max() / 2) return bytes;
     bytes.size_ = size;
     if (rules.placement == MemoryPlacement::kPlain) {
+        bytes.data_ = TakeRecycled(size, clear, &bytes.recycled_);
+        if (bytes.data_) return bytes;
         const std::size_t asked = std::max<std::size_t>(size, 1);
         bytes.data_ = static_cast<std::byte*>(clear ? std::calloc(asked, 1) : std::malloc(asked));
         AskForLargePages(bytes.data_, asked);
@@ -103,6 +96,7 @@ LentBytes& LentBytes::operator=(LentBytes&& other) noexcept {
     size_ = std::exchange(other.size_, 0);
     pages_ = std::exchange(other.pages_, nullptr);
     pagesSize_ = std::exchange(other.pagesSize_, 0);
+    recycled_ = std::exchange(other.recycled_, 0);
     owner_ = std::move(other.owner_);
     return *this;
 }
@@ -122,6 +116,8 @@ bool LentBytes::SlackIsWhole() const {
 void LentBytes::Free() {
     if (owner_) {
         owner_.reset();
+    } else if (recycled_ > 0) {
+        GiveRecycled(data_, recycled_);
     } else if (!pages_) {
         std::free(data_);
     } else {
@@ -129,4 +125,5 @@ void LentBytes::Free() {
         mmap(pages_, pagesSize_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_FIXED, -1, 0);
     }
     data_ = pages_ = nullptr;
+    recycled_ = 0;
 }

@@ -54,5 +54,6 @@ class LentBytes {
     std::size_t size_ = 0;
     std::byte* pages_ = nullptr;  ///< the open pages; null for the C library's memory
     std::size_t pagesSize_ = 0;
+    std::size_t recycled_ = 0;     ///< bytes of a block that goes back to the recycler; 0 for all others
     std::shared_ptr<void> owner_;  ///< of bytes that are not this object's
 };

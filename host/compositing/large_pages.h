@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// Fewer page faults for large blocks.
+
+#include <cstddef>
+
+/// Asks the system to hand out a block that is going to be written in large pages. Null and small blocks are left
+/// alone. Only advice: where it is not taken everything works as before.
+void AskForLargePages(std::byte* data, std::size_t size);
