@@ -7,6 +7,7 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 #include "host/compositing/row_pool.h"
@@ -16,7 +17,9 @@ namespace {
 /// What a compressor can refer back to.
 constexpr std::size_t kWindow = 32768;
 /// Large enough that what each block costs besides, some bytes and a new table, is not seen.
-constexpr std::size_t kBlock = std::size_t{1} << 17;
+constexpr std::size_t kLargestBlock = std::size_t{1} << 17, kSmallestBlock = std::size_t{1} << 14;
+/// Of a small image the blocks are smaller: so many that several threads end at about the same time.
+constexpr std::size_t kWantedBlocks = 16;
 constexpr char kNoMemory[] = "there is not enough memory for it";
 
 struct Block {
@@ -32,62 +35,100 @@ struct Compressed {
     std::uint32_t checksum = 1;
 };
 
+/// What a thread works in. Not made and cleared for each block, which would take as long as the fast compressor does.
+struct Scratch {
+    Scratch() = default;
+    Scratch(const Scratch&) = delete;
+    Scratch& operator=(const Scratch&) = delete;
+    ~Scratch() {
+        if (hasStream) deflateEnd(&stream);
+    }
+
+    std::unique_ptr<std::uint8_t[]> out, tables;
+    std::size_t size = 0;
+    z_stream stream{};
+    bool hasStream = false;
+};
+
+/// How zlib searches: the level, and for most levels nothing else. The words are deflateTune's.
+struct Search {
+    int level;
+    int good, lazy, nice, chain;
+};
+
+/// The fourth level with a quarter of its candidates: 1.2 times as fast on images of shadows, and 3 % larger.
+constexpr Search kQuick{4, 4, 4, 16, 4};
+constexpr Search kThorough{9, 32, 258, 258, 4096};
+
 /// More than a block can come to.
 std::size_t BoundOf(std::size_t size) {
     return size + size / 1000 + 1024;
 }
 
-/// Compresses a block by zlib. False for want of memory.
-bool ByZlib(const Block& block, int level, Compressed& compressed) {
-    z_stream stream{};
-    constexpr int kRaw = -15, kMemory = 8;
-    if (deflateInit2(&stream, level, Z_DEFLATED, kRaw, kMemory, Z_DEFAULT_STRATEGY) != Z_OK) return false;
+/// Compresses a block by zlib into the scratch. Returns how many bytes it gives; 0 for want of memory.
+std::size_t ByZlib(const Block& block, const Search& search, Scratch& scratch) {
+    z_stream& stream = scratch.stream;
+    if (scratch.hasStream) {
+        deflateReset(&stream);
+    } else {
+        constexpr int kRaw = -15, kMemory = 8;
+        if (deflateInit2(&stream, search.level, Z_DEFLATED, kRaw, kMemory, Z_DEFAULT_STRATEGY) != Z_OK) return 0;
+        scratch.hasStream = true;
+    }
+    deflateTune(&stream, search.good, search.lazy, search.nice, search.chain);
     if (block.beforeSize > 0) deflateSetDictionary(&stream, block.before, static_cast<uInt>(block.beforeSize));
     stream.next_in = const_cast<Bytef*>(block.bytes);
     stream.avail_in = static_cast<uInt>(block.size);
-    stream.next_out = compressed.bytes.data();
-    stream.avail_out = static_cast<uInt>(compressed.bytes.size());
+    stream.next_out = scratch.out.get();
+    stream.avail_out = static_cast<uInt>(scratch.size);
     deflate(&stream, block.isLast ? Z_FINISH : Z_SYNC_FLUSH);
-    compressed.bytes.resize(stream.total_out);
-    deflateEnd(&stream);
-    return true;
+    return stream.total_out;
 }
 
 /// The same by ISA-L.
-void ByIsal(const Block& block, Compressed& compressed) {
+std::size_t ByIsal(const Block& block, Scratch& scratch) {
+    if (!scratch.tables) scratch.tables.reset(new std::uint8_t[ISAL_DEF_LVL1_DEFAULT]);
     isal_zstream stream;
     isal_deflate_init(&stream);
-    std::vector<std::uint8_t> tables(ISAL_DEF_LVL1_DEFAULT);
     stream.level = 1;
-    stream.level_buf = tables.data();
-    stream.level_buf_size = static_cast<std::uint32_t>(tables.size());
+    stream.level_buf = scratch.tables.get();
+    stream.level_buf_size = ISAL_DEF_LVL1_DEFAULT;
     if (block.beforeSize > 0) {
         isal_deflate_set_dict(&stream, const_cast<std::uint8_t*>(block.before),
                               static_cast<std::uint32_t>(block.beforeSize));
     }
     stream.next_in = const_cast<std::uint8_t*>(block.bytes);
     stream.avail_in = static_cast<std::uint32_t>(block.size);
-    stream.next_out = compressed.bytes.data();
-    stream.avail_out = static_cast<std::uint32_t>(compressed.bytes.size());
+    stream.next_out = scratch.out.get();
+    stream.avail_out = static_cast<std::uint32_t>(scratch.size);
     stream.end_of_stream = block.isLast;
     stream.flush = block.isLast ? NO_FLUSH : SYNC_FLUSH;
     isal_deflate(&stream);
-    compressed.bytes.resize(stream.total_out);
+    return stream.total_out;
 }
 
-bool Compress(const Block& block, DeflateEffort effort, Compressed& compressed) {
-    compressed.bytes.resize(BoundOf(block.size));
-    compressed.checksum = static_cast<std::uint32_t>(adler32(1, block.bytes, static_cast<uInt>(block.size)));
+std::size_t CompressInto(const Block& block, DeflateEffort effort, Scratch& scratch) {
     switch (effort) {
         case DeflateEffort::kFast:
-            ByIsal(block, compressed);
-            return true;
+            return ByIsal(block, scratch);
         case DeflateEffort::kDefault:
-            return ByZlib(block, 4, compressed);
+            return ByZlib(block, kQuick, scratch);
         case DeflateEffort::kSmall:
-            return ByZlib(block, 9, compressed);
+            return ByZlib(block, kThorough, scratch);
     }
-    return false;
+    return 0;
+}
+
+/// False for want of memory.
+bool Compress(const Block& block, DeflateEffort effort, Scratch& scratch, Compressed& compressed) {
+    if (const std::size_t bound = BoundOf(block.size); scratch.size < bound) {
+        scratch.out.reset(new std::uint8_t[bound]);
+        scratch.size = bound;
+    }
+    const std::size_t size = CompressInto(block, effort, scratch);
+    compressed.bytes.assign(scratch.out.get(), scratch.out.get() + size);
+    compressed.checksum = static_cast<std::uint32_t>(adler32(1, block.bytes, static_cast<uInt>(block.size)));
+    return size > 0;
 }
 
 /// The two bytes that a zlib stream begins with: deflate, a window of 32 KiB, and about how hard it was tried.
@@ -112,8 +153,10 @@ BlockDeflater::BlockDeflater(DeflateEffort effort,
 
 std::optional<std::string> BlockDeflater::Add(const std::uint8_t* bytes, std::size_t size, bool isLast) {
     std::vector<Block> blocks;
-    for (std::size_t at = 0; at < size || (isLast && blocks.empty()); at += kBlock) {
-        Block block{bytes + at, std::min(kBlock, size - at), before_.data(), before_.size(), false};
+    // Not by the number of threads: an image has the same bytes on every machine.
+    const std::size_t most = std::clamp(size / kWantedBlocks, kSmallestBlock, kLargestBlock);
+    for (std::size_t at = 0; at < size || (isLast && blocks.empty()); at += most) {
+        Block block{bytes + at, std::min(most, size - at), before_.data(), before_.size(), false};
         if (at > 0) {
             block.beforeSize = std::min(kWindow, at);
             block.before = block.bytes - block.beforeSize;
@@ -124,9 +167,10 @@ std::optional<std::string> BlockDeflater::Add(const std::uint8_t* bytes, std::si
 
     std::vector<Compressed> compressed(blocks.size());
     std::vector<char> done(blocks.size(), 0);
-    RunRows(static_cast<int>(blocks.size()), [&](int index, int) {
+    std::vector<Scratch> scratches(static_cast<std::size_t>(RowThreads()));
+    RunRows(static_cast<int>(blocks.size()), [&](int index, int thread) {
         const auto i = static_cast<std::size_t>(index);
-        done[i] = Compress(blocks[i], effort_, compressed[i]);
+        done[i] = Compress(blocks[i], effort_, scratches[static_cast<std::size_t>(thread)], compressed[i]);
         return done[i] != 0;
     });
     if (std::find(done.begin(), done.end(), 0) != done.end()) return kNoMemory;

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr std::size_t kBlock = std::size_t{1} << 20;
+constexpr std::size_t kBlock = std::size_t{1} << 17;
 
 }  // namespace
 

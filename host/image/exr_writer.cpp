@@ -50,7 +50,8 @@ class ExrWriter {
         context.user_data = &encoded;
         context.write_fn = WriteAt;
         exr_context_t file = nullptr;
-        if (const exr_result_t failed = exr_start_write(&file, "image", EXR_WRITE_FILE_DIRECTLY, &context)) return failed;
+        if (const exr_result_t failed = exr_start_write(&file, "image", EXR_WRITE_FILE_DIRECTLY, &context))
+            return failed;
         file_.reset(file);
         int part = 0;
         if (const exr_result_t failed = exr_add_part(file, nullptr, EXR_STORAGE_SCANLINE, &part)) return failed;

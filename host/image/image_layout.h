@@ -17,7 +17,7 @@ struct AttributeType {
     unsigned char base = kString;
     unsigned char aggregate = 1;           ///< 1 a number, 2 to 4 a vector, 9 or 16 a matrix
     unsigned char semantics = kIsNothing;  ///< what the values mean
-    int count = 0;                ///< of an array; 0 is none
+    int count = 0;                         ///< of an array; 0 is none
 
     bool operator==(const AttributeType&) const = default;
 };

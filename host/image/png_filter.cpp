@@ -10,25 +10,33 @@ namespace {
 
 enum Filter : std::uint8_t { kNone = 0, kSub = 1, kUp = 2 };
 
-std::uint32_t SizeOf(std::uint8_t difference) {
-    return std::min<std::uint32_t>(difference, 256u - difference);
+/// How far a difference is from 0, up or down.
+std::uint8_t SizeOf(std::uint8_t difference) {
+    const auto negative = static_cast<std::uint8_t>(-difference);
+    return difference < negative ? difference : negative;
 }
 
-/// The sum of sizes of a row's bytes, less those that lie a pixel, or a row, before them.
+/// The sum of sizes of a row's bytes, less those that lie a pixel, or a row, before them where those count.
+template <bool kIsDifference>
 std::uint64_t Cost(const std::uint8_t* row, const std::uint8_t* before, std::size_t size) {
+    const auto sizeAt = [&](std::size_t i) {
+        return SizeOf(kIsDifference ? static_cast<std::uint8_t>(row[i] - before[i]) : row[i]);
+    };
     std::uint64_t cost = 0;
-    // In pieces whose sum needs no more than 32 bits, which vector code adds faster.
-    constexpr std::size_t kPiece = std::size_t{1} << 16;
-    for (std::size_t at = 0; at < size; at += kPiece) {
-        const std::size_t end = std::min(size, at + kPiece);
-        std::uint32_t sum = 0;
-        if (before) {
-            for (std::size_t i = at; i < end; ++i) sum += SizeOf(static_cast<std::uint8_t>(row[i] - before[i]));
-        } else {
-            for (std::size_t i = at; i < end; ++i) sum += SizeOf(row[i]);
+    // Sixteen sums of 16 bits, which vector code adds at once, in pieces that they can hold.
+    constexpr std::size_t kLanes = 16, kPiece = 256 * kLanes;
+    std::size_t i = 0;
+    while (size - i >= kLanes) {
+        const std::size_t end = i + std::min(kPiece, (size - i) / kLanes * kLanes);
+        std::uint16_t sums[kLanes]{};
+        for (; i < end; i += kLanes) {
+            for (std::size_t lane = 0; lane < kLanes; ++lane) {
+                sums[lane] = static_cast<std::uint16_t>(sums[lane] + sizeAt(i + lane));
+            }
         }
-        cost += sum;
+        for (const std::uint16_t sum : sums) cost += sum;
     }
+    for (; i < size; ++i) cost += sizeAt(i);
     return cost;
 }
 
@@ -41,9 +49,9 @@ void Subtract(const std::uint8_t* row, const std::uint8_t* before, std::size_t s
 void FilterRow(const std::uint8_t* row, const std::uint8_t* above, std::size_t size, std::size_t pixel,
                std::uint8_t* to) {
     const std::size_t first = std::min(pixel, size);
-    const std::uint64_t none = Cost(row, nullptr, size);
-    const std::uint64_t sub = Cost(row, nullptr, first) + Cost(row + first, row, size - first);
-    const std::uint64_t up = Cost(row, above, size);
+    const std::uint64_t none = Cost<false>(row, nullptr, size);
+    const std::uint64_t sub = Cost<false>(row, nullptr, first) + Cost<true>(row + first, row, size - first);
+    const std::uint64_t up = Cost<true>(row, above, size);
     if (none <= sub && none <= up) {
         *to = kNone;
         std::memcpy(to + 1, row, size);

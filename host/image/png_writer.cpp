@@ -13,6 +13,7 @@
 #include <csetjmp>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <utility>
 
 #include "host/compositing/row_pool.h"
@@ -265,16 +266,18 @@ std::optional<std::string> WritePixels(PngFile& file, const ImageToWrite& image)
     // In bands, which take less memory than the whole image.
     constexpr std::size_t kBand = std::size_t{1} << 22;
     const int rows = static_cast<int>(std::clamp<std::size_t>(kBand / (rowBytes + 1), 1, 1u << 20));
-    std::vector<std::uint8_t> filtered;
+    // Not cleared before it is filled.
+    const std::size_t bandBytes = static_cast<std::size_t>(std::min(rows, file.layout.height)) * (rowBytes + 1);
+    const std::unique_ptr<std::uint8_t[]> filtered(new std::uint8_t[bandBytes]);
     bool isWritten = true;
     BlockDeflater deflater(EffortOf(image.compression), [&](const std::uint8_t* bytes, std::size_t size) {
         isWritten = isWritten && WriteChunk(file, "IDAT", bytes, size);
     });
     for (int begin = 0; begin < file.layout.height; begin += rows) {
         const int end = std::min(file.layout.height, begin + rows);
-        filtered.resize(static_cast<std::size_t>(end - begin) * (rowBytes + 1));
-        FilterRows(image, begin, end, rowBytes, pixel, filtered.data());
-        if (auto problem = deflater.Add(filtered.data(), filtered.size(), end == file.layout.height)) return problem;
+        FilterRows(image, begin, end, rowBytes, pixel, filtered.get());
+        const std::size_t size = static_cast<std::size_t>(end - begin) * (rowBytes + 1);
+        if (auto problem = deflater.Add(filtered.get(), size, end == file.layout.height)) return problem;
         if (!isWritten) return file.message;
     }
     return std::nullopt;
