@@ -108,10 +108,11 @@ class Installed(unittest.TestCase):
     def test_the_program_needs_few_libraries(self):
         # Libraries for drawing and for images bring hundreds of others: they are loaded when something needs them.
         needed = run("readelf", "--dynamic", self.prefix / "bin/umbrant")
-        for name in ("cairo", "pango", "fontconfig", "freetype", "OpenImageIO", "OpenColorIO", "OpenEXR", "ssl", "crypto",
+        for name in ("cairo", "pango", "fontconfig", "freetype", "OpenImageIO", "OpenColorIO", "OpenEXR-", "Imath", "ssl", "crypto",
                      "tiff", "jpeg"):  # fmt: skip
             self.assertNotRegex(needed, rf"NEEDED.*{name}")
         self.assertIn("libpng", needed)
+        self.assertIn("libOpenEXRCore", needed)
         self.assertIn("libcairo", run("readelf", "--dynamic", self.prefix / LIBDIR / "umbrant/umbrant_drawing.so"))
 
     def objects_opened(self, *arguments):
@@ -140,6 +141,8 @@ class Installed(unittest.TestCase):
                 ["validate", "--strictness", "2"],
                 ["curves", "--preset", preset, "--json"],
                 ["render", folder / "a.1.png", "-o", folder / "c.png", "--renderer", "cpu"],
+                ["render", folder / "a.1.png", "-o", folder / "c.exr", "--renderer", "cpu"],
+                ["render", folder / "c.exr", "-o", folder / "d.exr", "--renderer", "cpu"],
             ):
                 with self.subTest(arguments[0]):
                     self.assertEqual(self.objects_opened(*arguments), set())
