@@ -37,6 +37,10 @@ class ImageReader {
     /// Moves to another part; false when there is none.
     virtual bool OpenPart(int part) { return part == 0; }
 
+    /// Whether reading takes so long that it is spread over all cores. Else it starts no thread, which may be the last
+    /// that the system gives.
+    virtual bool IsSpread() const { return false; }
+
     /// Reads the channels from `begin` to before `end` of all pixels, row by row from the top: as bytes with
     /// `asBytes`, where the file has them, else as floats. Returns why it could not.
     virtual std::optional<std::string> Read(int begin, int end, bool asBytes, void* values) = 0;

@@ -153,15 +153,15 @@ BlockDeflater::BlockDeflater(DeflateEffort effort,
 
 std::optional<std::string> BlockDeflater::Add(const std::uint8_t* bytes, std::size_t size, bool isLast) {
     std::vector<Block> blocks;
+    // What the first blocks know lies partly before this piece.
+    std::vector<std::uint8_t> joined = before_;
+    joined.insert(joined.end(), bytes, bytes + std::min(kWindow, size));
     // Not by the number of threads: an image has the same bytes on every machine.
     const std::size_t most = std::clamp(size / kWantedBlocks, kSmallestBlock, kLargestBlock);
     for (std::size_t at = 0; at < size || (isLast && blocks.empty()); at += most) {
-        Block block{bytes + at, std::min(most, size - at), before_.data(), before_.size(), false};
-        if (at > 0) {
-            block.beforeSize = std::min(kWindow, at);
-            block.before = block.bytes - block.beforeSize;
-        }
-        blocks.push_back(block);
+        const std::size_t known = std::min(kWindow, before_.size() + at);
+        const std::uint8_t* end = at < kWindow ? joined.data() + before_.size() + at : bytes + at;
+        blocks.push_back({bytes + at, std::min(most, size - at), end - known, known, false});
     }
     if (isLast) blocks.back().isLast = true;
 

@@ -109,6 +109,11 @@ class ExrReader : public ImageReader {
     std::string FormatName() const override { return "openexr"; }
     const ImageLayout& Layout() const override { return layout_; }
 
+    bool IsSpread() const override {
+        constexpr std::int64_t kLarge = std::int64_t{1} << 20;
+        return std::int64_t{layout_.width} * layout_.height * layout_.ChannelCount() > kLarge;
+    }
+
     /// Reads the header. False for a file that this cannot read.
     bool Open() {
         if (descriptor_ < 0) return false;
@@ -128,7 +133,7 @@ class ExrReader : public ImageReader {
         const int blocks = isTiled_ ? tilesAcross_ * tilesDown_ : (layout_.height + rowsPerBlock_ - 1) / rowsPerBlock_;
         std::vector<std::unique_ptr<ExrBlockReader>> readers(static_cast<std::size_t>(RowThreads()));
         std::atomic<exr_result_t> failure = EXR_ERR_SUCCESS;
-        RunRows(blocks, [&](int index, int thread) {
+        const auto read = [&](int index, int thread) {
             auto& reader = readers[static_cast<std::size_t>(thread)];
             if (!reader) reader = std::make_unique<ExrBlockReader>(file_.get(), compression_);
             exr_chunk_info_t block{};
@@ -141,7 +146,12 @@ class ExrReader : public ImageReader {
             }
             Unpack(block, bytes, begin, end, static_cast<float*>(values));
             return true;
-        });
+        };
+        if (IsSpread()) {
+            RunRows(blocks, read);
+        } else {
+            for (int index = 0; index < blocks && read(index, 0); ++index) continue;
+        }
         if (failure != EXR_ERR_SUCCESS) return ExrReason(failure);
         return std::nullopt;
     }

@@ -129,13 +129,18 @@ std::optional<std::string> ReadPixels(ImageReader& input, const ImageLayout& lay
     channels = Within(channels, begin);
     const bool hasBoth = channels.alpha >= 0 && channels.red >= 0;
     const bool straight = !hasBoth || layout.isStraight;
-    ForEachRowRange(layout.height, [&](int first, int last) {
+    const auto convert = [&](int first, int last) {
         for (int y = first; y < last; ++y) {
             auto* row = static_cast<Pixel*>(static_cast<void*>(world.Row(y)));
             FillRow(values.get() + rowValues * static_cast<std::size_t>(y), count, channels, full, row, layout.width);
             if (!straight) Unpremultiply(row, layout.width);
         }
-    });
+    };
+    if (input.IsSpread()) {
+        ForEachRowRange(layout.height, convert);
+    } else {
+        convert(0, layout.height);
+    }
     return std::nullopt;
 }
 

@@ -287,6 +287,21 @@ TEST(ExrCodec, ADamagedFileIsRefused) {
     }
 }
 
+/// What the fuzzer of pictures begins with: the first byte chooses a name, and the rest is the file.
+TEST(ExrCodec, TheFuzzersFilesAreReadAsBefore) {
+    const Folder folder;
+    int count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(PICTURE_SEEDS)) {
+        const std::string bytes = ReadBytes(entry.path()).substr(1);
+        if (!bytes.starts_with("\x76\x2f\x31\x01")) continue;
+        SCOPED_TRACE(entry.path());
+        WriteBytes(folder / "a.exr", bytes);
+        ExpectReadAlike("openexr", folder / "a.exr");
+        ++count;
+    }
+    EXPECT_GE(count, 3);
+}
+
 /// Changed bytes give an error or a picture, never more than that; what both codecs read, they read alike.
 TEST(ExrCodec, ChangedBytesAreReadAsBeforeOrRefused) {
     const Folder folder;
