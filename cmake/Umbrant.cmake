@@ -80,6 +80,16 @@ function(umbrant_library target)
     endif()
 endfunction()
 
+# umbrant_compile_quickly(target): for code that waits for people and files more than it computes, and whose headers make the
+# optimiser take longer than all other code. In the builds that only tests see it is left out.
+function(umbrant_compile_quickly target)
+    if(umbrant_sanitized)
+        target_compile_options(${target} PRIVATE -O0)
+    elseif(NOT CMAKE_BUILD_TYPE STREQUAL Debug)
+        target_compile_options(${target} PRIVATE -O1)
+    endif()
+endfunction()
+
 # How long CTest waits for one entry before it takes it for hung, in seconds: far more than twenty times what the longest
 # takes on two quiet cores, so that nothing depends on the speed of the machine.
 set(umbrant_test_timeout 5400)
