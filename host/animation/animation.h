@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "host/animation/keyframes.h"
-#include "host/session/param_set.h"
+#include "host/parameters/param_set.h"
 
 inline bool operator==(const Track& a, const Track& b) {
     return a.inFrames == b.inFrames && a.keys == b.keys;

@@ -9,7 +9,7 @@
 #include <iterator>
 #include <nlohmann/json.hpp>
 
-#include "host/session/echo_text.h"
+#include "host/parameters/echo_text.h"
 
 namespace {
 

@@ -18,8 +18,8 @@
 #include <string>
 
 #include "host/animation/animation.h"
+#include "host/parameters/param_set.h"
 #include "host/result.h"
-#include "host/session/param_set.h"
 
 /// What a preset changes: values, and what moves.
 struct AnimatedParams {

@@ -13,7 +13,7 @@
 
 #include "host/animation/animation.h"
 #include "host/animation/located_json.h"
-#include "host/session/echo_text.h"
+#include "host/parameters/echo_text.h"
 
 /// What is wrong with a preset: the first mistakes of its text, and how many there are.
 class PresetMistakes {

@@ -7,7 +7,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "host/session/param_set.h"
+#include "host/parameters/param_set.h"
 
 /// `text` is a value of the row as ParamSet shows it.
 nlohmann::ordered_json ValueJson(const ParamRow& row, const std::string& text);

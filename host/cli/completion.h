@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "host/session/param_set.h"
+#include "host/parameters/param_set.h"
 
 namespace CLI {
 class App;

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "host/animation/preset.h"
+#include "host/parameters/param_set.h"
 #include "host/result.h"
-#include "host/session/param_set.h"
 
 /// Sets the values in their order. Fails with `ExitCode::kUsage` at the first that has no '=' or cannot be set.
 Result<Done> ApplySettings(const std::vector<std::string>& settings, ParamSet& params);

@@ -6,7 +6,7 @@
 
 #include <umbrant/parameter.h>
 
-#include "host/session/param_set.h"
+#include "host/parameters/param_set.h"
 #include "host/suites/panel_state.h"
 
 /// A row of `declared`, whose values are the defaults, beside what the panel shows of it.

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "host/session/param_set.h"
+#include "host/parameters/param_set.h"
 #include "host/suites/panel_state.h"
 
 /// What a row has in its control column.

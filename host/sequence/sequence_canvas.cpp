@@ -17,7 +17,7 @@
 
 #include "host/compositing/rectangles.h"
 #include "host/compositing/resample.h"
-#include "host/session/echo_text.h"
+#include "host/parameters/echo_text.h"
 #include "hostapi/limits.h"
 
 namespace {

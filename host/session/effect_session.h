@@ -17,8 +17,8 @@
 
 #include "host/compositing/world.h"
 #include "host/module/module.h"
+#include "host/parameters/param_set.h"
 #include "host/result.h"
-#include "host/session/param_set.h"
 #include "host/suites/balance.h"
 #include "host/suites/panel_state.h"
 #include "host/suites/services.h"

@@ -11,8 +11,8 @@
 #include <filesystem>
 #include <string>
 
+#include "host/parameters/param_set.h"
 #include "host/result.h"
-#include "host/session/param_set.h"
 #include "hostapi/suites/umbrant_host_suite.h"
 
 /// The four rows in which the effect reports its OpenGL, or what else draws.

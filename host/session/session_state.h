@@ -13,8 +13,8 @@
 
 #include "host/compositing/fork_lock.h"
 #include "host/module/module.h"
+#include "host/parameters/param_set.h"
 #include "host/session/effect_session.h"
-#include "host/session/param_set.h"
 #include "host/suites/services.h"
 #include "hostapi/commands.h"
 

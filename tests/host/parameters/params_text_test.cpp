@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/host/session/params_fixture.h"
+#include "tests/host/parameters/params_fixture.h"
 
 namespace {
 

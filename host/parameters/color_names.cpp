@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "host/session/color_names.h"
+#include "host/parameters/color_names.h"
 
 #include <algorithm>
 #include <cctype>

@@ -10,8 +10,8 @@
 #include <numeric>
 #include <utility>
 
-#include "host/session/echo_text.h"
-#include "host/session/param_set.h"
+#include "host/parameters/echo_text.h"
+#include "host/parameters/param_set.h"
 
 std::string PathForm(std::string_view name) {
     std::string form;

@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <string>
 
-#include "host/session/param_set.h"
+#include "host/parameters/param_set.h"
 
 /// Builds rows one after the other; the texts handed in need not outlive the call.
 class Declaration {

@@ -13,9 +13,9 @@
 #include <cstdint>
 #include <limits>
 
-#include "host/session/color_names.h"
-#include "host/session/echo_text.h"
-#include "host/session/param_set.h"
+#include "host/parameters/color_names.h"
+#include "host/parameters/echo_text.h"
+#include "host/parameters/param_set.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <cstring>
 
 #include "hostapi/errors.h"
-#include "tests/host/session/params_fixture.h"
+#include "tests/host/parameters/params_fixture.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 // The declaration and what the effect sees of it; texts are in param_text.cpp.
 
-#include "host/session/param_set.h"
+#include "host/parameters/param_set.h"
 
 #include <fmt/format.h>
 
@@ -14,7 +14,7 @@
 #include <iterator>
 #include <limits>
 
-#include "host/session/echo_text.h"
+#include "host/parameters/echo_text.h"
 #include "hostapi/errors.h"
 
 namespace {
