@@ -15,6 +15,7 @@
 
 #include "host/animation/preset.h"
 #include "host/animation/preset_reader.h"
+#include "host/parameters/param_path.h"
 #include "host/why_no_file.h"
 
 namespace {

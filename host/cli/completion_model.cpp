@@ -8,6 +8,7 @@
 
 #include "host/cli/completion.h"
 #include "host/image/compression_names.h"
+#include "host/parameters/param_path.h"
 #include "host/video/clip_format.h"
 
 namespace {

@@ -18,6 +18,7 @@
 #include "host/cli/opened_module.h"
 #include "host/cli/results.h"
 #include "host/cli/settings.h"
+#include "host/parameters/param_path.h"
 
 namespace {
 

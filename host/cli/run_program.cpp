@@ -22,7 +22,7 @@
 #include "host/compositing/memory_shortage.h"
 #include "host/compositing/start_threads.h"
 #include "host/image/image_threads.h"
-#include "host/parameters/param_set.h"
+#include "host/parameters/param_path.h"
 #include "host/process/interruption.h"
 #include "host/process/standard_streams.h"
 #include "host/process/temporary_file.h"

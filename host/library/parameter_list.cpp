@@ -4,6 +4,7 @@
 #include "host/library/parameter_list.h"
 
 #include "host/animation/animation.h"
+#include "host/parameters/param_path.h"
 
 using umbrant::Parameter;
 using umbrant::ParameterKind;

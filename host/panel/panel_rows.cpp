@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <string>
 
+#include "host/parameters/param_path.h"
+
 namespace {
 
 constexpr std::string_view kAll = "all";

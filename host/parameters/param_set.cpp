@@ -15,6 +15,7 @@
 #include <limits>
 
 #include "host/parameters/echo_text.h"
+#include "host/parameters/param_path.h"
 #include "hostapi/errors.h"
 
 namespace {

@@ -15,6 +15,7 @@
 
 #include "host/parameters/color_names.h"
 #include "host/parameters/echo_text.h"
+#include "host/parameters/param_path.h"
 #include "host/parameters/param_set.h"
 
 namespace {

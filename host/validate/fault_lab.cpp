@@ -16,6 +16,7 @@
 #include <new>
 #include <utility>
 
+#include "host/parameters/param_path.h"
 #include "host/session/error_names.h"
 #include "host/suites/ledger.h"
 #include "host/validate/panel_events.h"

@@ -10,7 +10,7 @@
 #include <cctype>
 #include <filesystem>
 
-#include "host/parameters/param_set.h"
+#include "host/parameters/param_path.h"
 
 namespace {
 

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "host/parameters/param_path.h"
 #include "tests/host/parameters/params_fixture.h"
 
 namespace {

@@ -1,17 +1,12 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// Names as they are typed, and the right name nearest to a wrong one.
-
-#include <fmt/format.h>
+#include "host/parameters/param_path.h"
 
 #include <algorithm>
 #include <cctype>
 #include <numeric>
 #include <utility>
-
-#include "host/parameters/echo_text.h"
-#include "host/parameters/param_set.h"
 
 std::string PathForm(std::string_view name) {
     std::string form;
@@ -80,26 +75,4 @@ std::vector<std::string> Nearest(std::string_view typed, const std::vector<std::
         nearest.push_back(std::move(name));
     }
     return nearest;
-}
-
-std::string EchoText(std::string_view text) {
-    constexpr std::size_t kMostCharacters = 200;
-    std::string echo;
-    std::size_t characters = 0;
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        const bool begins = (byte & 0xC0) != 0x80;
-        if (begins && characters == kMostCharacters) return echo + "...";
-        if (begins) ++characters;
-        if (byte == '\n') {
-            echo += "\\n";
-        } else if (byte == '\t') {
-            echo += "\\t";
-        } else if (byte < 0x20 || byte == 0x7f) {
-            echo += fmt::format("\\u{:04x}", byte);
-        } else {
-            echo += c;
-        }
-    }
-    return echo;
 }
