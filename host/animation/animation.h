@@ -46,12 +46,3 @@ class Animation {
 
 /// Why a row cannot move, as the rest of a sentence that begins with its name, or nothing when it can.
 std::optional<std::string> WhyStill(const ParamRow& row);
-
-/// Whether a row can only be held: there is nothing between its values.
-bool IsHeldOnly(const ParamRow& row);
-
-/// The numbers of a row's current value, as RowTrack has them; for a point also whether they are percents.
-std::vector<double> NumbersOf(const ParamRow& row, bool& isPercent);
-
-/// A track's numbers in the form that ParamSet::SetFromText takes, within the row's range.
-std::string TextOf(const ParamRow& row, const std::vector<double>& numbers, bool isPercent);

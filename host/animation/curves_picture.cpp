@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "host/drawing/new_drawing.h"
+#include "host/parameters/param_kind.h"
 #include "host/suites/drawbot_text.h"
 
 namespace {
@@ -53,8 +54,7 @@ Samples Sample(const ParamSet& values, const Animation& animation, const Animati
         const ParamSet now = animation.ValuesAt(values, frame, clock);
         samples.frames.push_back(frame);
         for (std::size_t track = 0; track < samples.numbers.size(); ++track) {
-            bool isPercent = false;
-            samples.numbers[track].push_back(NumbersOf(now.Row(animation.Tracks()[track].row), isPercent));
+            samples.numbers[track].push_back(NumbersOf(now.Row(animation.Tracks()[track].row)).values);
         }
     }
     return samples;
@@ -181,7 +181,7 @@ class Plot {
 
 std::string TitleOf(const ParamRow& row, const RowTrack& track) {
     const std::string name = row.path.empty() ? fmt::format("#{}", row.index) : row.path;
-    const bool isPoint = row.def.param_type == PF_Param_POINT;
+    const bool isPoint = KindOf(row.def) == ParamKind::kPoint;
     return fmt::format("{}{}   {} key{}", name,
                        isPoint ? (track.isPercent ? "  (x blue, y orange; %)" : "  (x blue, y orange; pixels)") : "",
                        track.track.keys.size(), track.track.keys.size() == 1 ? "" : "s");
@@ -192,7 +192,7 @@ void DrawTrack(Drawing& drawing, const ParamSet& values, const RowTrack& track, 
     const ParamRow& row = values.Row(track.row);
     Plot plot(drawing, options, kCurvesHead + static_cast<double>(index) * kPlotHeight, samples.numbers[index]);
     plot.DrawGround(TitleOf(row, track));
-    const bool isColor = row.def.param_type == PF_Param_COLOR;
+    const bool isColor = KindOf(row.def) == ParamKind::kColor;
     if (isColor) plot.DrawStrip(samples, index);
     const auto& inks = isColor ? kChannels : kCurves;
     const std::size_t count = track.track.keys.front().value.size();
@@ -202,9 +202,9 @@ void DrawTrack(Drawing& drawing, const ParamSet& values, const RowTrack& track, 
         for (std::size_t number = 0; number < count; ++number) {
             plot.DrawKey(frame, key.value[number], key.out.kind == Interpolation::kHold, inks[number]);
         }
-        if (!IsHeldOnly(row)) continue;
+        if (!IsDiscrete(KindOf(row.def))) continue;
         ParamSet probe = values;
-        (void)probe.SetFromText(fmt::format("#{}", track.row), TextOf(row, key.value, track.isPercent));
+        SetNumbers(probe.RawRow(track.row), {key.value, track.isPercent});
         plot.DrawName(frame, key.value[0], probe.ValueText(track.row));
     }
 }

@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "host/animation/preset_reader.h"
+#include "host/parameters/param_kind.h"
 
 namespace {
 
@@ -122,8 +123,8 @@ class TrackReader {
         if (const auto set = scratch_.SetFromText(fmt::format("#{}", row_.index), *text); !set) {
             return Wrong(value->place, set.Error().sentence);
         }
-        bool isPercent = false;
-        key.value = NumbersOf(row_, isPercent);
+        auto [numbers, isPercent] = NumbersOf(row_);
+        key.value = std::move(numbers);
         if (isPercent_ && *isPercent_ != isPercent) {
             Wrong(value->place, fmt::format("the points of '{}' are in pixels and in percent; use one of them", name_));
         }
@@ -132,12 +133,12 @@ class TrackReader {
 
     KeySide ReadSide(const LocatedJson& json, const char* name) {
         KeySide side;
-        if (IsHeldOnly(row_)) side.kind = Interpolation::kHold;
+        if (IsDiscrete(KindOf(row_.def))) side.kind = Interpolation::kHold;
         const LocatedJson* said = json.Find(name);
         if (!said) return side;
         const bool isOut = std::string_view(name) == "out";
         const bool holds = said->kind == Kind::kString && said->text == "hold";
-        if (IsHeldOnly(row_)) {
+        if (IsDiscrete(KindOf(row_.def))) {
             if (!holds) {
                 Wrong(said->place, fmt::format("'{}' is a {} and can only hold its values", name_,
                                                ParamTypeName(row_.def.param_type)));
@@ -176,7 +177,7 @@ class TrackReader {
     std::vector<double> ReadTangent(const LocatedJson& json, const char* name) {
         const LocatedJson* said = json.Find(name);
         if (!said) return {};
-        if (row_.def.param_type != PF_Param_POINT) {
+        if (KindOf(row_.def) != ParamKind::kPoint) {
             Wrong(said->place, fmt::format("'{}' is a {}, and only a point's path has tangents", name_,
                                            ParamTypeName(row_.def.param_type)));
             return {};

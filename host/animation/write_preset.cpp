@@ -11,6 +11,7 @@
 
 #include "host/animation/preset.h"
 #include "host/animation/value_json.h"
+#include "host/parameters/param_kind.h"
 
 namespace {
 
@@ -41,12 +42,11 @@ std::string PairText(const std::vector<double>& numbers) {
 
 /// A key as JSON; changes the row's value in `scratch`.
 Json KeyJson(ParamSet& scratch, const RowTrack& track, const Keyframe& key) {
-    const ParamRow& row = scratch.Row(track.row);
-    // The keys were taken by the row, so it takes them again.
-    (void)scratch.SetFromText(fmt::format("#{}", row.index), TextOf(row, key.value, track.isPercent));
+    ParamRow& row = scratch.RawRow(track.row);
+    SetNumbers(row, {key.value, track.isPercent});
     Json json{{track.track.inFrames ? "frame" : "seconds", NumberJson(key.time)},
               {"value", ValueJson(row, scratch.ValueText(row.index))}};
-    if (IsHeldOnly(row)) return json;
+    if (IsDiscrete(KindOf(row.def))) return json;
     if (key.in.kind != Interpolation::kLinear) json["in"] = SideJson(key.in);
     if (key.out.kind != Interpolation::kLinear) json["out"] = SideJson(key.out);
     if (!key.tangentIn.empty()) json["tangent-in"] = PairText(key.tangentIn);
@@ -57,15 +57,8 @@ Json KeyJson(ParamSet& scratch, const RowTrack& track, const Keyframe& key) {
 }  // namespace
 
 nlohmann::ordered_json ValueJson(const ParamRow& row, const std::string& text) {
-    switch (row.def.param_type) {
-        case PF_Param_SLIDER:
-        case PF_Param_FIX_SLIDER:
-        case PF_Param_FLOAT_SLIDER:
-        case PF_Param_ANGLE:
-            break;
-        default:
-            return text;
-    }
+    const ParamKind kind = KindOf(row.def);
+    if (!IsSlider(kind) && kind != ParamKind::kAngle) return text;
     // A number that JSON has no form for, such as an infinite one, stays a text.
     const Json number = Json::parse(text, nullptr, false);
     return number.is_number() ? number : Json(text);

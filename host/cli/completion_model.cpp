@@ -8,6 +8,7 @@
 
 #include "host/cli/completion.h"
 #include "host/image/compression_names.h"
+#include "host/parameters/param_kind.h"
 #include "host/parameters/param_path.h"
 #include "host/video/clip_format.h"
 
@@ -133,10 +134,10 @@ void NameRows(CompletionNode& program, const std::vector<std::string>& names) {
 std::vector<CompletionRow> DescribeRows(const ParamSet& params) {
     std::vector<CompletionRow> rows;
     for (const ParamRow& row : params.Rows()) {
-        const bool isReadOut = row.def.param_type == PF_Param_POPUP && row.items.size() == 1;
+        const bool isReadOut = KindOf(row.def) == ParamKind::kPopup && row.items.size() == 1;
         if (row.path.empty() || params.DefaultText(row.index).empty() || isReadOut) continue;
         CompletionRow described{row.path, {}};
-        if (row.def.param_type == PF_Param_CHECKBOX) described.values = {"on", "off"};
+        if (KindOf(row.def) == ParamKind::kCheckBox) described.values = {"on", "off"};
         for (const std::string& item : row.items) {
             const std::string form = PathForm(item);
             if (!item.starts_with("(-") && !form.empty()) described.values.push_back(form);

@@ -18,6 +18,7 @@
 #include "host/cli/opened_module.h"
 #include "host/cli/results.h"
 #include "host/cli/settings.h"
+#include "host/parameters/param_kind.h"
 #include "host/parameters/param_path.h"
 
 namespace {
@@ -65,43 +66,9 @@ std::vector<std::string> FlagNames(const ParamRow& row) {
     return names;
 }
 
-/// What may be typed and what the slider reaches; empty for rows without a range.
-struct Range {
-    std::string validMin, validMax, sliderMin, sliderMax;
-    bool exists = false;
-};
-
-Range RangeOf(const PF_ParamDef& def) {
-    const auto text = [](auto value) { return fmt::format("{}", value); };
-    const auto fixed = [](PF_Fixed value) { return fmt::format("{}", value / 65536.0); };
-    switch (def.param_type) {
-        case PF_Param_FLOAT_SLIDER: {
-            const PF_FloatSliderDef& s = def.u.fs_d;
-            return {text(s.valid_min), text(s.valid_max), text(s.slider_min), text(s.slider_max), true};
-        }
-        case PF_Param_SLIDER: {
-            const PF_SliderDef& s = def.u.sd;
-            return {text(s.valid_min), text(s.valid_max), text(s.slider_min), text(s.slider_max), true};
-        }
-        case PF_Param_FIX_SLIDER: {
-            const PF_FixedSliderDef& s = def.u.fd;
-            return {fixed(s.valid_min), fixed(s.valid_max), fixed(s.slider_min), fixed(s.slider_max), true};
-        }
-        default:
-            return {};
-    }
-}
-
-bool IsPercent(const PF_ParamDef& def) {
-    const PF_ValueDisplayFlags flags = def.param_type == PF_Param_FLOAT_SLIDER ? def.u.fs_d.display_flags
-                                       : def.param_type == PF_Param_FIX_SLIDER ? def.u.fd.display_flags
-                                                                               : PF_ValueDisplayFlag_NONE;
-    return (flags & PF_ValueDisplayFlag_PERCENT) != 0;
-}
-
-/// Whether `render --set` can change the row.
-bool HasValue(const ParamSet& params, const ParamRow& row) {
-    return !params.DefaultText(row.index).empty();
+/// A number of a row's range; those of floats with as many digits as a float has.
+std::string RangeText(const PF_ParamDef& def, double value) {
+    return KindOf(def) == ParamKind::kFloat ? fmt::format("{}", static_cast<float>(value)) : fmt::format("{}", value);
 }
 
 Json Describe(const ParamSet& params, const ParamRow& row) {
@@ -111,17 +78,17 @@ Json Describe(const ParamSet& params, const ParamRow& row) {
               {"name", row.name},
               {"type", ParamTypeName(row.def.param_type)},
               {"depth", row.depth}};
-    const Range range = RangeOf(row.def);
-    if (range.exists) {
-        json["min"] = Json::parse(range.validMin);
-        json["max"] = Json::parse(range.validMax);
-        json["sliderMin"] = Json::parse(range.sliderMin);
-        json["sliderMax"] = Json::parse(range.sliderMax);
+    if (const auto range = SliderRange(row.def)) {
+        const auto number = [&](double value) { return Json::parse(RangeText(row.def, value)); };
+        json["min"] = number(range->validMin);
+        json["max"] = number(range->validMax);
+        json["sliderMin"] = number(range->sliderMin);
+        json["sliderMax"] = number(range->sliderMax);
     }
-    if (row.def.param_type == PF_Param_FLOAT_SLIDER) json["precision"] = row.def.u.fs_d.precision;
+    if (KindOf(row.def) == ParamKind::kFloat) json["precision"] = *Precision(row.def);
     if (IsPercent(row.def)) json["unit"] = "percent";
-    if (HasValue(params, row)) json["default"] = ValueJson(row, params.DefaultText(row.index));
-    if (row.def.param_type == PF_Param_POPUP) {
+    if (HasValue(KindOf(row.def))) json["default"] = ValueJson(row, params.DefaultText(row.index));
+    if (KindOf(row.def) == ParamKind::kPopup) {
         json["items"] = row.items;
         json["defaultIndex"] = row.def.u.pd.dephault;
     }
@@ -134,20 +101,22 @@ Json Describe(const ParamSet& params, const ParamRow& row) {
 
 /// What may be written after the equals sign.
 std::string Accepted(const ParamRow& row) {
-    const Range range = RangeOf(row.def);
-    if (range.exists) return fmt::format("{} to {}{}", range.validMin, range.validMax, IsPercent(row.def) ? " %" : "");
-    switch (row.def.param_type) {
-        case PF_Param_ANGLE:
+    if (const auto range = SliderRange(row.def)) {
+        return fmt::format("{} to {}{}", RangeText(row.def, range->validMin), RangeText(row.def, range->validMax),
+                           IsPercent(row.def) ? " %" : "");
+    }
+    switch (KindOf(row.def)) {
+        case ParamKind::kAngle:
             return "degrees";
-        case PF_Param_POINT:
+        case ParamKind::kPoint:
             return "x,y in pixels";
-        case PF_Param_COLOR:
+        case ParamKind::kColor:
             return "#rrggbb";
-        case PF_Param_CHECKBOX:
+        case ParamKind::kCheckBox:
             return "on, off";
-        case PF_Param_LAYER:
+        case ParamKind::kLayer:
             return row.index == 0 ? "INPUT" : "--texture";
-        case PF_Param_BUTTON:
+        case ParamKind::kButton:
             return fmt::format("[{}]", row.label);
         default:
             return "";
@@ -172,7 +141,7 @@ std::string ItemsLine(const ParamRow& row) {
 
 /// A popup with a single item has nothing to choose: it only shows its text, which is told as it is.
 bool IsReadout(const ParamRow& row) {
-    return row.def.param_type == PF_Param_POPUP && row.items.size() == 1;
+    return KindOf(row.def) == ParamKind::kPopup && row.items.size() == 1;
 }
 
 constexpr std::size_t kColumns = 6;
@@ -197,9 +166,9 @@ std::string Text(const ParamSet& params, bool all) {
     std::vector<std::string> itemLines = {""};
     std::array<std::size_t, kColumns> widths{};
     for (const ParamRow& row : params.Rows()) {
-        if (row.def.param_type == PF_Param_GROUP_END || (!all && IsForDevelopers(row))) continue;
+        if (KindOf(row.def) == ParamKind::kGroupEnd || (!all && IsForDevelopers(row))) continue;
         lines.push_back(CellsOf(params, row));
-        itemLines.push_back(row.def.param_type == PF_Param_POPUP && !IsReadout(row) ? ItemsLine(row) : "");
+        itemLines.push_back(KindOf(row.def) == ParamKind::kPopup && !IsReadout(row) ? ItemsLine(row) : "");
         for (std::size_t i = 0; i < kColumns; ++i) widths[i] = std::max(widths[i], lines.back()[i].size());
     }
     std::string text;

@@ -3,6 +3,7 @@
 
 #include "host/isolation/module_messages.h"
 
+#include "host/parameters/param_kind.h"
 #include "host/process/channel.h"
 #include "hostapi/limits.h"
 
@@ -18,31 +19,6 @@ struct RowValue {
     bool hasPoint;
     LayerPoint point;
 };
-
-bool HasValue(PF_ParamType type) {
-    switch (type) {
-        case PF_Param_SLIDER:
-        case PF_Param_FIX_SLIDER:
-        case PF_Param_FLOAT_SLIDER:
-        case PF_Param_ANGLE:
-        case PF_Param_CHECKBOX:
-        case PF_Param_COLOR:
-        case PF_Param_POINT:
-        case PF_Param_POINT_3D:
-        case PF_Param_POPUP:
-            return true;
-        default:
-            return false;
-    }
-}
-
-/// Where a definition's text is.
-const char** TextOf(PF_ParamDef& def) {
-    if (def.param_type == PF_Param_POPUP) return &def.u.pd.u.namesptr;
-    if (def.param_type == PF_Param_BUTTON) return &def.u.button_d.u.namesptr;
-    if (def.param_type == PF_Param_CHECKBOX) return &def.u.bd.u.nameptr;
-    return nullptr;
-}
 
 /// The numbers of a CommandRecord.
 struct CommandNumbers {
@@ -115,7 +91,7 @@ ParamSet DeclarationOf(const json& object) {
     for (const json& row : object) {
         auto def = RecordOf<PF_ParamDef>(row.at("def"));
         const auto text = row.at("text").get<std::string>();
-        if (const char** pointer = TextOf(def)) *pointer = text.c_str();
+        if (const char** pointer = TextPointer(def)) *pointer = text.c_str();
         params.Add(PF_ParamIndex_NONE, &def);
     }
     params.Finish();
@@ -125,7 +101,7 @@ ParamSet DeclarationOf(const json& object) {
 json ValuesJson(const ParamSet& params) {
     std::vector<RowValue> values;
     for (const ParamRow& row : params.Rows()) {
-        if (!HasValue(row.def.param_type)) continue;
+        if (!HasValue(KindOf(row.def))) continue;
         values.push_back(
             {row.index, row.def.param_type, row.def.u, row.point.has_value(), row.point.value_or(LayerPoint{})});
     }
@@ -135,7 +111,8 @@ json ValuesJson(const ParamSet& params) {
 void SetValues(const json& object, ParamSet& params) {
     for (const RowValue& value : RecordsOf<RowValue>(object)) {
         if (value.index < 0 || value.index >= params.Count()) continue;
-        if (params.Row(value.index).def.param_type != value.type || !HasValue(value.type)) continue;
+        const PF_ParamDef& def = params.Row(value.index).def;
+        if (def.param_type != value.type || !HasValue(KindOf(def))) continue;
         params.SetValue(value.index, value.u, value.hasPoint ? std::optional(value.point) : std::nullopt);
     }
 }

@@ -18,6 +18,7 @@
 #include "host/library/parameter_list.h"
 #include "host/library/pixel_order.h"
 #include "host/library/shared_module.h"
+#include "host/parameters/param_kind.h"
 
 namespace umbrant {
 
@@ -285,7 +286,7 @@ std::vector<Parameter> Effect::Parameters() const {
     const std::vector<PanelRow> panel = state_->instance.Session().Panel().Rows();
     std::vector<Parameter> parameters;
     for (const ParamRow& row : state_->declared.Rows()) {
-        if (row.def.param_type == PF_Param_GROUP_END) continue;
+        if (KindOf(row.def) == ParamKind::kGroupEnd) continue;
         parameters.push_back(
             DescribeParameter(state_->declared, row.index, panel[static_cast<std::size_t>(row.index)]));
     }

@@ -4,6 +4,7 @@
 #include "host/library/parameter_list.h"
 
 #include "host/animation/animation.h"
+#include "host/parameters/param_kind.h"
 #include "host/parameters/param_path.h"
 
 using umbrant::Parameter;
@@ -11,62 +12,45 @@ using umbrant::ParameterKind;
 
 namespace {
 
-constexpr double kFixedOne = 65536.0;
-
-ParameterKind KindOf(PF_ParamType type) {
-    switch (type) {
-        case PF_Param_GROUP_START:
+ParameterKind PublicKind(ParamKind kind) {
+    switch (kind) {
+        case ParamKind::kGroup:
             return ParameterKind::kGroup;
-        case PF_Param_SLIDER:
+        case ParamKind::kInteger:
             return ParameterKind::kInteger;
-        case PF_Param_FIX_SLIDER:
-        case PF_Param_FLOAT_SLIDER:
+        case ParamKind::kFixed:
+        case ParamKind::kFloat:
             return ParameterKind::kNumber;
-        case PF_Param_ANGLE:
+        case ParamKind::kAngle:
             return ParameterKind::kAngle;
-        case PF_Param_CHECKBOX:
+        case ParamKind::kCheckBox:
             return ParameterKind::kCheckBox;
-        case PF_Param_POPUP:
+        case ParamKind::kPopup:
             return ParameterKind::kPopup;
-        case PF_Param_COLOR:
+        case ParamKind::kColor:
             return ParameterKind::kColor;
-        case PF_Param_POINT:
+        case ParamKind::kPoint:
             return ParameterKind::kPoint;
-        case PF_Param_POINT_3D:
+        case ParamKind::kPoint3D:
             return ParameterKind::kPoint3D;
-        case PF_Param_LAYER:
+        case ParamKind::kLayer:
             return ParameterKind::kLayer;
-        case PF_Param_BUTTON:
+        case ParamKind::kButton:
             return ParameterKind::kButton;
         default:
             return ParameterKind::kOther;
     }
 }
 
-template <typename Slider>
-void SetRange(Parameter& parameter, const Slider& slider, double unit) {
-    parameter.minimum = static_cast<double>(slider.valid_min) / unit;
-    parameter.maximum = static_cast<double>(slider.valid_max) / unit;
-    parameter.sliderMinimum = static_cast<double>(slider.slider_min) / unit;
-    parameter.sliderMaximum = static_cast<double>(slider.slider_max) / unit;
-}
-
 void DescribeRange(const PF_ParamDef& def, Parameter& parameter) {
-    const PF_ParamDefUnion& u = def.u;
-    switch (def.param_type) {
-        case PF_Param_SLIDER:
-            return SetRange(parameter, u.sd, 1);
-        case PF_Param_FIX_SLIDER:
-            parameter.isPercent = (u.fd.display_flags & PF_ValueDisplayFlag_PERCENT) != 0;
-            parameter.precision = u.fd.precision;
-            return SetRange(parameter, u.fd, kFixedOne);
-        case PF_Param_FLOAT_SLIDER:
-            parameter.isPercent = (u.fs_d.display_flags & PF_ValueDisplayFlag_PERCENT) != 0;
-            parameter.precision = u.fs_d.precision;
-            return SetRange(parameter, u.fs_d, 1);
-        default:
-            return;
-    }
+    const auto range = SliderRange(def);
+    if (!range) return;
+    parameter.minimum = range->validMin;
+    parameter.maximum = range->validMax;
+    parameter.sliderMinimum = range->sliderMin;
+    parameter.sliderMaximum = range->sliderMax;
+    parameter.isPercent = IsPercent(def);
+    if (const auto precision = Precision(def)) parameter.precision = *precision;
 }
 
 void DescribeItems(const ParamRow& row, Parameter& parameter) {
@@ -87,7 +71,7 @@ Parameter DescribeParameter(const ParamSet& declared, int index, const PanelRow&
     parameter.index = index;
     parameter.path = row.path;
     parameter.name = row.name;
-    parameter.kind = KindOf(row.def.param_type);
+    parameter.kind = PublicKind(KindOf(row.def));
     parameter.defaultText = declared.DefaultText(index);
     parameter.hasValue = !parameter.defaultText.empty();
     parameter.canVary = parameter.hasValue && !WhyStill(row);
@@ -95,7 +79,6 @@ Parameter DescribeParameter(const ParamSet& declared, int index, const PanelRow&
     parameter.depth = row.depth;
     DescribeRange(row.def, parameter);
     DescribeItems(row, parameter);
-    bool isPercent = false;
-    if (parameter.hasValue) parameter.defaultNumbers = NumbersOf(row, isPercent);
+    if (parameter.hasValue) parameter.defaultNumbers = NumbersOf(row).values;
     return parameter;
 }

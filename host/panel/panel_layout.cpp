@@ -8,9 +8,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/parameters/param_kind.h"
+
 namespace {
 
-constexpr double kFixedOne = 65536.0;
 constexpr char kDegree[] = "\u00B0";
 
 /// A group that the walk is inside of.
@@ -63,45 +64,39 @@ PF_Rect OwnFrame(const PanelItem& item, const PF_ParamDef& def, int width) {
 /// Control, value and what else the row's type shows.
 void FillControl(const ParamSet& params, const ParamRow& row, const LayerGeometry& geometry, PanelItem* item) {
     const PF_ParamDefUnion& u = row.def.u;
-    switch (row.def.param_type) {
-        case PF_Param_SLIDER:
-            FillSlider(u.sd.value, u.sd.slider_min, u.sd.slider_max, 0, PF_ValueDisplayFlag_NONE, item);
-            break;
-        case PF_Param_FIX_SLIDER:
-            FillSlider(u.fd.value / kFixedOne, u.fd.slider_min / kFixedOne, u.fd.slider_max / kFixedOne, u.fd.precision,
-                       u.fd.display_flags, item);
-            break;
-        case PF_Param_FLOAT_SLIDER:
-            FillSlider(u.fs_d.value, static_cast<double>(u.fs_d.slider_min), static_cast<double>(u.fs_d.slider_max),
-                       u.fs_d.precision, u.fs_d.display_flags, item);
-            break;
-        case PF_Param_ANGLE:
+    const ParamKind kind = KindOf(row.def);
+    if (const auto range = SliderRange(row.def)) {
+        FillSlider(NumbersOf(row).values[0], range->sliderMin, range->sliderMax, Precision(row.def).value_or(0),
+                   DisplayFlags(row.def), item);
+    }
+    switch (kind) {
+        case ParamKind::kAngle:
             item->control = PanelControl::kAngle;
-            item->degrees = u.ad.value / kFixedOne;
+            item->degrees = NumbersOf(row).values[0];
             item->value = TurnsAndDegrees(item->degrees);
             item->twirl = true;
             break;
-        case PF_Param_POPUP:
+        case ParamKind::kPopup:
             item->control = PanelControl::kPopup;
             item->value = PopupItem(row);
             break;
-        case PF_Param_LAYER:
+        case ParamKind::kLayer:
             item->control = PanelControl::kLayer;
             item->value = "None";
             break;
-        case PF_Param_POINT:
+        case ParamKind::kPoint:
             item->control = PanelControl::kPoint;
             item->value = PointText(params, row.index, geometry);
             break;
-        case PF_Param_COLOR:
+        case ParamKind::kColor:
             item->control = PanelControl::kColor;
             item->color = u.cd.value;
             break;
-        case PF_Param_BUTTON:
+        case ParamKind::kButton:
             item->control = PanelControl::kButton;
             item->value = row.label;
             break;
-        case PF_Param_CHECKBOX:
+        case ParamKind::kCheckBox:
             item->control = PanelControl::kCheckBox;
             item->value = row.label;
             item->checked = u.bd.value != 0;
@@ -111,7 +106,7 @@ void FillControl(const ParamSet& params, const ParamRow& row, const LayerGeometr
     }
     const bool own = (row.def.ui_flags & PF_PUI_CONTROL) != 0 && row.def.ui_width > 0 && row.def.ui_height > 0;
     if (own) item->control = PanelControl::kOwn;
-    const bool valued = row.def.param_type != PF_Param_BUTTON && !own && item->control != PanelControl::kNothing;
+    const bool valued = kind != ParamKind::kButton && !own && item->control != PanelControl::kNothing;
     item->clock = valued && !(row.def.flags & PF_ParamFlag_CANNOT_TIME_VARY);
 }
 
@@ -146,14 +141,14 @@ std::vector<PanelItem> LayOutPanel(const ParamSet& params, const std::vector<Pan
     for (int i = 1; i < params.Count(); ++i) {
         const ParamRow& row = params.Row(i);
         const PanelRow& looks = rows[static_cast<std::size_t>(i)];
-        if (row.def.param_type == PF_Param_GROUP_END) {
+        if (KindOf(row.def) == ParamKind::kGroupEnd) {
             if (!groups.empty()) groups.pop_back();
             continue;
         }
         const bool visible = !looks.hidden && (groups.empty() || groups.back().visible);
-        const bool isGroup = row.def.param_type == PF_Param_GROUP_START;
+        const bool isGroup = KindOf(row.def) == ParamKind::kGroup;
         const bool empty =
-            isGroup && (i + 1 == params.Count() || params.Row(i + 1).def.param_type == PF_Param_GROUP_END);
+            isGroup && (i + 1 == params.Count() || KindOf(params.Row(i + 1).def) == ParamKind::kGroupEnd);
 
         const bool afterRows = !items.empty() && items.back().depth > 0;
         if (visible && isGroup && groups.empty() && afterRows) top += PanelMetrics::kGroupGap;

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <string>
 
+#include "host/parameters/param_kind.h"
 #include "host/parameters/param_path.h"
 
 namespace {
@@ -19,9 +20,9 @@ constexpr std::string_view kAll = "all";
 std::string GroupPath(const ParamSet& params, int index) {
     int depth = 0;
     for (int i = index - 1; i > 0; --i) {
-        const PF_ParamType type = params.Row(i).def.param_type;
-        if (type == PF_Param_GROUP_END) ++depth;
-        if (type == PF_Param_GROUP_START && depth-- == 0) return params.Row(i).path;
+        const ParamKind kind = KindOf(params.Row(i).def);
+        if (kind == ParamKind::kGroupEnd) ++depth;
+        if (kind == ParamKind::kGroup && depth-- == 0) return params.Row(i).path;
     }
     return "";
 }
@@ -51,16 +52,8 @@ std::vector<std::string> ButtonNames(const ParamSet& params, const ParamRow& row
 }
 
 bool HasTwirl(const PanelRow& row) {
-    switch (row.type) {
-        case PF_Param_GROUP_START:
-        case PF_Param_SLIDER:
-        case PF_Param_FIX_SLIDER:
-        case PF_Param_FLOAT_SLIDER:
-        case PF_Param_ANGLE:
-            return true;
-        default:
-            return false;
-    }
+    const ParamKind kind = KindOf(row.type);
+    return kind == ParamKind::kGroup || kind == ParamKind::kAngle || IsSlider(kind);
 }
 
 /// Whether the effect has taken a row out of the panel, itself or with a group around it.
@@ -68,9 +61,9 @@ bool IsHidden(const ParamSet& params, const std::vector<PanelRow>& rows, int ind
     if (rows[static_cast<std::size_t>(index)].hidden) return true;
     int depth = 0;
     for (int i = index - 1; i > 0; --i) {
-        const PF_ParamType type = params.Row(i).def.param_type;
-        if (type == PF_Param_GROUP_END) ++depth;
-        if (type == PF_Param_GROUP_START && depth-- == 0) {
+        const ParamKind kind = KindOf(params.Row(i).def);
+        if (kind == ParamKind::kGroupEnd) ++depth;
+        if (kind == ParamKind::kGroup && depth-- == 0) {
             if (rows[static_cast<std::size_t>(i)].hidden) return true;
             depth = 0;
         }
@@ -86,7 +79,7 @@ Result<int> FindButton(const EffectSession& session, std::string_view name) {
     std::vector<std::string> known;
     const std::string form = TypedForm(name);
     for (const ParamRow& row : params.Rows()) {
-        if (row.def.param_type != PF_Param_BUTTON) continue;
+        if (KindOf(row.def) != ParamKind::kButton) continue;
         const std::vector<std::string> names = ButtonNames(params, row);
         known.insert(known.end(), names.begin(), names.end());
         if (std::find(names.begin(), names.end(), form) != names.end()) found.push_back(row.index);

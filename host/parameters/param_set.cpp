@@ -15,6 +15,7 @@
 #include <limits>
 
 #include "host/parameters/echo_text.h"
+#include "host/parameters/param_kind.h"
 #include "host/parameters/param_path.h"
 #include "hostapi/errors.h"
 
@@ -25,14 +26,6 @@ constexpr std::size_t kSuggestions = 3;
 std::string NameOf(const PF_ParamDef& def) {
     const char* begin = std::begin(def.name_do_not_use_directly);
     return {begin, std::find(begin, std::end(def.name_do_not_use_directly), '\0')};
-}
-
-/// The text pointer of a definition whose type has one.
-const char** TextPointer(PF_ParamDef& def) {
-    if (def.param_type == PF_Param_POPUP) return &def.u.pd.u.namesptr;
-    if (def.param_type == PF_Param_BUTTON) return &def.u.button_d.u.namesptr;
-    if (def.param_type == PF_Param_CHECKBOX) return &def.u.bd.u.nameptr;
-    return nullptr;
 }
 
 std::vector<std::string> SplitItems(const std::string& text) {
@@ -85,7 +78,7 @@ void SetToDefault(PF_ParamDef& def) {
 
 /// 16.16, saturating; not-a-number gives 0.
 PF_Fixed ToFixed(double value) {
-    const double scaled = std::round(value * 65536.0);
+    const double scaled = std::round(value * kFixedOne);
     if (std::isnan(scaled)) return 0;
     return static_cast<PF_Fixed>(
         std::clamp<double>(scaled, std::numeric_limits<PF_Fixed>::min(), std::numeric_limits<PF_Fixed>::max()));
@@ -192,7 +185,7 @@ PF_ParamDef ParamSet::CheckOut(int index, const LayerGeometry& geometry) const {
     PF_ParamDef def = row.def;
     if (def.param_type != PF_Param_POINT) return def;
     // A default is in percent of the layer, 16.16.
-    const LayerPoint declared{def.u.td.x_dephault / 65536.0, def.u.td.y_dephault / 65536.0, true};
+    const LayerPoint declared{def.u.td.x_dephault / kFixedOne, def.u.td.y_dephault / kFixedOne, true};
     LayerPoint point = row.point.value_or(declared);
     if (point.isPercent) {
         point.x = point.x * 0.01 * geometry.width;
@@ -207,8 +200,8 @@ void ParamSet::TakeValue(int index, const PF_ParamDef& def, const LayerGeometry&
     ParamRow& row = rows_[static_cast<std::size_t>(index)];
     if (def.param_type != row.def.param_type) return;
     if (def.param_type == PF_Param_POINT) {
-        row.point = LayerPoint{def.u.td.x_value / 65536.0 / Ratio(geometry.downsampleX),
-                               def.u.td.y_value / 65536.0 / Ratio(geometry.downsampleY)};
+        row.point = LayerPoint{def.u.td.x_value / kFixedOne / Ratio(geometry.downsampleX),
+                               def.u.td.y_value / kFixedOne / Ratio(geometry.downsampleY)};
         return;
     }
     if (def.param_type == PF_Param_LAYER) return;

@@ -15,14 +15,11 @@
 
 #include "host/parameters/color_names.h"
 #include "host/parameters/echo_text.h"
+#include "host/parameters/param_kind.h"
 #include "host/parameters/param_path.h"
 #include "host/parameters/param_set.h"
 
 namespace {
-
-constexpr double kFixedOne = 65536.0;
-/// The largest whole number that 16.16 holds with its sign either way.
-constexpr double kFixedLimit = 32767.0;
 
 std::string_view Trimmed(std::string_view text) {
     while (!text.empty() && std::isspace(static_cast<unsigned char>(text.front()))) text.remove_prefix(1);
@@ -62,25 +59,23 @@ Failure NotANumber(const ParamRow& row, std::string_view text, std::string_view 
     return Wrong(row, fmt::format("takes {}, not '{}'", wanted, EchoText(text)));
 }
 
-/// Sets one slider; `low` and `high` are the valid range in the units that are typed.
-template <typename Store>
-Result<Done> SetSlider(const ParamRow& row, std::string_view text, double low, double high, bool percent, Store store) {
+Result<Done> SetSlider(ParamRow& row, std::string_view text) {
+    const bool percent = IsPercent(row.def);
     std::string_view digits = Trimmed(text);
     if (percent && digits.ends_with('%')) digits.remove_suffix(1);
     const std::optional<double> value = Number(digits);
-    const std::string range = fmt::format("{} to {}{}", Show(low), Show(high), percent ? " %" : "");
+    if (value && KindOf(row.def) == ParamKind::kInteger && *value != std::floor(*value)) {
+        return NotANumber(row, text, "a whole number");
+    }
+    const NumberRange limits = *SliderRange(row.def);
+    const std::string range =
+        fmt::format("{} to {}{}", Show(limits.validMin), Show(limits.validMax), percent ? " %" : "");
     if (!value) return NotANumber(row, text, fmt::format("a number from {}", range));
-    if (*value < low || *value > high) return Wrong(row, fmt::format("takes {}, not {}", range, Show(*value)));
-    store(*value);
+    if (*value < limits.validMin || *value > limits.validMax) {
+        return Wrong(row, fmt::format("takes {}, not {}", range, Show(*value)));
+    }
+    SetNumbers(row, {{*value}});
     return Done{};
-}
-
-Result<Done> SetInteger(ParamRow& row, std::string_view text) {
-    PF_SliderDef& slider = row.def.u.sd;
-    const std::optional<double> value = Number(text);
-    if (value && *value != std::floor(*value)) return NotANumber(row, text, "a whole number");
-    return SetSlider(row, text, slider.valid_min, slider.valid_max, false,
-                     [&](double number) { slider.value = static_cast<PF_ParamValue>(number); });
 }
 
 /// Degrees from "405", "405deg", "405°" and, as panels show them, "1x45": one turn and 45 degrees. A sign before the
@@ -108,7 +103,7 @@ Result<Done> SetAngle(ParamRow& row, std::string_view text) {
     if (std::abs(*degrees) > kFixedLimit) {
         return Wrong(row, fmt::format("takes -{0} to {0} degrees, not {1}", Show(kFixedLimit), Show(*degrees)));
     }
-    row.def.u.ad.value = static_cast<PF_Fixed>(std::lround(*degrees * kFixedOne));
+    SetNumbers(row, {{*degrees}});
     return Done{};
 }
 
@@ -245,21 +240,20 @@ Result<Done> SetPopup(ParamRow& row, std::string_view text) {
 }
 
 /// Why a row cannot be set from text, or nothing.
-const char* Unsettable(PF_ParamType type) {
-    switch (type) {
-        case PF_Param_GROUP_START:
+const char* Unsettable(ParamKind kind) {
+    switch (kind) {
+        case ParamKind::kGroup:
             return "is a group and has no value; name a row inside it";
-        case PF_Param_GROUP_END:
+        case ParamKind::kGroupEnd:
             return "ends a group and has no value; name a row inside the group";
-        case PF_Param_BUTTON:
+        case ParamKind::kButton:
             return "is a button and has no value";
-        case PF_Param_LAYER:
+        case ParamKind::kLayer:
             return "is a layer; give it a picture instead of a value";
-        case PF_Param_ARBITRARY_DATA:
+        case ParamKind::kCustom:
             return "holds data of the effect's own, which no text can set";
-        case PF_Param_NO_DATA:
-        case PF_Param_CUSTOM:
-        case PF_Param_PATH:
+        case ParamKind::kPath:
+        case ParamKind::kNone:
             return "has no value that a text can set";
         default:
             return nullptr;
@@ -267,28 +261,22 @@ const char* Unsettable(PF_ParamType type) {
 }
 
 Result<Done> SetRow(ParamRow& row, std::string_view text) {
-    PF_ParamDefUnion& u = row.def.u;
-    if (const char* reason = Unsettable(row.def.param_type)) return Wrong(row, reason);
-    switch (row.def.param_type) {
-        case PF_Param_SLIDER:
-            return SetInteger(row, text);
-        case PF_Param_FIX_SLIDER:
-            return SetSlider(row, text, u.fd.valid_min / kFixedOne, u.fd.valid_max / kFixedOne,
-                             (u.fd.display_flags & PF_ValueDisplayFlag_PERCENT) != 0,
-                             [&](double value) { u.fd.value = static_cast<PF_Fixed>(std::lround(value * kFixedOne)); });
-        case PF_Param_FLOAT_SLIDER:
-            return SetSlider(row, text, static_cast<double>(u.fs_d.valid_min), static_cast<double>(u.fs_d.valid_max),
-                             (u.fs_d.display_flags & PF_ValueDisplayFlag_PERCENT) != 0,
-                             [&](double value) { u.fs_d.value = value; });
-        case PF_Param_ANGLE:
+    const ParamKind kind = KindOf(row.def);
+    if (const char* reason = Unsettable(kind)) return Wrong(row, reason);
+    switch (kind) {
+        case ParamKind::kInteger:
+        case ParamKind::kFixed:
+        case ParamKind::kFloat:
+            return SetSlider(row, text);
+        case ParamKind::kAngle:
             return SetAngle(row, text);
-        case PF_Param_CHECKBOX:
+        case ParamKind::kCheckBox:
             return SetCheckBox(row, text);
-        case PF_Param_COLOR:
+        case ParamKind::kColor:
             return SetColor(row, text);
-        case PF_Param_POINT:
+        case ParamKind::kPoint:
             return SetPoint(row, text);
-        case PF_Param_POINT_3D:
+        case ParamKind::kPoint3D:
             return SetPoint3D(row, text);
         default:
             return SetPopup(row, text);
@@ -318,26 +306,26 @@ std::string PointText(const ParamRow& row, bool current) {
 
 std::string Text(const ParamRow& row, bool current) {
     const PF_ParamDefUnion& u = row.def.u;
-    switch (row.def.param_type) {
-        case PF_Param_SLIDER:
+    switch (KindOf(row.def)) {
+        case ParamKind::kInteger:
             return std::to_string(current ? u.sd.value : u.sd.dephault);
-        case PF_Param_FIX_SLIDER:
+        case ParamKind::kFixed:
             return Show((current ? u.fd.value : u.fd.dephault) / kFixedOne);
-        case PF_Param_FLOAT_SLIDER:
+        case ParamKind::kFloat:
             return current ? Show(u.fs_d.value) : Show(u.fs_d.dephault);
-        case PF_Param_ANGLE:
+        case ParamKind::kAngle:
             return Show((current ? u.ad.value : u.ad.dephault) / kFixedOne);
-        case PF_Param_CHECKBOX:
+        case ParamKind::kCheckBox:
             return (current ? u.bd.value : u.bd.dephault) ? "on" : "off";
-        case PF_Param_COLOR:
+        case ParamKind::kColor:
             return ColorText(current ? u.cd.value : u.cd.dephault);
-        case PF_Param_POINT:
+        case ParamKind::kPoint:
             return PointText(row, current);
-        case PF_Param_POINT_3D:
+        case ParamKind::kPoint3D:
             return current ? fmt::format("{},{},{}", u.point3d_d.x_value, u.point3d_d.y_value, u.point3d_d.z_value)
                            : fmt::format("{},{},{}", u.point3d_d.x_dephault, u.point3d_d.y_dephault,
                                          u.point3d_d.z_dephault);
-        case PF_Param_POPUP:
+        case ParamKind::kPopup:
             return PopupText(row, current ? u.pd.value : u.pd.dephault);
         default:
             return "";
@@ -361,34 +349,34 @@ std::string ParamSet::DefaultText(int index) const {
 }
 
 const char* ParamTypeName(PF_ParamType type) {
-    switch (type) {
-        case PF_Param_LAYER:
+    switch (KindOf(type)) {
+        case ParamKind::kLayer:
             return "layer";
-        case PF_Param_SLIDER:
-        case PF_Param_FIX_SLIDER:
-        case PF_Param_FLOAT_SLIDER:
+        case ParamKind::kInteger:
+        case ParamKind::kFixed:
+        case ParamKind::kFloat:
             return "slider";
-        case PF_Param_ANGLE:
+        case ParamKind::kAngle:
             return "angle";
-        case PF_Param_CHECKBOX:
+        case ParamKind::kCheckBox:
             return "check box";
-        case PF_Param_COLOR:
+        case ParamKind::kColor:
             return "colour";
-        case PF_Param_POINT:
+        case ParamKind::kPoint:
             return "point";
-        case PF_Param_POINT_3D:
+        case ParamKind::kPoint3D:
             return "3D point";
-        case PF_Param_POPUP:
+        case ParamKind::kPopup:
             return "popup";
-        case PF_Param_ARBITRARY_DATA:
+        case ParamKind::kCustom:
             return "custom data";
-        case PF_Param_PATH:
+        case ParamKind::kPath:
             return "mask path";
-        case PF_Param_GROUP_START:
+        case ParamKind::kGroup:
             return "group";
-        case PF_Param_GROUP_END:
+        case ParamKind::kGroupEnd:
             return "group end";
-        case PF_Param_BUTTON:
+        case ParamKind::kButton:
             return "button";
         default:
             return "no data";

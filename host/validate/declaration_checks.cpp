@@ -58,8 +58,8 @@ void AnnouncesItself(Trial& trial) {
 }
 
 /// What is wrong with the limits of a number.
-void CheckNumber(Trial& trial, const ParamRow& row, double low, double high, double sliderLow, double sliderHigh,
-                 double normal) {
+void CheckNumber(Trial& trial, const ParamRow& row, const NumberRange& range) {
+    const auto& [low, high, sliderLow, sliderHigh, normal] = range;
     const std::string name = RowName(row);
     if (low > high) trial.Fail(fmt::format("{}: the valid range is empty, {} to {}", name, low, high));
     if (sliderLow > sliderHigh) trial.Fail(fmt::format("{}: the slider's range is empty", name));
@@ -85,28 +85,12 @@ void CheckPopup(Trial& trial, const ParamRow& row) {
 }
 
 void CheckRow(Trial& trial, const ParamRow& row) {
-    const PF_ParamDefUnion& u = row.def.u;
     const char* name = row.def.name_do_not_use_directly;
     if (!std::memchr(name, '\0', kNameField)) {
         trial.Fail(fmt::format("row #{}: the name has no end within its {} bytes", row.index, kNameField));
     }
-    switch (row.def.param_type) {
-        case PF_Param_SLIDER:
-            CheckNumber(trial, row, u.sd.valid_min, u.sd.valid_max, u.sd.slider_min, u.sd.slider_max, u.sd.dephault);
-            break;
-        case PF_Param_FIX_SLIDER:
-            CheckNumber(trial, row, u.fd.valid_min, u.fd.valid_max, u.fd.slider_min, u.fd.slider_max, u.fd.dephault);
-            break;
-        case PF_Param_FLOAT_SLIDER:
-            CheckNumber(trial, row, double(u.fs_d.valid_min), double(u.fs_d.valid_max), double(u.fs_d.slider_min),
-                        double(u.fs_d.slider_max), double(u.fs_d.dephault));
-            break;
-        case PF_Param_POPUP:
-            CheckPopup(trial, row);
-            break;
-        default:
-            break;
-    }
+    if (const auto range = SliderRange(row.def)) CheckNumber(trial, row, *range);
+    if (KindOf(row.def) == ParamKind::kPopup) CheckPopup(trial, row);
 }
 
 void DeclaresSoundly(Trial& trial) {

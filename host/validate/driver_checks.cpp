@@ -187,8 +187,8 @@ void FailDriver(Trial& part, const DriverFault& fault, bool fromTheStart) {
             for (const int index : SettableRows(params)) {
                 const auto range = RangeOf(params.Row(index));
                 const bool wide = range && range->validMax - range->validMin >= 200;
-                if (wide && params.Row(index).def.param_type != PF_Param_ANGLE) {
-                    SetNumber(params.RawRow(index), LowNumber(*range, 5));
+                if (wide && KindOf(params.Row(index).def) != ParamKind::kAngle) {
+                    SetNumberUnchecked(params.RawRow(index), LowNumber(*range, 5));
                 }
             }
             variants[i].apply(params);

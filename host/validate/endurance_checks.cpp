@@ -132,7 +132,7 @@ void TakesTimeInProportion(Trial& trial) {
         if (!range || range->validMax < amounts.back() || !std::regex_search(row.name, counts)) continue;
         const auto costOf = [&](std::size_t k) {
             ParamSet params = cheap;
-            SetNumber(params.RawRow(index), amounts[k]);
+            SetNumberUnchecked(params.RawRow(index), amounts[k]);
             return cost.Measure(middle, params, fmt::format("{} at {}", RowName(row), amounts[k]));
         };
         const Growth growth = MeasureGrowth(amounts, costOf, cost.Deadline());
@@ -170,7 +170,7 @@ void Wander(Trial& trial, Stage& stage, std::uint64_t seed, Clock::time_point en
         for (const int index : SettableRows(params)) {
             ParamRow& row = params.RawRow(index);
             const auto range = RangeOf(row);
-            if (range) SetNumber(row, dice.DrawReal(LowNumber(*range, 0), LowNumber(*range, 8)));
+            if (range) SetNumberUnchecked(row, dice.DrawReal(LowNumber(*range, 0), LowNumber(*range, 8)));
         }
         FrameRequest request = RequestOf(layer);
         request.params = &params;

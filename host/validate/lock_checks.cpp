@@ -37,7 +37,7 @@ struct Command {
 void ChangeRows(EffectSession& session) {
     for (const int index : SettableRows(session.Params())) {
         // Pressing a button may open a page in a browser.
-        if (session.Params().Row(index).def.param_type == PF_Param_BUTTON) continue;
+        if (KindOf(session.Params().Row(index).def) == ParamKind::kButton) continue;
         static_cast<void>(bool(session.UserChangedParam(index)));
     }
 }

@@ -46,7 +46,7 @@ std::string TakeStep(Trial& trial, Stage& stage, int step, const World& layer) {
         case 2: {
             const int row = trial.Draw(0, session.Params().Count() - 1);
             // A button may open a page in a browser: pressing it is left to people.
-            if (session.Params().Row(row).def.param_type == PF_Param_BUTTON) return "nothing";
+            if (KindOf(session.Params().Row(row).def) == ParamKind::kButton) return "nothing";
             return judge(session.UserChangedParam(row), "change of a row");
         }
         case 3:

@@ -36,7 +36,7 @@ void ChangesAnyRow(Trial& part) {
     for (const A_long index : indices) {
         // Pressing a button may open a page in a browser.
         const bool known = index >= 0 && index < count;
-        if (known && stage.Session().Params().Row(index).def.param_type == PF_Param_BUTTON) continue;
+        if (known && KindOf(stage.Session().Params().Row(index).def) == ParamKind::kButton) continue;
         Rows rows(stage.Session());
         PF_UserChangedParamExtra extra{index};
         const CommandRecord record =

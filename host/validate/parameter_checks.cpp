@@ -44,23 +44,23 @@ constexpr double kLowSteps = 12;
 void DrawValue(Trial& trial, ParamRow& row) {
     PF_ParamDefUnion& u = row.def.u;
     if (const auto range = RangeOf(row)) {
-        const bool wide = row.def.param_type != PF_Param_ANGLE && range->validMax - range->validMin > kWide;
+        const bool wide = KindOf(row.def) != ParamKind::kAngle && range->validMax - range->validMin > kWide;
         const double high = wide ? LowNumber(*range, kLowSteps) : range->validMax;
-        SetNumber(row, trial.DrawReal(wide && range->validMin < 0 ? 0 : range->validMin, high));
+        SetNumberUnchecked(row, trial.DrawReal(wide && range->validMin < 0 ? 0 : range->validMin, high));
         return;
     }
     const auto byte = [&] { return static_cast<A_u_char>(trial.Draw(0, 255)); };
-    switch (row.def.param_type) {
-        case PF_Param_CHECKBOX:
+    switch (KindOf(row.def)) {
+        case ParamKind::kCheckBox:
             u.bd.value = trial.Draw(0, 1);
             break;
-        case PF_Param_COLOR:
+        case ParamKind::kColor:
             u.cd.value = {255, byte(), byte(), byte()};
             break;
-        case PF_Param_POPUP:
+        case ParamKind::kPopup:
             u.pd.value = trial.Draw(1, std::max<int>(u.pd.num_choices, 1));
             break;
-        case PF_Param_POINT:
+        case ParamKind::kPoint:
             row.point = LayerPoint{trial.DrawReal(-20, 120), trial.DrawReal(-20, 120), false};
             break;
         default:
@@ -110,23 +110,23 @@ void DrawsInsideLimits(Trial& trial) {
 
 /// The least, the greatest and the usual value of a row, as numbers; one for a row without.
 std::vector<double> Ends(const ParamRow& row) {
-    if (row.def.param_type == PF_Param_POPUP) return {1, static_cast<double>(row.def.u.pd.num_choices)};
-    if (row.def.param_type == PF_Param_CHECKBOX) return {0, 1};
+    if (KindOf(row.def) == ParamKind::kPopup) return {1, static_cast<double>(row.def.u.pd.num_choices)};
+    if (KindOf(row.def) == ParamKind::kCheckBox) return {0, 1};
     const auto range = RangeOf(row);
     if (!range) return {};
-    if (row.def.param_type == PF_Param_ANGLE) return {-360, 0, 90, 180, 270, 360};
+    if (KindOf(row.def) == ParamKind::kAngle) return {-360, 0, 90, 180, 270, 360};
     // Of what may cost time, the middle of the slider stands for its far end.
     const bool wide = range->validMax - range->validMin > kWide;
     return {range->validMin, wide ? LowNumber(*range, 100) : range->validMax};
 }
 
 void SetEnd(ParamRow& row, double value) {
-    if (row.def.param_type == PF_Param_POPUP) {
+    if (KindOf(row.def) == ParamKind::kPopup) {
         row.def.u.pd.value = static_cast<PF_ParamValue>(value);
-    } else if (row.def.param_type == PF_Param_CHECKBOX) {
+    } else if (KindOf(row.def) == ParamKind::kCheckBox) {
         row.def.u.bd.value = static_cast<PF_ParamValue>(value);
     } else {
-        SetNumber(row, value);
+        SetNumberUnchecked(row, value);
     }
 }
 
@@ -199,14 +199,14 @@ void AddPopupItems(std::vector<OddValue>& values, const ParamRow& row) {
 /// exception, with one it ends the process.
 bool IsBeyondMemory(const ParamRow& row, double number) {
     constexpr double kMany = 1e6;
-    return row.def.param_type == PF_Param_FLOAT_SLIDER && std::abs(number) > kMany && SanitizerRuntime();
+    return KindOf(row.def) == ParamKind::kFloat && std::abs(number) > kMany && SanitizerRuntime();
 }
 
 void AddNumbers(std::vector<OddValue>& values, const ParamRow& row, const std::vector<double>& numbers) {
     for (const double number : numbers) {
         if (IsBeyondMemory(row, number)) continue;
         values.push_back({fmt::format("{} at {}", RowName(row), number), row.index,
-                          [number](ParamRow& r) { SetNumber(r, number); }});
+                          [number](ParamRow& r) { SetNumberUnchecked(r, number); }});
     }
 }
 
@@ -217,7 +217,7 @@ void DrawsBeyondLimits(Trial& trial) {
                           for (const int index : SettableRows(stage.Session().Params())) {
                               const ParamRow& row = stage.Session().Params().Row(index);
                               const auto range = RangeOf(row);
-                              if (row.def.param_type == PF_Param_POPUP) AddPopupItems(values, row);
+                              if (KindOf(row.def) == ParamKind::kPopup) AddPopupItems(values, row);
                               if (!range) continue;
                               AddNumbers(values, row, {range->validMin - 1, 0});
                               if (range->validMax - range->validMin <= kWide) {
@@ -237,12 +237,12 @@ void StandsOddNumbers(Trial& trial) {
               std::vector<OddValue> values;
               for (const int index : SettableRows(stage.Session().Params())) {
                   const ParamRow& row = stage.Session().Params().Row(index);
-                  if (row.def.param_type == PF_Param_FLOAT_SLIDER) {
+                  if (KindOf(row.def) == ParamKind::kFloat) {
                       AddNumbers(values, row, {kNaN, kInfinity, -kInfinity, 1e308, -1e308, -0.0, 5e-324, 1e-300});
-                  } else if (row.def.param_type == PF_Param_ANGLE) {
+                  } else if (KindOf(row.def) == ParamKind::kAngle) {
                       // Fixed numbers end there.
                       AddNumbers(values, row, {-32768, 32767.99998, 1.0 / 65536});
-                  } else if (row.def.param_type == PF_Param_POINT) {
+                  } else if (KindOf(row.def) == ParamKind::kPoint) {
                       for (const double place : {-32768.0, 32767.99998}) {
                           values.push_back({fmt::format("{} at {}", RowName(row), place), index, [place](ParamRow& r) {
                                                 r.point = LayerPoint{place, place, false};

@@ -99,8 +99,9 @@ void DrawsInAnyOrder(Trial& trial) {
         for (const int index : SettableRows(params)) {
             ParamRow& row = params.RawRow(index);
             const auto range = RangeOf(row);
-            if (!range || row.def.param_type == PF_Param_ANGLE || range->validMax > 100) continue;
-            SetNumber(row, range->validMin + (range->validMax - range->validMin) * ((i * 7) % kFrames) / kFrames);
+            if (!range || KindOf(row.def) == ParamKind::kAngle || range->validMax > 100) continue;
+            SetNumberUnchecked(row,
+                               range->validMin + (range->validMax - range->validMin) * ((i * 7) % kFrames) / kFrames);
         }
         values.push_back(params);
     }

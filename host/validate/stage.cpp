@@ -35,8 +35,8 @@ void Stage::Cheapen() {
     for (const int index : SettableRows(params)) {
         ParamRow& row = params.RawRow(index);
         const auto range = RangeOf(row);
-        if (row.def.param_type == PF_Param_ANGLE || !range || range->validMax - range->validMin < kWide) continue;
-        SetNumber(row, LowNumber(*range, kSteps));
+        if (KindOf(row.def) == ParamKind::kAngle || !range || range->validMax - range->validMin < kWide) continue;
+        SetNumberUnchecked(row, LowNumber(*range, kSteps));
     }
 }
 

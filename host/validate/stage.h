@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "host/compositing/world.h"
+#include "host/parameters/param_kind.h"
 #include "host/session/effect_session.h"
 #include "host/suites/event_log.h"
 #include "host/validate/trial.h"
@@ -85,13 +86,8 @@ std::vector<Variant> StyleVariants(const ParamSet& params, int mostItems);
 std::string RowName(const ParamRow& row);
 /// The rows whose value a user can change.
 std::vector<int> SettableRows(const ParamSet& params);
-/// Sets a numeric row to a number of its own scale, unchecked: any double for float sliders, clamped to the type's
-/// range for whole and fixed numbers and angles. False for a row without a number.
-bool SetNumber(ParamRow& row, double value);
-/// The numbers between which a row's value may lie, and the slider's own ends; nothing for a row without a number.
-struct NumberRange {
-    double validMin, validMax, sliderMin, sliderMax;
-};
+/// The numbers between which a row's value may lie, ten turns either way for an angle; nothing for a row without a
+/// number.
 std::optional<NumberRange> RangeOf(const ParamRow& row);
 /// A low number of the row, at most `steps` of its units above its least.
 double LowNumber(const NumberRange& range, double steps);

@@ -37,8 +37,8 @@ ParamSet ParamsOf(const ParamSet& base, const std::vector<Variant>& variants, in
     for (const int index : SettableRows(params)) {
         ParamRow& row = params.RawRow(index);
         const auto range = RangeOf(row);
-        if (!range || row.def.param_type == PF_Param_ANGLE) continue;
-        SetNumber(row, LowNumber(*range, 1 + (instance * 3 + moved++) % 6));
+        if (!range || KindOf(row.def) == ParamKind::kAngle) continue;
+        SetNumberUnchecked(row, LowNumber(*range, 1 + (instance * 3 + moved++) % 6));
     }
     return params;
 }

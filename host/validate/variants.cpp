@@ -6,20 +6,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
-#include <limits>
 
 #include "host/validate/stage.h"
 
 namespace {
-
-constexpr double kFixedOne = 65536.0;
-
-PF_Fixed Saturated(double value) {
-    if (std::isnan(value)) return 0;
-    return static_cast<PF_Fixed>(std::clamp<double>(std::round(value), std::numeric_limits<PF_Fixed>::min(),
-                                                    std::numeric_limits<PF_Fixed>::max()));
-}
 
 bool IsSeparator(const std::string& item) {
     return item.starts_with("(");
@@ -35,62 +25,14 @@ std::vector<int> SettableRows(const ParamSet& params) {
     std::vector<int> rows;
     for (const ParamRow& row : params.Rows()) {
         if (row.index == 0 || (row.def.ui_flags & PF_PUI_DISABLED)) continue;
-        switch (row.def.param_type) {
-            case PF_Param_SLIDER:
-            case PF_Param_FIX_SLIDER:
-            case PF_Param_FLOAT_SLIDER:
-            case PF_Param_ANGLE:
-            case PF_Param_CHECKBOX:
-            case PF_Param_COLOR:
-            case PF_Param_POINT:
-            case PF_Param_POINT_3D:
-            case PF_Param_POPUP:
-                rows.push_back(row.index);
-                break;
-            default:
-                break;
-        }
+        if (HasValue(KindOf(row.def))) rows.push_back(row.index);
     }
     return rows;
 }
 
-bool SetNumber(ParamRow& row, double value) {
-    PF_ParamDefUnion& u = row.def.u;
-    switch (row.def.param_type) {
-        case PF_Param_SLIDER:
-            u.sd.value = Saturated(value);
-            return true;
-        case PF_Param_FIX_SLIDER:
-            u.fd.value = Saturated(value * kFixedOne);
-            return true;
-        case PF_Param_FLOAT_SLIDER:
-            u.fs_d.value = value;
-            return true;
-        case PF_Param_ANGLE:
-            u.ad.value = Saturated(value * kFixedOne);
-            return true;
-        default:
-            return false;
-    }
-}
-
 std::optional<NumberRange> RangeOf(const ParamRow& row) {
-    const PF_ParamDefUnion& u = row.def.u;
-    switch (row.def.param_type) {
-        case PF_Param_SLIDER:
-            return NumberRange{double(u.sd.valid_min), double(u.sd.valid_max), double(u.sd.slider_min),
-                               double(u.sd.slider_max)};
-        case PF_Param_FIX_SLIDER:
-            return NumberRange{u.fd.valid_min / kFixedOne, u.fd.valid_max / kFixedOne, u.fd.slider_min / kFixedOne,
-                               u.fd.slider_max / kFixedOne};
-        case PF_Param_FLOAT_SLIDER:
-            return NumberRange{double(u.fs_d.valid_min), double(u.fs_d.valid_max), double(u.fs_d.slider_min),
-                               double(u.fs_d.slider_max)};
-        case PF_Param_ANGLE:
-            return NumberRange{-3600, 3600, 0, 360};
-        default:
-            return std::nullopt;
-    }
+    if (KindOf(row.def) == ParamKind::kAngle) return NumberRange{-3600, 3600, 0, 360, 0};
+    return SliderRange(row.def);
 }
 
 double LowNumber(const NumberRange& range, double steps) {
@@ -104,7 +46,7 @@ std::vector<Variant> StyleVariants(const ParamSet& params, int mostItems) {
     for (const int index : SettableRows(params)) {
         const ParamRow& row = params.Row(index);
         const PF_PopupDef& popup = row.def.u.pd;
-        if (row.def.param_type != PF_Param_POPUP || popup.num_choices > mostItems) continue;
+        if (KindOf(row.def) != ParamKind::kPopup || popup.num_choices > mostItems) continue;
         for (int item = 1; item <= popup.num_choices; ++item) {
             const auto at = static_cast<std::size_t>(item) - 1;
             if (item == popup.value || (at < row.items.size() && IsSeparator(row.items[at]))) continue;
