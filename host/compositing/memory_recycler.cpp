@@ -24,8 +24,8 @@ struct Block {
 struct Store {
     ForkLock mutex;
     int recyclers = 0;
-    std::size_t lent = 0;
-    std::size_t mostLent = 0;
+    std::size_t used = 0;
+    std::size_t mostUsed = 0;
     std::size_t kept = 0;
     std::vector<Block> blocks;  ///< the one that was given back first at the front
 
@@ -70,7 +70,7 @@ MemoryRecycler::~MemoryRecycler() {
     const std::lock_guard lock(store.mutex);
     if (--store.recyclers > 0) return;
     while (!store.blocks.empty()) store.FreeFirst();
-    store.mostLent = 0;
+    store.mostUsed = 0;
 }
 
 std::size_t MemoryRecycler::Kept() {
@@ -87,9 +87,9 @@ std::byte* TakeRecycled(std::size_t size, bool clear, std::size_t* capacity) {
         const std::lock_guard lock(store.mutex);
         if (store.recyclers == 0) return nullptr;
         block = TakeKept(store, size);
-        store.lent += block.data ? block.size : size;
-        store.mostLent = std::max(store.mostLent, store.lent);
-        while (!store.blocks.empty() && store.lent + store.kept > store.mostLent) store.FreeFirst();
+        store.used += block.data ? block.size : size;
+        store.mostUsed = std::max(store.mostUsed, store.used);
+        while (!store.blocks.empty() && store.used + store.kept > store.mostUsed) store.FreeFirst();
     }
     *capacity = block.size;
     if (block.data) {
@@ -102,7 +102,7 @@ std::byte* TakeRecycled(std::size_t size, bool clear, std::size_t* capacity) {
         const std::lock_guard lock(store.mutex);
         while (!store.blocks.empty()) store.FreeFirst();
         block.data = static_cast<std::byte*>(clear ? std::calloc(size, 1) : std::malloc(size));
-        if (!block.data) store.lent -= size;
+        if (!block.data) store.used -= size;
     }
     AskForLargePages(block.data, size);
     return block.data;
@@ -111,8 +111,8 @@ std::byte* TakeRecycled(std::size_t size, bool clear, std::size_t* capacity) {
 void GiveRecycled(std::byte* data, std::size_t capacity) {
     Store& store = TheStore();
     const std::lock_guard lock(store.mutex);
-    store.lent -= capacity;
-    if (store.recyclers == 0 || store.lent + store.kept + capacity > store.mostLent) {
+    store.used -= capacity;
+    if (store.recyclers == 0 || store.used + store.kept + capacity > store.mostUsed) {
         std::free(data);
         return;
     }

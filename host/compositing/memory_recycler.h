@@ -2,13 +2,13 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// Large blocks that are given back in one frame and lent again in the next. The system clears a page before it hands it
+// Large blocks that are given back in one frame and used again in the next. The system clears a page before it hands it
 // out, which takes as long as one more pass over the pixels.
 
 #include <cstddef>
 
-/// While one lives, blocks of plain lent memory from 1 MiB on are kept when they are freed, for the next block of about
-/// their size. What is kept and what is lent are together never more than what was lent at one time before. [any]
+/// While one lives, blocks of plain memory from 1 MiB on are kept when they are freed, for the next block of about
+/// their size. What is kept and what is in use are together never more than what was in use at one time before. [any]
 class MemoryRecycler {
  public:
     MemoryRecycler();

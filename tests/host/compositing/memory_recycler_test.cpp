@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t kMiB = std::size_t{1} << 20;
 
-TEST(MemoryRecycler, LendsTheBlockAgain) {
+TEST(MemoryRecycler, UsesTheBlockAgain) {
     const MemoryRecycler recycler;
     std::byte* first = nullptr;
     {
@@ -61,7 +61,7 @@ TEST(MemoryRecycler, SmallBlocksAndBlocksOfAnotherSizeAreNew) {
     EXPECT_EQ(MemoryRecycler::Kept(), 0u);
 }
 
-TEST(MemoryRecycler, NeverHoldsMoreThanWasLentAtOnce) {
+TEST(MemoryRecycler, NeverHoldsMoreThanWasUsedAtOnce) {
     const MemoryRecycler recycler;
     for (std::size_t size = 2; size < 40; size += 3) {
         const LentBytes bytes = LentBytes::Create(size * kMiB, false);
