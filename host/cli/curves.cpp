@@ -21,8 +21,8 @@
 #include "host/cli/sequence_report.h"
 #include "host/cli/settings.h"
 #include "host/image/picture.h"
-#include "host/sequence/frame_numbers.h"
-#include "host/sequence/frame_plan.h"
+#include "host/render/frame_numbers.h"
+#include "host/render/frame_plan.h"
 
 namespace {
 

@@ -17,7 +17,7 @@
 #include "host/cli/results.h"
 #include "host/farm/farm_job.h"
 #include "host/module/module.h"
-#include "host/sequence/frame_numbers.h"
+#include "host/render/frame_numbers.h"
 
 namespace {
 

@@ -17,7 +17,7 @@
 #include "host/cli/results.h"
 #include "host/cli/sequence_report.h"
 #include "host/compositing/start_threads.h"
-#include "host/sequence/sequence_canvas.h"
+#include "host/render/sequence_canvas.h"
 
 namespace {
 

@@ -14,8 +14,8 @@
 #include <thread>
 #include <vector>
 
+#include "host/render/draw_frames.h"
 #include "host/result.h"
-#include "host/sequence/draw_frames.h"
 
 enum class ProgressForm {
     kBar,    ///< one line that changes, on a terminal

@@ -21,8 +21,8 @@
 #include "host/panel/panel_picture.h"
 #include "host/panel/panel_rows.h"
 #include "host/process/interruption.h"
-#include "host/sequence/frame_numbers.h"
-#include "host/sequence/frame_plan.h"
+#include "host/render/frame_numbers.h"
+#include "host/render/frame_plan.h"
 
 namespace {
 

@@ -20,9 +20,9 @@
 #include "host/cli/render_report.h"
 #include "host/cli/results.h"
 #include "host/image/picture.h"
-#include "host/sequence/frame_pixels.h"
-#include "host/sequence/frame_plan.h"
-#include "host/sequence/sequence_canvas.h"
+#include "host/render/frame_pixels.h"
+#include "host/render/frame_plan.h"
+#include "host/render/sequence_canvas.h"
 #include "host/session/renderer.h"
 
 namespace {

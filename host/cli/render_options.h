@@ -14,8 +14,8 @@
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
 #include "host/image/picture.h"
+#include "host/render/frame_number.h"
 #include "host/result.h"
-#include "host/sequence/frame_number.h"
 
 namespace CLI {
 class App;

@@ -8,7 +8,7 @@
 #include <cstdio>
 
 #include "host/cli/render_options.h"
-#include "host/sequence/frame_plan.h"
+#include "host/render/frame_plan.h"
 
 Result<Done> CheckStorage(const RenderOptions& options) {
     const bool isStream = options.output == "-";

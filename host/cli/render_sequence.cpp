@@ -12,7 +12,6 @@
 #include <set>
 
 #include "host/cli/clip_ends.h"
-#include "host/cli/frame_footprint.h"
 #include "host/cli/frame_progress.h"
 #include "host/cli/output_folder.h"
 #include "host/cli/render_options.h"
@@ -21,9 +20,10 @@
 #include "host/compositing/memory_recycler.h"
 #include "host/compositing/rectangles.h"
 #include "host/process/abandoned_files.h"
-#include "host/sequence/draw_frames.h"
-#include "host/sequence/memory_plan.h"
-#include "host/sequence/sequence_canvas.h"
+#include "host/render/draw_frames.h"
+#include "host/render/frame_footprint.h"
+#include "host/render/memory_plan.h"
+#include "host/render/sequence_canvas.h"
 #include "host/session/renderer.h"
 
 namespace {

@@ -8,7 +8,7 @@
 #include "host/cli/command.h"
 #include "host/cli/render_options.h"
 #include "host/cli/settings.h"
-#include "host/sequence/frame_numbers.h"
+#include "host/render/frame_numbers.h"
 
 namespace {
 

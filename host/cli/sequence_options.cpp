@@ -9,7 +9,7 @@
 
 #include "host/cli/frame_progress.h"
 #include "host/cli/render_options.h"
-#include "host/sequence/frame_numbers.h"
+#include "host/render/frame_numbers.h"
 
 namespace {
 

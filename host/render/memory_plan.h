@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <string>
 
-#include "host/sequence/pipeline.h"
+#include "host/render/pipeline.h"
 
 /// Bytes of one frame's pictures. See docs/sequences.md for the formula that is made of them.
 struct FrameFootprint {

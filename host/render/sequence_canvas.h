@@ -7,8 +7,8 @@
 
 #include <string>
 
+#include "host/render/draw_frames.h"
 #include "host/result.h"
-#include "host/sequence/draw_frames.h"
 
 /// What a written image covers.
 struct CanvasChoice {

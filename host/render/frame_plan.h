@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "host/render/frame_numbers.h"
+#include "host/render/frame_pattern.h"
 #include "host/result.h"
-#include "host/sequence/frame_numbers.h"
-#include "host/sequence/frame_pattern.h"
 
 /// What to do about a frame whose file is not there.
 enum class MissingFrames {

@@ -17,8 +17,8 @@
 #include <utility>
 #include <vector>
 
+#include "host/render/frame_number.h"
 #include "host/result.h"
-#include "host/sequence/frame_number.h"
 #include "hostapi/basic_types.h"
 
 /// No frame lies further from zero than this.

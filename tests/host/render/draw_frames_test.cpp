@@ -3,13 +3,13 @@
 
 // Frames drawn by several instances of an effect: what the effect sees, what comes out, what failures leave.
 
-#include "host/sequence/draw_frames.h"
+#include "host/render/draw_frames.h"
 
 #include <algorithm>
 #include <map>
 #include <mutex>
 
-#include "host/sequence/memory_plan.h"
+#include "host/render/memory_plan.h"
 #include "tests/host/image/picture_files.h"
 #include "tests/host/session/session_fixture.h"
 

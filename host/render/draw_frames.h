@@ -10,10 +10,10 @@
 #include <string>
 #include <vector>
 
-#include "host/sequence/frame_layers.h"
-#include "host/sequence/frame_pixels.h"
-#include "host/sequence/frame_plan.h"
-#include "host/sequence/pipeline.h"
+#include "host/render/frame_layers.h"
+#include "host/render/frame_pixels.h"
+#include "host/render/frame_plan.h"
+#include "host/render/pipeline.h"
 #include "host/session/effect_session.h"
 
 /// What a frame is at.

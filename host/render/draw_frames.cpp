@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "host/sequence/draw_frames.h"
+#include "host/render/draw_frames.h"
 
 #include <fmt/format.h>
 
@@ -14,7 +14,7 @@
 #include <utility>
 
 #include "host/compositing/memory_shortage.h"
-#include "host/sequence/frame_numbers.h"
+#include "host/render/frame_numbers.h"
 
 namespace {
 

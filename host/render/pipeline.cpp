@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "host/sequence/pipeline.h"
+#include "host/render/pipeline.h"
 
 #include <pthread.h>
 

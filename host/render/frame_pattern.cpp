@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "host/sequence/frame_pattern.h"
+#include "host/render/frame_pattern.h"
 
 #include <fmt/format.h>
 
@@ -11,7 +11,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "host/sequence/frame_numbers.h"
+#include "host/render/frame_numbers.h"
 
 namespace {
 

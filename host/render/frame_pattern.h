@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "host/render/frame_number.h"
 #include "host/result.h"
-#include "host/sequence/frame_number.h"
 
 /// A path with one frame field in the name of the file. The field is written as
 ///   #           four digits; ## and longer: as many digits as signs

@@ -3,7 +3,7 @@
 
 // The one rectangle of a sequence: as text, at a lower resolution, and asked of an effect before anything is drawn.
 
-#include "host/sequence/sequence_canvas.h"
+#include "host/render/sequence_canvas.h"
 
 #include <OpenImageIO/imageio.h>
 

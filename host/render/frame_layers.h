@@ -11,7 +11,7 @@
 #include <string>
 
 #include "host/image/picture.h"
-#include "host/sequence/frame_plan.h"
+#include "host/render/frame_plan.h"
 
 /// How pictures become layers.
 struct LayerOptions {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "host/cli/frame_footprint.h"
+#include "host/render/frame_footprint.h"
 
 #include <algorithm>
 #include <cstdint>

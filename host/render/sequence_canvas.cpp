@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "host/sequence/sequence_canvas.h"
+#include "host/render/sequence_canvas.h"
 
 #include <fmt/format.h>
 

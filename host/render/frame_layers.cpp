@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "host/sequence/frame_layers.h"
+#include "host/render/frame_layers.h"
 
 #include <utility>
 
-#include "host/sequence/frame_pixels.h"
+#include "host/render/frame_pixels.h"
 
 using Shared = std::shared_ptr<const Layer>;
 

@@ -3,7 +3,7 @@
 
 // Many frames through three steps: the order of each frame's steps, the limit on those under way, failures, stops.
 
-#include "host/sequence/pipeline.h"
+#include "host/render/pipeline.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
