@@ -10,7 +10,7 @@
 #include <string>
 
 #include "host/cli/render_options.h"
-#include "host/render/draw_frames.h"
+#include "host/render/worker.h"
 #include "host/video/clip_reader.h"
 #include "host/video/clip_writer.h"
 

@@ -16,8 +16,7 @@
 #include "host/cli/progress.h"
 #include "host/cli/results.h"
 #include "host/cli/sequence_report.h"
-#include "host/compositing/start_threads.h"
-#include "host/render/sequence_canvas.h"
+#include "host/render/canvas_choice.h"
 
 namespace {
 
@@ -26,7 +25,6 @@ using Clock = std::chrono::steady_clock;
 using Kind = FrameOutcome::Kind;
 
 constexpr auto kBarInterval = std::chrono::milliseconds(200);
-constexpr double kLongestInterval = 24.0 * 60 * 60;
 constexpr int kUsualWidth = 80;
 
 double Since(Clock::time_point begin) {
@@ -62,14 +60,6 @@ const char* StepWords(FrameStep step) {
     return "";
 }
 
-std::string CountText(const FrameTotals& totals) {
-    std::string text = fmt::format("{} drawn", totals.drawn);
-    if (totals.existing > 0) text += fmt::format(", {} there already", totals.existing);
-    if (totals.skipped > 0) text += fmt::format(", {} left out", totals.skipped);
-    if (totals.failed > 0) text += fmt::format(", {} failed", totals.failed);
-    return text;
-}
-
 std::string Dump(const Json& json) {
     return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
@@ -78,61 +68,7 @@ double TimeOf(const FrameOutcome& outcome) {
     return outcome.readTime + outcome.drawTime + outcome.writeTime;
 }
 
-/// Seconds until the last frame at the rate so far; nothing before there is one.
-std::optional<double> SecondsLeft(const FrameTotals& totals, std::size_t all, double seconds) {
-    if (totals.drawn == 0) return std::nullopt;
-    return seconds / static_cast<double>(totals.drawn) * static_cast<double>(all - totals.Ended());
-}
-
-/// One reason as it is, several as a list.
-std::string ReasonsText(const std::vector<std::string>& reasons) {
-    if (reasons.size() < 2) return reasons.empty() ? std::string() : reasons.front();
-    std::string text = fmt::format("{} frames failed:", reasons.size());
-    for (const std::string& reason : reasons) text += "\n  " + reason;
-    return text;
-}
-
 }  // namespace
-
-std::optional<ProgressOptions> ReadProgress(const std::string& text, bool quiet) {
-    ProgressOptions options;
-    options.form = isatty(STDERR_FILENO) ? ProgressForm::kBar : ProgressForm::kLines;
-    if (text == "json") {
-        options.form = ProgressForm::kJson;
-    } else if (text == "bar") {
-        options.form = ProgressForm::kBar;
-    } else if (text == "lines") {
-        options.form = ProgressForm::kLines;
-    } else if (!text.empty()) {
-        if (!OutOfRange(text, 0, kLongestInterval).empty()) return std::nullopt;
-        options.seconds = std::stod(text);
-    }
-    if (quiet) options.form = ProgressForm::kQuiet;
-    return options;
-}
-
-std::string DurationText(double seconds) {
-    if (seconds < 10) return fmt::format("{:.2f} s", seconds);
-    const auto whole = static_cast<long>(std::lround(seconds));
-    if (whole < 60) return fmt::format("{} s", whole);
-    if (whole < 3600) return fmt::format("{}:{:02}", whole / 60, whole % 60);
-    return fmt::format("{}:{:02}:{:02}", whole / 3600, whole / 60 % 60, whole % 60);
-}
-
-std::string BarText(const FrameTotals& totals, std::size_t all, double seconds, const std::string& current, int width) {
-    constexpr std::size_t kCells = 20;
-    const std::size_t full = all == 0 ? kCells : totals.Ended() * kCells / all;
-    std::string line =
-        fmt::format("[{}{}] {}/{}", std::string(full, '#'), std::string(kCells - full, '.'), totals.Ended(), all);
-    if (totals.failed > 0) line += fmt::format(", {} failed", totals.failed);
-    if (totals.drawn > 0 && seconds > 0) {
-        line += fmt::format("  {:.2f} frames/s", static_cast<double>(totals.drawn) / seconds);
-    }
-    if (const auto left = SecondsLeft(totals, all, seconds)) line += fmt::format("  {} left", DurationText(*left));
-    if (!current.empty()) line += "  " + current;
-    // The last column stays free: a line that fills it would wrap on some terminals.
-    return line.substr(0, static_cast<std::size_t>(std::max(1, width - 1)));
-}
 
 FrameProgress::FrameProgress(const FramePlan& plan, const ProgressOptions& options, bool printsPaths)
     : plan_(plan),
@@ -141,9 +77,10 @@ FrameProgress::FrameProgress(const FramePlan& plan, const ProgressOptions& optio
       printsPaths_(printsPaths),
       outcomes_(plan.frames.size()) {
     TellStart(options.canvas);
-    if (form_ != ProgressForm::kQuiet) {
-        // Without a thread frames are reported as they end, and nothing in between.
-        thread_ = StartThread([this] { TellNowAndThen(); }).value_or(std::thread());
+    if (form_ == ProgressForm::kBar) {
+        line_.Start(kBarInterval, kBarInterval, [this] { DrawBar(); });
+    } else if (form_ != ProgressForm::kQuiet && interval_.count() > 0) {
+        line_.Start(interval_, interval_, [this] { TellCurrent(); });
     }
 }
 
@@ -159,22 +96,12 @@ void FrameProgress::TellStart(const std::optional<CanvasFacts>& canvas) {
     }
 }
 
-FrameProgress::~FrameProgress() {
-    {
-        const std::lock_guard lock(mutex_);
-        ended_ = true;
-    }
-    ending_.notify_all();
-    if (thread_.joinable()) thread_.join();
-    ClearBar();
-}
-
 double FrameProgress::Seconds() const {
     return Since(begin_);
 }
 
 void FrameProgress::Note(const std::string& sentence) {
-    const std::lock_guard lock(mutex_);
+    const std::lock_guard lock(line_.Mutex());
     if (form_ == ProgressForm::kJson) {
         Print(Dump({{"event", "note"}, {"note", sentence}}));
     } else if (form_ != ProgressForm::kQuiet) {
@@ -183,7 +110,7 @@ void FrameProgress::Note(const std::string& sentence) {
 }
 
 void FrameProgress::Begins(std::size_t frame, FrameStep step, const EffectSession* session) {
-    const std::lock_guard lock(mutex_);
+    const std::lock_guard lock(line_.Mutex());
     const auto known = current_.find(frame);
     if (known == current_.end()) {
         current_.emplace(frame, Current{step, session, Clock::now()});
@@ -194,7 +121,7 @@ void FrameProgress::Begins(std::size_t frame, FrameStep step, const EffectSessio
 }
 
 void FrameProgress::Ends(std::size_t frame, const FrameOutcome& outcome) {
-    const std::lock_guard lock(mutex_);
+    const std::lock_guard lock(line_.Mutex());
     current_.erase(frame);
     outcomes_[frame] = outcome;
     std::size_t& total = outcome.kind == Kind::kDrawn     ? totals_.drawn
@@ -254,7 +181,7 @@ void FrameProgress::TellFrame(std::size_t index) {
     const FrameOutcome& outcome = *outcomes_[index];
     if (outcome.kind == Kind::kDrawn && printsPaths_) {
         // Both may be one terminal.
-        ClearBar();
+        line_.Erase();
         PrintResult(frame.output + "\n");
         // Whoever reads along works on this picture while the next ones are drawn. A failure is told in the end.
         FlushResults();
@@ -313,19 +240,8 @@ void FrameProgress::TellCurrent() {
     }
 }
 
-void FrameProgress::TellNowAndThen() {
-    std::unique_lock lock(mutex_);
-    if (form_ == ProgressForm::kBar) {
-        while (!ending_.wait_for(lock, kBarInterval, [this] { return ended_; })) DrawBar();
-    } else if (interval_.count() > 0) {
-        while (!ending_.wait_for(lock, interval_, [this] { return ended_; })) TellCurrent();
-    }
-}
-
 void FrameProgress::Print(const std::string& line) {
-    ClearBar();
-    std::fputs((line + "\n").c_str(), stderr);
-    std::fflush(stderr);
+    line_.Print(line + "\n");
 }
 
 void FrameProgress::DrawBar() {
@@ -335,26 +251,12 @@ void FrameProgress::DrawBar() {
         if (seconds >= 2) current += ", " + DurationText(seconds);
     }
     const std::string line = BarText(totals_, plan_.frames.size(), Seconds(), current, TerminalWidth());
-    std::fputs(("\r" + line + "\x1b[K").c_str(), stderr);
-    std::fflush(stderr);
-    barIsThere_ = true;
-}
-
-void FrameProgress::ClearBar() {
-    if (!barIsThere_) return;
-    std::fputs("\r\x1b[K", stderr);
-    std::fflush(stderr);
-    barIsThere_ = false;
+    line_.Show(line);
 }
 
 FrameTotals FrameProgress::Finish() {
-    {
-        const std::lock_guard lock(mutex_);
-        ended_ = true;
-    }
-    ending_.notify_all();
-    if (thread_.joinable()) thread_.join();
-    const std::lock_guard lock(mutex_);
+    line_.Stop();
+    const std::lock_guard lock(line_.Mutex());
     // After a failure there are gaps.
     for (; told_ < outcomes_.size(); ++told_) {
         if (outcomes_[told_]) TellFrame(told_);

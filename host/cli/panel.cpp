@@ -21,6 +21,7 @@
 #include "host/panel/panel_picture.h"
 #include "host/panel/panel_rows.h"
 #include "host/process/interruption.h"
+#include "host/render/frame_limits.h"
 #include "host/render/frame_numbers.h"
 #include "host/render/frame_plan.h"
 
@@ -39,8 +40,6 @@ constexpr char kExamples[] =
     "      the visible rows, for programs\n"
     "  umbrant panel -o panel.png --preset moving.json --time 1.5\n"
     "      the values of a preset, those that move as they are after a second and a half";
-
-constexpr double kLongestTime = 24.0 * 60 * 60;
 
 struct PanelOptions {
     std::string output;

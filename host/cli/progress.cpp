@@ -3,9 +3,6 @@
 
 #include "host/cli/progress.h"
 
-#include <fmt/format.h>
-#include <unistd.h>
-
 #include <cstdio>
 #include <utility>
 
@@ -37,62 +34,44 @@ std::string ActivityText(const EffectSession& session) {
     return "the effect is at work";
 }
 
-Progress::Progress(double seconds)
-    : isTerminal_(isatty(STDERR_FILENO) != 0), stage_([] { return std::string("beginning"); }) {
-    first_ = next_ = std::chrono::duration<double>(seconds);
-    if (seconds < 0) {
-        first_ = std::chrono::seconds(isTerminal_ ? 2 : 10);
-        next_ = std::chrono::seconds(isTerminal_ ? 1 : 10);
-    }
-    // Without a thread there is no progress to be seen, and everything else goes on.
-    if (seconds != 0) thread_ = StartThread([this] { Tell(); }).value_or(std::thread());
+void StatusLine::Start(Seconds first, Seconds next, std::function<void()> renew) {
+    auto work = [this, first, next, renew = std::move(renew)] {
+        std::unique_lock lock(mutex_);
+        Seconds wait = first;
+        while (!ending_.wait_for(lock, wait, [this] { return ended_; })) {
+            renew();
+            wait = next;
+        }
+    };
+    thread_ = StartThread(std::move(work)).value_or(std::thread());
 }
 
-Progress::~Progress() {
-    Stop();
-}
-
-void Progress::Stop() {
+void StatusLine::Stop() {
     {
         const std::lock_guard lock(mutex_);
         ended_ = true;
     }
-    changed_.notify_all();
+    ending_.notify_all();
     if (thread_.joinable()) thread_.join();
+    const std::lock_guard lock(mutex_);
     Erase();
 }
 
-void Progress::Erase() {
-    if (told_ && isTerminal_) std::fputs("\r\x1b[K", stderr);
+void StatusLine::Show(const std::string& line) {
+    std::fputs(("\r" + line + "\x1b[K").c_str(), stderr);
     std::fflush(stderr);
-    told_ = false;
+    isShown_ = true;
 }
 
-void Progress::Print(const std::string& text) {
-    const std::lock_guard lock(mutex_);
+void StatusLine::Print(const std::string& text) {
     Erase();
     std::fputs(text.c_str(), stderr);
+    std::fflush(stderr);
 }
 
-void Progress::Say(std::string stage) {
-    Follow([words = std::move(stage)] { return words; });
-}
-
-void Progress::Follow(std::function<std::string()> stage) {
-    const std::lock_guard lock(mutex_);
-    stage_ = std::move(stage);
-}
-
-void Progress::Tell() {
-    std::unique_lock lock(mutex_);
-    auto wait = first_;
-    while (!changed_.wait_for(lock, wait, [this] { return ended_; })) {
-        const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - begin_;
-        const std::string line =
-            fmt::format("umbrant: {:.{}f} s, {}", passed.count(), next_.count() < 1 ? 1 : 0, stage_());
-        std::fputs((isTerminal_ ? "\r" + line + "\x1b[K" : line + "\n").c_str(), stderr);
-        std::fflush(stderr);
-        told_ = true;
-        wait = next_;
-    }
+void StatusLine::Erase() {
+    if (!isShown_) return;
+    std::fputs("\r\x1b[K", stderr);
+    std::fflush(stderr);
+    isShown_ = false;
 }

@@ -2,8 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// What a command that takes long is at, told on standard error while it works: "umbrant: 12 s, the effect draws". On a
-// terminal one line that changes and goes at the end, elsewhere a line each time.
+// Standard error while a command works: lines that stay, one line that is replaced, and a thread that renews it.
 
 #include <chrono>
 #include <condition_variable>
@@ -14,38 +13,35 @@
 
 #include "host/session/effect_session.h"
 
-/// Tells from its construction to its destruction.
-class Progress {
+/// Functions marked "locked" are called with Mutex() held, which `renew` has when it is called.
+class StatusLine {
  public:
-    /// Tells for the first time after `seconds`, and again each time as many have passed; 0 never. A negative number
-    /// takes what fits standard error: 2 and then 1 on a terminal, 10 elsewhere.
-    explicit Progress(double seconds);
-    ~Progress();
-    Progress(const Progress&) = delete;
-    Progress& operator=(const Progress&) = delete;
+    using Seconds = std::chrono::duration<double>;
 
-    /// What is done from here on.
-    void Say(std::string stage);
-    /// Takes the words from the function each time, on another thread. Say ends it.
-    void Follow(std::function<std::string()> stage);
-    /// Prints text that ends in a line break to standard error, in the place of the line that changes.
-    void Print(const std::string& text);
-    /// Ends the telling, and the line that changes is gone: something else may be printed.
+    StatusLine() = default;
+    ~StatusLine() { Stop(); }
+    StatusLine(const StatusLine&) = delete;
+    StatusLine& operator=(const StatusLine&) = delete;
+
+    /// Calls `renew` on a thread, first after `first` and then every `next`. Once. Without a thread nothing is renewed,
+    /// and everything else works.
+    void Start(Seconds first, Seconds next, std::function<void()> renew);
+    /// Ends the thread and erases the line that is replaced.
     void Stop();
 
- private:
-    void Tell();
+    std::mutex& Mutex() { return mutex_; }
+    /// Prints a line that the next text replaces; without a line break. Locked.
+    void Show(const std::string& line);
+    /// Prints text that ends in a line break. Locked.
+    void Print(const std::string& text);
+    /// Removes the line that is replaced: something else may be printed to the same terminal. Locked.
     void Erase();
 
-    const bool isTerminal_;
-    const std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
-    std::chrono::duration<double> first_{};
-    std::chrono::duration<double> next_{};
+ private:
     std::mutex mutex_;
-    std::condition_variable changed_;
-    std::function<std::string()> stage_;
+    std::condition_variable ending_;
     bool ended_ = false;
-    bool told_ = false;
+    bool isShown_ = false;
     std::thread thread_;
 };
 

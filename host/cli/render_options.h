@@ -21,9 +21,6 @@ namespace CLI {
 class App;
 }
 
-/// As many frames may be drawn at once.
-inline constexpr int kMostThreads = 16;
-
 /// What only sequences have.
 struct SequenceOptions {
     std::string frames;
@@ -82,9 +79,8 @@ struct OpenedEffect {
 };
 
 /// The session that draws layers of this full size, with the values that were asked for, those that move as they are at
-/// `frame`, or without one at the time of a single picture.
-Result<OpenedEffect> OpenWithValues(const RenderOptions& options, int layerWidth, int layerHeight,
-                                    std::optional<double> frame = {});
+/// `frame`, whole or not.
+Result<OpenedEffect> OpenWithValues(const RenderOptions& options, int layerWidth, int layerHeight, double frame);
 
 /// The effect's failure, said as what it is when there is no OpenGL to draw with.
 Failure Explain(const Failure& failure, const EffectSession& session);
@@ -116,11 +112,14 @@ Result<std::vector<FrameNumber>> FramesOf(const RenderOptions& options);
 
 /// The text for `--canvas` that gives parts of the set the canvas of the whole; empty where every part finds the same
 /// one itself, or the options say otherwise. Where it cannot be found out yet, a note on standard error says so. Fails
-/// as RenderSequence does before the first frame.
+/// as Render does before the first frame.
 Result<std::string> CanvasOfSet(const RenderOptions& options);
 
 /// Whether the options mean a sequence. Fails as ParseFrames and MeansSequence do.
 Result<bool> MeansSequence(const RenderOptions& options);
 
-/// Draws a sequence.
-Result<ExitCode> RenderSequence(const RenderOptions& options);
+/// Refuses what only a single image can have: a time, standard input and output. Fails with `ExitCode::kUsage`.
+Result<Done> CheckNoTime(const RenderOptions& options);
+
+/// Draws a single image or a sequence.
+Result<ExitCode> Render(const RenderOptions& options);

@@ -10,7 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include "host/cli/command.h"
-#include "host/render/sequence_canvas.h"
+#include "host/render/canvas_choice.h"
 #include "host/session/error_names.h"
 
 namespace {

@@ -8,14 +8,8 @@
 #include "host/cli/command.h"
 #include "host/cli/render_options.h"
 #include "host/cli/settings.h"
+#include "host/render/frame_limits.h"
 #include "host/render/frame_numbers.h"
-
-namespace {
-
-/// Beyond it no texture could meet a layer.
-constexpr double kFarthestTexture = 100000;
-
-}  // namespace
 
 std::optional<std::pair<double, double>> PlaceOf(const std::string& text) {
     const std::size_t comma = text.find(',');
@@ -36,8 +30,7 @@ Failure Explain(const Failure& failure, const EffectSession& session) {
     return ExplainWithoutOpenGL(failure, session.Params());
 }
 
-Result<OpenedEffect> OpenWithValues(const RenderOptions& options, int layerWidth, int layerHeight,
-                                    std::optional<double> frame) {
+Result<OpenedEffect> OpenWithValues(const RenderOptions& options, int layerWidth, int layerHeight, double frame) {
     SessionOptions about;
     about.layerWidth = layerWidth;
     about.layerHeight = layerHeight;
@@ -53,8 +46,7 @@ Result<OpenedEffect> OpenWithValues(const RenderOptions& options, int layerWidth
     EffectSession& session = effect.Session();
     effect.params.values = session.Params();
     if (auto set = ApplyValues(options.preset, options.settings, effect.params); !set) return set.Error();
-    const double moment = frame.value_or(effect.clock.FrameOf(options.seconds));
-    session.Params() = effect.params.animation.ValuesAt(effect.params.values, moment, effect.clock);
+    session.Params() = effect.params.animation.ValuesAt(effect.params.values, frame, effect.clock);
     if (auto updated = session.UpdateParamsUI(); !updated) return Explain(updated.Error(), session);
     return effect;
 }

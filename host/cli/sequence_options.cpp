@@ -10,6 +10,7 @@
 #include "host/cli/frame_progress.h"
 #include "host/cli/render_options.h"
 #include "host/render/frame_numbers.h"
+#include "host/render/memory_plan.h"
 
 namespace {
 

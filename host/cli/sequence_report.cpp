@@ -3,7 +3,7 @@
 
 #include "host/cli/sequence_report.h"
 
-#include "host/render/sequence_canvas.h"
+#include "host/render/canvas_choice.h"
 
 namespace {
 

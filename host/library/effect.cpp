@@ -19,6 +19,8 @@
 #include "host/library/pixel_order.h"
 #include "host/library/shared_module.h"
 #include "host/parameters/param_kind.h"
+#include "host/render/frame_limits.h"
+#include "host/render/frame_request.h"
 
 namespace umbrant {
 
@@ -39,9 +41,6 @@ T Need(Result<T> result) {
     Throw({ExitCode::kUsage, sentence});
 }
 
-constexpr double kLongestTime = 24.0 * 60 * 60;
-constexpr double kFarthestTexture = 100000;
-constexpr int kMostDownsample = 64;
 constexpr int kMostRate = 1000000;
 /// Moments between frames are told to the effect in steps of about this part of a second.
 constexpr int kFineSteps = 24000;
@@ -81,7 +80,7 @@ void CheckOptions(const FrameOptions& options) {
 }
 
 /// The effect's clock: whole steps of a frame, or parts of it as far as its numbers reach.
-void SetTime(const FrameOptions& options, FrameRequest& request) {
+FrameTime TimeOf(const FrameOptions& options) {
     int fine = std::max(1, kFineSteps / options.rate.frames);
     const double longest = std::abs(options.seconds) + static_cast<double>(options.rate.seconds) / options.rate.frames;
     while (fine > 1 && longest * options.rate.frames * fine > std::numeric_limits<A_long>::max()) fine /= 2;
@@ -90,10 +89,12 @@ void SetTime(const FrameOptions& options, FrameRequest& request) {
         Refuse(fmt::format("the time of {} s at {} frames in {} s is more than an effect's clock can hold",
                            options.seconds, options.rate.frames, options.rate.seconds));
     }
-    request.timeScale = static_cast<A_u_long>(scale);
-    request.timeStep = options.rate.seconds * fine;
-    request.time = static_cast<A_long>(std::lround(options.seconds * scale));
-    request.totalTime = std::max(request.time, 0) + request.timeStep;
+    FrameTime time;
+    time.scale = static_cast<A_u_long>(scale);
+    time.step = options.rate.seconds * fine;
+    time.time = static_cast<A_long>(std::lround(options.seconds * scale));
+    time.total = std::max(time.time, 0) + time.step;
+    return time;
 }
 
 /// What a frame is drawn of.
@@ -121,18 +122,12 @@ Layers LayersOf(const ImageView& layer, const FrameOptions& options) {
 
 /// `params` and `layers` must outlive the request.
 FrameRequest RequestOf(const Layers& layers, const FrameOptions& options, const ParamSet& params) {
-    FrameRequest request;
-    request.layer = &layers.layer;
-    request.layerWidth = options.layerWidth ? options.layerWidth : layers.layer.Width() * options.downsample;
-    request.layerHeight = options.layerHeight ? options.layerHeight : layers.layer.Height() * options.downsample;
-    request.downsampleX = request.downsampleY = {1, static_cast<A_u_long>(options.downsample)};
-    request.texture = layers.texture.IsNull() ? nullptr : &layers.texture;
-    request.textureOrigin.x = static_cast<A_long>(std::lround(options.textureX / options.downsample));
-    request.textureOrigin.y = static_cast<A_long>(std::lround(options.textureY / options.downsample));
-    request.canvas = CanvasOf(options.canvas);
-    request.params = &params;
-    SetTime(options, request);
-    return request;
+    const MomentLayers worlds{&layers.layer,
+                              options.layerWidth ? options.layerWidth : layers.layer.Width() * options.downsample,
+                              options.layerHeight ? options.layerHeight : layers.layer.Height() * options.downsample,
+                              layers.texture.IsNull() ? nullptr : &layers.texture};
+    const FrameSettings settings{options.downsample, CanvasOf(options.canvas), options.textureX, options.textureY};
+    return MakeFrameRequest(worlds, settings, TimeOf(options), &params);
 }
 
 Rectangle RectangleOf(const PF_LRect& rect) {

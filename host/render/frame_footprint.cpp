@@ -8,8 +8,6 @@
 #include <optional>
 #include <vector>
 
-#include "host/cli/render_options.h"
-
 namespace {
 
 std::uint64_t BytesOf(const World& world) {
@@ -35,10 +33,10 @@ std::vector<PF_LRect> PicturesOf(const FrameJob& job, const FirstFrame& first, E
     for (std::size_t i = 0; i < asked; ++i) {
         const PlannedFrame& frame = job.values ? frames[i * frames.size() / asked] : frames[first.frame];
         std::optional<ParamSet> values;
-        if (job.values) values = job.values(frame.number.Value(), session.Params());
+        if (job.values) values = job.values(frame.position, session.Params());
         const auto answer = session.PreRender(RequestFor(job, frame, first.layers, values ? &*values : nullptr));
         if (!answer) continue;
-        pictures.push_back(job.canvas == Canvas::kGrow ? answer->maxRect : answer->resultRect);
+        pictures.push_back(job.settings.canvas == Canvas::kGrow ? answer->maxRect : answer->resultRect);
     }
     return pictures;
 }

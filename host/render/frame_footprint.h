@@ -4,8 +4,8 @@
 
 // What the frames of a sequence cost in memory, as the effect answers before anything is drawn.
 
-#include "host/render/draw_frames.h"
 #include "host/render/memory_plan.h"
+#include "host/render/worker.h"
 #include "host/session/renderer.h"
 
 /// What a frame costs, judged by the layers of the first one: with values that move, the largest of up to 64 frames

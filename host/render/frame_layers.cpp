@@ -9,6 +9,11 @@
 
 using Shared = std::shared_ptr<const Layer>;
 
+MomentLayers WorldsOf(const FrameLayers& layers) {
+    return {&layers.input->pixels, layers.input->width, layers.input->height,
+            layers.texture ? &layers.texture->pixels : nullptr};
+}
+
 Result<Shared> LayerReader::ReadLayer(const Source& source, std::optional<Depth> depth) const {
     const auto& clip = source.isTexture ? options_.textureClip : options_.inputClip;
     const auto picture = source.clipFrame ? clip(*source.clipFrame)
@@ -24,7 +29,7 @@ Result<Shared> LayerReader::ReadLayer(const Source& source, std::optional<Depth>
     if (options_.downsample == 1) layer->frameOrigin = picture->frameOrigin;
     layer->bits = picture->bits;
     layer->kept = {options_.compression, picture->isHalf && !options_.depth, picture->metadata, options_.outputDepth,
-                   ""};
+                   options_.format};
     layer->note = picture->note;
     layer->metadataNote = picture->metadataNote;
     return Shared(std::move(layer));

@@ -12,6 +12,7 @@
 
 #include "host/image/picture.h"
 #include "host/render/frame_plan.h"
+#include "host/session/effect_session.h"
 
 /// How pictures become layers.
 struct LayerOptions {
@@ -19,7 +20,8 @@ struct LayerOptions {
     int downsample = 1;
     std::string compression{};  ///< of the picture that will be written; see WriteOptions
     FileDepth outputDepth = FileDepth::kAuto;
-    ReadOptions read{};  ///< which image of the input's files
+    std::string format{};  ///< of standard output
+    ReadOptions read{};    ///< which image of the input's files
     /// A frame of the clip that the input is, and of the one that the texture is.
     std::function<Result<Picture>(int)> inputClip{};
     std::function<Result<Picture>(int)> textureClip{};
@@ -41,6 +43,9 @@ struct FrameLayers {
     std::shared_ptr<const Layer> input;
     std::shared_ptr<const Layer> texture;  ///< null for none; in the input's depth
 };
+
+/// The layers as a request has them; they must outlive it.
+MomentLayers WorldsOf(const FrameLayers& layers);
 
 /// Safe on every thread.
 class LayerReader {

@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <filesystem>
 #include <limits>
@@ -19,55 +20,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool IsFile(const std::string& path) {
-    std::error_code error;
-    return fs::exists(path, error);
-}
-
-/// An existing file of the very name is that file, whatever signs its name has; and an @ is a sign like any other
-/// unless there is a sequence behind it.
-Result<FrameSource> SourceOf(const std::string& path, int offset, std::optional<int> clipFrames = {}) {
-    FrameSource source{path, {}, {}, offset, clipFrames};
-    if (clipFrames) {
-        source.onDisk.resize(static_cast<std::size_t>(*clipFrames));
-        std::iota(source.onDisk.begin(), source.onDisk.end(), 0);
-        return source;
-    }
-    if (path.empty() || IsFile(path)) return source;
-    auto pattern = FramePattern::Find(path);
-    if (!pattern) return pattern.Error();
-    source.pattern = *pattern;
-    if (source.pattern) source.onDisk = source.pattern->FramesOnDisk();
-    if (source.pattern && source.pattern->IsWeak() && source.onDisk.empty()) source.pattern.reset();
-    return source;
-}
-
-/// The file of a frame, and what stands in for it.
-struct Found {
-    std::string path;
-    std::optional<int> clipFrame;
-    std::optional<int> held;
-    bool exists = true;
-    int wanted = 0;
-};
-
-Found FindFrame(const FrameSource& source, int frame, MissingFrames missing) {
-    if (!source.HasFrames()) return {source.path, {}, {}, true, frame};
-    const int wanted = frame + source.offset;
-    const auto& onDisk = source.onDisk;
-    const auto after = std::lower_bound(onDisk.begin(), onDisk.end(), wanted);
-    const bool exists = after != onDisk.end() && *after == wanted;
-    const bool isHeld = !exists && missing == MissingFrames::kHold && !onDisk.empty();
-    const int shown = !isHeld ? wanted : after != onDisk.begin() ? *std::prev(after) : *after;
-    Found found{source.path, {}, {}, exists || isHeld, wanted};
-    if (isHeld) found.held = shown;
-    if (source.pattern) found.path = source.pattern->PathOf(shown);
-    if (source.clipFrames) found.clipFrame = shown;
-    return found;
-}
-
 /// What to call a frame that is not there, and why it is not.
-void NameMissing(const FrameSource& source, const Found& found, PlannedFrame& frame) {
+void NameMissing(const FrameSource& source, const FrameFile& found, PlannedFrame& frame) {
     frame.missing = fmt::format("'{}'", found.path);
     frame.missingReason = "there is no such file";
     if (!source.clipFrames) return;
@@ -171,12 +125,12 @@ PlannedFrame PlanFrame(const PlanRequest& request, const FrameSource& input, con
     PlannedFrame frame;
     frame.number = number;
     // Between two frames of an input the one that has begun is shown.
-    const Found layer = FindFrame(input, number.Begun(), request.missing);
+    const FrameFile layer = input.FileAt(number.Begun(), request.missing);
     frame.input = layer.path;
     frame.inputClipFrame = layer.clipFrame;
     frame.heldInput = layer.held;
-    Found picture;
-    if (!texture.path.empty()) picture = FindFrame(texture, number.Begun(), request.missing);
+    FrameFile picture;
+    if (!texture.path.empty()) picture = texture.FileAt(number.Begun(), request.missing);
     frame.texture = picture.path;
     frame.textureClipFrame = picture.clipFrame;
     frame.heldTexture = picture.held;
@@ -211,9 +165,9 @@ Result<Done> CheckMissing(const std::vector<PlannedFrame>& frames) {
 
 /// Every frame of the set, whatever the chunk: another chunk's machine may be writing what this one would read.
 Result<FramePlan> WholePlan(const PlanRequest& request) {
-    const auto input = SourceOf(request.input, request.inputOffset, request.inputClip);
+    const auto input = FrameSource::Find(request.input, request.inputOffset, request.inputClip);
     if (!input) return input.Error();
-    const auto texture = SourceOf(request.texture, request.textureOffset, request.textureClip);
+    const auto texture = FrameSource::Find(request.texture, request.textureOffset, request.textureClip);
     if (!texture) return texture.Error();
     const auto whole = WholeSet(request, *input, *texture);
     if (!whole) return whole.Error();
@@ -226,6 +180,7 @@ Result<FramePlan> WholePlan(const PlanRequest& request) {
     plan.input = *input;
     plan.texture = *texture;
     plan.rate = times->finest;
+    plan.framesPerSecond = request.rate.PerSecond();
     plan.zeroFrame = request.zeroFrame;
     plan.leavesOutMissing = request.missing == MissingFrames::kSkip;
     std::vector<PlannedFrame>& frames = plan.frames;
@@ -233,6 +188,7 @@ Result<FramePlan> WholePlan(const PlanRequest& request) {
         frames.push_back(PlanFrame(request, *input, *texture, number));
         PlannedFrame& frame = frames.back();
         frame.time = static_cast<A_long>(times->TimeOf(number));
+        frame.position = number.Value();
         plan.wholeSet.push_back({number, frame.time});
         plan.totalTime = std::max(plan.totalTime, frame.time + plan.rate.step);
         frame.output = *output ? (*output)->PathOf(number) : request.output;
@@ -248,7 +204,7 @@ Result<FramePlan> WholePlan(const PlanRequest& request) {
 Result<bool> MeansSequence(const PlanRequest& request) {
     if (request.frames || request.inputClip || request.textureClip) return true;
     for (const std::string& path : {request.input, request.texture}) {
-        const auto source = SourceOf(path, 0);
+        const auto source = FrameSource::Find(path, 0);
         if (!source) return source.Error();
         if (source->pattern) return true;
     }
@@ -258,18 +214,6 @@ Result<bool> MeansSequence(const PlanRequest& request) {
                    fmt::format("'{}' has a field for the frame's number, but '{}' is a single picture; "
                                "say which frames to draw with --frames",
                                request.output, request.input)};
-}
-
-std::string FrameSource::ShownAt(int frame) const {
-    return FindFrame(*this, frame, MissingFrames::kHold).path;
-}
-
-std::optional<int> FrameSource::ClipFrameShownAt(int frame) const {
-    return FindFrame(*this, frame, MissingFrames::kHold).clipFrame;
-}
-
-bool FrameSource::Has(int frame) const {
-    return FindFrame(*this, frame, MissingFrames::kError).exists;
 }
 
 Result<std::vector<FrameNumber>> WholeFrameSet(const PlanRequest& request) {
@@ -297,6 +241,28 @@ Result<FramePlan> PlanFrames(const PlanRequest& request) {
     if (request.missing == MissingFrames::kError && !request.keepGoing) {
         if (auto complete = CheckMissing(plan.frames); !complete) return complete.Error();
     }
+    return plan;
+}
+
+FramePlan PlanImage(const ImageRequest& request) {
+    // A thousandth of the usual frame is close to any time that is typed.
+    constexpr FrameRate kClock{24000, 1000};
+    FramePlan plan;
+    plan.isImage = true;
+    plan.rate = kClock;
+    plan.framesPerSecond = request.rate.PerSecond();
+    plan.zeroFrame = request.zeroFrame;
+    plan.input.path = request.input;
+    plan.texture.path = request.texture;
+    PlannedFrame frame;
+    frame.input = request.input;
+    frame.texture = request.texture;
+    frame.output = request.output;
+    frame.inputChanges = frame.textureChanges = false;
+    frame.time = static_cast<A_long>(std::lround(request.seconds * kClock.scale));
+    frame.position = request.seconds * plan.framesPerSecond + request.zeroFrame;
+    plan.totalTime = frame.time + kClock.step;
+    plan.frames.push_back(std::move(frame));
     return plan;
 }
 

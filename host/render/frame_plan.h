@@ -10,15 +10,8 @@
 #include <vector>
 
 #include "host/render/frame_numbers.h"
-#include "host/render/frame_pattern.h"
+#include "host/render/frame_source.h"
 #include "host/result.h"
-
-/// What to do about a frame whose file is not there.
-enum class MissingFrames {
-    kError,  ///< nothing is drawn
-    kHold,   ///< the nearest frame before it is shown, else the nearest after it
-    kSkip,   ///< it is left out
-};
 
 struct PlanRequest {
     std::string input;    ///< a picture or a pattern
@@ -40,22 +33,14 @@ struct PlanRequest {
     int zeroFrame = 0;  ///< the frame at time 0
 };
 
-/// Where frames come from: one picture, or one for each.
-struct FrameSource {
-    std::string path;  ///< empty for none
-    std::optional<FramePattern> pattern{};
-    std::vector<int> onDisk{};        ///< of the pattern, rising
-    int offset = 0;                   ///< frame f is the pattern's frame f + offset
-    std::optional<int> clipFrames{};  ///< how many frames the clip has that it is; `onDisk` has their numbers
-
-    bool HasFrames() const { return pattern || clipFrames; }
-
-    /// The file that shows at a frame: its own, else that of the nearest before it, else the first.
-    std::string ShownAt(int frame) const;
-    /// The same of a clip: its frame; nothing of pictures.
-    std::optional<int> ClipFrameShownAt(int frame) const;
-    /// Whether a frame has an image of its own: always where there is one image for all, or none.
-    bool Has(int frame) const;
+/// A single image at a moment. A path "-" is standard input or output.
+struct ImageRequest {
+    std::string input;
+    std::string texture;  ///< empty for none
+    std::string output;
+    double seconds = 0;  ///< from -kLongestTime to kLongestTime
+    FrameRate rate{};    ///< of the values that move
+    int zeroFrame = 0;   ///< their frame at time 0
 };
 
 struct PlannedFrame {
@@ -78,7 +63,8 @@ struct PlannedFrame {
     std::optional<int> heldTexture{};       ///< the texture's
     bool inputChanges = true;               ///< its input is its own; else others may share it, and it is worth keeping
     bool textureChanges = true;
-    A_long time = 0;  ///< in units of 1/rate.scale seconds
+    A_long time = 0;      ///< in units of 1/rate.scale seconds
+    double position = 0;  ///< the frame that values which move are taken at: its number, or for a single image any
 };
 
 /// A frame of the whole set.
@@ -94,9 +80,11 @@ struct FramePlan {
     /// As it was asked for, in a unit that every frame is a whole number of: a set with quarters of frames at 24 frames
     /// a second has 96/4.
     FrameRate rate{};
-    int zeroFrame = 0;
-    A_long totalTime = 1;  ///< up to the end of the last frame of the whole set; at least one step
-    FrameSource input{};   ///< for times that are no frame's
+    double framesPerSecond = 24;  ///< of the values that move
+    int zeroFrame = 0;            ///< the frame at time 0
+    bool isImage = false;         ///< a single image, which has no number
+    A_long totalTime = 1;         ///< up to the end of the last frame of the whole set; at least one step
+    FrameSource input{};          ///< for times that are no frame's
     FrameSource texture{};
 };
 
@@ -108,6 +96,9 @@ Result<bool> MeansSequence(const PlanRequest& request);
 /// over a file that is read, or when a time is too far off; with `ExitCode::kFile` when files are missing or the place
 /// of the output cannot be written.
 Result<FramePlan> PlanFrames(const PlanRequest& request);
+
+/// The plan of a single image: one frame, at the moment's step of 1/24000 second. Looks at no file.
+FramePlan PlanImage(const ImageRequest& request);
 
 /// All frames of the set, whatever the chunk, for whoever divides them. Fails as PlanFrames does, except that files may
 /// be missing, which may be made before they are needed.

@@ -10,6 +10,9 @@
 
 #include "host/render/pipeline.h"
 
+/// As many frames may be drawn at once.
+inline constexpr int kMostThreads = 16;
+
 /// Bytes of one frame's pictures. See docs/sequences.md for the formula that is made of them.
 struct FrameFootprint {
     std::uint64_t file = 0;          ///< the input's pixels at full size, at the depth of its file

@@ -171,6 +171,12 @@ void ShareSteps(std::vector<Duty>& duties, std::size_t threads) {
 
 Result<Done> RunPipeline(std::size_t count, const PipelineShape& shape, const PipelineStep& read,
                          const PipelineStep& draw, const PipelineStep& write) {
+    if (count == 1) {
+        for (const PipelineStep* step : {&read, &draw, &write}) {
+            if ((*step)(0, 0) != AfterStep::kGoOn) break;
+        }
+        return Done{};
+    }
     Pipeline pipeline(count, shape, {&read, &draw, &write});
     std::vector<Duty> duties = DutiesOf(shape);
     // What a thread does depends on how many there are, so the first ones wait until that is known.

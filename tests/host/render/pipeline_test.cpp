@@ -209,6 +209,21 @@ TEST(Pipeline, WithoutAnyThreadNothingIsBegun) {
     });
 }
 
+TEST(Pipeline, ASingleFrameRunsOnTheCallersThread) {
+    Log log;
+    const auto here = std::this_thread::get_id();
+    const auto onlyHere = [&](char step) {
+        return [&log, step, here](std::size_t frame, int thread) {
+            EXPECT_EQ(std::this_thread::get_id(), here);
+            EXPECT_EQ(thread, 0);
+            log.Note(step, frame);
+            return step == 'd' ? AfterStep::kLeave : AfterStep::kGoOn;
+        };
+    };
+    ASSERT_TRUE(RunPipeline(1, {2, 2, 2, 4, false}, onlyHere('r'), onlyHere('d'), onlyHere('w')));
+    EXPECT_EQ(log.OfFrame(0), "rd") << "a frame that leaves has no further step";
+}
+
 TEST(Pipeline, AnExceptionComesOut) {
     for (const PipelineShape& shape : kShapes) {
         const auto pass = [](std::size_t, int) { return AfterStep::kGoOn; };

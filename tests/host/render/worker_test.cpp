@@ -3,7 +3,7 @@
 
 // Frames drawn by several instances of an effect: what the effect sees, what comes out, what failures leave.
 
-#include "host/render/draw_frames.h"
+#include "host/render/worker.h"
 
 #include <algorithm>
 #include <map>
@@ -171,9 +171,9 @@ TEST_F(DrawFramesTest, ATextureLiesWhereItIsToLie) {
     WritePng("tex.1.png", {255, 9, 8, 7}, 2, 1);
     request.texture = Path("tex.1.png");
     request.frames = {1, 2};
-    job.downsample = 1;
-    job.textureX = 3;
-    job.textureY = 2;
+    job.settings.downsample = 1;
+    job.settings.textureX = 3;
+    job.settings.textureY = 2;
     Draw(2);
     EXPECT_THAT(seen->picture.result_rect, IsRect(3, 2, 5, 3));
     EXPECT_EQ(seen->pictureWorld.width, 2);

@@ -3,7 +3,7 @@
 
 // The one rectangle of a sequence: as text, at a lower resolution, and asked of an effect before anything is drawn.
 
-#include "host/render/sequence_canvas.h"
+#include "host/render/set_canvas.h"
 
 #include <OpenImageIO/imageio.h>
 
@@ -159,7 +159,7 @@ TEST_F(SetCanvasTest, SizesAreThoseOfTheFiles) {
     WritePng("in.5.png", 3, 9);
     EXPECT_THAT(Find(), ElementsAre(0, 0, 6, 9));
     EXPECT_EQ(commands.size(), 2u * 6);
-    job.downsample = 2;
+    job.settings.downsample = 2;
     EXPECT_THAT(Find(), ElementsAre(0, 0, 3, 5));
 }
 

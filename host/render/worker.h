@@ -13,6 +13,7 @@
 #include "host/render/frame_layers.h"
 #include "host/render/frame_pixels.h"
 #include "host/render/frame_plan.h"
+#include "host/render/frame_request.h"
 #include "host/render/pipeline.h"
 #include "host/session/effect_session.h"
 
@@ -45,6 +46,8 @@ class FrameWatcher {
     virtual ~FrameWatcher() = default;
     /// A frame (an index of the plan's) begins a step; `session` is what draws it.
     virtual void Begins(std::size_t frame, FrameStep step, const EffectSession* session) = 0;
+    /// A frame was drawn; its pixels are about to be taken from it.
+    virtual void Draws(std::size_t, const Frame&, const EffectSession&) {}
     /// A frame is done with. Called once for each frame that is reached.
     virtual void Ends(std::size_t frame, const FrameOutcome& outcome) = 0;
 };
@@ -52,18 +55,15 @@ class FrameWatcher {
 /// What is drawn, and how.
 struct FrameJob {
     const FramePlan* plan = nullptr;
-    int downsample = 1;
-    Canvas canvas = Canvas::kGrow;      ///< what the effect is asked for
+    FrameSettings settings{};
     std::optional<PF_LRect> picture{};  ///< what every image covers, in drawn pixels; without it each what was drawn
-    double textureX = 0;                ///< where the texture's top-left lies, in pixels of the full-size layer
-    double textureY = 0;
-    bool keepGoing = false;  ///< a frame that fails does not end the others
+    bool keepGoing = false;             ///< a frame that fails does not end the others
     /// The values at a frame, whole or not; without it those of the session that draws it. Safe on every thread.
     std::function<ParamSet(double frame, const ParamSet&)> values{};
     /// Says an effect's failure in better words.
     std::function<Failure(const Failure&, const EffectSession&)> explain{};
     /// Where a frame goes instead of a picture file of its own.
-    std::function<Result<Done>(const Drawn&, const Placement&)> write{};
+    std::function<Result<Done>(const Drawn&, const Placement&, const WriteOptions&)> write{};
     PipelineShape shape{};
     std::uint64_t frameBytes = 0;  ///< the memory that one frame takes at most; 0 when nobody knows
 };
@@ -78,11 +78,16 @@ double FrameAt(const FramePlan& plan, const Moment& moment);
 /// The frame that shows at a moment: the last one that has begun.
 int FrameShownAt(const FramePlan& plan, const Moment& moment);
 
-/// A frame whose pictures were read before the others.
+/// A frame whose images were read before the others.
 struct FirstFrame {
     std::size_t frame = 0;
-    FrameLayers layers;
+    FrameLayers layers;   ///< empty where there is nothing to draw
+    double readTime = 0;  ///< milliseconds
 };
+
+/// Reads the first frame that is to be drawn and can be read: the session is about its size. Unless it keeps going,
+/// fails as LayerReader::Read does.
+Result<FirstFrame> ReadFirst(const FramePlan& plan, LayerReader& reader, bool keepGoing);
 
 /// Draws all frames, as many at once as `job.shape` says; `sessions` has one instance for each drawing thread, and they
 /// have the same values. Unless it keeps going, the first failure ends it: frames that were drawn are still written,

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "host/render/draw_frames.h"
+#include "host/render/worker.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <cstdint>
 #include <map>
 #include <new>
@@ -53,9 +52,7 @@ class OtherTimes {
             }
             known = read_.emplace(number, std::move(*layers)).first;
         }
-        const FrameLayers& layers = known->second;
-        return MomentLayers{&layers.input->pixels, layers.input->width, layers.input->height,
-                            layers.texture ? &layers.texture->pixels : nullptr};
+        return WorldsOf(known->second);
     }
 
  private:
@@ -104,12 +101,13 @@ class FrameWorker {
         const Timer timer;
         if (index == first_.frame && first_.layers.input) {
             work.layers = std::move(first_.layers);
+            work.outcome.readTime = first_.readTime;
         } else {
             auto layers = reader_.Read(frame);
             if (!layers) return Fail(index, layers.Error());
             work.layers = std::move(*layers);
+            work.outcome.readTime = timer.Taken();
         }
-        work.outcome.readTime = timer.Taken();
         work.outcome.layerWidth = work.layers.input->width;
         work.outcome.layerHeight = work.layers.input->height;
         work.outcome.bits = work.layers.input->bits;
@@ -123,7 +121,7 @@ class FrameWorker {
         watcher_.Begins(index, FrameStep::kDraw, &session);
         const Timer timer;
         std::optional<ParamSet> values;
-        if (job_.values) values = job_.values(frame.number.Value(), session.Params());
+        if (job_.values) values = job_.values(frame.position, session.Params());
         FrameRequest request = RequestFor(job_, frame, work.layers, values ? &*values : nullptr);
         OtherTimes others(*job_.plan, reader_, work.layers);
         request.layersAt = [&](const Moment& moment) { return others.LayersAt(moment); };
@@ -134,10 +132,11 @@ class FrameWorker {
         }
         auto drawn = session.Render(request);
         if (!drawn) return Fail(index, job_.explain ? job_.explain(drawn.Error(), session) : drawn.Error());
+        watcher_.Draws(index, *drawn, session);
         work.outcome.message = drawn->message;
         const World& layer = work.layers.input->pixels;
         std::optional<PF_LRect> canvas = job_.picture;
-        if (!canvas && job_.canvas == Canvas::kLayer) canvas = PF_LRect{0, 0, layer.Width(), layer.Height()};
+        if (!canvas && job_.settings.canvas == Canvas::kLayer) canvas = PF_LRect{0, 0, layer.Width(), layer.Height()};
         auto picture = PictureOf(*drawn, canvas, layer.Width(), layer.Height(), layer.PixelDepth());
         if (!picture) return Fail(index, picture.Error());
         work.drawn = std::move(*picture);
@@ -154,7 +153,7 @@ class FrameWorker {
         watcher_.Begins(index, FrameStep::kWrite, nullptr);
         const Timer timer;
         const std::string& output = job_.plan->frames[index].output;
-        const auto written = job_.write ? job_.write(work.drawn, work.place)
+        const auto written = job_.write ? job_.write(work.drawn, work.place, work.kept)
                                         : WritePicture(output, work.drawn.pixels, work.place, work.kept);
         if (!written) return Fail(index, written.Error());
         work.outcome.writeTime = timer.Taken();
@@ -197,7 +196,7 @@ class FrameWorker {
 }  // namespace
 
 double FrameAt(const FramePlan& plan, const Moment& moment) {
-    return plan.zeroFrame + plan.rate.PerSecond() * moment.value / moment.scale;
+    return plan.zeroFrame + plan.framesPerSecond * moment.value / moment.scale;
 }
 
 int FrameShownAt(const FramePlan& plan, const Moment& moment) {
@@ -210,21 +209,23 @@ int FrameShownAt(const FramePlan& plan, const Moment& moment) {
 
 FrameRequest RequestFor(const FrameJob& job, const PlannedFrame& frame, const FrameLayers& layers,
                         const ParamSet* params) {
-    FrameRequest request;
-    request.layer = &layers.input->pixels;
-    request.layerWidth = layers.input->width;
-    request.layerHeight = layers.input->height;
-    request.downsampleX = request.downsampleY = {1, static_cast<A_u_long>(job.downsample)};
-    request.texture = layers.texture ? &layers.texture->pixels : nullptr;
-    request.textureOrigin.x = static_cast<A_long>(std::lround(job.textureX / job.downsample));
-    request.textureOrigin.y = static_cast<A_long>(std::lround(job.textureY / job.downsample));
-    request.canvas = job.canvas;
-    request.time = frame.time;
-    request.timeStep = job.plan->rate.step;
-    request.totalTime = job.plan->totalTime;
-    request.timeScale = job.plan->rate.scale;
-    request.params = params;
-    return request;
+    const FrameRate& rate = job.plan->rate;
+    return MakeFrameRequest(WorldsOf(layers), job.settings, {frame.time, rate.step, job.plan->totalTime, rate.scale},
+                            params);
+}
+
+Result<FirstFrame> ReadFirst(const FramePlan& plan, LayerReader& reader, bool keepGoing) {
+    for (std::size_t i = 0; i < plan.frames.size(); ++i) {
+        if (plan.frames[i].state != PlannedFrame::State::kDraw) continue;
+        const Timer timer;
+        auto layers = reader.Read(plan.frames[i]);
+        if (layers) return FirstFrame{i, std::move(*layers), timer.Taken()};
+        if (keepGoing) continue;
+        if (plan.isImage) return layers.Error();
+        return Failure{layers.Error().code,
+                       fmt::format("frame {}: {}", plan.frames[i].number, layers.Error().sentence)};
+    }
+    return FirstFrame{};
 }
 
 Result<Done> DrawFrames(const FrameJob& job, const std::vector<EffectSession*>& sessions, LayerReader& reader,

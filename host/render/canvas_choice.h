@@ -2,13 +2,12 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// The one rectangle that all images of a sequence cover: as it is typed, and as the union of what the effect draws in
-// each frame of the whole set, found out without drawing.
+// What a written image covers: as it is typed, and in drawn pixels.
 
 #include <string>
 
-#include "host/render/draw_frames.h"
 #include "host/result.h"
+#include "hostapi/geometry.h"
 
 /// What a written image covers.
 struct CanvasChoice {
@@ -36,10 +35,3 @@ PF_LRect FullSizeCanvas(const PF_LRect& drawn, int downsample);
 
 /// Fails with `ExitCode::kUsage` when a rectangle of drawn pixels is larger than an image can be.
 Result<Done> CheckCanvas(const PF_LRect& drawn, int downsample);
-
-/// The union of what each image of the job's whole set covers when each has a rectangle of its own, in drawn pixels.
-/// The effect is asked with pre-render alone: about every frame, or about one where neither values nor the sizes of
-/// layers change. A frame for which it fails is left out; it fails again when it is drawn. `known` has the layers of
-/// one frame of the set: their depth is that of all, and their size where no file can be read. `session` is used for
-/// every frame. `read` chooses the image of the input's files, as for the reader of the layers.
-PF_LRect SetCanvas(const FrameJob& job, const FrameLayers& known, EffectSession& session, const ReadOptions& read = {});
