@@ -18,7 +18,7 @@
 #include "host/compositing/row_pool.h"
 #include "host/compositing/transfer_rect.h"
 #include "host/compositing/world.h"
-#include "host/suites/iterate.h"
+#include "host/suites/pf/iterate.h"
 #include "hostapi/limits.h"
 
 namespace {

@@ -13,7 +13,7 @@
 
 #include "host/drawing/new_drawing.h"
 #include "host/parameters/param_kind.h"
-#include "host/suites/drawbot_text.h"
+#include "host/suites/drawbot/text.h"
 
 namespace {
 

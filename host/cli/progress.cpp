@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <utility>
 
-#include "host/compositing/start_threads.h"
+#include "host/process/start_threads.h"
 
 namespace {
 

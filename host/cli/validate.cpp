@@ -17,7 +17,7 @@
 #include "host/cli/results.h"
 #include "host/module/module.h"
 #include "host/session/renderer.h"
-#include "host/validate/runner.h"
+#include "host/validate/runner/runner.h"
 
 namespace {
 

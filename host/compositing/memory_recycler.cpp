@@ -9,8 +9,8 @@
 #include <mutex>
 #include <vector>
 
-#include "host/compositing/fork_lock.h"
 #include "host/compositing/large_pages.h"
+#include "host/process/fork_lock.h"
 
 namespace {
 

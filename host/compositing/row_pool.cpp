@@ -15,7 +15,7 @@
 #include <thread>
 #include <vector>
 
-#include "host/compositing/start_threads.h"
+#include "host/process/start_threads.h"
 
 namespace {
 

@@ -13,8 +13,8 @@
 #include <new>
 #include <utility>
 
-#include "host/compositing/fork_lock.h"
 #include "host/compositing/row_pool.h"
+#include "host/process/fork_lock.h"
 
 namespace {
 

@@ -15,9 +15,9 @@
 #include <vector>
 
 #include "host/compositing/memory_shortage.h"
-#include "host/compositing/start_threads.h"
 #include "host/image/codec.h"
 #include "host/loading/own_object.h"
+#include "host/process/start_threads.h"
 
 namespace {
 

@@ -22,12 +22,12 @@
 
 #include "host/compositing/memory_shortage.h"
 #include "host/compositing/row_pool.h"
-#include "host/compositing/start_threads.h"
 #include "host/image/codec.h"
 #include "host/image/encoded_file.h"
 #include "host/image/metadata.h"
 #include "host/image/picture.h"
 #include "host/image/picture_channels.h"
+#include "host/process/start_threads.h"
 #include "host/why_no_file.h"
 #include "hostapi/limits.h"
 

@@ -14,13 +14,13 @@
 #include <vector>
 
 #include "host/compositing/memory_shortage.h"
-#include "host/compositing/start_threads.h"
 #include "host/image/codec.h"
 #include "host/image/encoded_file.h"
 #include "host/image/metadata.h"
 #include "host/image/picture.h"
 #include "host/image/picture_format.h"
 #include "host/image/picture_place.h"
+#include "host/process/start_threads.h"
 #include "host/process/temporary_file.h"
 
 namespace {

@@ -12,8 +12,8 @@
 #include <thread>
 #include <vector>
 
-#include "host/compositing/start_threads.h"
 #include "host/image/image_threads.h"
+#include "host/process/start_threads.h"
 
 namespace {
 

@@ -13,12 +13,12 @@
 #include <utility>
 
 #include "host/animation/preset.h"
-#include "host/compositing/fork_lock.h"
 #include "host/compositing/memory_shortage.h"
 #include "host/library/parameter_list.h"
 #include "host/library/pixel_order.h"
 #include "host/library/shared_module.h"
 #include "host/parameters/param_kind.h"
+#include "host/process/fork_lock.h"
 #include "host/render/frame_limits.h"
 #include "host/render/frame_request.h"
 

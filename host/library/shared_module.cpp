@@ -10,7 +10,7 @@
 #include <system_error>
 #include <utility>
 
-#include "host/compositing/fork_lock.h"
+#include "host/process/fork_lock.h"
 
 namespace {
 

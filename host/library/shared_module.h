@@ -11,8 +11,8 @@
 #include <string>
 #include <utility>
 
-#include "host/compositing/fork_lock.h"
 #include "host/module/module.h"
+#include "host/process/fork_lock.h"
 #include "host/session/effect_session.h"
 #include "host/session/renderer.h"
 

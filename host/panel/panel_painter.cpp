@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "host/suites/drawbot_text.h"
+#include "host/suites/drawbot/text.h"
 
 namespace {
 

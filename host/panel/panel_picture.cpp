@@ -8,7 +8,7 @@
 #include "host/drawing/new_drawing.h"
 #include "host/panel/panel_painter.h"
 #include "host/session/remote_session.h"
-#include "host/suites/drawbot_canvas.h"
+#include "host/suites/drawbot/canvas.h"
 
 namespace {
 

@@ -19,8 +19,8 @@
 #include <system_error>
 #include <thread>
 
-#include "host/compositing/start_threads.h"
 #include "host/loading/program_file.h"
+#include "host/process/start_threads.h"
 
 extern char** environ;
 

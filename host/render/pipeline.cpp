@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "host/compositing/memory_shortage.h"
-#include "host/compositing/start_threads.h"
+#include "host/process/start_threads.h"
 
 namespace {
 

@@ -9,10 +9,10 @@
 #include <chrono>
 #include <iterator>
 
+#include "host/accounting/event_log.h"
 #include "host/session/error_names.h"
 #include "host/session/frame_record.h"
 #include "host/session/session_state.h"
-#include "host/suites/event_log.h"
 #include "host/suites/tables.h"
 
 namespace {

@@ -12,7 +12,7 @@
 
 #include "host/session/remote_session.h"
 #include "host/session/session_state.h"
-#include "host/suites/tokens.h"
+#include "host/suites/aegp/tokens.h"
 
 namespace {
 

@@ -15,14 +15,14 @@
 #include <string_view>
 #include <vector>
 
+#include "host/accounting/balance.h"
+#include "host/accounting/stage_clock.h"
 #include "host/compositing/world.h"
 #include "host/module/module.h"
 #include "host/parameters/param_set.h"
 #include "host/result.h"
-#include "host/suites/balance.h"
 #include "host/suites/panel_state.h"
 #include "host/suites/services.h"
-#include "host/suites/stage_clock.h"
 #include "hostapi/aegp_types.h"
 #include "hostapi/custom_ui.h"
 #include "hostapi/smart_render.h"

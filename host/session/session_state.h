@@ -11,9 +11,9 @@
 #include <string>
 #include <vector>
 
-#include "host/compositing/fork_lock.h"
 #include "host/module/module.h"
 #include "host/parameters/param_set.h"
+#include "host/process/fork_lock.h"
 #include "host/session/effect_session.h"
 #include "host/suites/services.h"
 #include "hostapi/commands.h"

@@ -14,7 +14,7 @@
 #include <mutex>
 #include <unordered_set>
 
-#include "host/compositing/fork_lock.h"
+#include "host/process/fork_lock.h"
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "host/compositing/fork_lock.h"
+#include "host/process/fork_lock.h"
 #include "hostapi/params.h"
 
 /// One row of the panel.

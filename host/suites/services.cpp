@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "host/compositing/fork_lock.h"
+#include "host/process/fork_lock.h"
 
 namespace {
 

@@ -17,10 +17,10 @@
 #include <utility>
 #include <vector>
 
-#include "host/compositing/fork_lock.h"
-#include "host/suites/balance.h"
+#include "host/accounting/balance.h"
+#include "host/accounting/stage_clock.h"
+#include "host/process/fork_lock.h"
 #include "host/suites/panel_state.h"
-#include "host/suites/stage_clock.h"
 #include "hostapi/aegp_types.h"
 #include "hostapi/errors.h"
 #include "hostapi/suites/umbrant_host_suite.h"

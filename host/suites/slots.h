@@ -10,7 +10,7 @@
 #include <string>
 #include <type_traits>
 
-#include "host/suites/event_log.h"
+#include "host/accounting/event_log.h"
 #include "host/suites/services.h"
 #include "hostapi/errors.h"
 

@@ -20,8 +20,8 @@
 #include <thread>
 #include <utility>
 
-#include "host/compositing/start_threads.h"
 #include "host/process/interruption.h"
+#include "host/process/start_threads.h"
 
 extern char** environ;
 

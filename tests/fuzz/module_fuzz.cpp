@@ -14,7 +14,7 @@
 #include "host/compositing/rectangles.h"
 #include "host/drawing/new_drawing.h"
 #include "host/session/effect_session.h"
-#include "host/suites/drawbot_canvas.h"
+#include "host/suites/drawbot/canvas.h"
 #include "hostapi/custom_ui.h"
 #include "hostapi/errors.h"
 #include "tests/fuzz/fake_module.h"

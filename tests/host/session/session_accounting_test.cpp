@@ -3,8 +3,8 @@
 
 // The log of a session, and the books kept from it, which agree with what the host counts.
 
-#include "host/suites/event_log.h"
-#include "host/suites/ledger.h"
+#include "host/accounting/event_log.h"
+#include "host/accounting/ledger.h"
 #include "tests/host/session/session_fixture.h"
 
 namespace {

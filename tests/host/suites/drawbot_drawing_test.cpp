@@ -6,7 +6,7 @@
 #include <cmath>
 #include <limits>
 
-#include "host/suites/drawbot_text.h"
+#include "host/suites/drawbot/text.h"
 #include "tests/host/suites/drawbot_fixture.h"
 
 namespace {

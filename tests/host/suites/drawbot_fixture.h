@@ -12,7 +12,7 @@
 #include <utility>
 
 #include "host/drawing/new_drawing.h"
-#include "host/suites/drawbot_canvas.h"
+#include "host/suites/drawbot/canvas.h"
 #include "tests/host/suites/suites_fixture.h"
 
 /// A pixel of the picture, premultiplied as a drawing has it.

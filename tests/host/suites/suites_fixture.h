@@ -7,9 +7,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "host/suites/aegp/tokens.h"
 #include "host/suites/services.h"
 #include "host/suites/tables.h"
-#include "host/suites/tokens.h"
 
 class SuitesTest : public ::testing::Test {
  protected:

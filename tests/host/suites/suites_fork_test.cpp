@@ -9,9 +9,9 @@
 #include <thread>
 
 #include "host/compositing/world.h"
-#include "host/suites/handles.h"
+#include "host/suites/aegp/tokens.h"
+#include "host/suites/pf/handles.h"
 #include "host/suites/services.h"
-#include "host/suites/tokens.h"
 #include "tests/support/child_process.h"
 #include "tests/support/sanitized.h"
 

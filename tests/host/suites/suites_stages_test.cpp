@@ -7,8 +7,8 @@
 
 #include <thread>
 
+#include "host/accounting/stage_clock.h"
 #include "host/suites/services.h"
-#include "host/suites/stage_clock.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 // What is made of measured times: sure answers where the measurements allow them, "unclear" where they do not. The
 // times are made up, so that the tests depend on no machine.
 
-#include "host/validate/timing.h"
+#include "host/validate/runner/timing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/process/start_threads.h"
+
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <memory>
+#include <new>
+#include <system_error>
+#include <utility>
+
+namespace {
+
+std::atomic<void (*)(const ThreadShortage&)> reporter{nullptr};
+
+constexpr int kAttempts = 10;
+constexpr std::chrono::milliseconds kPause{10};
+
+}  // namespace
+
+void ReportThreadShortage(void (*report)(const ThreadShortage&)) {
+    reporter = report;
+}
+
+void NoteThreadShortage(const ThreadShortage& shortage) {
+    // Taken out, so that one report is made.
+    if (const auto report = reporter.exchange(nullptr)) report(shortage);
+}
+
+std::optional<std::thread> StartThread(std::function<void()> work) {
+    for (int attempt = 1;; ++attempt) {
+        try {
+            return std::thread(work);
+        } catch (const std::system_error&) {
+            // A thread that was joined a moment ago may still be counted.
+            if (attempt == kAttempts) return std::nullopt;
+        } catch (const std::bad_alloc&) {
+            return std::nullopt;
+        }
+        std::this_thread::sleep_for(kPause);
+    }
+}
+
+bool SaysNoThread(const std::string& message) {
+    return message.find(std::generic_category().message(EAGAIN)) != std::string::npos;
+}
+
+std::vector<std::thread> StartThreads(int count, std::function<void(int index)> work) {
+    const auto shared = std::make_shared<const std::function<void(int)>>(std::move(work));
+    std::vector<std::thread> threads;
+    // Before the first one runs: nothing may be thrown while threads are joinable.
+    if (count > 0) threads.reserve(static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i) {
+        auto thread = StartThread([shared, i] { (*shared)(i); });
+        if (!thread) break;
+        threads.push_back(std::move(*thread));
+    }
+    return threads;
+}

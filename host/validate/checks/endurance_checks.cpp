@@ -1,0 +1,246 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// Level 10: a thousand frames, how their time grows, and a long random session.
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <map>
+#include <mutex>
+#include <regex>
+#include <thread>
+
+#include "host/process/start_threads.h"
+#include "host/validate/checks/panel_events.h"
+#include "host/validate/checks/stage.h"
+#include "host/validate/runner/process_memory.h"
+#include "host/validate/runner/processes.h"
+#include "host/validate/runner/timing.h"
+
+namespace {
+
+/// How many times the time limit the checks of this file may take.
+constexpr int kPatience = 10;
+
+using Clock = std::chrono::steady_clock;
+
+FrameRequest RequestOf(const World& layer) {
+    FrameRequest request;
+    request.layer = &layer;
+    return request;
+}
+
+void KeepsItsSize(Trial& trial) {
+    constexpr int kFrames = 1000, kWarmUp = 100;
+    constexpr double kMostPerFrame = 1024;
+    Stage stage(trial);
+    stage.Cheapen();
+    const World layers[] = {TestPicture(48, 40, Depth::k8), TestPicture(64, 20, Depth::k32),
+                            TestPicture(17, 90, Depth::k8)};
+    long before = 0;
+    int files = 0;
+    for (int i = 0; i < kFrames && !trial.Failed(); ++i) {
+        if (i == kWarmUp) {
+            before = ResidentBytes();
+            files = OpenFiles();
+        }
+        stage.Draw(RequestOf(layers[i % 3]), fmt::format("frame {}", i));
+        stage.Log().Clear();
+    }
+    const double slope = static_cast<double>(ResidentBytes() - before) / (kFrames - kWarmUp);
+    trial.Count("bytes a frame", std::max(0.0, slope));
+    if (slope > kMostPerFrame) {
+        trial.Fail(fmt::format("{} frames after the first {} grow the process by {:.0f} bytes each", kFrames - kWarmUp,
+                               kWarmUp, slope));
+    }
+    if (OpenFiles() > files) trial.Fail(fmt::format("{} frames left {} files open", kFrames, OpenFiles() - files));
+    stage.NoteMisbehaviour("");
+}
+
+/// The cost of frames with changing amounts of work, in milliseconds of processor time each, which other programs on
+/// the machine hardly change. What a graphics card computes is not in it.
+class FrameCost {
+ public:
+    FrameCost(Trial& trial, Stage& stage) : trial_(trial), stage_(stage) {}
+
+    /// The mean of as many frames as it takes to be well above the clock's resolution.
+    double Measure(const World& layer, const ParamSet& params, const std::string& what) {
+        constexpr double kLong = 10;
+        FrameRequest request = RequestOf(layer);
+        request.params = &params;
+        double sum = 0;
+        int frames = 0;
+        do {
+            const double before = ProcessorMilliseconds();
+            stage_.Draw(request, what);
+            const double time = ProcessorMilliseconds() - before;
+            stage_.Log().Clear();
+            single_[what].push_back(time);
+            sum += time;
+            ++frames;
+        } while (sum < kLong && !trial_.Failed() && ElapsedMilliseconds() < Deadline());
+        return sum / frames;
+    }
+
+    /// When measuring must come to an end: with half of the check's time.
+    double Deadline() const { return deadline_; }
+
+    /// Warns of single frames that cost much more than their like.
+    void WarnOfSlowFrames() {
+        constexpr double kMuch = 5, kNoticeable = 20;
+        for (auto& [what, times] : single_) {
+            std::sort(times.begin(), times.end());
+            const double usual = times[times.size() / 2];
+            if (times.back() <= kMuch * usual || times.back() <= kNoticeable) continue;
+            trial_.Warn(fmt::format("{}: one frame took {:.1f} ms of processor time, the usual frame {:.1f} ms", what,
+                                    times.back(), usual));
+        }
+    }
+
+ private:
+    Trial& trial_;
+    Stage& stage_;
+    std::map<std::string, std::vector<double>> single_;
+    const double deadline_ = ElapsedMilliseconds() + kPatience * trial_.Options().timeoutMilliseconds / 2.0;
+};
+
+/// Notes a cost that outgrows its work as a finding, and one that cannot be told in `unclear`.
+void NoteGrowth(Trial& trial, const std::string& what, double amount, const Growth& growth,
+                std::vector<std::string>& unclear) {
+    const std::string range = growth.most > 0 ? fmt::format("{:.1f} to {:.1f}", growth.least, growth.most) : "unknown";
+    const std::string text = fmt::format("{}: {:.0f} times the work takes {} times the time", what, amount, range);
+    if (growth.proportional == Claim::kFails) trial.Fail(text);
+    if (growth.proportional == Claim::kUnclear) unclear.push_back(text);
+}
+
+void TakesTimeInProportion(Trial& trial) {
+    Stage stage(trial);
+    stage.Cheapen();
+    const ParamSet cheap = stage.Session().Params();
+    FrameCost cost(trial, stage);
+    std::vector<std::string> unclear;
+    // Only rows that say so count work; what others do to time is theirs.
+    const std::regex counts("samples|steps|iterations|copies|passes", std::regex::icase);
+    const std::vector<double> amounts{8, 16, 32};
+    const World middle = TestPicture(160, 160, Depth::k8);
+    for (const int index : SettableRows(cheap)) {
+        const ParamRow& row = cheap.Row(index);
+        const auto range = RangeOf(row);
+        if (!range || range->validMax < amounts.back() || !std::regex_search(row.name, counts)) continue;
+        const auto costOf = [&](std::size_t k) {
+            ParamSet params = cheap;
+            SetNumberUnchecked(params.RawRow(index), amounts[k]);
+            return cost.Measure(middle, params, fmt::format("{} at {}", RowName(row), amounts[k]));
+        };
+        const Growth growth = MeasureGrowth(amounts, costOf, cost.Deadline());
+        NoteGrowth(trial, fmt::format("{} from 8 to 32", RowName(row)), amounts.back() / amounts.front(), growth,
+                   unclear);
+        trial.Count("rows timed");
+    }
+    const World layers[] = {TestPicture(128, 128, Depth::k8), TestPicture(256, 256, Depth::k8),
+                            TestPicture(512, 512, Depth::k8)};
+    double largest = 0;
+    const auto costOf = [&](std::size_t k) {
+        const std::string what = fmt::format("a layer of {0} x {0}", layers[k].Width());
+        const double time = cost.Measure(layers[k], cheap, what);
+        if (k == 2) largest = largest == 0 ? time : std::min(largest, time);
+        return time;
+    };
+    const Growth growth = MeasureGrowth({1, 4, 16}, costOf, cost.Deadline());
+    NoteGrowth(trial, "the layer's area", 16, growth, unclear);
+    trial.Count("ms for 512 x 512", largest);
+    cost.WarnOfSlowFrames();
+    if (!unclear.empty()) trial.Skip(NotMeasured(fmt::format("{}", fmt::join(unclear, "; "))));
+}
+
+/// One thread's random life.
+void Wander(Trial& trial, Stage& stage, std::uint64_t seed, Clock::time_point end, std::atomic<long>& frames) {
+    TrialOptions options = trial.Options();
+    options.seed = seed;
+    Trial dice(options);
+    const std::vector<Variant> variants = StyleVariants(stage.Session().Params(), 8);
+    while (Clock::now() < end) {
+        const Depth depth = dice.Draw(0, 1) ? Depth::k8 : Depth::k32;
+        const World layer = TestPicture(dice.Draw(0, 80), dice.Draw(0, 80), depth);
+        ParamSet params = stage.Session().Params();
+        variants[static_cast<std::size_t>(dice.Draw(0, static_cast<int>(variants.size()) - 1))].apply(params);
+        for (const int index : SettableRows(params)) {
+            ParamRow& row = params.RawRow(index);
+            const auto range = RangeOf(row);
+            if (range) SetNumberUnchecked(row, dice.DrawReal(LowNumber(*range, 0), LowNumber(*range, 8)));
+        }
+        FrameRequest request = RequestOf(layer);
+        request.params = &params;
+        if (dice.Draw(0, 3) == 0) request.texture = &layer;
+        if (dice.Draw(0, 3) == 0) request.canvas = Canvas::kLayer;
+        if (dice.Draw(0, 4) == 0) {
+            static_cast<void>(bool(stage.Session().PreRender(request)));
+            continue;
+        }
+        const auto frame = stage.Session().Render(request);
+        ++frames;
+        if (!frame) {
+            // The trial is the check's, and threads share it: the first word counts.
+            static std::mutex mutex;
+            const std::lock_guard lock(mutex);
+            trial.Fail(fmt::format("after {} frames: {}", frames.load(), frame.Error().sentence));
+            return;
+        }
+    }
+}
+
+void Soaks(Trial& trial) {
+    RunParts(trial,
+             {{"a long session",
+               [](Trial& part) {
+                   Stage stage(part);
+                   stage.Cheapen();
+                   const auto begin = Clock::now();
+                   const auto end = begin + std::chrono::seconds(part.Options().soakSeconds);
+                   std::atomic<long> frames{0};
+                   std::vector<std::thread> threads = StartThreads(std::max(2, ProcessorCount()), [&](int i) {
+                       Wander(part, stage, part.Options().seed * 1000 + static_cast<std::uint64_t>(i), end, frames);
+                   });
+                   if (threads.empty()) part.Skip("the system allows no thread");
+                   long before = 0;
+                   long framesBefore = 0;
+                   while (Clock::now() < end) {
+                       stage.TouchPanel();
+                       SendDrawEvents(part, stage);
+                       stage.Log().Clear();
+                       if (before == 0 && Clock::now() - begin > (end - begin) / 4) {
+                           before = ResidentBytes();
+                           framesBefore = frames;
+                       }
+                       std::this_thread::sleep_for(std::chrono::milliseconds(5));
+                   }
+                   for (std::thread& thread : threads) thread.join();
+                   const long counted = frames - framesBefore;
+                   const double slope =
+                       counted > 0 ? static_cast<double>(ResidentBytes() - before) / static_cast<double>(counted) : 0;
+                   part.Count("renders in the soak", static_cast<double>(frames.load()));
+                   part.Count("bytes a frame in the soak", std::max(0.0, slope));
+                   constexpr double kMost = 4096;
+                   constexpr long kEnough = 500;
+                   if (counted > kEnough && slope > kMost) {
+                       part.Fail(fmt::format("the process grows by {:.0f} bytes a frame", slope));
+                   }
+                   if (const auto ended = stage.Session().End(); !ended) part.Fail(ended.Error().sentence);
+                   stage.NoteMisbehaviour("after the soak");
+               },
+               {},
+               trial.Options().soakSeconds * 1000}});
+}
+
+}  // namespace
+
+std::vector<Check> EnduranceChecks() {
+    return {
+        {"10.1", "a thousand frames do not make it larger", KeepsItsSize, Needs::kQuiet, kPatience},
+        {"10.2", "the time of a frame grows no faster than its work", TakesTimeInProportion, Needs::kQuiet, kPatience},
+        {"10.5", "it holds out in a long session on all threads", Soaks, Needs::kSoakTime, 2},
+    };
+}

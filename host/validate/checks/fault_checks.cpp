@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// Level 7: host calls that are refused, suites that are missing, memory that cannot be had, and a second module of the
+// same kind beside the first.
+
+#include <dlfcn.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <iterator>
+
+#include "host/session/error_names.h"
+#include "host/validate/faults/fault_lab.h"
+
+namespace {
+
+/// An error that nobody has a name for, so that no effect can give it by chance.
+constexpr PF_Err kNamelessError = 1001;
+
+std::string Where(const FaultOutcome& outcome) {
+    return fmt::format("{}: with {} refused, ", outcome.scenario, outcome.plan.Text());
+}
+
+/// Whether a thing can only be given back through the suite that was refused.
+bool NeedsRefusedSuite(const FaultOutcome& outcome, Resource resource) {
+    const std::pair<const char*, Resource> kWays[] = {
+        {"PF Handle Suite", Resource::kHandle},   {"PF Handle Suite", Resource::kLock},
+        {"PF World Suite", Resource::kWorld},     {"AEGP Effect Suite", Resource::kEffectRef},
+        {"AEGP Stream Suite", Resource::kStream}, {"DRAWBOT Supplier Suite", Resource::kDrawObject}};
+    return std::any_of(std::begin(kWays), std::end(kWays), [&](const auto& way) {
+        return resource == way.second && outcome.plan.callee == std::string("AcquireSuite:") + way.first;
+    });
+}
+
+void JudgeBalance(Trial& trial, const FaultOutcome& outcome) {
+    for (const LedgerRow& row : outcome.uneven) {
+        if (!NeedsRefusedSuite(outcome, row.resource)) trial.Fail(Where(outcome) + row.sentence);
+    }
+    for (const std::string& sentence : outcome.misbehaviour) {
+        // The host itself says so when a global set-down was cut short by the refusal.
+        if (sentence.starts_with("after global set-down") || sentence.starts_with("drawing a frame left")) continue;
+        trial.Fail(Where(outcome) + sentence);
+    }
+}
+
+std::string CodeText(PF_Err error) {
+    return fmt::format("{} ({})", error, ErrorName(error));
+}
+
+void JudgeRefusal(Trial& trial, const FaultOutcome& outcome) {
+    const bool mayIgnore = GivesBack(outcome.plan.callee);
+    const bool returned = outcome.error == outcome.plan.error;
+    if (!returned && !(mayIgnore && outcome.error == PF_Err_NONE)) {
+        trial.Fail(fmt::format("{}{} returns {} instead of {}", Where(outcome), outcome.command,
+                               CodeText(outcome.error), CodeText(outcome.plan.error)));
+    }
+    if (!mayIgnore && !outcome.laterCall.empty()) {
+        trial.Fail(fmt::format("{}{} goes on to call {}", Where(outcome), outcome.command, outcome.laterCall));
+    }
+    JudgeBalance(trial, outcome);
+}
+
+void HandsErrorsBack(Trial& trial) {
+    InjectFaults(trial, {[](const std::string& callee) {
+                             return callee.find("Acquire") == std::string::npos &&
+                                    callee != "SP Basic Suite.ReleaseSuite" && !ReturnsNoError(callee);
+                         },
+                         {kNamelessError, PF_Interrupt_CANCEL},
+                         JudgeRefusal});
+}
+
+/// Where no code is demanded: an error, or words, or the picture as it would have been.
+void JudgeLoss(Trial& trial, const FaultOutcome& outcome) {
+    if (outcome.error == PF_Err_NONE && outcome.message.empty() && !outcome.samePixels) {
+        trial.Fail(fmt::format("{}{} returns no error and no message, but gives another picture", Where(outcome),
+                               outcome.command));
+    }
+}
+
+void StandsMissingSuites(Trial& trial) {
+    const auto isSuite = [](const std::string& callee) { return callee.starts_with("AcquireSuite:"); };
+    InjectFaults(trial, {isSuite, {A_Err_MISSING_SUITE}, [](Trial& judged, const FaultOutcome& outcome) {
+                             JudgeLoss(judged, outcome);
+                             if (!outcome.laterCall.empty() && outcome.error != PF_Err_NONE) {
+                                 judged.Fail(fmt::format("{}{} goes on to call {}", Where(outcome), outcome.command,
+                                                         outcome.laterCall));
+                             }
+                             JudgeBalance(judged, outcome);
+                         }});
+    InjectFaults(trial, {isSuite, {kLendNothing}, JudgeLoss});
+}
+
+void StandsWantOfMemory(Trial& trial) {
+    InjectFaults(trial, {[](const std::string& callee) {
+                             for (const char* word : {"host_new_handle", "host_lock_handle", "NewWorld", "new_world",
+                                                      "AllocateBlock", "host_resize_handle"}) {
+                                 if (callee.find(word) != std::string::npos) return true;
+                             }
+                             return false;
+                         },
+                         {PF_Err_OUT_OF_MEMORY},
+                         [](Trial& judged, const FaultOutcome& outcome) {
+                             JudgeLoss(judged, outcome);
+                             JudgeBalance(judged, outcome);
+                         }});
+}
+
+/// The digests of a few frames.
+std::vector<std::uint64_t> Frames(EffectSession& session, Trial& trial) {
+    std::vector<std::uint64_t> digests;
+    const World layer = TestPicture(40, 30, Depth::k8);
+    for (int i = 0; i < 3; ++i) {
+        FrameRequest request;
+        request.layer = &layer;
+        trial.Count("frames");
+        const auto frame = session.Render(request);
+        digests.push_back(frame ? DigestOf(frame->output) : 0);
+    }
+    return digests;
+}
+
+/// A copy of the module's file that is gone at the end of the scope.
+class SecondFile {
+ public:
+    explicit SecondFile(const std::filesystem::path& original)
+        : path(std::filesystem::temp_directory_path() / fmt::format("umbrant_second_{}.so", getpid())) {
+        std::error_code error;
+        std::filesystem::copy_file(original, path, std::filesystem::copy_options::overwrite_existing, error);
+        copied = !error;
+    }
+    ~SecondFile() {
+        std::error_code ignored;
+        std::filesystem::remove(path, ignored);
+    }
+    SecondFile(const SecondFile&) = delete;
+    SecondFile& operator=(const SecondFile&) = delete;
+    const std::filesystem::path path;
+    bool copied = false;
+};
+
+void LivesBesideAnother(Trial& trial) {
+    Stage stage(trial);
+    stage.Cheapen();
+    const auto alone = Frames(stage.Session(), trial);
+    const SecondFile second(trial.Options().module);
+    if (!second.copied) trial.Skip("the module's file cannot be copied");
+    auto other = Module::Load(second.path);
+    if (!other) trial.FailAndEnd(fmt::format("a second copy: {}", other.Error().sentence));
+    auto session = EffectSession::Start(*other);
+    if (!session) trial.FailAndEnd(fmt::format("a second copy: {}", session.Error().sentence));
+    for (const int row : SettableRows(stage.Session().Params())) {
+        session->Params().RawRow(row).def.u = stage.Session().Params().Row(row).def.u;
+        session->Params().RawRow(row).point = stage.Session().Params().Row(row).point;
+    }
+    if (Frames(*session, trial) != alone)
+        trial.Fail("a second copy of the module draws another picture beside the first");
+    if (Frames(stage.Session(), trial) != alone) trial.Fail("the module draws another picture beside a second copy");
+    const auto ended = session->End();
+    if (!ended) trial.Fail(fmt::format("a second copy: {}", ended.Error().sentence));
+    if (Frames(stage.Session(), trial) != alone) {
+        trial.Fail("the module draws another picture after a second copy was set down");
+    }
+}
+
+}  // namespace
+
+std::vector<Check> FaultChecks() {
+    return {
+        {"7.1", "an error or interrupt of the host is handed back, and everything is given back", HandsErrorsBack,
+         Needs::kNothing, 10, true},
+        {"7.2", "it survives the lack of any suite", StandsMissingSuites, Needs::kNothing, 4, true},
+        {"7.3", "it survives the host's want of memory", StandsWantOfMemory, Needs::kNothing, 2, true},
+        {"7.6", "a second copy of the module beside it changes nothing", LivesBesideAnother},
+    };
+}

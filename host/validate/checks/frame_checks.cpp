@@ -1,0 +1,324 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// Level 5: frames of every size, depth, row length, rectangle, scale and time, between pages that nobody may touch.
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <optional>
+
+#include "host/compositing/rectangles.h"
+#include "host/session/error_names.h"
+#include "host/validate/checks/stage.h"
+#include "host/validate/runner/processes.h"
+
+namespace {
+
+constexpr std::byte kCanary{0xE3};
+constexpr A_long kLowest = std::numeric_limits<A_long>::min();
+constexpr A_long kHighest = std::numeric_limits<A_long>::max();
+
+FrameRequest RequestOf(const World& layer) {
+    FrameRequest request;
+    request.layer = &layer;
+    return request;
+}
+
+std::size_t PixelBytes(const World& world) {
+    return static_cast<std::size_t>(world.Width()) * static_cast<std::size_t>(BytesPerPixel(world.PixelDepth()));
+}
+
+/// The bytes of a row beyond its last pixel.
+std::pair<std::byte*, std::byte*> PaddingOf(World& world, int y) {
+    std::byte* row = world.Row(y);
+    return {row + PixelBytes(world), row + std::max<A_long>(world.Def().rowbytes, 0)};
+}
+
+void FillPadding(World& world) {
+    for (int y = 0; y < world.Height() && world.Width() > 0; ++y) {
+        const auto [begin, end] = PaddingOf(world, y);
+        if (begin < end) std::fill(begin, end, kCanary);
+    }
+}
+
+bool PaddingIsWhole(World& world) {
+    for (int y = 0; y < world.Height() && world.Width() > 0; ++y) {
+        const auto [begin, end] = PaddingOf(world, y);
+        if (begin < end && std::any_of(begin, end, [](std::byte byte) { return byte != kCanary; })) return false;
+    }
+    return true;
+}
+
+/// Watches the paddings of everything that the effect writes to.
+WorldWatch PaddingWatch(Trial& trial) {
+    return [&trial](World& world, WorldRole role, bool lent) {
+        const bool written = role == WorldRole::kOutput || role == WorldRole::kTemporary;
+        if (!written) return;
+        if (lent) return FillPadding(world);
+        const char* what = role == WorldRole::kOutput ? "the output" : "a temporary world";
+        if (!PaddingIsWhole(world)) trial.Fail(fmt::format("bytes between the rows of {} were written", what));
+        if (!world.Memory().SlackIsWhole()) trial.Fail(fmt::format("bytes outside of {} were written", what));
+    };
+}
+
+/// Draws every style at the depths that the effect knows; gives the digests.
+std::vector<std::uint64_t> DrawStyles(Stage& stage, int width, int height, const std::vector<Depth>& depths) {
+    std::vector<std::uint64_t> digests;
+    stage.Cheapen();
+    for (const Depth depth : depths) {
+        if (depth == Depth::k16 && !(stage.Session().OutFlags() & PF_OutFlag_DEEP_COLOR_AWARE)) continue;
+        const World layer = TestPicture(width, height, depth);
+        for (const Variant& variant : StyleVariants(stage.Session().Params(), 4)) {
+            ParamSet params = stage.Session().Params();
+            variant.apply(params);
+            FrameRequest request = RequestOf(layer);
+            request.params = &params;
+            request.texture = &layer;
+            const auto frame = stage.Draw(request, fmt::format("{} at {} bits", variant.name, static_cast<int>(depth)));
+            digests.push_back(frame ? DigestOf(frame->output) : 0);
+        }
+    }
+    return digests;
+}
+
+/// Draws one size; every outcome but a frame or want of memory fails.
+void DrawSize(Trial& trial, Stage& stage, int width, int height, Depth depth) {
+    const World layer = TestPicture(width, height, depth);
+    if (layer.IsNull()) return;
+    trial.Count("frames");
+    const auto frame = stage.Session().Render(RequestOf(layer));
+    const std::string what = fmt::format("a layer of {} x {} at {} bits", width, height, static_cast<int>(depth));
+    if (!frame) {
+        const std::string& sentence = frame.Error().sentence;
+        if (sentence.find(ErrorName(PF_Err_OUT_OF_MEMORY)) == std::string::npos) {
+            trial.Fail(fmt::format("{}: {}", what, sentence));
+        }
+        return;
+    }
+    if (const auto place = NotFinite(frame->output)) {
+        trial.Fail(fmt::format("{}: the channel at {} is no finite number", what, *place));
+    }
+}
+
+void DrawsEverySize(Trial& trial) {
+    constexpr int kSizes[] = {0, 1, 2, 3, 7, 8, 15, 16, 17, 63, 64, 65, 127, 719, 1920};
+    constexpr std::size_t kCount = std::size(kSizes);
+    std::vector<Part> parts;
+    parts.push_back({"with layers of common sizes",
+                     [&](Trial& part) {
+                         Stage stage(part);
+                         stage.Cheapen();
+                         for (std::size_t i = 0; i < kCount; ++i) {
+                             // Every size with itself up to 127, and with another one across.
+                             if (kSizes[i] <= 127) DrawSize(part, stage, kSizes[i], kSizes[i], Depth::k8);
+                             DrawSize(part, stage, kSizes[i], kSizes[(i * 7 + 3) % kCount], Depth::k32);
+                             DrawSize(part, stage, kSizes[(i * 11 + 5) % kCount], kSizes[i], Depth::k8);
+                         }
+                         stage.EndEven("after all sizes");
+                     },
+                     {}});
+    for (const auto& [width, height] :
+         {std::pair(8191, 3), std::pair(3, 8191), std::pair(16384, 2), std::pair(2, 16385), std::pair(29000, 1)}) {
+        parts.push_back({fmt::format("with a layer of {} x {}", width, height),
+                         [width = width, height = height](Trial& part) {
+                             Stage stage(part);
+                             stage.Cheapen();
+                             DrawSize(part, stage, width, height, Depth::k8);
+                             stage.EndEven("after a large layer");
+                         },
+                         {}});
+    }
+    RunParts(trial, parts);
+}
+
+void DrawsEveryDepth(Trial& trial) {
+    RunParts(trial, {{"at 8 and 32 bits",
+                      [](Trial& part) {
+                          Stage stage(part);
+                          stage.Cheapen();
+                          for (const Depth depth : {Depth::k8, Depth::k32}) {
+                              const World layer = TestPicture(40, 30, depth);
+                              for (const Variant& variant : StyleVariants(stage.Session().Params(), 20)) {
+                                  ParamSet params = stage.Session().Params();
+                                  variant.apply(params);
+                                  FrameRequest request = RequestOf(layer);
+                                  request.params = &params;
+                                  request.texture = &layer;
+                                  const auto frame = stage.Draw(request, variant.name);
+                                  if (!frame) continue;
+                                  if (const auto place = NotFinite(frame->output)) {
+                                      part.Fail(fmt::format("{}: the channel at {} is no finite number", variant.name,
+                                                            *place));
+                                  }
+                              }
+                          }
+                      },
+                      {}},
+                     {"at 16 bits",
+                      [](Trial& part) {
+                          Stage stage(part);
+                          const bool deep = stage.Session().OutFlags() & PF_OutFlag_DEEP_COLOR_AWARE;
+                          stage.Cheapen();
+                          const World layer = TestPicture(40, 30, Depth::k16);
+                          // An effect that does not announce 16 bits may refuse them, but not crash.
+                          part.Count("frames");
+                          const auto frame = stage.Session().Render(RequestOf(layer));
+                          if (!frame && deep) part.Fail(fmt::format("at 16 bits: {}", frame.Error().sentence));
+                      },
+                      {}}});
+}
+
+void FollowsRowLengths(Trial& trial) {
+    const auto digestsWith = [&](Trial& part, const LendingRules& rules) {
+        SetLendingRules(rules);
+        SessionOptions options;
+        options.worldWatch = PaddingWatch(part);
+        Stage stage(part, options);
+        return DrawStyles(stage, 33, 21, {Depth::k8, Depth::k32});
+    };
+    const Part rows{"with rows of other lengths",
+                    [&](Trial& part) {
+                        const auto usual = digestsWith(part, {});
+                        for (const int padding : {0, 4, 16, 3 * 16, 4096 - 33 * 4}) {
+                            if (digestsWith(part, {MemoryPlacement::kPlain, padding}) != usual) {
+                                part.Fail(
+                                    fmt::format("the picture changes when rows are {} bytes longer than their "
+                                                "pixels",
+                                                padding));
+                            }
+                        }
+                    },
+                    {}};
+    const Part bottomUp{"with rows from the bottom up",
+                        [](Trial& part) {
+                            SessionOptions options;
+                            options.worldWatch = [](World& world, WorldRole role, bool) {
+                                if (role == WorldRole::kTemporary || world.Height() < 1 || world.Width() < 1) return;
+                                PF_EffectWorld& def = world.Def();
+                                auto* bytes = reinterpret_cast<std::byte*>(def.data);
+                                bytes += std::ptrdiff_t{def.rowbytes} * (def.height - 1);
+                                def.data = reinterpret_cast<PF_PixelPtr>(bytes);
+                                def.rowbytes = -def.rowbytes;
+                            };
+                            Stage stage(part, options);
+                            stage.Cheapen();
+                            const World layer = TestPicture(33, 21, Depth::k8);
+                            stage.Draw(RequestOf(layer), "rows from the bottom up");
+                        },
+                        {},
+                        0,
+                        true};
+    RunParts(trial, {rows, bottomUp});
+}
+
+void StaysInside(Trial& trial) {
+    std::vector<Part> parts;
+    for (const MemoryPlacement placement : {MemoryPlacement::kFlushRight, MemoryPlacement::kFlushLeft}) {
+        const bool right = placement == MemoryPlacement::kFlushRight;
+        parts.push_back({right ? "with worlds before a shut page" : "with worlds behind a shut page",
+                         [placement](Trial& part) {
+                             SetLendingRules({placement, 16});
+                             SessionOptions options;
+                             options.worldWatch = PaddingWatch(part);
+                             Stage stage(part, options);
+                             DrawStyles(stage, 32, 24, {Depth::k8, Depth::k16, Depth::k32});
+                             DrawStyles(stage, 31, 17, {Depth::k8, Depth::k32});
+                             stage.NoteMisbehaviour("");
+                         },
+                         {}});
+    }
+    RunParts(trial, parts);
+}
+
+void DistrustsExtents(Trial& trial) {
+    struct Hint {
+        const char* name;
+        PF_LRect rect;
+    };
+    const Hint hints[] = {{"empty", {0, 0, 0, 0}},
+                          {"smaller than the world", {4, 4, 9, 9}},
+                          {"larger than the world", {-5, -5, 500, 500}},
+                          {"all of the numbers", {kLowest, kLowest, kHighest, kHighest}},
+                          {"inverted", {20, 20, 4, 4}}};
+    std::vector<Part> parts;
+    for (const Hint& hint : hints) {
+        parts.push_back({fmt::format("with an extent hint that is {}", hint.name),
+                         [hint](Trial& part) {
+                             SetLendingRules({MemoryPlacement::kFlushRight, {}});
+                             SessionOptions options;
+                             const WorldWatch padding = PaddingWatch(part);
+                             options.worldWatch = [&](World& world, WorldRole role, bool lent) {
+                                 padding(world, role, lent);
+                                 if (lent) world.Def().extent_hint = hint.rect;
+                             };
+                             Stage stage(part, options);
+                             DrawStyles(stage, 40, 32, {Depth::k8});
+                         },
+                         {}});
+    }
+    RunParts(trial, parts);
+}
+
+void StandsEveryTime(Trial& trial) {
+    struct Moment {
+        const char* name;
+        A_long time, step, total;
+        A_u_long scale;
+    };
+    const Moment moments[] = {{"time 0", 0, 1, 100, 24},
+                              {"a negative time", -1000, 1, 100, 24},
+                              {"the latest time", kHighest, 1, kHighest, 24},
+                              {"the earliest time", kLowest, 1, 100, 24},
+                              {"a step of 0", 10, 0, 100, 24},
+                              {"a negative step", 10, -1, 100, 24},
+                              {"the lowest step and length", 10, kLowest, kLowest, 24},
+                              {"no length", 10, 1, 0, 24},
+                              {"a scale of 1", 10, 1, 100, 1},
+                              {"the largest scale", 10, 1, 100, std::numeric_limits<A_u_long>::max()}};
+    std::vector<Part> parts;
+    for (const Moment& moment : moments) {
+        parts.push_back({fmt::format("at {}", moment.name),
+                         [moment](Trial& part) {
+                             Stage stage(part);
+                             stage.Cheapen();
+                             const World layer = TestPicture(24, 24, Depth::k8);
+                             FrameRequest request = RequestOf(layer);
+                             request.time = moment.time;
+                             request.timeStep = moment.step;
+                             request.totalTime = moment.total;
+                             request.timeScale = moment.scale;
+                             stage.Draw(request, moment.name);
+                         },
+                         {}});
+    }
+    parts.push_back({"at a scale of 0",
+                     [](Trial& part) {
+                         SessionOptions options;
+                         options.beforeCommand = [](CommandArguments& sent) { sent.in->time_scale = 0; };
+                         Stage stage(part, options);
+                         const World layer = TestPicture(24, 24, Depth::k8);
+                         part.Count("frames");
+                         // No host should send it; an error is an answer.
+                         const auto frame = stage.Session().Render(RequestOf(layer));
+                         static_cast<void>(frame);
+                     },
+                     {}});
+    RunParts(trial, parts);
+}
+
+}  // namespace
+
+std::vector<Check> FrameChecks() {
+    return {
+        {"5.1", "it draws layers of every size, or says that they are too large", DrawsEverySize, Needs::kNothing, 2},
+        {"5.2", "it draws at every depth and in every style", DrawsEveryDepth},
+        {"5.3", "it follows the rows' length and leaves what lies between rows", FollowsRowLengths},
+        {"5.4", "it writes no byte outside of its worlds", StaysInside},
+        {"5.6", "it does not trust extent hints", DistrustsExtents},
+        {"5.8", "it stands every time and step", StandsEveryTime, Needs::kNothing, 2},
+    };
+}

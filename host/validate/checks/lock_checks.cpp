@@ -1,0 +1,315 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// Level 8, locks: while one command waits in a callback of the host, another command must come through, from another
+// thread and from inside of that callback.
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <utility>
+
+#include "host/validate/checks/panel_events.h"
+#include "host/validate/checks/stage.h"
+#include "host/validate/runner/processes.h"
+#include "host/validate/runner/progress_watch.h"
+
+namespace {
+
+FrameRequest RequestOf(const World& layer) {
+    FrameRequest request;
+    request.layer = &layer;
+    return request;
+}
+
+/// A command as a host sends it.
+struct Command {
+    const char* name;
+    PF_Cmd command;
+    std::function<void(EffectSession&, const World&)> send;
+};
+
+void ChangeRows(EffectSession& session) {
+    for (const int index : SettableRows(session.Params())) {
+        // Pressing a button may open a page in a browser.
+        if (KindOf(session.Params().Row(index).def) == ParamKind::kButton) continue;
+        static_cast<void>(bool(session.UserChangedParam(index)));
+    }
+}
+
+void DrawRows(EffectSession& session) {
+    for (const int row : SelfDrawnRows(session)) {
+        UnseenCanvas canvas;
+        PF_EventExtra event = canvas.Event(PF_Event_DRAW, row, {100, 0, 300, 120});
+        static_cast<void>(bool(session.SendEvent(&event)));
+    }
+}
+
+const Command kAbout{"about", PF_Cmd_ABOUT,
+                     [](EffectSession& session, const World&) { static_cast<void>(bool(session.About())); }};
+const Command kFlags{"a query of dynamic flags", PF_Cmd_QUERY_DYNAMIC_FLAGS, [](EffectSession& session, const World&) {
+                         session.Send(PF_Cmd_QUERY_DYNAMIC_FLAGS, nullptr, nullptr, nullptr);
+                     }};
+const Command kSetUp{"parameter set-up", PF_Cmd_PARAMS_SETUP, [](EffectSession& session, const World&) {
+                         static_cast<void>(bool(session.End()));
+                         static_cast<void>(bool(session.SetUp()));
+                     }};
+const Command kUpdate{"an update of the panel", PF_Cmd_UPDATE_PARAMS_UI,
+                      [](EffectSession& session, const World&) { static_cast<void>(bool(session.UpdateParamsUI())); }};
+const Command kChange{"a changed parameter", PF_Cmd_USER_CHANGED_PARAM,
+                      [](EffectSession& session, const World&) { ChangeRows(session); }};
+const Command kDraw{"a draw event", PF_Cmd_EVENT, [](EffectSession& session, const World&) { DrawRows(session); }};
+const Command kPreRender{"a pre-render", PF_Cmd_SMART_PRE_RENDER, [](EffectSession& session, const World& layer) {
+                             static_cast<void>(bool(session.PreRender(RequestOf(layer))));
+                         }};
+const Command kRender{"a render", PF_Cmd_SMART_RENDER, [](EffectSession& session, const World& layer) {
+                          static_cast<void>(bool(session.Render(RequestOf(layer))));
+                      }};
+
+/// Follows the host calls of one thread during one command; keeps one of them waiting, or sends a command from it.
+class Callback {
+ public:
+    /// Follows the calling thread from now on.
+    void Follow(PF_Cmd command) {
+        const std::lock_guard lock(mutex_);
+        thread_ = std::this_thread::get_id();
+        command_ = command;
+        calls_.clear();
+        depth_ = 0;
+    }
+    void Before(PF_Cmd command) {
+        if (std::this_thread::get_id() == thread_ && command == command_) ++depth_;
+    }
+    void After(PF_Cmd command) {
+        if (std::this_thread::get_id() == thread_ && command == command_) --depth_;
+    }
+    void Call(std::string_view call) {
+        // A command from inside of a callback is not followed: its own calls have nothing to wait for.
+        if (std::this_thread::get_id() != thread_ || depth_ != 1 || isNested_) return;
+        calls_.emplace_back(call);
+        if (inside_ && IsWhereHostsReenter(call)) {
+            isNested_ = true;
+            inside_();
+            isNested_ = false;
+        }
+        std::unique_lock lock(mutex_);
+        if (calls_.size() != target_) return;
+        waits_ = true;
+        changed_.wait(lock, [&] { return target_ == 0; });
+        waits_ = false;
+    }
+    /// The n-th call waits, from 1, until Release.
+    void HoldCall(std::size_t n) {
+        const std::lock_guard lock(mutex_);
+        target_ = n;
+    }
+    void Release() {
+        const std::lock_guard lock(mutex_);
+        target_ = 0;
+        changed_.notify_all();
+    }
+    bool Waits() const { return waits_; }
+    void SendFromInside(std::function<void()> send) { inside_ = std::move(send); }
+    /// The calls so far. For when the followed thread is at rest.
+    const std::vector<std::string>& Calls() const { return calls_; }
+
+ private:
+    static bool IsWhereHostsReenter(std::string_view call) {
+        for (const char* part : {"checkout_param", "checkout_layer", "checkout_output", "add_param", "UpdateParamUI",
+                                 "SetDynamicStreamFlag", "GetDrawingReference", "DrawImage"}) {
+            if (call.find(part) != std::string_view::npos) return true;
+        }
+        return false;
+    }
+
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::atomic<std::thread::id> thread_;
+    PF_Cmd command_ = PF_Cmd_ABOUT;
+    std::size_t target_ = 0;
+    std::atomic<bool> waits_{false};
+    // Of the followed thread.
+    std::vector<std::string> calls_;
+    std::function<void()> inside_;
+    int depth_ = 0;
+    bool isNested_ = false;
+};
+
+/// What two commands meet in. Threads that do not come back keep it, so nothing of it is torn down beneath them.
+struct Meeting {
+    Meeting(Trial& trial, const Command& waiting)
+        : stage(trial, Options()), layer(TestPicture(24, 24, Depth::k8)), outer(waiting) {
+        stage.Cheapen();
+    }
+    SessionOptions Options() {
+        SessionOptions options;
+        options.fault = [this](std::string_view call) {
+            callback.Call(call);
+            return PF_Err_NONE;
+        };
+        options.beforeCommand = [this](CommandArguments& sent) { callback.Before(sent.command); };
+        options.afterCommand = [this](const CommandArguments& sent, PF_Err) { callback.After(sent.command); };
+        return options;
+    }
+    /// Sends the command that is followed, on the calling thread.
+    void SendOuter() {
+        callback.Follow(outer.command);
+        outer.send(stage.Session(), layer);
+    }
+
+    Callback callback;
+    Stage stage;
+    World layer;
+    Command outer;
+};
+
+/// A thread that sends a command.
+class Sender {
+ public:
+    explicit Sender(const std::function<void()>& send) : done_(std::make_shared<std::atomic<bool>>(false)) {
+        thread_ = std::thread([send, done = done_] {
+            send();
+            *done = true;
+        });
+    }
+    ~Sender() { *done_ ? thread_.join() : thread_.detach(); }
+    Sender(const Sender&) = delete;
+    Sender& operator=(const Sender&) = delete;
+    bool IsDone() const { return *done_; }
+
+ private:
+    std::shared_ptr<std::atomic<bool>> done_;
+    std::thread thread_;
+};
+
+/// Keeps a meeting for good whose threads did not come back, and ends the trial.
+[[noreturn]] void Abandon(Trial& trial, const std::shared_ptr<Meeting>& meeting, WaitEnd end, const std::string& text) {
+    static std::vector<std::shared_ptr<Meeting>> abandoned;
+    abandoned.push_back(meeting);
+    if (end == WaitEnd::kLate) trial.Skip(NotMeasured(text + ", or is still at work"));
+    trial.FailAndEnd(text);
+}
+
+/// The first call of each kind that the command makes, by its number.
+std::vector<std::size_t> CallsOf(Meeting& meeting) {
+    // What an effect does once only, it does the first time.
+    meeting.SendOuter();
+    meeting.SendOuter();
+    const std::vector<std::string> calls = meeting.callback.Calls();
+    std::vector<std::size_t> first;
+    for (std::size_t i = 0; i < calls.size(); ++i) {
+        const auto here = calls.begin() + static_cast<std::ptrdiff_t>(i);
+        if (std::find(calls.begin(), here, *here) == here) first.push_back(i + 1);
+    }
+    return first;
+}
+
+/// While the outer command waits in a callback for the host, the host sends another one on another thread.
+void SendBeside(Trial& trial, const std::shared_ptr<Meeting>& meeting, const Command& inner) {
+    const int patience = trial.Options().timeoutMilliseconds / 2;
+    for (const std::size_t number : CallsOf(*meeting)) {
+        meeting->callback.HoldCall(number);
+        const Sender waiting([meeting] { meeting->SendOuter(); });
+        const auto isThere = [&] { return meeting->callback.Waits() || waiting.IsDone(); };
+        if (const WaitEnd end = WaitUnlessStuck(isThere, patience); end != WaitEnd::kDone) {
+            Abandon(trial, meeting, end, fmt::format("{} does not end", meeting->outer.name));
+        }
+        const bool met = meeting->callback.Waits();
+        WaitEnd end = WaitEnd::kDone;
+        if (met) {
+            const Sender sent([meeting, inner] { inner.send(meeting->stage.Session(), meeting->layer); });
+            end = WaitUnlessStuck([&] { return sent.IsDone(); }, patience);
+            meeting->callback.Release();
+            const auto areDone = [&] { return sent.IsDone() && waiting.IsDone(); };
+            if (const WaitEnd after = WaitUnlessStuck(areDone, patience); after != WaitEnd::kDone) {
+                Abandon(trial, meeting, after,
+                        fmt::format("{} on one thread and {} on another wait for each other", inner.name,
+                                    meeting->outer.name));
+            }
+        }
+        meeting->callback.Release();
+        trial.Count("meetings of commands");
+        if (end == WaitEnd::kDone) continue;
+        const std::string text = fmt::format(
+            "{} on one thread waits for {} on another, which waits for the host in {}: a lock is held while the host "
+            "is called",
+            inner.name, meeting->outer.name, meeting->callback.Calls().at(number - 1));
+        if (end == WaitEnd::kLate) trial.Skip(NotMeasured(text));
+        trial.Fail(text);
+        return;
+    }
+}
+
+/// The host sends a command from inside of a callback of another one.
+void SendInside(Trial& trial, const std::shared_ptr<Meeting>& meeting, const Command& inner) {
+    const bool draws = meeting->outer.command == PF_Cmd_SMART_RENDER;
+    std::optional<Frame> usual;
+    if (draws) usual = meeting->stage.Draw(RequestOf(meeting->layer), "a frame");
+    meeting->callback.SendFromInside(
+        [meeting = meeting.get(), inner] { inner.send(meeting->stage.Session(), meeting->layer); });
+    auto interrupted = std::make_shared<std::optional<Frame>>();
+    const Sender sender([meeting, interrupted, draws] {
+        if (!draws) return meeting->SendOuter();
+        meeting->callback.Follow(meeting->outer.command);
+        auto frame = meeting->stage.Session().Render(RequestOf(meeting->layer));
+        if (frame) *interrupted = std::move(*frame);
+    });
+    const WaitEnd end = WaitUnlessStuck([&] { return sender.IsDone(); }, trial.Options().timeoutMilliseconds / 2);
+    if (end != WaitEnd::kDone) {
+        Abandon(trial, meeting, end,
+                fmt::format("{} from inside of a callback of {} waits for it: a lock is held while the host is called",
+                            inner.name, meeting->outer.name));
+    }
+    if (usual && (!*interrupted || !SamePixels(usual->output, (*interrupted)->output))) {
+        trial.Fail(
+            fmt::format("{} from inside of a callback of {} changes the frame", inner.name, meeting->outer.name));
+    }
+}
+
+/// Two commands that a host may have under way at once.
+struct Pair {
+    Command outer, inner;
+    bool beside, inside;
+};
+
+std::vector<Pair> PairsOf() {
+    std::vector<Pair> pairs;
+    for (const Command& outer : {kRender, kPreRender}) {
+        for (const Command& inner : {kAbout, kFlags, kUpdate, kPreRender}) pairs.push_back({outer, inner, true, true});
+        // A render inside of another command is asked of no effect; nor is anything of the panel but an update.
+        for (const Command& inner : {kChange, kDraw, kRender}) pairs.push_back({outer, inner, true, false});
+    }
+    // Commands of the panel come one after the other, on one thread, while others draw.
+    for (const Command& outer : {kUpdate, kChange, kDraw}) {
+        for (const Command& inner : {kAbout, kFlags}) pairs.push_back({outer, inner, false, true});
+        pairs.push_back({outer, kPreRender, true, true});
+        pairs.push_back({outer, kRender, true, false});
+    }
+    // Before its parameters are known an effect can be asked for little.
+    pairs.push_back({kSetUp, kAbout, true, true});
+    return pairs;
+}
+
+void HoldsNoLocks(Trial& trial) {
+    std::vector<Part> parts;
+    for (const Pair& pair : PairsOf()) {
+        parts.push_back({fmt::format("{} during {}", pair.inner.name, pair.outer.name), [pair](Trial& part) {
+                             const auto meeting = std::make_shared<Meeting>(part, pair.outer);
+                             if (pair.beside) SendBeside(part, meeting, pair.inner);
+                             if (pair.inside) SendInside(part, meeting, pair.inner);
+                             meeting->callback.SendFromInside({});
+                         }});
+    }
+    RunParts(trial, parts);
+}
+
+}  // namespace
+
+std::vector<Check> LockChecks() {
+    return {{"8.5", "no lock is held while the host is called", HoldsNoLocks, Needs::kNothing, 4}};
+}

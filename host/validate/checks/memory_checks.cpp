@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// Level 4: what is taken is given back, and what belongs to others is not written.
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <fstream>
+#include <set>
+
+#include "host/accounting/ledger.h"
+#include "host/validate/checks/panel_events.h"
+#include "host/validate/checks/stage.h"
+#include "host/validate/runner/process_memory.h"
+#include "host/validate/runner/processes.h"
+
+namespace {
+
+constexpr int kSide = 32;
+
+/// Everything that a session does, once: both depths, every style, the panel.
+void ActAll(Trial& trial, Stage& stage) {
+    stage.Cheapen();
+    for (const Depth depth : {Depth::k8, Depth::k32}) {
+        const World layer = TestPicture(kSide, kSide, depth);
+        for (const Variant& variant : StyleVariants(stage.Session().Params(), 4)) {
+            ParamSet params = stage.Session().Params();
+            variant.apply(params);
+            FrameRequest request;
+            request.layer = &layer;
+            request.params = &params;
+            request.texture = &layer;
+            stage.Draw(request, fmt::format("{} at {} bits", variant.name, static_cast<int>(depth)));
+        }
+    }
+    stage.TouchPanel();
+    SendDrawEvents(trial, stage);
+}
+
+/// The findings of a ledger about some kinds of things.
+void JudgeKinds(Trial& trial, Stage& stage, const std::set<Resource>& kinds) {
+    ActAll(trial, stage);
+    if (const auto ended = stage.Session().End(); !ended) trial.Fail(ended.Error().sentence);
+    for (const LedgerRow& row : UnevenRows(stage.Log().Events())) {
+        if (kinds.contains(row.resource)) trial.Fail(row.sentence);
+    }
+}
+
+void UsesHandlesByTheBook(Trial& trial) {
+    for (const MemoryPlacement placement : {MemoryPlacement::kFlushRight, MemoryPlacement::kFlushLeft}) {
+        const bool right = placement == MemoryPlacement::kFlushRight;
+        RunParts(trial, {{right ? "with handles' memory before a shut page" : "with handles' memory behind a shut page",
+                          [placement](Trial& part) {
+                              SetLendingRules({placement, {}});
+                              Stage stage(part);
+                              JudgeKinds(part, stage, {Resource::kHandle, Resource::kLock});
+                              stage.NoteMisbehaviour("");
+                          },
+                          {}}});
+    }
+}
+
+void ChecksParametersIn(Trial& trial) {
+    Stage stage(trial);
+    JudgeKinds(trial, stage, {Resource::kParam});
+}
+
+void ForgetsCheckedInParameters(Trial& trial) {
+    const auto digests = [&](bool strict) {
+        std::vector<std::uint64_t> found;
+        SessionOptions options;
+        options.strictLending = strict;
+        Stage stage(trial, options);
+        stage.Cheapen();
+        const World layer = TestPicture(kSide, kSide, Depth::k8);
+        for (const Variant& variant : StyleVariants(stage.Session().Params(), 4)) {
+            ParamSet params = stage.Session().Params();
+            variant.apply(params);
+            FrameRequest request;
+            request.layer = &layer;
+            request.params = &params;
+            const auto frame = stage.Draw(request, variant.name);
+            found.push_back(frame ? DigestOf(frame->output) : 0);
+        }
+        return found;
+    };
+    if (digests(false) != digests(true)) {
+        trial.Fail("a frame differs when parameter definitions are overwritten after their check-in");
+    }
+}
+
+void LetsPreRenderGo(Trial& trial) {
+    Stage stage(trial);
+    stage.Cheapen();
+    const World layer = TestPicture(kSide, kSide, Depth::k8);
+    FrameRequest request;
+    request.layer = &layer;
+    // One frame first: data that render frees itself is freed again here, which the C library sees.
+    stage.Draw(request, "a frame");
+    constexpr int kWarmUp = 100, kTimes = 1000;
+    constexpr long kMostGrowth = 4L << 20;
+    for (int i = 0; i < kWarmUp; ++i) stage.Ask(request, "a pre-render");
+    stage.Log().Clear();
+    const long before = ResidentBytes();
+    for (int i = 0; i < kTimes && !trial.Failed(); ++i) {
+        stage.Ask(request, "a pre-render");
+        stage.Log().Clear();
+    }
+    const long grown = ResidentBytes() - before;
+    if (grown > kMostGrowth) {
+        trial.Fail(fmt::format("{} pre-renders without a render left {} KiB behind", kTimes, grown / 1024));
+    }
+    stage.NoteMisbehaviour("pre-render without render");
+}
+
+void GivesWorldsBack(Trial& trial) {
+    Stage stage(trial);
+    JudgeKinds(trial, stage,
+               {Resource::kWorld, Resource::kLayerPixels, Resource::kBlock, Resource::kEffectRef, Resource::kStream,
+                Resource::kDrawObject});
+}
+
+void LeavesInputsAlone(Trial& trial) {
+    const Part part{
+        "with read-only inputs",
+        [](Trial& inside) {
+            SetLendingRules({MemoryPlacement::kFlushRight, {}});
+            SessionOptions options;
+            options.worldWatch = [](World& world, WorldRole role, bool lent) {
+                if (role == WorldRole::kInput || role == WorldRole::kTexture) {
+                    world.Memory().SetReadOnly(lent);
+                }
+            };
+            std::vector<PF_ParamDef> before;
+            options.beforeCommand = [&](CommandArguments& sent) {
+                before.clear();
+                if (sent.command != PF_Cmd_UPDATE_PARAMS_UI && sent.command != PF_Cmd_EVENT) return;
+                for (int i = 0; i < sent.in->num_params; ++i) before.push_back(*sent.params[i]);
+            };
+            options.afterCommand = [&](const CommandArguments& sent, PF_Err) {
+                for (std::size_t i = 0; i < before.size(); ++i) {
+                    const PF_ParamDef& now = *sent.params[i];
+                    if (now.uu.change_flags & PF_ChangeFlag_CHANGED_VALUE) continue;
+                    if (std::memcmp(&now, &before[i], sizeof(now)) != 0) {
+                        inside.Fail(fmt::format("command {} writes row #{} of the host's array", sent.command, i));
+                    }
+                }
+            };
+            Stage stage(inside, options);
+            ActAll(inside, stage);
+        },
+        {}};
+    RunParts(trial, {part});
+}
+
+void LeavesGlobalDataAlone(Trial& trial) {
+    PF_Handle global = nullptr;
+    std::vector<char> before;
+    SessionOptions options;
+    std::size_t size = 0;
+    options.beforeCommand = [&](CommandArguments& sent) {
+        global = sent.in->global_data;
+        if (sent.command != PF_Cmd_SMART_RENDER && sent.command != PF_Cmd_SMART_PRE_RENDER) return;
+        if (global) before.assign(*global, *global + size);
+    };
+    options.afterCommand = [&](const CommandArguments& sent, PF_Err) {
+        if (sent.command == PF_Cmd_GLOBAL_SETUP && sent.out->global_data) {
+            size = static_cast<std::size_t>(sent.in->utils->host_get_handle_size(sent.out->global_data));
+        }
+        if (sent.command != PF_Cmd_SMART_RENDER && sent.command != PF_Cmd_SMART_PRE_RENDER) return;
+        if (global && std::memcmp(before.data(), *global, size) != 0) {
+            trial.Fail(fmt::format("{} writes the global data, which other threads read at the same time",
+                                   sent.command == PF_Cmd_SMART_RENDER ? "a render" : "a pre-render"));
+        }
+    };
+    Stage stage(trial, options);
+    if (size == 0) trial.Skip("the effect keeps no global data");
+    ActAll(trial, stage);
+}
+
+}  // namespace
+
+std::vector<Check> MemoryChecks() {
+    return {
+        {"4.1", "handles are disposed of, locks undone, and no byte beside them is touched", UsesHandlesByTheBook},
+        {"4.2", "every parameter that is checked out is checked in once", ChecksParametersIn},
+        {"4.3", "a parameter is not read after its check-in", ForgetsCheckedInParameters},
+        {"4.4", "a thousand pre-renders without a render leave nothing behind", LetsPreRenderGo, Needs::kStrictHeap},
+        {"4.5", "worlds, layers and references are given back", GivesWorldsBack},
+        {"4.6", "inputs, textures and the host's parameters are not written", LeavesInputsAlone},
+        {"4.7", "global data is not written while rendering", LeavesGlobalDataAlone},
+    };
+}

@@ -1,0 +1,321 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// Level 6: values inside the panel's limits, at them, beyond them, and no values at all.
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+#include "host/compositing/rectangles.h"
+#include "host/validate/checks/stage.h"
+#include "host/validate/runner/process_memory.h"
+#include "host/validate/runner/processes.h"
+
+namespace {
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+FrameRequest RequestOf(const World& layer, const ParamSet& params) {
+    FrameRequest request;
+    request.layer = &layer;
+    request.params = &params;
+    request.texture = &layer;
+    return request;
+}
+
+/// How many sets of random values are drawn: fewer where the processor draws OpenGL.
+int SetsFor(const Trial& trial, int many, int few) {
+    const char* renderer = std::getenv("UMBRANT_RENDERER");
+    const bool cheap = !trial.Options().softwareGl || (renderer && std::strcmp(renderer, "cpu") == 0);
+    return cheap ? many : few;
+}
+
+/// Ranges wider than this are drawn from their low end, since what they count may cost time.
+constexpr double kWide = 200;
+constexpr double kLowSteps = 12;
+
+void DrawValue(Trial& trial, ParamRow& row) {
+    PF_ParamDefUnion& u = row.def.u;
+    if (const auto range = RangeOf(row)) {
+        const bool wide = KindOf(row.def) != ParamKind::kAngle && range->validMax - range->validMin > kWide;
+        const double high = wide ? LowNumber(*range, kLowSteps) : range->validMax;
+        SetNumberUnchecked(row, trial.DrawReal(wide && range->validMin < 0 ? 0 : range->validMin, high));
+        return;
+    }
+    const auto byte = [&] { return static_cast<A_u_char>(trial.Draw(0, 255)); };
+    switch (KindOf(row.def)) {
+        case ParamKind::kCheckBox:
+            u.bd.value = trial.Draw(0, 1);
+            break;
+        case ParamKind::kColor:
+            u.cd.value = {255, byte(), byte(), byte()};
+            break;
+        case ParamKind::kPopup:
+            u.pd.value = trial.Draw(1, std::max<int>(u.pd.num_choices, 1));
+            break;
+        case ParamKind::kPoint:
+            row.point = LayerPoint{trial.DrawReal(-20, 120), trial.DrawReal(-20, 120), false};
+            break;
+        default:
+            break;
+    }
+}
+
+/// Draws with the values and says what is wrong with the frame.
+void Judge(Trial& trial, Stage& stage, const ParamSet& params, const World& layer, const std::string& what,
+           bool mustSucceed) {
+    trial.Count("frames");
+    const auto frame = stage.Session().Render(RequestOf(layer, params));
+    if (!frame) {
+        if (mustSucceed) trial.Fail(fmt::format("{}: {}", what, frame.Error().sentence));
+        return;
+    }
+    if (const auto place = NotFinite(frame->output); place && mustSucceed) {
+        trial.Fail(fmt::format("{}: the channel at {} is no finite number", what, *place));
+    }
+}
+
+std::string ValuesText(const ParamSet& params) {
+    std::string text;
+    for (const int index : SettableRows(params)) {
+        text += fmt::format("{}{}={}", text.empty() ? "" : " ", RowName(params.Row(index)), params.ValueText(index));
+    }
+    return text;
+}
+
+void DrawsInsideLimits(Trial& trial) {
+    Stage stage(trial);
+    const int sets = SetsFor(trial, 200, 30);
+    const std::vector<Variant> variants = StyleVariants(stage.Session().Params(), 3);
+    for (const Depth depth : {Depth::k8, Depth::k32}) {
+        for (int i = 0; i < sets * 3; ++i) {
+            const World layer = TestPicture(trial.Draw(1, 96), trial.Draw(1, 96), depth);
+            ParamSet params = stage.Session().Params();
+            for (const int index : SettableRows(params)) DrawValue(trial, params.RawRow(index));
+            variants[static_cast<std::size_t>(i) % variants.size()].apply(params);
+            Judge(trial, stage, params, layer, fmt::format("with {}", ValuesText(params)), true);
+            if (trial.Failed()) return;
+        }
+        stage.Log().Clear();
+    }
+    stage.NoteMisbehaviour("");
+}
+
+/// The least, the greatest and the usual value of a row, as numbers; one for a row without.
+std::vector<double> Ends(const ParamRow& row) {
+    if (KindOf(row.def) == ParamKind::kPopup) return {1, static_cast<double>(row.def.u.pd.num_choices)};
+    if (KindOf(row.def) == ParamKind::kCheckBox) return {0, 1};
+    const auto range = RangeOf(row);
+    if (!range) return {};
+    if (KindOf(row.def) == ParamKind::kAngle) return {-360, 0, 90, 180, 270, 360};
+    // Of what may cost time, the middle of the slider stands for its far end.
+    const bool wide = range->validMax - range->validMin > kWide;
+    return {range->validMin, wide ? LowNumber(*range, 100) : range->validMax};
+}
+
+void SetEnd(ParamRow& row, double value) {
+    if (KindOf(row.def) == ParamKind::kPopup) {
+        row.def.u.pd.value = static_cast<PF_ParamValue>(value);
+    } else if (KindOf(row.def) == ParamKind::kCheckBox) {
+        row.def.u.bd.value = static_cast<PF_ParamValue>(value);
+    } else {
+        SetNumberUnchecked(row, value);
+    }
+}
+
+void DrawsAtLimits(Trial& trial) {
+    Stage stage(trial);
+    stage.Cheapen();
+    const std::vector<int> rows = SettableRows(stage.Session().Params());
+    const World layer = TestPicture(24, 20, Depth::k32);
+    // Each end of each row alone; then random choices of ends, in which every pair of rows meets soon.
+    for (const int index : rows) {
+        for (const double value : Ends(stage.Session().Params().Row(index))) {
+            ParamSet params = stage.Session().Params();
+            SetEnd(params.RawRow(index), value);
+            Judge(trial, stage, params, layer, fmt::format("with {} at {}", RowName(params.Row(index)), value), true);
+        }
+    }
+    const int sets = SetsFor(trial, 64, 24);
+    for (int i = 0; i < sets; ++i) {
+        ParamSet params = stage.Session().Params();
+        for (const int index : rows) {
+            const std::vector<double> ends = Ends(params.Row(index));
+            if (!ends.empty()) {
+                SetEnd(params.RawRow(index),
+                       ends[static_cast<std::size_t>(trial.Draw(0, static_cast<int>(ends.size()) - 1))]);
+            }
+        }
+        Judge(trial, stage, params, layer, fmt::format("with {}", ValuesText(params)), true);
+    }
+    stage.NoteMisbehaviour("");
+}
+
+/// One row, one odd value.
+struct OddValue {
+    std::string name;
+    int row;
+    std::function<void(ParamRow&)> set;
+};
+
+/// Draws with each odd value alone. An error is an answer; a crash or a hang is none, and the value's name is then the
+/// last that this process printed.
+void DrawOddValues(Trial& part, Stage& stage, const std::vector<OddValue>& values) {
+    constexpr long kMostMemory = 1L << 30;
+    stage.Cheapen();
+    const World layer = TestPicture(16, 12, Depth::k32);
+    for (const OddValue& odd : values) {
+        ParamSet params = stage.Session().Params();
+        odd.set(params.RawRow(odd.row));
+        std::puts(odd.name.c_str());
+        std::fflush(stdout);
+        const long before = PeakBytes();
+        Judge(part, stage, params, layer, fmt::format("with {}", odd.name), false);
+        if (PeakBytes() - before > kMostMemory) part.Fail(fmt::format("with {}: more than 1 GiB is taken", odd.name));
+    }
+    part.Count("odd values", static_cast<double>(values.size()));
+    stage.EndEven("after odd values");
+}
+
+void AddPopupItems(std::vector<OddValue>& values, const ParamRow& row) {
+    std::vector<int> items{0, -1, row.def.u.pd.num_choices + 1};
+    for (std::size_t i = 0; i < row.items.size(); ++i) {
+        if (row.items[i].starts_with("(")) items.push_back(static_cast<int>(i) + 1);
+    }
+    for (const int item : items) {
+        values.push_back({fmt::format("{} at item {}", RowName(row), item), row.index,
+                          [item](ParamRow& r) { r.def.u.pd.value = item; }});
+    }
+}
+
+/// A count for which an effect may ask for more memory than there is. Without a sanitizer `new` says so by an
+/// exception, with one it ends the process.
+bool IsBeyondMemory(const ParamRow& row, double number) {
+    constexpr double kMany = 1e6;
+    return KindOf(row.def) == ParamKind::kFloat && std::abs(number) > kMany && SanitizerRuntime();
+}
+
+void AddNumbers(std::vector<OddValue>& values, const ParamRow& row, const std::vector<double>& numbers) {
+    for (const double number : numbers) {
+        if (IsBeyondMemory(row, number)) continue;
+        values.push_back({fmt::format("{} at {}", RowName(row), number), row.index,
+                          [number](ParamRow& r) { SetNumberUnchecked(r, number); }});
+    }
+}
+
+void DrawsBeyondLimits(Trial& trial) {
+    RunParts(trial, {{"with values beyond their limits", [](Trial& part) {
+                          Stage stage(part);
+                          std::vector<OddValue> values;
+                          for (const int index : SettableRows(stage.Session().Params())) {
+                              const ParamRow& row = stage.Session().Params().Row(index);
+                              const auto range = RangeOf(row);
+                              if (KindOf(row.def) == ParamKind::kPopup) AddPopupItems(values, row);
+                              if (!range) continue;
+                              AddNumbers(values, row, {range->validMin - 1, 0});
+                              if (range->validMax - range->validMin <= kWide) {
+                                  AddNumbers(values, row, {range->validMax + 1});
+                              }
+                          }
+                          DrawOddValues(part, stage, values);
+                      }}});
+}
+
+void StandsOddNumbers(Trial& trial) {
+    RunParts(
+        trial,
+        {{"with odd numbers", [](Trial& part) {
+              LimitMemory();
+              Stage stage(part);
+              std::vector<OddValue> values;
+              for (const int index : SettableRows(stage.Session().Params())) {
+                  const ParamRow& row = stage.Session().Params().Row(index);
+                  if (KindOf(row.def) == ParamKind::kFloat) {
+                      AddNumbers(values, row, {kNaN, kInfinity, -kInfinity, 1e308, -1e308, -0.0, 5e-324, 1e-300});
+                  } else if (KindOf(row.def) == ParamKind::kAngle) {
+                      // Fixed numbers end there.
+                      AddNumbers(values, row, {-32768, 32767.99998, 1.0 / 65536});
+                  } else if (KindOf(row.def) == ParamKind::kPoint) {
+                      for (const double place : {-32768.0, 32767.99998}) {
+                          values.push_back({fmt::format("{} at {}", RowName(row), place), index, [place](ParamRow& r) {
+                                                r.point = LayerPoint{place, place, false};
+                                            }});
+                      }
+                  }
+              }
+              DrawOddValues(part, stage, values);
+          }}});
+}
+
+/// One command with one pointer taken away.
+void SendWithout(Trial& part, const char* what, PF_Cmd command, const std::function<void(CommandArguments&)>& take) {
+    SessionOptions options;
+    bool armed = false;
+    options.beforeCommand = [&](CommandArguments& sent) {
+        if (armed && sent.command == command) take(sent);
+    };
+    Stage stage(part, options);
+    stage.Cheapen();
+    std::printf("%s\n", what);
+    std::fflush(stdout);
+    armed = true;
+    const World layer = TestPicture(16, 16, Depth::k8);
+    switch (command) {
+        case PF_Cmd_SMART_PRE_RENDER:
+        case PF_Cmd_SMART_RENDER: {
+            part.Count("frames");
+            const auto frame = stage.Session().Render(RequestOf(layer, stage.Session().Params()));
+            static_cast<void>(frame);
+            break;
+        }
+        default:
+            stage.Session().Send(command, nullptr, nullptr, nullptr);
+    }
+    armed = false;
+}
+
+void StandsNullPointers(Trial& trial) {
+    std::vector<Part> parts;
+    const auto add = [&](const char* what, PF_Cmd command, std::function<void(CommandArguments&)> take) {
+        parts.push_back({fmt::format("command {} with {}", command, what),
+                         [=](Trial& part) { SendWithout(part, what, command, take); }});
+    };
+    const auto noSuites = [](CommandArguments& sent) { sent.in->pica_basicP = nullptr; };
+    const auto noGlobal = [](CommandArguments& sent) { sent.in->global_data = nullptr; };
+    for (const PF_Cmd command : {PF_Cmd_ABOUT, PF_Cmd_UPDATE_PARAMS_UI, PF_Cmd_SMART_PRE_RENDER, PF_Cmd_SMART_RENDER}) {
+        add("no suites", command, noSuites);
+    }
+    for (const PF_Cmd command : {PF_Cmd_GLOBAL_SETDOWN, PF_Cmd_SMART_PRE_RENDER, PF_Cmd_SMART_RENDER}) {
+        add("no global data", command, noGlobal);
+    }
+    // A panel command without its rows or its extra, a frame without the record of what is asked: hosts with faults of
+    // their own have sent each of these.
+    add("no rows", PF_Cmd_UPDATE_PARAMS_UI, [](CommandArguments& sent) { sent.params = nullptr; });
+    add("no extra", PF_Cmd_USER_CHANGED_PARAM, [](CommandArguments& sent) { sent.extra = nullptr; });
+    add("no extra", PF_Cmd_EVENT, [](CommandArguments& sent) { sent.extra = nullptr; });
+    add("no extra", PF_Cmd_SMART_PRE_RENDER, [](CommandArguments& sent) { sent.extra = nullptr; });
+    add("no extra", PF_Cmd_SMART_RENDER, [](CommandArguments& sent) { sent.extra = nullptr; });
+    add("no pre-render data", PF_Cmd_SMART_RENDER, [](CommandArguments& sent) {
+        static_cast<PF_SmartRenderExtra*>(sent.extra)->input->pre_render_data = nullptr;
+    });
+    RunParts(trial, parts);
+}
+
+}  // namespace
+
+std::vector<Check> ParameterChecks() {
+    return {
+        {"6.1", "it draws with any values inside the panel's limits", DrawsInsideLimits, Needs::kNothing, 4},
+        {"6.2", "it draws with values at their limits", DrawsAtLimits, Needs::kNothing, 4},
+        {"6.3", "it survives values beyond their limits", DrawsBeyondLimits, Needs::kNothing, 2},
+        {"6.4", "it survives numbers that are none", StandsOddNumbers, Needs::kNothing, 2},
+        {"6.5", "it survives null pointers", StandsNullPointers, Needs::kNothing, 2},
+    };
+}

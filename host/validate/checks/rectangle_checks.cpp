@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// Level 5, where things lie: what an effect answers to requests for any rectangle, and where it draws at other scales.
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <limits>
+#include <optional>
+
+#include "host/compositing/rectangles.h"
+#include "host/validate/checks/stage.h"
+
+namespace {
+
+constexpr A_long kLowest = std::numeric_limits<A_long>::min();
+constexpr A_long kHighest = std::numeric_limits<A_long>::max();
+
+FrameRequest RequestOf(const World& layer) {
+    FrameRequest request;
+    request.layer = &layer;
+    return request;
+}
+
+bool IsSound(const PF_LRect& rect) {
+    return rect.left <= rect.right && rect.top <= rect.bottom;
+}
+
+bool Contains(const PF_LRect& outer, const PF_LRect& inner) {
+    if (IsEmpty(inner)) return true;
+    return outer.left <= inner.left && outer.top <= inner.top && outer.right >= inner.right &&
+           outer.bottom >= inner.bottom;
+}
+
+struct NamedRect {
+    const char* name;
+    PF_LRect rect;
+};
+
+constexpr int kLayerSide = 48;
+constexpr NamedRect kRequests[] = {
+    {"the whole layer", {0, 0, kLayerSide, kLayerSide}},
+    {"a tile", {8, 8, 24, 24}},
+    {"a tile at the corner", {40, 40, 56, 56}},
+    {"one pixel", {20, 20, 21, 21}},
+    {"nothing", {0, 0, 0, 0}},
+    {"nothing, elsewhere", {30, 30, 30, 40}},
+    {"a place outside", {200, 200, 220, 220}},
+    {"a place before the layer", {-60, -60, -20, -20}},
+    {"more than the layer", {-30, -30, 90, 90}},
+    {"an inverted rectangle", {30, 30, 10, 10}},
+    {"everything", {kLowest, kLowest, kHighest, kHighest}},
+    {"the far corner", {kHighest - 10, kHighest - 10, kHighest, kHighest}},
+    {"the near corner", {kLowest, kLowest, kLowest + 10, kLowest + 10}},
+};
+
+void AnswersEveryRequest(Trial& trial) {
+    Stage stage(trial);
+    stage.Cheapen();
+    const World layer = TestPicture(kLayerSide, kLayerSide, Depth::k8);
+    for (const Variant& variant : StyleVariants(stage.Session().Params(), 8)) {
+        ParamSet params = stage.Session().Params();
+        variant.apply(params);
+        std::optional<PF_LRect> largest;
+        for (const NamedRect& asked : kRequests) {
+            FrameRequest request = RequestOf(layer);
+            request.params = &params;
+            request.region = asked.rect;
+            const std::string what = fmt::format("{}, asked for {}", variant.name, asked.name);
+            const auto answer = stage.Ask(request, what);
+            if (!answer) continue;
+            if (!IsSound(answer->resultRect) || !IsSound(answer->maxRect)) {
+                trial.Fail(fmt::format("{}: the answer is turned inside out", what));
+            }
+            if (!Contains(answer->maxRect, answer->resultRect)) {
+                trial.Fail(fmt::format("{}: the result {} reaches beyond the largest, {}", what,
+                                       RectText(answer->resultRect), RectText(answer->maxRect)));
+            }
+            if (!largest) largest = answer->maxRect;
+            if (!Same(*largest, answer->maxRect)) {
+                trial.Fail(fmt::format("{}: the largest rectangle is {}; for the whole layer it was {}", what,
+                                       RectText(answer->maxRect), RectText(*largest)));
+            }
+        }
+    }
+    stage.NoteMisbehaviour("");
+}
+
+/// The middle of a frame's alpha in pixels of the full-size layer; nothing when it is transparent.
+std::optional<std::pair<double, double>> MiddleOf(const Frame& frame, double scaleX, double scaleY) {
+    double sum = 0, sumX = 0, sumY = 0;
+    for (int y = 0; y < frame.output.Height(); ++y) {
+        const auto* row = RowOf<PF_PixelFloat>(frame.output.Def(), y);
+        for (int x = 0; x < frame.output.Width(); ++x) {
+            const double alpha = row[x].alpha;
+            if (!std::isfinite(alpha)) return std::nullopt;
+            sum += alpha;
+            sumX += alpha * (frame.rect.left + x + 0.5);
+            sumY += alpha * (frame.rect.top + y + 0.5);
+        }
+    }
+    if (!(sum > 0)) return std::nullopt;
+    return std::pair(sumX / sum / scaleX, sumY / sum / scaleY);
+}
+
+void FollowsDownsampling(Trial& trial) {
+    constexpr int kFull = 96;
+    constexpr std::pair<int, int> kScales[] = {{1, 2}, {1, 3}, {2, 3}, {1, 8}};
+    Stage stage(trial);
+    stage.Cheapen();
+    for (const Variant& variant : StyleVariants(stage.Session().Params(), 3)) {
+        ParamSet params = stage.Session().Params();
+        variant.apply(params);
+        const auto draw = [&](std::pair<int, int> x, std::pair<int, int> y) {
+            const World layer = TestPicture(kFull * x.first / x.second, kFull * y.first / y.second, Depth::k32);
+            FrameRequest request = RequestOf(layer);
+            request.params = &params;
+            request.layerWidth = request.layerHeight = kFull;
+            request.downsampleX = {x.first, static_cast<A_u_long>(x.second)};
+            request.downsampleY = {y.first, static_cast<A_u_long>(y.second)};
+            return stage.Draw(request,
+                              fmt::format("{} at {}/{} by {}/{}", variant.name, x.first, x.second, y.first, y.second));
+        };
+        const auto full = draw({1, 1}, {1, 1});
+        const auto middle = full ? MiddleOf(*full, 1, 1) : std::nullopt;
+        std::vector<std::pair<std::pair<int, int>, std::pair<int, int>>> pairs{{{1, 2}, {1, 1}}, {{1, 1}, {1, 4}}};
+        for (const auto& scale : kScales) pairs.push_back({scale, scale});
+        for (const auto& [x, y] : pairs) {
+            const auto frame = draw(x, y);
+            if (!frame || !middle) continue;
+            const double scaleX = static_cast<double>(x.first) / x.second;
+            const double scaleY = static_cast<double>(y.first) / y.second;
+            const auto found = MiddleOf(*frame, scaleX, scaleY);
+            const std::string what =
+                fmt::format("{} at {}/{} by {}/{}", variant.name, x.first, x.second, y.first, y.second);
+            if (!found) {
+                trial.Fail(fmt::format("{}: nothing is drawn, although the full size shows something", what));
+                continue;
+            }
+            const double dx = std::abs(found->first - middle->first) * scaleX;
+            const double dy = std::abs(found->second - middle->second) * scaleY;
+            if (dx > 1 || dy > 1) {
+                trial.Fail(
+                    fmt::format("{}: the picture lies {:.1f}, {:.1f} of its pixels away from where the full "
+                                "size has it",
+                                what, dx, dy));
+            }
+        }
+    }
+}
+
+}  // namespace
+
+std::vector<Check> RectangleChecks() {
+    return {
+        {"5.5", "it answers every request, and its largest rectangle is one", AnswersEveryRequest},
+        {"5.7", "it draws the same picture at every scale", FollowsDownsampling},
+    };
+}

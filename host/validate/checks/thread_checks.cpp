@@ -1,0 +1,209 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// Level 8: many threads, short threads, threads that stay too long, and rows in any order.
+
+#include <fmt/format.h>
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+#include "host/compositing/row_pool.h"
+#include "host/process/start_threads.h"
+#include "host/suites/pf/iterate.h"
+#include "host/validate/checks/stage.h"
+#include "host/validate/runner/process_memory.h"
+#include "host/validate/runner/processes.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+FrameRequest RequestOf(const World& layer) {
+    FrameRequest request;
+    request.layer = &layer;
+    return request;
+}
+
+/// The values that one instance of many draws with.
+ParamSet ParamsOf(const ParamSet& base, const std::vector<Variant>& variants, int instance) {
+    ParamSet params = base;
+    variants[static_cast<std::size_t>(instance) % variants.size()].apply(params);
+    int moved = 0;
+    for (const int index : SettableRows(params)) {
+        ParamRow& row = params.RawRow(index);
+        const auto range = RangeOf(row);
+        if (!range || KindOf(row.def) == ParamKind::kAngle) continue;
+        SetNumberUnchecked(row, LowNumber(*range, 1 + (instance * 3 + moved++) % 6));
+    }
+    return params;
+}
+
+void DrawsOnManyThreads(Trial& trial) {
+    constexpr int kInstances = 16;
+    constexpr int kFrames = 6;
+    Stage stage(trial);
+    stage.Cheapen();
+    EffectSession& session = stage.Session();
+    const std::vector<Variant> variants = StyleVariants(session.Params(), 3);
+    const World layers[] = {TestPicture(40, 30, Depth::k8), TestPicture(31, 44, Depth::k32)};
+    std::vector<ParamSet> params;
+    std::vector<std::uint64_t> alone;
+    const auto draw = [&](int instance) {
+        FrameRequest request = RequestOf(layers[instance % 2]);
+        request.params = &params[static_cast<std::size_t>(instance)];
+        request.time = instance;
+        const auto frame = session.Render(request);
+        return frame ? DigestOf(frame->output) : 0;
+    };
+    for (int i = 0; i < kInstances; ++i) params.push_back(ParamsOf(session.Params(), variants, i));
+    for (int i = 0; i < kInstances; ++i) alone.push_back(draw(i));
+
+    for (const int count : {1, 2, 4, 8, 16}) {
+        std::atomic<int> different{0};
+        std::atomic<int> atWork{count};
+        std::vector<std::thread> threads = StartThreads(count, [&](int t) {
+            for (int i = 0; i < kFrames; ++i) {
+                const int instance = (t + i * 5) % kInstances;
+                if (draw(instance) != alone[static_cast<std::size_t>(instance)]) ++different;
+            }
+            --atWork;
+        });
+        const int started = static_cast<int>(threads.size());
+        atWork -= count - started;
+        // The panel goes on meanwhile, on the host's own thread.
+        while (atWork > 0) {
+            stage.TouchPanel();
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        for (std::thread& thread : threads) thread.join();
+        if (started < count) trial.Skip(fmt::format("the system allows {} of {} threads", started, count));
+        trial.Count("frames", count * kFrames);
+        if (different > 0) {
+            trial.Fail(fmt::format("on {} threads {} of {} frames differ from those of one thread", count,
+                                   different.load(), count * kFrames));
+        }
+    }
+    stage.EndEven("after many threads");
+}
+
+void StandsShortThreads(Trial& trial) {
+    constexpr int kThreads = 2000, kWarmUp = 100, kLeast = 200;
+    constexpr double kAllowance = 16 * 1024;
+    Stage stage(trial);
+    stage.Cheapen();
+    const World layer = TestPicture(16, 16, Depth::k8);
+    const auto deadline =
+        Clock::now() + std::chrono::milliseconds(static_cast<long>(trial.Options().timeoutMilliseconds) * 3);
+    long before = 0;
+    int files = 0, drawn = 0;
+    for (; drawn < kThreads && (drawn < kLeast || Clock::now() < deadline) && !trial.Failed(); ++drawn) {
+        if (drawn == kWarmUp) {
+            before = ResidentBytes();
+            files = OpenFiles();
+        }
+        std::thread([&] { stage.Draw(RequestOf(layer), "a thread's only frame"); }).join();
+        stage.Log().Clear();
+    }
+    const double perThread = static_cast<double>(ResidentBytes() - before) / std::max(1, drawn - kWarmUp);
+    trial.Count("threads", drawn);
+    trial.Count("bytes kept a thread", std::max(0.0, perThread));
+    if (perThread > kAllowance) {
+        trial.Fail(fmt::format("each thread that rendered once and ended leaves {:.0f} bytes behind", perThread));
+    }
+    if (OpenFiles() > files + 2) trial.Fail(fmt::format("{} ended threads left files open", drawn));
+}
+
+void OutlivesItsThreads(Trial& trial) {
+    const auto part = [](bool unload) {
+        return [unload](Trial& inside) {
+            auto stage = std::make_optional<Stage>(inside);
+            stage->Cheapen();
+            const World layer = TestPicture(24, 24, Depth::k8);
+            std::mutex mutex;
+            std::condition_variable changed;
+            int state = 0;  // 1: drawn; 2: may end
+            std::thread thread([&] {
+                stage->Draw(RequestOf(layer), "a frame");
+                std::unique_lock lock(mutex);
+                state = 1;
+                changed.notify_all();
+                changed.wait(lock, [&] { return state == 2; });
+            });
+            {
+                std::unique_lock lock(mutex);
+                changed.wait(lock, [&] { return state == 1; });
+            }
+            stage->EndEven("with a render thread still alive");
+            if (unload) stage.reset();
+            {
+                const std::lock_guard lock(mutex);
+                state = 2;
+            }
+            changed.notify_all();
+            thread.join();
+            // What the effect may have left running has a moment to fail.
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        };
+    };
+    RunParts(trial, {{"with a render thread that ends after set-down", part(false)},
+                     {"with a render thread that ends after the module was unloaded", part(true)}});
+}
+
+/// All that survives a process as a number: 53 bits of the digest.
+double DigestFigure(std::uint64_t digest) {
+    return static_cast<double>(digest >> 11);
+}
+
+void IgnoresRowOrder(Trial& trial) {
+    const auto digests = [&](int threads, RowOrder order) {
+        return RunPart(trial, {fmt::format("with {} row threads", threads), [=](Trial& part) {
+                                   SetRowThreads(threads);
+                                   SetRowOrder(order);
+                                   Stage stage(part);
+                                   stage.Cheapen();
+                                   for (const Depth depth : {Depth::k8, Depth::k32}) {
+                                       const World layer = TestPicture(61, 47, depth);
+                                       for (const Variant& variant : StyleVariants(stage.Session().Params(), 3)) {
+                                           ParamSet params = stage.Session().Params();
+                                           variant.apply(params);
+                                           FrameRequest request = RequestOf(layer);
+                                           request.params = &params;
+                                           const auto frame = stage.Draw(request, variant.name);
+                                           const auto name =
+                                               fmt::format("{} at {} bits", variant.name, static_cast<int>(depth));
+                                           part.Count(name, DigestFigure(frame ? DigestOf(frame->output) : 0));
+                                       }
+                                   }
+                               }});
+    };
+    const CheckResult usual = digests(1, RowOrder::kNeighbours);
+    for (const Finding& finding : usual.findings) trial.Note(finding);
+    for (const int threads : {1, 2, 4, 7}) {
+        const CheckResult other = digests(threads, RowOrder::kScattered);
+        for (const Finding& finding : other.findings) trial.Note(finding);
+        for (const auto& [name, digest] : usual.figures) {
+            const auto found = other.figures.find(name);
+            if (name == "frames" || (found != other.figures.end() && found->second == digest)) continue;
+            trial.Fail(fmt::format("{}: the frame differs when rows come scattered on {} threads", name, threads));
+        }
+    }
+}
+
+}  // namespace
+
+std::vector<Check> ThreadChecks() {
+    return {
+        {"8.1", "frames on many threads, with the panel beside them, are those of one thread", DrawsOnManyThreads,
+         Needs::kNothing, 4},
+        {"8.3", "thousands of threads that render once and end leave nothing behind", StandsShortThreads,
+         Needs::kOpenGl, 4},
+        {"8.4", "render threads may end after set-down and after the module was unloaded", OutlivesItsThreads,
+         Needs::kOpenGl},
+        {"8.6", "rows may be walked in any order on any number of threads", IgnoresRowOrder, Needs::kNothing, 2},
+    };
+}

@@ -1,0 +1,374 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/validate/runner/processes.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <poll.h>
+#include <pthread.h>
+#include <sched.h>
+#include <spawn.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstring>
+#include <exception>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <system_error>
+
+#include "host/process/interruption.h"
+#include "host/validate/runner/process_memory.h"
+
+extern char** environ;
+
+namespace {
+
+using nlohmann::json;
+
+long long Now() {
+    return std::chrono::steady_clock::now().time_since_epoch() / std::chrono::milliseconds(1);
+}
+
+json ToJson(const CheckResult& result) {
+    json findings = json::array();
+    for (const Finding& finding : result.findings) {
+        findings.push_back(
+            {{"text", finding.text}, {"weight", VerdictName(finding.weight)}, {"repeat", finding.repeat}});
+    }
+    return {{"verdict", VerdictName(result.verdict)},
+            {"findings", std::move(findings)},
+            {"skip", result.skipReason},
+            {"figures", result.figures},
+            {"noModule", result.isNoModule},
+            {"calls", result.calls}};
+}
+
+CheckResult FromJson(const json& object) {
+    CheckResult result;
+    result.verdict = VerdictOf(object.at("verdict")).value_or(Verdict::kFail);
+    for (const json& finding : object.at("findings")) {
+        result.findings.push_back(
+            {finding.at("text"), VerdictOf(finding.at("weight")).value_or(Verdict::kFail), finding.at("repeat"), {}});
+    }
+    result.skipReason = object.at("skip");
+    for (const auto& [name, amount] : object.at("figures").items()) result.figures[name] = amount;
+    result.isNoModule = object.at("noModule");
+    for (const auto& [callee, times] : object.at("calls").items()) result.calls[callee] = times;
+    return result;
+}
+
+/// The last lines that a process printed, as one.
+std::string LastWords(const std::string& file) {
+    std::ifstream in(file);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(in, line);) {
+        if (!line.empty()) lines.push_back(line);
+    }
+    constexpr std::size_t kKept = 3;
+    std::string words;
+    for (std::size_t i = lines.size() > kKept ? lines.size() - kKept : 0; i < lines.size(); ++i) {
+        words += (words.empty() ? "" : " / ") + lines[i];
+    }
+    return words.empty() ? "" : "; it last printed: " + words;
+}
+
+/// What a process's end means when it left no result.
+Finding FindingOf(const Child& child, const std::string& what) {
+    const std::string words = LastWords(child.output);
+    if (child.timedOut) return {fmt::format("{} did not end in time{}", what, words), Verdict::kTimeout, {}, {}};
+    if (WIFSIGNALED(child.waitStatus)) {
+        const int signal = WTERMSIG(child.waitStatus);
+        return {fmt::format("{} crashed: {} (signal {}){}", what, strsignal(signal), signal, words),
+                Verdict::kCrash,
+                {},
+                {}};
+    }
+    return {fmt::format("{} ended the process with code {}{}", what, WEXITSTATUS(child.waitStatus), words),
+            Verdict::kCrash,
+            {},
+            {}};
+}
+
+void Kill(Child& child) {
+    // The child leads a group of its own, so that what it started goes with it.
+    kill(-child.process, SIGKILL);
+    kill(child.process, SIGKILL);
+    child.timedOut = true;
+}
+
+void Drain(Child& child) {
+    char buffer[4096];
+    for (;;) {
+        const ssize_t count = read(child.results, buffer, sizeof(buffer));
+        if (count > 0) {
+            child.received.append(buffer, static_cast<std::size_t>(count));
+            // Who still holds the pipe's other end, a process that the module started perhaps, is not waited for.
+            if (child.received.back() == '\n') return;
+        } else if (count == 0 || errno != EINTR) {
+            return;
+        }
+    }
+}
+
+/// Gives threads of a fork's child larger stacks than the C library keeps from the parent's: the race checker takes the
+/// parent's threads for alive, and one on the same stack for the same.
+void UseFreshStacks() {
+    pthread_attr_t attributes;
+    if (!SanitizerRuntime() || pthread_getattr_default_np(&attributes) != 0) return;
+    std::size_t size = 0;
+    pthread_attr_getstacksize(&attributes, &size);
+    pthread_attr_setstacksize(&attributes, size + size / 4);
+    pthread_setattr_default_np(&attributes);
+    pthread_attr_destroy(&attributes);
+}
+
+Child ForkPart(const Part& part, const TrialOptions& options, const std::string& output) {
+    Child child;
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC) != 0) return child;
+    child.results = ends[0];
+    child.output = output;
+    child.deadline = Now() + options.timeoutMilliseconds + part.moreMilliseconds;
+    child.process = fork();
+    if (child.process == 0) {
+        setpgid(0, 0);
+        BecomeChild();
+        UseFreshStacks();
+        const int file = open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+        if (file >= 0) {
+            dup2(file, STDOUT_FILENO);
+            dup2(file, STDERR_FILENO);
+        }
+        SendResult(ends[1], RunToEnd(part.run, options));
+        // Like a crash, but silent: nothing of the copied process is to be torn down twice.
+        _exit(0);
+    }
+    close(ends[1]);
+    return child;
+}
+
+}  // namespace
+
+void BecomeChild() {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    const rlimit none{0, 0};
+    setrlimit(RLIMIT_CORE, &none);
+}
+
+int ProcessorCount() {
+    cpu_set_t set;
+    CPU_ZERO(&set);
+    if (sched_getaffinity(0, sizeof(set), &set) != 0) return 1;
+    return std::max(1, CPU_COUNT(&set));
+}
+
+CheckResult RunToEnd(const std::function<void(Trial&)>& run, const TrialOptions& options) {
+    Trial trial(options);
+    try {
+        run(trial);
+    } catch (const TrialOver&) {
+    } catch (const std::system_error& problem) {
+        // A limit of this machine says nothing about the module.
+        if (problem.code() == std::errc::resource_unavailable_try_again) {
+            try {
+                trial.Skip("the system allows no thread");
+            } catch (const TrialOver&) {
+            }
+        } else {
+            trial.Fail(fmt::format("the check itself failed: {}", problem.what()));
+        }
+    } catch (const std::exception& problem) {
+        trial.Fail(fmt::format("the check itself failed: {}", problem.what()));
+    }
+    return trial.Result();
+}
+
+void SendResult(int descriptor, const CheckResult& result) {
+    const std::string text = ToJson(result).dump(-1, ' ', false, json::error_handler_t::replace) + "\n";
+    for (std::size_t sent = 0; sent < text.size();) {
+        const ssize_t count = write(descriptor, text.data() + sent, text.size() - sent);
+        if (count < 0 && errno != EINTR) return;
+        if (count > 0) sent += static_cast<std::size_t>(count);
+    }
+}
+
+std::size_t WaitForOne(std::vector<Child>& children) {
+    for (;;) {
+        std::vector<pollfd> polled;
+        for (const Child& child : children) polled.push_back({child.results, POLLIN, 0});
+        long long wait = 1000;
+        for (const Child& child : children) wait = std::min(wait, std::max(0LL, child.deadline - Now()));
+        poll(polled.data(), polled.size(), static_cast<int>(wait));
+        for (std::size_t i = 0; i < children.size(); ++i) {
+            Child& child = children[i];
+            const bool late = Now() >= child.deadline;
+            if (late) Kill(child);
+            if (!late && !(polled[i].revents & (POLLIN | POLLHUP | POLLERR))) continue;
+            if (!late) {
+                // A result comes in one piece at the end, so one that begins is read to its end.
+                Drain(child);
+            }
+            // After its result a process may still hang in its own end: that is a finding too.
+            int waited = 0;
+            const long long grace = std::max(child.deadline, Now() + 100);
+            while ((waited = waitpid(child.process, &child.waitStatus, WNOHANG)) == 0) {
+                if (Now() >= grace && !child.timedOut) Kill(child);
+                usleep(500);
+            }
+            close(child.results);
+            return i;
+        }
+    }
+}
+
+CheckResult ResultOf(const Child& child, const std::string& what) {
+    const bool endedWell = !child.timedOut && WIFEXITED(child.waitStatus) && WEXITSTATUS(child.waitStatus) == 0;
+    CheckResult result;
+    bool complete = false;
+    if (!child.received.empty()) {
+        try {
+            result = FromJson(json::parse(child.received));
+            complete = true;
+        } catch (const json::exception&) {
+        }
+    }
+    if (complete && endedWell) return result;
+    const Finding finding = complete && !child.timedOut && WIFEXITED(child.waitStatus)
+                                ? FindingOf(child, what + ", after its end,")
+                                : FindingOf(child, what);
+    result.verdict = finding.weight;
+    result.findings.push_back(finding);
+    return result;
+}
+
+Child StartProgram(std::vector<std::string> arguments, const std::vector<std::string>& environment,
+                   const std::string& output, int timeoutMilliseconds) {
+    Child child;
+    int ends[2];
+    if (pipe(ends) != 0) return child;
+    fcntl(ends[0], F_SETFD, FD_CLOEXEC);
+    child.results = ends[0];
+    child.output = output;
+    child.deadline = Now() + timeoutMilliseconds;
+    arguments.insert(arguments.begin(), "umbrant");
+    arguments.push_back("--result-fd");
+    arguments.push_back(std::to_string(ends[1]));
+
+    std::vector<std::string> variables;
+    for (char** variable = environ; *variable; ++variable) variables.emplace_back(*variable);
+    for (const std::string& addition : environment) {
+        const std::string name = addition.substr(0, addition.find('=') + 1);
+        std::erase_if(variables, [&](const std::string& variable) { return variable.starts_with(name); });
+        variables.push_back(addition);
+    }
+    const auto pointers = [](std::vector<std::string>& texts) {
+        std::vector<char*> list;
+        for (std::string& text : texts) list.push_back(text.data());
+        list.push_back(nullptr);
+        return list;
+    };
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK);
+    posix_spawnattr_setpgroup(&attributes, 0);
+    const sigset_t mask = SignalMaskForChildren();
+    posix_spawnattr_setsigmask(&attributes, &mask);
+    // By its own name, as a tool that the program runs in, valgrind for one, has that link for itself.
+    std::error_code unknown;
+    const std::filesystem::path link = "/proc/self/exe";
+    std::filesystem::path program = std::filesystem::read_symlink(link, unknown);
+    if (unknown) program = link;
+    const int error = posix_spawn(&child.process, program.c_str(), &actions, &attributes, pointers(arguments).data(),
+                                  pointers(variables).data());
+    posix_spawn_file_actions_destroy(&actions);
+    posix_spawnattr_destroy(&attributes);
+    close(ends[1]);
+    if (error != 0) {
+        child.process = -1;
+        close(ends[0]);
+    }
+    return child;
+}
+
+namespace {
+
+std::string PartOutput(std::size_t number) {
+    return fmt::format("{}/umbrant_part_{}_{}", std::filesystem::temp_directory_path().string(), getpid(), number);
+}
+
+/// A part's result with what the part says about its findings.
+CheckResult Weighed(CheckResult result, const Part& part) {
+    for (Finding& finding : result.findings) {
+        if (finding.repeat.empty()) finding.repeat = part.repeat;
+        if (part.warnOnly) finding.weight = Verdict::kWarn;
+    }
+    return result;
+}
+
+}  // namespace
+
+CheckResult RunPart(const Trial& trial, const Part& part) {
+    if (trial.Options().inProcess) return Weighed(RunToEnd(part.run, trial.Options()), part);
+    std::vector<Child> children;
+    const std::string output = PartOutput(0);
+    children.push_back(ForkPart(part, trial.Options(), output));
+    CheckResult result;
+    if (children[0].process < 0) return result;
+    WaitForOne(children);
+    result = Weighed(ResultOf(children[0], part.name), part);
+    std::filesystem::remove(output);
+    return result;
+}
+
+void RunParts(Trial& trial, const std::vector<Part>& parts) {
+    for (const CheckResult& result : RunPartsApart(trial, parts)) trial.Merge(result);
+}
+
+std::vector<CheckResult> RunPartsApart(const Trial& trial, const std::vector<Part>& parts) {
+    std::vector<CheckResult> results(parts.size());
+    if (trial.Options().inProcess) {
+        for (std::size_t i = 0; i < parts.size(); ++i) {
+            results[i] = Weighed(RunToEnd(parts[i].run, trial.Options()), parts[i]);
+        }
+        return results;
+    }
+    std::vector<Child> children;
+    std::vector<std::size_t> running;
+    std::size_t next = 0;
+    const auto atOnce = static_cast<std::size_t>(ProcessorCount());
+    while (next < parts.size() || !children.empty()) {
+        while (next < parts.size() && children.size() < atOnce) {
+            Child child = ForkPart(parts[next], trial.Options(), PartOutput(next));
+            if (child.process < 0) {
+                results[next].verdict = Verdict::kFail;
+                results[next].findings.push_back(
+                    {"no process could be started for a part of the check", Verdict::kFail, {}, {}});
+            } else {
+                children.push_back(std::move(child));
+                running.push_back(next);
+            }
+            ++next;
+        }
+        if (children.empty()) continue;
+        const std::size_t ended = WaitForOne(children);
+        const Part& part = parts[running[ended]];
+        results[running[ended]] = Weighed(ResultOf(children[ended], part.name), part);
+        std::filesystem::remove(children[ended].output);
+        children.erase(children.begin() + static_cast<std::ptrdiff_t>(ended));
+        running.erase(running.begin() + static_cast<std::ptrdiff_t>(ended));
+    }
+    return results;
+}

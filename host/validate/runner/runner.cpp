@@ -1,0 +1,390 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/validate/runner/runner.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstring>
+#include <map>
+
+#include "host/drawing/new_drawing.h"
+#include "host/session/effect_session.h"
+#include "host/validate/checks/panel_events.h"
+#include "host/validate/faults/fault_lab.h"
+#include "host/validate/runner/process_memory.h"
+#include "host/validate/runner/processes.h"
+#include "host/validate/runner/trace.h"
+#include "host/validate/runner/waivers.h"
+
+namespace {
+
+constexpr char kProbe[] = "probe";
+
+/// Looks once, before the checks, which renderer the module has. What goes wrong here the checks will tell.
+void Probe(Trial& trial) {
+    auto module = Module::Load(trial.Options().module);
+    if (!module) return;
+    SessionOptions about;
+    about.renderer = trial.Options().rendererOfProbe;
+    auto session = EffectSession::Start(*module, std::move(about));
+    if (session && trial.Options().isProcessorBetter(session->Params())) trial.Count("software");
+}
+
+std::vector<std::string> ChildArguments(const std::string& id, const TrialOptions& options) {
+    std::vector<std::string> arguments{"validate",       options.module.string(),
+                                       "--run-check",    id,
+                                       "--seed",         std::to_string(options.seed),
+                                       "--timeout-ms",   std::to_string(options.timeoutMilliseconds),
+                                       "--soak-seconds", std::to_string(options.soakSeconds)};
+    if (options.softwareGl) arguments.push_back("--software-gl");
+    if (options.fault) arguments.insert(arguments.end(), {"--fault", options.fault->Text()});
+    if (!options.trace.empty()) arguments.insert(arguments.end(), {"--trace", options.trace.string()});
+    return arguments;
+}
+
+/// The libraries that come before all others: the judge's, but a sanitizer's runtime wants to be the first.
+std::string Preloaded(const TrialOptions& options) {
+    const auto runtime = SanitizerRuntime();
+    const bool isOwnFile = runtime && runtime->string().find(".so") != std::string::npos;
+    return (isOwnFile ? runtime->string() + ":" : "") + options.shim.string();
+}
+
+/// What the child's environment has besides ours. Software OpenGL draws some hundred times slower than the processor
+/// path that a module may have; modules without one do not look at the variable.
+std::vector<std::string> ChildEnvironment(const Check& check, const TrialOptions& options) {
+    std::vector<std::string> environment;
+    const bool aboutGl = check.needs == Needs::kOpenGl || check.needs == Needs::kShim;
+    const char* asked = std::getenv("UMBRANT_RENDERER");
+    if (options.softwareGl && !aboutGl && (!asked || !*asked)) {
+        environment.push_back("UMBRANT_RENDERER=cpu");
+    }
+    if (check.needs == Needs::kStrictHeap) {
+        environment.push_back("GLIBC_TUNABLES=glibc.malloc.tcache_count=0:glibc.malloc.mxfast=0");
+    }
+    if (SanitizerRuntime()) {
+        // The race checker ends a fork's child that starts threads, unless it is told not to.
+        const char* given = std::getenv("TSAN_OPTIONS");
+        environment.push_back(fmt::format("TSAN_OPTIONS={}:die_after_fork=0", given ? given : ""));
+    }
+    if (check.needs == Needs::kShim && !options.shim.empty()) environment.push_back("LD_PRELOAD=" + Preloaded(options));
+    return environment;
+}
+
+std::string OutputFile(int number) {
+    return fmt::format("{}/umbrant_check_{}_{}", std::filesystem::temp_directory_path().string(), getpid(), number);
+}
+
+/// One repetition of one check.
+struct Job {
+    std::size_t place;  ///< in the list of outcomes
+    TrialOptions options;
+};
+
+double MillisecondsSince(std::chrono::steady_clock::time_point begin) {
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
+}
+
+/// Takes a repetition's result into the check's outcome.
+void Take(CheckOutcome& outcome, const CheckResult& result, std::uint64_t seed, double milliseconds) {
+    const auto heavy = [](const CheckResult& r) {
+        return std::any_of(r.findings.begin(), r.findings.end(),
+                           [](const Finding& finding) { return finding.weight != Verdict::kWarn; });
+    };
+    if (!heavy(outcome.result) && heavy(result)) outcome.seed = seed;
+    TrialOptions any;
+    Trial merged(any);
+    merged.Merge(outcome.result);
+    merged.Merge(result);
+    outcome.result = merged.Result();
+    outcome.milliseconds += milliseconds;
+}
+
+/// Runs jobs side by side; one that wants quiet runs alone.
+class Scheduler {
+ public:
+    Scheduler(std::vector<CheckOutcome>& outcomes, std::function<void(std::size_t)> ended)
+        : outcomes_(outcomes), ended_(std::move(ended)), atOnce_(static_cast<std::size_t>(ProcessorCount())) {}
+
+    void Run(const std::vector<Job>& jobs) {
+        for (const Job& job : jobs) {
+            const Check& check = *outcomes_[job.place].check;
+            const bool alone = check.needs == Needs::kQuiet || check.needs == Needs::kSoakTime || check.patience > 1;
+            while (children_.size() >= (alone ? 1 : atOnce_)) WaitForEnd();
+            Start(job, check);
+            while (alone && !children_.empty()) WaitForEnd();
+        }
+        while (!children_.empty()) WaitForEnd();
+    }
+
+ private:
+    void Start(const Job& job, const Check& check) {
+        int limit = job.options.timeoutMilliseconds * check.patience;
+        if (check.needs == Needs::kSoakTime) limit += job.options.soakSeconds * 1000;
+        Child child = StartProgram(ChildArguments(check.id, job.options), ChildEnvironment(check, job.options),
+                                   OutputFile(started_++), limit);
+        if (child.process < 0) {
+            CheckResult failed;
+            failed.verdict = Verdict::kFail;
+            failed.findings.push_back({"no process could be started for the check", Verdict::kFail, {}, {}});
+            Take(outcomes_[job.place], failed, job.options.seed, 0);
+            ended_(job.place);
+            return;
+        }
+        children_.push_back(std::move(child));
+        running_.push_back({job, std::chrono::steady_clock::now()});
+    }
+
+    void WaitForEnd() {
+        const std::size_t i = WaitForOne(children_);
+        const Running running = running_[i];
+        CheckOutcome& outcome = outcomes_[running.job.place];
+        Take(outcome, ResultOf(children_[i], fmt::format("check {}", outcome.check->id)), running.job.options.seed,
+             MillisecondsSince(running.begin));
+        std::filesystem::remove(children_[i].output);
+        children_.erase(children_.begin() + static_cast<std::ptrdiff_t>(i));
+        running_.erase(running_.begin() + static_cast<std::ptrdiff_t>(i));
+        ended_(running.job.place);
+    }
+
+    struct Running {
+        Job job;
+        std::chrono::steady_clock::time_point begin;
+    };
+    std::vector<CheckOutcome>& outcomes_;
+    std::function<void(std::size_t)> ended_;
+    std::size_t atOnce_;
+    std::vector<Child> children_;
+    std::vector<Running> running_;
+    int started_ = 0;
+};
+
+/// Prints outcomes in the checks' order, as soon as all before them are known.
+class InOrder {
+ public:
+    InOrder(std::size_t count, int repeat, std::function<void(std::size_t)> print)
+        : left_(count, repeat), print_(std::move(print)) {}
+    void Ended(std::size_t place) {
+        --left_[place];
+        for (; next_ < left_.size() && left_[next_] == 0; ++next_) print_(next_);
+    }
+
+ private:
+    std::vector<int> left_;
+    std::size_t next_ = 0;
+    std::function<void(std::size_t)> print_;
+};
+
+bool ProbeSoftware(const TrialOptions& options) {
+    std::vector<Child> children;
+    children.push_back(StartProgram(ChildArguments(kProbe, options), {}, OutputFile(-1), options.timeoutMilliseconds));
+    if (children[0].process < 0) return false;
+    WaitForOne(children);
+    std::filesystem::remove(children[0].output);
+    return ResultOf(children[0], kProbe).figures.contains("software");
+}
+
+/// What check 1.1 says about the file, chosen or not: without a module no other check has a subject.
+CheckOutcome JudgeFile(const TrialOptions& options) {
+    CheckOutcome outcome;
+    outcome.check = &AllChecks().front();
+    outcome.seed = options.seed;
+    const auto begin = std::chrono::steady_clock::now();
+    if (options.inProcess) {
+        outcome.result = RunToEnd(outcome.check->run, options);
+    } else {
+        std::vector<Child> children;
+        children.push_back(
+            StartProgram(ChildArguments(outcome.check->id, options), {}, OutputFile(-2), options.timeoutMilliseconds));
+        if (children[0].process < 0) return outcome;
+        WaitForOne(children);
+        std::filesystem::remove(children[0].output);
+        outcome.result = ResultOf(children[0], outcome.check->id);
+    }
+    outcome.milliseconds = MillisecondsSince(begin);
+    return outcome;
+}
+
+bool TakesFaults(const Check* check) {
+    return check->takesFaults;
+}
+
+/// A check that had no use for the fault that was asked for did not pass.
+void NoteUnused(const FaultPlan& fault, CheckOutcome& outcome) {
+    const bool was = outcome.result.figures.contains("faults");
+    if (!TakesFaults(outcome.check) || was || outcome.result.verdict != Verdict::kPass) return;
+    outcome.result.verdict = Verdict::kSkip;
+    outcome.result.skipReason = fmt::format("the fault '{}' was not reached", fault.Text());
+}
+
+/// What is wrong with a fault that no check reached.
+Failure Unreached(const FaultPlan& fault, const std::vector<CheckOutcome>& outcomes) {
+    std::map<std::string, int> calls;
+    for (const CheckOutcome& outcome : outcomes) {
+        for (const auto& [callee, times] : outcome.result.calls) calls[callee] = std::max(calls[callee], times);
+    }
+    std::vector<std::string> names;
+    for (const auto& [callee, times] : calls) names.push_back(callee);
+    std::string reason = "the module makes no call that these checks refuse";
+    if (const auto same = calls.find(fault.callee); same != calls.end()) {
+        reason = fmt::format("that call came {} times at most; K from 1 to {} would work", same->second, same->second);
+    } else if (const auto closest = ClosestCall(fault.callee, names); !closest.empty()) {
+        reason =
+            fmt::format("there was no such call; the closest is '{}', with K from 1 to {}", closest, calls[closest]);
+    }
+    return {ExitCode::kUsage, fmt::format("--fault '{}': {}", fault.Text(), reason)};
+}
+
+Result<std::regex> Expression(const std::string& text, const char* option) {
+    try {
+        return std::regex(text);
+    } catch (const std::regex_error&) {
+        return Failure{ExitCode::kUsage, fmt::format("{} '{}' is not a regular expression", option, text)};
+    }
+}
+
+}  // namespace
+
+Totals TotalsOf(const std::vector<CheckOutcome>& outcomes) {
+    Totals totals;
+    for (const CheckOutcome& outcome : outcomes) {
+        switch (outcome.result.verdict) {
+            case Verdict::kPass:
+            case Verdict::kWarn:
+                ++totals.passed;
+                break;
+            case Verdict::kSkip:
+                ++totals.skipped;
+                break;
+            case Verdict::kWaived:
+                ++totals.waived;
+                break;
+            default:
+                ++totals.failed;
+        }
+    }
+    return totals;
+}
+
+Result<std::vector<const Check*>> ChosenChecks(const RunOptions& options) {
+    const auto include = Expression(options.include, "--include");
+    if (!include) return include.Error();
+    const auto exclude = Expression(options.exclude, "--exclude");
+    if (!exclude) return exclude.Error();
+    std::vector<const Check*> chosen;
+    for (const Check& check : AllChecks()) {
+        const std::string text = fmt::format("{} {}", check.id, check.title);
+        if (check.Level() > options.strictness || !std::regex_search(text, *include)) continue;
+        if (!options.exclude.empty() && std::regex_search(text, *exclude)) continue;
+        chosen.push_back(&check);
+    }
+    if (chosen.empty()) {
+        return Failure{ExitCode::kUsage,
+                       fmt::format("no check of level {} or below is chosen; --list shows them", options.strictness)};
+    }
+    return chosen;
+}
+
+Result<std::vector<CheckOutcome>> RunChecks(const RunOptions& asked, void (*print)(const std::string&)) {
+    RunOptions options = asked;
+    const auto chosen = ChosenChecks(options);
+    if (!chosen) return chosen.Error();
+    std::vector<Waiver> waivers;
+    if (!options.waivers.empty()) {
+        auto read = ReadWaivers(options.waivers);
+        if (!read) return read.Error();
+        waivers = std::move(*read);
+    }
+    if (options.trial.fault && std::none_of(chosen->begin(), chosen->end(), TakesFaults)) {
+        return Failure{ExitCode::kUsage,
+                       fmt::format("--fault '{}': no check is chosen that refuses host calls (7.1, 7.2, 7.3 and 9.6); "
+                                   "--strictness 7 chooses three of them",
+                                   options.trial.fault->Text())};
+    }
+    if (!options.trial.trace.empty() && !BeginTrace(options.trial.trace)) {
+        return Failure{ExitCode::kFile, fmt::format("cannot write the trace '{}'", options.trial.trace.string())};
+    }
+
+    std::vector<CheckOutcome> outcomes;
+    const auto report = [&] {
+        if (!options.trial.trace.empty()) EndTrace(options.trial.trace);
+        if (options.report == "text") print(TextSummary(outcomes));
+        if (options.report == "json") print(JsonOf(options, outcomes));
+        if (options.report == "junit") print(JunitOf(options, outcomes));
+    };
+    if (const CheckOutcome file = JudgeFile(options.trial); file.result.isNoModule) {
+        outcomes.push_back(file);
+        if (options.report == "text") print(TextOf(options, file));
+        report();
+        return outcomes;
+    }
+    // What is wrong with this program is not the module's failure.
+    const auto draws = [](const Check* check) { return check->Level() >= kFirstDrawingLevel; };
+    if (std::any_of(chosen->begin(), chosen->end(), draws)) {
+        if (auto canDraw = CheckCanDraw(kCanvasName); !canDraw) return canDraw.Error();
+    }
+    for (const Check* check : *chosen) {
+        CheckOutcome outcome;
+        outcome.check = check;
+        outcome.seed = options.trial.seed;
+        outcomes.push_back(outcome);
+    }
+    InOrder order(outcomes.size(), options.repeat, [&](std::size_t place) {
+        CheckOutcome& outcome = outcomes[place];
+        ApplyWaivers(*outcome.check, outcome.result, waivers);
+        if (options.trial.fault) NoteUnused(*options.trial.fault, outcome);
+        // One fault alone, or a check that was skipped, says nothing about what the others would have found.
+        if (!options.trial.fault && outcome.result.verdict != Verdict::kSkip) {
+            for (const Finding& finding : UnusedWaivers(*outcome.check, waivers)) {
+                outcome.result.findings.push_back(finding);
+                outcome.result.verdict = Verdict::kFail;
+            }
+        }
+        if (options.report == "text") print(TextOf(options, outcome));
+    });
+    std::vector<Job> jobs;
+    const bool canProbe = !options.trial.inProcess && options.trial.isProcessorBetter;
+    if (canProbe) options.trial.softwareGl = ProbeSoftware(options.trial);
+    for (std::size_t place = 0; place < outcomes.size(); ++place) {
+        for (int i = 0; i < options.repeat; ++i) {
+            Job job{place, options.trial};
+            job.options.seed += static_cast<std::uint64_t>(i);
+            jobs.push_back(job);
+        }
+    }
+    if (options.trial.inProcess) {
+        for (const Job& job : jobs) {
+            const auto begin = std::chrono::steady_clock::now();
+            const CheckResult result = RunToEnd(outcomes[job.place].check->run, job.options);
+            Take(outcomes[job.place], result, job.options.seed, MillisecondsSince(begin));
+            order.Ended(job.place);
+        }
+    } else {
+        Scheduler(outcomes, [&](std::size_t place) { order.Ended(place); }).Run(jobs);
+    }
+    report();
+    const auto reached = [](const CheckOutcome& outcome) { return outcome.result.figures.contains("faults"); };
+    if (options.trial.fault && TotalsOf(outcomes).failed == 0 &&
+        std::none_of(outcomes.begin(), outcomes.end(), reached)) {
+        return Unreached(*options.trial.fault, outcomes);
+    }
+    return outcomes;
+}
+
+Result<Done> RunOneCheck(const std::string& id, const TrialOptions& options, int resultDescriptor) {
+    BecomeChild();
+    if (id == kProbe) {
+        SendResult(resultDescriptor, RunToEnd(Probe, options));
+        return Done{};
+    }
+    for (const Check& check : AllChecks()) {
+        if (id != check.id) continue;
+        if (!options.trace.empty()) NameTraceProcess(options.trace, fmt::format("{} {}", check.id, check.title));
+        SendResult(resultDescriptor, RunToEnd(check.run, options));
+        return Done{};
+    }
+    return Failure{ExitCode::kUsage, fmt::format("there is no check '{}'; --list shows them", id)};
+}
