@@ -3,7 +3,7 @@
 
 // The program `umbrant`: everything happens in the command that it is asked for.
 
-#include "host/cli/command.h"
+#include "host/cli/run_program.h"
 #include "host/isolation/module_child.h"
 #include "host/process/interruption.h"
 

@@ -3,8 +3,6 @@
 
 #include "host/accounting/stage_clock.h"
 
-#include "host/suites/services.h"
-
 StageTimes StageClock::Snapshot() const {
     const std::lock_guard lock(mutex_);
     return times_;
@@ -44,13 +42,4 @@ void StageClock::Leave(PixelCall call) {
     }
     transferred_ = transferred_ || call == PixelCall::kTransfer;
     uploaded_ = uploaded_ || call == PixelCall::kWalk;
-}
-
-TimedCall::TimedCall(PixelCall call) : clock_(nullptr), call_(call) {
-    if (CommandNotes* notes = ServiceScope::Current().second) clock_ = &notes->stages;
-    if (clock_) clock_->Enter(call_);
-}
-
-TimedCall::~TimedCall() {
-    if (clock_) clock_->Leave(call_);
 }

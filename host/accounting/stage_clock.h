@@ -34,11 +34,12 @@ class StageClock {
     /// Where the command is, judged by the calls so far and the one it is in.
     RenderStage Now() const;
 
- private:
-    friend class TimedCall;
-    using Time = std::chrono::steady_clock::time_point;
+    /// Around each call; TimedCall does both.
     void Enter(PixelCall call);
     void Leave(PixelCall call);
+
+ private:
+    using Time = std::chrono::steady_clock::time_point;
     RenderStage StageOf(PixelCall call) const;
 
     mutable ForkLock mutex_{ForkRank::kRecord};
@@ -48,17 +49,4 @@ class StageClock {
     Time begin_{};
     bool uploaded_ = false;
     bool transferred_ = false;
-};
-
-/// One call, for as long as it lives: counts for the command that the calling thread is in.
-class TimedCall {
- public:
-    explicit TimedCall(PixelCall call);
-    ~TimedCall();
-    TimedCall(const TimedCall&) = delete;
-    TimedCall& operator=(const TimedCall&) = delete;
-
- private:
-    StageClock* clock_;
-    PixelCall call_;
 };

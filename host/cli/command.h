@@ -36,25 +36,3 @@ Command CompletionCommand();
 
 /// All of them, in the order of the help text.
 std::vector<Command> AllCommands();
-
-/// Declares the program's command line, with these commands. They must outlive the declaration.
-void DeclareProgram(CLI::App& app, const std::vector<Command>& commands);
-
-/// For an option's check: why `text` is not a number from `low` to `high`, or an empty text.
-std::string OutOfRange(const std::string& text, double low, double high);
-
-/// The host program's own version, "major.minor.fix".
-std::string ProgramVersion();
-
-/// Standard output for results alone, whatever an effect prints; a signal that ends the process removes half-written
-/// files first and leaves an exit code of 128 plus the signal. Once, before anything else.
-void PrepareProcess();
-
-/// Finds the command that the arguments name and runs it; prints what went wrong. Returns the process's exit code.
-/// `instead` is called in place of the command's run once its options were read, and gives the exit code: for a caller
-/// that only wants the arguments judged.
-int RunProgram(int argc, const char* const* argv, const std::function<int(const Command&)>& instead = {});
-
-/// The same for these commands alone.
-int RunProgram(const std::vector<Command>& commands, int argc, const char* const* argv,
-               const std::function<int(const Command&)>& instead);

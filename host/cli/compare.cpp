@@ -15,6 +15,7 @@
 #include <string>
 
 #include "host/cli/command.h"
+#include "host/cli/option_checks.h"
 #include "host/cli/results.h"
 
 namespace {

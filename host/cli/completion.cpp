@@ -8,9 +8,9 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 
-#include "host/cli/command.h"
 #include "host/cli/opened_module.h"
 #include "host/cli/results.h"
+#include "host/cli/run_program.h"
 #include "host/panel/panel_rows.h"
 
 namespace {

@@ -12,9 +12,9 @@
 #include <memory>
 #include <system_error>
 
-#include "host/cli/command.h"
 #include "host/cli/render_options.h"
 #include "host/cli/results.h"
+#include "host/cli/run_program.h"
 #include "host/farm/farm_job.h"
 #include "host/module/module.h"
 #include "host/render/frame_numbers.h"

@@ -12,7 +12,6 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
-#include "host/cli/command.h"
 #include "host/cli/progress.h"
 #include "host/cli/results.h"
 #include "host/cli/sequence_report.h"

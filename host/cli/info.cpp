@@ -12,6 +12,7 @@
 
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
+#include "host/cli/program_version.h"
 #include "host/cli/results.h"
 #include "host/session/renderer.h"
 

@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "host/cli/command.h"
+#include "host/cli/option_checks.h"
 
 namespace {
 

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "host/cli/command.h"
+#include "host/cli/option_checks.h"
 #include "host/cli/render_options.h"
 #include "host/image/picture.h"
 #include "host/render/canvas_choice.h"

@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <nlohmann/json.hpp>
 
-#include "host/cli/command.h"
+#include "host/cli/program_version.h"
 #include "host/render/canvas_choice.h"
 #include "host/session/error_names.h"
 

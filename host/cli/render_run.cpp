@@ -271,7 +271,8 @@ class RenderRun {
                                        : plan_->clips.Writes()  ? "layer"
                                                                 : "grow";
             const SequenceFacts facts{options_.input, options_.output, renderer_.Name(), canvas, Covered()};
-            PrintResult(SequenceReport(facts, plan_->frames, job_.shape, progress, plan_->clips.Report()));
+            PrintResult(SequenceReport(facts, plan_->frames, job_.shape, progress.Outcomes(), progress.Seconds(),
+                                       plan_->clips.Report()));
         }
         if (totals.failed == 0) return ExitCode::kDone;
         if (options_.sequence.keepGoing) return ExitCode::kEffectFailed;

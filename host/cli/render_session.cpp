@@ -5,7 +5,7 @@
 
 #include <fmt/format.h>
 
-#include "host/cli/command.h"
+#include "host/cli/option_checks.h"
 #include "host/cli/render_options.h"
 #include "host/cli/settings.h"
 #include "host/render/frame_limits.h"

@@ -17,8 +17,9 @@
 #include <optional>
 #include <sstream>
 
-#include "host/cli/command.h"
+#include "host/cli/program_version.h"
 #include "host/cli/results.h"
+#include "host/cli/run_program.h"
 #include "host/compositing/memory_shortage.h"
 #include "host/image/image_threads.h"
 #include "host/parameters/param_path.h"
@@ -148,23 +149,6 @@ void PrepareProcess() {
     KeepStandardOutputForResults();
     // A limit on the size of files is a write that fails, like a full disk.
     std::signal(SIGXFSZ, SIG_IGN);
-}
-
-std::string ProgramVersion() {
-    return UMBRANT_VERSION;
-}
-
-std::string OutOfRange(const std::string& text, double low, double high) {
-    char* end = nullptr;
-    const double value = std::strtod(text.c_str(), &end);
-    // Written so that not-a-number, which is neither below nor above, is refused too.
-    if (end != text.c_str() && *end == '\0' && value >= low && value <= high) return "";
-    return fmt::format("'{}' is not a number from {} to {}", text, low, high);
-}
-
-std::vector<Command> AllCommands() {
-    return {RenderCommand(),   ParamsCommand(), InfoCommand(), CompareCommand(),   PanelCommand(),
-            ValidateCommand(), CurvesCommand(), FarmCommand(), CompletionCommand()};
 }
 
 void DeclareProgram(CLI::App& app, const std::vector<Command>& commands) {

@@ -57,11 +57,11 @@ nlohmann::ordered_json TotalsJson(const FrameTotals& totals, std::size_t all, do
 }
 
 std::string SequenceReport(const SequenceFacts& facts, const FramePlan& plan, const PipelineShape& shape,
-                           const FrameProgress& progress, const Json& clip) {
+                           const std::vector<std::optional<FrameOutcome>>& outcomes, double seconds, const Json& clip) {
     Json frames = Json::array();
     FrameTotals totals;
     for (std::size_t i = 0; i < plan.frames.size(); ++i) {
-        const auto& outcome = progress.Outcomes()[i];
+        const auto& outcome = outcomes[i];
         if (!outcome) continue;
         totals.drawn += outcome->kind == Kind::kDrawn;
         totals.existing += outcome->kind == Kind::kExists;
@@ -79,7 +79,7 @@ std::string SequenceReport(const SequenceFacts& facts, const FramePlan& plan, co
     if (facts.covered) report.update(CanvasJson(*facts.covered));
     report.update(Json{{"threads", {{"read", shape.readers}, {"draw", shape.drawers}, {"write", shape.writers}}},
                        {"underWay", shape.underWay},
-                       {"totals", TotalsJson(totals, plan.frames.size(), progress.Seconds())},
+                       {"totals", TotalsJson(totals, plan.frames.size(), seconds)},
                        {"frames", std::move(frames)}});
     if (!clip.is_null()) report["clip"] = clip;
     return report.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";

@@ -7,8 +7,11 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <vector>
 
-#include "host/cli/frame_progress.h"
+#include "host/cli/progress_text.h"
+#include "host/render/frame_plan.h"
+#include "host/render/worker.h"
 
 /// A whole number where it is one.
 nlohmann::ordered_json NumberJson(const FrameNumber& frame);
@@ -33,4 +36,5 @@ struct SequenceFacts {
 
 /// The report of a whole sequence, ending in a line break; `clip` tells of the clip that it went into, null for none.
 std::string SequenceReport(const SequenceFacts& facts, const FramePlan& plan, const PipelineShape& shape,
-                           const FrameProgress& progress, const nlohmann::ordered_json& clip = nullptr);
+                           const std::vector<std::optional<FrameOutcome>>& outcomes, double seconds,
+                           const nlohmann::ordered_json& clip = nullptr);

@@ -14,6 +14,7 @@
 
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
+#include "host/cli/option_checks.h"
 #include "host/cli/results.h"
 #include "host/module/module.h"
 #include "host/session/renderer.h"

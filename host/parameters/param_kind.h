@@ -8,7 +8,7 @@
 #include <optional>
 #include <vector>
 
-#include "host/parameters/param_set.h"
+#include "host/parameters/param_row.h"
 
 enum class ParamKind {
     kLayer,

@@ -8,10 +8,10 @@
 #include <algorithm>
 #include <cmath>
 
-#include "host/accounting/stage_clock.h"
 #include "host/compositing/copy_world.h"
 #include "host/session/frame_record.h"
 #include "host/suites/slots.h"
+#include "host/suites/timed_call.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/cli/command.h"
+#include "host/cli/run_program.h"
 #include "tests/fuzz/target.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

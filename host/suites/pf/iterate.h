@@ -7,11 +7,11 @@
 
 #include <atomic>
 
-#include "host/accounting/stage_clock.h"
 #include "host/compositing/rectangles.h"
 #include "host/compositing/row_pool.h"
 #include "host/compositing/world.h"
 #include "host/suites/services.h"
+#include "host/suites/timed_call.h"
 #include "hostapi/errors.h"
 
 struct PF_InData;

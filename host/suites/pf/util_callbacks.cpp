@@ -5,7 +5,6 @@
 
 #include <algorithm>
 
-#include "host/accounting/stage_clock.h"
 #include "host/compositing/blend_worlds.h"
 #include "host/compositing/fill_world.h"
 #include "host/compositing/world.h"
@@ -15,6 +14,7 @@
 #include "host/suites/pf/worlds.h"
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
+#include "host/suites/timed_call.h"
 #include "hostapi/limits.h"
 
 namespace {

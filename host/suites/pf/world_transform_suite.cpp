@@ -7,13 +7,13 @@
 
 #include <algorithm>
 
-#include "host/accounting/stage_clock.h"
 #include "host/compositing/blend_worlds.h"
 #include "host/compositing/copy_world.h"
 #include "host/compositing/transfer_rect.h"
 #include "host/suites/pf/pixel_calls.h"
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
+#include "host/suites/timed_call.h"
 
 PF_Err CompositeRectCall(PF_ProgPtr effectRef, PF_Rect* sourceRect, A_long opacity, PF_EffectWorld* source,
                          A_long destinationX, A_long destinationY, PF_Field field, PF_XferMode mode,

@@ -14,8 +14,8 @@
 #include <optional>
 #include <string>
 
-#include "host/cli/command.h"
 #include "host/cli/results.h"
+#include "host/cli/run_program.h"
 #include "host/loading/program_file.h"
 
 namespace {

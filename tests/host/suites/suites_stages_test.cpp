@@ -9,6 +9,7 @@
 
 #include "host/accounting/stage_clock.h"
 #include "host/suites/services.h"
+#include "host/suites/timed_call.h"
 
 namespace {
 

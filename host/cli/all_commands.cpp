@@ -1,0 +1,9 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/cli/command.h"
+
+std::vector<Command> AllCommands() {
+    return {RenderCommand(),   ParamsCommand(), InfoCommand(), CompareCommand(),   PanelCommand(),
+            ValidateCommand(), CurvesCommand(), FarmCommand(), CompletionCommand()};
+}

@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/cli/program_version.h"
+
+std::string ProgramVersion() {
+    return UMBRANT_VERSION;
+}

@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+#include <string>
+
+/// The host program's own version, "major.minor.fix".
+std::string ProgramVersion();
