@@ -7,7 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "host/farm/shell_word.h"
+#include "host/process/shell_word.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 // Words for a shell: how they look, and that bash reads from them what went in.
 
-#include "host/farm/shell_word.h"
+#include "host/process/shell_word.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "host/farm/shell_word.h"
+#include "host/process/shell_word.h"
 
 #include <fmt/format.h>
 
