@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "host/image/picture.h"
-#include "host/video/child_process.h"
+#include "host/process/child_process.h"
 #include "host/video/clip_facts.h"
 #include "host/video/raw_pixels.h"
 

@@ -11,8 +11,8 @@
 #include <string>
 #include <utility>
 
+#include "host/process/child_process.h"
 #include "host/process/temporary_file.h"
-#include "host/video/child_process.h"
 #include "host/video/clip_format.h"
 
 /// What is to be written.

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "host/video/child_process.h"
+#include "host/process/child_process.h"
 
 /// Starts "ffmpeg" or "ffprobe" from PATH with the arguments that every run has and these. Fails with `ExitCode::kFile`
 /// and a sentence that names the program, also when it is not there.

@@ -3,7 +3,7 @@
 
 // Child processes over pipes: full pipes both ways, ends of all kinds, nothing left behind.
 
-#include "host/video/child_process.h"
+#include "host/process/child_process.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "host/video/child_process.h"
+#include "host/process/child_process.h"
 
 #include <fcntl.h>
 #include <poll.h>
