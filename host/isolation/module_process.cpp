@@ -67,7 +67,7 @@ class Proxy final : public ModuleProcess {
     }
 
     const Registration& Effect() const override { return effect_; }
-    int Process() const override { return child_ ? child_->Process() : 0; }
+    int Process() const override { return child_ ? child_->Child().Process() : 0; }
 
     Result<std::unique_ptr<RemoteSession>> StartInstance(const std::optional<SessionOptions>& options) override {
         ModuleProcessOptions same = options_;
@@ -84,7 +84,7 @@ class Proxy final : public ModuleProcess {
         const auto answer = Do({{"do", "end"}});
         if (!child_) return answer.Error();
         // The effect has said all it had to say: how it leaves its process changes nothing.
-        child_->WaitFor(kEndsIn);
+        child_->Child().WaitFor(kEndsIn);
         child_.reset();
         if (!answer) return answer.Error();
         return Done{};
@@ -198,8 +198,8 @@ class Proxy final : public ModuleProcess {
     /// The process is gone, or soon will be.
     Failure Ended() {
         // Its socket may close a moment before the process has an end that can be read.
-        const auto ended = child_->WaitFor(kEndsIn);
-        return GiveUp(ExplainEnd(ended ? *ended : child_->Kill(), options_.module, *status_));
+        const auto ended = child_->Child().WaitFor(kEndsIn);
+        return GiveUp(ExplainEnd(ended ? *ended : child_->Child().Kill(), options_.module, *status_));
     }
 
     bool Send(Parcel& parcel) {
@@ -215,7 +215,7 @@ class Proxy final : public ModuleProcess {
         std::vector<std::shared_ptr<SharedMemory>> keptBlocks;
         for (;;) {
             Message message;
-            switch (channel.Receive(message, [this] { return child_->HasEnded(); })) {
+            switch (channel.Receive(message, [this] { return child_->Child().HasEnded(); })) {
                 case Received::kMessage:
                     break;
                 case Received::kClosed:

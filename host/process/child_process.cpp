@@ -3,57 +3,24 @@
 
 #include "host/process/child_process.h"
 
-#include <fcntl.h>
 #include <poll.h>
 #include <pthread.h>
-#include <spawn.h>
 #include <sys/wait.h>
-#include <time.h>
 #include <unistd.h>
 
-#include <array>
-#include <atomic>
 #include <cerrno>
-#include <chrono>
 #include <csignal>
 #include <cstring>
-#include <thread>
 #include <utility>
 
 #include "host/process/interruption.h"
 #include "host/process/start_threads.h"
 
-extern char** environ;
-
-struct ChildProcess::Shared {
-    std::atomic<bool> ended{false};  ///< nothing more comes but from whoever else holds its pipe
-};
-
 namespace {
 
 constexpr std::size_t kLongestLine = 400;
 constexpr int kDrainPause = 100;  // milliseconds
-
-/// The children that run, for an interruption to end.
-constexpr pid_t kNone = 0;
-constexpr pid_t kStarting = -1;
-std::array<std::atomic<pid_t>, 32> running{};
-
-/// The program is being interrupted: no child is started any more.
-std::atomic<bool> ending{false};
-
-/// A place among the children that run; -1 when all are taken, and an interruption then finds this one not.
-int TakeSlot() {
-    for (std::size_t i = 0; i < running.size(); ++i) {
-        pid_t none = kNone;
-        if (running[i].compare_exchange_strong(none, kStarting)) return static_cast<int>(i);
-    }
-    return -1;
-}
-
-void SetSlot(int slot, pid_t process) {
-    if (slot >= 0) running[static_cast<std::size_t>(slot)] = process;
-}
+constexpr std::chrono::microseconds kWaitPause{500};
 
 /// Keeps the signal of broken pipes from this thread while it lives.
 class PipeSignalHeld {
@@ -96,86 +63,27 @@ void Close(int& descriptor) {
     descriptor = -1;
 }
 
-struct Pipe {
-    int reads = -1;
-    int writes = -1;
-
-    bool Open() {
-        int ends[2];
-        if (pipe2(ends, O_CLOEXEC) != 0) return false;
-        reads = ends[0];
-        writes = ends[1];
-        return true;
-    }
-    ~Pipe() {
-        Close(reads);
-        Close(writes);
-    }
-};
-
-/// Starts the program; returns the system's error, 0 for none.
-int Spawn(const std::vector<std::string>& arguments, int input, int output, int errors, pid_t& process) {
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    const auto connect = [&actions](int descriptor, int target, int mode) {
-        if (descriptor >= 0) {
-            posix_spawn_file_actions_adddup2(&actions, descriptor, target);
-        } else {
-            posix_spawn_file_actions_addopen(&actions, target, "/dev/null", mode, 0);
-        }
-    };
-    connect(input, STDIN_FILENO, O_RDONLY);
-    connect(output, STDOUT_FILENO, O_WRONLY);
-    connect(errors, STDERR_FILENO, O_WRONLY);
-
-    posix_spawnattr_t attributes;
-    posix_spawnattr_init(&attributes);
-    sigset_t usual;
-    sigemptyset(&usual);
-    sigaddset(&usual, SIGPIPE);
-    posix_spawnattr_setsigdefault(&attributes, &usual);
-    const sigset_t mask = SignalMaskForChildren();
-    posix_spawnattr_setsigmask(&attributes, &mask);
-    posix_spawnattr_setpgroup(&attributes, 0);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
-
-    std::vector<char*> pointers;
-    for (const std::string& argument : arguments) pointers.push_back(const_cast<char*>(argument.c_str()));
-    pointers.push_back(nullptr);
-    const int error = posix_spawnp(&process, pointers[0], &actions, &attributes, pointers.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    posix_spawnattr_destroy(&attributes);
-    return error;
+void KillGroup(int process) {
+    kill(-process, SIGKILL);
+    // A fork may not lead its group yet.
+    kill(process, SIGKILL);
 }
 
 }  // namespace
 
-Result<std::unique_ptr<ChildProcess>> ChildProcess::Start(const std::vector<std::string>& arguments, Piped piped) {
-    const auto failure = [](int error) { return Failure{ExitCode::kFile, std::strerror(error)}; };
-    Pipe stream, errors;
-    if (!stream.Open() || !errors.Open()) return failure(errno);
-    const bool writes = piped == Piped::kInput;
+Result<std::unique_ptr<ChildProcess>> ChildProcess::Start(const ProgramStart& start) {
     std::unique_ptr<ChildProcess> child(new ChildProcess);
-    {
-        // An interruption waits until the child is known; see EndChildProcesses.
-        child->slot_ = TakeSlot();
-        if (ending) {
-            SetSlot(child->slot_, kNone);
-            StayWhileEnding();
-        }
-        pid_t process = -1;
-        const int error =
-            Spawn(arguments, writes ? stream.reads : -1, writes ? -1 : stream.writes, errors.writes, process);
-        SetSlot(child->slot_, error == 0 ? process : kNone);
-        if (error != 0) {
-            child->waitedFor_ = true;
-            return failure(error);
-        }
-        child->process_ = process;
+    int process = -1;
+    const int error = StartProcess(start, process, child->pipes_);
+    if (error != 0) {
+        child->running_.End();
+        child->end_ = ProcessEnd{};
+        return Failure{ExitCode::kFile, std::strerror(error)};
     }
-    child->pipe_ = std::exchange(writes ? stream.writes : stream.reads, -1);
-    child->errors_ = std::exchange(errors.reads, -1);
-    child->shared_ = std::make_unique<Shared>();
+    child->running_.Begin(process);
+    child->process_ = process;
+    child->groupEndsWithIt_ = start.isIsolated;
+    if (child->pipes_.errors < 0) return child;
     auto drain = StartThread([reading = child.get()] { reading->Drain(); });
     // The child is ended with its object.
     if (!drain) return Failure{ExitCode::kInternal, "no thread can be started that reads its messages"};
@@ -183,10 +91,16 @@ Result<std::unique_ptr<ChildProcess>> ChildProcess::Start(const std::vector<std:
     return child;
 }
 
+std::unique_ptr<ChildProcess> ChildProcess::OfFork(int process) {
+    std::unique_ptr<ChildProcess> child(new ChildProcess);
+    child->running_.Begin(process);
+    child->process_ = process;
+    return child;
+}
+
 ChildProcess::~ChildProcess() {
-    if (waitedFor_) return;
-    Kill();
-    Wait();
+    if (!end_) Kill();
+    ClosePipes();
 }
 
 /// Reads what the child prints to standard error until it ends, and keeps the last line that is not empty.
@@ -196,13 +110,13 @@ void ChildProcess::Drain() {
         if (!line.empty()) lastLine_ = std::exchange(line, {});
     };
     for (;;) {
-        pollfd waiting{errors_, POLLIN, 0};
+        pollfd waiting{pipes_.errors, POLLIN, 0};
         const int ready = poll(&waiting, 1, kDrainPause);
         // Something that the child started may hold the pipe long after it.
-        if (ready == 0 && shared_->ended) break;
+        if (ready == 0 && hasEnded_) break;
         if (ready <= 0) continue;
         char bytes[4096];
-        const ssize_t count = read(errors_, bytes, sizeof bytes);
+        const ssize_t count = read(pipes_.errors, bytes, sizeof bytes);
         if (count < 0 && errno == EINTR) continue;
         if (count <= 0) break;
         for (ssize_t i = 0; i < count; ++i) {
@@ -219,8 +133,8 @@ void ChildProcess::Drain() {
 
 bool ChildProcess::Write(const std::byte* bytes, std::size_t count) {
     while (count > 0) {
-        const ssize_t written = pipe_ < 0 ? -1 : WriteQuietly(pipe_, bytes, count);
-        if (written < 0 && pipe_ >= 0 && errno == EINTR) continue;
+        const ssize_t written = pipes_.input < 0 ? -1 : WriteQuietly(pipes_.input, bytes, count);
+        if (written < 0 && pipes_.input >= 0 && errno == EINTR) continue;
         if (written < 0) {
             // What an interruption did to a child is no answer.
             StayWhileEnding();
@@ -233,13 +147,13 @@ bool ChildProcess::Write(const std::byte* bytes, std::size_t count) {
 }
 
 void ChildProcess::CloseInput() {
-    Close(pipe_);
+    Close(pipes_.input);
 }
 
 std::size_t ChildProcess::Read(std::byte* bytes, std::size_t count) {
     std::size_t done = 0;
-    while (done < count && pipe_ >= 0) {
-        const ssize_t got = read(pipe_, bytes + done, count - done);
+    while (done < count && pipes_.output >= 0) {
+        const ssize_t got = read(pipes_.output, bytes + done, count - done);
         if (got < 0 && errno == EINTR) continue;
         if (got <= 0) {
             StayWhileEnding();
@@ -250,45 +164,52 @@ std::size_t ChildProcess::Read(std::byte* bytes, std::size_t count) {
     return done;
 }
 
-void ChildProcess::Kill() {
-    if (waitedFor_ || process_ <= 0) return;
-    kill(-process_, SIGKILL);
-    kill(process_, SIGKILL);
+void ChildProcess::ClosePipes() {
+    Close(pipes_.input);
+    Close(pipes_.output);
 }
 
-const ChildEnd& ChildProcess::Wait() {
-    if (waitedFor_) return end_;
-    Close(pipe_);
-    // Its number may be given to another process only after it has left the list of those that run.
+bool ChildProcess::HasEnded() {
+    if (end_) return true;
+    siginfo_t info{};
+    while (waitid(P_PID, static_cast<id_t>(process_), &info, WEXITED | WNOHANG | WNOWAIT) != 0) {
+        if (errno != EINTR) return true;
+    }
+    return info.si_pid == process_;
+}
+
+const ProcessEnd& ChildProcess::Wait() {
+    if (end_) return *end_;
+    ClosePipes();
     siginfo_t info{};
     while (waitid(P_PID, static_cast<id_t>(process_), &info, WEXITED | WNOWAIT) != 0 && errno == EINTR) {
     }
-    SetSlot(slot_, kNone);
+    // As long as it has not been waited for, its id is its own, and so is the group's.
+    if (groupEndsWithIt_) kill(-process_, SIGKILL);
+    running_.End();
     int status = 0;
     while (waitpid(process_, &status, 0) < 0 && errno == EINTR) {
     }
     StayWhileEnding();
-    waitedFor_ = true;
-    shared_->ended = true;
+    hasEnded_ = true;
     if (drain_.joinable()) drain_.join();
-    Close(errors_);
-    end_.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    end_.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
-    end_.lastLine = lastLine_;
-    return end_;
+    Close(pipes_.errors);
+    end_ =
+        ProcessEnd{WIFEXITED(status) ? WEXITSTATUS(status) : -1, WIFSIGNALED(status) ? WTERMSIG(status) : 0, lastLine_};
+    return *end_;
 }
 
-void EndChildProcesses() noexcept {
-    ending = true;
-    for (std::atomic<pid_t>& slot : running) {
-        // A child that is just being started will be known in a moment.
-        const timespec moment{0, 1'000'000};
-        for (int i = 0; i < 1000 && slot == kStarting; ++i) nanosleep(&moment, nullptr);
-        const pid_t process = slot;
-        if (process <= 0) continue;
-        kill(-process, SIGKILL);
-        kill(process, SIGKILL);
-        // It may be just making the file that is to be removed next.
-        waitpid(process, nullptr, 0);
+std::optional<ProcessEnd> ChildProcess::WaitFor(std::chrono::milliseconds longest) {
+    if (!end_) ClosePipes();
+    const auto deadline = std::chrono::steady_clock::now() + longest;
+    while (!HasEnded()) {
+        if (std::chrono::steady_clock::now() >= deadline) return std::nullopt;
+        std::this_thread::sleep_for(kWaitPause);
     }
+    return Wait();
+}
+
+const ProcessEnd& ChildProcess::Kill() {
+    if (!end_) KillGroup(process_);
+    return Wait();
 }

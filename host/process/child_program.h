@@ -2,27 +2,20 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// A copy of this program as a child with one socket to it: how it is started, ended and waited for. The child has a
-// process group of its own, no blocked signals, the default dispositions, and no descriptor but its standard streams
-// and the socket. What it does is up to its arguments.
+// A copy of this program as a child with one socket to it. The child has a process group of its own, no blocked
+// signals, the default dispositions, and no descriptor but its standard streams and the socket. What it does is up to
+// its arguments.
 
-#include <chrono>
 #include <filesystem>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
+#include "host/process/child_process.h"
 #include "host/result.h"
 
-/// How a child ended.
-struct ProcessEnd {
-    int code = 0;    ///< its exit code; -1 when a signal ended it
-    int signal = 0;  ///< that signal, else 0
-};
-
 /// The descriptor under which a child finds its socket.
-inline constexpr int kChildSocket = 3;
+inline constexpr int kChildSocket = kPassedDescriptor;
 
 /// The file of the running program, whatever the working folder is.
 std::filesystem::path ProgramForChildren();
@@ -39,24 +32,16 @@ class ChildProgram {
     ChildProgram(const ChildProgram&) = delete;
     ChildProgram& operator=(const ChildProgram&) = delete;
 
-    int Process() const { return process_; }
+    /// The child itself, a process.
+    ChildProcess& Child() const { return *child_; }
     /// This end of the socket; the child's end closes with the child.
     int Socket() const { return socket_; }
 
-    /// Whether it has ended. Does not wait.
-    bool HasEnded();
-    /// Waits until it has ended, at most this long. Nothing when it still runs.
-    std::optional<ProcessEnd> WaitFor(std::chrono::milliseconds longest);
-    /// Ends it and what it started, at once, and waits for it.
-    ProcessEnd Kill();
-
  private:
     ChildProgram() = default;
-    ProcessEnd Reap();
 
-    int process_ = -1;
+    std::unique_ptr<ChildProcess> child_;
     int socket_ = -1;
-    std::optional<ProcessEnd> end_;
 };
 
 /// For the child: ends its process group when the other end of the socket closes, which happens at the latest when the

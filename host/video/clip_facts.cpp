@@ -39,14 +39,14 @@ Result<std::string> Ask(const ClipFacts& clip, std::vector<std::string> argument
     const std::string argument = FileArgument(path);
     const std::vector<std::string> input = InputArguments(path, clip.demuxer);
     arguments.insert(arguments.end(), input.begin(), input.end());
-    auto child = StartTool("ffprobe", arguments, ChildProcess::Piped::kOutput);
+    auto child = StartTool("ffprobe", arguments, Piped::kOutput);
     if (!child) return CannotRead(path, child.Error().sentence);
     std::string text;
     std::vector<std::byte> bytes(1 << 16);
     while (const std::size_t count = (*child)->Read(bytes.data(), bytes.size())) {
         text.append(static_cast<const char*>(static_cast<const void*>(bytes.data())), count);
     }
-    const ChildEnd& end = (*child)->Wait();
+    const ProcessEnd& end = (*child)->Wait();
     if (end.IsWell()) return text;
     if (end.code == 1 && end.lastLine.starts_with(argument + ": ")) {
         return CannotRead(

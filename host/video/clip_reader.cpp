@@ -37,7 +37,7 @@ Result<Done> ClipReader::Start(int first) {
     arguments.insert(arguments.end(), {"-map", fmt::format("0:{}", facts_.stream), "-vf",
                                        DecoderFilters(format_, facts_.width, facts_.height, first), "-fps_mode",
                                        "passthrough", "-f", "rawvideo", "-pix_fmt", NameOf(format_), "pipe:1"});
-    auto child = StartTool("ffmpeg", arguments, ChildProcess::Piped::kOutput);
+    auto child = StartTool("ffmpeg", arguments, Piped::kOutput);
     if (!child) {
         return Failure{ExitCode::kFile, fmt::format("cannot read '{}': {}", facts_.path, child.Error().sentence)};
     }
@@ -47,7 +47,7 @@ Result<Done> ClipReader::Start(int first) {
 }
 
 Failure ClipReader::WhyNoMore(int index) {
-    const ChildEnd end = decoder_->Wait();
+    const ProcessEnd end = decoder_->Wait();
     decoder_.reset();
     if (!end.IsWell()) {
         return {ExitCode::kFile,

@@ -41,11 +41,11 @@ void AddSound(const ClipTarget& target, std::vector<std::string>& arguments) {
 }  // namespace
 
 Result<Done> CheckEncoder(const ClipCodec& codec, const std::string& path) {
-    auto child = StartTool("ffmpeg", {"-encoders"}, ChildProcess::Piped::kOutput);
+    auto child = StartTool("ffmpeg", {"-encoders"}, Piped::kOutput);
     if (!child) return CannotWrite(path, child.Error().sentence);
     std::string text(1 << 18, '\0');
     text.resize((*child)->Read(static_cast<std::byte*>(static_cast<void*>(text.data())), text.size()));
-    if (const ChildEnd& end = (*child)->Wait(); !end.IsWell()) return CannotWrite(path, EndText("ffmpeg", end));
+    if (const ProcessEnd& end = (*child)->Wait(); !end.IsWell()) return CannotWrite(path, EndText("ffmpeg", end));
     std::istringstream lines(text);
     std::string flags, name;
     for (std::string line; std::getline(lines, line);) {
@@ -106,15 +106,14 @@ ClipWriter::ClipWriter(ClipTarget target)
 
 Result<std::unique_ptr<ClipWriter>> ClipWriter::Start(ClipTarget target) {
     std::unique_ptr<ClipWriter> writer(new ClipWriter(std::move(target)));
-    auto child = StartTool("ffmpeg", EncoderArguments(writer->target_, writer->file_.Name().string()),
-                           ChildProcess::Piped::kInput);
+    auto child = StartTool("ffmpeg", EncoderArguments(writer->target_, writer->file_.Name().string()), Piped::kInput);
     if (!child) return CannotWrite(writer->target_.path, child.Error().sentence);
     writer->encoder_ = std::move(*child);
     return writer;
 }
 
 Failure ClipWriter::Died() {
-    const ChildEnd& end = encoder_->Wait();
+    const ProcessEnd& end = encoder_->Wait();
     if (!end.IsWell()) {
         return CannotWrite(target_.path, fmt::format("{}, after {} frames", EndText("ffmpeg", end), written_));
     }

@@ -8,11 +8,16 @@
 #include <cstring>
 
 Result<std::unique_ptr<ChildProcess>> StartTool(const std::string& tool, const std::vector<std::string>& arguments,
-                                                ChildProcess::Piped piped) {
-    std::vector<std::string> all = {tool, "-hide_banner", "-v", "error"};
-    if (tool == "ffmpeg") all.emplace_back("-nostdin");
-    all.insert(all.end(), arguments.begin(), arguments.end());
-    auto child = ChildProcess::Start(all, piped);
+                                                Piped piped) {
+    ProgramStart start;
+    start.program = tool;
+    start.arguments = {"-hide_banner", "-v", "error"};
+    if (tool == "ffmpeg") start.arguments.emplace_back("-nostdin");
+    start.arguments.insert(start.arguments.end(), arguments.begin(), arguments.end());
+    start.input = piped == Piped::kInput ? Stream::Pipe() : Stream::Nothing();
+    start.output = piped == Piped::kOutput ? Stream::Pipe() : Stream::Nothing();
+    start.errors = Stream::LastLine();
+    auto child = ChildProcess::Start(start);
     if (child) return child;
     const std::string& reason = child.Error().sentence;
     if (reason == std::strerror(ENOENT)) {
@@ -24,7 +29,7 @@ Result<std::unique_ptr<ChildProcess>> StartTool(const std::string& tool, const s
                    fmt::format("'{}', which clips are read and written by, cannot be started: {}", tool, reason)};
 }
 
-std::string EndText(const std::string& tool, const ChildEnd& end) {
+std::string EndText(const std::string& tool, const ProcessEnd& end) {
     std::string text = end.signal != 0
                            ? fmt::format("{} was ended by signal {} ({})", tool, end.signal, strsignal(end.signal))
                            : fmt::format("{} ended with exit code {}", tool, end.code);

@@ -11,13 +11,16 @@
 
 #include "host/process/child_process.h"
 
+/// Which stream of a tool is a pipe to this program; the other one is empty or lost.
+enum class Piped { kInput, kOutput };
+
 /// Starts "ffmpeg" or "ffprobe" from PATH with the arguments that every run has and these. Fails with `ExitCode::kFile`
 /// and a sentence that names the program, also when it is not there.
 Result<std::unique_ptr<ChildProcess>> StartTool(const std::string& tool, const std::vector<std::string>& arguments,
-                                                ChildProcess::Piped piped);
+                                                Piped piped);
 
 /// "ffmpeg ended with exit code 1: No space left on device", "ffmpeg was ended by signal 9 (Killed)".
-std::string EndText(const std::string& tool, const ChildEnd& end);
+std::string EndText(const std::string& tool, const ProcessEnd& end);
 
 /// A file's name as an argument that means this file whatever signs it has: no option, no other protocol, no pattern.
 std::string FileArgument(const std::filesystem::path& file);

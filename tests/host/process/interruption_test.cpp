@@ -16,10 +16,17 @@
 
 #include <atomic>
 #include <cerrno>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <string>
 #include <thread>
 #include <vector>
+
+#include "host/process/child_process.h"
+#include "host/process/child_program.h"
+#include "host/process/running_children.h"
 
 extern char** environ;
 
@@ -174,6 +181,84 @@ TEST(Interruption, ABrokenPipeIsAnErrorAlone) {
     });
     EXPECT_EQ(ended.end, "exit 0");
     EXPECT_EQ(ended.report, "e");
+}
+
+/// How many threads of this process do not block SIGTERM, as far as the system shows: the kernel lets those in
+/// sigwait() receive what they wait for.
+int ReadyThreads() {
+    int count = 0;
+    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
+        std::ifstream status(task.path() / "status");
+        for (std::string line; std::getline(status, line);) {
+            if (!line.starts_with("SigBlk:")) continue;
+            count += (std::stoull(line.substr(7), nullptr, 16) >> (SIGTERM - 1) & 1) == 0;
+        }
+    }
+    return count;
+}
+
+TEST(Interruption, OneThreadAloneWaitsForTheSignals) {
+    const Ended ended = InProcess([] {
+        HandleInterruptions(Clean);
+        std::atomic<bool> done{false};
+        std::vector<std::thread> threads;
+        for (int i = 0; i < 3; ++i) {
+            threads.emplace_back([&done] {
+                while (!done) usleep(1000);
+            });
+        }
+        // The thread may not have begun to wait yet.
+        for (int i = 0; i < 60'000 && ReadyThreads() == 0; ++i) usleep(1000);
+        Report(static_cast<char>('0' + ReadyThreads()));
+        done = true;
+        for (std::thread& thread : threads) thread.join();
+    });
+    EXPECT_EQ(ended.end, "exit 0");
+    EXPECT_EQ(ended.report, "1");
+}
+
+TEST(Interruption, EveryKindOfChildIsEndedAndWaitedForByTheCleaning) {
+    const Ended ended = InProcess(
+        [] {
+            HandleInterruptions([] {
+                EndChildProcesses();
+                Report(waitpid(-1, nullptr, WNOHANG) < 0 && errno == ECHILD ? 'n' : 'x');
+            });
+            ProgramStart start;
+            start.program = "sleep";
+            start.arguments = {"1000"};
+            const auto child = ChildProcess::Start(start);
+            const auto copy = ChildProgram::Start("/bin/sleep", {"1000"});
+            const pid_t process = fork();
+            if (process == 0) {
+                for (;;) pause();
+            }
+            const auto forked = ChildProcess::OfFork(process);
+            if (child && copy) Report('s');
+            Stay();
+        },
+        {SIGTERM});
+    EXPECT_EQ(ended.end, "exit 143");
+    EXPECT_EQ(ended.report, "srn");
+}
+
+TEST(Interruption, WhatItDidToAChildIsNoAnswer) {
+    const Ended ended = InProcess(
+        [] {
+            HandleInterruptions([] {
+                EndChildProcesses();
+                usleep(100'000);
+                Report('c');
+            });
+            const auto child = ChildProgram::Start("/bin/sleep", {"1000"});
+            if (!child) _exit(1);
+            Report('r');
+            (*child)->Child().WaitFor(std::chrono::minutes(10));
+            Report('x');
+        },
+        {SIGINT});
+    EXPECT_EQ(ended.end, "exit 130");
+    EXPECT_EQ(ended.report, "rc");
 }
 
 /// A letter for whether this thread blocks the signals: 'b', or 'u' when it blocks none of them.
