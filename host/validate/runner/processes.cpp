@@ -8,10 +8,8 @@
 #include <poll.h>
 #include <pthread.h>
 #include <sched.h>
-#include <spawn.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -25,10 +23,7 @@
 #include <sstream>
 #include <system_error>
 
-#include "host/process/interruption.h"
 #include "host/validate/runner/process_memory.h"
-
-extern char** environ;
 
 namespace {
 
@@ -85,24 +80,13 @@ std::string LastWords(const std::string& file) {
 Finding FindingOf(const Child& child, const std::string& what) {
     const std::string words = LastWords(child.output);
     if (child.timedOut) return {fmt::format("{} did not end in time{}", what, words), Verdict::kTimeout, {}, {}};
-    if (WIFSIGNALED(child.waitStatus)) {
-        const int signal = WTERMSIG(child.waitStatus);
+    if (const int signal = child.end.signal; signal != 0) {
         return {fmt::format("{} crashed: {} (signal {}){}", what, strsignal(signal), signal, words),
                 Verdict::kCrash,
                 {},
                 {}};
     }
-    return {fmt::format("{} ended the process with code {}{}", what, WEXITSTATUS(child.waitStatus), words),
-            Verdict::kCrash,
-            {},
-            {}};
-}
-
-void Kill(Child& child) {
-    // The child leads a group of its own, so that what it started goes with it.
-    kill(-child.process, SIGKILL);
-    kill(child.process, SIGKILL);
-    child.timedOut = true;
+    return {fmt::format("{} ended the process with code {}{}", what, child.end.code, words), Verdict::kCrash, {}, {}};
 }
 
 void Drain(Child& child) {
@@ -138,8 +122,8 @@ Child ForkPart(const Part& part, const TrialOptions& options, const std::string&
     child.results = ends[0];
     child.output = output;
     child.deadline = Now() + options.timeoutMilliseconds + part.moreMilliseconds;
-    child.process = fork();
-    if (child.process == 0) {
+    const pid_t process = fork();
+    if (process == 0) {
         setpgid(0, 0);
         BecomeChild();
         UseFreshStacks();
@@ -153,6 +137,11 @@ Child ForkPart(const Part& part, const TrialOptions& options, const std::string&
         _exit(0);
     }
     close(ends[1]);
+    if (process > 0) {
+        child.process = ChildProcess::OfFork(process);
+    } else {
+        close(ends[0]);
+    }
     return child;
 }
 
@@ -211,19 +200,16 @@ std::size_t WaitForOne(std::vector<Child>& children) {
         for (std::size_t i = 0; i < children.size(); ++i) {
             Child& child = children[i];
             const bool late = Now() >= child.deadline;
-            if (late) Kill(child);
             if (!late && !(polled[i].revents & (POLLIN | POLLHUP | POLLERR))) continue;
             if (!late) {
                 // A result comes in one piece at the end, so one that begins is read to its end.
                 Drain(child);
             }
             // After its result a process may still hang in its own end: that is a finding too.
-            int waited = 0;
-            const long long grace = std::max(child.deadline, Now() + 100);
-            while ((waited = waitpid(child.process, &child.waitStatus, WNOHANG)) == 0) {
-                if (Now() >= grace && !child.timedOut) Kill(child);
-                usleep(500);
-            }
+            const long long grace = late ? 0 : std::max(child.deadline, Now() + 100) - Now();
+            const auto end = child.process->WaitFor(std::chrono::milliseconds(grace));
+            child.timedOut = late || !end;
+            child.end = end ? *end : child.process->Kill();
             close(child.results);
             return i;
         }
@@ -231,7 +217,7 @@ std::size_t WaitForOne(std::vector<Child>& children) {
 }
 
 CheckResult ResultOf(const Child& child, const std::string& what) {
-    const bool endedWell = !child.timedOut && WIFEXITED(child.waitStatus) && WEXITSTATUS(child.waitStatus) == 0;
+    const bool endedWell = !child.timedOut && child.end.IsWell();
     CheckResult result;
     bool complete = false;
     if (!child.received.empty()) {
@@ -242,7 +228,7 @@ CheckResult ResultOf(const Child& child, const std::string& what) {
         }
     }
     if (complete && endedWell) return result;
-    const Finding finding = complete && !child.timedOut && WIFEXITED(child.waitStatus)
+    const Finding finding = complete && !child.timedOut && child.end.signal == 0
                                 ? FindingOf(child, what + ", after its end,")
                                 : FindingOf(child, what);
     result.verdict = finding.weight;
@@ -250,54 +236,34 @@ CheckResult ResultOf(const Child& child, const std::string& what) {
     return result;
 }
 
-Child StartProgram(std::vector<std::string> arguments, const std::vector<std::string>& environment,
-                   const std::string& output, int timeoutMilliseconds) {
+Child StartCopy(std::vector<std::string> arguments, const std::vector<std::string>& environment,
+                const std::string& output, int timeoutMilliseconds) {
     Child child;
     int ends[2];
-    if (pipe(ends) != 0) return child;
-    fcntl(ends[0], F_SETFD, FD_CLOEXEC);
+    if (pipe2(ends, O_CLOEXEC) != 0) return child;
     child.results = ends[0];
     child.output = output;
     child.deadline = Now() + timeoutMilliseconds;
-    arguments.insert(arguments.begin(), "umbrant");
-    arguments.push_back("--result-fd");
-    arguments.push_back(std::to_string(ends[1]));
-
-    std::vector<std::string> variables;
-    for (char** variable = environ; *variable; ++variable) variables.emplace_back(*variable);
-    for (const std::string& addition : environment) {
-        const std::string name = addition.substr(0, addition.find('=') + 1);
-        std::erase_if(variables, [&](const std::string& variable) { return variable.starts_with(name); });
-        variables.push_back(addition);
-    }
-    const auto pointers = [](std::vector<std::string>& texts) {
-        std::vector<char*> list;
-        for (std::string& text : texts) list.push_back(text.data());
-        list.push_back(nullptr);
-        return list;
-    };
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
-    posix_spawnattr_t attributes;
-    posix_spawnattr_init(&attributes);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK);
-    posix_spawnattr_setpgroup(&attributes, 0);
-    const sigset_t mask = SignalMaskForChildren();
-    posix_spawnattr_setsigmask(&attributes, &mask);
+    ProgramStart start;
     // By its own name, as a tool that the program runs in, valgrind for one, has that link for itself.
     std::error_code unknown;
     const std::filesystem::path link = "/proc/self/exe";
-    std::filesystem::path program = std::filesystem::read_symlink(link, unknown);
-    if (unknown) program = link;
-    const int error = posix_spawn(&child.process, program.c_str(), &actions, &attributes, pointers(arguments).data(),
-                                  pointers(variables).data());
-    posix_spawn_file_actions_destroy(&actions);
-    posix_spawnattr_destroy(&attributes);
+    const std::filesystem::path program = std::filesystem::read_symlink(link, unknown);
+    start.program = unknown ? link.string() : program.string();
+    start.name = "umbrant";
+    start.arguments = std::move(arguments);
+    start.arguments.push_back("--result-fd");
+    start.arguments.push_back(std::to_string(kPassedDescriptor));
+    start.environment = environment;
+    start.input = Stream::Inherited();
+    start.output = Stream::File(output);
+    start.errors = Stream::AsOutput();
+    start.descriptor = ends[1];
+    auto started = ChildProcess::Start(start);
     close(ends[1]);
-    if (error != 0) {
-        child.process = -1;
+    if (started) {
+        child.process = std::move(*started);
+    } else {
         close(ends[0]);
     }
     return child;
@@ -326,7 +292,7 @@ CheckResult RunPart(const Trial& trial, const Part& part) {
     const std::string output = PartOutput(0);
     children.push_back(ForkPart(part, trial.Options(), output));
     CheckResult result;
-    if (children[0].process < 0) return result;
+    if (!children[0].process) return result;
     WaitForOne(children);
     result = Weighed(ResultOf(children[0], part.name), part);
     std::filesystem::remove(output);
@@ -352,7 +318,7 @@ std::vector<CheckResult> RunPartsApart(const Trial& trial, const std::vector<Par
     while (next < parts.size() || !children.empty()) {
         while (next < parts.size() && children.size() < atOnce) {
             Child child = ForkPart(parts[next], trial.Options(), PartOutput(next));
-            if (child.process < 0) {
+            if (!child.process) {
                 results[next].verdict = Verdict::kFail;
                 results[next].findings.push_back(
                     {"no process could be started for a part of the check", Verdict::kFail, {}, {}});

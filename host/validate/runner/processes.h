@@ -6,19 +6,21 @@
 // new copy of the program, and the parts of a check that is many small runs in forks of its process.
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "host/process/child_process.h"
 #include "host/validate/runner/trial.h"
 
 /// A child process that was started and has not been waited for.
 struct Child {
-    int process = -1;
-    int results = -1;        ///< the reading end of its result's pipe
-    std::string output;      ///< a file with what it printed
-    std::string received;    ///< the result so far
-    long long deadline = 0;  ///< milliseconds of the steady clock
-    int waitStatus = 0;
+    std::unique_ptr<ChildProcess> process{};  ///< null when it could not be started
+    int results = -1;                         ///< the reading end of its result's pipe
+    std::string output;                       ///< a file with what it printed
+    std::string received;                     ///< the result so far
+    long long deadline = 0;                   ///< milliseconds of the steady clock
+    ProcessEnd end{};
     bool timedOut = false;
 };
 
@@ -29,11 +31,11 @@ std::size_t WaitForOne(std::vector<Child>& children);
 CheckResult ResultOf(const Child& child, const std::string& what);
 
 /// Starts a copy of this program with these arguments and additions to the environment. The option `--result-fd N` is
-/// added. Its two outputs go to the file `output`. `process` is -1 when it cannot be started.
-Child StartProgram(std::vector<std::string> arguments, const std::vector<std::string>& environment,
-                   const std::string& output, int timeoutMilliseconds);
+/// added. Its two outputs go to the file `output`. `process` is null when it cannot be started.
+Child StartCopy(std::vector<std::string> arguments, const std::vector<std::string>& environment,
+                const std::string& output, int timeoutMilliseconds);
 
-/// Writes a result where StartProgram's caller waits for it.
+/// Writes a result where StartCopy's caller waits for it.
 void SendResult(int descriptor, const CheckResult& result);
 
 /// One small run inside a check.

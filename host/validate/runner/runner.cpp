@@ -124,9 +124,9 @@ class Scheduler {
     void Start(const Job& job, const Check& check) {
         int limit = job.options.timeoutMilliseconds * check.patience;
         if (check.needs == Needs::kSoakTime) limit += job.options.soakSeconds * 1000;
-        Child child = StartProgram(ChildArguments(check.id, job.options), ChildEnvironment(check, job.options),
-                                   OutputFile(started_++), limit);
-        if (child.process < 0) {
+        Child child = StartCopy(ChildArguments(check.id, job.options), ChildEnvironment(check, job.options),
+                                OutputFile(started_++), limit);
+        if (!child.process) {
             CheckResult failed;
             failed.verdict = Verdict::kFail;
             failed.findings.push_back({"no process could be started for the check", Verdict::kFail, {}, {}});
@@ -180,8 +180,8 @@ class InOrder {
 
 bool ProbeSoftware(const TrialOptions& options) {
     std::vector<Child> children;
-    children.push_back(StartProgram(ChildArguments(kProbe, options), {}, OutputFile(-1), options.timeoutMilliseconds));
-    if (children[0].process < 0) return false;
+    children.push_back(StartCopy(ChildArguments(kProbe, options), {}, OutputFile(-1), options.timeoutMilliseconds));
+    if (!children[0].process) return false;
     WaitForOne(children);
     std::filesystem::remove(children[0].output);
     return ResultOf(children[0], kProbe).figures.contains("software");
@@ -198,8 +198,8 @@ CheckOutcome JudgeFile(const TrialOptions& options) {
     } else {
         std::vector<Child> children;
         children.push_back(
-            StartProgram(ChildArguments(outcome.check->id, options), {}, OutputFile(-2), options.timeoutMilliseconds));
-        if (children[0].process < 0) return outcome;
+            StartCopy(ChildArguments(outcome.check->id, options), {}, OutputFile(-2), options.timeoutMilliseconds));
+        if (!children[0].process) return outcome;
         WaitForOne(children);
         std::filesystem::remove(children[0].output);
         outcome.result = ResultOf(children[0], outcome.check->id);
