@@ -10,18 +10,17 @@
 // arguments for the program in which files are named as they lie in the folder and the result is "actual.EXT", and
 // perhaps, with the reason in a comment, lines that replace one of the three numbers of tolerance.txt ("percent 2").
 
-#include <sys/wait.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <map>
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include "tests/support/run_program.h"
 
 namespace {
 
@@ -49,22 +48,13 @@ struct Outcome {
     std::string text;
 };
 
-std::string Quoted(const std::string& text) {
-    std::string quoted = "'";
-    for (const char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + "'";
-}
-
 /// Runs the program; `text` is all that it printed.
-Outcome Run(const Arguments& arguments, const std::vector<std::string>& words) {
-    const fs::path log = arguments.workFolder / "output.txt";
-    std::string command = Quoted(arguments.program);
-    for (const std::string& word : words) command += " " + Quoted(word);
-    command += " >" + Quoted(log.string()) + " 2>&1";
-    const int status = std::system(command.c_str());
-    std::ifstream stream(log);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1,
-            {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()}};
+Outcome Run(const Arguments& arguments, std::vector<std::string> words) {
+    words.insert(words.begin(), arguments.program);
+    ProgramStart start;
+    start.errors = Stream::AsOutput();
+    const ProgramRun run = RunProgram(words, start);
+    return {run.code, run.output + run.errors};
 }
 
 /// The value behind a label in the program's `info`.

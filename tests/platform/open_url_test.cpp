@@ -8,12 +8,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -22,6 +19,7 @@
 #include <vector>
 
 #include "platform/fake/call_log.h"
+#include "tests/support/run_program.h"
 
 namespace {
 
@@ -57,15 +55,13 @@ class OpenUrlTest : public ::testing::TestWithParam<Platform> {
 
     /// Opens an address with the scripts alone in the search path; what was printed is in `output`.
     int Open(const std::string& url, std::string* output = nullptr) {
-        const std::string command =
-            "env PATH='" + folder_.string() + "' '" + GetParam().probe + "' '" + url + "' 2>&1 </dev/null";
-        FILE* pipe = popen(command.c_str(), "r");
-        char buffer[256];
-        while (pipe && fgets(buffer, sizeof buffer, pipe)) {
-            if (output) *output += buffer;
-        }
-        const int status = pipe ? pclose(pipe) : -1;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        ProgramStart start;
+        start.environment = {"PATH=" + folder_.string()};
+        start.output = Stream::Pipe();
+        start.errors = Stream::AsOutput();
+        const ProgramRun run = RunProgram({GetParam().probe, url}, start);
+        if (output) *output += run.output;
+        return run.code;
     }
 
     /// What the opener wrote; waits for it.
@@ -149,16 +145,9 @@ TEST_P(OpenUrlOnLinuxTest, NoShellIsInvolved) {
     std::filesystem::copy_file(OPENER_PROBE, folder_ / "xdg-open");
     const std::string url = "https://example.com/?a=1&b='2'*#$HOME;id";
     std::string path = "/nowhere::" + (folder_ / "given").string() + ":" + folder_.string();
-    std::vector<std::string> arguments = {"/usr/bin/env",   "-i", "PATH=" + path, "RECORD=" + Given().string(),
-                                          GetParam().probe, url};
-    std::vector<char*> pointers;
-    for (std::string& argument : arguments) pointers.push_back(argument.data());
-    pointers.push_back(nullptr);
-    pid_t child = 0;
-    ASSERT_EQ(posix_spawn(&child, pointers[0], nullptr, nullptr, pointers.data(), environ), 0);
-    int status = -1;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
+    EXPECT_EQ(
+        RunProgram({"/usr/bin/env", "-i", "PATH=" + path, "RECORD=" + Given().string(), GetParam().probe, url}).code,
+        0);
     EXPECT_EQ(Record(), "argument " + url + "\nvariable PATH=" + path + "\nvariable RECORD=" + Given().string() +
                             "\nstream open\nstream open\nstream open\nleader 1\ndone\n");
 }

@@ -5,28 +5,21 @@
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <cstdio>
 #include <string>
 #include <thread>
+#include <vector>
+
+#include "tests/support/run_program.h"
 
 namespace {
 
-struct Outcome {
-    int exitCode;
-    std::string output;  ///< standard output and error together
-};
-
-Outcome Probe(const std::string& environment) {
-    const std::string command = "env " + environment + " '" + RENDERER_PROBE + "' 2>&1";
-    FILE* pipe = popen(command.c_str(), "r");
-    Outcome outcome{-1, ""};
-    char buffer[512];
-    while (pipe && fgets(buffer, sizeof buffer, pipe)) outcome.output += buffer;
-    const int status = pipe ? pclose(pipe) : -1;
-    outcome.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return outcome;
+/// Runs the probe with these changes to the environment; both outputs together.
+ProgramRun Probe(const std::vector<std::string>& environment) {
+    ProgramStart start;
+    start.environment = environment;
+    start.errors = Stream::AsOutput();
+    return RunProgram({RENDERER_PROBE}, start);
 }
 
 bool IsSoftware(const std::string& renderer) {
@@ -34,38 +27,38 @@ bool IsSoftware(const std::string& renderer) {
 }
 
 TEST(RendererChoice, SoftwareIsForcedByTheEnvironment) {
-    const Outcome outcome = Probe("UMBRANT_GL=software");
-    if (outcome.exitCode == 1) GTEST_SKIP() << "no software renderer on this machine: " << outcome.output;
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.output;
+    const ProgramRun outcome = Probe({"UMBRANT_GL=software"});
+    if (outcome.code == 1) GTEST_SKIP() << "no software renderer on this machine: " << outcome.output;
+    EXPECT_EQ(outcome.code, 0) << outcome.output;
     EXPECT_TRUE(IsSoftware(outcome.output)) << outcome.output;
 }
 
 TEST(RendererChoice, HardwareIsForcedByTheEnvironmentAndNeverReplacedBySoftware) {
-    const Outcome outcome = Probe("UMBRANT_GL=hardware");
-    if (outcome.exitCode == 0) {
+    const ProgramRun outcome = Probe({"UMBRANT_GL=hardware"});
+    if (outcome.code == 0) {
         EXPECT_FALSE(IsSoftware(outcome.output)) << outcome.output;
     } else {
-        EXPECT_EQ(outcome.exitCode, 1);
+        EXPECT_EQ(outcome.code, 1);
         EXPECT_NE(outcome.output.find("invalid pixel format\n"), std::string::npos) << outcome.output;
     }
 }
 
 TEST(RendererChoice, WithoutAWishThereIsOneWhereverSoftwareWorks) {
-    if (Probe("UMBRANT_GL=software").exitCode == 1) GTEST_SKIP() << "no software renderer on this machine";
-    EXPECT_EQ(Probe("-u UMBRANT_GL").exitCode, 0);
-    EXPECT_EQ(Probe("UMBRANT_GL=").exitCode, 0);
+    if (Probe({"UMBRANT_GL=software"}).code == 1) GTEST_SKIP() << "no software renderer on this machine";
+    EXPECT_EQ(Probe({"UMBRANT_GL"}).code, 0);
+    EXPECT_EQ(Probe({"UMBRANT_GL="}).code, 0);
 }
 
 TEST(RendererChoice, AnythingElseIsRefusedWithOneLine) {
-    const Outcome outcome = Probe("UMBRANT_GL=Software");
-    EXPECT_EQ(outcome.exitCode, 1);
+    const ProgramRun outcome = Probe({"UMBRANT_GL=Software"});
+    EXPECT_EQ(outcome.code, 1);
     EXPECT_EQ(outcome.output,
               "UMBRANT_GL is \"Software\"; it must be \"software\" or \"hardware\"\ninvalid pixel format\n");
 }
 
 TEST(RendererChoice, WithoutAnyDriverThereIsNoPixelFormat) {
-    const Outcome outcome = Probe("-u UMBRANT_GL __EGL_VENDOR_LIBRARY_FILENAMES=/nonexistent.json");
-    EXPECT_EQ(outcome.exitCode, 1);
+    const ProgramRun outcome = Probe({"UMBRANT_GL", "__EGL_VENDOR_LIBRARY_FILENAMES=/nonexistent.json"});
+    EXPECT_EQ(outcome.code, 1);
     EXPECT_EQ(outcome.output, "invalid pixel format\n");
 }
 

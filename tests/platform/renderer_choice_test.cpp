@@ -4,21 +4,20 @@
 // Whether the processor draws is read from the environment, once.
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <cstdio>
 #include <string>
+
+#include "tests/support/run_program.h"
 
 namespace {
 
 std::string Probe(const std::string& program, const std::string& environment) {
-    const std::string command = "env " + environment + " '" + program + "' 2>&1";
-    FILE* pipe = popen(command.c_str(), "r");
-    std::string output;
-    char buffer[512];
-    while (pipe && fgets(buffer, sizeof buffer, pipe)) output += buffer;
-    EXPECT_EQ(pipe ? pclose(pipe) : -1, 0);
-    return output;
+    ProgramStart start;
+    start.environment = {environment};
+    start.errors = Stream::AsOutput();
+    const ProgramRun run = RunProgram({program}, start);
+    EXPECT_EQ(run.code, 0);
+    return run.output;
 }
 
 TEST(ChosenRenderer, IsReadFromTheEnvironmentOnce) {
@@ -26,7 +25,7 @@ TEST(ChosenRenderer, IsReadFromTheEnvironmentOnce) {
         const char* environment;
         const char* output;
     } rows[] = {
-        {"-u UMBRANT_RENDERER", "OpenGL OpenGL\n"},
+        {"UMBRANT_RENDERER", "OpenGL OpenGL\n"},
         {"UMBRANT_RENDERER=", "OpenGL OpenGL\n"},
         {"UMBRANT_RENDERER=gl", "OpenGL OpenGL\n"},
         {"UMBRANT_RENDERER=cpu", "processor processor\n"},

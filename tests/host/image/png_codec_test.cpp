@@ -15,6 +15,7 @@
 #include "host/image/latin_text.h"
 #include "tests/host/image/both_codecs.h"
 #include "tests/host/image/picture_files.h"
+#include "tests/support/run_program.h"
 
 namespace {
 
@@ -330,7 +331,7 @@ TEST(PngCodec, ADamagedNumberBecomesNothing) {
 }
 
 TEST(PngCodec, OtherReadersFindNoFault) {
-    if (std::system("pngcheck -h >/dev/null 2>&1") == 127 * 256) GTEST_SKIP() << "pngcheck is not installed";
+    if (RunProgram({"pngcheck", "-h"}).code == -1) GTEST_SKIP() << "pngcheck is not installed";
     const Folder folder;
     for (const char* compression : {"default", "fast", "small"}) {
         SCOPED_TRACE(compression);
@@ -346,8 +347,8 @@ TEST(PngCodec, OtherReadersFindNoFault) {
         layout.SetText("ResolutionUnit", "in");
         options.metadata = std::make_shared<const PictureMetadata>(PictureMetadata{layout.attributes, "png", "", ""});
         ASSERT_TRUE(WritePicture(folder / "a.png", Random(1200, 900, Depth::k8), {}, options));
-        const std::string command = "pngcheck -q '" + (folder / "a.png").string() + "'";
-        EXPECT_EQ(std::system(command.c_str()), 0);
+        const ProgramRun run = RunProgram({"pngcheck", "-q", (folder / "a.png").string()});
+        EXPECT_EQ(run.code, 0) << run.output << run.errors;
     }
 }
 

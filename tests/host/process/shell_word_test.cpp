@@ -10,6 +10,8 @@
 #include <cstdio>
 #include <random>
 
+#include "tests/support/run_program.h"
+
 namespace {
 
 using namespace std::string_literals;
@@ -21,10 +23,9 @@ std::string ReadByBash(const std::string& word) {
     std::FILE* script = std::fopen(file.c_str(), "w");
     std::fputs(("printf '%s.' " + word + "\n").c_str(), script);
     std::fclose(script);
-    std::FILE* pipe = popen(("bash '" + file + "'").c_str(), "r");
-    std::string text;
-    for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) text += static_cast<char>(c);
-    EXPECT_EQ(pclose(pipe), 0) << word;
+    const ProgramRun run = RunProgram({"bash", file});
+    EXPECT_EQ(run.code, 0) << word;
+    std::string text = run.output;
     std::remove(file.c_str());
     return text.empty() ? text : text.substr(0, text.size() - 1);
 }
