@@ -20,8 +20,8 @@ class FilterPrograms : public Clips {
 
     void MakeClip() const {
         Ffmpeg(
-            "-f lavfi -i testsrc2=s=64x48:r=25:d=0.2 -vf \"format=rgba,geq=r='r(X,Y)':g='g(X,Y)':b='b(X,Y)':"
-            "a='if(lt(hypot(X-24-2*N,Y-20),14),255,if(lt(hypot(X-24-2*N,Y-20),17),128,0))'\" -c:v png clip.mov");
+            "-f lavfi -i testsrc2=s=64x48:r=25:d=0.2 -vf format=rgba,geq=r='r(X,Y)':g='g(X,Y)':b='b(X,Y)':"
+            "a='if(lt(hypot(X-24-2*N,Y-20),14),255,if(lt(hypot(X-24-2*N,Y-20),17),128,0))' -c:v png clip.mov");
     }
 
     void DrawWithProgram(const std::vector<std::string>& settings) const {
@@ -32,16 +32,18 @@ class FilterPrograms : public Clips {
         ASSERT_EQ(outcome.code, 0) << outcome.err;
     }
 
-    /// Runs a command of the shell with the filter among the host's; returns what it printed to standard error.
-    std::string Run(const std::string& command, const std::string& module = UMBRANT_MODULE_FILE) const {
-        const std::string all = "cd " + Quoted(folder_.Path().string()) + " && export FREI0R_PATH=" +
-                                Quoted(std::filesystem::path(FREI0R_FILTER).parent_path().string()) +
-                                " UMBRANT_RENDERER=cpu UMBRANT_MODULE=" + Quoted(module) + " HOME=. && " + command;
-        const int status =
-            std::system(("(" + all + ") >/dev/null 2>" + Quoted((folder_ / "err.txt").string())).c_str());
-        const std::string said = ReadBytes(folder_ / "err.txt");
-        EXPECT_EQ(status, 0) << command << "\n" << said;
-        return said;
+    /// A run of a host that finds the filter.
+    ProgramRun RunHost(const std::vector<std::string>& words, const std::string& module = UMBRANT_MODULE_FILE) const {
+        ProgramStart start;
+        start.environment = {"FREI0R_PATH=" + std::filesystem::path(FREI0R_FILTER).parent_path().string(),
+                             "UMBRANT_RENDERER=cpu", "UMBRANT_MODULE=" + module, "HOME=."};
+        return Run(words, start);
+    }
+    /// The same of ffmpeg, with these arguments; returns what it printed to standard error.
+    std::string Filter(const std::string& arguments, const std::string& module = UMBRANT_MODULE_FILE) const {
+        const ProgramRun run = RunHost(Words("ffmpeg -nostdin -v error -i clip.mov " + arguments), module);
+        EXPECT_EQ(run.code, 0) << arguments << "\n" << run.errors;
+        return run.errors;
     }
 
     void ExpectTheSame(const std::string& before, int first) const {
@@ -72,23 +74,18 @@ TEST_F(FilterPrograms, Ffmpeg) {
     NEEDS_FFMPEG();
     MakeClip();
     DrawWithProgram({});
-    Run("ffmpeg -nostdin -v error -i clip.mov -vf frei0r=filter_name=umbrant_frei0r -start_number 0 -pix_fmt rgba "
-        "all.%04d.png");
+    Filter("-vf frei0r=filter_name=umbrant_frei0r -start_number 0 -pix_fmt rgba all.%04d.png");
     ExpectTheSame("all.", 0);
     // In the order of the table: type, angle, origin, distance, softness, color.
     DrawWithProgram({"style/angle=45", "style/distance=40", "style/softness=15", "style/color=#ff8000"});
-    Run("ffmpeg -nostdin -v error -i clip.mov -vf 'frei0r=umbrant_frei0r:0|0.125|0/0|0.02|0.03|1/0.501961/0' "
-        "-start_number 0 -pix_fmt rgba set.%04d.png");
+    Filter("-vf frei0r=umbrant_frei0r:0|0.125|0/0|0.02|0.03|1/0.501961/0 -start_number 0 -pix_fmt rgba set.%04d.png");
     ExpectTheSame("set.", 0);
 }
 
 TEST_F(FilterPrograms, FfmpegWithoutTheModule) {
     NEEDS_FFMPEG();
     MakeClip();
-    const std::string said =
-        Run("ffmpeg -nostdin -v error -i clip.mov -vf frei0r=umbrant_frei0r -pix_fmt rgba -c:v png "
-            "out.mov",
-            "nowhere.so");
+    const std::string said = Filter("-vf frei0r=umbrant_frei0r -pix_fmt rgba -c:v png out.mov", "nowhere.so");
     EXPECT_THAT(said, testing::HasSubstr("umbrant_frei0r: "));
     EXPECT_THAT(said, testing::HasSubstr("; pictures pass unchanged"));
     EXPECT_EQ(PictureHash("out.mov", "rgba"), PictureHash("clip.mov", "rgba"));
@@ -96,8 +93,7 @@ TEST_F(FilterPrograms, FfmpegWithoutTheModule) {
 
 TEST_F(FilterPrograms, Melt) {
     NEEDS_FFMPEG();
-    if (std::system("melt -version >/dev/null 2>&1") != 0)
-        GTEST_SKIP() << "melt is not installed (Debian: apt install melt)";
+    if (!IsInstalled("melt")) GTEST_SKIP() << "melt is not installed (Debian: apt install melt)";
     MakeClip();
     // Its own profile is that of a television standard, of another size.
     WriteBytes(
@@ -109,11 +105,17 @@ TEST_F(FilterPrograms, Melt) {
         // if all were well.
         char last[32];
         std::snprintf(last, sizeof last, ".%04d.png", kFrames);
-        Run("for run in 1 2 3; do timeout 600 melt -silent -profile small.profile clip.mov -filter "
+        const std::string line =
+            "timeout 600 melt -silent -profile small.profile clip.mov -filter "
             "frei0r.umbrant_frei0r " +
             filter + " -consumer avformat:" + name +
-            ".%04d.png vcodec=png pix_fmt=rgba mlt_image_format=rgba real_time=0 && test -e " + name + last +
-            " && exit 0; done; exit 1");
+            ".%04d.png vcodec=png pix_fmt=rgba mlt_image_format=rgba real_time=0";
+        ProgramRun run;
+        for (int attempt = 0; attempt < 3; ++attempt) {
+            run = RunHost(Words(line));
+            if (run.code == 0 && Exists(name + last)) return;
+        }
+        ADD_FAILURE() << line << "\n" << run.errors;
     };
     DrawWithProgram({});
     melt("", "all");
@@ -121,9 +123,7 @@ TEST_F(FilterPrograms, Melt) {
     DrawWithProgram({"style/angle=45", "style/distance=40", "style/softness=15", "style/color=#ff8000"});
     melt("1=0.125 3=0.02 4=0.03 5=#ff8000", "set");
     ExpectTheSame("set.", 1);
-    const std::string listed =
-        Shell("FREI0R_PATH=" + Quoted(std::filesystem::path(FREI0R_FILTER).parent_path().string()) +
-              " melt -query filter=frei0r.umbrant_frei0r 2>/dev/null");
+    const std::string listed = RunHost(Words("melt -query filter=frei0r.umbrant_frei0r")).output;
     EXPECT_THAT(listed, testing::HasSubstr("title: Umbrant 2"));
     EXPECT_THAT(listed, testing::HasSubstr("title: Distance"));
     EXPECT_THAT(listed, testing::HasSubstr("0 to 2000 pixels"));

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <map>
 #include <set>
+#include <sstream>
 #include <thread>
 
 #include "frei0r/filter_parameters.h"
@@ -73,11 +74,9 @@ TEST_F(FilterTest, WhatItIs) {
 }
 
 TEST_F(FilterTest, ExportsTheInterfaceAlone) {
-    FILE* pipe = popen(("nm -D --defined-only " + Quoted(FREI0R_FILTER)).c_str(), "r");
+    std::istringstream symbols(RunProgram({"nm", "-D", "--defined-only", FREI0R_FILTER}).output);
     std::set<std::string> names;
-    char address[64], type[8], name[512];
-    while (std::fscanf(pipe, "%63s %7s %511s", address, type, name) == 3) names.insert(name);
-    pclose(pipe);
+    for (std::string address, type, name; symbols >> address >> type >> name;) names.insert(name);
     EXPECT_EQ(names, (std::set<std::string>{"f0r_init", "f0r_deinit", "f0r_get_plugin_info", "f0r_get_param_info",
                                             "f0r_construct", "f0r_destruct", "f0r_set_param_value",
                                             "f0r_get_param_value", "f0r_update", "f0r_update2"}));

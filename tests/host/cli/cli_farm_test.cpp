@@ -5,6 +5,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "host/process/child_process.h"
+#include "tests/host/cli/running_program.h"
 #include "tests/host/cli/sequence_fixture.h"
 
 namespace {
@@ -22,10 +24,12 @@ class CliFarm : public CliSequence {
     /// The script that runs as a task of Slurm would, in a folder of no importance.
     int RunTask(const std::string& script, const std::string& task) const {
         WriteBytes(folder_ / "job.sh", script);
-        const std::string command = "cd / && SLURM_ARRAY_TASK_ID=" + task + " bash " +
-                                    Quoted((folder_ / "job.sh").string()) + " >" + Quoted((folder_ / "log").string()) +
-                                    " 2>&1";
-        return WEXITSTATUS(std::system(command.c_str()));
+        ProgramStart start;
+        start.folder = "/";
+        start.environment = {"SLURM_ARRAY_TASK_ID=" + task};
+        start.output = Stream::File((folder_ / "log").string());
+        start.errors = Stream::AsOutput();
+        return RunProgram({"bash", (folder_ / "job.sh").string()}, start).code;
     }
 };
 
@@ -138,7 +142,7 @@ TEST_F(CliFarm, ATasksNumberIsANumberBeforeAnythingIsDoneWithIt) {
     std::filesystem::permissions(folder_ / "tool", std::filesystem::perms::owner_all);
     const Outcome job = Farm({"--program", "./tool", "slurm", "in.@.png", "-o", "out.##.png", "--canvas", "layer"});
     ASSERT_EQ(job.code, 0) << job.err;
-    for (const char* task : {"x", "''", "1x", "-1", "'1 2'", "'a[$(touch stolen)]'", "'$(touch stolen)'"}) {
+    for (const char* task : {"x", "", "1x", "-1", "1 2", "a[$(touch stolen)]", "$(touch stolen)"}) {
         SCOPED_TRACE(task);
         EXPECT_EQ(RunTask(job.out, task), 2);
         EXPECT_THAT(ReadBytes(folder_ / "log"), HasSubstr("', not a number; submit this with sbatch\n"));
@@ -155,12 +159,18 @@ TEST_F(CliFarm, AnEndedTaskLeavesNothingUnfinished) {
                               "paint/border=1500", "--depth", "32"});
     ASSERT_EQ(job.code, 0) << job.err;
     WriteBytes(folder_ / "job.sh", job.out);
-    const std::string script =
-        "cd " + Quoted(folder_.Path().string()) +
-        " && { SLURM_ARRAY_TASK_ID=1 bash job.sh >/dev/null 2>&1 & pid=$!; tries=0;"
-        " while [ -z \"$(find . -name '.umbrant-*.part')\" ] && [ $tries -lt 3000 ]; do sleep 0.01; "
-        "tries=$((tries+1)); done; kill -TERM $pid; wait $pid; }";
-    EXPECT_EQ(WEXITSTATUS(std::system(script.c_str())), 143);
+    ProgramStart start;
+    start.program = "bash";
+    start.arguments = {"job.sh"};
+    start.environment = {"SLURM_ARRAY_TASK_ID=1"};
+    start.folder = folder_.Path().string();
+    start.output = Stream::Nothing();
+    start.errors = Stream::Nothing();
+    const auto task = ChildProcess::Start(start);
+    ASSERT_TRUE(task) << task.Error().sentence;
+    EXPECT_TRUE(WaitUntil([&] { return !HiddenFiles(folder_.Path()).empty(); }));
+    kill((*task)->Process(), SIGTERM);
+    EXPECT_EQ((*task)->Wait().code, 143);
     for (const auto& entry : std::filesystem::directory_iterator(folder_.Path())) {
         EXPECT_THAT(entry.path().filename().string(), Not(StartsWith(".")));
     }

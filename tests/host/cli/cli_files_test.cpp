@@ -3,8 +3,11 @@
 
 // What the program reads and writes besides plain files, what it refuses to replace, and what it notes about an input.
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <unistd.h>
 
+#include "host/process/child_process.h"
 #include "tests/host/cli/in_process.h"
 
 namespace {
@@ -21,14 +24,31 @@ class CliFiles : public testing::Test {
         arguments.insert(arguments.end(), {"--module", TestModule("painter")});
         return RunInProcess(folder_, arguments);
     }
-    /// The same by a shell, which may set up standard input and output; what `before` starts runs the program.
-    int Bash(const std::string& before, const std::vector<std::string>& arguments, const std::string& streams) const {
-        std::string command =
-            "cd " + Quoted(folder_.Path().string()) + " && " + before + " " + Quoted(UMBRANT_PROGRAM) + " render";
-        for (const std::string& argument : arguments) command += " " + Quoted(argument);
-        command += " --module " + Quoted(TestModule("painter")) + " " + streams + " 2>err.txt";
-        const int status = std::system(command.c_str());
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    /// The same as a process with these standard streams.
+    ProgramRun RenderBetween(const Stream& input, const std::vector<std::string>& arguments,
+                             const Stream& output = {}) const {
+        std::vector<std::string> words = {UMBRANT_PROGRAM, "render"};
+        words.insert(words.end(), arguments.begin(), arguments.end());
+        words.insert(words.end(), {"--module", TestModule("painter")});
+        ProgramStart start;
+        start.folder = folder_.Path().string();
+        start.input = input;
+        start.output = output;
+        return RunProgram(words, start);
+    }
+    /// The same with the file coming out of a pipe.
+    ProgramRun RenderPiped(const std::string& file, const std::vector<std::string>& arguments) const {
+        int ends[2];
+        if (pipe2(ends, O_CLOEXEC) != 0) return {};
+        ProgramStart start;
+        start.program = "cat";
+        start.arguments = {(folder_ / file).string()};
+        start.output = Stream::Descriptor(ends[1]);
+        const auto cat = ChildProcess::Start(start);
+        close(ends[1]);
+        const ProgramRun run = RenderBetween(Stream::Descriptor(ends[0]), arguments);
+        close(ends[0]);
+        return run;
     }
 
     Folder folder_;
@@ -39,18 +59,21 @@ TEST_F(CliFiles, ADashIsStandardInputAndOutput) {
         SCOPED_TRACE(format);
         const std::string file = std::string("file.") + format;
         ASSERT_EQ(Render({"in.png", "-o", file}).code, 0);
-        EXPECT_EQ(Bash("", {"-", "-o", "-", "--format", format}, "<in.png >piped"), 0)
-            << ReadBytes(folder_ / "err.txt");
+        const ProgramRun run =
+            RenderBetween(Stream::File("in.png"), {"-", "-o", "-", "--format", format}, Stream::File("piped"));
+        EXPECT_EQ(run.code, 0) << run.errors;
         EXPECT_TRUE(ReadBytes(folder_ / "piped") == ReadBytes(folder_ / file));
     }
-    EXPECT_EQ(Bash("cat in.png |", {"in.png", "-o", "t.png", "--texture", "-"}, ">out.txt"), 0);
-    EXPECT_EQ(ReadBytes(folder_ / "out.txt"), "t.png\n");
-    EXPECT_EQ(Bash("", {"-", "-o", "a.png"}, "</dev/null"), 3);
-    EXPECT_EQ(ReadBytes(folder_ / "err.txt"), "umbrant: cannot read '-': standard input is empty\n");
+    const ProgramRun piped = RenderPiped("in.png", {"in.png", "-o", "t.png", "--texture", "-"});
+    EXPECT_EQ(piped.code, 0) << piped.errors;
+    EXPECT_EQ(piped.output, "t.png\n");
+    const ProgramRun empty = RenderBetween(Stream::Nothing(), {"-", "-o", "a.png"});
+    EXPECT_EQ(empty.code, 3);
+    EXPECT_EQ(empty.errors, "umbrant: cannot read '-': standard input is empty\n");
     WriteBytes(folder_ / "text", "Dear diary\n");
-    EXPECT_EQ(Bash("", {"-", "-o", "a.png"}, "<text"), 3);
-    EXPECT_THAT(ReadBytes(folder_ / "err.txt"),
-                HasSubstr("umbrant: cannot read '-': it is not a picture that can be read ("));
+    const ProgramRun text = RenderBetween(Stream::File("text"), {"-", "-o", "a.png"});
+    EXPECT_EQ(text.code, 3);
+    EXPECT_THAT(text.errors, HasSubstr("umbrant: cannot read '-': it is not a picture that can be read ("));
 }
 
 struct Refusal {
@@ -165,7 +188,7 @@ class CliForbiddenFolder : public CliFiles {
     ~CliForbiddenFolder() override { fs::permissions(folder_ / "locked", fs::perms::owner_all); }
 
     const std::string plain_ =
-        geteuid() == 0 ? "setpriv --bounding-set -dac_override,-dac_read_search --inh-caps -all " : "";
+        geteuid() == 0 ? "setpriv --bounding-set -dac_override,-dac_read_search --inh-caps -all" : "";
 };
 
 TEST_F(CliForbiddenFolder, FilesInItAreNotCalledMissing) {
@@ -187,11 +210,15 @@ TEST_F(CliForbiddenFolder, FilesInItAreNotCalledMissing) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        const std::string command = "cd " + Quoted(folder_.Path().string()) + " && env -u UMBRANT_MODULE " + plain_ +
-                                    Quoted(UMBRANT_PROGRAM) + " " + row.arguments + " >out.txt 2>err.txt";
-        const int status = std::system(command.c_str());
-        EXPECT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, row.code);
-        EXPECT_EQ(ReadBytes(folder_ / "err.txt"), std::string("umbrant: ") + row.sentence + ": Permission denied\n");
+        std::vector<std::string> words = Words(plain_);
+        words.emplace_back(UMBRANT_PROGRAM);
+        for (const std::string& word : Words(row.arguments)) words.push_back(word);
+        ProgramStart start;
+        start.folder = folder_.Path().string();
+        start.environment = {"UMBRANT_MODULE"};
+        const ProgramRun run = RunProgram(words, start);
+        EXPECT_EQ(run.code, row.code);
+        EXPECT_EQ(run.errors, std::string("umbrant: ") + row.sentence + ": Permission denied\n");
     }
 }
 

@@ -9,6 +9,7 @@
 #include <fstream>
 
 #include "host/image/encoded_file.h"
+#include "host/process/child_process.h"
 #include "tests/host/cli/running_program.h"
 #include "tests/host/cli/sequence_fixture.h"
 
@@ -168,12 +169,23 @@ TEST_F(CliInterruption, AReaderThatTakesOneLineEndsTheSequenceWithoutAMessage) {
 }
 
 TEST_F(CliInterruption, HeadTakesTheFirstLine) {
-    std::string command = "cd " + Quoted(folder_.Path().string()) + " && " + Quoted(UMBRANT_PROGRAM);
-    for (const std::string& argument : SlowSequence()) command += " " + Quoted(argument);
-    command += " --quiet 2>err.txt | head -1 >first.txt; echo ${PIPESTATUS[0]} >code.txt";
-    ASSERT_EQ(std::system(("bash -c " + Quoted(command)).c_str()), 0);
+    int ends[2];
+    ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+    std::vector<std::string> arguments = SlowSequence();
+    arguments.emplace_back("--quiet");
+    RunningProgram program(folder_, arguments, Outputs(ends[1]));
+    close(ends[1]);
+    ProgramStart start;
+    start.input = Stream::Descriptor(ends[0]);
+    start.program = "head";
+    start.arguments = {"-1"};
+    start.output = Stream::File((folder_ / "first.txt").string());
+    const auto head = ChildProcess::Start(start);
+    close(ends[0]);
+    ASSERT_TRUE(head) << head.Error().sentence;
+    EXPECT_TRUE((*head)->Wait().IsWell());
+    EXPECT_EQ(program.Wait(), "exit 141");
     EXPECT_EQ(ReadBytes(folder_ / "first.txt"), "out.0001.png\n");
-    EXPECT_EQ(ReadBytes(folder_ / "code.txt"), "141\n");
     EXPECT_EQ(ReadError(), "");
     EXPECT_THAT(HiddenFiles(folder_.Path()), IsEmpty());
 }

@@ -60,15 +60,14 @@ class CliLimits : public CliSequence {
         return all;
     }
     Outcome Run(const std::vector<std::string>& arguments, const Before& before) const {
-        std::string command = "cd " + Quoted(folder_.Path().string()) + " && env -u UMBRANT_MODULE";
-        for (const std::string& word : before) command += " " + Quoted(word);
-        command += " " + Quoted(UMBRANT_PROGRAM);
-        for (const std::string& argument : arguments) command += " " + Quoted(argument);
-        // The shell writes these two, and not the other user.
-        const int status =
-            std::system((command + " >" + Quoted(folder_ / "run.out") + " 2>" + Quoted(folder_ / "run.err")).c_str());
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadBytes(folder_ / "run.out"),
-                ReadBytes(folder_ / "run.err")};
+        std::vector<std::string> words = {"env", "-u", "UMBRANT_MODULE"};
+        words.insert(words.end(), before.begin(), before.end());
+        words.emplace_back(UMBRANT_PROGRAM);
+        words.insert(words.end(), arguments.begin(), arguments.end());
+        ProgramStart start;
+        start.folder = folder_.Path().string();
+        const ProgramRun run = RunProgram(words, start);
+        return {run.code, run.output, run.errors};
     }
 
     int ofLibraries_ = 0;

@@ -3,10 +3,14 @@
 
 // Presets: written by `umbrant params --json --values`, read by `--preset`, refused with all their mistakes at once.
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <nlohmann/json.hpp>
+#include <thread>
 
 #include "tests/host/cli/in_process.h"
 
@@ -181,18 +185,27 @@ TEST(CliPreset, ANulDoesNotCutTheMessage) {
 
 TEST(CliPreset, APipeIsReadToItsEndAndNoFurtherThan64MiB) {
     const Folder folder;
-    const auto fromPipe = [&](const std::string& writer) {
-        const std::string command = "cd " + Quoted(folder.Path().string()) + " && rm -f pipe && mkfifo pipe && { " +
-                                    writer + " >pipe 2>/dev/null & }";
-        EXPECT_EQ(std::system(command.c_str()), 0);
-        // The writer and its pipe are a matter of processes.
-        return RunUmbrant(folder,
-                          {"params", "--json", "--values", "--module", TestModule("painter"), "--preset", "pipe"});
+    const std::string pipe = (folder / "pipe").string();
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const auto fromPipe = [&](const std::string& program, const std::string& argument) {
+        // The program waits for its reader.
+        std::thread writer([&] {
+            ProgramStart start;
+            start.output = Stream::File(pipe);
+            RunProgram({program, argument}, start);
+        });
+        const Outcome outcome =
+            RunUmbrant(folder, {"params", "--json", "--values", "--module", TestModule("painter"), "--preset", "pipe"});
+        // Where nothing has read it, the writer would wait for good.
+        const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+        close(reader);
+        writer.join();
+        return outcome;
     };
-    const Outcome whole = fromPipe(R"(echo '{"version": 1, "values": {"paint/border": 7}}')");
+    const Outcome whole = fromPipe("echo", R"({"version": 1, "values": {"paint/border": 7}})");
     ASSERT_EQ(whole.code, 0) << whole.err;
     EXPECT_EQ(json::parse(whole.out)["values"]["paint/border"], 7);
-    const Outcome endless = fromPipe("cat /dev/zero");
+    const Outcome endless = fromPipe("cat", "/dev/zero");
     EXPECT_EQ(endless.code, 3);
     EXPECT_EQ(endless.err, "umbrant: cannot read the preset 'pipe': it is larger than 64 MiB, which no preset is\n");
 }

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/host/cli/in_process.h"
+#include "tests/host/cli/running_program.h"
 
 namespace {
 
@@ -281,15 +282,11 @@ TEST_F(CliRender, ALongFrameTellsItsStageAndTheTime) {
 
 TEST_F(CliRender, AnInterruptionLeavesNothing) {
     // A picture that takes a while to write, interrupted as soon as its temporary file is there.
-    const std::string script = "cd " + Quoted(folder_.Path().string()) + " && { " + Quoted(UMBRANT_PROGRAM) +
-                               " render in.png -o out.png --module " + Quoted(TestModule("painter")) +
-                               " --set paint/border=1500 --depth 32 >/dev/null 2>&1 & pid=$!; tries=0;"
-                               " while [ -z \"$(find . -name '.umbrant-*.part')\" ] && [ $tries -lt 3000 ]; do sleep "
-                               "0.01; tries=$((tries+1)); done;"
-                               " kill -INT $pid; wait $pid; }";
-    const int status = std::system(script.c_str());
-    ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), 130);
+    RunningProgram program(folder_, {"render", "in.png", "-o", "out.png", "--module", TestModule("painter"), "--set",
+                                     "paint/border=1500", "--depth", "32"});
+    EXPECT_TRUE(WaitUntil([&] { return !HiddenFiles(folder_.Path()).empty(); }));
+    program.Send(SIGINT);
+    EXPECT_EQ(program.Wait(), "exit 130");
     EXPECT_EQ(folder_.Entries(), 1) << "the input alone";
 }
 

@@ -218,9 +218,11 @@ TEST_F(CliSequenceCanvas, TheTasksOfAFarmShareIt) {
     // The other frames of the set may be gone, or of another size, by the time of a task.
     WriteBytes(folder_ / "job.sh", farm({}).out);
     WriteLayer(folder_ / "in.6.png", 50, 50, {255, 60, 100, 50});
-    const std::string task = "cd / && SLURM_ARRAY_TASK_ID=1 bash " + Quoted((folder_ / "job.sh").string()) +
-                             " >/dev/null 2>" + Quoted((folder_ / "log").string());
-    EXPECT_EQ(WEXITSTATUS(std::system(task.c_str())), 0) << ReadBytes(folder_ / "log");
+    ProgramStart start;
+    start.folder = "/";
+    start.environment = {"SLURM_ARRAY_TASK_ID=1"};
+    const ProgramRun task = RunProgram({"bash", (folder_ / "job.sh").string()}, start);
+    EXPECT_EQ(task.code, 0) << task.errors;
     EXPECT_EQ(Bytes("task.01.png"), Bytes("out.01.png"));
     EXPECT_EQ(Bytes("task.02.png"), Bytes("out.02.png"));
     for (const char* canvas : {"frame", "layer", "-1,-1,2,2"}) {

@@ -2,18 +2,17 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// Runs the built program as a process of its own, as a person at a shell would.
+// Runs the built program as a process of its own.
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "host/image/picture.h"
 #include "tests/host/image/picture_files.h"
+#include "tests/support/run_program.h"
 
 /// What a run left: its exit code and both outputs.
 struct Outcome {
@@ -21,12 +20,6 @@ struct Outcome {
     std::string out;
     std::string err;
 };
-
-inline std::string Quoted(const std::string& text) {
-    std::string quoted = "'";
-    for (const char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + "'";
-}
 
 /// How a run differs from the plain one.
 struct RunOptions {
@@ -36,23 +29,15 @@ struct RunOptions {
 
 /// Runs `umbrant` with these arguments in the folder.
 inline Outcome RunUmbrant(const Folder& folder, const std::vector<std::string>& arguments, const RunOptions& run = {}) {
-    static int count = 0;
-    const std::string logs =
-        testing::TempDir() + "umbrant_run_" + std::to_string(::getpid()) + "_" + std::to_string(count++);
-    std::string command = "cd " + Quoted(folder.Path().string()) + " && env -u UMBRANT_MODULE";
-    for (const std::string& variable : run.environment) command += " " + Quoted(variable);
-    command += " " + Quoted(UMBRANT_PROGRAM);
-    for (const std::string& argument : arguments) command += " " + Quoted(argument);
-    command +=
-        " >" + Quoted(run.standardOutput.empty() ? logs + ".out" : run.standardOutput) + " 2>" + Quoted(logs + ".err");
-    const int status = std::system(command.c_str());
-    Outcome outcome;
-    outcome.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    if (run.standardOutput.empty()) outcome.out = ReadBytes(logs + ".out");
-    outcome.err = ReadBytes(logs + ".err");
-    std::filesystem::remove(logs + ".out");
-    std::filesystem::remove(logs + ".err");
-    return outcome;
+    std::vector<std::string> words = {UMBRANT_PROGRAM};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    ProgramStart start;
+    start.folder = folder.Path().string();
+    start.environment = {"UMBRANT_MODULE"};
+    start.environment.insert(start.environment.end(), run.environment.begin(), run.environment.end());
+    if (!run.standardOutput.empty()) start.output = Stream::File(run.standardOutput);
+    const ProgramRun left = RunProgram(words, start);
+    return {left.code, left.output, left.errors};
 }
 
 /// One of the modules built for tests.

@@ -5,7 +5,10 @@
 // The program as a process that a test sends signals to, whose standard streams it closes, and whose terminal it takes
 // away.
 
+#include <fcntl.h>
 #include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <csignal>

@@ -4,17 +4,16 @@
 // What a module that is not the program's own may do to its process, and what the program makes of it: one sentence, a
 // documented exit code, and no file.
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <spawn.h>
 
 #include <chrono>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <thread>
 
+#include "host/process/child_process.h"
 #include "tests/host/cli/program.h"
 
 extern char** environ;
@@ -260,28 +259,19 @@ TEST_F(CliForeignModule, OneThatHangsEndsWithTheProgram) {
         const std::string log = (folder_ / ("log." + std::to_string(signal))).string();
         const std::string input = (folder_ / "in.png").string();
         const std::string output = (folder_ / "out/out.png").string();
-        std::vector<std::string> words = {UMBRANT_PROGRAM, "render", input, "-o", output, "--module", module_};
-        std::vector<char*> arguments;
-        for (std::string& word : words) arguments.push_back(word.data());
-        arguments.push_back(nullptr);
-        std::string leaves = "UMBRANT_TEST_LEAVES=render:hang";
-        std::vector<char*> environment = {leaves.data()};
-        for (char** each = environ; *each; ++each) environment.push_back(*each);
-        environment.push_back(nullptr);
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_addopen(&actions, 2, log.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        pid_t program = 0;
-        ASSERT_EQ(posix_spawn(&program, UMBRANT_PROGRAM, &actions, nullptr, arguments.data(), environment.data()), 0);
-        posix_spawn_file_actions_destroy(&actions);
+        ProgramStart start;
+        start.program = UMBRANT_PROGRAM;
+        start.arguments = {"render", input, "-o", output, "--module", module_};
+        start.environment = {"UMBRANT_TEST_LEAVES=render:hang"};
+        start.errors = Stream::File(log);
+        const auto program = ChildProcess::Start(start);
+        ASSERT_TRUE(program) << program.Error().sentence;
         const int hanging = NumberIn(log, "hangs: ");
         EXPECT_GT(hanging, 0);
-        kill(program, signal);
-        int status = 0;
-        waitpid(program, &status, 0);
-        if (signal == SIGINT) {
-            EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 130) << status;
-        }
+        kill((*program)->Process(), signal);
+        const ProcessEnd& end = (*program)->Wait();
+        EXPECT_EQ(end.code, signal == SIGINT ? 130 : -1);
+        EXPECT_EQ(end.signal, signal == SIGINT ? 0 : SIGKILL);
         EXPECT_TRUE(hanging > 0 && Ends(hanging));
         EXPECT_THAT(Written(), testing::IsEmpty());
     }

@@ -9,11 +9,14 @@
 #include <sstream>
 #include <thread>
 
+#include "host/process/child_process.h"
+#include "tests/host/cli/running_program.h"
 #include "tests/host/video/clips.h"
 
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 
 /// An ffmpeg that has every encoder, and then does this.
 std::string Encoder(const std::string& then) {
@@ -42,7 +45,9 @@ class ClipFailures : public Clips {
     /// No program of this test runs any more, and only these files are there.
     void ExpectNothingLeft(std::ptrdiff_t files) const {
         EXPECT_EQ(folder_.Entries(), files);
-        EXPECT_EQ(Shell("ps -eo args | grep -F " + Quoted((folder_ / "bin").string()) + " | grep -v grep"), "");
+        const ProgramRun all = RunProgram({"ps", "-eo", "args"});
+        EXPECT_EQ(all.code, 0);
+        EXPECT_THAT(all.output, Not(HasSubstr((folder_ / "bin").string())));
     }
 };
 
@@ -205,23 +210,27 @@ TEST_F(ClipFailures, AnInterruptionEndsEverybodyAtOnce) {
         Fake("ffprobe", row.probe);
         Fake("ffmpeg", row.ffmpeg);
         std::filesystem::remove(folder_ / "started");
-        const std::string command =
-            "cd " + Quoted(folder_.Path().string()) +
-            "; PATH=" + Quoted((folder_ / "bin").string() + ":/usr/bin:/bin") + " " + Quoted(UMBRANT_PROGRAM) +
-            " render " + row.input + " -o out.mov --frames 0-9 --module " + Quoted(TestModule("painter")) +
-            " 2>/dev/null & pid=$!; n=0; while [ ! -e " + Quoted((folder_ / "started").string()) +
-            " ] && [ $n -lt 200 ]; do sleep 0.05; n=$((n+1)); done; sleep 0.2; kill -";
+        ProgramStart start;
+        start.program = UMBRANT_PROGRAM;
+        start.arguments = {"render", row.input, "-o", "out.mov", "--frames", "0-9", "--module", TestModule("painter")};
+        start.environment = WithFakes().environment;
+        start.folder = folder_.Path().string();
+        start.output = Stream::Nothing();
+        start.errors = Stream::Nothing();
         const struct {
-            const char* signal;
-            const char* code;
-        } ends[] = {{"INT", "130"}, {"HUP", "129"}, {"QUIT", "131"}, {"TERM", "143"}};
+            int signal;
+            int code;
+        } ends[] = {{SIGINT, 130}, {SIGHUP, 129}, {SIGQUIT, 131}, {SIGTERM, 143}};
         for (const auto& end : ends) {
-            SCOPED_TRACE(end.signal);
+            SCOPED_TRACE(end.code);
             std::filesystem::remove(folder_ / "started");
             const auto begin = std::chrono::steady_clock::now();
-            // Jobs in the background of a shell without job control take no interruption; with it they do.
-            EXPECT_EQ(Shell("bash -mc " + Quoted(command + end.signal + " $pid; wait $pid; echo $?") + " 2>/dev/null"),
-                      end.code);
+            const auto program = ChildProcess::Start(start);
+            ASSERT_TRUE(program) << program.Error().sentence;
+            EXPECT_TRUE(WaitUntil([&] { return Exists("started"); }));
+            std::this_thread::sleep_for(std::chrono::milliseconds(200));
+            kill((*program)->Process(), end.signal);
+            EXPECT_EQ((*program)->Wait().code, end.code);
             EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(300));
             ExpectNothingLeft(4);
         }

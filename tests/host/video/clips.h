@@ -7,39 +7,34 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdio>
-#include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <string>
 
 #include "tests/host/cli/program.h"
 
-/// What a shell command prints, line breaks at the end left away.
-inline std::string Shell(const std::string& command) {
-    std::string text;
-    FILE* pipe = popen(command.c_str(), "r");
-    std::array<char, 4096> buffer;
-    for (std::size_t got; (got = fread(buffer.data(), 1, buffer.size(), pipe)) > 0;) text.append(buffer.data(), got);
-    pclose(pipe);
-    while (!text.empty() && text.back() == '\n') text.pop_back();
-    return text;
+/// Whether a program can be started.
+inline bool IsInstalled(const std::string& program) {
+    return RunProgram({program, "-version"}).code == 0;
 }
 
 /// Skips the test where ffmpeg is not installed.
-#define NEEDS_FFMPEG()                                                                           \
-    if (std::system("ffmpeg -version >/dev/null 2>&1 && ffprobe -version >/dev/null 2>&1") != 0) \
+#define NEEDS_FFMPEG()                                     \
+    if (!IsInstalled("ffmpeg") || !IsInstalled("ffprobe")) \
     GTEST_SKIP() << "ffmpeg is not installed (Debian: apt install ffmpeg)"
 
 /// A folder of clips, and the program over them. Its effect is one that lays the layer into the output as it is, unless
 /// a border is asked for.
 class Clips : public testing::Test {
  protected:
-    /// The real ffmpeg with these arguments, in the folder.
+    /// A program, run in the folder.
+    ProgramRun Run(const std::vector<std::string>& words, ProgramStart start = {}) const {
+        start.folder = folder_.Path().string();
+        return RunProgram(words, start);
+    }
+    /// The real ffmpeg with these arguments, with blanks between them.
     void Ffmpeg(const std::string& arguments) const {
-        const std::string command =
-            "cd " + Quoted(folder_.Path().string()) + " && ffmpeg -nostdin -v error -y " + arguments;
-        ASSERT_EQ(std::system(command.c_str()), 0) << command;
+        const ProgramRun run = Run(Words("ffmpeg -nostdin -v error -y " + arguments));
+        ASSERT_EQ(run.code, 0) << arguments << "\n" << run.errors;
     }
 
     Outcome Render(const std::string& input, const std::string& output, const std::vector<std::string>& more = {},
@@ -52,9 +47,8 @@ class Clips : public testing::Test {
 
     /// ffprobe's answer about a clip.
     nlohmann::json Probe(const std::string& clip) const {
-        return nlohmann::json::parse(Shell("cd " + Quoted(folder_.Path().string()) +
-                                           " && ffprobe -v error -of json -show_streams -show_format " +
-                                           Quoted("file:" + clip)));
+        return nlohmann::json::parse(
+            Run({"ffprobe", "-v", "error", "-of", "json", "-show_streams", "-show_format", "file:" + clip}).output);
     }
     nlohmann::json Pictures(const std::string& clip) const {
         const nlohmann::json told = Probe(clip);
@@ -65,9 +59,14 @@ class Clips : public testing::Test {
     }
     /// The hash of what ffmpeg makes of a clip with these arguments.
     std::string Hash(const std::string& clip, const std::string& arguments) const {
-        return Shell("cd " + Quoted(folder_.Path().string()) + " && ffmpeg -nostdin -v error " +
-                     (clip.ends_with(".webm") ? "-c:v libvpx-vp9 " : "") + "-i " + Quoted("file:" + clip) + " " +
-                     arguments + " -f streamhash -hash md5 -");
+        std::vector<std::string> words = {"ffmpeg", "-nostdin", "-v", "error"};
+        if (clip.ends_with(".webm")) words.insert(words.end(), {"-c:v", "libvpx-vp9"});
+        words.insert(words.end(), {"-i", "file:" + clip});
+        for (const std::string& word : Words(arguments)) words.push_back(word);
+        words.insert(words.end(), {"-f", "streamhash", "-hash", "md5", "-"});
+        const ProgramRun run = Run(words);
+        EXPECT_EQ(run.code, 0) << run.errors;
+        return run.output;
     }
     std::string PictureHash(const std::string& clip, const std::string& format) const {
         return Hash(clip, "-map 0:v -pix_fmt " + format);
