@@ -231,6 +231,8 @@ TEST(Interruption, EveryKindOfChildIsEndedAndWaitedForByTheCleaning) {
             const auto copy = ChildProgram::Start("/bin/sleep", {"1000"});
             const pid_t process = fork();
             if (process == 0) {
+                // It holds the pipe of the report: should nobody end it, the test fails when it ends by itself.
+                alarm(60);
                 for (;;) pause();
             }
             const auto forked = ChildProcess::OfFork(process);
