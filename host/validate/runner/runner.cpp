@@ -13,9 +13,9 @@
 
 #include "host/drawing/new_drawing.h"
 #include "host/session/effect_session.h"
-#include "host/validate/runner/check_process.h"
-#include "host/validate/faults/fault_lab.h"
 #include "host/validate/checks/panel_events.h"
+#include "host/validate/faults/fault_lab.h"
+#include "host/validate/runner/check_process.h"
 #include "host/validate/runner/process_memory.h"
 #include "host/validate/runner/processes.h"
 #include "host/validate/runner/trace.h"
