@@ -29,19 +29,19 @@ bool AllZero(const Element* values, int count) {
 }
 
 template <typename Element>
-Bounds FindBoundsIn(const Element* values, int width, int height) {
+Region FindBoundsIn(const Element* values, int width, int height) {
     const auto row = [&](int y) { return values + static_cast<ptrdiff_t>(y) * width; };
-    Bounds bounds{{width, 0}, {0, height}};
-    while (bounds.rows.begin < height && AllZero(row(bounds.rows.begin), width)) ++bounds.rows.begin;
-    while (bounds.rows.end > bounds.rows.begin && AllZero(row(bounds.rows.end - 1), width)) --bounds.rows.end;
-    for (int y = bounds.rows.begin; y < bounds.rows.end; ++y) {
+    Region bounds{{width, 0}, {0, height}};
+    while (bounds.y.begin < height && AllZero(row(bounds.y.begin), width)) ++bounds.y.begin;
+    while (bounds.y.end > bounds.y.begin && AllZero(row(bounds.y.end - 1), width)) --bounds.y.end;
+    for (int y = bounds.y.begin; y < bounds.y.end; ++y) {
         const Element* at = row(y);
         int left = 0;
-        while (left < bounds.columns.begin && at[left] == 0) ++left;
-        bounds.columns.begin = left;
+        while (left < bounds.x.begin && at[left] == 0) ++left;
+        bounds.x.begin = left;
         int right = width;
-        while (right > bounds.columns.end && at[right - 1] == 0) --right;
-        bounds.columns.end = right;
+        while (right > bounds.x.end && at[right - 1] == 0) --right;
+        bounds.x.end = right;
     }
     return bounds;
 }
@@ -72,13 +72,13 @@ void Turn(const float* rows, ptrdiff_t pitch, int columns, float* out) {
 
 }  // namespace
 
-Bounds FindBounds(const AlphaPlane& plane) {
+Region FindBounds(const AlphaPlane& plane) {
     return plane.bytes ? FindBoundsIn(plane.bytes, plane.width, plane.height)
                        : FindBoundsIn(plane.floats, plane.width, plane.height);
 }
 
-void ColumnTiles::Build(const AlphaPlane& plane, const Bounds& bounds, const Look& look, int rows) {
-    columns_ = bounds.columns;
+void ColumnTiles::Build(const AlphaPlane& plane, const Region& bounds, const Look& look, int rows) {
+    columns_ = bounds.x;
     distinct_ = {0, rows};
     if (look.edge == Edge::kClamp) {
         while (distinct_.begin + 1 < rows && look.At(distinct_.begin + 1) <= 0) ++distinct_.begin;
@@ -88,7 +88,7 @@ void ColumnTiles::Build(const AlphaPlane& plane, const Bounds& bounds, const Loo
         const auto above = TexelAt(look.At(row));
         const int a = EdgeIndex(above, look.size, look.edge);
         const int b = EdgeIndex(above + 1, look.size, look.edge);
-        return std::max(a, b) < bounds.rows.begin || std::min(a, b) >= bounds.rows.end;
+        return std::max(a, b) < bounds.y.begin || std::min(a, b) >= bounds.y.end;
     };
     rows_ = distinct_;
     while (!rows_.Empty() && isEmpty(rows_.begin)) ++rows_.begin;

@@ -34,27 +34,19 @@ inline float AlphaValue(float alpha) {
     return most > -kMostAlpha ? most : -kMostAlpha;
 }
 
-/// The part of a picture outside which every value is 0.
-struct Bounds {
-    Span columns;
-    Span rows;
-
-    bool Empty() const { return columns.Empty() || rows.Empty(); }
-};
-
-/// Reads every element once. Not-a-number counts as a value.
-Bounds FindBounds(const AlphaPlane& plane);
+/// The part outside which every value is 0. Reads every element once. Not-a-number counts as a value.
+Region FindBounds(const AlphaPlane& plane);
 
 class ColumnTiles {
  public:
     /// Turns `plane` at the `rows` rows that `look` gives, each mixed of the two nearest. Only `bounds` is read; it
     /// must hold all that is not 0.
-    void Build(const AlphaPlane& plane, const Bounds& bounds, const Look& look, int rows);
+    void Build(const AlphaPlane& plane, const Region& bounds, const Look& look, int rows);
 
-    Span Columns() const { return columns_; }  ///< source columns kept
-    Span Rows() const { return rows_; }        ///< rows of the pass that are not 0
+    Range Columns() const { return columns_; }  ///< source columns kept
+    Range Rows() const { return rows_; }        ///< rows of the pass that are not 0
     /// Rows of the pass that differ; those before and after are like the first and the last.
-    Span Distinct() const { return distinct_; }
+    Range Distinct() const { return distinct_; }
     bool Empty() const { return columns_.Empty() || rows_.Empty(); }
 
     int Tiles() const { return (rows_.Size() + kTileRows - 1) / kTileRows; }
@@ -64,9 +56,9 @@ class ColumnTiles {
  private:
     void BuildTile(const AlphaPlane& plane, const Look& look, int tile, Buffer<float>& scratch);
 
-    Span columns_;
-    Span rows_;
-    Span distinct_;
+    Range columns_;
+    Range rows_;
+    Range distinct_;
     Buffer<float> values_;
     std::vector<Buffer<float>> scratch_;  ///< a tile's rows before they are turned, per pool thread
 };

@@ -10,11 +10,11 @@
 
 struct SamplePlan {
     const StackSample* sample = nullptr;
-    Span columns;     ///< columns of the copy
-    Span acrossRows;  ///< rows of it that the blur across makes
-    Span downRows;    ///< rows that the blur down makes
-    Span outColumns;  ///< pixels of the output
-    Span outRows;
+    Range columns;     ///< columns of the copy
+    Range acrossRows;  ///< rows of it that the blur across makes
+    Range downRows;    ///< rows that the blur down makes
+    Range outColumns;  ///< pixels of the output
+    Range outRows;
 
     bool Empty() const { return columns.Empty() || acrossRows.Empty() || outColumns.Empty() || outRows.Empty(); }
 };

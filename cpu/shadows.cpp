@@ -57,7 +57,7 @@ float Round16(float value) {
     return value < 65535.0f ? std::nearbyint(value) : 65535.0f;
 }
 
-Bounds BoundsOf(const AlphaPlane& plane, Extent extent) {
+Region BoundsOf(const AlphaPlane& plane, Extent extent) {
     if (extent == Extent::kEverywhere) return {{0, plane.width}, {0, plane.height}};
     return FindBounds(plane);
 }
@@ -213,7 +213,7 @@ size_t Elements(int width, int height) {
 }  // namespace
 
 const uint16_t* DrawNormalStack(const myParams& settings, const AlphaPlane& layer, Extent extent) {
-    const Bounds bounds = BoundsOf(layer, extent);
+    const Region bounds = BoundsOf(layer, extent);
     for (size_t i = 0; i < settings.framebuffers.size(); ++i) {
         const framebufferData& record = settings.framebuffers[i];
         if (record.fboW < 1 || record.fboH < 1) continue;
@@ -232,7 +232,7 @@ const uint16_t* DrawNormalStack(const myParams& settings, const AlphaPlane& laye
 const uint16_t* DrawInnerStack(const myParams& settings, const AlphaPlane& layer, Extent extent) {
     const framebufferData& first = settings.framebuffers.front();
     const AlphaPlane inverted = Invert(settings, layer, Memory().rounded.Reserve(Elements(first.fboW, first.fboH)));
-    const Bounds bounds = BoundsOf(inverted, extent);
+    const Region bounds = BoundsOf(inverted, extent);
     for (size_t i = 0; i < settings.framebuffers.size(); ++i) {
         const framebufferData& record = settings.framebuffers[i];
         const double scale = Single(static_cast<double>(record.fboH) / first.fboH);

@@ -75,7 +75,7 @@ struct StackDrawer::Memory {
     void StretchColumns(Slot& slot);
     void BlurAcross(const Slot& slot, float* plane, int task);
     void BlurDownAndPlace(const Slot& slot, const float* plane, int strip, WorkerMemory& worker);
-    void PlaceRows(const Slot& slot, const float* rows, Span have, Span texelRows, WorkerMemory& worker);
+    void PlaceRows(const Slot& slot, const float* rows, Range have, Range texelRows, WorkerMemory& worker);
 };
 
 StackDrawer::StackDrawer() : memory_(std::make_unique<Memory>()) {}
@@ -93,7 +93,7 @@ void StackDrawer::Memory::Weigh(Slot& slot, int task, TapFolder& folder) {
     const int begin = slot.plan.columns.begin + chunk * kChunkColumns;
     const int end = std::min(begin + kChunkColumns, slot.plan.columns.end);
     TapList& list = slot.across[static_cast<size_t>(chunk)];
-    const Span kept = sample.source->Columns();
+    const Range kept = sample.source->Columns();
     const KeptInputs stored{{0, sample.across.size}, kept, kept.begin, kTileRows};
     list.Clear();
     folder.Prepare(sample.across.size);
@@ -108,7 +108,7 @@ void StackDrawer::Memory::Weigh(Slot& slot, int task, TapFolder& folder) {
 void StackDrawer::Memory::WeighDown(Slot& slot, TapFolder& folder) {
     const StackSample& sample = *slot.plan.sample;
     const Look look{0, 1, sample.y.texels, Edge::kMirror};
-    const Span rows = slot.plan.downRows;
+    const Range rows = slot.plan.downRows;
     const KeptInputs stored{sample.source->Distinct(), slot.plan.acrossRows, slot.PlaneBegin(),
                             static_cast<int>(slot.pitch)};
     slot.down.Clear();
@@ -123,7 +123,7 @@ void StackDrawer::Memory::WeighDown(Slot& slot, TapFolder& folder) {
 
 void StackDrawer::Memory::StretchColumns(Slot& slot) {
     const Stretch stretch(slot.plan.sample->x);
-    const Span out = slot.plan.outColumns;
+    const Range out = slot.plan.outColumns;
     slot.texels.resize(static_cast<size_t>(out.Size()));
     slot.fractions.resize(static_cast<size_t>(out.Size()));
     slot.gentle = true;
@@ -149,20 +149,20 @@ void StackDrawer::Memory::BlurAcross(const Slot& slot, float* plane, int task) {
 }
 
 void StackDrawer::Memory::BlurDownAndPlace(const Slot& slot, const float* plane, int strip, WorkerMemory& worker) {
-    const Span down = slot.plan.downRows;
-    const Span have = Intersect({down.begin + strip * kStripStep, down.begin + strip * kStripStep + kStripRows}, down);
+    const Range down = slot.plan.downRows;
+    const Range have = Intersect({down.begin + strip * kStripStep, down.begin + strip * kStripStep + kStripRows}, down);
     float* rows = worker.strip.Reserve(static_cast<size_t>(slot.pitch) * kStripRows + kSlack);
     const int firstBlock = (have.begin - down.begin) / kTapOutputs;
     CurrentKernels().blurRows(plane, slot.down.View(), firstBlock, firstBlock + Divide(have.Size(), kTapOutputs),
                               slot.plan.columns.Size(), rows, slot.pitch);
     // A pixel belongs to the strip that has its upper texel; the first and the last strip take the edges' too.
-    Span texelRows = {have.begin, have.begin + kStripStep};
+    Range texelRows = {have.begin, have.begin + kStripStep};
     if (strip == 0) texelRows.begin = have.begin - 1;
     if (strip == slot.Strips() - 1) texelRows.end = have.end;
     PlaceRows(slot, rows, have, texelRows, worker);
 }
 
-void StackDrawer::Memory::PlaceRows(const Slot& slot, const float* rows, Span have, Span texelRows,
+void StackDrawer::Memory::PlaceRows(const Slot& slot, const float* rows, Range have, Range texelRows,
                                     WorkerMemory& worker) {
     const SamplePlan& plan = slot.plan;
     const int texels = plan.sample->y.texels;

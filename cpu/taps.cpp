@@ -18,16 +18,6 @@ int EdgeIndex(int64_t index, int size, Edge edge) {
     return static_cast<int>(phase < size ? phase : period - 1 - phase);
 }
 
-int64_t TexelAt(double place) {
-    constexpr double kFar = 1 << 30;
-    // fmin and fmax answer with the other number when one is none.
-    return static_cast<int64_t>(std::fmax(-kFar, std::fmin(std::floor(place), kFar)));
-}
-
-Span Intersect(Span a, Span b) {
-    return {std::max(a.begin, b.begin), std::min(a.end, b.end)};
-}
-
 Kernel MakeKernel(int steps, double stride, double gain) {
     if (steps > kMostSteps) {
         stride *= static_cast<double>(steps) / kMostSteps;
@@ -109,7 +99,7 @@ void TapFolder::Gather(int begin, int end, int to) {
 }
 
 void TapFolder::Flush(const KeptInputs& inputs, TapList* list) {
-    const Span& distinct = inputs.distinct;
+    const Range& distinct = inputs.distinct;
     if (low_ < distinct.begin) {
         Gather(low_, std::min(high_, distinct.begin), distinct.begin);
         high_ = std::max(high_, distinct.begin + 1);
@@ -120,7 +110,7 @@ void TapFolder::Flush(const KeptInputs& inputs, TapList* list) {
         low_ = std::min(low_, distinct.end - 1);
         high_ = distinct.end;
     }
-    const Span used = Intersect({low_, high_}, inputs.kept);
+    const Range used = Intersect({low_, high_}, inputs.kept);
     for (int input = used.begin; input < used.end; ++input) {
         const float* sums = At(input);
         if (sums[0] == 0 && sums[1] == 0 && sums[2] == 0 && sums[3] == 0) continue;

@@ -9,37 +9,10 @@
 #include <vector>
 
 #include "cpu/kernels.h"
-
-enum class Edge { kClamp, kMirror };
+#include "render/pass_plan.h"
 
 /// The input index that a tap beyond the edge reads. `size` is at least 1.
 int EdgeIndex(int64_t index, int size, Edge edge);
-
-/// The input at or before a place. What is farther away than any picture is wide, and no number, count as such a far
-/// place, so that parameters that are no numbers leave every index defined.
-int64_t TexelAt(double place);
-
-/// Half-open range of rows or columns.
-struct Span {
-    int begin = 0;
-    int end = 0;
-
-    bool Empty() const { return begin >= end; }
-    int Size() const { return Empty() ? 0 : end - begin; }
-};
-
-/// The common part; empty spans give an empty one.
-Span Intersect(Span a, Span b);
-
-/// Where the outputs of a pass look along one axis, in inputs: output i at `first` + i `pitch`. Input j's centre is j.
-struct Look {
-    double first = 0;
-    double pitch = 1;
-    int size = 0;  ///< inputs
-    Edge edge = Edge::kClamp;
-
-    double At(int output) const { return first + output * pitch; }
-};
 
 /// The most steps that a kernel has: many times what the longest blur of the panel needs. A damaged project can ask for
 /// two thousand million, which no machine has the memory for.
@@ -74,10 +47,10 @@ class TapList {
 
 /// What is stored of a pass's inputs, and where.
 struct KeptInputs {
-    Span distinct;  ///< inputs before and after hold the same as the first and the last of these
-    Span kept;      ///< inputs that do not hold 0: leaving the others out changes no sum
-    int first = 0;  ///< the input at offset 0
-    int unit = 1;   ///< floats from input to input
+    Range distinct;  ///< inputs before and after hold the same as the first and the last of these
+    Range kept;      ///< inputs that do not hold 0: leaving the others out changes no sum
+    int first = 0;   ///< the input at offset 0
+    int unit = 1;    ///< floats from input to input
 };
 
 /// Collects the weights of one block of kTapOutputs outputs at a time.

@@ -9,23 +9,8 @@
 #include <cstdint>
 
 #include "hostapi/pixels.h"
+#include "render/pass_plan.h"
 #include "render/render_settings.h"
-
-/// Half-open, in texels or pixels of one axis.
-struct Range {
-    int32_t begin = 0;
-    int32_t end = 0;
-
-    bool Empty() const { return begin >= end; }
-};
-
-/// Of a texture or buffer, row 0 first.
-struct Region {
-    Range x;
-    Range y;
-
-    bool Empty() const { return x.Empty() || y.Empty(); }
-};
 
 /// All of a buffer.
 Region WholeRegion(int32_t width, int32_t height);

@@ -52,8 +52,8 @@ class Stride : public ::testing::Test {
     // `across` and `down` are strides in inputs.
     static std::vector<uint16_t> Expected(const AlphaPlane& source, Edge edge, double gain, double across,
                                           double down) {
-        const Span columns{0, source.width};
-        const Span rows{0, source.height};
+        const Range columns{0, source.width};
+        const Range rows{0, source.height};
         ColumnTiles tiles;
         tiles.Build(source, {columns, rows}, {0, 1, source.height, edge}, source.height);
         StackSample sample;
