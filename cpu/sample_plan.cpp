@@ -69,8 +69,8 @@ Range AcrossRowsFor(Range down, int reach, int rows, const ColumnTiles& source) 
 
 }  // namespace
 
-SamplePlan PlanSample(const StackSample& sample, int outputWidth, int outputHeight) {
-    SamplePlan plan;
+SampleParts PlanSample(const StackSample& sample, int outputWidth, int outputHeight) {
+    SampleParts plan;
     plan.sample = &sample;
     if (sample.source->Empty()) return plan;
     plan.outColumns = Covered(sample.x, outputWidth);

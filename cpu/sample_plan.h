@@ -8,7 +8,7 @@
 
 #include "cpu/stack_drawer.h"
 
-struct SamplePlan {
+struct SampleParts {
     const StackSample* sample = nullptr;
     Range columns;     ///< columns of the copy
     Range acrossRows;  ///< rows of it that the blur across makes
@@ -19,14 +19,4 @@ struct SamplePlan {
     bool Empty() const { return columns.Empty() || acrossRows.Empty() || outColumns.Empty() || outRows.Empty(); }
 };
 
-/// An output pixel's place in a copy: between texels `floor(At)` and the next.
-struct Stretch {
-    explicit Stretch(const Placement& place)
-        : scale(place.texels / place.length), offset((0.5 - place.start) * scale - 0.5) {}
-    double At(int pixel) const { return pixel * scale + offset; }
-
-    double scale;
-    double offset;
-};
-
-SamplePlan PlanSample(const StackSample& sample, int outputWidth, int outputHeight);
+SampleParts PlanSample(const StackSample& sample, int outputWidth, int outputHeight);

@@ -35,7 +35,7 @@ ptrdiff_t PitchFor(int columns) {
 
 /// What the stages of one sample hand on.
 struct Slot {
-    SamplePlan plan;
+    SampleParts plan;
     std::vector<TapList> across;  ///< per kChunkColumns columns
     TapList down;
     std::vector<int32_t> texels;  ///< per output column, from plan.columns.begin - 1 on
@@ -164,7 +164,7 @@ void StackDrawer::Memory::BlurDownAndPlace(const Slot& slot, const float* plane,
 
 void StackDrawer::Memory::PlaceRows(const Slot& slot, const float* rows, Range have, Range texelRows,
                                     WorkerMemory& worker) {
-    const SamplePlan& plan = slot.plan;
+    const SampleParts& plan = slot.plan;
     const int texels = plan.sample->y.texels;
     const int columns = plan.columns.Size();
     const Stretch stretch(plan.sample->y);
@@ -201,9 +201,9 @@ const uint16_t* StackDrawer::Draw(const std::vector<StackSample>& samples, int w
     m.width = width;
     m.workers.resize(std::max(m.workers.size(), static_cast<size_t>(PoolThreads())));
 
-    std::vector<SamplePlan> plans;
+    std::vector<SampleParts> plans;
     for (const StackSample& sample : samples) {
-        const SamplePlan plan = PlanSample(sample, width, height);
+        const SampleParts plan = PlanSample(sample, width, height);
         if (!plan.Empty()) plans.push_back(plan);
     }
 

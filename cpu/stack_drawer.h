@@ -11,13 +11,6 @@
 
 #include "cpu/column_tiles.h"
 
-/// Where a blurred copy lies on one axis of the output, in output pixels, and how many texels it has there.
-struct Placement {
-    double start = 0;
-    double length = 0;
-    int texels = 0;
-};
-
 /// One sample. Nothing in it that is 0 throughout needs to be in the list.
 struct StackSample {
     const ColumnTiles* source = nullptr;

@@ -2,11 +2,15 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// What the passes of a shadow do, as numbers. Plain records: render/ derives them, gl/ and cpu/ can read them.
+// What the passes of a shadow do, as numbers: each sample is blurred across, blurred down and placed in the output.
+// Plain records. plan_normal.cpp, plan_inner.cpp and plan_radial.cpp in render/ derive them once for both renderers:
+// the OpenGL passes send them as uniforms, the CPU renderer folds them into weights. Numbers that reach the GPU as a
+// uniform are kept in single precision, so that both renderers sample at the same positions.
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <vector>
 
 /// Half-open, in texels or pixels of one axis.
 struct Range {
@@ -30,6 +34,11 @@ struct Region {
     bool Empty() const { return x.Empty() || y.Empty(); }
 };
 
+/// All of a texture or buffer.
+inline Region WholeRegion(int32_t width, int32_t height) {
+    return {{0, width}, {0, height}};
+}
+
 /// What a tap beyond the edge reads: the edge itself, or the mirror image.
 enum class Edge { kClamp, kMirror };
 
@@ -50,3 +59,99 @@ inline int64_t TexelAt(double position) {
     // fmin and fmax return the other number when one is not-a-number.
     return static_cast<int64_t>(std::fmax(-kFar, std::fmin(std::floor(position), kFar)));
 }
+
+/// One axis of a pass that draws at another size than it reads. The outputs cover a share of the inputs about their
+/// middle.
+struct PassAxis {
+    int32_t outputs = 0;
+    float scale = 1;  ///< uniform "scaleW" or "scaleH": the share of the inputs; above 1 with a border around them
+    Look look;
+};
+
+/// One blur: 2 `steps` + 1 taps.
+struct BlurPlan {
+    float amount = 0;   ///< reach each side, (downsampled) pixels
+    int32_t steps = 1;  ///< uniform "steps": taps each side
+    float stride = 0;   ///< uniform "stride": distance of two taps, in widths or heights of what the GPU pass reads
+    double inputStride = 0;  ///< the same in inputs
+
+    /// Inputs each side.
+    double Reach() const { return steps * inputStride; }
+};
+
+/// A sample's first pass, from the source to its buffer. Also resizes the rows.
+struct AcrossPlan {
+    BlurPlan blur;
+    PassAxis x;
+    PassAxis y;
+    float opacity = 0;  ///< uniform "opacityF"
+};
+
+/// Where a blurred copy is placed along one axis of the output.
+struct Placement {
+    double start = 0;       ///< output pixels
+    double length = 0;      ///< output pixels
+    int32_t texels = 0;     ///< of the copy
+    float scale = 1;        ///< of the uniform "xform"
+    float translation = 0;  ///< of the uniform "xform", in half outputs
+};
+
+/// An output pixel's position in a copy: between texel `floor(At)` and the next.
+struct Stretch {
+    explicit Stretch(const Placement& place)
+        : scale(place.texels / place.length), offset((0.5 - place.start) * scale - 0.5) {}
+    double At(int32_t pixel) const { return pixel * scale + offset; }
+
+    double scale;
+    double offset;
+};
+
+/// A sample's last pass.
+struct PlacePlan {
+    Placement x;
+    Placement y;
+};
+
+/// The part of each pass that can show in the output: what lies in the output and is not 0.
+struct SampleRegions {
+    Region across;  ///< texels of the sample's buffer
+    Region down;    ///< the same
+    Region placed;  ///< output pixels
+
+    bool Empty() const { return across.Empty() || down.Empty() || placed.Empty(); }
+};
+
+/// The three passes of one sample.
+struct SamplePlan {
+    uint32_t buffer = 0;  ///< samples of one buffer have the same size, and look at the same rows of the source
+    AcrossPlan across;
+    BlurPlan down;  ///< in rows of the buffer, mirrored at its edges
+    PlacePlan place;
+    SampleRegions regions;  ///< empty when the sample adds nothing
+};
+
+/// All samples of a shadow, in drawing order.
+struct StackPlan {
+    int32_t width = 0;  ///< of the output, pixels
+    int32_t height = 0;
+    Region something;  ///< the part of the source that is not 0
+    std::vector<SamplePlan> samples;
+};
+
+/// Inner shadow: from the padded layer to the inverted alpha that its samples are blurred from.
+struct InversionPlan {
+    PassAxis x;
+    PassAxis y;
+    float opacity = 0;  ///< uniform "opacityF"
+};
+
+/// Radial shadow: the layer in a border that its samples are blurred from.
+struct PaddingPlan {
+    int32_t pad = 0;    ///< border on each side, pixels
+    int32_t width = 0;  ///< with both borders
+    int32_t height = 0;
+    float layerScaleX = 1;  ///< of the uniform "xform": the layer's share of the width
+    float layerScaleY = 1;
+    float quadScaleX = 1;  ///< the padded layer's share of the output's width
+    float quadScaleY = 1;
+};

@@ -65,13 +65,9 @@ SampleRegions Follow(const Region& across, int32_t rows, double reachDown, const
 
 }  // namespace
 
-Region WholeRegion(int32_t width, int32_t height) {
-    return {{0, width}, {0, height}};
-}
-
 // An output sees an input when a tap comes nearer than one input to it. A mirrored input is never nearer than the input
 // itself, so mirrors see nothing more.
-Range SeenThrough(const PassAxis& axis, const Range& something, double reach) {
+Range SeenThrough(const CoveredAxis& axis, const Range& something, double reach) {
     if (something.Empty()) return {};
     const double pitch = axis.covered / axis.outputs;
     const double first = (axis.inputs - axis.covered + pitch) / 2 - 0.5;

@@ -12,9 +12,6 @@
 #include "render/pass_plan.h"
 #include "render/render_settings.h"
 
-/// All of a buffer.
-Region WholeRegion(int32_t width, int32_t height);
-
 /// The smallest region that holds every alpha of `world` (as deep as `bitDepth`: 8 or 32) that is not 0. The whole
 /// world when `WorksEverywhere`.
 Region FindAlpha(const PF_LayerDef& world, int32_t bitDepth);
@@ -24,7 +21,7 @@ Region FindAlpha(const PF_LayerDef& world, int32_t bitDepth);
 Region FindHoles(const PF_LayerDef& world, int32_t bitDepth);
 
 /// How a pass looks at its source along one axis: its `outputs` cover `covered` inputs about the middle of `inputs`.
-struct PassAxis {
+struct CoveredAxis {
     int32_t inputs = 0;
     int32_t outputs = 0;
     double covered = 0;
@@ -32,14 +29,7 @@ struct PassAxis {
 };
 
 /// Outputs that see any of `something` with taps up to `reach` inputs away.
-Range SeenThrough(const PassAxis& axis, const Range& something, double reach);
-
-/// What each pass of one sample draws.
-struct SampleRegions {
-    Region across;
-    Region down;
-    Region placed;
-};
+Range SeenThrough(const CoveredAxis& axis, const Range& something, double reach);
 
 /// Of a normal shadow's sample; `layer` is where the input world holds anything.
 SampleRegions NormalRegions(const myParams& settings, const perSampleData& sample, const framebufferData& record,

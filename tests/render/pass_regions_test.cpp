@@ -76,7 +76,7 @@ TEST(FindHoles, HoldsEveryPixelThatIsNotFull) {
 }
 
 // Whether output `i` has a tap within one input of any of [begin, end), by trying them.
-bool Sees(const PassAxis& axis, const Range& something, double reach, int output) {
+bool Sees(const CoveredAxis& axis, const Range& something, double reach, int output) {
     const double at = ((output + 0.5) / axis.outputs - 0.5) * axis.covered + axis.inputs / 2.0 - 0.5;
     for (double tap = at - reach; tap <= at + reach + 1e-9; tap += 0.05) {
         for (int side = 0; side < 2; ++side) {
@@ -97,7 +97,7 @@ bool Sees(const PassAxis& axis, const Range& something, double reach, int output
 TEST(SeenThrough, HoldsEveryOutputThatATapReaches) {
     const struct {
         const char* name;
-        PassAxis axis;
+        CoveredAxis axis;
         Range something;
         double reach;
         int slack;  ///< outputs that may be held though they see nothing, each side
