@@ -3,11 +3,11 @@
 
 // Bounding what a world's alpha holds.
 
+#include "render/alpha_regions.h"
+
 #include <algorithm>
 #include <limits>
 
-#include "hostapi/pixels.h"
-#include "render/pass_regions.h"
 #include "render/work_extent.h"
 
 namespace {

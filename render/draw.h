@@ -5,7 +5,8 @@
 // The last step of a pass: uniforms by name on a given program, and the quad. Nothing here changes other GL state.
 
 #include "platform/gl_api.h"
-#include "render/pass_regions.h"
+#include "render/pass_plan.h"
+#include "render/render_settings.h"
 #include "render/work_extent.h"
 
 inline constexpr float kIdentity[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
@@ -22,6 +23,20 @@ inline void SendInt(unsigned program, const char* name, int value) {
 /// Sets "xform" from row-major data: points are row vectors, so the translation stands in the last row.
 inline void SendMatrix(unsigned program, const float* rows) {
     glUniformMatrix4fv(glGetUniformLocation(program, "xform"), 1, GL_TRUE, rows);
+}
+
+/// Sets "xform" so that the quad is placed as planned.
+inline void SendPlacement(unsigned program, const PlacePlan& place) {
+    const auto& [x, y] = place;
+    const float xform[16] = {x.scale, 0, 0, 0, 0, y.scale, 0, 0, 0, 0, 1, 0, x.translation, y.translation, 0, 1};
+    SendMatrix(program, xform);
+}
+
+/// Leaves a blur in the settings' working values, for the next sender.
+inline void KeepBlur(const BlurPlan& blur, myParams* params) {
+    params->blurAmount = blur.amount;
+    params->blurSteps = blur.steps;
+    params->blurStride = blur.stride;
 }
 
 /// Draws the four vertices of the bound quad.

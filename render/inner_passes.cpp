@@ -8,12 +8,12 @@
 #include "gl/framebuffer.h"
 #include "gl/thread_state.h"
 #include "hostapi/errors.h"
-#include "pixel/blur_stride.h"
 #include "pixel/effect_world.h"
+#include "render/alpha_regions.h"
 #include "render/draw.h"
 #include "render/inner_composite.h"
-#include "render/pass_regions.h"
 #include "render/passes.h"
+#include "render/plan_passes.h"
 #include "render/sample_stack.h"
 #include "render/shadow_shaders.h"
 
@@ -51,17 +51,16 @@ bool MakeBuffers(PF_InData* in_data, PF_OutData* out_data, myParams* settings, B
 }
 
 // Draws what of the inverted alpha is not 0.
-void DrawInverted(const myParams& settings, const Region& inverted, Buffers& buffers, PF_OutData* out_data) {
+void DrawInverted(const InversionPlan& plan, const Region& inverted, Buffers& buffers, PF_OutData* out_data) {
     Program& program = local_render_data->programs[kProgramInvert];
-    const framebufferData& first = settings.framebuffers.front();
     buffers.source.BindTAO(PING, out_data);
     buffers.inverted.BindFBO(PING, true, out_data);
     program.Use(out_data);
     const unsigned id = program.Get(out_data);
     SendMatrix(id, kIdentity);
-    SendFloat(id, "opacityF", settings.shadowColourFloat.alpha);
-    SendFloat(id, "scaleW", static_cast<double>(first.paddedW) / settings.innerSourceWorld->width);
-    SendFloat(id, "scaleH", static_cast<double>(first.paddedH) / settings.innerSourceWorld->height);
+    SendFloat(id, "opacityF", plan.opacity);
+    SendFloat(id, "scaleW", plan.x.scale);
+    SendFloat(id, "scaleH", plan.y.scale);
     SetBlending(false);
     DrawQuadIn(inverted);
     buffers.source.CleanUp();
@@ -71,17 +70,14 @@ void DrawInverted(const myParams& settings, const Region& inverted, Buffers& buf
 void SendBlurAcross(myParams* params, int* sampleIndex, int* framebufferIndex, unsigned* programId) {
     const perSampleData& sample = params->samples.at(static_cast<size_t>(*sampleIndex));
     const framebufferData& record = params->framebuffers.at(static_cast<size_t>(*framebufferIndex));
-    const framebufferData& first = params->framebuffers.front();
-    const double blurAmount = BlurAmount(sample.softness);
-    params->blurAmount = static_cast<float>(blurAmount);
-    params->blurSteps = BlurSteps(params->resolutionScale, blurAmount);
-    params->blurStride = StrideAcross(blurAmount, params->blurSteps, params->innerSourceWorld->width);
+    const AcrossPlan plan = PlanInnerAcross(*params, sample, record);
+    KeepBlur(plan.blur, params);
     SendMatrix(*programId, kIdentity);
-    SendFloat(*programId, "opacityF", sample.opacity);
-    SendInt(*programId, "steps", params->blurSteps);
-    SendFloat(*programId, "stride", params->blurStride);
-    SendFloat(*programId, "scaleW", static_cast<double>(record.fboW) / first.fboW);
-    SendFloat(*programId, "scaleH", static_cast<double>(record.fboH) / first.fboH);
+    SendFloat(*programId, "opacityF", plan.opacity);
+    SendInt(*programId, "steps", plan.blur.steps);
+    SendFloat(*programId, "stride", plan.blur.stride);
+    SendFloat(*programId, "scaleW", plan.x.scale);
+    SendFloat(*programId, "scaleH", plan.y.scale);
 }
 
 }  // namespace
@@ -101,10 +97,11 @@ PF_Err RenderInnerShadow(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHan
 
     EnableScreenBlend();
     glBindVertexArray(local_render_data->quadVAO);
-    const Region inverted = InvertedRegion(*settings, FindHoles(*settings->innerSourceWorld, settings->bitDepth));
-    DrawInverted(*settings, inverted, buffers, out_data);
-    DrawSampleStack(settings, buffers.inverted, inverted, buffers.blurred, buffers.accumulated,
-                    {SendBlurAcross, SendBlurHUniforms, InnerRegions}, out_data);
+    const InversionPlan inversion = PlanInversion(*settings);
+    const Region inverted = InvertedRegion(inversion, FindHoles(*settings->innerSourceWorld, settings->bitDepth));
+    DrawInverted(inversion, inverted, buffers, out_data);
+    DrawSampleStack(settings, PlanInnerStack(*settings, inverted, Precision::kDriver), buffers.inverted,
+                    buffers.blurred, buffers.accumulated, SendBlurAcross, out_data);
     buffers.blurred.clear();
     glFinish();
     return CompositeInnerShadow(in_data, suites, settings, [&](PF_EffectWorld* shadow) {

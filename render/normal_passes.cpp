@@ -8,9 +8,10 @@
 #include "gl/framebuffer.h"
 #include "gl/thread_state.h"
 #include "hostapi/errors.h"
+#include "render/alpha_regions.h"
 #include "render/draw.h"
-#include "render/pass_regions.h"
 #include "render/passes.h"
+#include "render/plan_passes.h"
 #include "render/sample_stack.h"
 #include "render/shadow_shaders.h"
 
@@ -41,8 +42,9 @@ PF_Err RenderNormalPasses(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHa
 
     glBindVertexArray(local_render_data->quadVAO);
     EnableScreenBlend();
-    DrawSampleStack(settings, input, FindAlpha(*settings->inputWorld, settings->bitDepth), blurred, accumulated,
-                    {SendBlurWUniforms, SendBlurHUniforms, NormalRegions}, out_data);
+    const Region layer = FindAlpha(*settings->inputWorld, settings->bitDepth);
+    DrawSampleStack(settings, PlanNormalStack(*settings, layer, Precision::kDriver), input, blurred, accumulated,
+                    SendBlurWUniforms, out_data);
 
     glFinish();
     return accumulated.DownloadBuffer(in_data, suites, &settings->shadowColourFloat, &settings->shadowColour8,

@@ -3,16 +3,14 @@
 
 // The radial shadow's passes.
 
-#include <algorithm>
-
 #include "gl/framebuffer.h"
 #include "gl/quad.h"
 #include "gl/thread_state.h"
 #include "hostapi/errors.h"
-#include "pixel/blur_stride.h"
+#include "render/alpha_regions.h"
 #include "render/draw.h"
-#include "render/pass_regions.h"
 #include "render/passes.h"
+#include "render/plan_passes.h"
 #include "render/shadow_shaders.h"
 
 namespace {
@@ -39,28 +37,23 @@ struct Buffers {
 };
 
 // The layer, centred in a border that leaves room for the blur.
-void DrawPaddedCopy(const myParams& settings, const RadialGeometry& geometry, Buffers& buffers, PF_OutData* out_data) {
+void DrawPaddedCopy(const PaddingPlan& plan, Buffers& buffers, PF_OutData* out_data) {
     Program& program = local_render_data->programs[kProgramCopy];
     buffers.input.BindTAO(PING, out_data);
     buffers.padded.BindFBO(PING, true, out_data);
     program.Use(out_data);
     const unsigned id = program.Get(out_data);
-    const double scaleX = static_cast<double>(settings.inputWorld->width) / geometry.paddedW;
-    const double scaleY = static_cast<double>(settings.inputWorld->height) / geometry.paddedH;
-    const float xform[16] = {
-        static_cast<float>(scaleX), 0, 0, 0, 0, static_cast<float>(scaleY), 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    const float xform[16] = {plan.layerScaleX, 0, 0, 0, 0, plan.layerScaleY, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
     SendMatrix(id, xform);
     // Intended: no program declares these two, so GL ignores them.
-    SendFloat(id, "scaleX", scaleX);
-    SendFloat(id, "scaleY", scaleY);
+    SendFloat(id, "scaleX", plan.layerScaleX);
+    SendFloat(id, "scaleY", plan.layerScaleY);
     DrawQuad();
     buffers.input.CleanUp();
 }
 
-void BlurSample(const myParams& settings, const RadialGeometry& geometry, const perSampleData& sample,
-                const SampleRegions& regions, Buffers& buffers, PF_OutData* out_data) {
+void BlurSample(const SamplePlan& plan, Buffers& buffers, PF_OutData* out_data) {
     Program* programs = local_render_data->programs;
-    const int steps = BlurSteps(settings.resolutionScale, sample.softness);
 
     // Across, from the padded layer.
     SetBlending(false);
@@ -69,29 +62,28 @@ void BlurSample(const myParams& settings, const RadialGeometry& geometry, const 
     buffers.padded.BindTAO(PING, out_data);
     programs[kProgramBlurW].Use(out_data);
     unsigned id = programs[kProgramBlurW].Get(out_data);
-    SendInt(id, "steps", steps);
-    SendFloat(id, "stride", StrideRadial(sample.softness, steps, geometry.paddedW));
-    SendFloat(id, "opacityF", sample.opacity);
-    SendFloat(id, "scaleW", 1);
-    SendFloat(id, "scaleH", 1);
+    SendInt(id, "steps", plan.across.blur.steps);
+    SendFloat(id, "stride", plan.across.blur.stride);
+    SendFloat(id, "opacityF", plan.across.opacity);
+    SendFloat(id, "scaleW", plan.across.x.scale);
+    SendFloat(id, "scaleH", plan.across.y.scale);
     SendMatrix(id, kIdentity);
-    DrawQuadIn(regions.across);
+    DrawQuadIn(plan.regions.across);
 
     // Down, from the pass before.
     buffers.blurred.BindFBO(PONG, true, out_data);
     buffers.blurred.BindTAO(PING, out_data);
     programs[kProgramBlurH].Use(out_data);
     id = programs[kProgramBlurH].Get(out_data);
-    SendInt(id, "steps", steps);
-    SendFloat(id, "stride", StrideRadial(sample.softness, steps, geometry.paddedH));
+    SendInt(id, "steps", plan.down.steps);
+    SendFloat(id, "stride", plan.down.stride);
     SendMatrix(id, kIdentity);
-    DrawQuadIn(regions.down);
+    DrawQuadIn(plan.regions.down);
 }
 
-// Into place. The quad starts in the lower left corner at unit scale: scaling it by s about the centre of device
-// coordinates moves that corner to -s, so s - 1 brings it back before the translation.
-void PlaceSample(const myParams& settings, const perSampleData& sample, bool first, const Region& region,
-                 const PlacementQuad& quad, Buffers& buffers, PF_OutData* out_data) {
+// Into place, onto the samples before.
+void PlaceSample(const SamplePlan& plan, bool first, const PlacementQuad& quad, Buffers& buffers,
+                 PF_OutData* out_data) {
     Program& program = local_render_data->programs[kProgramCopy];
     SetBlending(true);
     program.Use(out_data);
@@ -99,43 +91,21 @@ void PlaceSample(const myParams& settings, const perSampleData& sample, bool fir
     glBindVertexArray(quad.Vao());
     buffers.output.BindFBO(PING, first, out_data);
     buffers.blurred.BindTAO(PONG, out_data);
-    const double s = sample.radialScale;
-    const float scale = static_cast<float>(s);
-    const float tx = static_cast<float>(s - 1 + 2 * sample.radialTx / settings.outputWorld->width);
-    const float ty = static_cast<float>(s - 1 + 2 * sample.radialTy / settings.outputWorld->height);
-    const float xform[16] = {scale, 0, 0, 0, 0, scale, 0, 0, 0, 0, 1, 0, tx, ty, 0, 1};
-    SendMatrix(id, xform);
-    DrawQuadIn(region);
-}
-
-// Where the padded copy holds anything, and a texel more: the copy is drawn texel upon texel, but a driver's sampling
-// place may be off by a little, and a little of an infinite alpha is full.
-Region PaddedRegion(const myParams& settings, const RadialGeometry& geometry) {
-    if (WorksEverywhere()) return WholeRegion(geometry.paddedW, geometry.paddedH);
-    Region region = FindAlpha(*settings.inputWorld, settings.bitDepth);
-    if (region.Empty()) return {};
-    region.x = {std::max(region.x.begin + geometry.pad - 1, 0),
-                std::min(region.x.end + geometry.pad + 1, geometry.paddedW)};
-    region.y = {std::max(region.y.begin + geometry.pad - 1, 0),
-                std::min(region.y.end + geometry.pad + 1, geometry.paddedH)};
-    return region;
+    SendPlacement(id, plan.place);
+    DrawQuadIn(plan.regions.placed);
 }
 
 // All samples; one that adds nothing only clears the output when it is the first.
-void DrawSamples(const myParams& settings, const RadialGeometry& geometry, Buffers& buffers, PF_OutData* out_data) {
-    const PF_LayerDef& output = *settings.outputWorld;
-    const PlacementQuad quad(static_cast<float>(geometry.paddedW) / static_cast<float>(output.width),
-                             static_cast<float>(geometry.paddedH) / static_cast<float>(output.height));
-    const Region layer = PaddedRegion(settings, geometry);
-    for (const perSampleData& sample : settings.samples) {
-        const bool first = &sample == settings.samples.data();
-        const SampleRegions regions = RadialRegions(settings, sample, geometry.paddedW, geometry.paddedH, layer);
-        if (!WorksEverywhere() && (sample.opacity == 0 || regions.placed.Empty())) {
+void DrawSamples(const StackPlan& stack, const PaddingPlan& padding, Buffers& buffers, PF_OutData* out_data) {
+    const PlacementQuad quad(padding.quadScaleX, padding.quadScaleY);
+    for (const SamplePlan& plan : stack.samples) {
+        const bool first = &plan == stack.samples.data();
+        if (plan.regions.Empty() && !WorksEverywhere()) {
             if (first) buffers.output.BindFBO(PING, true, out_data);
             continue;
         }
-        BlurSample(settings, geometry, sample, regions, buffers, out_data);
-        PlaceSample(settings, sample, first, regions.placed, quad, buffers, out_data);
+        BlurSample(plan, buffers, out_data);
+        PlaceSample(plan, first, quad, buffers, out_data);
     }
 }
 
@@ -162,8 +132,10 @@ PF_Err RenderRadialPasses(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHa
 
     EnableScreenBlend();
     glBindVertexArray(local_render_data->quadVAO);
-    DrawPaddedCopy(*settings, geometry, buffers, out_data);
-    DrawSamples(*settings, geometry, buffers, out_data);
+    const PaddingPlan padding = PlanPadding(*settings, geometry);
+    const Region padded = PaddedRegion(padding, FindAlpha(*settings->inputWorld, settings->bitDepth));
+    DrawPaddedCopy(padding, buffers, out_data);
+    DrawSamples(PlanRadialStack(*settings, padding, padded, Precision::kDriver), padding, buffers, out_data);
     buffers.blurred.CleanUp();
     buffers.padded.CleanUp();
 

@@ -8,27 +8,15 @@
 
 #include "gl/framebuffer.h"
 #include "hostapi/commands.h"
-#include "render/pass_regions.h"
+#include "render/pass_plan.h"
 #include "render/render_settings.h"
 
-/// Tells the program `programId` what a blur pass of a sample needs.
+/// Sends the program `programId` the blur across of a sample, and leaves it in the settings for `SendBlurHUniforms`.
 using BlurSender = void (*)(myParams* params, int* sampleIndex, int* framebufferIndex, unsigned* programId);
 
-/// Where the passes of a sample have anything to draw, given where their source holds anything.
-using RegionFollower = SampleRegions (*)(const myParams& params, const perSampleData& sample,
-                                         const framebufferData& record, const Region& source);
-
-/// How the passes are fed; `across` runs first for each sample.
-struct BlurSenders {
-    BlurSender across;
-    BlurSender down;
-    RegionFollower regions;
-};
-
-/// Draws all samples of `settings` in order: `source` is blurred in the sample's ping-pong buffer and added to
-/// `accumulated`, which the first sample clears, also when it is skipped. A sample whose buffer is zero-sized, whose
-/// opacity is 0 or which shows nothing of `something`, the part of the source that is not 0, is skipped. The quad must
-/// be bound and the blend function set; blending is on afterwards.
-void DrawSampleStack(myParams* settings, Framebuffer& source, const Region& something,
-                     std::vector<Framebuffer>& blurred, Framebuffer& accumulated, const BlurSenders& senders,
-                     PF_OutData* out_data);
+/// Draws all samples of `plan`, which is that of `settings`, in order: `source` is blurred in the sample's ping-pong
+/// buffer and added to `accumulated`, which the first sample clears, also when it is skipped. A sample whose buffer is
+/// zero-sized or whose planned regions are empty is skipped. The quad must be bound and the blend function set;
+/// blending is on afterwards. Throws std::out_of_range when a sample names a buffer that there is not.
+void DrawSampleStack(myParams* settings, const StackPlan& plan, Framebuffer& source, std::vector<Framebuffer>& blurred,
+                     Framebuffer& accumulated, BlurSender sendAcross, PF_OutData* out_data);

@@ -8,6 +8,7 @@
 
 #include <stdexcept>
 
+#include "render/plan_passes.h"
 #include "render/sample_stack.h"
 #include "render/shadow_shaders.h"
 #include "tests/render/fake_render.h"
@@ -50,17 +51,18 @@ TEST_F(Senders, BeyondTheListsThrowOutOfRange) {
 }
 
 TEST_F(Senders, ASampleOfNoBufferThrowsOutOfRangeBeforeAnythingIsDrawn) {
-    const auto everything = [](const myParams&, const perSampleData&, const framebufferData&, const Region& source) {
-        return SampleRegions{source, source, source};
-    };
-    const BlurSenders senders{SendBlurWUniforms, SendBlurHUniforms, everything};
     Framebuffer source, accumulated;
     for (const std::size_t buffers : {0, 1, 3}) {
         SCOPED_TRACE(buffers);
         std::vector<Framebuffer> blurred(buffers);
-        settings_.samples[0].fbIndex = static_cast<decltype(perSampleData::fbIndex)>(buffers);
-        EXPECT_THROW(DrawSampleStack(&settings_, source, {}, blurred, accumulated, senders, &host_.outData),
+        StackPlan plan;
+        plan.samples.resize(1);
+        plan.samples[0].buffer = static_cast<uint32_t>(buffers);
+        EXPECT_THROW(DrawSampleStack(&settings_, plan, source, blurred, accumulated, SendBlurWUniforms, &host_.outData),
                      std::out_of_range);
+        settings_.framebuffers.resize(buffers);
+        settings_.samples[0].fbIndex = static_cast<uint32_t>(buffers);
+        EXPECT_THROW(PlanNormalStack(settings_, {}, Precision::kDriver), std::out_of_range);
     }
     EXPECT_TRUE(fake::Calls().empty());
 }

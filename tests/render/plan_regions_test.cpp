@@ -3,14 +3,14 @@
 
 // Bounds of layers, and how far a pass carries them.
 
-#include "render/pass_regions.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
+#include "render/alpha_regions.h"
+#include "render/plan_parts.h"
 #include "render/work_extent.h"
 #include "tests/support/test_world.h"
 
@@ -76,17 +76,19 @@ TEST(FindHoles, HoldsEveryPixelThatIsNotFull) {
 }
 
 // Whether output `i` has a tap within one input of any of [begin, end), by trying them.
-bool Sees(const CoveredAxis& axis, const Range& something, double reach, int output) {
-    const double at = ((output + 0.5) / axis.outputs - 0.5) * axis.covered + axis.inputs / 2.0 - 0.5;
+bool Sees(const PassAxis& axis, const Range& something, double reach, int output) {
+    const int inputs = axis.look.size;
+    const double covered = static_cast<double>(axis.scale) * inputs;
+    const double at = ((output + 0.5) / axis.outputs - 0.5) * covered + inputs / 2.0 - 0.5;
     for (double tap = at - reach; tap <= at + reach + 1e-9; tap += 0.05) {
         for (int side = 0; side < 2; ++side) {
             int input = static_cast<int>(std::floor(tap)) + side;
-            if (axis.clamped) {
-                input = std::clamp(input, 0, axis.inputs - 1);
+            if (axis.look.edge == Edge::kClamp) {
+                input = std::clamp(input, 0, inputs - 1);
             } else {
-                const int period = 2 * axis.inputs;
+                const int period = 2 * inputs;
                 input = ((input % period) + period) % period;
-                if (input >= axis.inputs) input = period - 1 - input;
+                if (input >= inputs) input = period - 1 - input;
             }
             if (input >= something.begin && input < something.end) return true;
         }
@@ -97,37 +99,44 @@ bool Sees(const CoveredAxis& axis, const Range& something, double reach, int out
 TEST(SeenThrough, HoldsEveryOutputThatATapReaches) {
     const struct {
         const char* name;
-        CoveredAxis axis;
+        int inputs, outputs;
+        double covered;  ///< inputs
+        Edge edge;
         Range something;
         double reach;
         int slack;  ///< outputs that may be held though they see nothing, each side
     } rows[] = {
-        {"in the middle", {100, 60, 100, true}, {40, 50}, 5, 3},
-        {"a padded buffer", {100, 84, 140, true}, {40, 50}, 12.5, 3},
-        {"at the clamped edge", {100, 84, 140, true}, {0, 10}, 3, 3},
-        {"at the other clamped edge", {100, 84, 140, true}, {95, 100}, 3, 3},
-        {"full", {100, 84, 140, true}, {0, 100}, 3, 3},
-        {"mirrored near the edge", {50, 50, 50, false}, {1, 4}, 6, 3},
-        {"mirrored beyond the middle", {20, 20, 20, false}, {15, 16}, 60, 3},
-        {"no reach", {64, 64, 64, false}, {10, 11}, 0, 3},
-        {"few outputs", {1000, 7, 1000, true}, {500, 501}, 1, 1},
-        {"one input", {1, 9, 9, true}, {0, 1}, 1, 3},
+        {"in the middle", 100, 60, 100, Edge::kClamp, {40, 50}, 5, 3},
+        {"a padded buffer", 100, 84, 140, Edge::kClamp, {40, 50}, 12.5, 3},
+        {"at the clamped edge", 100, 84, 140, Edge::kClamp, {0, 10}, 3, 3},
+        {"at the other clamped edge", 100, 84, 140, Edge::kClamp, {95, 100}, 3, 3},
+        {"full", 100, 84, 140, Edge::kClamp, {0, 100}, 3, 3},
+        {"mirrored near the edge", 50, 50, 50, Edge::kMirror, {1, 4}, 6, 3},
+        {"mirrored beyond the middle", 20, 20, 20, Edge::kMirror, {15, 16}, 60, 3},
+        {"no reach", 64, 64, 64, Edge::kMirror, {10, 11}, 0, 3},
+        {"few outputs", 1000, 7, 1000, Edge::kClamp, {500, 501}, 1, 1},
+        {"one input", 1, 9, 9, Edge::kClamp, {0, 1}, 1, 3},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        const Range seen = SeenThrough(row.axis, row.something, row.reach);
-        int first = row.axis.outputs, last = -1;
-        for (int i = 0; i < row.axis.outputs; ++i) {
-            if (!Sees(row.axis, row.something, row.reach, i)) continue;
+        const PassAxis axis =
+            ScaledAxis(row.outputs, static_cast<float>(row.covered / row.inputs), row.inputs, row.edge);
+        int first = row.outputs, last = -1;
+        for (int i = 0; i < row.outputs; ++i) {
+            if (!Sees(axis, row.something, row.reach, i)) continue;
             first = std::min(first, i);
             last = i;
         }
-        EXPECT_LE(seen.begin, first);
-        EXPECT_GT(seen.end, last);
+        const Range exact = SeenThrough(axis, row.something, row.reach, Precision::kExact);
+        const Range seen = SeenThrough(axis, row.something, row.reach, Precision::kDriver);
+        EXPECT_LE(exact.begin, first);
+        EXPECT_GT(exact.end, last);
+        EXPECT_LE(seen.begin, exact.begin);
+        EXPECT_GE(seen.end, exact.end);
         EXPECT_GE(seen.begin, first - row.slack);
         EXPECT_LE(seen.end, last + 1 + row.slack);
     }
-    EXPECT_TRUE(SeenThrough({10, 10, 10, true}, {}, 100).Empty());
+    EXPECT_TRUE(SeenThrough(ScaledAxis(10, 1, 10, Edge::kClamp), {}, 100, Precision::kDriver).Empty());
 }
 
 }  // namespace
