@@ -124,6 +124,12 @@ void ColumnTiles::BuildTile(const AlphaPlane& plane, const Look& look, int tile,
     Turn(rows, columns, columns, values_.Get() + static_cast<ptrdiff_t>(tile) * columns * kTileRows);
 }
 
+Range ColumnTiles::StoredRows(Range rows) const {
+    return Intersect({std::clamp(rows.begin, distinct_.begin, distinct_.end - 1),
+                      std::clamp(rows.end, distinct_.begin + 1, distinct_.end)},
+                     rows_);
+}
+
 const float* ColumnTiles::Tile(int tile) const {
     return values_.Get() + static_cast<ptrdiff_t>(tile) * columns_.Size() * kTileRows;
 }

@@ -17,6 +17,7 @@ struct AlphaPlane {
     const float* floats = nullptr;   ///< any values
     int width = 0;
     int height = 0;
+    double full = 1;  ///< an opaque pixel's value: 255, 1, or 65535 after rounding to 16 bits
 };
 
 /// The largest alpha that is calculated with. It is full wherever a tap sees any of it, as an infinite one is, and its
@@ -47,6 +48,8 @@ class ColumnTiles {
     Range Rows() const { return rows_; }        ///< rows of the pass that are not 0
     /// Rows of the pass that differ; those before and after are like the first and the last.
     Range Distinct() const { return distinct_; }
+    /// What is stored of `rows`: those that are not 0, outer ones read from the nearest distinct one.
+    Range StoredRows(Range rows) const;
     bool Empty() const { return columns_.Empty() || rows_.Empty(); }
 
     int Tiles() const { return (rows_.Size() + kTileRows - 1) / kTileRows; }

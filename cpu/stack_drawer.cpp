@@ -11,7 +11,6 @@
 #include <cmath>
 
 #include "cpu/kernels.h"
-#include "cpu/sample_plan.h"
 #include "cpu/thread_pool.h"
 
 namespace {
@@ -35,22 +34,31 @@ ptrdiff_t PitchFor(int columns) {
 
 /// What the stages of one sample hand on.
 struct Slot {
-    SampleParts plan;
+    const StackSample* sample = nullptr;
+    Range columns;                ///< of the copy
+    Range stored;                 ///< rows of the source that the blur across reads
     std::vector<TapList> across;  ///< per kChunkColumns columns
     TapList down;
-    std::vector<int32_t> texels;  ///< per output column, from plan.columns.begin - 1 on
+    std::vector<int32_t> texels;  ///< per output column, from columns.begin - 1 on
     std::vector<float> fractions;
     bool gentle = false;  ///< no column is more than one texel beyond the one before
     ptrdiff_t pitch = 0;
 
-    int Chunks() const { return Divide(plan.columns.Size(), kChunkColumns); }
-    int FirstTile() const { return (plan.acrossRows.begin - plan.sample->source->Rows().begin) / kTileRows; }
-    int Tiles() const {
-        return Divide(plan.acrossRows.end - plan.sample->source->Rows().begin, kTileRows) - FirstTile();
+    void Start(const StackSample& next) {
+        sample = &next;
+        columns = next.plan->regions.down.x;
+        stored = next.source->StoredRows(next.plan->regions.across.y);
+        pitch = PitchFor(columns.Size());
+        across.resize(std::max(across.size(), static_cast<size_t>(Chunks())));
     }
+    Range DownRows() const { return sample->plan->regions.down.y; }
+    const Region& Placed() const { return sample->plan->regions.placed; }
+    int Chunks() const { return Divide(columns.Size(), kChunkColumns); }
+    int FirstTile() const { return (stored.begin - sample->source->Rows().begin) / kTileRows; }
+    int Tiles() const { return Divide(stored.end - sample->source->Rows().begin, kTileRows) - FirstTile(); }
     /// The row of the copy that the plane's first is.
-    int PlaneBegin() const { return plan.sample->source->Rows().begin + FirstTile() * kTileRows; }
-    int Strips() const { return std::max(1, Divide(plan.downRows.Size() - kTapOutputs, kStripStep)); }
+    int PlaneBegin() const { return sample->source->Rows().begin + FirstTile() * kTileRows; }
+    int Strips() const { return std::max(1, Divide(DownRows().Size() - kTapOutputs, kStripStep)); }
 };
 
 /// A pool thread's own.
@@ -88,31 +96,31 @@ void StackDrawer::Memory::Weigh(Slot& slot, int task, TapFolder& folder) {
         StretchColumns(slot);
         return;
     }
-    const StackSample& sample = *slot.plan.sample;
+    const StackSample& sample = *slot.sample;
+    const Look& look = sample.plan->across.x.look;
     const int chunk = task - 1;
-    const int begin = slot.plan.columns.begin + chunk * kChunkColumns;
-    const int end = std::min(begin + kChunkColumns, slot.plan.columns.end);
+    const int begin = slot.columns.begin + chunk * kChunkColumns;
+    const int end = std::min(begin + kChunkColumns, slot.columns.end);
     TapList& list = slot.across[static_cast<size_t>(chunk)];
     const Range kept = sample.source->Columns();
-    const KeptInputs stored{{0, sample.across.size}, kept, kept.begin, kTileRows};
+    const KeptInputs stored{{0, look.size}, kept, kept.begin, kTileRows};
     list.Clear();
-    folder.Prepare(sample.across.size);
+    folder.Prepare(look.size);
     for (int block = begin; block < end; block += kTapOutputs) {
         for (int column = block; column < std::min(block + kTapOutputs, end); ++column) {
-            folder.Fold(column - block, sample.across.At(column), sample.acrossKernel, sample.across);
+            folder.Fold(column - block, look.At(column), sample.acrossKernel, look);
         }
         folder.Flush(stored, &list);
     }
 }
 
 void StackDrawer::Memory::WeighDown(Slot& slot, TapFolder& folder) {
-    const StackSample& sample = *slot.plan.sample;
-    const Look look{0, 1, sample.y.texels, Edge::kMirror};
-    const Range rows = slot.plan.downRows;
-    const KeptInputs stored{sample.source->Distinct(), slot.plan.acrossRows, slot.PlaneBegin(),
-                            static_cast<int>(slot.pitch)};
+    const StackSample& sample = *slot.sample;
+    const Look look{0, 1, sample.plan->across.y.outputs, Edge::kMirror};
+    const Range rows = slot.DownRows();
+    const KeptInputs stored{sample.source->Distinct(), slot.stored, slot.PlaneBegin(), static_cast<int>(slot.pitch)};
     slot.down.Clear();
-    folder.Prepare(sample.y.texels);
+    folder.Prepare(look.size);
     for (int block = rows.begin; block < rows.end; block += kTapOutputs) {
         for (int row = block; row < std::min(block + kTapOutputs, rows.end); ++row) {
             folder.Fold(row - block, look.At(row), sample.downKernel, look);
@@ -122,8 +130,8 @@ void StackDrawer::Memory::WeighDown(Slot& slot, TapFolder& folder) {
 }
 
 void StackDrawer::Memory::StretchColumns(Slot& slot) {
-    const Stretch stretch(slot.plan.sample->x);
-    const Range out = slot.plan.outColumns;
+    const Stretch stretch(slot.sample->plan->place.x);
+    const Range out = slot.Placed().x;
     slot.texels.resize(static_cast<size_t>(out.Size()));
     slot.fractions.resize(static_cast<size_t>(out.Size()));
     slot.gentle = true;
@@ -131,7 +139,7 @@ void StackDrawer::Memory::StretchColumns(Slot& slot) {
         const auto column = static_cast<size_t>(i);
         const double at = stretch.At(out.begin + i);
         const double floor = std::floor(at);
-        slot.texels[column] = static_cast<int>(TexelAt(at)) - (slot.plan.columns.begin - 1);
+        slot.texels[column] = static_cast<int>(TexelAt(at)) - (slot.columns.begin - 1);
         slot.fractions[column] = static_cast<float>(at - floor);
         // A scale of at most 1 promises nothing: places that differ by 1 may lie on two sides of a texel's centre by
         // their last bits alone, and then a texel is stepped over.
@@ -144,17 +152,17 @@ void StackDrawer::Memory::BlurAcross(const Slot& slot, float* plane, int task) {
     const int tile = task / slot.Chunks();
     const int chunk = task % slot.Chunks();
     float* out = plane + slot.pitch * tile * kTileRows + ptrdiff_t{chunk} * kChunkColumns;
-    CurrentKernels().blurColumns(slot.plan.sample->source->Tile(slot.FirstTile() + tile),
+    CurrentKernels().blurColumns(slot.sample->source->Tile(slot.FirstTile() + tile),
                                  slot.across[static_cast<size_t>(chunk)].View(), kTileRows, out, slot.pitch);
 }
 
 void StackDrawer::Memory::BlurDownAndPlace(const Slot& slot, const float* plane, int strip, WorkerMemory& worker) {
-    const Range down = slot.plan.downRows;
+    const Range down = slot.DownRows();
     const Range have = Intersect({down.begin + strip * kStripStep, down.begin + strip * kStripStep + kStripRows}, down);
     float* rows = worker.strip.Reserve(static_cast<size_t>(slot.pitch) * kStripRows + kSlack);
     const int firstBlock = (have.begin - down.begin) / kTapOutputs;
     CurrentKernels().blurRows(plane, slot.down.View(), firstBlock, firstBlock + Divide(have.Size(), kTapOutputs),
-                              slot.plan.columns.Size(), rows, slot.pitch);
+                              slot.columns.Size(), rows, slot.pitch);
     // A pixel belongs to the strip that has its upper texel; the first and the last strip take the edges' too.
     Range texelRows = {have.begin, have.begin + kStripStep};
     if (strip == 0) texelRows.begin = have.begin - 1;
@@ -164,22 +172,22 @@ void StackDrawer::Memory::BlurDownAndPlace(const Slot& slot, const float* plane,
 
 void StackDrawer::Memory::PlaceRows(const Slot& slot, const float* rows, Range have, Range texelRows,
                                     WorkerMemory& worker) {
-    const SampleParts& plan = slot.plan;
-    const int texels = plan.sample->y.texels;
-    const int columns = plan.columns.Size();
-    const Stretch stretch(plan.sample->y);
+    const PlacePlan& copy = slot.sample->plan->place;
+    const Region& out = slot.Placed();
+    const int columns = slot.columns.Size();
+    const Stretch stretch(copy.y);
     const CpuKernels& kernels = CurrentKernels();
     float* mixed = worker.row.Reserve(static_cast<size_t>(slot.pitch) + 2 * kSlack) + 1;
     const float* nothing = worker.zeroes.Reserve(static_cast<size_t>(slot.pitch) + kSlack);
     const auto rowOf = [&](int64_t row) {
-        const int index = EdgeIndex(row, texels, Edge::kMirror);
+        const int index = EdgeIndex(row, copy.y.texels, Edge::kMirror);
         return index < have.begin || index >= have.end ? nothing : rows + (index - have.begin) * slot.pitch;
     };
 
     int pixel =
-        std::max(plan.outRows.begin, static_cast<int>(TexelAt((texelRows.begin - stretch.offset) / stretch.scale)) - 1);
-    const PlaceColumns place{slot.texels.data(), slot.fractions.data(), plan.outColumns.Size(), slot.gentle};
-    for (; pixel < plan.outRows.end; ++pixel) {
+        std::max(out.y.begin, static_cast<int>(TexelAt((texelRows.begin - stretch.offset) / stretch.scale)) - 1);
+    const PlaceColumns place{slot.texels.data(), slot.fractions.data(), out.x.Size(), slot.gentle};
+    for (; pixel < out.y.end; ++pixel) {
         const double at = stretch.At(pixel);
         const auto texel = TexelAt(at);
         if (texel < texelRows.begin) continue;
@@ -187,10 +195,9 @@ void StackDrawer::Memory::PlaceRows(const Slot& slot, const float* rows, Range h
         kernels.mixRows(rowOf(texel), rowOf(texel + 1), static_cast<float>(at - static_cast<double>(texel)), columns,
                         mixed);
         // Beyond the copy's edge lies its mirror image; beyond what is not 0, nothing.
-        mixed[-1] = plan.columns.begin == 0 ? mixed[0] : 0;
-        mixed[columns] = plan.columns.end == plan.sample->x.texels ? mixed[columns - 1] : 0;
-        kernels.placeRow(mixed - 1, place,
-                         accumulated.Get() + static_cast<ptrdiff_t>(pixel) * width + plan.outColumns.begin);
+        mixed[-1] = slot.columns.begin == 0 ? mixed[0] : 0;
+        mixed[columns] = slot.columns.end == copy.x.texels ? mixed[columns - 1] : 0;
+        kernels.placeRow(mixed - 1, place, accumulated.Get() + static_cast<ptrdiff_t>(pixel) * width + out.x.begin);
     }
 }
 
@@ -201,24 +208,14 @@ const uint16_t* StackDrawer::Draw(const std::vector<StackSample>& samples, int w
     m.width = width;
     m.workers.resize(std::max(m.workers.size(), static_cast<size_t>(PoolThreads())));
 
-    std::vector<SampleParts> plans;
-    for (const StackSample& sample : samples) {
-        const SampleParts plan = PlanSample(sample, width, height);
-        if (!plan.Empty()) plans.push_back(plan);
-    }
-
-    const int count = static_cast<int>(plans.size());
+    const int count = static_cast<int>(samples.size());
     for (int step = 0; step < count + 2; ++step) {
         Slot* weighed = step < count ? &m.slots[step % 3] : nullptr;
         Slot* across = step >= 1 && step - 1 < count ? &m.slots[(step - 1) % 3] : nullptr;
         Slot* down = step >= 2 ? &m.slots[(step - 2) % 3] : nullptr;
         float* acrossPlane = nullptr;
         const float* downPlane = m.planes[step % 2].Get();
-        if (weighed) {
-            weighed->plan = plans[static_cast<size_t>(step)];
-            weighed->pitch = PitchFor(weighed->plan.columns.Size());
-            weighed->across.resize(std::max(weighed->across.size(), static_cast<size_t>(weighed->Chunks())));
-        }
+        if (weighed) weighed->Start(samples[static_cast<size_t>(step)]);
         if (across) {
             acrossPlane = m.planes[(step - 1) % 2].Reserve(
                 static_cast<size_t>(across->pitch) * static_cast<size_t>(across->Tiles()) * kTileRows + kSlack);

@@ -10,15 +10,14 @@
 #include <vector>
 
 #include "cpu/column_tiles.h"
+#include "render/pass_plan.h"
 
-/// One sample. Nothing in it that is 0 throughout needs to be in the list.
+/// One sample. Samples that show nothing need not be in the list.
 struct StackSample {
     const ColumnTiles* source = nullptr;
-    Look across;          ///< where the columns of the copy look in the source
-    Kernel acrossKernel;  ///< with the sample's opacity, and the source's scale to 0..65535, as its gain
-    Kernel downKernel;    ///< in rows of the copy, with a gain of 1; mirrored at the edges
-    Placement x;
-    Placement y;
+    const SamplePlan* plan = nullptr;  ///< only its regions are drawn, with not-empty ones
+    Kernel acrossKernel;               ///< with the sample's opacity, and the source's scale to 0..65535, as its gain
+    Kernel downKernel;                 ///< in rows of the copy, with a gain of 1
 };
 
 /// Draws stacks; keeps its memory from one to the next. Used by one thread at a time.

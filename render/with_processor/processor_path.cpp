@@ -11,17 +11,20 @@
 #include "cpu/shadows.h"
 #include "cpu/thread_pool.h"
 #include "platform/fork.h"
+#include "render/plan_passes.h"
 #include "render/work_extent.h"
 
 namespace {
 
 AlphaPlane PlaneOf(const myParams& settings, const ProcessorLayer& layer) {
-    if (settings.bitDepth == 8) return {static_cast<const uint8_t*>(layer.alpha), nullptr, layer.width, layer.height};
-    return {nullptr, static_cast<const float*>(layer.alpha), layer.width, layer.height};
+    if (settings.bitDepth == 8) {
+        return {static_cast<const uint8_t*>(layer.alpha), nullptr, layer.width, layer.height, 255};
+    }
+    return {nullptr, static_cast<const float*>(layer.alpha), layer.width, layer.height, 1};
 }
 
-Extent Wanted() {
-    return WorksEverywhere() ? Extent::kEverywhere : Extent::kWhereSomething;
+Region Something(const AlphaPlane& source) {
+    return WorksEverywhere() ? WholeRegion(source.width, source.height) : FindBounds(source);
 }
 
 const bool watchingForks = (OnFork(ForgetPoolInChild), true);
@@ -39,17 +42,20 @@ std::string ProcessorName() {
 }
 
 const uint16_t* DrawNormalOnProcessor(const myParams& settings, const ProcessorLayer& layer) {
-    return DrawNormalStack(settings, PlaneOf(settings, layer), Wanted());
+    const AlphaPlane source = PlaneOf(settings, layer);
+    return DrawStack(PlanNormalStack(settings, Something(source), Precision::kExact), source);
 }
 
 const uint16_t* DrawInnerOnProcessor(const myParams& settings, const ProcessorLayer& layer) {
-    return DrawInnerStack(settings, PlaneOf(settings, layer), Wanted());
+    const AlphaPlane source = InvertAlpha(PlanInversion(settings), PlaneOf(settings, layer));
+    return DrawStack(PlanInnerStack(settings, Something(source), Precision::kExact), source);
 }
 
 const uint16_t* DrawRadialOnProcessor(const myParams& settings, const ProcessorLayer& layer,
                                       const RadialGeometry& geometry) {
-    return DrawRadialStack(settings, {geometry.pad, geometry.paddedW, geometry.paddedH}, PlaneOf(settings, layer),
-                           Wanted());
+    const PaddingPlan padding = PlanPadding(settings, geometry);
+    const AlphaPlane source = PadAlpha(padding, PlaneOf(settings, layer));
+    return DrawStack(PlanRadialStack(settings, padding, Something(source), Precision::kExact), source);
 }
 
 void ConvertAlpha(const uint16_t* alpha, size_t count, int bitDepth, void* out) {

@@ -12,6 +12,7 @@
 
 #include "cpu/shadows.h"
 #include "cpu/stack_drawer.h"
+#include "render/plan_passes.h"
 
 namespace {
 
@@ -52,21 +53,21 @@ class Stride : public ::testing::Test {
     // `across` and `down` are strides in inputs.
     static std::vector<uint16_t> Expected(const AlphaPlane& source, Edge edge, double gain, double across,
                                           double down) {
-        const Range columns{0, source.width};
-        const Range rows{0, source.height};
+        const Region whole = WholeRegion(source.width, source.height);
         ColumnTiles tiles;
-        tiles.Build(source, {columns, rows}, {0, 1, source.height, edge}, source.height);
-        StackSample sample;
-        sample.source = &tiles;
-        sample.across = {0, 1, source.width, edge};
-        sample.acrossKernel = MakeKernel(kSteps, across, gain);
-        sample.downKernel = MakeKernel(kSteps, down, 1);
-        sample.x = {0, static_cast<double>(source.width), source.width};
-        sample.y = {0, static_cast<double>(source.height), source.height};
+        tiles.Build(source, whole, {0, 1, source.height, edge}, source.height);
+        SamplePlan plan;
+        plan.across.x = {source.width, 1, {0, 1, source.width, edge}};
+        plan.across.y = {source.height, 1, {0, 1, source.height, edge}};
+        plan.place.x = {0, static_cast<double>(source.width), source.width};
+        plan.place.y = {0, static_cast<double>(source.height), source.height};
+        plan.regions = {whole, whole, whole};
+        const StackSample sample{&tiles, &plan, MakeKernel(kSteps, across, gain), MakeKernel(kSteps, down, 1)};
         StackDrawer drawer;
         return Copied(drawer.Draw({sample}, source.width, source.height));
     }
 
+    static constexpr Region kWhole = {{0, kWidth}, {0, kHeight}};
     static constexpr double kSoftness = 119.1;
     static constexpr int kSteps = 120;
     // What the record of the settings keeps of the softness is single, and so is its division.
@@ -80,7 +81,7 @@ class Stride : public ::testing::Test {
 };
 
 TEST_F(Stride, OfANormalShadowDividesInSinglePrecision) {
-    const auto drawn = Copied(DrawNormalStack(settings_, Layer(), Extent::kEverywhere));
+    const auto drawn = Copied(DrawStack(PlanNormalStack(settings_, kWhole, Precision::kExact), Layer()));
     const auto expected = Expected(Layer(), Edge::kClamp, kFull, across_, down_);
     ASSERT_NE(Expected(Layer(), Edge::kClamp, kFull, across_, downInDouble_), expected)
         << "else the test proves nothing";
@@ -91,7 +92,8 @@ TEST_F(Stride, OfAnInnerShadowDividesInSinglePrecision) {
     std::vector<float> inverted;
     for (const float alpha : alpha_) inverted.push_back(std::nearbyint((1 - alpha) * 65535.0f));
     const AlphaPlane source{nullptr, inverted.data(), kWidth, kHeight};
-    const auto drawn = Copied(DrawInnerStack(settings_, Layer(), Extent::kEverywhere));
+    const auto drawn = Copied(DrawStack(PlanInnerStack(settings_, kWhole, Precision::kExact),
+                                        InvertAlpha(PlanInversion(settings_), Layer())));
     const auto expected = Expected(source, Edge::kMirror, 1, across_, down_);
     ASSERT_NE(Expected(source, Edge::kMirror, 1, across_, downInDouble_), expected) << "else the test proves nothing";
     EXPECT_TRUE(drawn == expected);
@@ -102,7 +104,12 @@ TEST_F(Stride, OfARadialShadowDividesInDoublePrecision) {
     std::vector<float> padded;
     for (const float alpha : alpha_) padded.push_back(std::nearbyint(alpha * 65535.0f));
     const AlphaPlane source{nullptr, padded.data(), kWidth, kHeight};
-    const auto drawn = Copied(DrawRadialStack(settings_, {0, kWidth, kHeight}, Layer(), Extent::kEverywhere));
+    RadialGeometry geometry;
+    geometry.paddedW = kWidth;
+    geometry.paddedH = kHeight;
+    const PaddingPlan padding = PlanPadding(settings_, geometry);
+    const auto drawn =
+        Copied(DrawStack(PlanRadialStack(settings_, padding, kWhole, Precision::kExact), PadAlpha(padding, Layer())));
     const double across = Single(kSoftness / kSteps / kWidth) * kWidth;
     const double down = Single(kSoftness / kSteps / kHeight) * kHeight;
     const auto expected = Expected(source, Edge::kMirror, 1, across, down);
