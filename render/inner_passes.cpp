@@ -82,7 +82,8 @@ void SendBlurAcross(myParams* params, int* sampleIndex, int* framebufferIndex, u
 
 }  // namespace
 
-PF_Err RenderInnerShadow(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings) {
+PF_Err RenderInnerShadow(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings,
+                         const RadialGeometry&) {
     // Without samples the shadow stays transparent, and there is no record to size a buffer by.
     if (settings->samples.empty()) return CompositeInnerShadow(in_data, suites, settings, nullptr);
 

@@ -15,7 +15,8 @@
 #include "render/sample_stack.h"
 #include "render/shadow_shaders.h"
 
-PF_Err RenderNormalPasses(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings) {
+PF_Err RenderNormalPasses(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings,
+                          const RadialGeometry&) {
     // Without samples nothing is ever drawn or cleared: the output keeps its transparent black.
     if (settings->samples.empty()) return PF_Err_NONE;
 

@@ -104,8 +104,8 @@ PF_Err TooSmall(PF_InData* in_data, PF_OutData* out_data, const char* message) {
 
 }  // namespace
 
-PF_Err RenderNormalOnProcessor(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites,
-                               myParams* settings) {
+PF_Err RenderNormalOnProcessor(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings,
+                               const RadialGeometry&) {
     if (settings->samples.empty()) return PF_Err_NONE;
     PF_LayerDef* output = settings->outputWorld;
 
@@ -123,7 +123,8 @@ PF_Err RenderNormalOnProcessor(PF_InData* in_data, PF_OutData* out_data, AEGP_Su
     return alpha ? ReadBack(alpha, in_data, suites, settings, output) : PF_Err_OUT_OF_MEMORY;
 }
 
-PF_Err RenderInnerOnProcessor(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings) {
+PF_Err RenderInnerOnProcessor(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings,
+                              const RadialGeometry&) {
     if (settings->samples.empty()) return CompositeInnerShadow(in_data, suites, settings, nullptr);
     const PF_LayerDef& output = *settings->outputWorld;
     HV_EffectWorld padded(in_data, output);

@@ -10,10 +10,12 @@
 #include "render/radial_samples.h"
 #include "render/render_settings.h"
 
-PF_Err RenderNormalOnProcessor(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings);
+PF_Err RenderNormalOnProcessor(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings,
+                               const RadialGeometry& geometry);
 
 /// Finished, composite included.
-PF_Err RenderInnerOnProcessor(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings);
+PF_Err RenderInnerOnProcessor(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings,
+                              const RadialGeometry& geometry);
 
 PF_Err RenderRadialOnProcessor(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings,
                                const RadialGeometry& geometry);

@@ -4,34 +4,23 @@
 #include "render/smart_render.h"
 
 #include <cstring>
+#include <optional>
+#include <string>
 
 #include "entry/global_data.h"
 #include "entry/suites/suite_handler.h"
 #include "entry/suites/without_throwing.h"
-#include "gl/return_message.h"
-#include "gl/thread_state.h"
 #include "hostapi/errors.h"
-#include "platform/fork.h"
-#include "platform/gl_api.h"
 #include "render/composite.h"
 #include "render/fill_settings.h"
 #include "render/layer_checkout.h"
 #include "render/param_checkout.h"
-#include "render/passes.h"
-#include "render/processor_passes.h"
-#include "render/processor_path.h"
 #include "render/radial_samples.h"
 #include "render/renderer_request.h"
 #include "render/samples.h"
+#include "render/shadow_backend.h"
 
 namespace {
-
-constexpr char kLostByFork[] =
-    "UM2 Error: this process was forked from one that uses OpenGL, which does not work in it. Fork before the effect "
-    "is set up, start a new program, or draw with the processor";
-constexpr char kSetUpForProcessor[] =
-    "UM2 Error: the effect was set up to draw with the processor, so OpenGL is not there. Ask for OpenGL before it is "
-    "set up, or draw with the processor";
 
 // Layers checked out for one render; checked in again on every road out, also when a suite is missing.
 class CheckedOutLayers {
@@ -68,69 +57,28 @@ class CheckedOutLayers {
 };
 
 // The panel shows which renderer draws; the first render knows. Called with the render mutex held.
-void RecordRenderer(PF_InData* in_data, AEGP_SuiteHandler& suites, const char* renderer) {
+void RecordRenderer(PF_InData* in_data, AEGP_SuiteHandler& suites, const std::optional<std::string>& renderer) {
     if (!in_data->global_data) return;
     const LockedGlobalData locked(suites.HandleSuite1(), in_data->global_data);
     GlobalData* global = locked.Get();
     if (!global || global->rendererRecorded) return;
     if (renderer) {
-        std::strncpy(global->gl_renderer, renderer, sizeof(global->gl_renderer) - 1);
+        std::strncpy(global->gl_renderer, renderer->c_str(), sizeof(global->gl_renderer) - 1);
         global->gl_renderer[sizeof(global->gl_renderer) - 1] = '\0';
     }
     global->rendererRecorded = 1;
-}
-
-bool IsWithoutOpenGL(const PF_InData* in_data, AEGP_SuiteHandler& suites) {
-    if (!in_data->global_data) return false;
-    const LockedGlobalData locked(suites.HandleSuite1(), in_data->global_data);
-    return locked.Get() && locked.Get()->withoutOpenGL;
-}
-
-// Drawn by the processor: no thread state, no OpenGL.
-PF_Err RenderPassesOnProcessor(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings,
-                               const RadialGeometry& radial) {
-    if (!HasProcessorPath()) return PF_Err_INTERNAL_STRUCT_DAMAGED;
-    RecordRenderer(in_data, suites, ProcessorName().c_str());
-    switch (settings->shadowType) {
-        case SHADOW_NORMAL:
-            return RenderNormalOnProcessor(in_data, out_data, suites, settings);
-        case SHADOW_INNER:
-            return RenderInnerOnProcessor(in_data, out_data, suites, settings);
-        case SHADOW_RADIAL:
-            return RenderRadialOnProcessor(in_data, out_data, suites, settings, radial);
-        default:
-            return PF_Err_NONE;
-    }
 }
 
 PF_Err RenderPasses(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings,
                     const RadialGeometry& radial) {
     RendererChoice choice = RendererChoice::kRefused;
     if (PF_Err err = ReadRendererRequest(in_data, &choice)) return err;
-    if (choice == RendererChoice::kRefused) return PF_Err_INTERNAL_STRUCT_DAMAGED;
-    if (choice == RendererChoice::kProcessor) {
-        return RenderPassesOnProcessor(in_data, out_data, suites, settings, radial);
-    }
-    if (OpenGLLostByFork()) {
-        WriteReturnMessage(kLostByFork, out_data);
-        return PF_Err_INTERNAL_STRUCT_DAMAGED;
-    }
-    InitThreadLocalRenderData(in_data, out_data);
-    if (!local_render_data || !local_render_data->context) {
-        if (IsWithoutOpenGL(in_data, suites)) WriteReturnMessage(kSetUpForProcessor, out_data);
-        return PF_Err_INTERNAL_STRUCT_DAMAGED;
-    }
-    RecordRenderer(in_data, suites, reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
-    switch (settings->shadowType) {
-        case SHADOW_NORMAL:
-            return RenderNormalPasses(in_data, out_data, suites, settings);
-        case SHADOW_INNER:
-            return RenderInnerShadow(in_data, out_data, suites, settings);
-        case SHADOW_RADIAL:
-            return RenderRadialPasses(in_data, out_data, suites, settings, radial);
-        default:
-            return PF_Err_NONE;
-    }
+    const ShadowBackend* backend = BackendOf(choice);
+    if (!backend) return PF_Err_INTERNAL_STRUCT_DAMAGED;
+    if (PF_Err err = backend->prepare(in_data, out_data, suites)) return err;
+    RecordRenderer(in_data, suites, backend->name());
+    const ShadowFunction draw = backend->DrawerOf(settings->shadowType);
+    return draw ? draw(in_data, out_data, suites, settings, radial) : PF_Err_NONE;
 }
 
 PF_Err RenderFrame(PF_InData* in_data, PF_OutData* out_data, PF_SmartRenderExtra* extra, AEGP_SuiteHandler& suites,
