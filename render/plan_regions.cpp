@@ -48,12 +48,9 @@ Range RowsOf(const PassAxis& axis, const Range& something, Precision precision) 
     return SeenThrough(axis, something, 0, precision);
 }
 
-// Rows that the blur down reads for its rows `down`, mirrored ones included.
+// Rows that the blur down reads for its rows `down`. A mirrored row is nearer than its image, so it is among them.
 Range RowsFor(const Range& down, double reach, int32_t rows, int32_t spare) {
-    const double begin = down.begin - reach - 1 - spare;
-    const double end = down.end + reach + 1 + spare;
-    return Limited(end > rows ? std::min(begin, 2.0 * rows - end) : begin, begin < 0 ? std::max(end, -begin) : end,
-                   rows);
+    return Limited(down.begin - reach - 1 - spare, down.end + reach + 1 + spare, rows);
 }
 
 }  // namespace

@@ -7,7 +7,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
+#include <random>
+#include <vector>
 
 #include "render/alpha_regions.h"
 #include "render/plan_parts.h"
@@ -137,6 +140,125 @@ TEST(SeenThrough, HoldsEveryOutputThatATapReaches) {
         EXPECT_LE(seen.end, last + 1 + row.slack);
     }
     EXPECT_TRUE(SeenThrough(ScaledAxis(10, 1, 10, Edge::kClamp), {}, 100, Precision::kDriver).Empty());
+}
+
+void ExpectWithin(const Region& inner, const Region& outer) {
+    if (inner.Empty()) return;
+    EXPECT_LE(outer.x.begin, inner.x.begin);
+    EXPECT_LE(outer.y.begin, inner.y.begin);
+    EXPECT_GE(outer.x.end, inner.x.end);
+    EXPECT_GE(outer.y.end, inner.y.end);
+}
+
+void ExpectHolds(const Range& range, const std::vector<bool>& needed) {
+    for (int i = 0; i < static_cast<int>(needed.size()); ++i) {
+        EXPECT_TRUE((i >= range.begin && i < range.end) || !needed[static_cast<size_t>(i)]) << i;
+    }
+}
+
+/// One axis of a sample's last pass, followed pixel by pixel.
+struct Followed {
+    std::vector<bool> texels;  ///< of the copy: not 0 and mixed by a pixel
+    std::vector<bool> pixels;  ///< of the output: those that mix such a texel
+
+    bool Any() const { return std::count(pixels.begin(), pixels.end(), true) > 0; }
+};
+
+// `drawn` are the texels that are not 0.
+Followed Place(const Placement& place, int size, const std::vector<bool>& drawn) {
+    Followed followed{std::vector<bool>(drawn.size()), std::vector<bool>(static_cast<size_t>(size))};
+    const Stretch stretch(place);
+    for (int pixel = 0; pixel < size; ++pixel) {
+        if (pixel + 0.5 < place.start || pixel + 0.5 >= place.start + place.length) continue;
+        const int64_t texel = TexelAt(stretch.At(pixel));
+        for (const int64_t mixed : {texel, texel + 1}) {
+            const auto index = static_cast<size_t>(std::clamp<int64_t>(mixed, 0, place.texels - 1));
+            if (drawn[index]) followed.texels[index] = followed.pixels[static_cast<size_t>(pixel)] = true;
+        }
+    }
+    return followed;
+}
+
+std::vector<bool> SeenBy(const PassAxis& axis, const Range& something, double reach) {
+    std::vector<bool> seen;
+    for (int i = 0; i < axis.outputs; ++i) seen.push_back(Sees(axis, something, reach, i));
+    return seen;
+}
+
+constexpr int kWidth = 30, kHeight = 26;
+
+// 24 x 20 inputs in a buffer of another size, placed anywhere about an output of kWidth x kHeight. Only clamped passes
+// look beyond their inputs without a blur.
+SamplePlan RandomPlan(int number, const std::function<double(double, double)>& between) {
+    const Edge edge = number % 2 ? Edge::kClamp : Edge::kMirror;
+    const double widest = edge == Edge::kClamp ? 1.6 : 1;
+    SamplePlan plan;
+    plan.across.x = ScaledAxis(8 + number % 20, static_cast<float>(between(0.6, widest)), 24, edge);
+    plan.across.y = ScaledAxis(8 + number % 17, static_cast<float>(between(0.6, widest)), 20, edge);
+    plan.across.blur = {1, 1, 0, between(0, 6)};
+    plan.down = {1, 1, 0, between(0, 6)};
+    const auto scale = static_cast<float>(between(0.2, 2));
+    plan.place.x = PlaceAxis(scale, static_cast<float>(between(-2, 2)), 1, kWidth, plan.across.x.outputs);
+    plan.place.y = PlaceAxis(scale, static_cast<float>(between(-2, 2)), 1, kHeight, plan.across.y.outputs);
+    return plan;
+}
+
+TEST(RegionsOf, HoldsAllThatIsNotZeroAndShows) {
+    std::mt19937 engine(5);
+    const auto between = [&](double low, double high) {
+        return low + (high - low) * (static_cast<double>(engine()) / 4294967296.0);
+    };
+    int shown = 0;
+    for (int number = 0; number < 300; ++number) {
+        SCOPED_TRACE(number);
+        const SamplePlan plan = RandomPlan(number, between);
+        const int left = static_cast<int>(between(0, 23)), top = static_cast<int>(between(0, 19));
+        const Region something = {{left, left + 1 + number % (24 - left)}, {top, top + 1 + number % (20 - top)}};
+        const SampleRegions exact = RegionsOf(plan, something, kWidth, kHeight, Precision::kExact);
+        const SampleRegions driver = RegionsOf(plan, something, kWidth, kHeight, Precision::kDriver);
+        ExpectWithin(exact.across, driver.across);
+        ExpectWithin(exact.down, driver.down);
+        ExpectWithin(exact.placed, driver.placed);
+
+        const Followed x = Place(plan.place.x, kWidth, SeenBy(plan.across.x, something.x, plan.across.blur.Reach()));
+        const std::vector<bool> resized = SeenBy(plan.across.y, something.y, 0);
+        const auto first = std::find(resized.begin(), resized.end(), true) - resized.begin();
+        const Range rows = {static_cast<int>(first),
+                            static_cast<int>(first + std::count(resized.begin(), resized.end(), true))};
+        const PassAxis down = ScaledAxis(plan.across.y.outputs, 1, plan.across.y.outputs, Edge::kMirror);
+        const Followed y = Place(plan.place.y, kHeight, SeenBy(down, rows, plan.down.Reach()));
+        if (!x.Any() || !y.Any()) continue;
+        ++shown;
+        ExpectHolds(exact.placed.x, x.pixels);
+        ExpectHolds(exact.placed.y, y.pixels);
+        ExpectHolds(exact.across.x, x.texels);
+        ExpectHolds(exact.down.x, x.texels);
+        ExpectHolds(exact.down.y, y.texels);
+        std::vector<bool> read(y.texels.size());
+        for (int row = rows.begin; row < rows.end; ++row) {
+            for (int i = 0; i < down.outputs; ++i) {
+                if (y.texels[static_cast<size_t>(i)] && Sees(down, {row, row + 1}, plan.down.Reach(), i)) {
+                    read[static_cast<size_t>(row)] = true;
+                }
+            }
+        }
+        ExpectHolds(exact.across.y, read);
+    }
+    EXPECT_GT(shown, 100) << "else the test proves nothing";
+}
+
+TEST(RegionsOf, IsEmptyBesideTheOutputAndForACopyWithoutExtent) {
+    SamplePlan plan;
+    plan.across.x = plan.across.y = ScaledAxis(10, 1, 10, Edge::kClamp);
+    const Region something = {{0, 10}, {0, 10}};
+    const struct { float scale, translation; } rows[] = {{1, 3}, {1, -3}, {0, 0}, {-1, 0}, {std::nanf(""), 0}};
+    for (const auto& row : rows) {
+        plan.place.x = plan.place.y = PlaceAxis(row.scale, row.translation, 1, 10, 10);
+        EXPECT_TRUE(RegionsOf(plan, something, 10, 10, Precision::kDriver).Empty()) << row.scale << row.translation;
+    }
+    plan.place.x = plan.place.y = PlaceAxis(1, 0, 1, 10, 10);
+    EXPECT_FALSE(RegionsOf(plan, something, 10, 10, Precision::kExact).Empty());
+    EXPECT_TRUE(RegionsOf(plan, {}, 10, 10, Precision::kExact).Empty());
 }
 
 }  // namespace
