@@ -3,7 +3,7 @@
 
 // The inner shadow's passes: as a normal shadow's, but of the inverted alpha, which is as large as the first buffer.
 
-#include "pixel/blur_stride.h"
+#include "render/blur_stride.h"
 #include "render/plan_parts.h"
 #include "render/plan_passes.h"
 

@@ -3,7 +3,7 @@
 
 // The normal shadow's passes.
 
-#include "pixel/blur_stride.h"
+#include "render/blur_stride.h"
 #include "render/plan_parts.h"
 #include "render/plan_passes.h"
 

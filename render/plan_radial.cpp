@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "pixel/blur_stride.h"
+#include "render/blur_stride.h"
 #include "render/plan_parts.h"
 #include "render/plan_passes.h"
 
