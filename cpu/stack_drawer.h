@@ -12,10 +12,10 @@
 #include "cpu/column_tiles.h"
 #include "render/pass_plan.h"
 
-/// One sample. Samples that show nothing need not be in the list.
+/// One sample whose planned regions are not empty and of which the source stores rows.
 struct StackSample {
     const ColumnTiles* source = nullptr;
-    const SamplePlan* plan = nullptr;  ///< only its regions are drawn, with not-empty ones
+    const SamplePlan* plan = nullptr;  ///< only its regions are drawn
     Kernel acrossKernel;               ///< with the sample's opacity, and the source's scale to 0..65535, as its gain
     Kernel downKernel;                 ///< in rows of the copy, with a gain of 1
 };

@@ -2,9 +2,9 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// How many taps a blur takes and how far apart they are. Both renderers ask here, so that they sample at the same
-// places: a stride is rounded to single precision, as a uniform is, and a blur of a hundred taps multiplies what one
-// renderer would round in another way. Strides are in widths or heights of what a pass reads.
+// How many taps a blur takes and how far apart they are. A stride is rounded to single precision, as a uniform is: a
+// blur of a hundred taps multiplies what is rounded in another way. Strides are in widths or heights of what a pass
+// reads.
 
 #include <algorithm>
 #include <cmath>
