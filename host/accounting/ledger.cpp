@@ -106,8 +106,8 @@ std::string Singular(Resource resource) {
 }
 
 std::string Sentence(const LedgerRow& row, const std::string& command) {
-    return Singular(row.resource) + (row.what.empty() ? "" : " " + row.what) + " was taken " + Times(row.taken) +
-           " and given back " + Times(row.given) + (command.empty() ? "" : " (" + command + ")");
+    return Singular(row.resource) + (row.what.empty() ? "" : " " + row.what) + " was acquired " + Times(row.taken) +
+           " and released " + Times(row.given) + (command.empty() ? "" : " (" + command + ")");
 }
 
 }  // namespace

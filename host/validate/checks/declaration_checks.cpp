@@ -46,12 +46,12 @@ void AnnouncesItself(Trial& trial) {
     const auto [flags, again] = SetUpTwice(trial);
     if (flags.version == 0) trial.Fail("global set-up leaves the version at 0");
     if ((flags.second & PF_OutFlag2_FLOAT_COLOR_AWARE) && !(flags.second & PF_OutFlag2_SUPPORTS_SMART_RENDER)) {
-        trial.Fail("float colours are announced without smart rendering, without which no host gives any");
+        trial.Fail("float colours are announced without smart rendering, which every host needs for them");
     }
     if ((flags.second & PF_OutFlag2_SUPPORTS_GPU_RENDER_F32) && !(flags.second & PF_OutFlag2_SUPPORTS_SMART_RENDER)) {
         trial.Fail("rendering on the host's GPU is announced without smart rendering");
     }
-    if (flags.first & PF_OutFlag_I_AM_OBSOLETE) trial.Warn("it says that it is obsolete, so no menu shows it");
+    if (flags.first & PF_OutFlag_I_AM_OBSOLETE) trial.Warn("the effect is marked as obsolete, so no menu shows it");
     if (!(again == flags)) {
         trial.Fail("a second set-up announces another version or other flags than the first");
     }
@@ -77,7 +77,8 @@ void CheckPopup(Trial& trial, const ParamRow& row) {
     const std::string name = RowName(row);
     if (popup.num_choices < 1) trial.Fail(fmt::format("{}: the popup has no items", name));
     if (static_cast<int>(row.items.size()) != popup.num_choices) {
-        trial.Fail(fmt::format("{}: the popup has {} items but says {}", name, row.items.size(), popup.num_choices));
+        trial.Fail(
+            fmt::format("{}: the popup has {} items but declares {}", name, row.items.size(), popup.num_choices));
     }
     if (popup.dephault < 1 || popup.dephault > popup.num_choices) {
         trial.Fail(fmt::format("{}: the default item {} is not one of {}", name, popup.dephault, popup.num_choices));
@@ -166,7 +167,7 @@ void TellsAboutItself(Trial& trial) {
         trial.Fail("the about text has no end within the message's 256 bytes");
     }
     if (patterned.ended && patterned.message != plain.message) {
-        trial.Fail(fmt::format("about says '{}', and then '{}'", plain.message, patterned.message));
+        trial.Fail(fmt::format("the about text changes from '{}' to '{}'", plain.message, patterned.message));
     }
 }
 
@@ -257,7 +258,7 @@ void DrawsItsDefaults(Trial& trial) {
             trial.Fail(fmt::format("{} is all zero", what));
         }
         if (const auto place = NotFinite(frame->output)) {
-            trial.Fail(fmt::format("{} has a channel at {} that is no finite number", what, *place));
+            trial.Fail(fmt::format("{} has a channel at {} that is not finite", what, *place));
         }
     }
     stage.NoteMisbehaviour("the default frames");
@@ -267,10 +268,10 @@ void DrawsItsDefaults(Trial& trial) {
 
 std::vector<Check> DeclarationChecks() {
     return {
-        {"2.1", "it announces a version and flags that go together, the same each time", AnnouncesItself},
-        {"2.2", "its parameters are declared soundly", DeclaresSoundly},
+        {"2.1", "it announces a consistent version and flags, the same each time", AnnouncesItself},
+        {"2.2", "its parameters are declared consistently", DeclaresSoundly},
         {"2.3", "its about text fits the message", TellsAboutItself},
-        {"2.4", "it works in other hosts and older ones", StandsOtherHosts},
+        {"2.4", "it works in other and older hosts", StandsOtherHosts},
         {"2.5", "unknown commands do nothing", IgnoresUnknownCommands},
         {"2.6", "it draws a frame with its defaults", DrawsItsDefaults},
     };

@@ -36,7 +36,8 @@ struct Shim {
         shim.setFault = reinterpret_cast<ShimSetFault>(dlsym(RTLD_DEFAULT, kShimSetFault));
         shim.countFaults = reinterpret_cast<ShimCountFaults>(dlsym(RTLD_DEFAULT, kShimCountFaults));
         if (!shim.setModule || !shim.setFault) {
-            trial.Skip("umbrant_shim.so, which stands between module and driver, was not found beside the program");
+            trial.Skip(
+                "umbrant_shim.so, which intercepts the module's driver calls, was not found in the program's folder");
         }
         return shim;
     }
@@ -86,7 +87,7 @@ std::optional<Frame> DrawStyle(Trial& part, Stage& stage, const Variant& variant
 
 /// Every allocation of one style's frame fails in turn. An error is an answer, and so is the picture as it should be.
 void FailAllocationsOf(Trial& part, std::size_t style) {
-    if (SanitizerRuntime()) part.Skip("a sanitizer's allocator stands where the judge's would");
+    if (SanitizerRuntime()) part.Skip("a sanitizer's allocator replaces the one of these checks");
     const Shim shim = Shim::Find(part);
     Stage stage(part);
     stage.Cheapen();
@@ -114,13 +115,13 @@ void FailAllocationsOf(Trial& part, std::size_t style) {
     }
     const auto after = DrawStyle(part, stage, variant);
     if (usual && (!after || !SamePixels(after->output, usual->output))) {
-        part.Fail(fmt::format("{}: after failed allocations the frame is no longer what it was", variant.name));
+        part.Fail(fmt::format("{}: the frame differs after failed allocations", variant.name));
     }
     const auto ended = stage.Session().End();
     if (!ended) part.Fail(ended.Error().sentence);
     if (!stage.Session().Open().Even()) {
         part.Fail(
-            fmt::format("{}: failed allocations left something open: {}", variant.name, stage.Session().Open().Text()));
+            fmt::format("{}: still open after failed allocations: {}", variant.name, stage.Session().Open().Text()));
     }
 }
 
@@ -141,7 +142,7 @@ struct DriverFault {
 };
 
 constexpr DriverFault kDriverFaults[] = {
-    {SHIM_NO_CONTEXT, "no context to be had"},      {SHIM_COMPILE_FAILS, "shaders that do not compile"},
+    {SHIM_NO_CONTEXT, "no context available"},      {SHIM_COMPILE_FAILS, "shaders that do not compile"},
     {SHIM_LINK_FAILS, "programs that do not link"}, {SHIM_INCOMPLETE_FRAMEBUFFER, "incomplete framebuffers"},
     {SHIM_OUT_OF_MEMORY, "no memory for textures"}, {SHIM_SMALL_TEXTURES, "small textures only"},
     {SHIM_LOST_CONTEXT, "lost contexts"},
@@ -205,7 +206,7 @@ void FailDriver(Trial& part, const DriverFault& fault, bool fromTheStart) {
     const auto ended = session->End();
     if (!ended) part.Fail(ended.Error().sentence);
     if (!session->Open().Even()) {
-        part.Fail(fmt::format("with {} something stays open: {}", fault.name, session->Open().Text()));
+        part.Fail(fmt::format("with {} something is still open: {}", fault.name, session->Open().Text()));
     }
 }
 
@@ -228,7 +229,7 @@ void StandsAFailingDriver(Trial& trial) {
 
 std::vector<Check> DriverChecks() {
     return {
-        {"7.4", "it survives the want of memory of its own", StandsWantOfItsOwnMemory, Needs::kShim, 4},
-        {"7.5", "it survives a driver that fails, and says so", StandsAFailingDriver, Needs::kShim, 4},
+        {"7.4", "it survives failed allocations of its own", StandsWantOfItsOwnMemory, Needs::kShim, 4},
+        {"7.5", "it survives a failing driver, and reports the failure", StandsAFailingDriver, Needs::kShim, 4},
     };
 }

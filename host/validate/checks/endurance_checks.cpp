@@ -221,15 +221,15 @@ void Soaks(Trial& trial) {
                    const long counted = frames - framesBefore;
                    const double slope =
                        counted > 0 ? static_cast<double>(ResidentBytes() - before) / static_cast<double>(counted) : 0;
-                   part.Count("renders in the soak", static_cast<double>(frames.load()));
-                   part.Count("bytes a frame in the soak", std::max(0.0, slope));
+                   part.Count("renders in the long session", static_cast<double>(frames.load()));
+                   part.Count("bytes a frame in the long session", std::max(0.0, slope));
                    constexpr double kMost = 4096;
                    constexpr long kEnough = 500;
                    if (counted > kEnough && slope > kMost) {
                        part.Fail(fmt::format("the process grows by {:.0f} bytes a frame", slope));
                    }
                    if (const auto ended = stage.Session().End(); !ended) part.Fail(ended.Error().sentence);
-                   stage.NoteMisbehaviour("after the soak");
+                   stage.NoteMisbehaviour("after the long session");
                },
                {},
                trial.Options().soakSeconds * 1000}});
@@ -239,8 +239,8 @@ void Soaks(Trial& trial) {
 
 std::vector<Check> EnduranceChecks() {
     return {
-        {"10.1", "a thousand frames do not make it larger", KeepsItsSize, Needs::kQuiet, kPatience},
+        {"10.1", "a thousand frames do not increase its memory", KeepsItsSize, Needs::kQuiet, kPatience},
         {"10.2", "the time of a frame grows no faster than its work", TakesTimeInProportion, Needs::kQuiet, kPatience},
-        {"10.5", "it holds out in a long session on all threads", Soaks, Needs::kSoakTime, 2},
+        {"10.5", "it survives a long session on all threads", Soaks, Needs::kSoakTime, 2},
     };
 }

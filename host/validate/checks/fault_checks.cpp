@@ -40,7 +40,7 @@ void JudgeBalance(Trial& trial, const FaultOutcome& outcome) {
     }
     for (const std::string& sentence : outcome.misbehaviour) {
         // The host itself says so when a global set-down was cut short by the refusal.
-        if (sentence.starts_with("after global set-down") || sentence.starts_with("drawing a frame left")) continue;
+        if (sentence.starts_with("still open after ")) continue;
         trial.Fail(Where(outcome) + sentence);
     }
 }
@@ -57,7 +57,7 @@ void JudgeRefusal(Trial& trial, const FaultOutcome& outcome) {
                                CodeText(outcome.error), CodeText(outcome.plan.error)));
     }
     if (!mayIgnore && !outcome.laterCall.empty()) {
-        trial.Fail(fmt::format("{}{} goes on to call {}", Where(outcome), outcome.command, outcome.laterCall));
+        trial.Fail(fmt::format("{}{} continues to call {}", Where(outcome), outcome.command, outcome.laterCall));
     }
     JudgeBalance(trial, outcome);
 }
@@ -74,7 +74,7 @@ void HandsErrorsBack(Trial& trial) {
 /// Where no code is demanded: an error, or words, or the picture as it would have been.
 void JudgeLoss(Trial& trial, const FaultOutcome& outcome) {
     if (outcome.error == PF_Err_NONE && outcome.message.empty() && !outcome.samePixels) {
-        trial.Fail(fmt::format("{}{} returns no error and no message, but gives another picture", Where(outcome),
+        trial.Fail(fmt::format("{}{} returns no error and no message, but the frame differs", Where(outcome),
                                outcome.command));
     }
 }
@@ -84,7 +84,7 @@ void StandsMissingSuites(Trial& trial) {
     InjectFaults(trial, {isSuite, {A_Err_MISSING_SUITE}, [](Trial& judged, const FaultOutcome& outcome) {
                              JudgeLoss(judged, outcome);
                              if (!outcome.laterCall.empty() && outcome.error != PF_Err_NONE) {
-                                 judged.Fail(fmt::format("{}{} goes on to call {}", Where(outcome), outcome.command,
+                                 judged.Fail(fmt::format("{}{} continues to call {}", Where(outcome), outcome.command,
                                                          outcome.laterCall));
                              }
                              JudgeBalance(judged, outcome);
@@ -154,13 +154,13 @@ void LivesBesideAnother(Trial& trial) {
         session->Params().RawRow(row).def.u = stage.Session().Params().Row(row).def.u;
         session->Params().RawRow(row).point = stage.Session().Params().Row(row).point;
     }
-    if (Frames(*session, trial) != alone)
-        trial.Fail("a second copy of the module draws another picture beside the first");
-    if (Frames(stage.Session(), trial) != alone) trial.Fail("the module draws another picture beside a second copy");
+    if (Frames(*session, trial) != alone) trial.Fail("a second copy of the module draws another frame than the first");
+    if (Frames(stage.Session(), trial) != alone)
+        trial.Fail("the module draws another frame while a second copy is loaded");
     const auto ended = session->End();
     if (!ended) trial.Fail(fmt::format("a second copy: {}", ended.Error().sentence));
     if (Frames(stage.Session(), trial) != alone) {
-        trial.Fail("the module draws another picture after a second copy was set down");
+        trial.Fail("the module draws another frame after a second copy was set down");
     }
 }
 
@@ -168,10 +168,10 @@ void LivesBesideAnother(Trial& trial) {
 
 std::vector<Check> FaultChecks() {
     return {
-        {"7.1", "an error or interrupt of the host is handed back, and everything is given back", HandsErrorsBack,
+        {"7.1", "an error or interrupt of the host is returned, and everything is released", HandsErrorsBack,
          Needs::kNothing, 10, true},
-        {"7.2", "it survives the lack of any suite", StandsMissingSuites, Needs::kNothing, 4, true},
-        {"7.3", "it survives the host's want of memory", StandsWantOfMemory, Needs::kNothing, 2, true},
-        {"7.6", "a second copy of the module beside it changes nothing", LivesBesideAnother},
+        {"7.2", "it survives any missing suite", StandsMissingSuites, Needs::kNothing, 4, true},
+        {"7.3", "it survives a host that runs out of memory", StandsWantOfMemory, Needs::kNothing, 2, true},
+        {"7.6", "a second copy of the module in the process changes nothing", LivesBesideAnother},
     };
 }

@@ -100,7 +100,7 @@ void DrawSize(Trial& trial, Stage& stage, int width, int height, Depth depth) {
         return;
     }
     if (const auto place = NotFinite(frame->output)) {
-        trial.Fail(fmt::format("{}: the channel at {} is no finite number", what, *place));
+        trial.Fail(fmt::format("{}: the channel at {} is not finite", what, *place));
     }
 }
 
@@ -136,40 +136,40 @@ void DrawsEverySize(Trial& trial) {
 }
 
 void DrawsEveryDepth(Trial& trial) {
-    RunParts(trial, {{"at 8 and 32 bits",
-                      [](Trial& part) {
-                          Stage stage(part);
-                          stage.Cheapen();
-                          for (const Depth depth : {Depth::k8, Depth::k32}) {
-                              const World layer = TestPicture(40, 30, depth);
-                              for (const Variant& variant : StyleVariants(stage.Session().Params(), 20)) {
-                                  ParamSet params = stage.Session().Params();
-                                  variant.apply(params);
-                                  FrameRequest request = RequestOf(layer);
-                                  request.params = &params;
-                                  request.texture = &layer;
-                                  const auto frame = stage.Draw(request, variant.name);
-                                  if (!frame) continue;
-                                  if (const auto place = NotFinite(frame->output)) {
-                                      part.Fail(fmt::format("{}: the channel at {} is no finite number", variant.name,
-                                                            *place));
-                                  }
-                              }
-                          }
-                      },
-                      {}},
-                     {"at 16 bits",
-                      [](Trial& part) {
-                          Stage stage(part);
-                          const bool deep = stage.Session().OutFlags() & PF_OutFlag_DEEP_COLOR_AWARE;
-                          stage.Cheapen();
-                          const World layer = TestPicture(40, 30, Depth::k16);
-                          // An effect that does not announce 16 bits may refuse them, but not crash.
-                          part.Count("frames");
-                          const auto frame = stage.Session().Render(RequestOf(layer));
-                          if (!frame && deep) part.Fail(fmt::format("at 16 bits: {}", frame.Error().sentence));
-                      },
-                      {}}});
+    RunParts(trial,
+             {{"at 8 and 32 bits",
+               [](Trial& part) {
+                   Stage stage(part);
+                   stage.Cheapen();
+                   for (const Depth depth : {Depth::k8, Depth::k32}) {
+                       const World layer = TestPicture(40, 30, depth);
+                       for (const Variant& variant : StyleVariants(stage.Session().Params(), 20)) {
+                           ParamSet params = stage.Session().Params();
+                           variant.apply(params);
+                           FrameRequest request = RequestOf(layer);
+                           request.params = &params;
+                           request.texture = &layer;
+                           const auto frame = stage.Draw(request, variant.name);
+                           if (!frame) continue;
+                           if (const auto place = NotFinite(frame->output)) {
+                               part.Fail(fmt::format("{}: the channel at {} is not finite", variant.name, *place));
+                           }
+                       }
+                   }
+               },
+               {}},
+              {"at 16 bits",
+               [](Trial& part) {
+                   Stage stage(part);
+                   const bool deep = stage.Session().OutFlags() & PF_OutFlag_DEEP_COLOR_AWARE;
+                   stage.Cheapen();
+                   const World layer = TestPicture(40, 30, Depth::k16);
+                   // An effect that does not announce 16 bits may refuse them, but not crash.
+                   part.Count("frames");
+                   const auto frame = stage.Session().Render(RequestOf(layer));
+                   if (!frame && deep) part.Fail(fmt::format("at 16 bits: {}", frame.Error().sentence));
+               },
+               {}}});
 }
 
 void FollowsRowLengths(Trial& trial) {
@@ -186,7 +186,7 @@ void FollowsRowLengths(Trial& trial) {
                         for (const int padding : {0, 4, 16, 3 * 16, 4096 - 33 * 4}) {
                             if (digestsWith(part, {MemoryPlacement::kPlain, padding}) != usual) {
                                 part.Fail(
-                                    fmt::format("the picture changes when rows are {} bytes longer than their "
+                                    fmt::format("the frame changes when rows are {} bytes longer than their "
                                                 "pixels",
                                                 padding));
                             }
@@ -219,7 +219,7 @@ void StaysInside(Trial& trial) {
     std::vector<Part> parts;
     for (const MemoryPlacement placement : {MemoryPlacement::kFlushRight, MemoryPlacement::kFlushLeft}) {
         const bool right = placement == MemoryPlacement::kFlushRight;
-        parts.push_back({right ? "with worlds before a shut page" : "with worlds behind a shut page",
+        parts.push_back({right ? "with worlds before a guard page" : "with worlds behind a guard page",
                          [placement](Trial& part) {
                              SetLendingRules({placement, 16});
                              SessionOptions options;
@@ -314,11 +314,12 @@ void StandsEveryTime(Trial& trial) {
 
 std::vector<Check> FrameChecks() {
     return {
-        {"5.1", "it draws layers of every size, or says that they are too large", DrawsEverySize, Needs::kNothing, 2},
+        {"5.1", "it draws layers of every size, or reports that they are too large", DrawsEverySize, Needs::kNothing,
+         2},
         {"5.2", "it draws at every depth and in every style", DrawsEveryDepth},
-        {"5.3", "it follows the rows' length and leaves what lies between rows", FollowsRowLengths},
+        {"5.3", "it uses the rows' length and does not write between rows", FollowsRowLengths},
         {"5.4", "it writes no byte outside of its worlds", StaysInside},
         {"5.6", "it does not trust extent hints", DistrustsExtents},
-        {"5.8", "it stands every time and step", StandsEveryTime, Needs::kNothing, 2},
+        {"5.8", "it accepts every time and step", StandsEveryTime, Needs::kNothing, 2},
     };
 }

@@ -45,7 +45,7 @@ Library Load(Trial& trial) {
 RegistrationFunction RegistrationOf(Trial& trial, void* library) {
     const auto entry = reinterpret_cast<RegistrationFunction>(dlsym(library, kRegistrationExport));
     if (!entry) {
-        trial.FailAsNoModule(fmt::format("it does not export {}, as an effect module does", kRegistrationExport));
+        trial.FailAsNoModule(fmt::format("{} is not exported; an effect module exports it", kRegistrationExport));
     }
     return entry;
 }
@@ -89,7 +89,7 @@ void LoadsWithBothEntries(Trial& trial) {
     Said said;
     Register(entry, said);
     if (!said.entryPoint.empty() && !dlsym(library.get(), said.entryPoint.c_str())) {
-        trial.Fail(fmt::format("it registers the entry '{}' but does not export it", said.entryPoint));
+        trial.Fail(fmt::format("the registered entry '{}' is not exported", said.entryPoint));
     }
 }
 
@@ -104,7 +104,7 @@ void RegistersOnce(Trial& trial) {
                                      std::pair("category", said.category)}) {
         if (text.empty()) trial.Fail(fmt::format("the {} is empty", what));
         if (text.size() > kLongestName) {
-            trial.Fail(fmt::format("the {} has {} characters; {} are room", what, text.size(), kLongestName));
+            trial.Fail(fmt::format("the {} has {} characters; there is room for {}", what, text.size(), kLongestName));
         }
     }
     if (said.kind != kPluginKind_Effect) trial.Fail(fmt::format("the kind is {:#x}, not 'eFKT'", said.kind));
@@ -146,11 +146,11 @@ void ExportsItsEntriesAlone(Trial& trial) {
     for (const std::string& name : file->exports) {
         // The newer registration of the interface may stand beside the older.
         if (name == kRegistrationExport || name == "PluginDataEntryFunction2" || name == entryPoint) continue;
-        trial.Fail(
-            fmt::format("it exports '{}' besides its entries; a host's own symbol of that name would clash", name));
+        trial.Fail(fmt::format("'{}' is exported besides the entries; it could clash with a host's symbol of that name",
+                               name));
     }
     for (const std::string& library : file->needed) {
-        if (!IsSystemLibrary(library)) trial.Warn(fmt::format("it needs {}, which a user may not have", library));
+        if (!IsSystemLibrary(library)) trial.Warn(fmt::format("{} is needed, which a user may not have", library));
     }
 }
 
@@ -206,12 +206,11 @@ void StartsSwiftly(Trial& trial) {
         fmt::format("a second set-up took more than {:.0f} ms: at best {:.0f} ms", kWarm, BestOf(warm));
     if (coldClaim == Claim::kFails) trial.Fail(coldText);
     if (warmClaim == Claim::kFails) {
-        trial.Options().softwareGl ? trial.Warn(warmText + ", with OpenGL drawn by the processor")
-                                   : trial.Fail(warmText);
+        trial.Options().softwareGl ? trial.Warn(warmText + ", with software OpenGL") : trial.Fail(warmText);
     }
     if (isOpen()) {
         trial.Skip(NotMeasured((coldClaim == Claim::kUnclear ? coldText : warmText) +
-                               ", but other programs took part of that time"));
+                               ", but other programs used part of that time"));
     }
 }
 
@@ -286,9 +285,9 @@ void LoadsWithoutATrace(Trial& trial) {
 std::vector<Check> LoadChecks() {
     return {
         {"1.1", "it loads with every symbol found, and has both entries", LoadsWithBothEntries},
-        {"1.2", "it registers one effect of this interface, and hands back the host's refusal", RegistersOnce},
+        {"1.2", "it registers one effect of this interface, and returns the host's refusal", RegistersOnce},
         {"1.3", "it exports its entries and nothing else", ExportsItsEntriesAlone},
-        {"1.4", "it is ready within a second, and within a tenth when loaded again", StartsSwiftly, Needs::kQuiet, 2},
+        {"1.4", "it starts within a second, and within a tenth when loaded again", StartsSwiftly, Needs::kQuiet, 2},
         {"1.5", "loading and unloading leaves no text, file or thread behind", LoadsWithoutATrace},
     };
 }

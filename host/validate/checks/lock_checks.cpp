@@ -191,7 +191,7 @@ class Sender {
 [[noreturn]] void Abandon(Trial& trial, const std::shared_ptr<Meeting>& meeting, WaitEnd end, const std::string& text) {
     static std::vector<std::shared_ptr<Meeting>> abandoned;
     abandoned.push_back(meeting);
-    if (end == WaitEnd::kLate) trial.Skip(NotMeasured(text + ", or is still at work"));
+    if (end == WaitEnd::kLate) trial.Skip(NotMeasured(text + ", or is still running"));
     trial.FailAndEnd(text);
 }
 
@@ -233,7 +233,7 @@ void SendBeside(Trial& trial, const std::shared_ptr<Meeting>& meeting, const Com
             }
         }
         meeting->callback.Release();
-        trial.Count("meetings of commands");
+        trial.Count("pairs of commands");
         if (end == WaitEnd::kDone) continue;
         const std::string text = fmt::format(
             "{} on one thread waits for {} on another, which waits for the host in {}: a lock is held while the host "
@@ -245,7 +245,7 @@ void SendBeside(Trial& trial, const std::shared_ptr<Meeting>& meeting, const Com
     }
 }
 
-/// The host sends a command from inside of a callback of another one.
+/// The host sends a command from a callback of another one.
 void SendInside(Trial& trial, const std::shared_ptr<Meeting>& meeting, const Command& inner) {
     const bool draws = meeting->outer.command == PF_Cmd_SMART_RENDER;
     std::optional<Frame> usual;
@@ -262,12 +262,11 @@ void SendInside(Trial& trial, const std::shared_ptr<Meeting>& meeting, const Com
     const WaitEnd end = WaitUnlessStuck([&] { return sender.IsDone(); }, trial.Options().timeoutMilliseconds / 2);
     if (end != WaitEnd::kDone) {
         Abandon(trial, meeting, end,
-                fmt::format("{} from inside of a callback of {} waits for it: a lock is held while the host is called",
+                fmt::format("{} from a callback of {} waits for it: a lock is held while the host is called",
                             inner.name, meeting->outer.name));
     }
     if (usual && (!*interrupted || !SamePixels(usual->output, (*interrupted)->output))) {
-        trial.Fail(
-            fmt::format("{} from inside of a callback of {} changes the frame", inner.name, meeting->outer.name));
+        trial.Fail(fmt::format("{} from a callback of {} changes the frame", inner.name, meeting->outer.name));
     }
 }
 

@@ -51,14 +51,15 @@ void JudgeKinds(Trial& trial, Stage& stage, const std::set<Resource>& kinds) {
 void UsesHandlesByTheBook(Trial& trial) {
     for (const MemoryPlacement placement : {MemoryPlacement::kFlushRight, MemoryPlacement::kFlushLeft}) {
         const bool right = placement == MemoryPlacement::kFlushRight;
-        RunParts(trial, {{right ? "with handles' memory before a shut page" : "with handles' memory behind a shut page",
-                          [placement](Trial& part) {
-                              SetLendingRules({placement, {}});
-                              Stage stage(part);
-                              JudgeKinds(part, stage, {Resource::kHandle, Resource::kLock});
-                              stage.NoteMisbehaviour("");
-                          },
-                          {}}});
+        RunParts(trial,
+                 {{right ? "with handles' memory before a guard page" : "with handles' memory behind a guard page",
+                   [placement](Trial& part) {
+                       SetLendingRules({placement, {}});
+                       Stage stage(part);
+                       JudgeKinds(part, stage, {Resource::kHandle, Resource::kLock});
+                       stage.NoteMisbehaviour("");
+                   },
+                   {}}});
     }
 }
 
@@ -184,11 +185,11 @@ void LeavesGlobalDataAlone(Trial& trial) {
 
 std::vector<Check> MemoryChecks() {
     return {
-        {"4.1", "handles are disposed of, locks undone, and no byte beside them is touched", UsesHandlesByTheBook},
+        {"4.1", "handles are disposed of and unlocked, and no byte outside of them is touched", UsesHandlesByTheBook},
         {"4.2", "every parameter that is checked out is checked in once", ChecksParametersIn},
         {"4.3", "a parameter is not read after its check-in", ForgetsCheckedInParameters},
         {"4.4", "a thousand pre-renders without a render leave nothing behind", LetsPreRenderGo, Needs::kStrictHeap},
-        {"4.5", "worlds, layers and references are given back", GivesWorldsBack},
+        {"4.5", "worlds, layers and references are released", GivesWorldsBack},
         {"4.6", "inputs, textures and the host's parameters are not written", LeavesInputsAlone},
         {"4.7", "global data is not written while rendering", LeavesGlobalDataAlone},
     };

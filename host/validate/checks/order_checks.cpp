@@ -153,7 +153,7 @@ void SetsUpAgainAndAgain(Trial& trial) {
                          if (frame && NotFinite(frame->output)) part.Fail("without a driver a frame is not finite");
                          if (const auto ended = session.End(); !ended) part.Fail(ended.Error().sentence);
                          if (!session.Open().Even()) {
-                             part.Fail(fmt::format("without a driver {} stay open", session.Open().Text()));
+                             part.Fail(fmt::format("without a driver {} are still open", session.Open().Text()));
                          }
                      },
                      {}});
@@ -199,8 +199,7 @@ void AsksForKnownSuites(Trial& trial) {
     Stage stage(trial);
     ActOnStrictHost(trial, stage);
     for (const std::string& suite : stage.Session().RefusedSuites()) {
-        trial.Fail(
-            fmt::format("it asks for the suite {}, which the interface does not have or this version does not", suite));
+        trial.Fail(fmt::format("the suite {} is requested, which the interface or this version does not have", suite));
     }
 }
 
@@ -309,7 +308,7 @@ void TakesOnlyAnnouncedLayers(Trial& trial) {
                 if (event.callee != "smart-render.checkout_layer_pixels") continue;
                 const std::uint64_t id = event.arguments.at(1).before;
                 if (!announced.contains(id)) {
-                    trial.Fail(fmt::format("{}: render takes the layer with id {}, which pre-render did not ask for",
+                    trial.Fail(fmt::format("{}: render takes the layer with id {}, which pre-render did not check out",
                                            variant.name, static_cast<A_long>(id)));
                 }
             }
@@ -322,10 +321,10 @@ void TakesOnlyAnnouncedLayers(Trial& trial) {
 std::vector<Check> OrderChecks() {
     return {
         {"3.1", "it takes its commands in every legal order", TakesEveryOrder},
-        {"3.2", "it can be set up again and again, set down twice, and live without a driver", SetsUpAgainAndAgain,
+        {"3.2", "it can be set up repeatedly, set down twice, and run without a driver", SetsUpAgainAndAgain,
          Needs::kNothing, 2},
-        {"3.3", "every suite that a command takes it gives back, and uses no longer", HoldsSuitesByTheBook},
-        {"3.4", "it asks for suites that there are", AsksForKnownSuites},
+        {"3.3", "every suite that a command acquires is released, and not used afterwards", HoldsSuitesByTheBook},
+        {"3.4", "it requests only suites that exist", AsksForKnownSuites},
         {"3.5", "set-up, set-down and the panel leave the thread's OpenGL context alone", LeavesTheContextAlone,
          Needs::kOpenGl},
         {"3.6", "rendering does not write static data", KeepsItsStaticsStill},

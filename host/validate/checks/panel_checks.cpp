@@ -79,7 +79,7 @@ void TakesEveryEvent(Trial& part) {
                 // Saying that an idle moment was handled keeps the host from handling it, and wakes it at once.
                 const bool nothing = type == PF_Event_NONE || type == PF_Event_IDLE || type == PF_Event_NUM_EVENTS;
                 if (nothing && (event.evt_out_flags & PF_EO_HANDLED_EVENT)) {
-                    part.Fail(fmt::format("event {}, in which nothing happens, is said to have been handled", type));
+                    part.Fail(fmt::format("event {}, in which nothing happens, is reported as handled", type));
                 }
             }
         }
@@ -96,5 +96,5 @@ void BearsItsPanel(Trial& trial) {
 }  // namespace
 
 std::vector<Check> PanelChecks() {
-    return {{"5.9", "it bears every change and event on its panel", BearsItsPanel}};
+    return {{"5.9", "it handles every change and event of its panel", BearsItsPanel}};
 }

@@ -78,7 +78,7 @@ void Judge(Trial& trial, Stage& stage, const ParamSet& params, const World& laye
         return;
     }
     if (const auto place = NotFinite(frame->output); place && mustSucceed) {
-        trial.Fail(fmt::format("{}: the channel at {} is no finite number", what, *place));
+        trial.Fail(fmt::format("{}: the channel at {} is not finite", what, *place));
     }
 }
 
@@ -178,7 +178,8 @@ void DrawOddValues(Trial& part, Stage& stage, const std::vector<OddValue>& value
         std::fflush(stdout);
         const long before = PeakBytes();
         Judge(part, stage, params, layer, fmt::format("with {}", odd.name), false);
-        if (PeakBytes() - before > kMostMemory) part.Fail(fmt::format("with {}: more than 1 GiB is taken", odd.name));
+        if (PeakBytes() - before > kMostMemory)
+            part.Fail(fmt::format("with {}: more than 1 GiB is allocated", odd.name));
     }
     part.Count("odd values", static_cast<double>(values.size()));
     stage.EndEven("after odd values");
@@ -315,7 +316,7 @@ std::vector<Check> ParameterChecks() {
         {"6.1", "it draws with any values inside the panel's limits", DrawsInsideLimits, Needs::kNothing, 4},
         {"6.2", "it draws with values at their limits", DrawsAtLimits, Needs::kNothing, 4},
         {"6.3", "it survives values beyond their limits", DrawsBeyondLimits, Needs::kNothing, 2},
-        {"6.4", "it survives numbers that are none", StandsOddNumbers, Needs::kNothing, 2},
+        {"6.4", "it survives NaN and infinite values", StandsOddNumbers, Needs::kNothing, 2},
         {"6.5", "it survives null pointers", StandsNullPointers, Needs::kNothing, 2},
     };
 }

@@ -90,7 +90,7 @@ void JudgeSpread(Trial& part, Stage& stage, float bad, const std::string& name) 
                     std::max(std::abs(x + frame->rect.left - kPlace), std::abs(y + frame->rect.top - kPlace));
                 if (far <= reach || !IsOdd(row[x])) continue;
                 part.Fail(
-                    fmt::format("{}: a pixel that is {} spoils another one {} pixels away, although the effect "
+                    fmt::format("{}: a pixel that is {} changes another one {} pixels away, although the effect "
                                 "reaches {}",
                                 variant.name, name, far, reach));
                 x = frame->output.Width();
@@ -121,10 +121,10 @@ void StandsAnyPixels(Trial& trial) {
                           }
                           stage.EndEven("after random bits");
                       }},
-                     {"with pixels that are no numbers", [](Trial& part) {
+                     {"with pixels that are NaN or infinite", [](Trial& part) {
                           Stage stage(part);
                           stage.Cheapen();
-                          JudgeSpread(part, stage, std::numeric_limits<float>::quiet_NaN(), "no number");
+                          JudgeSpread(part, stage, std::numeric_limits<float>::quiet_NaN(), "NaN");
                           JudgeSpread(part, stage, std::numeric_limits<float>::infinity(), "infinite");
                           JudgeSpread(part, stage, -std::numeric_limits<float>::infinity(), "negative infinity");
                       }}});
@@ -135,7 +135,7 @@ void StandsAnyPixels(Trial& trial) {
 std::vector<Check> PixelChecks() {
     return {
         {"6.6", "tiles are parts of the whole frame", DrawsTilesAlike},
-        {"6.7", "it survives pixels of any bits, and they spoil no more than they reach", StandsAnyPixels,
+        {"6.7", "it survives pixels of any bits, and they affect only what they reach", StandsAnyPixels,
          Needs::kNothing, 2},
     };
 }

@@ -71,7 +71,7 @@ void AnswersEveryRequest(Trial& trial) {
             const auto answer = stage.Ask(request, what);
             if (!answer) continue;
             if (!IsSound(answer->resultRect) || !IsSound(answer->maxRect)) {
-                trial.Fail(fmt::format("{}: the answer is turned inside out", what));
+                trial.Fail(fmt::format("{}: the result is inverted", what));
             }
             if (!Contains(answer->maxRect, answer->resultRect)) {
                 trial.Fail(fmt::format("{}: the result {} reaches beyond the largest, {}", what,
@@ -142,7 +142,7 @@ void FollowsDownsampling(Trial& trial) {
             const double dy = std::abs(found->second - middle->second) * scaleY;
             if (dx > 1 || dy > 1) {
                 trial.Fail(
-                    fmt::format("{}: the picture lies {:.1f}, {:.1f} of its pixels away from where the full "
+                    fmt::format("{}: the frame is displaced by {:.1f}, {:.1f} of its pixels from where the full "
                                 "size has it",
                                 what, dx, dy));
             }
@@ -154,7 +154,7 @@ void FollowsDownsampling(Trial& trial) {
 
 std::vector<Check> RectangleChecks() {
     return {
-        {"5.5", "it answers every request, and its largest rectangle is one", AnswersEveryRequest},
-        {"5.7", "it draws the same picture at every scale", FollowsDownsampling},
+        {"5.5", "it answers every request, and its largest rectangle is constant", AnswersEveryRequest},
+        {"5.7", "it draws the same frame at every scale", FollowsDownsampling},
     };
 }

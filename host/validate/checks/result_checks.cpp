@@ -81,7 +81,7 @@ void DrawsTheSameAgain(Trial& trial) {
         for (const auto& [frame, digest] : run(name, work)) {
             const auto found = usual.find(frame);
             if (found != usual.end() && found->second == digest) continue;
-            trial.Fail(fmt::format("{}: {} draws another picture than a first process", frame, name));
+            trial.Fail(fmt::format("{}: {} draws another frame than a first process", frame, name));
         }
     }
 }
@@ -145,7 +145,7 @@ void ObeysLaws(Trial& trial) {
         const auto later = at(37);
         if (first && later && !varies && !SamePixels(first->output, later->output)) {
             trial.Fail(
-                fmt::format("{}: the picture changes with time, which the effect does not announce, so hosts show "
+                fmt::format("{}: the frame changes with time, which the effect does not announce, so hosts show "
                             "an old frame",
                             variant.name));
         }
@@ -182,7 +182,7 @@ void ClaimsWhatItDraws(Trial& trial) {
                         x >= claimed.left && x < claimed.right && y >= claimed.top && y < claimed.bottom;
                     if (isClaimed || row[x - whole->rect.left].alpha == 0) continue;
                     trial.Fail(
-                        fmt::format("{}, asked for {}: the result {} leaves out the pixel {}, {}, where the whole "
+                        fmt::format("{}, asked for {}: the result {} excludes the pixel {}, {}, where the whole "
                                     "frame shows something",
                                     variant.name, RectText(asked), RectText(claimed), x, y));
                     x = inside.right;
@@ -215,7 +215,8 @@ std::vector<Check> ResultChecks() {
         {"9.1", "the same input gives the same bytes in any process, on any thread, at any moment", DrawsTheSameAgain,
          Needs::kNothing, 2},
         {"9.2", "the order of frames does not matter", DrawsInAnyOrder},
-        {"9.4", "the picture changes with time only when that is announced, and its size not with depth", ObeysLaws},
+        {"9.4", "the frame changes with time only when that is announced, and its size does not depend on the depth",
+         ObeysLaws},
         {"9.5", "the result rectangle holds everything that is drawn", ClaimsWhatItDraws},
         {"9.6", "every message ends within its 256 bytes", EndsItsMessages, Needs::kNothing, 2, true},
     };

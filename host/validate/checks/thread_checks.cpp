@@ -198,12 +198,12 @@ void IgnoresRowOrder(Trial& trial) {
 
 std::vector<Check> ThreadChecks() {
     return {
-        {"8.1", "frames on many threads, with the panel beside them, are those of one thread", DrawsOnManyThreads,
-         Needs::kNothing, 4},
+        {"8.1", "frames on many threads, with panel commands at the same time, are those of one thread",
+         DrawsOnManyThreads, Needs::kNothing, 4},
         {"8.3", "thousands of threads that render once and end leave nothing behind", StandsShortThreads,
          Needs::kOpenGl, 4},
         {"8.4", "render threads may end after set-down and after the module was unloaded", OutlivesItsThreads,
          Needs::kOpenGl},
-        {"8.6", "rows may be walked in any order on any number of threads", IgnoresRowOrder, Needs::kNothing, 2},
+        {"8.6", "rows may be iterated in any order on any number of threads", IgnoresRowOrder, Needs::kNothing, 2},
     };
 }

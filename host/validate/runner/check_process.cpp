@@ -71,7 +71,7 @@ std::string LastWords(const std::string& file) {
 /// What a process's end means when it left no result.
 Finding FindingOf(const Child& child, const std::string& what) {
     const std::string words = LastWords(child.output);
-    if (child.timedOut) return {fmt::format("{} did not end in time{}", what, words), Verdict::kTimeout, {}, {}};
+    if (child.timedOut) return {fmt::format("{} timed out{}", what, words), Verdict::kTimeout, {}, {}};
     if (const int signal = child.end.signal; signal != 0) {
         return {fmt::format("{} crashed: {} (signal {}){}", what, strsignal(signal), signal, words),
                 Verdict::kCrash,

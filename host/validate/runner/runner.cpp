@@ -229,7 +229,7 @@ Failure Unreached(const FaultPlan& fault, const std::vector<CheckOutcome>& outco
     }
     std::vector<std::string> names;
     for (const auto& [callee, times] : calls) names.push_back(callee);
-    std::string reason = "the module makes no call that these checks refuse";
+    std::string reason = "the module makes no call that these checks let fail";
     if (const auto same = calls.find(fault.callee); same != calls.end()) {
         reason = fmt::format("that call came {} times at most; K from 1 to {} would work", same->second, same->second);
     } else if (const auto closest = ClosestCall(fault.callee, names); !closest.empty()) {

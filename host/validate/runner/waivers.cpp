@@ -41,7 +41,7 @@ std::string ReadEntry(const json& entry, Waiver& waiver) {
         }
     }
     if (!IsKnown(waiver.check)) {
-        return fmt::format("names the check '{}', which there is not; --list shows them", waiver.check);
+        return fmt::format("names the check '{}', which does not exist; --list shows all checks", waiver.check);
     }
     if (waiver.finding.empty()) return fmt::format("has an entry for check {} without a finding", waiver.check);
     if (waiver.reason.empty()) return fmt::format("has an entry for check {} without a reason", waiver.check);
@@ -95,7 +95,7 @@ std::vector<Finding> UnusedWaivers(const Check& check, const std::vector<Waiver>
     for (const Waiver& waiver : waivers) {
         if (waiver.check != check.id || waiver.used || !waiver.always) continue;
         findings.push_back(
-            {fmt::format("the waived finding '{}' did not occur; take it out of the waiver file", waiver.finding),
+            {fmt::format("the waived finding '{}' did not occur; remove it from the waiver file", waiver.finding),
              Verdict::kFail,
              {},
              {}});

@@ -70,8 +70,8 @@ TEST_F(Accounting, ALeakIsNamed) {
     ASSERT_TRUE(session->End());
     std::vector<std::string> sentences;
     for (const LedgerRow& row : UnevenRows(log.Events())) sentences.push_back(row.sentence);
-    EXPECT_THAT(sentences, Contains("handle #2 was taken 1 time and given back 0 times (PF_Cmd_SMART_RENDER)"));
-    EXPECT_THAT(sentences, Contains("lock #1 was taken 1 time and given back 0 times (PF_Cmd_SMART_RENDER)"));
+    EXPECT_THAT(sentences, Contains("handle #2 was acquired 1 time and released 0 times (PF_Cmd_SMART_RENDER)"));
+    EXPECT_THAT(sentences, Contains("lock #1 was acquired 1 time and released 0 times (PF_Cmd_SMART_RENDER)"));
 }
 
 TEST_F(Accounting, AnEvenSessionHasEvenBooks) {

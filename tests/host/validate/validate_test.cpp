@@ -63,7 +63,7 @@ TEST(Validate, RefusesWrongUsageWithASentence) {
         {"a waiver file that is none", waive("a.json", "checks"), 2, "is not JSON"},
         {"no list", waive("b.json", "{}"), 2, "has no list 'waivers'"},
         {"an unknown check", waive("c.json", R"({"waivers":[{"check":"1.99","finding":"x","reason":"y"}]})"), 2,
-         "names the check '1.99', which there is not; --list shows them"},
+         "names the check '1.99', which does not exist; --list shows all checks"},
         {"no reason", waive("d.json", R"({"waivers":[{"check":"1.1","finding":"x"}]})"), 2,
          "has an entry for check 1.1 without a reason"},
         {"no finding", waive("e.json", R"({"waivers":[{"check":"1.1","reason":"y"}]})"), 2,
@@ -92,7 +92,7 @@ TEST(Validate, ListsItsChecks) {
     const Outcome run = RunUmbrant(folder, {"validate", "--list"});
     EXPECT_EQ(run.code, 0);
     EXPECT_THAT(run.out, StartsWith("1.1   it loads with every symbol found, and has both entries\n"));
-    EXPECT_THAT(run.out, HasSubstr("\n10.5  it holds out in a long session on all threads\n"));
+    EXPECT_THAT(run.out, HasSubstr("\n10.5  it survives a long session on all threads\n"));
 }
 
 TEST(Validate, TellsATotalLast) {
@@ -289,7 +289,7 @@ TEST(Validate, AFileThatIsNoModuleStopsAtTheFirstCheck) {
         {"a text", {text}, 4, "fail: it cannot be loaded: "},
         {"a text, other checks chosen", {text, "--include", "^5"}, 4, "fail: it cannot be loaded: "},
         {"a folder", {folder.Path().string()}, 4, "fail: it cannot be loaded: "},
-        {"another library", {TestModule("no_export")}, 4, "fail: it does not export PluginDataEntryFunction"},
+        {"another library", {TestModule("no_export")}, 4, "fail: PluginDataEntryFunction is not exported"},
         {"in this process", {text, "--in-process"}, 4, "fail: it cannot be loaded: "},
     };
     for (const UsageRow& row : rows) {
