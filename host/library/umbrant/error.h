@@ -2,8 +2,8 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// How the library reports failure: an exception with one sentence for a person, the one that the program `umbrant`
-// prints, and the exit code that the program ends with.
+// The exception of the library. It has the message that the program `umbrant` prints, and the exit code that the
+// program ends with.
 
 #include <stdexcept>
 #include <string>
@@ -12,16 +12,16 @@
 
 namespace umbrant {
 
-/// What kind of failure it was. The numbers are the program's exit codes.
+/// The kind of a failure. The numbers are the program's exit codes.
 enum class ErrorCode {
     kEffectFailed = 1,  ///< the effect returned an error
-    kUsage = 2,         ///< a wrong argument or a bad value; the nearest right one is told
+    kUsage = 2,         ///< a wrong argument or a bad value; the message suggests the closest match
     kFile = 3,          ///< a file cannot be read or written
     kModule = 4,        ///< the module cannot be loaded
     kInternal = 5,      ///< not enough memory, or an error of the library itself
 };
 
-/// The only exception that the library throws on purpose; std::bad_alloc may come from any call. A call that throws has
+/// The only exception that the library throws itself; any call may also throw std::bad_alloc. A call that throws has
 /// changed nothing.
 class UMBRANT_API Error : public std::runtime_error {
  public:

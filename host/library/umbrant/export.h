@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// What a program that links the library may name. Everything else in the archive is hidden, so that no name of the
-// library's own meets one of the program's.
+// Marks the symbols that the library exports. Everything else in the archive is hidden, so its names cannot clash with
+// those of the program.
 
 #define UMBRANT_API __attribute__((visibility("default")))

@@ -2,9 +2,8 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// Pictures in memory. Pixels are red, green, blue, alpha with straight alpha (colours are not multiplied by it), either
-// bytes from 0 to 255 or floats of which 1 is full; floats beyond 0..1 are allowed in colours. Nothing is converted
-// between colour spaces.
+// Images in memory. Pixels are red, green, blue and straight alpha (colours are not multiplied by it), either bytes
+// from 0 to 255 or floats from 0 to 1; colours may be outside of 0..1. Colour spaces are not converted.
 
 #include <cstddef>
 #include <cstdint>
@@ -14,8 +13,8 @@
 namespace umbrant {
 
 enum class PixelFormat {
-    kRgba8,      ///< four bytes a pixel
-    kRgbaFloat,  ///< four floats a pixel
+    kRgba8,      ///< four bytes per pixel
+    kRgbaFloat,  ///< four floats per pixel
 };
 
 /// 4 or 16.
@@ -23,7 +22,7 @@ constexpr std::size_t BytesPerPixel(PixelFormat format) {
     return format == PixelFormat::kRgba8 ? 4 : 16;
 }
 
-/// Pixels from (left, top) up to, but without, (right, bottom), in pixels of the layer: (0, 0) is its top-left corner.
+/// A rectangle in pixels of the layer, whose top-left corner is (0, 0); right and bottom are exclusive.
 struct Rectangle {
     int left = 0;
     int top = 0;
@@ -38,14 +37,14 @@ struct Rectangle {
     friend constexpr bool operator!=(const Rectangle& a, const Rectangle& b) { return !(a == b); }
 };
 
-/// Somebody's pixels, to be read. The memory must stay as it is during the call that the view is given to, and no
-/// longer. No alignment is asked for.
+/// Read-only pixels of the caller. The memory must not change during the call that the view is passed to. No alignment
+/// is required.
 struct ImageView {
-    const void* pixels = nullptr;  ///< the first pixel of the top row; null only where there are no pixels
+    const void* pixels = nullptr;  ///< the first pixel of the top row; null only if there are no pixels
     int width = 0;
     int height = 0;
     PixelFormat format = PixelFormat::kRgba8;
-    /// Bytes from a row to the one below it; negative where the top row comes last in memory. 0: rows without gaps.
+    /// Bytes from a row to the row below; negative if the top row is last in memory. 0: rows without gaps.
     std::ptrdiff_t stride = 0;
 
     constexpr ImageView() = default;
@@ -56,14 +55,14 @@ struct ImageView {
     constexpr ImageView(const float* data, int columns, int rows, std::ptrdiff_t bytes = 0)
         : ImageView(data, columns, rows, PixelFormat::kRgbaFloat, bytes) {}
 
-    /// `stride`, or what it stands for.
+    /// Returns `stride`, or the bytes of a row if it is 0.
     constexpr std::ptrdiff_t RowBytes() const {
         return stride != 0 ? stride : static_cast<std::ptrdiff_t>(width) * static_cast<int>(BytesPerPixel(format));
     }
     const std::byte* Row(int y) const { return static_cast<const std::byte*>(pixels) + y * RowBytes(); }
 };
 
-/// Somebody's pixels, to be written; otherwise as ImageView.
+/// Writable pixels of the caller; otherwise as ImageView.
 struct MutableImageView {
     void* pixels = nullptr;
     int width = 0;
@@ -84,11 +83,11 @@ struct MutableImageView {
     std::byte* Row(int y) const { return static_cast<std::byte*>(pixels) + y * RowBytes(); }
 };
 
-/// A picture of the library's: its own pixels, rows without gaps, and the place of its top-left corner. Move-only.
+/// An image that owns its pixels, in rows without gaps, and has a rectangle in pixels of the layer. Move-only.
 class Image {
  public:
     Image() = default;
-    /// Pixels of any value. The place's sides are at least 0 long. May throw std::bad_alloc.
+    /// The pixels are not initialised. Width and height of `place` must be at least 0. May throw std::bad_alloc.
     Image(const Rectangle& place, PixelFormat format)
         : place_(place), format_(format), pixels_(new float[PixelCount() * BytesPerPixel(format) / sizeof(float)]) {}
     Image(Image&& other) noexcept
@@ -102,12 +101,12 @@ class Image {
 
     int Width() const { return place_.Width(); }
     int Height() const { return place_.Height(); }
-    /// Where the picture lies in pixels of the layer: left and top are below 0 where it grew to the left and upwards.
+    /// The rectangle in pixels of the layer: left and top are negative where the image grew to the left or upwards.
     const Rectangle& Place() const { return place_; }
     PixelFormat Format() const { return format_; }
     std::size_t PixelCount() const { return static_cast<std::size_t>(Width()) * static_cast<std::size_t>(Height()); }
 
-    /// The pixels as floats; meaningful for PixelFormat::kRgbaFloat.
+    /// The pixels as floats; valid for PixelFormat::kRgbaFloat.
     float* Floats() { return pixels_.get(); }
     const float* Floats() const { return pixels_.get(); }
     /// The pixels as bytes: the channels of PixelFormat::kRgba8, or the memory of the floats.
