@@ -39,7 +39,7 @@ void Tell(const std::string& sentence) {
     static std::set<std::string> told;
     const std::lock_guard lock(mutex);
     if (!told.insert(sentence).second) return;
-    std::fputs(("umbrant_frei0r: " + sentence + "; pictures pass unchanged\n").c_str(), stderr);
+    std::fputs(("umbrant_frei0r: " + sentence + "; frames pass through unchanged\n").c_str(), stderr);
 }
 
 /// Runs something that may fail; returns whether it did not.
@@ -143,7 +143,7 @@ void f0r_get_plugin_info(f0r_plugin_info_t* info) {
     info->major_version = UMBRANT_MAJOR;
     info->minor_version = UMBRANT_MINOR;
     info->num_params = static_cast<int>(FilterParameters().size());
-    info->explanation = "A long, soft shadow behind what is not transparent, cut to the frame";
+    info->explanation = "A long, soft shadow of what is not transparent, cut to the frame";
 }
 
 void f0r_get_param_info(f0r_param_info_t* info, int index) {

@@ -36,7 +36,7 @@ const std::vector<FilterParameter>& FilterParameters() {
          {0},
          "0 normal, 0.5 inner, 1 radial"},
         {"Angle", "style/angle", kNumber, 0, 360, {}, {0.375}, "0 to 360 degrees"},
-        {"Origin", "style/origin", kPlace, 0, 0, {}, {0, 0}, "where a radial shadow comes from, in parts of the frame"},
+        {"Origin", "style/origin", kPlace, 0, 0, {}, {0, 0}, "the origin of a radial shadow, in fractions of the frame"},
         {"Distance", "style/distance", kNumber, 0, 2000, {}, {0.125}, "0 to 2000 pixels"},
         {"Softness", "style/softness", kNumber, 0, 500, {}, {0.5}, "0 to 500"},
         {"Color", "style/color", kColor, 0, 0, {}, {0, 0, 0}, "of the shadow"},
@@ -67,7 +67,7 @@ const std::vector<FilterParameter>& FilterParameters() {
          {"draft", "low", "moderate", "high", "extreme"},
          {0.5},
          "0 draft, 0.25 low, 0.5 moderate, 0.75 high, 1 extreme"},
-        {"Source opacity", "compositing/source-opacity", kNumber, 0, 100, {}, {1}, "of the picture itself, 0 to 100 %"},
+        {"Source opacity", "compositing/source-opacity", kNumber, 0, 100, {}, {1}, "of the frame itself, 0 to 100 %"},
         {"Offset shadow", "compositing/offset-shadow", kNumber, 0, 100, {}, {0.01}, "0 to 100"},
     };
     return parameters;

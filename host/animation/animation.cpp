@@ -41,10 +41,10 @@ ParamSet Animation::ValuesAt(const ParamSet& base, double frame, const Animation
 
 std::optional<std::string> WhyStill(const ParamRow& row) {
     if (!HasValue(KindOf(row.def))) {
-        return fmt::format("is a {} and has no value that could move", ParamTypeName(row.def.param_type));
+        return fmt::format("is a {} and cannot have keyframes", ParamTypeName(row.def.param_type));
     }
     if (row.def.flags & PF_ParamFlag_CANNOT_TIME_VARY) {
-        return "cannot have keyframes: the effect keeps it the same for all frames; give it one value in \"values\"";
+        return "cannot have keyframes: the effect does not let it vary over time; set one value in \"values\"";
     }
     return std::nullopt;
 }

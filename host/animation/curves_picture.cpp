@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr char kPicture[] = "a picture of the curves";
+constexpr char kPicture[] = "an image of the curves";
 
 constexpr double kLeft = 76;
 constexpr double kRight = 20;

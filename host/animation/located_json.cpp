@@ -158,7 +158,7 @@ class Builder : public nlohmann::json_sax<Json> {
 
     bool Open(Kind kind) {
         if (open_.size() == kDeepest) {
-            problem = "it is nested too deeply";
+            problem = "nested too deeply";
             return false;
         }
         if (!Count()) return false;

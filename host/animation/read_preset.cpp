@@ -34,9 +34,9 @@ Failure CannotRead(const fs::path& file, std::string_view reason) {
 Result<std::string> ReadText(const fs::path& file) {
     if (const auto reason = WhyNoFile(file)) return CannotRead(file, *reason);
     std::error_code error;
-    if (fs::is_directory(file, error)) return CannotRead(file, "it is a folder");
+    if (fs::is_directory(file, error)) return CannotRead(file, "a folder, not a file");
     std::ifstream stream(file, std::ios::binary);
-    if (!stream) return CannotRead(file, "it cannot be opened");
+    if (!stream) return CannotRead(file, "the file cannot be opened");
     constexpr std::size_t kPiece = std::size_t{1} << 16;
     std::string text;
     while (stream && text.size() <= kMostBytes) {
@@ -46,7 +46,7 @@ Result<std::string> ReadText(const fs::path& file) {
         text.resize(before + static_cast<std::size_t>(stream.gcount()));
     }
     if (text.size() > kMostBytes) {
-        return CannotRead(file, fmt::format("it is larger than {} MiB, which no preset is", kMostBytes >> 20));
+        return CannotRead(file, fmt::format("the file is larger than {} MiB", kMostBytes >> 20));
     }
     if (stream.bad()) return CannotRead(file, "reading failed");
     return text;
@@ -56,7 +56,7 @@ Result<std::string> ReadText(const fs::path& file) {
 int VersionOf(const LocatedJson& preset, PresetMistakes& mistakes) {
     const LocatedJson* version = preset.Find("version");
     if (!version) {
-        mistakes.Add(preset.place, "it has no \"version\"; this program reads versions 1 and 2");
+        mistakes.Add(preset.place, "\"version\" is missing; this program reads versions 1 and 2");
         return kNewestVersion;
     }
     if (version->kind == Kind::kNumber && (version->number == 1 || version->number == 2)) {
@@ -66,9 +66,12 @@ int VersionOf(const LocatedJson& preset, PresetMistakes& mistakes) {
     const std::string shown = version->kind == Kind::kString   ? fmt::format("\"{}\"", EchoText(version->text))
                               : version->kind == Kind::kNumber ? EchoText(version->text)
                                                                : std::string(version->KindName());
-    mistakes.Add(version->place,
-                 fmt::format("it has the version {}; this program reads versions 1 and 2{}", shown,
-                             isNewer ? ", and a newer one wrote this; save it there without what is new" : ""));
+    mistakes.Add(
+        version->place,
+        fmt::format("version {} is not supported; this program reads versions 1 and 2{}", shown,
+                    isNewer
+                        ? ", and a newer version of it wrote this file; save the preset there without newer features"
+                        : ""));
     return isNewer ? static_cast<int>(std::min(version->number, 1e6)) : kNewestVersion;
 }
 
@@ -77,7 +80,7 @@ void CheckTopKeys(const LocatedJson& preset, int version, PresetMistakes& mistak
     CheckKeys(preset, known, "a preset", mistakes);
     for (const LocatedJson::Member& member : preset.members) {
         if (member.key == "keyframes" && version < 2) {
-            mistakes.Add(member.place, "a preset of version 1 has no keyframes; write \"version\": 2");
+            mistakes.Add(member.place, "a preset of version 1 cannot have keyframes; write \"version\": 2");
         }
     }
 }
@@ -133,7 +136,7 @@ void ReadValues(const LocatedJson& values, AnimatedParams& params, NamedRows& na
         if (!row) continue;
         const auto text = ValueTextOf(member.value);
         if (!text) {
-            mistakes.Add(member.value.place, fmt::format("'{}' takes a text or a number, not what JSON calls {}",
+            mistakes.Add(member.value.place, fmt::format("'{}' takes a string or a number, not {}",
                                                          EchoText(member.key), member.value.KindName()));
             continue;
         }
@@ -151,7 +154,7 @@ void ReadTracks(const LocatedJson& tracks, AnimatedParams& params, const NamedRo
         if (!row) continue;
         if (still.Has(*row)) {
             mistakes.Add(member.place,
-                         fmt::format("'{}' has a value and keyframes; leave one of them", EchoText(member.key)));
+                         fmt::format("'{}' has a value and keyframes; remove one of them", EchoText(member.key)));
         }
         auto track = ReadTrack(member, *row, scratch, mistakes);
         if (track) params.animation.Put(std::move(*track));
@@ -167,16 +170,15 @@ void ReadPreset(const LocatedJson& preset, AnimatedParams& params, PresetMistake
     const LocatedJson* values = preset.Find("values");
     const LocatedJson* tracks = preset.Find("keyframes");
     if (values && values->kind != Kind::kObject) {
-        mistakes.Add(values->place, "its \"values\" are not an object of paths and values");
+        mistakes.Add(values->place, "\"values\" is not an object of paths and values");
     } else if (values) {
         CheckTwice(*values, mistakes);
         ReadValues(*values, params, named, mistakes);
     } else if (!tracks) {
-        mistakes.Add(preset.place,
-                     version == 1 ? "it has no \"values\"" : "it has neither \"values\" nor \"keyframes\"");
+        mistakes.Add(preset.place, version == 1 ? "\"values\" is missing" : "\"values\" and \"keyframes\" are missing");
     }
     if (tracks && tracks->kind != Kind::kObject) {
-        mistakes.Add(tracks->place, "its \"keyframes\" are not an object of paths and lists");
+        mistakes.Add(tracks->place, "\"keyframes\" is not an object of paths and lists");
     } else if (tracks && version >= 2) {
         CheckTwice(*tracks, mistakes);
         ReadTracks(*tracks, params, named, mistakes);
@@ -197,7 +199,7 @@ Failure PresetMistakes::Told(const fs::path& file) const {
         return fmt::format("line {}, column {}: {}", mistake.first.line, mistake.first.column, mistake.second);
     };
     if (count_ == 1) {
-        return {ExitCode::kUsage, fmt::format("the preset '{}' is wrong: {}", file.string(), line(list_.front()))};
+        return {ExitCode::kUsage, fmt::format("the preset '{}' has a mistake: {}", file.string(), line(list_.front()))};
     }
     std::string text = fmt::format("the preset '{}' has {} mistakes:", file.string(), count_);
     for (const auto& mistake : list_) text += "\n  " + line(mistake);
@@ -209,7 +211,7 @@ void CheckTwice(const LocatedJson& object, PresetMistakes& mistakes) {
     std::unordered_set<std::string_view> seen;
     for (const LocatedJson::Member& member : object.members) {
         if (seen.insert(member.key).second) continue;
-        mistakes.Add(member.place, fmt::format("'{}' stands there twice", EchoText(member.key)));
+        mistakes.Add(member.place, fmt::format("the key '{}' is repeated", EchoText(member.key)));
     }
 }
 
@@ -222,7 +224,7 @@ void CheckKeys(const LocatedJson& object, const std::vector<std::string>& known,
             const auto near = Nearest(member.key, known, 1);
             return near.empty() ? fmt::format("there is no key '{}' in {}; the keys are: {}", EchoText(member.key),
                                               what, fmt::join(known, ", "))
-                                : fmt::format("there is no key '{}' in {}; nearest: '{}'", EchoText(member.key), what,
+                                : fmt::format("there is no key '{}' in {}; closest: '{}'", EchoText(member.key), what,
                                               near.front());
         });
     }
@@ -242,13 +244,13 @@ Result<Done> ApplyPreset(const fs::path& file, AnimatedParams& params) {
 
 Result<Done> ApplyPresetText(const std::string& text, const std::string& name, AnimatedParams& params) {
     const auto preset = ParseLocatedJson(text);
-    if (!preset) return CannotRead(name, fmt::format("it is not JSON ({})", preset.Error().sentence));
+    if (!preset) return CannotRead(name, fmt::format("not valid JSON ({})", preset.Error().sentence));
     PresetMistakes mistakes;
     AnimatedParams changed = params;
     if (preset->kind == Kind::kObject) {
         ReadPreset(*preset, changed, mistakes);
     } else {
-        mistakes.Add(preset->place, "it is not an object with \"version\" and \"values\"");
+        mistakes.Add(preset->place, "the file is not an object with \"version\" and \"values\"");
     }
     if (!mistakes.IsEmpty()) return mistakes.Told(name);
     params = std::move(changed);

@@ -79,7 +79,7 @@ class TrackReader {
         const LocatedJson* frame = json.Find("frame");
         const LocatedJson* seconds = json.Find("seconds");
         if ((frame == nullptr) == (seconds == nullptr)) {
-            Wrong(json.place, fmt::format("a keyframe of '{}' has {}; give it one of them", name_,
+            Wrong(json.place, fmt::format("a keyframe of '{}' has {}; use one of them", name_,
                                           frame ? "\"frame\" and \"seconds\"" : "neither \"frame\" nor \"seconds\""));
             return false;
         }
@@ -106,7 +106,7 @@ class TrackReader {
         if (last_ && key.time == *last_) {
             Wrong(json.place, fmt::format("'{}' has two keyframes at {}", name_, TimeText(key.time)));
         } else if (last_ && key.time < *last_) {
-            Wrong(json.place, fmt::format("the keyframes of '{}' are out of order: {} stands after {}", name_,
+            Wrong(json.place, fmt::format("the keyframes of '{}' are out of order: {} comes after {}", name_,
                                           TimeText(key.time), TimeText(*last_)));
         }
         last_ = key.time;
@@ -117,8 +117,8 @@ class TrackReader {
         if (!value) return Wrong(json.place, fmt::format("a keyframe of '{}' has no \"value\"", name_));
         const auto text = ValueTextOf(*value);
         if (!text) {
-            return Wrong(value->place, fmt::format("'{}' takes a text or a number, not what JSON calls {}", name_,
-                                                   value->KindName()));
+            return Wrong(value->place,
+                         fmt::format("'{}' takes a string or a number, not {}", name_, value->KindName()));
         }
         if (const auto set = scratch_.SetFromText(fmt::format("#{}", row_.index), *text); !set) {
             return Wrong(value->place, set.Error().sentence);

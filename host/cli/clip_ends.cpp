@@ -33,31 +33,31 @@ Result<Done> CheckClipOptions(const RenderOptions& options) {
     const std::string& output = options.output;
     if (!IsClipName(output)) {
         if (!sequence.codec.empty()) {
-            return Usage(
-                fmt::format("--codec is about clips, and '{}' is a picture; clips are .mov, .mkv or .webm", output));
+            return Usage(fmt::format(
+                "--codec applies to clips only, and '{}' is an image; clips are .mov, .mkv or .webm", output));
         }
         return Done{};
     }
     if (auto codec = CodecFor(output, sequence.codec); !codec) return codec.Error();
     if (options.canvas == "frame") {
         return Usage(
-            fmt::format("--canvas frame gives each frame a size of its own, and the frames of a clip have one; for "
-                        "'{}' say grow, layer or LEFT,TOP,RIGHT,BOTTOM",
+            fmt::format("--canvas frame gives each frame its own size, and all frames of a clip have one size; for "
+                        "'{}' use grow, layer or LEFT,TOP,RIGHT,BOTTOM",
                         output));
     }
     if (!options.compression.empty()) {
-        return Usage("--compression is about pictures; how a clip is stored is said with --codec");
+        return Usage("--compression applies to images only; --codec chooses how a clip is stored");
     }
     if (!sequence.chunk.empty()) {
         return Usage(
-            fmt::format("--chunk is about frames with files of their own, and '{}' is one file; let the chunks "
-                        "draw pictures, and then make a clip of them",
+            fmt::format("--chunk needs one file per frame, and '{}' is a single file; render the chunks to "
+                        "images, then make a clip of them",
                         output));
     }
     if (sequence.keepGoing) {
         return Usage(
-            fmt::format("--keep-going leaves out frames that fail, and '{}' has no room for gaps; draw "
-                        "pictures with it, and then a clip of them",
+            fmt::format("--keep-going leaves out frames that fail, and '{}' cannot have gaps; render "
+                        "images, then make a clip of them",
                         output));
     }
     return Done{};
@@ -84,8 +84,8 @@ Result<Done> ClipEnds::Open(const RenderOptions& options, PlanRequest& request) 
     if (leads && options.sequence.rate.empty()) {
         if (!leads->isConstant) {
             return Usage(
-                fmt::format("the frame rate of '{}' varies: {} frames a second, {:.4g} on average; say at which "
-                            "rate to draw it, as --rate {}",
+                fmt::format("the frame rate of '{}' varies: {} frames a second, {:.4g} on average; choose one "
+                            "rate, such as --rate {}",
                             leads->path, RatesText(leads->times), leads->rate.PerSecond(), RateText(leads->rate)));
         }
         request.rate = leads->rate;
@@ -128,8 +128,8 @@ ClipEnds::Sound ClipEnds::SoundFor(const FramePlan& plan) const {
         if (follows) continue;
         return {false,
                 {},
-                fmt::format("the sound of '{}' is left out, since the frames do not follow one another as "
-                            "in that clip",
+                fmt::format("the sound of '{}' is left out: the order of the frames is not the "
+                            "clip's",
                             input_->Facts().path)};
     }
     Sound sound{true, {}, PlanSound(input_->Facts(), output_).note};
@@ -165,8 +165,8 @@ Result<Done> ClipEnds::Begin(const FramePlan& plan, const PF_LRect& canvas, cons
 
 Result<Done> ClipEnds::Write(const Drawn& drawn, const Placement& place) {
     if (place.frameWidth != layerWidth_ || place.frameHeight != layerHeight_) {
-        return Failure{ExitCode::kFile, fmt::format("its layer is {} x {}, and the frames of a clip have one size: the "
-                                                    "first one's, {} x {}",
+        return Failure{ExitCode::kFile, fmt::format("the layer is {} x {}, but all frames of a clip have the size of "
+                                                    "the first one, {} x {}",
                                                     place.frameWidth, place.frameHeight, layerWidth_, layerHeight_)};
     }
     const PF_LRect& rect = drawn.rect;

@@ -111,25 +111,25 @@ Command CompareCommand() {
     const auto options = std::make_shared<CompareOptions>();
     Command command;
     command.name = "compare";
-    command.summary = "Tell how far two pictures lie apart; exit code 1 when they are not close";
+    command.summary = "Report the difference between two images; exit code 1 when they are not close";
     command.examples =
         "  umbrant compare actual.png expected.png\n"
         "  umbrant compare actual.png expected.png --warn 1/255 --percent 0.5 --hard 3/255 --diff diff.png\n"
         "      at most 0.5 percent of the pixels differ by 1/255 or more, and none by more than 3/255;\n"
         "      the differences are drawn 32 times as strong";
     command.options = [options](CLI::App& app) {
-        app.add_option("FIRST", options->first, "A picture")->required();
-        app.add_option("SECOND", options->second, "The picture that it is compared with")->required();
-        app.add_option("--warn", options->warn, "A pixel counts that differs by this much or more (1/255)")
+        app.add_option("FIRST", options->first, "The first image")->required();
+        app.add_option("SECOND", options->second, "The second image")->required();
+        app.add_option("--warn", options->warn,
+                       "A pixel that differs by this much or more counts as different (default 1/255)")
             ->type_name("STEP");
-        app.add_option("--percent", options->percent, "So many pixels may count, in percent (0.5)")
+        app.add_option("--percent", options->percent,
+                       "How many pixels may count as different, in percent (default 0.5)")
             ->check([](const std::string& text) { return OutOfRange(text, 0.0, 100.0); });
-        app.add_option("--hard", options->hard, "No pixel may differ by more (3/255)")->type_name("STEP");
-        app.add_option("--diff", options->difference, "Where to write a picture of the differences")
-            ->type_name("IMAGE");
-        app.add_flag("--straight", options->straight,
-                     "Compare colours as stored; without it as seen, premultiplied by alpha");
-        app.add_flag("--json", options->json, "For programs");
+        app.add_option("--hard", options->hard, "No pixel may differ by more (default 3/255)")->type_name("STEP");
+        app.add_option("--diff", options->difference, "Where to write an image of the differences")->type_name("IMAGE");
+        app.add_flag("--straight", options->straight, "Compare colours as stored instead of premultiplied by alpha");
+        app.add_flag("--json", options->json, "Print JSON");
     };
     command.run = [options] { return RunCompare(*options); };
     return command;

@@ -41,10 +41,10 @@ Command CompletionCommand() {
     const auto options = std::make_shared<CompletionOptions>();
     Command command;
     command.name = "completion";
-    command.summary = "Print what a shell needs to complete this program's commands, options and values";
+    command.summary = "Print a script for a shell that completes commands, options and values";
     command.examples =
         "  source <(umbrant completion bash)\n"
-        "      in a running bash; a package installs it for all\n"
+        "      for the running bash; a package installs the script for all users\n"
         "  umbrant completion zsh > ~/.zfunc/_umbrant\n"
         "      in a folder of zsh's fpath, before compinit runs\n"
         "  umbrant completion fish > ~/.config/fish/completions/umbrant.fish";
@@ -54,8 +54,8 @@ Command CompletionCommand() {
             ->type_name("bash|zsh|fish")
             ->required();
         app.add_option("--module", options->module,
-                       "The effect's module, whose parameters are completed; without it UMBRANT_MODULE or the one "
-                       "beside the program")
+                       "The effect's module, whose parameters are completed (default: UMBRANT_MODULE, else the "
+                       "program's own module)")
             ->type_name("FILE");
     };
     command.run = [options] { return Completion(*options); };

@@ -138,7 +138,7 @@ void AddWords(const CompletionNode& node, const std::string& where, std::string&
 
 std::string BashCompletion(const CompletionNode& program, const std::vector<CompletionRow>& rows) {
     std::string text = "# Completion of umbrant's command line for bash, written by `umbrant completion bash`.\n\n";
-    text += "# What stands after an option, or as an argument: sets kind and choices.\n";
+    text += "# The value of an option or argument: sets kind and choices.\n";
     text += "_umbrant_value() {\n    kind=none choices=\n    case $1 in\n";
     AddValues(program, "", text);
     text += "    esac\n}\n\n# The commands and options of a command: sets commands and options.\n";

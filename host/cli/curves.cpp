@@ -30,7 +30,7 @@ using Json = nlohmann::ordered_json;
 
 constexpr char kExamples[] =
     "  umbrant curves --preset moving.json -o curves.png\n"
-    "      a plot for each parameter that moves, from its first key to its last\n"
+    "      a plot for each parameter with keyframes, from the first key to the last\n"
     "  umbrant curves --preset moving.json --frames 1-48 --rate 25 -o curves.png\n"
     "      over the frames of a shot\n"
     "  umbrant curves --preset moving.json --frames 1-48 --json | jq '.rows[\"style/angle\"]'\n"
@@ -59,7 +59,7 @@ Result<std::vector<FrameNumber>> ShownFrames(const std::string& asked, const Ani
         last = std::max(last, track.track.FrameOf(track.track.keys.back(), clock));
     }
     if (last - first > 2 * kFarthestFrame) {
-        return Failure{ExitCode::kUsage, "the keys lie too far apart to be shown at this rate; give --frames"};
+        return Failure{ExitCode::kUsage, "the keys are too far apart to be shown at this rate; use --frames"};
     }
     std::vector<FrameNumber> frames;
     for (double frame = std::floor(first); frame <= std::ceil(last); ++frame)
@@ -101,7 +101,7 @@ Result<Done> WriteCurves(const CurvesCommandOptions& options, const AnimatedPara
 
 Result<ExitCode> Curves(const CurvesCommandOptions& options) {
     if (options.output.empty() && !options.json) {
-        return Failure{ExitCode::kUsage, "there is nothing to do; give -o FILE or --json"};
+        return Failure{ExitCode::kUsage, "nothing to do; use -o FILE or --json"};
     }
     if (!options.output.empty()) {
         if (auto writable = CheckWritable(options.output); !writable) return writable.Error();
@@ -118,7 +118,8 @@ Result<ExitCode> Curves(const CurvesCommandOptions& options) {
     AnimatedParams params{opened->Session().Params(), {}};
     if (auto set = ApplyValues(options.preset, options.settings, params); !set) return set.Error();
     if (params.animation.IsEmpty()) {
-        return Failure{ExitCode::kUsage, fmt::format("nothing moves in '{}': it has no keyframes", options.preset)};
+        return Failure{ExitCode::kUsage,
+                       fmt::format("there are no curves to draw: '{}' has no keyframes", options.preset)};
     }
     const auto frames = ShownFrames(options.frames, params.animation, clock);
     if (!frames) return frames.Error();
@@ -135,32 +136,32 @@ Command CurvesCommand() {
     const auto options = std::make_shared<CurvesCommandOptions>();
     Command command;
     command.name = "curves";
-    command.summary = "Draw the keyframes of a preset: how each parameter moves";
+    command.summary = "Draw the keyframes of a preset as curves";
     command.examples = kExamples;
     command.options = [options](CLI::App& app) {
         app.add_option("--preset", options->preset, "The preset with the keyframes")
             ->required()
             ->type_name("FILE.json");
-        app.add_option("--set", options->settings, "A parameter's value, which then keeps still")
+        app.add_option("--set", options->settings, "A parameter's constant value, which replaces its keyframes")
             ->type_name("PATH=VALUE")
             ->allow_extra_args(false);
-        app.add_option("-o,--output", options->output, "The picture to write: " + WritableFormats());
-        app.add_option("--frames", options->frames, "Which frames; without it from the first key to the last")
+        app.add_option("-o,--output", options->output, "The image to write: " + WritableFormats());
+        app.add_option("--frames", options->frames, "Which frames (default: from the first key to the last)")
             ->type_name("FRAMES");
-        app.add_option("--rate", options->rate, "Frames per second, as 24, 29.97 or 30000/1001")
+        app.add_option("--rate", options->rate, "Frames per second, such as 24, 29.97 or 30000/1001")
             ->capture_default_str()
             ->type_name("RATE");
         app.add_option("--zero-frame", options->zeroFrame, "The frame at time 0")
             ->check(CLI::Range(-kFarthestFrame, kFarthestFrame))
             ->capture_default_str()
             ->type_name("FRAME");
-        app.add_option("--width", options->width, "The picture's width in pixels")
+        app.add_option("--width", options->width, "Width of the image in pixels")
             ->check(CLI::Range(320, 8000))
             ->capture_default_str()
             ->type_name("N");
-        app.add_flag("--json", options->json, "The value of each row at each frame, for programs");
+        app.add_flag("--json", options->json, "Print JSON: the value of each row at each frame");
         app.add_option("--module", options->module,
-                       "The effect's module; without it UMBRANT_MODULE or the one beside the program")
+                       "The effect's module (default: UMBRANT_MODULE, else the program's own module)")
             ->type_name("FILE");
     };
     command.run = [options] { return Curves(*options); };

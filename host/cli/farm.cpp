@@ -63,7 +63,7 @@ std::string WhyNoName(const std::string& text) {
                       std::all_of(text.begin(), text.end(), fits);
     if (good) return "";
     return fmt::format(
-        "'{}' is no name of a job: up to 64 letters, digits, '-', '_' and '.' are one, not beginning with "
+        "'{}' is not a valid job name: use up to 64 letters, digits, '-', '_' and '.', not beginning with "
         "'-' or '.'",
         text);
 }
@@ -73,17 +73,17 @@ std::string WhyNoLogs(const std::string& text) {
     const auto wrong = [](unsigned char c) { return c < 0x20 || c == 0x7f || c == '"' || c == '\'' || c == '\\'; };
     if (!text.empty() && std::none_of(text.begin(), text.end(), wrong)) return "";
     return fmt::format(
-        "'{}' cannot be the folder of the logs: it may hold no quotes, backslashes and control characters", text);
+        "'{}' cannot be the folder of the logs: quotes, backslashes and control characters are not allowed", text);
 }
 
 /// Engines differ in what can be chosen.
 Result<Done> CheckChoices(const FarmOptions& options) {
     if (!options.halt.empty() && options.engine != "parallel") {
         return Failure{ExitCode::kUsage,
-                       fmt::format("--halt is for parallel; with {} that is the engine's own setting", options.engine)};
+                       fmt::format("--halt applies to parallel only; {} has its own setting for it", options.engine)};
     }
     if (!options.logs.empty() && options.engine == "openjd") {
-        return Failure{ExitCode::kUsage, "--logs is not for openjd, whose engine keeps what each task tells"};
+        return Failure{ExitCode::kUsage, "--logs does not apply to openjd, whose engine keeps the logs of its tasks"};
     }
     return Done{};
 }
@@ -140,7 +140,8 @@ Result<std::string> EnterFolder(const std::string& asked) {
 Result<FarmJob> JobOf(const FarmOptions& options, const std::vector<std::string>& arguments,
                       const RenderOptions& render) {
     if (!render.sequence.chunk.empty()) {
-        return Failure{ExitCode::kUsage, "--chunk is what tells the tasks of a job apart; leave it out"};
+        return Failure{ExitCode::kUsage,
+                       "--chunk is not allowed here, as each task of a job has its own chunk; leave it out"};
     }
     const auto folder = EnterFolder(options.folder);
     if (!folder) return folder.Error();
@@ -149,7 +150,7 @@ Result<FarmJob> JobOf(const FarmOptions& options, const std::vector<std::string>
     if (!*many) {
         return Failure{
             ExitCode::kUsage,
-            fmt::format("'{}' is a single picture, and a job has many frames; say which with --frames, or draw "
+            fmt::format("'{}' is a single image, and a job has many frames; choose them with --frames, or draw "
                         "it with `umbrant render`",
                         render.input)};
     }
@@ -210,7 +211,8 @@ Command FarmCommand() {
         options->app = &app;
         app.formatter(std::make_shared<FarmHelp>());
         app.prefix_command();
-        app.add_option("ENGINE", options->engine, "Whose job it is; the arguments of `umbrant render` follow")
+        app.add_option("ENGINE", options->engine,
+                       "The engine that runs the job; the arguments of `umbrant render` follow")
             ->required()
             ->check(CLI::IsMember({"slurm", "openjd", "parallel"}))
             ->type_name("slurm|openjd|parallel");
@@ -218,32 +220,32 @@ Command FarmCommand() {
             ->check(WhyNoName)
             ->capture_default_str()
             ->type_name("NAME");
-        CLI::Option* tasks =
-            app.add_option("--tasks", options->tasks, "Into how many tasks the frames are divided, at most one a frame")
-                ->check(CLI::Range(1, kMostTasks))
-                ->type_name("N");
-        app.add_option("--frames-per-task", options->framesPerTask, "Frames of a task at most")
+        CLI::Option* tasks = app.add_option("--tasks", options->tasks, "Number of tasks, at most one per frame")
+                                 ->check(CLI::Range(1, kMostTasks))
+                                 ->type_name("N");
+        app.add_option("--frames-per-task", options->framesPerTask, "Largest number of frames in a task")
             ->check(CLI::Range(1, kMostTasks))
             ->capture_default_str()
             ->excludes(tasks)
             ->type_name("N");
-        app.add_option("--retries", options->retries, "How often a task that fails is begun again")
+        app.add_option("--retries", options->retries, "How often a failed task is tried again")
             ->check(CLI::Range(0, 100))
             ->capture_default_str()
             ->type_name("N");
         app.add_option("--logs", options->logs,
-                       "The folder of the logs, for slurm and parallel; without it the folder of the job")
+                       "The folder of the logs, for slurm and parallel (default: the folder of the job)")
             ->check(WhyNoLogs)
             ->type_name("FOLDER");
         app.add_option("--halt", options->halt,
-                       "For parallel, what a task that failed for good means for the others: never (default), none; "
-                       "soon, no other begins; now, all end")
+                       "For parallel, when a task has failed after its retries: never (default), the others continue; "
+                       "soon, no other starts; now, all are ended")
             ->check(CLI::IsMember({"never", "soon", "now"}))
             ->type_name("never|soon|now");
         app.add_option("--folder", options->folder,
-                       "Where the tasks begin, which names are relative to; without it the current folder")
+                       "The working folder of the tasks, which names are relative to (default: the current folder)")
             ->type_name("FOLDER");
-        app.add_option("--program", options->program, "The program on the farm's machines; without it this very file")
+        app.add_option("--program", options->program,
+                       "The program on the farm's machines (default: the path of this program)")
             ->type_name("FILE");
     };
     command.run = [options] { return Farm(*options); };

@@ -162,12 +162,12 @@ std::vector<std::string> FrameProgress::NotesOf(std::size_t index) {
         const FrameOutcome& before = *outcomes_[*previous_];
         const FrameNumber& number = plan_.frames[*previous_].number;
         if (before.layerWidth != outcome.layerWidth || before.layerHeight != outcome.layerHeight) {
-            notes.push_back(fmt::format("frame {} is {} x {} where frame {} is {} x {}", frame.number,
+            notes.push_back(fmt::format("frame {} is {} x {}, but frame {} is {} x {}", frame.number,
                                         outcome.layerWidth, outcome.layerHeight, number, before.layerWidth,
                                         before.layerHeight));
         }
         if (before.bits != outcome.bits) {
-            notes.push_back(fmt::format("frame {} has {} bits a channel where frame {} has {}", frame.number,
+            notes.push_back(fmt::format("frame {} has {} bits per channel, but frame {} has {}", frame.number,
                                         outcome.bits, number, before.bits));
         }
     }
@@ -210,7 +210,7 @@ void FrameProgress::TellFrame(std::size_t index) {
     if (form_ != ProgressForm::kLines || outcome.kind == Kind::kSkipped) return;
     const std::string place = fmt::format("{} of {}", index + 1, plan_.frames.size());
     Print(outcome.kind == Kind::kExists
-              ? fmt::format("umbrant: frame {} ({}): '{}' is there already", frame.number, place, frame.output)
+              ? fmt::format("umbrant: frame {} ({}): '{}' already exists", frame.number, place, frame.output)
               : fmt::format("umbrant: frame {} ({}): {}", frame.number, place, DurationText(TimeOf(outcome) / 1000)));
 }
 

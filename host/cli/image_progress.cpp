@@ -44,12 +44,12 @@ void ImageProgress::Begins(std::size_t, FrameStep step, const EffectSession* ses
         session_ = session;
         Follow([session] { return ActivityText(*session); });
     } else if (step == FrameStep::kWrite) {
-        Say("writing the picture");
+        Say("writing the image");
     }
 }
 
 void ImageProgress::Draws(std::size_t, const Frame& drawn, const EffectSession& session) {
-    Say("preparing the picture");
+    Say("preparing the image");
     isDrawn_ = true;
     record_.rect = drawn.rect;
     record_.maxRect = drawn.maxRect;

@@ -73,7 +73,7 @@ std::string Text(const nlohmann::ordered_json& info) {
     const auto gpu = [&info](const char* key) { return info["gpu"][key].get<std::string>(); };
     std::string text;
     const auto line = [&text](const char* label, const std::string& value) {
-        text += fmt::format("{:<16} {}\n", label, value.empty() ? "the effect does not say" : value);
+        text += fmt::format("{:<16} {}\n", label, value.empty() ? "not declared by the effect" : value);
     };
     line("Effect", fmt::format("{} {}", get("name"), get("version")));
     line("Match name", get("matchName"));
@@ -85,12 +85,12 @@ std::string Text(const nlohmann::ordered_json& info) {
     line("Renderer", gpu("renderer"));
     line("OpenGL Version", gpu("openglVersion"));
     line("Shader Version", gpu("shaderVersion"));
-    line("Draws with", fmt::format("{}: {}", info["renderer"]["used"] == "cpu" ? "the processor" : "OpenGL",
-                                   info["renderer"]["why"].get<std::string>()));
+    line("Drawn by", fmt::format("{}: {}", info["renderer"]["used"] == "cpu" ? "the CPU renderer" : "the GPU renderer",
+                                 info["renderer"]["why"].get<std::string>()));
     line("Host", fmt::format("umbrant {}, interface {}", info["host"]["version"].get<std::string>(),
                              info["host"]["apiVersion"].get<std::string>()));
     const std::string about = WithoutFinalBreaks(get("about"));
-    return text + "\n" + (about.empty() ? "the effect does not say what it is about" : about) + "\n";
+    return text + "\n" + (about.empty() ? "the effect has no about text" : about) + "\n";
 }
 
 Result<ExitCode> Info(const InfoOptions& options) {
@@ -114,13 +114,13 @@ Command InfoCommand() {
     const auto options = std::make_shared<InfoOptions>();
     Command command;
     command.name = "info";
-    command.summary = "Tell the module's identity, its about text, the GPU and what pictures are drawn with";
+    command.summary = "Show the module's identity and about text, the GPU, and the renderer that draws";
     command.examples =
         "  umbrant info\n"
         "  umbrant info --json --module build/release/umbrant2.so";
     command.options = [options](CLI::App& app) {
         app.add_option("--module", options->module, "The effect's module")->type_name("FILE");
-        app.add_flag("--json", options->json, "For programs");
+        app.add_flag("--json", options->json, "Print JSON");
     };
     command.run = [options] { return Info(*options); };
     return command;

@@ -30,17 +30,17 @@ namespace {
 
 constexpr char kExamples[] =
     "  umbrant panel -o panel.png\n"
-    "      the panel as the effect opens it\n"
+    "      the panel in its initial state\n"
     "  umbrant panel -o panel.png --set style/shadow-type=radial --open all --scale 2 --theme light\n"
     "      every row of a radial shadow, at double size\n"
     "  umbrant panel -o panel.png --open about-support --close style --width 420\n"
-    "      twirls as the user leaves them; rows are named as in --set, or '#index'\n"
+    "      groups opened and closed; rows are named as in --set, or by '#index'\n"
     "  umbrant panel --press about-support/product-page\n"
-    "      presses a button: by its group and what its face says, its face alone, its path, or '#3'\n"
+    "      presses a button, named by its group and label, its label alone, its path, or '#3'\n"
     "  umbrant panel --json --set style/shadow-type=inner\n"
     "      the visible rows, for programs\n"
     "  umbrant panel -o panel.png --preset moving.json --time 1.5\n"
-    "      the values of a preset, those that move as they are after a second and a half";
+    "      the values of a preset, with its keyframes at 1.5 seconds";
 
 struct PanelOptions {
     std::string output;
@@ -144,7 +144,7 @@ Result<Done> SetValues(const PanelOptions& options, EffectSession& session) {
 
 Result<ExitCode> Panel(const PanelOptions& options) {
     if (options.output.empty() && options.press.empty() && !options.json) {
-        return Failure{ExitCode::kUsage, "there is nothing to do; give -o FILE, --json or --press BUTTON"};
+        return Failure{ExitCode::kUsage, "nothing to do; use -o FILE, --json or --press BUTTON"};
     }
     if (!options.output.empty()) {
         if (auto writable = CheckWritable(options.output); !writable) return writable.Error();
@@ -181,22 +181,22 @@ Command PanelCommand() {
     const auto options = std::make_shared<PanelOptions>();
     Command command;
     command.name = "panel";
-    command.summary = "Draw the effect's panel as a picture, list its visible rows, or press one of its buttons";
+    command.summary = "Draw the effect's panel as an image, list its visible rows, or press one of its buttons";
     command.examples = kExamples;
     command.options = [options](CLI::App& app) {
-        app.add_option("-o,--output", options->output, "The picture to write: " + WritableFormats());
+        app.add_option("-o,--output", options->output, "The image to write: " + WritableFormats());
         CLI::Option* preset =
-            app.add_option("--preset", options->preset, "Values and keyframes from a file; a later --set wins")
+            app.add_option("--preset", options->preset, "Values and keyframes from a preset; --set overrides them")
                 ->type_name("FILE.json");
-        app.add_option("--time", options->seconds, "The moment that the panel shows of what moves")
+        app.add_option("--time", options->seconds, "The time at which keyframes are shown")
             ->check([](const std::string& text) { return OutOfRange(text, 0.0, kLongestTime); })
             ->needs(preset)
             ->type_name("SECONDS");
-        app.add_option("--rate", options->rate, "Frames per second of keyframes that count in frames")
+        app.add_option("--rate", options->rate, "Frames per second, for keyframes whose times are frames")
             ->capture_default_str()
             ->needs(preset)
             ->type_name("RATE");
-        app.add_option("--zero-frame", options->zeroFrame, "Their frame at time 0")
+        app.add_option("--zero-frame", options->zeroFrame, "The frame at time 0, for keyframes whose times are frames")
             ->check(CLI::Range(-kFarthestFrame, kFarthestFrame))
             ->capture_default_str()
             ->needs(preset)
@@ -204,29 +204,29 @@ Command PanelCommand() {
         app.add_option("--set", options->settings, "A parameter's value; may be given many times")
             ->type_name("PATH=VALUE")
             ->allow_extra_args(false);
-        app.add_option("--open", options->opened, "A group, slider or angle whose twirl is open, or 'all'")
+        app.add_option("--open", options->opened, "Open a group, slider or angle, or 'all'")
             ->type_name("ROW")
             ->allow_extra_args(false);
-        app.add_option("--close", options->closed, "One whose twirl is closed, or 'all'; after --open")
+        app.add_option("--close", options->closed, "Close a group, slider or angle, or 'all'; applied after --open")
             ->type_name("ROW")
             ->allow_extra_args(false);
-        app.add_option("--press", options->press, "A button to press: its face, its path or '#index'")
+        app.add_option("--press", options->press, "A button to press: its label, its path or '#index'")
             ->type_name("BUTTON");
-        app.add_option("--width", options->width, "The panel's width in its own pixels")
+        app.add_option("--width", options->width, "Width of the panel in pixels, before --scale")
             ->check(CLI::Range(PanelMetrics::kLeastWidth, PanelMetrics::kMostWidth))
             ->capture_default_str()
             ->type_name("N");
-        app.add_option("--scale", options->scale, "Pixels of the picture per pixel of the panel")
+        app.add_option("--scale", options->scale, "Pixels of the image per pixel of the panel")
             ->check(CLI::Range(1, 4))
             ->capture_default_str()
             ->type_name("1..4");
-        app.add_option("--theme", options->theme, "How bright the panel is")
+        app.add_option("--theme", options->theme, "The colours of the panel")
             ->check(CLI::IsMember({"dark", "light"}))
             ->capture_default_str()
             ->type_name("dark|light");
-        app.add_flag("--json", options->json, "The visible rows, for programs");
+        app.add_flag("--json", options->json, "Print JSON: the visible rows");
         app.add_option("--module", options->module,
-                       "The effect's module; without it UMBRANT_MODULE or the one beside the program")
+                       "The effect's module (default: UMBRANT_MODULE, else the program's own module)")
             ->type_name("FILE");
     };
     command.run = [options] { return Panel(*options); };

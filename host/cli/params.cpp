@@ -220,12 +220,12 @@ Command ParamsCommand() {
         "      a preset, for `umbrant render --preset long.json`";
     command.options = [options](CLI::App& app) {
         app.add_option("--module", options->module, "The effect's module")->type_name("FILE");
-        app.add_flag("--all", options->all, "With the rows of the group 'debug', which --json always lists");
-        CLI::Option* json = app.add_flag("--json", options->json, "For programs; with the group ends too");
+        app.add_flag("--all", options->all, "Also list the rows of the group 'debug', which --json always lists");
+        CLI::Option* json = app.add_flag("--json", options->json, "Print JSON, including the ends of groups");
         CLI::Option* values =
-            app.add_flag("--values", options->values, "The values alone, as a preset for `render --preset`")
+            app.add_flag("--values", options->values, "Print only the values, as a preset for `render --preset`")
                 ->needs(json);
-        app.add_option("--preset", options->preset, "With --values: values to begin with")
+        app.add_option("--preset", options->preset, "With --values: a preset to start from")
             ->type_name("FILE.json")
             ->needs(values);
         app.add_option("--set", options->settings, "With --values: a parameter's value; may be given many times")

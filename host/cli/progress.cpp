@@ -13,13 +13,13 @@ namespace {
 const char* StageWords(RenderStage stage) {
     switch (stage) {
         case RenderStage::kUpload:
-            return "the layer goes to the effect";
+            return "the layer is passed to the effect";
         case RenderStage::kDraw:
             return "the effect draws";
         case RenderStage::kReadBack:
-            return "the shadow comes back";
+            return "the shadow is read back";
         case RenderStage::kComposite:
-            return "layer, texture and shadow are put together";
+            return "layer, texture and shadow are composited";
     }
     return "";
 }
@@ -29,9 +29,9 @@ const char* StageWords(RenderStage stage) {
 std::string ActivityText(const EffectSession& session) {
     const auto activity = session.Now();
     if (!activity) return "between two commands";
-    if (activity->command == PF_Cmd_SMART_PRE_RENDER) return "the effect is asked how much it covers";
+    if (activity->command == PF_Cmd_SMART_PRE_RENDER) return "the effect computes its result rectangle";
     if (activity->command == PF_Cmd_SMART_RENDER) return StageWords(activity->stage);
-    return "the effect is at work";
+    return "the effect is working";
 }
 
 void StatusLine::Start(Seconds first, Seconds next, std::function<void()> renew) {

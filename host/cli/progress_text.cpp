@@ -59,7 +59,7 @@ std::string BarText(const FrameTotals& totals, std::size_t all, double seconds, 
 
 std::string CountText(const FrameTotals& totals) {
     std::string text = fmt::format("{} drawn", totals.drawn);
-    if (totals.existing > 0) text += fmt::format(", {} there already", totals.existing);
+    if (totals.existing > 0) text += fmt::format(", {} already there", totals.existing);
     if (totals.skipped > 0) text += fmt::format(", {} left out", totals.skipped);
     if (totals.failed > 0) text += fmt::format(", {} failed", totals.failed);
     return text;

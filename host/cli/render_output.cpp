@@ -13,14 +13,16 @@
 Result<Done> CheckStorage(const RenderOptions& options) {
     const bool isStream = options.output == "-";
     if (!isStream && !options.format.empty()) {
-        return Failure{ExitCode::kUsage, fmt::format("--format is about standard output, '-o -'; the extension of '{}' "
-                                                     "names its format",
-                                                     options.output)};
+        return Failure{ExitCode::kUsage,
+                       fmt::format("--format applies to standard output only ('-o -'); the extension of '{}' "
+                                   "names its format",
+                                   options.output)};
     }
     if (isStream) {
         if (auto known = CheckFormat(options.output, options.format); !known) return known;
         if (options.json) {
-            return Failure{ExitCode::kUsage, "--json and '-o -' both write to standard output; name a file for one"};
+            return Failure{ExitCode::kUsage,
+                           "--json and '-o -' both write to standard output; write the image to a file"};
         }
     }
     if (!options.compression.empty()) {
@@ -54,7 +56,7 @@ void TellNotes(const RenderOptions& options, const std::string& note, const std:
 std::string WhyNoDepth(const std::string& text) {
     if (text == "8" || text == "32") return "";
     if (text == "16" || text == "half" || text == "float") {
-        return fmt::format("the effect renders in 8 or 32 bits; --output-depth {} stores the file so", text);
+        return fmt::format("the effect renders in 8 or 32 bits; --output-depth {} sets the depth of the file", text);
     }
     return fmt::format("'{}' is not 8 or 32, the bits of a channel in the effect", text);
 }

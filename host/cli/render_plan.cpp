@@ -116,7 +116,7 @@ Result<Done> CheckNoTime(const RenderOptions& options) {
     }
     if (options.seconds == 0) return Done{};
     return Failure{ExitCode::kUsage,
-                   "--time is about a single picture; the frames of a sequence have their times "
+                   "--time applies to a single image; the frames of a sequence have their times "
                    "from --rate and --zero-frame"};
 }
 
@@ -133,10 +133,9 @@ Result<bool> MeansSequence(const RenderOptions& options) {
     if (!request) return request.Error();
     const auto many = MeansSequence(*request);
     if (many && !*many && IsClipName(options.output)) {
-        return Failure{ExitCode::kUsage,
-                       fmt::format("'{}' is a clip, but '{}' is a single picture; say which frames to "
-                                   "draw with --frames",
-                                   options.output, options.input)};
+        return Failure{ExitCode::kUsage, fmt::format("'{}' is a clip, but '{}' is a single image; choose the frames to "
+                                                     "draw with --frames",
+                                                     options.output, options.input)};
     }
     return many;
 }
@@ -147,11 +146,10 @@ Result<std::vector<FrameNumber>> FramesOf(const RenderOptions& options) {
         if (auto known = CheckStorage(options); !known) return known.Error();
     }
     if (IsClipName(options.output)) {
-        return Failure{
-            ExitCode::kUsage,
-            fmt::format("the tasks of a job draw frames with files of their own, and '{}' is one file; let them "
-                        "draw pictures, and then make a clip of those",
-                        options.output)};
+        return Failure{ExitCode::kUsage,
+                       fmt::format("the tasks of a job need one file per frame, and '{}' is a single file; render "
+                                   "images, then make a clip of them",
+                                   options.output)};
     }
     const auto folder = OutputFolder::For(options.output, options.makesFolder);
     if (!folder) return folder.Error();

@@ -46,7 +46,7 @@ class RenderRun {
         if (!wish) return wish.Error();
         if (isImage_) image_.emplace(SecondsOfProgress(options_.sequence), options_.verbose);
         FillJob();
-        Say("reading the pictures");
+        Say("reading the images");
         auto first = ReadFirst(plan_->frames, *plan_->reader, options_.sequence.keepGoing);
         if (!first) return first.Error();
         // Without a frame there is nothing to draw, and the summary says so.
@@ -99,8 +99,8 @@ class RenderRun {
  private:
     static std::string CannotFind(const std::string& reason) {
         std::fputs(
-            fmt::format("umbrant: the canvas of the whole set is not known here: {}; each task finds one itself, "
-                        "from the frames that are there then; --canvas LEFT,TOP,RIGHT,BOTTOM fixes it\n",
+            fmt::format("umbrant: the canvas of the whole set is not known here: {}; each task determines its own "
+                        "from the frames that exist then; --canvas LEFT,TOP,RIGHT,BOTTOM fixes it\n",
                         reason)
                 .c_str(),
             stderr);
@@ -198,13 +198,13 @@ class RenderRun {
         job_.frameBytes = MostBytes(alone, footprint);
         if (options_.verbose) {
             const PipelineShape& shape = job_.shape;
-            std::fputs(
-                fmt::format("{}\nthreads: {} reading, {} drawing, {} writing; at most {} frames under way, which take "
-                            "up to {} MiB\n",
-                            RendererText(renderer_), shape.readers, shape.drawers, shape.writers, shape.underWay,
-                            (MostBytes(shape, footprint) >> 20) + 1)
-                    .c_str(),
-                stderr);
+            std::fputs(fmt::format(
+                           "{}\nthreads: {} reading, {} drawing, {} writing; at most {} frames in progress, which take "
+                           "up to {} MiB\n",
+                           RendererText(renderer_), shape.readers, shape.drawers, shape.writers, shape.underWay,
+                           (MostBytes(shape, footprint) >> 20) + 1)
+                           .c_str(),
+                       stderr);
         }
         return Done{};
     }

@@ -23,7 +23,8 @@ std::optional<std::pair<double, double>> PlaceOf(const std::string& text) {
 
 std::string WhyNoPlace(const std::string& text) {
     if (PlaceOf(text)) return "";
-    return fmt::format("'{}' is not a place X,Y with numbers from -{} to {}", text, kFarthestTexture, kFarthestTexture);
+    return fmt::format("'{}' is not a position X,Y with numbers from -{} to {}", text, kFarthestTexture,
+                       kFarthestTexture);
 }
 
 Failure Explain(const Failure& failure, const EffectSession& session) {

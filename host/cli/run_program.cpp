@@ -32,7 +32,7 @@
 namespace {
 
 constexpr char kDescription[] =
-    "Draws shadows of pictures with the Umbrant effect module.\n"
+    "Renders long, soft shadows for images with transparency.\n"
     "Results go to standard output, messages to standard error.";
 
 constexpr char kFooter[] =
@@ -41,7 +41,7 @@ constexpr char kFooter[] =
     "  umbrant render title.png -o shadow.png --set style/distance=80 --set style/color=#203060\n"
     "  umbrant params\n"
     "\n"
-    "Exit codes: 0 done, 1 the effect or a check failed (or compared pictures differ), 2 wrong usage or a bad value,\n"
+    "Exit codes: 0 done, 1 the effect or a check failed (or compared images differ), 2 wrong usage or a bad value,\n"
     "3 a file cannot be read or written, 4 the module cannot be loaded, 5 an internal error, 129 the terminal was "
     "closed,\n"
     "130 interrupted, 131 quit, 141 nobody reads standard output, 143 terminated.";
@@ -87,7 +87,7 @@ std::optional<std::string> UnknownArgument(const CLI::App& app, const std::vecto
         for (const Command& command : commands) names.push_back(command.name);
         return fmt::format("there is no command '{}'{}", extra, Suggestion(extra, names));
     }
-    return fmt::format("'{}' is one argument too many", extra);
+    return fmt::format("'{}' is not expected here", extra);
 }
 
 int UsageError(const CLI::App& app, const std::vector<Command>& commands, const CLI::ParseError& problem) {
@@ -113,7 +113,7 @@ int Finish(int code) {
 
 void SayThreadShortage(const ThreadShortage& shortage) {
     Say(fmt::format(
-        "only {} of {} threads could be started; the work goes on with fewer and takes longer (`ulimit -u`, "
+        "only {} of {} threads could be started; the work continues with fewer and takes longer (`ulimit -u`, "
         "or the container's limits of tasks and memory, allow more)",
         shortage.allowed, shortage.wanted));
 }

@@ -37,12 +37,12 @@ std::string WhyNoProgress(const std::string& text) {
 void AddSequenceOptions(CLI::App& app, SequenceOptions& options) {
     app.add_option("--frames", options.frames,
                    "Which frames: 1-10, 1-240x2 (every second), 1-10x0.25 (quarters of frames), 1-100y5 (all but every "
-                   "fifth), 1-100:8 (from coarse to fine), several with commas; without it all that INPUT has")
+                   "fifth), 1-100:8 (from coarse to fine), several with commas (default: all frames of INPUT)")
         ->check(Readable(ParseFrames))
         ->type_name("FRAMES");
     app.add_option(
            "--rate", options.rate,
-           "Frames per second, as 24, 29.97 or 30000/1001; without it a clip's own, else 24. A clip is shown at "
+           "Frames per second, such as 24, 29.97 or 30000/1001 (default: the clip's, else 24). A clip is shown at "
            "another rate by repeating or leaving out frames")
         ->check(Readable(ParseRate))
         ->type_name("RATE");
@@ -60,28 +60,28 @@ void AddSequenceOptions(CLI::App& app, SequenceOptions& options) {
         ->needs("--texture")
         ->type_name("N");
     app.add_option("--missing", options.missing,
-                   "A frame without a file: error (default) draws nothing at all, hold shows the one before it, skip "
+                   "A frame without a file: error (default) draws nothing at all, hold shows the previous frame, skip "
                    "leaves it out")
         ->check(CLI::IsMember({"error", "hold", "skip"}))
         ->type_name("error|hold|skip");
-    app.add_flag("--skip-existing", options.skipExisting, "Leave out frames whose picture is there");
-    app.add_flag("--keep-going", options.keepGoing, "Draw the other frames when one fails; exit code 1 in the end");
-    app.add_option("--chunk", options.chunk, "The I-th of N parts of the frames, for several machines")
+    app.add_flag("--skip-existing", options.skipExisting, "Skip frames whose output exists");
+    app.add_flag("--keep-going", options.keepGoing, "Draw the other frames when one fails; exit code 1 at the end");
+    app.add_option("--chunk", options.chunk, "Draw the I-th of N parts of the frames, for several machines")
         ->check(Readable(ParseChunk))
         ->type_name("I/N");
     app.add_option("--threads", options.threads,
-                   "Frames drawn at once; without it as many as suit the cores, the renderer and the memory")
+                   "Frames drawn at the same time (default: suits the cores, the renderer and the memory)")
         ->check(CLI::Range(1, kMostThreads))
         ->type_name("N");
     app.add_option(
            "--progress", options.progress,
-           "How to tell of the frames: bar on a terminal, else lines; json for programs. Or how often a frame that "
-           "takes long is told about: SECONDS, 0 for never, 10 without it")
+           "How progress is reported: bar (default on a terminal), lines (default elsewhere) or json. Or how often a "
+           "slow frame is reported: SECONDS, 0 for never (default 10)")
         ->check(WhyNoProgress)
         ->type_name("bar|lines|json|SECONDS");
-    app.add_flag("--quiet", options.quiet, "Tell of failures alone");
+    app.add_flag("--quiet", options.quiet, "Report failures only");
     app.add_option("--codec", options.codec,
-                   "How a clip is stored: prores4444 (default of .mov), ffv1 (of .mkv), vp9 (of .webm), png")
+                   "The codec of a clip: prores4444 (default of .mov), ffv1 (of .mkv), vp9 (of .webm), png")
         ->type_name("NAME");
-    app.add_flag("--no-sound", options.noSound, "Leave out the sound that the input has beside its pictures");
+    app.add_flag("--no-sound", options.noSound, "Leave out the sound of the input");
 }

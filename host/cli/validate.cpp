@@ -28,11 +28,11 @@ constexpr char kExamples[] =
     "  umbrant validate build/release/umbrant2.so\n"
     "      levels 1 to 5, as after every build\n"
     "  umbrant validate build/release/umbrant2.so --strictness 10 --waive accepted.json\n"
-    "      everything, but for what the file gives a reason for\n"
+    "      all levels; the findings in the file are accepted\n"
     "  umbrant validate effect.so --strictness 7 --include '^7'\n"
-    "      the faults alone\n"
+    "      only the fault checks\n"
     "  umbrant validate effect.so --include '^4\\.1 ' --trace calls.json\n"
-    "      one check, every call of it to look at in a trace viewer\n"
+    "      one check, with all its calls for a trace viewer\n"
     "  umbrant validate --list";
 
 struct ValidateOptions {
@@ -121,7 +121,7 @@ Command ValidateCommand() {
     const auto options = std::make_shared<ValidateOptions>();
     Command command;
     command.name = "validate";
-    command.summary = "Judge a module: everything that hosts rely on, in ten levels";
+    command.summary = "Check everything that hosts rely on in a module, in ten levels";
     command.examples = kExamples;
     command.options = [options](CLI::App& app) {
         RunOptions& run = options->run;
@@ -130,33 +130,33 @@ Command ValidateCommand() {
                        "Run the checks of levels 1 to N (default 5; a release needs 10)")
             ->type_name("N")
             ->check([](const std::string& text) { return OutOfRange(text, 1, kHighestLevel); });
-        app.add_option("--seed", run.trial.seed, "Where random choices begin (default 1)")->type_name("S");
+        app.add_option("--seed", run.trial.seed, "Seed of random choices (default 1)")->type_name("S");
         app.add_option("--repeat", run.repeat, "Run each check K times, with seeds S, S+1, ...")
             ->type_name("K")
             ->check([](const std::string& text) { return OutOfRange(text, 1, 1000); });
-        app.add_option("--include", run.include, "Only checks whose \"ID title\" fits the regular expression")
+        app.add_option("--include", run.include, "Only checks whose \"ID title\" matches the regular expression")
             ->type_name("RE");
-        app.add_option("--exclude", run.exclude, "Not those that fit this one")->type_name("RE");
-        app.add_option("--waive", run.waivers,
-                       "A file of accepted findings, each with its reason; without it, MODULE's own .waivers.json "
-                       "beside it, if "
-                       "there is one")
+        app.add_option("--exclude", run.exclude, "Not the checks that match this one")->type_name("RE");
+        app.add_option(
+               "--waive", run.waivers,
+               "A file of accepted findings, each with its reason (default: the .waivers.json file next to MODULE, if "
+               "there is one)")
             ->type_name("FILE");
         app.add_option("--timeout-ms", run.trial.timeoutMilliseconds,
-                       "How long a check, or a part of a long one, may take (default 30000)")
+                       "Timeout of a check, or of a part of a long one (default 30000)")
             ->type_name("N")
             ->check([](const std::string& text) { return OutOfRange(text, 1, 86400000); });
         app.add_flag("--in-process", run.trial.inProcess, "Run the checks in this process, for a debugger");
         app.add_option("--trace", options->trace, "Write every call in the Chrome trace format")->type_name("FILE");
-        app.add_option("--fault", options->fault, "Let the fault checks put this one fault only: the K-th call fails")
+        app.add_option("--fault", options->fault, "Inject only this fault: the K-th call fails")
             ->type_name("CALLEE:K:ERROR");
-        app.add_option("--soak-seconds", run.trial.soakSeconds, "How long check 10.5 goes on (default 60)")
+        app.add_option("--soak-seconds", run.trial.soakSeconds, "Duration of check 10.5 (default 60)")
             ->type_name("N")
             ->check([](const std::string& text) { return OutOfRange(text, 1, 86400); });
         app.add_option("--report", run.report, "The report's form: text, json or junit")
             ->type_name("FORM")
             ->check(CLI::IsMember({"text", "json", "junit"}));
-        app.add_flag("--list", options->list, "Print the checks and do nothing");
+        app.add_flag("--list", options->list, "List the checks and exit");
         // How the program starts itself for one check.
         app.add_option("--run-check", options->runCheck)->group("");
         app.add_option("--result-fd", options->resultDescriptor)->group("");

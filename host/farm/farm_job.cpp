@@ -37,7 +37,8 @@ std::string TryTask(const FarmJob& job, const char* number) {
     std::string text = Enter(job);
     text +=
         "\n"
-        "# An engine that ends a task tells this shell; the program then takes its unfinished files with it.\n"
+        "# An engine ends a task by a signal to this shell, which passes it on; the program then removes its "
+        "unfinished files.\n"
         "trap 'kill \"$drawing\" 2>/dev/null' TERM INT\n";
     text += fmt::format("for ((try = 1; try <= {}; ++try)); do\n", job.tries);
     text += fmt::format("    {} &\n", TaskCommand(job, number));
@@ -50,7 +51,7 @@ std::string TryTask(const FarmJob& job, const char* number) {
         "        wait \"$drawing\"\n"
         "        code=$?\n"
         "    fi\n"
-        "    # Wrong usage stays wrong, and a signal is meant to end the task.\n"
+        "    # Another try does not change wrong usage, and a signal is meant to end the task.\n"
         "    case $code in 0 | 2 | 129 | 130 | 131 | 143) break ;; esac\n";
     text += fmt::format("    echo \"try $try of {} ended with exit code $code\" >&2\n", job.tries);
     text +=
@@ -76,13 +77,13 @@ std::string SlurmJob(const FarmJob& job) {
     text += fmt::format("#SBATCH --output=\"{}-%A_%a.log\"\n", SbatchValue(InLogs(job, job.name)));
     text += fmt::format("#\n# Draws {}. Submit it with sbatch; with --wait that ends with the largest of the tasks'\n",
                         WhatItDraws(job));
-    text += "# exit codes. A task that is begun again, here or on another machine, draws what is not there yet.\n";
+    text += "# exit codes. A task that is started again, here or on another machine, draws only the missing frames.\n";
     if (job.logs != ".") {
-        text += fmt::format("# The folder of the logs must be there before: mkdir -p {}\n", ShellWord(job.logs));
+        text += fmt::format("# The folder of the logs must exist before: mkdir -p {}\n", ShellWord(job.logs));
     }
     text +=
         "\n"
-        "# The number of the task is Slurm's; anything else would be a word of the command.\n"
+        "# Slurm sets the number of the task; any other text would become an argument of the command.\n"
         "case ${SLURM_ARRAY_TASK_ID-} in\n"
         "    '' | *[!0-9]*)\n"
         "        echo \"SLURM_ARRAY_TASK_ID is '${SLURM_ARRAY_TASK_ID-}', not a number; submit this with sbatch\" >&2\n"
@@ -94,16 +95,16 @@ std::string SlurmJob(const FarmJob& job) {
 
 std::string ParallelJob(const FarmJob& job) {
     std::string text = "#!/bin/bash\n#\n";
-    text += fmt::format("# Draws {} with GNU parallel. What is given to this script goes to parallel: -j 2, --bar,\n",
+    text += fmt::format("# Draws {} with GNU parallel. Arguments of this script are passed to parallel: -j 2, --bar,\n",
                         WhatItDraws(job));
     text +=
-        "# --sshlogin a,b, --resume-failed. A task that is begun again draws what is not there yet. The exit code is "
+        "# --sshlogin a,b, --resume-failed. A task that is started again draws only the missing frames. The exit code "
+        "is "
         "the\n"
         "# number of tasks that failed.\n\n";
     text += Enter(job);
     text += fmt::format("mkdir -p -- {} || exit 3\n\n", ShellWord(job.logs));
-    text +=
-        "# A function, so that parallel sees no file's name and takes none of its signs for its own.\ntask() {\n    ";
+    text += "# A function, so that parallel does not interpret special characters in file names.\ntask() {\n    ";
     text += Enter(job);
     text +=
         fmt::format("    {} >>{}-\"$1\".log 2>&1\n}}\n", TaskCommand(job, "\"$1\""), ShellWord(InLogs(job, job.name)));
@@ -130,7 +131,7 @@ std::string OpenJdJob(const FarmJob& job) {
                     {"script", {{"actions", {{"onRun", run}}}, {"embeddedFiles", Json::array({script})}}}};
     const Json job_{{"specificationVersion", "jobtemplate-2023-09"},
                     {"name", job.name},
-                    {"description", "Draws " + WhatItDraws(job) + "; what is there already is left alone."},
+                    {"description", "Draws " + WhatItDraws(job) + "; frames that exist are skipped."},
                     {"steps", Json::array({step})}};
     return job_.dump(2) + "\n";
 }

@@ -20,7 +20,7 @@ constexpr std::size_t kWindow = 32768;
 constexpr std::size_t kLargestBlock = std::size_t{1} << 17, kSmallestBlock = std::size_t{1} << 14;
 /// Of a small image the blocks are smaller: so many that several threads end at about the same time.
 constexpr std::size_t kWantedBlocks = 16;
-constexpr char kNoMemory[] = "there is not enough memory for it";
+constexpr char kNoMemory[] = "not enough memory";
 
 struct Block {
     const std::uint8_t* bytes = nullptr;

@@ -23,7 +23,7 @@ void EncodedFile::Write(std::size_t at, const void* bytes, std::size_t size) {
     try {
         while (blocks_.size() * kBlock < at + size) blocks_.push_back(std::make_unique<std::byte[]>(kBlock));
     } catch (const std::bad_alloc&) {
-        problem_ = "there is not enough memory for it";
+        problem_ = "not enough memory";
         return;
     }
     for (std::size_t left = size; left > 0;) {

@@ -13,11 +13,11 @@ void Ignore(exr_const_context_t, exr_result_t, const char*) {}
 std::string ExrReason(exr_result_t failure) {
     switch (failure) {
         case EXR_ERR_OUT_OF_MEMORY:
-            return "there is not enough memory for it";
+            return "not enough memory";
         case EXR_ERR_READ_IO:
             return "the file ends too early";
         default:
-            return "its contents are damaged";
+            return "the contents are damaged";
     }
 }
 

@@ -71,29 +71,29 @@ std::uint32_t Number(const unsigned char* bytes) {
 /// Why a colour profile cannot go with the red, green and blue that are written, or nothing when it can. What an
 /// encoder would refuse is refused here.
 std::optional<std::string> WhyNoProfile(const Attribute& attribute) {
-    if (attribute.type.base != AttributeType::kUint8) return "it is a text";
+    if (attribute.type.base != AttributeType::kUint8) return "a text, not a profile";
     constexpr std::size_t kHeader = 132, kTag = 12;
     const auto* bytes = reinterpret_cast<const unsigned char*>(attribute.bytes.data());
     const std::size_t size = attribute.bytes.size();
     const auto has = [&](std::size_t at, std::string_view word) {
         return std::memcmp(bytes + at, word.data(), 4) == 0;
     };
-    if (size < kHeader || Number(bytes) != size || (bytes[8] > 3 && size % 4 != 0)) return "its length is wrong";
-    if (!has(36, "acsp")) return "it is damaged";
-    if (!has(16, "RGB ")) return fmt::format("it is for '{}', not for RGB", ProfileWord(bytes + 16));
-    if (!has(20, "XYZ ") && !has(20, "Lab ")) return "it is damaged";
+    if (size < kHeader || Number(bytes) != size || (bytes[8] > 3 && size % 4 != 0)) return "the length is wrong";
+    if (!has(36, "acsp")) return "damaged";
+    if (!has(16, "RGB ")) return fmt::format("for '{}', not for RGB", ProfileWord(bytes + 16));
+    if (!has(20, "XYZ ") && !has(20, "Lab ")) return "damaged";
     if (!has(12, "mntr") && !has(12, "scnr") && !has(12, "prtr") && !has(12, "spac")) {
-        return "it does not describe the colours of an image";
+        return "not a profile of image colours";
     }
-    if (Number(bytes + 64) > 3) return "its rendering intent is unknown";
+    if (Number(bytes + 64) > 3) return "the rendering intent is unknown";
     constexpr unsigned char kD50[] = {0, 0, 0xf6, 0xd6, 0, 1, 0, 0, 0, 0, 0xd3, 0x2d};
-    if (std::memcmp(bytes + 68, kD50, sizeof kD50) != 0) return "its white is not D50";
+    if (std::memcmp(bytes + 68, kD50, sizeof kD50) != 0) return "the white point is not D50";
     const std::size_t tags = Number(bytes + 128);
-    if (tags > (size - kHeader) / kTag) return "it is damaged";
+    if (tags > (size - kHeader) / kTag) return "damaged";
     for (std::size_t i = 0; i < tags; ++i) {
         const std::size_t start = Number(bytes + kHeader + i * kTag + 4);
         const std::size_t length = Number(bytes + kHeader + i * kTag + 8);
-        if (start > size || length > size - start || start % 4 != 0) return "it is damaged";
+        if (start > size || length > size - start || start % 4 != 0) return "damaged";
     }
     return std::nullopt;
 }

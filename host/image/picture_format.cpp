@@ -84,7 +84,7 @@ std::string_view NameOf(FileDepth depth) {
 
 Failure UnknownFormat(const fs::path& file) {
     const std::string extension = Lower(file.extension().string());
-    std::string what = extension.empty() ? "its name has no extension"
+    std::string what = extension.empty() ? "the name has no extension"
                                          : fmt::format("'{}' is not a format that can be written", extension);
     what += fmt::format("; use {}", WritableFormats());
     if (extension == ".gif") {
@@ -147,11 +147,11 @@ Result<Done> CheckCompression(const fs::path& file, const std::string& compressi
     if (HasCompression(format, compression)) return Done{};
     if (format.form == Form::kOnWhite) {
         return Failure{ExitCode::kUsage,
-                       fmt::format("'{}' is no compression of {}; use 'jpeg:1' to 'jpeg:100', its quality", compression,
-                                   format.extension)};
+                       fmt::format("'{}' is not a compression of {}; use 'jpeg:1' to 'jpeg:100', its quality",
+                                   compression, format.extension)};
     }
     return Failure{ExitCode::kUsage,
-                   fmt::format("'{}' is no compression of {}; use one of:{}", compression, format.extension,
+                   fmt::format("'{}' is not a compression of {}; use one of:{}", compression, format.extension,
                                format.compressions.substr(0, format.compressions.size() - 1))};
 }
 

@@ -44,9 +44,9 @@ Result<Done> CheckPlace(const fs::path& file) {
     std::error_code error;
     const fs::file_status status = fs::status(file, error);
     if (status.type() == fs::file_type::none) return CannotWrite(file, error.message());
-    if (fs::is_directory(status)) return CannotWrite(file, "there is a folder of that name");
+    if (fs::is_directory(status)) return CannotWrite(file, "a folder has that name");
     if (fs::exists(status) && !fs::is_regular_file(status)) {
-        return CannotWrite(file, "there is something else than a regular file of that name");
+        return CannotWrite(file, "not a regular file");
     }
     const fs::path place = BehindLinks(file);
     const fs::path folder = place.has_parent_path() ? place.parent_path() : fs::path(".");

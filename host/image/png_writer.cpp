@@ -289,7 +289,7 @@ std::optional<std::string> EncodePng(const ImageToWrite& image, EncodedFile& enc
     PngFile file{encoded, image.layout, image.depth == FileDepth::k16 ? 16 : 8, TextsOf(image.layout), {}, {}};
     file.records.reserve(file.texts.size());
     file.png = png_create_write_struct(PNG_LIBPNG_VER_STRING, &file, Fail, Ignore);
-    if (!file.png || !(file.info = png_create_info_struct(file.png))) return "there is not enough memory for it";
+    if (!file.png || !(file.info = png_create_info_struct(file.png))) return "not enough memory";
     png_set_write_fn(file.png, &file, Put, Flush);
     if (!WriteInfo(file)) return file.message;
     if (auto problem = WritePixels(file, image)) return problem;

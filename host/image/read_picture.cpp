@@ -53,7 +53,7 @@ std::string Reason(std::string message, const fs::path& file) {
         if (const auto at = message.find(name); at != std::string::npos) message.erase(at, name.size());
     }
     while (!message.empty() && (message.back() == '.' || message.back() == ' ')) message.pop_back();
-    return message.empty() ? "its contents are damaged" : message;
+    return message.empty() ? "the contents are damaged" : message;
 }
 
 /// Puts one row of the file's channels into a world's row. A colour channel that the file lacks is 0, or full in a file
@@ -149,8 +149,8 @@ std::optional<std::string> WhyNoPicture(const fs::path& file) {
     if (auto reason = WhyNoFile(file)) return reason;
     std::error_code error;
     const fs::file_status status = fs::status(file, error);
-    if (fs::is_directory(status)) return "it is a folder, not a picture";
-    if (!fs::is_regular_file(status)) return "it is not a regular file";
+    if (fs::is_directory(status)) return "a folder, not an image";
+    if (!fs::is_regular_file(status)) return "not a regular file";
     const auto size = fs::file_size(file, error);
     if (!error && size == 0) return "the file is empty";
     return std::nullopt;
@@ -160,13 +160,13 @@ std::optional<std::string> WhyNoPicture(const fs::path& file) {
 /// before any memory is taken.
 std::optional<std::string> WhyTooLarge(int width, int height, int channels) {
     if (width > PF_MAX_WORLD_WIDTH || height > PF_MAX_WORLD_HEIGHT) {
-        return fmt::format("it is too large: {} x {} pixels, where no side may be longer than {}", width, height,
+        return fmt::format("too large: {} x {} pixels; no side may be longer than {}", width, height,
                            PF_MAX_WORLD_WIDTH);
     }
     constexpr std::int64_t kMostValues = std::int64_t{1} << 30;
     if (std::int64_t{width} * height > kMostValues / std::max(channels, 4)) {
-        return fmt::format("it is too large: {} x {} pixels of {} channels, where all together may hold {} values",
-                           width, height, channels, kMostValues);
+        return fmt::format("too large: {} x {} pixels with {} channels; at most {} values are allowed", width, height,
+                           channels, kMostValues);
     }
     return std::nullopt;
 }
@@ -184,8 +184,9 @@ PF_Point OffsetOf(const ImageLayout& layout) {
 /// All that the header says: a picture without pixels and metadata.
 Result<Picture> ReadHeader(const ImageReader& input, const fs::path& file, const ChannelChoice& choice) {
     const ImageLayout& layout = input.Layout();
-    if (layout.depth > 1) return CannotRead(file, "it is a volume, not a flat picture");
-    if (layout.width <= 0 || layout.height <= 0 || layout.channels.empty()) return CannotRead(file, "it has no pixels");
+    if (layout.depth > 1) return CannotRead(file, "a volume, not a flat image");
+    if (layout.width <= 0 || layout.height <= 0 || layout.channels.empty())
+        return CannotRead(file, "the image has no pixels");
     Picture picture;
     picture.format = input.FormatName();
     const bool hasWindows = picture.format == "openexr";
@@ -290,7 +291,7 @@ template <typename Read>
 Result<Picture> ChooseAnd(ImageReader& input, const fs::path& file, const ReadOptions& options, Read read) {
     auto partNote = ChoosePart(input, options.part, file.string());
     if (!partNote) return partNote.Error();
-    if (input.Layout().isDeep) return CannotRead(file, "it is a deep picture; flatten it first");
+    if (input.Layout().isDeep) return CannotRead(file, "a deep image; flatten it first");
     auto choice = ChooseChannels(input.Layout(), options.layer, file.string());
     if (!choice) return choice.Error();
     if (!partNote->empty()) choice->note = *partNote + (choice->note.empty() ? "" : "; " + choice->note);
@@ -321,8 +322,7 @@ Result<Picture> OpenAnd(const fs::path& file, const ReadOptions& options, Read r
         if (const auto* problem = std::get_if<std::string>(&codec)) return CannotRead(file, *problem);
         const OpenedImage input = std::get<const Codec*>(codec)->open(image);
         if (const auto* problem = std::get_if<std::string>(&input)) {
-            return CannotRead(file,
-                              fmt::format("it is not a picture that can be read ({})", Reason(*problem, image.name)));
+            return CannotRead(file, fmt::format("not an image that can be read ({})", Reason(*problem, image.name)));
         }
         return ChooseAnd(*std::get<std::unique_ptr<ImageReader>>(input), file, options, read);
     } catch (const std::bad_alloc&) {

@@ -162,15 +162,15 @@ std::optional<std::string> EncodeTo(EncodedFile& encoded, const Format& format, 
         const auto problem = std::get<const Codec*>(codec)->encode(image, encoded);
         if (!encoded.Problem() && !problem) return std::nullopt;
         const std::string reason = encoded.Problem().value_or(problem.value_or(""));
-        return reason.empty() ? "it cannot be encoded" : reason.substr(0, reason.find('\n'));
+        return reason.empty() ? "the image cannot be encoded" : reason.substr(0, reason.find('\n'));
     } catch (const std::bad_alloc&) {
-        return "there is not enough memory for it";
+        return "not enough memory";
     } catch (const std::exception& problem) {
         return problem.what();
     }
 }
 
-constexpr char kNothing[] = "there is nothing in the picture";
+constexpr char kNothing[] = "the image is empty";
 
 bool HasPixels(const World& world) {
     return !world.IsNull() && world.Width() > 0 && world.Height() > 0;

@@ -25,7 +25,7 @@ namespace {
 
 /// What the file's own message says, or at least that there was none.
 std::string Message(const std::string& message) {
-    return message.empty() ? "its contents are damaged" : message;
+    return message.empty() ? "the contents are damaged" : message;
 }
 
 class LibraryReader : public ImageReader {

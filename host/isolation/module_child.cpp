@@ -108,7 +108,7 @@ class ModuleServer {
         if (what == "update panel") return AfterPanelCommand(session_->UpdateParamsUI());
         if (what == "user changed") return AfterPanelCommand(session_->UserChangedParam(request.at("row")));
         if (what == "end") return EndSession();
-        return Refused({ExitCode::kInternal, "the module's process was asked for '" + what + "'"});
+        return Refused({ExitCode::kInternal, "the module's process got the unknown request '" + what + "'"});
     }
 
     json Open(const json& request) {
@@ -278,7 +278,7 @@ class ModuleServer {
         const World& pixels = picture->pixels;
         World shared = MakeOutput(pixels.Width(), pixels.Height(), pixels.PixelDepth());
         if (shared.IsNull()) {
-            return Refused(NotEnoughMemory("a picture of the panel", pixels.Width(), pixels.Height(), Depth::k8));
+            return Refused(NotEnoughMemory("an image of the panel", pixels.Width(), pixels.Height(), Depth::k8));
         }
         CopyWorld(&pixels.Def(), &shared.Def(), nullptr, nullptr);
         return WithRecords({{"output", BytesOf(FactsOf(shared, outputBlock_))}});

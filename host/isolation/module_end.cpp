@@ -39,7 +39,7 @@ Failure ExplainEnd(const ProcessEnd& end, const std::filesystem::path& module, c
     if (end.signal == 0) {
         what = fmt::format("ended the process with exit code {}", end.code);
     } else if (end.signal == SIGKILL) {
-        what = "was killed (signal 9), perhaps for want of memory,";
+        what = "was killed (signal 9), possibly because memory ran out,";
     } else {
         what = fmt::format("crashed with signal {} ({})", end.signal, strsignal(end.signal));
     }
@@ -53,7 +53,7 @@ Failure ExplainEnd(const ProcessEnd& end, const std::filesystem::path& module, c
 
 Failure WrongMessage(const std::filesystem::path& module) {
     return {ExitCode::kEffectFailed,
-            fmt::format("the process of the module '{}' sent what no process of this program sends: the module has "
-                        "overwritten memory that is not its own{}",
+            fmt::format("the process of the module '{}' sent an invalid message: the module has "
+                        "overwritten memory that it does not own{}",
                         module.string(), Advice(module))};
 }

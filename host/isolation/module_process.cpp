@@ -313,7 +313,7 @@ class Proxy final : public ModuleProcess {
 
     Result<json> DoFrame(const char* what, const FrameRequest& request) {
         if (!request.layer || request.layer->IsNull()) {
-            return Failure{ExitCode::kInternal, "a frame was asked for without a layer"};
+            return Failure{ExitCode::kInternal, "a frame was requested without a layer"};
         }
         if (auto ready = BeginAgain(); !ready) return ready.Error();
         output_ = nullptr;

@@ -70,8 +70,8 @@ void CheckOptions(const FrameOptions& options) {
             fmt::format("the frame at 0 s is {}; it must be from -{} to {}", options.zeroFrame, kMostRate, kMostRate));
     }
     if (!IsWithin(options.textureX, kFarthestTexture) || !IsWithin(options.textureY, kFarthestTexture)) {
-        Refuse(fmt::format("the texture lies at {},{}; both must be from -{} to {}", options.textureX, options.textureY,
-                           kFarthestTexture, kFarthestTexture));
+        Refuse(fmt::format("the texture's position is {},{}; both must be from -{} to {}", options.textureX,
+                           options.textureY, kFarthestTexture, kFarthestTexture));
     }
 }
 
@@ -86,7 +86,7 @@ FrameTime TimeOf(const FrameOptions& options) {
     while (fine > 1 && longest * options.rate.frames * fine > std::numeric_limits<A_long>::max()) fine /= 2;
     const double scale = static_cast<double>(options.rate.frames) * fine;
     if (longest * scale > std::numeric_limits<A_long>::max()) {
-        Refuse(fmt::format("the time of {} s at {} frames in {} s is more than an effect's clock can hold",
+        Refuse(fmt::format("the time of {} s at {} frames in {} s exceeds the range of an effect's clock",
                            options.seconds, options.rate.frames, options.rate.seconds));
     }
     FrameTime time;
@@ -317,11 +317,12 @@ Rectangle Effect::RenderInto(const ImageView& layer, const MutableImageView& tar
                              const FrameOptions& options) const {
     CheckOptions(options);
     Need(CheckView(target, "the target"));
-    if (target.format != layer.format) Refuse("the target has another pixel format than the layer; they must agree");
+    if (target.format != layer.format)
+        Refuse("the pixel formats of the target and the layer differ; they must be equal");
     const Layers layers = LayersOf(layer, options);
     const Rectangle place = state_->Place(layers, options);
     if (target.width != place.Width() || target.height != place.Height()) {
-        Refuse(fmt::format("the target is {} x {} pixels; the picture is {} x {}", target.width, target.height,
+        Refuse(fmt::format("the target is {} x {} pixels; the image is {} x {}", target.width, target.height,
                            place.Width(), place.Height()));
     }
     const Frame frame = state_->Draw(layers, options);

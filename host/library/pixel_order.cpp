@@ -71,8 +71,8 @@ Result<Done> CheckView(const ImageView& view, const std::string& what) {
     // No row's place may be beyond what a pointer can be moved by.
     const std::ptrdiff_t most = std::numeric_limits<std::ptrdiff_t>::max() / view.height - least;
     if (view.stride > most || view.stride < -most) {
-        return wrong(fmt::format("has a stride of {} bytes; {} rows so far apart have no place in memory", view.stride,
-                                 view.height));
+        return wrong(fmt::format("has a stride of {} bytes; {} rows with this stride do not fit into memory",
+                                 view.stride, view.height));
     }
     return Done{};
 }

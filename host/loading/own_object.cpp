@@ -36,5 +36,5 @@ std::variant<void*, std::string> OpenOwnObject(const OwnObject& object) {
                            object.file, object.purpose, dlerror());
     }
     if (void* const entry = dlsym(opened, object.entry)) return entry;
-    return fmt::format("{} is of another version of the program; install both from one version", object.file);
+    return fmt::format("{} belongs to another version of the program; install both from the same version", object.file);
 }

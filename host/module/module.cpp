@@ -95,7 +95,7 @@ std::string FourCharacters(A_long code) {
 /// Asks the module what it holds. Returns the reason when it does not hold one effect that can be driven.
 std::optional<std::string> Register(void* library, Registration& registration) {
     const auto entry = reinterpret_cast<RegistrationFunction>(dlsym(library, kRegistrationExport));
-    if (!entry) return fmt::format("it does not export '{}', as an effect module does", kRegistrationExport);
+    if (!entry) return fmt::format("'{}' is not exported; an effect module exports it", kRegistrationExport);
 
     Received received;
     PF_Err error = PF_Err_NONE;
@@ -103,17 +103,17 @@ std::optional<std::string> Register(void* library, Registration& registration) {
         error = entry(reinterpret_cast<PF_PluginDataPtr>(&received), Receive, nullptr, kHostName, kHostVersion);
     });
     if (thrown) {
-        return fmt::format("its registration let an exception out ({}); it should return an error instead", *thrown);
+        return fmt::format("its registration threw an exception ({}); it should return an error instead", *thrown);
     }
     if (error) return fmt::format("its registration returned error {}; it should return 0", error);
     if (received.calls != 1) {
-        return fmt::format("it registered {} effects; this host takes modules with exactly one", received.calls);
+        return fmt::format("{} effects are registered; this host takes modules with exactly one", received.calls);
     }
     if (!received.complete) return "its registration lacks a name; name, match name, category and entry are needed";
     registration = received.registration;
     if (registration.kind != kPluginKind_Effect) {
-        return fmt::format("it registers the kind '{}'; an effect has the kind '{}'", FourCharacters(registration.kind),
-                           FourCharacters(kPluginKind_Effect));
+        return fmt::format("the registered kind is '{}'; an effect has the kind '{}'",
+                           FourCharacters(registration.kind), FourCharacters(kPluginKind_Effect));
     }
     return std::nullopt;
 }
@@ -134,7 +134,7 @@ Result<Module> Module::Load(const std::filesystem::path& file) {
     if (auto there = CheckModuleIsThere(file); !there) return there.Error();
     std::error_code ignored;
     if (std::filesystem::is_directory(file, ignored)) {
-        return ModuleFailure(file, "it is a folder; name the module's file inside it");
+        return ModuleFailure(file, "a folder; name the module's file inside it");
     }
 
     Module module;
@@ -143,7 +143,7 @@ Result<Module> Module::Load(const std::filesystem::path& file) {
     const std::filesystem::path path = std::filesystem::absolute(file, ignored);
     std::optional<std::string> thrown =
         CatchAll([&] { module.library_.reset(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)); });
-    if (thrown) return ModuleFailure(file, fmt::format("an exception left its initialisation ({})", *thrown));
+    if (thrown) return ModuleFailure(file, fmt::format("its initialisation threw an exception ({})", *thrown));
     if (!module.library_) {
         const char* reason = dlerror();
         if (reason && std::string_view(reason).find(std::strerror(ENOMEM)) != std::string_view::npos) {
@@ -151,9 +151,8 @@ Result<Module> Module::Load(const std::filesystem::path& file) {
                            fmt::format("not enough memory for the module '{}', {} MiB", file.string(),
                                        (std::filesystem::file_size(path, ignored) >> 20) + 1)};
         }
-        return ModuleFailure(file,
-                             fmt::format("it is not a loadable module ({}); a shared library with an effect is needed",
-                                         reason ? reason : "no reason given"));
+        return ModuleFailure(file, fmt::format("not a loadable module ({}); a shared library with an effect is needed",
+                                               reason ? reason : "no reason given"));
     }
     if (const auto problem = Register(module.library_.get(), module.registration_)) {
         return ModuleFailure(file, *problem);
@@ -161,8 +160,7 @@ Result<Module> Module::Load(const std::filesystem::path& file) {
     const std::string& entryPoint = module.registration_.entryPoint;
     module.entry_ = reinterpret_cast<PF_FilterProc>(dlsym(module.library_.get(), entryPoint.c_str()));
     if (!module.entry_) {
-        return ModuleFailure(file,
-                             fmt::format("it registers the entry '{}' but does not export it", Shortened(entryPoint)));
+        return ModuleFailure(file, fmt::format("the registered entry '{}' is not exported", Shortened(entryPoint)));
     }
     return module;
 }

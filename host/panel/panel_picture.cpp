@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr char kPanel[] = "a picture of the panel";
+constexpr char kPanel[] = "an image of the panel";
 
 PF_EventExtra EventFor(const PanelItem& item, int width, DrawbotCanvas* canvas) {
     PF_EventExtra event{};

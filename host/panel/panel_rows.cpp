@@ -86,11 +86,12 @@ Result<int> FindButton(const EffectSession& session, std::string_view name) {
     }
     if (found.empty()) {
         const auto near = Nearest(form, known, 2);
-        return Failure{ExitCode::kUsage,
-                       known.empty() ? fmt::format("'{}' is no button: the effect has none", name)
-                       : near.empty()
-                           ? fmt::format("'{}' is no button; the buttons are: '{}'", name, fmt::join(known, "', '"))
-                           : fmt::format("'{}' is no button; nearest: '{}'", name, fmt::join(near, "', '"))};
+        return Failure{
+            ExitCode::kUsage,
+            known.empty() ? fmt::format("there is no button '{}'; the effect has no buttons", name)
+            : near.empty()
+                ? fmt::format("there is no button '{}'; the buttons are: '{}'", name, fmt::join(known, "', '"))
+                : fmt::format("there is no button '{}'; closest: '{}'", name, fmt::join(near, "', '"))};
     }
     if (found.size() > 1) {
         return Failure{ExitCode::kUsage, fmt::format("several buttons are called '{}'; press one by its index: #{}",
@@ -126,7 +127,7 @@ Result<Done> Twirl(EffectSession& session, std::string_view name, bool open) {
     const auto index = session.Params().Find(name);
     if (!index) return index.Error();
     if (!HasTwirl(rows[static_cast<std::size_t>(*index)])) {
-        return Failure{ExitCode::kUsage, fmt::format("'{}' has no twirl to open or close", name)};
+        return Failure{ExitCode::kUsage, fmt::format("'{}' cannot be opened or closed", name)};
     }
     session.SetTwirl(*index, !open);
     return Done{};

@@ -141,7 +141,7 @@ PF_Err ParamSet::Add(PF_ParamIndex index, const PF_ParamDef* def) {
 
 std::string ParamSet::Finish() {
     if (groupProblem_.empty() && !openGroups_.empty()) {
-        groupProblem_ = fmt::format("the group of row {} is never ended", openGroups_.back());
+        groupProblem_ = fmt::format("the group of row {} has no end", openGroups_.back());
     }
     return groupProblem_;
 }
@@ -174,10 +174,10 @@ Result<int> ParamSet::Find(std::string_view path) const {
     for (std::string& name : near) name = "'" + name + "'";
     return Failure{
         ExitCode::kUsage,
-        names.empty() ? fmt::format("there is no parameter '{}'; the effect names none", EchoText(path))
+        names.empty() ? fmt::format("there is no parameter '{}'; the effect has no named parameters", EchoText(path))
         : near.empty()
-            ? fmt::format("there is no parameter '{}' nor a similar one; `umbrant params` lists them", EchoText(path))
-            : fmt::format("there is no parameter '{}'; nearest: {}", EchoText(path), fmt::join(near, ", "))};
+            ? fmt::format("there is no parameter '{}'; `umbrant params` lists all parameters", EchoText(path))
+            : fmt::format("there is no parameter '{}'; closest: {}", EchoText(path), fmt::join(near, ", "))};
 }
 
 PF_ParamDef ParamSet::CheckOut(int index, const LayerGeometry& geometry) const {

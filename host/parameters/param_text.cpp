@@ -99,7 +99,7 @@ std::optional<double> Degrees(std::string_view text) {
 
 Result<Done> SetAngle(ParamRow& row, std::string_view text) {
     const std::optional<double> degrees = Degrees(text);
-    if (!degrees) return NotANumber(row, text, "an angle in degrees, as 405, 405deg or 1x45");
+    if (!degrees) return NotANumber(row, text, "an angle in degrees, such as 405, 405deg or 1x45");
     if (std::abs(*degrees) > kFixedLimit) {
         return Wrong(row, fmt::format("takes -{0} to {0} degrees, not {1}", Show(kFixedLimit), Show(*degrees)));
     }
@@ -235,7 +235,7 @@ Result<Done> SetPopup(ParamRow& row, std::string_view text) {
         return Wrong(row, fmt::format("has no item '{}'; use a number from 1 to {}", echo, popup.num_choices));
     }
     return Wrong(row, near.empty() ? fmt::format("has no item '{}'; the items are: {}", echo, fmt::join(forms, ", "))
-                                   : fmt::format("has no item '{}'; nearest: '{}' (of {})", echo, near.front(),
+                                   : fmt::format("has no item '{}'; closest: '{}' (of {})", echo, near.front(),
                                                  fmt::join(forms, ", ")));
 }
 
@@ -249,12 +249,12 @@ const char* Unsettable(ParamKind kind) {
         case ParamKind::kButton:
             return "is a button and has no value";
         case ParamKind::kLayer:
-            return "is a layer; give it a picture instead of a value";
+            return "is a layer; pass an image instead of a value";
         case ParamKind::kCustom:
-            return "holds data of the effect's own, which no text can set";
+            return "holds the effect's own data, which cannot be set from a text";
         case ParamKind::kPath:
         case ParamKind::kNone:
-            return "has no value that a text can set";
+            return "has no value that can be set from a text";
         default:
             return nullptr;
     }

@@ -86,7 +86,7 @@ Result<std::unique_ptr<ChildProcess>> ChildProcess::Start(const ProgramStart& st
     if (child->pipes_.errors < 0) return child;
     auto drain = StartThread([reading = child.get()] { reading->Drain(); });
     // The child is ended with its object.
-    if (!drain) return Failure{ExitCode::kInternal, "no thread can be started that reads its messages"};
+    if (!drain) return Failure{ExitCode::kInternal, "no thread can be started to read its messages"};
     child->drain_ = std::move(*drain);
     return child;
 }

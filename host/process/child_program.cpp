@@ -36,7 +36,7 @@ Result<std::unique_ptr<ChildProgram>> ChildProgram::Start(const std::filesystem:
                                                           const std::vector<std::string>& arguments) {
     const auto failure = [&](const std::string& reason) {
         return Failure{ExitCode::kInternal,
-                       fmt::format("cannot start '{}' as a process of its own: {}", program.string(), reason)};
+                       fmt::format("cannot start '{}' in a separate process: {}", program.string(), reason)};
     };
     int ends[2];
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) return failure(std::strerror(errno));

@@ -74,9 +74,8 @@ Result<Done> CheckCanvas(const PF_LRect& drawn, int downsample) {
     const std::int64_t width = std::int64_t{drawn.right} - drawn.left;
     const std::int64_t height = std::int64_t{drawn.bottom} - drawn.top;
     if (width <= PF_MAX_WORLD_WIDTH && height <= PF_MAX_WORLD_HEIGHT) return Done{};
-    return Failure{
-        ExitCode::kUsage,
-        fmt::format("--canvas {} has {} x {} pixels, where no side may be longer than {}; give --canvas a smaller "
-                    "rectangle, or draw at a lower resolution with --downsample",
-                    CanvasText(FullSizeCanvas(drawn, downsample)), width, height, PF_MAX_WORLD_WIDTH)};
+    return Failure{ExitCode::kUsage,
+                   fmt::format("--canvas {} has {} x {} pixels; no side may be longer than {}; give --canvas a smaller "
+                               "rectangle, or draw at a lower resolution with --downsample",
+                               CanvasText(FullSizeCanvas(drawn, downsample)), width, height, PF_MAX_WORLD_WIDTH)};
 }

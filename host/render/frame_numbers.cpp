@@ -19,7 +19,7 @@ constexpr char kForms[] =
     "write frames as 7, 1-10, 1-240x2, 1-10x0.25, 1-100y5 or 1-100:8, several of them with commas";
 
 Failure Wrong(std::string_view text, const std::string& reason) {
-    return {ExitCode::kUsage, fmt::format("'{}' is no set of frames: {}; {}", text, reason, kForms)};
+    return {ExitCode::kUsage, fmt::format("'{}' is not a set of frames: {}; {}", text, reason, kForms)};
 }
 
 std::string_view Trimmed(std::string_view text) {
@@ -89,14 +89,14 @@ Result<std::vector<std::int64_t>> ParsePart(std::string_view whole, std::string_
     constexpr std::int64_t kFrame = FrameNumber::kParts;
     const std::string_view part = Trimmed(text);
     std::string_view rest = part;
-    if (part.empty()) return Wrong(whole, "there is nothing beside a comma");
+    if (part.empty()) return Wrong(whole, "nothing before or after a comma");
     const auto first = TakeParts(rest);
     if (!first) return Wrong(whole, fmt::format("'{}' does not begin with a frame of up to four decimals", part));
     auto last = first;
     if (rest.starts_with('-')) {
         rest.remove_prefix(1);
         last = TakeParts(rest);
-        if (!last) return Wrong(whole, fmt::format("'{}' does not say where it ends", part));
+        if (!last) return Wrong(whole, fmt::format("'{}' has no end", part));
     }
     for (const std::int64_t frame : {*first, *last}) {
         if (std::abs(frame) <= kFarthestFrame * kFrame) continue;
@@ -106,7 +106,7 @@ Result<std::vector<std::int64_t>> ParsePart(std::string_view whole, std::string_
     if (rest.empty()) return Every(*first, *last, kFrame);
 
     const char kind = rest.front();
-    if (kind != 'x' && kind != 'y' && kind != ':') return Wrong(whole, fmt::format("'{}' means nothing here", rest));
+    if (kind != 'x' && kind != 'y' && kind != ':') return Wrong(whole, fmt::format("'{}' is not expected here", rest));
     rest.remove_prefix(1);
     auto step = TakeParts(rest);
     if (kind == 'x' && step && *step > 0 && rest.empty()) {
@@ -116,10 +116,11 @@ Result<std::vector<std::int64_t>> ParsePart(std::string_view whole, std::string_
         return Every(*first, *last, *step);
     }
     if (kind == 'x') {
-        return Wrong(whole, fmt::format("in '{}' a number above 0 of up to four decimals belongs after the 'x'", part));
+        return Wrong(
+            whole, fmt::format("in '{}' the 'x' must be followed by a number above 0 with up to four decimals", part));
     }
     if (!step || *step < kFrame || *step % kFrame != 0 || !rest.empty()) {
-        return Wrong(whole, fmt::format("in '{}' a whole number of at least 1 belongs after the '{}'", part, kind));
+        return Wrong(whole, fmt::format("in '{}' a whole number of at least 1 must follow the '{}'", part, kind));
     }
     step = std::min<std::int64_t>(*step / kFrame, kMostFrames);
     if (kind == 'y' && *step == 1) return Wrong(whole, fmt::format("'{}' leaves no frame", part));
@@ -155,7 +156,7 @@ Result<std::vector<FrameNumber>> ParseFrames(std::string_view text) {
             if (seen.insert(frame).second) frames.push_back(FrameNumber::OfParts(frame));
         }
         if (frames.size() > static_cast<std::size_t>(kMostFrames)) {
-            return Wrong(text, fmt::format("it has more than {} frames", kMostFrames));
+            return Wrong(text, fmt::format("more than {} frames", kMostFrames));
         }
         if (more) rest.remove_prefix(comma + 1);
     }
@@ -200,7 +201,7 @@ Result<Chunk> ParseChunk(std::string_view text) {
     const auto count = TakeNumber(rest);
     if (!number || !slash || !count || !rest.empty() || *count < 1 || *number < 1 || *number > *count) {
         return Failure{ExitCode::kUsage,
-                       fmt::format("'{}' is no chunk: write the i-th of n as i/n, like 1/4 to 4/4", text)};
+                       fmt::format("'{}' is not a chunk: write the i-th of n as i/n, such as 1/4 to 4/4", text)};
     }
     chunk.number = *number;
     chunk.count = *count;
@@ -215,10 +216,11 @@ std::pair<std::size_t, std::size_t> ChunkRange(std::size_t size, const Chunk& ch
 }
 
 Result<FrameRate> ParseRate(std::string_view text) {
-    const Failure wrong{ExitCode::kUsage,
-                        fmt::format("'{}' is no frame rate: write frames per second from 0.1 to 1000, as 24, 29.97 or "
-                                    "30000/1001",
-                                    text)};
+    const Failure wrong{
+        ExitCode::kUsage,
+        fmt::format("'{}' is not a frame rate: write frames per second from 0.1 to 1000, such as 24, 29.97 or "
+                    "30000/1001",
+                    text)};
     const std::size_t slash = text.find('/');
     if (slash != std::string_view::npos) {
         std::string_view above = text.substr(0, slash), below = text.substr(slash + 1);

@@ -100,16 +100,17 @@ Result<std::optional<FramePattern>> FramePattern::Find(const std::string& path) 
     if (fields.empty()) return std::optional<FramePattern>();
     if (fields.size() > 1) {
         return Failure{ExitCode::kUsage,
-                       fmt::format("'{}' has {} fields for the frame's number, '{}' and '{}'; leave one", path,
+                       fmt::format("'{}' has {} fields for the frame's number, '{}' and '{}'; use one", path,
                                    fields.size(), name.substr(fields[0].begin, fields[0].length),
                                    name.substr(fields[1].begin, fields[1].length))};
     }
     const Field& field = fields.front();
     if (field.width < 1 || field.width > kMostDigits) {
-        return Failure{ExitCode::kUsage,
-                       fmt::format("'{}' in '{}' is no field for a frame's number; write #### or %04d for 4 digits, up "
-                                   "to {} of them",
-                                   name.substr(field.begin, field.length), path, kMostDigits)};
+        return Failure{
+            ExitCode::kUsage,
+            fmt::format("'{}' in '{}' is not a field for a frame's number; write #### or %04d for 4 digits, up "
+                        "to {} of them",
+                        name.substr(field.begin, field.length), path, kMostDigits)};
     }
     FramePattern pattern;
     pattern.path_ = path;

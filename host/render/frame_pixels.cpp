@@ -28,6 +28,6 @@ Result<Drawn> PictureOf(Frame& frame, const std::optional<PF_LRect>& canvas, int
     World cut = empty ? World::Create(WidthOf(cover), HeightOf(cover), depth)
                       : CutToFrame(frame.output, frame.rect.left - cover.left, frame.rect.top - cover.top,
                                    WidthOf(cover), HeightOf(cover));
-    if (cut.IsNull()) return NotEnoughMemory("the picture", WidthOf(cover), HeightOf(cover), depth);
+    if (cut.IsNull()) return NotEnoughMemory("the image", WidthOf(cover), HeightOf(cover), depth);
     return Drawn{std::move(cut), cover};
 }

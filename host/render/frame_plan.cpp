@@ -42,7 +42,8 @@ Result<std::vector<FrameNumber>> WholeSet(const PlanRequest& request, const Fram
         for (const int frame : source->onDisk) frames.emplace_back(frame - source->offset);
         return frames;
     }
-    return Failure{ExitCode::kUsage, "there is no sequence; say which frames to draw with --frames"};
+    return Failure{ExitCode::kUsage,
+                   "neither the input nor the texture is a sequence; choose the frames with --frames"};
 }
 
 /// A name with a frame field for this one: "out.png" becomes "out.####.png".
@@ -56,7 +57,7 @@ Result<std::optional<FramePattern>> OutputPattern(const PlanRequest& request, co
     if (!pattern) return pattern;
     if (!*pattern && frames.size() > 1) {
         return Failure{ExitCode::kUsage,
-                       fmt::format("'{}' has no place for the frame's number, and there are {} frames; write it like "
+                       fmt::format("'{}' has no field for the frame's number, and there are {} frames; write it as "
                                    "'{}'",
                                    request.output, frames.size(), WithField(request.output))};
     }
@@ -71,7 +72,7 @@ std::string IdentityOf(const std::string& path) {
 }
 
 Failure SameFile(const std::string& output) {
-    return {ExitCode::kUsage, fmt::format("'{}' is read and written in one run; give the output another name", output)};
+    return {ExitCode::kUsage, fmt::format("'{}' is both input and output; give the output another name", output)};
 }
 
 Result<Done> CheckOutputs(const std::vector<PlannedFrame>& frames, bool isClip) {
@@ -107,15 +108,15 @@ Result<FrameTimes> TimesOf(const std::vector<FrameNumber>& frames, const PlanReq
     const std::int64_t scale = finer * request.rate.scale;
     const std::int64_t step = finer * request.rate.step;
     if (scale > std::numeric_limits<A_u_long>::max() || step > std::numeric_limits<A_long>::max()) {
-        return Failure{ExitCode::kUsage, fmt::format("a rate of {}/{} cannot be divided by {}, as these frames ask for",
+        return Failure{ExitCode::kUsage, fmt::format("a rate of {}/{} cannot be divided by {}, which these frames need",
                                                      request.rate.scale, request.rate.step, finer)};
     }
     times.finest = {static_cast<A_u_long>(scale), static_cast<A_long>(step)};
     for (const FrameNumber& frame : frames) {
         if (std::abs(times.TimeOf(frame)) + step <= std::numeric_limits<A_long>::max()) continue;
         return Failure{ExitCode::kUsage,
-                       fmt::format("frame {} lies too far from frame {}, which is at time 0, for a rate of {}/{}",
-                                   frame, request.zeroFrame, times.finest.scale, times.finest.step)};
+                       fmt::format("frame {} is too far from frame {}, which is at time 0, for a rate of {}/{}", frame,
+                                   request.zeroFrame, times.finest.scale, times.finest.step)};
     }
     return times;
 }
@@ -210,10 +211,9 @@ Result<bool> MeansSequence(const PlanRequest& request) {
     }
     const auto output = FramePattern::Find(request.output);
     if (!output || !*output || (*output)->IsWeak() || request.output.empty()) return false;
-    return Failure{ExitCode::kUsage,
-                   fmt::format("'{}' has a field for the frame's number, but '{}' is a single picture; "
-                               "say which frames to draw with --frames",
-                               request.output, request.input)};
+    return Failure{ExitCode::kUsage, fmt::format("'{}' has a field for the frame's number, but '{}' is a single image; "
+                                                 "choose the frames with --frames",
+                                                 request.output, request.input)};
 }
 
 Result<std::vector<FrameNumber>> WholeFrameSet(const PlanRequest& request) {

@@ -48,7 +48,7 @@ class OtherTimes {
             auto layers = reader_.Read(frame, own_.input->pixels.PixelDepth());
             if (!layers) {
                 return Failure{layers.Error().code,
-                               fmt::format("the effect asks for frame {}: {}", number, layers.Error().sentence)};
+                               fmt::format("the effect requests frame {}: {}", number, layers.Error().sentence)};
             }
             known = read_.emplace(number, std::move(*layers)).first;
         }

@@ -132,7 +132,7 @@ Answer SendCommand(SessionState& state, PF_Cmd command, FrameRecord* frame, PF_P
     answer.suites = notes.acquired.Names();
     if (outcome.exception) {
         answer.exception = *outcome.exception;
-        state.services.Report(fmt::format("an exception left {}: {}", CommandName(command), answer.exception));
+        state.services.Report(fmt::format("{} threw an exception: {}", CommandName(command), answer.exception));
     }
     if (!frame) {
         const std::lock_guard lock(state.commandsMutex);
@@ -147,7 +147,7 @@ Failure FailureOf(const SessionState& state, const Answer& answer) {
     const char* command = CommandName(answer.record.command);
     if (!answer.exception.empty()) {
         return {ExitCode::kEffectFailed,
-                fmt::format("{} failed in {}: it let an exception out ({})", name, command, answer.exception)};
+                fmt::format("{} failed in {}: it threw an exception ({})", name, command, answer.exception)};
     }
     return {ExitCode::kEffectFailed, fmt::format("{} failed in {}: {}", name, command,
                                                  EffectErrorText(answer.record.error, answer.record.message))};

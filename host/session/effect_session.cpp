@@ -26,9 +26,10 @@ std::optional<Failure> GlobalSetup(SessionState& state) {
     state.outFlags2 = answer.out.out_flags2;
     state.effectVersion = answer.out.my_version;
     if (!(state.outFlags2 & PF_OutFlag2_SUPPORTS_SMART_RENDER)) {
-        return Failure{ExitCode::kEffectFailed,
-                       fmt::format("{} does not announce smart rendering, the only kind that this host does",
-                                   state.module.Effect().name)};
+        return Failure{
+            ExitCode::kEffectFailed,
+            fmt::format("{} does not support smart rendering, the only kind of rendering that this host supports",
+                        state.module.Effect().name)};
     }
     return std::nullopt;
 }
@@ -49,7 +50,7 @@ std::optional<Failure> ParamsSetup(SessionState& state) {
     const std::string& name = state.module.Effect().name;
     if (answer.out.num_params != state.params.Count()) {
         return Failure{ExitCode::kEffectFailed,
-                       fmt::format("{} says that it has {} parameters, but declared {} (the layer counts as one)", name,
+                       fmt::format("{} reports {} parameters, but declared {} (the layer counts as one)", name,
                                    answer.out.num_params, state.params.Count())};
     }
     const std::string problem = state.params.Finish();
@@ -91,7 +92,7 @@ std::optional<Failure> SetDown(SessionState& state) {
         state.globalData = nullptr;
         if (answer.Failed() && !failure) failure = FailureOf(state, answer);
         const Balance open = state.services.tally.Snapshot();
-        if (!open.Even()) state.services.Report("after global set-down something is open: " + open.Text());
+        if (!open.Even()) state.services.Report("still open after global set-down: " + open.Text());
     }
     return failure;
 }

@@ -33,7 +33,7 @@ class PreRenderData {
     ~PreRenderData() {
         if (!data_) return;
         if (!dispose_) {
-            frame_.state.services.Report("pre-render handed over data without a function that deletes it");
+            frame_.state.services.Report("pre-render returned data without a function that deletes it");
             return;
         }
         CommandNotes notes;
@@ -42,7 +42,7 @@ class PreRenderData {
             try {
                 dispose_(data_);
             } catch (...) {
-                frame_.state.services.Report("an exception left the function that deletes the pre-render data");
+                frame_.state.services.Report("the function that deletes the pre-render data threw an exception");
             }
         }
         Add(frame_.total, notes.tally.Snapshot());
@@ -62,16 +62,16 @@ class PreRenderData {
 
 /// Why the request cannot be served; a mistake of the program that asks.
 std::string ProblemWith(const SessionState& state, const FrameRequest& request) {
-    if (!request.layer || request.layer->IsNull()) return "a frame was asked for without a layer";
-    if (request.texture && request.texture->IsNull()) return "a frame was asked for with a texture without a world";
+    if (!request.layer || request.layer->IsNull()) return "a frame was requested without a layer";
+    if (request.texture && request.texture->IsNull()) return "a frame was requested with a texture without a world";
     if (request.texture && request.texture->PixelDepth() != request.layer->PixelDepth()) {
-        return "a frame was asked for whose texture has another depth than its layer";
+        return "a frame was requested whose texture has another depth than its layer";
     }
     if (request.timeScale == 0 || request.downsampleX.den == 0 || request.downsampleY.den == 0) {
-        return "a frame was asked for with a zero time scale or downsampling";
+        return "a frame was requested with a zero time scale or downsampling";
     }
     if (request.params && request.params->Count() != state.declaredRows) {
-        return "a frame was asked for with another effect's parameters";
+        return "a frame was requested with another effect's parameters";
     }
     return "";
 }
@@ -118,7 +118,7 @@ std::optional<Failure> SendPreRender(FrameRecord& frame, const PF_LRect& region,
 }
 
 std::string PictureText(const PF_LRect& rect) {
-    return fmt::format("a picture of {} x {} pixels", WidthOf(rect), HeightOf(rect));
+    return fmt::format("an image of {} x {} pixels", WidthOf(rect), HeightOf(rect));
 }
 
 /// The sums in single precision that a render takes a pixel: four of them, four channels.
@@ -147,7 +147,7 @@ Failure RenderFailure(const SessionState& state, const Answer& answer, const PF_
         return failure;
     }
     failure.sentence +=
-        fmt::format("; the picture would be {} x {} pixels, and many OpenGL drivers take no more than {} x {}", width,
+        fmt::format("; the image would be {} x {} pixels, and many OpenGL drivers support at most {} x {}", width,
                     height, kCommonTextureLimit, kCommonTextureLimit);
     return failure;
 }
@@ -187,7 +187,7 @@ std::optional<Failure> SendRender(FrameRecord& frame, void* preRenderData, const
     frame.stage = FrameRecord::Stage::kIdle;
     if (!IsSame(frame.output.Def(), record)) {
         frame.state.services.Report(
-            "PF_Cmd_SMART_RENDER changed the record of its output world; what the host knows of it counts");
+            "PF_Cmd_SMART_RENDER changed the record of its output world; the change is ignored");
         frame.output.Def() = record;
     }
     if (watch) watch(frame.output, WorldRole::kOutput, false);
@@ -197,7 +197,7 @@ std::optional<Failure> SendRender(FrameRecord& frame, void* preRenderData, const
     if (answer.Failed()) return RenderFailure(frame.state, answer, rect);
 
     if (!frame.outputTaken) {
-        frame.state.services.Report("PF_Cmd_SMART_RENDER ended without having checked out its output");
+        frame.state.services.Report("PF_Cmd_SMART_RENDER ended without checking out its output");
     }
     return std::nullopt;
 }
@@ -219,8 +219,8 @@ std::optional<Failure> RunPass(SessionState& state, const FrameRequest& request,
         const PreRenderData data(frame, output);
         if (!failure && !FitsWorld(answered.resultRect)) {
             failure = Failure{ExitCode::kEffectFailed,
-                              fmt::format("{} asks for a picture larger than {} x {} pixels",
-                                          state.module.Effect().name, PF_MAX_WORLD_WIDTH, PF_MAX_WORLD_HEIGHT)};
+                              fmt::format("{} requests an image larger than {} x {} pixels", state.module.Effect().name,
+                                          PF_MAX_WORLD_WIDTH, PF_MAX_WORLD_HEIGHT)};
         }
         if (!failure && drawn && !IsEmpty(answered.resultRect)) {
             failure = SendRender(frame, data.Get(), answered.resultRect, suites);
@@ -228,7 +228,7 @@ std::optional<Failure> RunPass(SessionState& state, const FrameRequest& request,
     }
     for (const CommandRecord& record : frame.commands) answered.commands.push_back(record);
     if (!frame.total.Even()) {
-        state.services.Report(fmt::format("drawing a frame left something open: {}", frame.total.Text()));
+        state.services.Report(fmt::format("still open after drawing a frame: {}", frame.total.Text()));
     }
     if (drawn) drawn->output = std::move(frame.output);
     return failure;

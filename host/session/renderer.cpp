@@ -86,17 +86,17 @@ UMBRANT_Renderer RendererOfSetUp(RendererWish wish, bool hasDevice) {
 }
 
 RendererDecision DecideRenderer(RendererWish wish, const GpuStrings& gpu, bool hasDevice) {
-    if (wish == RendererWish::kOpenGL) return {false, "it was asked for"};
-    if (wish == RendererWish::kProcessor) return {true, "it was asked for"};
-    if (!gpu.HasContext()) return {true, "there is no OpenGL"};
+    if (wish == RendererWish::kOpenGL) return {false, "requested"};
+    if (wish == RendererWish::kProcessor) return {true, "requested"};
+    if (!gpu.HasContext()) return {true, "OpenGL is not available"};
     if (gpu.renderer.empty()) return {false, "the effect names no renderer"};
-    if (!hasDevice) return {true, "there is no graphics device"};
+    if (!hasDevice) return {true, "no graphics device was found"};
     if (IsSoftware(gpu)) return {true, fmt::format("OpenGL is software, {}", gpu.renderer)};
     return {false, fmt::format("OpenGL is hardware, {}", gpu.renderer)};
 }
 
 std::string RendererText(const RendererDecision& decision) {
-    return fmt::format("drawn by {}: {}", decision.processor ? "the processor" : "OpenGL", decision.why);
+    return fmt::format("drawn by {}: {}", decision.processor ? "the CPU renderer" : "the GPU renderer", decision.why);
 }
 
 Failure ExplainWithoutOpenGL(const Failure& failure, const ParamSet& params) {

@@ -137,7 +137,7 @@ SPErr ReleaseSuite(const char* name, int32_t version) {
         const std::lock_guard lock(services->suitesMutex);
         const auto held = services->suites.find({name, version});
         if (held == services->suites.end()) {
-            services->Report("the suite " + Label(name, version) + " was released without being held");
+            services->Report("the suite " + Label(name, version) + " was released without being acquired");
             return PF_Err_BAD_CALLBACK_PARAM;
         }
         if (--held->second == 0) services->suites.erase(held);
@@ -171,7 +171,7 @@ bool Forget(void* block) {
         const std::lock_guard lock(blocks.mutex);
         if (blocks.live.erase(block)) return true;
     }
-    Report("a memory block was given back that is not one, or no longer");
+    Report("an invalid or released memory block was released");
     return false;
 }
 

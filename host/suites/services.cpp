@@ -125,6 +125,6 @@ EffectRef* EffectRef::Of(PF_ProgPtr pointer, const char* call) {
         const std::lock_guard lock(registry.mutex);
         if (registry.effectRefs.contains(pointer)) return reinterpret_cast<EffectRef*>(pointer);
     }
-    Report(std::string(call) + " was called with an effect reference that is not one");
+    Report(std::string(call) + " was called with an invalid effect reference");
     return nullptr;
 }

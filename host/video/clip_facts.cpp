@@ -50,7 +50,7 @@ Result<std::string> Ask(const ClipFacts& clip, std::vector<std::string> argument
     if (end.IsWell()) return text;
     if (end.code == 1 && end.lastLine.starts_with(argument + ": ")) {
         return CannotRead(
-            path, fmt::format("it is not a clip that ffmpeg can read ({})", end.lastLine.substr(argument.size() + 2)));
+            path, fmt::format("not a clip that ffmpeg can read ({})", end.lastLine.substr(argument.size() + 2)));
     }
     return CannotRead(path, EndText("ffprobe", end));
 }
@@ -135,9 +135,9 @@ Result<Done> ReadTimes(ClipFacts& facts, double tick, const std::string& codec, 
         if (end == time.c_str()) timed = false;
         shown.push_back({value * tick, std::strtod(duration.c_str(), nullptr) * tick});
     }
-    if (shown.empty()) return CannotRead(facts.path, "its video stream has no pictures");
+    if (shown.empty()) return CannotRead(facts.path, "the video stream has no frames");
     if (shown.size() > static_cast<std::size_t>(kFarthestFrame)) {
-        return CannotRead(facts.path, fmt::format("it has more than {} frames; cut it into parts", kFarthestFrame));
+        return CannotRead(facts.path, fmt::format("more than {} frames; cut the clip into parts", kFarthestFrame));
     }
     const double frame = 1 / rate.PerSecond();
     if (!timed) {
@@ -181,12 +181,11 @@ Result<Done> ReadPictures(ClipFacts& facts, const Json& stream) {
     facts.stream = NumberOf(stream, "index");
     facts.width = NumberOf(stream, "width");
     facts.height = NumberOf(stream, "height");
-    if (facts.width <= 0 || facts.height <= 0) return CannotRead(facts.path, "its video stream has no size");
+    if (facts.width <= 0 || facts.height <= 0) return CannotRead(facts.path, "the video stream has no size");
     if (IsTurned(stream)) std::swap(facts.width, facts.height);
     if (std::max(facts.width, facts.height) > PF_MAX_WORLD_WIDTH) {
-        return CannotRead(
-            facts.path, fmt::format("it is too large: {} x {} pixels, where no side may be longer than {}", facts.width,
-                                    facts.height, PF_MAX_WORLD_WIDTH));
+        return CannotRead(facts.path, fmt::format("too large: {} x {} pixels; no side may be longer than {}",
+                                                  facts.width, facts.height, PF_MAX_WORLD_WIDTH));
     }
     const std::string format = TextOf(stream, "pix_fmt");
     facts.bits = BitsOfPixelFormat(format);
@@ -231,8 +230,8 @@ int BitsOfPixelFormat(std::string_view name) {
 Result<ClipFacts> ReadClipFacts(const std::string& path) {
     if (const auto reason = WhyNoFile(path)) return CannotRead(path, *reason);
     std::error_code error;
-    if (fs::is_directory(path, error)) return CannotRead(path, "it is a folder, not a clip");
-    if (!fs::is_regular_file(path, error)) return CannotRead(path, "it is not a regular file");
+    if (fs::is_directory(path, error)) return CannotRead(path, "a folder, not a clip");
+    if (!fs::is_regular_file(path, error)) return CannotRead(path, "not a regular file");
     if (fs::file_size(path, error) == 0 && !error) return CannotRead(path, "the file is empty");
     ClipFacts facts;
     facts.path = path;
@@ -244,7 +243,7 @@ Result<ClipFacts> ReadClipFacts(const std::string& path) {
     const Json json = Json::parse(*told, nullptr, false);
     const auto streams = json.is_object() ? json.find("streams") : json.end();
     if (!json.is_object() || streams == json.end() || !streams->is_array()) {
-        return CannotRead(path, "ffprobe did not tell about its streams");
+        return CannotRead(path, "ffprobe did not report the streams");
     }
     const Json* pictures = nullptr;
     for (const Json& stream : *streams) {
@@ -252,7 +251,7 @@ Result<ClipFacts> ReadClipFacts(const std::string& path) {
         if (type == "audio") facts.sound.push_back(TextOf(stream, "codec_name"));
         if (type == "video" && !pictures && !IsCover(stream)) pictures = &stream;
     }
-    if (!pictures) return CannotRead(path, "it has no video stream");
+    if (!pictures) return CannotRead(path, "there is no video stream");
     const auto format = json.find("format");
     if (format != json.end()) facts.start = SecondsOf(*pictures, "start_time") - SecondsOf(*format, "start_time");
     if (facts.timecode.empty() && format != json.end()) facts.timecode = TagOf(*format, "timecode");

@@ -116,7 +116,7 @@ Result<const ClipCodec*> CodecFor(const std::string& path, const std::string& na
             for (const ClipCodec& codec : codecs) names.emplace_back(codec.name);
             const auto near = Nearest(name, names, 1);
             return Failure{ExitCode::kUsage,
-                           fmt::format("there is no codec '{}' among {}{}", name, ClipCodecNames(),
+                           fmt::format("there is no codec '{}'; the codecs are {}{}", name, ClipCodecNames(),
                                        near.empty() ? "" : fmt::format("; did you mean '{}'?", near.front()))};
         }
         if (Holds(*named, extension)) return &*named;
@@ -142,8 +142,9 @@ SoundPlan PlanSound(const ClipFacts& clip, const std::string& output) {
         if (!stays) changed.push_back(codec);
     }
     if (!changed.empty()) {
-        plan.note = fmt::format("the sound of '{}' ({}) becomes {}, since {} cannot hold it as it is", clip.path,
-                                Joined(changed, ", "), extension == ".webm" ? "opus" : "pcm_s24le", extension);
+        plan.note =
+            fmt::format("the sound of '{}' ({}) is converted to {}, since {} cannot hold the original", clip.path,
+                        Joined(changed, ", "), extension == ".webm" ? "opus" : "pcm_s24le", extension);
     }
     return plan;
 }

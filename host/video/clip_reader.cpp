@@ -53,7 +53,7 @@ Failure ClipReader::WhyNoMore(int index) {
         return {ExitCode::kFile,
                 fmt::format("cannot read frame {} of '{}': {}", index, facts_.path, EndText("ffmpeg", end))};
     }
-    return {ExitCode::kFile, fmt::format("cannot read frame {} of '{}': the clip tells of {} frames, but has {}", index,
+    return {ExitCode::kFile, fmt::format("cannot read frame {} of '{}': the clip declares {} frames, but has {}", index,
                                          facts_.path, facts_.FramesInFile(), next_)};
 }
 

@@ -117,7 +117,7 @@ Failure ClipWriter::Died() {
     if (!end.IsWell()) {
         return CannotWrite(target_.path, fmt::format("{}, after {} frames", EndText("ffmpeg", end), written_));
     }
-    return CannotWrite(target_.path, fmt::format("ffmpeg took no more frames after {}, as if it were done", written_));
+    return CannotWrite(target_.path, fmt::format("ffmpeg accepted no more frames after {}", written_));
 }
 
 Result<Done> ClipWriter::Write(const World& picture) {
@@ -133,7 +133,7 @@ Result<Done> ClipWriter::Finish() {
     std::error_code error;
     // The temporary file is there, empty, from its first moment on.
     if (const auto size = std::filesystem::file_size(file_.Name(), error); error || size == 0) {
-        return CannotWrite(target_.path, "ffmpeg ended well, but there is no clip");
+        return CannotWrite(target_.path, "ffmpeg ended without an error, but there is no clip");
     }
     // Only now: the mode may be one that ffmpeg could not have written with.
     TakeModeOf(place_, file_.Descriptor());

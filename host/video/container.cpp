@@ -81,10 +81,9 @@ Result<std::string> ReadDemuxer(const std::string& path) {
     beginning.resize(static_cast<std::size_t>(in.gcount()));
     const std::string demuxer = DemuxerOf(beginning);
     if (!demuxer.empty()) return demuxer;
-    return Failure{ExitCode::kFile,
-                   fmt::format("cannot read '{}': it is not a clip; clips are QuickTime, MP4, Matroska, "
-                               "WebM, AVI, MXF, NUT, MPEG, Ogg, ASF, FLV and YUV4MPEG files",
-                               path)};
+    return Failure{ExitCode::kFile, fmt::format("cannot read '{}': not a clip; clips are QuickTime, MP4, Matroska, "
+                                                "WebM, AVI, MXF, NUT, MPEG, Ogg, ASF, FLV and YUV4MPEG files",
+                                                path)};
 }
 
 std::vector<std::string> InputArguments(const std::string& path, const std::string& demuxer) {

@@ -21,12 +21,12 @@ Result<std::unique_ptr<ChildProcess>> StartTool(const std::string& tool, const s
     if (child) return child;
     const std::string& reason = child.Error().sentence;
     if (reason == std::strerror(ENOENT)) {
-        return Failure{ExitCode::kFile, fmt::format("there is no '{}' in PATH, and clips are read and written by it; "
+        return Failure{ExitCode::kFile, fmt::format("clips need '{}', which is not in PATH; "
                                                     "install ffmpeg (Debian: apt install ffmpeg)",
                                                     tool)};
     }
     return Failure{child.Error().code,
-                   fmt::format("'{}', which clips are read and written by, cannot be started: {}", tool, reason)};
+                   fmt::format("'{}', which reads and writes clips, cannot be started: {}", tool, reason)};
 }
 
 std::string EndText(const std::string& tool, const ProcessEnd& end) {

@@ -49,7 +49,7 @@ class Parallel(FarmCase):
         before = {file.name: file.stat().st_mtime_ns for file in (self.folder / "farm").iterdir()}
         self.assertEqual(self.run_job(script).returncode, 0)
         self.assertEqual(before, {file.name: file.stat().st_mtime_ns for file in (self.folder / "farm").iterdir()})
-        self.assertIn("umbrant: 0 drawn, 3 there already\n", (logs / "title-1.log").read_text())
+        self.assertIn("umbrant: 0 drawn, 3 already there\n", (logs / "title-1.log").read_text())
 
     def test_a_frame_that_fails_is_drawn_again(self):
         expected = self.one_machine("1-8", "--downsample", "8")

@@ -111,7 +111,7 @@ class Slurm(FarmCase):
         self.assertIn("Restarts=1", seen)
         log = (self.folder / requeued).read_text()
         self.tell(f"{requeued}:\n{log}")
-        self.assertRegex(log, r"is there already\n(.|\n)*umbrant: [23] drawn, [12] there already in ")
+        self.assertRegex(log, r"already exists\n(.|\n)*umbrant: [23] drawn, [12] already there in ")
         # What a killed program was writing is left under a hidden name, and is no frame.
         self.assertEqual({name: data for name, data in self.frames("farm").items() if not name.startswith(".")}, expected)
         self.assertEqual(len(expected), 48)

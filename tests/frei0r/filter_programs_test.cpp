@@ -87,7 +87,7 @@ TEST_F(FilterPrograms, FfmpegWithoutTheModule) {
     MakeClip();
     const std::string said = Filter("-vf frei0r=umbrant_frei0r -pix_fmt rgba -c:v png out.mov", "nowhere.so");
     EXPECT_THAT(said, testing::HasSubstr("umbrant_frei0r: "));
-    EXPECT_THAT(said, testing::HasSubstr("; pictures pass unchanged"));
+    EXPECT_THAT(said, testing::HasSubstr("; frames pass through unchanged"));
     EXPECT_EQ(PictureHash("out.mov", "rgba"), PictureHash("clip.mov", "rgba"));
 }
 

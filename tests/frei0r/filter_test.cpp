@@ -301,7 +301,7 @@ TEST_F(FilterTest, WithoutItsModulePicturesPass) {
     const std::string said = testing::internal::GetCapturedStderr();
     EXPECT_THAT(said, testing::StartsWith("umbrant_frei0r: "));
     EXPECT_THAT(said, HasSubstr(nowhere));
-    EXPECT_THAT(said, testing::EndsWith("; pictures pass unchanged\n"));
+    EXPECT_THAT(said, testing::EndsWith("; frames pass through unchanged\n"));
     EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1) << "once, not for every instance and frame";
 }
 
@@ -319,7 +319,7 @@ TEST_F(FilterTest, WithoutAnyModuleItSaysWhatItsUserCanDo) {
     if (said.empty()) return;
     EXPECT_THAT(said, testing::StartsWith("umbrant_frei0r: no module was found in '"));
     EXPECT_THAT(said, testing::EndsWith("'; put umbrant2.so into the filter's folder, or set the environment variable "
-                                        "UMBRANT_MODULE to its file; pictures pass unchanged\n"));
+                                        "UMBRANT_MODULE to its file; frames pass through unchanged\n"));
 }
 
 TEST_F(FilterTest, TimesThatMakeNoSense) {

@@ -159,7 +159,7 @@ class Installed(unittest.TestCase):
         reasons = {
             "missing": f"{loaded}umbrant_drawing.so: cannot open shared object file: No such file or directory; {advice}",
             "empty": f"{loaded}{self.prefix}/bin/../{LIBDIR}/umbrant/umbrant_drawing.so: file too short; {advice}",
-            "another": "umbrant_drawing.so is of another version of the program; install both from one version",
+            "another": "umbrant_drawing.so belongs to another version of the program; install both from the same version",
         }
         with tempfile.TemporaryDirectory() as folder:
             folder = pathlib.Path(folder)
@@ -171,8 +171,8 @@ class Installed(unittest.TestCase):
                     elif state == "another":
                         shutil.copy(part.with_name("umbrant_shim.so"), part)
                     for what, arguments in {
-                        "a picture of the panel": ["panel", "-o", "picture.png"],
-                        "a picture of the curves": ["curves", "--preset", preset, "-o", "picture.png"],
+                        "an image of the panel": ["panel", "-o", "picture.png"],
+                        "an image of the curves": ["curves", "--preset", preset, "-o", "picture.png"],
                         "the canvas of a draw event": ["validate", "--strictness", "3"],
                     }.items():
                         with self.subTest(state=state, what=what):

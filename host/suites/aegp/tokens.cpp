@@ -58,7 +58,7 @@ Token* FindToken(const void* reference, TokenKind kind, const char* call) {
         const auto found = table.tokens.find(reference);
         if (found != table.tokens.end() && found->second->kind == kind) return found->second.get();
     }
-    Report(std::string(call) + " was called with a reference that is not one, or no longer");
+    Report(std::string(call) + " was called with an invalid or released reference");
     return nullptr;
 }
 

@@ -34,7 +34,7 @@ DrawbotCanvas* Find(Reference reference, Reference (DrawbotCanvas::*own)(), cons
             if ((canvas->*own)() == reference) return canvas;
         }
     }
-    Report(std::string(call) + " was called with a " + what + " that is not one, or no longer");
+    Report(std::string(call) + " was called with an invalid or released " + what);
     return nullptr;
 }
 

@@ -82,7 +82,7 @@ bool RetainDrawObject(DRAWBOT_ObjectRef reference) {
             return true;
         }
     }
-    Report("a drawing object was retained that is not one, or no longer");
+    Report("an invalid or released drawing object was retained");
     return false;
 }
 
@@ -99,7 +99,7 @@ bool ReleaseDrawObject(DRAWBOT_ObjectRef reference) {
             table.objects.erase(found);
         }
     }
-    if (!live) Report("a drawing object was released that is not one, or no longer");
+    if (!live) Report("an invalid or released drawing object was released");
     if (last) Count(Resource::kDrawObject, -1);
     return live;
 }
@@ -111,7 +111,7 @@ DrawObject* FindDrawObject(const void* reference, const char* call) {
         const auto found = table.objects.find(reference);
         if (found != table.objects.end()) return &found->second->object;
     }
-    Report(std::string(call) + " was called with a drawing object that is not one, or no longer");
+    Report(std::string(call) + " was called with an invalid or released drawing object");
     return nullptr;
 }
 

@@ -66,7 +66,7 @@ SPErr NewPath(DRAWBOT_SupplierRef supplier, DRAWBOT_PathRef* path) {
 /// What this supplier can do, whatever the question.
 template <DRAWBOT_Boolean Answer>
 SPErr Can(DRAWBOT_SupplierRef supplier, DRAWBOT_Boolean* answer) {
-    if (!DrawbotCanvas::Of(supplier, "a question to the supplier") || !answer) return PF_Err_BAD_CALLBACK_PARAM;
+    if (!DrawbotCanvas::Of(supplier, "a query of the supplier") || !answer) return PF_Err_BAD_CALLBACK_PARAM;
     *answer = Answer;
     return kSPNoError;
 }

@@ -84,7 +84,7 @@ void* LockHandle(PF_Handle handle) {
             return block->master;
         }
     }
-    Report("a lock was asked on something that is not a handle");
+    Report("a lock of an invalid handle was requested");
     return nullptr;
 }
 
@@ -119,7 +119,7 @@ void DisposeHandle(PF_Handle handle) {
         }
     }
     if (!block) {
-        Report("a handle was disposed of that is not one, or no longer");
+        Report("an invalid or released handle was disposed of");
         return;
     }
     Count(Resource::kHandle, -1);
@@ -127,7 +127,7 @@ void DisposeHandle(PF_Handle handle) {
         Report("a handle was disposed of while it was locked");
         Count(Resource::kLock, -block->locks);
     }
-    if (!block->bytes.SlackIsWhole()) Report("bytes beside a handle's memory were written");
+    if (!block->bytes.SlackIsWhole()) Report("bytes outside of a handle's memory were written");
 }
 
 A_HandleSize HandleSize(PF_Handle handle) {
@@ -137,7 +137,7 @@ A_HandleSize HandleSize(PF_Handle handle) {
         const std::lock_guard lock(table.mutex);
         if (const Block* block = table.Find(handle)) return block->size;
     }
-    Report("the size was asked of something that is not a handle");
+    Report("the size of an invalid handle was requested");
     return 0;
 }
 
@@ -147,7 +147,7 @@ PF_Err ResizeHandle(A_HandleSize size, PF_Handle* handle) {
     const std::lock_guard lock(table.mutex);
     Block* block = table.Find(*handle);
     if (!block || block->locks > 0) {
-        Report(block ? "a locked handle was to be resized" : "something that is not a handle was to be resized");
+        Report(block ? "a locked handle was resized" : "an invalid handle was resized");
         return PF_Err_BAD_CALLBACK_PARAM;
     }
     LentBytes bytes = Allocate(size);

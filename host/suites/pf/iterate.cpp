@@ -39,7 +39,7 @@ PF_Err RunForEffect(int count, const std::function<PF_Err(int index, int thread)
             const PF_Err error = work(index, thread);
             return error ? fail(error) : true;
         } catch (...) {
-            Report("an exception left a function that the host was asked to call for pixels");
+            Report("a pixel function of the effect threw an exception");
             return fail(PF_Err_INTERNAL_STRUCT_DAMAGED);
         }
     });

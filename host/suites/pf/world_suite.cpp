@@ -94,7 +94,7 @@ PF_Err DisposeEffectWorld(PF_EffectWorld* world) {
         }
     }
     if (disposed.IsNull()) {
-        Report("a world was disposed of that the effect did not make, or no longer has");
+        Report("a world was disposed of that the effect does not own");
         return PF_Err_BAD_CALLBACK_PARAM;
     }
     const Services* services = CurrentServices();

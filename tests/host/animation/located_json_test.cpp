@@ -81,7 +81,7 @@ TEST(LocatedJson, TellsWhatIsNoJson) {
     }
     const auto deep = ParseLocatedJson(std::string(100, '[') + std::string(100, ']'));
     ASSERT_FALSE(deep);
-    EXPECT_EQ(deep.Error().sentence, "it is nested too deeply");
+    EXPECT_EQ(deep.Error().sentence, "nested too deeply");
 }
 
 TEST(LocatedJson, BoundsTheNumberOfValues) {

@@ -132,19 +132,15 @@ TEST_F(PresetTest, EveryMistakeIsToldWithItsPlace) {
 })");
     ASSERT_FALSE(applied);
     EXPECT_EQ(applied.Error().code, ExitCode::kUsage);
-    EXPECT_EQ(
-        applied.Error().sentence,
-        "the preset '" + (folder_ / "p.json").string() +
-            "' has 8 mistakes:"
-            "\n  line 3, column 3: there is no key 'valeus' in a preset; nearest: 'values'"
-            "\n  line 4, column 23: 'size' takes 0 to 100, not 101"
-            "\n  line 4, column 28: there is no parameter 'nothing' nor a similar one; `umbrant params` lists them"
-            "\n  line 6, column 5: 'kind' cannot have keyframes: the effect keeps it the same for all frames; "
-            "give it one value in \"values\""
-            "\n  line 7, column 5: 'angle' has a value and keyframes; leave one of them"
-            "\n  line 8, column 5: 'size' has a value and keyframes; leave one of them"
-            "\n  line 8, column 40: the keyframes of 'size' are out of order: frame 4 stands after frame 9"
-            "\n  line 8, column 62: 'size' takes a number from 0 to 100, not 'big'");
+    EXPECT_EQ(applied.Error().sentence,
+              "the preset '" + (folder_ / "p.json").string() +
+                  "' has 8 mistakes:\n  line 3, column 3: there is no key 'valeus' in a preset; closest: 'values'\n  "
+                  "line 4, column 23: 'size' takes 0 to 100, not 101\n  line 4, column 28: there is no parameter "
+                  "'nothing'; `umbrant params` lists all parameters\n  line 6, column 5: 'kind' cannot have keyframes: "
+                  "the effect does not let it vary over time; set one value in \"values\"\n  line 7, column 5: 'angle' "
+                  "has a value and keyframes; remove one of them\n  line 8, column 5: 'size' has a value and "
+                  "keyframes; remove one of them\n  line 8, column 40: the keyframes of 'size' are out of order: frame "
+                  "4 comes after frame 9\n  line 8, column 62: 'size' takes a number from 0 to 100, not 'big'");
     EXPECT_THAT(params_.animation.Tracks(), IsEmpty()) << "nothing is changed";
     EXPECT_EQ(params_.values.ValueText(*params_.values.Find("angle")), "0");
 }
@@ -160,9 +156,9 @@ TEST_F(PresetTest, WhatAKeyframeMayNotBe) {
         {"no object", R"("size": [5])",
          "a keyframe of 'size' is an object with \"frame\" or \"seconds\" and \"value\", not a number"},
         {"no time", R"("size": [{"value": 5}])",
-         "a keyframe of 'size' has neither \"frame\" nor \"seconds\"; give it one of them"},
+         "a keyframe of 'size' has neither \"frame\" nor \"seconds\"; use one of them"},
         {"two times", R"("size": [{"frame": 1, "seconds": 1, "value": 5}])",
-         "a keyframe of 'size' has \"frame\" and \"seconds\"; give it one of them"},
+         "a keyframe of 'size' has \"frame\" and \"seconds\"; use one of them"},
         {"a time that is a word", R"("size": [{"frame": "1", "value": 5}])",
          "\"frame\" takes a number from -999999 to 999999, not a string"},
         {"a time too far off", R"("size": [{"frame": 1e9, "value": 5}])", "not 1e9"},
@@ -171,12 +167,12 @@ TEST_F(PresetTest, WhatAKeyframeMayNotBe) {
         {"the same time twice", R"("size": [{"frame": 1, "value": 5}, {"frame": 1, "value": 6}])",
          "'size' has two keyframes at frame 1"},
         {"out of order in seconds", R"("size": [{"seconds": 1.5, "value": 5}, {"seconds": 1, "value": 6}])",
-         "the keyframes of 'size' are out of order: 1 s stands after 1.5 s"},
+         "the keyframes of 'size' are out of order: 1 s comes after 1.5 s"},
         {"no value", R"("size": [{"frame": 1}])", "a keyframe of 'size' has no \"value\""},
         {"a value of no kind", R"("size": [{"frame": 1, "value": [1]}])",
-         "'size' takes a text or a number, not what JSON calls an array"},
+         "'size' takes a string or a number, not an array"},
         {"an unknown key", R"("size": [{"frame": 1, "value": 1, "outt": "hold"}])",
-         "there is no key 'outt' in a keyframe; nearest: 'out'"},
+         "there is no key 'outt' in a keyframe; closest: 'out'"},
         {"an unknown side", R"("size": [{"frame": 1, "value": 1, "out": "smooth"}])",
          "\"out\" takes \"linear\", \"ease\", \"hold\" or an object with \"speed\" and \"influence\", not \"smooth\""},
         {"a hold on the way in", R"("size": [{"frame": 1, "value": 1, "in": "hold"}])",
@@ -187,7 +183,7 @@ TEST_F(PresetTest, WhatAKeyframeMayNotBe) {
         {"a speed that is none", R"("size": [{"frame": 1, "value": 1, "in": {"speed": true}}])",
          "\"speed\" takes a number from -1000000000 to 1000000000, not a boolean"},
         {"an unknown part of a side", R"("size": [{"frame": 1, "value": 1, "in": {"sped": 1}}])",
-         "there is no key 'sped' in a side of a keyframe; nearest: 'speed'"},
+         "there is no key 'sped' in a side of a keyframe; closest: 'speed'"},
         {"an eased popup", R"("mode": [{"frame": 1, "value": 1, "out": "ease"}])",
          "'mode' is a popup and can only hold its values"},
         {"an eased check box", R"("on": [{"frame": 1, "value": 1, "in": "linear"}])",
@@ -199,12 +195,12 @@ TEST_F(PresetTest, WhatAKeyframeMayNotBe) {
         {"half a tangent", R"("centre": [{"frame": 1, "value": "1,1", "tangent-in": "1"}])",
          "\"tangent-in\" takes \"x,y\" from the keyframe's place, numbers from -32767 to 32767, not \"1\""},
         {"a row that is no value", R"("press": [{"frame": 1, "value": 1}])",
-         "'press' is a button and has no value that could move"},
-        {"a row that is not there", R"("sizes": [])", "there is no parameter 'sizes'; nearest: 'size'"},
+         "'press' is a button and cannot have keyframes"},
+        {"a row that is not there", R"("sizes": [])", "there is no parameter 'sizes'; closest: 'size'"},
         {"one row under two names", R"("size": [{"frame": 1, "value": 1}], "#1": [{"frame": 1, "value": 1}])",
          "'size' and '#1' are the same parameter"},
         {"one row twice", R"("size": [{"frame": 1, "value": 1}], "size": [{"frame": 1, "value": 1}])",
-         "'size' stands there twice"},
+         "the key 'size' is repeated"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -222,21 +218,20 @@ TEST_F(PresetTest, VersionsAreKnown) {
         const char* text;
         const char* sentence;
     } rows[] = {
-        {"none", R"({"values": {}})", "it has no \"version\"; this program reads versions 1 and 2"},
+        {"none", R"({"values": {}})", "\"version\" is missing; this program reads versions 1 and 2"},
         {"a newer one", R"({"version": 3, "values": {"size": "huge"}, "expressions": {}})",
-         "is wrong: line 1, column 13: it has the version 3; this program reads versions 1 and 2, and a newer one "
-         "wrote "
-         "this; save it there without what is new"},
+         "has a mistake: line 1, column 13: version 3 is not supported; this program reads versions 1 and 2, and a "
+         "newer version of it wrote this file; save the preset there without newer features"},
         {"a text", R"({"version": "2", "values": {}})",
-         "it has the version \"2\"; this program reads versions 1 and 2"},
-        {"a fraction", R"({"version": 1.5, "values": {}})", "it has the version 1.5;"},
-        {"none that is", R"({"version": null, "values": {}})", "it has the version null;"},
-        {"zero", R"({"version": 0, "values": {}})", "it has the version 0;"},
+         "version \"2\" is not supported; this program reads versions 1 and 2"},
+        {"a fraction", R"({"version": 1.5, "values": {}})", "version 1.5 is not supported;"},
+        {"none that is", R"({"version": null, "values": {}})", "version null is not supported;"},
+        {"zero", R"({"version": 0, "values": {}})", "version 0 is not supported;"},
         {"keyframes before their time", R"({"version": 1, "values": {}, "keyframes": {}})",
-         "a preset of version 1 has no keyframes; write \"version\": 2"},
-        {"nothing at all", R"({"version": 2})", "it has neither \"values\" nor \"keyframes\""},
+         "a preset of version 1 cannot have keyframes; write \"version\": 2"},
+        {"nothing at all", R"({"version": 2})", "\"values\" and \"keyframes\" are missing"},
         {"a list of keyframes", R"({"version": 2, "keyframes": []})",
-         "its \"keyframes\" are not an object of paths and lists"},
+         "\"keyframes\" is not an object of paths and lists"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);

@@ -79,15 +79,15 @@ TEST_F(CliCurves, WrongUses) {
         int code;
         const char* sentence;
     } rows[] = {
-        {"nothing to do", {"--preset", "moving.json"}, 2, "there is nothing to do; give -o FILE or --json"},
+        {"nothing to do", {"--preset", "moving.json"}, 2, "nothing to do; use -o FILE or --json"},
         {"no preset", {"-o", "c.png"}, 2, "--preset is required"},
         {"a preset that is not there", {"--preset", "none.json", "--json"}, 3, "there is no such file"},
         {"nothing moves",
          {"--preset", "still.json", "--json"},
          2,
-         "nothing moves in 'still.json': it has no keyframes"},
-        {"wrong frames", {"--preset", "moving.json", "--json", "--frames", "1-"}, 2, "'1-' is no set of frames"},
-        {"a wrong rate", {"--preset", "moving.json", "--json", "--rate", "0"}, 2, "'0' is no frame rate"},
+         "there are no curves to draw: 'still.json' has no keyframes"},
+        {"wrong frames", {"--preset", "moving.json", "--json", "--frames", "1-"}, 2, "'1-' is not a set of frames"},
+        {"a wrong rate", {"--preset", "moving.json", "--json", "--rate", "0"}, 2, "'0' is not a frame rate"},
         {"a wrong format", {"--preset", "moving.json", "-o", "c.gif"}, 3, "'.gif' is not a format"},
         {"too narrow", {"--preset", "moving.json", "-o", "c.png", "--width", "10"}, 2, "--width"},
     };
@@ -106,8 +106,9 @@ TEST_F(CliCurves, RowsThatCannotVaryAreRefusedByName) {
                    std::string(R"({"version": 2, "keyframes": {")") + path + R"(": [{"frame": 1, "value": 1}]}})");
         const Outcome outcome = Curves({"--preset", "p.json", "--json"}, UMBRANT_MODULE_FILE);
         EXPECT_EQ(outcome.code, 2);
-        EXPECT_THAT(outcome.err, HasSubstr("the preset 'p.json' is wrong: line 1, column 30: '" + std::string(path) +
-                                           "' cannot have keyframes: the effect keeps it the same for all frames"));
+        EXPECT_THAT(outcome.err,
+                    HasSubstr("the preset 'p.json' has a mistake: line 1, column 30: '" + std::string(path) +
+                              "' cannot have keyframes: the effect does not let it vary over time"));
     }
 }
 

@@ -73,7 +73,7 @@ TEST_F(CliFiles, ADashIsStandardInputAndOutput) {
     WriteBytes(folder_ / "text", "Dear diary\n");
     const ProgramRun text = RenderBetween(Stream::File("text"), {"-", "-o", "a.png"});
     EXPECT_EQ(text.code, 3);
-    EXPECT_THAT(text.errors, HasSubstr("umbrant: cannot read '-': it is not a picture that can be read ("));
+    EXPECT_THAT(text.errors, HasSubstr("umbrant: cannot read '-': not an image that can be read ("));
 }
 
 struct Refusal {
@@ -93,10 +93,10 @@ TEST_F(CliFiles, WhatDoesNotFitTogetherIsRefused) {
          "standard output has no extension; name its format with --format png, tif, exr or jpg"},
         {"a format and an extension",
          {"in.png", "-o", "a.png", "--format", "tif"},
-         "--format is about standard output, '-o -'; the extension of 'a.png' names its format"},
+         "--format applies to standard output only ('-o -'); the extension of 'a.png' names its format"},
         {"two results",
          {"in.png", "-o", "-", "--format", "png", "--json"},
-         "--json and '-o -' both write to standard output; name a file for one"},
+         "--json and '-o -' both write to standard output; write the image to a file"},
         {"one input twice",
          {"-", "-o", "a.png", "--texture", "-"},
          "standard input can be the layer or the texture, not both"},
@@ -105,19 +105,19 @@ TEST_F(CliFiles, WhatDoesNotFitTogetherIsRefused) {
          "'-' is a single image; the frames of a sequence need files"},
         {"the preset",
          {"in.png", "-o", "preset.png", "--preset", "preset.png"},
-         "'preset.png' is read and written in one run; give the output another name"},
+         "'preset.png' is both input and output; give the output another name"},
         {"the preset among frames",
          {"in.png", "-o", "preset.@.png", "--preset", "preset.2.png", "--frames", "1-2"},
-         "'preset.2.png' is read and written in one run; give the output another name"},
+         "'preset.2.png' is both input and output; give the output another name"},
         {"the texture",
          {"in.png", "-o", "./texture.png", "--texture", "texture.png"},
-         "'./texture.png' is read and written in one run; give the output another name"},
+         "'./texture.png' is both input and output; give the output another name"},
         {"a depth of files",
          {"in.png", "-o", "a.png", "--depth", "16"},
-         "the effect renders in 8 or 32 bits; --output-depth 16 stores the file so"},
+         "the effect renders in 8 or 32 bits; --output-depth 16 sets the depth of the file"},
         {"another one",
          {"in.png", "-o", "a.exr", "--depth", "half"},
-         "the effect renders in 8 or 32 bits; --output-depth half stores the file so"},
+         "the effect renders in 8 or 32 bits; --output-depth half sets the depth of the file"},
         {"no depth at all",
          {"in.png", "-o", "a.png", "--depth", "7"},
          "'7' is not 8 or 32, the bits of a channel in the effect"},
@@ -146,7 +146,7 @@ TEST_F(CliFiles, WhatDoesNotFitTogetherIsRefused) {
         SCOPED_TRACE(command);
         const Outcome outcome = RunInProcess(folder_, {command, "-o", "preset.png", "--preset", "preset.png"});
         EXPECT_EQ(outcome.code, 2);
-        EXPECT_THAT(outcome.err, HasSubstr("'preset.png' is read and written in one run"));
+        EXPECT_THAT(outcome.err, HasSubstr("'preset.png' is both input and output"));
     }
     EXPECT_EQ(ReadBytes(folder_ / "preset.png"), ReadBytes(folder_ / "preset.2.png"));
 }

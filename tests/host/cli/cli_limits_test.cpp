@@ -18,7 +18,7 @@ using testing::Not;
 using testing::StartsWith;
 
 constexpr char kShortage[] =
-    " threads could be started; the work goes on with fewer and takes longer (`ulimit -u`, or the container's limits "
+    " threads could be started; the work continues with fewer and takes longer (`ulimit -u`, or the container's limits "
     "of "
     "tasks and memory, allow more)\n";
 
@@ -223,7 +223,7 @@ TEST_F(CliMemory, ASequenceHasIt) {
     // With room for one frame at a time, beside what threads reserve, all are drawn.
     const Outcome verbose = Run(Own("large.@.png", "out.@.png", {"--verbose"}), WithMiB(least + 3000));
     EXPECT_EQ(verbose.code, 0) << verbose.err;
-    EXPECT_THAT(verbose.err, MatchesRegex("(.|\n)*at most [1-4] frames under way(.|\n)*"));
+    EXPECT_THAT(verbose.err, MatchesRegex("(.|\n)*at most [1-4] frames in progress(.|\n)*"));
 }
 
 }  // namespace

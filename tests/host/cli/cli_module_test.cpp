@@ -62,8 +62,8 @@ TEST_F(CliWithoutOpenGL, InfoSaysWhatAnotherEffectDoesNotSay) {
     const Outcome outcome = Run({"info", "--module", TestModule("painter")});
     ASSERT_EQ(outcome.code, 0) << outcome.err;
     for (const char* line :
-         {"\nVendor           the effect does not say\n", "\nRenderer         the effect does not say\n",
-          "\nOpenGL Version   the effect does not say\n"}) {
+         {"\nVendor           not declared by the effect\n", "\nRenderer         not declared by the effect\n",
+          "\nOpenGL Version   not declared by the effect\n"}) {
         EXPECT_THAT(outcome.out, HasSubstr(line));
     }
 }
@@ -148,7 +148,7 @@ TEST_F(CliWithoutOpenGL, WrongValuesOfEveryShadowTypeAreTold) {
         {"a number that is no type", "normal", "style/shadow-type=4",
          "'style/shadow-type' takes an item number from 1 to 3, not 4"},
         {"a misspelt blend mode", "inner", "style/blend-mode=multply",
-         "'style/blend-mode' has no item 'multply'; nearest: 'multiply'"},
+         "'style/blend-mode' has no item 'multply'; closest: 'multiply'"},
         {"a separator as blend mode", "inner", "style/blend-mode=2",
          "'style/blend-mode' cannot be set to 2, which is a separator line"},
         {"too soft", "inner", "style/softness=501", "'style/softness' takes 0 to 500, not 501"},

@@ -136,7 +136,7 @@ TEST_F(CliOtherTimes, AnUnreadableFrameIsTheFramesFailure) {
     WriteBytes(folder_ / "in.4.png", "no picture at all");
     const Outcome outcome = Look(1, {"--frames", "3"});
     EXPECT_EQ(outcome.code, 3);
-    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 3: the effect asks for frame 4: cannot read 'in.4.png': "));
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 3: the effect requests frame 4: cannot read 'in.4.png': "));
     EXPECT_FALSE(Exists("out.03.png"));
 }
 

@@ -138,14 +138,14 @@ struct BadRow {
 
 TEST(CliPanel, BadUsageIsToldAndLeavesNoFile) {
     const BadRow rows[] = {
-        {"nothing to do", {}, 2, "give -o FILE, --json or --press BUTTON"},
+        {"nothing to do", {}, 2, "nothing to do; use -o FILE, --json or --press BUTTON"},
         {"an unknown theme", {"-o", "a.png", "--theme", "pink"}, 2, "--theme"},
         {"too narrow", {"-o", "a.png", "--width", "319"}, 2, "--width"},
         {"too large", {"-o", "a.png", "--scale", "5"}, 2, "--scale"},
         {"an unknown row", {"-o", "a.png", "--set", "style/distanc=1"}, 2, "style/distance"},
         {"a value out of range", {"-o", "a.png", "--set", "style/distance=-1"}, 2, "style/distance"},
         {"no value", {"-o", "a.png", "--set", "style/distance"}, 2, "PATH=VALUE"},
-        {"a row without a twirl", {"-o", "a.png", "--open", "style/color"}, 2, "has no twirl"},
+        {"a row without a twirl", {"-o", "a.png", "--open", "style/color"}, 2, "cannot be opened or closed"},
         {"an unknown group", {"-o", "a.png", "--close", "stile"}, 2, "style"},
         {"no button", {"-o", "a.png", "--press", "style/color"}, 2, "is no button"},
         {"an unknown format", {"-o", "a.gif"}, 3, "a.gif"},
@@ -205,7 +205,7 @@ TEST(CliPanel, ShowsAPresetAsItIsAtAMoment) {
          {"--preset", "moving.json", "--time", "-1"},
          2,
          "'-1' is not a number from 0 to 86400"},
-        {"a rate that is none", {"--preset", "moving.json", "--rate", "fast"}, 2, "'fast' is no frame rate"},
+        {"a rate that is none", {"--preset", "moving.json", "--rate", "fast"}, 2, "'fast' is not a frame rate"},
         {"no such file", {"--preset", "none.json"}, 3, "'none.json'"},
     };
     for (const auto& row : rows) {

@@ -102,30 +102,31 @@ TEST(CliPreset, MistakesAreAllToldAndNothingIsDrawn) {
          R"({"version": 1, "values": {"paint/boarder": 1, "paint/border": 40001, "flaw": "leek", "paint/color": "reddish"}})",
          2,
          {"the preset 'p.json' has 4 mistakes:\n",
-          "\n  line 1, column 27: there is no parameter 'paint/boarder'; nearest: 'paint/border'",
-          ": 'paint/border' takes 0 to 40000, not 40001\n", ": 'flaw' has no item 'leek'; nearest: 'leak'",
+          "\n  line 1, column 27: there is no parameter 'paint/boarder'; closest: 'paint/border'",
+          ": 'paint/border' takes 0 to 40000, not 40001\n", ": 'flaw' has no item 'leek'; closest: 'leak'",
           ": 'paint/color' takes a colour as #rrggbb, #rgb or a CSS name, not 'reddish'"}},
         {"not a number",
          R"({"version": 1, "values": {"paint/border": "nan"}})",
          2,
-         {"the preset 'p.json' is wrong: line 1, column 43: 'paint/border' takes a number from 0 to 40000, not 'nan'"}},
-        {"no version", R"({"values": {}})", 2, {"it has no \"version\"; this program reads versions 1 and 2"}},
+         {"the preset 'p.json' has a mistake: line 1, column 43: 'paint/border' takes a number from 0 to 40000, not "
+          "'nan'"}},
+        {"no version", R"({"values": {}})", 2, {"\"version\" is missing; this program reads versions 1 and 2"}},
         {"another version",
          R"({"version": 3, "values": {}})",
          2,
-         {"it has the version 3; this program reads versions 1 and 2"}},
-        {"a version that is a text", R"({"version": "1", "values": {}})", 2, {"it has the version \"1\""}},
-        {"no values", R"({"version": 1})", 2, {"it has no \"values\""}},
+         {"version 3 is not supported; this program reads versions 1 and 2"}},
+        {"a version that is a text", R"({"version": "1", "values": {}})", 2, {"version \"1\""}},
+        {"no values", R"({"version": 1})", 2, {"\"values\" is missing"}},
         {"a misspelt key",
          R"({"version": 1, "value": {}, "values": {}})",
          2,
-         {"there is no key 'value' in a preset; nearest: 'values'"}},
-        {"values in a list", R"({"version": 1, "values": []})", 2, {"its \"values\" are not an object"}},
-        {"a list", "[1]", 2, {"it is not an object with \"version\" and \"values\""}},
+         {"there is no key 'value' in a preset; closest: 'values'"}},
+        {"values in a list", R"({"version": 1, "values": []})", 2, {"\"values\" is not an object"}},
+        {"a list", "[1]", 2, {"the file is not an object with \"version\" and \"values\""}},
         {"a value of no kind",
          R"({"version": 1, "values": {"paint/border": [1]}})",
          2,
-         {"'paint/border' takes a text or a number, not what JSON calls an array"}},
+         {"'paint/border' takes a string or a number, not an array"}},
         {"one row under two names",
          R"({"version": 1, "values": {"paint/border": 1, "#3": 1}})",
          2,
@@ -133,18 +134,15 @@ TEST(CliPreset, MistakesAreAllToldAndNothingIsDrawn) {
         {"one key twice",
          R"({"version": 1, "values": {"paint/border": 1, "paint/border": 2}})",
          2,
-         {"'paint/border' stands there twice"}},
-        {"a layer",
-         R"({"version": 1, "values": {"#0": "1"}})",
-         2,
-         {"is a layer; give it a picture instead of a value"}},
-        {"no JSON", "distance = 80", 3, {"cannot read the preset 'p.json': it is not JSON (parse error at line 1"}},
+         {"the key 'paint/border' is repeated"}},
+        {"a layer", R"({"version": 1, "values": {"#0": "1"}})", 2, {"is a layer; pass an image instead of a value"}},
+        {"no JSON", "distance = 80", 3, {"cannot read the preset 'p.json': not valid JSON (parse error at line 1"}},
         {"a number that no double holds",
          R"({"version": 1, "values": {"paint/border": 1e400}})",
          3,
-         {"it is not JSON (number overflow parsing '1e400')"}},
-        {"an empty file", "", 3, {"cannot read the preset 'p.json': it is not JSON"}},
-        {"a bare nan", R"({"version": 1, "values": {"paint/border": nan}})", 3, {"it is not JSON"}},
+         {"not valid JSON (number overflow parsing '1e400')"}},
+        {"an empty file", "", 3, {"cannot read the preset 'p.json': not valid JSON"}},
+        {"a bare nan", R"({"version": 1, "values": {"paint/border": nan}})", 3, {"not valid JSON"}},
     };
     for (const WrongPreset& row : rows) {
         SCOPED_TRACE(row.name);
@@ -168,7 +166,7 @@ TEST(CliPreset, MissingFilesAndMissingCompanions) {
     EXPECT_THAT(outcome.err, HasSubstr("cannot read the preset 'none.json': there is no such file"));
     outcome = Values(folder, {"--preset", "folder"});
     EXPECT_EQ(outcome.code, 3);
-    EXPECT_THAT(outcome.err, HasSubstr("it is a folder"));
+    EXPECT_THAT(outcome.err, HasSubstr("a folder, not a file"));
     EXPECT_EQ(RunInProcess(folder, {"params", "--values"}).code, 2);
     EXPECT_EQ(RunInProcess(folder, {"params", "--json", "--preset", "p.json"}).code, 2);
     EXPECT_EQ(RunInProcess(folder, {"params", "--set", "paint/border=1"}).code, 2);
@@ -207,7 +205,7 @@ TEST(CliPreset, APipeIsReadToItsEndAndNoFurtherThan64MiB) {
     EXPECT_EQ(json::parse(whole.out)["values"]["paint/border"], 7);
     const Outcome endless = fromPipe("cat", "/dev/zero");
     EXPECT_EQ(endless.code, 3);
-    EXPECT_EQ(endless.err, "umbrant: cannot read the preset 'pipe': it is larger than 64 MiB, which no preset is\n");
+    EXPECT_EQ(endless.err, "umbrant: cannot read the preset 'pipe': the file is larger than 64 MiB\n");
 }
 
 }  // namespace

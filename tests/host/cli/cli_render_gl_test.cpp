@@ -154,8 +154,8 @@ TEST_F(CliRenderGl, APictureLargerThanATextureIsToldItsSizeAndTheLimit) {
                                        {{Module(), "UMBRANT_GL=software", "UMBRANT_RENDERER=gl"}, ""});
     if (outcome.code == 0) GTEST_SKIP() << "this driver takes textures of 18900 pixels";
     EXPECT_EQ(outcome.code, 1);
-    EXPECT_THAT(outcome.err, HasSubstr("FBO bad, res: 18900 42 (error 4, PF_Err_OUT_OF_MEMORY); the picture would be "
-                                       "18900 x 42 pixels, and many OpenGL drivers take no more than 16384 x 16384"));
+    EXPECT_THAT(outcome.err, HasSubstr("FBO bad, res: 18900 42 (error 4, PF_Err_OUT_OF_MEMORY); the image would be "
+                                       "18900 x 42 pixels, and many OpenGL drivers support at most 16384 x 16384"));
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(folder_.Entries(), entries) << "nothing is left behind";
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// `umbrant render` with the real module, drawn by the processor: the shadow lies where it should.
+// `umbrant render` with the real module, drawn by the CPU renderer: the shadow lies where it should.
 
 #include <gtest/gtest.h>
 

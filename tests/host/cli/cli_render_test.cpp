@@ -183,12 +183,12 @@ TEST_F(CliRender, FailuresHaveTheirCodesAndLeaveNothing) {
         {"an input that is no picture",
          {"render", "text.png", "-o", "out.png", "--module", painter},
          3,
-         "cannot read 'text.png': it is not a picture that can be read"},
+         "cannot read 'text.png': not an image that can be read"},
         {"a truncated input", {"render", "cut.png", "-o", "out.png", "--module", painter}, 3, "cannot read 'cut.png'"},
         {"a folder as input",
          {"render", "folder.png", "-o", "out.png", "--module", painter},
          3,
-         "cannot read 'folder.png': it is a folder, not a picture"},
+         "cannot read 'folder.png': a folder, not an image"},
         {"a missing texture",
          {"render", "in.png", "-o", "out.png", "--module", painter, "--texture", "none.png"},
          3,
@@ -204,7 +204,7 @@ TEST_F(CliRender, FailuresHaveTheirCodesAndLeaveNothing) {
         {"an output that is a folder",
          {"render", "in.png", "-o", "folder.png", "--module", painter},
          3,
-         "cannot write 'folder.png': there is a folder of that name"},
+         "cannot write 'folder.png': a folder has that name"},
         {"an output where nothing can be made",
          {"render", "in.png", "-o", "/proc/out.png", "--module", painter},
          3,
@@ -216,15 +216,15 @@ TEST_F(CliRender, FailuresHaveTheirCodesAndLeaveNothing) {
         {"a module that is none",
          {"render", "in.png", "-o", "out.png", "--module", "in.png"},
          4,
-         "it is not a loadable module"},
+         "not a loadable module"},
         {"a module without the export",
          {"render", "in.png", "-o", "out.png", "--module", TestModule("no_export")},
          4,
-         "it does not export 'PluginDataEntryFunction'"},
+         "'PluginDataEntryFunction' is not exported"},
         {"a module that throws when scanned",
          {"render", "in.png", "-o", "out.png", "--module", TestModule("Throws")},
          4,
-         "its registration let an exception out"},
+         "its registration threw an exception"},
         {"an effect that throws when set up",
          {"render", "in.png", "-o", "out.png", "--module", TestModule("SetupThrows")},
          1,
@@ -269,7 +269,7 @@ TEST_F(CliRender, ALongFrameTellsItsStageAndTheTime) {
     };
     const Outcome told = with("0.02");
     EXPECT_EQ(told.code, 0) << told.err;
-    EXPECT_THAT(told.err, testing::ContainsRegex("umbrant: [0-9]+\\.[0-9] s, writing the picture\n"));
+    EXPECT_THAT(told.err, testing::ContainsRegex("umbrant: [0-9]+\\.[0-9] s, writing the image\n"));
     EXPECT_EQ(told.out, "out.png\n") << "results alone on standard output";
     EXPECT_EQ(with("0").err, "");
     EXPECT_EQ(with("86400").err, "") << "a short frame says nothing";

@@ -40,11 +40,11 @@ TEST(DecideRenderer, ByWishAndByWhatTheEffectFound) {
          "OpenGL is software, Software Rasterizer"},
         {"a layer over software", RendererWish::kAuto, "zink (llvmpipe (LLVM 15.0.6))", true,
          "OpenGL is software, zink (llvmpipe (LLVM 15.0.6))"},
-        {"no OpenGL", RendererWish::kAuto, "NULL", true, "there is no OpenGL"},
+        {"no OpenGL", RendererWish::kAuto, "NULL", true, "OpenGL is not available"},
         {"an effect without the row", RendererWish::kAuto, "", false, "the effect names no renderer"},
-        {"OpenGL wished for where it is software", RendererWish::kOpenGL, "llvmpipe", false, "it was asked for"},
-        {"OpenGL wished for where there is none", RendererWish::kOpenGL, "NULL", false, "it was asked for"},
-        {"the processor wished for beside hardware", RendererWish::kProcessor, "NVIDIA", true, "it was asked for"},
+        {"OpenGL wished for where it is software", RendererWish::kOpenGL, "llvmpipe", false, "requested"},
+        {"OpenGL wished for where there is none", RendererWish::kOpenGL, "NULL", false, "requested"},
+        {"the processor wished for beside hardware", RendererWish::kProcessor, "NVIDIA", true, "requested"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -58,7 +58,7 @@ TEST(DecideRenderer, ByWishAndByWhatTheEffectFound) {
 TEST(DecideRenderer, WithoutAGraphicsDeviceNothingIsLookedAt) {
     const RendererDecision decision = DecideRenderer(RendererWish::kAuto, Gpu("Processor (avx2, 2 threads)"), false);
     EXPECT_TRUE(decision.processor);
-    EXPECT_EQ(decision.why, "there is no graphics device");
+    EXPECT_EQ(decision.why, "no graphics device was found");
     EXPECT_FALSE(DecideRenderer(RendererWish::kOpenGL, Gpu("llvmpipe"), false).processor);
     EXPECT_EQ(DecideRenderer(RendererWish::kAuto, Gpu(""), false).why, "the effect names no renderer");
 }
@@ -92,7 +92,7 @@ TEST(GraphicsDevice, ByTheNamesOfItsDriver) {
 
 /// Why the processor draws where there is no OpenGL: on a machine with a device it has been looked for.
 std::string WhyByProcessor() {
-    return HasGraphicsDevice() ? "there is no OpenGL" : "there is no graphics device";
+    return HasGraphicsDevice() ? "OpenGL is not available" : "no graphics device was found";
 }
 
 class CliRenderer : public testing::Test {
@@ -229,13 +229,13 @@ TEST_F(CliDrivers, TheProcessorLoadsNone) {
 
 TEST_F(CliRenderer, InfoAndVerboseTellItToo) {
     const Outcome info = Run({"info"});
-    EXPECT_THAT(info.out, HasSubstr("Draws with       the processor: " + WhyByProcessor() + "\n")) << info.err;
+    EXPECT_THAT(info.out, HasSubstr("Drawn by         the CPU renderer: " + WhyByProcessor() + "\n")) << info.err;
     const Outcome asked = Run({"info"}, {"UMBRANT_RENDERER=gl"});
-    EXPECT_THAT(asked.out, HasSubstr("Draws with       OpenGL: it was asked for\n"));
+    EXPECT_THAT(asked.out, HasSubstr("Drawn by         the GPU renderer: requested\n"));
     const Outcome machine = Run({"info", "--json"});
     EXPECT_EQ(json::parse(machine.out)["renderer"]["used"], "cpu");
     const Outcome verbose = Run(Render({"--verbose"}));
-    EXPECT_THAT(verbose.err, HasSubstr("drawn by the processor: " + WhyByProcessor() + "\n"));
+    EXPECT_THAT(verbose.err, HasSubstr("drawn by the CPU renderer: " + WhyByProcessor() + "\n"));
 }
 
 }  // namespace

@@ -142,21 +142,21 @@ TEST_F(CliReport, WrongPlacesAndCompressions) {
         const char* output;
         const char* sentence;
     } rows[] = {
-        {"one number", {"--texture", "in.png", "--texture-at", "3"}, "o.png", "'3' is not a place X,Y"},
-        {"words", {"--texture", "in.png", "--texture-at", "a,b"}, "o.png", "'a,b' is not a place X,Y"},
-        {"three numbers", {"--texture", "in.png", "--texture-at", "1,2,3"}, "o.png", "'1,2,3' is not a place X,Y"},
-        {"not a number", {"--texture", "in.png", "--texture-at", "nan,0"}, "o.png", "'nan,0' is not a place X,Y"},
+        {"one number", {"--texture", "in.png", "--texture-at", "3"}, "o.png", "'3' is not a position X,Y"},
+        {"words", {"--texture", "in.png", "--texture-at", "a,b"}, "o.png", "'a,b' is not a position X,Y"},
+        {"three numbers", {"--texture", "in.png", "--texture-at", "1,2,3"}, "o.png", "'1,2,3' is not a position X,Y"},
+        {"not a number", {"--texture", "in.png", "--texture-at", "nan,0"}, "o.png", "'nan,0' is not a position X,Y"},
         {"without a texture", {"--texture-at", "1,2"}, "o.png", "--texture"},
         {"no compression of EXR",
          {"--compression", "lzw"},
          "o.exr",
-         "'lzw' is no compression of .exr; use one of: zip"},
-        {"no compression of TIFF", {"--compression", "piz"}, "o.tif", "'piz' is no compression of .tif"},
-        {"two in one", {"--compression", "zip zips"}, "o.exr", "'zip zips' is no compression of .exr"},
+         "'lzw' is not a compression of .exr; use one of: zip"},
+        {"no compression of TIFF", {"--compression", "piz"}, "o.tif", "'piz' is not a compression of .tif"},
+        {"two in one", {"--compression", "zip zips"}, "o.exr", "'zip zips' is not a compression of .exr"},
         {"another one for PNG",
          {"--compression", "zip"},
          "o.png",
-         "'zip' is no compression of .png; use one of: default fast small"},
+         "'zip' is not a compression of .png; use one of: default fast small"},
         {"a quality of 0", {"--compression", "jpeg:0"}, "o.jpg", "use 'jpeg:1' to 'jpeg:100'"},
         {"a quality that is none", {"--compression", "jpeg:nan"}, "o.jpg", "use 'jpeg:1' to 'jpeg:100'"},
     };
@@ -222,9 +222,9 @@ TEST_F(CliReport, AnEnormousInputIsRefusedBeforeMemoryIsTaken) {
     WriteBytes(folder_ / "huge.tif", tiff);
     const Outcome outcome = Paint({}, "huge.tif");
     EXPECT_EQ(outcome.code, 3);
-    EXPECT_THAT(outcome.err,
-                HasSubstr("cannot read 'huge.tif': it is too large: 60000 x 60000 pixels, where no side may "
-                          "be longer than 30000\n"));
+    EXPECT_THAT(
+        outcome.err,
+        HasSubstr("cannot read 'huge.tif': too large: 60000 x 60000 pixels; no side may be longer than 30000\n"));
     EXPECT_EQ(outcome.out, "");
     const Outcome asTexture = Paint({"--texture", "huge.tif"});
     EXPECT_EQ(asTexture.code, 3);

@@ -178,15 +178,15 @@ TEST_F(CliSequenceCanvas, WrongCanvasesAreRefused) {
          {"--canvas", "0,0,40000,9"},
          "in.@.png",
          "out.##.png",
-         "umbrant: --canvas 0,0,40000,9 has 40000 x 9 pixels, where no side may be longer than 30000; give --canvas a "
+         "umbrant: --canvas 0,0,40000,9 has 40000 x 9 pixels; no side may be longer than 30000; give --canvas a "
          "smaller rectangle, or draw at a lower resolution with --downsample\n"},
         {"too large for one", {"--canvas", "0,0,40000,9"}, "still.png", "one.png", "has 40000 x 9 pixels"},
         {"frames of several sizes in a clip",
          {"--canvas", "frame"},
          "in.@.png",
          "out.mov",
-         "umbrant: --canvas frame gives each frame a size of its own, and the frames of a clip have one; for 'out.mov' "
-         "say grow, layer or LEFT,TOP,RIGHT,BOTTOM\n"},
+         "umbrant: --canvas frame gives each frame its own size, and all frames of a clip have one size; for 'out.mov' "
+         "use grow, layer or LEFT,TOP,RIGHT,BOTTOM\n"},
     };
     const auto before = folder_.Entries();
     for (const auto& row : rows) {
@@ -235,8 +235,8 @@ TEST_F(CliSequenceCanvas, AFarmSaysWhereTheCanvasIsNotKnownYet) {
     EXPECT_EQ(job.code, 0);
     EXPECT_EQ(
         job.err,
-        "umbrant: the canvas of the whole set is not known here: none of the input's frames can be read yet; each "
-        "task finds one itself, from the frames that are there then; --canvas LEFT,TOP,RIGHT,BOTTOM fixes it\n");
+        "umbrant: the canvas of the whole set is not known here: none of the input's frames can be read yet; each task "
+        "determines its own from the frames that exist then; --canvas LEFT,TOP,RIGHT,BOTTOM fixes it\n");
     EXPECT_THAT(job.out, Not(HasSubstr("--canvas")));
     job = RunInProcess(folder_, {"farm", "slurm", "in.@.png", "-o", "out.##.png", "--module", "none.so"});
     EXPECT_EQ(job.code, 0);

@@ -100,12 +100,12 @@ TEST_F(CliSequence, WhatIsThereIsLeftAlone) {
     Outcome outcome = Render({"--skip-existing"});
     EXPECT_EQ(outcome.code, 0);
     EXPECT_EQ(ReadBytes(folder_ / "out.02.png"), "mine");
-    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 2 (2 of 6): 'out.02.png' is there already\n"));
-    EXPECT_THAT(outcome.err, HasSubstr("umbrant: 5 drawn, 1 there already in "));
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 2 (2 of 6): 'out.02.png' already exists\n"));
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: 5 drawn, 1 already there in "));
     EXPECT_THAT(outcome.out, Not(HasSubstr("out.02.png")));
     outcome = Render({"--skip-existing"});
     EXPECT_EQ(outcome.out, "");
-    EXPECT_THAT(outcome.err, HasSubstr("umbrant: 0 drawn, 6 there already\n"));
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: 0 drawn, 6 already there\n"));
     ASSERT_EQ(Render().code, 0);
     EXPECT_EQ(Red("out.02.png"), 20) << "without it pictures are replaced";
 }
@@ -114,14 +114,13 @@ TEST_F(CliSequence, AnUnreadableFrameInTheMiddle) {
     WriteBytes(folder_ / "in.3.png", "no picture at all");
     Outcome outcome = Render({"--threads", "1"});
     EXPECT_EQ(outcome.code, 3);
-    EXPECT_THAT(outcome.err,
-                HasSubstr("umbrant: frame 3: cannot read 'in.3.png': it is not a picture that can be read"));
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 3: cannot read 'in.3.png': not an image that can be read"));
     EXPECT_THAT(outcome.err, HasSubstr(" frames were not reached"));
     EXPECT_FALSE(Exists("out.03.png"));
 
     outcome = Render({"--keep-going"});
     EXPECT_EQ(outcome.code, 1);
-    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 3: cannot read 'in.3.png': it is not a picture"));
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 3: cannot read 'in.3.png': not an image"));
     EXPECT_THAT(outcome.out, HasSubstr("out.06.png"));
 
     WriteBytes(folder_ / "in.1.png", "nor this");
@@ -135,9 +134,9 @@ TEST_F(CliSequence, SizesAndDepthsMayChangeAndItIsSaid) {
     WriteFile(folder_ / "in.5.png", OIIO::ImageSpec(5, 3, 4, OIIO::TypeDesc::UINT16), {0.5f, 0.25f, 0.125f, 1});
     const Outcome outcome = Render();
     EXPECT_EQ(outcome.code, 0) << outcome.err;
-    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 3 is 7 x 2 where frame 2 is 5 x 3\n"));
-    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 4 is 5 x 3 where frame 3 is 7 x 2\n"));
-    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 5 has 16 bits a channel where frame 4 has 8\n"));
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 3 is 7 x 2, but frame 2 is 5 x 3\n"));
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 4 is 5 x 3, but frame 3 is 7 x 2\n"));
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 5 has 16 bits per channel, but frame 4 has 8\n"));
     EXPECT_EQ(Read(folder_ / "out.03.png").pixels.Width(), 7);
     EXPECT_EQ(Read(folder_ / "out.05.png").bits, 16);
     EXPECT_EQ(Read(folder_ / "out.06.png").bits, 8);
@@ -157,26 +156,26 @@ TEST_F(CliSequence, WrongUsageIsToldBeforeAnythingIsDrawn) {
          "in.@.png",
          "out.png",
          2,
-         "'out.png' has no place for the frame's number, and there are 6 frames; write it like 'out.####.png'"},
+         "'out.png' has no field for the frame's number, and there are 6 frames; write it as 'out.####.png'"},
         {"two fields", {}, "in.@.png", "out.#.%d.png", 2, "has 2 fields for the frame's number"},
         {"no frames", {}, "none.####.png", "out.#.png", 3, "cannot read 'none.####.png': no file has such a name"},
-        {"a field without frames", {}, "still.png", "out.####.png", 2, "say which frames to draw with --frames"},
+        {"a field without frames", {}, "still.png", "out.####.png", 2, "choose the frames with --frames"},
         {"the input is the output",
          {},
          "in.@.png",
          "in.@.png",
          2,
-         "'in.1.png' is read and written in one run; give the output another name"},
-        {"one picture over itself", {}, "still.png", "./still.png", 2, "'./still.png' is read and written in one run"},
+         "'in.1.png' is both input and output; give the output another name"},
+        {"one picture over itself", {}, "still.png", "./still.png", 2, "'./still.png' is both input and output"},
         {"the texture is the output",
          {"--texture", "still.png"},
          "in.1.png",
          "still.png",
          2,
-         "'still.png' is read and written in one run"},
-        {"wrong frames", {"--frames", "1-6z2"}, "in.@.png", "out.#.png", 2, "'1-6z2' is no set of frames"},
-        {"a wrong chunk", {"--chunk", "4/3"}, "in.@.png", "out.#.png", 2, "'4/3' is no chunk"},
-        {"a wrong rate", {"--rate", "fast"}, "in.@.png", "out.#.png", 2, "'fast' is no frame rate"},
+         "'still.png' is both input and output"},
+        {"wrong frames", {"--frames", "1-6z2"}, "in.@.png", "out.#.png", 2, "'1-6z2' is not a set of frames"},
+        {"a wrong chunk", {"--chunk", "4/3"}, "in.@.png", "out.#.png", 2, "'4/3' is not a chunk"},
+        {"a wrong rate", {"--rate", "fast"}, "in.@.png", "out.#.png", 2, "'fast' is not a frame rate"},
         {"a wrong policy", {"--missing", "guess"}, "in.@.png", "out.#.png", 2, "guess not in {error,hold,skip}"},
         {"no threads", {"--threads", "0"}, "in.@.png", "out.#.png", 2, "--threads"},
         {"no progress",
@@ -185,15 +184,15 @@ TEST_F(CliSequence, WrongUsageIsToldBeforeAnythingIsDrawn) {
          "out.#.png",
          2,
          "'dots' is neither bar, lines, json nor a number of seconds from 0 to 86400"},
-        {"a time", {"--time", "1"}, "in.@.png", "out.#.png", 2, "--time is about a single picture"},
+        {"a time", {"--time", "1"}, "in.@.png", "out.#.png", 2, "--time applies to a single image"},
         {"a folder that is not there", {}, "in.@.png", "none/out.#.png", 3, "there is no folder 'none'"},
         {"a compression that the format lacks",
          {"--compression", "zip"},
          "in.@.png",
          "out.#.png",
          2,
-         "'zip' is no compression of .png; use one of: default fast small"},
-        {"a wrong value", {"--set", "paint/boarder=1"}, "in.@.png", "out.#.png", 2, "nearest: 'paint/border'"},
+         "'zip' is not a compression of .png; use one of: default fast small"},
+        {"a wrong value", {"--set", "paint/boarder=1"}, "in.@.png", "out.#.png", 2, "closest: 'paint/border'"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -233,12 +232,12 @@ TEST_F(CliSequence, AFrameThatTheEffectCannotJudgeFailsAlone) {
 
 TEST_F(CliSequence, ThreadsAreForEffectsThatAllowThem) {
     const std::string expected = Render({"--threads", "4", "--verbose"}).err;
-    EXPECT_THAT(expected, HasSubstr("threads: 1 reading, 1 drawing, 1 writing; at most 4 frames under way"));
+    EXPECT_THAT(expected, HasSubstr("threads: 1 reading, 1 drawing, 1 writing; at most 4 frames in progress"));
     const Outcome threaded = RunInProcess(
         folder_, Arguments("in.@.png", "many.##.png", {"--threads", "4", "--verbose", "--set", "paint/border=3"},
                            "threaded_painter"));
     EXPECT_EQ(threaded.code, 0) << threaded.err;
-    EXPECT_THAT(threaded.err, HasSubstr("threads: 2 reading, 4 drawing, 4 writing; at most 11 frames under way"));
+    EXPECT_THAT(threaded.err, HasSubstr("threads: 2 reading, 4 drawing, 4 writing; at most 11 frames in progress"));
     ASSERT_EQ(Render({"--set", "paint/border=3"}).code, 0);
     for (int frame = 1; frame <= 6; ++frame) {
         const std::string number = "0" + std::to_string(frame) + ".png";

@@ -43,9 +43,9 @@ TEST(FarmJobText, SlurmsScript) {
 #SBATCH --output="shot-%A_%a.log"
 #
 # Draws 48 frames in 12 tasks. Submit it with sbatch; with --wait that ends with the largest of the tasks'
-# exit codes. A task that is begun again, here or on another machine, draws what is not there yet.
+# exit codes. A task that is started again, here or on another machine, draws only the missing frames.
 
-# The number of the task is Slurm's; anything else would be a word of the command.
+# Slurm sets the number of the task; any other text would become an argument of the command.
 case ${SLURM_ARRAY_TASK_ID-} in
     '' | *[!0-9]*)
         echo "SLURM_ARRAY_TASK_ID is '${SLURM_ARRAY_TASK_ID-}', not a number; submit this with sbatch" >&2
@@ -55,7 +55,7 @@ esac
 
 cd -- '/shots/my shot' || exit 3
 
-# An engine that ends a task tells this shell; the program then takes its unfinished files with it.
+# An engine ends a task by a signal to this shell, which passes it on; the program then removes its unfinished files.
 trap 'kill "$drawing" 2>/dev/null' TERM INT
 for ((try = 1; try <= 3; ++try)); do
     )sh") + kCommand + R"sh("$SLURM_ARRAY_TASK_ID"/12 --skip-existing &
@@ -67,7 +67,7 @@ for ((try = 1; try <= 3; ++try)); do
         wait "$drawing"
         code=$?
     fi
-    # Wrong usage stays wrong, and a signal is meant to end the task.
+    # Another try does not change wrong usage, and a signal is meant to end the task.
     case $code in 0 | 2 | 129 | 130 | 131 | 143) break ;; esac
     echo "try $try of 3 ended with exit code $code" >&2
 done
@@ -79,7 +79,7 @@ TEST(FarmJobText, SlurmsLogsInAFolder) {
     FarmJob job = Job();
     job.logs = "logs of 100%";
     EXPECT_THAT(SlurmJob(job), HasSubstr("#SBATCH --output=\"logs of 100%%/shot-%A_%a.log\"\n"));
-    EXPECT_THAT(SlurmJob(job), HasSubstr("# The folder of the logs must be there before: mkdir -p 'logs of 100%'\n"));
+    EXPECT_THAT(SlurmJob(job), HasSubstr("# The folder of the logs must exist before: mkdir -p 'logs of 100%'\n"));
 }
 
 TEST(FarmJobText, ParallelsScript) {
@@ -87,14 +87,14 @@ TEST(FarmJobText, ParallelsScript) {
     job.logs = "the logs";
     EXPECT_EQ(ParallelJob(job), std::string(R"sh(#!/bin/bash
 #
-# Draws 48 frames in 12 tasks with GNU parallel. What is given to this script goes to parallel: -j 2, --bar,
-# --sshlogin a,b, --resume-failed. A task that is begun again draws what is not there yet. The exit code is the
+# Draws 48 frames in 12 tasks with GNU parallel. Arguments of this script are passed to parallel: -j 2, --bar,
+# --sshlogin a,b, --resume-failed. A task that is started again draws only the missing frames. The exit code is the
 # number of tasks that failed.
 
 cd -- '/shots/my shot' || exit 3
 mkdir -p -- 'the logs' || exit 3
 
-# A function, so that parallel sees no file's name and takes none of its signs for its own.
+# A function, so that parallel does not interpret special characters in file names.
 task() {
     cd -- '/shots/my shot' || exit 3
     )sh") + kCommand + R"sh("$1"/12 --skip-existing >>'the logs/shot'-"$1".log 2>&1
@@ -247,7 +247,7 @@ TEST(FarmJobText, TheTemplateKeepsTheRules) {
     EXPECT_THAT(TemplateRules(root).offences, testing::IsEmpty());
 
     EXPECT_EQ(root["name"], "shot");
-    EXPECT_EQ(root["description"], "Draws 48 frames in 12 tasks; what is there already is left alone.");
+    EXPECT_EQ(root["description"], "Draws 48 frames in 12 tasks; frames that exist are skipped.");
     const json& step = root["steps"][0];
     EXPECT_EQ(step["parameterSpace"]["taskParameterDefinitions"],
               json::parse(R"([{ "name": "Chunk", "type": "INT", "range": "1-12" }])"));

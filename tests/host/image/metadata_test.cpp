@@ -136,9 +136,9 @@ struct SizeCase {
 
 TEST(Metadata, AbsurdSizesAreRefused) {
     const SizeCase rows[] = {
-        {"too wide", 30001, 1, 8, "it is too large: 30001 x 1 pixels, where no side may be longer than 30000"},
-        {"a frame that is too large", 1, 1, 1000000, "it is too large: 1000000 x 1000000 pixels"},
-        {"a frame of too many pixels", 1, 1, 29000, "where all together may hold 1073741824 values"},
+        {"too wide", 30001, 1, 8, "too large: 30001 x 1 pixels; no side may be longer than 30000"},
+        {"a frame that is too large", 1, 1, 1000000, "too large: 1000000 x 1000000 pixels"},
+        {"a frame of too many pixels", 1, 1, 29000, "at most 1073741824 values are allowed"},
     };
     for (const SizeCase& row : rows) {
         SCOPED_TRACE(row.name);
@@ -185,19 +185,19 @@ TEST(Metadata, OnlyAProfileThatDescribesThePixelsIsKept) {
     odd[3] = 133;
     const ProfileCase rows[] = {
         {"for RGB", Profile("RGB "), ""},
-        {"for inks", Profile("CMYK"), "it is for 'CMYK', not for RGB"},
-        {"for grey", Profile("GRAY"), "it is for 'GRAY', not for RGB"},
-        {"for Lab", Profile("Lab "), "it is for 'Lab', not for RGB"},
-        {"a wrong length", changed(3, 99), "its length is wrong"},
-        {"an odd length", odd, "its length is wrong"},
-        {"too short", std::vector<unsigned char>(100, 1), "its length is wrong"},
-        {"no signature", changed(36, 'b'), "it is damaged"},
-        {"no connection space", changed(20, 'b'), "it is damaged"},
-        {"tags behind the end", changed(131, 9), "it is damaged"},
-        {"an odd intent", changed(67, 9), "its rendering intent is unknown"},
-        {"another white", changed(71, 0), "its white is not D50"},
-        {"a link between devices", changed(12, 'x'), "it does not describe the colours of an image"},
-        {"a far intent", changed(64, 0xff), "its rendering intent is unknown"},
+        {"for inks", Profile("CMYK"), "for 'CMYK', not for RGB"},
+        {"for grey", Profile("GRAY"), "for 'GRAY', not for RGB"},
+        {"for Lab", Profile("Lab "), "for 'Lab', not for RGB"},
+        {"a wrong length", changed(3, 99), "the length is wrong"},
+        {"an odd length", odd, "the length is wrong"},
+        {"too short", std::vector<unsigned char>(100, 1), "the length is wrong"},
+        {"no signature", changed(36, 'b'), "damaged"},
+        {"no connection space", changed(20, 'b'), "damaged"},
+        {"tags behind the end", changed(131, 9), "damaged"},
+        {"an odd intent", changed(67, 9), "the rendering intent is unknown"},
+        {"another white", changed(71, 0), "the white point is not D50"},
+        {"a link between devices", changed(12, 'x'), "not a profile of image colours"},
+        {"a far intent", changed(64, 0xff), "the rendering intent is unknown"},
     };
     for (const ProfileCase& row : rows) {
         SCOPED_TRACE(row.name);
@@ -263,7 +263,7 @@ TEST(Metadata, ATextThatIsNamedLikeAProfileIsNone) {
     const auto picture = ReadPicture(folder / "a.png");
     ASSERT_TRUE(picture);
     EXPECT_EQ(picture->metadataNote,
-              "the colour profile of '" + (folder / "a.png").string() + "' is left out: it is a text");
+              "the colour profile of '" + (folder / "a.png").string() + "' is left out: a text, not a profile");
     for (const char* name : {"b.png", "b.tif", "b.jpg", "b.exr"}) {
         SCOPED_TRACE(name);
         Rewrite(folder / "a.png", folder / name);

@@ -335,17 +335,17 @@ TEST(ReadPicture, WhatIsNoFileIsSaidToBeNone) {
     WriteBytes(folder / "empty.exr", "");
     ExpectRefused(folder / "missing.png", "there is no such file");
     ExpectRefused(folder / "missing/deeper.png", "there is no such file");
-    ExpectRefused(folder / "folder.png", "it is a folder, not a picture");
+    ExpectRefused(folder / "folder.png", "a folder, not an image");
     ExpectRefused(folder / "empty.png", "the file is empty");
     ExpectRefused(folder / "empty.exr", "the file is empty");
-    ExpectRefused("/dev/null", "it is not a regular file");
+    ExpectRefused("/dev/null", "not a regular file");
 }
 
 TEST(ReadPicture, WhatIsNoPictureIsSaidToBeNone) {
     const Folder folder;
     for (const char* name : {"text.png", "text.tif", "text.jpg", "text.exr", "text.txt", "text"}) {
         WriteBytes(folder / name, "Dear diary, today I drew a shadow.\n");
-        ExpectRefused(folder / name, "it is not a picture that can be read (");
+        ExpectRefused(folder / name, "not an image that can be read (");
     }
 }
 
@@ -380,7 +380,7 @@ TEST(ReadPicture, DeepFilesAreRefused) {
     for (int i = 0; i < 6; ++i) deep.set_samples(i, 1);
     ASSERT_TRUE(output->write_deep_image(deep)) << output->geterror();
     ASSERT_TRUE(output->close());
-    ExpectRefused(folder / "deep.exr", "it is a deep picture; flatten it first");
+    ExpectRefused(folder / "deep.exr", "a deep image; flatten it first");
 }
 
 /// A file of two parts, "beauty" full of 0.5 and "matte" of 0.25.
@@ -508,7 +508,7 @@ TEST(ReadPicture, ANameMayHaveAnyCharacters) {
         }
     }
     WriteBytes(folder / "text?.png", "Dear diary\n");
-    ExpectRefused(folder / "text?.png", "it is not a picture that can be read (");
+    ExpectRefused(folder / "text?.png", "not an image that can be read (");
 }
 
 TEST(ReadPicture, AFileThatCannotBeReachedIsNotMissing) {

@@ -73,7 +73,7 @@ TEST(WritePicture, EveryFormatFollowsItsConvention) {
         const float tolerance = row.channels == 3 ? 0.012f : 1.0f / 2048;
         for (std::size_t i = 0; i < row.stored.size(); ++i)
             EXPECT_THAT(raw.values[i], FloatNear(row.stored[i], tolerance));
-        EXPECT_EQ(folder.Entries(), 1) << "nothing but the picture";
+        EXPECT_EQ(folder.Entries(), 1) << "nothing but the image";
     }
 }
 
@@ -168,9 +168,9 @@ TEST(WritePicture, WhatCannotBeWrittenIsSaidAndLeavesNothing) {
     ExpectRefused(folder / "a.gif", "'.gif' is not a format that can be written; " + formats);
     ExpectRefused(folder / "a.gif",
                   "; for an animation write a clip, .mov, .mkv or .webm, which `ffmpeg -i clip.mov clip.gif` converts");
-    ExpectRefused(folder / "picture", "its name has no extension; " + formats);
+    ExpectRefused(folder / "picture", "the name has no extension; " + formats);
     ExpectRefused("", "the output's name is empty");
-    ExpectRefused(folder / "folder.png", "there is a folder of that name");
+    ExpectRefused(folder / "folder.png", "a folder has that name");
     ExpectRefused(folder / "none/a.png", "there is no folder '");
     ExpectRefused(folder / "file/a.png", "");
     ExpectRefused("/proc/umbrant.png", "", false);
@@ -300,7 +300,7 @@ TEST(WritePicture, AReplacedFileKeepsItsModeAndALinkItsPlace) {
 TEST(WritePicture, WhatIsNoRegularFileIsNotReplaced) {
     const Folder folder;
     ASSERT_EQ(mkfifo((folder / "pipe.png").c_str(), 0600), 0);
-    ExpectRefused(folder / "pipe.png", "there is something else than a regular file of that name");
+    ExpectRefused(folder / "pipe.png", "not a regular file");
     std::filesystem::create_symlink("none/a.png", folder / "astray.png");
     ExpectRefused(folder / "astray.png", "there is no folder '");
     std::filesystem::create_symlink("circle.png", folder / "circle.png");
@@ -369,7 +369,7 @@ TEST(WritePicture, AnEmptyPictureIsRefused) {
     const Folder folder;
     const auto written = WritePicture(folder / "a.png", World::Create(0, 0, Depth::k8), Frame(4, 4));
     ASSERT_FALSE(written);
-    EXPECT_THAT(written.Error().sentence, HasSubstr("there is nothing in the picture"));
+    EXPECT_THAT(written.Error().sentence, HasSubstr("the image is empty"));
     EXPECT_EQ(folder.Entries(), 0);
 }
 

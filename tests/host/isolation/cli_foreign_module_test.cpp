@@ -90,7 +90,7 @@ TEST_F(CliForeignModule, EveryEndOfItsProcessIsOneSentence) {
         {"render:exit", "ended the process with exit code 0 during PF_Cmd_SMART_RENDER"},
         {"render:thread", "ended the process with exit code 0 during PF_Cmd_SMART_RENDER"},
         {"render:crash", "crashed with signal 11 (Segmentation fault) during PF_Cmd_SMART_RENDER"},
-        {"render:kill", "was killed (signal 9), perhaps for want of memory, during PF_Cmd_SMART_RENDER"},
+        {"render:kill", "was killed (signal 9), possibly because memory ran out, during PF_Cmd_SMART_RENDER"},
         {"dispose:quick", "ended the process with exit code 0 after PF_Cmd_SMART_PRE_RENDER"},
     };
     for (const auto& row : rows) {
@@ -178,7 +178,7 @@ TEST_F(CliForeignModule, TheCopiesOfItsProcessCountAsMemory) {
     const Outcome outcome =
         Run("", {"render", "large.@.png", "-o", "out/large.@.png", "--threads", "1", "--quiet", "--verbose"});
     ASSERT_EQ(outcome.code, 0) << outcome.err;
-    const std::string before = "at most 4 frames under way, which take up to ";
+    const std::string before = "at most 4 frames in progress, which take up to ";
     const std::size_t at = outcome.err.find(before);
     ASSERT_NE(at, std::string::npos) << outcome.err;
     // A layer and an output of four million bytes each: 136 million bytes without the copies, with some padding of
@@ -215,10 +215,11 @@ TEST_F(CliForeignModule, ItHasTheUsualSignals) {
 TEST_F(CliForeignModule, NonsenseOnItsConnectionIsAFailure) {
     const Outcome outcome = Render("render:babble");
     EXPECT_EQ(outcome.code, 1);
-    EXPECT_EQ(outcome.err, "umbrant: the process of the module '" + module_ +
-                               "' sent what no process of this program sends: the module has overwritten memory that "
-                               "is not its own; `umbrant validate " +
-                               module_ + "` examines the module\n");
+    EXPECT_EQ(
+        outcome.err,
+        "umbrant: the process of the module '" + module_ +
+            "' sent an invalid message: the module has overwritten memory that it does not own; `umbrant validate " +
+            module_ + "` examines the module\n");
     EXPECT_THAT(Written(), testing::IsEmpty());
 }
 

@@ -169,8 +169,8 @@ TEST(ModuleProcess, TheHostGoesByItsOwnRecordOfAWorld) {
             EXPECT_EQ(frame->output.Def().origin_x, 0);
             EXPECT_EQ(frame->output.Def().rowbytes, layer.Def().rowbytes);
             EXPECT_THAT(session->Misbehaviour(),
-                        testing::ElementsAre("PF_Cmd_SMART_RENDER changed the record of its output world; what the "
-                                             "host knows of it counts"));
+                        testing::ElementsAre(
+                            "PF_Cmd_SMART_RENDER changed the record of its output world; the change is ignored"));
         }
     }
     const Leaves leaves("render:widen-before");
@@ -284,7 +284,8 @@ TEST(ModuleProcess, BeginsAgainWithTheNextFrame) {
     const auto lost = (*process)->Render({.layer = &layer});
     ASSERT_FALSE(lost);
     EXPECT_EQ(lost.Error().code, ExitCode::kEffectFailed);
-    EXPECT_THAT(lost.Error().sentence, HasSubstr("was killed (signal 9), perhaps for want of memory, after PF_Cmd_"));
+    EXPECT_THAT(lost.Error().sentence,
+                HasSubstr("was killed (signal 9), possibly because memory ran out, after PF_Cmd_"));
     EXPECT_EQ((*process)->Process(), 0);
     const auto drawn = (*process)->Render({.layer = &layer});
     ASSERT_TRUE(drawn) << drawn.Error().sentence;
@@ -308,7 +309,7 @@ TEST(ModuleProcess, AProgramThatCannotBeStartedIsSaid) {
     ASSERT_FALSE(process);
     EXPECT_EQ(process.Error().code, ExitCode::kInternal);
     EXPECT_EQ(process.Error().sentence,
-              "cannot start '/nowhere/umbrant' as a process of its own: No such file or directory");
+              "cannot start '/nowhere/umbrant' in a separate process: No such file or directory");
 }
 
 TEST(ModuleProcess, AWrongModuleIsRefusedAsInThisProcess) {

@@ -83,7 +83,7 @@ TEST(LibraryFailures, Parameters) {
         std::string sentence;
     } const cases[] = {
         {"an unknown path", [](Effect& e) { e.Set("paint/colour", "#000000"); },
-         "2: there is no parameter 'paint/colour'; nearest: 'paint/color'"},
+         "2: there is no parameter 'paint/colour'; closest: 'paint/color'"},
         {"an unknown index", [](Effect& e) { e.Get("#77"); },
          "2: there is no parameter '#77'; the effect has #0 to #9"},
         {"a bad value", [](Effect& e) { e.Set("paint/border", "wide"); },
@@ -93,13 +93,13 @@ TEST(LibraryFailures, Parameters) {
         {"not a number", [](Effect& e) { e.Set("paint/border", std::nan("")); },
          "2: 'paint/border' takes a number from 0 to 40000, not 'nan'"},
         {"a layer", [](Effect& e) { e.Set("paint/picture", "1"); },
-         "2: 'paint/picture' is a layer; give it a picture instead of a value"},
-        {"a row to find", [](Effect& e) { e.Find("flow"); }, "2: there is no parameter 'flow'; nearest: 'flaw'"},
+         "2: 'paint/picture' is a layer; pass an image instead of a value"},
+        {"a row to find", [](Effect& e) { e.Find("flow"); }, "2: there is no parameter 'flow'; closest: 'flaw'"},
         {"a preset that is no JSON", [](Effect& e) { e.ApplyPreset("{"); },
-         "2: cannot read the preset 'in memory': it is not JSON (parse error at line 1, column 2: "},
+         "2: cannot read the preset 'in memory': not valid JSON (parse error at line 1, column 2: "},
         {"a preset with mistakes",
          [](Effect& e) { e.ApplyPreset(R"({"version": 1, "values": {"paint/colr": "#000000"}})"); },
-         "2: the preset 'in memory' is wrong: line 1, column "},
+         "2: the preset 'in memory' has a mistake: line 1, column "},
         {"a preset that is not there", [](Effect& e) { e.LoadPreset("none.json"); },
          "3: cannot read the preset 'none.json': there is no such file"},
         {"a preset's file that is no JSON", [&](Effect& e) { e.LoadPreset(torn); }, "3: cannot read the preset '"},
@@ -130,16 +130,16 @@ TEST(LibraryFailures, Layers) {
          "2: the layer has a stride of -23 bytes; a row of 6 pixels has 24"},
         {"rows that no memory holds",
          {pixels, 6, 5, std::numeric_limits<std::ptrdiff_t>::max()},
-         "2: the layer has a stride of 9223372036854775807 bytes; 5 rows so far apart have no place in memory"},
+         "2: the layer has a stride of 9223372036854775807 bytes; 5 rows with this stride do not fit into memory"},
         {"rows that no memory holds upwards",
          {pixels, 6, 5, std::numeric_limits<std::ptrdiff_t>::min()},
-         "2: the layer has a stride of -9223372036854775808 bytes; 5 rows so far apart have no place in memory"},
+         "2: the layer has a stride of -9223372036854775808 bytes; 5 rows with this stride do not fit into memory"},
         {"a little less",
          {pixels, 6, 5, std::numeric_limits<std::ptrdiff_t>::max() / 5},
-         "2: the layer has a stride of 1844674407370955161 bytes; 5 rows so far apart have no place in memory"},
+         "2: the layer has a stride of 1844674407370955161 bytes; 5 rows with this stride do not fit into memory"},
         {"one row that is no different",
          {pixels, 6, 1, std::numeric_limits<std::ptrdiff_t>::min() + 1},
-         "2: the layer has a stride of -9223372036854775807 bytes; 1 rows so far apart have no place in memory"},
+         "2: the layer has a stride of -9223372036854775807 bytes; 1 rows with this stride do not fit into memory"},
         {"another format",
          {pixels, 6, 5, static_cast<PixelFormat>(9)},
          "2: the layer has the pixel format 9; it must be kRgba8 or kRgbaFloat"},
@@ -164,13 +164,15 @@ TEST(LibraryFailures, Targets) {
         return Thrown([&] { effect.RenderInto(kLayer.View(), target); });
     };
     EXPECT_EQ(into({memory.data(), 6, 5}), "");
-    EXPECT_EQ(into({memory.data(), 6, 5, std::numeric_limits<std::ptrdiff_t>::min()}),
-              "2: the target has a stride of -9223372036854775808 bytes; 5 rows so far apart have no place in memory");
+    EXPECT_EQ(
+        into({memory.data(), 6, 5, std::numeric_limits<std::ptrdiff_t>::min()}),
+        "2: the target has a stride of -9223372036854775808 bytes; 5 rows with this stride do not fit into memory");
     EXPECT_EQ(into({memory.data(), 6, 5, 7}), "2: the target has a stride of 7 bytes; a row of 6 pixels has 24");
-    EXPECT_EQ(into({floats.data(), 6, 5}), "2: the target has another pixel format than the layer; they must agree");
-    EXPECT_EQ(into({memory.data(), 5, 5}), "2: the target is 5 x 5 pixels; the picture is 6 x 5");
+    EXPECT_EQ(into({floats.data(), 6, 5}),
+              "2: the pixel formats of the target and the layer differ; they must be equal");
+    EXPECT_EQ(into({memory.data(), 5, 5}), "2: the target is 5 x 5 pixels; the image is 6 x 5");
     effect.Set("paint/border", 2);
-    EXPECT_EQ(into({memory.data(), 6, 5}), "2: the target is 6 x 5 pixels; the picture is 10 x 9");
+    EXPECT_EQ(into({memory.data(), 6, 5}), "2: the target is 6 x 5 pixels; the image is 10 x 9");
 }
 
 TEST(LibraryFailures, Options) {
@@ -195,12 +197,12 @@ TEST(LibraryFailures, Options) {
         {[=](FrameOptions& o) { o.zeroFrame = nan; },
          "2: the frame at 0 s is nan; it must be from -1000000 to 1000000"},
         {[](FrameOptions& o) { o.textureX = 1e6; },
-         "2: the texture lies at 1000000,0; both must be from -100000 to 100000"},
+         "2: the texture's position is 1000000,0; both must be from -100000 to 100000"},
         {[](FrameOptions& o) {
              o.seconds = 80000;
              o.rate = {1000000, 1};
          },
-         "2: the time of 80000 s at 1000000 frames in 1 s is more than an effect's clock can hold"},
+         "2: the time of 80000 s at 1000000 frames in 1 s exceeds the range of an effect's clock"},
     };
     const Effect effect = Painter();
     for (const auto& row : cases) {
@@ -218,7 +220,7 @@ TEST(LibraryFailures, TheEffectsOwn) {
         {"error-with-message", "No paint 4"},
         {"pre-render-error", "1: "},
         {"throw", "1: "},
-        {"too-large", "asks for a picture larger than 30000 x 30000 pixels"},
+        {"too-large", "requests an image larger than 30000 x 30000 pixels"},
     };
     Effect effect = Painter();
     for (const auto& row : cases) {

@@ -172,7 +172,7 @@ TEST(LibraryParameters, AnEffectSaysWhatItIs) {
     EXPECT_EQ(effect.ModuleFile(), UMBRANT_MODULE_FILE);
     EXPECT_FALSE(effect.Name().empty());
     EXPECT_EQ(effect.ChosenRenderer(), umbrant::Renderer::kProcessor);
-    EXPECT_EQ(effect.RendererText(), "drawn by the processor: it was asked for");
+    EXPECT_EQ(effect.RendererText(), "drawn by the CPU renderer: requested");
     EXPECT_EQ(umbrant::Version(), PROJECT_VERSION);
 }
 

@@ -103,16 +103,17 @@ INSTANTIATE_TEST_SUITE_P(
     All, WrongModules,
     ::testing::Values(
         WrongModule{"Missing", "no_such_module", "there is no such file; name the module's file"},
-        WrongModule{"NoExport", "no_export", "it does not export 'PluginDataEntryFunction', as an effect module does"},
+        WrongModule{"NoExport", "no_export", "'PluginDataEntryFunction' is not exported; an effect module exports it"},
         WrongModule{"Throws", "Throws",
-                    "its registration let an exception out (no registration today); it should return an error instead"},
+                    "its registration threw an exception (no registration today); it should return an error instead"},
         WrongModule{"ThrowsNumber", "ThrowsNumber",
-                    "its registration let an exception out (the number 12); it should return an error instead"},
+                    "its registration threw an exception (the number 12); it should return an error instead"},
         WrongModule{"ReturnsError", "ReturnsError", "its registration returned error 25; it should return 0"},
-        WrongModule{"Nothing", "RegistersNothing", "it registered 0 effects; this host takes modules with exactly one"},
-        WrongModule{"Twice", "RegistersTwice", "it registered 2 effects; this host takes modules with exactly one"},
-        WrongModule{"WrongKind", "WrongKind", "it registers the kind 'AEGP'; an effect has the kind 'eFKT'"},
-        WrongModule{"WrongEntry", "WrongEntry", "it registers the entry 'ElsewhereMain' but does not export it"},
+        WrongModule{"Nothing", "RegistersNothing",
+                    "0 effects are registered; this host takes modules with exactly one"},
+        WrongModule{"Twice", "RegistersTwice", "2 effects are registered; this host takes modules with exactly one"},
+        WrongModule{"WrongKind", "WrongKind", "the registered kind is 'AEGP'; an effect has the kind 'eFKT'"},
+        WrongModule{"WrongEntry", "WrongEntry", "the registered entry 'ElsewhereMain' is not exported"},
         WrongModule{"NullName", "NullName",
                     "its registration lacks a name; name, match name, category and entry are needed"}),
     [](const auto& row) { return row.param.name; });
@@ -127,12 +128,12 @@ TEST(ModuleLoad, RefusesAFileThatIsNoLibrary) {
         ASSERT_FALSE(module);
         EXPECT_EQ(module.Error().code, ExitCode::kModule);
         EXPECT_THAT(module.Error().sentence,
-                    AllOf(StartsWith("cannot load the module '" + file.string() + "': it is not a loadable module ("),
+                    AllOf(StartsWith("cannot load the module '" + file.string() + "': not a loadable module ("),
                           EndsWith("); a shared library with an effect is needed")));
     }
     const Result<Module> module = Module::Load(folder);
     ASSERT_FALSE(module);
-    EXPECT_THAT(module.Error().sentence, EndsWith("it is a folder; name the module's file inside it"));
+    EXPECT_THAT(module.Error().sentence, EndsWith("a folder; name the module's file inside it"));
     std::filesystem::remove_all(folder);
 }
 

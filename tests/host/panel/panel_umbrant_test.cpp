@@ -202,10 +202,10 @@ TEST_F(PanelSessionTest, ButtonsAreFoundByEveryName) {
         ASSERT_FALSE(found) << name;
         EXPECT_EQ(found.Error().code, ExitCode::kUsage);
     }
-    EXPECT_EQ(FindButton(*session, "zyxw").Error().sentence.substr(0, 45),
-              "'zyxw' is no button; the buttons are: 'produc");
+    EXPECT_EQ(FindButton(*session, "zyxw").Error().sentence.substr(0, 51),
+              "there is no button 'zyxw'; the buttons are: 'produc");
     EXPECT_THAT(FindButton(*session, "product-pages").Error().sentence,
-                ::testing::HasSubstr("'product-pages' is no button; nearest: 'product-page'"));
+                ::testing::HasSubstr("there is no button 'product-pages'; closest: 'product-page'"));
 }
 
 TEST_F(PanelSessionTest, OnlyGroupsSlidersAndAnglesHaveTwirls) {
@@ -218,7 +218,7 @@ TEST_F(PanelSessionTest, OnlyGroupsSlidersAndAnglesHaveTwirls) {
         ASSERT_FALSE(twirled) << name;
         EXPECT_EQ(twirled.Error().code, ExitCode::kUsage);
     }
-    EXPECT_EQ(Twirl(*session, "style/color", true).Error().sentence, "'style/color' has no twirl to open or close");
+    EXPECT_EQ(Twirl(*session, "style/color", true).Error().sentence, "'style/color' cannot be opened or closed");
 }
 
 TEST_F(PanelSessionTest, TheEffectAsksForEventsOfItsPanelOnly) {

@@ -101,7 +101,7 @@ TEST(ParamSet, TellsTheEffectWhatItDoesNotTake) {
 TEST(ParamSet, GroupsMustAddUp) {
     Declaration open;
     open.Group("A").Float("B", 0, 1, 0);
-    EXPECT_EQ(open.params.Finish(), "the group of row 1 is never ended");
+    EXPECT_EQ(open.params.Finish(), "the group of row 1 has no end");
     Declaration stray;
     stray.End();
     EXPECT_EQ(stray.params.Finish(), "row 1 ends a group, but none is open");

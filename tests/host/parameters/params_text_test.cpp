@@ -64,8 +64,8 @@ TEST_P(WrongNames, AreAnsweredWithRightOnes) {
 INSTANTIATE_TEST_SUITE_P(
     All, WrongNames,
     ::testing::Values(
-        WrongName{"style/distanc", "there is no parameter 'style/distanc'; nearest: 'style/distance'"},
-        WrongName{"distance", "there is no parameter 'distance'; nearest: 'style/distance', 'style/advanced/distance'"},
+        WrongName{"style/distanc", "there is no parameter 'style/distanc'; closest: 'style/distance'"},
+        WrongName{"distance", "there is no parameter 'distance'; closest: 'style/distance', 'style/advanced/distance'"},
         WrongName{"#21", "there is no parameter '#21'; the effect has #0 to #20"},
         WrongName{"#-1", "there is no parameter '#-1'; the effect has #0 to #20"},
         WrongName{"#1x", "there is no parameter '#1x'; the effect has #0 to #20"},
@@ -81,7 +81,7 @@ TEST(FindParam, ANameOfTwoRowsIsNoName) {
 }
 
 TEST(FindParam, AnEffectWithoutNamesSaysSo) {
-    EXPECT_EQ(ParamSet().Find("x").Error().sentence, "there is no parameter 'x'; the effect names none");
+    EXPECT_EQ(ParamSet().Find("x").Error().sentence, "there is no parameter 'x'; the effect has no named parameters");
 }
 
 struct RightValue {
@@ -159,14 +159,15 @@ INSTANTIATE_TEST_SUITE_P(
         WrongValue{"style/distance", "0x10", "'style/distance' takes a number from 0 to 2000, not '0x10'"},
         WrongValue{"style/strength", "101", "'style/strength' takes 0 to 100 %, not 101"},
         WrongValue{"style/angle", "north",
-                   "'style/angle' takes an angle in degrees, as 405, 405deg or 1x45, not 'north'"},
+                   "'style/angle' takes an angle in degrees, such as 405, 405deg or 1x45, not 'north'"},
         WrongValue{"style/angle", "40000", "'style/angle' takes -32767 to 32767 degrees, not 40000"},
         WrongValue{"style/angle", "91x8", "'style/angle' takes -32767 to 32767 degrees, not 32768"},
         WrongValue{"style/angle", "1.5x45",
-                   "'style/angle' takes an angle in degrees, as 405, 405deg or 1x45, not '1.5x45'"},
-        WrongValue{"style/angle", "1x", "'style/angle' takes an angle in degrees, as 405, 405deg or 1x45, not '1x'"},
+                   "'style/angle' takes an angle in degrees, such as 405, 405deg or 1x45, not '1.5x45'"},
+        WrongValue{"style/angle", "1x",
+                   "'style/angle' takes an angle in degrees, such as 405, 405deg or 1x45, not '1x'"},
         WrongValue{"style/angle", "45rad",
-                   "'style/angle' takes an angle in degrees, as 405, 405deg or 1x45, not '45rad'"},
+                   "'style/angle' takes an angle in degrees, such as 405, 405deg or 1x45, not '45rad'"},
         WrongValue{"style/origin", "10",
                    "'style/origin' takes a point as x,y in pixels of the full-size layer, not '10'"},
         WrongValue{"style/origin", "10%,5",
@@ -183,7 +184,7 @@ INSTANTIATE_TEST_SUITE_P(
         WrongValue{"style/color", "#12345g",
                    "'style/color' takes a colour as #rrggbb, #rgb or a CSS name, not '#12345g'"},
         WrongValue{"style/blend-mode", "softlight",
-                   "'style/blend-mode' has no item 'softlight'; nearest: 'soft-light' (of normal, add, soft-light, "
+                   "'style/blend-mode' has no item 'softlight'; closest: 'soft-light' (of normal, add, soft-light, "
                    "ease-in-out)"},
         WrongValue{"style/blend-mode", "2",
                    "'style/blend-mode' cannot be set to 2, which is a separator line; the items are: normal, add, "
@@ -203,10 +204,10 @@ INSTANTIATE_TEST_SUITE_P(
         WrongValue{"style", "1", "'style' is a group and has no value; name a row inside it"},
         WrongValue{"#11", "1", "#11 ends a group and has no value; name a row inside the group"},
         WrongValue{"umbrella-2-v1-3-3", "1", "'umbrella-2-v1-3-3' is a button and has no value"},
-        WrongValue{"texture", "a.png", "'texture' is a layer; give it a picture instead of a value"},
-        WrongValue{"#0", "a.png", "#0 is a layer; give it a picture instead of a value"},
-        WrongValue{"panel", "1", "'panel' holds data of the effect's own, which no text can set"},
-        WrongValue{"nothing", "1", "'nothing' has no value that a text can set"}));
+        WrongValue{"texture", "a.png", "'texture' is a layer; pass an image instead of a value"},
+        WrongValue{"#0", "a.png", "#0 is a layer; pass an image instead of a value"},
+        WrongValue{"panel", "1", "'panel' holds the effect's own data, which cannot be set from a text"},
+        WrongValue{"nothing", "1", "'nothing' has no value that can be set from a text"}));
 
 TEST(SetFromText, AnglesMayHaveAUnitOrTurns) {
     const struct {

@@ -66,25 +66,25 @@ TEST(FrameNumbers, TellWhatIsWrong) {
         const char* text;
         const char* reason;
     } rows[] = {
-        {"nothing", "", "'' is no set of frames: there is nothing beside a comma"},
-        {"nothing beside a comma", "1,,2", "there is nothing beside a comma"},
-        {"a comma in the end", "1,", "there is nothing beside a comma"},
+        {"nothing", "", "'' is not a set of frames: nothing before or after a comma"},
+        {"nothing beside a comma", "1,,2", "nothing before or after a comma"},
+        {"a comma in the end", "1,", "nothing before or after a comma"},
         {"a word", "all", "'all' does not begin with a frame"},
         {"a number too long for anything", "99999999999", "does not begin with a frame"},
-        {"an open end", "1-", "'1-' does not say where it ends"},
-        {"an unknown sign", "1-10z3", "'z3' means nothing here"},
-        {"no step", "1-10x", "in '1-10x' a number above 0 of up to four decimals belongs after the 'x'"},
-        {"every nothing", "1-10x0", "a number above 0 of up to four decimals belongs after the 'x'"},
-        {"a step of 0", "1-10:0", "a whole number of at least 1 belongs after the ':'"},
-        {"a step below 0", "1-10y-2", "a whole number of at least 1 belongs after the 'y'"},
-        {"something after the step", "1-10x2x3", "a number above 0 of up to four decimals"},
-        {"coarse to fine by parts", "1-10:0.5", "a whole number of at least 1 belongs after the ':'"},
-        {"the others of parts", "1-10y1.5", "a whole number of at least 1 belongs after the 'y'"},
+        {"an open end", "1-", "'1-' has no end"},
+        {"an unknown sign", "1-10z3", "'z3' is not expected here"},
+        {"no step", "1-10x", "in '1-10x' the 'x' must be followed by a number above 0 with up to four decimals"},
+        {"every nothing", "1-10x0", "the 'x' must be followed by a number above 0 with up to four decimals"},
+        {"a step of 0", "1-10:0", "a whole number of at least 1 must follow the ':'"},
+        {"a step below 0", "1-10y-2", "a whole number of at least 1 must follow the 'y'"},
+        {"something after the step", "1-10x2x3", "a number above 0 with up to four decimals"},
+        {"coarse to fine by parts", "1-10:0.5", "a whole number of at least 1 must follow the ':'"},
+        {"the others of parts", "1-10y1.5", "a whole number of at least 1 must follow the 'y'"},
         {"more decimals than four", "1.00001", "'1.00001' does not begin with a frame of up to four decimals"},
-        {"a point without a number", "1.", "'.' means nothing here"},
+        {"a point without a number", "1.", "'.' is not expected here"},
         {"a number without a front", ".5", "'.5' does not begin with a frame"},
         {"more than memory holds", "1-999x0.0001", "'1-999x0.0001' has more than 1999999 frames"},
-        {"the same in parts", "1-150x0.0001,200-350x0.0001", "it has more than 1999999 frames"},
+        {"the same in parts", "1-150x0.0001,200-350x0.0001", "more than 1999999 frames"},
         {"all but every first", "1-10y1", "'1-10y1' leaves no frame"},
         {"too far", "1-1000000", "frame 1000000 is not between -999999 and 999999"},
     };
@@ -134,7 +134,7 @@ TEST(Chunks, AreWrittenAsOneOfMany) {
         ASSERT_FALSE(refused) << wrong;
         EXPECT_EQ(refused.Error().code, ExitCode::kUsage);
         EXPECT_EQ(refused.Error().sentence,
-                  "'" + std::string(wrong) + "' is no chunk: write the i-th of n as i/n, like 1/4 to 4/4");
+                  "'" + std::string(wrong) + "' is not a chunk: write the i-th of n as i/n, such as 1/4 to 4/4");
     }
 }
 
@@ -158,9 +158,10 @@ TEST(FrameRates, AreFractions) {
         const auto refused = ParseRate(wrong);
         ASSERT_FALSE(refused) << wrong;
         EXPECT_EQ(refused.Error().code, ExitCode::kUsage);
-        EXPECT_EQ(refused.Error().sentence, "'" + std::string(wrong) +
-                                                "' is no frame rate: write frames per second from 0.1 to 1000, as 24, "
-                                                "29.97 or 30000/1001");
+        EXPECT_EQ(refused.Error().sentence,
+                  "'" + std::string(wrong) +
+                      "' is not a frame rate: write frames per second from 0.1 to 1000, such as 24, "
+                      "29.97 or 30000/1001");
     }
 }
 

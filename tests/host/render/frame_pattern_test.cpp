@@ -77,13 +77,13 @@ TEST(FramePattern, TellsWrongFields) {
         const char* path;
         const char* sentence;
     } rows[] = {
-        {"two", "a.####.%d.png", "'a.####.%d.png' has 2 fields for the frame's number, '####' and '%d'; leave one"},
-        {"two runs of at signs", "a@.@.png", "has 2 fields for the frame's number, '@' and '@'; leave one"},
+        {"two", "a.####.%d.png", "'a.####.%d.png' has 2 fields for the frame's number, '####' and '%d'; use one"},
+        {"two runs of at signs", "a@.@.png", "has 2 fields for the frame's number, '@' and '@'; use one"},
         {"padding with blanks", "a.%4d.png",
-         "'%4d' in 'a.%4d.png' is no field for a frame's number; write #### or %04d"},
+         "'%4d' in 'a.%4d.png' is not a field for a frame's number; write #### or %04d"},
         {"too many digits", "a.#############.png", "write #### or %04d for 4 digits, up to 12 of them"},
-        {"very many digits", "a.%0999d.png", "is no field for a frame's number"},
-        {"no digits", "a.$F0.png", "'$F0' in 'a.$F0.png' is no field"},
+        {"very many digits", "a.%0999d.png", "is not a field for a frame's number"},
+        {"no digits", "a.$F0.png", "'$F0' in 'a.$F0.png' is not a field"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);

@@ -217,7 +217,7 @@ TEST_F(FramePlanTest, TimesFollowTheRate) {
     EXPECT_EQ(plan.totalTime, 1001);
     request.zeroFrame = -999999;
     request.rate = {300000, 100000};
-    EXPECT_THAT(Refused(request).sentence, HasSubstr("lies too far from frame -999999, which is at time 0"));
+    EXPECT_THAT(Refused(request).sentence, HasSubstr("is too far from frame -999999, which is at time 0"));
     EXPECT_EQ(Refused(request).code, ExitCode::kUsage);
 }
 
@@ -226,10 +226,9 @@ TEST_F(FramePlanTest, ManyFramesNeedAFieldInTheOutput) {
     PlanRequest request = Request({1, 2});
     request.output = Path("out.png");
     EXPECT_EQ(Refused(request).code, ExitCode::kUsage);
-    EXPECT_EQ(Refused(request).sentence, "'" + Path("out.png") +
-                                             "' has no place for the frame's number, and there are 2 frames; write it "
-                                             "like '" +
-                                             Path("out.####.png") + "'");
+    EXPECT_EQ(Refused(request).sentence,
+              "'" + Path("out.png") + "' has no field for the frame's number, and there are 2 frames; write it as '" +
+                  Path("out.####.png") + "'");
     request.chunk = {1, 2};
     EXPECT_EQ(Refused(request).code, ExitCode::kUsage) << "other chunks would write the same file";
     request = Request({2});
@@ -262,8 +261,7 @@ TEST_F(FramePlanTest, NothingIsWrittenOverWhatIsRead) {
         request.inputOffset = row.inputOffset;
         const Failure refused = Refused(request);
         EXPECT_EQ(refused.code, ExitCode::kUsage);
-        EXPECT_EQ(refused.sentence,
-                  "'" + Path(row.file) + "' is read and written in one run; give the output another name");
+        EXPECT_EQ(refused.sentence, "'" + Path(row.file) + "' is both input and output; give the output another name");
     }
     EXPECT_TRUE(CheckApart(Path("in.1.png"), Path("in.2.png")));
     EXPECT_FALSE(CheckApart(Path("in.1.png"), Path("./in.1.png")));
@@ -316,7 +314,7 @@ TEST_F(FramePlanTest, WhatMeansASequence) {
     const auto means = MeansSequence(request);
     ASSERT_FALSE(means);
     EXPECT_EQ(means.Error().code, ExitCode::kUsage);
-    EXPECT_THAT(means.Error().sentence, HasSubstr("is a single picture; say which frames to draw with --frames"));
+    EXPECT_THAT(means.Error().sentence, HasSubstr("is a single image; choose the frames with --frames"));
 }
 
 TEST_F(FramePlanTest, ASequenceWithoutAnyFileIsRefused) {
@@ -377,7 +375,7 @@ TEST_F(FramePlanTest, ARateThatCannotBeDividedIsRefused) {
     PlanRequest request = Request(*ParseFrames("1.0001"));
     request.rate = {30000000, 100000};
     EXPECT_EQ(Refused(request).sentence,
-              "a rate of 30000000/100000 cannot be divided by 10000, as these frames ask for");
+              "a rate of 30000000/100000 cannot be divided by 10000, which these frames need");
 }
 
 TEST(ImagePlan, IsOneFrameWithoutANumber) {

@@ -79,10 +79,9 @@ TEST(CanvasText, ACanvasIsNoLargerThanAnImage) {
     const auto wide = CheckCanvas({-10000, 0, 20001, 5}, 2);
     ASSERT_FALSE(wide);
     EXPECT_EQ(wide.Error().code, ExitCode::kUsage);
-    EXPECT_EQ(
-        wide.Error().sentence,
-        "--canvas -20000,0,40002,10 has 30001 x 5 pixels, where no side may be longer than 30000; give --canvas a "
-        "smaller rectangle, or draw at a lower resolution with --downsample");
+    EXPECT_EQ(wide.Error().sentence,
+              "--canvas -20000,0,40002,10 has 30001 x 5 pixels; no side may be longer than 30000; give --canvas a "
+              "smaller rectangle, or draw at a lower resolution with --downsample");
 }
 
 /// A set of frames over files of several sizes, and an effect that counts what it is asked.
@@ -152,7 +151,7 @@ TEST_F(SetCanvasTest, IsThatOfTheWholeSet) {
     request.chunk = {1, 3};
     request.skipExisting = true;
     WritePng("out.6.png", 1, 1);
-    EXPECT_THAT(Find(), ElementsAre(-6, -6, 12, 10)) << "whatever the chunk, and what is there already";
+    EXPECT_THAT(Find(), ElementsAre(-6, -6, 12, 10)) << "whatever the chunk, and what is already there";
 }
 
 TEST_F(SetCanvasTest, SizesAreThoseOfTheFiles) {

@@ -133,7 +133,7 @@ TEST_F(Extremes, ThirtyThousandPixelsInARow) {
     const World whole = Square(PF_MAX_WORLD_WIDTH, 2, Depth::k8);
     const auto beyond = session_->Render({.layer = &whole, .canvas = Canvas::kLayer});
     ASSERT_FALSE(beyond) << "with its shadow it would be wider than any world";
-    EXPECT_EQ(beyond.Error().sentence, "Umbrant 2 asks for a picture larger than 30000 x 30000 pixels");
+    EXPECT_EQ(beyond.Error().sentence, "Umbrant 2 requests an image larger than 30000 x 30000 pixels");
 
     // As wide as a layer may be for its shadow to end where worlds end.
     const World probe = Square(100, 2, Depth::k8);

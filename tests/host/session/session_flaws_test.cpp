@@ -52,32 +52,32 @@ INSTANTIATE_TEST_SUITE_P(
     All, Flaws,
     ::testing::Values(
         Flawed{"none", nullptr, nullptr},
-        Flawed{"throw", "failed in PF_Cmd_SMART_RENDER: it let an exception out (the painter is out of paint)",
-               "an exception left PF_Cmd_SMART_RENDER: the painter is out of paint"},
-        Flawed{"throw-number", "failed in PF_Cmd_SMART_RENDER: it let an exception out (the number 77)",
-               "an exception left PF_Cmd_SMART_RENDER: the number 77"},
+        Flawed{"throw", "failed in PF_Cmd_SMART_RENDER: it threw an exception (the painter is out of paint)",
+               "PF_Cmd_SMART_RENDER threw an exception: the painter is out of paint"},
+        Flawed{"throw-number", "failed in PF_Cmd_SMART_RENDER: it threw an exception (the number 77)",
+               "PF_Cmd_SMART_RENDER threw an exception: the number 77"},
         Flawed{"error-with-message", "failed in PF_Cmd_SMART_RENDER: No paint 4 (error 13, A_Err_MISSING_SUITE)",
                nullptr},
         Flawed{"pre-render-error", "failed in PF_Cmd_SMART_PRE_RENDER: error 4, PF_Err_OUT_OF_MEMORY", nullptr},
         Flawed{"long-message", nullptr, nullptr},
-        Flawed{"leak", nullptr, "drawing a frame left something open: handles 1, locks 1"},
+        Flawed{"leak", nullptr, "still open after drawing a frame: handles 1, locks 1"},
         Flawed{"unknown-checkout", "failed in PF_Cmd_SMART_RENDER: error 516, PF_Err_BAD_CALLBACK_PARAM",
                "checkout_layer_pixels was called with the id 99, which pre-render did not use"},
         Flawed{"checkout-twice", "failed in PF_Cmd_SMART_RENDER: error 516, PF_Err_BAD_CALLBACK_PARAM",
                "checkout_layer_pixels was called twice for the id 7"},
         Flawed{"same-id", "failed in PF_Cmd_SMART_PRE_RENDER: error 516, PF_Err_BAD_CALLBACK_PARAM",
                "checkout_layer was called with the id 7, which is negative or in use"},
-        Flawed{"no-checkin", nullptr, "drawing a frame left something open: layer check-outs 2"},
+        Flawed{"no-checkin", nullptr, "still open after drawing a frame: layer check-outs 2"},
         Flawed{"late-checkout", nullptr, "checkin_layer_pixels was called with the id 7, which is not checked out"},
-        Flawed{"no-output", nullptr, "PF_Cmd_SMART_RENDER ended without having checked out its output"},
-        Flawed{"too-large", "asks for a picture larger than 30000 x 30000 pixels", nullptr},
+        Flawed{"no-output", nullptr, "PF_Cmd_SMART_RENDER ended without checking out its output"},
+        Flawed{"too-large", "requests an image larger than 30000 x 30000 pixels", nullptr},
         Flawed{"unknown-suite", "failed in PF_Cmd_SMART_RENDER: error 13, A_Err_MISSING_SUITE", nullptr},
         Flawed{"missing-slot", "failed in PF_Cmd_SMART_RENDER: error 515, PF_Err_INVALID_CALLBACK",
                "PF World Transform Suite.convolve was called, which this host does not implement"},
         Flawed{"bad-reference", "failed in PF_Cmd_SMART_RENDER: error 516, PF_Err_BAD_CALLBACK_PARAM",
-               "fill was called with an effect reference that is not one"},
+               "fill was called with an invalid effect reference"},
         Flawed{"throw-in-pixels", "failed in PF_Cmd_SMART_RENDER: error 512, PF_Err_INTERNAL_STRUCT_DAMAGED",
-               "an exception left a function that the host was asked to call for pixels"},
+               "a pixel function of the effect threw an exception"},
         Flawed{"error-in-pixels", "failed in PF_Cmd_SMART_RENDER: error 1234, unknown error", nullptr}));
 
 TEST_F(SessionTest, AMessageWithoutATerminatorIsReadToItsField) {
@@ -108,7 +108,7 @@ TEST_F(SessionTest, SuitesOfAFrameAreListed) {
     EXPECT_THAT(session->AcquiredSuites(), ElementsAre("PF Handle Suite 2"));
     EXPECT_THAT(session->RefusedSuites(), IsEmpty());
     EXPECT_TRUE(session->End());
-    EXPECT_THAT(session->Misbehaviour(), Contains("after global set-down something is open: handles 1, locks 1"));
+    EXPECT_THAT(session->Misbehaviour(), Contains("still open after global set-down: handles 1, locks 1"));
 }
 
 struct Fault {
@@ -136,9 +136,8 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         Fault{"pre-render.checkout_layer", 517,
               "Painter failed in PF_Cmd_SMART_PRE_RENDER: error 517, PF_Interrupt_CANCEL"},
-        Fault{"smart-render.checkout_layer_pixels", 4,
-              "not enough memory for drawing a picture of 2 x 2 pixels, 1 MiB"},
-        Fault{"smart-render.checkout_output", 4, "not enough memory for drawing a picture of 2 x 2 pixels, 1 MiB"},
+        Fault{"smart-render.checkout_layer_pixels", 4, "not enough memory for drawing an image of 2 x 2 pixels, 1 MiB"},
+        Fault{"smart-render.checkout_output", 4, "not enough memory for drawing an image of 2 x 2 pixels, 1 MiB"},
         Fault{"utils.fill", 516, "Painter failed in PF_Cmd_SMART_RENDER: error 516, PF_Err_BAD_CALLBACK_PARAM"}));
 
 }  // namespace

@@ -317,13 +317,13 @@ TEST_F(SessionTest, ARenderOutOfMemoryIsToldItsSizeWhereADriverMayRefuseIt) {
         ExitCode code = ExitCode::kEffectFailed;
     } rows[] = {
         {"wider", "smart-render.checkout_output", PF_Err_OUT_OF_MEMORY, 16385, 2,
-         "Painter failed in PF_Cmd_SMART_RENDER: error 4, PF_Err_OUT_OF_MEMORY; the picture would be 16385 x 2 pixels, "
-         "and many OpenGL drivers take no more than 16384 x 16384"},
+         "Painter failed in PF_Cmd_SMART_RENDER: error 4, PF_Err_OUT_OF_MEMORY; the image would be 16385 x 2 pixels, "
+         "and many OpenGL drivers support at most 16384 x 16384"},
         {"higher", "smart-render.checkout_output", PF_Err_OUT_OF_MEMORY, 1, 16385,
-         "Painter failed in PF_Cmd_SMART_RENDER: error 4, PF_Err_OUT_OF_MEMORY; the picture would be 1 x 16385 pixels, "
-         "and many OpenGL drivers take no more than 16384 x 16384"},
+         "Painter failed in PF_Cmd_SMART_RENDER: error 4, PF_Err_OUT_OF_MEMORY; the image would be 1 x 16385 pixels, "
+         "and many OpenGL drivers support at most 16384 x 16384"},
         {"at the limit, where no driver refuses it", "smart-render.checkout_output", PF_Err_OUT_OF_MEMORY, 16384, 1,
-         "not enough memory for drawing a picture of 16384 x 1 pixels, 1 MiB", ExitCode::kInternal},
+         "not enough memory for drawing an image of 16384 x 1 pixels, 1 MiB", ExitCode::kInternal},
         {"another error", "smart-render.checkout_output", PF_Err_BAD_CALLBACK_PARAM, 16385, 1,
          "Painter failed in PF_Cmd_SMART_RENDER: error 516, PF_Err_BAD_CALLBACK_PARAM"},
         {"before the render", "pre-render.checkout_layer", PF_Err_OUT_OF_MEMORY, 16385, 1,

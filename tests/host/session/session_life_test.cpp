@@ -104,13 +104,14 @@ INSTANTIATE_TEST_SUITE_P(
     All, FailingSetups,
     ::testing::Values(
         FailingSetup{"SetupError", "Flawed failed in PF_Cmd_GLOBAL_SETUP: error 512, PF_Err_INTERNAL_STRUCT_DAMAGED"},
-        FailingSetup{"SetupThrows", "Flawed failed in PF_Cmd_GLOBAL_SETUP: it let an exception out (no set-up today)"},
-        FailingSetup{"NoSmartRender", "Flawed does not announce smart rendering, the only kind that this host does"},
+        FailingSetup{"SetupThrows", "Flawed failed in PF_Cmd_GLOBAL_SETUP: it threw an exception (no set-up today)"},
+        FailingSetup{"NoSmartRender",
+                     "Flawed does not support smart rendering, the only kind of rendering that this host supports"},
         FailingSetup{"ParamsError",
                      "Flawed failed in PF_Cmd_PARAMS_SETUP: no parameters today (error 516, "
                      "PF_Err_BAD_CALLBACK_PARAM)"},
-        FailingSetup{"WrongCount", "Flawed says that it has 5 parameters, but declared 2 (the layer counts as one)"},
-        FailingSetup{"OpenGroup", "Flawed: the group of row 1 is never ended"},
+        FailingSetup{"WrongCount", "Flawed reports 5 parameters, but declared 2 (the layer counts as one)"},
+        FailingSetup{"OpenGroup", "Flawed: the group of row 1 has no end"},
         FailingSetup{"StrayGroupEnd", "Flawed: row 1 ends a group, but none is open"},
         FailingSetup{"BadParamType",
                      "Flawed failed in PF_Cmd_PARAMS_SETUP: error 514, PF_Err_UNRECOGNIZED_PARAM_TYPE"}),

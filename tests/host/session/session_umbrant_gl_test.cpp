@@ -135,7 +135,7 @@ TEST_P(UmbrantDraws, AFailingHostCallEndsTheRenderWithItsErrorAndNothingOpen) {
         if (row.error == PF_Err_OUT_OF_MEMORY) {
             // The same message as for any other want of memory.
             EXPECT_EQ(frame.Error().code, ExitCode::kInternal) << row.call;
-            EXPECT_THAT(frame.Error().sentence, ::testing::StartsWith("not enough memory for drawing a picture of "));
+            EXPECT_THAT(frame.Error().sentence, ::testing::StartsWith("not enough memory for drawing an image of "));
             EXPECT_THAT(session->Misbehaviour(), IsEmpty()) << row.call;
             continue;
         }

@@ -42,11 +42,11 @@ TEST_F(DrawbotTest, NoReferenceOutlivesItsDrawEvent) {
     EXPECT_EQ(Image(1, 1, 4, 6, "abcd"), nullptr);
     EXPECT_EQ(Paint(kRedColor, {0, 0, 1, 1}), PF_Err_BAD_CALLBACK_PARAM);
     EXPECT_THAT(services.Misbehaviour(),
-                ElementsAre("PF_GetDrawingReference was called with a context that is not one, or no longer",
-                            "GetSupplier was called with a drawing reference that is not one, or no longer",
-                            "GetSurface was called with a drawing reference that is not one, or no longer",
-                            "NewImageFromBuffer was called with a supplier that is not one, or no longer",
-                            "PaintRect was called with a surface that is not one, or no longer"));
+                ElementsAre("PF_GetDrawingReference was called with an invalid or released context",
+                            "GetSupplier was called with an invalid or released drawing reference",
+                            "GetSurface was called with an invalid or released drawing reference",
+                            "NewImageFromBuffer was called with an invalid or released supplier",
+                            "PaintRect was called with an invalid or released surface"));
 }
 
 TEST_F(DrawbotTest, TwoCanvasesAreToldApart) {
@@ -90,9 +90,9 @@ TEST_F(DrawbotTest, ObjectsAreCountedUntilTheirLastUserIsGone) {
     EXPECT_EQ(kDrawbotSupplierSuite.RetainObject(object), PF_Err_BAD_CALLBACK_PARAM);
     EXPECT_EQ(kDrawbotSupplierSuite.ReleaseObject(nullptr), PF_Err_BAD_CALLBACK_PARAM);
     EXPECT_EQ(Objects(), 0);
-    EXPECT_THAT(services.Misbehaviour(), ElementsAre("a drawing object was released that is not one, or no longer",
-                                                     "a drawing object was retained that is not one, or no longer",
-                                                     "a drawing object was released that is not one, or no longer"));
+    EXPECT_THAT(services.Misbehaviour(), ElementsAre("an invalid or released drawing object was released",
+                                                     "an invalid or released drawing object was retained",
+                                                     "an invalid or released drawing object was released"));
 }
 
 TEST_F(DrawbotTest, AnObjectOfAnotherKindIsRefused) {
@@ -104,7 +104,7 @@ TEST_F(DrawbotTest, AnObjectOfAnotherKindIsRefused) {
     EXPECT_THAT(services.Misbehaviour(),
                 ElementsAre("FillPath was called with a drawing object of another kind",
                             "MoveTo was called with a drawing object of another kind",
-                            "StrokePath was called with a drawing object that is not one, or no longer"));
+                            "StrokePath was called with an invalid or released drawing object"));
     Release(path);
     Release(brush);
 }
@@ -144,7 +144,7 @@ TEST_F(DrawbotTest, NonsenseMakesNoObject) {
     const char bytes[64] = {};
     EXPECT_EQ(Image(0, 1, 4, 6, bytes), nullptr);
     EXPECT_EQ(Image(1, -1, 4, 6, bytes), nullptr);
-    EXPECT_EQ(Image(2, 1, 7, 6, bytes), nullptr) << "rows shorter than the picture";
+    EXPECT_EQ(Image(2, 1, 7, 6, bytes), nullptr) << "rows shorter than the image";
     EXPECT_EQ(Image(2, 1, 5, 0, bytes), nullptr);
     EXPECT_NE(Image(2, 1, 6, 0, bytes), nullptr);
     EXPECT_EQ(Image(1, 1, 4, 8, bytes), nullptr);

@@ -108,7 +108,7 @@ TEST_F(SuitesTest, HandsOutBlocks) {
     EXPECT_EQ(Open(Resource::kBlock), 0);
     EXPECT_EQ(basicSuite.FreeBlock(nullptr), 0);
     EXPECT_EQ(basicSuite.FreeBlock(larger), PF_Err_BAD_CALLBACK_PARAM);
-    EXPECT_THAT(services.Misbehaviour(), ElementsAre("a memory block was given back that is not one, or no longer"));
+    EXPECT_THAT(services.Misbehaviour(), ElementsAre("an invalid or released memory block was released"));
 }
 
 TEST_F(SuitesTest, AMissingSlotSaysWhichItIs) {

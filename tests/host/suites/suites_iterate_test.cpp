@@ -131,8 +131,7 @@ TEST_F(SuitesTest, AnExceptionDoesNotCrossThreads) {
     EXPECT_EQ(kIterate8Suite.iterate(nullptr, 0, 40, nullptr, nullptr, nullptr, fail, &world.Def()),
               PF_Err_INTERNAL_STRUCT_DAMAGED);
     ASSERT_FALSE(services.Misbehaviour().empty());
-    EXPECT_EQ(services.Misbehaviour().front(),
-              "an exception left a function that the host was asked to call for pixels");
+    EXPECT_EQ(services.Misbehaviour().front(), "a pixel function of the effect threw an exception");
 }
 
 TEST_F(SuitesTest, PixelFunctionsMeanTheSessionOfTheirCaller) {

@@ -66,12 +66,11 @@ TEST_F(SuitesTest, MisusedHandlesAreReported) {
     char* stranger = nullptr;
     EXPECT_EQ(kHandleSuite.host_lock_handle(&stranger), nullptr);
     EXPECT_EQ(kHandleSuite.host_get_handle_size(&stranger), 0u);
-    EXPECT_THAT(services.Misbehaviour(),
-                ElementsAre("a handle was unlocked that was not locked", "a locked handle was to be resized",
-                            "a handle was disposed of while it was locked",
-                            "a handle was disposed of that is not one, or no longer",
-                            "a lock was asked on something that is not a handle",
-                            "the size was asked of something that is not a handle"));
+    EXPECT_THAT(
+        services.Misbehaviour(),
+        ElementsAre("a handle was unlocked that was not locked", "a locked handle was resized",
+                    "a handle was disposed of while it was locked", "an invalid or released handle was disposed of",
+                    "a lock of an invalid handle was requested", "the size of an invalid handle was requested"));
     EXPECT_TRUE(services.tally.Snapshot().Even());
 }
 
@@ -150,9 +149,8 @@ TEST_F(SuitesTest, MisusedWorldsAreReported) {
     PF_PixelFormat format{};
     const PF_EffectWorld stranger{};
     EXPECT_EQ(kWorldSuite.PF_GetPixelFormat(&stranger, &format), PF_Err_BAD_CALLBACK_PARAM);
-    EXPECT_THAT(services.Misbehaviour(),
-                ElementsAre("a world was disposed of that the effect did not make, or no longer has",
-                            "PF_NewWorld was called with an effect reference that is not one"));
+    EXPECT_THAT(services.Misbehaviour(), ElementsAre("a world was disposed of that the effect does not own",
+                                                     "PF_NewWorld was called with an invalid effect reference"));
     EXPECT_EQ(Open(Resource::kWorld), 0);
 }
 

@@ -96,11 +96,10 @@ TEST_F(PanelTest, StreamsHideAndShowRows) {
     EXPECT_EQ(kStreamSuite.AEGP_GetNewEffectStreamByIndex(0, reference, 2, &stream), A_Err_PARAMETER);
     EXPECT_EQ(stream, nullptr);
     EXPECT_TRUE(services.tally.Snapshot().Even());
-    EXPECT_THAT(
-        services.Misbehaviour(),
-        ElementsAre("AEGP_DisposeStream was called with a reference that is not one, or no longer",
-                    "AEGP_DisposeEffect was called with a reference that is not one, or no longer",
-                    "AEGP_GetNewEffectStreamByIndex was called with a reference that is not one, or no longer"));
+    EXPECT_THAT(services.Misbehaviour(),
+                ElementsAre("AEGP_DisposeStream was called with an invalid or released reference",
+                            "AEGP_DisposeEffect was called with an invalid or released reference",
+                            "AEGP_GetNewEffectStreamByIndex was called with an invalid or released reference"));
 }
 
 TEST_F(PanelTest, ThereIsNoStreamBesideTheRows) {

@@ -64,8 +64,9 @@ TEST_F(ClipFailures, OneThatCannotWrite) {
         {"is killed", Encoder("head -c 12000 >\"$file\"; kill -9 $$"), "ffmpeg was ended by signal 9 (Killed), after "},
         {"dies at the end", Encoder("cat >\"$file\"; echo 'Error writing trailer' >&2; exit 1"),
          "ffmpeg ended with exit code 1: Error writing trailer, after 20 frames"},
-        {"stops listening", Encoder("exec <&-; : >\"$file\"; sleep 0.3; exit 0"), "ffmpeg took no more frames after "},
-        {"writes nothing", Encoder("cat >/dev/null"), "ffmpeg ended well, but there is no clip"},
+        {"stops listening", Encoder("exec <&-; : >\"$file\"; sleep 0.3; exit 0"),
+         "ffmpeg accepted no more frames after "},
+        {"writes nothing", Encoder("cat >/dev/null"), "ffmpeg ended without an error, but there is no clip"},
         {"talks and dies", Encoder("yes trouble | head -c 2000000 >&2; echo 'the end' >&2; exit 1"),
          "ffmpeg ended with exit code 1: the end, after "},
         {"has no such encoder", "echo ' V..... png x'",
@@ -109,22 +110,22 @@ TEST_F(ClipFailures, OneThatCannotRead) {
         {"is killed", kProbe, "head -c 100 /dev/zero; kill -SEGV $$",
          "frame 3: cannot read frame 3 of 'in.mov': ffmpeg was ended by signal 11 (Segmentation fault)"},
         {"has less than it told", kProbe, "head -c 128 /dev/zero",
-         "frame 4: cannot read frame 4 of 'in.mov': the clip tells of 10 frames, but has 4"},
+         "frame 4: cannot read frame 4 of 'in.mov': the clip declares 10 frames, but has 4"},
         {"the other is not there", "exec no-such-program", "exit 0",
          "cannot read 'in.mov': ffprobe ended with exit code 127"},
         {"the other tells nonsense", "echo nonsense", "exit 0",
-         "cannot read 'in.mov': ffprobe did not tell about its streams"},
+         "cannot read 'in.mov': ffprobe did not report the streams"},
         {"the other tells of other things", "echo '{\"streams\": 5}'", "exit 0",
-         "cannot read 'in.mov': ffprobe did not tell about its streams"},
+         "cannot read 'in.mov': ffprobe did not report the streams"},
         {"the other is killed", "kill -9 $$", "exit 0", "cannot read 'in.mov': ffprobe was ended by signal 9 (Killed)"},
         {"a stream without pictures",
          "case \"$*\" in *-show_streams*) echo '{\"streams\":[{\"codec_type\":\"video\","
          "\"index\":0,\"width\":4,\"height\":2}]}';; esac",
-         "exit 0", "cannot read 'in.mov': its video stream has no pictures"},
+         "exit 0", "cannot read 'in.mov': the video stream has no frames"},
         {"pictures beyond all size",
          "echo '{\"streams\":[{\"codec_type\":\"video\",\"index\":0,\"width\":99999,"
          "\"height\":2}]}'",
-         "exit 0", "cannot read 'in.mov': it is too large: 99999 x 2 pixels, where no side may be longer than 30000"},
+         "exit 0", "cannot read 'in.mov': too large: 99999 x 2 pixels; no side may be longer than 30000"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -153,13 +154,13 @@ TEST_F(ClipFailures, OneThatIsNotThere) {
     Outcome outcome = Render("still.png", "out.mov", {"--frames", "1-2"}, none);
     EXPECT_EQ(outcome.code, 3);
     EXPECT_EQ(outcome.err,
-              "umbrant: cannot write 'out.mov': there is no 'ffmpeg' in PATH, and clips are read and written "
-              "by it; install ffmpeg (Debian: apt install ffmpeg)\n");
+              "umbrant: cannot write 'out.mov': clips need 'ffmpeg', which is not in PATH; install ffmpeg (Debian: apt "
+              "install ffmpeg)\n");
     outcome = Render("in.mov", "out.##.png", {}, none);
     EXPECT_EQ(outcome.code, 3);
     EXPECT_EQ(outcome.err,
-              "umbrant: cannot read 'in.mov': there is no 'ffprobe' in PATH, and clips are read and written "
-              "by it; install ffmpeg (Debian: apt install ffmpeg)\n");
+              "umbrant: cannot read 'in.mov': clips need 'ffprobe', which is not in PATH; install ffmpeg (Debian: apt "
+              "install ffmpeg)\n");
     outcome = Render("still.png", "out.png", {}, none);
     EXPECT_EQ(outcome.code, 0) << "pictures need none of it";
     Fake("ffmpeg", "exit 0");
@@ -167,7 +168,7 @@ TEST_F(ClipFailures, OneThatIsNotThere) {
     std::filesystem::create_directory(folder_ / "bin/ffprobe");
     outcome = Render("in.mov", "out.##.png", {}, none);
     EXPECT_EQ(outcome.code, 3);
-    EXPECT_THAT(outcome.err, HasSubstr("'ffprobe', which clips are read and written by, cannot be started: "));
+    EXPECT_THAT(outcome.err, HasSubstr("'ffprobe', which reads and writes clips, cannot be started: "));
 }
 
 TEST_F(ClipFailures, ProgramsOfClipsBlockAndIgnoreNoSignals) {

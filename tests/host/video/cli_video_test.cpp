@@ -191,19 +191,20 @@ TEST_F(Clips, SoundGoesWithItsFrames) {
     EXPECT_EQ(outcome.code, 0) << outcome.err;
     EXPECT_EQ(SoundHash("a.mkv"), SoundHash("in.mkv"));
     outcome = Render("in.mkv", "a.mov");
-    EXPECT_THAT(outcome.err,
-                HasSubstr("umbrant: the sound of 'in.mkv' (flac) becomes pcm_s24le, since .mov cannot hold "
-                          "it as it is\n"));
+    EXPECT_THAT(
+        outcome.err,
+        HasSubstr(
+            "umbrant: the sound of 'in.mkv' (flac) is converted to pcm_s24le, since .mov cannot hold the original\n"));
     EXPECT_EQ(sound("a.mov"), "pcm_s24le");
     outcome = Render("in.mkv", "a.webm", {"--progress", "json"});
-    EXPECT_THAT(outcome.err, HasSubstr(R"({"event":"note","note":"the sound of 'in.mkv' (flac) becomes opus)"));
+    EXPECT_THAT(outcome.err, HasSubstr(R"({"event":"note","note":"the sound of 'in.mkv' (flac) is converted to opus)"));
     EXPECT_EQ(sound("a.webm"), "opus");
     EXPECT_EQ(Render("in.mkv", "b.webm", {"--quiet"}).err, "");
     ASSERT_EQ(Render("in.mkv", "c.mkv", {"--no-sound"}).code, 0);
     EXPECT_EQ(sound("c.mkv"), "none");
     outcome = Render("in.mkv", "d.mkv", {"--frames", "5-1"});
-    EXPECT_THAT(outcome.err, HasSubstr("umbrant: the sound of 'in.mkv' is left out, since the frames do not follow one "
-                                       "another as in that clip\n"));
+    EXPECT_THAT(outcome.err,
+                HasSubstr("umbrant: the sound of 'in.mkv' is left out: the order of the frames is not the clip's\n"));
     EXPECT_EQ(sound("d.mkv"), "none");
     ASSERT_EQ(Render("in.mkv", "e.mkv", {"--frames", "6-11"}).code, 0);
     EXPECT_EQ(sound("e.mkv"), "flac");
@@ -259,8 +260,8 @@ TEST_F(Clips, FramesOfOneSize) {
     WriteLayer(folder_ / "in.2.png", 12, 6, {255, 200, 100, 50});
     const Outcome outcome = Render("in.@.png", "out.mov");
     EXPECT_EQ(outcome.code, 3);
-    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 2: its layer is 12 x 6, and the frames of a clip have one size: "
-                                       "the first one's, 10 x 6\n"));
+    EXPECT_THAT(outcome.err, HasSubstr("umbrant: frame 2: the layer is 12 x 6, but all frames of a clip have the size "
+                                       "of the first one, 10 x 6\n"));
     EXPECT_EQ(folder_.Entries(), 2) << "no half clip";
 }
 
@@ -285,7 +286,7 @@ TEST_F(Clips, ARateThatVaries) {
     Outcome outcome = Render("vfr.mkv", "out.mov");
     EXPECT_EQ(outcome.code, 2);
     EXPECT_THAT(outcome.err, StartsWith("umbrant: the frame rate of 'vfr.mkv' varies: 3.333 to 10 frames a second, "));
-    EXPECT_THAT(outcome.err, HasSubstr("on average; say at which rate to draw it, as --rate "));
+    EXPECT_THAT(outcome.err, HasSubstr("on average; choose one rate, such as --rate "));
     outcome = Render("vfr.mkv", "out.mkv", {"--rate", "10"});
     ASSERT_EQ(outcome.code, 0) << outcome.err;
     EXPECT_EQ(Pictures("out.mkv")["r_frame_rate"], "10/1");
@@ -306,15 +307,14 @@ TEST_F(Clips, ClipsThatCannotBeRead) {
         const char* sentence;
     } rows[] = {
         {"none.mov", "cannot read 'none.mov': there is no such file\n"},
-        {"folder.mov", "cannot read 'folder.mov': it is a folder, not a clip\n"},
+        {"folder.mov", "cannot read 'folder.mov': a folder, not a clip\n"},
         {"empty.mov", "cannot read 'empty.mov': the file is empty\n"},
         {"words.mov",
-         "cannot read 'words.mov': it is not a clip; clips are QuickTime, MP4, Matroska, WebM, AVI, MXF, NUT, MPEG, "
-         "Ogg, ASF, FLV and YUV4MPEG files\n"},
+         "cannot read 'words.mov': not a clip; clips are QuickTime, MP4, Matroska, WebM, AVI, MXF, NUT, MPEG, Ogg, "
+         "ASF, FLV and YUV4MPEG files\n"},
         {"cut.mov",
-         "cannot read 'cut.mov': it is not a clip that ffmpeg can read (Invalid data found when processing "
-         "input)\n"},
-        {"sound.mov", "cannot read 'sound.mov': it has no video stream\n"},
+         "cannot read 'cut.mov': not a clip that ffmpeg can read (Invalid data found when processing input)\n"},
+        {"sound.mov", "cannot read 'sound.mov': there is no video stream\n"},
     };
     for (const auto& row : rows) {
         const Outcome outcome = Render(row.input, "out.mov");
@@ -348,7 +348,7 @@ TEST_F(Clips, WhatIsRefused) {
         {"a single picture",
          "o.mov",
          {},
-         "'o.mov' is a clip, but 'still.png' is a single picture; say which frames to "
+         "'o.mov' is a clip, but 'still.png' is a single image; choose the frames to "
          "draw with --frames"},
         {"a container without alpha",
          "o.mp4",
@@ -357,22 +357,21 @@ TEST_F(Clips, WhatIsRefused) {
         {"chunks",
          "o.mov",
          {"--frames", "1-2", "--chunk", "1/2"},
-         "--chunk is about frames with files of their own, and 'o.mov' is one file; let the chunks draw pictures, and "
-         "then make a clip of them"},
+         "--chunk needs one file per frame, and 'o.mov' is a single file; render the chunks to images, then make a "
+         "clip of them"},
         {"gaps",
          "o.mov",
          {"--frames", "1-2", "--keep-going"},
-         "--keep-going leaves out frames that fail, and 'o.mov' has no room for gaps; draw pictures with it, and then "
-         "a "
-         "clip of them"},
+         "--keep-going leaves out frames that fail, and 'o.mov' cannot have gaps; render images, then make a clip of "
+         "them"},
         {"a compression",
          "o.mov",
          {"--frames", "1-2", "--compression", "zip"},
-         "--compression is about pictures; how a clip is stored is said with --codec"},
+         "--compression applies to images only; --codec chooses how a clip is stored"},
         {"a codec for pictures",
          "o.png",
          {"--codec", "png"},
-         "--codec is about clips, and 'o.png' is a picture; clips are .mov, .mkv or .webm"},
+         "--codec applies to clips only, and 'o.png' is an image; clips are .mov, .mkv or .webm"},
         {"a codec elsewhere",
          "o.webm",
          {"--frames", "1-2", "--codec", "ffv1"},
@@ -380,7 +379,7 @@ TEST_F(Clips, WhatIsRefused) {
         {"no codec",
          "o.mov",
          {"--frames", "1-2", "--codec", "prorez"},
-         "there is no codec 'prorez' among prores4444, ffv1, vp9, png; did you mean 'prores4444'?"},
+         "there is no codec 'prorez'; the codecs are prores4444, ffv1, vp9, png; did you mean 'prores4444'?"},
     };
     for (const auto& row : rows) {
         const Outcome outcome = Render("still.png", row.output, row.more);
@@ -394,7 +393,7 @@ TEST_F(Clips, InputAndOutputTheSame) {
     Ffmpeg(Clip("-map 0:v -c:v png in.mov"));
     const Outcome outcome = Render("in.mov", "./in.mov");
     EXPECT_EQ(outcome.code, 2);
-    EXPECT_EQ(outcome.err, "umbrant: './in.mov' is read and written in one run; give the output another name\n");
+    EXPECT_EQ(outcome.err, "umbrant: './in.mov' is both input and output; give the output another name\n");
 }
 
 TEST_F(Clips, WhatIsThereIsDone) {

@@ -43,7 +43,8 @@ TEST(ClipFormat, CodecsByNameAndExtension) {
         {"a.mp4", "", "cannot write 'a.mp4': clips with alpha are written as .mov, .mkv or .webm"},
         {"a.webm", "png", "'a.webm' cannot hold PNG, which goes into .mov or .mkv"},
         {"a.mov", "ffv1", "'a.mov' cannot hold FFV1, which goes into .mkv"},
-        {"a.mov", "prores", "there is no codec 'prores' among prores4444, ffv1, vp9, png; did you mean 'prores4444'?"},
+        {"a.mov", "prores",
+         "there is no codec 'prores'; the codecs are prores4444, ffv1, vp9, png; did you mean 'prores4444'?"},
     };
     for (const auto& row : rows) EXPECT_EQ(Chosen(row.path, row.name), row.chosen) << row.path << " " << row.name;
 }
@@ -98,11 +99,12 @@ TEST(ClipFormat, SoundStaysWhereTheContainerTakesIt) {
     EXPECT_EQ(plan.note, "");
     plan = PlanSound(facts, "o.mov");
     EXPECT_EQ(plan.codecs, (std::vector<std::string>{"copy", "pcm_s24le"}));
-    EXPECT_EQ(plan.note, "the sound of 'in.mkv' (flac) becomes pcm_s24le, since .mov cannot hold it as it is");
+    EXPECT_EQ(plan.note, "the sound of 'in.mkv' (flac) is converted to pcm_s24le, since .mov cannot hold the original");
     facts.sound = {"opus", "pcm_s16le"};
     plan = PlanSound(facts, "o.webm");
     EXPECT_EQ(plan.codecs, (std::vector<std::string>{"copy", "libopus"}));
-    EXPECT_EQ(plan.note, "the sound of 'in.mkv' (pcm_s16le) becomes opus, since .webm cannot hold it as it is");
+    EXPECT_EQ(plan.note,
+              "the sound of 'in.mkv' (pcm_s16le) is converted to opus, since .webm cannot hold the original");
 }
 
 /// The arguments as one line.

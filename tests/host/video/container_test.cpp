@@ -95,8 +95,8 @@ TEST_F(Clips, APlaylistThatIsCalledAClipOpensNoOtherFile) {
             SCOPED_TRACE(kind + (" as " + name));
             WriteBytes(folder_ / name, text);
             const std::string sentence = "umbrant: cannot read '" + name +
-                                         "': it is not a clip; clips are QuickTime, MP4, Matroska, WebM, AVI, MXF, "
-                                         "NUT, MPEG, Ogg, ASF, FLV and YUV4MPEG files\n";
+                                         "': not a clip; clips are QuickTime, MP4, Matroska, WebM, AVI, MXF, NUT, "
+                                         "MPEG, Ogg, ASF, FLV and YUV4MPEG files\n";
             const Outcome layer = Render(name, "out.##.png", {}, WithFakes());
             EXPECT_EQ(layer.code, 3);
             EXPECT_EQ(layer.err, sentence);
