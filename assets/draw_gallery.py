@@ -1,13 +1,13 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: BSD-3-Clause
 # Copyright 2026 the Umbrant authors
-"""Draws docs/gallery.md and its pictures: one small picture per setting, each with the command line that made it.
+"""Draws docs/gallery.md, one small picture per setting with its command line, and two pictures for README.md.
 
 Usage: assets/draw_gallery.py UMBRANT [SECTION...]      (default: all sections)
 
-UMBRANT is the built program. With sections only their pictures are drawn anew; the page is always written whole. Needs
-nothing but Python. The program writes pictures with transparency; here they are laid on a light ground, because a dark
-page would swallow their shadows.
+UMBRANT is the built program. With sections only their pictures are drawn again; the page is always written whole. Needs
+only Python. The program writes images with transparency; here they are composited over a light background, because
+shadows are invisible on a dark page.
 """
 
 import pathlib
@@ -24,14 +24,15 @@ GROUND = (236, 235, 241)
 COLUMNS = 3
 TITLE = "title.png --canvas layer --downsample 5"
 PHOTOGRAPH = "dusk.jpg --canvas layer --downsample 8"
+CLOSE_UP = "title.png --canvas 280,160,1760,992 --downsample 4"
 
 INTRODUCTION = """\
 # Gallery
 
-Each picture stands over the command line that drew it. The layers are those of `assets/layers`, the command lines are
-for the root of the project, and `assets/draw_gallery.py` draws the page anew. The pictures are small, so they are drawn
-at a part of the resolution (`--downsample`) and in the layer's frame (`--canvas layer`); without these two options the
-same looks come out large and whole.
+Each picture has its command line below it. The layers are in `assets/layers`; run the command lines in the root folder of
+the project. `assets/draw_gallery.py` draws the pictures and writes this page. To keep the pictures small, they are drawn at
+a lower resolution (`--downsample`) and without growing the image (`--canvas`). Without these two options the same settings
+give the full-size result.
 """
 
 
@@ -69,15 +70,18 @@ def easing(mode, ease, more=""):
     return f"{STEPS} {settings(easing__mode=mode, easing__ease=ease)} {more}".strip()
 
 
-# Section: heading, words, and its pictures as (name, caption, layer and options).
+# The two pictures of README.md, in docs/images: a layer, and the same layer with the default shadow.
+README = [("before", f"{CLOSE_UP} {settings(opacity__opacity_master=0)}"), ("after", CLOSE_UP)]
+
+# Section: heading, text, and its pictures as (name, caption, layer and options).
 SECTIONS = {
-    "types": ("The three types", "With their defaults, the radial one about the middle of the picture, and styled.", [
+    "types": ("The three types", "With the default settings (the radial shadow with its origin in the centre), and styled.", [
         ("normal-default", "normal", f"{TITLE} {settings(style__shadow_type='normal')}"),
         ("inner-default", "inner", f"{TITLE} {settings(style__shadow_type='inner')}"),
         ("radial-default", "radial", f"{TITLE} {settings(style__shadow_type='radial', style__origin='960,540')}"),
         *((f"{kind}-styled", f"{kind}, styled", f"{TITLE} {options}") for kind, options in STYLED.items()),
     ]),
-    "easing": ("Easing", "Nine sharp copies, so that their steps can be seen. Ease-in moves the copies together near "
+    "easing": ("Easing", "Nine sharp copies make the steps visible. Ease-in moves the copies together near "
                "the layer; ease-in-out also near the end of the shadow.", [
         ("easing-none", "no ease", f"{TITLE} {easing('ease-in', 0)}"),
         ("ease-in-50", "ease-in, 50 %", f"{TITLE} {easing('ease-in', 50)}"),
@@ -87,16 +91,16 @@ SECTIONS = {
         ("ease-in-out-50", "ease-in-out, 50 %", f"{TITLE} {easing('ease-in-out', 50)}"),
         ("ease-in-out-100", "ease-in-out, 100 %", f"{TITLE} {easing('ease-in-out', 100)}"),
     ]),
-    "resolution": ("Resolution", "How many steps each blur takes. Two copies with a wide softness show each setting at "
-                   "its hardest; more samples hide the steps.", [
+    "resolution": ("Resolution", "The number of steps of each blur. Two copies with a large softness show the steps "
+                   "most clearly; more samples hide them.", [
         (f"resolution-{name}", name, f"{TITLE} {WIDE_BLUR} {settings(quality__resolution=name)}")
         for name in ("draft", "low", "moderate", "high", "extreme")
     ]),
     "blend": ("Blend modes of the inner shadow", "The same sea-green shadow from the left, over a photograph.", [
         (f"blend-{mode}", mode, f"{PHOTOGRAPH} {CURTAIN} {settings(style__blend_mode=mode)}") for mode in BLEND_MODES
     ]),
-    "texture": ("Texture modes", "A photograph laid into a violet shadow. A texture never changes how opaque a shadow "
-                "is, so that the stencils and silhouettes, which touch alpha alone, leave the shadow as it was.", [
+    "texture": ("Texture modes", "A violet shadow textured with a photograph. A texture never changes the opacity of a "
+                "shadow. The stencil and silhouette modes affect only alpha, so they leave the shadow unchanged.", [
         (f"texture-{mode}", mode, f"{TITLE} {TEXTURED} {TEXTURE} {settings(texture__blend_mode=mode)}")
         for mode in TEXTURE_MODES
     ]),
@@ -110,8 +114,8 @@ def command_words(name, options):
 
 def page():
     lines = [INTRODUCTION]
-    for heading, words, pictures in SECTIONS.values():
-        lines += [f"## {heading}\n", f"{words}\n"]
+    for heading, text, pictures in SECTIONS.values():
+        lines += [f"## {heading}\n", f"{text}\n"]
         for first in range(0, len(pictures), COLUMNS):
             row = pictures[first:first + COLUMNS]
             cells = [f"![{caption}](images/gallery/{name}.png)" for name, caption, _ in row]
@@ -172,7 +176,7 @@ def on_ground(row, step):
 
 
 def filtered(row, above):
-    """The row after the filter that leaves the smallest numbers."""
+    """The row after the filter that gives the smallest numbers."""
     choices = []
     for kind in range(5):
         line = bytearray([kind])
@@ -198,25 +202,31 @@ def write_png(path, width, rows):
                      + chunk(b"IEND", b""))
 
 
-def draw(program, name, options):
+def draw(program, target, name, options):
     with tempfile.TemporaryDirectory() as folder:
         words = command_words(name, options)
         drawn = pathlib.Path(folder) / words[3]
         words[3] = str(drawn)
         subprocess.run([program, *words], cwd=ROOT, check=True, stdout=subprocess.DEVNULL)
         width, _, step, rows = read_png(drawn)
-    write_png(PICTURES / f"{name}.png", width, [on_ground(row, step) for row in rows])
-    print(f"docs/images/gallery/{name}.png")
+    picture = target / f"{name}.png"
+    write_png(picture, width, [on_ground(row, step) for row in rows])
+    print(picture.relative_to(ROOT))
 
 
 def main():
-    if len(sys.argv) < 2 or any(section not in SECTIONS for section in sys.argv[2:]):
-        sys.exit(f"{__doc__}\nSections: {', '.join(SECTIONS)}")
+    sections = ["readme", *SECTIONS]
+    if len(sys.argv) < 2 or any(section not in sections for section in sys.argv[2:]):
+        sys.exit(f"{__doc__}\nSections: {', '.join(sections)}")
     program = str(pathlib.Path(sys.argv[1]).resolve())
     PICTURES.mkdir(parents=True, exist_ok=True)
-    for section in sys.argv[2:] or SECTIONS:
-        for name, _, options in SECTIONS[section][2]:
-            draw(program, name, options)
+    for section in sys.argv[2:] or sections:
+        if section == "readme":
+            for name, options in README:
+                draw(program, PICTURES.parent, name, options)
+        else:
+            for name, _, options in SECTIONS[section][2]:
+                draw(program, PICTURES, name, options)
     PAGE.write_text(page())
 
 
