@@ -24,7 +24,7 @@ void Map(BigEndianBytes* file, std::uint32_t dataLength, std::uint32_t type, std
     file->U16(0);  // file reference
     file->U16(0);  // file attributes
     file->U16(kTypeListOffset);
-    file->U16(kMapLength);  // the name list is empty and lies at the end
+    file->U16(kMapLength);  // the name list is empty, at the end
     file->U16(0);           // types, less one
     file->U32(type);
     file->U16(0);  // resources of the type, less one

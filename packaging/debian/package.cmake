@@ -4,7 +4,7 @@
 set(CPACK_PACKAGE_NAME umbrant)
 set(CPACK_PACKAGE_VENDOR "The Umbrant authors")
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
-set(UMBRANT_MAINTAINER "The Umbrant authors <umbrant@example.com>" CACHE STRING "Who answers for the Debian packages")
+set(UMBRANT_MAINTAINER "The Umbrant authors <umbrant@example.com>" CACHE STRING "Maintainer of the Debian packages")
 set(CPACK_PACKAGE_CONTACT "${UMBRANT_MAINTAINER}")
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
@@ -29,14 +29,14 @@ set(CPACK_DEBIAN_UMBRANT_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_UMBRANT_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_UMBRANT_PACKAGE_RECOMMENDS "ffmpeg, libgl1-mesa-dri")
 set(CPACK_DEBIAN_UMBRANT_DESCRIPTION
-    "long, soft shadows for pictures with transparency
-Draws normal, inner and radial shadows of pictures and sequences with an
-alpha channel, in 8 bits and 32-bit float: a stack of blurred copies along
-a straight or eased curve, in one colour or with a picture in it.
+    "long, soft shadows for images with transparency
+Renders normal, inner and radial shadows of images, sequences and clips with
+an alpha channel, in 8 bits and 32-bit float: a stack of blurred copies along
+a straight or eased curve, in one colour or with a texture.
 .
-The package has the program umbrant and the effect module that it drives,
-which draws by OpenGL or by the processor; neither a graphics processor
-nor a screen is needed.")
+The package contains the program umbrant and its effect module, which has a
+GPU renderer (OpenGL) and a CPU renderer. Neither a GPU nor a screen is
+needed.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libumbrant-host-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
@@ -44,11 +44,11 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
     "umbrant (= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}), libfmt-dev")
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
     "long, soft shadows from memory to memory - development files
-A static library that loads the effect module of the package umbrant and
-draws with it: an image in, parameters by name, an image out, on as many
-threads as a program has.
+A static library that renders with the effect module of the package umbrant:
+an image and named parameters in, an image out, on any number of threads.
 .
-The package has the archive, its headers, a CMake package and an example.")
+The package contains the library, its headers, a CMake package, a pkg-config
+file and an example.")
 
 foreach(package umbrant libumbrant-host-dev)
     set(component umbrant)

@@ -107,7 +107,7 @@ class Bootstrap(unittest.TestCase):
         (self.folder / "apt-get").unlink()
         ran, _ = self.run_it()
         self.assertEqual(ran.returncode, 1)
-        self.assertIn("this system has no apt-get.", ran.stderr)
+        self.assertIn("which this system does not have.", ran.stderr)
 
     def test_usage(self):
         ran, _ = self.run_it("--mac")
