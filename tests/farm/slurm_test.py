@@ -91,10 +91,10 @@ class Slurm(FarmCase):
         self.farm.until(middle, 300, "the second worker is never in the middle of a task")
         self.farm.fell("n2")
         task = state["task"]
-        self.tell(f"worker n2 is killed within task {task}; {len(drawn())} frames are there")
+        self.tell(f"worker n2 is killed within task {task}; {len(drawn())} frames exist")
         self.farm.until(lambda: "n2 down" in self.farm.ask("sinfo", "--noheader", "--Node", "--format=%N %T"), 120,
                         "the death of the worker goes unnoticed")
-        self.tell(f"Slurm takes worker n2 for down; {len(drawn())} frames are there")
+        self.tell(f"Slurm marks worker n2 as down; {len(drawn())} frames exist")
         seen = set()
         requeued = f"title-1_{task}.log"
         while job.poll() is None:
@@ -106,7 +106,7 @@ class Slurm(FarmCase):
                     seen.add(value)
                     self.tell(f"task {task}: {value}")
             time.sleep(0.5)
-        self.tell(f"sbatch --wait ends with exit code {job.returncode}; {len(drawn())} frames are there")
+        self.tell(f"sbatch --wait ends with exit code {job.returncode}; {len(drawn())} frames exist")
         self.assertEqual(job.returncode, 0, job.stdout.read())
         self.assertIn("Restarts=1", seen)
         log = (self.folder / requeued).read_text()
