@@ -6,7 +6,7 @@
 // said once on standard error: a filter must never take its host down. An instance is driven by one thread at a time,
 // instances by any number.
 
-// The header has names of C and does not say so; they are all that is seen from outside.
+// The header declares C functions without extern "C"; they are the only exported names.
 #pragma GCC visibility push(default)
 extern "C" {
 #include <frei0r.h>

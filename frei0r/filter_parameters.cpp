@@ -24,7 +24,7 @@ std::string Number(double value) {
 
 const std::vector<FilterParameter>& FilterParameters() {
     using enum FilterKind;
-    // The range is that of the panel's slider, as far as its values are allowed; where the default lies beyond it, all
+    // The range is that of the panel's slider, as far as its values are allowed; where the default is beyond it, all
     // that is allowed.
     static const std::vector<FilterParameter> parameters = {
         {"Shadow type",
@@ -36,7 +36,7 @@ const std::vector<FilterParameter>& FilterParameters() {
          {0},
          "0 normal, 0.5 inner, 1 radial"},
         {"Angle", "style/angle", kNumber, 0, 360, {}, {0.375}, "0 to 360 degrees"},
-        {"Origin", "style/origin", kPlace, 0, 0, {}, {0, 0}, "the origin of a radial shadow, in fractions of the frame"},
+        {"Origin", "style/origin", kPlace, 0, 0, {}, {0, 0}, "origin of a radial shadow, in fractions of the frame"},
         {"Distance", "style/distance", kNumber, 0, 2000, {}, {0.125}, "0 to 2000 pixels"},
         {"Softness", "style/softness", kNumber, 0, 500, {}, {0.5}, "0 to 500"},
         {"Color", "style/color", kColor, 0, 0, {}, {0, 0, 0}, "of the shadow"},

@@ -3,7 +3,7 @@
 #pragma once
 
 // The filter's parameters: one table that everything else reads. The interface knows numbers from 0 to 1, colours and
-// places; each row says which of the effect's parameters it is, and what 0 and 1 stand for. Nothing here knows the
+// places; each row says which of the effect's parameters it is, and what 0 and 1 mean. Nothing here knows the
 // interface's header.
 
 #include <array>
@@ -28,7 +28,7 @@ struct FilterParameter {
     double low;  ///< of kNumber
     double high;
     std::vector<const char*> items;  ///< of kItem, as the effect takes them
-    FilterValue standard;            ///< stands for the effect's default
+    FilterValue standard;            ///< the value of the effect's default
     const char* explanation;
 };
 

@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// The words for a path that leads to nothing, the same for everything that the program reads.
+// The message for a missing file, the same for everything that the program reads.
 
 #include <filesystem>
 #include <optional>

@@ -36,8 +36,8 @@ class Animation {
     /// Null for a row that keeps still.
     const RowTrack* Find(int row) const;
 
-    /// The values at a frame, whole or not: those of `base`, with the tracks' in their rows. What overshoots a row's
-    /// range stays at its end; rows of whole numbers are rounded to the nearest.
+    /// The values at a frame, whole or fractional: those of `base`, with the tracks' in their rows. What overshoots a
+    /// row's range stays at its end; rows of whole numbers are rounded to the nearest.
     ParamSet ValuesAt(const ParamSet& base, double frame, const AnimationClock& clock) const;
 
  private:

@@ -138,7 +138,7 @@ class Plot {
         }
     }
 
-    /// A word beside a key, for values that are names.
+    /// A label next to a key, for values that are names.
     void DrawName(double frame, double value, const std::string& name) {
         if (frame >= options_.firstFrame && frame <= options_.lastFrame) {
             Write(name, X(frame) + 8, Y(value) - 6, 0, kText);
@@ -167,7 +167,7 @@ class Plot {
         drawing_.Stroke();
     }
 
-    /// `anchor` says which part of the text's width lies left of `x`.
+    /// `anchor` is the part of the text's width to the left of `x`.
     void Write(const std::string& text, double x, double y, double anchor, const Ink& ink) {
         Use(ink);
         drawing_.DrawText(text, x - drawing_.TextWidth(text) * anchor, y);

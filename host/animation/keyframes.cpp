@@ -10,7 +10,7 @@
 
 namespace {
 
-/// The influence of a linear side beside a Bézier one, as a part.
+/// The influence of a linear side opposite a Bézier side, from 0 to 1.
 constexpr double kLinearPart = 1.0 / 6;
 /// Enough halvings for the last bit of a double.
 constexpr int kHalvings = 60;

@@ -2,15 +2,15 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// Values that move: keyframes, and what lies between two of them. Knows no effect and no file.
+// Animated values: keyframes and the interpolation between them. Independent of effects and files.
 //
 // A key has an incoming and an outgoing side, each linear or Bézier with a speed and an influence, and the outgoing one
 // may hold. Between two keys the value runs along a cubic curve in the plane of time and value: the handle of a side
-// reaches `influence` per cent of the way to the other key, at the slope of its speed. A linear side beside a Bézier
+// reaches `influence` percent of the time to the other key, at the slope of its speed. A linear side opposite a Bézier
 // one has the speed of the straight line and an influence of 16.67 %.
 //
 // A value of several numbers (a point, a colour) moves along a path from key to key, straight or bent by tangents, and
-// the curve tells how far on the path it is; speeds are in path units a second.
+// the curve is the distance along the path; speeds are in path units a second.
 
 #include <vector>
 
@@ -38,7 +38,7 @@ struct KeySide {
 };
 
 struct Keyframe {
-    double time = 0;            ///< frames or seconds, as the track says
+    double time = 0;            ///< frames or seconds, depending on the track
     std::vector<double> value;  ///< as many numbers as all keys of the track have; at least one
     KeySide in;
     KeySide out;
@@ -51,9 +51,9 @@ struct Track {
     bool inFrames = true;        ///< times are frames, else seconds
     std::vector<Keyframe> keys;  ///< at least one; times rise
 
-    /// The frame of a key, whole or not.
+    /// The frame of a key, whole or fractional.
     double FrameOf(const Keyframe& key, const AnimationClock& clock) const;
-    /// The value at a frame, whole or not: the first key's before it, the last one's after it.
+    /// The value at a frame, whole or fractional: the first key's before it, the last one's after it.
     std::vector<double> At(double frame, const AnimationClock& clock) const;
 };
 

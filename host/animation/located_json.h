@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// JSON that knows where in its text each value stands, so that a mistake in it can be pointed at.
+// JSON with the line and column of each value, for messages about mistakes.
 
 #include <string>
 #include <string_view>

@@ -3,11 +3,11 @@
 #pragma once
 
 // Presets: files that hold values of parameters, and keyframes of those that move, as `params --json --values` writes
-// them and `--preset` reads them. Version 1 has values alone:
+// them and `--preset` reads them. Version 1 has only values:
 //
 //   { "version": 1, "values": { "style/distance": "80", "style/color": "#203060" } }
 //
-// Version 2 may have keyframes beside them:
+// Version 2 may also have keyframes:
 //
 //   { "version": 2,
 //     "values": { "style/color": "#203060" },
@@ -27,9 +27,9 @@ struct AnimatedParams {
     Animation animation;
 };
 
-/// Sets what the file says; rows that it does not name stay as they are, and a row that gets a value keeps still. Fails
-/// with `ExitCode::kFile` when the file cannot be read as JSON, and with `ExitCode::kUsage`, telling every mistake at
-/// once with its line and column, when it is no preset. A failure changes nothing.
+/// Sets the values of the file; other rows do not change, and a row that gets a value loses its keyframes. Fails
+/// with `ExitCode::kFile` when the file cannot be read as JSON, and with `ExitCode::kUsage` and every mistake at
+/// once, with its line and column, when it is not a preset. A failure changes nothing.
 Result<Done> ApplyPreset(const std::filesystem::path& file, AnimatedParams& params);
 
 /// The same for a preset's text, which failures call by `name`.

@@ -55,7 +55,7 @@ void CheckKeys(const LocatedJson& object, const std::vector<std::string>& known,
 /// A value in the form that `--set` takes; nothing for one that has no such form.
 std::optional<std::string> ValueTextOf(const LocatedJson& value);
 
-/// The track that a member of "keyframes" describes. What is wrong with it is told; a track comes back only when
-/// nothing is. `scratch` has the effect's rows, whose values it changes.
+/// The track that a member of "keyframes" describes. Mistakes are added to the list; a track is returned only when
+/// there are none. `scratch` has the effect's rows, whose values it changes.
 std::optional<RowTrack> ReadTrack(const LocatedJson::Member& member, int row, ParamSet& scratch,
                                   PresetMistakes& mistakes);

@@ -52,7 +52,7 @@ Result<std::string> ReadText(const fs::path& file) {
     return text;
 }
 
-/// The version, told as a mistake when there is none that this program reads.
+/// The version; adds a mistake when this program cannot read it.
 int VersionOf(const LocatedJson& preset, PresetMistakes& mistakes) {
     const LocatedJson* version = preset.Find("version");
     if (!version) {
@@ -163,7 +163,7 @@ void ReadTracks(const LocatedJson& tracks, AnimatedParams& params, const NamedRo
 
 void ReadPreset(const LocatedJson& preset, AnimatedParams& params, PresetMistakes& mistakes) {
     const int version = VersionOf(preset, mistakes);
-    // What a newer version has beside its number means nothing here.
+    // The other content of a newer version is unknown here.
     if (version > kNewestVersion) return;
     CheckTopKeys(preset, version, mistakes);
     NamedRows named(params.values, mistakes);

@@ -45,7 +45,7 @@ class TrackReader {
         right_ = false;
     }
 
-    /// A finite number within a range, or nothing, which is told.
+    /// A finite number within a range, or nothing and a mistake.
     std::optional<double> Number(const LocatedJson& json, const char* what, double low, double high) {
         if (json.kind == Kind::kNumber && json.number >= low && json.number <= high) return json.number;
         const bool shown = json.kind == Kind::kNumber;

@@ -17,7 +17,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// Whether the value is the user's to set: the effect keeps the others for its own words, which differ between
+/// Whether the user can set the value: the effect uses the others for its own texts, which differ between
 /// machines.
 bool IsSettable(const ParamRow& row) {
     return (row.def.ui_flags & PF_PUI_DISABLED) == 0;

@@ -2,8 +2,8 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// A subcommand of the program, and the list of them. Each lives in a file of its own: its options, its examples, its
-// run. A run prints results to standard output and words for people to standard error; failures are returned, and
+// A subcommand of the program, and the list of them. Each has a separate file: its options, its examples, its
+// run. A run prints results to standard output and messages to standard error; failures are returned, and
 // printed in one place.
 
 #include <functional>

@@ -3,7 +3,7 @@
 #pragma once
 
 // What shells may complete on the program's command line: read once from its declared options, and from the effect's
-// rows, and then written in the words of each shell. Inside host/cli only.
+// rows, and then written in the syntax of each shell. Inside host/cli only.
 
 #include <string>
 #include <vector>
@@ -14,7 +14,7 @@ namespace CLI {
 class App;
 }
 
-/// What stands after an option, or in the place of an argument.
+/// The value of an option, or an argument.
 struct CompletionValue {
     enum class Kind {
         kNone,     ///< a flag
@@ -45,7 +45,7 @@ struct CompletionNode {
     std::vector<CompletionNode> commands;
 };
 
-/// A parameter that can be set, and the values that are words.
+/// A parameter that can be set, and its named values.
 struct CompletionRow {
     std::string path;
     std::vector<std::string> values;  ///< a popup's items, "on" and "off"; empty for numbers and the like

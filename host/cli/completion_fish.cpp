@@ -21,7 +21,7 @@ std::string Quoted(const std::string& text) {
     return quoted + "'";
 }
 
-/// What may stand there, as arguments of `complete`: -x is a value without file names, -rF one with them.
+/// The possible values, as arguments of `complete`: -x is a value without file names, -rF one with them.
 std::string ValueText(const CompletionValue& value) {
     switch (value.kind) {
         case Kind::kNone:
@@ -43,7 +43,7 @@ std::string ValueText(const CompletionValue& value) {
     return "";
 }
 
-/// `seen` tells fish that the command, and not one below it, is being written.
+/// `seen` is fish's condition that the command, and not one below it, is being written.
 void AddCommand(const CompletionNode& node, const std::string& above, std::string& text) {
     std::string names;
     for (const CompletionNode& below : node.commands) names += " " + below.name;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// The command line as shells are told of it.
+// The command line as completion scripts describe it.
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -32,7 +32,7 @@ std::vector<std::string> Split(const std::string& text, char at) {
     return parts;
 }
 
-/// The words of "grow|layer:{grow,layer}", "{text,json}" and "bar|lines|json|SECONDS"; none for other types.
+/// The choices of "grow|layer:{grow,layer}", "{text,json}" and "bar|lines|json|SECONDS"; none for other types.
 std::vector<std::string> ChoicesOf(const std::string& type) {
     const std::size_t open = type.find('{'), close = type.find('}');
     std::vector<std::string> words;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// The completion function for zsh: one function a command, in the words of zsh's own _arguments.
+// The completion function for zsh: one function per command, in the syntax of zsh's _arguments.
 
 #include <fmt/format.h>
 
@@ -27,7 +27,7 @@ std::string Quoted(const std::string& text, const char* special) {
     return quoted;
 }
 
-/// ":FRAMES: " and what may stand there.
+/// ":FRAMES: " and the possible values.
 std::string Action(const CompletionValue& value) {
     const std::string shown = Quoted(value.shown, ":[]");
     switch (value.kind) {

@@ -88,7 +88,7 @@ Result<Done> WriteCurves(const CurvesCommandOptions& options, const AnimatedPara
     CurvesOptions drawing;
     const auto [first, last] = std::minmax_element(frames.begin(), frames.end());
     drawing.firstFrame = first->Value();
-    // One frame alone has a plot too.
+    // A single frame has a plot too.
     drawing.lastFrame = std::max(last->Value(), first->Value() + 1);
     drawing.width = options.width;
     const auto pixels = DrawCurves(params.values, params.animation, clock, drawing);

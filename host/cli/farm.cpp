@@ -68,7 +68,7 @@ std::string WhyNoName(const std::string& text) {
         text);
 }
 
-/// sbatch has no way to say these signs in the name of a log.
+/// sbatch cannot represent these characters in the name of a log.
 std::string WhyNoLogs(const std::string& text) {
     const auto wrong = [](unsigned char c) { return c < 0x20 || c == 0x7f || c == '"' || c == '\'' || c == '\\'; };
     if (!text.empty() && std::none_of(text.begin(), text.end(), wrong)) return "";
@@ -88,7 +88,7 @@ Result<Done> CheckChoices(const FarmOptions& options) {
     return Done{};
 }
 
-/// An option of farm among the arguments of render would be unknown there, which says too little.
+/// An option of farm among the arguments of render would be unknown there; a specific message is better.
 Result<Done> CheckOrder(const FarmOptions& options, const std::vector<std::string>& arguments) {
     for (const std::string& argument : arguments) {
         const std::string name = argument.substr(0, argument.find('='));
@@ -102,7 +102,7 @@ Result<Done> CheckOrder(const FarmOptions& options, const std::vector<std::strin
     return Done{};
 }
 
-/// The arguments of render, read by its own parser, which says what is wrong with them. Returns done when they were
+/// The arguments of render, read by its own parser, which reports what is wrong with them. Returns done when they were
 /// read and something else, said already, when not.
 int ReadArguments(const std::vector<std::string>& arguments, const std::shared_ptr<RenderOptions>& render, bool& read) {
     std::vector<const char*> words = {"umbrant", "render"};
@@ -113,7 +113,7 @@ int ReadArguments(const std::vector<std::string>& arguments, const std::shared_p
     });
 }
 
-/// Takes an option with its value out of words that were read without a mistake.
+/// Removes an option with its value from arguments that were read without a mistake.
 void DropOption(const std::string& name, std::vector<std::string>& words) {
     for (auto word = words.begin(); word != words.end();) {
         const bool isAlone = *word == name;
@@ -174,7 +174,7 @@ Result<FarmJob> JobOf(const FarmOptions& options, const std::vector<std::string>
     const auto canvas = CanvasOfSet(render);
     if (!canvas) return canvas.Error();
     if (!canvas->empty()) {
-        // A task knows its own part alone; what the whole set covers is found out once.
+        // A task knows only its own part, so the canvas of the whole set is determined once.
         DropOption("--canvas", job.command);
         job.command.push_back("--canvas=" + *canvas);
     }

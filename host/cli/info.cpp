@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// `umbrant info`: who the module says it is, and what it draws with.
+// `umbrant info`: the module's identity and its renderer.
 
 #include <fmt/format.h>
 

@@ -131,7 +131,7 @@ Result<Done> WritePanel(EffectSession& session, const OpenedModule& opened, cons
     return Done{};
 }
 
-/// Sets what the preset and the settings say, those that move as they are at the moment.
+/// Applies the preset and the settings, with keyframes at the chosen time.
 Result<Done> SetValues(const PanelOptions& options, EffectSession& session) {
     const auto rate = ParseRate(options.rate);
     if (!rate) return rate.Error();

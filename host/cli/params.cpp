@@ -129,7 +129,7 @@ std::string JoinedFlags(const ParamRow& row) {
     return text;
 }
 
-/// The items of a popup as they are typed, on a line of their own; separators keep their number and are left out.
+/// The items of a popup as they are typed, on a separate line; separators keep their number and are left out.
 std::string ItemsLine(const ParamRow& row) {
     std::string line;
     for (std::size_t i = 0; i < row.items.size(); ++i) {
@@ -139,7 +139,7 @@ std::string ItemsLine(const ParamRow& row) {
     return line;
 }
 
-/// A popup with a single item has nothing to choose: it only shows its text, which is told as it is.
+/// A popup with a single item has nothing to choose: it only shows its text, which is printed unchanged.
 bool IsReadout(const ParamRow& row) {
     return KindOf(row.def) == ParamKind::kPopup && row.items.size() == 1;
 }

@@ -66,7 +66,7 @@ std::string Suggestion(const std::string& typed, const std::vector<std::string>&
     return nearest.empty() ? "" : fmt::format("; did you mean '{}'?", nearest.front());
 }
 
-/// What to say about an argument that nothing expects, with the nearest right one; nothing when all are known.
+/// The message about an unexpected argument, with the closest match; nothing when all are known.
 std::optional<std::string> UnknownArgument(const CLI::App& app, const std::vector<Command>& commands) {
     const auto chosen = app.get_subcommands();
     const CLI::App& asked = chosen.empty() ? app : *chosen.front();
@@ -124,7 +124,7 @@ int Run(const Command& command) {
         const Result<ExitCode> outcome = command.run();
         if (outcome) return Finish(Code(*outcome));
         Say(outcome.Error().sentence);
-        // The failure's own code says more than that of results that were lost too.
+        // The failure's own code is more specific than that of lost results.
         Finish(Code(outcome.Error().code));
         return Code(outcome.Error().code);
     } catch (const std::bad_alloc&) {

@@ -12,7 +12,7 @@
 /// Declares the program's command line, with these commands. They must outlive the declaration.
 void DeclareProgram(CLI::App& app, const std::vector<Command>& commands);
 
-/// Standard output for results alone, whatever an effect prints; a signal that ends the process removes half-written
+/// Standard output for results only, whatever an effect prints; a signal that ends the process removes half-written
 /// files first and leaves an exit code of 128 plus the signal. Once, before anything else.
 void PrepareProcess();
 
@@ -21,6 +21,6 @@ void PrepareProcess();
 /// that only wants the arguments judged.
 int RunProgram(int argc, const char* const* argv, const std::function<int(const Command&)>& instead = {});
 
-/// The same for these commands alone.
+/// The same for these commands only.
 int RunProgram(const std::vector<Command>& commands, int argc, const char* const* argv,
                const std::function<int(const Command&)>& instead);

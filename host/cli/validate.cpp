@@ -55,7 +55,7 @@ void Print(const std::string& text) {
     FlushResults();
 }
 
-/// The library that is put between a module and its driver lies beside the program, or where modules are installed.
+/// The library that intercepts driver calls is in the program's folder, or where modules are installed.
 std::filesystem::path FindShim(const ModuleSearch& search) {
     for (const auto& folder : search.folders) {
         std::error_code error;
@@ -64,7 +64,7 @@ std::filesystem::path FindShim(const ModuleSearch& search) {
     return {};
 }
 
-/// The waivers that a module's makers keep beside it: "effect.waivers.json" for "effect.so". Empty without.
+/// The waivers in the module's folder: "effect.waivers.json" for "effect.so". Empty if there are none.
 std::string WaiversBeside(const std::filesystem::path& module) {
     std::filesystem::path file = module;
     file.replace_extension(".waivers.json");

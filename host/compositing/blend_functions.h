@@ -20,7 +20,7 @@ inline float Luma(const Colour& c) {
     return 0.3f * c.red + 0.59f * c.green + 0.11f * c.blue;
 }
 
-/// d where w is 0, m where w is 1, and both are kept to the bit: the other one, infinite or not a number, has no say.
+/// d where w is 0, m where w is 1, and both are kept to the bit: the other one, even if infinite or NaN, has no effect.
 inline float Mix(float d, float m, float w) {
     const float mixed = (1.0f - w) * d + w * m;
     const float orDestination = w == 0.0f ? d : mixed;

@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// The host's small pixel services beside transfer_rect: a mix of two worlds, and alpha multiplied in or out.
+// The host's small pixel services other than transfer_rect: a mix of two worlds, and alpha multiplied in or out.
 
 #include "hostapi/pixels.h"
 

@@ -13,7 +13,7 @@
 
 namespace {
 
-/// Where a copy reads and writes: `from` and `to` have one size and lie inside their worlds.
+/// Where a copy reads and writes: `from` and `to` have the same size and are inside their worlds.
 struct Placement {
     PF_LRect from{};
     PF_LRect to{};

@@ -7,5 +7,5 @@
 #include <cstddef>
 
 /// Asks the system to hand out a block that is going to be written in large pages. Null and small blocks are left
-/// alone. Only advice: where it is not taken everything works as before.
+/// alone. Only advice: if the system ignores it, everything still works.
 void AskForLargePages(std::byte* data, std::size_t size);

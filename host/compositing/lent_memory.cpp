@@ -121,7 +121,7 @@ void LentBytes::Free() {
     } else if (!pages_) {
         std::free(data_);
     } else {
-        // The addresses stay taken and shut for good: whoever still holds one is found out.
+        // The addresses stay reserved and guarded, so that a late access is detected.
         mmap(pages_, pagesSize_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_FIXED, -1, 0);
     }
     data_ = pages_ = nullptr;

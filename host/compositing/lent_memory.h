@@ -3,22 +3,22 @@
 #pragma once
 
 // Memory that effects get to touch: the bytes of worlds and of handles. Usually that is the C library's memory. A judge
-// of effects asks for pages of its own instead, with pages that nobody may touch before and after them, so that a byte
-// written or read outside ends the process on the spot, also when a driver does it on the effect's behalf; and given
-// back pages stay shut, so that a late touch does the same.
+// of effects asks for pages of its own instead, with inaccessible guard pages before and after them, so that a byte
+// written or read outside ends the process on the spot, also when a driver does it on the effect's behalf; released
+// pages stay guarded, so that a late access does the same.
 
 #include <cstddef>
 #include <memory>
 #include <optional>
 
-/// Where lent bytes lie between their pages.
+/// The position of guarded bytes between their guard pages.
 enum class MemoryPlacement {
     kPlain,       ///< the C library's memory, no pages around it
-    kFlushLeft,   ///< the first byte follows a shut page
-    kFlushRight,  ///< a shut page follows the last byte; up to 15 bytes lie between, for alignment, and are watched
+    kFlushLeft,   ///< the first byte follows a guard page
+    kFlushRight,  ///< a guard page follows the last byte; up to 15 bytes between them, for alignment, are checked
 };
 
-/// How memory is lent from now on, in the whole process.
+/// How memory is placed from now on, in the whole process.
 struct LendingRules {
     MemoryPlacement placement = MemoryPlacement::kPlain;
     /// Bytes added to the shortest possible row of a world; none for the usual padding.
@@ -29,7 +29,7 @@ struct LendingRules {
 void SetLendingRules(const LendingRules& rules);
 const LendingRules& CurrentLendingRules();
 
-/// A block of lent bytes, aligned to 16. Move-only; frees, or shuts, its bytes when destroyed.
+/// A block of bytes for effects, aligned to 16. Move-only; frees, or guards, its bytes when destroyed.
 class LentBytes {
  public:
     LentBytes() = default;
@@ -43,7 +43,7 @@ class LentBytes {
 
     std::byte* Data() const { return data_; }
     std::size_t Size() const { return size_; }
-    /// Makes the bytes, and everything on their pages, read-only or writeable again. False without pages of its own.
+    /// Makes the bytes, and everything on their pages, read-only or writeable again. False without separate pages.
     bool SetReadOnly(bool readOnly) const;
     /// Whether the watched bytes between the block and its pages' ends are as they were. True without any.
     bool SlackIsWhole() const;

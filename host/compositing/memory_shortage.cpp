@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::uint64_t kMiB = 1 << 20;
 
-/// What this process holds, in bytes; 0 where the system does not say.
+/// The memory of this process in bytes; 0 if the system does not report it.
 std::uint64_t BytesInUse() {
     std::uint64_t size = 0, resident = 0;
     std::ifstream("/proc/self/statm") >> size >> resident;

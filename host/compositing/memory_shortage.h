@@ -14,11 +14,11 @@
 Failure NotEnoughMemory(const std::string& what, std::uint64_t bytes);
 /// The same for an image.
 Failure NotEnoughMemory(const std::string& what, std::int64_t width, std::int64_t height, Depth depth);
-/// Where nobody knows how much was needed: "not enough memory for WHAT, more than the N MiB in use".
+/// If the needed size is unknown: "not enough memory for WHAT, more than the N MiB in use".
 Failure NotEnoughMemory(const std::string& what);
 
-/// Whether so much memory could be had now: asked after a failure that does not say why it happened.
+/// Whether so much memory could be allocated now: for failures without a stated reason.
 bool CanHaveMemory(std::uint64_t bytes);
 
-/// Whether a library's message says that it got no memory: not all of them let std::bad_alloc through.
+/// Whether a library's message reports a lack of memory: not all libraries throw std::bad_alloc.
 bool SaysNoMemory(const std::string& message);

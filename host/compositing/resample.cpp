@@ -28,7 +28,7 @@ Pixel* RowOf(World& world, int y) {
     return static_cast<Pixel*>(static_cast<void*>(world.Row(y)));
 }
 
-/// The stored channel for a value in 0..1; float keeps what lies beyond.
+/// The stored channel for a value in 0..1; float keeps values outside.
 template <typename Pixel>
 auto Channel(double value) {
     using Type = decltype(Pixel::alpha);

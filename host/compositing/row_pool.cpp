@@ -51,7 +51,7 @@ struct Job {
 thread_local bool insideWork = false;
 int wantedThreads = 0;  // 0: as many as there are cores
 
-/// The threads beside the callers. They wait for jobs and end with the program.
+/// The helper threads. They wait for jobs and end with the program.
 class Pool {
  public:
     Pool() {
@@ -130,7 +130,7 @@ struct PoolOfProcess {
     Pool* const pool;
 };
 
-/// The calling process's pool. A child of fork() gets one of its own.
+/// The calling process's pool. A child of fork() gets a new one.
 Pool& ThePool() {
     static const PoolOfProcess first;
     if (first.pool->IsOwn()) return *first.pool;

@@ -18,7 +18,7 @@ void SetRowThreads(int threads);
 /// on the calling thread alone. Safe to call from several threads at once.
 ///
 /// An exception in `work` stops the handing out of indices and is thrown again here, on the calling thread.
-/// `work` returns false to stop early: the calls that have begun end, the rest never happen.
+/// `work` returns false to stop early: calls in progress finish, and no others start.
 void RunRows(int count, const std::function<bool(int index, int thread)>& work);
 
 /// Calls `work(begin, end)` for runs of neighbouring rows that together make up [0, count).

@@ -38,7 +38,7 @@ static_assert(255.0f * (1.0f / 255.0f) == 1.0f && 32768.0f * (1.0f / 32768.0f) =
 template <typename Pixel>
 constexpr float kFactor = 1.0f / static_cast<float>(kScale<Pixel> == 0 ? 1 : kScale<Pixel>);
 
-/// Nearest channel value; integers are clamped to 0..full scale, and not-a-number, which they cannot say, is 0.
+/// Nearest channel value; integers are clamped to 0..full scale, and NaN, which they cannot represent, is 0.
 template <typename Pixel>
 auto ToChannel(float value) {
     if constexpr (kScale<Pixel> == 0) {
@@ -75,7 +75,7 @@ void Store(const Planes& planes, Pixel* pixels) {
     std::memcpy(pixels, raw, sizeof(raw));
 }
 
-/// Writes the alphas alone, for the modes that keep the colour.
+/// Writes only the alphas, for the modes that keep the colour.
 template <typename Pixel>
 void StoreAlpha(const Planes& planes, Pixel* pixels) {
     using Channel = decltype(Pixel::alpha);
@@ -150,7 +150,7 @@ inline float Share(float part, float whole) {
 // (RgbOnly). The colours are written as mixes, which are the table's sums with one division: for a blend mode
 // [a(1-ad)s + ad(1-a)d + a ad B] / ao = (1-w) d + w [(1-ad) s + ad B] with w = a / ao.
 
-/// What operators are unless they say otherwise.
+/// The default properties of operators.
 struct WritesColour {
     static constexpr bool kKeepsColour = false;
 };

@@ -16,7 +16,7 @@
 
 namespace {
 
-/// Where the clipped source lies: `width` x `height` pixels from (sourceX, sourceY) go to (destinationX, destinationY).
+/// The clipped source: `width` x `height` pixels from (sourceX, sourceY) go to (destinationX, destinationY).
 struct Placement {
     int sourceX = 0;
     int sourceY = 0;
@@ -26,7 +26,7 @@ struct Placement {
     int height = 0;
 };
 
-/// One axis of the placement, in 64 bits because corners may lie anywhere in 32.
+/// One axis of the placement, in 64 bits because corners may be anywhere in 32.
 void Clip(std::int64_t from, std::int64_t to, std::int64_t sourceSize, std::int64_t at, std::int64_t destinationSize,
           int& sourceStart, int& destinationStart, int& size) {
     const std::int64_t shift = at - from;

@@ -13,7 +13,7 @@
 /// odd ones.
 ///
 /// The stencil modes (MULTIPLY_ALPHA, MULTIPLY_ALPHA_LUMA) act on the whole destination: where the source does not
-/// reach, its alpha counts as 0. Both worlds are straight whatever `modeFlags` says, and `quality` changes nothing.
+/// reach, its alpha counts as 0. Both worlds are straight for any `modeFlags`, and `quality` changes nothing.
 ///
 /// Worlds must be ones that this host made, in the same format, otherwise, and for an unknown mode or a null pointer,
 /// PF_Err_BAD_CALLBACK_PARAM is returned and nothing is written. PF_Err_OUT_OF_MEMORY when a copy for a world laid over

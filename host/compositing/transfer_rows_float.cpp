@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// The row loops of float worlds, in a file of their own so that the three pixel types compile side by side.
+// The row loops of float worlds, in a separate file so that the three pixel types compile in parallel.
 
 #include "host/compositing/transfer_loops.h"
 

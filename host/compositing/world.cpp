@@ -20,7 +20,7 @@ namespace {
 
 constexpr int kRowAlignment = 16;
 
-/// Its address marks a record as one of ours. The mark and the format lie in reserved fields, so they travel with a
+/// Its address marks a record as one of ours. The mark and the format are in reserved fields, so they travel with a
 /// by-value copy of the record.
 char ownMark;
 
@@ -36,7 +36,8 @@ Registry& TheRegistry() {
 }
 [[maybe_unused]] const Registry& earlyRegistry = TheRegistry();  // before there are threads: see fork_lock.h
 
-/// Whether all that a record describes lies in the memory of one world. Effects copy records, and may change them.
+/// Whether all pixels that a record describes are in the memory of one world. Effects copy records, and may change
+/// them.
 bool LeadsToAWorld(const PF_EffectWorld& world) {
     if (world.width <= 0 || world.height <= 0) return true;
     if (!world.data) return false;

@@ -32,7 +32,7 @@ class World {
  public:
     World() = default;
     /// Straight-alpha ARGB, `width` x `height` pixels, each at least 0 (an empty world has no data). Rows start on
-    /// 16-byte boundaries and are at least one pixel longer than the width, unless the lending rules say otherwise.
+    /// 16-byte boundaries and are at least one pixel longer than the width, unless the placement rules differ.
     /// Pixels are zero when `clear`, otherwise
     /// filled with a pattern that is neither transparent nor black. Null Def() (IsNull) when memory cannot be had.
     static World Create(int width, int height, Depth depth, bool clear = true);
@@ -49,7 +49,7 @@ class World {
     bool IsNull() const { return !block_; }
     PF_EffectWorld& Def();
     const PF_EffectWorld& Def() const;
-    /// The memory that the pixels lie in; see host/compositing/lent_memory.h. An empty world's has no bytes.
+    /// The memory of the pixels; see host/compositing/lent_memory.h. An empty world's has no bytes.
     const LentBytes& Memory() const;
     int Width() const { return Def().width; }
     int Height() const { return Def().height; }

@@ -21,7 +21,7 @@ class DrawnPath {
 
     /// Begins a figure.
     virtual void MoveTo(double x, double y) = 0;
-    /// A line from the current point; begins a figure where there is none.
+    /// A line from the current point; begins a figure if there is none.
     virtual void LineTo(double x, double y) = 0;
     virtual void CurveTo(double x1, double y1, double x2, double y2, double x, double y) = 0;
     virtual void AddRect(double left, double top, double width, double height) = 0;
@@ -113,7 +113,7 @@ class Drawing : public DrawnPath {
     /// Draws an image with its upper left corner at (x, y), as strong as `alpha` from 0 to 1.
     virtual void DrawImage(const DrawnImage& image, double x, double y, double alpha, Resampling resampling) = 0;
 
-    /// A path of its own, for TakePath.
+    /// A separate path, for TakePath.
     virtual std::unique_ptr<DrawnPath> MakePath() const = 0;
     /// An image whose rows are written by `fill`, or null when there is no memory or the size is too large.
     virtual std::unique_ptr<DrawnImage> MakeImage(int width, int height,

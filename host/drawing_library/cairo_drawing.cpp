@@ -24,7 +24,7 @@ struct EndPath {
 using Pen = std::unique_ptr<cairo_t, EndPen>;
 using Surface = std::unique_ptr<cairo_surface_t, EndSurface>;
 
-/// The figures of a pen, for a path of its own and for a drawing.
+/// The figures of a pen, for a separate path and for a drawing.
 template <typename Base>
 class Figures : public Base {
  public:
@@ -175,7 +175,7 @@ class CairoDrawing : public Figures<Drawing> {
     }
 
     std::unique_ptr<DrawnPath> MakePath() const override {
-        // On pixels that nobody sees.
+        // On pixels that are not shown.
         const Surface unseen(cairo_image_surface_create(CAIRO_FORMAT_A8, 1, 1));
         return std::make_unique<CairoPath>(Pen(cairo_create(unseen.get())));
     }

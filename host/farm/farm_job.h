@@ -13,7 +13,7 @@ struct FarmJob {
     std::string name;    ///< letters, digits, '-', '_' and '.'
     int frames = 1;      ///< in all
     int tasks = 1;       ///< chunks, from 1 on
-    int tries = 1;       ///< how often a task is begun that fails
+    int tries = 1;       ///< how often a failing task is started
     std::string folder;  ///< absolute; what relative names are relative to
     std::string logs;    ///< the folder of the logs, "." for `folder`; no quotes, backslashes or control characters
     std::string halt;    ///< "never", "soon" or "now", for GNU parallel

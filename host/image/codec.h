@@ -17,7 +17,7 @@
 #include "host/image/picture.h"
 #include "host/image/picture_format.h"
 
-/// An open image file. No function throws anything but std::bad_alloc; on failure, functions return the reason alone.
+/// An open image file. No function throws anything but std::bad_alloc; on failure, functions return the reason.
 class ImageReader {
  public:
     ImageReader() = default;
@@ -53,7 +53,7 @@ using OpenedImage = std::variant<std::unique_ptr<ImageReader>, std::string>;
 struct ImageFile {
     int descriptor = -1;
     std::string name;
-    std::string format;  ///< that the first bytes announce, where the name does not tell; else empty
+    std::string format;  ///< detected from the first bytes if the name has no known extension; else empty
 };
 
 /// What is written. `values` puts the rows from `begin` to before `end` into a vector, with all channels, as floats.

@@ -2,14 +2,14 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// How far two pictures lie apart, as one sees it: premultiplied, so that colours under no alpha do not count.
+// The difference between two images, by default premultiplied, so that colours under zero alpha do not count.
 
 #include <cstdint>
 #include <optional>
 
 #include "host/image/picture.h"
 
-/// Three numbers that say what is close enough, channels being 0..1. A pixel differs by its worst channel.
+/// The three tolerances of a comparison, for channels from 0 to 1. A pixel differs by its worst channel.
 struct Tolerance {
     double warn = 1.0 / 255.0;  ///< a pixel that differs by this much or more is counted
     double percent = 0.5;       ///< of all pixels may be counted
@@ -17,7 +17,7 @@ struct Tolerance {
 };
 
 struct Comparison {
-    double worst = 0;  ///< the greatest difference of a channel; infinite where one side alone is not a number
+    double worst = 0;  ///< the greatest difference of a channel; infinite if only one side is NaN
     int x = 0;         ///< where in the frame it is
     int y = 0;
     double first[4]{};  ///< premultiplied alpha, red, green, blue there

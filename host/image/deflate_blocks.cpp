@@ -50,7 +50,7 @@ struct Scratch {
     bool hasStream = false;
 };
 
-/// How zlib searches: the level, and for most levels nothing else. The words are deflateTune's.
+/// How zlib searches: the level, and for most levels nothing else. The names are those of deflateTune.
 struct Search {
     int level;
     int good, lazy, nice, chain;
@@ -153,7 +153,7 @@ BlockDeflater::BlockDeflater(DeflateEffort effort,
 
 std::optional<std::string> BlockDeflater::Add(const std::uint8_t* bytes, std::size_t size, bool isLast) {
     std::vector<Block> blocks;
-    // What the first blocks know lies partly before this piece.
+    // The window of the first blocks is partly before this piece.
     std::vector<std::uint8_t> joined = before_;
     joined.insert(joined.end(), bytes, bytes + std::min(kWindow, size));
     // Not by the number of threads: an image has the same bytes on every machine.

@@ -16,7 +16,7 @@ namespace {
 
 using Base = AttributeType::Base;
 
-/// A type of attributes whose values lie in memory as they do in a layout.
+/// A type of attributes whose values have the same memory layout as in an ImageLayout.
 struct PlainType {
     exr_attribute_type_t theirs;
     AttributeType ours;
@@ -56,7 +56,7 @@ constexpr std::pair<const char*, const char*> kNames[] = {
 constexpr const char* kStructure[] = {"channels",  "chunkCount", "compression", "dataWindow", "displayWindow",
                                       "lineOrder", "tiles",      "type",        "version"};
 
-/// What begins the names that the image library gives a meaning of its own.
+/// Prefixes of names that have a special meaning for the image library.
 constexpr const char kOwnPrefix[] = "oiio:";
 constexpr const char* kColor[] = {"oiio:ColorSpace", "oiio:Gamma"};
 
@@ -81,7 +81,7 @@ const PlainType* PlainTypeOf(const AttributeType& type) {
     return found == std::end(kPlain) ? nullptr : found;
 }
 
-/// Where the values of a plain attribute lie.
+/// The values of a plain attribute.
 const void* ValuesOf(const exr_attribute_t& attribute) {
     switch (attribute.type) {
         case EXR_ATTR_INT:
@@ -95,7 +95,7 @@ const void* ValuesOf(const exr_attribute_t& attribute) {
     }
 }
 
-/// The attribute in a layout's words; nothing where only the image library has words for it.
+/// The attribute as a layout stores it; nothing if only the image library can represent it.
 std::optional<Attribute> AttributeFrom(const exr_attribute_t& from) {
     Attribute attribute{from.name, {}, {}, {}};
     for (const auto& [theirs, ours] : kNames) {
@@ -122,7 +122,7 @@ std::optional<Attribute> AttributeFrom(const exr_attribute_t& from) {
     return attribute;
 }
 
-/// A file has the horizontal resolution alone.
+/// A file stores only the horizontal resolution.
 void TakeResolution(ImageLayout& layout) {
     if (!layout.Find("XResolution")) return;
     layout.SetReal("YResolution", layout.Real("XResolution", 0) * layout.Real("PixelAspectRatio", 1));
@@ -136,7 +136,7 @@ std::optional<std::string> NameInFile(const Attribute& attribute) {
         strcasecmp(name.c_str(), "ICCProfile") == 0) {
         return std::nullopt;
     }
-    // FixDate's number stands for no date.
+    // FixDate's number means that there is no date.
     if (strcasecmp(name.c_str(), "DateTime") == 0 && attribute.type.base != Base::kString) return std::nullopt;
     for (const auto& [theirs, ours] : kNames) {
         if (strcasecmp(name.c_str(), ours) == 0) return theirs;

@@ -2,8 +2,8 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// What an EXR's header says, in the words that all codecs share. The image library's own translation is followed to
-// the letter, so that a file says the same whichever of the two reads or writes it. Inside host/image only.
+// The attributes of an EXR header in the form that all codecs share. They match the image library's translation
+// exactly, so that a file has the same metadata whichever of the two reads or writes it. For host/image only.
 
 #include <OpenEXR/openexr.h>
 
@@ -13,7 +13,7 @@
 /// knows.
 bool TakeExrAttributes(exr_const_context_t file, ImageLayout& layout);
 
-/// Whether PutExrAttributes can write all that the layout says.
+/// Whether PutExrAttributes can write all attributes of the layout.
 bool CanPutExrAttributes(const ImageLayout& layout);
 
 /// Writes the layout's attributes into the header of a file's only part, which has the required ones already.

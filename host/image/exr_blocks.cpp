@@ -3,7 +3,7 @@
 
 #include "host/image/exr_blocks.h"
 
-// Without the table, which would have to be loaded with a library of its own.
+// Without the table, which would have to be loaded with a separate library.
 #define IMATH_HALF_NO_LOOKUP_TABLE
 #include <Imath/half.h>
 #include <libdeflate.h>

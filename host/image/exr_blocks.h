@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// The blocks of rows, or tiles, of an EXR: what lies in the file, and the values in it. Zip is compressed and expanded
+// The blocks of rows, or tiles, of an EXR: their stored bytes, and the values in them. Zip is compressed and expanded
 // by libdeflate, in half of zlib's time. Inside host/image only.
 
 #include <OpenEXR/openexr.h>
@@ -46,7 +46,7 @@ class ExrBlockWriter {
     ExrBlockWriter(const ExrBlockWriter&) = delete;
     ExrBlockWriter& operator=(const ExrBlockWriter&) = delete;
 
-    /// The block as it lies in a file: compressed, or as it is where that is no longer.
+    /// The block as it is stored: compressed, or uncompressed if that is not longer.
     std::vector<std::byte> Packed(const std::vector<std::byte>& bytes);
 
  private:

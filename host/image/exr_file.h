@@ -17,5 +17,5 @@ struct EndExr {
 };
 using ExrFile = std::unique_ptr<std::remove_pointer_t<exr_context_t>, EndExr>;
 
-/// What the library is told of its surroundings: nothing is printed.
+/// The library's context options: it prints nothing.
 exr_context_initializer_t QuietExr();

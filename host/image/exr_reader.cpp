@@ -54,7 +54,7 @@ struct Channel {
     std::size_t Size() const { return type == EXR_PIXEL_HALF ? 2 : 4; }
 };
 
-/// Where a channel stands among those of its layer, which come in alphabetical order where this is the same. X, Y and Z
+/// The position of a channel among those of its layer; equal positions are in alphabetical order. X, Y and Z
 /// are a vector where X and another of them are there; else Z is a depth, and Y a luminance.
 int RankOf(const std::string& suffix, bool isVector) {
     constexpr const char* kVector[] = {"R", "Red",   "G",  "Green", "B",  "Blue", "X",  "Y",  "Z",     "real", "imag",
@@ -238,7 +238,7 @@ class ExrReader : public ImageReader {
         const auto size = [](const exr_attr_box2i_t& box) {
             return std::pair{std::int64_t{box.max.x} - box.min.x + 1, std::int64_t{box.max.y} - box.min.y + 1};
         };
-        // What is beyond this is refused anyhow, in the image library's words.
+        // Larger values are refused later, with the image library's message.
         constexpr std::int64_t kLargest = 1 << 20;
         const auto [width, height] = size(data);
         const auto [fullWidth, fullHeight] = size(display);

@@ -6,6 +6,6 @@
 
 #include "host/image/codec.h"
 
-/// Whether the file is such an image, and says nothing that only the image library understands.
+/// Whether the file is such an image, without attributes that only the image library supports.
 bool ReadsExr(int descriptor);
 OpenedImage OpenExr(const ImageFile& file);

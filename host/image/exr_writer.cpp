@@ -83,7 +83,7 @@ class ExrWriter {
         return box;
     }
 
-    /// The rows of a block as they lie in a file: channel by channel, in the order of their names.
+    /// The rows of a block as they are stored: channel by channel, in the order of their names.
     void Pack(int begin, int end, std::vector<float>& values, std::vector<std::byte>& bytes) const {
         image_.values(begin, end, values);
         const auto width = static_cast<std::size_t>(image_.layout.width);

@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// What an image file says of itself, in the words that all codecs share: its size, place, channels, and attributes
+// The description of an image file, in the form that all codecs share: its size, place, channels, and attributes
 // under the image library's names. Inside host/image and host/image_library only.
 
 #include <cstddef>
@@ -17,12 +17,12 @@ struct AttributeType {
     unsigned char base = kString;
     unsigned char aggregate = 1;           ///< 1 a number, 2 to 4 a vector, 9 or 16 a matrix
     unsigned char semantics = kIsNothing;  ///< what the values mean
-    int count = 0;                         ///< of an array; 0 is none
+    int count = 0;                         ///< of an array; 0 for a single value
 
     bool operator==(const AttributeType&) const = default;
 };
 
-/// One attribute. Texts are in `texts`; values of all other kinds are in `bytes`, as they lie in memory.
+/// One attribute. Texts are in `texts`; values of all other kinds are in `bytes`, in native layout.
 struct Attribute {
     std::string name;
     AttributeType type;
@@ -49,11 +49,11 @@ struct ImageLayout {
 
     /// The attribute of that name, ignoring case; null for none.
     const Attribute* Find(std::string_view name) const;
-    /// Its text, or `otherwise` where it is none or no text.
+    /// The text of an attribute, or `otherwise` if it is missing or not a text.
     std::string Text(std::string_view name, const std::string& otherwise = "") const;
-    /// Its number, or `otherwise` where it is none or no whole number.
+    /// The number of an attribute, or `otherwise` if it is missing or not an integer.
     int Number(std::string_view name, int otherwise) const;
-    /// Its number, or `otherwise` where it is none or no real number.
+    /// The number of an attribute, or `otherwise` if it is missing or not a real number.
     float Real(std::string_view name, float otherwise) const;
 
     /// Each sets an attribute in place of the one of that name.

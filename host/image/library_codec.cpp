@@ -44,7 +44,7 @@ bool CanHaveThreads(int count) {
     std::vector<std::thread> threads = StartThreads(count, [end](int) { end.wait(); });
     counted.set_value();
     for (std::thread& thread : threads) thread.join();
-    // Others may have begun meanwhile; then this waits in vain, for a moment.
+    // Other threads may have started meanwhile; then this waits a moment without effect.
     for (int i = 0; i < 100 && ThreadsOfThisProcess() > before; ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     return static_cast<int>(threads.size()) == count;

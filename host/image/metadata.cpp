@@ -19,7 +19,7 @@
 
 namespace {
 
-/// Attributes that say how a file is stored, or that the image library keeps for itself, by how their names begin.
+/// Attributes about the storage of a file, or internal to the image library, by the prefixes of their names.
 constexpr std::string_view kStorage[] = {
     "oiio:",
     "openexr:",
@@ -41,11 +41,11 @@ constexpr std::string_view kStorage[] = {
     "view",
     "exif:pixelx",
     "exif:pixely",
-    // What the library reads out of a profile, which says it itself.
+    // Values that the library reads from a profile, which is kept itself.
     "iccprofile:",
 };
 
-/// Of the library's own the two that say what the numbers mean.
+/// The two attributes of the library that describe the meaning of the numbers.
 constexpr std::string_view kColor[] = {"oiio:colorspace", "oiio:gamma"};
 
 std::string Lower(std::string_view text) {

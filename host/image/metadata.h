@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// What survives of a file beside its pixels. Inside host/image only.
+// The metadata that is kept from the input file. For host/image only.
 
 #include <string>
 #include <vector>

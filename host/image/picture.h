@@ -12,13 +12,13 @@
 #include "host/compositing/world.h"
 #include "host/result.h"
 
-/// What a file says beside its pixels: resolution, time code, owner, colour space, ... Known to this folder alone.
+/// The metadata of a file: resolution, time code, owner, colour space, ... Defined in this folder only.
 struct PictureMetadata;
 
 /// A picture as read. The frame is what a layer made of it shows: from (0, 0) to its width and height.
 struct Picture {
     World pixels;       ///< covers `window`; 8 bits when the file has 8 bits or fewer, otherwise float
-    PF_LRect window{};  ///< where the pixels lie in the frame; the frame itself except in formats with a data window
+    PF_LRect window{};  ///< the rectangle of the pixels; the frame itself except in formats with a data window
     int frameWidth = 0;
     int frameHeight = 0;
     PF_Point frameOrigin{};  ///< where the file has the frame's top-left corner; (0, 0) in most
@@ -68,7 +68,7 @@ enum class FileDepth {
 /// The depth with that name in --output-depth: "8", "16", "half", "float"; kAuto for any other text.
 FileDepth FileDepthNamed(const std::string& name);
 
-/// What a file is to hold beside the pixels.
+/// What a file contains besides the pixels.
 struct WriteOptions {
     /// "zip", "piz", "lzw", "jpeg:90", ...; empty keeps the compression of the metadata where the format has it, and
     /// else takes the format's own: zip for EXR and TIFF, "jpeg:95" for JPEG.
@@ -105,7 +105,7 @@ Result<Done> CheckPlace(const std::filesystem::path& file);
 ///   .tif .tiff  straight; 8 bits, or float
 ///   .exr        premultiplied; half from an 8-bit world or on demand, else float; `place` becomes data and display
 ///   window .jpg .jpeg  8 bits; has no alpha, so the picture is laid on white, where a shadow shows
-/// The file appears whole or not at all: it is written under a temporary name in its folder and then renamed. A
+/// The file is never incomplete: it is written under a temporary name in its folder and then renamed. A
 /// symbolic link stays, and the file that it leads to is replaced; a file that is replaced passes its mode on. The same
 /// arguments give the same bytes at any time: the date is the metadata's, else SOURCE_DATE_EPOCH, else there is none.
 /// Fails with `ExitCode::kFile`, also for an empty world.

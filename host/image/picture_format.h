@@ -17,7 +17,7 @@ enum class Form {
     kOnWhite,        ///< no alpha
 };
 
-/// Where the format says that its pixels belong.
+/// The position that the format stores for its pixels.
 enum class PlaceKind {
     kNone,
     kOffset,   ///< the place of the first pixel

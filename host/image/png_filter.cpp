@@ -16,7 +16,7 @@ std::uint8_t SizeOf(std::uint8_t difference) {
     return difference < negative ? difference : negative;
 }
 
-/// The sum of sizes of a row's bytes, less those that lie a pixel, or a row, before them where those count.
+/// The sum of sizes of a row's bytes, less those a pixel, or a row, before them where these count.
 template <bool kIsDifference>
 std::uint64_t Cost(const std::uint8_t* row, const std::uint8_t* before, std::size_t size) {
     const auto sizeAt = [&](std::size_t i) {

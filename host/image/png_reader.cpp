@@ -116,7 +116,7 @@ class PngReader : public ImageReader {
         if (!reader.TakeBytes(bytes, size)) png_error(png, reader.shortage_);
     }
 
-    /// In blocks of its own, for libpng asks for a few bytes at a time.
+    /// Reads larger blocks, because libpng requests a few bytes at a time.
     bool TakeBytes(png_bytep bytes, std::size_t size) {
         while (size > 0) {
             if (taken_ == filled_) {
@@ -269,7 +269,7 @@ bool ReadsPng(int descriptor) {
     if (ReadAt(descriptor, 0, begin, sizeof begin) != sizeof begin || png_sig_cmp(begin, 0, sizeof begin) != 0) {
         return false;
     }
-    // A damaged file ends the walk, and says so when it is opened.
+    // A damaged file ends the search, and is reported when it is opened.
     off_t at = kSignature;
     unsigned char chunk[8];
     while (ReadAt(descriptor, at, chunk, sizeof chunk) == sizeof chunk) {

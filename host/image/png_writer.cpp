@@ -30,7 +30,7 @@ struct PngText {
     bool isUnicode;
 };
 
-/// What libpng gets, and what it says.
+/// The state that libpng's callbacks use, and its error message.
 struct PngFile {
     EncodedFile& encoded;
     const ImageLayout& layout;
@@ -69,7 +69,7 @@ bool IsKey(const std::string& key) {
 std::vector<PngText> TextsOf(const ImageLayout& layout) {
     constexpr std::pair<std::string_view, const char*> kNames[] = {
         {"ImageDescription", "Description"}, {"Artist", "Author"}, {"DocumentName", "Title"}};
-    // They have chunks of their own.
+    // They have separate chunks.
     constexpr std::string_view kElsewhere[] = {"DateTime", "ResolutionUnit", "oiio:ColorSpace"};
     const auto is = [](const std::string& name, std::string_view other) {
         return strcasecmp(name.c_str(), other.data()) == 0;

@@ -57,7 +57,7 @@ std::string Reason(std::string message, const fs::path& file) {
 }
 
 /// Puts one row of the file's channels into a world's row. A colour channel that the file lacks is 0, or full in a file
-/// of alpha alone; a missing alpha is full.
+/// of alpha only; a missing alpha is opaque.
 template <typename Pixel, typename Channel>
 void FillRow(const Channel* from, int channelCount, const Channels& channels, Channel full, Pixel* to, int width) {
     const Channel missing = channels.red < 0 ? full : Channel{0};
@@ -181,7 +181,7 @@ PF_Point OffsetOf(const ImageLayout& layout) {
     return offset;
 }
 
-/// All that the header says: a picture without pixels and metadata.
+/// The content of the header: an image without pixels and metadata.
 Result<Picture> ReadHeader(const ImageReader& input, const fs::path& file, const ChannelChoice& choice) {
     const ImageLayout& layout = input.Layout();
     if (layout.depth > 1) return CannotRead(file, "a volume, not a flat image");
@@ -271,7 +271,7 @@ std::string FormatByContent(int descriptor) {
     return "";
 }
 
-/// Everything that standard input holds, in a file without a place on a disk. Returns why there is none.
+/// Reads all of standard input into a file in memory. Returns the reason on failure.
 std::optional<std::string> TakeStandardInput(int file) {
     constexpr std::int64_t kMost = std::int64_t{1} << 32;  // more than an image that may be drawn
     std::vector<char> block(std::size_t{1} << 20);

@@ -144,7 +144,7 @@ ImageLayout LayoutOf(const Format& format, const World& world, const Placement& 
     return layout;
 }
 
-/// The file's bytes. Fails with the reason alone.
+/// Returns the file's bytes. A failure has only the reason.
 std::optional<std::string> EncodeTo(EncodedFile& encoded, const Format& format, const World& world,
                                     const Placement& place, const WriteOptions& options) {
     try {

@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// Layouts in the image library's words and in ours.
+// Converts layouts between the image library's types and ours.
 
 #include <OpenImageIO/imageio.h>
 

@@ -15,7 +15,7 @@ class EncodedProxy : public OIIO::Filesystem::IOProxy {
     /// `name` is what the library calls it; its extension names the format.
     EncodedProxy(const std::string& name, EncodedFile& file) : IOProxy(name, Write), file_(file) {}
 
-    // Not "file": the library would take that for a class of its own, and look into it.
+    // Not "file": the library would treat that as one of its own classes.
     const char* proxytype() const override { return "encoded"; }
     bool seek(int64_t offset) override {
         m_pos = offset;

@@ -23,7 +23,7 @@
 
 namespace {
 
-/// What the file's own message says, or at least that there was none.
+/// The file's error message, or a generic reason if there is none.
 std::string Message(const std::string& message) {
     return message.empty() ? "the contents are damaged" : message;
 }
@@ -137,7 +137,7 @@ std::optional<std::string> EncodeAny(const ImageToWrite& image, EncodedFile& enc
 
 const Codec* UmbrantLibraryCodec() {
     static const Codec codec = [] {
-        // What the library says to its own developers would appear on the standard streams.
+        // The library's debug messages would appear on the standard streams.
         OIIO::attribute("debug", 0);
         PrepareLibraryThreads();
         return Codec{"", ReadsAll, Open, EncodeAny};

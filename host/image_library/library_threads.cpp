@@ -17,7 +17,7 @@
 
 namespace {
 
-/// What the rest of the program starts beside its drawing threads.
+/// Threads that the rest of the program starts in addition to its drawing threads.
 constexpr int kOthers = 6;
 constexpr int kAttempts = 10;
 constexpr std::chrono::milliseconds kPause{10};

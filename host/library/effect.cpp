@@ -42,7 +42,7 @@ T Need(Result<T> result) {
 }
 
 constexpr int kMostRate = 1000000;
-/// Moments between frames are told to the effect in steps of about this part of a second.
+/// Times between frames are passed to the effect in steps of about this part of a second.
 constexpr int kFineSteps = 24000;
 
 /// Written so that not-a-number is outside.

@@ -57,7 +57,7 @@ void DescribeItems(const ParamRow& row, Parameter& parameter) {
     for (const std::string& item : row.items) {
         const bool isSeparator = item.starts_with("(-");
         const std::string form = isSeparator ? std::string() : PathForm(item);
-        // An item without a letter or digit is reached by its number alone.
+        // An item without a letter or digit is selected only by its number.
         parameter.items.push_back(form.empty() && !isSeparator ? std::to_string(parameter.items.size() + 1) : form);
         parameter.itemNames.push_back(isSeparator ? std::string() : item);
     }

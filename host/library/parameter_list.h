@@ -2,12 +2,12 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// Declared rows in the library's words.
+// Converts declared rows to the library's Parameter.
 
 #include <umbrant/parameter.h>
 
 #include "host/parameters/param_set.h"
 #include "host/suites/panel_state.h"
 
-/// A row of `declared`, whose values are the defaults, beside what the panel shows of it.
+/// A row of `declared`, whose values are the defaults, with its state in the panel.
 umbrant::Parameter DescribeParameter(const ParamSet& declared, int index, const PanelRow& panel);

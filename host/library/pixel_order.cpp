@@ -19,7 +19,7 @@ using umbrant::PixelFormat;
 
 namespace {
 
-/// Four channels, wherever alpha is. Read and written as bytes, since nobody promises an alignment.
+/// Four channels, wherever alpha is. Read and written as bytes, because no alignment is required.
 template <typename Channel>
 using Channels = std::array<Channel, 4>;
 

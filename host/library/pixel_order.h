@@ -21,6 +21,6 @@ Result<Done> CheckView(const umbrant::ImageView& view, const std::string& what);
 /// memory cannot be had.
 World WorldOf(const umbrant::ImageView& view, Depth depth);
 
-/// Writes a world that lies at (x, y) of the target into it, and transparent black where the world does not reach.
+/// Writes a world into the target at (x, y), and transparent black where the world does not reach.
 /// Both have the same depth.
 void CopyInto(const World& world, int x, int y, const umbrant::MutableImageView& target);

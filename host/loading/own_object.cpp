@@ -15,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// What dlopen is to open: a path where the file is found, else the name alone.
+/// What dlopen is to open: a path if the file is found, else only the name.
 std::string Place(const char* file) {
     const fs::path program = ProgramFile();
     if (program.empty()) return file;

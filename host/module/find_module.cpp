@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// Where the program finds its module when nobody names one.
+// Where the program finds its module when none is named.
 
 #include <dlfcn.h>
 #include <fmt/format.h>
@@ -21,7 +21,7 @@ namespace {
 /// The module's file inside a folder, in either platform's form.
 constexpr const char* kModuleFiles[] = {"umbrant2.so", "Umbrant 2.plugin/Contents/MacOS/Umbrant 2"};
 
-/// The file that this code lies in: the program, or a shared library that it is linked into.
+/// The file that contains this code: the program, or a shared library that it is linked into.
 std::filesystem::path OwnFile() {
     static const char anchor = 0;
     Dl_info info{};
@@ -38,7 +38,7 @@ class Folders {
         const std::filesystem::path normal = folder.lexically_normal();
         if (std::find(all.begin(), all.end(), normal) == all.end()) all.push_back(normal);
     }
-    /// What is installed beside a folder of programs or libraries.
+    /// Folders that are installed next to a folder of programs or libraries.
     void AddInstalled(const std::filesystem::path& base) {
         Add(base / ".." / UMBRANT_LIBRARY_FOLDER);
         Add(base / "../lib/umbrant");
@@ -94,7 +94,7 @@ ModuleSearch DefaultModuleSearch(const std::optional<std::filesystem::path>& opt
         const std::filesystem::path own = OwnFile().parent_path();
         if (!own.empty()) {
             folders.Add(own);
-            // A plug-in's folder and the module's lie side by side in the libraries' folder.
+            // A plug-in's folder and the module's are both in the libraries' folder.
             folders.Add(own / "../umbrant");
         }
     }

@@ -30,7 +30,7 @@ struct Registration {
 /// What a command came to.
 struct CallOutcome {
     PF_Err error = PF_Err_NONE;
-    /// Set when an exception left the module, which no module may do: what it was, in words. `error` is then
+    /// Set when an exception left the module, which no module may do: its description. `error` is then
     /// `PF_Err_INTERNAL_STRUCT_DAMAGED`.
     std::optional<std::string> exception;
 };
@@ -76,14 +76,14 @@ struct ModuleSearch {
     std::string advice = "name one with --module or UMBRANT_MODULE";
 };
 
-/// The file of the running program, empty when the system does not tell.
+/// The file of the running program, empty when the system does not report it.
 std::filesystem::path RunningProgram();
 
 /// Who looks for a module.
 enum class ModuleSeeker {
-    kProgram,  ///< this project's program: beside it, and in the library folder that was installed with it
-    /// Somebody's program, or a shared library in it: also beside that library, in the folders in which the loader
-    /// looks for the libraries of it (its run path, LD_LIBRARY_PATH), and in the system's library folders.
+    kProgram,  ///< this project's program: in its folder, and in the installed library folder
+    /// Another program, or a shared library in it: also in the folder of that library, in the folders in which the
+    /// loader looks for the libraries of it (its run path, LD_LIBRARY_PATH), and in the system's library folders.
     kLibrary,
 };
 
@@ -92,7 +92,7 @@ ModuleSearch DefaultModuleSearch(const std::optional<std::filesystem::path>& opt
                                  ModuleSeeker seeker = ModuleSeeker::kProgram);
 
 /// The module's file: the option, else the environment's, else the first that exists in the folders. A file that was
-/// named is returned as it is; Load says what is wrong with it. Fails with `ExitCode::kModule` when none was named and
-/// none found.
+/// named is returned as it is; Load reports what is wrong with it. Fails with `ExitCode::kModule` when none was named
+/// and none found.
 Result<std::filesystem::path> FindModule(const ModuleSearch& search);
 Result<std::filesystem::path> FindModule(const std::optional<std::filesystem::path>& option);

@@ -54,7 +54,7 @@ std::string PointText(const ParamSet& params, int index, const LayerGeometry& ge
     return fmt::format("{:.1f}, {:.1f}", def.u.td.x_value / kFixedOne, def.u.td.y_value / kFixedOne);
 }
 
-/// The area that the effect asked for. With a name beside it, it lies in the control column.
+/// The area that the effect requested. With a name next to it, the area is in the control column.
 PF_Rect OwnFrame(const PanelItem& item, const PF_ParamDef& def, int width) {
     const int left = item.name.empty() ? PanelMetrics::kOwnLeft : static_cast<int>(PanelMetrics::ControlLeft(width));
     const int top = static_cast<int>(item.top + PanelMetrics::kOwnMargin);

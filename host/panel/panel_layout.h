@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// Which rows the panel shows, where each lies and what it says: everything but how it looks. Made of the declaration,
+// The rows that the panel shows, their positions and texts, but not their appearance. Derived from the declaration,
 // the current values and the state in which the effect and the user have left the panel.
 
 #include <string>
@@ -67,7 +67,7 @@ struct PanelMetrics {
     static constexpr double kTwirlLeft = 8;  ///< of the outermost twirls
     static constexpr double kNameLeft = 22;  ///< of the outermost names
     static constexpr double kClock = 15;     ///< what a stopwatch takes before a name
-    static constexpr int kOwnLeft = 62;      ///< where an area begins that has no name beside it
+    static constexpr int kOwnLeft = 62;      ///< left edge of an area that has no name next to it
     /// Where controls begin: names get a little less than half.
     static double ControlLeft(int width) { return width * 0.46; }
 };

@@ -179,7 +179,7 @@ void PanelPainter::DrawNumber(const PanelItem& item, double left, double middle)
     SetType(kTypeSize);
     SetColor(theme_.value);
     const double width = DrawText(item.value, left, middle, right_ - left);
-    // A dotted line says that the number can be dragged.
+    // A dotted line shows that the number can be dragged.
     SetColor(theme_.value, 0.55);
     drawing_.SetLineWidth(1);
     drawing_.Save();
@@ -300,7 +300,7 @@ void PanelPainter::DrawSwatch(const PanelItem& item, double middle) {
     SetColor(theme_.edge);
     drawing_.SetLineWidth(1);
     drawing_.Stroke();
-    // The dropper beside it.
+    // The dropper next to it.
     SetColor(theme_.dim);
     const double x = controlLeft_ + 44;
     drawing_.SetLineWidth(1.3);

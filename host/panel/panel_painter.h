@@ -38,7 +38,7 @@ class PanelPainter {
     void RoundedRect(double left, double top, double width, double height, double radius);
     enum class Weight { kRegular, kBold };
     void SetType(double size, Weight weight = Weight::kRegular);
-    /// Text whose small letters stand in the middle of a line at `middle`, cut to `room`. Returns its width.
+    /// Text whose small letters are centred vertically at `middle`, cut to `room`. Returns its width.
     double DrawText(const std::string& text, double left, double middle, double room);
 
     Drawing& drawing_;

@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// Rows of the panel as a person names them: as everywhere by path or index, buttons also by what their face says.
+// Finds rows of the panel by name: by path or index, buttons also by their label.
 
 #include <string>
 #include <string_view>

@@ -55,7 +55,7 @@ std::optional<NumberRange> SliderRange(const PF_ParamDef& def);
 PF_ValueDisplayFlags DisplayFlags(const PF_ParamDef& def);
 /// Whether that is percent.
 bool IsPercent(const PF_ParamDef& def);
-/// The decimals that a slider shows; nothing where the effect does not say.
+/// The decimals that a slider shows; nothing if the effect does not declare them.
 std::optional<int> Precision(const PF_ParamDef& def);
 
 /// Angles and coordinates are kept in 16.16: the largest whole number of that, either way.
@@ -72,7 +72,7 @@ struct ParamNumbers {
 
 ParamNumbers NumbersOf(const ParamRow& row);
 
-/// Sets the row's value. What lies outside of its range becomes its nearest end, and whole numbers are rounded to the
+/// Sets the row's value. Values outside of its range are clamped, and whole numbers are rounded to the
 /// nearest. Changes nothing for not-a-number, for an item that a popup does not have, and for rows without a value.
 void SetNumbers(ParamRow& row, const ParamNumbers& numbers);
 

@@ -29,7 +29,7 @@ class ParamSet {
     /// Starts with row 0, the layer that the effect is applied to, which the host supplies.
     ParamSet();
 
-    /// Records a row. `index` is -1 or the next free index. Returns what the effect is to be told:
+    /// Records a row. `index` is -1 or the next free index. Returns the error for the effect:
     /// `PF_Err_INVALID_INDEX`, `PF_Err_UNRECOGNIZED_PARAM_TYPE`, `PF_Err_BAD_CALLBACK_PARAM` (no definition) or none.
     PF_Err Add(PF_ParamIndex index, const PF_ParamDef* def);
     /// Ends the declaration. Returns what is wrong with its groups (an end without a start, a group left open), or an
@@ -70,7 +70,7 @@ class ParamSet {
 
  private:
     std::vector<ParamRow> rows_;
-    std::vector<int> openGroups_;  ///< indices of the groups that the next row lies in
+    std::vector<int> openGroups_;  ///< indices of the groups that enclose the next row
     std::string groupProblem_;
 };
 

@@ -79,7 +79,7 @@ Result<Done> SetSlider(ParamRow& row, std::string_view text) {
 }
 
 /// Degrees from "405", "405deg", "405°" and, as panels show them, "1x45": one turn and 45 degrees. A sign before the
-/// turns is that of the whole, unless the degrees have one of their own: "-1x45" and "-1x-45" are -405.
+/// turns is that of the whole, unless the degrees have a sign as well: "-1x45" and "-1x-45" are -405.
 std::optional<double> Degrees(std::string_view text) {
     text = Trimmed(text);
     for (const std::string_view unit : {"deg", "\u00B0"}) {

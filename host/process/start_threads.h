@@ -18,7 +18,7 @@ std::optional<std::thread> StartThread(std::function<void()> work);
 /// refused. The caller joins those that it gets, which may be none.
 std::vector<std::thread> StartThreads(int count, std::function<void(int index)> work);
 
-/// Whether a library's message says that the system refused it a thread.
+/// Whether a library's message reports that the system refused a thread.
 bool SaysNoThread(const std::string& message);
 
 /// How many threads were wanted, and how many of them the system allowed.
