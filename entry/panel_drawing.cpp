@@ -12,7 +12,7 @@
 #include "entry/suites/suite_handler.h"
 #include "entry/suites/suite_scoper.h"
 #include "entry/suites/without_throwing.h"
-#include "gl/locked_handle.h"
+#include "pixel/locked_handle.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 
 #include <utility>
 
-#include "gl/return_message.h"
-#include "gl/world_alpha.h"
+#include "pixel/return_message.h"
+#include "pixel/world_alpha.h"
 
 namespace {
 

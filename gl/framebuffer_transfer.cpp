@@ -4,8 +4,8 @@
 // Framebuffer's traffic with host worlds: a layer's alpha up into a texture, a buffer down into a world's alpha.
 
 #include "gl/framebuffer.h"
-#include "gl/locked_handle.h"
-#include "gl/world_alpha.h"
+#include "pixel/locked_handle.h"
+#include "pixel/world_alpha.h"
 
 namespace {
 
@@ -105,7 +105,7 @@ PF_Err Framebuffer::FBO_Init_PF_World(PF_LayerDef* world, myParams* params, PF_O
         const RowLength rowLength(GL_UNPACK_ROW_LENGTH, width);
 
         glTexImage2D(GL_TEXTURE_2D, 0, format.internalFormat, width, height, 0, GL_RED, format.type, nullptr);
-        error = FillFromWorld(buffer, world, *params);
+        error = FillFromWorld(buffer, world, params->bitDepth, params->in_data, *params->suites);
         // Intended: uploaded, and this object initialised, also when the iteration reports an error.
         glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, width, height, GL_RED, format.type, buffer);
     }

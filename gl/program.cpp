@@ -6,7 +6,7 @@
 #include <fstream>
 #include <iostream>
 
-#include "gl/return_message.h"
+#include "pixel/return_message.h"
 
 namespace {
 

@@ -9,11 +9,11 @@
 #include <new>
 #include <optional>
 
-#include "gl/locked_handle.h"
-#include "gl/return_message.h"
-#include "gl/world_alpha.h"
 #include "hostapi/errors.h"
 #include "pixel/effect_world.h"
+#include "pixel/locked_handle.h"
+#include "pixel/return_message.h"
+#include "pixel/world_alpha.h"
 #include "render/inner_composite.h"
 #include "render/passes.h"
 #include "render/processor_path.h"
@@ -65,7 +65,7 @@ class Upload {
         void* buffer = memory_->Lock();
         if (!buffer) return PF_Err_OUT_OF_MEMORY;
         layer_ = {buffer, world->width, world->height};
-        return FillFromWorld(buffer, world, *params);
+        return FillFromWorld(buffer, world, params->bitDepth, params->in_data, *params->suites);
     }
 
     std::optional<LockedHandle> memory_;

@@ -6,9 +6,9 @@
 #include "render/shadow_backend.h"
 
 #include "entry/global_data.h"
-#include "gl/return_message.h"
 #include "gl/thread_state.h"
 #include "hostapi/errors.h"
+#include "pixel/return_message.h"
 #include "platform/fork.h"
 #include "platform/gl_api.h"
 #include "render/passes.h"

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "gl/framebuffer.h"
-#include "gl/locked_handle.h"
+#include "pixel/locked_handle.h"
 #include "tests/gl/fake_fixture.h"
 #include "tests/support/test_host.h"
 #include "tests/support/test_world.h"

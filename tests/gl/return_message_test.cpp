@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "gl/return_message.h"
+#include "pixel/return_message.h"
 
 #include <cstring>
 

@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "gl/world_alpha.h"
+#include "pixel/world_alpha.h"
 
 #include "pixel/pixel_transfer.h"
 
-PF_Err FillFromWorld(void* buffer, PF_LayerDef* world, const myParams& params) {
+PF_Err FillFromWorld(void* buffer, PF_LayerDef* world, int32_t bitDepth, PF_InData* in_data,
+                     AEGP_SuiteHandler& suites) {
     PixelTransferRefcon refcon{buffer, world, nullptr};
-    if (params.bitDepth == 32) {
-        return params.suites->IterateFloatSuite1()->iterate(params.in_data, 0, world->height, world, nullptr, &refcon,
-                                                            CopyRedFloatIn, world);
+    if (bitDepth == 32) {
+        return suites.IterateFloatSuite1()->iterate(in_data, 0, world->height, world, nullptr, &refcon, CopyRedFloatIn,
+                                                    world);
     }
-    return params.suites->Iterate8Suite1()->iterate(params.in_data, 0, world->height, world, nullptr, &refcon,
-                                                    CopyRedPixel8In, world);
+    return suites.Iterate8Suite1()->iterate(in_data, 0, world->height, world, nullptr, &refcon, CopyRedPixel8In, world);
 }
 
 PF_Err FillWorld8(void* buffer, PF_InData* in_data, AEGP_SuiteHandler& suites, PF_Pixel* colour, PF_LayerDef* output) {

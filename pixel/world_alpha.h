@@ -9,7 +9,6 @@
 
 #include "entry/suites/suite_handler.h"
 #include "hostapi/commands.h"
-#include "render/render_settings.h"
 
 inline constexpr char kDepthRefused[] = "Init world called on PF_EffectWorld of incompatible depth, likely 16bpc";
 
@@ -23,8 +22,8 @@ constexpr A_HandleSize ChannelBytes(int32_t bitDepth) {
     return bitDepth == 8 ? 1 : 4;
 }
 
-/// The alpha of `world`, as deep as `params.bitDepth` says, into `buffer`. Returns the iteration's error.
-PF_Err FillFromWorld(void* buffer, PF_LayerDef* world, const myParams& params);
+/// The alpha of `world`, which has 32 or 8 bits, into `buffer`. Returns the iteration's error.
+PF_Err FillFromWorld(void* buffer, PF_LayerDef* world, int32_t bitDepth, PF_InData* in_data, AEGP_SuiteHandler& suites);
 
 /// `buffer` into the alpha of `output`, the colour into the rest. Return the iteration's error.
 PF_Err FillWorld8(void* buffer, PF_InData* in_data, AEGP_SuiteHandler& suites, PF_Pixel* colour, PF_LayerDef* output);
