@@ -62,7 +62,7 @@ inline int64_t TexelAt(double position) {
 
 /// One axis of a pass that draws at another size than it reads. The outputs cover a share of the inputs about their
 /// middle.
-struct PassAxis {
+struct AxisSampling {
     int32_t outputs = 0;
     float scale = 1;  ///< uniform "scaleW" or "scaleH": the share of the inputs; above 1 with a border around them
     Look look;
@@ -82,8 +82,8 @@ struct BlurPlan {
 /// A sample's first pass, from the source to its buffer. Also resizes the rows.
 struct AcrossPlan {
     BlurPlan blur;
-    PassAxis x;
-    PassAxis y;
+    AxisSampling x;
+    AxisSampling y;
     float opacity = 0;  ///< uniform "opacityF"
 };
 
@@ -140,8 +140,8 @@ struct StackPlan {
 
 /// Inner shadow: from the padded layer to the inverted alpha that its samples are blurred from.
 struct InversionPlan {
-    PassAxis x;
-    PassAxis y;
+    AxisSampling x;
+    AxisSampling y;
     float opacity = 0;  ///< uniform "opacityF"
 };
 

@@ -5,7 +5,7 @@
 
 #include "render/plan_parts.h"
 
-PassAxis ScaledAxis(int32_t outputs, float scale, int32_t inputs, Edge edge) {
+AxisSampling ScaledAxis(int32_t outputs, float scale, int32_t inputs, Edge edge) {
     const double share = static_cast<double>(scale);
     const double pitch = share * inputs / outputs;
     return {outputs, scale, {0.5 * pitch - share * inputs / 2 + inputs / 2.0 - 0.5, pitch, inputs, edge}};

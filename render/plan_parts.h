@@ -9,14 +9,14 @@
 #include "render/render_settings.h"
 
 /// An axis whose outputs cover `scale` times the `inputs`.
-PassAxis ScaledAxis(int32_t outputs, float scale, int32_t inputs, Edge edge);
+AxisSampling ScaledAxis(int32_t outputs, float scale, int32_t inputs, Edge edge);
 
 /// Places `texels` texels on an output of `size` pixels. `quad` is the share of the output that an unscaled copy has;
 /// `scale` and `translation` (in half outputs, from the middle) are those of the "xform".
 Placement PlaceAxis(float scale, float translation, float quad, int32_t size, int32_t texels);
 
 /// Outputs that see any of `something` with taps up to `reach` inputs away.
-Range SeenThrough(const PassAxis& axis, const Range& something, double reach, Precision precision);
+Range SeenThrough(const AxisSampling& axis, const Range& something, double reach, Precision precision);
 
 /// What each pass of a sample has to draw when its source holds `something`: only what is not 0 and shows in an output
 /// of `width` x `height` pixels.

@@ -43,7 +43,7 @@ Range PixelsOf(const Placement& place, const Range& out, const Range& texels, in
 }
 
 // Rows of the buffer that hold anything after the blur across, which only resizes them.
-Range RowsOf(const PassAxis& axis, const Range& something, Precision precision) {
+Range RowsOf(const AxisSampling& axis, const Range& something, Precision precision) {
     if (axis.look.first == 0 && axis.look.pitch == 1) return something;
     return SeenThrough(axis, something, 0, precision);
 }
@@ -57,7 +57,7 @@ Range RowsFor(const Range& down, double reach, int32_t rows, int32_t spare) {
 
 // An output sees an input when a tap comes nearer than one input to it. A mirrored input is never nearer than the input
 // itself, so mirrors see nothing more.
-Range SeenThrough(const PassAxis& axis, const Range& something, double reach, Precision precision) {
+Range SeenThrough(const AxisSampling& axis, const Range& something, double reach, Precision precision) {
     if (something.Empty()) return {};
     // For the rounding of positions and of the reach, which must not add a whole input.
     constexpr double kRounding = 1.0 / 64;

@@ -12,7 +12,7 @@ const char* ResourceName(Resource resource) {
     return kNames[static_cast<std::size_t>(resource)];
 }
 
-bool Balance::Even() const {
+bool Balance::IsBalanced() const {
     return std::all_of(open.begin(), open.end(), [](int number) { return number == 0; });
 }
 

@@ -32,7 +32,7 @@ struct Balance {
 
     int operator[](Resource resource) const { return open[static_cast<std::size_t>(resource)]; }
     /// Nothing is open.
-    bool Even() const;
+    bool IsBalanced() const;
     /// "nothing open", or the open kinds with their numbers: "handles 1, locks 1".
     std::string Text() const;
     bool operator==(const Balance&) const = default;

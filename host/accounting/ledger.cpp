@@ -150,7 +150,7 @@ std::vector<LedgerRow> KeepBooks(const std::vector<Event>& events) {
 
 std::vector<LedgerRow> UnevenRows(const std::vector<Event>& events) {
     std::vector<LedgerRow> rows = KeepBooks(events);
-    std::erase_if(rows, [](const LedgerRow& row) { return row.Even(); });
+    std::erase_if(rows, [](const LedgerRow& row) { return row.IsBalanced(); });
     return rows;
 }
 

@@ -21,7 +21,7 @@ struct LedgerRow {
     int taken = 0;
     int given = 0;
     std::uint64_t command = 0;  ///< the command that took it last, or gave it back when it never was taken
-    bool Even() const { return taken == given; }
+    bool IsBalanced() const { return taken == given; }
     /// "the suite PF World Suite 2 was taken 2 times and given back 1 time in PF_Cmd_SMART_RENDER".
     std::string sentence;
 };

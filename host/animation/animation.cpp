@@ -39,7 +39,7 @@ ParamSet Animation::ValuesAt(const ParamSet& base, double frame, const Animation
     return values;
 }
 
-std::optional<std::string> WhyStill(const ParamRow& row) {
+std::optional<std::string> WhyNotAnimatable(const ParamRow& row) {
     if (!HasValue(KindOf(row.def))) {
         return fmt::format("is a {} and cannot have keyframes", ParamTypeName(row.def.param_type));
     }

@@ -45,4 +45,4 @@ class Animation {
 };
 
 /// Why a row cannot move, as the rest of a sentence that begins with its name, or nothing when it can.
-std::optional<std::string> WhyStill(const ParamRow& row);
+std::optional<std::string> WhyNotAnimatable(const ParamRow& row);

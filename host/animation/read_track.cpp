@@ -219,7 +219,7 @@ class TrackReader {
 std::optional<RowTrack> ReadTrack(const LocatedJson::Member& member, int row, ParamSet& scratch,
                                   PresetMistakes& mistakes) {
     const ParamRow& declared = scratch.Row(row);
-    if (const auto reason = WhyStill(declared)) {
+    if (const auto reason = WhyNotAnimatable(declared)) {
         mistakes.Add(member.place, fmt::format("'{}' {}", EchoText(member.key), *reason));
         return std::nullopt;
     }

@@ -41,11 +41,11 @@ std::string WithoutFinalBreaks(std::string text) {
     return text;
 }
 
-nlohmann::ordered_json Describe(const OpenedModule& opened, const std::string& about, RendererWish wish) {
+nlohmann::ordered_json Describe(const OpenedModule& opened, const std::string& about, RendererPreference preference) {
     const Registration& effect = opened.effect;
     const EffectSession& session = *opened.session;
     const GpuStrings gpu = ReadGpuStrings(session.Params());
-    const RendererDecision renderer = DecideRenderer(wish, gpu);
+    const RendererDecision renderer = DecideRenderer(preference, gpu);
     return {
         {"module", opened.file.string()},
         {"name", effect.name},
@@ -94,13 +94,13 @@ std::string Text(const nlohmann::ordered_json& info) {
 }
 
 Result<ExitCode> Info(const InfoOptions& options) {
-    const auto wish = ReadRendererWish("");
-    if (!wish) return wish.Error();
+    const auto preference = ReadRendererPreference("");
+    if (!preference) return preference.Error();
     auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module));
     if (!opened) return opened.Error();
     const auto about = opened->Session().About();
     if (!about) return about.Error();
-    const auto info = Describe(*opened, *about, *wish);
+    const auto info = Describe(*opened, *about, *preference);
     if (auto ended = opened->Session().End(); !ended) return ended.Error();
     const std::string text =
         options.json ? info.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n" : Text(info);

@@ -14,8 +14,8 @@ Result<OpenedModule> OpenModule(const std::optional<std::string>& option, Sessio
     if (option) named = *option;
     if (options.renderer == UMBRANT_Renderer_ANY) {
         // Whoever minds what is wrong with the variable has asked before.
-        const auto wish = ReadRendererWish("");
-        options.renderer = RendererOfSetUp(wish ? *wish : RendererWish::kAuto);
+        const auto preference = ReadRendererPreference("");
+        options.renderer = RendererOfSetUp(preference ? *preference : RendererPreference::kAuto);
     }
     const ModuleSearch search = DefaultModuleSearch(named);
     const auto file = FindModule(search);

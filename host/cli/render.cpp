@@ -83,12 +83,12 @@ Command RenderCommand(const std::shared_ptr<RenderOptions>& options) {
             ->type_name("IMAGE");
         app.add_option("--texture-at", options->textureAt,
                        "Position of the texture's top-left corner, in pixels of the full-size layer")
-            ->check(WhyNoPlace)
+            ->check(ValidatePoint)
             ->needs("--texture")
             ->type_name("X,Y");
         app.add_option("--depth", options->depth,
                        "Bits per channel of the render (default: those of the input; 16 become 32)")
-            ->check(WhyNoDepth)
+            ->check(ValidateDepth)
             ->type_name("8|32");
         app.add_option("--output-depth", options->outputDepth,
                        "How the file stores a channel: 8 or 16 in PNG, also float in TIFF, half or float in EXR "

@@ -64,10 +64,10 @@ struct RenderOptions {
 };
 
 /// "X,Y": a place in pixels of the full-size layer, or nothing.
-std::optional<std::pair<double, double>> PlaceOf(const std::string& text);
+std::optional<std::pair<double, double>> ParsePoint(const std::string& text);
 
 /// For an option's check: why the text is no such place, or an empty text.
-std::string WhyNoPlace(const std::string& text);
+std::string ValidatePoint(const std::string& text);
 
 /// A module with what it is to draw.
 struct OpenedEffect {
@@ -96,7 +96,7 @@ Result<Done> CheckStorage(const RenderOptions& options);
 void TellNotes(const RenderOptions& options, const std::string& note, const std::string& metadataNote);
 
 /// For --depth: why the text is no depth of a render, or an empty text.
-std::string WhyNoDepth(const std::string& text);
+std::string ValidateDepth(const std::string& text);
 
 /// Declares the options of SequenceOptions.
 void AddSequenceOptions(CLI::App& app, SequenceOptions& options);

@@ -53,7 +53,7 @@ void TellNotes(const RenderOptions& options, const std::string& note, const std:
     }
 }
 
-std::string WhyNoDepth(const std::string& text) {
+std::string ValidateDepth(const std::string& text) {
     if (text == "8" || text == "32") return "";
     if (text == "16" || text == "half" || text == "float") {
         return fmt::format("the effect renders in 8 or 32 bits; --output-depth {} sets the depth of the file", text);

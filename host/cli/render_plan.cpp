@@ -155,7 +155,7 @@ Result<std::vector<FrameNumber>> FramesOf(const RenderOptions& options) {
     if (!folder) return folder.Error();
     auto request = SequenceRequest(options);
     if (!request) return request.Error();
-    ClipEnds clips;
+    ClipEndpoints clips;
     if (auto open = clips.Open(options, *request); !open) return open.Error();
     return WholeFrameSet(*request);
 }

@@ -7,7 +7,7 @@
 #include <memory>
 #include <optional>
 
-#include "host/cli/clip_ends.h"
+#include "host/cli/clip_endpoints.h"
 #include "host/cli/output_folder.h"
 #include "host/cli/render_options.h"
 #include "host/render/canvas_choice.h"
@@ -18,7 +18,7 @@
 struct RenderPlan {
     std::optional<OutputFolder> folder;
     CanvasChoice canvas;
-    ClipEnds clips;
+    ClipEndpoints clips;
     std::optional<LayerReader> reader;
     FramePlan frames;
 };

@@ -11,7 +11,7 @@
 #include <memory>
 #include <set>
 
-#include "host/cli/clip_ends.h"
+#include "host/cli/clip_endpoints.h"
 #include "host/cli/frame_progress.h"
 #include "host/cli/image_progress.h"
 #include "host/cli/output_folder.h"
@@ -42,8 +42,8 @@ class RenderRun {
         auto planned = isImage_ ? PlanImageRender(options_) : PlanSequenceRender(options_);
         if (!planned) return planned.Error();
         plan_ = std::move(*planned);
-        const auto wish = ReadRendererWish(options_.renderer);
-        if (!wish) return wish.Error();
+        const auto preference = ReadRendererPreference(options_.renderer);
+        if (!preference) return preference.Error();
         if (isImage_) image_.emplace(SecondsOfProgress(options_.sequence), options_.verbose);
         FillJob();
         Say("reading the images");
@@ -60,7 +60,7 @@ class RenderRun {
                                      plan_->frames.frames[first->frame].position);
         if (!opened) return opened.Error();
         EffectSession& session = opened->Session();
-        renderer_ = DecideRenderer(*wish, ReadGpuStrings(session.Params()));
+        renderer_ = DecideRenderer(*preference, ReadGpuStrings(session.Params()));
         session.SetRenderer(renderer_.Request());
         if (auto found = FindCanvas(*opened, *first); !found) return found.Error();
         if (auto started = StartInstances(session, *first); !started) return started.Error();
@@ -153,7 +153,7 @@ class RenderRun {
         job_.settings.downsample = options_.downsample;
         job_.settings.canvas = plan_->canvas.kind == CanvasChoice::Kind::kLayer ? Canvas::kLayer : Canvas::kGrow;
         std::tie(job_.settings.textureX, job_.settings.textureY) =
-            PlaceOf(options_.textureAt).value_or(std::pair(0.0, 0.0));
+            ParsePoint(options_.textureAt).value_or(std::pair(0.0, 0.0));
         job_.keepGoing = options_.sequence.keepGoing;
         job_.explain = [this](const Failure& failure, const EffectSession& session) {
             return renderer_.processor ? failure : Explain(failure, session);

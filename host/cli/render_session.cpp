@@ -11,7 +11,7 @@
 #include "host/render/frame_limits.h"
 #include "host/render/frame_numbers.h"
 
-std::optional<std::pair<double, double>> PlaceOf(const std::string& text) {
+std::optional<std::pair<double, double>> ParsePoint(const std::string& text) {
     const std::size_t comma = text.find(',');
     if (comma == std::string::npos) return std::nullopt;
     const std::string numbers[] = {text.substr(0, comma), text.substr(comma + 1)};
@@ -21,8 +21,8 @@ std::optional<std::pair<double, double>> PlaceOf(const std::string& text) {
     return std::pair(std::stod(numbers[0]), std::stod(numbers[1]));
 }
 
-std::string WhyNoPlace(const std::string& text) {
-    if (PlaceOf(text)) return "";
+std::string ValidatePoint(const std::string& text) {
+    if (ParsePoint(text)) return "";
     return fmt::format("'{}' is not a position X,Y with numbers from -{} to {}", text, kFarthestTexture,
                        kFarthestTexture);
 }
@@ -36,9 +36,9 @@ Result<OpenedEffect> OpenWithValues(const RenderOptions& options, int layerWidth
     about.layerWidth = layerWidth;
     about.layerHeight = layerHeight;
     if (options.collapsed) about.layerFlags |= AEGP_LayerFlag_COLLAPSE;
-    const auto wish = ReadRendererWish(options.renderer);
-    if (!wish) return wish.Error();
-    about.renderer = RendererOfSetUp(*wish);
+    const auto preference = ReadRendererPreference(options.renderer);
+    if (!preference) return preference.Error();
+    about.renderer = RendererOfSetUp(*preference);
     const auto rate = ParseRate(options.sequence.rate.empty() ? "24" : options.sequence.rate);
     if (!rate) return rate.Error();
     auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module), about);

@@ -27,7 +27,7 @@ auto Readable(Parse parse) {
     };
 }
 
-std::string WhyNoProgress(const std::string& text) {
+std::string ValidateProgress(const std::string& text) {
     if (!text.empty() && ReadProgress(text, false)) return "";
     return fmt::format("'{}' is neither bar, lines, json nor a number of seconds from 0 to 86400", text);
 }
@@ -77,7 +77,7 @@ void AddSequenceOptions(CLI::App& app, SequenceOptions& options) {
            "--progress", options.progress,
            "How progress is reported: bar (default on a terminal), lines (default elsewhere) or json. Or how often a "
            "slow frame is reported: SECONDS, 0 for never (default 10)")
-        ->check(WhyNoProgress)
+        ->check(ValidateProgress)
         ->type_name("bar|lines|json|SECONDS");
     app.add_flag("--quiet", options.quiet, "Report failures only");
     app.add_option("--codec", options.codec,

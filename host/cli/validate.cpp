@@ -36,7 +36,7 @@ constexpr char kExamples[] =
     "  umbrant validate --list";
 
 struct ValidateOptions {
-    RunOptions run;
+    RunnerOptions run;
     std::string module;
     std::string trace;
     std::string fault;
@@ -81,30 +81,30 @@ Result<ExitCode> Validate(ValidateOptions options) {
         options.module.empty() ? std::nullopt : std::optional(std::filesystem::path(options.module)));
     const auto file = FindModule(search);
     if (!file) return file.Error();
-    TrialOptions& trial = options.run.trial;
-    trial.module = *file;
-    trial.trace = options.trace;
-    trial.shim = FindShim(search);
-    trial.rendererOfProbe = RendererOfSetUp(RendererWish::kAuto);
-    trial.isProcessorBetter = [](const ParamSet& params) {
-        return DecideRenderer(RendererWish::kAuto, ReadGpuStrings(params)).processor;
+    CheckRunOptions& check = options.run.check;
+    check.module = *file;
+    check.trace = options.trace;
+    check.shim = FindShim(search);
+    check.rendererOfProbe = RendererOfSetUp(RendererPreference::kAuto);
+    check.isProcessorBetter = [](const ParamSet& params) {
+        return DecideRenderer(RendererPreference::kAuto, ReadGpuStrings(params)).processor;
     };
     if (!options.fault.empty()) {
-        trial.fault = FaultPlan::FromText(options.fault);
-        if (!trial.fault) {
+        check.fault = FaultPlan::FromText(options.fault);
+        if (!check.fault) {
             return Failure{ExitCode::kUsage, fmt::format("--fault '{}' is not CALLEE:K:ERROR, as in "
                                                          "'PF World Suite.PF_NewWorld:1:4'",
                                                          options.fault)};
         }
     }
     if (!options.runCheck.empty()) {
-        const auto done = RunOneCheck(options.runCheck, trial, options.resultDescriptor);
+        const auto done = RunOneCheck(options.runCheck, check, options.resultDescriptor);
         if (!done) return done.Error();
         return ExitCode::kDone;
     }
-    if (auto there = CheckModuleIsThere(trial.module); !there) return there.Error();
+    if (auto there = CheckModuleIsThere(check.module); !there) return there.Error();
     if (options.run.waivers.empty()) {
-        options.run.waivers = WaiversBeside(trial.module);
+        options.run.waivers = WaiversBeside(check.module);
         if (!options.run.waivers.empty()) {
             std::fputs(fmt::format("findings in '{}' are accepted\n", options.run.waivers).c_str(), stderr);
         }
@@ -124,13 +124,13 @@ Command ValidateCommand() {
     command.summary = "Check everything that hosts rely on in a module, in ten levels";
     command.examples = kExamples;
     command.options = [options](CLI::App& app) {
-        RunOptions& run = options->run;
+        RunnerOptions& run = options->run;
         app.add_option("MODULE", options->module, "The module's file; without it, the one that `render` would use");
         app.add_option("--strictness", run.strictness,
                        "Run the checks of levels 1 to N (default 5; a release needs 10)")
             ->type_name("N")
             ->check([](const std::string& text) { return OutOfRange(text, 1, kHighestLevel); });
-        app.add_option("--seed", run.trial.seed, "Seed of random choices (default 1)")->type_name("S");
+        app.add_option("--seed", run.check.seed, "Seed of random choices (default 1)")->type_name("S");
         app.add_option("--repeat", run.repeat, "Run each check K times, with seeds S, S+1, ...")
             ->type_name("K")
             ->check([](const std::string& text) { return OutOfRange(text, 1, 1000); });
@@ -142,15 +142,15 @@ Command ValidateCommand() {
                "A file of accepted findings, each with its reason (default: the .waivers.json file next to MODULE, if "
                "there is one)")
             ->type_name("FILE");
-        app.add_option("--timeout-ms", run.trial.timeoutMilliseconds,
+        app.add_option("--timeout-ms", run.check.timeoutMilliseconds,
                        "Timeout of a check, or of a part of a long one (default 30000)")
             ->type_name("N")
             ->check([](const std::string& text) { return OutOfRange(text, 1, 86400000); });
-        app.add_flag("--in-process", run.trial.inProcess, "Run the checks in this process, for a debugger");
+        app.add_flag("--in-process", run.check.inProcess, "Run the checks in this process, for a debugger");
         app.add_option("--trace", options->trace, "Write every call in the Chrome trace format")->type_name("FILE");
         app.add_option("--fault", options->fault, "Inject only this fault: the K-th call fails")
             ->type_name("CALLEE:K:ERROR");
-        app.add_option("--soak-seconds", run.trial.soakSeconds, "Duration of check 10.5 (default 60)")
+        app.add_option("--soak-seconds", run.check.soakSeconds, "Duration of check 10.5 (default 60)")
             ->type_name("N")
             ->check([](const std::string& text) { return OutOfRange(text, 1, 86400); });
         app.add_option("--report", run.report, "The report's form: text, json or junit")
@@ -160,7 +160,7 @@ Command ValidateCommand() {
         // How the program starts itself for one check.
         app.add_option("--run-check", options->runCheck)->group("");
         app.add_option("--result-fd", options->resultDescriptor)->group("");
-        app.add_flag("--software-gl", run.trial.softwareGl)->group("");
+        app.add_flag("--software-gl", run.check.softwareGl)->group("");
     };
     command.run = [options] { return Validate(*options); };
     return command;

@@ -61,7 +61,7 @@ std::optional<std::int64_t> RowBytesOf(int width, int height, Depth depth) {
     const std::int64_t pixelBytes = BytesPerPixel(depth);
     std::int64_t rowBytes =
         ((static_cast<std::int64_t>(width) + 1) * pixelBytes + kRowAlignment - 1) / kRowAlignment * kRowAlignment;
-    if (const auto padding = CurrentLendingRules().rowPadding) rowBytes = width * pixelBytes + *padding;
+    if (const auto padding = CurrentGuardRules().rowPadding) rowBytes = width * pixelBytes + *padding;
     if (rowBytes > std::numeric_limits<A_long>::max()) return std::nullopt;
     return rowBytes;
 }
@@ -88,7 +88,7 @@ void FillPattern(World& world, Channel alpha, Channel colour) {
 struct World::Block {
     PF_EffectWorld def{};
     Depth depth = Depth::k8;
-    LentBytes bytes;
+    GuardedBytes bytes;
 
     Block() = default;
     Block(const Block&) = delete;
@@ -152,7 +152,7 @@ World World::CreateUnwritten(int width, int height, Depth depth) {
     return Allocate(width, height, depth, false);
 }
 
-World World::CreateOver(LentBytes bytes, int width, int height, Depth depth) {
+World World::CreateOver(GuardedBytes bytes, int width, int height, Depth depth) {
     const auto needed = BytesOf(width, height, depth);
     if (!needed || bytes.Size() < *needed) return {};
     return Describe(std::move(bytes), width, height, depth);
@@ -174,15 +174,15 @@ void World::FillUnwritten() {
 World World::Allocate(int width, int height, Depth depth, bool clear) {
     const auto size = BytesOf(width, height, depth);
     if (!size) return {};
-    LentBytes bytes;
+    GuardedBytes bytes;
     if (*size > 0) {
-        bytes = LentBytes::Create(*size, clear);
+        bytes = GuardedBytes::Create(*size, clear);
         if (!bytes.Data()) return {};
     }
     return Describe(std::move(bytes), width, height, depth);
 }
 
-World World::Describe(LentBytes bytes, int width, int height, Depth depth) {
+World World::Describe(GuardedBytes bytes, int width, int height, Depth depth) {
     World world;
     std::unique_ptr<Block, Deleter> block(new (std::nothrow) Block);
     if (!block) return world;
@@ -211,7 +211,7 @@ const PF_EffectWorld& World::Def() const {
     return block_->def;
 }
 
-const LentBytes& World::Memory() const {
+const GuardedBytes& World::Memory() const {
     return block_->bytes;
 }
 

@@ -9,7 +9,7 @@
 #include <memory>
 #include <optional>
 
-#include "host/compositing/lent_memory.h"
+#include "host/compositing/guarded_memory.h"
 #include "hostapi/pixels.h"
 
 /// Bits per channel of a world.
@@ -39,7 +39,7 @@ class World {
     /// The same with pixels of any value: for a caller that writes every one of them before anybody reads.
     static World CreateUnwritten(int width, int height, Depth depth);
     /// A world over memory of at least BytesOf bytes, which it owns from here on; null when they are too few.
-    static World CreateOver(LentBytes bytes, int width, int height, Depth depth);
+    static World CreateOver(GuardedBytes bytes, int width, int height, Depth depth);
     /// The bytes that a world of this shape takes: the same in every process of this program. Nothing for a shape that
     /// no world has.
     static std::optional<std::size_t> BytesOf(int width, int height, Depth depth);
@@ -49,8 +49,8 @@ class World {
     bool IsNull() const { return !block_; }
     PF_EffectWorld& Def();
     const PF_EffectWorld& Def() const;
-    /// The memory of the pixels; see host/compositing/lent_memory.h. An empty world's has no bytes.
-    const LentBytes& Memory() const;
+    /// The memory of the pixels; see host/compositing/guarded_memory.h. An empty world's has no bytes.
+    const GuardedBytes& Memory() const;
     int Width() const { return Def().width; }
     int Height() const { return Def().height; }
     Depth PixelDepth() const;
@@ -64,6 +64,6 @@ class World {
         void operator()(Block* block) const;
     };
     static World Allocate(int width, int height, Depth depth, bool clear);
-    static World Describe(LentBytes bytes, int width, int height, Depth depth);
+    static World Describe(GuardedBytes bytes, int width, int height, Depth depth);
     std::unique_ptr<Block, Deleter> block_;
 };

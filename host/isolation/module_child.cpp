@@ -262,7 +262,7 @@ class ModuleServer {
         outputBlock_ = answer.at("block");
         const auto block = Block(answer.at("block"));
         if (!block) return {};
-        World world = World::CreateOver(LentBytes::Over(block->Data(), block->Size(), block), width, height, depth);
+        World world = World::CreateOver(GuardedBytes::Over(block->Data(), block->Size(), block), width, height, depth);
         if (!world.IsNull()) world.FillUnwritten();
         return world;
     }
@@ -321,8 +321,8 @@ class ModuleServer {
         if (facts.block == 0) {
             world = World::Create(facts.width, facts.height, depth);
         } else if (const auto block = Block(facts.block)) {
-            world = World::CreateOver(LentBytes::Over(block->Data(), block->Size(), block), facts.width, facts.height,
-                                      depth);
+            world = World::CreateOver(GuardedBytes::Over(block->Data(), block->Size(), block), facts.width,
+                                      facts.height, depth);
         }
         if (world.IsNull()) throw std::bad_alloc();
         return &worlds.emplace_back(std::move(world));

@@ -280,8 +280,8 @@ class Proxy final : public ModuleProcess {
         if (facts.width == 0 || facts.height == 0) {
             world = World::Create(facts.width, facts.height, depth);
         } else if (block && block->Id() == facts.block) {
-            world = World::CreateOver(LentBytes::Over(block->Data(), block->Size(), block), facts.width, facts.height,
-                                      depth);
+            world = World::CreateOver(GuardedBytes::Over(block->Data(), block->Size(), block), facts.width,
+                                      facts.height, depth);
         } else {
             return GiveUp(WrongMessage(options_.module));
         }

@@ -38,7 +38,7 @@ Result<Done> PixelBlocks::Put(const World& world, const char* name, Parcel& parc
     if (*size > 0) {
         block = Take(*size);
         if (!block) return NoPixelMemory(*size);
-        World shared = World::CreateOver(LentBytes::Over(block->Data(), block->Size(), block), world.Width(),
+        World shared = World::CreateOver(GuardedBytes::Over(block->Data(), block->Size(), block), world.Width(),
                                          world.Height(), world.PixelDepth());
         if (shared.IsNull()) return NoPixelMemory(*size);
         CopyWorld(&world.Def(), &shared.Def(), nullptr, nullptr);

@@ -220,8 +220,8 @@ Effect::Effect(const EffectOptions& options) {
     SharedModuleRequest request;
     request.file = options.module;
     request.advice = options.moduleAdvice;
-    if (options.renderer == Renderer::kOpenGL) request.renderer = RendererWish::kOpenGL;
-    if (options.renderer == Renderer::kProcessor) request.renderer = RendererWish::kProcessor;
+    if (options.renderer == Renderer::kOpenGL) request.renderer = RendererPreference::kOpenGL;
+    if (options.renderer == Renderer::kProcessor) request.renderer = RendererPreference::kProcessor;
     request.collapsed = options.collapsed;
     state_ = std::make_unique<State>(Need(SharedInstance::Start(request)), options.message);
     const std::lock_guard lock(state_->mutex);

@@ -74,7 +74,7 @@ Parameter DescribeParameter(const ParamSet& declared, int index, const PanelRow&
     parameter.kind = PublicKind(KindOf(row.def));
     parameter.defaultText = declared.DefaultText(index);
     parameter.hasValue = !parameter.defaultText.empty();
-    parameter.canVary = parameter.hasValue && !WhyStill(row);
+    parameter.canVary = parameter.hasValue && !WhyNotAnimatable(row);
     parameter.isHidden = panel.hidden;
     parameter.depth = row.depth;
     DescribeRange(row.def, parameter);

@@ -71,9 +71,10 @@ Result<SharedInstance> SharedInstance::Start(const SharedModuleRequest& request)
 
     Registry& registry = TheRegistry();
     const std::lock_guard lock(registry.mutex);
-    const auto wish = request.renderer ? Result<RendererWish>(*request.renderer) : ReadRendererWish("");
-    if (!wish) return wish.Error();
-    const UMBRANT_Renderer needed = RendererOfSetUp(*wish);
+    const auto preference =
+        request.renderer ? Result<RendererPreference>(*request.renderer) : ReadRendererPreference("");
+    if (!preference) return preference.Error();
+    const UMBRANT_Renderer needed = RendererOfSetUp(*preference);
     Registry::SetUps& setUps = registry.loaded[key];
     const std::shared_ptr<SharedModule> processorOnly = setUps.processorOnly.lock();
     std::shared_ptr<SharedModule> shared = setUps.any.lock();
@@ -84,7 +85,7 @@ Result<SharedInstance> SharedInstance::Start(const SharedModuleRequest& request)
         shared = std::move(*made);
         (needed == UMBRANT_Renderer_PROCESSOR ? setUps.processorOnly : setUps.any) = shared;
     }
-    RendererDecision renderer = DecideRenderer(*wish, ReadGpuStrings(shared->root.Params()));
+    RendererDecision renderer = DecideRenderer(*preference, ReadGpuStrings(shared->root.Params()));
 
     SessionOptions options;
     if (request.collapsed) options.layerFlags |= AEGP_LayerFlag_COLLAPSE;

@@ -39,14 +39,14 @@ struct SharedModule {
 struct SharedModuleRequest {
     std::string file;    ///< empty looks for one
     std::string advice;  ///< what to do when none is found; empty for a program's own way
-    std::optional<RendererWish> renderer;
+    std::optional<RendererPreference> renderer;
     bool collapsed = false;
 };
 
 /// An instance of a shared module; ends its session, and the module with the last one.
 class SharedInstance {
  public:
-    /// Fails as FindModule, Module::Load, EffectSession::Start and ReadRendererWish do.
+    /// Fails as FindModule, Module::Load, EffectSession::Start and ReadRendererPreference do.
     static Result<SharedInstance> Start(const SharedModuleRequest& request);
     ~SharedInstance();
     SharedInstance(SharedInstance&&) noexcept = default;

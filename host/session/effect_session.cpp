@@ -92,7 +92,7 @@ std::optional<Failure> SetDown(SessionState& state) {
         state.globalData = nullptr;
         if (answer.Failed() && !failure) failure = FailureOf(state, answer);
         const Balance open = state.services.tally.Snapshot();
-        if (!open.Even()) state.services.Report("still open after global set-down: " + open.Text());
+        if (!open.IsBalanced()) state.services.Report("still open after global set-down: " + open.Text());
     }
     return failure;
 }

@@ -98,9 +98,9 @@ std::optional<Failure> SendPreRender(FrameRecord& frame, const PF_LRect& region,
     input.output_request = frame.outputRequest;
     input.bitdepth = frame.BitDepth();
     PF_PreRenderExtra extra{&input, &output, &preRenderCallbacks};
-    frame.stage = FrameRecord::Stage::kPreRender;
+    frame.phase = FrameRecord::Phase::kPreRender;
     const Answer answer = SendCommand(frame.state, PF_Cmd_SMART_PRE_RENDER, &frame, nullptr, &extra);
-    frame.stage = FrameRecord::Stage::kIdle;
+    frame.phase = FrameRecord::Phase::kIdle;
     frame.Note(answer);
     suites.insert(answer.suites.begin(), answer.suites.end());
     if (frame.failure) return frame.failure;
@@ -182,9 +182,9 @@ std::optional<Failure> SendRender(FrameRecord& frame, void* preRenderData, const
     input.bitdepth = frame.BitDepth();
     input.pre_render_data = preRenderData;
     PF_SmartRenderExtra extra{&input, &smartRenderCallbacks};
-    frame.stage = FrameRecord::Stage::kRender;
+    frame.phase = FrameRecord::Phase::kRender;
     const Answer answer = SendCommand(frame.state, PF_Cmd_SMART_RENDER, &frame, nullptr, &extra);
-    frame.stage = FrameRecord::Stage::kIdle;
+    frame.phase = FrameRecord::Phase::kIdle;
     if (!IsSame(frame.output.Def(), record)) {
         frame.state.services.Report(
             "PF_Cmd_SMART_RENDER changed the record of its output world; the change is ignored");
@@ -227,7 +227,7 @@ std::optional<Failure> RunPass(SessionState& state, const FrameRequest& request,
         }
     }
     for (const CommandRecord& record : frame.commands) answered.commands.push_back(record);
-    if (!frame.total.Even()) {
+    if (!frame.total.IsBalanced()) {
         state.services.Report(fmt::format("still open after drawing a frame: {}", frame.total.Text()));
     }
     if (drawn) drawn->output = std::move(frame.output);

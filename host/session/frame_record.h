@@ -58,8 +58,8 @@ struct FrameRecord {
     const LayersSeen* LayersAt(const Moment& moment);
     std::optional<Failure> failure;  ///< why the effect was refused what it may have asked for
 
-    enum class Stage { kIdle, kPreRender, kRender };
-    Stage stage = Stage::kIdle;
+    enum class Phase { kIdle, kPreRender, kRender };
+    Phase phase = Phase::kIdle;
     PF_RenderRequest outputRequest{};
     std::list<LayerCheckout> checkouts;
     std::mutex mutex;  ///< guards the check-outs and moments: an effect may ask from its own threads
@@ -78,7 +78,7 @@ struct FrameRecord {
 };
 
 /// The frame that an effect reference belongs to, when the callback may be made now; null, with a report, otherwise.
-FrameRecord* FrameOf(PF_ProgPtr effectRef, FrameRecord::Stage stage, const char* call);
+FrameRecord* FrameOf(PF_ProgPtr effectRef, FrameRecord::Phase phase, const char* call);
 
 /// What `PF_PreRenderExtra::cb` and `PF_SmartRenderExtra::cb` point to. The pointers that effects get are not const;
 /// none writes through them.

@@ -53,19 +53,19 @@ bool IsSoftware(const GpuStrings& gpu) {
     return false;
 }
 
-Result<RendererWish> ReadRendererWish(const std::string& option) {
+Result<RendererPreference> ReadRendererPreference(const std::string& option) {
     if (const auto checked = CheckOpenGLVariable(); !checked) return checked.Error();
-    std::string wish = option;
+    std::string preference = option;
     const char* variable = std::getenv(kVariable);
-    const bool fromEnvironment = wish.empty() && variable && *variable != '\0';
-    if (fromEnvironment) wish = variable;
-    if (wish == "gl") return RendererWish::kOpenGL;
-    if (wish == "cpu") return RendererWish::kProcessor;
-    if (fromEnvironment && wish != "auto") {
+    const bool fromEnvironment = preference.empty() && variable && *variable != '\0';
+    if (fromEnvironment) preference = variable;
+    if (preference == "gl") return RendererPreference::kOpenGL;
+    if (preference == "cpu") return RendererPreference::kProcessor;
+    if (fromEnvironment && preference != "auto") {
         return Failure{ExitCode::kUsage,
-                       fmt::format("{} is \"{}\"; it must be \"gl\", \"cpu\" or \"auto\"", kVariable, wish)};
+                       fmt::format("{} is \"{}\"; it must be \"gl\", \"cpu\" or \"auto\"", kVariable, preference)};
     }
-    return RendererWish::kAuto;
+    return RendererPreference::kAuto;
 }
 
 bool HasGraphicsDevice(const std::filesystem::path& devices) {
@@ -80,14 +80,14 @@ bool HasGraphicsDevice(const std::filesystem::path& devices) {
     return false;
 }
 
-UMBRANT_Renderer RendererOfSetUp(RendererWish wish, bool hasDevice) {
-    if (wish == RendererWish::kProcessor) return UMBRANT_Renderer_PROCESSOR;
-    return wish == RendererWish::kAuto && !hasDevice ? UMBRANT_Renderer_PROCESSOR : UMBRANT_Renderer_OPENGL;
+UMBRANT_Renderer RendererOfSetUp(RendererPreference preference, bool hasDevice) {
+    if (preference == RendererPreference::kProcessor) return UMBRANT_Renderer_PROCESSOR;
+    return preference == RendererPreference::kAuto && !hasDevice ? UMBRANT_Renderer_PROCESSOR : UMBRANT_Renderer_OPENGL;
 }
 
-RendererDecision DecideRenderer(RendererWish wish, const GpuStrings& gpu, bool hasDevice) {
-    if (wish == RendererWish::kOpenGL) return {false, "requested"};
-    if (wish == RendererWish::kProcessor) return {true, "requested"};
+RendererDecision DecideRenderer(RendererPreference preference, const GpuStrings& gpu, bool hasDevice) {
+    if (preference == RendererPreference::kOpenGL) return {false, "requested"};
+    if (preference == RendererPreference::kProcessor) return {true, "requested"};
     if (!gpu.HasContext()) return {true, "OpenGL is not available"};
     if (gpu.renderer.empty()) return {false, "the effect names no renderer"};
     if (!hasDevice) return {true, "no graphics device was found"};

@@ -29,19 +29,19 @@ struct GpuStrings {
 GpuStrings ReadGpuStrings(const ParamSet& params);
 
 /// What was asked for.
-enum class RendererWish { kAuto, kOpenGL, kProcessor };
+enum class RendererPreference { kAuto, kOpenGL, kProcessor };
 
-/// The wish by `option` ("auto", "gl", "cpu"); without one by the environment, where an empty variable is none. Another
-/// value of UMBRANT_RENDERER in the environment is wrong usage, and so is one of UMBRANT_GL that is neither "software"
-/// nor "hardware".
-Result<RendererWish> ReadRendererWish(const std::string& option);
+/// The preference by `option` ("auto", "gl", "cpu"); without one by the environment, where an empty variable is none.
+/// Another value of UMBRANT_RENDERER in the environment is wrong usage, and so is one of UMBRANT_GL that is neither
+/// "software" nor "hardware".
+Result<RendererPreference> ReadRendererPreference(const std::string& option);
 
 /// Whether the system has a device that OpenGL could draw with, by the names that Linux's drivers give theirs in
 /// `devices`. Opens nothing.
 bool HasGraphicsDevice(const std::filesystem::path& devices = "/dev");
 
 /// What a session is set up for: `kAuto` needs to see OpenGL only where a device could draw it.
-UMBRANT_Renderer RendererOfSetUp(RendererWish wish, bool hasDevice = HasGraphicsDevice());
+UMBRANT_Renderer RendererOfSetUp(RendererPreference preference, bool hasDevice = HasGraphicsDevice());
 
 /// Whether the effect's OpenGL is drawn by the processor.
 bool IsSoftware(const GpuStrings& gpu);
@@ -57,7 +57,8 @@ struct RendererDecision {
 };
 
 /// `kAuto` takes OpenGL where hardware draws it, and otherwise the processor.
-RendererDecision DecideRenderer(RendererWish wish, const GpuStrings& gpu, bool hasDevice = HasGraphicsDevice());
+RendererDecision DecideRenderer(RendererPreference preference, const GpuStrings& gpu,
+                                bool hasDevice = HasGraphicsDevice());
 
 /// "drawn by the processor: there is no OpenGL".
 std::string RendererText(const RendererDecision& decision);

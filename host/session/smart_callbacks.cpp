@@ -26,7 +26,7 @@ A_long FullSize(int size, const PF_RationalScale& scale) {
 
 PF_Err CheckoutLayer(PF_ProgPtr effectRef, PF_ParamIndex index, A_long id, const PF_RenderRequest* request, A_long time,
                      A_long, A_u_long timeScale, PF_CheckoutResult* result) {
-    FrameRecord* frame = FrameOf(effectRef, FrameRecord::Stage::kPreRender, "checkout_layer");
+    FrameRecord* frame = FrameOf(effectRef, FrameRecord::Phase::kPreRender, "checkout_layer");
     if (!frame || !request || !result || timeScale == 0) return PF_Err_BAD_CALLBACK_PARAM;
     if (index < 0 || index >= frame->params.Count()) return PF_Err_INVALID_INDEX;
     if (frame->params.Row(index).def.param_type != PF_Param_LAYER) {
@@ -65,7 +65,7 @@ PF_Err CheckoutLayer(PF_ProgPtr effectRef, PF_ParamIndex index, A_long id, const
 
 /// Nothing is cached here, so what the effect mixes in makes no difference.
 PF_Err GuidMixIn(PF_ProgPtr effectRef, A_u_long size, const void* buffer) {
-    if (!FrameOf(effectRef, FrameRecord::Stage::kPreRender, "GuidMixInPtr")) return PF_Err_BAD_CALLBACK_PARAM;
+    if (!FrameOf(effectRef, FrameRecord::Phase::kPreRender, "GuidMixInPtr")) return PF_Err_BAD_CALLBACK_PARAM;
     return buffer || size == 0 ? PF_Err_NONE : PF_Err_BAD_CALLBACK_PARAM;
 }
 
@@ -86,7 +86,7 @@ void Watch(const FrameRecord& frame, World& world, WorldRole role, bool lent) {
 }
 
 PF_Err CheckoutLayerPixels(PF_ProgPtr effectRef, A_long id, PF_EffectWorld** pixels) {
-    FrameRecord* frame = FrameOf(effectRef, FrameRecord::Stage::kRender, "checkout_layer_pixels");
+    FrameRecord* frame = FrameOf(effectRef, FrameRecord::Phase::kRender, "checkout_layer_pixels");
     if (!frame || !pixels) return PF_Err_BAD_CALLBACK_PARAM;
     *pixels = nullptr;
     const std::lock_guard lock(frame->mutex);
@@ -115,7 +115,7 @@ PF_Err CheckoutLayerPixels(PF_ProgPtr effectRef, A_long id, PF_EffectWorld** pix
 }
 
 PF_Err CheckinLayerPixels(PF_ProgPtr effectRef, A_long id) {
-    FrameRecord* frame = FrameOf(effectRef, FrameRecord::Stage::kRender, "checkin_layer_pixels");
+    FrameRecord* frame = FrameOf(effectRef, FrameRecord::Phase::kRender, "checkin_layer_pixels");
     if (!frame) return PF_Err_BAD_CALLBACK_PARAM;
     const std::lock_guard lock(frame->mutex);
     const auto found = std::find_if(frame->checkouts.begin(), frame->checkouts.end(),
@@ -132,7 +132,7 @@ PF_Err CheckinLayerPixels(PF_ProgPtr effectRef, A_long id) {
 }
 
 PF_Err CheckoutOutput(PF_ProgPtr effectRef, PF_EffectWorld** output) {
-    FrameRecord* frame = FrameOf(effectRef, FrameRecord::Stage::kRender, "checkout_output");
+    FrameRecord* frame = FrameOf(effectRef, FrameRecord::Phase::kRender, "checkout_output");
     if (!frame || !output) return PF_Err_BAD_CALLBACK_PARAM;
     const std::lock_guard lock(frame->mutex);
     frame->outputTaken = true;
@@ -147,10 +147,10 @@ using SmartRenderSlot = Served<kSmartRenderTable, Call, Function>;
 
 }  // namespace
 
-FrameRecord* FrameOf(PF_ProgPtr effectRef, FrameRecord::Stage stage, const char* call) {
+FrameRecord* FrameOf(PF_ProgPtr effectRef, FrameRecord::Phase phase, const char* call) {
     EffectRef* ref = EffectRef::Of(effectRef, call);
     if (!ref) return nullptr;
-    if (!ref->frame || ref->frame->stage != stage) {
+    if (!ref->frame || ref->frame->phase != phase) {
         Report(fmt::format("{} was called outside of the command it belongs to", call));
         return nullptr;
     }

@@ -222,7 +222,7 @@ class Life {
             Promise(frame || frame.Error().code == ExitCode::kEffectFailed, "a failed frame is the effect's failure");
             if (!frame) return;
             for (const CommandRecord& record : frame->commands) {
-                Promise(record.balance.Even(), "a frame leaves open " + record.balance.Text());
+                Promise(record.balance.IsBalanced(), "a frame leaves open " + record.balance.Text());
             }
         };
         if (ownThread) {

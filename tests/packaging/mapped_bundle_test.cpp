@@ -142,7 +142,7 @@ TEST_F(MappedBundle, RegistersAndDeclaresTheSame) {
         EXPECT_TRUE(driven.session->UpdateParamsUI());
         for (const CommandRecord& record : driven.session->Commands()) EXPECT_EQ(record.error, 0) << record.message;
         EXPECT_TRUE(driven.session->End());
-        EXPECT_TRUE(driven.session->Open().Even()) << driven.session->Open().Text();
+        EXPECT_TRUE(driven.session->Open().IsBalanced()) << driven.session->Open().Text();
         EXPECT_THAT(driven.session->Misbehaviour(), IsEmpty());
     });
     EXPECT_GT(said[0].size(), 60u);
@@ -207,7 +207,7 @@ TEST_P(MappedBundleDraws, TheSameBytes) {
         pixels[isMac ? 0 : 1] = Bytes(frame->output);
         rects[isMac ? 0 : 1] = frame->rect;
         EXPECT_TRUE(driven.session->End());
-        EXPECT_TRUE(driven.session->Open().Even()) << driven.session->Open().Text();
+        EXPECT_TRUE(driven.session->Open().IsBalanced()) << driven.session->Open().Text();
         EXPECT_THAT(driven.session->Misbehaviour(), IsEmpty());
     });
     if (!drawn) GTEST_SKIP() << "no OpenGL context can be made on this machine";
@@ -293,7 +293,7 @@ TEST_F(MappedBundle, EachRenderThreadHasItsOwnState) {
         for (std::thread& thread : threads) thread.join();
         for (const std::string& each : pixels) EXPECT_EQ(each, pixels[0]);
         EXPECT_TRUE(driven.session->End());
-        EXPECT_TRUE(driven.session->Open().Even()) << driven.session->Open().Text();
+        EXPECT_TRUE(driven.session->Open().IsBalanced()) << driven.session->Open().Text();
     }).join();
 }
 

@@ -79,7 +79,7 @@ TEST(FindHoles, HoldsEveryPixelThatIsNotFull) {
 }
 
 // Whether output `i` has a tap within one input of any of [begin, end), by trying them.
-bool Sees(const PassAxis& axis, const Range& something, double reach, int output) {
+bool Sees(const AxisSampling& axis, const Range& something, double reach, int output) {
     const int inputs = axis.look.size;
     const double covered = static_cast<double>(axis.scale) * inputs;
     const double at = ((output + 0.5) / axis.outputs - 0.5) * covered + inputs / 2.0 - 0.5;
@@ -122,7 +122,7 @@ TEST(SeenThrough, HoldsEveryOutputThatATapReaches) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        const PassAxis axis =
+        const AxisSampling axis =
             ScaledAxis(row.outputs, static_cast<float>(row.covered / row.inputs), row.inputs, row.edge);
         int first = row.outputs, last = -1;
         for (int i = 0; i < row.outputs; ++i) {
@@ -179,7 +179,7 @@ Followed Place(const Placement& place, int size, const std::vector<bool>& drawn)
     return followed;
 }
 
-std::vector<bool> SeenBy(const PassAxis& axis, const Range& something, double reach) {
+std::vector<bool> SeenBy(const AxisSampling& axis, const Range& something, double reach) {
     std::vector<bool> seen;
     for (int i = 0; i < axis.outputs; ++i) seen.push_back(Sees(axis, something, reach, i));
     return seen;
@@ -225,7 +225,7 @@ TEST(RegionsOf, HoldsAllThatIsNotZeroAndShows) {
         const auto first = std::find(resized.begin(), resized.end(), true) - resized.begin();
         const Range rows = {static_cast<int>(first),
                             static_cast<int>(first + std::count(resized.begin(), resized.end(), true))};
-        const PassAxis down = ScaledAxis(plan.across.y.outputs, 1, plan.across.y.outputs, Edge::kMirror);
+        const AxisSampling down = ScaledAxis(plan.across.y.outputs, 1, plan.across.y.outputs, Edge::kMirror);
         const Followed y = Place(plan.place.y, kHeight, SeenBy(down, rows, plan.down.Reach()));
         if (!x.Any() || !y.Any()) continue;
         ++shown;

@@ -10,7 +10,7 @@
 #include <mutex>
 #include <unordered_map>
 
-#include "host/compositing/lent_memory.h"
+#include "host/compositing/guarded_memory.h"
 #include "host/process/fork_lock.h"
 #include "host/suites/pf/handles.h"
 #include "host/suites/slots.h"
@@ -23,7 +23,7 @@ constexpr int kFreshByte = 0xA5;
 
 struct Block {
     char* master = nullptr;
-    LentBytes bytes;
+    GuardedBytes bytes;
     A_HandleSize size = 0;
     int locks = 0;
 };
@@ -46,11 +46,11 @@ Table& TheTable() {
 }
 [[maybe_unused]] const Table& earlyTable = TheTable();  // before there are threads: see fork_lock.h
 
-LentBytes Allocate(A_HandleSize size) {
-    return LentBytes::Create(static_cast<std::size_t>(size), false);
+GuardedBytes Allocate(A_HandleSize size) {
+    return GuardedBytes::Create(static_cast<std::size_t>(size), false);
 }
 
-char* Characters(const LentBytes& bytes) {
+char* Characters(const GuardedBytes& bytes) {
     return reinterpret_cast<char*>(bytes.Data());
 }
 
@@ -150,7 +150,7 @@ PF_Err ResizeHandle(A_HandleSize size, PF_Handle* handle) {
         Report(block ? "a locked handle was resized" : "an invalid handle was resized");
         return PF_Err_BAD_CALLBACK_PARAM;
     }
-    LentBytes bytes = Allocate(size);
+    GuardedBytes bytes = Allocate(size);
     if (!bytes.Data()) return PF_Err_OUT_OF_MEMORY;
     const A_HandleSize kept = size < block->size ? size : block->size;
     std::memcpy(bytes.Data(), block->bytes.Data(), static_cast<std::size_t>(kept));

@@ -11,7 +11,7 @@
 #include <set>
 
 #include "host/session/error_names.h"
-#include "host/validate/checks/stage.h"
+#include "host/validate/checks/check_fixture.h"
 #include "host/validate/runner/processes.h"
 
 namespace {
@@ -27,7 +27,7 @@ struct Flags {
 };
 
 /// What two set-ups of one loaded module announce.
-std::pair<Flags, Flags> SetUpTwice(Trial& trial) {
+std::pair<Flags, Flags> SetUpTwice(CheckRun& run) {
     Flags flags;
     SessionOptions options;
     options.afterCommand = [&](const CommandArguments& sent, PF_Err) {
@@ -35,89 +35,86 @@ std::pair<Flags, Flags> SetUpTwice(Trial& trial) {
             flags = {sent.out->my_version, sent.out->out_flags, sent.out->out_flags2};
         }
     };
-    Stage stage(trial, options);
+    CheckFixture fixture(run, options);
     const Flags first = flags;
-    if (const auto ended = stage.Session().End(); !ended) trial.Fail(ended.Error().sentence);
-    if (const auto again = stage.Session().SetUp(); !again) trial.Fail(again.Error().sentence);
+    if (const auto ended = fixture.Session().End(); !ended) run.Fail(ended.Error().sentence);
+    if (const auto again = fixture.Session().SetUp(); !again) run.Fail(again.Error().sentence);
     return {first, flags};
 }
 
-void AnnouncesItself(Trial& trial) {
-    const auto [flags, again] = SetUpTwice(trial);
-    if (flags.version == 0) trial.Fail("global set-up leaves the version at 0");
+void AnnouncesItself(CheckRun& run) {
+    const auto [flags, again] = SetUpTwice(run);
+    if (flags.version == 0) run.Fail("global set-up leaves the version at 0");
     if ((flags.second & PF_OutFlag2_FLOAT_COLOR_AWARE) && !(flags.second & PF_OutFlag2_SUPPORTS_SMART_RENDER)) {
-        trial.Fail("float colours are announced without smart rendering, which every host needs for them");
+        run.Fail("float colours are announced without smart rendering, which every host needs for them");
     }
     if ((flags.second & PF_OutFlag2_SUPPORTS_GPU_RENDER_F32) && !(flags.second & PF_OutFlag2_SUPPORTS_SMART_RENDER)) {
-        trial.Fail("rendering on the host's GPU is announced without smart rendering");
+        run.Fail("rendering on the host's GPU is announced without smart rendering");
     }
-    if (flags.first & PF_OutFlag_I_AM_OBSOLETE) trial.Warn("the effect is marked as obsolete, so no menu shows it");
+    if (flags.first & PF_OutFlag_I_AM_OBSOLETE) run.Warn("the effect is marked as obsolete, so no menu shows it");
     if (!(again == flags)) {
-        trial.Fail("a second set-up announces another version or other flags than the first");
+        run.Fail("a second set-up announces another version or other flags than the first");
     }
 }
 
 /// What is wrong with the limits of a number.
-void CheckNumber(Trial& trial, const ParamRow& row, const NumberRange& range) {
+void CheckNumber(CheckRun& run, const ParamRow& row, const NumberRange& range) {
     const auto& [low, high, sliderLow, sliderHigh, normal] = range;
     const std::string name = RowName(row);
-    if (low > high) trial.Fail(fmt::format("{}: the valid range is empty, {} to {}", name, low, high));
-    if (sliderLow > sliderHigh) trial.Fail(fmt::format("{}: the slider's range is empty", name));
+    if (low > high) run.Fail(fmt::format("{}: the valid range is empty, {} to {}", name, low, high));
+    if (sliderLow > sliderHigh) run.Fail(fmt::format("{}: the slider's range is empty", name));
     if (normal < low || normal > high) {
-        trial.Fail(fmt::format("{}: the default {} is outside of the valid range {} to {}", name, normal, low, high));
+        run.Fail(fmt::format("{}: the default {} is outside of the valid range {} to {}", name, normal, low, high));
     }
     if (sliderLow < low || sliderHigh > high) {
-        trial.Fail(fmt::format("{}: the slider reaches from {} to {}, beyond the valid range {} to {}", name, sliderLow,
-                               sliderHigh, low, high));
+        run.Fail(fmt::format("{}: the slider reaches from {} to {}, beyond the valid range {} to {}", name, sliderLow,
+                             sliderHigh, low, high));
     }
 }
 
-void CheckPopup(Trial& trial, const ParamRow& row) {
+void CheckPopup(CheckRun& run, const ParamRow& row) {
     const PF_PopupDef& popup = row.def.u.pd;
     const std::string name = RowName(row);
-    if (popup.num_choices < 1) trial.Fail(fmt::format("{}: the popup has no items", name));
+    if (popup.num_choices < 1) run.Fail(fmt::format("{}: the popup has no items", name));
     if (static_cast<int>(row.items.size()) != popup.num_choices) {
-        trial.Fail(
-            fmt::format("{}: the popup has {} items but declares {}", name, row.items.size(), popup.num_choices));
+        run.Fail(fmt::format("{}: the popup has {} items but declares {}", name, row.items.size(), popup.num_choices));
     }
     if (popup.dephault < 1 || popup.dephault > popup.num_choices) {
-        trial.Fail(fmt::format("{}: the default item {} is not one of {}", name, popup.dephault, popup.num_choices));
+        run.Fail(fmt::format("{}: the default item {} is not one of {}", name, popup.dephault, popup.num_choices));
     }
 }
 
-void CheckRow(Trial& trial, const ParamRow& row) {
+void CheckRow(CheckRun& run, const ParamRow& row) {
     const char* name = row.def.name_do_not_use_directly;
     if (!std::memchr(name, '\0', kNameField)) {
-        trial.Fail(fmt::format("row #{}: the name has no end within its {} bytes", row.index, kNameField));
+        run.Fail(fmt::format("row #{}: the name has no end within its {} bytes", row.index, kNameField));
     }
-    if (const auto range = SliderRange(row.def)) CheckNumber(trial, row, *range);
-    if (KindOf(row.def) == ParamKind::kPopup) CheckPopup(trial, row);
+    if (const auto range = SliderRange(row.def)) CheckNumber(run, row, *range);
+    if (KindOf(row.def) == ParamKind::kPopup) CheckPopup(run, row);
 }
 
-void DeclaresSoundly(Trial& trial) {
+void DeclaresSoundly(CheckRun& run) {
     struct Declared {
         PF_ParamIndex index;
         PF_ParamDef def;
     };
     std::vector<std::string> names;
-    Stage stage(trial);
+    CheckFixture fixture(run);
     std::map<A_long, int> ids;
     int adds = 0;
-    for (const Event& event : stage.Log().Events()) adds += event.callee == "interact.add_param" && !event.Failed();
-    const ParamSet& params = stage.Session().Params();
+    for (const Event& event : fixture.Log().Events()) adds += event.callee == "interact.add_param" && !event.Failed();
+    const ParamSet& params = fixture.Session().Params();
     // The session refuses a wrong count and open groups; see EffectSession::SetUp.
-    if (adds + 1 != params.Count())
-        trial.Fail(fmt::format("{} rows were added, {} are known", adds, params.Count() - 1));
+    if (adds + 1 != params.Count()) run.Fail(fmt::format("{} rows were added, {} are known", adds, params.Count() - 1));
     for (const ParamRow& row : params.Rows()) {
         if (row.index == 0) continue;
-        CheckRow(trial, row);
+        CheckRow(run, row);
         const auto [known, fresh] = ids.emplace(row.def.uu.id, row.index);
         // Without an id of its own a row is stored under its index; hosts number rows that say 0.
         if (row.def.uu.id == 0 || fresh) continue;
-        trial.Fail(
-            fmt::format("rows #{} and #{} are stored under one id, {}", known->second, row.index, row.def.uu.id));
+        run.Fail(fmt::format("rows #{} and #{} are stored under one id, {}", known->second, row.index, row.def.uu.id));
     }
-    trial.Count("parameters", params.Count());
+    run.Count("parameters", params.Count());
 }
 
 constexpr char kUntouched = 0x5A;
@@ -130,7 +127,7 @@ struct AboutAnswer {
     bool overran = false;
 };
 
-AboutAnswer AskAbout(Trial& trial, A_AppID host, bool pattern) {
+AboutAnswer AskAbout(CheckRun& run, A_AppID host, bool pattern) {
     AboutAnswer answer;
     PF_OutData before{};
     SessionOptions options;
@@ -150,71 +147,71 @@ AboutAnswer AskAbout(Trial& trial, A_AppID host, bool pattern) {
         answer.overran = sent.out->start_sampL != before.start_sampL || sent.out->dur_sampL != before.dur_sampL ||
                          std::memcmp(&sent.out->dest_snd, &before.dest_snd, sizeof(before.dest_snd)) != 0;
     };
-    Stage stage(trial, options);
-    stage.Session().Send(PF_Cmd_ABOUT, nullptr, nullptr, nullptr);
-    stage.NoteMisbehaviour("about");
+    CheckFixture fixture(run, options);
+    fixture.Session().Send(PF_Cmd_ABOUT, nullptr, nullptr, nullptr);
+    fixture.NoteMisbehaviour("about");
     return answer;
 }
 
-void TellsAboutItself(Trial& trial) {
+void TellsAboutItself(CheckRun& run) {
     // Over zeroes first, as hosts send it; then over a pattern, which shows a text without an end.
-    const AboutAnswer plain = AskAbout(trial, kAppID_AfterEffects, false);
-    if (plain.error) trial.Fail(fmt::format("about returned {} ({})", plain.error, ErrorName(plain.error)));
-    if (plain.message.empty()) trial.Fail("about leaves no text");
-    const AboutAnswer patterned = AskAbout(trial, kAppID_AfterEffects, true);
-    if (plain.overran || patterned.overran) trial.Fail("about writes beyond the message's 256 bytes");
+    const AboutAnswer plain = AskAbout(run, kAppID_AfterEffects, false);
+    if (plain.error) run.Fail(fmt::format("about returned {} ({})", plain.error, ErrorName(plain.error)));
+    if (plain.message.empty()) run.Fail("about leaves no text");
+    const AboutAnswer patterned = AskAbout(run, kAppID_AfterEffects, true);
+    if (plain.overran || patterned.overran) run.Fail("about writes beyond the message's 256 bytes");
     if (!plain.ended || (!patterned.message.empty() && !patterned.ended)) {
-        trial.Fail("the about text has no end within the message's 256 bytes");
+        run.Fail("the about text has no end within the message's 256 bytes");
     }
     if (patterned.ended && patterned.message != plain.message) {
-        trial.Fail(fmt::format("the about text changes from '{}' to '{}'", plain.message, patterned.message));
+        run.Fail(fmt::format("the about text changes from '{}' to '{}'", plain.message, patterned.message));
     }
 }
 
-void StandsOtherHosts(Trial& trial) {
-    std::vector<Part> parts;
-    parts.push_back({"in Premiere Pro",
-                     [](Trial& part) {
-                         SessionOptions options;
-                         options.appId = kAppID_Premiere;
-                         Stage stage(part, options);
-                         stage.TouchPanel();
-                         stage.EndEven("in Premiere Pro");
-                     },
-                     {}});
-    parts.push_back({"in an application of another name",
-                     [](Trial& part) {
-                         SessionOptions options;
-                         options.appId = 0x41424344;
-                         Stage stage(part, options);
-                         stage.TouchPanel();
-                         stage.EndEven("in an application of another name");
-                     },
-                     {}});
-    parts.push_back({"in a host of interface 13.0",
-                     [](Trial& part) {
-                         SessionOptions options;
-                         options.apiMinor = 0;
-                         Stage stage(part, options);
-                         stage.TouchPanel();
-                         const World layer = TestPicture(16, 16, Depth::k8);
-                         FrameRequest request;
-                         request.layer = &layer;
-                         stage.Cheapen();
-                         stage.Draw(request, "in a host of interface 13.0");
-                         stage.EndEven("in a host of interface 13.0");
-                     },
-                     {}});
-    RunParts(trial, parts);
+void StandsOtherHosts(CheckRun& run) {
+    std::vector<SubCheck> subChecks;
+    subChecks.push_back({"in Premiere Pro",
+                         [](CheckRun& part) {
+                             SessionOptions options;
+                             options.appId = kAppID_Premiere;
+                             CheckFixture fixture(part, options);
+                             fixture.TouchPanel();
+                             fixture.EndBalanced("in Premiere Pro");
+                         },
+                         {}});
+    subChecks.push_back({"in an application of another name",
+                         [](CheckRun& part) {
+                             SessionOptions options;
+                             options.appId = 0x41424344;
+                             CheckFixture fixture(part, options);
+                             fixture.TouchPanel();
+                             fixture.EndBalanced("in an application of another name");
+                         },
+                         {}});
+    subChecks.push_back({"in a host of interface 13.0",
+                         [](CheckRun& part) {
+                             SessionOptions options;
+                             options.apiMinor = 0;
+                             CheckFixture fixture(part, options);
+                             fixture.TouchPanel();
+                             const World layer = TestPicture(16, 16, Depth::k8);
+                             FrameRequest request;
+                             request.layer = &layer;
+                             fixture.Cheapen();
+                             fixture.Draw(request, "in a host of interface 13.0");
+                             fixture.EndBalanced("in a host of interface 13.0");
+                         },
+                         {}});
+    RunSubChecks(run, subChecks);
 }
 
-void IgnoresUnknownCommands(Trial& trial) {
+void IgnoresUnknownCommands(CheckRun& run) {
     World world;
     PF_OutData before{}, after{};
     SessionOptions options;
     options.beforeCommand = [&](CommandArguments& sent) { before = *sent.out; };
     options.afterCommand = [&](const CommandArguments& sent, PF_Err) { after = *sent.out; };
-    Stage stage(trial, options);
+    CheckFixture fixture(run, options);
     world = TestPicture(16, 16, Depth::k8);
     const std::uint64_t pixels = DigestOf(world);
     // Commands that no effect of today's hosts gets, or that hosts send only to who announces more.
@@ -225,43 +222,43 @@ void IgnoresUnknownCommands(Trial& trial) {
         commands.push_back(command);
     }
     // The older way to render is left to effects that do not render smartly.
-    if (stage.Session().OutFlags2() & PF_OutFlag2_SUPPORTS_SMART_RENDER) {
+    if (fixture.Session().OutFlags2() & PF_OutFlag2_SUPPORTS_SMART_RENDER) {
         commands.insert(commands.end(), {PF_Cmd_FRAME_SETUP, PF_Cmd_RENDER, PF_Cmd_FRAME_SETDOWN});
     }
     for (const PF_Cmd command : commands) {
-        const CommandRecord record = stage.Session().Send(command, nullptr, &world.Def(), nullptr);
+        const CommandRecord record = fixture.Session().Send(command, nullptr, &world.Def(), nullptr);
         const std::string name = fmt::format("command {} ({})", command, CommandName(command));
-        if (record.error) trial.Fail(fmt::format("{} is answered with {}", name, ErrorName(record.error)));
+        if (record.error) run.Fail(fmt::format("{} is answered with {}", name, ErrorName(record.error)));
         const bool isFrame = command == PF_Cmd_FRAME_SETUP || command == PF_Cmd_FRAME_SETDOWN;
         if (!isFrame && std::memcmp(&before, &after, sizeof(before)) != 0) {
-            trial.Fail(fmt::format("{} changes the out data", name));
+            run.Fail(fmt::format("{} changes the out data", name));
         }
-        if (DigestOf(world) != pixels) trial.Fail(fmt::format("{} changes the output world", name));
-        if (!record.balance.Even()) trial.Fail(fmt::format("{} leaves {} open", name, record.balance.Text()));
+        if (DigestOf(world) != pixels) run.Fail(fmt::format("{} changes the output world", name));
+        if (!record.balance.IsBalanced()) run.Fail(fmt::format("{} leaves {} open", name, record.balance.Text()));
     }
-    trial.Count("commands", static_cast<double>(commands.size()));
+    run.Count("commands", static_cast<double>(commands.size()));
 }
 
-void DrawsItsDefaults(Trial& trial) {
-    Stage stage(trial);
+void DrawsItsDefaults(CheckRun& run) {
+    CheckFixture fixture(run);
     for (const Depth depth : {Depth::k8, Depth::k32}) {
         const std::string what = fmt::format("the default frame at {} bits", static_cast<int>(depth));
-        if (depth == Depth::k32 && !(stage.Session().OutFlags2() & PF_OutFlag2_FLOAT_COLOR_AWARE)) continue;
+        if (depth == Depth::k32 && !(fixture.Session().OutFlags2() & PF_OutFlag2_FLOAT_COLOR_AWARE)) continue;
         const World layer = TestPicture(64, 64, depth);
         FrameRequest request;
         request.layer = &layer;
-        const auto frame = stage.Draw(request, what);
+        const auto frame = fixture.Draw(request, what);
         if (!frame) continue;
         if (frame->output.Width() == 0) {
-            trial.Fail(fmt::format("{} is empty", what));
+            run.Fail(fmt::format("{} is empty", what));
         } else if (AllZero(frame->output)) {
-            trial.Fail(fmt::format("{} is all zero", what));
+            run.Fail(fmt::format("{} is all zero", what));
         }
         if (const auto place = NotFinite(frame->output)) {
-            trial.Fail(fmt::format("{} has a channel at {} that is not finite", what, *place));
+            run.Fail(fmt::format("{} has a channel at {} that is not finite", what, *place));
         }
     }
-    stage.NoteMisbehaviour("the default frames");
+    fixture.NoteMisbehaviour("the default frames");
 }
 
 }  // namespace

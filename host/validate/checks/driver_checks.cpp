@@ -13,7 +13,7 @@
 #include <optional>
 #include <thread>
 
-#include "host/validate/checks/stage.h"
+#include "host/validate/checks/check_fixture.h"
 #include "host/validate/runner/process_memory.h"
 #include "host/validate/runner/processes.h"
 #include "host/validate/shim/shim_control.h"
@@ -28,7 +28,7 @@ struct Shim {
     ShimSetFault setFault = nullptr;
     ShimCountFaults countFaults = nullptr;
 
-    static Shim Find(Trial& trial) {
+    static Shim Find(CheckRun& run) {
         Shim shim;
         shim.setModule = reinterpret_cast<ShimSetModule>(dlsym(RTLD_DEFAULT, kShimSetModule));
         shim.failAllocation = reinterpret_cast<ShimFailAllocation>(dlsym(RTLD_DEFAULT, kShimFailAllocation));
@@ -36,7 +36,7 @@ struct Shim {
         shim.setFault = reinterpret_cast<ShimSetFault>(dlsym(RTLD_DEFAULT, kShimSetFault));
         shim.countFaults = reinterpret_cast<ShimCountFaults>(dlsym(RTLD_DEFAULT, kShimCountFaults));
         if (!shim.setModule || !shim.setFault) {
-            trial.Skip(
+            run.Skip(
                 "umbrant_shim.so, which intercepts the module's driver calls, was not found in the program's folder");
         }
         return shim;
@@ -67,45 +67,45 @@ std::pair<const char*, const char*> CodeOf(const std::filesystem::path& file) {
     return {search.begin, search.end};
 }
 
-std::vector<Variant> StylesOf(Stage& stage) {
-    return StyleVariants(stage.Session().Params(), 3);
+std::vector<Variant> StylesOf(CheckFixture& fixture) {
+    return StyleVariants(fixture.Session().Params(), 3);
 }
 
 /// Draws one style; the frame, or nothing when the effect refused.
-std::optional<Frame> DrawStyle(Trial& part, Stage& stage, const Variant& variant) {
+std::optional<Frame> DrawStyle(CheckRun& part, CheckFixture& fixture, const Variant& variant) {
     const World layer = TestPicture(20, 16, Depth::k8);
-    ParamSet params = stage.Session().Params();
+    ParamSet params = fixture.Session().Params();
     variant.apply(params);
     FrameRequest request;
     request.layer = &layer;
     request.params = &params;
     part.Count("frames");
-    auto frame = stage.Session().Render(request);
+    auto frame = fixture.Session().Render(request);
     if (!frame) return std::nullopt;
     return std::move(*frame);
 }
 
 /// Every allocation of one style's frame fails in turn. An error is an answer, and so is the picture as it should be.
-void FailAllocationsOf(Trial& part, std::size_t style) {
+void FailAllocationsOf(CheckRun& part, std::size_t style) {
     if (SanitizerRuntime()) part.Skip("a sanitizer's allocator replaces the one of these checks");
     const Shim shim = Shim::Find(part);
-    Stage stage(part);
-    stage.Cheapen();
-    const auto [begin, end] = CodeOf(stage.Loaded().File());
-    const std::vector<Variant> variants = StylesOf(stage);
+    CheckFixture fixture(part);
+    fixture.Cheapen();
+    const auto [begin, end] = CodeOf(fixture.Loaded().File());
+    const std::vector<Variant> variants = StylesOf(fixture);
     if (style >= variants.size()) return;
     const Variant& variant = variants[style];
-    const auto usual = DrawStyle(part, stage, variant);
+    const auto usual = DrawStyle(part, fixture, variant);
     shim.setModule(begin, end);
     shim.failAllocation(0);
-    static_cast<void>(DrawStyle(part, stage, variant));
+    static_cast<void>(DrawStyle(part, fixture, variant));
     const long count = shim.countAllocations();
     for (long k = 1; k <= count; ++k) {
         std::printf("allocation %ld of %ld\n", k, count);
         std::fflush(stdout);
-        stage.Log().Clear();
+        fixture.Log().Clear();
         shim.failAllocation(k);
-        const auto frame = DrawStyle(part, stage, variant);
+        const auto frame = DrawStyle(part, fixture, variant);
         shim.failAllocation(0);
         part.Count("faults");
         if (frame && frame->message.empty() && usual && !SamePixels(frame->output, usual->output)) {
@@ -113,27 +113,27 @@ void FailAllocationsOf(Trial& part, std::size_t style) {
                                   variant.name, k));
         }
     }
-    const auto after = DrawStyle(part, stage, variant);
+    const auto after = DrawStyle(part, fixture, variant);
     if (usual && (!after || !SamePixels(after->output, usual->output))) {
         part.Fail(fmt::format("{}: the frame differs after failed allocations", variant.name));
     }
-    const auto ended = stage.Session().End();
+    const auto ended = fixture.Session().End();
     if (!ended) part.Fail(ended.Error().sentence);
-    if (!stage.Session().Open().Even()) {
+    if (!fixture.Session().Open().IsBalanced()) {
         part.Fail(
-            fmt::format("{}: still open after failed allocations: {}", variant.name, stage.Session().Open().Text()));
+            fmt::format("{}: still open after failed allocations: {}", variant.name, fixture.Session().Open().Text()));
     }
 }
 
-void StandsWantOfItsOwnMemory(Trial& trial) {
-    Shim::Find(trial);
-    std::vector<Part> parts;
+void StandsWantOfItsOwnMemory(CheckRun& run) {
+    Shim::Find(run);
+    std::vector<SubCheck> subChecks;
     constexpr std::size_t kStyles = 4;
     for (std::size_t style = 0; style < kStyles; ++style) {
-        parts.push_back({fmt::format("with the module's own allocations failing, style {}", style + 1),
-                         [style](Trial& part) { FailAllocationsOf(part, style); }});
+        subChecks.push_back({fmt::format("with the module's own allocations failing, style {}", style + 1),
+                             [style](CheckRun& part) { FailAllocationsOf(part, style); }});
     }
-    RunParts(trial, parts);
+    RunSubChecks(run, subChecks);
 }
 
 struct DriverFault {
@@ -148,30 +148,30 @@ constexpr DriverFault kDriverFaults[] = {
     {SHIM_LOST_CONTEXT, "lost contexts"},
 };
 
-void JudgeDriverFrame(Trial& part, const DriverFault& fault, const Variant& variant, const std::optional<Frame>& frame,
-                      const std::optional<Frame>& usual) {
+void JudgeDriverFrame(CheckRun& part, const DriverFault& fault, const Variant& variant,
+                      const std::optional<Frame>& frame, const std::optional<Frame>& usual) {
     if (!frame || !usual || !frame->message.empty() || SamePixels(frame->output, usual->output)) return;
     part.Fail(fmt::format("{}: with {} the frame differs without an error or a message", variant.name, fault.name));
 }
 
 /// The driver fails from the module's first call on, or only once its frames are drawn.
-void FailDriver(Trial& part, const DriverFault& fault, bool fromTheStart) {
+void FailDriver(CheckRun& part, const DriverFault& fault, bool fromTheStart) {
     const Shim shim = Shim::Find(part);
     std::vector<std::optional<Frame>> usual;
     std::vector<Variant> variants;
     {
-        Stage stage(part);
-        stage.Cheapen();
-        variants = StylesOf(stage);
-        for (const Variant& variant : variants) usual.push_back(DrawStyle(part, stage, variant));
+        CheckFixture fixture(part);
+        fixture.Cheapen();
+        variants = StylesOf(fixture);
+        for (const Variant& variant : variants) usual.push_back(DrawStyle(part, fixture, variant));
         if (!fromTheStart) {
             shim.setFault(fault.fault);
             for (std::size_t i = 0; i < variants.size(); ++i) {
-                JudgeDriverFrame(part, fault, variants[i], DrawStyle(part, stage, variants[i]), usual[i]);
+                JudgeDriverFrame(part, fault, variants[i], DrawStyle(part, fixture, variants[i]), usual[i]);
             }
             part.Count("driver calls met", static_cast<double>(shim.countFaults()));
             shim.setFault(SHIM_NONE);
-            stage.EndEven(fmt::format("after {}", fault.name));
+            fixture.EndBalanced(fmt::format("after {}", fault.name));
             return;
         }
     }
@@ -205,23 +205,23 @@ void FailDriver(Trial& part, const DriverFault& fault, bool fromTheStart) {
     shim.setFault(SHIM_NONE);
     const auto ended = session->End();
     if (!ended) part.Fail(ended.Error().sentence);
-    if (!session->Open().Even()) {
+    if (!session->Open().IsBalanced()) {
         part.Fail(fmt::format("with {} something is still open: {}", fault.name, session->Open().Text()));
     }
 }
 
-void StandsAFailingDriver(Trial& trial) {
-    Shim::Find(trial);
-    std::vector<Part> parts;
+void StandsAFailingDriver(CheckRun& run) {
+    Shim::Find(run);
+    std::vector<SubCheck> subChecks;
     for (const DriverFault& fault : kDriverFaults) {
         for (const bool fromTheStart : {true, false}) {
-            parts.push_back({fmt::format("with {}{}", fault.name, fromTheStart ? "" : ", later"),
-                             [fault, fromTheStart](Trial& part) { FailDriver(part, fault, fromTheStart); }});
+            subChecks.push_back({fmt::format("with {}{}", fault.name, fromTheStart ? "" : ", later"),
+                                 [fault, fromTheStart](CheckRun& part) { FailDriver(part, fault, fromTheStart); }});
         }
     }
-    RunParts(trial, parts);
-    if (!trial.Failed() && trial.Result().figures["driver calls met"] == 0) {
-        trial.Skip("the module makes no call to OpenGL that could fail");
+    RunSubChecks(run, subChecks);
+    if (!run.Failed() && run.Result().figures["driver calls met"] == 0) {
+        run.Skip("the module makes no call to OpenGL that could fail");
     }
 }
 

@@ -14,8 +14,8 @@
 #include <thread>
 
 #include "host/process/start_threads.h"
+#include "host/validate/checks/check_fixture.h"
 #include "host/validate/checks/panel_events.h"
-#include "host/validate/checks/stage.h"
 #include "host/validate/runner/process_memory.h"
 #include "host/validate/runner/processes.h"
 #include "host/validate/runner/timing.h"
@@ -33,38 +33,38 @@ FrameRequest RequestOf(const World& layer) {
     return request;
 }
 
-void KeepsItsSize(Trial& trial) {
+void KeepsItsSize(CheckRun& run) {
     constexpr int kFrames = 1000, kWarmUp = 100;
     constexpr double kMostPerFrame = 1024;
-    Stage stage(trial);
-    stage.Cheapen();
+    CheckFixture fixture(run);
+    fixture.Cheapen();
     const World layers[] = {TestPicture(48, 40, Depth::k8), TestPicture(64, 20, Depth::k32),
                             TestPicture(17, 90, Depth::k8)};
     long before = 0;
     int files = 0;
-    for (int i = 0; i < kFrames && !trial.Failed(); ++i) {
+    for (int i = 0; i < kFrames && !run.Failed(); ++i) {
         if (i == kWarmUp) {
             before = ResidentBytes();
             files = OpenFiles();
         }
-        stage.Draw(RequestOf(layers[i % 3]), fmt::format("frame {}", i));
-        stage.Log().Clear();
+        fixture.Draw(RequestOf(layers[i % 3]), fmt::format("frame {}", i));
+        fixture.Log().Clear();
     }
     const double slope = static_cast<double>(ResidentBytes() - before) / (kFrames - kWarmUp);
-    trial.Count("bytes a frame", std::max(0.0, slope));
+    run.Count("bytes a frame", std::max(0.0, slope));
     if (slope > kMostPerFrame) {
-        trial.Fail(fmt::format("{} frames after the first {} grow the process by {:.0f} bytes each", kFrames - kWarmUp,
-                               kWarmUp, slope));
+        run.Fail(fmt::format("{} frames after the first {} grow the process by {:.0f} bytes each", kFrames - kWarmUp,
+                             kWarmUp, slope));
     }
-    if (OpenFiles() > files) trial.Fail(fmt::format("{} frames left {} files open", kFrames, OpenFiles() - files));
-    stage.NoteMisbehaviour("");
+    if (OpenFiles() > files) run.Fail(fmt::format("{} frames left {} files open", kFrames, OpenFiles() - files));
+    fixture.NoteMisbehaviour("");
 }
 
 /// The cost of frames with changing amounts of work, in milliseconds of processor time each, which other programs on
 /// the machine hardly change. What a graphics card computes is not in it.
 class FrameCost {
  public:
-    FrameCost(Trial& trial, Stage& stage) : trial_(trial), stage_(stage) {}
+    FrameCost(CheckRun& run, CheckFixture& fixture) : trial_(run), stage_(fixture) {}
 
     /// The mean of as many frames as it takes to be well above the clock's resolution.
     double Measure(const World& layer, const ParamSet& params, const std::string& what) {
@@ -101,26 +101,26 @@ class FrameCost {
     }
 
  private:
-    Trial& trial_;
-    Stage& stage_;
+    CheckRun& trial_;
+    CheckFixture& stage_;
     std::map<std::string, std::vector<double>> single_;
     const double deadline_ = ElapsedMilliseconds() + kPatience * trial_.Options().timeoutMilliseconds / 2.0;
 };
 
 /// Notes a cost that outgrows its work as a finding, and one that cannot be told in `unclear`.
-void NoteGrowth(Trial& trial, const std::string& what, double amount, const Growth& growth,
+void NoteGrowth(CheckRun& run, const std::string& what, double amount, const Growth& growth,
                 std::vector<std::string>& unclear) {
     const std::string range = growth.most > 0 ? fmt::format("{:.1f} to {:.1f}", growth.least, growth.most) : "unknown";
     const std::string text = fmt::format("{}: {:.0f} times the work takes {} times the time", what, amount, range);
-    if (growth.proportional == Claim::kFails) trial.Fail(text);
+    if (growth.proportional == Claim::kFails) run.Fail(text);
     if (growth.proportional == Claim::kUnclear) unclear.push_back(text);
 }
 
-void TakesTimeInProportion(Trial& trial) {
-    Stage stage(trial);
-    stage.Cheapen();
-    const ParamSet cheap = stage.Session().Params();
-    FrameCost cost(trial, stage);
+void TakesTimeInProportion(CheckRun& run) {
+    CheckFixture fixture(run);
+    fixture.Cheapen();
+    const ParamSet cheap = fixture.Session().Params();
+    FrameCost cost(run, fixture);
     std::vector<std::string> unclear;
     // Only rows that say so count work; what others do to time is theirs.
     const std::regex counts("samples|steps|iterations|copies|passes", std::regex::icase);
@@ -136,9 +136,9 @@ void TakesTimeInProportion(Trial& trial) {
             return cost.Measure(middle, params, fmt::format("{} at {}", RowName(row), amounts[k]));
         };
         const Growth growth = MeasureGrowth(amounts, costOf, cost.Deadline());
-        NoteGrowth(trial, fmt::format("{} from 8 to 32", RowName(row)), amounts.back() / amounts.front(), growth,
+        NoteGrowth(run, fmt::format("{} from 8 to 32", RowName(row)), amounts.back() / amounts.front(), growth,
                    unclear);
-        trial.Count("rows timed");
+        run.Count("rows timed");
     }
     const World layers[] = {TestPicture(128, 128, Depth::k8), TestPicture(256, 256, Depth::k8),
                             TestPicture(512, 512, Depth::k8)};
@@ -150,22 +150,23 @@ void TakesTimeInProportion(Trial& trial) {
         return time;
     };
     const Growth growth = MeasureGrowth({1, 4, 16}, costOf, cost.Deadline());
-    NoteGrowth(trial, "the layer's area", 16, growth, unclear);
-    trial.Count("ms for 512 x 512", largest);
+    NoteGrowth(run, "the layer's area", 16, growth, unclear);
+    run.Count("ms for 512 x 512", largest);
     cost.WarnOfSlowFrames();
-    if (!unclear.empty()) trial.Skip(NotMeasured(fmt::format("{}", fmt::join(unclear, "; "))));
+    if (!unclear.empty()) run.Skip(NotMeasured(fmt::format("{}", fmt::join(unclear, "; "))));
 }
 
 /// One thread's random life.
-void Wander(Trial& trial, Stage& stage, std::uint64_t seed, Clock::time_point end, std::atomic<long>& frames) {
-    TrialOptions options = trial.Options();
+void Wander(CheckRun& run, CheckFixture& fixture, std::uint64_t seed, Clock::time_point end,
+            std::atomic<long>& frames) {
+    CheckRunOptions options = run.Options();
     options.seed = seed;
-    Trial dice(options);
-    const std::vector<Variant> variants = StyleVariants(stage.Session().Params(), 8);
+    CheckRun dice(options);
+    const std::vector<Variant> variants = StyleVariants(fixture.Session().Params(), 8);
     while (Clock::now() < end) {
         const Depth depth = dice.Draw(0, 1) ? Depth::k8 : Depth::k32;
         const World layer = TestPicture(dice.Draw(0, 80), dice.Draw(0, 80), depth);
-        ParamSet params = stage.Session().Params();
+        ParamSet params = fixture.Session().Params();
         variants[static_cast<std::size_t>(dice.Draw(0, static_cast<int>(variants.size()) - 1))].apply(params);
         for (const int index : SettableRows(params)) {
             ParamRow& row = params.RawRow(index);
@@ -177,40 +178,40 @@ void Wander(Trial& trial, Stage& stage, std::uint64_t seed, Clock::time_point en
         if (dice.Draw(0, 3) == 0) request.texture = &layer;
         if (dice.Draw(0, 3) == 0) request.canvas = Canvas::kLayer;
         if (dice.Draw(0, 4) == 0) {
-            static_cast<void>(bool(stage.Session().PreRender(request)));
+            static_cast<void>(bool(fixture.Session().PreRender(request)));
             continue;
         }
-        const auto frame = stage.Session().Render(request);
+        const auto frame = fixture.Session().Render(request);
         ++frames;
         if (!frame) {
-            // The trial is the check's, and threads share it: the first word counts.
+            // The run is the check's, and threads share it: the first word counts.
             static std::mutex mutex;
             const std::lock_guard lock(mutex);
-            trial.Fail(fmt::format("after {} frames: {}", frames.load(), frame.Error().sentence));
+            run.Fail(fmt::format("after {} frames: {}", frames.load(), frame.Error().sentence));
             return;
         }
     }
 }
 
-void Soaks(Trial& trial) {
-    RunParts(trial,
-             {{"a long session",
-               [](Trial& part) {
-                   Stage stage(part);
-                   stage.Cheapen();
+void Soaks(CheckRun& run) {
+    RunSubChecks(
+        run, {{"a long session",
+               [](CheckRun& part) {
+                   CheckFixture fixture(part);
+                   fixture.Cheapen();
                    const auto begin = Clock::now();
                    const auto end = begin + std::chrono::seconds(part.Options().soakSeconds);
                    std::atomic<long> frames{0};
                    std::vector<std::thread> threads = StartThreads(std::max(2, ProcessorCount()), [&](int i) {
-                       Wander(part, stage, part.Options().seed * 1000 + static_cast<std::uint64_t>(i), end, frames);
+                       Wander(part, fixture, part.Options().seed * 1000 + static_cast<std::uint64_t>(i), end, frames);
                    });
                    if (threads.empty()) part.Skip("the system allows no thread");
                    long before = 0;
                    long framesBefore = 0;
                    while (Clock::now() < end) {
-                       stage.TouchPanel();
-                       SendDrawEvents(part, stage);
-                       stage.Log().Clear();
+                       fixture.TouchPanel();
+                       SendDrawEvents(part, fixture);
+                       fixture.Log().Clear();
                        if (before == 0 && Clock::now() - begin > (end - begin) / 4) {
                            before = ResidentBytes();
                            framesBefore = frames;
@@ -228,11 +229,11 @@ void Soaks(Trial& trial) {
                    if (counted > kEnough && slope > kMost) {
                        part.Fail(fmt::format("the process grows by {:.0f} bytes a frame", slope));
                    }
-                   if (const auto ended = stage.Session().End(); !ended) part.Fail(ended.Error().sentence);
-                   stage.NoteMisbehaviour("after the long session");
+                   if (const auto ended = fixture.Session().End(); !ended) part.Fail(ended.Error().sentence);
+                   fixture.NoteMisbehaviour("after the long session");
                },
                {},
-               trial.Options().soakSeconds * 1000}});
+               run.Options().soakSeconds * 1000}});
 }
 
 }  // namespace

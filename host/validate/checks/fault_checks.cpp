@@ -12,7 +12,7 @@
 #include <iterator>
 
 #include "host/session/error_names.h"
-#include "host/validate/faults/fault_lab.h"
+#include "host/validate/faults/fault_fixture.h"
 
 namespace {
 
@@ -34,14 +34,14 @@ bool NeedsRefusedSuite(const FaultOutcome& outcome, Resource resource) {
     });
 }
 
-void JudgeBalance(Trial& trial, const FaultOutcome& outcome) {
+void JudgeBalance(CheckRun& run, const FaultOutcome& outcome) {
     for (const LedgerRow& row : outcome.uneven) {
-        if (!NeedsRefusedSuite(outcome, row.resource)) trial.Fail(Where(outcome) + row.sentence);
+        if (!NeedsRefusedSuite(outcome, row.resource)) run.Fail(Where(outcome) + row.sentence);
     }
     for (const std::string& sentence : outcome.misbehaviour) {
         // The host itself says so when a global set-down was cut short by the refusal.
         if (sentence.starts_with("still open after ")) continue;
-        trial.Fail(Where(outcome) + sentence);
+        run.Fail(Where(outcome) + sentence);
     }
 }
 
@@ -49,72 +49,72 @@ std::string CodeText(PF_Err error) {
     return fmt::format("{} ({})", error, ErrorName(error));
 }
 
-void JudgeRefusal(Trial& trial, const FaultOutcome& outcome) {
+void JudgeRefusal(CheckRun& run, const FaultOutcome& outcome) {
     const bool mayIgnore = GivesBack(outcome.plan.callee);
     const bool returned = outcome.error == outcome.plan.error;
     if (!returned && !(mayIgnore && outcome.error == PF_Err_NONE)) {
-        trial.Fail(fmt::format("{}{} returns {} instead of {}", Where(outcome), outcome.command,
-                               CodeText(outcome.error), CodeText(outcome.plan.error)));
+        run.Fail(fmt::format("{}{} returns {} instead of {}", Where(outcome), outcome.command, CodeText(outcome.error),
+                             CodeText(outcome.plan.error)));
     }
     if (!mayIgnore && !outcome.laterCall.empty()) {
-        trial.Fail(fmt::format("{}{} continues to call {}", Where(outcome), outcome.command, outcome.laterCall));
+        run.Fail(fmt::format("{}{} continues to call {}", Where(outcome), outcome.command, outcome.laterCall));
     }
-    JudgeBalance(trial, outcome);
+    JudgeBalance(run, outcome);
 }
 
-void HandsErrorsBack(Trial& trial) {
-    InjectFaults(trial, {[](const std::string& callee) {
-                             return callee.find("Acquire") == std::string::npos &&
-                                    callee != "SP Basic Suite.ReleaseSuite" && !ReturnsNoError(callee);
-                         },
-                         {kNamelessError, PF_Interrupt_CANCEL},
-                         JudgeRefusal});
+void HandsErrorsBack(CheckRun& run) {
+    InjectFaults(run, {[](const std::string& callee) {
+                           return callee.find("Acquire") == std::string::npos &&
+                                  callee != "SP Basic Suite.ReleaseSuite" && !ReturnsNoError(callee);
+                       },
+                       {kNamelessError, PF_Interrupt_CANCEL},
+                       JudgeRefusal});
 }
 
 /// Where no code is demanded: an error, or words, or the picture as it would have been.
-void JudgeLoss(Trial& trial, const FaultOutcome& outcome) {
+void JudgeLoss(CheckRun& run, const FaultOutcome& outcome) {
     if (outcome.error == PF_Err_NONE && outcome.message.empty() && !outcome.samePixels) {
-        trial.Fail(fmt::format("{}{} returns no error and no message, but the frame differs", Where(outcome),
-                               outcome.command));
+        run.Fail(fmt::format("{}{} returns no error and no message, but the frame differs", Where(outcome),
+                             outcome.command));
     }
 }
 
-void StandsMissingSuites(Trial& trial) {
+void StandsMissingSuites(CheckRun& run) {
     const auto isSuite = [](const std::string& callee) { return callee.starts_with("AcquireSuite:"); };
-    InjectFaults(trial, {isSuite, {A_Err_MISSING_SUITE}, [](Trial& judged, const FaultOutcome& outcome) {
-                             JudgeLoss(judged, outcome);
-                             if (!outcome.laterCall.empty() && outcome.error != PF_Err_NONE) {
-                                 judged.Fail(fmt::format("{}{} continues to call {}", Where(outcome), outcome.command,
-                                                         outcome.laterCall));
-                             }
-                             JudgeBalance(judged, outcome);
-                         }});
-    InjectFaults(trial, {isSuite, {kLendNothing}, JudgeLoss});
+    InjectFaults(run, {isSuite, {A_Err_MISSING_SUITE}, [](CheckRun& judged, const FaultOutcome& outcome) {
+                           JudgeLoss(judged, outcome);
+                           if (!outcome.laterCall.empty() && outcome.error != PF_Err_NONE) {
+                               judged.Fail(fmt::format("{}{} continues to call {}", Where(outcome), outcome.command,
+                                                       outcome.laterCall));
+                           }
+                           JudgeBalance(judged, outcome);
+                       }});
+    InjectFaults(run, {isSuite, {kLendNothing}, JudgeLoss});
 }
 
-void StandsWantOfMemory(Trial& trial) {
-    InjectFaults(trial, {[](const std::string& callee) {
-                             for (const char* word : {"host_new_handle", "host_lock_handle", "NewWorld", "new_world",
-                                                      "AllocateBlock", "host_resize_handle"}) {
-                                 if (callee.find(word) != std::string::npos) return true;
-                             }
-                             return false;
-                         },
-                         {PF_Err_OUT_OF_MEMORY},
-                         [](Trial& judged, const FaultOutcome& outcome) {
-                             JudgeLoss(judged, outcome);
-                             JudgeBalance(judged, outcome);
-                         }});
+void StandsWantOfMemory(CheckRun& run) {
+    InjectFaults(run, {[](const std::string& callee) {
+                           for (const char* word : {"host_new_handle", "host_lock_handle", "NewWorld", "new_world",
+                                                    "AllocateBlock", "host_resize_handle"}) {
+                               if (callee.find(word) != std::string::npos) return true;
+                           }
+                           return false;
+                       },
+                       {PF_Err_OUT_OF_MEMORY},
+                       [](CheckRun& judged, const FaultOutcome& outcome) {
+                           JudgeLoss(judged, outcome);
+                           JudgeBalance(judged, outcome);
+                       }});
 }
 
 /// The digests of a few frames.
-std::vector<std::uint64_t> Frames(EffectSession& session, Trial& trial) {
+std::vector<std::uint64_t> Frames(EffectSession& session, CheckRun& run) {
     std::vector<std::uint64_t> digests;
     const World layer = TestPicture(40, 30, Depth::k8);
     for (int i = 0; i < 3; ++i) {
         FrameRequest request;
         request.layer = &layer;
-        trial.Count("frames");
+        run.Count("frames");
         const auto frame = session.Render(request);
         digests.push_back(frame ? DigestOf(frame->output) : 0);
     }
@@ -140,27 +140,27 @@ class SecondFile {
     bool copied = false;
 };
 
-void LivesBesideAnother(Trial& trial) {
-    Stage stage(trial);
-    stage.Cheapen();
-    const auto alone = Frames(stage.Session(), trial);
-    const SecondFile second(trial.Options().module);
-    if (!second.copied) trial.Skip("the module's file cannot be copied");
+void LivesBesideAnother(CheckRun& run) {
+    CheckFixture fixture(run);
+    fixture.Cheapen();
+    const auto alone = Frames(fixture.Session(), run);
+    const SecondFile second(run.Options().module);
+    if (!second.copied) run.Skip("the module's file cannot be copied");
     auto other = Module::Load(second.path);
-    if (!other) trial.FailAndEnd(fmt::format("a second copy: {}", other.Error().sentence));
+    if (!other) run.FailAndEnd(fmt::format("a second copy: {}", other.Error().sentence));
     auto session = EffectSession::Start(*other);
-    if (!session) trial.FailAndEnd(fmt::format("a second copy: {}", session.Error().sentence));
-    for (const int row : SettableRows(stage.Session().Params())) {
-        session->Params().RawRow(row).def.u = stage.Session().Params().Row(row).def.u;
-        session->Params().RawRow(row).point = stage.Session().Params().Row(row).point;
+    if (!session) run.FailAndEnd(fmt::format("a second copy: {}", session.Error().sentence));
+    for (const int row : SettableRows(fixture.Session().Params())) {
+        session->Params().RawRow(row).def.u = fixture.Session().Params().Row(row).def.u;
+        session->Params().RawRow(row).point = fixture.Session().Params().Row(row).point;
     }
-    if (Frames(*session, trial) != alone) trial.Fail("a second copy of the module draws another frame than the first");
-    if (Frames(stage.Session(), trial) != alone)
-        trial.Fail("the module draws another frame while a second copy is loaded");
+    if (Frames(*session, run) != alone) run.Fail("a second copy of the module draws another frame than the first");
+    if (Frames(fixture.Session(), run) != alone)
+        run.Fail("the module draws another frame while a second copy is loaded");
     const auto ended = session->End();
-    if (!ended) trial.Fail(fmt::format("a second copy: {}", ended.Error().sentence));
-    if (Frames(stage.Session(), trial) != alone) {
-        trial.Fail("the module draws another frame after a second copy was set down");
+    if (!ended) run.Fail(fmt::format("a second copy: {}", ended.Error().sentence));
+    if (Frames(fixture.Session(), run) != alone) {
+        run.Fail("the module draws another frame after a second copy was set down");
     }
 }
 

@@ -12,8 +12,8 @@
 #include <fstream>
 #include <memory>
 
+#include "host/validate/checks/check_fixture.h"
 #include "host/validate/checks/module_file.h"
-#include "host/validate/checks/stage.h"
 #include "host/validate/runner/process_memory.h"
 #include "host/validate/runner/processes.h"
 #include "host/validate/runner/timing.h"
@@ -31,21 +31,21 @@ struct Unloader {
 };
 using Library = std::unique_ptr<void, Unloader>;
 
-Library Load(Trial& trial) {
+Library Load(CheckRun& run) {
     std::error_code ignored;
-    const auto path = std::filesystem::absolute(trial.Options().module, ignored);
+    const auto path = std::filesystem::absolute(run.Options().module, ignored);
     Library library(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL));
     if (!library) {
         const char* reason = dlerror();
-        trial.FailAsNoModule(fmt::format("it cannot be loaded: {}", reason ? reason : "no reason given"));
+        run.FailAsNoModule(fmt::format("it cannot be loaded: {}", reason ? reason : "no reason given"));
     }
     return library;
 }
 
-RegistrationFunction RegistrationOf(Trial& trial, void* library) {
+RegistrationFunction RegistrationOf(CheckRun& run, void* library) {
     const auto entry = reinterpret_cast<RegistrationFunction>(dlsym(library, kRegistrationExport));
     if (!entry) {
-        trial.FailAsNoModule(fmt::format("{} is not exported; an effect module exports it", kRegistrationExport));
+        run.FailAsNoModule(fmt::format("{} is not exported; an effect module exports it", kRegistrationExport));
     }
     return entry;
 }
@@ -83,41 +83,41 @@ PF_Err Register(RegistrationFunction entry, Said& said) {
     return entry(reinterpret_cast<PF_PluginDataPtr>(&said), Listen, nullptr, "umbrant", "1");
 }
 
-void LoadsWithBothEntries(Trial& trial) {
-    const Library library = Load(trial);
-    const RegistrationFunction entry = RegistrationOf(trial, library.get());
+void LoadsWithBothEntries(CheckRun& run) {
+    const Library library = Load(run);
+    const RegistrationFunction entry = RegistrationOf(run, library.get());
     Said said;
     Register(entry, said);
     if (!said.entryPoint.empty() && !dlsym(library.get(), said.entryPoint.c_str())) {
-        trial.Fail(fmt::format("the registered entry '{}' is not exported", said.entryPoint));
+        run.Fail(fmt::format("the registered entry '{}' is not exported", said.entryPoint));
     }
 }
 
-void RegistersOnce(Trial& trial) {
-    const Library library = Load(trial);
-    const RegistrationFunction entry = RegistrationOf(trial, library.get());
+void RegistersOnce(CheckRun& run) {
+    const Library library = Load(run);
+    const RegistrationFunction entry = RegistrationOf(run, library.get());
     Said said;
-    if (const PF_Err error = Register(entry, said)) trial.Fail(fmt::format("registration returned {}", error));
-    if (said.calls != 1) trial.FailAndEnd(fmt::format("the callback was called {} times, not once", said.calls));
-    if (!said.complete) trial.Fail("a name is missing: name, match name, category and entry point are needed");
+    if (const PF_Err error = Register(entry, said)) run.Fail(fmt::format("registration returned {}", error));
+    if (said.calls != 1) run.FailAndEnd(fmt::format("the callback was called {} times, not once", said.calls));
+    if (!said.complete) run.Fail("a name is missing: name, match name, category and entry point are needed");
     for (const auto& [what, text] : {std::pair("name", said.name), std::pair("match name", said.matchName),
                                      std::pair("category", said.category)}) {
-        if (text.empty()) trial.Fail(fmt::format("the {} is empty", what));
+        if (text.empty()) run.Fail(fmt::format("the {} is empty", what));
         if (text.size() > kLongestName) {
-            trial.Fail(fmt::format("the {} has {} characters; there is room for {}", what, text.size(), kLongestName));
+            run.Fail(fmt::format("the {} has {} characters; there is room for {}", what, text.size(), kLongestName));
         }
     }
-    if (said.kind != kPluginKind_Effect) trial.Fail(fmt::format("the kind is {:#x}, not 'eFKT'", said.kind));
+    if (said.kind != kPluginKind_Effect) run.Fail(fmt::format("the kind is {:#x}, not 'eFKT'", said.kind));
     if (said.apiMajor != 13 || said.apiMinor < 0 || said.apiMinor > 28) {
-        trial.Fail(fmt::format("the interface version is {}.{}; this host has 13.28", said.apiMajor, said.apiMinor));
+        run.Fail(fmt::format("the interface version is {}.{}; this host has 13.28", said.apiMajor, said.apiMinor));
     }
-    if (said.reservedInfo != 8) trial.Fail(fmt::format("the reserved number is {}, not 8", said.reservedInfo));
+    if (said.reservedInfo != 8) run.Fail(fmt::format("the reserved number is {}, not 8", said.reservedInfo));
 
     constexpr A_Err kRefused = 1001;
     Said refused;
     refused.answer = kRefused;
     if (const PF_Err error = Register(entry, refused); error != kRefused) {
-        trial.Fail(fmt::format("the callback refused with {}, but registration returned {}", kRefused, error));
+        run.Fail(fmt::format("the callback refused with {}, but registration returned {}", kRefused, error));
     }
 }
 
@@ -132,42 +132,42 @@ bool IsSystemLibrary(const std::string& name) {
                        [&](const char* known) { return name.starts_with(known); });
 }
 
-void ExportsItsEntriesAlone(Trial& trial) {
-    const auto file = ModuleFile::Read(trial.Options().module);
-    if (!file) trial.FailAndEnd("the file cannot be read");
-    if (!file->isElf) trial.Skip("the file is not of this system's kind, so its symbols cannot be read");
+void ExportsItsEntriesAlone(CheckRun& run) {
+    const auto file = ModuleFile::Read(run.Options().module);
+    if (!file) run.FailAndEnd("the file cannot be read");
+    if (!file->isElf) run.Skip("the file is not of this system's kind, so its symbols cannot be read");
     std::string entryPoint;
     {
-        const Library library = Load(trial);
+        const Library library = Load(run);
         Said said;
-        Register(RegistrationOf(trial, library.get()), said);
+        Register(RegistrationOf(run, library.get()), said);
         entryPoint = said.entryPoint;
     }
     for (const std::string& name : file->exports) {
         // The newer registration of the interface may stand beside the older.
         if (name == kRegistrationExport || name == "PluginDataEntryFunction2" || name == entryPoint) continue;
-        trial.Fail(fmt::format("'{}' is exported besides the entries; it could clash with a host's symbol of that name",
-                               name));
+        run.Fail(fmt::format("'{}' is exported besides the entries; it could clash with a host's symbol of that name",
+                             name));
     }
     for (const std::string& library : file->needed) {
-        if (!IsSystemLibrary(library)) trial.Warn(fmt::format("{} is needed, which a user may not have", library));
+        if (!IsSystemLibrary(library)) run.Warn(fmt::format("{} is needed, which a user may not have", library));
     }
 }
 
 /// One start of the effect in a process of its own, and another in the same process; false when it does not start.
-bool TimeStarts(Trial& trial, std::vector<TimedTry>& cold, std::vector<TimedTry>& warm) {
-    const auto store = [](Trial& part, const std::string& name, const TimedTry& one) {
+bool TimeStarts(CheckRun& run, std::vector<TimedTry>& cold, std::vector<TimedTry>& warm) {
+    const auto store = [](CheckRun& part, const std::string& name, const TimedTry& one) {
         part.Count(name + " elapsed", one.elapsed);
         part.Count(name + " processor", one.processor);
         part.Count(name + " stretch", one.pace.stretch);
         part.Count(name + " slowness", one.pace.slowness);
     };
-    const CheckResult result = RunPart(trial, {"a start", [&](Trial& part) {
-                                                   const auto start = [&] { Stage stage(part); };
-                                                   store(part, "cold", TimeOf(start));
-                                                   store(part, "warm", TimeOf(start));
-                                               }});
-    for (const Finding& finding : result.findings) trial.Note(finding);
+    const CheckResult result = RunSubCheck(run, {"a start", [&](CheckRun& part) {
+                                                     const auto start = [&] { CheckFixture fixture(part); };
+                                                     store(part, "cold", TimeOf(start));
+                                                     store(part, "warm", TimeOf(start));
+                                                 }});
+    for (const Finding& finding : result.findings) run.Note(finding);
     const auto read = [&](const std::string& name) {
         const auto figure = [&](const char* part) {
             const auto found = result.figures.find(name + part);
@@ -177,7 +177,7 @@ bool TimeStarts(Trial& trial, std::vector<TimedTry>& cold, std::vector<TimedTry>
     };
     cold.push_back(read("cold"));
     warm.push_back(read("warm"));
-    return !trial.Failed();
+    return !run.Failed();
 }
 
 double BestOf(const std::vector<TimedTry>& tries) {
@@ -185,32 +185,32 @@ double BestOf(const std::vector<TimedTry>& tries) {
     return std::min_element(tries.begin(), tries.end(), faster)->elapsed;
 }
 
-void StartsSwiftly(Trial& trial) {
+void StartsSwiftly(CheckRun& run) {
     constexpr double kCold = 1000, kWarm = 100;
     constexpr std::size_t kMostTries = 7;
     std::vector<TimedTry> cold, warm;
     Claim coldClaim = Claim::kUnclear, warmClaim = Claim::kUnclear;
     const auto isOpen = [&] { return coldClaim == Claim::kUnclear || warmClaim == Claim::kUnclear; };
     while (isOpen() && cold.size() < kMostTries) {
-        if (!TimeStarts(trial, cold, warm)) return;
+        if (!TimeStarts(run, cold, warm)) return;
         coldClaim = JudgeLimit(cold, kCold);
         warmClaim = JudgeLimit(warm, kWarm);
     }
     // There the second set-up is no more than a warning, which needs no certainty.
-    if (trial.Options().softwareGl && warmClaim == Claim::kUnclear) warmClaim = Claim::kFails;
-    trial.Count("cold start, ms", BestOf(cold));
-    trial.Count("warm start, ms", BestOf(warm));
+    if (run.Options().softwareGl && warmClaim == Claim::kUnclear) warmClaim = Claim::kFails;
+    run.Count("cold start, ms", BestOf(cold));
+    run.Count("warm start, ms", BestOf(warm));
     const auto coldText =
         fmt::format("loading and set-up took more than {:.0f} ms: at best {:.0f} ms", kCold, BestOf(cold));
     const auto warmText =
         fmt::format("a second set-up took more than {:.0f} ms: at best {:.0f} ms", kWarm, BestOf(warm));
-    if (coldClaim == Claim::kFails) trial.Fail(coldText);
+    if (coldClaim == Claim::kFails) run.Fail(coldText);
     if (warmClaim == Claim::kFails) {
-        trial.Options().softwareGl ? trial.Warn(warmText + ", with software OpenGL") : trial.Fail(warmText);
+        run.Options().softwareGl ? run.Warn(warmText + ", with software OpenGL") : run.Fail(warmText);
     }
     if (isOpen()) {
-        trial.Skip(NotMeasured((coldClaim == Claim::kUnclear ? coldText : warmText) +
-                               ", but other programs used part of that time"));
+        run.Skip(NotMeasured((coldClaim == Claim::kUnclear ? coldText : warmText) +
+                             ", but other programs used part of that time"));
     }
 }
 
@@ -253,11 +253,11 @@ class Capture {
     std::FILE* file_ = nullptr;
 };
 
-void LoadsWithoutATrace(Trial& trial) {
+void LoadsWithoutATrace(CheckRun& run) {
     const auto once = [&] {
-        const Library library = Load(trial);
+        const Library library = Load(run);
         Said said;
-        Register(RegistrationOf(trial, library.get()), said);
+        Register(RegistrationOf(run, library.get()), said);
     };
     once();  // the first load may open what the loader and the C library keep
     const int files = OpenFiles();
@@ -269,14 +269,14 @@ void LoadsWithoutATrace(Trial& trial) {
         for (int i = 0; i < kTimes; ++i) once();
         text = capture.Text();
     }
-    if (!text.empty()) trial.Fail(fmt::format("loading and registering printed something: '{}'", text.substr(0, 80)));
+    if (!text.empty()) run.Fail(fmt::format("loading and registering printed something: '{}'", text.substr(0, 80)));
     const int filesAfter = OpenFiles();
     const int threadsAfter = RunningThreads();
     if (filesAfter > files) {
-        trial.Fail(fmt::format("loading {} times left {} files open", kTimes, filesAfter - files));
+        run.Fail(fmt::format("loading {} times left {} files open", kTimes, filesAfter - files));
     }
     if (threadsAfter > threads) {
-        trial.Fail(fmt::format("loading {} times left {} threads running", kTimes, threadsAfter - threads));
+        run.Fail(fmt::format("loading {} times left {} threads running", kTimes, threadsAfter - threads));
     }
 }
 

@@ -14,8 +14,8 @@
 #include <thread>
 #include <utility>
 
+#include "host/validate/checks/check_fixture.h"
 #include "host/validate/checks/panel_events.h"
-#include "host/validate/checks/stage.h"
 #include "host/validate/runner/processes.h"
 #include "host/validate/runner/progress_watch.h"
 
@@ -142,9 +142,9 @@ class Callback {
 
 /// What two commands meet in. Threads that do not come back keep it, so nothing of it is torn down beneath them.
 struct Meeting {
-    Meeting(Trial& trial, const Command& waiting)
-        : stage(trial, Options()), layer(TestPicture(24, 24, Depth::k8)), outer(waiting) {
-        stage.Cheapen();
+    Meeting(CheckRun& run, const Command& waiting)
+        : fixture(run, Options()), layer(TestPicture(24, 24, Depth::k8)), outer(waiting) {
+        fixture.Cheapen();
     }
     SessionOptions Options() {
         SessionOptions options;
@@ -159,11 +159,11 @@ struct Meeting {
     /// Sends the command that is followed, on the calling thread.
     void SendOuter() {
         callback.Follow(outer.command);
-        outer.send(stage.Session(), layer);
+        outer.send(fixture.Session(), layer);
     }
 
     Callback callback;
-    Stage stage;
+    CheckFixture fixture;
     World layer;
     Command outer;
 };
@@ -187,12 +187,13 @@ class Sender {
     std::thread thread_;
 };
 
-/// Keeps a meeting for good whose threads did not come back, and ends the trial.
-[[noreturn]] void Abandon(Trial& trial, const std::shared_ptr<Meeting>& meeting, WaitEnd end, const std::string& text) {
+/// Keeps a meeting for good whose threads did not come back, and ends the run.
+[[noreturn]] void Abandon(CheckRun& run, const std::shared_ptr<Meeting>& meeting, WaitEnd end,
+                          const std::string& text) {
     static std::vector<std::shared_ptr<Meeting>> abandoned;
     abandoned.push_back(meeting);
-    if (end == WaitEnd::kLate) trial.Skip(NotMeasured(text + ", or is still running"));
-    trial.FailAndEnd(text);
+    if (end == WaitEnd::kLate) run.Skip(NotMeasured(text + ", or is still running"));
+    run.FailAndEnd(text);
 }
 
 /// The first call of each kind that the command makes, by its number.
@@ -210,63 +211,63 @@ std::vector<std::size_t> CallsOf(Meeting& meeting) {
 }
 
 /// While the outer command waits in a callback for the host, the host sends another one on another thread.
-void SendBeside(Trial& trial, const std::shared_ptr<Meeting>& meeting, const Command& inner) {
-    const int patience = trial.Options().timeoutMilliseconds / 2;
+void SendBeside(CheckRun& run, const std::shared_ptr<Meeting>& meeting, const Command& inner) {
+    const int patience = run.Options().timeoutMilliseconds / 2;
     for (const std::size_t number : CallsOf(*meeting)) {
         meeting->callback.HoldCall(number);
         const Sender waiting([meeting] { meeting->SendOuter(); });
         const auto isThere = [&] { return meeting->callback.Waits() || waiting.IsDone(); };
         if (const WaitEnd end = WaitUnlessStuck(isThere, patience); end != WaitEnd::kDone) {
-            Abandon(trial, meeting, end, fmt::format("{} does not end", meeting->outer.name));
+            Abandon(run, meeting, end, fmt::format("{} does not end", meeting->outer.name));
         }
         const bool met = meeting->callback.Waits();
         WaitEnd end = WaitEnd::kDone;
         if (met) {
-            const Sender sent([meeting, inner] { inner.send(meeting->stage.Session(), meeting->layer); });
+            const Sender sent([meeting, inner] { inner.send(meeting->fixture.Session(), meeting->layer); });
             end = WaitUnlessStuck([&] { return sent.IsDone(); }, patience);
             meeting->callback.Release();
             const auto areDone = [&] { return sent.IsDone() && waiting.IsDone(); };
             if (const WaitEnd after = WaitUnlessStuck(areDone, patience); after != WaitEnd::kDone) {
-                Abandon(trial, meeting, after,
+                Abandon(run, meeting, after,
                         fmt::format("{} on one thread and {} on another wait for each other", inner.name,
                                     meeting->outer.name));
             }
         }
         meeting->callback.Release();
-        trial.Count("pairs of commands");
+        run.Count("pairs of commands");
         if (end == WaitEnd::kDone) continue;
         const std::string text = fmt::format(
             "{} on one thread waits for {} on another, which waits for the host in {}: a lock is held while the host "
             "is called",
             inner.name, meeting->outer.name, meeting->callback.Calls().at(number - 1));
-        if (end == WaitEnd::kLate) trial.Skip(NotMeasured(text));
-        trial.Fail(text);
+        if (end == WaitEnd::kLate) run.Skip(NotMeasured(text));
+        run.Fail(text);
         return;
     }
 }
 
 /// The host sends a command from a callback of another one.
-void SendInside(Trial& trial, const std::shared_ptr<Meeting>& meeting, const Command& inner) {
+void SendInside(CheckRun& run, const std::shared_ptr<Meeting>& meeting, const Command& inner) {
     const bool draws = meeting->outer.command == PF_Cmd_SMART_RENDER;
     std::optional<Frame> usual;
-    if (draws) usual = meeting->stage.Draw(RequestOf(meeting->layer), "a frame");
+    if (draws) usual = meeting->fixture.Draw(RequestOf(meeting->layer), "a frame");
     meeting->callback.SendFromInside(
-        [meeting = meeting.get(), inner] { inner.send(meeting->stage.Session(), meeting->layer); });
+        [meeting = meeting.get(), inner] { inner.send(meeting->fixture.Session(), meeting->layer); });
     auto interrupted = std::make_shared<std::optional<Frame>>();
     const Sender sender([meeting, interrupted, draws] {
         if (!draws) return meeting->SendOuter();
         meeting->callback.Follow(meeting->outer.command);
-        auto frame = meeting->stage.Session().Render(RequestOf(meeting->layer));
+        auto frame = meeting->fixture.Session().Render(RequestOf(meeting->layer));
         if (frame) *interrupted = std::move(*frame);
     });
-    const WaitEnd end = WaitUnlessStuck([&] { return sender.IsDone(); }, trial.Options().timeoutMilliseconds / 2);
+    const WaitEnd end = WaitUnlessStuck([&] { return sender.IsDone(); }, run.Options().timeoutMilliseconds / 2);
     if (end != WaitEnd::kDone) {
-        Abandon(trial, meeting, end,
+        Abandon(run, meeting, end,
                 fmt::format("{} from a callback of {} waits for it: a lock is held while the host is called",
                             inner.name, meeting->outer.name));
     }
     if (usual && (!*interrupted || !SamePixels(usual->output, (*interrupted)->output))) {
-        trial.Fail(fmt::format("{} from a callback of {} changes the frame", inner.name, meeting->outer.name));
+        run.Fail(fmt::format("{} from a callback of {} changes the frame", inner.name, meeting->outer.name));
     }
 }
 
@@ -294,17 +295,17 @@ std::vector<Pair> PairsOf() {
     return pairs;
 }
 
-void HoldsNoLocks(Trial& trial) {
-    std::vector<Part> parts;
+void HoldsNoLocks(CheckRun& run) {
+    std::vector<SubCheck> subChecks;
     for (const Pair& pair : PairsOf()) {
-        parts.push_back({fmt::format("{} during {}", pair.inner.name, pair.outer.name), [pair](Trial& part) {
-                             const auto meeting = std::make_shared<Meeting>(part, pair.outer);
-                             if (pair.beside) SendBeside(part, meeting, pair.inner);
-                             if (pair.inside) SendInside(part, meeting, pair.inner);
-                             meeting->callback.SendFromInside({});
-                         }});
+        subChecks.push_back({fmt::format("{} during {}", pair.inner.name, pair.outer.name), [pair](CheckRun& part) {
+                                 const auto meeting = std::make_shared<Meeting>(part, pair.outer);
+                                 if (pair.beside) SendBeside(part, meeting, pair.inner);
+                                 if (pair.inside) SendInside(part, meeting, pair.inner);
+                                 meeting->callback.SendFromInside({});
+                             }});
     }
-    RunParts(trial, parts);
+    RunSubChecks(run, subChecks);
 }
 
 }  // namespace

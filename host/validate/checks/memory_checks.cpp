@@ -11,8 +11,8 @@
 #include <set>
 
 #include "host/accounting/ledger.h"
+#include "host/validate/checks/check_fixture.h"
 #include "host/validate/checks/panel_events.h"
-#include "host/validate/checks/stage.h"
 #include "host/validate/runner/process_memory.h"
 #include "host/validate/runner/processes.h"
 
@@ -21,113 +21,113 @@ namespace {
 constexpr int kSide = 32;
 
 /// Everything that a session does, once: both depths, every style, the panel.
-void ActAll(Trial& trial, Stage& stage) {
-    stage.Cheapen();
+void ActAll(CheckRun& run, CheckFixture& fixture) {
+    fixture.Cheapen();
     for (const Depth depth : {Depth::k8, Depth::k32}) {
         const World layer = TestPicture(kSide, kSide, depth);
-        for (const Variant& variant : StyleVariants(stage.Session().Params(), 4)) {
-            ParamSet params = stage.Session().Params();
+        for (const Variant& variant : StyleVariants(fixture.Session().Params(), 4)) {
+            ParamSet params = fixture.Session().Params();
             variant.apply(params);
             FrameRequest request;
             request.layer = &layer;
             request.params = &params;
             request.texture = &layer;
-            stage.Draw(request, fmt::format("{} at {} bits", variant.name, static_cast<int>(depth)));
+            fixture.Draw(request, fmt::format("{} at {} bits", variant.name, static_cast<int>(depth)));
         }
     }
-    stage.TouchPanel();
-    SendDrawEvents(trial, stage);
+    fixture.TouchPanel();
+    SendDrawEvents(run, fixture);
 }
 
 /// The findings of a ledger about some kinds of things.
-void JudgeKinds(Trial& trial, Stage& stage, const std::set<Resource>& kinds) {
-    ActAll(trial, stage);
-    if (const auto ended = stage.Session().End(); !ended) trial.Fail(ended.Error().sentence);
-    for (const LedgerRow& row : UnevenRows(stage.Log().Events())) {
-        if (kinds.contains(row.resource)) trial.Fail(row.sentence);
+void JudgeKinds(CheckRun& run, CheckFixture& fixture, const std::set<Resource>& kinds) {
+    ActAll(run, fixture);
+    if (const auto ended = fixture.Session().End(); !ended) run.Fail(ended.Error().sentence);
+    for (const LedgerRow& row : UnevenRows(fixture.Log().Events())) {
+        if (kinds.contains(row.resource)) run.Fail(row.sentence);
     }
 }
 
-void UsesHandlesByTheBook(Trial& trial) {
+void UsesHandlesByTheBook(CheckRun& run) {
     for (const MemoryPlacement placement : {MemoryPlacement::kFlushRight, MemoryPlacement::kFlushLeft}) {
         const bool right = placement == MemoryPlacement::kFlushRight;
-        RunParts(trial,
-                 {{right ? "with handles' memory before a guard page" : "with handles' memory behind a guard page",
-                   [placement](Trial& part) {
-                       SetLendingRules({placement, {}});
-                       Stage stage(part);
-                       JudgeKinds(part, stage, {Resource::kHandle, Resource::kLock});
-                       stage.NoteMisbehaviour("");
-                   },
-                   {}}});
+        RunSubChecks(run,
+                     {{right ? "with handles' memory before a guard page" : "with handles' memory behind a guard page",
+                       [placement](CheckRun& part) {
+                           SetGuardRules({placement, {}});
+                           CheckFixture fixture(part);
+                           JudgeKinds(part, fixture, {Resource::kHandle, Resource::kLock});
+                           fixture.NoteMisbehaviour("");
+                       },
+                       {}}});
     }
 }
 
-void ChecksParametersIn(Trial& trial) {
-    Stage stage(trial);
-    JudgeKinds(trial, stage, {Resource::kParam});
+void ChecksParametersIn(CheckRun& run) {
+    CheckFixture fixture(run);
+    JudgeKinds(run, fixture, {Resource::kParam});
 }
 
-void ForgetsCheckedInParameters(Trial& trial) {
+void ForgetsCheckedInParameters(CheckRun& run) {
     const auto digests = [&](bool strict) {
         std::vector<std::uint64_t> found;
         SessionOptions options;
         options.strictLending = strict;
-        Stage stage(trial, options);
-        stage.Cheapen();
+        CheckFixture fixture(run, options);
+        fixture.Cheapen();
         const World layer = TestPicture(kSide, kSide, Depth::k8);
-        for (const Variant& variant : StyleVariants(stage.Session().Params(), 4)) {
-            ParamSet params = stage.Session().Params();
+        for (const Variant& variant : StyleVariants(fixture.Session().Params(), 4)) {
+            ParamSet params = fixture.Session().Params();
             variant.apply(params);
             FrameRequest request;
             request.layer = &layer;
             request.params = &params;
-            const auto frame = stage.Draw(request, variant.name);
+            const auto frame = fixture.Draw(request, variant.name);
             found.push_back(frame ? DigestOf(frame->output) : 0);
         }
         return found;
     };
     if (digests(false) != digests(true)) {
-        trial.Fail("a frame differs when parameter definitions are overwritten after their check-in");
+        run.Fail("a frame differs when parameter definitions are overwritten after their check-in");
     }
 }
 
-void LetsPreRenderGo(Trial& trial) {
-    Stage stage(trial);
-    stage.Cheapen();
+void LetsPreRenderGo(CheckRun& run) {
+    CheckFixture fixture(run);
+    fixture.Cheapen();
     const World layer = TestPicture(kSide, kSide, Depth::k8);
     FrameRequest request;
     request.layer = &layer;
     // One frame first: data that render frees itself is freed again here, which the C library sees.
-    stage.Draw(request, "a frame");
+    fixture.Draw(request, "a frame");
     constexpr int kWarmUp = 100, kTimes = 1000;
     constexpr long kMostGrowth = 4L << 20;
-    for (int i = 0; i < kWarmUp; ++i) stage.Ask(request, "a pre-render");
-    stage.Log().Clear();
+    for (int i = 0; i < kWarmUp; ++i) fixture.Ask(request, "a pre-render");
+    fixture.Log().Clear();
     const long before = ResidentBytes();
-    for (int i = 0; i < kTimes && !trial.Failed(); ++i) {
-        stage.Ask(request, "a pre-render");
-        stage.Log().Clear();
+    for (int i = 0; i < kTimes && !run.Failed(); ++i) {
+        fixture.Ask(request, "a pre-render");
+        fixture.Log().Clear();
     }
     const long grown = ResidentBytes() - before;
     if (grown > kMostGrowth) {
-        trial.Fail(fmt::format("{} pre-renders without a render left {} KiB behind", kTimes, grown / 1024));
+        run.Fail(fmt::format("{} pre-renders without a render left {} KiB behind", kTimes, grown / 1024));
     }
-    stage.NoteMisbehaviour("pre-render without render");
+    fixture.NoteMisbehaviour("pre-render without render");
 }
 
-void GivesWorldsBack(Trial& trial) {
-    Stage stage(trial);
-    JudgeKinds(trial, stage,
+void GivesWorldsBack(CheckRun& run) {
+    CheckFixture fixture(run);
+    JudgeKinds(run, fixture,
                {Resource::kWorld, Resource::kLayerPixels, Resource::kBlock, Resource::kEffectRef, Resource::kStream,
                 Resource::kDrawObject});
 }
 
-void LeavesInputsAlone(Trial& trial) {
-    const Part part{
+void LeavesInputsAlone(CheckRun& run) {
+    const SubCheck part{
         "with read-only inputs",
-        [](Trial& inside) {
-            SetLendingRules({MemoryPlacement::kFlushRight, {}});
+        [](CheckRun& inside) {
+            SetGuardRules({MemoryPlacement::kFlushRight, {}});
             SessionOptions options;
             options.worldWatch = [](World& world, WorldRole role, bool lent) {
                 if (role == WorldRole::kInput || role == WorldRole::kTexture) {
@@ -149,14 +149,14 @@ void LeavesInputsAlone(Trial& trial) {
                     }
                 }
             };
-            Stage stage(inside, options);
-            ActAll(inside, stage);
+            CheckFixture fixture(inside, options);
+            ActAll(inside, fixture);
         },
         {}};
-    RunParts(trial, {part});
+    RunSubChecks(run, {part});
 }
 
-void LeavesGlobalDataAlone(Trial& trial) {
+void LeavesGlobalDataAlone(CheckRun& run) {
     PF_Handle global = nullptr;
     std::vector<char> before;
     SessionOptions options;
@@ -172,13 +172,13 @@ void LeavesGlobalDataAlone(Trial& trial) {
         }
         if (sent.command != PF_Cmd_SMART_RENDER && sent.command != PF_Cmd_SMART_PRE_RENDER) return;
         if (global && std::memcmp(before.data(), *global, size) != 0) {
-            trial.Fail(fmt::format("{} writes the global data, which other threads read at the same time",
-                                   sent.command == PF_Cmd_SMART_RENDER ? "a render" : "a pre-render"));
+            run.Fail(fmt::format("{} writes the global data, which other threads read at the same time",
+                                 sent.command == PF_Cmd_SMART_RENDER ? "a render" : "a pre-render"));
         }
     };
-    Stage stage(trial, options);
-    if (size == 0) trial.Skip("the effect keeps no global data");
-    ActAll(trial, stage);
+    CheckFixture fixture(run, options);
+    if (size == 0) run.Skip("the effect keeps no global data");
+    ActAll(run, fixture);
 }
 
 }  // namespace

@@ -13,10 +13,10 @@
 
 #include "host/accounting/ledger.h"
 #include "host/session/error_names.h"
+#include "host/validate/checks/check_fixture.h"
 #include "host/validate/checks/display.h"
 #include "host/validate/checks/module_file.h"
 #include "host/validate/checks/panel_events.h"
-#include "host/validate/checks/stage.h"
 #include "host/validate/runner/processes.h"
 
 namespace {
@@ -32,10 +32,10 @@ FrameRequest SmallRequest(const World& layer) {
 }
 
 /// One step of a session that is set up, by number; its name for findings.
-std::string TakeStep(Trial& trial, Stage& stage, int step, const World& layer) {
-    EffectSession& session = stage.Session();
+std::string TakeStep(CheckRun& run, CheckFixture& fixture, int step, const World& layer) {
+    EffectSession& session = fixture.Session();
     const auto judge = [&](const auto& result, const char* name) {
-        if (!result) trial.Fail(fmt::format("{}: {}", name, result.Error().sentence));
+        if (!result) run.Fail(fmt::format("{}: {}", name, result.Error().sentence));
         return std::string(name);
     };
     switch (step) {
@@ -44,7 +44,7 @@ std::string TakeStep(Trial& trial, Stage& stage, int step, const World& layer) {
         case 1:
             return judge(session.UpdateParamsUI(), "update of the panel");
         case 2: {
-            const int row = trial.Draw(0, session.Params().Count() - 1);
+            const int row = run.Draw(0, session.Params().Count() - 1);
             // A button may open a page in a browser: pressing it is left to people.
             if (KindOf(session.Params().Row(row).def) == ParamKind::kButton) return "nothing";
             return judge(session.UserChangedParam(row), "change of a row");
@@ -52,45 +52,45 @@ std::string TakeStep(Trial& trial, Stage& stage, int step, const World& layer) {
         case 3:
             return judge(session.PreRender(SmallRequest(layer)), "pre-render");
         case 4:
-            trial.Count("frames");
+            run.Count("frames");
             return judge(session.Render(SmallRequest(layer)), "render");
         case 5:
-            SendDrawEvents(trial, stage);
+            SendDrawEvents(run, fixture);
             return "draw events";
         default: {
             const CommandRecord record = session.Send(PF_Cmd_QUERY_DYNAMIC_FLAGS, nullptr, nullptr, nullptr);
-            if (record.error) trial.Fail(fmt::format("query of dynamic flags: {}", ErrorName(record.error)));
+            if (record.error) run.Fail(fmt::format("query of dynamic flags: {}", ErrorName(record.error)));
             return "query of dynamic flags";
         }
     }
 }
 
 /// Sessions of random legal commands; the first walks through every pair of steps in some order.
-void TakesEveryOrder(Trial& trial) {
+void TakesEveryOrder(CheckRun& run) {
     constexpr int kSteps = 7;
     constexpr int kSessions = 12;
     constexpr int kDepth = 6;
     const World layer = TestPicture(kSide, kSide, Depth::k8);
     const auto walk = [&](const std::vector<int>& steps) {
-        Stage stage(trial);
-        stage.Cheapen();
+        CheckFixture fixture(run);
+        fixture.Cheapen();
         std::string road = "set-up";
         for (const int step : steps) {
-            const bool failedBefore = trial.Failed();
-            road += ", " + TakeStep(trial, stage, step, layer);
-            trial.Count("commands");
-            if (trial.Failed() && !failedBefore) trial.Fail("the order was: " + road);
+            const bool failedBefore = run.Failed();
+            road += ", " + TakeStep(run, fixture, step, layer);
+            run.Count("commands");
+            if (run.Failed() && !failedBefore) run.Fail("the order was: " + road);
         }
-        stage.EndEven("after " + road);
+        fixture.EndBalanced("after " + road);
     };
     std::vector<int> pairs;
     for (int first = 0; first < kSteps; ++first) {
         for (int second = 0; second < kSteps; ++second) pairs.insert(pairs.end(), {first, second});
     }
     walk(pairs);
-    for (int i = 0; i < kSessions && !trial.Failed(); ++i) {
+    for (int i = 0; i < kSessions && !run.Failed(); ++i) {
         std::vector<int> steps;
-        for (int depth = 0; depth < kDepth; ++depth) steps.push_back(trial.Draw(0, kSteps - 1));
+        for (int depth = 0; depth < kDepth; ++depth) steps.push_back(run.Draw(0, kSteps - 1));
         walk(steps);
     }
 }
@@ -107,109 +107,110 @@ void HideDrivers() {
 }
 
 /// A set-down that no set-up went before, or that was sent already.
-void SendSetdown(Trial& trial, EffectSession& session, const char* when) {
+void SendSetdown(CheckRun& run, EffectSession& session, const char* when) {
     const CommandRecord record = session.Send(PF_Cmd_GLOBAL_SETDOWN, nullptr, nullptr, nullptr);
-    if (!record.balance.Even()) trial.Fail(fmt::format("{} leaves {} open", when, record.balance.Text()));
+    if (!record.balance.IsBalanced()) run.Fail(fmt::format("{} leaves {} open", when, record.balance.Text()));
 }
 
-void SetsUpAgainAndAgain(Trial& trial) {
-    std::vector<Part> parts;
-    parts.push_back({"set-up and set-down, 50 times",
-                     [](Trial& part) {
-                         Stage stage(part);
-                         stage.EndEven("after the first set-down");
-                         for (int i = 0; i < 49 && !part.Failed(); ++i) {
-                             stage.Log().Clear();
-                             if (const auto up = stage.Session().SetUp(); !up) part.FailAndEnd(up.Error().sentence);
-                             stage.EndEven("after a later set-down");
-                         }
-                     },
-                     {}});
-    parts.push_back({"set-down twice",
-                     [](Trial& part) {
-                         Stage stage(part);
-                         stage.EndEven("after set-down");
-                         SendSetdown(part, stage.Session(), "a second set-down");
-                     },
-                     {}});
-    parts.push_back({"set-down without set-up",
-                     [](Trial& part) {
-                         auto module = Module::Load(part.Options().module);
-                         if (!module) part.FailAndEnd(module.Error().sentence);
-                         EffectSession session = EffectSession::Create(*module);
-                         SendSetdown(part, session, "a set-down without set-up");
-                     },
-                     {}});
-    parts.push_back({"set-up without any OpenGL driver",
-                     [](Trial& part) {
-                         HideDrivers();
-                         auto module = Module::Load(part.Options().module);
-                         if (!module) part.FailAndEnd(module.Error().sentence);
-                         // An error is an answer; a crash is none.
-                         EffectSession session = EffectSession::Create(*module);
-                         if (!session.SetUp()) return;
-                         const World layer = TestPicture(kSide, kSide, Depth::k8);
-                         const auto frame = session.Render(SmallRequest(layer));
-                         if (frame && NotFinite(frame->output)) part.Fail("without a driver a frame is not finite");
-                         if (const auto ended = session.End(); !ended) part.Fail(ended.Error().sentence);
-                         if (!session.Open().Even()) {
-                             part.Fail(fmt::format("without a driver {} are still open", session.Open().Text()));
-                         }
-                     },
-                     {}});
-    RunParts(trial, parts);
+void SetsUpAgainAndAgain(CheckRun& run) {
+    std::vector<SubCheck> subChecks;
+    subChecks.push_back({"set-up and set-down, 50 times",
+                         [](CheckRun& part) {
+                             CheckFixture fixture(part);
+                             fixture.EndBalanced("after the first set-down");
+                             for (int i = 0; i < 49 && !part.Failed(); ++i) {
+                                 fixture.Log().Clear();
+                                 if (const auto up = fixture.Session().SetUp(); !up)
+                                     part.FailAndEnd(up.Error().sentence);
+                                 fixture.EndBalanced("after a later set-down");
+                             }
+                         },
+                         {}});
+    subChecks.push_back({"set-down twice",
+                         [](CheckRun& part) {
+                             CheckFixture fixture(part);
+                             fixture.EndBalanced("after set-down");
+                             SendSetdown(part, fixture.Session(), "a second set-down");
+                         },
+                         {}});
+    subChecks.push_back({"set-down without set-up",
+                         [](CheckRun& part) {
+                             auto module = Module::Load(part.Options().module);
+                             if (!module) part.FailAndEnd(module.Error().sentence);
+                             EffectSession session = EffectSession::Create(*module);
+                             SendSetdown(part, session, "a set-down without set-up");
+                         },
+                         {}});
+    subChecks.push_back({"set-up without any OpenGL driver",
+                         [](CheckRun& part) {
+                             HideDrivers();
+                             auto module = Module::Load(part.Options().module);
+                             if (!module) part.FailAndEnd(module.Error().sentence);
+                             // An error is an answer; a crash is none.
+                             EffectSession session = EffectSession::Create(*module);
+                             if (!session.SetUp()) return;
+                             const World layer = TestPicture(kSide, kSide, Depth::k8);
+                             const auto frame = session.Render(SmallRequest(layer));
+                             if (frame && NotFinite(frame->output)) part.Fail("without a driver a frame is not finite");
+                             if (const auto ended = session.End(); !ended) part.Fail(ended.Error().sentence);
+                             if (!session.Open().IsBalanced()) {
+                                 part.Fail(fmt::format("without a driver {} are still open", session.Open().Text()));
+                             }
+                         },
+                         {}});
+    RunSubChecks(run, subChecks);
 }
 
 /// Draws the usual things with tables that are shut while they are not held.
-void ActOnStrictHost(Trial& trial, Stage& stage) {
-    stage.Cheapen();
+void ActOnStrictHost(CheckRun& run, CheckFixture& fixture) {
+    fixture.Cheapen();
     for (const Depth depth : {Depth::k8, Depth::k32}) {
         const World layer = TestPicture(kSide, kSide, depth);
-        for (const Variant& variant : StyleVariants(stage.Session().Params(), 4)) {
-            ParamSet params = stage.Session().Params();
+        for (const Variant& variant : StyleVariants(fixture.Session().Params(), 4)) {
+            ParamSet params = fixture.Session().Params();
             variant.apply(params);
             FrameRequest request = SmallRequest(layer);
             request.params = &params;
             request.texture = &layer;
-            stage.Draw(request, variant.name);
+            fixture.Draw(request, variant.name);
         }
     }
-    stage.TouchPanel();
-    SendDrawEvents(trial, stage);
+    fixture.TouchPanel();
+    SendDrawEvents(run, fixture);
 }
 
-void HoldsSuitesByTheBook(Trial& trial) {
+void HoldsSuitesByTheBook(CheckRun& run) {
     SessionOptions options;
     options.strictLending = true;
-    Stage stage(trial, options);
-    ActOnStrictHost(trial, stage);
+    CheckFixture fixture(run, options);
+    ActOnStrictHost(run, fixture);
     // After every command, not only at the end: a suite that one command leaves and the next releases is a leak too.
     std::map<std::uint64_t, std::vector<Event>> commands;
-    for (const Event& event : stage.Log().Events()) commands[event.command].push_back(event);
+    for (const Event& event : fixture.Log().Events()) commands[event.command].push_back(event);
     for (const auto& [command, events] : commands) {
         for (const LedgerRow& row : UnevenRows(events)) {
-            if (row.resource == Resource::kSuite) trial.Fail(row.sentence);
+            if (row.resource == Resource::kSuite) run.Fail(row.sentence);
         }
     }
-    stage.NoteMisbehaviour("");
-    trial.Count("host calls", static_cast<double>(stage.Log().Size()));
+    fixture.NoteMisbehaviour("");
+    run.Count("host calls", static_cast<double>(fixture.Log().Size()));
 }
 
-void AsksForKnownSuites(Trial& trial) {
-    Stage stage(trial);
-    ActOnStrictHost(trial, stage);
-    for (const std::string& suite : stage.Session().RefusedSuites()) {
-        trial.Fail(fmt::format("the suite {} is requested, which the interface or this version does not have", suite));
+void AsksForKnownSuites(CheckRun& run) {
+    CheckFixture fixture(run);
+    ActOnStrictHost(run, fixture);
+    for (const std::string& suite : fixture.Session().RefusedSuites()) {
+        run.Fail(fmt::format("the suite {} is requested, which the interface or this version does not have", suite));
     }
 }
 
-void LeavesTheContextAlone(Trial& trial) {
+void LeavesTheContextAlone(CheckRun& run) {
     const auto display = Display::Open();
-    if (!display) trial.Skip("no OpenGL context can be made here");
+    if (!display) run.Skip("no OpenGL context can be made here");
     std::string at = "loading";
     const auto judge = [&](const std::string& after) {
         if (!display->IsCurrent()) {
-            trial.Fail(fmt::format("{} leaves another OpenGL context current than the host's", after));
+            run.Fail(fmt::format("{} leaves another OpenGL context current than the host's", after));
             display->MakeCurrent();
         }
     };
@@ -220,10 +221,10 @@ void LeavesTheContextAlone(Trial& trial) {
         if (sent.command == PF_Cmd_SMART_RENDER) return display->MakeCurrent();
         judge(CommandName(sent.command));
     };
-    Stage stage(trial, options);
-    stage.TouchPanel();
-    SendDrawEvents(trial, stage);
-    stage.EndEven("after set-down");
+    CheckFixture fixture(run, options);
+    fixture.TouchPanel();
+    SendDrawEvents(run, fixture);
+    fixture.EndBalanced("after set-down");
 }
 
 /// The module's writable data at one moment. The bytes between its objects are read too, which a sanitizer would report
@@ -253,17 +254,17 @@ bool IsBare(const ModuleFile::Object& object) {
     return !object.name.empty() && object.size < sizeof(pthread_mutex_t);
 }
 
-void KeepsItsStaticsStill(Trial& trial) {
-    const auto file = ModuleFile::Read(trial.Options().module);
-    Stage stage(trial);
-    stage.Cheapen();
-    const std::vector<WritableRange> ranges = WritableRangesOf(stage.Loaded().File());
-    if (!file || ranges.empty()) trial.Skip("the module's writable data cannot be found");
+void KeepsItsStaticsStill(CheckRun& run) {
+    const auto file = ModuleFile::Read(run.Options().module);
+    CheckFixture fixture(run);
+    fixture.Cheapen();
+    const std::vector<WritableRange> ranges = WritableRangesOf(fixture.Loaded().File());
+    if (!file || ranges.empty()) run.Skip("the module's writable data cannot be found");
     const World layer = TestPicture(kSide, kSide, Depth::k8);
-    for (int i = 0; i < 2; ++i) stage.Draw(SmallRequest(layer), "a first frame");
+    for (int i = 0; i < 2; ++i) fixture.Draw(SmallRequest(layer), "a first frame");
     const auto before = CopyOf(ranges);
     const World other = TestPicture(kSide + 5, kSide, Depth::k8);
-    for (int i = 0; i < 3; ++i) stage.Draw(SmallRequest(other), "a later frame");
+    for (int i = 0; i < 3; ++i) fixture.Draw(SmallRequest(other), "a later frame");
     const auto after = CopyOf(ranges);
 
     std::map<std::size_t, ModuleFile::Object> changed;
@@ -276,40 +277,40 @@ void KeepsItsStaticsStill(Trial& trial) {
             changed[object.address] = object;
         }
     }
-    trial.Count("bytes of static writable data", bytes);
-    const bool threaded = stage.Session().OutFlags2() & PF_OutFlag2_SUPPORTS_THREADED_RENDERING;
+    run.Count("bytes of static writable data", bytes);
+    const bool threaded = fixture.Session().OutFlags2() & PF_OutFlag2_SUPPORTS_THREADED_RENDERING;
     for (const auto& [address, object] : changed) {
         const std::string text =
             fmt::format("a render changes static data: {}",
                         object.name.empty() ? fmt::format("the byte at {:#x}", address) : object.name);
-        threaded&& IsBare(object) ? trial.Fail(text + ", although renders are announced for several threads")
-                                  : trial.Warn(text);
+        threaded&& IsBare(object) ? run.Fail(text + ", although renders are announced for several threads")
+                                  : run.Warn(text);
     }
 }
 
-void TakesOnlyAnnouncedLayers(Trial& trial) {
-    Stage stage(trial);
-    stage.Cheapen();
+void TakesOnlyAnnouncedLayers(CheckRun& run) {
+    CheckFixture fixture(run);
+    fixture.Cheapen();
     const World layer = TestPicture(kSide, kSide, Depth::k8);
-    for (const Variant& variant : StyleVariants(stage.Session().Params(), 8)) {
-        ParamSet params = stage.Session().Params();
+    for (const Variant& variant : StyleVariants(fixture.Session().Params(), 8)) {
+        ParamSet params = fixture.Session().Params();
         variant.apply(params);
         for (const World* texture : {static_cast<const World*>(nullptr), &layer}) {
             FrameRequest request = SmallRequest(layer);
             request.params = &params;
             request.texture = texture;
-            stage.Log().Clear();
-            stage.Draw(request, variant.name);
+            fixture.Log().Clear();
+            fixture.Draw(request, variant.name);
             std::set<std::uint64_t> announced;
-            for (const Event& event : stage.Log().Events()) {
+            for (const Event& event : fixture.Log().Events()) {
                 if (event.callee == "pre-render.checkout_layer" && !event.Failed()) {
                     announced.insert(event.arguments.at(2).before);
                 }
                 if (event.callee != "smart-render.checkout_layer_pixels") continue;
                 const std::uint64_t id = event.arguments.at(1).before;
                 if (!announced.contains(id)) {
-                    trial.Fail(fmt::format("{}: render takes the layer with id {}, which pre-render did not check out",
-                                           variant.name, static_cast<A_long>(id)));
+                    run.Fail(fmt::format("{}: render takes the layer with id {}, which pre-render did not check out",
+                                         variant.name, static_cast<A_long>(id)));
                 }
             }
         }

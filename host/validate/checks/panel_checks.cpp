@@ -7,8 +7,8 @@
 
 #include <limits>
 
+#include "host/validate/checks/check_fixture.h"
 #include "host/validate/checks/panel_events.h"
-#include "host/validate/checks/stage.h"
 #include "host/validate/runner/processes.h"
 
 namespace {
@@ -28,52 +28,52 @@ struct Rows {
     std::vector<PF_ParamDef*> pointers;
 };
 
-void ChangesAnyRow(Trial& part) {
-    Stage stage(part);
-    const int count = stage.Session().Params().Count();
+void ChangesAnyRow(CheckRun& part) {
+    CheckFixture fixture(part);
+    const int count = fixture.Session().Params().Count();
     std::vector<A_long> indices{-1, kLowest, kHighest};
     for (int index = 0; index <= count + 5; ++index) indices.push_back(index);
     for (const A_long index : indices) {
         // Pressing a button may open a page in a browser.
         const bool known = index >= 0 && index < count;
-        if (known && KindOf(stage.Session().Params().Row(index).def) == ParamKind::kButton) continue;
-        Rows rows(stage.Session());
+        if (known && KindOf(fixture.Session().Params().Row(index).def) == ParamKind::kButton) continue;
+        Rows rows(fixture.Session());
         PF_UserChangedParamExtra extra{index};
         const CommandRecord record =
-            stage.Session().Send(PF_Cmd_USER_CHANGED_PARAM, rows.pointers.data(), nullptr, &extra);
+            fixture.Session().Send(PF_Cmd_USER_CHANGED_PARAM, rows.pointers.data(), nullptr, &extra);
         if (record.error && known)
             part.Fail(fmt::format("a change of row #{} is answered with {}", index, record.error));
-        if (!record.balance.Even()) {
+        if (!record.balance.IsBalanced()) {
             part.Fail(fmt::format("a change of row #{} leaves {} open", index, record.balance.Text()));
         }
     }
 }
 
-void UpdatesInEveryStyle(Trial& part) {
-    Stage stage(part);
-    for (const Variant& variant : StyleVariants(stage.Session().Params(), 20)) {
-        variant.apply(stage.Session().Params());
-        if (const auto updated = stage.Session().UpdateParamsUI(); !updated) {
+void UpdatesInEveryStyle(CheckRun& part) {
+    CheckFixture fixture(part);
+    for (const Variant& variant : StyleVariants(fixture.Session().Params(), 20)) {
+        variant.apply(fixture.Session().Params());
+        if (const auto updated = fixture.Session().UpdateParamsUI(); !updated) {
             part.Fail(fmt::format("{}: {}", variant.name, updated.Error().sentence));
         }
     }
-    stage.EndEven("after updates of the panel");
+    fixture.EndBalanced("after updates of the panel");
 }
 
-void TakesEveryEvent(Trial& part) {
-    Stage stage(part);
+void TakesEveryEvent(CheckRun& part) {
+    CheckFixture fixture(part);
     const PF_UnionableRect frames[] = {{100, 0, 300, 120},   {0, 0, 0, 0},
                                        {300, 120, 100, 0},   {-500, -500, -10, -10},
                                        {0, 0, 30000, 30000}, {kLowest, kLowest, kHighest, kHighest}};
-    const std::vector<int> own = SelfDrawnRows(stage.Session());
+    const std::vector<int> own = SelfDrawnRows(fixture.Session());
     std::vector<int> rows = own;
-    rows.insert(rows.end(), {-1, 0, stage.Session().Params().Count() + 5});
+    rows.insert(rows.end(), {-1, 0, fixture.Session().Params().Count() + 5});
     for (const int row : rows) {
         UnseenCanvas canvas;
         for (PF_EventType type = PF_Event_NONE; type <= PF_Event_NUM_EVENTS; ++type) {
             for (const PF_UnionableRect& frame : frames) {
                 PF_EventExtra event = canvas.Event(type, row, frame);
-                const auto sent = stage.Session().SendEvent(&event);
+                const auto sent = fixture.Session().SendEvent(&event);
                 const bool usual = std::find(own.begin(), own.end(), row) != own.end() && &frame == &frames[0];
                 if (!sent && usual) part.Fail(fmt::format("event {}: {}", type, sent.Error().sentence));
                 // Saying that an idle moment was handled keeps the host from handling it, and wakes it at once.
@@ -84,13 +84,13 @@ void TakesEveryEvent(Trial& part) {
             }
         }
     }
-    stage.EndEven("after events");
+    fixture.EndBalanced("after events");
 }
 
-void BearsItsPanel(Trial& trial) {
-    RunParts(trial, {{"with changes of any row", ChangesAnyRow},
-                     {"with the panel in every style", UpdatesInEveryStyle},
-                     {"with events of every kind", TakesEveryEvent}});
+void BearsItsPanel(CheckRun& run) {
+    RunSubChecks(run, {{"with changes of any row", ChangesAnyRow},
+                       {"with the panel in every style", UpdatesInEveryStyle},
+                       {"with events of every kind", TakesEveryEvent}});
 }
 
 }  // namespace

@@ -50,13 +50,13 @@ std::vector<int> SelfDrawnRows(const EffectSession& session) {
     return rows;
 }
 
-void SendDrawEvents(Trial& trial, Stage& stage) {
-    for (const int row : SelfDrawnRows(stage.Session())) {
+void SendDrawEvents(CheckRun& run, CheckFixture& fixture) {
+    for (const int row : SelfDrawnRows(fixture.Session())) {
         UnseenCanvas canvas;
         for (const PF_EventType type : {PF_Event_NEW_CONTEXT, PF_Event_DRAW, PF_Event_CLOSE_CONTEXT}) {
             PF_EventExtra event = canvas.Event(type, row, {100, 0, kWidth, kHeight});
-            if (const auto sent = stage.Session().SendEvent(&event); !sent) {
-                trial.Fail(fmt::format("event {} on row #{}: {}", type, row, sent.Error().sentence));
+            if (const auto sent = fixture.Session().SendEvent(&event); !sent) {
+                run.Fail(fmt::format("event {} on row #{}: {}", type, row, sent.Error().sentence));
             }
         }
     }

@@ -9,7 +9,7 @@
 
 #include "host/drawing/drawing.h"
 #include "host/suites/drawbot/canvas.h"
-#include "host/validate/checks/stage.h"
+#include "host/validate/checks/check_fixture.h"
 
 /// What canvases are called in messages.
 inline constexpr char kCanvasName[] = "the canvas of a draw event";
@@ -32,5 +32,5 @@ class UnseenCanvas {
 /// The rows that the effect draws itself; empty when it asked for no events.
 std::vector<int> SelfDrawnRows(const EffectSession& session);
 
-/// One window's life for every such row: opened, drawn, closed. Errors fail the trial.
-void SendDrawEvents(Trial& trial, Stage& stage);
+/// One window's life for every such row: opened, drawn, closed. Errors fail the run.
+void SendDrawEvents(CheckRun& run, CheckFixture& fixture);

@@ -13,7 +13,7 @@
 #include <limits>
 
 #include "host/compositing/rectangles.h"
-#include "host/validate/checks/stage.h"
+#include "host/validate/checks/check_fixture.h"
 #include "host/validate/runner/process_memory.h"
 #include "host/validate/runner/processes.h"
 
@@ -31,9 +31,9 @@ FrameRequest RequestOf(const World& layer, const ParamSet& params) {
 }
 
 /// How many sets of random values are drawn: fewer where the processor draws OpenGL.
-int SetsFor(const Trial& trial, int many, int few) {
+int SetsFor(const CheckRun& run, int many, int few) {
     const char* renderer = std::getenv("UMBRANT_RENDERER");
-    const bool cheap = !trial.Options().softwareGl || (renderer && std::strcmp(renderer, "cpu") == 0);
+    const bool cheap = !run.Options().softwareGl || (renderer && std::strcmp(renderer, "cpu") == 0);
     return cheap ? many : few;
 }
 
@@ -41,27 +41,27 @@ int SetsFor(const Trial& trial, int many, int few) {
 constexpr double kWide = 200;
 constexpr double kLowSteps = 12;
 
-void DrawValue(Trial& trial, ParamRow& row) {
+void DrawValue(CheckRun& run, ParamRow& row) {
     PF_ParamDefUnion& u = row.def.u;
     if (const auto range = RangeOf(row)) {
         const bool wide = KindOf(row.def) != ParamKind::kAngle && range->validMax - range->validMin > kWide;
         const double high = wide ? LowNumber(*range, kLowSteps) : range->validMax;
-        SetNumberUnchecked(row, trial.DrawReal(wide && range->validMin < 0 ? 0 : range->validMin, high));
+        SetNumberUnchecked(row, run.DrawReal(wide && range->validMin < 0 ? 0 : range->validMin, high));
         return;
     }
-    const auto byte = [&] { return static_cast<A_u_char>(trial.Draw(0, 255)); };
+    const auto byte = [&] { return static_cast<A_u_char>(run.Draw(0, 255)); };
     switch (KindOf(row.def)) {
         case ParamKind::kCheckBox:
-            u.bd.value = trial.Draw(0, 1);
+            u.bd.value = run.Draw(0, 1);
             break;
         case ParamKind::kColor:
             u.cd.value = {255, byte(), byte(), byte()};
             break;
         case ParamKind::kPopup:
-            u.pd.value = trial.Draw(1, std::max<int>(u.pd.num_choices, 1));
+            u.pd.value = run.Draw(1, std::max<int>(u.pd.num_choices, 1));
             break;
         case ParamKind::kPoint:
-            row.point = LayerPoint{trial.DrawReal(-20, 120), trial.DrawReal(-20, 120), false};
+            row.point = LayerPoint{run.DrawReal(-20, 120), run.DrawReal(-20, 120), false};
             break;
         default:
             break;
@@ -69,16 +69,16 @@ void DrawValue(Trial& trial, ParamRow& row) {
 }
 
 /// Draws with the values and says what is wrong with the frame.
-void Judge(Trial& trial, Stage& stage, const ParamSet& params, const World& layer, const std::string& what,
+void Judge(CheckRun& run, CheckFixture& fixture, const ParamSet& params, const World& layer, const std::string& what,
            bool mustSucceed) {
-    trial.Count("frames");
-    const auto frame = stage.Session().Render(RequestOf(layer, params));
+    run.Count("frames");
+    const auto frame = fixture.Session().Render(RequestOf(layer, params));
     if (!frame) {
-        if (mustSucceed) trial.Fail(fmt::format("{}: {}", what, frame.Error().sentence));
+        if (mustSucceed) run.Fail(fmt::format("{}: {}", what, frame.Error().sentence));
         return;
     }
     if (const auto place = NotFinite(frame->output); place && mustSucceed) {
-        trial.Fail(fmt::format("{}: the channel at {} is not finite", what, *place));
+        run.Fail(fmt::format("{}: the channel at {} is not finite", what, *place));
     }
 }
 
@@ -90,22 +90,22 @@ std::string ValuesText(const ParamSet& params) {
     return text;
 }
 
-void DrawsInsideLimits(Trial& trial) {
-    Stage stage(trial);
-    const int sets = SetsFor(trial, 200, 30);
-    const std::vector<Variant> variants = StyleVariants(stage.Session().Params(), 3);
+void DrawsInsideLimits(CheckRun& run) {
+    CheckFixture fixture(run);
+    const int sets = SetsFor(run, 200, 30);
+    const std::vector<Variant> variants = StyleVariants(fixture.Session().Params(), 3);
     for (const Depth depth : {Depth::k8, Depth::k32}) {
         for (int i = 0; i < sets * 3; ++i) {
-            const World layer = TestPicture(trial.Draw(1, 96), trial.Draw(1, 96), depth);
-            ParamSet params = stage.Session().Params();
-            for (const int index : SettableRows(params)) DrawValue(trial, params.RawRow(index));
+            const World layer = TestPicture(run.Draw(1, 96), run.Draw(1, 96), depth);
+            ParamSet params = fixture.Session().Params();
+            for (const int index : SettableRows(params)) DrawValue(run, params.RawRow(index));
             variants[static_cast<std::size_t>(i) % variants.size()].apply(params);
-            Judge(trial, stage, params, layer, fmt::format("with {}", ValuesText(params)), true);
-            if (trial.Failed()) return;
+            Judge(run, fixture, params, layer, fmt::format("with {}", ValuesText(params)), true);
+            if (run.Failed()) return;
         }
-        stage.Log().Clear();
+        fixture.Log().Clear();
     }
-    stage.NoteMisbehaviour("");
+    fixture.NoteMisbehaviour("");
 }
 
 /// The least, the greatest and the usual value of a row, as numbers; one for a row without.
@@ -130,32 +130,32 @@ void SetEnd(ParamRow& row, double value) {
     }
 }
 
-void DrawsAtLimits(Trial& trial) {
-    Stage stage(trial);
-    stage.Cheapen();
-    const std::vector<int> rows = SettableRows(stage.Session().Params());
+void DrawsAtLimits(CheckRun& run) {
+    CheckFixture fixture(run);
+    fixture.Cheapen();
+    const std::vector<int> rows = SettableRows(fixture.Session().Params());
     const World layer = TestPicture(24, 20, Depth::k32);
     // Each end of each row alone; then random choices of ends, in which every pair of rows meets soon.
     for (const int index : rows) {
-        for (const double value : Ends(stage.Session().Params().Row(index))) {
-            ParamSet params = stage.Session().Params();
+        for (const double value : Ends(fixture.Session().Params().Row(index))) {
+            ParamSet params = fixture.Session().Params();
             SetEnd(params.RawRow(index), value);
-            Judge(trial, stage, params, layer, fmt::format("with {} at {}", RowName(params.Row(index)), value), true);
+            Judge(run, fixture, params, layer, fmt::format("with {} at {}", RowName(params.Row(index)), value), true);
         }
     }
-    const int sets = SetsFor(trial, 64, 24);
+    const int sets = SetsFor(run, 64, 24);
     for (int i = 0; i < sets; ++i) {
-        ParamSet params = stage.Session().Params();
+        ParamSet params = fixture.Session().Params();
         for (const int index : rows) {
             const std::vector<double> ends = Ends(params.Row(index));
             if (!ends.empty()) {
                 SetEnd(params.RawRow(index),
-                       ends[static_cast<std::size_t>(trial.Draw(0, static_cast<int>(ends.size()) - 1))]);
+                       ends[static_cast<std::size_t>(run.Draw(0, static_cast<int>(ends.size()) - 1))]);
             }
         }
-        Judge(trial, stage, params, layer, fmt::format("with {}", ValuesText(params)), true);
+        Judge(run, fixture, params, layer, fmt::format("with {}", ValuesText(params)), true);
     }
-    stage.NoteMisbehaviour("");
+    fixture.NoteMisbehaviour("");
 }
 
 /// One row, one odd value.
@@ -167,22 +167,22 @@ struct OddValue {
 
 /// Draws with each odd value alone. An error is an answer; a crash or a hang is none, and the value's name is then the
 /// last that this process printed.
-void DrawOddValues(Trial& part, Stage& stage, const std::vector<OddValue>& values) {
+void DrawOddValues(CheckRun& part, CheckFixture& fixture, const std::vector<OddValue>& values) {
     constexpr long kMostMemory = 1L << 30;
-    stage.Cheapen();
+    fixture.Cheapen();
     const World layer = TestPicture(16, 12, Depth::k32);
     for (const OddValue& odd : values) {
-        ParamSet params = stage.Session().Params();
+        ParamSet params = fixture.Session().Params();
         odd.set(params.RawRow(odd.row));
         std::puts(odd.name.c_str());
         std::fflush(stdout);
         const long before = PeakBytes();
-        Judge(part, stage, params, layer, fmt::format("with {}", odd.name), false);
+        Judge(part, fixture, params, layer, fmt::format("with {}", odd.name), false);
         if (PeakBytes() - before > kMostMemory)
             part.Fail(fmt::format("with {}: more than 1 GiB is allocated", odd.name));
     }
     part.Count("odd values", static_cast<double>(values.size()));
-    stage.EndEven("after odd values");
+    fixture.EndBalanced("after odd values");
 }
 
 void AddPopupItems(std::vector<OddValue>& values, const ParamRow& row) {
@@ -211,33 +211,33 @@ void AddNumbers(std::vector<OddValue>& values, const ParamRow& row, const std::v
     }
 }
 
-void DrawsBeyondLimits(Trial& trial) {
-    RunParts(trial, {{"with values beyond their limits", [](Trial& part) {
-                          Stage stage(part);
-                          std::vector<OddValue> values;
-                          for (const int index : SettableRows(stage.Session().Params())) {
-                              const ParamRow& row = stage.Session().Params().Row(index);
-                              const auto range = RangeOf(row);
-                              if (KindOf(row.def) == ParamKind::kPopup) AddPopupItems(values, row);
-                              if (!range) continue;
-                              AddNumbers(values, row, {range->validMin - 1, 0});
-                              if (range->validMax - range->validMin <= kWide) {
-                                  AddNumbers(values, row, {range->validMax + 1});
-                              }
-                          }
-                          DrawOddValues(part, stage, values);
-                      }}});
+void DrawsBeyondLimits(CheckRun& run) {
+    RunSubChecks(run, {{"with values beyond their limits", [](CheckRun& part) {
+                            CheckFixture fixture(part);
+                            std::vector<OddValue> values;
+                            for (const int index : SettableRows(fixture.Session().Params())) {
+                                const ParamRow& row = fixture.Session().Params().Row(index);
+                                const auto range = RangeOf(row);
+                                if (KindOf(row.def) == ParamKind::kPopup) AddPopupItems(values, row);
+                                if (!range) continue;
+                                AddNumbers(values, row, {range->validMin - 1, 0});
+                                if (range->validMax - range->validMin <= kWide) {
+                                    AddNumbers(values, row, {range->validMax + 1});
+                                }
+                            }
+                            DrawOddValues(part, fixture, values);
+                        }}});
 }
 
-void StandsOddNumbers(Trial& trial) {
-    RunParts(
-        trial,
-        {{"with odd numbers", [](Trial& part) {
+void StandsOddNumbers(CheckRun& run) {
+    RunSubChecks(
+        run,
+        {{"with odd numbers", [](CheckRun& part) {
               LimitMemory();
-              Stage stage(part);
+              CheckFixture fixture(part);
               std::vector<OddValue> values;
-              for (const int index : SettableRows(stage.Session().Params())) {
-                  const ParamRow& row = stage.Session().Params().Row(index);
+              for (const int index : SettableRows(fixture.Session().Params())) {
+                  const ParamRow& row = fixture.Session().Params().Row(index);
                   if (KindOf(row.def) == ParamKind::kFloat) {
                       AddNumbers(values, row, {kNaN, kInfinity, -kInfinity, 1e308, -1e308, -0.0, 5e-324, 1e-300});
                   } else if (KindOf(row.def) == ParamKind::kAngle) {
@@ -251,19 +251,19 @@ void StandsOddNumbers(Trial& trial) {
                       }
                   }
               }
-              DrawOddValues(part, stage, values);
+              DrawOddValues(part, fixture, values);
           }}});
 }
 
 /// One command with one pointer taken away.
-void SendWithout(Trial& part, const char* what, PF_Cmd command, const std::function<void(CommandArguments&)>& take) {
+void SendWithout(CheckRun& part, const char* what, PF_Cmd command, const std::function<void(CommandArguments&)>& take) {
     SessionOptions options;
     bool armed = false;
     options.beforeCommand = [&](CommandArguments& sent) {
         if (armed && sent.command == command) take(sent);
     };
-    Stage stage(part, options);
-    stage.Cheapen();
+    CheckFixture fixture(part, options);
+    fixture.Cheapen();
     std::printf("%s\n", what);
     std::fflush(stdout);
     armed = true;
@@ -272,21 +272,21 @@ void SendWithout(Trial& part, const char* what, PF_Cmd command, const std::funct
         case PF_Cmd_SMART_PRE_RENDER:
         case PF_Cmd_SMART_RENDER: {
             part.Count("frames");
-            const auto frame = stage.Session().Render(RequestOf(layer, stage.Session().Params()));
+            const auto frame = fixture.Session().Render(RequestOf(layer, fixture.Session().Params()));
             static_cast<void>(frame);
             break;
         }
         default:
-            stage.Session().Send(command, nullptr, nullptr, nullptr);
+            fixture.Session().Send(command, nullptr, nullptr, nullptr);
     }
     armed = false;
 }
 
-void StandsNullPointers(Trial& trial) {
-    std::vector<Part> parts;
+void StandsNullPointers(CheckRun& run) {
+    std::vector<SubCheck> subChecks;
     const auto add = [&](const char* what, PF_Cmd command, std::function<void(CommandArguments&)> take) {
-        parts.push_back({fmt::format("command {} with {}", command, what),
-                         [=](Trial& part) { SendWithout(part, what, command, take); }});
+        subChecks.push_back({fmt::format("command {} with {}", command, what),
+                             [=](CheckRun& part) { SendWithout(part, what, command, take); }});
     };
     const auto noSuites = [](CommandArguments& sent) { sent.in->pica_basicP = nullptr; };
     const auto noGlobal = [](CommandArguments& sent) { sent.in->global_data = nullptr; };
@@ -306,7 +306,7 @@ void StandsNullPointers(Trial& trial) {
     add("no pre-render data", PF_Cmd_SMART_RENDER, [](CommandArguments& sent) {
         static_cast<PF_SmartRenderExtra*>(sent.extra)->input->pre_render_data = nullptr;
     });
-    RunParts(trial, parts);
+    RunSubChecks(run, subChecks);
 }
 
 }  // namespace

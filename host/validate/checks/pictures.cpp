@@ -10,7 +10,7 @@
 #include <cstring>
 
 #include "host/compositing/rectangles.h"
-#include "host/validate/checks/stage.h"
+#include "host/validate/checks/check_fixture.h"
 
 namespace {
 

@@ -11,7 +11,7 @@
 #include <limits>
 
 #include "host/compositing/rectangles.h"
-#include "host/validate/checks/stage.h"
+#include "host/validate/checks/check_fixture.h"
 #include "host/validate/runner/processes.h"
 
 namespace {
@@ -34,31 +34,31 @@ void Lay(const Frame& tile, const PF_LRect& region, World& whole, const PF_LRect
     }
 }
 
-void DrawsTilesAlike(Trial& trial) {
+void DrawsTilesAlike(CheckRun& run) {
     constexpr int kTile = 64;
     constexpr double kTolerance = 2.0 / 255;
-    Stage stage(trial);
-    stage.Cheapen();
+    CheckFixture fixture(run);
+    fixture.Cheapen();
     const World layer = TestPicture(120, 100, Depth::k32);
-    for (const Variant& variant : StyleVariants(stage.Session().Params(), 3)) {
-        ParamSet params = stage.Session().Params();
+    for (const Variant& variant : StyleVariants(fixture.Session().Params(), 3)) {
+        ParamSet params = fixture.Session().Params();
         variant.apply(params);
         FrameRequest request = RequestOf(layer, params);
         request.canvas = Canvas::kGrow;
-        const auto whole = stage.Draw(request, variant.name);
+        const auto whole = fixture.Draw(request, variant.name);
         if (!whole || whole->output.Width() == 0) continue;
         World joined = World::Create(whole->output.Width(), whole->output.Height(), Depth::k32);
         for (A_long top = whole->rect.top; top < whole->rect.bottom; top += kTile) {
             for (A_long left = whole->rect.left; left < whole->rect.right; left += kTile) {
                 request.region = PF_LRect{left, top, left + kTile, top + kTile};
-                const auto tile = stage.Draw(request, fmt::format("{}, a tile", variant.name));
+                const auto tile = fixture.Draw(request, fmt::format("{}, a tile", variant.name));
                 if (tile) Lay(*tile, *request.region, joined, whole->rect);
             }
         }
         const double difference = LargestDifference(whole->output, joined);
         if (difference > kTolerance) {
-            trial.Fail(fmt::format("{}: tiles of {} pixels differ from the whole frame by {:.3f}", variant.name, kTile,
-                                   difference));
+            run.Fail(fmt::format("{}: tiles of {} pixels differ from the whole frame by {:.3f}", variant.name, kTile,
+                                 difference));
         }
     }
 }
@@ -69,17 +69,17 @@ bool IsOdd(const PF_PixelFloat& p) {
 }
 
 /// One pixel that is no number must not spoil pixels farther away than the effect reaches.
-void JudgeSpread(Trial& part, Stage& stage, float bad, const std::string& name) {
+void JudgeSpread(CheckRun& part, CheckFixture& fixture, float bad, const std::string& name) {
     constexpr int kSide = 96, kPlace = 20;
     World layer = TestPicture(kSide, kSide, Depth::k32);
     RowOf<PF_PixelFloat>(layer.Def(), kPlace)[kPlace] = {bad, bad, bad, bad};
-    for (const Variant& variant : StyleVariants(stage.Session().Params(), 3)) {
-        ParamSet params = stage.Session().Params();
+    for (const Variant& variant : StyleVariants(fixture.Session().Params(), 3)) {
+        ParamSet params = fixture.Session().Params();
         variant.apply(params);
         FrameRequest request;
         request.layer = &layer;
         request.params = &params;
-        const auto frame = stage.Draw(request, fmt::format("{}, with a pixel that is {}", variant.name, name));
+        const auto frame = fixture.Draw(request, fmt::format("{}, with a pixel that is {}", variant.name, name));
         if (!frame) continue;
         const A_long reach = 2 + 2 * std::max({-frame->maxRect.left, -frame->maxRect.top, frame->maxRect.right - kSide,
                                                frame->maxRect.bottom - kSide, A_long{8}});
@@ -100,34 +100,34 @@ void JudgeSpread(Trial& part, Stage& stage, float bad, const std::string& name) 
     }
 }
 
-void StandsAnyPixels(Trial& trial) {
-    RunParts(trial, {{"with pixels of random bits",
-                      [](Trial& part) {
-                          Stage stage(part);
-                          stage.Cheapen();
-                          for (int i = 0; i < 6; ++i) {
-                              World layer = World::Create(48, 40, Depth::k32);
-                              for (int y = 0; y < 40; ++y) {
-                                  auto* bits = reinterpret_cast<std::uint32_t*>(layer.Row(y));
-                                  for (int x = 0; x < 48 * 4; ++x)
-                                      bits[x] = static_cast<std::uint32_t>(part.Random()());
-                              }
-                              for (const Variant& variant : StyleVariants(stage.Session().Params(), 3)) {
-                                  ParamSet params = stage.Session().Params();
-                                  variant.apply(params);
-                                  stage.Draw(RequestOf(layer, params),
-                                             fmt::format("{}, pixels of random bits", variant.name));
-                              }
-                          }
-                          stage.EndEven("after random bits");
-                      }},
-                     {"with pixels that are NaN or infinite", [](Trial& part) {
-                          Stage stage(part);
-                          stage.Cheapen();
-                          JudgeSpread(part, stage, std::numeric_limits<float>::quiet_NaN(), "NaN");
-                          JudgeSpread(part, stage, std::numeric_limits<float>::infinity(), "infinite");
-                          JudgeSpread(part, stage, -std::numeric_limits<float>::infinity(), "negative infinity");
-                      }}});
+void StandsAnyPixels(CheckRun& run) {
+    RunSubChecks(run, {{"with pixels of random bits",
+                        [](CheckRun& part) {
+                            CheckFixture fixture(part);
+                            fixture.Cheapen();
+                            for (int i = 0; i < 6; ++i) {
+                                World layer = World::Create(48, 40, Depth::k32);
+                                for (int y = 0; y < 40; ++y) {
+                                    auto* bits = reinterpret_cast<std::uint32_t*>(layer.Row(y));
+                                    for (int x = 0; x < 48 * 4; ++x)
+                                        bits[x] = static_cast<std::uint32_t>(part.Random()());
+                                }
+                                for (const Variant& variant : StyleVariants(fixture.Session().Params(), 3)) {
+                                    ParamSet params = fixture.Session().Params();
+                                    variant.apply(params);
+                                    fixture.Draw(RequestOf(layer, params),
+                                                 fmt::format("{}, pixels of random bits", variant.name));
+                                }
+                            }
+                            fixture.EndBalanced("after random bits");
+                        }},
+                       {"with pixels that are NaN or infinite", [](CheckRun& part) {
+                            CheckFixture fixture(part);
+                            fixture.Cheapen();
+                            JudgeSpread(part, fixture, std::numeric_limits<float>::quiet_NaN(), "NaN");
+                            JudgeSpread(part, fixture, std::numeric_limits<float>::infinity(), "infinite");
+                            JudgeSpread(part, fixture, -std::numeric_limits<float>::infinity(), "negative infinity");
+                        }}});
 }
 
 }  // namespace

@@ -10,7 +10,7 @@
 #include <optional>
 
 #include "host/compositing/rectangles.h"
-#include "host/validate/checks/stage.h"
+#include "host/validate/checks/check_fixture.h"
 
 namespace {
 
@@ -55,12 +55,12 @@ constexpr NamedRect kRequests[] = {
     {"the near corner", {kLowest, kLowest, kLowest + 10, kLowest + 10}},
 };
 
-void AnswersEveryRequest(Trial& trial) {
-    Stage stage(trial);
-    stage.Cheapen();
+void AnswersEveryRequest(CheckRun& run) {
+    CheckFixture fixture(run);
+    fixture.Cheapen();
     const World layer = TestPicture(kLayerSide, kLayerSide, Depth::k8);
-    for (const Variant& variant : StyleVariants(stage.Session().Params(), 8)) {
-        ParamSet params = stage.Session().Params();
+    for (const Variant& variant : StyleVariants(fixture.Session().Params(), 8)) {
+        ParamSet params = fixture.Session().Params();
         variant.apply(params);
         std::optional<PF_LRect> largest;
         for (const NamedRect& asked : kRequests) {
@@ -68,23 +68,23 @@ void AnswersEveryRequest(Trial& trial) {
             request.params = &params;
             request.region = asked.rect;
             const std::string what = fmt::format("{}, asked for {}", variant.name, asked.name);
-            const auto answer = stage.Ask(request, what);
+            const auto answer = fixture.Ask(request, what);
             if (!answer) continue;
             if (!IsSound(answer->resultRect) || !IsSound(answer->maxRect)) {
-                trial.Fail(fmt::format("{}: the result is inverted", what));
+                run.Fail(fmt::format("{}: the result is inverted", what));
             }
             if (!Contains(answer->maxRect, answer->resultRect)) {
-                trial.Fail(fmt::format("{}: the result {} reaches beyond the largest, {}", what,
-                                       RectText(answer->resultRect), RectText(answer->maxRect)));
+                run.Fail(fmt::format("{}: the result {} reaches beyond the largest, {}", what,
+                                     RectText(answer->resultRect), RectText(answer->maxRect)));
             }
             if (!largest) largest = answer->maxRect;
             if (!Same(*largest, answer->maxRect)) {
-                trial.Fail(fmt::format("{}: the largest rectangle is {}; for the whole layer it was {}", what,
-                                       RectText(answer->maxRect), RectText(*largest)));
+                run.Fail(fmt::format("{}: the largest rectangle is {}; for the whole layer it was {}", what,
+                                     RectText(answer->maxRect), RectText(*largest)));
             }
         }
     }
-    stage.NoteMisbehaviour("");
+    fixture.NoteMisbehaviour("");
 }
 
 /// The middle of a frame's alpha in pixels of the full-size layer; nothing when it is transparent.
@@ -104,13 +104,13 @@ std::optional<std::pair<double, double>> MiddleOf(const Frame& frame, double sca
     return std::pair(sumX / sum / scaleX, sumY / sum / scaleY);
 }
 
-void FollowsDownsampling(Trial& trial) {
+void FollowsDownsampling(CheckRun& run) {
     constexpr int kFull = 96;
     constexpr std::pair<int, int> kScales[] = {{1, 2}, {1, 3}, {2, 3}, {1, 8}};
-    Stage stage(trial);
-    stage.Cheapen();
-    for (const Variant& variant : StyleVariants(stage.Session().Params(), 3)) {
-        ParamSet params = stage.Session().Params();
+    CheckFixture fixture(run);
+    fixture.Cheapen();
+    for (const Variant& variant : StyleVariants(fixture.Session().Params(), 3)) {
+        ParamSet params = fixture.Session().Params();
         variant.apply(params);
         const auto draw = [&](std::pair<int, int> x, std::pair<int, int> y) {
             const World layer = TestPicture(kFull * x.first / x.second, kFull * y.first / y.second, Depth::k32);
@@ -119,8 +119,8 @@ void FollowsDownsampling(Trial& trial) {
             request.layerWidth = request.layerHeight = kFull;
             request.downsampleX = {x.first, static_cast<A_u_long>(x.second)};
             request.downsampleY = {y.first, static_cast<A_u_long>(y.second)};
-            return stage.Draw(request,
-                              fmt::format("{} at {}/{} by {}/{}", variant.name, x.first, x.second, y.first, y.second));
+            return fixture.Draw(
+                request, fmt::format("{} at {}/{} by {}/{}", variant.name, x.first, x.second, y.first, y.second));
         };
         const auto full = draw({1, 1}, {1, 1});
         const auto middle = full ? MiddleOf(*full, 1, 1) : std::nullopt;
@@ -135,13 +135,13 @@ void FollowsDownsampling(Trial& trial) {
             const std::string what =
                 fmt::format("{} at {}/{} by {}/{}", variant.name, x.first, x.second, y.first, y.second);
             if (!found) {
-                trial.Fail(fmt::format("{}: nothing is drawn, although the full size shows something", what));
+                run.Fail(fmt::format("{}: nothing is drawn, although the full size shows something", what));
                 continue;
             }
             const double dx = std::abs(found->first - middle->first) * scaleX;
             const double dy = std::abs(found->second - middle->second) * scaleY;
             if (dx > 1 || dy > 1) {
-                trial.Fail(
+                run.Fail(
                     fmt::format("{}: the frame is displaced by {:.1f}, {:.1f} of its pixels from where the full "
                                 "size has it",
                                 what, dx, dy));

@@ -12,8 +12,8 @@
 
 #include "host/compositing/rectangles.h"
 #include "host/compositing/row_pool.h"
-#include "host/validate/checks/stage.h"
-#include "host/validate/faults/fault_lab.h"
+#include "host/validate/checks/check_fixture.h"
+#include "host/validate/faults/fault_fixture.h"
 #include "host/validate/runner/processes.h"
 
 namespace {
@@ -26,13 +26,13 @@ FrameRequest RequestOf(const World& layer, const ParamSet& params) {
 }
 
 /// The digests of every style and depth, as figures of a part.
-void FigureDigests(Trial& part, Stage& stage) {
+void FigureDigests(CheckRun& part, CheckFixture& fixture) {
     for (const Depth depth : {Depth::k8, Depth::k32}) {
         const World layer = TestPicture(50, 41, depth);
-        for (const Variant& variant : StyleVariants(stage.Session().Params(), 3)) {
-            ParamSet params = stage.Session().Params();
+        for (const Variant& variant : StyleVariants(fixture.Session().Params(), 3)) {
+            ParamSet params = fixture.Session().Params();
             variant.apply(params);
-            const auto frame = stage.Draw(RequestOf(layer, params), variant.name);
+            const auto frame = fixture.Draw(RequestOf(layer, params), variant.name);
             // 53 bits of the digest are a number that every format holds.
             part.Count(fmt::format("{} at {} bits", variant.name, static_cast<int>(depth)),
                        static_cast<double>((frame ? DigestOf(frame->output) : 0) >> 11));
@@ -40,61 +40,61 @@ void FigureDigests(Trial& part, Stage& stage) {
     }
 }
 
-void DrawsTheSameAgain(Trial& trial) {
-    const auto run = [&](const char* name, const std::function<void(Trial&)>& work) {
-        CheckResult result = RunPart(trial, {name, work});
-        for (const Finding& finding : result.findings) trial.Note(finding);
+void DrawsTheSameAgain(CheckRun& run) {
+    const auto figuresOf = [&](const char* name, const std::function<void(CheckRun&)>& work) {
+        CheckResult result = RunSubCheck(run, {name, work});
+        for (const Finding& finding : result.findings) run.Note(finding);
         result.figures.erase("frames");
         return result.figures;
     };
-    const auto plain = [](Trial& part) {
-        Stage stage(part);
-        stage.Cheapen();
-        FigureDigests(part, stage);
+    const auto plain = [](CheckRun& part) {
+        CheckFixture fixture(part);
+        fixture.Cheapen();
+        FigureDigests(part, fixture);
     };
-    const auto usual = run("a first process", plain);
-    const std::pair<const char*, std::function<void(Trial&)>> others[] = {
+    const auto usual = figuresOf("a first process", plain);
+    const std::pair<const char*, std::function<void(CheckRun&)>> others[] = {
         {"another process", plain},
         {"another thread",
-         [](Trial& part) {
-             Stage stage(part);
-             stage.Cheapen();
-             std::thread([&] { FigureDigests(part, stage); }).join();
+         [](CheckRun& part) {
+             CheckFixture fixture(part);
+             fixture.Cheapen();
+             std::thread([&] { FigureDigests(part, fixture); }).join();
          }},
         {"a session after 100 other frames",
-         [](Trial& part) {
-             Stage stage(part);
-             stage.Cheapen();
+         [](CheckRun& part) {
+             CheckFixture fixture(part);
+             fixture.Cheapen();
              const World other = TestPicture(23, 19, Depth::k8);
-             for (int i = 0; i < 100; ++i) stage.Draw(RequestOf(other, stage.Session().Params()), "another frame");
-             FigureDigests(part, stage);
+             for (int i = 0; i < 100; ++i) fixture.Draw(RequestOf(other, fixture.Session().Params()), "another frame");
+             FigureDigests(part, fixture);
          }},
         {"a host with other numbers of threads",
-         [](Trial& part) {
+         [](CheckRun& part) {
              SetRowThreads(5);
-             Stage stage(part);
-             stage.Cheapen();
-             FigureDigests(part, stage);
+             CheckFixture fixture(part);
+             fixture.Cheapen();
+             FigureDigests(part, fixture);
          }},
     };
     for (const auto& [name, work] : others) {
-        for (const auto& [frame, digest] : run(name, work)) {
+        for (const auto& [frame, digest] : figuresOf(name, work)) {
             const auto found = usual.find(frame);
             if (found != usual.end() && found->second == digest) continue;
-            trial.Fail(fmt::format("{}: {} draws another frame than a first process", frame, name));
+            run.Fail(fmt::format("{}: {} draws another frame than a first process", frame, name));
         }
     }
 }
 
-void DrawsInAnyOrder(Trial& trial) {
+void DrawsInAnyOrder(CheckRun& run) {
     constexpr int kFrames = 20;
-    Stage stage(trial);
-    stage.Cheapen();
+    CheckFixture fixture(run);
+    fixture.Cheapen();
     // Each frame has values of its own, so that one that is remembered shows in the next.
     std::vector<ParamSet> values;
-    const std::vector<Variant> variants = StyleVariants(stage.Session().Params(), 3);
+    const std::vector<Variant> variants = StyleVariants(fixture.Session().Params(), 3);
     for (int i = 0; i < kFrames; ++i) {
-        ParamSet params = stage.Session().Params();
+        ParamSet params = fixture.Session().Params();
         variants[static_cast<std::size_t>(i) % variants.size()].apply(params);
         for (const int index : SettableRows(params)) {
             ParamRow& row = params.RawRow(index);
@@ -112,7 +112,7 @@ void DrawsInAnyOrder(Trial& trial) {
             FrameRequest request = RequestOf(layer, values[static_cast<std::size_t>(i)]);
             request.time = i;
             request.totalTime = kFrames;
-            const auto frame = stage.Draw(request, fmt::format("frame {}", i));
+            const auto frame = fixture.Draw(request, fmt::format("frame {}", i));
             digests[i] = frame ? DigestOf(frame->output) : 0;
         }
         return digests;
@@ -121,57 +121,57 @@ void DrawsInAnyOrder(Trial& trial) {
     std::iota(order.begin(), order.end(), 0);
     const auto forwards = draw(order);
     std::reverse(order.begin(), order.end());
-    if (draw(order) != forwards) trial.Fail("frames drawn backwards differ from those drawn forwards");
+    if (draw(order) != forwards) run.Fail("frames drawn backwards differ from those drawn forwards");
     for (int i = kFrames - 1; i > 0; --i)
-        std::swap(order[static_cast<std::size_t>(i)], order[static_cast<std::size_t>(trial.Draw(0, i))]);
-    if (draw(order) != forwards) trial.Fail("frames drawn in random order differ from those drawn forwards");
+        std::swap(order[static_cast<std::size_t>(i)], order[static_cast<std::size_t>(run.Draw(0, i))]);
+    if (draw(order) != forwards) run.Fail("frames drawn in random order differ from those drawn forwards");
 }
 
-void ObeysLaws(Trial& trial) {
-    Stage stage(trial);
-    stage.Cheapen();
-    const bool varies = stage.Session().OutFlags() & (PF_OutFlag_NON_PARAM_VARY | PF_OutFlag_WIDE_TIME_INPUT);
-    for (const Variant& variant : StyleVariants(stage.Session().Params(), 3)) {
-        ParamSet params = stage.Session().Params();
+void ObeysLaws(CheckRun& run) {
+    CheckFixture fixture(run);
+    fixture.Cheapen();
+    const bool varies = fixture.Session().OutFlags() & (PF_OutFlag_NON_PARAM_VARY | PF_OutFlag_WIDE_TIME_INPUT);
+    for (const Variant& variant : StyleVariants(fixture.Session().Params(), 3)) {
+        ParamSet params = fixture.Session().Params();
         variant.apply(params);
         const World layer = TestPicture(30, 26, Depth::k8);
         const auto at = [&](A_long time) {
             FrameRequest request = RequestOf(layer, params);
             request.time = time;
             request.totalTime = 100;
-            return stage.Draw(request, fmt::format("{} at time {}", variant.name, time));
+            return fixture.Draw(request, fmt::format("{} at time {}", variant.name, time));
         };
         const auto first = at(0);
         const auto later = at(37);
         if (first && later && !varies && !SamePixels(first->output, later->output)) {
-            trial.Fail(
+            run.Fail(
                 fmt::format("{}: the frame changes with time, which the effect does not announce, so hosts show "
                             "an old frame",
                             variant.name));
         }
         // The same picture at two depths: what rounding makes of it, and no more.
         const World deep = TestPicture(30, 26, Depth::k32);
-        const auto floats = stage.Draw(RequestOf(deep, params), fmt::format("{} at 32 bits", variant.name));
+        const auto floats = fixture.Draw(RequestOf(deep, params), fmt::format("{} at 32 bits", variant.name));
         if (!first || !floats) continue;
         if (first->output.Width() != floats->output.Width() || first->output.Height() != floats->output.Height()) {
-            trial.Fail(fmt::format("{}: the frame has another size at 32 bits than at 8", variant.name));
+            run.Fail(fmt::format("{}: the frame has another size at 32 bits than at 8", variant.name));
         }
     }
 }
 
-void ClaimsWhatItDraws(Trial& trial) {
-    Stage stage(trial);
-    stage.Cheapen();
+void ClaimsWhatItDraws(CheckRun& run) {
+    CheckFixture fixture(run);
+    fixture.Cheapen();
     const World layer = TestPicture(60, 60, Depth::k32);
-    for (const Variant& variant : StyleVariants(stage.Session().Params(), 3)) {
-        ParamSet params = stage.Session().Params();
+    for (const Variant& variant : StyleVariants(fixture.Session().Params(), 3)) {
+        ParamSet params = fixture.Session().Params();
         variant.apply(params);
         FrameRequest request = RequestOf(layer, params);
-        const auto whole = stage.Draw(request, variant.name);
+        const auto whole = fixture.Draw(request, variant.name);
         if (!whole) continue;
         for (const PF_LRect& asked : {PF_LRect{10, 10, 40, 40}, PF_LRect{20, 0, 60, 60}, PF_LRect{-9, 30, 20, 55}}) {
             request.region = asked;
-            const auto answer = stage.Ask(request, variant.name);
+            const auto answer = fixture.Ask(request, variant.name);
             if (!answer) continue;
             const PF_LRect inside = Intersection(asked, whole->rect);
             for (A_long y = inside.top; y < inside.bottom; ++y) {
@@ -181,7 +181,7 @@ void ClaimsWhatItDraws(Trial& trial) {
                     const bool isClaimed =
                         x >= claimed.left && x < claimed.right && y >= claimed.top && y < claimed.bottom;
                     if (isClaimed || row[x - whole->rect.left].alpha == 0) continue;
-                    trial.Fail(
+                    run.Fail(
                         fmt::format("{}, asked for {}: the result {} excludes the pixel {}, {}, where the whole "
                                     "frame shows something",
                                     variant.name, RectText(asked), RectText(claimed), x, y));
@@ -193,19 +193,19 @@ void ClaimsWhatItDraws(Trial& trial) {
     }
 }
 
-void EndsItsMessages(Trial& trial) {
+void EndsItsMessages(CheckRun& run) {
     // One refusal of each kind is enough to make the effect speak.
-    InjectFaults(trial, {[](const std::string& callee) {
-                             return callee.starts_with("AcquireSuite:") || callee.find("checkout") != std::string::npos;
-                         },
-                         {PF_Err_OUT_OF_MEMORY},
-                         [](Trial& judged, const FaultOutcome& outcome) {
-                             if (outcome.messageEnded) return;
-                             judged.Fail(
-                                 fmt::format("{}: with {} refused, the message of {} has no end within its 256 "
-                                             "bytes",
-                                             outcome.scenario, outcome.plan.Text(), outcome.command));
-                         }});
+    InjectFaults(run, {[](const std::string& callee) {
+                           return callee.starts_with("AcquireSuite:") || callee.find("checkout") != std::string::npos;
+                       },
+                       {PF_Err_OUT_OF_MEMORY},
+                       [](CheckRun& judged, const FaultOutcome& outcome) {
+                           if (outcome.messageEnded) return;
+                           judged.Fail(
+                               fmt::format("{}: with {} refused, the message of {} has no end within its 256 "
+                                           "bytes",
+                                           outcome.scenario, outcome.plan.Text(), outcome.command));
+                       }});
 }
 
 }  // namespace

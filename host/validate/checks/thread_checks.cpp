@@ -15,7 +15,7 @@
 #include "host/compositing/row_pool.h"
 #include "host/process/start_threads.h"
 #include "host/suites/pf/iterate.h"
-#include "host/validate/checks/stage.h"
+#include "host/validate/checks/check_fixture.h"
 #include "host/validate/runner/process_memory.h"
 #include "host/validate/runner/processes.h"
 
@@ -43,12 +43,12 @@ ParamSet ParamsOf(const ParamSet& base, const std::vector<Variant>& variants, in
     return params;
 }
 
-void DrawsOnManyThreads(Trial& trial) {
+void DrawsOnManyThreads(CheckRun& run) {
     constexpr int kInstances = 16;
     constexpr int kFrames = 6;
-    Stage stage(trial);
-    stage.Cheapen();
-    EffectSession& session = stage.Session();
+    CheckFixture fixture(run);
+    fixture.Cheapen();
+    EffectSession& session = fixture.Session();
     const std::vector<Variant> variants = StyleVariants(session.Params(), 3);
     const World layers[] = {TestPicture(40, 30, Depth::k8), TestPicture(31, 44, Depth::k32)};
     std::vector<ParamSet> params;
@@ -77,58 +77,58 @@ void DrawsOnManyThreads(Trial& trial) {
         atWork -= count - started;
         // The panel goes on meanwhile, on the host's own thread.
         while (atWork > 0) {
-            stage.TouchPanel();
+            fixture.TouchPanel();
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
         for (std::thread& thread : threads) thread.join();
-        if (started < count) trial.Skip(fmt::format("the system allows {} of {} threads", started, count));
-        trial.Count("frames", count * kFrames);
+        if (started < count) run.Skip(fmt::format("the system allows {} of {} threads", started, count));
+        run.Count("frames", count * kFrames);
         if (different > 0) {
-            trial.Fail(fmt::format("on {} threads {} of {} frames differ from those of one thread", count,
-                                   different.load(), count * kFrames));
+            run.Fail(fmt::format("on {} threads {} of {} frames differ from those of one thread", count,
+                                 different.load(), count * kFrames));
         }
     }
-    stage.EndEven("after many threads");
+    fixture.EndBalanced("after many threads");
 }
 
-void StandsShortThreads(Trial& trial) {
+void StandsShortThreads(CheckRun& run) {
     constexpr int kThreads = 2000, kWarmUp = 100, kLeast = 200;
     constexpr double kAllowance = 16 * 1024;
-    Stage stage(trial);
-    stage.Cheapen();
+    CheckFixture fixture(run);
+    fixture.Cheapen();
     const World layer = TestPicture(16, 16, Depth::k8);
     const auto deadline =
-        Clock::now() + std::chrono::milliseconds(static_cast<long>(trial.Options().timeoutMilliseconds) * 3);
+        Clock::now() + std::chrono::milliseconds(static_cast<long>(run.Options().timeoutMilliseconds) * 3);
     long before = 0;
     int files = 0, drawn = 0;
-    for (; drawn < kThreads && (drawn < kLeast || Clock::now() < deadline) && !trial.Failed(); ++drawn) {
+    for (; drawn < kThreads && (drawn < kLeast || Clock::now() < deadline) && !run.Failed(); ++drawn) {
         if (drawn == kWarmUp) {
             before = ResidentBytes();
             files = OpenFiles();
         }
-        std::thread([&] { stage.Draw(RequestOf(layer), "a thread's only frame"); }).join();
-        stage.Log().Clear();
+        std::thread([&] { fixture.Draw(RequestOf(layer), "a thread's only frame"); }).join();
+        fixture.Log().Clear();
     }
     const double perThread = static_cast<double>(ResidentBytes() - before) / std::max(1, drawn - kWarmUp);
-    trial.Count("threads", drawn);
-    trial.Count("bytes kept a thread", std::max(0.0, perThread));
+    run.Count("threads", drawn);
+    run.Count("bytes kept a thread", std::max(0.0, perThread));
     if (perThread > kAllowance) {
-        trial.Fail(fmt::format("each thread that rendered once and ended leaves {:.0f} bytes behind", perThread));
+        run.Fail(fmt::format("each thread that rendered once and ended leaves {:.0f} bytes behind", perThread));
     }
-    if (OpenFiles() > files + 2) trial.Fail(fmt::format("{} ended threads left files open", drawn));
+    if (OpenFiles() > files + 2) run.Fail(fmt::format("{} ended threads left files open", drawn));
 }
 
-void OutlivesItsThreads(Trial& trial) {
+void OutlivesItsThreads(CheckRun& run) {
     const auto part = [](bool unload) {
-        return [unload](Trial& inside) {
-            auto stage = std::make_optional<Stage>(inside);
-            stage->Cheapen();
+        return [unload](CheckRun& inside) {
+            auto fixture = std::make_optional<CheckFixture>(inside);
+            fixture->Cheapen();
             const World layer = TestPicture(24, 24, Depth::k8);
             std::mutex mutex;
             std::condition_variable changed;
             int state = 0;  // 1: drawn; 2: may end
             std::thread thread([&] {
-                stage->Draw(RequestOf(layer), "a frame");
+                fixture->Draw(RequestOf(layer), "a frame");
                 std::unique_lock lock(mutex);
                 state = 1;
                 changed.notify_all();
@@ -138,8 +138,8 @@ void OutlivesItsThreads(Trial& trial) {
                 std::unique_lock lock(mutex);
                 changed.wait(lock, [&] { return state == 1; });
             }
-            stage->EndEven("with a render thread still alive");
-            if (unload) stage.reset();
+            fixture->EndBalanced("with a render thread still alive");
+            if (unload) fixture.reset();
             {
                 const std::lock_guard lock(mutex);
                 state = 2;
@@ -150,8 +150,8 @@ void OutlivesItsThreads(Trial& trial) {
             std::this_thread::sleep_for(std::chrono::milliseconds(50));
         };
     };
-    RunParts(trial, {{"with a render thread that ends after set-down", part(false)},
-                     {"with a render thread that ends after the module was unloaded", part(true)}});
+    RunSubChecks(run, {{"with a render thread that ends after set-down", part(false)},
+                       {"with a render thread that ends after the module was unloaded", part(true)}});
 }
 
 /// All that survives a process as a number: 53 bits of the digest.
@@ -159,37 +159,37 @@ double DigestFigure(std::uint64_t digest) {
     return static_cast<double>(digest >> 11);
 }
 
-void IgnoresRowOrder(Trial& trial) {
+void IgnoresRowOrder(CheckRun& run) {
     const auto digests = [&](int threads, RowOrder order) {
-        return RunPart(trial, {fmt::format("with {} row threads", threads), [=](Trial& part) {
-                                   SetRowThreads(threads);
-                                   SetRowOrder(order);
-                                   Stage stage(part);
-                                   stage.Cheapen();
-                                   for (const Depth depth : {Depth::k8, Depth::k32}) {
-                                       const World layer = TestPicture(61, 47, depth);
-                                       for (const Variant& variant : StyleVariants(stage.Session().Params(), 3)) {
-                                           ParamSet params = stage.Session().Params();
-                                           variant.apply(params);
-                                           FrameRequest request = RequestOf(layer);
-                                           request.params = &params;
-                                           const auto frame = stage.Draw(request, variant.name);
-                                           const auto name =
-                                               fmt::format("{} at {} bits", variant.name, static_cast<int>(depth));
-                                           part.Count(name, DigestFigure(frame ? DigestOf(frame->output) : 0));
-                                       }
-                                   }
-                               }});
+        return RunSubCheck(run, {fmt::format("with {} row threads", threads), [=](CheckRun& part) {
+                                     SetRowThreads(threads);
+                                     SetRowOrder(order);
+                                     CheckFixture fixture(part);
+                                     fixture.Cheapen();
+                                     for (const Depth depth : {Depth::k8, Depth::k32}) {
+                                         const World layer = TestPicture(61, 47, depth);
+                                         for (const Variant& variant : StyleVariants(fixture.Session().Params(), 3)) {
+                                             ParamSet params = fixture.Session().Params();
+                                             variant.apply(params);
+                                             FrameRequest request = RequestOf(layer);
+                                             request.params = &params;
+                                             const auto frame = fixture.Draw(request, variant.name);
+                                             const auto name =
+                                                 fmt::format("{} at {} bits", variant.name, static_cast<int>(depth));
+                                             part.Count(name, DigestFigure(frame ? DigestOf(frame->output) : 0));
+                                         }
+                                     }
+                                 }});
     };
     const CheckResult usual = digests(1, RowOrder::kNeighbours);
-    for (const Finding& finding : usual.findings) trial.Note(finding);
+    for (const Finding& finding : usual.findings) run.Note(finding);
     for (const int threads : {1, 2, 4, 7}) {
         const CheckResult other = digests(threads, RowOrder::kScattered);
-        for (const Finding& finding : other.findings) trial.Note(finding);
+        for (const Finding& finding : other.findings) run.Note(finding);
         for (const auto& [name, digest] : usual.figures) {
             const auto found = other.figures.find(name);
             if (name == "frames" || (found != other.figures.end() && found->second == digest)) continue;
-            trial.Fail(fmt::format("{}: the frame differs when rows come scattered on {} threads", name, threads));
+            run.Fail(fmt::format("{}: the frame differs when rows come scattered on {} threads", name, threads));
         }
     }
 }

@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-#include "host/validate/checks/stage.h"
+#include "host/validate/checks/check_fixture.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #pragma once
 
 // Processes for checks, so that a crash, a hang or a call of exit() is a result like any other: whole checks run in a
-// new copy of the program, their parts in forks of it (host/validate/processes.h).
+// new copy of the program, their parts in forks of it (host/validate/runner/processes.h).
 
 #include <cstddef>
 #include <memory>
@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "host/process/child_process.h"
-#include "host/validate/runner/trial.h"
+#include "host/validate/runner/check_run.h"
 
 /// A child process that was started and has not been waited for.
 struct Child {

@@ -34,7 +34,7 @@ void UseFreshStacks() {
     pthread_attr_destroy(&attributes);
 }
 
-Child ForkPart(const Part& part, const TrialOptions& options, const std::string& output) {
+Child ForkPart(const SubCheck& part, const CheckRunOptions& options, const std::string& output) {
     Child child;
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0) return child;
@@ -79,25 +79,25 @@ int ProcessorCount() {
     return std::max(1, CPU_COUNT(&set));
 }
 
-CheckResult RunToEnd(const std::function<void(Trial&)>& run, const TrialOptions& options) {
-    Trial trial(options);
+CheckResult RunToEnd(const std::function<void(CheckRun&)>& check, const CheckRunOptions& options) {
+    CheckRun run(options);
     try {
-        run(trial);
-    } catch (const TrialOver&) {
+        check(run);
+    } catch (const CheckRunOver&) {
     } catch (const std::system_error& problem) {
         // A limit of this machine says nothing about the module.
         if (problem.code() == std::errc::resource_unavailable_try_again) {
             try {
-                trial.Skip("the system allows no thread");
-            } catch (const TrialOver&) {
+                run.Skip("the system allows no thread");
+            } catch (const CheckRunOver&) {
             }
         } else {
-            trial.Fail(fmt::format("the check itself failed: {}", problem.what()));
+            run.Fail(fmt::format("the check itself failed: {}", problem.what()));
         }
     } catch (const std::exception& problem) {
-        trial.Fail(fmt::format("the check itself failed: {}", problem.what()));
+        run.Fail(fmt::format("the check itself failed: {}", problem.what()));
     }
-    return trial.Result();
+    return run.Result();
 }
 
 namespace {
@@ -107,7 +107,7 @@ std::string PartOutput(std::size_t number) {
 }
 
 /// A part's result with what the part says about its findings.
-CheckResult Weighed(CheckResult result, const Part& part) {
+CheckResult Weighed(CheckResult result, const SubCheck& part) {
     for (Finding& finding : result.findings) {
         if (finding.repeat.empty()) finding.repeat = part.repeat;
         if (part.warnOnly) finding.weight = Verdict::kWarn;
@@ -117,11 +117,11 @@ CheckResult Weighed(CheckResult result, const Part& part) {
 
 }  // namespace
 
-CheckResult RunPart(const Trial& trial, const Part& part) {
-    if (trial.Options().inProcess) return Weighed(RunToEnd(part.run, trial.Options()), part);
+CheckResult RunSubCheck(const CheckRun& run, const SubCheck& part) {
+    if (run.Options().inProcess) return Weighed(RunToEnd(part.run, run.Options()), part);
     std::vector<Child> children;
     const std::string output = PartOutput(0);
-    children.push_back(ForkPart(part, trial.Options(), output));
+    children.push_back(ForkPart(part, run.Options(), output));
     CheckResult result;
     if (!children[0].process) return result;
     WaitForOne(children);
@@ -130,15 +130,15 @@ CheckResult RunPart(const Trial& trial, const Part& part) {
     return result;
 }
 
-void RunParts(Trial& trial, const std::vector<Part>& parts) {
-    for (const CheckResult& result : RunPartsApart(trial, parts)) trial.Merge(result);
+void RunSubChecks(CheckRun& run, const std::vector<SubCheck>& subChecks) {
+    for (const CheckResult& result : RunSubChecksApart(run, subChecks)) run.Merge(result);
 }
 
-std::vector<CheckResult> RunPartsApart(const Trial& trial, const std::vector<Part>& parts) {
-    std::vector<CheckResult> results(parts.size());
-    if (trial.Options().inProcess) {
-        for (std::size_t i = 0; i < parts.size(); ++i) {
-            results[i] = Weighed(RunToEnd(parts[i].run, trial.Options()), parts[i]);
+std::vector<CheckResult> RunSubChecksApart(const CheckRun& run, const std::vector<SubCheck>& subChecks) {
+    std::vector<CheckResult> results(subChecks.size());
+    if (run.Options().inProcess) {
+        for (std::size_t i = 0; i < subChecks.size(); ++i) {
+            results[i] = Weighed(RunToEnd(subChecks[i].run, run.Options()), subChecks[i]);
         }
         return results;
     }
@@ -146,9 +146,9 @@ std::vector<CheckResult> RunPartsApart(const Trial& trial, const std::vector<Par
     std::vector<std::size_t> running;
     std::size_t next = 0;
     const auto atOnce = static_cast<std::size_t>(ProcessorCount());
-    while (next < parts.size() || !children.empty()) {
-        while (next < parts.size() && children.size() < atOnce) {
-            Child child = ForkPart(parts[next], trial.Options(), PartOutput(next));
+    while (next < subChecks.size() || !children.empty()) {
+        while (next < subChecks.size() && children.size() < atOnce) {
+            Child child = ForkPart(subChecks[next], run.Options(), PartOutput(next));
             if (!child.process) {
                 results[next].verdict = Verdict::kFail;
                 results[next].findings.push_back(
@@ -161,7 +161,7 @@ std::vector<CheckResult> RunPartsApart(const Trial& trial, const std::vector<Par
         }
         if (children.empty()) continue;
         const std::size_t ended = WaitForOne(children);
-        const Part& part = parts[running[ended]];
+        const SubCheck& part = subChecks[running[ended]];
         results[running[ended]] = Weighed(ResultOf(children[ended], part.name), part);
         std::filesystem::remove(children[ended].output);
         children.erase(children.begin() + static_cast<std::ptrdiff_t>(ended));

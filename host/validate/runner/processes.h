@@ -9,25 +9,26 @@
 #include <string>
 #include <vector>
 
-#include "host/validate/runner/trial.h"
+#include "host/validate/runner/check_run.h"
 
 /// One small run inside a check.
-struct Part {
+struct SubCheck {
     std::string name;  ///< begins the findings that its end gives: "with PF_NewWorld refused"
-    std::function<void(Trial&)> run;
+    std::function<void(CheckRun&)> run;
     std::string repeat{};      ///< options that run this part alone
     int moreMilliseconds = 0;  ///< beyond the usual limit
     bool warnOnly = false;     ///< whatever it finds is worth a warning and no more
 };
 
-/// Runs the parts in forks of this process, as many at a time as there are processors, and merges what they find. The
-/// module must not have been loaded here, so that every part begins from nothing. In-process trials run them in turn.
-void RunParts(Trial& trial, const std::vector<Part>& parts);
+/// Runs the parts in forks of this process, as many at a time as there are processors, and merges what they find.
+/// The module must not have been loaded here, so that every part begins from nothing. In-process trials run them in
+/// turn.
+void RunSubChecks(CheckRun& run, const std::vector<SubCheck>& subChecks);
 /// The same, with the results apart, in the parts' order.
-std::vector<CheckResult> RunPartsApart(const Trial& trial, const std::vector<Part>& parts);
+std::vector<CheckResult> RunSubChecksApart(const CheckRun& run, const std::vector<SubCheck>& subChecks);
 
 /// Runs one part in a fork and gives its result, merged into nothing.
-CheckResult RunPart(const Trial& trial, const Part& part);
+CheckResult RunSubCheck(const CheckRun& run, const SubCheck& part);
 
 /// For a process that checks or parts of them run in: it ends with its parent, and its crashes leave no files.
 void BecomeChild();
@@ -36,4 +37,4 @@ void BecomeChild();
 int ProcessorCount();
 
 /// Runs a check's function, its early end included.
-CheckResult RunToEnd(const std::function<void(Trial&)>& run, const TrialOptions& options);
+CheckResult RunToEnd(const std::function<void(CheckRun&)>& check, const CheckRunOptions& options);

@@ -65,21 +65,21 @@ std::map<std::string, double> FiguresOf(const std::vector<CheckOutcome>& outcome
 
 }  // namespace
 
-std::string RepeatCommand(const RunOptions& options, const CheckOutcome& outcome, const Finding& finding) {
+std::string RepeatCommand(const RunnerOptions& options, const CheckOutcome& outcome, const Finding& finding) {
     std::string id = outcome.check->id;
     id.insert(id.find('.'), "\\");
     std::string command = fmt::format("umbrant validate {} --strictness {} --include {} --seed {}",
-                                      ForShell(options.trial.module.string()), outcome.check->Level(),
+                                      ForShell(options.check.module.string()), outcome.check->Level(),
                                       ForShell("^" + id + " "), outcome.seed);
-    if (options.trial.timeoutMilliseconds != TrialOptions().timeoutMilliseconds) {
-        command += fmt::format(" --timeout-ms {}", options.trial.timeoutMilliseconds);
+    if (options.check.timeoutMilliseconds != CheckRunOptions().timeoutMilliseconds) {
+        command += fmt::format(" --timeout-ms {}", options.check.timeoutMilliseconds);
     }
-    if (options.trial.inProcess) command += " --in-process";
+    if (options.check.inProcess) command += " --in-process";
     if (!finding.repeat.empty()) command += " " + finding.repeat;
     return command;
 }
 
-std::string TextOf(const RunOptions& options, const CheckOutcome& outcome) {
+std::string TextOf(const RunnerOptions& options, const CheckOutcome& outcome) {
     const CheckResult& result = outcome.result;
     std::string text = fmt::format("{:<8} {:<5} {} ({:.0f} ms)\n", VerdictName(result.verdict), outcome.check->id,
                                    outcome.check->title, outcome.milliseconds);
@@ -108,7 +108,7 @@ std::string TextSummary(const std::vector<CheckOutcome>& outcomes) {
                               totals.skipped, totals.waived);
 }
 
-std::string JsonOf(const RunOptions& options, const std::vector<CheckOutcome>& outcomes) {
+std::string JsonOf(const RunnerOptions& options, const std::vector<CheckOutcome>& outcomes) {
     ordered_json checks = ordered_json::array();
     for (const CheckOutcome& outcome : outcomes) {
         ordered_json findings = ordered_json::array();
@@ -130,9 +130,9 @@ std::string JsonOf(const RunOptions& options, const std::vector<CheckOutcome>& o
         checks.push_back(std::move(object));
     }
     const Totals totals = TotalsOf(outcomes);
-    const ordered_json report{{"module", options.trial.module.string()},
+    const ordered_json report{{"module", options.check.module.string()},
                               {"strictness", options.strictness},
-                              {"seed", options.trial.seed},
+                              {"seed", options.check.seed},
                               {"passed", totals.passed},
                               {"failed", totals.failed},
                               {"skipped", totals.skipped},
@@ -142,11 +142,11 @@ std::string JsonOf(const RunOptions& options, const std::vector<CheckOutcome>& o
     return report.dump(2, ' ', false, ordered_json::error_handler_t::replace) + "\n";
 }
 
-std::string JunitOf(const RunOptions& options, const std::vector<CheckOutcome>& outcomes) {
+std::string JunitOf(const RunnerOptions& options, const std::vector<CheckOutcome>& outcomes) {
     const Totals totals = TotalsOf(outcomes);
     std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
     text += fmt::format("<testsuite name=\"{}\" tests=\"{}\" failures=\"{}\" skipped=\"{}\">\n",
-                        ForXml(options.trial.module.string()), outcomes.size(), totals.failed, totals.skipped);
+                        ForXml(options.check.module.string()), outcomes.size(), totals.failed, totals.skipped);
     for (const CheckOutcome& outcome : outcomes) {
         text +=
             fmt::format("  <testcase classname=\"level {}\" name=\"{} {}\" time=\"{:.3f}\">\n", outcome.check->Level(),

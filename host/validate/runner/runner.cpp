@@ -14,7 +14,7 @@
 #include "host/drawing/new_drawing.h"
 #include "host/session/effect_session.h"
 #include "host/validate/checks/panel_events.h"
-#include "host/validate/faults/fault_lab.h"
+#include "host/validate/faults/fault_fixture.h"
 #include "host/validate/runner/check_process.h"
 #include "host/validate/runner/process_memory.h"
 #include "host/validate/runner/processes.h"
@@ -26,16 +26,16 @@ namespace {
 constexpr char kProbe[] = "probe";
 
 /// Looks once, before the checks, which renderer the module has. What goes wrong here the checks will tell.
-void Probe(Trial& trial) {
-    auto module = Module::Load(trial.Options().module);
+void Probe(CheckRun& run) {
+    auto module = Module::Load(run.Options().module);
     if (!module) return;
     SessionOptions about;
-    about.renderer = trial.Options().rendererOfProbe;
+    about.renderer = run.Options().rendererOfProbe;
     auto session = EffectSession::Start(*module, std::move(about));
-    if (session && trial.Options().isProcessorBetter(session->Params())) trial.Count("software");
+    if (session && run.Options().isProcessorBetter(session->Params())) run.Count("software");
 }
 
-std::vector<std::string> ChildArguments(const std::string& id, const TrialOptions& options) {
+std::vector<std::string> ChildArguments(const std::string& id, const CheckRunOptions& options) {
     std::vector<std::string> arguments{"validate",       options.module.string(),
                                        "--run-check",    id,
                                        "--seed",         std::to_string(options.seed),
@@ -48,7 +48,7 @@ std::vector<std::string> ChildArguments(const std::string& id, const TrialOption
 }
 
 /// The libraries that come before all others: the judge's, but a sanitizer's runtime wants to be the first.
-std::string Preloaded(const TrialOptions& options) {
+std::string Preloaded(const CheckRunOptions& options) {
     const auto runtime = SanitizerRuntime();
     const bool isOwnFile = runtime && runtime->string().find(".so") != std::string::npos;
     return (isOwnFile ? runtime->string() + ":" : "") + options.shim.string();
@@ -56,7 +56,7 @@ std::string Preloaded(const TrialOptions& options) {
 
 /// What the child's environment has besides ours. Software OpenGL draws some hundred times slower than the processor
 /// path that a module may have; modules without one do not look at the variable.
-std::vector<std::string> ChildEnvironment(const Check& check, const TrialOptions& options) {
+std::vector<std::string> ChildEnvironment(const Check& check, const CheckRunOptions& options) {
     std::vector<std::string> environment;
     const bool aboutGl = check.needs == Needs::kOpenGl || check.needs == Needs::kShim;
     const char* asked = std::getenv("UMBRANT_RENDERER");
@@ -82,7 +82,7 @@ std::string OutputFile(int number) {
 /// One repetition of one check.
 struct Job {
     std::size_t place;  ///< in the list of outcomes
-    TrialOptions options;
+    CheckRunOptions options;
 };
 
 double MillisecondsSince(std::chrono::steady_clock::time_point begin) {
@@ -96,8 +96,8 @@ void Take(CheckOutcome& outcome, const CheckResult& result, std::uint64_t seed, 
                            [](const Finding& finding) { return finding.weight != Verdict::kWarn; });
     };
     if (!heavy(outcome.result) && heavy(result)) outcome.seed = seed;
-    TrialOptions any;
-    Trial merged(any);
+    CheckRunOptions any;
+    CheckRun merged(any);
     merged.Merge(outcome.result);
     merged.Merge(result);
     outcome.result = merged.Result();
@@ -179,7 +179,7 @@ class InOrder {
     std::function<void(std::size_t)> print_;
 };
 
-bool ProbeSoftware(const TrialOptions& options) {
+bool ProbeSoftware(const CheckRunOptions& options) {
     std::vector<Child> children;
     children.push_back(StartCopy(ChildArguments(kProbe, options), {}, OutputFile(-1), options.timeoutMilliseconds));
     if (!children[0].process) return false;
@@ -189,7 +189,7 @@ bool ProbeSoftware(const TrialOptions& options) {
 }
 
 /// What check 1.1 says about the file, chosen or not: without a module no other check has a subject.
-CheckOutcome JudgeFile(const TrialOptions& options) {
+CheckOutcome JudgeFile(const CheckRunOptions& options) {
     CheckOutcome outcome;
     outcome.check = &AllChecks().front();
     outcome.seed = options.seed;
@@ -270,7 +270,7 @@ Totals TotalsOf(const std::vector<CheckOutcome>& outcomes) {
     return totals;
 }
 
-Result<std::vector<const Check*>> ChosenChecks(const RunOptions& options) {
+Result<std::vector<const Check*>> ChosenChecks(const RunnerOptions& options) {
     const auto include = Expression(options.include, "--include");
     if (!include) return include.Error();
     const auto exclude = Expression(options.exclude, "--exclude");
@@ -289,8 +289,8 @@ Result<std::vector<const Check*>> ChosenChecks(const RunOptions& options) {
     return chosen;
 }
 
-Result<std::vector<CheckOutcome>> RunChecks(const RunOptions& asked, void (*print)(const std::string&)) {
-    RunOptions options = asked;
+Result<std::vector<CheckOutcome>> RunChecks(const RunnerOptions& asked, void (*print)(const std::string&)) {
+    RunnerOptions options = asked;
     const auto chosen = ChosenChecks(options);
     if (!chosen) return chosen.Error();
     std::vector<Waiver> waivers;
@@ -299,24 +299,24 @@ Result<std::vector<CheckOutcome>> RunChecks(const RunOptions& asked, void (*prin
         if (!read) return read.Error();
         waivers = std::move(*read);
     }
-    if (options.trial.fault && std::none_of(chosen->begin(), chosen->end(), TakesFaults)) {
+    if (options.check.fault && std::none_of(chosen->begin(), chosen->end(), TakesFaults)) {
         return Failure{ExitCode::kUsage,
                        fmt::format("--fault '{}': no check is chosen that refuses host calls (7.1, 7.2, 7.3 and 9.6); "
                                    "--strictness 7 chooses three of them",
-                                   options.trial.fault->Text())};
+                                   options.check.fault->Text())};
     }
-    if (!options.trial.trace.empty() && !BeginTrace(options.trial.trace)) {
-        return Failure{ExitCode::kFile, fmt::format("cannot write the trace '{}'", options.trial.trace.string())};
+    if (!options.check.trace.empty() && !BeginTrace(options.check.trace)) {
+        return Failure{ExitCode::kFile, fmt::format("cannot write the trace '{}'", options.check.trace.string())};
     }
 
     std::vector<CheckOutcome> outcomes;
     const auto report = [&] {
-        if (!options.trial.trace.empty()) EndTrace(options.trial.trace);
+        if (!options.check.trace.empty()) EndTrace(options.check.trace);
         if (options.report == "text") print(TextSummary(outcomes));
         if (options.report == "json") print(JsonOf(options, outcomes));
         if (options.report == "junit") print(JunitOf(options, outcomes));
     };
-    if (const CheckOutcome file = JudgeFile(options.trial); file.result.isNoModule) {
+    if (const CheckOutcome file = JudgeFile(options.check); file.result.isNoModule) {
         outcomes.push_back(file);
         if (options.report == "text") print(TextOf(options, file));
         report();
@@ -330,15 +330,15 @@ Result<std::vector<CheckOutcome>> RunChecks(const RunOptions& asked, void (*prin
     for (const Check* check : *chosen) {
         CheckOutcome outcome;
         outcome.check = check;
-        outcome.seed = options.trial.seed;
+        outcome.seed = options.check.seed;
         outcomes.push_back(outcome);
     }
     InOrder order(outcomes.size(), options.repeat, [&](std::size_t place) {
         CheckOutcome& outcome = outcomes[place];
         ApplyWaivers(*outcome.check, outcome.result, waivers);
-        if (options.trial.fault) NoteUnused(*options.trial.fault, outcome);
+        if (options.check.fault) NoteUnused(*options.check.fault, outcome);
         // One fault alone, or a check that was skipped, says nothing about what the others would have found.
-        if (!options.trial.fault && outcome.result.verdict != Verdict::kSkip) {
+        if (!options.check.fault && outcome.result.verdict != Verdict::kSkip) {
             for (const Finding& finding : UnusedWaivers(*outcome.check, waivers)) {
                 outcome.result.findings.push_back(finding);
                 outcome.result.verdict = Verdict::kFail;
@@ -347,16 +347,16 @@ Result<std::vector<CheckOutcome>> RunChecks(const RunOptions& asked, void (*prin
         if (options.report == "text") print(TextOf(options, outcome));
     });
     std::vector<Job> jobs;
-    const bool canProbe = !options.trial.inProcess && options.trial.isProcessorBetter;
-    if (canProbe) options.trial.softwareGl = ProbeSoftware(options.trial);
+    const bool canProbe = !options.check.inProcess && options.check.isProcessorBetter;
+    if (canProbe) options.check.softwareGl = ProbeSoftware(options.check);
     for (std::size_t place = 0; place < outcomes.size(); ++place) {
         for (int i = 0; i < options.repeat; ++i) {
-            Job job{place, options.trial};
+            Job job{place, options.check};
             job.options.seed += static_cast<std::uint64_t>(i);
             jobs.push_back(job);
         }
     }
-    if (options.trial.inProcess) {
+    if (options.check.inProcess) {
         for (const Job& job : jobs) {
             const auto begin = std::chrono::steady_clock::now();
             const CheckResult result = RunToEnd(outcomes[job.place].check->run, job.options);
@@ -368,14 +368,14 @@ Result<std::vector<CheckOutcome>> RunChecks(const RunOptions& asked, void (*prin
     }
     report();
     const auto reached = [](const CheckOutcome& outcome) { return outcome.result.figures.contains("faults"); };
-    if (options.trial.fault && TotalsOf(outcomes).failed == 0 &&
+    if (options.check.fault && TotalsOf(outcomes).failed == 0 &&
         std::none_of(outcomes.begin(), outcomes.end(), reached)) {
-        return Unreached(*options.trial.fault, outcomes);
+        return Unreached(*options.check.fault, outcomes);
     }
     return outcomes;
 }
 
-Result<Done> RunOneCheck(const std::string& id, const TrialOptions& options, int resultDescriptor) {
+Result<Done> RunOneCheck(const std::string& id, const CheckRunOptions& options, int resultDescriptor) {
     BecomeChild();
     if (id == kProbe) {
         SendResult(resultDescriptor, RunToEnd(Probe, options));

@@ -10,11 +10,11 @@
 #include <vector>
 
 #include "host/result.h"
-#include "host/validate/runner/trial.h"
+#include "host/validate/runner/check_run.h"
 
 /// What a run is asked for.
-struct RunOptions {
-    TrialOptions trial;
+struct RunnerOptions {
+    CheckRunOptions check;
     int strictness = 5;
     int repeat = 1;
     std::string include;  ///< regular expressions over "5.4 title"; empty ones choose everything and nothing
@@ -37,19 +37,19 @@ struct Totals {
 Totals TotalsOf(const std::vector<CheckOutcome>& outcomes);
 
 /// The checks that a run consists of. Fails with ExitCode::kUsage for a wrong expression, or when none is left.
-Result<std::vector<const Check*>> ChosenChecks(const RunOptions& options);
+Result<std::vector<const Check*>> ChosenChecks(const RunnerOptions& options);
 
 /// Runs them and prints the report with `print`, line by line as far as the format allows.
-Result<std::vector<CheckOutcome>> RunChecks(const RunOptions& options, void (*print)(const std::string&));
+Result<std::vector<CheckOutcome>> RunChecks(const RunnerOptions& options, void (*print)(const std::string&));
 
 /// The child's side: runs one check and sends its result.
-Result<Done> RunOneCheck(const std::string& id, const TrialOptions& options, int resultDescriptor);
+Result<Done> RunOneCheck(const std::string& id, const CheckRunOptions& options, int resultDescriptor);
 
 /// The command line that brings a check's finding back.
-std::string RepeatCommand(const RunOptions& options, const CheckOutcome& outcome, const Finding& finding);
+std::string RepeatCommand(const RunnerOptions& options, const CheckOutcome& outcome, const Finding& finding);
 
 // host/validate/runner/report.cpp
-std::string TextOf(const RunOptions& options, const CheckOutcome& outcome);
+std::string TextOf(const RunnerOptions& options, const CheckOutcome& outcome);
 std::string TextSummary(const std::vector<CheckOutcome>& outcomes);
-std::string JsonOf(const RunOptions& options, const std::vector<CheckOutcome>& outcomes);
-std::string JunitOf(const RunOptions& options, const std::vector<CheckOutcome>& outcomes);
+std::string JsonOf(const RunnerOptions& options, const std::vector<CheckOutcome>& outcomes);
+std::string JunitOf(const RunnerOptions& options, const std::vector<CheckOutcome>& outcomes);

@@ -19,20 +19,20 @@ double Milliseconds(clockid_t clock) {
 
 /// After how many rounds an answer is looked for, and how many of the extreme values on each side are left out then.
 /// What remains encloses the median with at least 98 percent, whatever the distribution of the noise.
-struct Stage {
+struct Round {
     std::size_t rounds, leftOut;
 };
-constexpr Stage kStages[] = {{7, 0}, {15, 2}, {31, 8}};
+constexpr Round kRounds[] = {{7, 0}, {15, 2}, {31, 8}};
 
 struct Interval {
     double least = 0, most = 0;
 };
 
-/// The interval for the median of as many of the values as the largest stage takes. Nothing is sure about too few.
+/// The interval for the median of as many of the values as the largest round takes. Nothing is sure about too few.
 bool EncloseMedian(std::vector<double> values, Interval& interval) {
-    const Stage* reached = nullptr;
-    for (const Stage& stage : kStages) {
-        if (values.size() >= stage.rounds) reached = &stage;
+    const Round* reached = nullptr;
+    for (const Round& round : kRounds) {
+        if (values.size() >= round.rounds) reached = &round;
     }
     if (!reached) return false;
     values.resize(reached->rounds);
@@ -96,8 +96,8 @@ Growth MeasureGrowth(const std::vector<double>& work, const std::function<double
                      double deadline) {
     std::vector<std::vector<double>> rounds;
     Growth growth;
-    for (const Stage& stage : kStages) {
-        while (rounds.size() < stage.rounds) {
+    for (const Round& round : kRounds) {
+        while (rounds.size() < round.rounds) {
             if (ElapsedMilliseconds() > deadline) return growth;
             std::vector<double> round(work.size());
             // Amounts follow each other closely and in both directions, so that what changes slowly cancels out.

@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "host/result.h"
-#include "host/validate/runner/trial.h"
+#include "host/validate/runner/check_run.h"
 
 struct Waiver {
     std::string check;

@@ -78,6 +78,8 @@ class CliFullDisk : public CliSequence {
         std::vector<std::string> words = before;
         words.emplace_back(UMBRANT_PROGRAM);
         for (const std::string& argument : Arguments(input, output, more)) words.push_back(argument);
+        // On a slow machine writing takes so long that it would be reported.
+        words.insert(words.end(), {"--progress", "0"});
         return Run(words);
     }
     int Run(const std::vector<std::string>& words, const std::vector<std::string>& environment = {}) const {

@@ -85,8 +85,8 @@ TEST(CliPanel, JsonTellsWhatIsDisabled) {
 }
 
 /// The folder alone in the search path.
-RunOptions OpenersOf(const Folder& folder) {
-    RunOptions run;
+ProgramOptions OpenersOf(const Folder& folder) {
+    ProgramOptions run;
     run.environment = {"PATH=" + folder.Path().string()};
     return run;
 }

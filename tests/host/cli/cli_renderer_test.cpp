@@ -27,24 +27,25 @@ GpuStrings Gpu(const char* renderer) {
 TEST(DecideRenderer, ByWishAndByWhatTheEffectFound) {
     const struct {
         const char* name;
-        RendererWish wish;
+        RendererPreference wish;
         const char* renderer;
         bool processor;
         const char* why;
     } rows[] = {
-        {"hardware", RendererWish::kAuto, "NVIDIA H200/PCIe/SSE2", false, "OpenGL is hardware, NVIDIA H200/PCIe/SSE2"},
-        {"llvmpipe", RendererWish::kAuto, "llvmpipe (LLVM 15.0.6, 256 bits)", true,
+        {"hardware", RendererPreference::kAuto, "NVIDIA H200/PCIe/SSE2", false,
+         "OpenGL is hardware, NVIDIA H200/PCIe/SSE2"},
+        {"llvmpipe", RendererPreference::kAuto, "llvmpipe (LLVM 15.0.6, 256 bits)", true,
          "OpenGL is software, llvmpipe (LLVM 15.0.6, 256 bits)"},
-        {"softpipe", RendererWish::kAuto, "softpipe", true, "OpenGL is software, softpipe"},
-        {"the classic rasterizer", RendererWish::kAuto, "Software Rasterizer", true,
+        {"softpipe", RendererPreference::kAuto, "softpipe", true, "OpenGL is software, softpipe"},
+        {"the classic rasterizer", RendererPreference::kAuto, "Software Rasterizer", true,
          "OpenGL is software, Software Rasterizer"},
-        {"a layer over software", RendererWish::kAuto, "zink (llvmpipe (LLVM 15.0.6))", true,
+        {"a layer over software", RendererPreference::kAuto, "zink (llvmpipe (LLVM 15.0.6))", true,
          "OpenGL is software, zink (llvmpipe (LLVM 15.0.6))"},
-        {"no OpenGL", RendererWish::kAuto, "NULL", true, "OpenGL is not available"},
-        {"an effect without the row", RendererWish::kAuto, "", false, "the effect names no renderer"},
-        {"OpenGL wished for where it is software", RendererWish::kOpenGL, "llvmpipe", false, "requested"},
-        {"OpenGL wished for where there is none", RendererWish::kOpenGL, "NULL", false, "requested"},
-        {"the processor wished for beside hardware", RendererWish::kProcessor, "NVIDIA", true, "requested"},
+        {"no OpenGL", RendererPreference::kAuto, "NULL", true, "OpenGL is not available"},
+        {"an effect without the row", RendererPreference::kAuto, "", false, "the effect names no renderer"},
+        {"OpenGL wished for where it is software", RendererPreference::kOpenGL, "llvmpipe", false, "requested"},
+        {"OpenGL wished for where there is none", RendererPreference::kOpenGL, "NULL", false, "requested"},
+        {"the processor wished for beside hardware", RendererPreference::kProcessor, "NVIDIA", true, "requested"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -56,20 +57,21 @@ TEST(DecideRenderer, ByWishAndByWhatTheEffectFound) {
 }
 
 TEST(DecideRenderer, WithoutAGraphicsDeviceNothingIsLookedAt) {
-    const RendererDecision decision = DecideRenderer(RendererWish::kAuto, Gpu("Processor (avx2, 2 threads)"), false);
+    const RendererDecision decision =
+        DecideRenderer(RendererPreference::kAuto, Gpu("Processor (avx2, 2 threads)"), false);
     EXPECT_TRUE(decision.processor);
     EXPECT_EQ(decision.why, "no graphics device was found");
-    EXPECT_FALSE(DecideRenderer(RendererWish::kOpenGL, Gpu("llvmpipe"), false).processor);
-    EXPECT_EQ(DecideRenderer(RendererWish::kAuto, Gpu(""), false).why, "the effect names no renderer");
+    EXPECT_FALSE(DecideRenderer(RendererPreference::kOpenGL, Gpu("llvmpipe"), false).processor);
+    EXPECT_EQ(DecideRenderer(RendererPreference::kAuto, Gpu(""), false).why, "the effect names no renderer");
 }
 
 TEST(RendererOfSetUp, OnlyTheProcessorNeedsNoDriver) {
     for (const bool hasDevice : {true, false}) {
-        EXPECT_EQ(RendererOfSetUp(RendererWish::kProcessor, hasDevice), UMBRANT_Renderer_PROCESSOR);
-        EXPECT_EQ(RendererOfSetUp(RendererWish::kOpenGL, hasDevice), UMBRANT_Renderer_OPENGL);
+        EXPECT_EQ(RendererOfSetUp(RendererPreference::kProcessor, hasDevice), UMBRANT_Renderer_PROCESSOR);
+        EXPECT_EQ(RendererOfSetUp(RendererPreference::kOpenGL, hasDevice), UMBRANT_Renderer_OPENGL);
     }
-    EXPECT_EQ(RendererOfSetUp(RendererWish::kAuto, true), UMBRANT_Renderer_OPENGL);
-    EXPECT_EQ(RendererOfSetUp(RendererWish::kAuto, false), UMBRANT_Renderer_PROCESSOR);
+    EXPECT_EQ(RendererOfSetUp(RendererPreference::kAuto, true), UMBRANT_Renderer_OPENGL);
+    EXPECT_EQ(RendererOfSetUp(RendererPreference::kAuto, false), UMBRANT_Renderer_PROCESSOR);
 }
 
 TEST(GraphicsDevice, ByTheNamesOfItsDriver) {

@@ -22,13 +22,14 @@ struct Outcome {
 };
 
 /// How a run differs from the plain one.
-struct RunOptions {
+struct ProgramOptions {
     std::vector<std::string> environment;  ///< "NAME=VALUE"
     std::string standardOutput;            ///< a file for it, instead of `out`
 };
 
 /// Runs `umbrant` with these arguments in the folder.
-inline Outcome RunUmbrant(const Folder& folder, const std::vector<std::string>& arguments, const RunOptions& run = {}) {
+inline Outcome RunUmbrant(const Folder& folder, const std::vector<std::string>& arguments,
+                          const ProgramOptions& run = {}) {
     std::vector<std::string> words = {UMBRANT_PROGRAM};
     words.insert(words.end(), arguments.begin(), arguments.end());
     ProgramStart start;

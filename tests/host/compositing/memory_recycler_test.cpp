@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-#include "host/compositing/lent_memory.h"
+#include "host/compositing/guarded_memory.h"
 
 namespace {
 
@@ -21,14 +21,14 @@ TEST(MemoryRecycler, UsesTheBlockAgain) {
     const MemoryRecycler recycler;
     std::byte* first = nullptr;
     {
-        const LentBytes bytes = LentBytes::Create(8 * kMiB, false);
+        const GuardedBytes bytes = GuardedBytes::Create(8 * kMiB, false);
         first = bytes.Data();
         ASSERT_NE(first, nullptr);
         std::memset(first, 7, 8 * kMiB);
         EXPECT_EQ(MemoryRecycler::Kept(), 0u);
     }
     EXPECT_EQ(MemoryRecycler::Kept(), 8 * kMiB);
-    const LentBytes again = LentBytes::Create(7 * kMiB, true);
+    const GuardedBytes again = GuardedBytes::Create(7 * kMiB, true);
     EXPECT_EQ(again.Data(), first) << "somewhat smaller";
     EXPECT_EQ(again.Size(), 7 * kMiB);
     EXPECT_TRUE(std::all_of(again.Data(), again.Data() + 7 * kMiB, [](std::byte b) { return b == std::byte{0}; }));
@@ -36,14 +36,14 @@ TEST(MemoryRecycler, UsesTheBlockAgain) {
 }
 
 TEST(MemoryRecycler, KeepsNothingWithoutOne) {
-    { const LentBytes bytes = LentBytes::Create(8 * kMiB, false); }
+    { const GuardedBytes bytes = GuardedBytes::Create(8 * kMiB, false); }
     EXPECT_EQ(MemoryRecycler::Kept(), 0u);
-    std::optional<LentBytes> late;
+    std::optional<GuardedBytes> late;
     {
         const MemoryRecycler recycler;
-        { const LentBytes bytes = LentBytes::Create(8 * kMiB, false); }
+        { const GuardedBytes bytes = GuardedBytes::Create(8 * kMiB, false); }
         EXPECT_EQ(MemoryRecycler::Kept(), 8 * kMiB);
-        late = LentBytes::Create(2 * kMiB, false);
+        late = GuardedBytes::Create(2 * kMiB, false);
     }
     EXPECT_EQ(MemoryRecycler::Kept(), 0u);
     late.reset();
@@ -52,24 +52,24 @@ TEST(MemoryRecycler, KeepsNothingWithoutOne) {
 
 TEST(MemoryRecycler, SmallBlocksAndBlocksOfAnotherSizeAreNew) {
     const MemoryRecycler recycler;
-    { const LentBytes small = LentBytes::Create(kMiB - 1, false); }
+    { const GuardedBytes small = GuardedBytes::Create(kMiB - 1, false); }
     EXPECT_EQ(MemoryRecycler::Kept(), 0u);
-    { const LentBytes bytes = LentBytes::Create(8 * kMiB, false); }
-    const LentBytes smaller = LentBytes::Create(6 * kMiB, false);
+    { const GuardedBytes bytes = GuardedBytes::Create(8 * kMiB, false); }
+    const GuardedBytes smaller = GuardedBytes::Create(6 * kMiB, false);
     EXPECT_LE(MemoryRecycler::Kept(), 2 * kMiB) << "it would waste a third";
-    const LentBytes larger = LentBytes::Create(9 * kMiB, false);
+    const GuardedBytes larger = GuardedBytes::Create(9 * kMiB, false);
     EXPECT_EQ(MemoryRecycler::Kept(), 0u);
 }
 
 TEST(MemoryRecycler, NeverHoldsMoreThanWasUsedAtOnce) {
     const MemoryRecycler recycler;
     for (std::size_t size = 2; size < 40; size += 3) {
-        const LentBytes bytes = LentBytes::Create(size * kMiB, false);
+        const GuardedBytes bytes = GuardedBytes::Create(size * kMiB, false);
         EXPECT_EQ(MemoryRecycler::Kept(), 0u) << size << ": the smaller one went";
     }
     EXPECT_LE(MemoryRecycler::Kept(), 38 * kMiB);
-    std::vector<LentBytes> three;
-    for (int i = 0; i < 3; ++i) three.push_back(LentBytes::Create(38 * kMiB, false));
+    std::vector<GuardedBytes> three;
+    for (int i = 0; i < 3; ++i) three.push_back(GuardedBytes::Create(38 * kMiB, false));
     three.clear();
     EXPECT_EQ(MemoryRecycler::Kept(), 3 * 38 * kMiB);
 }
@@ -81,7 +81,7 @@ TEST(MemoryRecycler, ManyThreads) {
         threads.emplace_back([thread] {
             for (std::size_t i = 0; i < 200; ++i) {
                 const std::size_t size = kMiB + (i * 7919 + static_cast<std::size_t>(thread)) % kMiB;
-                const LentBytes bytes = LentBytes::Create(size, i % 2 == 0);
+                const GuardedBytes bytes = GuardedBytes::Create(size, i % 2 == 0);
                 const auto mark = static_cast<std::byte>(thread + 1);
                 bytes.Data()[0] = bytes.Data()[size - 1] = mark;
                 std::this_thread::yield();

@@ -146,8 +146,8 @@ TEST(World, LiesOverMemoryThatSomebodyElseHas) {
     ASSERT_TRUE(size);
     auto memory = std::make_shared<std::vector<std::max_align_t>>(*size / sizeof(std::max_align_t) + 1);
     auto* data = reinterpret_cast<std::byte*>(memory->data());
-    EXPECT_TRUE(World::CreateOver(LentBytes::Over(data, *size - 1, memory), 5, 3, Depth::k32).IsNull());
-    World world = World::CreateOver(LentBytes::Over(data, *size, memory), 5, 3, Depth::k32);
+    EXPECT_TRUE(World::CreateOver(GuardedBytes::Over(data, *size - 1, memory), 5, 3, Depth::k32).IsNull());
+    World world = World::CreateOver(GuardedBytes::Over(data, *size, memory), 5, 3, Depth::k32);
     ASSERT_FALSE(world.IsNull());
     EXPECT_EQ(world.Row(0), data);
     EXPECT_EQ(world.Def().rowbytes, World::Create(5, 3, Depth::k32).Def().rowbytes);

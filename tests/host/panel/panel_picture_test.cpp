@@ -88,7 +88,7 @@ TEST_F(PanelPictureTest, ADrawEventIsSentInItsContext) {
     for (std::size_t i = before; i < commands.size(); ++i) {
         EXPECT_EQ(commands[i].command, PF_Cmd_EVENT);
         EXPECT_EQ(commands[i].error, 0);
-        EXPECT_TRUE(commands[i].balance.Even()) << commands[i].balance.Text();
+        EXPECT_TRUE(commands[i].balance.IsBalanced()) << commands[i].balance.Text();
     }
     EXPECT_THAT(session->AcquiredSuites(),
                 ::testing::IsSupersetOf({"DRAWBOT Draw Suite 1", "DRAWBOT Supplier Suite 1", "DRAWBOT Surface Suite 1",

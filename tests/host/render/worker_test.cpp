@@ -123,7 +123,7 @@ TEST_F(DrawFramesTest, EachThreadHasItsInstanceAndAllShareTheGlobalData) {
     EXPECT_EQ(seen->commands[PF_Cmd_GLOBAL_SETDOWN], 0) << "the first one's to send";
     ASSERT_TRUE(session->End());
     EXPECT_EQ(seen->commands[PF_Cmd_GLOBAL_SETDOWN], 1);
-    EXPECT_TRUE(session->Open().Even());
+    EXPECT_TRUE(session->Open().IsBalanced());
 }
 
 TEST_F(DrawFramesTest, FilesDependOnNeitherThreadsNorOrder) {

@@ -24,7 +24,7 @@ TEST_P(HostTester, HasNothingToComplainAbout) {
         request.region = PF_LRect{3, 2, 40, 9};
         const auto frame = session->Render(request);
         ASSERT_TRUE(frame) << frame.Error().sentence;
-        EXPECT_TRUE(session->Open().Even()) << session->Open().Text();
+        EXPECT_TRUE(session->Open().IsBalanced()) << session->Open().Text();
     }
     EXPECT_STREQ(complaints(), "");
     EXPECT_GT(questions(), 200);

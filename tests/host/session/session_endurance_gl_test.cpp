@@ -182,7 +182,7 @@ class Endurance : public ::testing::Test {
             ASSERT_TRUE(frame) << "frame " << i << ": " << frame.Error().sentence;
             ASSERT_GT(frame->output.Width(), 0);
             for (const CommandRecord& record : frame->commands) {
-                ASSERT_TRUE(record.balance.Even()) << "frame " << i << ": " << record.balance.Text();
+                ASSERT_TRUE(record.balance.IsBalanced()) << "frame " << i << ": " << record.balance.Text();
             }
         }
     }

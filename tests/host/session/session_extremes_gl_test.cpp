@@ -97,7 +97,7 @@ class Extremes : public ::testing::Test {
 
     static void ExpectEven(const Frame& frame) {
         for (const CommandRecord& record : frame.commands) {
-            EXPECT_TRUE(record.balance.Even()) << record.balance.Text();
+            EXPECT_TRUE(record.balance.IsBalanced()) << record.balance.Text();
         }
     }
 

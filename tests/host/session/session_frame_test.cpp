@@ -40,7 +40,8 @@ TEST_F(SessionTest, GrowAsksForTheLayerFirstAndThenForEverything) {
     EXPECT_EQ(seen->deleted, 2) << "the first pass's data too, though no render followed";
     EXPECT_TRUE(session->Open()[Resource::kHandle] == 1) << "the global data";
     EXPECT_THAT(session->Misbehaviour(), IsEmpty());
-    for (const CommandRecord& record : frame->commands) EXPECT_TRUE(record.balance.Even()) << record.balance.Text();
+    for (const CommandRecord& record : frame->commands)
+        EXPECT_TRUE(record.balance.IsBalanced()) << record.balance.Text();
     EXPECT_EQ(frame->message, "");
 }
 

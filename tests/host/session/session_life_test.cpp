@@ -26,7 +26,7 @@ TEST_F(SessionTest, SetsUpAndDownInOrder) {
     EXPECT_EQ(session->Commands()[0].balance[Resource::kHandle], 1) << "the global data";
     EXPECT_EQ(session->Open()[Resource::kHandle], 1);
     EXPECT_TRUE(session->End());
-    EXPECT_TRUE(session->Open().Even()) << session->Open().Text();
+    EXPECT_TRUE(session->Open().IsBalanced()) << session->Open().Text();
     EXPECT_TRUE(session->End()) << "a second end does nothing";
     EXPECT_EQ(seen->commands[PF_Cmd_GLOBAL_SETDOWN], 1);
     EXPECT_EQ(seen->commands[PF_Cmd_SEQUENCE_SETDOWN], 1);

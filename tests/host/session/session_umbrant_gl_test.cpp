@@ -84,9 +84,10 @@ TEST_P(UmbrantDraws, AShadowBesideItsLayer) {
     EXPECT_THAT(session->Misbehaviour(), IsEmpty());
     EXPECT_THAT(session->RefusedSuites(), IsEmpty());
     EXPECT_THAT(frame->suites, Contains("PF World Transform Suite 1"));
-    for (const CommandRecord& record : frame->commands) EXPECT_TRUE(record.balance.Even()) << record.balance.Text();
+    for (const CommandRecord& record : frame->commands)
+        EXPECT_TRUE(record.balance.IsBalanced()) << record.balance.Text();
     EXPECT_TRUE(session->End());
-    EXPECT_TRUE(session->Open().Even()) << session->Open().Text();
+    EXPECT_TRUE(session->Open().IsBalanced()) << session->Open().Text();
 }
 
 TEST_P(UmbrantDraws, EveryShadowTypeWithATextureAndNothingLeftOpen) {

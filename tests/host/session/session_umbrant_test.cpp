@@ -30,7 +30,7 @@ class UmbrantTest : public ::testing::Test {
     }
     void TearDown() override {
         ASSERT_TRUE(session->End());
-        EXPECT_TRUE(session->Open().Even()) << session->Open().Text();
+        EXPECT_TRUE(session->Open().IsBalanced()) << session->Open().Text();
         EXPECT_THAT(session->Misbehaviour(), IsEmpty());
         EXPECT_THAT(session->RefusedSuites(), IsEmpty());
     }
@@ -112,7 +112,7 @@ TEST_F(UmbrantTest, PreRenderSaysHowFarTheShadowReaches) {
     EXPECT_TRUE(Same(answer->resultRect, answer->maxRect));
     EXPECT_EQ(answer->flags, PF_RenderOutputFlag_RETURNS_EXTRA_PIXELS);
     ASSERT_EQ(answer->commands.size(), 1u);
-    EXPECT_TRUE(answer->commands[0].balance.Even()) << answer->commands[0].balance.Text();
+    EXPECT_TRUE(answer->commands[0].balance.IsBalanced()) << answer->commands[0].balance.Text();
 }
 
 TEST_F(UmbrantTest, PreRenderHalvesAtHalfResolution) {

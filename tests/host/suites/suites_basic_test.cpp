@@ -183,13 +183,13 @@ TEST(SuitesWithoutASession, StillAnswer) {
 
 TEST(Balances, SayWhatIsOpen) {
     Balance balance;
-    EXPECT_TRUE(balance.Even());
+    EXPECT_TRUE(balance.IsBalanced());
     EXPECT_EQ(balance.Text(), "nothing open");
     Tally tally;
     tally.Add(Resource::kHandle, 2);
     tally.Add(Resource::kParam, -1);
     balance = tally.Snapshot();
-    EXPECT_FALSE(balance.Even());
+    EXPECT_FALSE(balance.IsBalanced());
     EXPECT_EQ(balance.Text(), "handles 2, parameter check-outs -1");
 }
 

@@ -33,7 +33,7 @@ TEST_F(SuitesTest, AHandleHoldsItsBytes) {
     EXPECT_EQ(*handle, before) << "and they do not move";
     EXPECT_EQ(Open(Resource::kLock), 0);
     kHandleSuite.host_dispose_handle(handle);
-    EXPECT_TRUE(services.tally.Snapshot().Even());
+    EXPECT_TRUE(services.tally.Snapshot().IsBalanced());
     EXPECT_TRUE(services.Misbehaviour().empty());
 }
 
@@ -53,7 +53,7 @@ TEST_F(SuitesTest, AHandleCanBeEmptyButNotEndless) {
     kHandleSuite.host_unlock_handle(handle);
     kHandleSuite.host_dispose_handle(handle);
     EXPECT_EQ(kHandleSuite.host_new_handle(std::numeric_limits<A_HandleSize>::max()), nullptr);
-    EXPECT_TRUE(services.tally.Snapshot().Even());
+    EXPECT_TRUE(services.tally.Snapshot().IsBalanced());
 }
 
 TEST_F(SuitesTest, MisusedHandlesAreReported) {
@@ -71,7 +71,7 @@ TEST_F(SuitesTest, MisusedHandlesAreReported) {
         ElementsAre("a handle was unlocked that was not locked", "a locked handle was resized",
                     "a handle was disposed of while it was locked", "an invalid or released handle was disposed of",
                     "a lock of an invalid handle was requested", "the size of an invalid handle was requested"));
-    EXPECT_TRUE(services.tally.Snapshot().Even());
+    EXPECT_TRUE(services.tally.Snapshot().IsBalanced());
 }
 
 TEST_F(SuitesTest, AHandleGrowsAndShrinksWithItsBytes) {
@@ -85,7 +85,7 @@ TEST_F(SuitesTest, AHandleGrowsAndShrinksWithItsBytes) {
     ASSERT_EQ(utilCallbacks.host_resize_handle(2, &handle), PF_Err_NONE);
     EXPECT_EQ(utilCallbacks.host_get_handle_size(handle), 2u);
     utilCallbacks.host_dispose_handle(handle);
-    EXPECT_TRUE(services.tally.Snapshot().Even());
+    EXPECT_TRUE(services.tally.Snapshot().IsBalanced());
 }
 
 struct WorldCase {
@@ -165,7 +165,7 @@ TEST_F(SuitesTest, TheUtilitiesMakeWorldsToo) {
     EXPECT_EQ(static_cast<void*>(deep), world.data);
     EXPECT_EQ(shallow, nullptr);
     EXPECT_EQ(utilCallbacks.dispose_world(ref, &world), PF_Err_NONE);
-    EXPECT_TRUE(services.tally.Snapshot().Even());
+    EXPECT_TRUE(services.tally.Snapshot().IsBalanced());
 }
 
 }  // namespace

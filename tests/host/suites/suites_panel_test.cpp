@@ -95,7 +95,7 @@ TEST_F(PanelTest, StreamsHideAndShowRows) {
     EXPECT_EQ(kEffectSuite.AEGP_DisposeEffect(reference), A_Err_PARAMETER);
     EXPECT_EQ(kStreamSuite.AEGP_GetNewEffectStreamByIndex(0, reference, 2, &stream), A_Err_PARAMETER);
     EXPECT_EQ(stream, nullptr);
-    EXPECT_TRUE(services.tally.Snapshot().Even());
+    EXPECT_TRUE(services.tally.Snapshot().IsBalanced());
     EXPECT_THAT(services.Misbehaviour(),
                 ElementsAre("AEGP_DisposeStream was called with an invalid or released reference",
                             "AEGP_DisposeEffect was called with an invalid or released reference",
@@ -130,7 +130,7 @@ TEST_F(SuitesTest, TheLayerAnswersItsFlags) {
     A_long effects = 0;
     EXPECT_EQ(kEffectSuite.AEGP_GetLayerNumEffects(layer, &effects), 0);
     EXPECT_EQ(effects, 1);
-    EXPECT_TRUE(services.tally.Snapshot().Even());
+    EXPECT_TRUE(services.tally.Snapshot().IsBalanced());
     EXPECT_EQ(kLayerSuite.AEGP_GetLayerFlags(nullptr, &flags), A_Err_PARAMETER);
     EXPECT_EQ(kPFInterfaceSuite.AEGP_GetEffectLayer(nullptr, &layer), A_Err_PARAMETER);
 }

@@ -150,7 +150,7 @@ TEST_F(ClipFailures, OneThatHasMoreThanItTold) {
 TEST_F(ClipFailures, OneThatIsNotThere) {
     WriteBytes(folder_ / "in.mov", kMovBytes);
     std::filesystem::create_directories(folder_ / "bin");
-    const RunOptions none{{"PATH=" + (folder_ / "bin").string()}, {}};
+    const ProgramOptions none{{"PATH=" + (folder_ / "bin").string()}, {}};
     Outcome outcome = Render("still.png", "out.mov", {"--frames", "1-2"}, none);
     EXPECT_EQ(outcome.code, 3);
     EXPECT_EQ(outcome.err,

@@ -38,7 +38,7 @@ class Clips : public testing::Test {
     }
 
     Outcome Render(const std::string& input, const std::string& output, const std::vector<std::string>& more = {},
-                   const RunOptions& run = {}) const {
+                   const ProgramOptions& run = {}) const {
         std::vector<std::string> all = {"render", "-o", output, "--module", TestModule("painter")};
         all.insert(all.end(), more.begin(), more.end());
         all.insert(all.end(), {"--", input});
@@ -82,7 +82,7 @@ class Clips : public testing::Test {
         WriteBytes(folder_ / ("bin/" + name), "#!/bin/sh\n" + script + "\n");
         std::filesystem::permissions(folder_ / ("bin/" + name), std::filesystem::perms::owner_all);
     }
-    RunOptions WithFakes() const { return {{"PATH=" + (folder_ / "bin").string() + ":/usr/bin:/bin"}, {}}; }
+    ProgramOptions WithFakes() const { return {{"PATH=" + (folder_ / "bin").string() + ":/usr/bin:/bin"}, {}}; }
 
     const Folder folder_;
 };

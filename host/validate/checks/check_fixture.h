@@ -15,7 +15,7 @@
 #include "host/compositing/world.h"
 #include "host/parameters/param_kind.h"
 #include "host/session/effect_session.h"
-#include "host/validate/runner/trial.h"
+#include "host/validate/runner/check_run.h"
 
 /// A soft disc on nothing, every pixel with a colour of its own. Straight alpha; channels in the depth's full range.
 World TestPicture(int width, int height, Depth depth);
@@ -35,14 +35,14 @@ bool AllZero(const World& world);
 std::string RectText(const PF_LRect& rect);
 
 /// The module and a session on it.
-class Stage {
+class CheckFixture {
  public:
-    /// Loads and starts. What cannot be loaded or set up fails the trial and ends it.
-    explicit Stage(Trial& trial, SessionOptions options = {});
+    /// Loads and starts. What cannot be loaded or set up fails the run and ends it.
+    explicit CheckFixture(CheckRun& run, SessionOptions options = {});
     /// Notes the misbehaviour that was not asked for by then.
-    ~Stage();
-    Stage(const Stage&) = delete;
-    Stage& operator=(const Stage&) = delete;
+    ~CheckFixture();
+    CheckFixture(const CheckFixture&) = delete;
+    CheckFixture& operator=(const CheckFixture&) = delete;
 
     const Module& Loaded() const { return *module_; }
     EffectSession& Session() { return *session_; }
@@ -50,22 +50,22 @@ class Stage {
 
     /// Sets every number with a wide range low, so that a frame costs little whatever the module calls its costs.
     void Cheapen();
-    /// Draws a frame of a test picture. An error of the effect fails the trial and gives nothing.
+    /// Draws a frame of a test picture. An error of the effect fails the run and gives nothing.
     std::optional<Frame> Draw(const FrameRequest& request, const std::string& what);
     /// Pre-render alone, likewise.
     std::optional<PreRendered> Ask(const FrameRequest& request, const std::string& what);
 
     /// Sends the panel's commands: the about text, an update, a draw event where the effect draws rows itself.
     void TouchPanel();
-    /// Ends the session; set-down's error, what is open then, and what the host saw done wrong fail the trial.
-    void EndEven(const std::string& when);
+    /// Ends the session; set-down's error, what is open then, and what the host saw done wrong fail the run.
+    void EndBalanced(const std::string& when);
     /// Notes what the host saw the effect do wrong since the last call.
     void NoteMisbehaviour(const std::string& when);
     /// Drops what the host has seen so far: it was asked for.
     void Forget();
 
  private:
-    Trial& trial_;
+    CheckRun& trial_;
     EventLog log_;
     std::optional<Module> module_;
     std::optional<EffectSession> session_;

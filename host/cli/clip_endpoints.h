@@ -17,7 +17,7 @@
 /// Refuses options that a clip has no use for, or that only a clip has a use for. Fails with `ExitCode::kUsage`.
 Result<Done> CheckClipOptions(const RenderOptions& options);
 
-class ClipEnds {
+class ClipEndpoints {
  public:
     /// Asks about the clips that are read and whether the one that is written can be. Tells the request their frames
     /// and, unless the options do, the rate. Fails with `ExitCode::kFile`, and with `ExitCode::kUsage` for a clip whose

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "host/validate/runner/trial.h"
+#include "host/validate/runner/check_run.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -67,71 +67,71 @@ std::string NotMeasured(const std::string& what) {
     return "could not be measured on this machine: " + what;
 }
 
-Trial::Trial(const TrialOptions& options) : options_(options), random_(options.seed) {}
+CheckRun::CheckRun(const CheckRunOptions& options) : options_(options), random_(options.seed) {}
 
-int Trial::Draw(int low, int high) {
+int CheckRun::Draw(int low, int high) {
     // Not std::uniform_int_distribution: its numbers differ between libraries, and a seed must mean the same anywhere.
     return low + static_cast<int>(random_() % (static_cast<std::uint64_t>(high) - static_cast<std::uint64_t>(low) + 1));
 }
 
-double Trial::DrawReal(double low, double high) {
+double CheckRun::DrawReal(double low, double high) {
     return low + (high - low) * (static_cast<double>(random_() >> 11) / 9007199254740992.0);
 }
 
-void Trial::Fail(const std::string& text) {
+void CheckRun::Fail(const std::string& text) {
     Note({text, Verdict::kFail, {}, {}});
 }
 
-void Trial::Warn(const std::string& text) {
+void CheckRun::Warn(const std::string& text) {
     Note({text, Verdict::kWarn, {}, {}});
 }
 
-void Trial::Note(Finding finding) {
+void CheckRun::Note(Finding finding) {
     const auto same = [&](const Finding& other) { return other.text == finding.text; };
     if (std::any_of(result_.findings.begin(), result_.findings.end(), same)) return;
     if (Weight(finding.weight) > Weight(result_.verdict)) result_.verdict = finding.weight;
     result_.findings.push_back(std::move(finding));
 }
 
-void Trial::FailAndEnd(const std::string& text) {
+void CheckRun::FailAndEnd(const std::string& text) {
     Fail(text);
-    throw TrialOver();
+    throw CheckRunOver();
 }
 
-void Trial::FailAsNoModule(const std::string& text) {
+void CheckRun::FailAsNoModule(const std::string& text) {
     result_.isNoModule = true;
     FailAndEnd(text);
 }
 
-void Trial::Skip(const std::string& reason) {
+void CheckRun::Skip(const std::string& reason) {
     result_.skipReason = reason;
     // Warnings do not make up for what was not looked at; they are reported all the same.
     if (!Failed()) result_.verdict = Verdict::kSkip;
-    throw TrialOver();
+    throw CheckRunOver();
 }
 
-void Trial::Count(const std::string& figure, double amount) {
+void CheckRun::Count(const std::string& figure, double amount) {
     result_.figures[figure] += amount;
 }
 
-void Trial::NoteCall(const std::string& callee, int times) {
+void CheckRun::NoteCall(const std::string& callee, int times) {
     int& most = result_.calls[callee];
     most = std::max(most, times);
 }
 
-void Trial::KeepEvents(const EventLog& log) {
+void CheckRun::KeepEvents(const EventLog& log) {
     if (!options_.trace.empty()) AppendTrace(options_.trace, log.Events());
 }
 
-bool Trial::Failed() const {
+bool CheckRun::Failed() const {
     return Weight(result_.verdict) > Weight(Verdict::kWarn);
 }
 
-CheckResult Trial::Result() const {
+CheckResult CheckRun::Result() const {
     return result_;
 }
 
-void Trial::Merge(const CheckResult& part) {
+void CheckRun::Merge(const CheckResult& part) {
     for (const Finding& finding : part.findings) Note(finding);
     for (const auto& [figure, amount] : part.figures) result_.figures[figure] += amount;
     for (const auto& [callee, times] : part.calls) NoteCall(callee, times);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "host/validate/checks/stage.h"
+#include "host/validate/checks/check_fixture.h"
 
 #include <fmt/format.h>
 
@@ -10,17 +10,17 @@
 #include "host/accounting/ledger.h"
 #include "host/session/error_names.h"
 
-Stage::Stage(Trial& trial, SessionOptions options) : trial_(trial) {
+CheckFixture::CheckFixture(CheckRun& run, SessionOptions options) : trial_(run) {
     options.log = &log_;
-    auto loaded = Module::Load(trial.Options().module);
-    if (!loaded) trial.FailAndEnd(loaded.Error().sentence);
+    auto loaded = Module::Load(run.Options().module);
+    if (!loaded) run.FailAndEnd(loaded.Error().sentence);
     module_.emplace(std::move(*loaded));
     auto started = EffectSession::Start(*module_, std::move(options));
-    if (!started) trial.FailAndEnd(started.Error().sentence);
+    if (!started) run.FailAndEnd(started.Error().sentence);
     session_.emplace(std::move(*started));
 }
 
-Stage::~Stage() {
+CheckFixture::~CheckFixture() {
     if (session_) {
         NoteMisbehaviour("");
         session_.reset();
@@ -28,7 +28,7 @@ Stage::~Stage() {
     trial_.KeepEvents(log_);
 }
 
-void Stage::Cheapen() {
+void CheckFixture::Cheapen() {
     ParamSet& params = session_->Params();
     constexpr double kWide = 200;
     constexpr double kSteps = 5;
@@ -40,7 +40,7 @@ void Stage::Cheapen() {
     }
 }
 
-std::optional<Frame> Stage::Draw(const FrameRequest& request, const std::string& what) {
+std::optional<Frame> CheckFixture::Draw(const FrameRequest& request, const std::string& what) {
     trial_.Count("frames");
     Result<Frame> frame = session_->Render(request);
     if (frame) return std::move(*frame);
@@ -48,7 +48,7 @@ std::optional<Frame> Stage::Draw(const FrameRequest& request, const std::string&
     return std::nullopt;
 }
 
-std::optional<PreRendered> Stage::Ask(const FrameRequest& request, const std::string& what) {
+std::optional<PreRendered> CheckFixture::Ask(const FrameRequest& request, const std::string& what) {
     trial_.Count("pre-renders");
     Result<PreRendered> asked = session_->PreRender(request);
     if (asked) return std::move(*asked);
@@ -56,25 +56,25 @@ std::optional<PreRendered> Stage::Ask(const FrameRequest& request, const std::st
     return std::nullopt;
 }
 
-void Stage::TouchPanel() {
+void CheckFixture::TouchPanel() {
     if (const auto about = session_->About(); !about) trial_.Fail(about.Error().sentence);
     if (const auto updated = session_->UpdateParamsUI(); !updated) trial_.Fail(updated.Error().sentence);
 }
 
-void Stage::EndEven(const std::string& when) {
+void CheckFixture::EndBalanced(const std::string& when) {
     if (const auto ended = session_->End(); !ended) trial_.Fail(fmt::format("{}: {}", when, ended.Error().sentence));
     NoteMisbehaviour(when);
     for (const LedgerRow& row : UnevenRows(log_.Events())) trial_.Fail(fmt::format("{}: {}", when, row.sentence));
 }
 
-void Stage::NoteMisbehaviour(const std::string& when) {
+void CheckFixture::NoteMisbehaviour(const std::string& when) {
     const std::vector<std::string> sentences = session_->Misbehaviour();
     for (; misbehaviourSeen_ < sentences.size(); ++misbehaviourSeen_) {
         trial_.Fail((when.empty() ? "" : when + ": ") + sentences[misbehaviourSeen_]);
     }
 }
 
-void Stage::Forget() {
+void CheckFixture::Forget() {
     static_cast<void>(bool(session_->End()));
     misbehaviourSeen_ = session_->Misbehaviour().size();
 }

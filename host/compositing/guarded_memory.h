@@ -19,27 +19,27 @@ enum class MemoryPlacement {
 };
 
 /// How memory is placed from now on, in the whole process.
-struct LendingRules {
+struct GuardRules {
     MemoryPlacement placement = MemoryPlacement::kPlain;
     /// Bytes added to the shortest possible row of a world; none for the usual padding.
     std::optional<int> rowPadding;
 };
 
 /// Set before the threads start whose memory is to follow the rules. Blocks remember the rules that they were made by.
-void SetLendingRules(const LendingRules& rules);
-const LendingRules& CurrentLendingRules();
+void SetGuardRules(const GuardRules& rules);
+const GuardRules& CurrentGuardRules();
 
 /// A block of bytes for effects, aligned to 16. Move-only; frees, or guards, its bytes when destroyed.
-class LentBytes {
+class GuardedBytes {
  public:
-    LentBytes() = default;
+    GuardedBytes() = default;
     /// `size` may be 0. Null (Data() is null) when memory cannot be had. Bytes are zero when `clear`.
-    static LentBytes Create(std::size_t size, bool clear);
+    static GuardedBytes Create(std::size_t size, bool clear);
     /// Somebody else's bytes, aligned to 16, for as long as `owner` is held. The rules do not hold for them.
-    static LentBytes Over(std::byte* data, std::size_t size, std::shared_ptr<void> owner);
-    ~LentBytes();
-    LentBytes(LentBytes&& other) noexcept;
-    LentBytes& operator=(LentBytes&& other) noexcept;
+    static GuardedBytes Over(std::byte* data, std::size_t size, std::shared_ptr<void> owner);
+    ~GuardedBytes();
+    GuardedBytes(GuardedBytes&& other) noexcept;
+    GuardedBytes& operator=(GuardedBytes&& other) noexcept;
 
     std::byte* Data() const { return data_; }
     std::size_t Size() const { return size_; }

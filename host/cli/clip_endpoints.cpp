@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "host/cli/clip_ends.h"
+#include "host/cli/clip_endpoints.h"
 
 #include <fmt/format.h>
 
@@ -63,7 +63,7 @@ Result<Done> CheckClipOptions(const RenderOptions& options) {
     return Done{};
 }
 
-Result<Done> ClipEnds::Open(const RenderOptions& options, PlanRequest& request) {
+Result<Done> ClipEndpoints::Open(const RenderOptions& options, PlanRequest& request) {
     output_ = options.output;
     request.outputIsClip = IsClipName(output_);
     if (request.outputIsClip) {
@@ -102,12 +102,12 @@ Result<Done> ClipEnds::Open(const RenderOptions& options, PlanRequest& request) 
     return Done{};
 }
 
-void ClipEnds::Connect(LayerOptions& options) {
+void ClipEndpoints::Connect(LayerOptions& options) {
     if (input_) options.inputClip = [this](int frame) { return input_->Read(frame); };
     if (texture_) options.textureClip = [this](int frame) { return texture_->Read(frame); };
 }
 
-PipelineShape ClipEnds::Shape(PipelineShape shape) const {
+PipelineShape ClipEndpoints::Shape(PipelineShape shape) const {
     if (Reads()) shape.readers = 1;
     if (Writes()) {
         shape.writers = 1;
@@ -118,7 +118,7 @@ PipelineShape ClipEnds::Shape(PipelineShape shape) const {
 }
 
 /// Sound stays with its pictures: all of it, or the part of the frames that are drawn when they follow one another.
-ClipEnds::Sound ClipEnds::SoundFor(const FramePlan& plan) const {
+ClipEndpoints::Sound ClipEndpoints::SoundFor(const FramePlan& plan) const {
     if (!input_ || input_->Facts().sound.empty() || plan.frames.empty()) return {};
     const PlannedFrame& first = plan.frames.front();
     for (std::size_t i = 0; i < plan.frames.size(); ++i) {
@@ -140,7 +140,7 @@ ClipEnds::Sound ClipEnds::SoundFor(const FramePlan& plan) const {
     return sound;
 }
 
-Result<Done> ClipEnds::Begin(const FramePlan& plan, const PF_LRect& canvas, const World& layer, bool wantsSound) {
+Result<Done> ClipEndpoints::Begin(const FramePlan& plan, const PF_LRect& canvas, const World& layer, bool wantsSound) {
     if (wantsSound) sound_ = SoundFor(plan);
     canvas_ = canvas;
     layerWidth_ = layer.Width();
@@ -163,7 +163,7 @@ Result<Done> ClipEnds::Begin(const FramePlan& plan, const PF_LRect& canvas, cons
     return Done{};
 }
 
-Result<Done> ClipEnds::Write(const Drawn& drawn, const Placement& place) {
+Result<Done> ClipEndpoints::Write(const Drawn& drawn, const Placement& place) {
     if (place.frameWidth != layerWidth_ || place.frameHeight != layerHeight_) {
         return Failure{ExitCode::kFile, fmt::format("the layer is {} x {}, but all frames of a clip have the size of "
                                                     "the first one, {} x {}",
@@ -182,14 +182,14 @@ Result<Done> ClipEnds::Write(const Drawn& drawn, const Placement& place) {
     return writer_->Write(cut);
 }
 
-Result<bool> ClipEnds::Finish() {
+Result<bool> ClipEndpoints::Finish() {
     if (!writer_) return false;
     auto finished = writer_->Finish();
     if (!finished) return finished.Error();
     return true;
 }
 
-nlohmann::ordered_json ClipEnds::Report() const {
+nlohmann::ordered_json ClipEndpoints::Report() const {
     if (!writer_) return nullptr;
     nlohmann::ordered_json report = {{"codec", codec_->name},
                                      {"rate", RateText(rate_)},

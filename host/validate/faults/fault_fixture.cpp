@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "host/validate/faults/fault_lab.h"
+#include "host/validate/faults/fault_fixture.h"
 
 #include <fmt/format.h>
 #include <sys/mman.h>
@@ -54,9 +54,9 @@ class FaultSwitch {
 };
 
 /// A session in which faults happen.
-class Lab {
+class FaultFixture {
  public:
-    explicit Lab(Trial& trial) : stage(trial, Options()) { stage.Cheapen(); }
+    explicit FaultFixture(CheckRun& run) : fixture(run, Options()) { fixture.Cheapen(); }
 
     SessionOptions Options() {
         SessionOptions options;
@@ -74,62 +74,62 @@ class Lab {
     FaultSwitch faults;
     bool messageEnded = true;
     std::string lastMessage;
-    Stage stage;
+    CheckFixture fixture;
 };
 
 /// Something that a session does; gives the digest of what was drawn.
 struct Scenario {
     std::string name;
-    std::function<std::uint64_t(Lab&)> run;
+    std::function<std::uint64_t(FaultFixture&)> run;
     bool fromDown = false;  ///< begins with a session that is not set up, and ends with one
 };
 
-std::uint64_t DrawVariant(Lab& lab, const Variant& variant, Depth depth) {
+std::uint64_t DrawVariant(FaultFixture& fixture, const Variant& variant, Depth depth) {
     const World layer = TestPicture(24, 20, depth);
-    ParamSet params = lab.stage.Session().Params();
+    ParamSet params = fixture.fixture.Session().Params();
     variant.apply(params);
     FrameRequest request;
     request.layer = &layer;
     request.params = &params;
     request.texture = &layer;
     request.canvas = Canvas::kLayer;
-    const auto frame = lab.stage.Session().Render(request);
+    const auto frame = fixture.fixture.Session().Render(request);
     return frame ? DigestOf(frame->output) : 0;
 }
 
-std::vector<Scenario> ScenariosOf(Lab& lab) {
+std::vector<Scenario> ScenariosOf(FaultFixture& fixture) {
     std::vector<Scenario> scenarios;
     bool first = true;
-    for (const Variant& variant : StyleVariants(lab.stage.Session().Params(), 3)) {
-        scenarios.push_back(
-            {"a frame with " + variant.name, [variant](Lab& l) { return DrawVariant(l, variant, Depth::k8); }});
+    for (const Variant& variant : StyleVariants(fixture.fixture.Session().Params(), 3)) {
+        scenarios.push_back({"a frame with " + variant.name,
+                             [variant](FaultFixture& l) { return DrawVariant(l, variant, Depth::k8); }});
         if (std::exchange(first, false)) {
             scenarios.push_back(
-                {"a frame at 32 bits", [variant](Lab& l) { return DrawVariant(l, variant, Depth::k32); }});
+                {"a frame at 32 bits", [variant](FaultFixture& l) { return DrawVariant(l, variant, Depth::k32); }});
         }
     }
-    scenarios.push_back({"an update of the panel", [](Lab& l) {
-                             const auto updated = l.stage.Session().UpdateParamsUI();
+    scenarios.push_back({"an update of the panel", [](FaultFixture& l) {
+                             const auto updated = l.fixture.Session().UpdateParamsUI();
                              return std::uint64_t{updated ? 1u : 0u};
                          }});
-    scenarios.push_back({"about", [](Lab& l) {
-                             const auto about = l.stage.Session().About();
+    scenarios.push_back({"about", [](FaultFixture& l) {
+                             const auto about = l.fixture.Session().About();
                              return std::uint64_t{about ? 1u : 0u};
                          }});
-    scenarios.push_back({"draw events", [](Lab& l) {
+    scenarios.push_back({"draw events", [](FaultFixture& l) {
                              bool well = true;
-                             for (const int row : SelfDrawnRows(l.stage.Session())) {
+                             for (const int row : SelfDrawnRows(l.fixture.Session())) {
                                  UnseenCanvas canvas;
                                  PF_EventExtra event = canvas.Event(PF_Event_DRAW, row, {100, 0, 300, 120});
-                                 well = bool(l.stage.Session().SendEvent(&event)) && well;
+                                 well = bool(l.fixture.Session().SendEvent(&event)) && well;
                              }
                              return std::uint64_t{well ? 1u : 0u};
                          }});
     scenarios.push_back({"set-up and set-down",
-                         [](Lab& l) {
-                             const auto up = l.stage.Session().SetUp();
+                         [](FaultFixture& l) {
+                             const auto up = l.fixture.Session().SetUp();
                              if (!up) return std::uint64_t{0};
-                             return std::uint64_t{l.stage.Session().End() ? 2u : 1u};
+                             return std::uint64_t{l.fixture.Session().End() ? 2u : 1u};
                          },
                          true});
     return scenarios;
@@ -144,24 +144,25 @@ bool IsRefused(const Event& event, const FaultPlan& plan) {
 }
 
 /// Runs a scenario with a fault, or with none, and writes down what came of it.
-FaultOutcome RunScenario(Lab& lab, const Scenario& scenario, const FaultPlan& plan, std::uint64_t* digest) {
-    EffectSession& session = lab.stage.Session();
+FaultOutcome RunScenario(FaultFixture& fixture, const Scenario& scenario, const FaultPlan& plan,
+                         std::uint64_t* digest) {
+    EffectSession& session = fixture.fixture.Session();
     if (scenario.fromDown) static_cast<void>(bool(session.End()));
     const std::size_t seen = session.Misbehaviour().size();
-    lab.stage.Log().Clear();
-    lab.messageEnded = true;
-    lab.lastMessage.clear();
-    lab.faults.Arm(plan);
-    *digest = scenario.run(lab);
-    lab.faults.Disarm();
+    fixture.fixture.Log().Clear();
+    fixture.messageEnded = true;
+    fixture.lastMessage.clear();
+    fixture.faults.Arm(plan);
+    *digest = scenario.run(fixture);
+    fixture.faults.Disarm();
 
     FaultOutcome outcome;
     outcome.plan = plan;
     outcome.scenario = scenario.name;
-    outcome.reached = lab.faults.reached;
-    outcome.messageEnded = lab.messageEnded;
-    outcome.message = lab.lastMessage;
-    const std::vector<Event> events = lab.stage.Log().Events();
+    outcome.reached = fixture.faults.reached;
+    outcome.messageEnded = fixture.messageEnded;
+    outcome.message = fixture.lastMessage;
+    const std::vector<Event> events = fixture.fixture.Log().Events();
     std::uint64_t command = 0;
     bool refused = false;
     for (const Event& event : events) {
@@ -196,21 +197,21 @@ struct Job {
 };
 
 /// The calls of every scenario, counted in a fork: the names of figures carry them.
-std::vector<Job> CountCalls(Trial& trial, const FaultRules& rules) {
+std::vector<Job> CountCalls(CheckRun& run, const FaultRules& rules) {
     const CheckResult counted =
-        RunPart(trial, {"counting the calls", [&](Trial& part) {
-                            Lab lab(part);
-                            const std::vector<Scenario> scenarios = ScenariosOf(lab);
-                            for (std::size_t i = 0; i < scenarios.size(); ++i) {
-                                std::uint64_t digest = 0;
-                                RunScenario(lab, scenarios[i], {}, &digest);
-                                for (const auto& [callee, count] : lab.faults.counts) {
-                                    part.Count(fmt::format("{}{} {}", kCounted, i, callee), count);
-                                }
-                            }
-                        }});
+        RunSubCheck(run, {"counting the calls", [&](CheckRun& part) {
+                              FaultFixture fixture(part);
+                              const std::vector<Scenario> scenarios = ScenariosOf(fixture);
+                              for (std::size_t i = 0; i < scenarios.size(); ++i) {
+                                  std::uint64_t digest = 0;
+                                  RunScenario(fixture, scenarios[i], {}, &digest);
+                                  for (const auto& [callee, count] : fixture.faults.counts) {
+                                      part.Count(fmt::format("{}{} {}", kCounted, i, callee), count);
+                                  }
+                              }
+                          }});
     std::vector<Job> jobs;
-    for (const Finding& finding : counted.findings) trial.Note(finding);
+    for (const Finding& finding : counted.findings) run.Note(finding);
     for (const auto& [name, count] : counted.figures) {
         if (!name.starts_with(kCounted)) continue;
         const std::string rest = name.substr(std::strlen(kCounted));
@@ -218,7 +219,7 @@ std::vector<Job> CountCalls(Trial& trial, const FaultRules& rules) {
         const auto scenario = static_cast<std::size_t>(std::stoul(rest.substr(0, space)));
         const std::string callee = rest.substr(space + 1);
         if (!rules.isMeant(callee)) continue;
-        if (trial.Options().fault) trial.NoteCall(callee, static_cast<int>(count));
+        if (run.Options().fault) run.NoteCall(callee, static_cast<int>(count));
         for (const PF_Err error : rules.errors) {
             for (int call = 1; call <= static_cast<int>(count); ++call)
                 jobs.push_back({scenario, {callee, call, error}});
@@ -228,16 +229,16 @@ std::vector<Job> CountCalls(Trial& trial, const FaultRules& rules) {
 }
 
 /// How far a batch has come, seen from outside of its process.
-class Progress {
+class FaultProgress {
  public:
-    Progress() {
+    FaultProgress() {
         void* page =
             mmap(nullptr, sizeof(std::atomic<std::size_t>), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
         if (page != MAP_FAILED) begun_ = new (page) std::atomic<std::size_t>(0);
     }
-    ~Progress() { munmap(begun_, sizeof(std::atomic<std::size_t>)); }
-    Progress(const Progress&) = delete;
-    Progress& operator=(const Progress&) = delete;
+    ~FaultProgress() { munmap(begun_, sizeof(std::atomic<std::size_t>)); }
+    FaultProgress(const FaultProgress&) = delete;
+    FaultProgress& operator=(const FaultProgress&) = delete;
     std::atomic<std::size_t>& Begun() { return *begun_; }
 
  private:
@@ -249,29 +250,29 @@ std::string OptionFor(const FaultPlan& plan) {
 }
 
 /// Runs jobs in one process; whoever crashes is told by the caller, from how far it came.
-void RunBatch(Trial& part, const FaultRules& rules, const std::vector<Job>& jobs, std::atomic<std::size_t>& begun) {
-    Lab lab(part);
-    const std::vector<Scenario> scenarios = ScenariosOf(lab);
+void RunBatch(CheckRun& part, const FaultRules& rules, const std::vector<Job>& jobs, std::atomic<std::size_t>& begun) {
+    FaultFixture fixture(part);
+    const std::vector<Scenario> scenarios = ScenariosOf(fixture);
     std::map<std::size_t, std::uint64_t> usual;
     for (std::size_t i = 0; i < jobs.size(); ++i) {
         const Job& job = jobs[i];
         if (job.scenario >= scenarios.size()) continue;
         const Scenario& scenario = scenarios[job.scenario];
-        if (!usual.contains(job.scenario)) RunScenario(lab, scenario, {}, &usual[job.scenario]);
+        if (!usual.contains(job.scenario)) RunScenario(fixture, scenario, {}, &usual[job.scenario]);
         begun = i + 1;
         std::uint64_t digest = 0;
-        FaultOutcome outcome = RunScenario(lab, scenario, job.plan, &digest);
+        FaultOutcome outcome = RunScenario(fixture, scenario, job.plan, &digest);
         outcome.samePixels = digest == usual[job.scenario];
         if (!outcome.reached) continue;
         part.Count("faults");
-        Trial judged(part.Options());
+        CheckRun judged(part.Options());
         rules.judge(judged, outcome);
         CheckResult result = judged.Result();
         for (Finding& finding : result.findings) finding.repeat = OptionFor(job.plan);
         part.Merge(result);
     }
     // What a fault left open is told above; the session's own books would tell it again.
-    lab.stage.Forget();
+    fixture.fixture.Forget();
 }
 
 }  // namespace
@@ -310,9 +311,9 @@ void KeepOnly(const FaultPlan& one, const FaultRules& rules, std::vector<Job>& j
     for (Job& job : jobs) job.plan.error = one.error;
 }
 
-void InjectFaults(Trial& trial, const FaultRules& rules) {
-    std::vector<Job> jobs = CountCalls(trial, rules);
-    if (const auto& one = trial.Options().fault) KeepOnly(*one, rules, jobs);
+void InjectFaults(CheckRun& run, const FaultRules& rules) {
+    std::vector<Job> jobs = CountCalls(run, rules);
+    if (const auto& one = run.Options().fault) KeepOnly(*one, rules, jobs);
     // Batches side by side; a batch that ends early hands its rest to a new one.
     std::deque<std::vector<Job>> waiting;
     for (std::size_t first = 0; first < jobs.size(); first += kBatch) {
@@ -322,16 +323,16 @@ void InjectFaults(Trial& trial, const FaultRules& rules) {
     while (!waiting.empty()) {
         std::vector<std::vector<Job>> round(waiting.begin(), waiting.end());
         waiting.clear();
-        std::vector<std::unique_ptr<Progress>> progress;
-        std::vector<Part> parts;
+        std::vector<std::unique_ptr<FaultProgress>> progress;
+        std::vector<SubCheck> subChecks;
         for (const std::vector<Job>& batch : round) {
-            progress.push_back(std::make_unique<Progress>());
-            parts.push_back({"a fault", [&rules, &batch, &begun = progress.back()->Begun()](Trial& part) {
-                                 RunBatch(part, rules, batch, begun);
-                                 begun = batch.size() + 1;
-                             }});
+            progress.push_back(std::make_unique<FaultProgress>());
+            subChecks.push_back({"a fault", [&rules, &batch, &begun = progress.back()->Begun()](CheckRun& part) {
+                                     RunBatch(part, rules, batch, begun);
+                                     begun = batch.size() + 1;
+                                 }});
         }
-        const std::vector<CheckResult> results = RunPartsApart(trial, parts);
+        const std::vector<CheckResult> results = RunSubChecksApart(run, subChecks);
         for (std::size_t i = 0; i < round.size(); ++i) {
             const std::size_t begun = progress[i]->Begun();
             CheckResult result = results[i];
@@ -345,7 +346,7 @@ void InjectFaults(Trial& trial, const FaultRules& rules) {
                 waiting.emplace_back(round[i].begin() + static_cast<std::ptrdiff_t>(begun), round[i].end());
                 if (waiting.back().empty()) waiting.pop_back();
             }
-            trial.Merge(result);
+            run.Merge(result);
         }
     }
 }

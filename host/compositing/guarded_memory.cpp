@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "host/compositing/lent_memory.h"
+#include "host/compositing/guarded_memory.h"
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -21,7 +21,7 @@ namespace {
 constexpr std::size_t kAlignment = 16;
 constexpr std::byte kSlack{0xC7};
 
-LendingRules rules;
+GuardRules rules;
 
 std::size_t PageSize() {
     static const auto size = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
@@ -34,16 +34,16 @@ std::size_t RoundedUp(std::size_t size, std::size_t unit) {
 
 }  // namespace
 
-void SetLendingRules(const LendingRules& wanted) {
+void SetGuardRules(const GuardRules& wanted) {
     rules = wanted;
 }
 
-const LendingRules& CurrentLendingRules() {
+const GuardRules& CurrentGuardRules() {
     return rules;
 }
 
-LentBytes LentBytes::Create(std::size_t size, bool clear) {
-    LentBytes bytes;
+GuardedBytes GuardedBytes::Create(std::size_t size, bool clear) {
+    GuardedBytes bytes;
     if (size > std::numeric_limits<std::size_t>::max() / 2) return bytes;
     bytes.size_ = size;
     if (rules.placement == MemoryPlacement::kPlain) {
@@ -73,23 +73,23 @@ LentBytes LentBytes::Create(std::size_t size, bool clear) {
     return bytes;
 }
 
-LentBytes LentBytes::Over(std::byte* data, std::size_t size, std::shared_ptr<void> owner) {
-    LentBytes bytes;
+GuardedBytes GuardedBytes::Over(std::byte* data, std::size_t size, std::shared_ptr<void> owner) {
+    GuardedBytes bytes;
     bytes.data_ = data;
     bytes.size_ = size;
     bytes.owner_ = std::move(owner);
     return bytes;
 }
 
-LentBytes::~LentBytes() {
+GuardedBytes::~GuardedBytes() {
     Free();
 }
 
-LentBytes::LentBytes(LentBytes&& other) noexcept {
+GuardedBytes::GuardedBytes(GuardedBytes&& other) noexcept {
     *this = std::move(other);
 }
 
-LentBytes& LentBytes::operator=(LentBytes&& other) noexcept {
+GuardedBytes& GuardedBytes::operator=(GuardedBytes&& other) noexcept {
     if (this == &other) return *this;
     Free();
     data_ = std::exchange(other.data_, nullptr);
@@ -101,11 +101,11 @@ LentBytes& LentBytes::operator=(LentBytes&& other) noexcept {
     return *this;
 }
 
-bool LentBytes::SetReadOnly(bool readOnly) const {
+bool GuardedBytes::SetReadOnly(bool readOnly) const {
     return pages_ && mprotect(pages_, pagesSize_, readOnly ? PROT_READ : PROT_READ | PROT_WRITE) == 0;
 }
 
-bool LentBytes::SlackIsWhole() const {
+bool GuardedBytes::SlackIsWhole() const {
     if (!pages_) return true;
     const auto whole = [](const std::byte* begin, const std::byte* end) {
         return std::all_of(begin, end, [](std::byte byte) { return byte == kSlack; });
@@ -113,7 +113,7 @@ bool LentBytes::SlackIsWhole() const {
     return whole(pages_, data_) && whole(data_ + size_, pages_ + pagesSize_);
 }
 
-void LentBytes::Free() {
+void GuardedBytes::Free() {
     if (owner_) {
         owner_.reset();
     } else if (recycled_ > 0) {

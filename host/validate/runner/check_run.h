@@ -56,7 +56,7 @@ struct FaultPlan {
 };
 
 /// What all checks of a run share.
-struct TrialOptions {
+struct CheckRunOptions {
     std::filesystem::path module;
     std::uint64_t seed = 1;
     int timeoutMilliseconds = 30000;
@@ -76,14 +76,14 @@ struct TrialOptions {
 std::string NotMeasured(const std::string& what);
 
 /// Thrown to end a check early, after what it found was noted.
-struct TrialOver {};
+struct CheckRunOver {};
 
 /// One run of one check.
-class Trial {
+class CheckRun {
  public:
-    explicit Trial(const TrialOptions& options);
+    explicit CheckRun(const CheckRunOptions& options);
 
-    const TrialOptions& Options() const { return options_; }
+    const CheckRunOptions& Options() const { return options_; }
     /// Seeded from the run's seed alone, so that a check draws the same whatever ran before it.
     std::mt19937_64& Random() { return random_; }
     int Draw(int low, int high);  ///< uniform, both ends included
@@ -111,7 +111,7 @@ class Trial {
     void Merge(const CheckResult& part);
 
  private:
-    TrialOptions options_;
+    CheckRunOptions options_;
     std::mt19937_64 random_;
     CheckResult result_;
 };
@@ -129,7 +129,7 @@ enum class Needs {
 struct Check {
     const char* id;     ///< "5.4"; the number before the point is the level
     const char* title;  ///< what must hold, as a sentence without its full stop
-    void (*run)(Trial& trial);
+    void (*run)(CheckRun& run);
     Needs needs = Needs::kNothing;
     int patience = 1;          ///< how many times the time limit it may take: for checks that are many runs
     bool takesFaults = false;  ///< refuses host calls, so that one fault can be asked for

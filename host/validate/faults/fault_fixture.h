@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "host/accounting/ledger.h"
-#include "host/validate/checks/stage.h"
+#include "host/validate/checks/check_fixture.h"
 #include "host/validate/runner/processes.h"
 
 /// What one fault led to.
@@ -33,11 +33,11 @@ struct FaultRules {
     /// Callees as the fault hook names them: "interact.checkout_param", "AcquireSuite:PF World Suite".
     std::function<bool(const std::string& callee)> isMeant;
     std::vector<PF_Err> errors;
-    std::function<void(Trial&, const FaultOutcome&)> judge;
+    std::function<void(CheckRun&, const FaultOutcome&)> judge;
 };
 
 /// Runs every fault that the rules mean, in forks; a crash or a hang is a finding that names the fault.
-void InjectFaults(Trial& trial, const FaultRules& rules);
+void InjectFaults(CheckRun& run, const FaultRules& rules);
 
 /// Calls by which an effect gives back what it has; they are allowed after a refusal, and may be refused without harm.
 bool GivesBack(const std::string& callee);
