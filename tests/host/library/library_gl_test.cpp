@@ -57,7 +57,7 @@ TEST_F(LibraryGl, DrawsWhatTheProgramDraws) {
                    {{std::string("UMBRANT_MODULE=") + UMBRANT_MODULE_FILE}, ""});
     ASSERT_EQ(outcome.code, 0) << outcome.err;
     EXPECT_EQ(DifferentPixels(Read(folder / "out.tif").pixels, image.View()), 0);
-    EXPECT_EQ(effect.RendererText(), "drawn by OpenGL: requested");
+    EXPECT_EQ(effect.RendererText(), "drawn by the GPU renderer: requested");
 }
 
 TEST_F(LibraryGl, AContextGoesWithItsThread) {

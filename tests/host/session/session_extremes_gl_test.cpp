@@ -150,7 +150,7 @@ TEST_F(Extremes, ThirtyThousandPixelsInARow) {
     EXPECT_EQ(frame.Error().code, ExitCode::kEffectFailed);
     EXPECT_THAT(frame.Error().sentence, HasSubstr("FBO bad, res: 30000 ")) << "the effect's own words";
     EXPECT_THAT(frame.Error().sentence, HasSubstr("(error 4, PF_Err_OUT_OF_MEMORY)"));
-    EXPECT_THAT(frame.Error().sentence, HasSubstr("many OpenGL drivers take no more than 16384 x 16384"));
+    EXPECT_THAT(frame.Error().sentence, HasSubstr("many OpenGL drivers support at most 16384 x 16384"));
     // The next frame is drawn as if nothing had been.
     const World small = Square(16, 16, Depth::k8);
     const auto next = session_->Render({.layer = &small});
