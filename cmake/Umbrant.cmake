@@ -84,9 +84,8 @@ function(umbrant_library target)
     endif()
 endfunction()
 
-# umbrant_compile_quickly(target): for code that waits for people and files more than it computes, and whose headers make the
-# optimiser take longer than all other code. Under a
-# sanitizer it is not optimised at all.
+# umbrant_compile_quickly(target): for code that waits for people and files more than it computes, and whose headers take
+# the optimiser longer than all other code. Under a sanitizer it is not optimised at all.
 function(umbrant_compile_quickly target)
     if(umbrant_sanitized)
         target_compile_options(${target} PRIVATE -O0)
