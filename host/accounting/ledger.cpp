@@ -67,7 +67,7 @@ bool ReturnsNothing(const Rule& rule) {
 /// The address or text that names the thing; nothing when the call took or gave nothing.
 std::optional<std::pair<std::uint64_t, std::string>> KeyOf(const Rule& rule, const Event& event) {
     if (ReturnsPointer(rule) ? event.result == 0 : !ReturnsNothing(rule) && event.result != 0) {
-        // What the effect tried to give back while the host was told to refuse, it did not keep.
+        // What the effect tried to give back while the host refused on purpose, it did not keep.
         if (rule.takes || !event.faulted) return std::nullopt;
     }
     const auto argument = [&](std::size_t i) -> const EventValue& { return event.arguments.at(i); };

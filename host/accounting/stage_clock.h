@@ -2,8 +2,8 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// Where the time of a render goes, as far as the host can tell: it sees its own calls, and takes what lies between them
-// for the effect's own work.
+// Where the time of a render goes, as far as the host can see: it measures its own calls and counts the time between
+// them as the effect's own work.
 
 #include <chrono>
 
@@ -24,10 +24,10 @@ struct StageTimes {
     double composite = 0;  ///< everything after, and fills
 };
 
-/// What a render is at, as far as the host can tell.
+/// The current stage of a render, as far as the host can see.
 enum class RenderStage { kUpload, kDraw, kReadBack, kComposite };
 
-/// Adds up one command's calls. Safe on every thread; a call inside a call, or beside one, counts once.
+/// Adds up one command's calls. Safe on every thread; calls that overlap count once.
 class StageClock {
  public:
     StageTimes Snapshot() const;

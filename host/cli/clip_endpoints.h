@@ -40,7 +40,7 @@ class ClipEndpoints {
     /// Ends the clip and puts it in its place; returns whether there is one.
     Result<bool> Finish();
 
-    /// What programs are told about the clip that was written; null for none.
+    /// The report about the clip that was written, for programs; null for none.
     nlohmann::ordered_json Report() const;
 
  private:

@@ -182,7 +182,7 @@ void FrameProgress::TellFrame(std::size_t index) {
         // Both may be one terminal.
         line_.Erase();
         PrintResult(frame.output + "\n");
-        // Whoever reads along works on this picture while the next ones are drawn. A failure is told in the end.
+        // A reader can use this image while the next ones are drawn. A failure to write is reported at the end.
         FlushResults();
     }
     if (outcome.failure) {
@@ -222,7 +222,7 @@ std::string FrameProgress::CurrentText() const {
                        current.session ? ActivityText(*current.session) : StepWords(current.step));
 }
 
-/// A frame that takes long is told about on its way.
+/// Reports a frame that takes long while it is drawn.
 void FrameProgress::TellCurrent() {
     if (current_.empty()) return;
     const auto& [index, current] = *current_.begin();

@@ -2,8 +2,8 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// How far a sequence is, told on standard error while it is drawn, and the paths of its pictures on standard output.
-// What is told about single frames comes in the order of the plan, whatever the order in which they end.
+// The progress of a sequence on standard error, and the paths of its images on standard output. Frames are reported in
+// the order of the plan, whatever the order in which they end.
 
 #include <chrono>
 #include <map>
@@ -24,7 +24,7 @@ class FrameProgress : public FrameWatcher {
     FrameProgress(const FrameProgress&) = delete;
     FrameProgress& operator=(const FrameProgress&) = delete;
 
-    /// A failure is told as it happens, since it does not end the render and is not told in the end.
+    /// Reports each failure as it happens, since it does not end the render.
     void SetKeepsGoing(bool keepsGoing) { keepsGoing_ = keepsGoing; }
 
     /// Says something about the whole, unless it is to be quiet.
@@ -33,7 +33,7 @@ class FrameProgress : public FrameWatcher {
     void Begins(std::size_t frame, FrameStep step, const EffectSession* session) override;
     void Ends(std::size_t frame, const FrameOutcome& outcome) override;
 
-    /// Ends the bar, tells the sums. Once, after the last frame.
+    /// Ends the bar and prints the totals. Once, after the last frame.
     FrameTotals Finish();
 
     /// What became of the plan's frames; nothing for those that were not reached.
@@ -62,7 +62,7 @@ class FrameProgress : public FrameWatcher {
     bool keepsGoing_ = false;
     const std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
     std::vector<std::optional<FrameOutcome>> outcomes_;
-    std::size_t told_ = 0;                 ///< frames of the plan that were told about
+    std::size_t told_ = 0;                 ///< frames of the plan that were reported
     std::optional<std::size_t> previous_;  ///< the last one whose input was read
     std::map<std::size_t, Current> current_;
     FrameTotals totals_;

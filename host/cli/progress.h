@@ -45,5 +45,5 @@ class StatusLine {
     std::thread thread_;
 };
 
-/// What a session's effect is doing, in words.
+/// What a session's effect is doing, as text.
 std::string ActivityText(const EffectSession& session);

@@ -29,7 +29,7 @@ struct CanvasFacts {
 struct ProgressOptions {
     ProgressForm form = ProgressForm::kLines;
     double seconds = 10;  ///< after them, and again each time, a frame that takes long has a line; 0 for never
-    std::optional<CanvasFacts> canvas{};  ///< told first; nothing where images may differ in size
+    std::optional<CanvasFacts> canvas{};  ///< reported first; nothing where images may differ in size
 };
 
 /// What `--progress` says: "bar", "lines", "json", or seconds; without a form it is a bar where standard error is a

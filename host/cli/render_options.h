@@ -101,7 +101,7 @@ std::string ValidateDepth(const std::string& text);
 /// Declares the options of SequenceOptions.
 void AddSequenceOptions(CLI::App& app, SequenceOptions& options);
 
-/// How often a single picture that takes long is told about, as Progress takes it.
+/// The seconds between two reports of a single image that takes long, as ImageProgress takes them.
 double SecondsOfProgress(const SequenceOptions& options);
 
 /// The command `render`, which reads its arguments into these options.

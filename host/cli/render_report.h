@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// What `umbrant render` tells about a frame beside its picture: for people as it goes, for programs as JSON at the end.
+// What `umbrant render` reports about a frame: text while it is drawn, JSON at the end.
 
 #include <chrono>
 #include <string>
@@ -21,7 +21,7 @@ class Stopwatch {
     std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
 };
 
-/// What the report tells beside what the session and the frame know.
+/// What the report has in addition to what the session and the frame know.
 struct RenderFacts {
     std::string input;
     std::string output;

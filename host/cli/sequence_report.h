@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// What programs are told about a sequence: single frames as they end, and the whole in the end.
+// The JSON about a sequence: single frames as they end, and the whole at the end.
 
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -25,7 +25,7 @@ nlohmann::ordered_json CanvasJson(const CanvasFacts& canvas);
 /// The sums over `all` frames.
 nlohmann::ordered_json TotalsJson(const FrameTotals& totals, std::size_t all, double seconds);
 
-/// What the report tells beside the frames.
+/// What the report has in addition to the frames.
 struct SequenceFacts {
     std::string input;
     std::string output;
@@ -34,7 +34,8 @@ struct SequenceFacts {
     std::optional<CanvasFacts> covered{};  ///< nothing where images may differ in size
 };
 
-/// The report of a whole sequence, ending in a line break; `clip` tells of the clip that it went into, null for none.
+/// The report of a whole sequence, ending in a line break; `clip` is the report of the clip that was written, null for
+/// none.
 std::string SequenceReport(const SequenceFacts& facts, const FramePlan& plan, const PipelineShape& shape,
                            const std::vector<std::optional<FrameOutcome>>& outcomes, double seconds,
                            const nlohmann::ordered_json& clip = nullptr);

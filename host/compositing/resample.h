@@ -18,6 +18,6 @@ World Downsample(const World& world, int n);
 /// memory cannot be had.
 World ConvertDepth(const World& world, Depth depth);
 
-/// The part of a world that a frame of `width` x `height` shows when the world's top-left lies at (x, y) in it;
+/// The part of a world that a frame of `width` x `height` shows when the world's top-left is at (x, y) in it;
 /// transparent black elsewhere. Null when memory cannot be had.
 World CutToFrame(const World& world, int x, int y, int width, int height);

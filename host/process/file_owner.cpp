@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view kPrefix = ".umbrant-";
 constexpr std::string_view kSuffix = ".part";
-/// Lower case alone, for folders that do not tell the cases apart.
+/// Lower case alone, for file systems that ignore case.
 constexpr std::string_view kDigits = "0123456789abcdefghijklmnopqrstuv";
 constexpr unsigned kBitsOfDigit = 5;
 

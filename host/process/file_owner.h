@@ -2,8 +2,9 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// Which process has a file under construction. A file's hidden name carries that, so that a later run can tell whether
-// somebody still writes to it: nothing can be cleaned up by a process that is killed, or whose machine loses power.
+// Which process has a file under construction. A file's hidden name carries that, so that a later run can find out
+// whether somebody still writes to it: nothing can be cleaned up by a process that is killed, or whose machine loses
+// power.
 
 #include <cstdint>
 #include <ctime>

@@ -68,7 +68,7 @@ std::shared_ptr<SharedMemory> SharedMemoryPool::Take(std::size_t size) {
     std::shared_ptr<SharedMemory> block;
     {
         const std::lock_guard lock(mutex_);
-        // The smallest that is large enough, unless most of it would lie idle.
+        // The smallest that is large enough, unless most of it would be unused.
         auto best = free_.end();
         for (auto each = free_.begin(); each != free_.end(); ++each) {
             if ((*each)->Size() < size || (*each)->Size() / 4 > size) continue;

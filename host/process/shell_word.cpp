@@ -27,7 +27,7 @@ std::size_t CharacterLength(std::string_view text) {
     if (first < 0x80) return 1;
     const std::size_t length = first >= 0xc2 && first <= 0xdf ? 2 : first >= 0xe0 && first <= 0xef ? 3 : 4;
     if (first < 0xc2 || first > 0xf4 || text.size() < length) return 0;
-    // The second byte keeps out what has a shorter form, the halves of pairs, and what lies behind the last character.
+    // The second byte keeps out what has a shorter form, surrogates, and values above the last character.
     const unsigned low = first == 0xe0 ? 0xa0 : first == 0xf0 ? 0x90 : 0x80;
     const unsigned high = first == 0xed ? 0x9f : first == 0xf4 ? 0x8f : 0xbf;
     if (byte(1) < low || byte(1) > high) return 0;

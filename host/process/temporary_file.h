@@ -45,5 +45,5 @@ class TemporaryFile {
 /// Removes every file under construction.
 void RemoveTemporaryFiles();
 
-/// The same before the process ends: whoever begins another file waits for that end.
+/// The same before the process ends: a thread that begins another file waits for that end.
 void EndTemporaryFiles();

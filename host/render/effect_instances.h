@@ -12,8 +12,8 @@
 /// One instance for each drawing thread; the first is the caller's own. Move-only.
 class EffectInstances {
  public:
-    /// Starts instances beside `first` until there are `count`; an effect that may not be called from several threads
-    /// keeps to one. `first` must outlive them. Fails as EffectSession::StartInstance does.
+    /// Starts instances, in addition to `first`, until there are `count`; an effect that may not be called from several
+    /// threads keeps to one. `first` must outlive them. Fails as EffectSession::StartInstance does.
     Result<Done> Start(EffectSession& first, int count);
 
     /// Ends them, the first one last. Returns the first failure.

@@ -2,9 +2,9 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// The ranges of what a frame is requested with. The command line and the library check them in their own words.
+// The ranges of what a frame is requested with. The command line and the library check them with messages of their own.
 
-/// Seconds; a time lies between minus this and this.
+/// Seconds; a time is between minus this and this.
 inline constexpr double kLongestTime = 24.0 * 60 * 60;
 
 /// Pixels of the full-size layer; beyond it no texture could meet a layer.

@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// A frame's number, which may lie between whole ones: frame 7.25 is a quarter of a frame after frame 7. Exact: a number
+// A frame's number, whole or not: frame 7.25 is a quarter of a frame after frame 7. Exact: a number
 // of parts of a frame, never a rounded fraction.
 
 #include <fmt/format.h>

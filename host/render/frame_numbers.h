@@ -21,7 +21,7 @@
 #include "host/result.h"
 #include "hostapi/basic_types.h"
 
-/// No frame lies further from zero than this.
+/// The largest distance of a frame from zero.
 inline constexpr int kFarthestFrame = 999999;
 
 /// No set has more frames than this.

@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 
 constexpr int kMostDigits = 12;
 
-/// A field as it stands in a name.
+/// A field as it is written in a name.
 struct Field {
     std::size_t begin = 0;
     std::size_t length = 0;

@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// Names of the files of a sequence: one path in which a field stands for the frame's number.
+// Names of the files of a sequence: one path with a field for the frame's number.
 
 #include <optional>
 #include <string>

@@ -59,7 +59,7 @@ struct PlannedFrame {
     std::optional<int> textureClipFrame{};  ///< the texture's
     std::string missing;                    ///< the file, or the frame of a clip, that is not there: "'in.0007.png'"
     std::string missingReason;              ///< "there is no such file"
-    std::optional<int> heldInput{};         ///< the input's frame that stands in for a missing one
+    std::optional<int> heldInput{};         ///< the input's frame that replaces a missing one
     std::optional<int> heldTexture{};       ///< the texture's
     bool inputChanges = true;               ///< its input is its own; else others may share it, and it is worth keeping
     bool textureChanges = true;
@@ -100,7 +100,7 @@ Result<FramePlan> PlanFrames(const PlanRequest& request);
 /// The plan of a single image: one frame, at the moment's step of 1/24000 second. Looks at no file.
 FramePlan PlanImage(const ImageRequest& request);
 
-/// All frames of the set, whatever the chunk, for whoever divides them. Fails as PlanFrames does, except that files may
+/// All frames of the set, whatever the chunk, to be divided. Fails as PlanFrames does, except that files may
 /// be missing, which may be made before they are needed.
 Result<std::vector<FrameNumber>> WholeFrameSet(const PlanRequest& request);
 

@@ -46,7 +46,7 @@ std::uint64_t OwnSize(const std::string& wanted) {
     return 0;
 }
 
-/// What a limit leaves beside what is used: at least 1, as 0 stands for no limit.
+/// What a limit leaves after what is used: at least 1, as 0 means no limit.
 std::uint64_t Left(std::uint64_t limit, std::uint64_t used) {
     return limit > used ? limit - used : 1;
 }
@@ -98,7 +98,7 @@ PipelineShape ShapeFor(int drawers) {
 }
 
 std::uint64_t MostBytes(const PipelineShape& shape, const FrameFootprint& frame) {
-    // The file's values and a picture of them, beside the layer.
+    // The file's values and an image of them, in addition to the layer.
     const std::uint64_t reading = 2 * frame.file;
     // The effect's copies of what it is given, and its sums in single precision: four of them, four channels.
     const std::uint64_t drawing = frame.layer + frame.texture + frame.output + 64 * frame.outputPixels;

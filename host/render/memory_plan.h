@@ -34,7 +34,7 @@ struct MachineLimits {
 /// The machine that this runs on.
 MachineLimits ThisMachine();
 
-/// The threads beside `drawers` drawing ones: readers, writers, and the frames under way.
+/// The shape for `drawers` drawing threads: readers, writers, and the frames in work.
 PipelineShape ShapeFor(int drawers);
 
 /// The shape with as few frames under way as `memory` bytes have room for, at least 1; as it is where that is 0.
@@ -43,7 +43,7 @@ PipelineShape FitInto(PipelineShape shape, const FrameFootprint& frame, std::uin
 /// The part of the machine's free memory that frames may take; 0 when nobody knows.
 std::uint64_t MemoryForFrames(const MachineLimits& machine);
 
-/// What a process with these limits and this use can still take. In bytes; 0 stands for no limit.
+/// What a process with these limits and this use can still take. In bytes; 0 means no limit.
 struct MemoryRoom {
     std::uint64_t available = 0;  ///< what the system says that it could hand out
     std::uint64_t group = 0;      ///< what the process's control groups leave
@@ -56,7 +56,7 @@ std::uint64_t LeastOf(const MemoryRoom& room);
 /// memory.max ("max" for no limit) and memory.current; 0 where none sets a limit.
 std::uint64_t GroupMemory(const std::filesystem::path& root, const std::string& folder);
 
-/// The most memory that frames take at once, beside what the program has anyhow.
+/// The most memory that frames take at once, in addition to the program's own.
 std::uint64_t MostBytes(const PipelineShape& shape, const FrameFootprint& frame);
 
 /// Drawing threads that suit the machine: one a core, as far as the renderer gains, and as half of its free memory has

@@ -30,7 +30,7 @@ struct FrameOutcome {
     };
     Kind kind = Kind::kDrawn;
     std::optional<Failure> failure{};
-    std::string message{};  ///< the effect's words to the user
+    std::string message{};  ///< a message that the effect returned for the user
     int layerWidth = 0;     ///< the layer's full size
     int layerHeight = 0;
     int bits = 0;         ///< of a channel in the input's file; 0 when it was not read
@@ -40,7 +40,7 @@ struct FrameOutcome {
     double writeTime = 0;
 };
 
-/// Is told what happens, from several threads at once.
+/// Receives what happens to frames, from several threads at once.
 class FrameWatcher {
  public:
     virtual ~FrameWatcher() = default;
@@ -60,7 +60,7 @@ struct FrameJob {
     bool keepGoing = false;             ///< a frame that fails does not end the others
     /// The values at a frame, whole or not; without it those of the session that draws it. Safe on every thread.
     std::function<ParamSet(double frame, const ParamSet&)> values{};
-    /// Says an effect's failure in better words.
+    /// Replaces an effect's failure with a more helpful one.
     std::function<Failure(const Failure&, const EffectSession&)> explain{};
     /// Where a frame goes instead of a picture file of its own.
     std::function<Result<Done>(const Drawn&, const Placement&, const WriteOptions&)> write{};

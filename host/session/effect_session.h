@@ -41,7 +41,7 @@ struct CommandArguments {
     void* extra = nullptr;
 };
 
-/// Who the host says it is, and what it can be told to get wrong.
+/// The identity that the host reports, and the mistakes that it makes on purpose.
 struct SessionOptions {
     A_AppID appId = kAppID_AfterEffects;
     A_short apiMajor = 13;
@@ -67,7 +67,7 @@ struct SessionOptions {
     std::function<void(const CommandArguments&, PF_Err error)> afterCommand{};
     /// Told of every world that the effect gets or gives back. Called from every thread.
     WorldWatch worldWatch{};
-    /// What the effect gives back can no longer be used: suites' tables are shut, parameter definitions overwritten.
+    /// What the effect gives back can no longer be used: suites' tables are guarded, parameter definitions overwritten.
     bool strictLending = false;
     /// Makes the world that a frame is drawn into, its pixels of any value but zero; null when memory cannot be had.
     /// Without it the world is of this process's memory.
@@ -105,7 +105,7 @@ struct FrameRequest {
     PF_RationalScale downsampleY{1, 1};
     /// The picture that every layer parameter of the effect is set to, at the layer's depth; null for none.
     const World* texture = nullptr;
-    PF_Point textureOrigin{};  ///< where its top-left lies, in downsampled pixels of the layer
+    PF_Point textureOrigin{};  ///< its top-left, in downsampled pixels of the layer
     Canvas canvas = Canvas::kGrow;
     std::optional<PF_LRect> region{};  ///< asks for exactly this rectangle instead, in downsampled pixels of the layer
     A_long time = 0;                   ///< in units of 1/timeScale seconds
@@ -151,9 +151,9 @@ struct PreRendered {
 /// A drawn frame.
 struct Frame {
     World output;         ///< covers `rect`; empty (0 x 0) when there was nothing to draw. Never null
-    PF_LRect rect{};      ///< where the output lies, in downsampled pixels of the layer
+    PF_LRect rect{};      ///< the output's place, in downsampled pixels of the layer
     PF_LRect maxRect{};   ///< everything that the effect could draw
-    std::string message;  ///< the effect's words to the user; usually empty
+    std::string message;  ///< a message that the effect returned for the user; usually empty
     bool messageIsError = false;
     std::vector<CommandRecord> commands;  ///< in the order in which they were sent
     std::vector<std::string> suites;      ///< acquired for this frame, "name version", sorted
@@ -209,7 +209,7 @@ class EffectSession {
     /// Asks what a frame would cover, without drawing it.
     Result<PreRendered> PreRender(const FrameRequest& request);
     /// Draws a frame. With `Canvas::kGrow` the effect is asked about the layer's frame first and then for its whole
-    /// max rectangle. Fails with `ExitCode::kEffectFailed` and the effect's own words and code.
+    /// max rectangle. Fails with `ExitCode::kEffectFailed` and the effect's own message and code.
     Result<Frame> Render(const FrameRequest& request);
 
     ParamSet& Params();

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// The road of one frame: pre-render, render, and the pre-render data back to the effect, whatever happens between.
+// One frame: pre-render, render, and the pre-render data back to the effect, whatever happens between.
 
 #include <fmt/format.h>
 
@@ -133,7 +133,7 @@ bool LacksMemory(const Answer& answer, std::uint64_t bytes, bool isDriverSize) {
     return (error == PF_Err_OUT_OF_MEMORY || error == PF_Err_INTERNAL_STRUCT_DAMAGED) && !CanHaveMemory(bytes);
 }
 
-/// A failed render's failure; when the picture may be too large for the driver, its size and the limit are told too.
+/// A failed render's failure; when the image may be too large for the driver, its size and the limit are reported too.
 Failure RenderFailure(const SessionState& state, const Answer& answer, const PF_LRect& rect) {
     Failure failure = FailureOf(state, answer);
     const A_long width = WidthOf(rect);

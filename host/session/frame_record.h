@@ -15,7 +15,7 @@
 #include "host/session/session_state.h"
 #include "hostapi/smart_render.h"
 
-/// The layers of a moment, and where they lie.
+/// The layers of a moment, and their places.
 struct LayersSeen {
     LayersSeen(MomentLayers shown, const FrameRequest& request);
     MomentLayers pictures;
@@ -54,7 +54,7 @@ struct FrameRecord {
     };
     std::list<OtherMoment> moments;
     const ParamSet& ParamsAt(const Moment& moment);
-    /// Null, with `failure` told, when they cannot be had.
+    /// Null, with `failure` set, when they are not available.
     const LayersSeen* LayersAt(const Moment& moment);
     std::optional<Failure> failure;  ///< why the effect was refused what it may have asked for
 

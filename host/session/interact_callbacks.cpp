@@ -19,7 +19,7 @@ using Slot = Served<kTable, Call, Function>;
 template <FixedText Call>
 using NoSlot = Missing<kTable, Call>;
 
-/// What stands in a definition that was checked in, where the host lends strictly.
+/// The content of a definition that was checked in, where the host is strict about late use.
 constexpr int kStaleByte = 0xDB;
 
 /// The session behind a reference; null, with a report, when it is none of ours.
@@ -38,7 +38,7 @@ void FillLayer(PF_LayerDef& layer, const World* world, PF_Point origin) {
     layer.dephault = dephault;
 }
 
-/// Outside of frames the panel stands still: every time has the same values.
+/// Outside of frames nothing moves: every time has the same values.
 PF_Err CheckoutParam(PF_ProgPtr effectRef, PF_ParamIndex index, A_long time, A_long, A_u_long timeScale,
                      PF_ParamDef* param) {
     SessionState* state = SessionOf(effectRef, "checkout_param");

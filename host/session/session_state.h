@@ -29,7 +29,7 @@ struct SessionState {
     Services services;
     EffectRef ref{&services, nullptr};
     ParamSet params;
-    int declaredRows = 0;  ///< rows of `params`, told to frames while somebody may set values
+    int declaredRows = 0;  ///< rows of `params`, for frames while somebody may set values
 
     PF_Handle globalData = nullptr;
     PF_Handle sequenceData = nullptr;
@@ -42,7 +42,7 @@ struct SessionState {
     bool declaring = false;
     std::vector<PF_CustomUIInfo> customUIs;
 
-    /// A command under way; its notes live as long as it stands in the list.
+    /// A command under way; its notes live as long as it is in the list.
     struct Running {
         PF_Cmd command;
         std::chrono::steady_clock::time_point begin;
@@ -71,7 +71,7 @@ struct Answer {
 Answer SendCommand(SessionState& state, PF_Cmd command, FrameRecord* frame, PF_ParamDef* params[], void* extra,
                    PF_LayerDef* output = nullptr);
 
-/// The failure that a command's error is to the user: the effect's words, the code and its name.
+/// A command's error as a failure: the effect's message, the code and its name.
 Failure FailureOf(const SessionState& state, const Answer& answer);
 
 /// `in_data->inter`: parameters, progress, custom interface.

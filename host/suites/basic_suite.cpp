@@ -67,7 +67,7 @@ std::string Label(const char* name, int32_t version) {
     return std::string(name) + " " + std::to_string(version);
 }
 
-/// Copies of the tables for sessions that lend strictly: shut while nobody holds them, so that a call through a table
+/// Copies of the tables for strict sessions: guarded while nobody holds them, so that a call through a table
 /// that was given back ends the process.
 class StrictTables {
  public:

@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// What stands behind the host's suites: per session one Services record with its counts, its panel and its list of
+// The state behind the host's suites: per session one Services record with its counts, its panel and its list of
 // misdeeds, and per command a scope that says which record the suites of this thread mean. Suites are plain tables of
 // functions, and some of those get no reference to anything, so the record must be found through the thread.
 
@@ -30,12 +30,13 @@ class World;
 struct FrameRecord;
 struct SessionState;
 
-/// What a world is to the effect that it is lent to.
+/// The role of a world for the effect that receives it.
 enum class WorldRole { kInput, kTexture, kOutput, kTemporary };
-/// Told when a world goes to the effect (`lent`) and when it comes back. It may change the world's record and pixels.
+/// Called when a world goes to the effect (`lent`) and when it comes back. It may change the world's record and pixels.
 using WorldWatch = std::function<void(World& world, WorldRole role, bool lent)>;
 
-/// What a fault hook says for "AcquireSuite:name" when the host is to report success and lend nothing, as hosts have.
+/// What a fault hook says for "AcquireSuite:name" when the host is to report success and return no suite, as hosts
+/// have.
 inline constexpr PF_Err kLendNothing = -1000001;
 
 /// Counts of what is open, safe on every thread.
@@ -88,7 +89,7 @@ class Services {
     ForkLock suitesMutex{ForkRank::kSession};
     std::atomic<AEGP_LayerFlags> layerFlags{AEGP_LayerFlag_NONE};
     std::atomic<UMBRANT_Renderer> renderer{UMBRANT_Renderer_ANY};
-    /// The session that the record belongs to; null in a record that stands alone.
+    /// The session that the record belongs to; null in a record without one.
     SessionState* session = nullptr;
     /// See SessionOptions::fault. Set before the first command.
     std::function<PF_Err(std::string_view call)> fault;
@@ -130,8 +131,8 @@ void Report(std::string sentence);
 /// What the fault hook says about a call: 0 lets it happen.
 PF_Err FaultOf(std::string_view call);
 
-/// What an effect's `effect_ref` points to. Registered while it lives, so that a wrong reference is told from a right
-/// one without touching it.
+/// What an effect's `effect_ref` points to. Registered while it lives, so that a wrong reference is distinguished from
+/// a right one without touching it.
 class EffectRef {
  public:
     /// `frame` is null outside of frames.

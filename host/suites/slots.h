@@ -3,7 +3,7 @@
 #pragma once
 
 // How a suite's table is filled. Every slot is either Served, a host function that is written into the session's log
-// and stands behind the fault hook and behind a barrier for exceptions, or Missing, a function that reports which call
+// and called behind the fault hook and a barrier for exceptions, or Missing, a function that reports which call
 // was made and returns an error. Both take the slot's type from the slot.
 
 #include <cstddef>
@@ -100,7 +100,7 @@ class Missing {
 };
 
 /// A slot that `Function` answers. An exception in it becomes `PF_Err_OUT_OF_MEMORY` and a report: none may reach the
-/// effect, whose frames lie between.
+/// effect, whose frames are in between.
 template <FixedText Table, FixedText Call, auto Function>
 class Served {
     template <typename R, typename... A>

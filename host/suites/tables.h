@@ -3,7 +3,7 @@
 #pragma once
 
 // The tables of functions that this host hands to effects. Each is filled in the file of its name; which suites are
-// offered, and under which versions, stands in basic_suite.cpp.
+// offered, and under which versions, is in basic_suite.cpp.
 
 #include "hostapi/callbacks.h"
 #include "hostapi/suites/aegp_dynamic_stream_suite.h"

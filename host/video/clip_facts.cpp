@@ -221,7 +221,7 @@ int BitsOfPixelFormat(std::string_view name) {
     }
     const std::size_t digits = name.find_last_not_of("0123456789") + 1;
     const int number = std::atoi(std::string(name.substr(digits)).c_str());
-    // rgb48 and rgba64 tell the bits of the whole pixel, p010 and y210 lead with something else.
+    // rgb48 and rgba64 name the bits of the whole pixel, p010 and y210 begin with something else.
     if (number == 48 || number == 64) return 16;
     if (number > 32) return number % 100;
     return number > 8 ? number : 16;

@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// What a clip is, as ffprobe tells it: the size, rate and colours of its pictures, and the sound beside them.
+// The facts of a clip from ffprobe: the size, rate and colours of its frames, and its sound.
 
 #include <string>
 #include <string_view>
@@ -40,7 +40,7 @@ struct ClipFacts {
     int FramesInFile() const { return static_cast<int>(times.seconds.size()); }
 };
 
-/// Whether a path means a clip, which its extension tells.
+/// Whether a path means a clip, by its extension.
 bool IsClipName(std::string_view path);
 
 /// Bits of a channel of one of ffmpeg's pixel formats.

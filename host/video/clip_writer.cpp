@@ -73,7 +73,7 @@ std::vector<std::string> EncoderArguments(const ClipTarget& target, const std::s
         if (target.part) {
             add({"-ss", fmt::format("{:.6f}", start), "-t", fmt::format("{:.6f}", target.part->second)});
         } else if (start != 0) {
-            // The pictures begin at 0, and the sound stays where it is beside them.
+            // The frames begin at 0, and the sound keeps its place relative to them.
             add({"-itsoffset", fmt::format("{:.6f}", -start)});
         }
         const std::vector<std::string> input = InputArguments(target.from->path, target.from->demuxer);

@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// A clip under construction: pictures go through a pipe into ffmpeg, which writes under a temporary name beside the
+// A clip under construction: frames go through a pipe into ffmpeg, which writes under a temporary name next to the
 // clip's place until it is whole.
 
 #include <filesystem>

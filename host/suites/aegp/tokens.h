@@ -10,7 +10,7 @@
 
 enum class TokenKind { kLayer, kEffect, kStream };
 
-/// What a reference stands for.
+/// What a reference refers to.
 struct Token {
     void* shape = nullptr;  ///< first, so that a reference looks like a pointer to a pointer
     TokenKind kind = TokenKind::kLayer;

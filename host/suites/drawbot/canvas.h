@@ -10,8 +10,8 @@
 #include "host/drawing/drawing.h"
 #include "hostapi/custom_ui.h"
 
-/// Lives for one draw event. Its references are good for as long as it lives, and told from wrong ones without being
-/// touched.
+/// Lives for one draw event. Its references are good for as long as it lives, and distinguished from wrong ones without
+/// being touched.
 class DrawbotCanvas {
  public:
     /// Draws on `drawing`, which stays the caller's. The matrix and clip that it has now are what the effect finds:

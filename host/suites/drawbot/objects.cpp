@@ -30,7 +30,7 @@ Table& TheTable() {
 }
 [[maybe_unused]] const Table& earlyTable = TheTable();  // before there are threads: see fork_lock.h
 
-/// How the bytes of one pixel lie; alpha at -1 is always opaque.
+/// The order of one pixel's bytes; alpha at -1 is always opaque.
 struct Layout {
     int bytes, alpha, red, green, blue;
     bool premultiplied;

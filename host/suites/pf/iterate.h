@@ -35,7 +35,7 @@ void SetRowOrder(RowOrder order);
 /// that error is returned. An exception of the effect's function becomes PF_Err_INTERNAL_STRUCT_DAMAGED and a report.
 PF_Err RunForEffect(int count, const std::function<PF_Err(int index, int thread)>& work);
 
-/// Calls `function` for every pixel of `area` (null: the whole destination) that lies in the destination. With a
+/// Calls `function` for every pixel of `area` (null: the whole destination) that is in the destination. With a
 /// source, `in` is the source pixel at (x, y) - origin; where there is none the pixel is left out, or `in` is
 /// transparent. Without a source `in` is the destination's own pixel. The origin may be null for (0, 0).
 /// PF_Err_BAD_CALLBACK_PARAM for a null function or destination, or a world of another format.

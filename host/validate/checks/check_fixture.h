@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// What most checks stand on: the module loaded, a session on it with its books open, and pictures to draw from. The
+// What most checks need: the module loaded, a session on it with its event log on, and test images to draw from. The
 // host is the one that `umbrant render` uses; only accounting is on.
 
 #include <cstdint>
@@ -86,7 +86,7 @@ std::vector<Variant> StyleVariants(const ParamSet& params, int mostItems);
 std::string RowName(const ParamRow& row);
 /// The rows whose value a user can change.
 std::vector<int> SettableRows(const ParamSet& params);
-/// The numbers between which a row's value may lie, ten turns either way for an angle; nothing for a row without a
+/// The range of a row's value, ten turns either way for an angle; nothing for a row without a
 /// number.
 std::optional<NumberRange> RangeOf(const ParamRow& row);
 /// A low number of the row, at most `steps` of its units above its least.

@@ -43,7 +43,7 @@ struct Shim {
     }
 };
 
-/// Where the module's code lies, as addresses.
+/// The addresses of the module's code.
 std::pair<const char*, const char*> CodeOf(const std::filesystem::path& file) {
     struct Search {
         std::filesystem::path file;

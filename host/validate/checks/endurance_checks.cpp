@@ -107,7 +107,7 @@ class FrameCost {
     const double deadline_ = ElapsedMilliseconds() + kPatience * trial_.Options().timeoutMilliseconds / 2.0;
 };
 
-/// Notes a cost that outgrows its work as a finding, and one that cannot be told in `unclear`.
+/// Notes a cost that outgrows its work as a finding, and one that cannot be decided in `unclear`.
 void NoteGrowth(CheckRun& run, const std::string& what, double amount, const Growth& growth,
                 std::vector<std::string>& unclear) {
     const std::string range = growth.most > 0 ? fmt::format("{:.1f} to {:.1f}", growth.least, growth.most) : "unknown";

@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 
 // Level 7: host calls that are refused, suites that are missing, memory that cannot be had, and a second module of the
-// same kind beside the first.
+// same kind with the first.
 
 #include <dlfcn.h>
 #include <fmt/format.h>
@@ -71,7 +71,7 @@ void HandsErrorsBack(CheckRun& run) {
                        JudgeRefusal});
 }
 
-/// Where no code is demanded: an error, or words, or the picture as it would have been.
+/// Where no code is required: an error, a message, or the image as it would have been.
 void JudgeLoss(CheckRun& run, const FaultOutcome& outcome) {
     if (outcome.error == PF_Err_NONE && outcome.message.empty() && !outcome.samePixels) {
         run.Fail(fmt::format("{}{} returns no error and no message, but the frame differs", Where(outcome),

@@ -144,7 +144,7 @@ void ExportsItsEntriesAlone(CheckRun& run) {
         entryPoint = said.entryPoint;
     }
     for (const std::string& name : file->exports) {
-        // The newer registration of the interface may stand beside the older.
+        // A module may have both registrations of the interface, the newer and the older.
         if (name == kRegistrationExport || name == "PluginDataEntryFunction2" || name == entryPoint) continue;
         run.Fail(fmt::format("'{}' is exported besides the entries; it could clash with a host's symbol of that name",
                              name));

@@ -14,7 +14,7 @@
 
 namespace {
 
-/// Reads records out of a file's bytes; what lies outside of them is zero.
+/// Reads records out of a file's bytes; what is outside of them is zero.
 class Bytes {
  public:
     explicit Bytes(std::vector<char> bytes) : bytes_(std::move(bytes)) {}

@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// A module as a file: what it exports and needs, and where its writable data lies once it is loaded.
+// A module as a file: what it exports and needs, and the place of its writable data once it is loaded.
 
 #include <cstddef>
 #include <filesystem>

@@ -95,7 +95,7 @@ void TakesEveryOrder(CheckRun& run) {
     }
 }
 
-/// Hides every OpenGL of this system from whoever asks from now on.
+/// Hides every OpenGL of this system from now on.
 void HideDrivers() {
     setenv("__EGL_VENDOR_LIBRARY_FILENAMES", "/nonexistent", 1);
     setenv("__EGL_VENDOR_LIBRARY_DIRS", "/nonexistent", 1);
@@ -161,7 +161,7 @@ void SetsUpAgainAndAgain(CheckRun& run) {
     RunSubChecks(run, subChecks);
 }
 
-/// Draws the usual things with tables that are shut while they are not held.
+/// Draws the usual things with tables that are guarded while they are not held.
 void ActOnStrictHost(CheckRun& run, CheckFixture& fixture) {
     fixture.Cheapen();
     for (const Depth depth : {Depth::k8, Depth::k32}) {

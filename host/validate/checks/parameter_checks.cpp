@@ -115,7 +115,7 @@ std::vector<double> Ends(const ParamRow& row) {
     const auto range = RangeOf(row);
     if (!range) return {};
     if (KindOf(row.def) == ParamKind::kAngle) return {-360, 0, 90, 180, 270, 360};
-    // Of what may cost time, the middle of the slider stands for its far end.
+    // Of what may cost time, the middle of the slider replaces its far end.
     const bool wide = range->validMax - range->validMin > kWide;
     return {range->validMin, wide ? LowNumber(*range, 100) : range->validMax};
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// Level 5, where things lie: what an effect answers to requests for any rectangle, and where it draws at other scales.
+// Level 5, places: what an effect answers to requests for any rectangle, and where it draws at other scales.
 
 #include <fmt/format.h>
 

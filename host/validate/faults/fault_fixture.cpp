@@ -249,7 +249,7 @@ std::string OptionFor(const FaultPlan& plan) {
     return fmt::format("--fault '{}'", plan.Text());
 }
 
-/// Runs jobs in one process; whoever crashes is told by the caller, from how far it came.
+/// Runs jobs in one process; the caller reports a crash, and the job from how far the process came.
 void RunBatch(CheckRun& part, const FaultRules& rules, const std::vector<Job>& jobs, std::atomic<std::size_t>& begun) {
     FaultFixture fixture(part);
     const std::vector<Scenario> scenarios = ScenariosOf(fixture);
@@ -271,7 +271,7 @@ void RunBatch(CheckRun& part, const FaultRules& rules, const std::vector<Job>& j
         for (Finding& finding : result.findings) finding.repeat = OptionFor(job.plan);
         part.Merge(result);
     }
-    // What a fault left open is told above; the session's own books would tell it again.
+    // What a fault left open is reported above; the session's own balance would report it again.
     fixture.fixture.Forget();
 }
 

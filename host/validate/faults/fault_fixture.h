@@ -20,7 +20,7 @@ struct FaultOutcome {
     bool reached = false;        ///< the call was made, so the fault happened
     PF_Err error = PF_Err_NONE;  ///< of the command in which it happened
     std::string command;
-    std::string message;            ///< the effect's words
+    std::string message;            ///< the effect's message
     bool messageEnded = true;       ///< the message field holds a NUL
     bool samePixels = false;        ///< the frame came out as without the fault
     std::string laterCall;          ///< the first host call after it, in the same command, that gives nothing back

@@ -11,8 +11,8 @@
 /// or this program's when it is linked into it.
 std::optional<std::filesystem::path> SanitizerRuntime();
 
-/// Bytes of memory in use, shared libraries included; 0 where the system does not tell. With a sanitizer, which keeps
-/// freed memory for a while, the bytes of its heap that are not freed.
+/// Bytes of memory in use, shared libraries included; 0 where the system does not report it. With a sanitizer, which
+/// keeps freed memory for a while, the bytes of its heap that are not freed.
 long ResidentBytes();
 /// Files that are open.
 int OpenFiles();

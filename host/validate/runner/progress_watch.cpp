@@ -46,7 +46,7 @@ bool IsAnyOtherRunnable() {
         std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
         std::string text;
         std::getline(file, text);
-        // The state follows the name, which stands in brackets and may hold any character.
+        // The state follows the name, which is in parentheses and may have any character.
         const std::size_t end = text.rfind(") ");
         if (end == std::string::npos || end + 2 >= text.size()) continue;
         const char state = text[end + 2];

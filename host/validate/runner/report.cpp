@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// The run's outcome in words, and in the two formats that other programs read.
+// The run's outcome as text, and in the two formats that other programs read.
 
 #include <fmt/format.h>
 

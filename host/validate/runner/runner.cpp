@@ -25,7 +25,7 @@ namespace {
 
 constexpr char kProbe[] = "probe";
 
-/// Looks once, before the checks, which renderer the module has. What goes wrong here the checks will tell.
+/// Looks once, before the checks, which renderer the module has. The checks will report what goes wrong here.
 void Probe(CheckRun& run) {
     auto module = Module::Load(run.Options().module);
     if (!module) return;
@@ -67,7 +67,7 @@ std::vector<std::string> ChildEnvironment(const Check& check, const CheckRunOpti
         environment.push_back("GLIBC_TUNABLES=glibc.malloc.tcache_count=0:glibc.malloc.mxfast=0");
     }
     if (SanitizerRuntime()) {
-        // The race checker ends a fork's child that starts threads, unless it is told not to.
+        // The race checker ends a fork's child that starts threads, unless an option prevents it.
         const char* given = std::getenv("TSAN_OPTIONS");
         environment.push_back(fmt::format("TSAN_OPTIONS={}:die_after_fork=0", given ? given : ""));
     }

@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// Findings that a module's makers have accepted, each with its reason, in a file beside the module's tests:
+// Findings that a module's makers have accepted, each with its reason, in a file next to the module:
 //
 //     {"waivers": [{"check": "8.5", "finding": "the render waits", "reason": "renders are serialised on purpose"}]}
 //

@@ -13,7 +13,7 @@
 
 #define SHIM_EXPORT extern "C" __attribute__((visibility("default")))
 
-// The C library's own names for its functions, which nobody stands in front of.
+// The C library's own names for its functions, which nothing replaces.
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);

@@ -2,8 +2,8 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// What the judge tells the library that it puts between a module and the C library and the driver. Found by name in the
-// running process; absent unless the process was started with the library preloaded.
+// How the checks control the library that they put between a module and the C library and the driver. Found by name in
+// the running process; absent unless the process was started with the library preloaded.
 
 #include <cstddef>
 
@@ -21,7 +21,7 @@ enum ShimFault {
 };
 
 extern "C" {
-/// Calls whose return address lies in [begin, end) are the module's.
+/// Calls whose return address is in [begin, end) are the module's.
 using ShimSetModule = void (*)(const void* begin, const void* end);
 /// The k-th allocation of the module from now on fails, once; 0 for none. Counting begins anew.
 using ShimFailAllocation = void (*)(long k);
