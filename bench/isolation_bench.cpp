@@ -4,7 +4,7 @@
 // What a frame of 1920 x 1080 costs more when its module runs in a process of its own: each frame is drawn here and
 // there in turn, and the differences of the pairs are reported. A module that does little shows the cost most clearly:
 //   isolation_bench [MODULE [PAIRS]]
-// Without arguments it draws with two copies of the shadow on the processor, 41 pairs. Exit code 1 when a median
+// Without arguments it draws with two copies of the shadow on the CPU, 41 pairs. Exit code 1 when a median
 // difference is more than 5 ms.
 
 #include <algorithm>

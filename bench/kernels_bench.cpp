@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// The processor path's kernels one at a time, on one core and in its nearest caches as in a frame, for every
+// The CPU renderer's kernels one at a time, on one core and in its nearest caches as in a frame, for every
 // instruction set that this machine runs; beside them what bounds them: a pure multiply-add loop in registers, and a
 // streaming copy through memory. A blur's "taps" are those that its definition reads (outputs x (2 steps + 1)), its
 // "fma" the multiply-adds that are left once neighbouring taps on one input are folded; a placement's are the pixels it

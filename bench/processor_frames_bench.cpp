@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// Whole frames on the processor path, the layer in memory, everything included, with the shares of their stages: the
+// Whole frames on the CPU renderer, the layer in memory, everything included, with the shares of their stages: the
 // host sees its own calls, and what lies between them are the passes. "frame" rows are the effect's defaults over a
 // layer that fills the frame, "text" rows over one that fills a tenth of it, "samples", "softness" and "area" rows let
 // one thing grow. The threads are those of the machine:

@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// Memory of the processor path: aligned to cache lines, kept as large as it ever was, its contents not kept.
+// Memory of the CPU renderer: aligned to cache lines, kept as large as it ever was, its contents not kept.
 
 #include <cstddef>
 #include <cstring>

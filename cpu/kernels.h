@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// The inner loops of the processor path, compiled once per instruction set from cpu/kernel_loops.inc and chosen when
+// The inner loops of the CPU renderer, compiled once per instruction set from cpu/kernel_loops.inc and chosen when
 // the module first draws. Values are 16-bit alphas (0..65535) kept as whole floats, so that no pass converts.
 
 #include <cstddef>

@@ -2,8 +2,8 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// A shadow's alpha, drawn by the processor as it was planned: the same sampling positions, edges and 16-bit roundings
-// as the GPU passes. Pixels in, pixels out; host and messages are render/'s.
+// A shadow's alpha, drawn by the CPU renderer as it was planned: the same sampling positions, edges and 16-bit
+// roundings as the GPU passes. Pixels in, pixels out; host and messages are render/'s.
 
 #include <cstdint>
 

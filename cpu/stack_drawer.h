@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// The heart of the processor path: every sample of a stack blurred across, blurred down, stretched into place and added
+// The heart of the CPU renderer: every sample of a stack blurred across, blurred down, stretched into place and added
 // to the output, with a rounding to 16 bits after each of the passes, as the GPU's buffers round.
 
 #include <cstdint>

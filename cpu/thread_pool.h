@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// The processor path's threads: one pool per process, as many threads as the machine has cores, the caller counted. It
+// The CPU renderer's threads: one pool per process, as many threads as the machine has cores, the caller counted. It
 // starts with the first work that needs it and is joined on demand, since the code it runs may be unloaded. Where no
 // more threads can be had, those that there are do the work, at least the caller's own.
 

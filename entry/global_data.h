@@ -14,7 +14,7 @@
 
 /// The effect's global data, in a host handle. Zero-filled when created; the strings are NUL-terminated and cut to fit.
 struct GlobalData {
-    char gl_version[100];    ///< GL_VERSION of the probe context; "not used" where the processor draws
+    char gl_version[100];    ///< GL_VERSION of the probe context; "not used" with the CPU renderer
     char gl_vendor[100];     ///< GL_VENDOR
     char gl_renderer[100];   ///< GL_RENDERER; the first render writes its own context's here
     char glsl_version[100];  ///< GL_SHADING_LANGUAGE_VERSION

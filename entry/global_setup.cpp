@@ -46,7 +46,7 @@ void CopyText(const char* text, char (&field)[kSize]) {
     field[kSize - 1] = '\0';
 }
 
-/// What the panel shows where the processor draws. No driver is asked, so none is loaded.
+/// What the panel shows with the CPU renderer. No driver is asked, so none is loaded.
 void DescribeProcessor(GlobalData* record) {
     record->withoutOpenGL = 1;
     CopyText("Umbrant", record->gl_vendor);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// Registration: who the effect is, told to the host once when it scans the module.
+// Registration: what the effect is, reported to the host once when it scans the module.
 
 #include "entry/entry_points.h"
 #include "entry/version.h"

@@ -12,7 +12,7 @@
 #include "gl/attributes.h"
 #include "gl/uniforms.h"
 
-/// Slots of the draw parameters. What 0 means stands beside each.
+/// Slots of the draw parameters. What 0 means is noted with each.
 enum DrawSlot {
     DRAW_MODE = 0,             ///< primitive mode
     DRAW_FIRST = 1,            ///< first vertex of a draw without indices

@@ -80,7 +80,7 @@ void Program::SendMessage(std::string message, PF_OutData* out_data) {
     WriteReturnMessage(message, out_data);
 }
 
-// A shader that failed to compile is kept and linked all the same; the link then tells its own failure.
+// A shader that failed to compile is kept and linked all the same; the link then reports its own failure.
 GLuint Program::Compile(GLenum type, const char* source, PF_OutData* out_data) {
     const GLuint shader = glCreateShader(type);
     glShaderSource(shader, 1, &source, nullptr);

@@ -3,7 +3,7 @@
 #pragma once
 
 // One linked GLSL program of one vertex and one fragment shader. Every operation expects the calling thread's context
-// to be current. Compile and link failures are told twice: on standard output to developers, in the host's return
+// to be current. Compile and link failures are reported twice: on standard output to developers, in the host's return
 // message to the user.
 
 #include <string>

@@ -35,7 +35,7 @@ struct PF_SampPB {
     PF_Fixed area;
     /// The world that is sampled; it stays the caller's.
     PF_EffectWorld* src;
-    /// What lies outside the source; PF_SampleEdgeBehav_ZERO is transparent black.
+    /// What is outside the source; PF_SampleEdgeBehav_ZERO is transparent black.
     PF_SampleEdgeBehav samp_behave;
     A_long allow_asynch;
     A_long motion_blur;

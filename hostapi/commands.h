@@ -172,7 +172,7 @@ struct PF_OutData {
     PF_OutFlags2 out_flags2;
 };
 
-/// What the host tells an effect with every command. Times are ticks, `time_scale` of them a second.
+/// What the host passes to an effect with every command. Times are ticks, `time_scale` of them a second.
 struct PF_InData {
     PF_InteractCallbacks inter;
     /// The host's, for this command.

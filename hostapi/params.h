@@ -181,7 +181,7 @@ struct PF_CheckBoxDef {
     A_char reserved;
     A_short reserved1;
     union {
-        /// Text beside the box.
+        /// Text next to the box.
         const A_char* nameptr;
     } u;
 };

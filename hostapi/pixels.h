@@ -73,7 +73,7 @@ struct PF_LayerDef {
     /// A pixel's width over its height.
     PF_RationalScale pix_aspect_ratio;
     void* reserved_long2;
-    /// Where the top-left pixel lies in the layer, in downsampled pixels.
+    /// Where the top-left pixel is in the layer, in downsampled pixels.
     A_long origin_x;
     A_long origin_y;
     A_long reserved_long3;

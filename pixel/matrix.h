@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// 3 x 3 transforms in double precision. A point (x, y) maps to (x, y, 1) M, so the translation stands in the third row
+// 3 x 3 transforms in double precision. A point (x, y) maps to (x, y, 1) M, so the translation is in the third row
 // and a chain of calls applies its transforms in the order of the calls.
 
 #include "hostapi/commands.h"

@@ -13,5 +13,5 @@ bool IsEmptyRect(const PF_LRect* r);
 /// else.
 void UnionLRect(const PF_LRect* src, PF_LRect* dst);
 
-/// True when (x, y) lies on the border of r, whose right and bottom edges count at `right` and `bottom` themselves.
+/// True when (x, y) is on the border of r, whose right and bottom edges count at `right` and `bottom` themselves.
 bool IsEdgePixel(const PF_LRect* r, A_long x, A_long y);

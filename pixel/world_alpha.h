@@ -3,7 +3,7 @@
 #pragma once
 
 // The traffic of one channel between host worlds and packed buffers, a callback per pixel by the host's iterate suites,
-// and the words for what a buffer refuses. No GL in here: the processor path speaks and moves pixels the same way.
+// and the message for what a buffer refuses. No GL in here: the CPU renderer reports and moves pixels the same way.
 
 #include <string>
 

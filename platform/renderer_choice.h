@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// Whether the host asked for shadows drawn by the processor. Without such a wish everything goes through OpenGL.
+// Whether the host asked for shadows drawn by the CPU renderer. Without such a request everything goes through OpenGL.
 
 enum class RendererChoice {
     kOpenGL,

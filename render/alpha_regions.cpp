@@ -50,7 +50,7 @@ Region FindIn(const PF_LayerDef& world, Test test) {
     while (!found.y.Empty() && !any(found.y.end - 1)) --found.y.end;
     for (int32_t y = found.y.begin; y < found.y.end; ++y) {
         const Pixel* row = RowOf<Pixel>(world, y);
-        // Only what lies outside the columns that are known is looked at.
+        // Only what is outside the columns that are known is looked at.
         int32_t x = 0;
         while (x < found.x.begin && !test(row[x].alpha)) ++x;
         found.x.begin = x;

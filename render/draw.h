@@ -20,7 +20,7 @@ inline void SendInt(unsigned program, const char* name, int value) {
     glUniform1i(glGetUniformLocation(program, name), value);
 }
 
-/// Sets "xform" from row-major data: points are row vectors, so the translation stands in the last row.
+/// Sets "xform" from row-major data: points are row vectors, so the translation is in the last row.
 inline void SendMatrix(unsigned program, const float* rows) {
     glUniformMatrix4fv(glGetUniformLocation(program, "xform"), 1, GL_TRUE, rows);
 }

@@ -112,7 +112,7 @@ struct PlacePlan {
     Placement y;
 };
 
-/// The part of each pass that can show in the output: what lies in the output and is not 0.
+/// The part of each pass that can show in the output: what is in the output and is not 0.
 struct SampleRegions {
     Region across;  ///< texels of the sample's buffer
     Region down;    ///< the same

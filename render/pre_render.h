@@ -2,8 +2,8 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// Answers the host's smart pre-render: asks for the layers over the right rectangles and tells the host how far the
-// shadow reaches beyond the layer. Runs on any render thread, without a lock.
+// Answers the host's smart pre-render: asks for the layers over the right rectangles and reports to the host how far
+// the shadow reaches beyond the layer. Runs on any render thread, without a lock.
 
 #include "hostapi/commands.h"
 #include "hostapi/smart_render.h"

@@ -24,7 +24,7 @@ struct PreRenderInputs {
     bool collapsed = false;  ///< the layer is collapsed or continuously rasterised
 };
 
-/// What pre-render tells the host, and keeps for the render.
+/// What pre-render reports to the host, and keeps for the render.
 struct PreRenderRects {
     PF_LRect result;  ///< to be united into the output's result rectangle
     PF_LRect max;     ///< to be united into the output's max result rectangle
@@ -43,7 +43,7 @@ PF_LRect ClampToLayer(const PF_LRect& rect, const PreRenderInputs& in);
 /// Normal shadow. `input` is what the host granted of the layer, `layerMax` the cut and grown max rectangle.
 PreRenderRects NormalRects(const PreRenderInputs& in, const PF_LRect& input, const PF_LRect& layerMax);
 
-/// Where the input lies within the output: writes the record's offsets from the granted input and the output's max
+/// Where the input is within the output: writes the record's offsets from the granted input and the output's max
 /// rectangle. Normal shadows only.
 void RecordNormalOffsets(const PF_LRect& input, const PF_LRect& outputMax, PreRenderData* record);
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// The host's side of the processor path: alpha up, alpha down, and what is said and returned when something is missing.
+// The host's side of the CPU renderer: alpha up, alpha down, and what is said and returned when something is missing.
 
 #include "render/processor_passes.h"
 

@@ -2,8 +2,8 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// The shadow types drawn by the processor, step for step as render/passes.h has them for the GPU: the same handles and
-// iterations of the host in the same order, the same messages and errors, the same result for zero-sized buffers.
+// The shadow types drawn by the CPU renderer, step for step as render/passes.h has them for the GPU: the same handles
+// and iterations of the host in the same order, the same messages and errors, the same result for zero-sized buffers.
 
 #include "entry/suites/suite_handler.h"
 #include "hostapi/commands.h"

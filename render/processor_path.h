@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// What render/ needs of the processor path. A build carries it or not: render/with_processor hands on to cpu/,
+// What render/ needs of the CPU renderer. A build carries it or not: render/with_processor hands on to cpu/,
 // render/without_processor says that it is not here.
 
 #include <cstddef>

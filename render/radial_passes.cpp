@@ -15,7 +15,7 @@
 
 namespace {
 
-// A quad of the size of the padded copy in the output's lower left corner; deleted on every road out.
+// A quad of the size of the padded copy in the output's lower left corner; deleted on every way out.
 class PlacementQuad {
  public:
     PlacementQuad(float width, float height) { InitQuadRatio(&vao_, &vbo_, width, height); }

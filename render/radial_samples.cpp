@@ -15,7 +15,7 @@ namespace {
 
 using EaseFunction = double (*)(double t, double b, double c, double d);
 
-// Shrinks or grows the padded copy about the origin, after moving it to where the layer lies in the output.
+// Shrinks or grows the padded copy about the origin, after moving it to where the layer is in the output.
 void Place(const myParams& s, const RadialGeometry& geometry, perSampleData* sample) {
     const double aboutX = geometry.originX - s.preRender.centreOffsetX;
     const double aboutY = geometry.originY - s.preRender.centreOffsetY;

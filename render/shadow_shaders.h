@@ -2,8 +2,8 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// The five GPU programs of a shadow and what each is told before it draws. Every fragment shader works on one channel,
-// the layer's alpha kept in red; colour comes later, on the processor.
+// The five GPU programs of a shadow and what each receives before it draws. Every fragment shader works on one channel,
+// the layer's alpha kept in red; colour comes later, on the CPU.
 //
 // | slot | fragment shader | used for                                    | uniforms read                           |
 // |------|-----------------|---------------------------------------------|-----------------------------------------|

@@ -22,7 +22,7 @@
 
 namespace {
 
-// Layers checked out for one render; checked in again on every road out, also when a suite is missing.
+// Layers checked out for one render; checked in again on every way out, also when a suite is missing.
 class CheckedOutLayers {
  public:
     CheckedOutLayers(PF_InData* in_data, const PF_SmartRenderCallbacks* callbacks)

@@ -3,7 +3,7 @@
 
 // One frame at a time, on demand, for bench/peers/compare: the module in a session as the program opens it, the layer
 // in memory, everything included. It speaks as the other two peers do: after "ready W H LEFT TOP" (the frame's size,
-// and where its corner lies in the layer's coordinates) every line "frame" is answered with the seconds that a frame
+// and where its corner is in the layer's coordinates) every line "frame" is answered with the seconds that a frame
 // took, and "save FILE" writes the last frame's alpha, one byte a pixel.
 //
 // Usage: peers_ours LAYER WIDTH HEIGHT [8|32] [ROW=VALUE ...]; LAYER holds four bytes a pixel, red first.

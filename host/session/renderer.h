@@ -43,7 +43,7 @@ bool HasGraphicsDevice(const std::filesystem::path& devices = "/dev");
 /// What a session is set up for: `kAuto` needs to see OpenGL only where a device could draw it.
 UMBRANT_Renderer RendererOfSetUp(RendererPreference preference, bool hasDevice = HasGraphicsDevice());
 
-/// Whether the effect's OpenGL is drawn by the processor.
+/// Whether the effect's OpenGL is software, drawn by the processor.
 bool IsSoftware(const GpuStrings& gpu);
 
 /// What draws, and the reason as half a sentence.
@@ -56,11 +56,11 @@ struct RendererDecision {
     UMBRANT_Renderer Request() const { return processor ? UMBRANT_Renderer_PROCESSOR : UMBRANT_Renderer_OPENGL; }
 };
 
-/// `kAuto` takes OpenGL where hardware draws it, and otherwise the processor.
+/// `kAuto` takes OpenGL where hardware draws it, and otherwise the CPU renderer.
 RendererDecision DecideRenderer(RendererPreference preference, const GpuStrings& gpu,
                                 bool hasDevice = HasGraphicsDevice());
 
-/// "drawn by the processor: there is no OpenGL".
+/// "drawn by the CPU renderer: there is no OpenGL".
 std::string RendererText(const RendererDecision& decision);
 
 /// The effect's failure, said as what it is when there is no OpenGL to draw with. `params` are its session's.

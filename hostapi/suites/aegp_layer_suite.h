@@ -53,7 +53,7 @@ struct AEGP_LayerSuite7 {
     /// Trims a layer: where it begins and how long it lasts, in one step. [main]
     A_Err (*AEGP_SetLayerInPointAndDuration)(AEGP_LayerH layerH, AEGP_LTimeMode time_mode, const A_Time* in_pointPT,
                                              const A_Time* durationPT);
-    /// Where the layer's own time 0 lies in the composition. [main]
+    /// Where the layer's own time 0 is in the composition. [main]
     A_Err (*AEGP_GetLayerOffset)(AEGP_LayerH layerH, A_Time* offsetPT);
     /// Moves the layer's own time 0 within the composition. [main]
     A_Err (*AEGP_SetLayerOffset)(AEGP_LayerH layerH, const A_Time* offsetPT);
@@ -78,7 +78,7 @@ struct AEGP_LayerSuite7 {
     A_Err (*AEGP_GetLayerObjectType)(AEGP_LayerH layerH, AEGP_ObjectType* object_type);
     /// Whether a layer stands in three dimensions. [main]
     A_Err (*AEGP_IsLayer3D)(AEGP_LayerH layerH, A_Boolean* is_3DPB);
-    /// Whether a layer lies in the plane. [main]
+    /// Whether a layer is in the plane. [main]
     A_Err (*AEGP_IsLayer2D)(AEGP_LayerH layerH, A_Boolean* is_2DPB);
     /// Whether a layer shows a picture at a time. [main]
     A_Err (*AEGP_IsVideoActive)(AEGP_LayerH layerH, AEGP_LTimeMode time_mode, const A_Time* timePT,

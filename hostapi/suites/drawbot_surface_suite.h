@@ -30,7 +30,7 @@ struct DRAWBOT_SurfaceSuite1 {
                   const DRAWBOT_Rect32* in_rectPR);
     /// The rectangle outside which nothing is drawn. [main]
     SPErr (*GetClipBounds)(DRAWBOT_SurfaceRef in_surface_ref, DRAWBOT_Rect32* out_rectPR);
-    /// Whether a rectangle lies inside that one. [main]
+    /// Whether a rectangle is inside that one. [main]
     SPErr (*IsWithinClipBounds)(DRAWBOT_SurfaceRef in_surface_ref, const DRAWBOT_Rect32* in_rectPR,
                                 DRAWBOT_Boolean* out_withinPB);
     /// Multiplies a matrix onto the current transform, until the state is popped. [main]

@@ -4,7 +4,7 @@
 
 // Walks a 32-bit float world pixel by pixel, rows spread over threads. Worlds, reference value and rectangle stay the
 // caller's; the first argument is the command record, whole, and not the effect reference. The progress pair names the
-// part of the command's progress that the walk stands for; equal numbers show none.
+// part of the command's progress that the walk represents; equal numbers show none.
 // Slot order is the ABI, also of the slots that nothing calls: hostapi/abi_asserts.cpp proves every offset. A non-zero
 // result is an error of hostapi/errors.h, and only after a zero may an out-parameter be read.
 

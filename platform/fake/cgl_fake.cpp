@@ -25,7 +25,7 @@ namespace fake {
 namespace {
 
 std::mutex mutex;
-// Never freed before the process ends, so that a stale pointer is an error that can be told and not a crash.
+// Never freed before the process ends, so that a stale pointer is an error that can be reported and not a crash.
 std::vector<std::unique_ptr<_CGLContextObject>> contexts;
 std::vector<std::unique_ptr<_CGLPixelFormatObject>> formats;
 thread_local CGLContextObj current = nullptr;

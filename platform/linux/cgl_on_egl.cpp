@@ -32,7 +32,7 @@ thread_local CGLContextObj current = nullptr;
 thread_local bool threadEnding = false;
 
 // A context that somebody else has made current on this thread, as a host that draws with OpenGL does. CGL would give
-// it like any other, to be put back later; so does this layer, through an object that stands for it.
+// it like any other, to be put back later; so does this layer, through an object that represents it.
 struct ForeignContext {
     _CGLContextObject object{};
     EGLenum api = EGL_OPENGL_API;

@@ -89,7 +89,7 @@ bool IsSoftwareRenderer(const char* renderer) {
 }
 
 // Whether the display gives a context that can be made current, drawn by the wanted kind of renderer. A device that is
-// not marked as software may still be drawn by the processor, for want of a driver; its renderer's name tells.
+// not marked as software may still be software, for lack of a driver; its renderer's name shows it.
 bool Works(EGLDisplay display, Preference kind, EglTarget* target) {
     if (!PrepareDisplay(display, target)) return false;
     const EGLContext context = MakeCoreContext(*target, EGL_NO_CONTEXT);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// The processor path is here.
+// The CPU renderer is here.
 
 #include "render/processor_path.h"
 

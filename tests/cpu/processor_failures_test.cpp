@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// The processor path's roads out are the GPU passes' own: the same messages, errors and host calls, and no call to GL.
+// The CPU renderer's ways out are the GPU passes' own: the same messages, errors and host calls, and no call to GL.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// Whole renders by the processor, on machines without any OpenGL: against the model, and against themselves with every
-// instruction set, any number of threads, and with or without the bounds.
+// Whole renders by the CPU renderer, on machines without any OpenGL: against the model, and against themselves with
+// every instruction set, any number of threads, and with or without the bounds.
 
 #include <gtest/gtest.h>
 
@@ -120,7 +120,7 @@ TEST_P(ProcessorCases, MatchTheModel) {
 INSTANTIATE_TEST_SUITE_P(All, ProcessorCases, ::testing::ValuesIn(kCases),
                          [](const auto& row) { return TestName(row.param.name); });
 
-// In these an edge of a copy lies within 1/256 pixel of a pixel's centre.
+// In these an edge of a copy is within 1/256 pixel of a pixel's centre.
 constexpr unsigned kEdgesOnCentres[] = {130, 184, 297};
 // In these the places of output columns step over a texel by their last bits.
 constexpr unsigned kTexelsSteppedOver[] = {866, 896, 1187, 1794, 2549};

@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 
 // The module under any legal order of commands, with any values in its rows, any layers and any driver that fails:
-// driven by the real host, on the fake platform, drawing through OpenGL or on the processor. Whatever happens it
+// driven by the real host, on the fake platform, drawing through OpenGL or on the CPU. Whatever happens it
 // returns, leaves nothing open and misbehaves in nothing.
 
 #include <dlfcn.h>

@@ -168,7 +168,7 @@ TEST(SampleIntegral, AddressesByRowbytes) {
             EXPECT_EQ(sampleIntegral32(worldFloat.world, x, y), &worldFloat.AtFloat(x, y));
         }
     }
-    // No bounds: the pixel left of the second row lies in the first row's padding.
+    // No bounds: the pixel left of the second row is in the first row's padding.
     EXPECT_EQ(reinterpret_cast<char*>(sampleIntegral8(world8.world, -1, 1)),
               reinterpret_cast<char*>(world8.world.data) + world8.world.rowbytes - 4);
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// Whether the processor draws is read from the environment, once.
+// Whether the CPU renderer draws is read from the environment, once.
 
 #include <gtest/gtest.h>
 

@@ -30,7 +30,7 @@ FrameRequest RequestOf(const World& layer, const ParamSet& params) {
     return request;
 }
 
-/// How many sets of random values are drawn: fewer where the processor draws OpenGL.
+/// How many sets of random values are drawn: fewer where OpenGL is software.
 int SetsFor(const CheckRun& run, int many, int few) {
     const char* renderer = std::getenv("UMBRANT_RENDERER");
     const bool cheap = !run.Options().softwareGl || (renderer && std::strcmp(renderer, "cpu") == 0);

@@ -67,7 +67,7 @@ struct CheckRunOptions {
     std::filesystem::path shim;      ///< the interposed library; empty when there is none
     /// What the look at those rows sets the module up for.
     UMBRANT_Renderer rendererOfProbe = UMBRANT_Renderer_ANY;
-    /// Whether a module with these declared rows draws faster by the processor path that it may have.
+    /// Whether a module with these declared rows draws faster by the CPU renderer that it may have.
     std::function<bool(const ParamSet&)> isProcessorBetter;
     bool softwareGl = false;  ///< what that said
 };
