@@ -7,128 +7,21 @@
 
 #include <fmt/format.h>
 
-#include <cmath>
-#include <limits>
 #include <mutex>
 #include <utility>
 
 #include "host/animation/preset.h"
-#include "host/compositing/memory_shortage.h"
+#include "host/library/effect_request.h"
+#include "host/library/errors.h"
 #include "host/library/parameter_list.h"
 #include "host/library/pixel_order.h"
 #include "host/library/shared_module.h"
 #include "host/parameters/param_kind.h"
 #include "host/process/fork_lock.h"
-#include "host/render/frame_limits.h"
-#include "host/render/frame_request.h"
 
 namespace umbrant {
 
 namespace {
-
-[[noreturn]] void Throw(const Failure& failure) {
-    throw Error(static_cast<ErrorCode>(failure.code), failure.sentence);
-}
-
-/// The value, or the failure as an exception.
-template <typename T>
-T Need(Result<T> result) {
-    if (!result) Throw(result.Error());
-    return std::move(*result);
-}
-
-[[noreturn]] void Refuse(const std::string& sentence) {
-    Throw({ExitCode::kUsage, sentence});
-}
-
-constexpr int kMostRate = 1000000;
-/// Times between frames are passed to the effect in steps of about this part of a second.
-constexpr int kFineSteps = 24000;
-
-/// Written so that not-a-number is outside.
-bool IsWithin(double value, double limit) {
-    return value >= -limit && value <= limit;
-}
-
-void CheckOptions(const FrameOptions& options) {
-    if (options.downsample < 1 || options.downsample > kMostDownsample) {
-        Refuse(fmt::format("downsample is {}; it must be from 1 to {}", options.downsample, kMostDownsample));
-    }
-    if (options.layerWidth < 0 || options.layerHeight < 0) {
-        Refuse(fmt::format("the layer's full size is {} x {}; it cannot be below 0", options.layerWidth,
-                           options.layerHeight));
-    }
-    if (!IsWithin(options.seconds, kLongestTime)) {
-        Refuse(fmt::format("the time is {} s; it must be from -{} to {}", options.seconds, kLongestTime, kLongestTime));
-    }
-    const FrameRate& rate = options.rate;
-    if (rate.frames < 1 || rate.seconds < 1 || rate.frames > kMostRate || rate.seconds > kMostRate) {
-        Refuse(fmt::format("the rate is {} / {}; both must be from 1 to {}", rate.frames, rate.seconds, kMostRate));
-    }
-    if (!IsWithin(options.zeroFrame, kMostRate)) {
-        Refuse(
-            fmt::format("the frame at 0 s is {}; it must be from -{} to {}", options.zeroFrame, kMostRate, kMostRate));
-    }
-    if (!IsWithin(options.textureX, kFarthestTexture) || !IsWithin(options.textureY, kFarthestTexture)) {
-        Refuse(fmt::format("the texture's position is {},{}; both must be from -{} to {}", options.textureX,
-                           options.textureY, kFarthestTexture, kFarthestTexture));
-    }
-}
-
-::Canvas CanvasOf(Canvas canvas) {
-    return canvas == Canvas::kLayer ? ::Canvas::kLayer : ::Canvas::kGrow;
-}
-
-/// The effect's clock: whole steps of a frame, or parts of it as far as its numbers reach.
-FrameTime TimeOf(const FrameOptions& options) {
-    int fine = std::max(1, kFineSteps / options.rate.frames);
-    const double longest = std::abs(options.seconds) + static_cast<double>(options.rate.seconds) / options.rate.frames;
-    while (fine > 1 && longest * options.rate.frames * fine > std::numeric_limits<A_long>::max()) fine /= 2;
-    const double scale = static_cast<double>(options.rate.frames) * fine;
-    if (longest * scale > std::numeric_limits<A_long>::max()) {
-        Refuse(fmt::format("the time of {} s at {} frames in {} s exceeds the range of an effect's clock",
-                           options.seconds, options.rate.frames, options.rate.seconds));
-    }
-    FrameTime time;
-    time.scale = static_cast<A_u_long>(scale);
-    time.step = options.rate.seconds * fine;
-    time.time = static_cast<A_long>(std::lround(options.seconds * scale));
-    time.total = std::max(time.time, 0) + time.step;
-    return time;
-}
-
-/// What a frame is drawn of.
-struct Layers {
-    World layer;
-    World texture;  ///< null for none
-};
-
-World MakeWorld(const ImageView& view, Depth depth, const char* what) {
-    Need(CheckView(view, what));
-    World world = WorldOf(view, depth);
-    if (world.IsNull()) Throw(NotEnoughMemory(what, view.width, view.height, depth));
-    return world;
-}
-
-Layers LayersOf(const ImageView& layer, const FrameOptions& options) {
-    Layers layers;
-    layers.layer = MakeWorld(layer, DepthOf(layer.format), "the layer");
-    const ImageView& texture = options.texture;
-    if (texture.pixels || texture.width != 0 || texture.height != 0) {
-        layers.texture = MakeWorld(texture, DepthOf(layer.format), "the texture");
-    }
-    return layers;
-}
-
-/// `params` and `layers` must outlive the request.
-FrameRequest RequestOf(const Layers& layers, const FrameOptions& options, const ParamSet& params) {
-    const MomentLayers worlds{&layers.layer,
-                              options.layerWidth ? options.layerWidth : layers.layer.Width() * options.downsample,
-                              options.layerHeight ? options.layerHeight : layers.layer.Height() * options.downsample,
-                              layers.texture.IsNull() ? nullptr : &layers.texture};
-    const FrameSettings settings{options.downsample, CanvasOf(options.canvas), options.textureX, options.textureY};
-    return MakeFrameRequest(worlds, settings, TimeOf(options), &params);
-}
 
 Rectangle RectangleOf(const PF_LRect& rect) {
     return {rect.left, rect.top, rect.right, rect.bottom};

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// The declaration and what the effect sees of it; texts are in param_text.cpp.
+// The declaration and what the effect sees of it; texts are in read_param_text.cpp and write_param_text.cpp.
 
 #include "host/parameters/param_set.h"
 

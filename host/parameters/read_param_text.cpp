@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// Parameter values as people type and read them.
+// Parameter values from the texts that people type.
 
 #include <fmt/format.h>
 
@@ -18,6 +18,7 @@
 #include "host/parameters/param_kind.h"
 #include "host/parameters/param_path.h"
 #include "host/parameters/param_set.h"
+#include "host/parameters/value_text.h"
 
 namespace {
 
@@ -36,14 +37,6 @@ std::optional<double> Number(std::string_view text) {
     const auto [stop, error] = std::from_chars(text.data(), end, value);
     if (error != std::errc() || stop != end || !std::isfinite(value)) return std::nullopt;
     return value;
-}
-
-std::string Show(double value) {
-    return fmt::format("{}", value);
-}
-
-std::string Show(float value) {
-    return fmt::format("{}", value);
 }
 
 /// What a person calls a row in a sentence: its path, else its index.
@@ -69,10 +62,10 @@ Result<Done> SetSlider(ParamRow& row, std::string_view text) {
     }
     const NumberRange limits = *SliderRange(row.def);
     const std::string range =
-        fmt::format("{} to {}{}", Show(limits.validMin), Show(limits.validMax), percent ? " %" : "");
+        fmt::format("{} to {}{}", NumberText(limits.validMin), NumberText(limits.validMax), percent ? " %" : "");
     if (!value) return NotANumber(row, text, fmt::format("a number from {}", range));
     if (*value < limits.validMin || *value > limits.validMax) {
-        return Wrong(row, fmt::format("takes {}, not {}", range, Show(*value)));
+        return Wrong(row, fmt::format("takes {}, not {}", range, NumberText(*value)));
     }
     SetNumbers(row, {{*value}});
     return Done{};
@@ -101,7 +94,8 @@ Result<Done> SetAngle(ParamRow& row, std::string_view text) {
     const std::optional<double> degrees = Degrees(text);
     if (!degrees) return NotANumber(row, text, "an angle in degrees, such as 405, 405deg or 1x45");
     if (std::abs(*degrees) > kFixedLimit) {
-        return Wrong(row, fmt::format("takes -{0} to {0} degrees, not {1}", Show(kFixedLimit), Show(*degrees)));
+        return Wrong(row,
+                     fmt::format("takes -{0} to {0} degrees, not {1}", NumberText(kFixedLimit), NumberText(*degrees)));
     }
     SetNumbers(row, {{*degrees}});
     return Done{};
@@ -140,8 +134,8 @@ Result<Done> SetPoint(ParamRow& row, std::string_view text) {
     if (!numbers) return NotANumber(row, text, "a point as x,y in pixels of the full-size layer");
     for (const double number : *numbers) {
         if (std::abs(number) > kFixedLimit) {
-            return Wrong(row, fmt::format("takes -{0} to {0} {1}, not {2}", Show(kFixedLimit),
-                                          percent ? "percent" : "pixels", Show(number)));
+            return Wrong(row, fmt::format("takes -{0} to {0} {1}, not {2}", NumberText(kFixedLimit),
+                                          percent ? "percent" : "pixels", NumberText(number)));
         }
     }
     row.point = LayerPoint{(*numbers)[0], (*numbers)[1], percent.has_value()};
@@ -189,15 +183,6 @@ Result<Done> SetCheckBox(ParamRow& row, std::string_view text) {
     return Done{};
 }
 
-bool IsSeparator(const std::string& item) {
-    return item.starts_with("(-");
-}
-
-/// The item's name as it is typed; empty for separators and items without letters or digits.
-std::string ItemForm(const std::string& item) {
-    return IsSeparator(item) ? std::string() : PathForm(item);
-}
-
 Result<Done> SetPopup(ParamRow& row, std::string_view text) {
     PF_PopupDef& popup = row.def.u.pd;
     const std::string typed = PathForm(text);
@@ -218,8 +203,8 @@ Result<Done> SetPopup(ParamRow& row, std::string_view text) {
     }
     if (const std::optional<double> number = Number(text)) {
         if (*number != std::floor(*number) || *number < 1 || *number > popup.num_choices) {
-            return Wrong(row,
-                         fmt::format("takes an item number from 1 to {}, not {}", popup.num_choices, Show(*number)));
+            return Wrong(
+                row, fmt::format("takes an item number from 1 to {}, not {}", popup.num_choices, NumberText(*number)));
         }
         const auto item = static_cast<std::size_t>(*number);
         if (item <= row.items.size() && IsSeparator(row.items[item - 1])) {
@@ -283,102 +268,10 @@ Result<Done> SetRow(ParamRow& row, std::string_view text) {
     }
 }
 
-std::string ColorText(const PF_Pixel& color) {
-    return fmt::format("#{:02x}{:02x}{:02x}", color.red, color.green, color.blue);
-}
-
-std::string PopupText(const ParamRow& row, A_long value) {
-    if (value >= 1 && value <= static_cast<A_long>(row.items.size())) {
-        const std::string form = ItemForm(row.items[static_cast<std::size_t>(value) - 1]);
-        if (!form.empty()) return form;
-    }
-    return std::to_string(value);
-}
-
-std::string PointText(const ParamRow& row, bool current) {
-    if (current && row.point) {
-        const char* unit = row.point->isPercent ? "%" : "";
-        return fmt::format("{0}{2},{1}{2}", Show(row.point->x), Show(row.point->y), unit);
-    }
-    const PF_PointDef& point = row.def.u.td;
-    return Show(point.x_dephault / kFixedOne) + "%," + Show(point.y_dephault / kFixedOne) + "%";
-}
-
-std::string Text(const ParamRow& row, bool current) {
-    const PF_ParamDefUnion& u = row.def.u;
-    switch (KindOf(row.def)) {
-        case ParamKind::kInteger:
-            return std::to_string(current ? u.sd.value : u.sd.dephault);
-        case ParamKind::kFixed:
-            return Show((current ? u.fd.value : u.fd.dephault) / kFixedOne);
-        case ParamKind::kFloat:
-            return current ? Show(u.fs_d.value) : Show(u.fs_d.dephault);
-        case ParamKind::kAngle:
-            return Show((current ? u.ad.value : u.ad.dephault) / kFixedOne);
-        case ParamKind::kCheckBox:
-            return (current ? u.bd.value : u.bd.dephault) ? "on" : "off";
-        case ParamKind::kColor:
-            return ColorText(current ? u.cd.value : u.cd.dephault);
-        case ParamKind::kPoint:
-            return PointText(row, current);
-        case ParamKind::kPoint3D:
-            return current ? fmt::format("{},{},{}", u.point3d_d.x_value, u.point3d_d.y_value, u.point3d_d.z_value)
-                           : fmt::format("{},{},{}", u.point3d_d.x_dephault, u.point3d_d.y_dephault,
-                                         u.point3d_d.z_dephault);
-        case ParamKind::kPopup:
-            return PopupText(row, current ? u.pd.value : u.pd.dephault);
-        default:
-            return "";
-    }
-}
-
 }  // namespace
 
 Result<Done> ParamSet::SetFromText(std::string_view path, std::string_view text) {
     Result<int> index = Find(path);
     if (!index) return index.Error();
     return SetRow(rows_[static_cast<std::size_t>(*index)], text);
-}
-
-std::string ParamSet::ValueText(int index) const {
-    return Text(Row(index), true);
-}
-
-std::string ParamSet::DefaultText(int index) const {
-    return Text(Row(index), false);
-}
-
-const char* ParamTypeName(PF_ParamType type) {
-    switch (KindOf(type)) {
-        case ParamKind::kLayer:
-            return "layer";
-        case ParamKind::kInteger:
-        case ParamKind::kFixed:
-        case ParamKind::kFloat:
-            return "slider";
-        case ParamKind::kAngle:
-            return "angle";
-        case ParamKind::kCheckBox:
-            return "check box";
-        case ParamKind::kColor:
-            return "colour";
-        case ParamKind::kPoint:
-            return "point";
-        case ParamKind::kPoint3D:
-            return "3D point";
-        case ParamKind::kPopup:
-            return "popup";
-        case ParamKind::kCustom:
-            return "custom data";
-        case ParamKind::kPath:
-            return "mask path";
-        case ParamKind::kGroup:
-            return "group";
-        case ParamKind::kGroupEnd:
-            return "group end";
-        case ParamKind::kButton:
-            return "button";
-        default:
-            return "no data";
-    }
 }
