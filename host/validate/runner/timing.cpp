@@ -99,13 +99,13 @@ Growth MeasureGrowth(const std::vector<double>& work, const std::function<double
     for (const Round& round : kRounds) {
         while (rounds.size() < round.rounds) {
             if (ElapsedMilliseconds() > deadline) return growth;
-            std::vector<double> round(work.size());
+            std::vector<double> costs(work.size());
             // Amounts follow each other closely and in both directions, so that what changes slowly cancels out.
             for (std::size_t i = 0; i < work.size(); ++i) {
                 const std::size_t k = rounds.size() % 2 == 0 ? i : work.size() - 1 - i;
-                round[k] = cost(k);
+                costs[k] = cost(k);
             }
-            rounds.push_back(std::move(round));
+            rounds.push_back(std::move(costs));
         }
         growth = JudgeGrowth(work, rounds);
         if (growth.proportional != Claim::kUnclear) break;

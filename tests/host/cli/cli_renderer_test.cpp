@@ -226,7 +226,9 @@ TEST_F(CliDrivers, TheProcessorLoadsNone) {
         EXPECT_FALSE(HasDriver(Loaded({"panel", "--json"})));
     }
     const std::string info = Loaded({"info"}, {"UMBRANT_RENDERER=gl"});
-    if (info.find("libEGL_") != std::string::npos) EXPECT_TRUE(HasDriver(info));
+    if (info.find("libEGL_") != std::string::npos) {
+        EXPECT_TRUE(HasDriver(info));
+    }
 }
 
 TEST_F(CliRenderer, InfoAndVerboseTellItToo) {
