@@ -232,7 +232,7 @@ TEST(Interruption, EveryKindOfChildIsEndedAndWaitedForByTheCleaning) {
             const pid_t process = fork();
             if (process == 0) {
                 // It holds the pipe of the report: should nobody end it, the test fails when it ends by itself.
-                alarm(60);
+                alarm(600);
                 for (;;) pause();
             }
             const auto forked = ChildProcess::OfFork(process);
