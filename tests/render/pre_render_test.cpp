@@ -38,11 +38,12 @@ void* operator new(std::size_t size) {
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     return failNothrowNew ? nullptr : std::malloc(size > 0 ? size : 1);
 }
-void operator delete(void* memory) noexcept {
+// Not inlined: the compiler would see malloc's memory freed and take it for a mismatch.
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
     NoteFreed(memory);
     std::free(memory);
 }
-void operator delete(void* memory, std::size_t) noexcept {
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
     NoteFreed(memory);
     std::free(memory);
 }
