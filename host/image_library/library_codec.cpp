@@ -35,9 +35,9 @@ class LibraryReader : public ImageReader {
     std::string FormatName() const override { return input_->format_name(); }
     const ImageLayout& Layout() const override { return layout_; }
     int PartCount() override { return input_->spec().get_int_attribute("oiio:subimages", 1); }
-    std::string PartName(int part) override {
-        return input_->spec_dimensions(part).width > 0 ? input_->spec(part).get_string_attribute("oiio:subimagename")
-                                                       : "";
+    std::string PartName(int index) override {
+        if (input_->spec_dimensions(index).width <= 0) return "";
+        return input_->spec(index).get_string_attribute("oiio:subimagename");
     }
     bool OpenPart(int part) override {
         const bool isThere = input_->seek_subimage(part, 0);

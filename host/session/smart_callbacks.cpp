@@ -81,8 +81,8 @@ PF_Err CropTo(const PF_LRect& rect, const World& layer, PF_Point layerOrigin, Wo
     return CopyWorld(&layer.Def(), &def, &part, nullptr);
 }
 
-void Watch(const FrameRecord& frame, World& world, WorldRole role, bool lent) {
-    if (frame.state.services.worldWatch && !world.IsNull()) frame.state.services.worldWatch(world, role, lent);
+void Watch(const FrameRecord& frame, World& world, WorldRole role, bool isHandedOut) {
+    if (frame.state.services.worldWatch && !world.IsNull()) frame.state.services.worldWatch(world, role, isHandedOut);
 }
 
 PF_Err CheckoutLayerPixels(PF_ProgPtr effectRef, A_long id, PF_EffectWorld** pixels) {

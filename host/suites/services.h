@@ -32,8 +32,9 @@ struct SessionState;
 
 /// The role of a world for the effect that receives it.
 enum class WorldRole { kInput, kTexture, kOutput, kTemporary };
-/// Called when a world goes to the effect (`lent`) and when it comes back. It may change the world's record and pixels.
-using WorldWatch = std::function<void(World& world, WorldRole role, bool lent)>;
+/// Called when a world goes to the effect (`isHandedOut`) and when it comes back. It may change the world's record and
+/// pixels.
+using WorldWatch = std::function<void(World& world, WorldRole role, bool isHandedOut)>;
 
 /// What a fault hook says for "AcquireSuite:name" when the host is to report success and return no suite, as hosts
 /// have.

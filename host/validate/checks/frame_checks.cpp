@@ -55,10 +55,10 @@ bool PaddingIsWhole(World& world) {
 
 /// Watches the paddings of everything that the effect writes to.
 WorldWatch PaddingWatch(CheckRun& run) {
-    return [&run](World& world, WorldRole role, bool lent) {
+    return [&run](World& world, WorldRole role, bool isHandedOut) {
         const bool written = role == WorldRole::kOutput || role == WorldRole::kTemporary;
         if (!written) return;
-        if (lent) return FillPadding(world);
+        if (isHandedOut) return FillPadding(world);
         const char* what = role == WorldRole::kOutput ? "the output" : "a temporary world";
         if (!PaddingIsWhole(world)) run.Fail(fmt::format("bytes between the rows of {} were written", what));
         if (!world.Memory().SlackIsWhole()) run.Fail(fmt::format("bytes outside of {} were written", what));
@@ -253,9 +253,9 @@ void DistrustsExtents(CheckRun& run) {
                                  SetGuardRules({MemoryPlacement::kFlushRight, {}});
                                  SessionOptions options;
                                  const WorldWatch padding = PaddingWatch(part);
-                                 options.worldWatch = [&](World& world, WorldRole role, bool lent) {
-                                     padding(world, role, lent);
-                                     if (lent) world.Def().extent_hint = hint.rect;
+                                 options.worldWatch = [&](World& world, WorldRole role, bool isHandedOut) {
+                                     padding(world, role, isHandedOut);
+                                     if (isHandedOut) world.Def().extent_hint = hint.rect;
                                  };
                                  CheckFixture fixture(part, options);
                                  DrawStyles(fixture, 40, 32, {Depth::k8});

@@ -129,9 +129,9 @@ void LeavesInputsAlone(CheckRun& run) {
         [](CheckRun& inside) {
             SetGuardRules({MemoryPlacement::kFlushRight, {}});
             SessionOptions options;
-            options.worldWatch = [](World& world, WorldRole role, bool lent) {
+            options.worldWatch = [](World& world, WorldRole role, bool isHandedOut) {
                 if (role == WorldRole::kInput || role == WorldRole::kTexture) {
-                    world.Memory().SetReadOnly(lent);
+                    world.Memory().SetReadOnly(isHandedOut);
                 }
             };
             std::vector<PF_ParamDef> before;
