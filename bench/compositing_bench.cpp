@@ -16,7 +16,7 @@
 #include "host/compositing/copy_world.h"
 #include "host/compositing/fill_world.h"
 #include "host/compositing/row_pool.h"
-#include "host/compositing/transfer_rect.h"
+#include "host/compositing/transfer/transfer_rect.h"
 #include "host/compositing/world.h"
 #include "host/suites/pf/iterate.h"
 #include "hostapi/limits.h"

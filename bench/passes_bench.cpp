@@ -17,7 +17,7 @@
 #include "host/compositing/world.h"
 #include "host/suites/services.h"
 #include "host/suites/tables.h"
-#include "render/draw.h"
+#include "render/passes/draw.h"
 #include "render/shadow_shaders.h"
 
 namespace {

@@ -19,7 +19,7 @@
 
 #include "host/compositing/row_pool.h"
 #include "host/image/picture.h"
-#include "host/image/png_filter.h"
+#include "host/image/png/png_filter.h"
 
 namespace {
 

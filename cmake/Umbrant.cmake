@@ -188,17 +188,21 @@ function(umbrant_note_program program)
     endif()
 endfunction()
 
-# umbrant_tests(name LINK libraries... [GL_LINK libraries...] [LABELS labels...] [ALONE patterns...] [GL_ALONE patterns...]
-#               [COST seconds] [GL_COST seconds] [SLOW_UNWIND])
-# Two programs from the current folder: <name>_test of every *_test.cpp that needs nothing (label unit) and
+# umbrant_tests(name LINK libraries... [GL_LINK libraries...] [FOLDERS folders...] [LABELS labels...] [ALONE patterns...]
+#               [GL_ALONE patterns...] [COST seconds] [GL_COST seconds] [SLOW_UNWIND])
+# Two programs from the current folder and FOLDERS: <name>_test of every *_test.cpp that needs nothing (label unit) and
 # <name>_gl_test of every *_gl_test.cpp (label gl). A file's suffix is a promise about what it needs.
 function(umbrant_tests name)
-    cmake_parse_arguments(arg "SLOW_UNWIND" "COST;GL_COST" "LINK;GL_LINK;LABELS;ALONE;GL_ALONE" ${ARGN})
+    cmake_parse_arguments(arg "SLOW_UNWIND" "COST;GL_COST" "LINK;GL_LINK;FOLDERS;LABELS;ALONE;GL_ALONE" ${ARGN})
     set(unwind)
     if(arg_SLOW_UNWIND)
         set(unwind SLOW_UNWIND)
     endif()
-    file(GLOB all CONFIGURE_DEPENDS *_test.cpp)
+    set(patterns *_test.cpp)
+    foreach(folder IN LISTS arg_FOLDERS)
+        list(APPEND patterns ${folder}/*_test.cpp)
+    endforeach()
+    file(GLOB all CONFIGURE_DEPENDS ${patterns})
     set(gl ${all})
     list(FILTER gl INCLUDE REGEX "_gl_test\\.cpp$")
     set(unit ${all})

@@ -11,7 +11,7 @@
 #include "entry/panel.h"
 #include "entry/panel_drawing.h"
 #include "entry/params_setup.h"
-#include "render/pre_render.h"
+#include "render/pre_render/pre_render.h"
 #include "render/smart_render.h"
 
 namespace {

@@ -15,8 +15,8 @@
 #include "gl/context.h"
 #include "platform/fork.h"
 #include "platform/gl_api.h"
-#include "render/processor_path.h"
-#include "render/renderer_request.h"
+#include "render/processor/processor_path.h"
+#include "render/processor/renderer_request.h"
 
 std::recursive_mutex globalMutex;
 AEGP_PluginID my_id;

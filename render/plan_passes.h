@@ -6,8 +6,8 @@
 // settings must be filled, with their worlds, samples and framebuffer records.
 
 #include "render/pass_plan.h"
-#include "render/radial_samples.h"
 #include "render/render_settings.h"
+#include "render/settings/radial_samples.h"
 
 /// Texels and pixels that a renderer's sampling positions may be away from the plan's.
 enum class Precision : int32_t {

@@ -11,9 +11,9 @@
 #include "pixel/return_message.h"
 #include "platform/fork.h"
 #include "platform/gl_api.h"
-#include "render/passes.h"
-#include "render/processor_passes.h"
-#include "render/processor_path.h"
+#include "render/passes/passes.h"
+#include "render/processor/processor_passes.h"
+#include "render/processor/processor_path.h"
 
 namespace {
 

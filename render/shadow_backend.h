@@ -11,11 +11,11 @@
 #include "entry/suites/suite_handler.h"
 #include "hostapi/commands.h"
 #include "platform/renderer_choice.h"
-#include "render/radial_samples.h"
 #include "render/render_settings.h"
+#include "render/settings/radial_samples.h"
 
 /// Draws a shadow into the output world of filled settings; only a radial shadow reads `geometry`. What is drawn, and
-/// the messages and errors, are documented in render/passes.h.
+/// the messages and errors, are documented in render/passes/passes.h.
 using ShadowFunction = PF_Err (*)(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites,
                                   myParams* settings, const RadialGeometry& geometry);
 

@@ -5,7 +5,7 @@
 
 #include "gl/program.h"
 #include "gl/thread_state.h"
-#include "render/draw.h"
+#include "render/passes/draw.h"
 #include "render/plan_passes.h"
 #include "render/render_settings.h"
 #include "render/shader_sources.h"

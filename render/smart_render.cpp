@@ -12,12 +12,12 @@
 #include "entry/suites/without_throwing.h"
 #include "hostapi/errors.h"
 #include "render/composite.h"
-#include "render/fill_settings.h"
-#include "render/layer_checkout.h"
-#include "render/param_checkout.h"
-#include "render/radial_samples.h"
-#include "render/renderer_request.h"
-#include "render/samples.h"
+#include "render/pre_render/layer_checkout.h"
+#include "render/processor/renderer_request.h"
+#include "render/settings/fill_settings.h"
+#include "render/settings/param_checkout.h"
+#include "render/settings/radial_samples.h"
+#include "render/settings/samples.h"
 #include "render/shadow_backend.h"
 
 namespace {

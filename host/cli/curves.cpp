@@ -17,12 +17,12 @@
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
 #include "host/cli/output_folder.h"
+#include "host/cli/render/sequence_report.h"
 #include "host/cli/results.h"
-#include "host/cli/sequence_report.h"
 #include "host/cli/settings.h"
 #include "host/image/picture.h"
-#include "host/render/frame_numbers.h"
-#include "host/render/frame_plan.h"
+#include "host/render/plan/frame_numbers.h"
+#include "host/render/plan/frame_plan.h"
 
 namespace {
 

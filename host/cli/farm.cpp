@@ -12,12 +12,12 @@
 #include <memory>
 #include <system_error>
 
-#include "host/cli/render_options.h"
+#include "host/cli/render/render_options.h"
 #include "host/cli/results.h"
 #include "host/cli/run_program.h"
 #include "host/farm/farm_job.h"
 #include "host/module/module.h"
-#include "host/render/frame_numbers.h"
+#include "host/render/plan/frame_numbers.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <cstdio>
 #include <system_error>
 
-#include "host/process/abandoned_files.h"
+#include "host/process/files/abandoned_files.h"
 
 namespace fs = std::filesystem;
 

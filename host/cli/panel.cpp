@@ -22,9 +22,9 @@
 #include "host/panel/panel_picture.h"
 #include "host/panel/panel_rows.h"
 #include "host/process/interruption.h"
-#include "host/render/frame_limits.h"
-#include "host/render/frame_numbers.h"
-#include "host/render/frame_plan.h"
+#include "host/render/plan/frame_limits.h"
+#include "host/render/plan/frame_numbers.h"
+#include "host/render/plan/frame_plan.h"
 
 namespace {
 

@@ -23,11 +23,11 @@
 #include "host/compositing/memory_shortage.h"
 #include "host/image/image_threads.h"
 #include "host/parameters/param_path.h"
+#include "host/process/files/temporary_file.h"
 #include "host/process/interruption.h"
 #include "host/process/running_children.h"
 #include "host/process/standard_streams.h"
 #include "host/process/start_threads.h"
-#include "host/process/temporary_file.h"
 
 namespace {
 

@@ -5,10 +5,10 @@
 
 #include <array>
 
-#include "host/image/exr_reader.h"
-#include "host/image/exr_writer.h"
-#include "host/image/png_reader.h"
-#include "host/image/png_writer.h"
+#include "host/image/exr/exr_reader.h"
+#include "host/image/exr/exr_writer.h"
+#include "host/image/png/png_reader.h"
+#include "host/image/png/png_writer.h"
 
 namespace {
 

@@ -14,7 +14,7 @@
 #include <system_error>
 #include <vector>
 
-#include "host/image/compression_names.h"
+#include "host/image/exr/compression_names.h"
 
 namespace {
 

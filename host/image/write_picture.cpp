@@ -20,8 +20,8 @@
 #include "host/image/picture.h"
 #include "host/image/picture_format.h"
 #include "host/image/picture_place.h"
+#include "host/process/files/temporary_file.h"
 #include "host/process/start_threads.h"
-#include "host/process/temporary_file.h"
 
 namespace {
 

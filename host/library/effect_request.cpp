@@ -12,7 +12,7 @@
 #include "host/compositing/memory_shortage.h"
 #include "host/library/errors.h"
 #include "host/library/pixel_order.h"
-#include "host/render/frame_limits.h"
+#include "host/render/plan/frame_limits.h"
 
 namespace umbrant {
 

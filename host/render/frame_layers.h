@@ -11,7 +11,7 @@
 #include <string>
 
 #include "host/image/picture.h"
-#include "host/render/frame_plan.h"
+#include "host/render/plan/frame_plan.h"
 #include "host/session/effect_session.h"
 
 /// How pictures become layers.

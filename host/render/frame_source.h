@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "host/render/frame_pattern.h"
+#include "host/render/plan/frame_pattern.h"
 #include "host/result.h"
 
 /// What to do about a frame whose file is not there.

@@ -13,7 +13,7 @@
 #include <utility>
 
 #include "host/compositing/memory_shortage.h"
-#include "host/render/frame_numbers.h"
+#include "host/render/plan/frame_numbers.h"
 
 namespace {
 

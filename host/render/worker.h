@@ -12,9 +12,9 @@
 
 #include "host/render/frame_layers.h"
 #include "host/render/frame_pixels.h"
-#include "host/render/frame_plan.h"
 #include "host/render/frame_request.h"
 #include "host/render/pipeline.h"
+#include "host/render/plan/frame_plan.h"
 #include "host/session/effect_session.h"
 
 /// What a frame is at.

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "host/render/frame_numbers.h"
+#include "host/render/plan/frame_numbers.h"
 
 /// The moments of a clip's frames.
 struct ClipTimes {

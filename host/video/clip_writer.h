@@ -12,7 +12,7 @@
 #include <utility>
 
 #include "host/process/child_process.h"
-#include "host/process/temporary_file.h"
+#include "host/process/files/temporary_file.h"
 #include "host/video/clip_format.h"
 
 /// What is to be written.

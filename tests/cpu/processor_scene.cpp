@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "render/passes.h"
+#include "render/passes/passes.h"
 
 Plane SceneRenderer::Draw(const RandomScene& scene) {
     host_.outData.return_msg[0] = '\0';

@@ -16,9 +16,9 @@
 #include "cpu/thread_pool.h"
 #include "platform/fake/call_log.h"
 #include "platform/fake/renderer_choice_fake.h"
-#include "render/processor_path.h"
+#include "render/passes/work_extent.h"
+#include "render/processor/processor_path.h"
 #include "render/smart_render.h"
-#include "render/work_extent.h"
 #include "tests/cpu/processor_scene.h"
 
 namespace {

@@ -16,7 +16,7 @@
 #include "cpu/thread_pool.h"
 #include "platform/fake/call_log.h"
 #include "platform/fake/renderer_choice_fake.h"
-#include "render/processor_path.h"
+#include "render/processor/processor_path.h"
 #include "tests/cpu/processor_scene.h"
 #include "tests/support/child_process.h"
 

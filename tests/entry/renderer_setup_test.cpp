@@ -5,7 +5,7 @@
 
 #include "hostapi/suites/umbrant_host_suite.h"
 #include "platform/fake/renderer_choice_fake.h"
-#include "render/processor_path.h"
+#include "render/processor/processor_path.h"
 #include "tests/entry/global_setup_fixture.h"
 
 namespace {

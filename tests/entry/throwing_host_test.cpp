@@ -17,7 +17,7 @@
 #include "gl/thread_state.h"
 #include "hostapi/errors.h"
 #include "platform/fake/renderer_choice_fake.h"
-#include "render/pre_render.h"
+#include "render/pre_render/pre_render.h"
 #include "tests/entry/panel_host.h"
 #include "tests/render/render_host.h"
 #include "tests/support/test_world.h"

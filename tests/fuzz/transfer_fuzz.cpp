@@ -8,7 +8,7 @@
 #include <limits>
 #include <optional>
 
-#include "host/compositing/transfer_rect.h"
+#include "host/compositing/transfer/transfer_rect.h"
 #include "hostapi/errors.h"
 #include "tests/fuzz/target.h"
 #include "tests/host/compositing/transfer_worlds.h"

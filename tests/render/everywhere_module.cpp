@@ -3,7 +3,7 @@
 
 // Switches the module that this file is linked into to working everywhere, as soon as it is loaded.
 
-#include "render/work_extent.h"
+#include "render/passes/work_extent.h"
 
 namespace {
 const bool everywhere = (SetWorksEverywhere(true), true);

@@ -3,7 +3,7 @@
 
 // Every field of the settings, at the defaults and where its formula turns.
 
-#include "render/fill_settings.h"
+#include "render/settings/fill_settings.h"
 
 #include <gtest/gtest.h>
 

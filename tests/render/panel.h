@@ -4,7 +4,7 @@
 
 // A panel with its declared defaults, as the render code reads it: the definitions of all rows that carry a value.
 
-#include "render/param_checkout.h"
+#include "render/settings/param_checkout.h"
 
 /// Every row at its default; "Origin" at the corner.
 inline CheckedOutParams DefaultPanel() {

@@ -12,9 +12,9 @@
 #include <random>
 #include <vector>
 
-#include "render/alpha_regions.h"
+#include "render/passes/alpha_regions.h"
+#include "render/passes/work_extent.h"
 #include "render/plan_parts.h"
-#include "render/work_extent.h"
 #include "tests/support/test_world.h"
 
 namespace {

@@ -4,7 +4,7 @@
 // The reach of each shadow type as rows of data. The expected rectangles were computed by a separate program from the
 // formulas, in the precision that they name.
 
-#include "render/pre_render_rects.h"
+#include "render/pre_render/pre_render_rects.h"
 
 #include <gtest/gtest.h>
 

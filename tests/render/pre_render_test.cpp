@@ -4,7 +4,7 @@
 // Pre-render against a recording host: what is asked, in which order, with which ids, and what comes back when the host
 // fails.
 
-#include "render/pre_render.h"
+#include "render/pre_render/pre_render.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -9,7 +9,7 @@
 #include <cmath>
 #include <limits>
 
-#include "render/radial_samples.h"
+#include "render/settings/radial_samples.h"
 #include "tests/render/fake_render.h"
 
 namespace {

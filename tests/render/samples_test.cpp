@@ -3,7 +3,7 @@
 
 // The sample stack and the framebuffer sizes.
 
-#include "render/samples.h"
+#include "render/settings/samples.h"
 
 #include <gtest/gtest.h>
 

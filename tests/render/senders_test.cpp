@@ -8,8 +8,8 @@
 
 #include <stdexcept>
 
+#include "render/passes/sample_stack.h"
 #include "render/plan_passes.h"
-#include "render/sample_stack.h"
 #include "render/shadow_shaders.h"
 #include "tests/render/fake_render.h"
 

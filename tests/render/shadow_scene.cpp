@@ -8,8 +8,8 @@
 #include <cctype>
 #include <cmath>
 
-#include "render/passes.h"
-#include "render/pre_render.h"
+#include "render/passes/passes.h"
+#include "render/pre_render/pre_render.h"
 #include "render/smart_render.h"
 
 namespace {

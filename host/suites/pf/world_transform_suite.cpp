@@ -9,7 +9,7 @@
 
 #include "host/compositing/blend_worlds.h"
 #include "host/compositing/copy_world.h"
-#include "host/compositing/transfer_rect.h"
+#include "host/compositing/transfer/transfer_rect.h"
 #include "host/suites/pf/pixel_calls.h"
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"

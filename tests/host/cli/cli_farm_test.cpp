@@ -6,8 +6,8 @@
 #include <nlohmann/json.hpp>
 
 #include "host/process/child_process.h"
+#include "tests/host/cli/render/sequence_fixture.h"
 #include "tests/host/cli/running_program.h"
-#include "tests/host/cli/sequence_fixture.h"
 
 namespace {
 

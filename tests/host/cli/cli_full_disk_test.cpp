@@ -11,7 +11,7 @@
 #include <functional>
 #include <set>
 
-#include "tests/host/cli/sequence_fixture.h"
+#include "tests/host/cli/render/sequence_fixture.h"
 #include "tests/support/child_process.h"
 
 namespace {

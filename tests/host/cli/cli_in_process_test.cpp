@@ -14,7 +14,7 @@
 #include <filesystem>
 #include <map>
 
-#include "tests/host/cli/sequence_fixture.h"
+#include "tests/host/cli/render/sequence_fixture.h"
 
 namespace {
 

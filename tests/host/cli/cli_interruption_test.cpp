@@ -10,8 +10,8 @@
 
 #include "host/image/encoded_file.h"
 #include "host/process/child_process.h"
+#include "tests/host/cli/render/sequence_fixture.h"
 #include "tests/host/cli/running_program.h"
-#include "tests/host/cli/sequence_fixture.h"
 
 namespace {
 

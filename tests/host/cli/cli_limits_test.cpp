@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "tests/host/cli/sequence_fixture.h"
+#include "tests/host/cli/render/sequence_fixture.h"
 
 namespace {
 

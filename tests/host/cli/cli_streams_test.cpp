@@ -6,8 +6,8 @@
 
 #include <fcntl.h>
 
+#include "tests/host/cli/render/sequence_fixture.h"
 #include "tests/host/cli/running_program.h"
-#include "tests/host/cli/sequence_fixture.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <cmath>
 #include <string>
 
-#include "host/compositing/transfer_rect.h"
+#include "host/compositing/transfer/transfer_rect.h"
 #include "hostapi/errors.h"
 #include "tests/host/compositing/transfer_worlds.h"
 

@@ -3,7 +3,7 @@
 
 // The joined blocks of one zlib stream, undone by zlib; and the filters of rows, undone by their definitions.
 
-#include "host/image/deflate_blocks.h"
+#include "host/image/png/deflate_blocks.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "host/compositing/row_pool.h"
-#include "host/image/png_filter.h"
+#include "host/image/png/png_filter.h"
 #include "tests/support/limited_child.h"
 
 namespace {

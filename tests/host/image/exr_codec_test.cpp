@@ -14,7 +14,7 @@
 #include <random>
 
 #include "host/image/encoded_file.h"
-#include "host/image/exr_writer.h"
+#include "host/image/exr/exr_writer.h"
 #include "host/image/picture.h"
 #include "host/image/picture_format.h"
 #include "tests/host/image/both_codecs.h"

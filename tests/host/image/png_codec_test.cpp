@@ -12,7 +12,7 @@
 #include <cstdio>
 #include <random>
 
-#include "host/image/latin_text.h"
+#include "host/image/png/latin_text.h"
 #include "tests/host/image/both_codecs.h"
 #include "tests/host/image/picture_files.h"
 #include "tests/support/run_program.h"

@@ -3,7 +3,7 @@
 
 // What is removed from a folder of killed runs' files, and what stays.
 
-#include "host/process/abandoned_files.h"
+#include "host/process/files/abandoned_files.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -12,7 +12,7 @@
 #include <ctime>
 
 #include "host/image/picture.h"
-#include "host/process/file_owner.h"
+#include "host/process/files/file_owner.h"
 #include "tests/host/image/picture_files.h"
 
 namespace {

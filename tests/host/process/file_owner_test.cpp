@@ -3,7 +3,7 @@
 
 // Hidden names of files under construction: what they carry, and whether their owner is still there.
 
-#include "host/process/file_owner.h"
+#include "host/process/files/file_owner.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

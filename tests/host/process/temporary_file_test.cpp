@@ -3,7 +3,7 @@
 
 // Files under construction: where they are, when they go, and that an interruption finds every one of them.
 
-#include "host/process/temporary_file.h"
+#include "host/process/files/temporary_file.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -18,7 +18,7 @@
 #include <vector>
 
 #include "host/image/picture.h"
-#include "host/process/file_owner.h"
+#include "host/process/files/file_owner.h"
 #include "host/process/interruption.h"
 #include "tests/host/image/picture_files.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "host/render/frame_plan.h"
+#include "host/render/plan/frame_plan.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

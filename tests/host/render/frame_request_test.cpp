@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/render/frame_limits.h"
+#include "host/render/plan/frame_limits.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "host/render/memory_plan.h"
+#include "host/render/plan/memory_plan.h"
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>

@@ -9,7 +9,7 @@
 #include <map>
 #include <mutex>
 
-#include "host/render/memory_plan.h"
+#include "host/render/plan/memory_plan.h"
 #include "tests/host/image/picture_files.h"
 #include "tests/host/session/session_fixture.h"
 

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// `umbrant completion`: what a shell is to complete, as a script for it.
+
+#include "host/cli/completion/completion.h"
+
+#include <CLI/CLI.hpp>
+#include <memory>
+
+#include "host/cli/opened_module.h"
+#include "host/cli/results.h"
+#include "host/cli/run_program.h"
+#include "host/panel/panel_rows.h"
+
+namespace {
+
+struct CompletionOptions {
+    std::string shell;
+    std::string module;
+};
+
+Result<ExitCode> Completion(const CompletionOptions& options) {
+    auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module));
+    if (!opened) return opened.Error();
+    const std::vector<Command> commands = AllCommands();
+    CLI::App app;
+    DeclareProgram(app, commands);
+    CompletionNode program = DescribeCommands(app);
+    NameRows(program, TwirlNames(opened->Session()));
+    const std::vector<CompletionRow> rows = DescribeRows(opened->Session().Params());
+    PrintResult(options.shell == "bash"  ? BashCompletion(program, rows)
+                : options.shell == "zsh" ? ZshCompletion(program, rows)
+                                         : FishCompletion(program, rows));
+    return ExitCode::kDone;
+}
+
+}  // namespace
+
+Command CompletionCommand() {
+    const auto options = std::make_shared<CompletionOptions>();
+    Command command;
+    command.name = "completion";
+    command.summary = "Print a script for a shell that completes commands, options and values";
+    command.examples =
+        "  source <(umbrant completion bash)\n"
+        "      for the running bash; a package installs the script for all users\n"
+        "  umbrant completion zsh > ~/.zfunc/_umbrant\n"
+        "      in a folder of zsh's fpath, before compinit runs\n"
+        "  umbrant completion fish > ~/.config/fish/completions/umbrant.fish";
+    command.options = [options](CLI::App& app) {
+        app.add_option("SHELL", options->shell, "The shell")
+            ->check(CLI::IsMember({"bash", "zsh", "fish"}))
+            ->type_name("bash|zsh|fish")
+            ->required();
+        app.add_option("--module", options->module,
+                       "The effect's module, whose parameters are completed (default: UMBRANT_MODULE, else the "
+                       "program's own module)")
+            ->type_name("FILE");
+    };
+    command.run = [options] { return Completion(*options); };
+    return command;
+}

@@ -1,0 +1,215 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/cli/render/render_run.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+
+#include "host/cli/render/frame_progress.h"
+#include "host/cli/render/render_report.h"
+#include "host/cli/render/sequence_report.h"
+#include "host/cli/results.h"
+#include "host/compositing/memory_recycler.h"
+#include "host/process/files/abandoned_files.h"
+#include "host/render/plan/frame_footprint.h"
+#include "host/render/plan/memory_plan.h"
+
+namespace {
+
+Result<Done> WriteToStandardOutput(const Drawn& drawn, const Placement& place, const WriteOptions& kept) {
+    const auto bytes = EncodePicture(drawn.pixels, place, kept);
+    if (!bytes) return bytes.Error();
+    PrintResult(*bytes);
+    return Done{};
+}
+
+}  // namespace
+
+Result<ExitCode> RenderRun::Run() {
+    Stopwatch whole;
+    auto planned = isImage_ ? PlanImageRender(options_) : PlanSequenceRender(options_);
+    if (!planned) return planned.Error();
+    plan_ = std::move(*planned);
+    const auto preference = ReadRendererPreference(options_.renderer);
+    if (!preference) return preference.Error();
+    if (isImage_) image_.emplace(SecondsOfProgress(options_.sequence), options_.verbose);
+    FillJob();
+    Say("reading the images");
+    auto first = ReadFirst(plan_->frames, *plan_->reader, options_.sequence.keepGoing);
+    if (!first) return first.Error();
+    // Without a frame there is nothing to draw, and the summary says so.
+    if (!first->layers.input) return DrawSequence(std::move(*first));
+    ReportNotesOf(first->layers);
+    const ImageFacts image{first->readTime, first->layers.input->pixels.Width(), first->layers.input->pixels.Height(),
+                           first->layers.input->pixels.PixelDepth()};
+
+    Say("loading and setting up the module");
+    auto opened = OpenWithValues(options_, first->layers.input->width, first->layers.input->height,
+                                 plan_->frames.frames[first->frame].position);
+    if (!opened) return opened.Error();
+    EffectSession& session = opened->Session();
+    renderer_ = DecideRenderer(*preference, ReadGpuStrings(session.Params()));
+    session.SetRenderer(renderer_.Request());
+    if (auto found = FindCanvas(*opened, *first); !found) return found.Error();
+    if (auto started = StartInstances(session, *first); !started) return started.Error();
+    if (auto begun = BeginClip(*first); !begun) return begun.Error();
+    auto outcome = isImage_ ? DrawImage(std::move(*first)) : DrawSequence(std::move(*first));
+    if (isImage_ && !outcome) return outcome;
+    auto ended = instances_.End();
+    if (options_.verbose) ReportMisbehaviour();
+    if (outcome && !ended) return ended.Error();
+    if (isImage_) PrintImage(image, session, whole.Lap());
+    return outcome;
+}
+
+void RenderRun::FillJob() {
+    job_.plan = &plan_->frames;
+    job_.settings.downsample = options_.downsample;
+    job_.settings.canvas = plan_->canvas.kind == CanvasChoice::Kind::kLayer ? Canvas::kLayer : Canvas::kGrow;
+    std::tie(job_.settings.textureX, job_.settings.textureY) =
+        ParsePoint(options_.textureAt).value_or(std::pair(0.0, 0.0));
+    job_.keepGoing = options_.sequence.keepGoing;
+    job_.explain = [this](const Failure& failure, const EffectSession& session) {
+        return renderer_.processor ? failure : Explain(failure, session);
+    };
+    if (plan_->clips.Writes()) {
+        job_.write = [this](const Drawn& drawn, const Placement& place, const WriteOptions&) {
+            return plan_->clips.Write(drawn, place);
+        };
+    } else if (options_.output == "-") {
+        job_.write = WriteToStandardOutput;
+    }
+    job_.shape = plan_->clips.Shape(ShapeFor(1));
+}
+
+Result<Done> RenderRun::StartInstances(EffectSession& session, const FirstFrame& first) {
+    if (isImage_) {
+        if (options_.verbose) {
+            image_->Print(CommandsText(session.Commands()) + RendererText(renderer_) + "\n");
+        }
+        return instances_.Start(session, 1);
+    }
+    const FrameFootprint footprint = Footprint(job_, first, session);
+    MachineLimits machine = ThisMachine();
+    machine.mostDrawers = MostDrawers(renderer_, ReadGpuStrings(session.Params()));
+    int drawers = options_.sequence.threads > 0 ? options_.sequence.threads : DrawersFor(machine, footprint);
+    drawers =
+        std::min<int>(drawers, static_cast<int>(std::min<std::size_t>(plan_->frames.frames.size(), kMostThreads)));
+    if (auto started = instances_.Start(session, drawers); !started) return started;
+    job_.shape = plan_->clips.Shape(ShapeFor(static_cast<int>(instances_.All().size())));
+    // Who names the number of threads has counted.
+    if (options_.sequence.threads == 0) job_.shape = FitInto(job_.shape, footprint, MemoryForFrames(machine));
+    PipelineShape alone = job_.shape;
+    alone.underWay = 1;
+    alone.drawers = 1;
+    job_.frameBytes = MostBytes(alone, footprint);
+    if (options_.verbose) {
+        const PipelineShape& shape = job_.shape;
+        std::fputs(
+            fmt::format("{}\nthreads: {} reading, {} drawing, {} writing; at most {} frames in progress, which take "
+                        "up to {} MiB\n",
+                        RendererText(renderer_), shape.readers, shape.drawers, shape.writers, shape.underWay,
+                        (MostBytes(shape, footprint) >> 20) + 1)
+                .c_str(),
+            stderr);
+    }
+    return Done{};
+}
+
+Result<Done> RenderRun::BeginClip(const FirstFrame& first) {
+    if (!plan_->clips.Writes()) return Done{};
+    return plan_->clips.Begin(plan_->frames, *job_.picture, first.layers.input->pixels, !options_.sequence.noSound);
+}
+
+Result<ExitCode> RenderRun::DrawImage(FirstFrame first) {
+    const auto run = DrawFrames(job_, instances_.All(), *plan_->reader, std::move(first), *image_);
+    if (!run) return run.Error();
+    if (image_->Outcome().failure) return *image_->Outcome().failure;
+    return ExitCode::kDone;
+}
+
+void RenderRun::PrintImage(const ImageFacts& image, const EffectSession& session, double total) {
+    image_->Stop();
+    if (options_.output == "-") return;
+    if (!options_.json) return PrintResult(options_.output + "\n");
+    RenderFacts facts;
+    facts.input = options_.input;
+    facts.output = options_.output;
+    facts.layerWidth = image.width;
+    facts.layerHeight = image.height;
+    facts.depth = static_cast<int>(image.depth);
+    facts.downsample = options_.downsample;
+    facts.canvas = options_.canvas.empty() ? "grow" : options_.canvas;
+    facts.picture = image_->Outcome().picture;
+    facts.load = image.load;
+    facts.save = image_->SaveTime();
+    facts.total = total;
+    PrintResult(RenderReport(facts, renderer_, image_->Record(), session));
+}
+
+Result<ExitCode> RenderRun::DrawSequence(FirstFrame first) {
+    auto form = ReadProgress(options_.sequence.progress, options_.sequence.quiet).value_or(ProgressOptions{});
+    form.canvas = Covered();
+    FrameProgress progress(plan_->frames, form, !options_.json && !plan_->clips.Writes());
+    progress.SetKeepsGoing(options_.sequence.keepGoing);
+    if (!plan_->clips.Note().empty()) progress.Note(plan_->clips.Note());
+    if (const std::string removed = RemoveAbandonedFiles(OutputFolders()); !removed.empty()) progress.Note(removed);
+    const MemoryRecycler recycler;
+    const auto run = DrawFrames(job_, instances_.All(), *plan_->reader, std::move(first), progress);
+    if (!run) return run.Error();
+    const FrameTotals totals = progress.Finish();
+    if (plan_->clips.Writes() && totals.failed == 0) {
+        const auto finished = plan_->clips.Finish();
+        if (!finished) return finished.Error();
+        if (*finished && !options_.json) PrintResult(options_.output + "\n");
+    }
+    if (options_.json) {
+        const std::string canvas = !options_.canvas.empty() ? options_.canvas
+                                   : plan_->clips.Writes()  ? "layer"
+                                                            : "grow";
+        const SequenceFacts facts{options_.input, options_.output, renderer_.Name(), canvas, Covered()};
+        PrintResult(SequenceReport(facts, plan_->frames, job_.shape, progress.Outcomes(), progress.Seconds(),
+                                   plan_->clips.Report()));
+    }
+    if (totals.failed == 0) return ExitCode::kDone;
+    if (options_.sequence.keepGoing) return ExitCode::kEffectFailed;
+    return totals.failure;
+}
+
+std::set<std::filesystem::path> RenderRun::OutputFolders() const {
+    if (plan_->clips.Writes()) return {FolderOf(options_.output)};
+    std::set<std::filesystem::path> folders;
+    for (const PlannedFrame& frame : plan_->frames.frames) folders.insert(FolderOf(frame.output));
+    return folders;
+}
+
+void RenderRun::ReportMisbehaviour() {
+    for (const EffectSession* session : instances_.All()) {
+        for (const std::string& misstep : session->Misbehaviour()) {
+            const std::string line = "the effect misbehaved: " + misstep + "\n";
+            image_ ? image_->Print(line) : static_cast<void>(std::fputs(line.c_str(), stderr));
+        }
+    }
+}
+
+void RenderRun::ReportNotesOf(const FrameLayers& layers) const {
+    TellNotes(options_, layers.input->note, layers.input->metadataNote);
+    if (layers.texture && isImage_) TellNotes(options_, layers.texture->note, "");
+}
+
+void RenderRun::Say(const char* stage) {
+    if (image_) image_->Say(stage);
+}
+
+Result<ExitCode> Render(const RenderOptions& options) {
+    const auto many = MeansSequence(options);
+    if (!many) return many.Error();
+    if (*many) {
+        if (auto usable = CheckNoTime(options); !usable) return usable.Error();
+    }
+    return RenderRun(options, !*many).Run();
+}

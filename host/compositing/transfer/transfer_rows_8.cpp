@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// The row loops of 8-bit worlds, in a separate file so that the three pixel types compile in parallel.
+
+#include "host/compositing/transfer/transfer_loops.h"
+
+template RowFunction<PF_Pixel> FindRowFunction<PF_Pixel>(PF_TransferMode mode, bool rgbOnly);

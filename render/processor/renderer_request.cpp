@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "render/processor/renderer_request.h"
+
+#include "entry/suites/suite_scoper.h"
+#include "hostapi/suites/umbrant_host_suite.h"
+#include "render/processor/processor_path.h"
+
+namespace {
+
+/// `UMBRANT_Renderer_ANY` where the host has no such suite.
+PF_Err AskHost(PF_InData* in_data, UMBRANT_Renderer* renderer) {
+    *renderer = UMBRANT_Renderer_ANY;
+    const AEFX_SuiteScoper<UMBRANT_HostSuite1, true> suite(in_data, kUmbrantHostSuiteName, kUmbrantHostSuiteVersion1,
+                                                           nullptr, nullptr);
+    if (!suite.get()) return PF_Err_NONE;
+    return suite->GetRenderer(in_data->effect_ref, renderer);
+}
+
+}  // namespace
+
+PF_Err ReadRendererRequest(PF_InData* in_data, RendererChoice* choice) {
+    UMBRANT_Renderer asked = UMBRANT_Renderer_ANY;
+    if (HasProcessorPath()) {
+        if (PF_Err err = AskHost(in_data, &asked)) return err;
+    }
+    if (asked == UMBRANT_Renderer_OPENGL) {
+        *choice = RendererChoice::kOpenGL;
+    } else if (asked == UMBRANT_Renderer_PROCESSOR) {
+        *choice = RendererChoice::kProcessor;
+    } else {
+        *choice = ChosenRenderer();
+    }
+    return PF_Err_NONE;
+}

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// The CPU renderer is here.
+
+#include "render/processor/processor_path.h"
+
+#include <algorithm>
+
+#include "cpu/kernels.h"
+#include "cpu/shadows.h"
+#include "cpu/thread_pool.h"
+#include "platform/fork.h"
+#include "render/passes/work_extent.h"
+#include "render/plan_passes.h"
+
+namespace {
+
+AlphaPlane PlaneOf(const myParams& settings, const ProcessorLayer& layer) {
+    if (settings.bitDepth == 8) {
+        return {static_cast<const uint8_t*>(layer.alpha), nullptr, layer.width, layer.height, 255};
+    }
+    return {nullptr, static_cast<const float*>(layer.alpha), layer.width, layer.height, 1};
+}
+
+Region Something(const AlphaPlane& source) {
+    return WorksEverywhere() ? WholeRegion(source.width, source.height) : FindBounds(source);
+}
+
+const bool watchingForks = (OnFork(ForgetPoolInChild), true);
+
+}  // namespace
+
+bool HasProcessorPath() {
+    return watchingForks;
+}
+
+std::string ProcessorName() {
+    const int threads = PoolThreads();
+    return std::string("Processor (") + CurrentKernels().name + ", " + std::to_string(threads) +
+           (threads == 1 ? " thread)" : " threads)");
+}
+
+const uint16_t* DrawNormalOnProcessor(const myParams& settings, const ProcessorLayer& layer) {
+    const AlphaPlane source = PlaneOf(settings, layer);
+    return DrawStack(PlanNormalStack(settings, Something(source), Precision::kExact), source);
+}
+
+const uint16_t* DrawInnerOnProcessor(const myParams& settings, const ProcessorLayer& layer) {
+    const AlphaPlane source = InvertAlpha(PlanInversion(settings), PlaneOf(settings, layer));
+    return DrawStack(PlanInnerStack(settings, Something(source), Precision::kExact), source);
+}
+
+const uint16_t* DrawRadialOnProcessor(const myParams& settings, const ProcessorLayer& layer,
+                                      const RadialGeometry& geometry) {
+    const PaddingPlan padding = PlanPadding(settings, geometry);
+    const AlphaPlane source = PadAlpha(padding, PlaneOf(settings, layer));
+    return DrawStack(PlanRadialStack(settings, padding, Something(source), Precision::kExact), source);
+}
+
+void ConvertAlpha(const uint16_t* alpha, size_t count, int bitDepth, void* out) {
+    // Pieces that a thread is done with in some tens of microseconds.
+    constexpr size_t kPiece = size_t{1} << 17;
+    const CpuKernels& kernels = CurrentKernels();
+    RunTasks(static_cast<int>((count + kPiece - 1) / kPiece), [&](int piece, int) {
+        const size_t first = static_cast<size_t>(piece) * kPiece;
+        const size_t size = std::min(kPiece, count - first);
+        if (bitDepth == 8) {
+            kernels.toBytes(alpha + first, size, static_cast<uint8_t*>(out) + first);
+        } else {
+            kernels.toFloats(alpha + first, size, static_cast<float*>(out) + first);
+        }
+    });
+}
+
+void EndProcessorThreads() {
+    EndPool();
+    ReleaseStackMemory();
+}
