@@ -21,6 +21,8 @@
 #include "host/suites/pf/iterate.h"
 #include "hostapi/limits.h"
 
+using namespace umbrant::host;
+
 namespace {
 
 constexpr int kWidth = 1920;

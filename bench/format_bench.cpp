@@ -20,6 +20,8 @@
 #include "host/compositing/row_pool.h"
 #include "host/image/picture.h"
 
+using namespace umbrant::host;
+
 namespace {
 
 namespace fs = std::filesystem;

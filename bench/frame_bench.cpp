@@ -21,6 +21,8 @@
 #include "host/compositing/world.h"
 #include "host/session/effect_session.h"
 
+using namespace umbrant::host;
+
 namespace {
 
 struct FrameCase {

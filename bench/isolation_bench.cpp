@@ -19,6 +19,8 @@
 #include "host/module/module.h"
 #include "host/session/effect_session.h"
 
+using namespace umbrant::host;
+
 namespace {
 
 constexpr double kMostMilliseconds = 5;

@@ -18,6 +18,8 @@
 #include "cpu/kernels.h"
 #include "cpu/taps.h"
 
+using namespace umbrant::effect;
+
 namespace {
 
 using benchmark::Counter;

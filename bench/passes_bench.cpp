@@ -20,6 +20,10 @@
 #include "render/passes/draw.h"
 #include "render/shadow_shaders.h"
 
+using namespace umbrant::effect;
+
+using namespace umbrant::host;
+
 namespace {
 
 // A layer, its default padding of 250 pixels on each side, and the default resolution of 0.6.

@@ -21,6 +21,8 @@
 #include "host/image/picture.h"
 #include "host/image/png/png_filter.h"
 
+using namespace umbrant::host;
+
 namespace {
 
 struct Sum {

@@ -10,6 +10,8 @@
 
 #include "host/compositing/rectangles.h"
 
+using namespace umbrant::host;
+
 namespace {
 
 template <class T>

@@ -9,6 +9,8 @@
 #include "host/compositing/world.h"
 #include "host/session/effect_session.h"
 
+using namespace umbrant::host;
+
 /// A layer of discs on a grid, with soft edges, inside the middle `share` (0 to 1) of a frame's area; transparent
 /// around it, and for at least four pixels at the frame's edges.
 World DiscLayer(int width, int height, Depth depth, double share);

@@ -1,5 +1,5 @@
 # Run by EmbedText.cmake: -DOUTPUT=file.cpp -DFILES=a;b. Bytes go out as numbers, so no quoting can change them.
-set(text "// Generated from the named files; do not edit.\n")
+set(text "// Generated from the named files; do not edit.\n\nnamespace umbrant::effect {\n")
 foreach(file IN LISTS FILES)
     get_filename_component(base ${file} NAME)
     string(REGEX REPLACE "[._]" ";" words ${base})
@@ -16,4 +16,4 @@ foreach(file IN LISTS FILES)
            bytes "${bytes}")
     string(APPEND text "\nextern const char ${symbol}[];\nconst char ${symbol}[] = {\n${bytes}0x00};\n")
 endforeach()
-file(WRITE ${OUTPUT} "${text}")
+file(WRITE ${OUTPUT} "${text}\n}  // namespace umbrant::effect\n")

@@ -9,6 +9,8 @@
 #include <memory>
 #include <new>
 
+namespace umbrant::effect {
+
 template <typename Element>
 class Buffer {
  public:
@@ -35,3 +37,5 @@ class Buffer {
     std::unique_ptr<Element, Release> values_;
     size_t count_ = 0;
 };
+
+}  // namespace umbrant::effect

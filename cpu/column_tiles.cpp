@@ -10,6 +10,8 @@
 
 #include "cpu/thread_pool.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 // Whether `count` elements hold nothing; long runs of them go a cache line at a time.
@@ -133,3 +135,5 @@ Range ColumnTiles::StoredRows(Range rows) const {
 const float* ColumnTiles::Tile(int tile) const {
     return values_.Get() + static_cast<ptrdiff_t>(tile) * columns_.Size() * kTileRows;
 }
+
+}  // namespace umbrant::effect

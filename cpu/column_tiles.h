@@ -11,6 +11,8 @@
 #include "cpu/buffer.h"
 #include "cpu/taps.h"
 
+namespace umbrant::effect {
+
 /// One channel of a picture, rows `width` elements apart.
 struct AlphaPlane {
     const uint8_t* bytes = nullptr;  ///< 0..255; or
@@ -65,3 +67,5 @@ class ColumnTiles {
     Buffer<float> values_;
     std::vector<Buffer<float>> scratch_;  ///< a tile's rows before they are turned, per pool thread
 };
+
+}  // namespace umbrant::effect

@@ -6,6 +6,10 @@
 
 #include "cpu/kernels.h"
 
+namespace umbrant::effect {
+
 extern const CpuKernels kBaselineKernels;
 extern const CpuKernels kAvx2Kernels;
 extern const CpuKernels kAvx512Kernels;
+
+}  // namespace umbrant::effect

@@ -9,6 +9,8 @@
 
 #include "cpu/kernel_sets.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 std::atomic<const CpuKernels*> forced{nullptr};
@@ -41,3 +43,5 @@ const CpuKernels& CurrentKernels() {
     const CpuKernels* kernels = forced.load(std::memory_order_relaxed);
     return kernels ? *kernels : BestKernels();
 }
+
+}  // namespace umbrant::effect

@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <vector>
 
+namespace umbrant::effect {
+
 /// Outputs that share one list of taps.
 inline constexpr int kTapOutputs = 4;
 /// Rows of a column tile: neighbours in memory, so that one tap reads them all at once.
@@ -71,3 +73,5 @@ void UseKernels(const CpuKernels* kernels);
 
 /// What draws use now.
 const CpuKernels& CurrentKernels();
+
+}  // namespace umbrant::effect

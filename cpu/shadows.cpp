@@ -13,6 +13,8 @@
 #include "cpu/stack_drawer.h"
 #include "cpu/thread_pool.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 constexpr double kFull = 65535;
@@ -140,3 +142,5 @@ void ReleaseStackMemory() {
     delete memory;
     memory = nullptr;
 }
+
+}  // namespace umbrant::effect

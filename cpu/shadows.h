@@ -10,6 +10,8 @@
 #include "cpu/column_tiles.h"
 #include "render/pass_plan.h"
 
+namespace umbrant::effect {
+
 // All results last until the calling thread's next draw; all throw std::bad_alloc. The layer is not empty of pixels.
 
 /// The source of an inner shadow's samples. `layer` is the alpha of the padded layer.
@@ -23,3 +25,5 @@ const uint16_t* DrawStack(const StackPlan& plan, const AlphaPlane& source);
 
 /// Gives the calling thread's memory back before the thread ends.
 void ReleaseStackMemory();
+
+}  // namespace umbrant::effect

@@ -13,6 +13,8 @@
 #include "cpu/kernels.h"
 #include "cpu/thread_pool.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 // Columns of a copy whose weights make one task.
@@ -236,3 +238,5 @@ const uint16_t* StackDrawer::Draw(const std::vector<StackSample>& samples, int w
     }
     return m.accumulated.Get();
 }
+
+}  // namespace umbrant::effect

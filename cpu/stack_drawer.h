@@ -12,6 +12,8 @@
 #include "cpu/column_tiles.h"
 #include "render/pass_plan.h"
 
+namespace umbrant::effect {
+
 /// One sample whose planned regions are not empty and of which the source stores rows.
 struct StackSample {
     const ColumnTiles* source = nullptr;
@@ -36,3 +38,5 @@ class StackDrawer {
     struct Memory;
     std::unique_ptr<Memory> memory_;
 };
+
+}  // namespace umbrant::effect

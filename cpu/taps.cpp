@@ -9,6 +9,8 @@
 #include <cmath>
 #include <utility>
 
+namespace umbrant::effect {
+
 int EdgeIndex(int64_t index, int size, Edge edge) {
     if (index >= 0 && index < size) return static_cast<int>(index);
     if (edge == Edge::kClamp) return index < 0 ? 0 : size - 1;
@@ -122,3 +124,5 @@ void TapFolder::Flush(const KeptInputs& inputs, TapList* list) {
     low_ = static_cast<int>(sums_.size() / kTapOutputs);
     high_ = 0;
 }
+
+}  // namespace umbrant::effect

@@ -11,6 +11,8 @@
 #include "cpu/kernels.h"
 #include "render/pass_plan.h"
 
+namespace umbrant::effect {
+
 /// The input index that a tap beyond the edge reads. `size` is at least 1.
 int EdgeIndex(int64_t index, int size, Edge edge);
 
@@ -74,3 +76,5 @@ class TapFolder {
     int low_ = 0;
     int high_ = 0;
 };
+
+}  // namespace umbrant::effect

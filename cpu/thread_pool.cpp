@@ -17,6 +17,8 @@
 #include <utility>
 #include <vector>
 
+namespace umbrant::effect {
+
 namespace {
 
 constexpr std::chrono::microseconds kAwake{50};
@@ -166,3 +168,5 @@ void EndPool() {
 void ForgetPoolInChild() {
     pool.StartAfresh();
 }
+
+}  // namespace umbrant::effect

@@ -8,6 +8,8 @@
 
 #include <functional>
 
+namespace umbrant::effect {
+
 /// How many threads work at a time, the calling one included; at least 1.
 int PoolThreads();
 
@@ -26,3 +28,5 @@ void EndPool();
 /// In a forked child, before anything else: the threads are the parent's, so the pool forgets them and whatever it was
 /// doing. The next run starts it as if for the first time.
 void ForgetPoolInChild();
+
+}  // namespace umbrant::effect

@@ -8,6 +8,8 @@
 #include "entry/suites/suite_handler.h"
 #include "entry/version.h"
 
+namespace umbrant::effect {
+
 std::string VersionedEffectName() {
     return std::string(kEffectName) + " v" + std::to_string(kVersionMajor) + "." + std::to_string(kVersionMinor) + "." +
            std::to_string(kVersionBugFix);
@@ -21,3 +23,5 @@ PF_Err About(PF_InData* in_data, PF_OutData* out_data) {
     suites.ANSICallbacksSuite1()->sprintf(out_data->return_msg, text.c_str());
     return PF_Err_NONE;
 }
+
+}  // namespace umbrant::effect

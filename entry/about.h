@@ -8,8 +8,12 @@
 
 #include "hostapi/commands.h"
 
+namespace umbrant::effect {
+
 /// "Umbrant 2 v1.3.3", of the numbers in entry/version.h.
 std::string VersionedEffectName();
 
 /// Writes the about text into `return_msg`; does nothing in Premiere Pro. Returns 0; throws 516 for a missing suite.
 PF_Err About(PF_InData* in_data, PF_OutData* out_data);
+
+}  // namespace umbrant::effect

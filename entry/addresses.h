@@ -6,6 +6,10 @@
 // UMBRANT_FREE_PLUGINS_URL, UMBRANT_SUPPORT_URL), which takes complete https addresses alone; for macOS, where a shell
 // opens them, without the characters that a shell acts on.
 
+namespace umbrant::effect {
+
 extern const char kProductUrl[];
 extern const char kFreePluginsUrl[];
 extern const char kSupportUrl[];
+
+}  // namespace umbrant::effect

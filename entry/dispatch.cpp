@@ -14,6 +14,8 @@
 #include "render/pre_render/pre_render.h"
 #include "render/smart_render.h"
 
+using namespace umbrant::effect;
+
 namespace {
 
 /// Whether what the command is about was left out, as hosts with faults of their own have done.

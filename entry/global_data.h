@@ -24,6 +24,8 @@ struct GlobalData {
     A_u_char rendererRecorded;
 };
 
+namespace umbrant::effect {
+
 /// The handles whose record global set-up has written. Behind any other handle, one that could not be locked then
 /// included, the memory may hold anything: whoever reads global data takes it for an empty record. [any]
 class WrittenRecords {
@@ -73,3 +75,5 @@ class LockedGlobalData {
     PF_Handle handle_;
     GlobalData* record_ = nullptr;
 };
+
+}  // namespace umbrant::effect

@@ -18,8 +18,12 @@
 #include "render/processor/processor_path.h"
 #include "render/processor/renderer_request.h"
 
+using namespace umbrant::effect;
+
 std::recursive_mutex globalMutex;
 AEGP_PluginID my_id;
+
+namespace umbrant::effect {
 
 namespace {
 
@@ -165,3 +169,5 @@ PF_Err GlobalSetdown(PF_InData* in_data) {
             [&] { RunBoth([&] { handles->host_dispose_handle(handle); }, [&] { in_data->global_data = nullptr; }); });
     return PF_Err_NONE;
 }
+
+}  // namespace umbrant::effect

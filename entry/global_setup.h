@@ -16,6 +16,8 @@ extern std::recursive_mutex globalMutex;
 /// The module's plug-in id. Intended: never assigned, so it stays zero.
 extern AEGP_PluginID my_id;
 
+namespace umbrant::effect {
+
 /// Announces version and flags, and keeps `GlobalData` with a probe context and the driver's strings in
 /// `out_data->global_data`. Returns 0, also when there is no memory for the record, the record cannot be locked (the
 /// handle is then kept with nothing written) or no context can be made; throws 516 for a missing suite.
@@ -25,3 +27,5 @@ PF_Err GlobalSetup(PF_InData* in_data, PF_OutData* out_data);
 /// cannot be locked. Leaves no context current when there was a probe context. Returns 0; throws 516 for a missing
 /// suite.
 PF_Err GlobalSetdown(PF_InData* in_data);
+
+}  // namespace umbrant::effect

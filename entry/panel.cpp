@@ -11,6 +11,10 @@
 #include "entry/suites/without_throwing.h"
 #include "platform/open_url.h"
 
+using namespace umbrant::effect;
+
+namespace umbrant::effect {
+
 namespace {
 
 /// The items of "Shadow Type".
@@ -98,6 +102,8 @@ void FollowShadowType(A_long type, Rows* rows) {
 
 }  // namespace
 
+}  // namespace umbrant::effect
+
 PF_Err collapseParam(PF_InData* in_data, AEGP_SuiteHandler* suites, PF_ParamDef* params[], int param_type, int index,
                      unsigned char collapse) {
     PF_ParamDef def = *params[index];
@@ -143,6 +149,8 @@ PF_Err hideStream(AEGP_SuiteHandler* suites, int index, AEGP_EffectRefH* effect,
     return stream != nullptr ? streams->AEGP_DisposeStream(stream) : PF_Err_NONE;
 }
 
+namespace umbrant::effect {
+
 PF_Err UpdateParamsUI(PF_InData* in_data, PF_ParamDef* params[]) {
     AEGP_SuiteHandler suites(in_data->pica_basicP);
     OwnEffect effect(in_data, &suites);
@@ -173,3 +181,5 @@ PF_Err UserChangedParam(PF_InData* in_data, PF_UserChangedParamExtra* extra) {
     }
     return PF_Err_NONE;
 }
+
+}  // namespace umbrant::effect

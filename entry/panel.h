@@ -21,6 +21,8 @@ PF_Err disableParam(PF_InData* in_data, AEGP_SuiteHandler* suites, PF_ParamDef* 
 /// history. Returns the first of the host's errors; throws 516 for a missing suite, with no stream left behind.
 PF_Err hideStream(AEGP_SuiteHandler* suites, int index, AEGP_EffectRefH* effect, unsigned char hide);
 
+namespace umbrant::effect {
+
 /// Makes the rows follow "Shadow Type". Stops at the host's first error and returns it; rows changed until then stay
 /// changed. Throws 516 for a missing suite; the one that gives the instance's reference back is asked for last.
 PF_Err UpdateParamsUI(PF_InData* in_data, PF_ParamDef* params[]);
@@ -28,3 +30,5 @@ PF_Err UpdateParamsUI(PF_InData* in_data, PF_ParamDef* params[]);
 /// A control was changed or a button pressed: the three buttons of "About & Support" open their pages, everything else
 /// is ignored. Returns 0; throws 516 for a missing suite.
 PF_Err UserChangedParam(PF_InData* in_data, PF_UserChangedParamExtra* extra);
+
+}  // namespace umbrant::effect

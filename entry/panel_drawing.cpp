@@ -14,6 +14,8 @@
 #include "entry/suites/without_throwing.h"
 #include "pixel/locked_handle.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 /// The three drawing suites, released in the reverse order. What is missing throws 13 and says so to the user.
@@ -92,3 +94,5 @@ PF_Err HandleEvent(PF_InData* in_data, PF_OutData* out_data, PF_EventExtra* even
     if (event->e_type != PF_Event_DRAW) return PF_Err_NONE;
     return Draw(in_data, out_data, event);
 }
+
+}  // namespace umbrant::effect

@@ -8,6 +8,8 @@
 
 #include "pixel/blend_modes.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 constexpr PF_ParamFlags kCannotTimeVary = PF_ParamFlag_CANNOT_TIME_VARY;
@@ -199,3 +201,5 @@ static_assert(
         return true;
     }(),
     "row i is parameter i");
+
+}  // namespace umbrant::effect

@@ -11,6 +11,8 @@
 #include "entry/param_ids.h"
 #include "hostapi/params.h"
 
+namespace umbrant::effect {
+
 /// Ranges of a float slider, in the parameter's own unit. `initial` is value and default.
 struct FloatSliderRow {
     float validMin;
@@ -47,3 +49,5 @@ using ParamTable = std::array<ParamRow, PARAM_NUM_PARAMS>;
 
 /// Row i is parameter i. Row 0 is the layer that the effect is applied to, which the host supplies itself.
 extern const ParamTable kParamTable;
+
+}  // namespace umbrant::effect

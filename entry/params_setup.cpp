@@ -13,6 +13,8 @@
 #include "entry/suites/suite_handler.h"
 #include "hostapi/custom_ui.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 constexpr char kNoDriver[] = "NULL";
@@ -120,3 +122,5 @@ PF_Err ParamsSetup(PF_InData* in_data, PF_OutData* out_data) {
     out_data->num_params = PARAM_NUM_PARAMS;
     return PF_Err_NONE;
 }
+
+}  // namespace umbrant::effect

@@ -7,6 +7,8 @@
 #include "entry/version.h"
 #include "hostapi/errors.h"
 
+using namespace umbrant::effect;
+
 namespace {
 
 /// The host reads its strings as unsigned characters.

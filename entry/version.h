@@ -8,6 +8,8 @@
 #include "hostapi/commands.h"
 #include "hostapi/version.h"
 
+namespace umbrant::effect {
+
 inline constexpr char kEffectName[] = "Umbrant 2";
 inline constexpr char kEffectMatchName[] = "KAUM2";
 inline constexpr char kEffectCategory[] = "Halvane";
@@ -35,3 +37,5 @@ inline constexpr PF_OutFlags2 kOutFlags2 =
     PF_OutFlag2_SUPPORTS_THREADED_RENDERING;
 static_assert(kOutFlags == 0x04008000);
 static_assert(kOutFlags2 == 0x08201409);
+
+}  // namespace umbrant::effect

@@ -8,6 +8,8 @@
 #include "pixel/return_message.h"
 #include "pixel/world_alpha.h"
 
+using namespace umbrant::effect;
+
 namespace {
 
 constexpr char kAlreadyAllocated[] = "FBO init called on already allocated FBO";

@@ -7,6 +7,8 @@
 #include "pixel/locked_handle.h"
 #include "pixel/world_alpha.h"
 
+using namespace umbrant::effect;
+
 namespace {
 
 constexpr char kOnPingPong[] = "Warning: init PF_World called on pingpong buffer, possible problems";

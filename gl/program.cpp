@@ -8,6 +8,8 @@
 
 #include "pixel/return_message.h"
 
+using namespace umbrant::effect;
+
 namespace {
 
 constexpr GLsizei kLogBytes = 512;

@@ -5,6 +5,8 @@
 
 #include <cstddef>
 
+using namespace umbrant::effect;
+
 namespace {
 
 constexpr GLsizei kStride = kQuadVertexFloats * sizeof(float);

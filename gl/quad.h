@@ -7,9 +7,13 @@
 
 #include "platform/gl_api.h"
 
+namespace umbrant::effect {
+
 /// Floats per vertex (x, y, z, u, v), and vertices per quad.
 inline constexpr int kQuadVertexFloats = 5;
 inline constexpr int kQuadVertices = 4;
+
+}  // namespace umbrant::effect
 
 /// Makes the quad that covers the viewport, (-1, -1) to (1, 1), texture (0, 0) to (1, 1). Its vertices run clockwise,
 /// so face culling must stay off. Leaves no vertex array bound, the array buffer bound.

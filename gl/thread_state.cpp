@@ -10,6 +10,8 @@
 #include "gl/quad.h"
 #include "platform/fork.h"
 
+using namespace umbrant::effect;
+
 thread_local std::unique_ptr<LocalGLStruct, tls_ctx_deleter> local_render_data;
 
 namespace {

@@ -14,9 +14,9 @@
 #include "render/shadow_shaders.h"
 
 struct LocalGLStruct {
-    CGLContextObj context = nullptr;  ///< this thread's context; null when it could not be made
-    Program programs[kProgramCount];  ///< by slot, in the order of `InitPrograms`
-    GLuint quadVAO = 0;               ///< written by `InitQuad`, meaningful only with a context
+    CGLContextObj context = nullptr;                   ///< this thread's context; null when it could not be made
+    Program programs[umbrant::effect::kProgramCount];  ///< by slot, in the order of `InitPrograms`
+    GLuint quadVAO = 0;                                ///< written by `InitQuad`, meaningful only with a context
     GLuint quadVBO = 0;
 };
 

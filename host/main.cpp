@@ -7,6 +7,8 @@
 #include "host/isolation/module_child.h"
 #include "host/process/interruption.h"
 
+using namespace umbrant::host;
+
 int main(int argc, char** argv) {
     if (const auto served = RunModuleProcess(argc, argv)) return *served;
     PrepareProcess();

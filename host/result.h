@@ -10,6 +10,8 @@
 #include <utility>
 #include <variant>
 
+namespace umbrant::host {
+
 /// Exit codes of every subcommand; they are part of the command line's contract.
 enum class ExitCode {
     kDone = 0,
@@ -53,3 +55,5 @@ class [[nodiscard]] Result {
 
 /// Success without a value.
 struct Done {};
+
+}  // namespace umbrant::host

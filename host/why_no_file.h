@@ -9,6 +9,8 @@
 #include <string>
 #include <system_error>
 
+namespace umbrant::host {
+
 constexpr char kNoSuchFile[] = "there is no such file";
 
 /// Why there is nothing at a path, or nothing when there is a file or a folder. A folder that may not be entered hides
@@ -20,3 +22,5 @@ inline std::optional<std::string> WhyNoFile(const std::filesystem::path& file) {
     if (!std::filesystem::exists(status)) return kNoSuchFile;
     return std::nullopt;
 }
+
+}  // namespace umbrant::host

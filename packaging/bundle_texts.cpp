@@ -8,6 +8,8 @@
 #include "entry/version.h"
 #include "hostapi/registration.h"
 
+using namespace umbrant::effect;
+
 namespace {
 
 /// The characters of a code of four, in reading order.

@@ -9,6 +9,8 @@
 #include "hostapi/registration.h"
 #include "packaging/resource_file.h"
 
+using namespace umbrant::effect;
+
 namespace {
 
 constexpr std::uint32_t kStructureVersion = 0;

@@ -16,6 +16,8 @@
 #include "packaging/property_list.h"
 #include "packaging/resource_file.h"
 
+using namespace umbrant::effect;
+
 namespace {
 
 bool Write(const std::filesystem::path& file, const std::string& bytes) {

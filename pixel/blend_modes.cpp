@@ -10,6 +10,10 @@
 
 #include "pixel/saturate.h"
 
+using namespace umbrant::effect;
+
+namespace umbrant::effect {
+
 static_assert(FLT_EVAL_METHOD == 0, "float expressions must round to single precision at every step");
 
 namespace {
@@ -134,6 +138,8 @@ void ApplyTextureTransferMode(int32_t item, PF_CompositeMode* mode) {
     if (index >= static_cast<uint32_t>(kTextureItemCount) || (kTextureItemMask >> index & 1u) == 0) return;
     mode->xfer = kTextureTransferModes[index];
 }
+
+}  // namespace umbrant::effect
 
 float blend32(float* a, float* b, float* opacity, int mode) {
     if (mode == 4) *b = ClampedBurnDestination(*b);

@@ -9,6 +9,8 @@
 
 #include "hostapi/transfer.h"
 
+namespace umbrant::effect {
+
 /// The items of the shadow's "Blend Mode" popup; "(-" is a separator that takes a number.
 inline constexpr char kShadowBlendModeItems[] =
     "Normal|(-|Add|Screen|(-|Overlay|Soft Light|Hard Light|(-|Darken|Multiply|Color Burn|Classic Color Burn|"
@@ -29,6 +31,8 @@ void ApplyTextureTransferMode(int32_t item, PF_CompositeMode* mode);
 // Per-channel blending of one scalar. `a` is the layer being laid on, `b` the value underneath, `opacity` 0..1, `mode`
 // an item number of the texture's popup; a number without a blend of its own (separators, stencils, silhouettes,
 // anything outside) blends with 0, so it fades `b` towards black. Alpha is never read.
+
+}  // namespace umbrant::effect
 
 /// The blended channel, not clamped. Mode 4 writes the clamped `b` back through its pointer.
 float blend32(float* a, float* b, float* opacity, int mode);

@@ -11,6 +11,8 @@
 #include "entry/suites/without_throwing.h"
 #include "hostapi/suites/handle_suite.h"
 
+namespace umbrant::effect {
+
 /// Bytes of `width` x `height` elements, formed in 64 bits; 0 when either is below 1.
 constexpr A_HandleSize ElementBytes(int32_t width, int32_t height, A_HandleSize bytesPerElement) {
     if (width < 1 || height < 1) return 0;
@@ -46,3 +48,5 @@ class LockedHandle {
     PF_Handle handle_;
     void* address_ = nullptr;
 };
+
+}  // namespace umbrant::effect

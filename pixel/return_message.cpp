@@ -5,8 +5,12 @@
 
 #include <algorithm>
 
+namespace umbrant::effect {
+
 void WriteReturnMessage(const std::string& message, PF_OutData* out_data) {
     constexpr size_t kMaxCharacters = 255;
     if (!out_data) return;
     std::copy_n(message.begin(), std::min(message.size(), kMaxCharacters), out_data->return_msg);
 }
+
+}  // namespace umbrant::effect

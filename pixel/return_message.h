@@ -8,6 +8,10 @@
 
 #include "hostapi/commands.h"
 
+namespace umbrant::effect {
+
 /// Copies at most 255 characters of `message` to the start of `out_data->return_msg`; a null `out_data` takes nothing.
 // Intended: no terminating NUL and no flag is written, so a shorter message leaves the tail of a longer one behind it.
 void WriteReturnMessage(const std::string& message, PF_OutData* out_data);
+
+}  // namespace umbrant::effect

@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <limits>
 
+namespace umbrant::effect {
+
 /// `value` truncated toward zero, limited to the range of `int32_t`; not-a-number gives 0.
 constexpr int32_t ToInt32(double value) {
     if (value != value) return 0;
@@ -22,3 +24,5 @@ constexpr uint8_t ToUint8(double value) {
     if (value >= 255.0) return 255;
     return static_cast<uint8_t>(value);
 }
+
+}  // namespace umbrant::effect

@@ -5,6 +5,8 @@
 
 #include "pixel/pixel_transfer.h"
 
+namespace umbrant::effect {
+
 PF_Err FillFromWorld(void* buffer, PF_LayerDef* world, int32_t bitDepth, PF_InData* in_data,
                      AEGP_SuiteHandler& suites) {
     PixelTransferRefcon refcon{buffer, world, nullptr};
@@ -27,3 +29,5 @@ PF_Err FillWorld32(void* buffer, PF_InData* in_data, AEGP_SuiteHandler& suites, 
     return suites.IterateFloatSuite1()->iterate(in_data, 0, output->height, output, nullptr, &refcon, CopyPixelFloatOut,
                                                 output);
 }
+
+}  // namespace umbrant::effect

@@ -10,6 +10,8 @@
 #include "entry/suites/suite_handler.h"
 #include "hostapi/commands.h"
 
+namespace umbrant::effect {
+
 inline constexpr char kDepthRefused[] = "Init world called on PF_EffectWorld of incompatible depth, likely 16bpc";
 
 /// What is said when a buffer of so many pixels cannot be had.
@@ -29,3 +31,5 @@ PF_Err FillFromWorld(void* buffer, PF_LayerDef* world, int32_t bitDepth, PF_InDa
 PF_Err FillWorld8(void* buffer, PF_InData* in_data, AEGP_SuiteHandler& suites, PF_Pixel* colour, PF_LayerDef* output);
 PF_Err FillWorld32(void* buffer, PF_InData* in_data, AEGP_SuiteHandler& suites, PF_PixelFloat* colour,
                    PF_LayerDef* output);
+
+}  // namespace umbrant::effect

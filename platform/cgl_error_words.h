@@ -6,6 +6,8 @@
 
 #include "platform/cgl_api.h"
 
+namespace umbrant::effect {
+
 /// One lower-case phrase, a static string; an unknown value has a phrase too.
 inline const char* CglErrorWords(CGLError error) {
     switch (error) {
@@ -51,3 +53,5 @@ inline const char* CglErrorWords(CGLError error) {
             return "unknown error";
     }
 }
+
+}  // namespace umbrant::effect

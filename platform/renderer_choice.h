@@ -4,6 +4,8 @@
 
 // Whether the host asked for shadows drawn by the CPU renderer. Without such a request everything goes through OpenGL.
 
+namespace umbrant::effect {
+
 enum class RendererChoice {
     kOpenGL,
     kProcessor,
@@ -12,3 +14,5 @@ enum class RendererChoice {
 
 /// What was asked for when this was called first. Linux: the environment variable UMBRANT_RENDERER, "gl" or "cpu".
 RendererChoice ChosenRenderer();
+
+}  // namespace umbrant::effect

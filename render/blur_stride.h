@@ -12,6 +12,8 @@
 
 #include "pixel/saturate.h"
 
+namespace umbrant::effect {
+
 /// Pixels that a blur reaches each way.
 inline double BlurAmount(double softness) {
     return std::max(softness, 1.0);
@@ -37,3 +39,5 @@ inline float StrideDown(float amount, int32_t steps, int32_t height) {
 inline float StrideRadial(double softness, int32_t steps, int32_t size) {
     return static_cast<float>((softness / steps) / size);
 }
+
+}  // namespace umbrant::effect

@@ -9,6 +9,8 @@
 #include "hostapi/transfer.h"
 #include "pixel/saturate.h"
 
+using namespace umbrant::effect;
+
 PF_Err CompTextureAndInput(PF_InData* in_data, myParams* params, AEGP_SuiteHandler& suites) {
     if (params->textureWorld) {
         if (PF_Err err = LayTexture(in_data, params, suites, params->outputWorld)) return err;
@@ -16,6 +18,8 @@ PF_Err CompTextureAndInput(PF_InData* in_data, myParams* params, AEGP_SuiteHandl
     if (params->sourceOpacity == 0) return PF_Err_NONE;
     return LayInput(in_data, params, suites, PF_Xfer_IN_FRONT, params->sourceOpacity);
 }
+
+namespace umbrant::effect {
 
 PF_Err LayTexture(PF_InData* in_data, myParams* params, AEGP_SuiteHandler& suites, PF_EffectWorld* shadow) {
     const PF_LayerDef* output = params->outputWorld;
@@ -42,3 +46,5 @@ PF_Err LayInput(PF_InData* in_data, myParams* params, AEGP_SuiteHandler& suites,
         in_data->effect_ref, in_data->quality, PF_MF_Alpha_STRAIGHT, in_data->field, &output->extent_hint, input, &mode,
         nullptr, input->origin_x - output->origin_x, input->origin_y - output->origin_y, output);
 }
+
+}  // namespace umbrant::effect

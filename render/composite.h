@@ -13,6 +13,8 @@
 /// front, at "Source Opacity". Returns the first transfer's error; a failing texture leaves the source out.
 PF_Err CompTextureAndInput(PF_InData* in_data, myParams* params, AEGP_SuiteHandler& suites);
 
+namespace umbrant::effect {
+
 /// Lays the texture layer's colour on `shadow`, a world that covers the output, at the texture's place in the output.
 /// The shadow's alpha does not change.
 PF_Err LayTexture(PF_InData* in_data, myParams* params, AEGP_SuiteHandler& suites, PF_EffectWorld* shadow);
@@ -20,3 +22,5 @@ PF_Err LayTexture(PF_InData* in_data, myParams* params, AEGP_SuiteHandler& suite
 /// Transfers the input onto the output where it lies there, by the given mode and opacity (0..255), alpha included.
 PF_Err LayInput(PF_InData* in_data, myParams* params, AEGP_SuiteHandler& suites, PF_TransferMode xfer,
                 A_u_char opacity);
+
+}  // namespace umbrant::effect

@@ -8,6 +8,8 @@
 #include "pixel/pixel_transfer.h"
 #include "render/composite.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 // A cleared world of the output's size and format.
@@ -68,3 +70,5 @@ PF_Err CompositeInnerShadow(PF_InData* in_data, AEGP_SuiteHandler& suites, myPar
     }
     return Composite(in_data, suites, settings, &shadow.world);
 }
+
+}  // namespace umbrant::effect

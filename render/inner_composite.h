@@ -12,6 +12,8 @@
 #include "pixel/effect_world.h"
 #include "render/render_settings.h"
 
+namespace umbrant::effect {
+
 /// Makes `padded` a world of the output's size, with the layer in a border as wide as the output grew, so that its
 /// outside can cast a shadow into it. Succeeds without a world where the output has no pixels.
 PF_Err PadInput(PF_InData* in_data, const myParams& settings, HV_EffectWorld* padded);
@@ -20,3 +22,5 @@ PF_Err PadInput(PF_InData* in_data, const myParams& settings, HV_EffectWorld* pa
 /// colour into a second world; without one the shadow is transparent. Returns the first error.
 PF_Err CompositeInnerShadow(PF_InData* in_data, AEGP_SuiteHandler& suites, myParams* settings,
                             const std::function<PF_Err(PF_EffectWorld* shadow)>& readBack);
+
+}  // namespace umbrant::effect

@@ -12,6 +12,8 @@
 #include <cstdint>
 #include <vector>
 
+namespace umbrant::effect {
+
 /// Half-open, in texels or pixels of one axis.
 struct Range {
     int32_t begin = 0;
@@ -155,3 +157,5 @@ struct PaddingPlan {
     float quadScaleX = 1;  ///< the padded layer's share of the output's width
     float quadScaleY = 1;
 };
+
+}  // namespace umbrant::effect

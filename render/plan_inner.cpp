@@ -7,6 +7,8 @@
 #include "render/plan_parts.h"
 #include "render/plan_passes.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 SamplePlan PlanSample(const myParams& settings, const perSampleData& sample, const framebufferData& record) {
@@ -52,3 +54,5 @@ Region InvertedRegion(const InversionPlan& plan, const Region& holes) {
 StackPlan PlanInnerStack(const myParams& settings, const Region& inverted, Precision precision) {
     return PlanBufferStack(settings, PlanSample, inverted, precision);
 }
+
+}  // namespace umbrant::effect

@@ -7,6 +7,8 @@
 #include "render/plan_parts.h"
 #include "render/plan_passes.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 SamplePlan PlanSample(const myParams& settings, const perSampleData& sample, const framebufferData& record) {
@@ -61,3 +63,5 @@ PlacePlan PlanPlace(const myParams& settings, const perSampleData& sample, const
 StackPlan PlanNormalStack(const myParams& settings, const Region& layer, Precision precision) {
     return PlanBufferStack(settings, PlanSample, layer, precision);
 }
+
+}  // namespace umbrant::effect

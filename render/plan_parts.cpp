@@ -5,6 +5,8 @@
 
 #include "render/plan_parts.h"
 
+namespace umbrant::effect {
+
 AxisSampling ScaledAxis(int32_t outputs, float scale, int32_t inputs, Edge edge) {
     const double share = static_cast<double>(scale);
     const double pitch = share * inputs / outputs;
@@ -32,3 +34,5 @@ StackPlan PlanBufferStack(const myParams& settings, BufferPlanner planner, const
     }
     return stack;
 }
+
+}  // namespace umbrant::effect

@@ -8,6 +8,8 @@
 #include "render/plan_passes.h"
 #include "render/render_settings.h"
 
+namespace umbrant::effect {
+
 /// An axis whose outputs cover `scale` times the `inputs`.
 AxisSampling ScaledAxis(int32_t outputs, float scale, int32_t inputs, Edge edge);
 
@@ -30,3 +32,5 @@ using BufferPlanner = SamplePlan (*)(const myParams& settings, const perSampleDa
 /// whose buffer is zero-sized, stay empty.
 StackPlan PlanBufferStack(const myParams& settings, BufferPlanner planner, const Region& something,
                           Precision precision);
+
+}  // namespace umbrant::effect

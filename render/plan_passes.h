@@ -9,6 +9,8 @@
 #include "render/render_settings.h"
 #include "render/settings/radial_samples.h"
 
+namespace umbrant::effect {
+
 /// Texels and pixels that a renderer's sampling positions may be away from the plan's.
 enum class Precision : int32_t {
     kExact = 0,   ///< the CPU renderer calculates with the plan's own numbers
@@ -47,3 +49,5 @@ Region PaddedRegion(const PaddingPlan& plan, const Region& layer);
 /// All passes of a radial shadow. `padded` is the part of the padded layer that is not 0.
 StackPlan PlanRadialStack(const myParams& settings, const PaddingPlan& padding, const Region& padded,
                           Precision precision);
+
+}  // namespace umbrant::effect

@@ -9,6 +9,8 @@
 #include "render/plan_parts.h"
 #include "render/plan_passes.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 // Samples of a radial shadow keep their softness in double precision.
@@ -73,3 +75,5 @@ StackPlan PlanRadialStack(const myParams& settings, const PaddingPlan& padding, 
     }
     return stack;
 }
+
+}  // namespace umbrant::effect

@@ -10,6 +10,8 @@
 #include "pixel/saturate.h"
 #include "render/plan_parts.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 Range Limited(double begin, double end, int32_t size) {
@@ -90,3 +92,5 @@ SampleRegions RegionsOf(const SamplePlan& plan, const Region& something, int32_t
                       PixelsOf(plan.place.y, covered.y, regions.down.y, spare)};
     return regions.Empty() ? SampleRegions{} : regions;
 }
+
+}  // namespace umbrant::effect

@@ -4,9 +4,13 @@
 
 // The GLSL texts, embedded byte for byte from render/shaders/ by the build (cmake/EmbedText.cmake).
 
+namespace umbrant::effect {
+
 extern const char kQuadVert[];
 extern const char kInvertFrag[];
 extern const char kBlurWFrag[];
 extern const char kBlurHFrag[];
 extern const char kCopyAFrag[];
 extern const char kCopyBFrag[];
+
+}  // namespace umbrant::effect

@@ -15,6 +15,8 @@
 #include "render/processor/processor_passes.h"
 #include "render/processor/processor_path.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 constexpr char kLostByFork[] =
@@ -72,3 +74,5 @@ const ShadowBackend* BackendOf(RendererChoice choice) {
     }
     return nullptr;
 }
+
+}  // namespace umbrant::effect

@@ -14,6 +14,8 @@
 #include "render/render_settings.h"
 #include "render/settings/radial_samples.h"
 
+namespace umbrant::effect {
+
 /// Draws a shadow into the output world of filled settings; only a radial shadow reads `geometry`. What is drawn, and
 /// the messages and errors, are documented in render/passes/passes.h.
 using ShadowFunction = PF_Err (*)(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites,
@@ -35,3 +37,5 @@ struct ShadowBackend {
 
 /// Null for a refused choice.
 const ShadowBackend* BackendOf(RendererChoice choice);
+
+}  // namespace umbrant::effect

@@ -10,6 +10,8 @@
 #include "render/render_settings.h"
 #include "render/shader_sources.h"
 
+using namespace umbrant::effect;
+
 bool InitPrograms(Program* programs, PF_OutData* out_data) {
     const char* const fragments[kProgramCount] = {kInvertFrag, kBlurWFrag, kBlurHFrag, kCopyAFrag, kCopyBFrag};
     bool allBuilt = true;

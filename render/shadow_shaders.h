@@ -19,6 +19,8 @@
 class Program;
 struct myParams;
 
+namespace umbrant::effect {
+
 inline constexpr int kProgramInvert = 0;
 inline constexpr int kProgramBlurW = 1;
 inline constexpr int kProgramBlurH = 2;
@@ -26,12 +28,18 @@ inline constexpr int kProgramPlace = 3;
 inline constexpr int kProgramCopy = 4;
 inline constexpr int kProgramCount = 5;
 
+}  // namespace umbrant::effect
+
 /// Builds the five programs into five consecutive objects, slot 0 first, in the calling thread's current context. Every
 /// one is attempted even after a failure; true only when all succeeded.
 bool InitPrograms(Program* programs, PF_OutData* out_data);
 
+namespace umbrant::effect {
+
 // The senders take the program in use by id and look every uniform up by name each time. An index beyond
 // `params->samples` or `params->framebuffers` throws std::out_of_range.
+
+}  // namespace umbrant::effect
 
 /// Horizontal blur. Leaves blurAmount (pixels), blurSteps (taps each side) and blurStride (input texture widths) in
 /// `params` for SendBlurHUniforms.

@@ -20,6 +20,8 @@
 #include "render/settings/samples.h"
 #include "render/shadow_backend.h"
 
+using namespace umbrant::effect;
+
 namespace {
 
 // Layers checked out for one render; checked in again on every way out, also when a suite is missing.

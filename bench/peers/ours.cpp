@@ -19,6 +19,8 @@
 #include "host/compositing/world.h"
 #include "host/session/effect_session.h"
 
+using namespace umbrant::host;
+
 namespace {
 
 [[noreturn]] void Fail(const std::string& sentence) {

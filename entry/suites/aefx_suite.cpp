@@ -8,6 +8,10 @@
 #include <algorithm>
 #include <iterator>
 
+using namespace umbrant::effect;
+
+namespace umbrant::effect {
+
 namespace {
 
 constexpr char kCannotAcquire[] = "Not able to acquire AEFX Suite.";
@@ -45,6 +49,8 @@ PF_Err AcquireSuiteOrReport(const PF_InData* in_data, PF_OutData* out_data, cons
     return PF_Err_BAD_CALLBACK_PARAM;
 }
 
+}  // namespace umbrant::effect
+
 PF_Err AEFX_AcquireSuite(PF_InData* in_data, PF_OutData* out_data, const char* name, int32_t version,
                          const char* error_message, void** suite) {
     const void* acquired = nullptr;
@@ -63,6 +69,8 @@ PF_Err AEFX_ReleaseSuite(PF_InData* in_data, PF_OutData* out_data, const char* n
     if (suite != nullptr) *suite = nullptr;
     return basic->ReleaseSuite(name, version);
 }
+
+namespace umbrant::effect {
 
 namespace {
 
@@ -84,6 +92,8 @@ PF_Err Release(PF_InData* in_data, PF_OutData* out_data, const SuiteName& held, 
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect
 
 PF_Err AEFX_AcquireDrawbotSuites(PF_InData* in_data, PF_OutData* out_data, AEFX_DrawbotSuites* suites) {
     if (suites == nullptr) {

@@ -44,6 +44,10 @@ PF_Err AEFX_AcquireDrawbotSuites(PF_InData* in_data, PF_OutData* out_data, AEFX_
 /// as it is. A null record is `PF_Err_UNRECOGNIZED_PARAM_TYPE`.
 PF_Err AEFX_ReleaseDrawbotSuites(PF_InData* in_data, PF_OutData* out_data, AEFX_DrawbotSuites* suites);
 
+namespace umbrant::effect {
+
 /// What AEFX_AcquireSuite and the scoped holder share.
 PF_Err AcquireSuiteOrReport(const PF_InData* in_data, PF_OutData* out_data, const char* name, int32_t version,
                             const char* error_message, const void** suite);
+
+}  // namespace umbrant::effect

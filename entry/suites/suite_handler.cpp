@@ -10,6 +10,8 @@
 #include "entry/suites/without_throwing.h"
 #include "hostapi/errors.h"
 
+using namespace umbrant::effect;
+
 namespace {
 
 struct KnownSuite {

@@ -11,10 +11,14 @@
 #include "hostapi/commands.h"
 #include "hostapi/errors.h"
 
+namespace umbrant::effect {
+
 /// Throws `A_Err_MISSING_SUITE` (13) as a plain integer; EffectMain turns it into the command's result.
 [[noreturn]] inline void MissingScopedSuiteError() {
     throw PF_Err{A_Err_MISSING_SUITE};
 }
+
+}  // namespace umbrant::effect
 
 /// Holds one host suite for the length of a scope; what the host throws at its end is dropped. With `kMayBeMissing` a
 /// suite that the host does not offer leaves the holder empty; without it the constructor throws 13.
@@ -27,12 +31,12 @@ class AEFX_SuiteScoper {
                      const char* error_text)
         : suite_(nullptr), basic_(in_data->pica_basicP), name_(name), version_(version) {
         const void* suite = nullptr;
-        AcquireSuiteOrReport(in_data, out_data, name, version, error_text, &suite);
+        umbrant::effect::AcquireSuiteOrReport(in_data, out_data, name, version, error_text, &suite);
         suite_ = static_cast<const SuiteT*>(suite);
-        if (!kMayBeMissing && suite_ == nullptr) MissingScopedSuiteError();
+        if (!kMayBeMissing && suite_ == nullptr) umbrant::effect::MissingScopedSuiteError();
     }
     ~AEFX_SuiteScoper() {
-        if (suite_ != nullptr) WithoutThrowing([this] { basic_->ReleaseSuite(name_, version_); });
+        if (suite_ != nullptr) umbrant::effect::WithoutThrowing([this] { basic_->ReleaseSuite(name_, version_); });
     }
     AEFX_SuiteScoper(const AEFX_SuiteScoper&) = delete;
     AEFX_SuiteScoper& operator=(const AEFX_SuiteScoper&) = delete;

@@ -6,6 +6,8 @@
 // being handled, and between several things that must all be given back. A host's function throws only when the host
 // itself is faulty; the module then returns an error and keeps nothing.
 
+namespace umbrant::effect {
+
 /// Calls `action` and drops what it throws.
 template <typename Action>
 void WithoutThrowing(Action action) noexcept {
@@ -27,3 +29,5 @@ void RunBoth(First first, Second second) {
     }
     second();
 }
+
+}  // namespace umbrant::effect

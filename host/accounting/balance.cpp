@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+namespace umbrant::host {
+
 const char* ResourceName(Resource resource) {
     static constexpr const char* kNames[kResourceCount] = {
         "suites",           "handles",           "locks",   "worlds",         "blocks", "parameter check-outs",
@@ -27,3 +29,5 @@ std::string Balance::Text() const {
     }
     return text.empty() ? "nothing open" : text;
 }
+
+}  // namespace umbrant::host

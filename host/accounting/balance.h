@@ -8,6 +8,8 @@
 #include <cstddef>
 #include <string>
 
+namespace umbrant::host {
+
 /// What the host hands out and expects back.
 enum class Resource {
     kSuite,        ///< suites acquired
@@ -37,3 +39,5 @@ struct Balance {
     std::string Text() const;
     bool operator==(const Balance&) const = default;
 };
+
+}  // namespace umbrant::host

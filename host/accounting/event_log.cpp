@@ -6,6 +6,8 @@
 #include <chrono>
 #include <utility>
 
+namespace umbrant::host {
+
 namespace {
 
 std::int64_t Now() {
@@ -63,3 +65,5 @@ void EventLog::Clear() {
     events_.clear();
     firstKept_ = last_ + 1;
 }
+
+}  // namespace umbrant::host

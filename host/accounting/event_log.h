@@ -18,6 +18,8 @@
 #include "hostapi/drawbot_types.h"
 #include "hostapi/pixels.h"
 
+namespace umbrant::host {
+
 /// An argument: a number, or the address of what is meant. For a place that the call fills in (a world's record, a
 /// pointer to a reference) `after` is what stood there when the call returned.
 struct EventValue {
@@ -108,3 +110,5 @@ std::int64_t ResultValue(const R& result) {
         return 0;
     }
 }
+
+}  // namespace umbrant::host

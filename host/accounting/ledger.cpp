@@ -7,6 +7,8 @@
 #include <optional>
 #include <utility>
 
+namespace umbrant::host {
+
 namespace {
 
 /// Which value of an event names the thing.
@@ -161,3 +163,5 @@ Balance BalanceOf(const std::vector<Event>& events) {
     }
     return balance;
 }
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 #include "host/accounting/balance.h"
 #include "host/accounting/event_log.h"
 
+namespace umbrant::host {
+
 /// One thing and how often it was taken and given back. A thing is a suite by name and version, a handle, a lock on
 /// one, a world, a layer check-out by id, a stream, an effect reference, a drawing object; parameter check-outs are one
 /// thing, because a definition may be checked in through a copy.
@@ -33,3 +35,5 @@ std::vector<LedgerRow> KeepBooks(const std::vector<Event>& events);
 std::vector<LedgerRow> UnevenRows(const std::vector<Event>& events);
 /// The same as numbers by kind, comparable with what a session counts.
 Balance BalanceOf(const std::vector<Event>& events);
+
+}  // namespace umbrant::host

@@ -3,6 +3,8 @@
 
 #include "host/accounting/stage_clock.h"
 
+namespace umbrant::host {
+
 StageTimes StageClock::Snapshot() const {
     const std::lock_guard lock(mutex_);
     return times_;
@@ -43,3 +45,5 @@ void StageClock::Leave(PixelCall call) {
     transferred_ = transferred_ || call == PixelCall::kTransfer;
     uploaded_ = uploaded_ || call == PixelCall::kWalk;
 }
+
+}  // namespace umbrant::host

@@ -9,6 +9,8 @@
 
 #include "host/process/fork_lock.h"
 
+namespace umbrant::host {
+
 /// Kinds of host calls that move pixels.
 enum class PixelCall {
     kFetch,     ///< a layer checked out, a world copied
@@ -50,3 +52,5 @@ class StageClock {
     bool uploaded_ = false;
     bool transferred_ = false;
 };
+
+}  // namespace umbrant::host

@@ -9,6 +9,8 @@
 
 #include "host/parameters/param_kind.h"
 
+namespace umbrant::host {
+
 namespace {
 
 bool IsBefore(const RowTrack& track, int row) {
@@ -48,3 +50,5 @@ std::optional<std::string> WhyNotAnimatable(const ParamRow& row) {
     }
     return std::nullopt;
 }
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 #include "host/animation/keyframes.h"
 #include "host/parameters/param_set.h"
 
+namespace umbrant::host {
+
 inline bool operator==(const Track& a, const Track& b) {
     return a.inFrames == b.inFrames && a.keys == b.keys;
 }
@@ -46,3 +48,5 @@ class Animation {
 
 /// Why a row cannot move, as the rest of a sentence that begins with its name, or nothing when it can.
 std::optional<std::string> WhyNotAnimatable(const ParamRow& row);
+
+}  // namespace umbrant::host

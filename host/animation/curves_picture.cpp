@@ -15,6 +15,8 @@
 #include "host/parameters/param_kind.h"
 #include "host/suites/drawbot/text.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr char kPicture[] = "an image of the curves";
@@ -234,3 +236,5 @@ Result<World> DrawCurves(const ParamSet& values, const Animation& animation, con
     }
     return WorldOf(kPicture, drawing);
 }
+
+}  // namespace umbrant::host

@@ -8,6 +8,8 @@
 #include "host/compositing/world.h"
 #include "host/result.h"
 
+namespace umbrant::host {
+
 struct CurvesOptions {
     double firstFrame = 0;
     double lastFrame = 1;  ///< later than the first
@@ -22,3 +24,5 @@ inline constexpr int kCurvesHead = 30;
 /// channel and a strip of the colour itself. Fails with `ExitCode::kInternal` when there is no memory.
 Result<World> DrawCurves(const ParamSet& values, const Animation& animation, const AnimationClock& clock,
                          const CurvesOptions& options);
+
+}  // namespace umbrant::host

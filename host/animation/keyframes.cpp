@@ -8,6 +8,8 @@
 #include <cmath>
 #include <cstddef>
 
+namespace umbrant::host {
+
 namespace {
 
 /// The influence of a linear side opposite a Bézier side, from 0 to 1.
@@ -136,3 +138,5 @@ std::vector<double> Track::At(double frame, const AnimationClock& clock) const {
     const Path path(from, *after);
     return path.At(Eased(from.out, after->in, path.Total(), duration, part));
 }
+
+}  // namespace umbrant::host

@@ -14,6 +14,8 @@
 
 #include <vector>
 
+namespace umbrant::host {
+
 /// Frames and seconds.
 struct AnimationClock {
     double framesPerSecond = 24;
@@ -60,3 +62,5 @@ struct Track {
 /// How far a move from 0 to `distance` that takes `duration` seconds is after a `part` of them, 0 to 1; beyond the ends
 /// when its speeds carry it there.
 double Eased(const KeySide& out, const KeySide& in, double distance, double duration, double part);
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 
 #include "host/parameters/echo_text.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using Json = nlohmann::json;
@@ -221,3 +223,5 @@ Result<LocatedJson> ParseLocatedJson(const std::string& text) {
     if (!Json::sax_parse(begin, end, &builder)) return Failure{ExitCode::kFile, builder.problem};
     return std::move(builder.root);
 }
+
+}  // namespace umbrant::host

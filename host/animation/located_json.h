@@ -11,6 +11,8 @@
 
 #include "host/result.h"
 
+namespace umbrant::host {
+
 /// A place in a text, counted from 1; columns are characters, not bytes.
 struct TextPlace {
     int line = 1;
@@ -46,3 +48,5 @@ struct LocatedJson::Member {
 /// Reads a whole text, in time and memory proportional to its length. Fails with `ExitCode::kFile` and what is wrong
 /// with it where.
 Result<LocatedJson> ParseLocatedJson(const std::string& text);
+
+}  // namespace umbrant::host

@@ -21,6 +21,8 @@
 #include "host/parameters/param_set.h"
 #include "host/result.h"
 
+namespace umbrant::host {
+
 /// What a preset changes: values, and what moves.
 struct AnimatedParams {
     ParamSet values;
@@ -38,3 +40,5 @@ Result<Done> ApplyPresetText(const std::string& text, const std::string& name, A
 /// The current values and tracks as a preset, ending in a line break: every row that a user can set, in the order of
 /// the panel. Without tracks it is of version 1.
 std::string PresetText(const AnimatedParams& params);
+
+}  // namespace umbrant::host

@@ -15,6 +15,8 @@
 #include "host/animation/located_json.h"
 #include "host/parameters/echo_text.h"
 
+namespace umbrant::host {
+
 /// What is wrong with a preset: the first mistakes of its text, and how many there are.
 class PresetMistakes {
  public:
@@ -59,3 +61,5 @@ std::optional<std::string> ValueTextOf(const LocatedJson& value);
 /// there are none. `scratch` has the effect's rows, whose values it changes.
 std::optional<RowTrack> ReadTrack(const LocatedJson::Member& member, int row, ParamSet& scratch,
                                   PresetMistakes& mistakes);
+
+}  // namespace umbrant::host

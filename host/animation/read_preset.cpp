@@ -18,6 +18,8 @@
 #include "host/parameters/param_path.h"
 #include "host/why_no_file.h"
 
+namespace umbrant::host {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -256,3 +258,5 @@ Result<Done> ApplyPresetText(const std::string& text, const std::string& name, A
     params = std::move(changed);
     return Done{};
 }
+
+}  // namespace umbrant::host

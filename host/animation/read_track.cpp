@@ -13,6 +13,8 @@
 #include "host/animation/preset_reader.h"
 #include "host/parameters/param_kind.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using Kind = LocatedJson::Kind;
@@ -225,3 +227,5 @@ std::optional<RowTrack> ReadTrack(const LocatedJson::Member& member, int row, Pa
     }
     return TrackReader(EchoText(member.key), declared, scratch, mistakes).Read(member.value);
 }
+
+}  // namespace umbrant::host

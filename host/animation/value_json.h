@@ -9,5 +9,9 @@
 
 #include "host/parameters/param_set.h"
 
+namespace umbrant::host {
+
 /// `text` is a value of the row as ParamSet shows it.
 nlohmann::ordered_json ValueJson(const ParamRow& row, const std::string& text);
+
+}  // namespace umbrant::host

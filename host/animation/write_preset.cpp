@@ -13,6 +13,8 @@
 #include "host/animation/value_json.h"
 #include "host/parameters/param_kind.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -84,3 +86,5 @@ std::string PresetText(const AnimatedParams& params) {
     if (!keyframes.empty()) preset["keyframes"] = keyframes;
     return preset.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
+
+}  // namespace umbrant::host

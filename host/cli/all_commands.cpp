@@ -3,7 +3,11 @@
 
 #include "host/cli/command.h"
 
+namespace umbrant::host {
+
 std::vector<Command> AllCommands() {
     return {RenderCommand(),   ParamsCommand(), InfoCommand(), CompareCommand(),   PanelCommand(),
             ValidateCommand(), CurvesCommand(), FarmCommand(), CompletionCommand()};
 }
+
+}  // namespace umbrant::host

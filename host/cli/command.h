@@ -16,6 +16,8 @@ namespace CLI {
 class App;
 }
 
+namespace umbrant::host {
+
 struct Command {
     std::string name;
     std::string summary;
@@ -36,3 +38,5 @@ Command CompletionCommand();
 
 /// All of them, in the order of the help text.
 std::vector<Command> AllCommands();
+
+}  // namespace umbrant::host

@@ -18,6 +18,8 @@
 #include "host/cli/option_checks.h"
 #include "host/cli/results.h"
 
+namespace umbrant::host {
+
 namespace {
 
 struct CompareOptions {
@@ -134,3 +136,5 @@ Command CompareCommand() {
     command.run = [options] { return RunCompare(*options); };
     return command;
 }
+
+}  // namespace umbrant::host

@@ -24,6 +24,8 @@
 #include "host/render/plan/frame_numbers.h"
 #include "host/render/plan/frame_plan.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -167,3 +169,5 @@ Command CurvesCommand() {
     command.run = [options] { return Curves(*options); };
     return command;
 }
+
+}  // namespace umbrant::host

@@ -19,6 +19,8 @@
 #include "host/module/module.h"
 #include "host/render/plan/frame_numbers.h"
 
+namespace umbrant::host {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -251,3 +253,5 @@ Command FarmCommand() {
     command.run = [options] { return Farm(*options); };
     return command;
 }
+
+}  // namespace umbrant::host

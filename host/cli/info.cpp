@@ -16,6 +16,8 @@
 #include "host/cli/results.h"
 #include "host/session/renderer.h"
 
+namespace umbrant::host {
+
 namespace {
 
 struct InfoOptions {
@@ -125,3 +127,5 @@ Command InfoCommand() {
     command.run = [options] { return Info(*options); };
     return command;
 }
+
+}  // namespace umbrant::host

@@ -9,6 +9,8 @@
 #include <filesystem>
 #include <utility>
 
+namespace umbrant::host {
+
 Result<OpenedModule> OpenModule(const std::optional<std::string>& option, SessionOptions options) {
     std::optional<std::filesystem::path> named;
     if (option) named = *option;
@@ -38,3 +40,5 @@ Result<OpenedModule> OpenModule(const std::optional<std::string>& option, Sessio
     opened.session.emplace(std::move(*session));
     return opened;
 }
+
+}  // namespace umbrant::host

@@ -13,6 +13,8 @@
 #include "host/session/effect_session.h"
 #include "host/session/renderer.h"
 
+namespace umbrant::host {
+
 /// A session on a module: on the program's own one in this process, on any other in a process of its own.
 struct OpenedModule {
     std::filesystem::path file;
@@ -27,3 +29,5 @@ struct OpenedModule {
 /// is decided before anything of it is run. Without a renderer in the options it is set up for the one that the
 /// environment requests.
 Result<OpenedModule> OpenModule(const std::optional<std::string>& option, SessionOptions options = {});
+
+}  // namespace umbrant::host

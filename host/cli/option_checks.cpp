@@ -7,6 +7,8 @@
 
 #include <cstdlib>
 
+namespace umbrant::host {
+
 std::string OutOfRange(const std::string& text, double low, double high) {
     char* end = nullptr;
     const double value = std::strtod(text.c_str(), &end);
@@ -14,3 +16,5 @@ std::string OutOfRange(const std::string& text, double low, double high) {
     if (end != text.c_str() && *end == '\0' && value >= low && value <= high) return "";
     return fmt::format("'{}' is not a number from {} to {}", text, low, high);
 }
+
+}  // namespace umbrant::host

@@ -6,5 +6,9 @@
 
 #include <string>
 
+namespace umbrant::host {
+
 /// For an option's check: why `text` is not a number from `low` to `high`, or an empty text.
 std::string OutOfRange(const std::string& text, double low, double high);
+
+}  // namespace umbrant::host

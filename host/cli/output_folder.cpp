@@ -10,6 +10,8 @@
 
 #include "host/process/files/abandoned_files.h"
 
+namespace umbrant::host {
+
 namespace fs = std::filesystem;
 
 Result<OutputFolder> OutputFolder::For(const std::string& output, bool makes) {
@@ -49,3 +51,5 @@ void CleanFolderOf(const std::string& output, bool quiet) {
     const std::string removed = RemoveAbandonedFiles({FolderOf(output)});
     if (!removed.empty() && !quiet) std::fputs(fmt::format("umbrant: {}\n", removed).c_str(), stderr);
 }
+
+}  // namespace umbrant::host

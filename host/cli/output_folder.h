@@ -11,6 +11,8 @@
 
 #include "host/result.h"
 
+namespace umbrant::host {
+
 /// Folders that were made for an output. Those that are empty in the end are removed again: a run that writes nothing
 /// leaves nothing. Move-only.
 class OutputFolder {
@@ -30,3 +32,5 @@ class OutputFolder {
 
 /// Removes what killed runs left in the output's folder, and says so on standard error unless it is to be `quiet`.
 void CleanFolderOf(const std::string& output, bool quiet = false);
+
+}  // namespace umbrant::host

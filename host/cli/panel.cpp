@@ -26,6 +26,8 @@
 #include "host/render/plan/frame_numbers.h"
 #include "host/render/plan/frame_plan.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr char kExamples[] =
@@ -232,3 +234,5 @@ Command PanelCommand() {
     command.run = [options] { return Panel(*options); };
     return command;
 }
+
+}  // namespace umbrant::host

@@ -21,6 +21,8 @@
 #include "host/parameters/param_kind.h"
 #include "host/parameters/param_path.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -236,3 +238,5 @@ Command ParamsCommand() {
     command.run = [options] { return Params(*options); };
     return command;
 }
+
+}  // namespace umbrant::host

@@ -3,6 +3,10 @@
 
 #include "host/cli/program_version.h"
 
+namespace umbrant::host {
+
 std::string ProgramVersion() {
     return UMBRANT_VERSION;
 }
+
+}  // namespace umbrant::host

@@ -4,5 +4,9 @@
 
 #include <string>
 
+namespace umbrant::host {
+
 /// The host program's own version, "major.minor.fix".
 std::string ProgramVersion();
+
+}  // namespace umbrant::host

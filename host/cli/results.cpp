@@ -14,6 +14,8 @@
 
 #include "host/process/interruption.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr std::size_t kBuffered = 1 << 16;
@@ -83,3 +85,5 @@ bool FlushResults() {
     errno = results.error;
     return results.error == 0;
 }
+
+}  // namespace umbrant::host

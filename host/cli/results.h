@@ -7,6 +7,8 @@
 
 #include <string>
 
+namespace umbrant::host {
+
 /// Takes standard output for the results: from here on the process's own standard output is its standard error. Once,
 /// at the program's start, before a module is loaded.
 void KeepStandardOutputForResults();
@@ -20,3 +22,5 @@ void PrintResult(const std::string& text);
 
 /// Hands over all results. False when any of them could not be written so far; errno is then the first one's error.
 bool FlushResults();
+
+}  // namespace umbrant::host

@@ -29,6 +29,8 @@
 #include "host/process/standard_streams.h"
 #include "host/process/start_threads.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr char kDescription[] =
@@ -187,3 +189,5 @@ int RunProgram(const std::vector<Command>& commands, int argc, const char* const
     }
     return Code(ExitCode::kInternal);
 }
+
+}  // namespace umbrant::host

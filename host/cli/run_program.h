@@ -9,6 +9,8 @@
 
 #include "host/cli/command.h"
 
+namespace umbrant::host {
+
 /// Declares the program's command line, with these commands. They must outlive the declaration.
 void DeclareProgram(CLI::App& app, const std::vector<Command>& commands);
 
@@ -24,3 +26,5 @@ int RunProgram(int argc, const char* const* argv, const std::function<int(const 
 /// The same for these commands only.
 int RunProgram(const std::vector<Command>& commands, int argc, const char* const* argv,
                const std::function<int(const Command&)>& instead);
+
+}  // namespace umbrant::host

@@ -5,6 +5,8 @@
 
 #include <fmt/format.h>
 
+namespace umbrant::host {
+
 Result<Done> ApplySettings(const std::vector<std::string>& settings, ParamSet& params) {
     for (const std::string& setting : settings) {
         const std::size_t equals = setting.find('=');
@@ -26,3 +28,5 @@ Result<Done> ApplyValues(const std::string& preset, const std::vector<std::strin
     }
     return Done{};
 }
+
+}  // namespace umbrant::host

@@ -11,9 +11,13 @@
 #include "host/parameters/param_set.h"
 #include "host/result.h"
 
+namespace umbrant::host {
+
 /// Sets the values in their order. Fails with `ExitCode::kUsage` at the first that has no '=' or cannot be set.
 Result<Done> ApplySettings(const std::vector<std::string>& settings, ParamSet& params);
 
 /// A preset's values and keyframes, unless its name is empty, and then the settings, which win: a row that is set keeps
 /// still. Fails as ApplyPreset and ApplySettings do.
 Result<Done> ApplyValues(const std::string& preset, const std::vector<std::string>& settings, AnimatedParams& params);
+
+}  // namespace umbrant::host

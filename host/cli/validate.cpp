@@ -20,6 +20,8 @@
 #include "host/session/renderer.h"
 #include "host/validate/runner/runner.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr int kHighestLevel = 10;
@@ -165,3 +167,5 @@ Command ValidateCommand() {
     command.run = [options] { return Validate(*options); };
     return command;
 }
+
+}  // namespace umbrant::host

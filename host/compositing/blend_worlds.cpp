@@ -13,6 +13,8 @@
 #include "hostapi/errors.h"
 #include "hostapi/limits.h"
 
+namespace umbrant::host {
+
 namespace {
 
 template <typename Pixel>
@@ -101,3 +103,5 @@ PF_Err PremultiplyWorld(const PF_EffectWorld* source, const PF_PixelFloat& color
                              channel(pixel.blue, color.blue)};
     });
 }
+
+}  // namespace umbrant::host

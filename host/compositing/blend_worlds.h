@@ -6,6 +6,8 @@
 
 #include "hostapi/pixels.h"
 
+namespace umbrant::host {
+
 /// destination = first x (1 - ratio) + second x ratio, channel by channel, over the part that all three worlds share.
 /// `ratio` is 16.16 fixed, clamped to 0..1. PF_Err_BAD_CALLBACK_PARAM for null worlds, worlds that this host did not
 /// make, or differing formats.
@@ -17,3 +19,5 @@ PF_Err BlendWorlds(const PF_EffectWorld* first, const PF_EffectWorld* second, PF
 /// way back. Errors as above.
 PF_Err PremultiplyWorld(const PF_EffectWorld* source, const PF_PixelFloat& color, bool forward,
                         PF_EffectWorld* destination);
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 #include "host/compositing/world.h"
 #include "hostapi/errors.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// Where a copy reads and writes: `from` and `to` have the same size and are inside their worlds.
@@ -105,3 +107,5 @@ PF_Err CopyWorld(const PF_EffectWorld* source, PF_EffectWorld* destination, cons
     if (format == PF_PixelFormat_ARGB128) Copy<PF_PixelFloat>(from, to, *readable, *destination);
     return PF_Err_NONE;
 }
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 #include "hostapi/errors.h"
 #include "hostapi/limits.h"
 
+namespace umbrant::host {
+
 namespace {
 
 template <typename Pixel>
@@ -50,3 +52,5 @@ PF_Err FillWorld(const PF_PixelFloat& color, const PF_Rect* rect, PF_EffectWorld
             return PF_Err_BAD_CALLBACK_PARAM;
     }
 }
+
+}  // namespace umbrant::host

@@ -16,6 +16,8 @@
 #include "host/compositing/large_pages.h"
 #include "host/compositing/memory_recycler.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr std::size_t kAlignment = 16;
@@ -127,3 +129,5 @@ void GuardedBytes::Free() {
     data_ = pages_ = nullptr;
     recycled_ = 0;
 }
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 #include <memory>
 #include <optional>
 
+namespace umbrant::host {
+
 /// The position of guarded bytes between their guard pages.
 enum class MemoryPlacement {
     kPlain,       ///< the C library's memory, no pages around it
@@ -57,3 +59,5 @@ class GuardedBytes {
     std::size_t recycled_ = 0;     ///< bytes of a block that goes back to the recycler; 0 for all others
     std::shared_ptr<void> owner_;  ///< of bytes that are not this object's
 };
+
+}  // namespace umbrant::host

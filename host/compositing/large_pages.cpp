@@ -8,6 +8,8 @@
 
 #include <cstdint>
 
+namespace umbrant::host {
+
 void AskForLargePages([[maybe_unused]] std::byte* data, [[maybe_unused]] std::size_t size) {
 #ifdef MADV_HUGEPAGE
     // Taking such a block page by page costs more than a pass over the pixels.
@@ -18,3 +20,5 @@ void AskForLargePages([[maybe_unused]] std::byte* data, [[maybe_unused]] std::si
     madvise(data + before, (size - before) / page * page, MADV_HUGEPAGE);
 #endif
 }
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 #include "host/compositing/large_pages.h"
 #include "host/process/fork_lock.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr std::size_t kLarge = std::size_t{1} << 20;
@@ -119,3 +121,5 @@ void GiveRecycled(std::byte* data, std::size_t capacity) {
     store.blocks.push_back({data, capacity});
     store.kept += capacity;
 }
+
+}  // namespace umbrant::host

@@ -7,6 +7,8 @@
 
 #include <cstddef>
 
+namespace umbrant::host {
+
 /// While one lives, blocks of plain memory from 1 MiB on are kept when they are freed, for the next block of about
 /// their size. What is kept and what is in use are together never more than what was in use at one time before. [any]
 class MemoryRecycler {
@@ -27,3 +29,5 @@ class MemoryRecycler {
 std::byte* TakeRecycled(std::size_t size, bool clear, std::size_t* capacity);
 /// Gives such a block back.
 void GiveRecycled(std::byte* data, std::size_t capacity);
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 #include <cctype>
 #include <fstream>
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr std::uint64_t kMiB = 1 << 20;
@@ -60,3 +62,5 @@ bool SaysNoMemory(const std::string& message) {
     }
     return false;
 }
+
+}  // namespace umbrant::host

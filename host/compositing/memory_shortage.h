@@ -10,6 +10,8 @@
 #include "host/compositing/world.h"
 #include "host/result.h"
 
+namespace umbrant::host {
+
 /// "not enough memory for WHAT, N MiB" with `ExitCode::kInternal`; `bytes` is what was needed.
 Failure NotEnoughMemory(const std::string& what, std::uint64_t bytes);
 /// The same for an image.
@@ -22,3 +24,5 @@ bool CanHaveMemory(std::uint64_t bytes);
 
 /// Whether a library's message reports a lack of memory: not all libraries throw std::bad_alloc.
 bool SaysNoMemory(const std::string& message);
+
+}  // namespace umbrant::host

@@ -8,6 +8,8 @@
 
 #include "hostapi/pixels.h"
 
+namespace umbrant::host {
+
 inline bool IsEmpty(const PF_LRect& r) {
     return r.left >= r.right || r.top >= r.bottom;
 }
@@ -43,3 +45,5 @@ Pixel* RowOf(const PF_EffectWorld& world, int y) {
     auto* bytes = reinterpret_cast<A_u_char*>(world.data) + static_cast<std::ptrdiff_t>(y) * world.rowbytes;
     return reinterpret_cast<Pixel*>(static_cast<void*>(bytes));
 }
+
+}  // namespace umbrant::host

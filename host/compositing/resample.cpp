@@ -9,6 +9,8 @@
 #include <cstring>
 #include <type_traits>
 
+namespace umbrant::host {
+
 namespace {
 
 template <typename Pixel>
@@ -152,3 +154,5 @@ World CutToFrame(const World& world, int x, int y, int width, int height) {
     }
     return out;
 }
+
+}  // namespace umbrant::host

@@ -6,6 +6,8 @@
 
 #include "host/compositing/world.h"
 
+namespace umbrant::host {
+
 /// The size of a layer's side at one n-th of its resolution: a part of a pixel is a pixel.
 int DownsampledSize(int size, int n);
 
@@ -21,3 +23,5 @@ World ConvertDepth(const World& world, Depth depth);
 /// The part of a world that a frame of `width` x `height` shows when the world's top-left is at (x, y) in it;
 /// transparent black elsewhere. Null when memory cannot be had.
 World CutToFrame(const World& world, int x, int y, int width, int height);
+
+}  // namespace umbrant::host

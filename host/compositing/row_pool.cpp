@@ -17,6 +17,8 @@
 
 #include "host/process/start_threads.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// One RunRows call. Lives on the caller's stack until every thread has left it.
@@ -187,3 +189,5 @@ void RunRows(int count, const std::function<bool(int index, int thread)>& work) 
         return !stopped;
     });
 }
+
+}  // namespace umbrant::host

@@ -7,6 +7,8 @@
 
 #include <functional>
 
+namespace umbrant::host {
+
 /// How many threads work at a time, the calling one included; at least 1.
 int RowThreads();
 /// Asks for another number of threads than the machine has cores; before the first work, else it does nothing.
@@ -23,3 +25,5 @@ void RunRows(int count, const std::function<bool(int index, int thread)>& work);
 
 /// Calls `work(begin, end)` for runs of neighbouring rows that together make up [0, count).
 void ForEachRowRange(int count, const std::function<void(int begin, int end)>& work);
+
+}  // namespace umbrant::host

@@ -16,6 +16,8 @@
 #include "host/compositing/row_pool.h"
 #include "host/process/fork_lock.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr int kRowAlignment = 16;
@@ -227,3 +229,5 @@ std::byte* World::Row(int y) {
 const std::byte* World::Row(int y) const {
     return const_cast<World*>(this)->Row(y);
 }
+
+}  // namespace umbrant::host

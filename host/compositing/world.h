@@ -12,6 +12,8 @@
 #include "host/compositing/guarded_memory.h"
 #include "hostapi/pixels.h"
 
+namespace umbrant::host {
+
 /// Bits per channel of a world.
 enum class Depth { k8 = 8, k16 = 16, k32 = 32 };
 
@@ -67,3 +69,5 @@ class World {
     static World Describe(GuardedBytes bytes, int width, int height, Depth depth);
     std::unique_ptr<Block, Deleter> block_;
 };
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 #include <memory>
 #include <string>
 
+namespace umbrant::host {
+
 /// A list of figures, open or closed.
 class DrawnPath {
  public:
@@ -119,3 +121,5 @@ class Drawing : public DrawnPath {
     virtual std::unique_ptr<DrawnImage> MakeImage(int width, int height,
                                                   const std::function<void(int y, std::uint32_t* row)>& fill) const = 0;
 };
+
+}  // namespace umbrant::host

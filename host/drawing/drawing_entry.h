@@ -6,6 +6,10 @@
 
 #include "host/drawing/drawing.h"
 
+namespace umbrant::host {
+
 /// A new drawing, the caller's to delete, or null when there is no memory or the size
 /// is too large. `isOpaque` leaves out alpha.
 extern "C" __attribute__((visibility("default"))) Drawing* UmbrantNewDrawing(int width, int height, bool isOpaque);
+
+}  // namespace umbrant::host

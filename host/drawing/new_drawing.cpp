@@ -11,6 +11,8 @@
 #include "host/drawing/drawing_entry.h"
 #include "host/loading/own_object.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr OwnObject kLibrary{"umbrant_drawing.so", "which draws panels and curves", "UmbrantNewDrawing"};
@@ -59,3 +61,5 @@ Result<World> WorldOf(const std::string& what, Drawing& drawing) {
     }
     return world;
 }
+
+}  // namespace umbrant::host

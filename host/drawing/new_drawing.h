@@ -11,6 +11,8 @@
 #include "host/drawing/drawing.h"
 #include "host/result.h"
 
+namespace umbrant::host {
+
 enum class DrawnPixels { kOpaque, kWithAlpha };
 
 /// A drawing of black, or transparent, pixels. `what` names it in messages: "a picture of the panel". The first one
@@ -23,3 +25,5 @@ Result<Done> CheckCanDraw(const std::string& what);
 
 /// The pixels of an opaque drawing, as a world of 8 bits. Fails with `ExitCode::kInternal` when there is no memory.
 Result<World> WorldOf(const std::string& what, Drawing& drawing);
+
+}  // namespace umbrant::host

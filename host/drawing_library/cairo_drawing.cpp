@@ -10,6 +10,8 @@
 
 #include "host/drawing/drawing_entry.h"
 
+namespace umbrant::host {
+
 namespace {
 
 struct EndPen {
@@ -208,3 +210,5 @@ Drawing* UmbrantNewDrawing(int width, int height, bool isOpaque) {
     if (cairo_status(pen.get()) != CAIRO_STATUS_SUCCESS) return nullptr;
     return new CairoDrawing(std::move(pen), surface.get());
 }
+
+}  // namespace umbrant::host

@@ -9,6 +9,8 @@
 
 #include "host/process/shell_word.h"
 
+namespace umbrant::host {
+
 namespace {
 
 std::string Count(int number, const char* thing) {
@@ -135,3 +137,5 @@ std::string OpenJdJob(const FarmJob& job) {
                     {"steps", Json::array({step})}};
     return job_.dump(2) + "\n";
 }
+
+}  // namespace umbrant::host

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+namespace umbrant::host {
+
 /// What is the same on every farm.
 struct FarmJob {
     std::string name;    ///< letters, digits, '-', '_' and '.'
@@ -29,3 +31,5 @@ std::string ParallelJob(const FarmJob& job);
 
 /// A job template of Open Job Description, 2023-09, in JSON.
 std::string OpenJdJob(const FarmJob& job);
+
+}  // namespace umbrant::host

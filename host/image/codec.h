@@ -17,6 +17,8 @@
 #include "host/image/picture.h"
 #include "host/image/picture_format.h"
 
+namespace umbrant::host {
+
 /// An open image file. No function throws anything but std::bad_alloc; on failure, functions return the reason.
 class ImageReader {
  public:
@@ -83,3 +85,5 @@ std::variant<const Codec*, std::string> CodecToWrite(const Format& format);
 /// All other formats, by the image library in a shared object of its own, which is loaded now if it is not yet. Or why
 /// it cannot be loaded.
 std::variant<const Codec*, std::string> LibraryCodec();
+
+}  // namespace umbrant::host

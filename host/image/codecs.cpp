@@ -10,6 +10,8 @@
 #include "host/image/png/png_reader.h"
 #include "host/image/png/png_writer.h"
 
+namespace umbrant::host {
+
 namespace {
 
 const Codec& PngCodec() {
@@ -42,3 +44,5 @@ std::variant<const Codec*, std::string> CodecToWrite(const Format& format) {
     }
     return LibraryCodec();
 }
+
+}  // namespace umbrant::host

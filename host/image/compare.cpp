@@ -7,6 +7,8 @@
 #include <cmath>
 #include <limits>
 
+namespace umbrant::host {
+
 namespace {
 
 /// Differences are shown this much stronger than they are.
@@ -87,3 +89,5 @@ std::optional<Comparison> Compare(const Picture& first, const Picture& second, c
                                                                  tolerance.percent * static_cast<double>(result.pixels);
     return result;
 }
+
+}  // namespace umbrant::host

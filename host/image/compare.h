@@ -9,6 +9,8 @@
 
 #include "host/image/picture.h"
 
+namespace umbrant::host {
+
 /// The three tolerances of a comparison, for channels from 0 to 1. A pixel differs by its worst channel.
 struct Tolerance {
     double warn = 1.0 / 255.0;  ///< a pixel that differs by this much or more is counted
@@ -34,3 +36,5 @@ struct Comparison {
 /// differences is null when memory for it cannot be had.
 std::optional<Comparison> Compare(const Picture& first, const Picture& second, const Tolerance& tolerance,
                                   bool straight = false);
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 #include <cstring>
 #include <new>
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr std::size_t kBlock = std::size_t{1} << 17;
@@ -81,3 +83,5 @@ std::optional<std::string> WriteAll(int descriptor, const void* bytes, std::size
     }
     return std::nullopt;
 }
+
+}  // namespace umbrant::host

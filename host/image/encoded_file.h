@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+namespace umbrant::host {
+
 class EncodedFile {
  public:
     /// Why the bytes are not whole, or nothing when they are.
@@ -41,3 +43,5 @@ class EncodedFile {
 
 /// Writes all bytes to an open file, however many at a time it takes. Returns why that failed, or nothing.
 std::optional<std::string> WriteAll(int descriptor, const void* bytes, std::size_t size);
+
+}  // namespace umbrant::host

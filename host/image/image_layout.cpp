@@ -8,6 +8,8 @@
 #include <cstring>
 #include <utility>
 
+namespace umbrant::host {
+
 namespace {
 
 bool IsNamed(const Attribute& attribute, std::string_view name) {
@@ -78,3 +80,5 @@ void ImageLayout::SetBytes(const std::string& name, const void* bytes, std::size
     const auto* begin = static_cast<const std::byte*>(bytes);
     Set({name, {AttributeType::kUint8, 1, 0, static_cast<int>(count)}, {begin, begin + count}, {}});
 }
+
+}  // namespace umbrant::host

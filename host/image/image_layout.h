@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+namespace umbrant::host {
+
 /// The kind of an attribute's values, numbered as the image library numbers them.
 struct AttributeType {
     enum Base : unsigned char { kUint8 = 2, kUint32 = 6, kInt = 7, kFloat = 11, kDouble = 12, kString = 13 };
@@ -63,3 +65,5 @@ struct ImageLayout {
     void SetReal(const std::string& name, float value);
     void SetBytes(const std::string& name, const void* bytes, std::size_t count);
 };
+
+}  // namespace umbrant::host

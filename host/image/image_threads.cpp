@@ -8,6 +8,8 @@
 #include <string>
 #include <thread>
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr char kVariable[] = "OPENIMAGEIO_THREADS";
@@ -31,3 +33,5 @@ int ImageThreadsHere(bool areScarce) {
 void PrepareImageThreads() {
     setenv(kVariable, std::to_string(ImageThreadsHere(false)).c_str(), 1);
 }
+
+}  // namespace umbrant::host

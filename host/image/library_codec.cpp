@@ -19,6 +19,8 @@
 #include "host/loading/own_object.h"
 #include "host/process/start_threads.h"
 
+namespace umbrant::host {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -77,3 +79,5 @@ Loaded LibraryCodec() {
     if (const auto* const* found = std::get_if<const Codec*>(&loaded)) codec = *found;
     return loaded;
 }
+
+}  // namespace umbrant::host

@@ -17,6 +17,8 @@
 #include <system_error>
 #include <utility>
 
+namespace umbrant::host {
+
 namespace {
 
 /// Attributes about the storage of a file, or internal to the image library, by the prefixes of their names.
@@ -144,3 +146,5 @@ void FixDate(ImageLayout& layout) {
     // An attribute of that name keeps the library from adding one, and a number is no date that it could write.
     layout.SetNumber("DateTime", 0);
 }
+
+}  // namespace umbrant::host

@@ -9,6 +9,8 @@
 
 #include "host/image/image_layout.h"
 
+namespace umbrant::host {
+
 struct PictureMetadata {
     std::vector<Attribute> attributes;
     std::string format;       ///< of the file that they come from
@@ -25,3 +27,5 @@ void AddMetadata(const PictureMetadata& metadata, ImageLayout& layout);
 /// Makes the date of the description one that does not depend on when it is written: the one that it has, else the time
 /// of the environment's SOURCE_DATE_EPOCH, else none, also where the image library would take the present.
 void FixDate(ImageLayout& layout);
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 #include "host/compositing/world.h"
 #include "host/result.h"
 
+namespace umbrant::host {
+
 /// The metadata of a file: resolution, time code, owner, colour space, ... Defined in this folder only.
 struct PictureMetadata;
 
@@ -114,3 +116,5 @@ Result<Done> WritePicture(const std::filesystem::path& file, const World& world,
 
 /// The same as the bytes of a file in the format that the options name.
 Result<std::string> EncodePicture(const World& world, const Placement& place, const WriteOptions& options);
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 #include <system_error>
 #include <vector>
 
+namespace umbrant::host {
+
 namespace {
 
 bool SameIgnoringCase(std::string_view a, std::string_view b) {
@@ -181,3 +183,5 @@ Result<std::string> ChoosePart(ImageReader& input, const std::string& part, cons
     return Failure{ExitCode::kUsage,
                    fmt::format("'{}' has no part '{}'; its parts are {}", fileName, part, Listed(parts))};
 }
+
+}  // namespace umbrant::host

@@ -9,6 +9,8 @@
 #include "host/image/codec.h"
 #include "host/image/picture.h"
 
+namespace umbrant::host {
+
 /// Places among the channels of a file; -1 for a channel that it lacks.
 struct Channels {
     int red = -1;
@@ -32,3 +34,5 @@ Result<ChannelChoice> ChooseChannels(const ImageLayout& layout, const std::strin
 /// Moves to the part of that number, counted from 0, or of that name; empty for the first. Returns what was left out,
 /// as above. Fails with `ExitCode::kUsage` and the parts that there are.
 Result<std::string> ChoosePart(ImageReader& input, const std::string& part, const std::string& fileName);
+
+}  // namespace umbrant::host

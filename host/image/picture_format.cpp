@@ -16,6 +16,8 @@
 
 #include "host/image/exr/compression_names.h"
 
+namespace umbrant::host {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -181,3 +183,5 @@ std::vector<std::string> CompressionNames() {
     }
     return names;
 }
+
+}  // namespace umbrant::host

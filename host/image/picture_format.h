@@ -10,6 +10,8 @@
 
 #include "host/image/picture.h"
 
+namespace umbrant::host {
+
 /// How pixels leave the program.
 enum class Form {
     kStraight,       ///< colours as they are, with alpha
@@ -40,3 +42,5 @@ const Format* FormatOf(const std::filesystem::path& file, const std::string& nam
 
 /// Whether the format has this compression, a name of --compression.
 bool HasCompression(const Format& format, std::string_view compression);
+
+}  // namespace umbrant::host

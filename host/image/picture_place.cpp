@@ -10,6 +10,8 @@
 
 #include "host/image/picture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -58,3 +60,5 @@ Result<Done> CheckPlace(const fs::path& file) {
     if (!fs::is_directory(there)) return CannotWrite(file, fmt::format("'{}' is not a folder", folder.string()));
     return Done{};
 }
+
+}  // namespace umbrant::host

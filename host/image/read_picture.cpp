@@ -31,6 +31,8 @@
 #include "host/why_no_file.h"
 #include "hostapi/limits.h"
 
+namespace umbrant::host {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -341,3 +343,5 @@ Result<Picture> ReadPicture(const fs::path& file, const ReadOptions& options) {
 Result<Picture> ReadPictureHeader(const fs::path& file, const ReadOptions& options) {
     return OpenAnd(file, options, ReadHeader);
 }
+
+}  // namespace umbrant::host

@@ -23,6 +23,8 @@
 #include "host/process/files/temporary_file.h"
 #include "host/process/start_threads.h"
 
+namespace umbrant::host {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -217,3 +219,5 @@ Result<Done> WritePicture(const fs::path& file, const World& world, const Placem
     TakeModeOf(behind, temporary.Descriptor());
     return temporary.PutInPlace();
 }
+
+}  // namespace umbrant::host

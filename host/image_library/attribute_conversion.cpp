@@ -5,6 +5,8 @@
 
 #include <cstring>
 
+namespace umbrant::host {
+
 namespace {
 
 static_assert(static_cast<int>(AttributeType::kUint8) == OIIO::TypeDesc::UINT8 &&
@@ -98,3 +100,5 @@ OIIO::ImageSpec SpecOf(const ImageToWrite& image) {
     }
     return layout;
 }
+
+}  // namespace umbrant::host

@@ -8,5 +8,9 @@
 
 #include "host/image/codec.h"
 
+namespace umbrant::host {
+
 ImageLayout LayoutFrom(const OIIO::ImageSpec& layout);
 OIIO::ImageSpec SpecOf(const ImageToWrite& image);
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 
 #include "host/image/encoded_file.h"
 
+namespace umbrant::host {
+
 class EncodedProxy : public OIIO::Filesystem::IOProxy {
  public:
     /// `name` is what the library calls it; its extension names the format.
@@ -43,3 +45,5 @@ class EncodedProxy : public OIIO::Filesystem::IOProxy {
  private:
     EncodedFile& file_;
 };
+
+}  // namespace umbrant::host

@@ -21,6 +21,8 @@
 #include "host/image_library/encoded_proxy.h"
 #include "host/image_library/library_threads.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// The file's error message, or a generic reason if there is none.
@@ -144,3 +146,5 @@ const Codec* UmbrantLibraryCodec() {
     }();
     return &codec;
 }
+
+}  // namespace umbrant::host

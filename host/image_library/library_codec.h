@@ -6,5 +6,9 @@
 
 #include "host/image/codec.h"
 
+namespace umbrant::host {
+
 /// What host/image looks for in it. The codec lives as long as the process.
 extern "C" __attribute__((visibility("default"))) const Codec* UmbrantLibraryCodec();
+
+}  // namespace umbrant::host

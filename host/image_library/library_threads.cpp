@@ -15,6 +15,8 @@
 #include "host/image/image_threads.h"
 #include "host/process/start_threads.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// Threads that the rest of the program starts in addition to its drawing threads.
@@ -56,3 +58,5 @@ void PrepareLibraryThreads() {
         }
     }
 }
+
+}  // namespace umbrant::host

@@ -30,6 +30,8 @@
 #include "host/process/child_program.h"
 #include "host/process/shared_memory.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using nlohmann::json;
@@ -273,7 +275,7 @@ class ModuleServer {
         options.scale = message.at("scale");
         options.theme = message.at("light") ? &kLightTheme : &kDarkTheme;
         options.effectName = message.at("effectName");
-        const auto picture = ::DrawPanel(*session_, options);
+        const auto picture = host::DrawPanel(*session_, options);
         if (!picture) return WithRecords(Refused(picture.Error()));
         const World& pixels = picture->pixels;
         World shared = MakeOutput(pixels.Width(), pixels.Height(), pixels.PixelDepth());
@@ -355,3 +357,5 @@ std::optional<int> RunModuleProcess(int argc, const char* const* argv) {
     ModuleServer(kChildSocket).Run();
     return 0;
 }
+
+}  // namespace umbrant::host

@@ -6,9 +6,13 @@
 
 #include <optional>
 
+namespace umbrant::host {
+
 /// Arguments with which the program starts itself as that process.
 inline constexpr char kModuleProcessArgument[] = "--module-process";
 
 /// The exit code when the arguments ask for that process and its socket is there: serves it to the end. Nothing
 /// otherwise. To be called first in main.
 std::optional<int> RunModuleProcess(int argc, const char* const* argv);
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 
 #include "host/session/error_names.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// When in a module's life its process ended.
@@ -57,3 +59,5 @@ Failure WrongMessage(const std::filesystem::path& module) {
                         "overwritten memory that it does not own{}",
                         module.string(), Advice(module))};
 }
+
+}  // namespace umbrant::host

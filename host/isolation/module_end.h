@@ -10,8 +10,12 @@
 #include "host/isolation/module_messages.h"
 #include "host/process/child_program.h"
 
+namespace umbrant::host {
+
 /// `ExitCode::kModule` while the module was loaded, else `ExitCode::kEffectFailed`.
 Failure ExplainEnd(const ProcessEnd& end, const std::filesystem::path& module, const ModuleStatus& status);
 
 /// The process sent something that is no message.
 Failure WrongMessage(const std::filesystem::path& module);
+
+}  // namespace umbrant::host

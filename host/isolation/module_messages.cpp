@@ -7,6 +7,8 @@
 #include "host/process/channel.h"
 #include "hostapi/limits.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using nlohmann::json;
@@ -207,3 +209,5 @@ bool IsUsable(const WorldFacts& facts) {
     return depth && facts.width >= 0 && facts.height >= 0 && facts.width <= PF_MAX_WORLD_WIDTH &&
            facts.height <= PF_MAX_WORLD_HEIGHT;
 }
+
+}  // namespace umbrant::host

@@ -14,6 +14,8 @@
 #include "host/module/module.h"
 #include "host/session/effect_session.h"
 
+namespace umbrant::host {
+
 /// What the module's process is at, on a page that both processes see, so that its end can be explained.
 struct ModuleStatus {
     enum Phase : int { kLoads, kBetween, kInCommand, kUnloads };
@@ -64,3 +66,5 @@ struct WorldFacts {
 WorldFacts FactsOf(const World& world, std::uint64_t block);
 /// Whether such a world can be: sizes that a world may have, and one of the three depths.
 bool IsUsable(const WorldFacts& facts);
+
+}  // namespace umbrant::host

@@ -20,6 +20,8 @@
 #include "host/process/child_program.h"
 #include "host/process/shared_memory.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using nlohmann::json;
@@ -397,3 +399,5 @@ Result<std::unique_ptr<ModuleProcess>> ModuleProcess::Start(const ModuleProcessO
     if (auto begun = proxy->Begin(); !begun) return begun.Error();
     return std::unique_ptr<ModuleProcess>(std::move(proxy));
 }
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 #include "host/module/module.h"
 #include "host/session/remote_session.h"
 
+namespace umbrant::host {
+
 /// What is run, and by which program.
 struct ModuleProcessOptions {
     std::filesystem::path module;
@@ -32,3 +34,5 @@ class ModuleProcess : public RemoteSession {
     /// The process's number; 0 when there is none.
     virtual int Process() const = 0;
 };
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 #include "host/isolation/module_messages.h"
 #include "host/process/channel.h"
 
+namespace umbrant::host {
+
 Failure NoPixelMemory(std::size_t bytes) {
     // The system counts shared memory as a file.
     rlimit files{};
@@ -53,3 +55,5 @@ void PixelBlocks::NameDropped(Parcel& parcel) {
         if (known_.erase(id) > 0) parcel.content["forget"].push_back(id);
     }
 }
+
+}  // namespace umbrant::host

@@ -15,6 +15,8 @@
 #include "host/process/shared_memory.h"
 #include "host/result.h"
 
+namespace umbrant::host {
+
 /// A message that is being made, with the blocks that it names: they are to be held until it is answered.
 struct Parcel {
     nlohmann::json content;
@@ -42,3 +44,5 @@ class PixelBlocks {
 };
 
 Failure NoPixelMemory(std::size_t bytes);
+
+}  // namespace umbrant::host

@@ -21,6 +21,8 @@
 
 namespace umbrant {
 
+using namespace host;
+
 namespace {
 
 Rectangle RectangleOf(const PF_LRect& rect) {
@@ -90,7 +92,7 @@ struct Effect::State {
 
     Rectangle Place(const Layers& layers, const FrameOptions& options) {
         const Rectangle frame{0, 0, layers.layer.Width(), layers.layer.Height()};
-        if (options.canvas == Canvas::kLayer) return frame;
+        if (options.canvas == umbrant::Canvas::kLayer) return frame;
         const ParamSet values = ValuesAt(options);
         FrameRequest request = RequestOf(layers, options, values);
         const auto ask = [&](EffectSession& session) { return session.PreRender(request); };
@@ -159,13 +161,13 @@ void Effect::ApplyPreset(std::string_view json) {
 
 void Effect::LoadPreset(const std::string& file) {
     const std::lock_guard lock(state_->mutex);
-    Need(::ApplyPreset(file, state_->params));
+    Need(host::ApplyPreset(file, state_->params));
     state_->isChanged = true;
 }
 
 std::string Effect::PresetText() const {
     const std::lock_guard lock(state_->mutex);
-    return ::PresetText(state_->params);
+    return host::PresetText(state_->params);
 }
 
 std::vector<Parameter> Effect::Parameters() const {
@@ -191,7 +193,7 @@ Parameter Effect::Find(std::string_view path) const {
 
 Rectangle Effect::Place(const ImageView& layer, const FrameOptions& options) const {
     CheckOptions(options);
-    if (options.canvas == Canvas::kGrow) return state_->Place(LayersOf(layer, options), options);
+    if (options.canvas == umbrant::Canvas::kGrow) return state_->Place(LayersOf(layer, options), options);
     Need(CheckView(layer, "the layer"));
     return {0, 0, layer.width, layer.height};
 }
@@ -200,7 +202,7 @@ Image Effect::Render(const ImageView& layer, const FrameOptions& options) const 
     CheckOptions(options);
     const Layers layers = LayersOf(layer, options);
     const Frame frame = state_->Draw(layers, options);
-    const bool isLayer = options.canvas == Canvas::kLayer || IsEmpty(RectangleOf(frame.rect));
+    const bool isLayer = options.canvas == umbrant::Canvas::kLayer || IsEmpty(RectangleOf(frame.rect));
     Image image(isLayer ? Rectangle{0, 0, layer.width, layer.height} : RectangleOf(frame.rect), layer.format);
     CopyInto(frame.output, frame.rect.left - image.Place().left, frame.rect.top - image.Place().top, image.View());
     return image;
@@ -232,7 +234,7 @@ std::string Effect::ModuleFile() const {
 }
 
 std::string Effect::RendererText() const {
-    return ::RendererText(state_->instance.Renderer());
+    return host::RendererText(state_->instance.Renderer());
 }
 
 Renderer Effect::ChosenRenderer() const {

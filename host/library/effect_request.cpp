@@ -14,7 +14,7 @@
 #include "host/library/pixel_order.h"
 #include "host/render/plan/frame_limits.h"
 
-namespace umbrant {
+namespace umbrant::host {
 
 namespace {
 
@@ -27,8 +27,8 @@ bool IsWithin(double value, double limit) {
     return value >= -limit && value <= limit;
 }
 
-::Canvas CanvasOf(Canvas canvas) {
-    return canvas == Canvas::kLayer ? ::Canvas::kLayer : ::Canvas::kGrow;
+Canvas CanvasOf(umbrant::Canvas canvas) {
+    return canvas == umbrant::Canvas::kLayer ? Canvas::kLayer : Canvas::kGrow;
 }
 
 /// The effect's clock: whole steps of a frame, or parts of it as far as its numbers reach.
@@ -102,4 +102,4 @@ FrameRequest RequestOf(const Layers& layers, const FrameOptions& options, const 
     return MakeFrameRequest(worlds, settings, TimeOf(options), &params);
 }
 
-}  // namespace umbrant
+}  // namespace umbrant::host

@@ -9,7 +9,7 @@
 #include "host/parameters/param_set.h"
 #include "host/render/frame_request.h"
 
-namespace umbrant {
+namespace umbrant::host {
 
 /// What a frame is drawn of.
 struct Layers {
@@ -27,4 +27,4 @@ Layers LayersOf(const ImageView& layer, const FrameOptions& options);
 /// clock.
 FrameRequest RequestOf(const Layers& layers, const FrameOptions& options, const ParamSet& params);
 
-}  // namespace umbrant
+}  // namespace umbrant::host

@@ -11,7 +11,7 @@
 
 #include "host/result.h"
 
-namespace umbrant {
+namespace umbrant::host {
 
 [[noreturn]] inline void Throw(const Failure& failure) {
     throw Error(static_cast<ErrorCode>(failure.code), failure.sentence);
@@ -28,4 +28,4 @@ T Need(Result<T> result) {
     Throw({ExitCode::kUsage, sentence});
 }
 
-}  // namespace umbrant
+}  // namespace umbrant::host

@@ -7,6 +7,8 @@
 #include "host/parameters/param_kind.h"
 #include "host/parameters/param_path.h"
 
+namespace umbrant::host {
+
 using umbrant::Parameter;
 using umbrant::ParameterKind;
 
@@ -82,3 +84,5 @@ Parameter DescribeParameter(const ParamSet& declared, int index, const PanelRow&
     if (parameter.hasValue) parameter.defaultNumbers = NumbersOf(row).values;
     return parameter;
 }
+
+}  // namespace umbrant::host

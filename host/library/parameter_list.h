@@ -9,5 +9,9 @@
 #include "host/parameters/param_set.h"
 #include "host/suites/panel_state.h"
 
+namespace umbrant::host {
+
 /// A row of `declared`, whose values are the defaults, with its state in the panel.
 umbrant::Parameter DescribeParameter(const ParamSet& declared, int index, const PanelRow& panel);
+
+}  // namespace umbrant::host

@@ -13,6 +13,8 @@
 #include "host/compositing/resample.h"
 #include "hostapi/limits.h"
 
+namespace umbrant::host {
+
 using umbrant::ImageView;
 using umbrant::MutableImageView;
 using umbrant::PixelFormat;
@@ -106,3 +108,5 @@ void CopyInto(const World& world, int x, int y, const MutableImageView& target) 
                     static_cast<std::size_t>(target.width - right) * bytes);
     }
 }
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 #include "host/compositing/world.h"
 #include "host/result.h"
 
+namespace umbrant::host {
+
 /// The world's depth for a format.
 Depth DepthOf(umbrant::PixelFormat format);
 
@@ -24,3 +26,5 @@ World WorldOf(const umbrant::ImageView& view, Depth depth);
 /// Writes a world into the target at (x, y), and transparent black where the world does not reach.
 /// Both have the same depth.
 void CopyInto(const World& world, int x, int y, const umbrant::MutableImageView& target);
+
+}  // namespace umbrant::host

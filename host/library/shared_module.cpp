@@ -12,6 +12,8 @@
 
 #include "host/process/fork_lock.h"
 
+namespace umbrant::host {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -105,3 +107,5 @@ SharedInstance::~SharedInstance() {
     session_.reset();
     shared_.reset();
 }
+
+}  // namespace umbrant::host

@@ -16,6 +16,8 @@
 #include "host/session/effect_session.h"
 #include "host/session/renderer.h"
 
+namespace umbrant::host {
+
 /// A module's file in this process.
 struct LoadedModule {
     explicit LoadedModule(Module loaded) : module(std::move(loaded)) {}
@@ -63,3 +65,5 @@ class SharedInstance {
     std::optional<EffectSession> session_;
     RendererDecision renderer_;
 };
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 
 #include "host/loading/program_file.h"
 
+namespace umbrant::host {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -38,3 +40,5 @@ std::variant<void*, std::string> OpenOwnObject(const OwnObject& object) {
     if (void* const entry = dlsym(opened, object.entry)) return entry;
     return fmt::format("{} belongs to another version of the program; install both from the same version", object.file);
 }
+
+}  // namespace umbrant::host

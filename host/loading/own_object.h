@@ -7,6 +7,8 @@
 #include <string>
 #include <variant>
 
+namespace umbrant::host {
+
 /// A shared object that is installed with the program.
 struct OwnObject {
     const char* file;     ///< its name without a folder
@@ -18,3 +20,5 @@ struct OwnObject {
 /// looks. Returns the address of its entry, or one sentence without a full stop: what failed and what would work. It is
 /// never closed.
 std::variant<void*, std::string> OpenOwnObject(const OwnObject& object);
+
+}  // namespace umbrant::host

@@ -5,6 +5,8 @@
 
 #include <system_error>
 
+namespace umbrant::host {
+
 namespace {
 
 std::filesystem::path& StandIn() {
@@ -24,3 +26,5 @@ std::filesystem::path ProgramFile() {
 void StandInForProgram(const std::filesystem::path& program) {
     StandIn() = program;
 }
+
+}  // namespace umbrant::host

@@ -16,6 +16,8 @@
 #include "host/loading/program_file.h"
 #include "host/module/module.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// The module's file inside a folder, in either platform's form.
@@ -126,3 +128,5 @@ Result<std::filesystem::path> FindModule(const ModuleSearch& search) {
 Result<std::filesystem::path> FindModule(const std::optional<std::filesystem::path>& option) {
     return FindModule(DefaultModuleSearch(option));
 }
+
+}  // namespace umbrant::host

@@ -16,6 +16,8 @@
 #include "host/why_no_file.h"
 #include "hostapi/registration.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr char kRegistrationExport[] = "PluginDataEntryFunction";
@@ -172,3 +174,5 @@ CallOutcome Module::Call(PF_Cmd command, PF_InData* inData, PF_OutData* outData,
     if (outcome.exception) outcome.error = PF_Err_INTERNAL_STRUCT_DAMAGED;
     return outcome;
 }
+
+}  // namespace umbrant::host

@@ -14,6 +14,8 @@
 #include "host/result.h"
 #include "hostapi/commands.h"
 
+namespace umbrant::host {
+
 /// What the module said about its effect when it was scanned. The first three texts are for people, and cut at 255
 /// bytes.
 struct Registration {
@@ -96,3 +98,5 @@ ModuleSearch DefaultModuleSearch(const std::optional<std::filesystem::path>& opt
 /// and none found.
 Result<std::filesystem::path> FindModule(const ModuleSearch& search);
 Result<std::filesystem::path> FindModule(const std::optional<std::filesystem::path>& option);
+
+}  // namespace umbrant::host

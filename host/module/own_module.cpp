@@ -8,6 +8,8 @@
 #include <iterator>
 #include <system_error>
 
+namespace umbrant::host {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -34,3 +36,5 @@ bool IsOwnModule(const fs::path& file, const std::vector<fs::path>& folders) {
     std::error_code error;
     return fs::equivalent(file, *own, error) || HaveSameBytes(file, *own);
 }
+
+}  // namespace umbrant::host

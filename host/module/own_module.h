@@ -8,6 +8,10 @@
 
 #include "host/module/module.h"
 
+namespace umbrant::host {
+
 /// Whether `file` is the program's own module: the file that is found in `folders` when none is named, under
 /// whatever name, or one with the same bytes. Nothing of the file is run.
 bool IsOwnModule(const std::filesystem::path& file, const std::vector<std::filesystem::path>& folders);
+
+}  // namespace umbrant::host

@@ -9,6 +9,8 @@
 #include "host/panel/panel_painter.h"
 #include "host/suites/drawbot/text.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
@@ -180,3 +182,5 @@ void PanelPainter::DrawCheckBox(const PanelItem& item, double middle) {
     SetColor(theme_.text);
     DrawText(item.value, controlLeft_ + 20, middle, right_ - controlLeft_ - 20);
 }
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 
 #include "host/parameters/param_kind.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr char kDegree[] = "\u00B0";
@@ -179,3 +181,5 @@ double PanelHeight(const std::vector<PanelItem>& items) {
     const double end = items.empty() ? PanelMetrics::kHeader : items.back().top + items.back().height;
     return end + PanelMetrics::kMargin;
 }
+
+}  // namespace umbrant::host

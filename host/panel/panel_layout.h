@@ -11,6 +11,8 @@
 #include "host/parameters/param_set.h"
 #include "host/suites/panel_state.h"
 
+namespace umbrant::host {
+
 /// What a row has in its control column.
 enum class PanelControl {
     kGroup,     ///< nothing; its twirl shows and hides the rows inside
@@ -79,3 +81,5 @@ std::vector<PanelItem> LayOutPanel(const ParamSet& params, const std::vector<Pan
 
 /// The panel's whole height.
 double PanelHeight(const std::vector<PanelItem>& items);
+
+}  // namespace umbrant::host

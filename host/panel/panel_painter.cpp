@@ -8,6 +8,8 @@
 
 #include "host/suites/drawbot/text.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
@@ -173,3 +175,5 @@ void PanelPainter::DrawClock(double left, double middle) {
     drawing_.LineTo(x + 1.3, y - 5.7);
     drawing_.Stroke();
 }
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 #include "host/panel/panel_layout.h"
 #include "host/panel/panel_theme.h"
 
+namespace umbrant::host {
+
 /// Draws on `drawing`, whose unit is the panel pixel, from (0, 0).
 class PanelPainter {
  public:
@@ -48,3 +50,5 @@ class PanelPainter {
     const double right_;   ///< where controls end
     double strength_ = 1;  ///< of the row being drawn: disabled ones are faint
 };
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 #include "host/session/remote_session.h"
 #include "host/suites/drawbot/canvas.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr char kPanel[] = "an image of the panel";
@@ -81,3 +83,5 @@ Result<PanelPicture> DrawPanel(EffectSession& session, const PanelPictureOptions
     picture.pixels = std::move(*pixels);
     return picture;
 }
+
+}  // namespace umbrant::host

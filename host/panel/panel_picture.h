@@ -13,6 +13,8 @@
 #include "host/result.h"
 #include "host/session/effect_session.h"
 
+namespace umbrant::host {
+
 struct PanelPictureOptions {
     int width = PanelMetrics::kUsualWidth;  ///< panel pixels
     int scale = 1;                          ///< pixels of the picture per panel pixel
@@ -33,3 +35,5 @@ std::vector<PanelItem> PanelItems(const EffectSession& session, int width);
 /// draws get a new context, a draw event and the context's end. Fails with the effect's message when it cannot draw,
 /// and with `ExitCode::kInternal` when there is no memory.
 Result<PanelPicture> DrawPanel(EffectSession& session, const PanelPictureOptions& options);
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 #include "host/parameters/param_kind.h"
 #include "host/parameters/param_path.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr std::string_view kAll = "all";
@@ -132,3 +134,5 @@ Result<Done> Twirl(EffectSession& session, std::string_view name, bool open) {
     session.SetTwirl(*index, !open);
     return Done{};
 }
+
+}  // namespace umbrant::host

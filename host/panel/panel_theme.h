@@ -4,6 +4,8 @@
 
 // The panel's colours, dark and light.
 
+namespace umbrant::host {
+
 /// Red, green and blue, 0 to 1, opaque.
 struct PanelColor {
     double red, green, blue;
@@ -54,3 +56,5 @@ inline constexpr PanelTheme kLightTheme = {
     .track = FromHex(0xBDBDBD),
     .knob = FromHex(0x5A5A5A),
 };
+
+}  // namespace umbrant::host

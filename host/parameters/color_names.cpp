@@ -8,6 +8,8 @@
 #include <iterator>
 #include <string>
 
+namespace umbrant::host {
+
 namespace {
 
 struct Color {
@@ -177,3 +179,5 @@ std::optional<std::uint32_t> NamedColor(std::string_view name) {
     if (found == std::end(kColors) || found->name != small) return std::nullopt;
     return found->value;
 }
+
+}  // namespace umbrant::host

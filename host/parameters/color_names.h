@@ -8,5 +8,9 @@
 #include <optional>
 #include <string_view>
 
+namespace umbrant::host {
+
 /// 0xRRGGBB of a name of the CSS Color Module, Level 4, in any case; nothing for other texts.
 std::optional<std::uint32_t> NamedColor(std::string_view name);
+
+}  // namespace umbrant::host

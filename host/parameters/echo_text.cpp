@@ -7,6 +7,8 @@
 
 #include <cstddef>
 
+namespace umbrant::host {
+
 std::string EchoText(std::string_view text) {
     constexpr std::size_t kMostCharacters = 200;
     std::string echo;
@@ -28,3 +30,5 @@ std::string EchoText(std::string_view text) {
     }
     return echo;
 }
+
+}  // namespace umbrant::host

@@ -7,6 +7,10 @@
 #include <string>
 #include <string_view>
 
+namespace umbrant::host {
+
 /// At most 200 characters of the text, followed by "..." where it is longer, and control characters as JSON escapes
 /// them ("\n", "\u0000").
 std::string EchoText(std::string_view text);
+
+}  // namespace umbrant::host

@@ -7,6 +7,8 @@
 #include <cmath>
 #include <limits>
 
+namespace umbrant::host {
+
 namespace {
 
 template <typename Slider>
@@ -245,3 +247,5 @@ bool SetNumberUnchecked(ParamRow& row, double value) {
             return false;
     }
 }
+
+}  // namespace umbrant::host

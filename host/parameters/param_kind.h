@@ -10,6 +10,8 @@
 
 #include "host/parameters/param_row.h"
 
+namespace umbrant::host {
+
 enum class ParamKind {
     kLayer,
     kInteger,
@@ -79,3 +81,5 @@ void SetNumbers(ParamRow& row, const ParamNumbers& numbers);
 /// Sets a slider or an angle to any number, for a host that hands an effect what no panel would let through; whole and
 /// fixed numbers end where their type does. False for other rows.
 bool SetNumberUnchecked(ParamRow& row, double value);
+
+}  // namespace umbrant::host

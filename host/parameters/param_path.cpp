@@ -8,6 +8,8 @@
 #include <numeric>
 #include <utility>
 
+namespace umbrant::host {
+
 std::string PathForm(std::string_view name) {
     std::string form;
     bool gap = false;
@@ -76,3 +78,5 @@ std::vector<std::string> Nearest(std::string_view typed, const std::vector<std::
     }
     return nearest;
 }
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 
 #include "hostapi/params.h"
 
+namespace umbrant::host {
+
 /// A position in pixels of the full-size layer, or in percent of its size.
 struct LayerPoint {
     double x = 0;
@@ -38,3 +40,5 @@ struct ParamRow {
     std::optional<LayerPoint> point;
     std::shared_ptr<const std::string> text;  ///< what the definition's text pointer leads to
 };
+
+}  // namespace umbrant::host

@@ -19,6 +19,8 @@
 #include "host/parameters/param_path.h"
 #include "hostapi/errors.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr std::size_t kSuggestions = 3;
@@ -215,3 +217,5 @@ void ParamSet::SetValue(int index, const PF_ParamDefUnion& u, const std::optiona
     row.point = point;
     if (const char** pointer = TextPointer(row.def)) *pointer = row.text->c_str();
 }
+
+}  // namespace umbrant::host

@@ -15,6 +15,8 @@
 #include "host/parameters/param_row.h"
 #include "host/result.h"
 
+namespace umbrant::host {
+
 /// What turns the outside's values into what the effect sees.
 struct LayerGeometry {
     int width = 0;  ///< the layer's full size, pixels
@@ -76,3 +78,5 @@ class ParamSet {
 
 /// What a person calls the type: "slider", "popup", "group", ...
 const char* ParamTypeName(PF_ParamType type);
+
+}  // namespace umbrant::host

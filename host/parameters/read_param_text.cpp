@@ -20,6 +20,8 @@
 #include "host/parameters/param_set.h"
 #include "host/parameters/value_text.h"
 
+namespace umbrant::host {
+
 namespace {
 
 std::string_view Trimmed(std::string_view text) {
@@ -275,3 +277,5 @@ Result<Done> ParamSet::SetFromText(std::string_view path, std::string_view text)
     if (!index) return index.Error();
     return SetRow(rows_[static_cast<std::size_t>(*index)], text);
 }
+
+}  // namespace umbrant::host

@@ -7,6 +7,8 @@
 
 #include "host/parameters/param_path.h"
 
+namespace umbrant::host {
+
 std::string NumberText(double value) {
     return fmt::format("{}", value);
 }
@@ -22,3 +24,5 @@ bool IsSeparator(const std::string& item) {
 std::string ItemForm(const std::string& item) {
     return IsSeparator(item) ? std::string() : PathForm(item);
 }
+
+}  // namespace umbrant::host

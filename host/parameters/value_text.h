@@ -6,6 +6,8 @@
 
 #include <string>
 
+namespace umbrant::host {
+
 /// The shortest decimal number that reads back as this value.
 std::string NumberText(double value);
 std::string NumberText(float value);
@@ -15,3 +17,5 @@ bool IsSeparator(const std::string& item);
 
 /// A popup's item as it is typed; empty for separators and items without letters or digits.
 std::string ItemForm(const std::string& item);
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 #include "host/parameters/param_set.h"
 #include "host/parameters/value_text.h"
 
+namespace umbrant::host {
+
 namespace {
 
 std::string ColorText(const PF_Pixel& color) {
@@ -106,3 +108,5 @@ const char* ParamTypeName(PF_ParamType type) {
             return "no data";
     }
 }
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 #include <array>
 #include <cerrno>
 
+namespace umbrant::host {
+
 namespace {
 
 using nlohmann::json;
@@ -126,3 +128,5 @@ Received Channel::Receive(Message& message, const std::function<bool()>& isOver)
     CloseAll(message.descriptors);
     return Received::kWrong;
 }
+
+}  // namespace umbrant::host

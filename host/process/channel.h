@@ -11,6 +11,8 @@
 #include <type_traits>
 #include <vector>
 
+namespace umbrant::host {
+
 /// A message that came. Its descriptors are the receiver's to close.
 struct Message {
     nlohmann::json content;
@@ -69,3 +71,5 @@ Record RecordOf(const nlohmann::json& message) {
     const std::vector<Record> records = RecordsOf<Record>(message);
     return records.empty() ? Record{} : records.front();
 }
+
+}  // namespace umbrant::host

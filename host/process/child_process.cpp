@@ -16,6 +16,8 @@
 #include "host/process/interruption.h"
 #include "host/process/start_threads.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr std::size_t kLongestLine = 400;
@@ -213,3 +215,5 @@ const ProcessEnd& ChildProcess::Kill() {
     if (!end_) KillGroup(process_);
     return Wait();
 }
+
+}  // namespace umbrant::host

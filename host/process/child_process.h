@@ -17,6 +17,8 @@
 #include "host/process/running_children.h"
 #include "host/result.h"
 
+namespace umbrant::host {
+
 /// How a child ended.
 struct ProcessEnd {
     int code = 0;            ///< its exit code; -1 when a signal ended it
@@ -74,3 +76,5 @@ class ChildProcess {
     std::string lastLine_;
     std::thread drain_;
 };
+
+}  // namespace umbrant::host

@@ -19,6 +19,8 @@
 #include "host/loading/program_file.h"
 #include "host/process/start_threads.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr int kWatchPause = 200;  // milliseconds
@@ -81,3 +83,5 @@ void EndWithParent(int socket, void (*each)()) {
         prctl(PR_SET_PDEATHSIG, SIGKILL);
     }
 }
+
+}  // namespace umbrant::host

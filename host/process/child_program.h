@@ -14,6 +14,8 @@
 #include "host/process/child_process.h"
 #include "host/result.h"
 
+namespace umbrant::host {
+
 /// The descriptor under which a child finds its socket.
 inline constexpr int kChildSocket = kPassedDescriptor;
 
@@ -47,3 +49,5 @@ class ChildProgram {
 /// For the child: ends its process group when the other end of the socket closes, which happens at the latest when the
 /// parent ends, however it ends. Calls `each` every 200 milliseconds. The thread runs until the process ends.
 void EndWithParent(int socket, void (*each)());
+
+}  // namespace umbrant::host

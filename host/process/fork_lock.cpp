@@ -11,6 +11,8 @@
 #include <cstddef>
 #include <vector>
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr std::size_t kRanks = 6;
@@ -97,3 +99,5 @@ void ForkLock::unlock() {
     --held[static_cast<std::size_t>(rank_)];
     mutex_.unlock();
 }
+
+}  // namespace umbrant::host

@@ -8,6 +8,8 @@
 
 #include <mutex>
 
+namespace umbrant::host {
+
 /// The order of the locks: a thread that holds one takes, makes and destroys only those of later ranks. fork() takes
 /// them in this order too.
 enum class ForkRank {
@@ -40,3 +42,5 @@ class ForkLock {
     const ForkRank rank_;
     std::mutex mutex_;
 };
+
+}  // namespace umbrant::host

@@ -9,6 +9,8 @@
 #include <array>
 #include <atomic>
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr int kSignalBase = 128;
@@ -119,3 +121,5 @@ SignalsOfTheStart::SignalsOfTheStart() {
 SignalsOfTheStart::~SignalsOfTheStart() {
     pthread_sigmask(SIG_SETMASK, &before_, nullptr);
 }
+
+}  // namespace umbrant::host

@@ -9,6 +9,8 @@
 
 #include <csignal>
 
+namespace umbrant::host {
+
 /// Takes over SIGHUP, SIGINT, SIGQUIT and SIGTERM, and SIGPIPE, which then does nothing: a write to a pipe that nobody
 /// reads fails with EPIPE. A SIGHUP that is ignored stays ignored, as `nohup` asks for. `clean` is called once, on any
 /// thread. To be called once, before the process has a second thread. Where no thread can be started, signals end the
@@ -38,3 +40,5 @@ class SignalsOfTheStart {
  private:
     sigset_t before_;
 };
+
+}  // namespace umbrant::host

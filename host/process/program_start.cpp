@@ -12,7 +12,7 @@
 
 #include "host/process/interruption.h"
 
-extern char** environ;
+namespace umbrant::host {
 
 namespace {
 
@@ -168,3 +168,5 @@ int StartProcess(const ProgramStart& start, int& process, ProgramPipes& pipes) {
     pipes.errors = std::exchange(errors.reads, -1);
     return 0;
 }
+
+}  // namespace umbrant::host

@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+namespace umbrant::host {
+
 /// One of the standard streams of a program.
 struct Stream {
     enum class Kind {
@@ -63,3 +65,5 @@ struct ProgramPipes {
 /// Starts it. Returns the system's error, 0 for none; then `process` is its id, and the pipes are the caller's to
 /// close. This process's standard streams have to be open, if only to /dev/null.
 int StartProcess(const ProgramStart& start, int& process, ProgramPipes& pipes);
+
+}  // namespace umbrant::host

@@ -13,6 +13,8 @@
 
 #include "host/process/interruption.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr pid_t kNone = 0;
@@ -68,3 +70,5 @@ void EndChildProcesses() noexcept {
         waitpid(process, nullptr, 0);
     }
 }
+
+}  // namespace umbrant::host

@@ -4,6 +4,8 @@
 
 // The children that run, so that an interruption ends them before the program ends.
 
+namespace umbrant::host {
+
 /// A place among the children that run, for the length of a child's life. Any thread, one for each object.
 class RunningChild {
  public:
@@ -26,3 +28,5 @@ class RunningChild {
 /// Ends all children, with their process groups, and waits for them, before the program ends; none is started any more.
 /// Any thread.
 void EndChildProcesses() noexcept;
+
+}  // namespace umbrant::host

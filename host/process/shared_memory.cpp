@@ -14,6 +14,8 @@
 #include <limits>
 #include <utility>
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr int kSeals = F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL;
@@ -101,3 +103,5 @@ void SharedMemoryPool::Return(std::shared_ptr<SharedMemory> block) {
     free_.erase(free_.begin());
     dropped_.push_back(ended->Id());
 }
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 #include <mutex>
 #include <vector>
 
+namespace umbrant::host {
+
 /// One block, mapped. Its size is fixed for good, so that no process can take its pages away from another.
 class SharedMemory {
  public:
@@ -53,3 +55,5 @@ class SharedMemoryPool : public std::enable_shared_from_this<SharedMemoryPool> {
     std::vector<std::shared_ptr<SharedMemory>> free_;  ///< the one that was returned last at the end
     std::vector<std::uint64_t> dropped_;
 };
+
+}  // namespace umbrant::host

@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <cstddef>
 
+namespace umbrant::host {
+
 namespace {
 
 /// Characters that mean nothing to a shell anywhere in a word.
@@ -74,3 +76,5 @@ std::string ShellWords(const std::vector<std::string>& texts) {
     for (const std::string& text : texts) line += (line.empty() ? "" : " ") + ShellWord(text);
     return line;
 }
+
+}  // namespace umbrant::host

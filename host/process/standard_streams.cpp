@@ -8,6 +8,8 @@
 
 #include <cerrno>
 
+namespace umbrant::host {
+
 bool OpenStandardStreams() {
     for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
         if (fcntl(stream, F_GETFD) >= 0 || errno != EBADF) continue;
@@ -16,3 +18,5 @@ bool OpenStandardStreams() {
     }
     return true;
 }
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 #include <system_error>
 #include <utility>
 
+namespace umbrant::host {
+
 namespace {
 
 std::atomic<void (*)(const ThreadShortage&)> reporter{nullptr};
@@ -59,3 +61,5 @@ std::vector<std::thread> StartThreads(int count, std::function<void(int index)> 
     }
     return threads;
 }
+
+}  // namespace umbrant::host

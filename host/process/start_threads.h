@@ -11,6 +11,8 @@
 #include <thread>
 #include <vector>
 
+namespace umbrant::host {
+
 /// One thread; nothing when the system refuses it for a tenth of a second. The caller joins it.
 std::optional<std::thread> StartThread(std::function<void()> work);
 
@@ -32,3 +34,5 @@ struct ThreadShortage {
 void ReportThreadShortage(void (*report)(const ThreadShortage&));
 /// Called by who got fewer threads than it asked for and goes on.
 void NoteThreadShortage(const ThreadShortage& shortage);
+
+}  // namespace umbrant::host

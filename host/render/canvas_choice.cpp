@@ -15,6 +15,8 @@
 #include "host/parameters/echo_text.h"
 #include "hostapi/limits.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// Beyond it no image could meet a layer. Times the largest downsampling it is far from the end of 32 bits.
@@ -79,3 +81,5 @@ Result<Done> CheckCanvas(const PF_LRect& drawn, int downsample) {
                                "rectangle, or draw at a lower resolution with --downsample",
                                CanvasText(FullSizeCanvas(drawn, downsample)), width, height, PF_MAX_WORLD_WIDTH)};
 }
+
+}  // namespace umbrant::host

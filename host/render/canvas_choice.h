@@ -9,6 +9,8 @@
 #include "host/result.h"
 #include "hostapi/geometry.h"
 
+namespace umbrant::host {
+
 /// What a written image covers.
 struct CanvasChoice {
     enum class Kind {
@@ -35,3 +37,5 @@ PF_LRect FullSizeCanvas(const PF_LRect& drawn, int downsample);
 
 /// Fails with `ExitCode::kUsage` when a rectangle of drawn pixels is larger than an image can be.
 Result<Done> CheckCanvas(const PF_LRect& drawn, int downsample);
+
+}  // namespace umbrant::host

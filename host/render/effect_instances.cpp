@@ -5,6 +5,8 @@
 
 #include <utility>
 
+namespace umbrant::host {
+
 Result<Done> EffectInstances::Start(EffectSession& first, int count) {
     all_ = {&first};
     // Effects that do not say so may not be called from several threads.
@@ -28,3 +30,5 @@ Result<Done> EffectInstances::End() {
     }
     return outcome;
 }
+
+}  // namespace umbrant::host

@@ -9,6 +9,8 @@
 #include "host/result.h"
 #include "host/session/effect_session.h"
 
+namespace umbrant::host {
+
 /// One instance for each drawing thread; the first is the caller's own. Move-only.
 class EffectInstances {
  public:
@@ -25,3 +27,5 @@ class EffectInstances {
     std::vector<EffectSession> others_;
     std::vector<EffectSession*> all_;
 };
+
+}  // namespace umbrant::host

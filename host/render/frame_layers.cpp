@@ -7,6 +7,8 @@
 
 #include "host/render/frame_pixels.h"
 
+namespace umbrant::host {
+
 using Shared = std::shared_ptr<const Layer>;
 
 MomentLayers WorldsOf(const FrameLayers& layers) {
@@ -69,3 +71,5 @@ Result<FrameLayers> LayerReader::ReadAs(const PlannedFrame& frame, std::optional
     layers.texture = std::move(*texture);
     return layers;
 }
+
+}  // namespace umbrant::host

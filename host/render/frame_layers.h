@@ -14,6 +14,8 @@
 #include "host/render/plan/frame_plan.h"
 #include "host/session/effect_session.h"
 
+namespace umbrant::host {
+
 /// How pictures become layers.
 struct LayerOptions {
     std::optional<Depth> depth{};  ///< without it the input's own
@@ -80,3 +82,5 @@ class LayerReader {
     Kept input_;
     Kept texture_;
 };
+
+}  // namespace umbrant::host

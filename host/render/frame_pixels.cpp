@@ -9,6 +9,8 @@
 #include "host/compositing/rectangles.h"
 #include "host/compositing/resample.h"
 
+namespace umbrant::host {
+
 Result<World> LayerOf(const Picture& picture, Depth depth, int downsample) {
     const Failure noMemory = NotEnoughMemory("the layer", picture.frameWidth, picture.frameHeight, depth);
     World layer =
@@ -31,3 +33,5 @@ Result<Drawn> PictureOf(Frame& frame, const std::optional<PF_LRect>& canvas, int
     if (cut.IsNull()) return NotEnoughMemory("the image", WidthOf(cover), HeightOf(cover), depth);
     return Drawn{std::move(cut), cover};
 }
+
+}  // namespace umbrant::host

@@ -9,6 +9,8 @@
 #include "host/image/picture.h"
 #include "host/session/effect_session.h"
 
+namespace umbrant::host {
+
 /// A picture as the effect is to see it: cut to its frame, in the depth of the render, at one n-th of its resolution.
 /// Fails with `ExitCode::kInternal` when there is no memory.
 Result<World> LayerOf(const Picture& picture, Depth depth, int downsample);
@@ -23,3 +25,5 @@ struct Drawn {
 /// drawn. Without a canvas all that was drawn, or else the layer's frame, transparent. Fails as LayerOf does.
 Result<Drawn> PictureOf(Frame& frame, const std::optional<PF_LRect>& canvas, int layerWidth, int layerHeight,
                         Depth depth);
+
+}  // namespace umbrant::host

@@ -5,6 +5,8 @@
 
 #include <cmath>
 
+namespace umbrant::host {
+
 FrameRequest MakeFrameRequest(const MomentLayers& layers, const FrameSettings& settings, const FrameTime& time,
                               const ParamSet* params) {
     FrameRequest request;
@@ -23,3 +25,5 @@ FrameRequest MakeFrameRequest(const MomentLayers& layers, const FrameSettings& s
     request.params = params;
     return request;
 }
+
+}  // namespace umbrant::host

@@ -7,6 +7,8 @@
 
 #include "host/session/effect_session.h"
 
+namespace umbrant::host {
+
 /// What is the same for all frames of a render.
 struct FrameSettings {
     int downsample = 1;             ///< drawn at one n-th of the resolution, from 1 to kMostDownsample
@@ -27,3 +29,5 @@ struct FrameTime {
 /// it. Functions for other times are left empty.
 FrameRequest MakeFrameRequest(const MomentLayers& layers, const FrameSettings& settings, const FrameTime& time,
                               const ParamSet* params);
+
+}  // namespace umbrant::host

@@ -8,6 +8,8 @@
 #include <numeric>
 #include <system_error>
 
+namespace umbrant::host {
+
 namespace {
 
 bool IsFile(const std::string& path) {
@@ -58,3 +60,5 @@ std::optional<int> FrameSource::ClipFrameShownAt(int frame) const {
 bool FrameSource::Has(int frame) const {
     return FileAt(frame, MissingFrames::kError).exists;
 }
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 #include "host/render/plan/frame_pattern.h"
 #include "host/result.h"
 
+namespace umbrant::host {
+
 /// What to do about a frame whose file is not there.
 enum class MissingFrames {
     kError,  ///< nothing is drawn
@@ -49,3 +51,5 @@ struct FrameSource {
     /// Whether a frame has an image of its own: always where there is one image for all, or none.
     bool Has(int frame) const;
 };
+
+}  // namespace umbrant::host

@@ -19,6 +19,8 @@
 #include "host/compositing/memory_shortage.h"
 #include "host/process/start_threads.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr std::size_t kSteps = 3;
@@ -203,3 +205,5 @@ Result<Done> RunPipeline(std::size_t count, const PipelineShape& shape, const Pi
     pipeline.ThrowFailure();
     return Done{};
 }
+
+}  // namespace umbrant::host

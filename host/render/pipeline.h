@@ -10,6 +10,8 @@
 
 #include "host/result.h"
 
+namespace umbrant::host {
+
 /// What is to happen after a step.
 enum class AfterStep {
     kGoOn,    ///< the frame goes into its next step
@@ -37,3 +39,5 @@ using PipelineStep = std::function<AfterStep(std::size_t frame, int thread)>;
 /// to overlap with: its steps run on the caller's thread.
 Result<Done> RunPipeline(std::size_t count, const PipelineShape& shape, const PipelineStep& read,
                          const PipelineStep& draw, const PipelineStep& write);
+
+}  // namespace umbrant::host

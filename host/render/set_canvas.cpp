@@ -12,6 +12,8 @@
 #include "host/compositing/rectangles.h"
 #include "host/compositing/resample.h"
 
+namespace umbrant::host {
+
 namespace {
 
 void Unite(std::optional<PF_LRect>& all, const PF_LRect& one) {
@@ -167,3 +169,5 @@ PF_LRect SetCanvas(const FrameJob& job, const FrameLayers& known, EffectSession&
     const World& layer = known.input->pixels;
     return all.value_or(PF_LRect{0, 0, layer.Width(), layer.Height()});
 }
+
+}  // namespace umbrant::host

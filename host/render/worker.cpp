@@ -15,6 +15,8 @@
 #include "host/compositing/memory_shortage.h"
 #include "host/render/plan/frame_numbers.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// Milliseconds since it was made.
@@ -239,3 +241,5 @@ Result<Done> DrawFrames(const FrameJob& job, const std::vector<EffectSession*>& 
         },
         [&](std::size_t frame, int) { return worker.Guarded(frame, [&] { return worker.Write(frame); }); });
 }
+
+}  // namespace umbrant::host

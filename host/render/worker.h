@@ -17,6 +17,8 @@
 #include "host/render/plan/frame_plan.h"
 #include "host/session/effect_session.h"
 
+namespace umbrant::host {
+
 /// What a frame is at.
 enum class FrameStep { kRead, kDraw, kWrite };
 
@@ -94,3 +96,5 @@ Result<FirstFrame> ReadFirst(const FramePlan& plan, LayerReader& reader, bool ke
 /// and those that were not reached have no outcome.
 Result<Done> DrawFrames(const FrameJob& job, const std::vector<EffectSession*>& sessions, LayerReader& reader,
                         FirstFrame first, FrameWatcher& watcher);
+
+}  // namespace umbrant::host

@@ -15,6 +15,8 @@
 #include "host/session/session_state.h"
 #include "host/suites/tables.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// Records that a session keeps: one that lives for days sends many.
@@ -152,3 +154,5 @@ Failure FailureOf(const SessionState& state, const Answer& answer) {
     return {ExitCode::kEffectFailed, fmt::format("{} failed in {}: {}", name, command,
                                                  EffectErrorText(answer.record.error, answer.record.message))};
 }
+
+}  // namespace umbrant::host

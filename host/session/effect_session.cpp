@@ -14,6 +14,8 @@
 #include "host/session/session_state.h"
 #include "host/suites/aegp/tokens.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// Global set-up: flags, version, global data.
@@ -334,3 +336,5 @@ std::vector<CommandRecord> EffectSession::Commands() const {
     const std::lock_guard lock(state_->commandsMutex);
     return {state_->commands.begin(), state_->commands.end()};
 }
+
+}  // namespace umbrant::host

@@ -28,6 +28,8 @@
 #include "hostapi/smart_render.h"
 #include "hostapi/suites/umbrant_host_suite.h"
 
+namespace umbrant::host {
+
 class RemoteSession;
 struct SessionState;
 
@@ -244,3 +246,5 @@ class EffectSession {
     std::unique_ptr<SessionState> state_;
     std::unique_ptr<RemoteSession> remote_;
 };
+
+}  // namespace umbrant::host

@@ -5,6 +5,8 @@
 
 #include <fmt/format.h>
 
+namespace umbrant::host {
+
 namespace {
 
 struct Named {
@@ -73,3 +75,5 @@ std::string EffectErrorText(PF_Err error, const std::string& message) {
     const std::size_t end = message.find_last_not_of(" \r\n\t");
     return end == std::string::npos ? code : fmt::format("{} ({})", message.substr(0, end + 1), code);
 }
+
+}  // namespace umbrant::host

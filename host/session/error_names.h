@@ -8,6 +8,8 @@
 
 #include "hostapi/commands.h"
 
+namespace umbrant::host {
+
 /// "PF_Err_OUT_OF_MEMORY" for 4, "A_Err_MISSING_SUITE" for 13, ...; "unknown error" for a value without a name.
 const char* ErrorName(PF_Err error);
 
@@ -17,3 +19,5 @@ const char* CommandName(PF_Cmd command);
 /// An effect's error as the host shows it: its own text first when there is one, then the code and its name:
 /// "Not able to acquire AEFX Suite. (error 13, A_Err_MISSING_SUITE)".
 std::string EffectErrorText(PF_Err error, const std::string& message);
+
+}  // namespace umbrant::host

@@ -7,6 +7,8 @@
 #include "host/session/session_state.h"
 #include "host/suites/slots.h"
 
+namespace umbrant::host {
+
 namespace {
 
 PF_Err SameAtATime(void*, PF_ContextH, A_long, A_long, PF_FixedPoint* point) {
@@ -55,3 +57,5 @@ const PF_EventCallbacks kEventCallbacks = {
     .info_draw_color = Slot<"info_draw_color", ShowColor>(),
     .info_draw_text = Slot<"info_draw_text", ShowText>(),
 };
+
+}  // namespace umbrant::host

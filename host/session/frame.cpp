@@ -16,6 +16,8 @@
 #include "hostapi/errors.h"
 #include "hostapi/limits.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// The longest side of a texture that every current OpenGL driver takes. The host knows no OpenGL: an effect that draws
@@ -294,3 +296,5 @@ Result<Frame> RenderFrame(SessionState& state, const FrameRequest& request) {
     frame.suites.assign(suites.begin(), suites.end());
     return frame;
 }
+
+}  // namespace umbrant::host

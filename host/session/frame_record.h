@@ -15,6 +15,8 @@
 #include "host/session/session_state.h"
 #include "hostapi/smart_render.h"
 
+namespace umbrant::host {
+
 /// The layers of a moment, and their places.
 struct LayersSeen {
     LayersSeen(MomentLayers shown, const FrameRequest& request);
@@ -84,3 +86,5 @@ FrameRecord* FrameOf(PF_ProgPtr effectRef, FrameRecord::Phase phase, const char*
 /// none writes through them.
 extern PF_PreRenderCallbacks preRenderCallbacks;
 extern PF_SmartRenderCallbacks smartRenderCallbacks;
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 #include "host/session/session_state.h"
 #include "host/suites/slots.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr char kTable[] = "interact";
@@ -120,3 +122,5 @@ const PF_InteractCallbacks kInteractCallbacks = {
     .reserved_str = {},
     .reserved = {},
 };
+
+}  // namespace umbrant::host

@@ -7,6 +7,8 @@
 
 #include "host/session/frame_record.h"
 
+namespace umbrant::host {
+
 namespace {
 
 bool IsSame(const Moment& a, const Moment& b) {
@@ -43,3 +45,5 @@ const LayersSeen* FrameRecord::LayersAt(const Moment& moment) {
     other->layers = LayersSeen(std::move(*found), request);
     return &*other->layers;
 }
+
+}  // namespace umbrant::host

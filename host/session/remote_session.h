@@ -12,6 +12,8 @@
 
 #include "host/session/effect_session.h"
 
+namespace umbrant::host {
+
 /// How a panel is drawn where the effect is; see PanelPictureOptions.
 struct RemotePanelOptions {
     int width = 0;
@@ -50,3 +52,5 @@ class RemoteSession {
     virtual std::optional<Activity> Now() const = 0;
     virtual std::vector<CommandRecord> Commands() const = 0;
 };
+
+}  // namespace umbrant::host

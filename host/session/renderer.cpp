@@ -8,6 +8,8 @@
 #include <cstdlib>
 #include <string_view>
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr char kVariable[] = "UMBRANT_RENDERER";
@@ -104,3 +106,5 @@ Failure ExplainWithoutOpenGL(const Failure& failure, const ParamSet& params) {
     return {failure.code,
             fmt::format("no OpenGL context could be made, so the effect cannot draw: {}", failure.sentence)};
 }
+
+}  // namespace umbrant::host

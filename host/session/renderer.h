@@ -15,6 +15,8 @@
 #include "host/result.h"
 #include "hostapi/suites/umbrant_host_suite.h"
 
+namespace umbrant::host {
+
 /// The four rows in which the effect reports its OpenGL, or what else draws.
 struct GpuStrings {
     std::string vendor;
@@ -65,3 +67,5 @@ std::string RendererText(const RendererDecision& decision);
 
 /// The effect's failure, said as what it is when there is no OpenGL to draw with. `params` are its session's.
 Failure ExplainWithoutOpenGL(const Failure& failure, const ParamSet& params);
+
+}  // namespace umbrant::host

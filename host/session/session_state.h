@@ -18,6 +18,8 @@
 #include "host/suites/services.h"
 #include "hostapi/commands.h"
 
+namespace umbrant::host {
+
 struct FrameRecord;
 
 /// One session. Lives on the heap: `ref` is what the effect points at.
@@ -83,3 +85,5 @@ extern const PF_EventCallbacks kEventCallbacks;
 /// Draws, or only asks about, one frame: see EffectSession.
 Result<PreRendered> PreRenderFrame(SessionState& state, const FrameRequest& request);
 Result<Frame> RenderFrame(SessionState& state, const FrameRequest& request);
+
+}  // namespace umbrant::host

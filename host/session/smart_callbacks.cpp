@@ -13,6 +13,8 @@
 #include "host/suites/slots.h"
 #include "host/suites/timed_call.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr char kPreRenderTable[] = "pre-render";
@@ -167,3 +169,5 @@ PF_SmartRenderCallbacks smartRenderCallbacks = {
     .checkin_layer_pixels = SmartRenderSlot<"checkin_layer_pixels", CheckinLayerPixels>(),
     .checkout_output = SmartRenderSlot<"checkout_output", CheckoutOutput>(),
 };
+
+}  // namespace umbrant::host

@@ -18,6 +18,8 @@
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
 
+namespace umbrant::host {
+
 namespace {
 
 struct OfferedSuite {
@@ -227,3 +229,5 @@ SPBasicSuite basicSuite = {
     .ReallocateBlock = Slot<"ReallocateBlock", ReallocateBlock>(),
     .Undefined = Slot<"Undefined", Undefined>(),
 };
+
+}  // namespace umbrant::host

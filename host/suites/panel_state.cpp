@@ -7,6 +7,8 @@
 #include <iterator>
 #include <utility>
 
+namespace umbrant::host {
+
 namespace {
 
 /// The name field, which an effect may have filled to its last byte.
@@ -88,3 +90,5 @@ std::string PanelState::OptionsButton() const {
     const std::lock_guard lock(mutex_);
     return optionsButton_;
 }
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 #include "host/process/fork_lock.h"
 #include "hostapi/params.h"
 
+namespace umbrant::host {
+
 /// One row of the panel.
 struct PanelRow {
     PF_ParamType type = PF_Param_LAYER;
@@ -51,3 +53,5 @@ class PanelState {
 
 /// How a declared row looks before the effect changes anything.
 PanelRow DeclaredPanelRow(const PF_ParamDef& def);
+
+}  // namespace umbrant::host

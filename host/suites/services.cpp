@@ -7,6 +7,8 @@
 
 #include "host/process/fork_lock.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// The sessions that live, in the order in which they began.
@@ -128,3 +130,5 @@ EffectRef* EffectRef::Of(PF_ProgPtr pointer, const char* call) {
     Report(std::string(call) + " was called with an invalid effect reference");
     return nullptr;
 }
+
+}  // namespace umbrant::host

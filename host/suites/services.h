@@ -25,6 +25,8 @@
 #include "hostapi/errors.h"
 #include "hostapi/suites/umbrant_host_suite.h"
 
+namespace umbrant::host {
+
 class EventLog;
 class World;
 struct FrameRecord;
@@ -149,3 +151,5 @@ class EffectRef {
     Services* const services;
     FrameRecord* const frame;
 };
+
+}  // namespace umbrant::host

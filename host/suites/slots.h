@@ -14,6 +14,8 @@
 #include "host/suites/services.h"
 #include "hostapi/errors.h"
 
+namespace umbrant::host {
+
 /// A text as a template argument.
 template <std::size_t N>
 struct FixedText {
@@ -133,3 +135,5 @@ class Served {
         return &Answer<R, A...>;
     }
 };
+
+}  // namespace umbrant::host

@@ -29,6 +29,8 @@
 #include "hostapi/suites/world_suite.h"
 #include "hostapi/suites/world_transform_suite.h"
 
+namespace umbrant::host {
+
 extern const PF_HandleSuite1 kHandleSuite;
 extern const PF_ANSICallbacksSuite1 kANSISuite;
 extern const PF_WorldSuite2 kWorldSuite;
@@ -55,3 +57,5 @@ extern const UMBRANT_HostSuite1 kUmbrantHostSuite;
 extern SPBasicSuite basicSuite;
 /// What `in_data->utils` points to; likewise.
 extern PF_UtilCallbacks utilCallbacks;
+
+}  // namespace umbrant::host

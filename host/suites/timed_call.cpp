@@ -5,6 +5,8 @@
 
 #include "host/suites/services.h"
 
+namespace umbrant::host {
+
 TimedCall::TimedCall(PixelCall call) : clock_(nullptr), call_(call) {
     if (CommandNotes* notes = ServiceScope::Current().second) clock_ = &notes->stages;
     if (clock_) clock_->Enter(call_);
@@ -13,3 +15,5 @@ TimedCall::TimedCall(PixelCall call) : clock_(nullptr), call_(call) {
 TimedCall::~TimedCall() {
     if (clock_) clock_->Leave(call_);
 }
+
+}  // namespace umbrant::host

@@ -6,6 +6,8 @@
 
 #include "host/accounting/stage_clock.h"
 
+namespace umbrant::host {
+
 /// One call, for as long as it lives: counts for the command that the calling thread is in.
 class TimedCall {
  public:
@@ -18,3 +20,5 @@ class TimedCall {
     StageClock* clock_;
     PixelCall call_;
 };
+
+}  // namespace umbrant::host

@@ -8,6 +8,8 @@
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
 
+namespace umbrant::host {
+
 namespace {
 
 PF_Err GetRenderer(PF_ProgPtr effectRef, UMBRANT_Renderer* renderer) {
@@ -25,3 +27,5 @@ using Slot = Served<kUmbrantHostSuiteName, Call, Function>;
 const UMBRANT_HostSuite1 kUmbrantHostSuite = {
     .GetRenderer = Slot<"GetRenderer", GetRenderer>(),
 };
+
+}  // namespace umbrant::host

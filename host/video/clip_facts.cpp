@@ -20,6 +20,8 @@
 #include "host/why_no_file.h"
 #include "hostapi/limits.h"
 
+namespace umbrant::host {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -258,3 +260,5 @@ Result<ClipFacts> ReadClipFacts(const std::string& path) {
     if (auto read = ReadPictures(facts, *pictures); !read) return read.Error();
     return facts;
 }
+
+}  // namespace umbrant::host

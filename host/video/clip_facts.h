@@ -11,6 +11,8 @@
 #include "host/result.h"
 #include "host/video/clip_timing.h"
 
+namespace umbrant::host {
+
 /// What a clip says about the meaning of its colours, in ffmpeg's names; empty where it says nothing.
 struct ColorTags {
     std::string primaries{};
@@ -49,3 +51,5 @@ int BitsOfPixelFormat(std::string_view name);
 /// Asks ffprobe. Reads the whole file once, for the times of its pictures. Fails with `ExitCode::kFile`: no file, no
 /// clip, no pictures in it, pictures too large; no ffprobe.
 Result<ClipFacts> ReadClipFacts(const std::string& path);
+
+}  // namespace umbrant::host

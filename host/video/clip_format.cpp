@@ -12,6 +12,8 @@
 
 #include "host/parameters/param_path.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// Chroma for every pixel, and no rounding for speed's sake.
@@ -182,3 +184,5 @@ std::string DecoderFilters(RawFormat raw, int width, int height, int first) {
     const std::string from = first > 0 ? fmt::format("trim=start_frame={},", first) : "";
     return fmt::format("{}scale={}:{}:{},format={}", from, width, height, kScaling, NameOf(raw));
 }
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 #include "host/video/clip_facts.h"
 #include "host/video/raw_pixels.h"
 
+namespace umbrant::host {
+
 /// A way to store pictures with their alpha.
 struct ClipCodec {
     const char* name;                     ///< "prores4444"
@@ -53,3 +55,5 @@ std::string EncoderFilters(const ClipCodec& codec, RawFormat raw, const ColorTag
 
 /// The filters in front of the pipe from a clip: from frame `first` on, turned into pictures.
 std::string DecoderFilters(RawFormat raw, int width, int height, int first);
+
+}  // namespace umbrant::host

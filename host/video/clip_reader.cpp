@@ -12,6 +12,8 @@
 #include "host/video/container.h"
 #include "host/video/ffmpeg.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// Frames that are decoded for nothing before it is better to let ffmpeg leave them out.
@@ -83,3 +85,5 @@ Result<Picture> ClipReader::Read(int frame) {
     picture.bits = facts_.bits;
     return picture;
 }
+
+}  // namespace umbrant::host

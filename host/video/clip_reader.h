@@ -14,6 +14,8 @@
 #include "host/video/clip_facts.h"
 #include "host/video/raw_pixels.h"
 
+namespace umbrant::host {
+
 /// Safe on every thread, but made for frames that are asked for in rising order: to go back, the clip is begun again.
 class ClipReader {
  public:
@@ -41,3 +43,5 @@ class ClipReader {
     int inBuffer_ = -1;  ///< the one that came last
     std::vector<std::byte> buffer_;
 };
+
+}  // namespace umbrant::host

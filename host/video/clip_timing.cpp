@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace umbrant::host {
+
 namespace {
 
 /// A moment that only rounding keeps from being reached is reached.
@@ -56,3 +58,5 @@ std::string RatesText(const ClipTimes& times) {
     }
     return fmt::format("{:.4g} to {:.4g}", longest > 0 ? 1 / longest : 0, 1 / shortest);
 }
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 
 #include "host/render/plan/frame_numbers.h"
 
+namespace umbrant::host {
+
 /// The moments of a clip's frames.
 struct ClipTimes {
     std::vector<double> seconds{};  ///< of each frame since the first, rising
@@ -33,3 +35,5 @@ int FrameShown(const ClipTimes& times, const FrameRate& rate, int frame);
 
 /// The longest and shortest that a frame stays, as rates: "12 to 30".
 std::string RatesText(const ClipTimes& times);
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 #include "host/video/container.h"
 #include "host/video/ffmpeg.h"
 
+namespace umbrant::host {
+
 namespace {
 
 Failure CannotWrite(const std::string& path, const std::string& reason) {
@@ -139,3 +141,5 @@ Result<Done> ClipWriter::Finish() {
     TakeModeOf(place_, file_.Descriptor());
     return file_.PutInPlace();
 }
+
+}  // namespace umbrant::host

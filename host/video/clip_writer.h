@@ -15,6 +15,8 @@
 #include "host/process/files/temporary_file.h"
 #include "host/video/clip_format.h"
 
+namespace umbrant::host {
+
 /// What is to be written.
 struct ClipTarget {
     std::string path;
@@ -58,3 +60,5 @@ class ClipWriter {
     TemporaryFile file_;
     std::unique_ptr<ChildProcess> encoder_;  ///< ends before its file is removed
 };
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 
 #include "host/video/ffmpeg.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using namespace std::string_view_literals;
@@ -89,3 +91,5 @@ Result<std::string> ReadDemuxer(const std::string& path) {
 std::vector<std::string> InputArguments(const std::string& path, const std::string& demuxer) {
     return {"-protocol_whitelist", "file,pipe", "-format_whitelist", demuxer, "-f", demuxer, "-i", FileArgument(path)};
 }
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 
 #include "host/result.h"
 
+namespace umbrant::host {
+
 /// ffmpeg's name of the demuxer for a file that begins with these bytes; empty when they begin no container that is
 /// read. The longer the beginning, up to kContainerBytes, the surer the answer.
 std::string DemuxerOf(std::string_view beginning);
@@ -21,3 +23,5 @@ Result<std::string> ReadDemuxer(const std::string& path);
 
 /// The arguments by which ffprobe and ffmpeg open a clip as an input: this format alone, this file alone.
 std::vector<std::string> InputArguments(const std::string& path, const std::string& demuxer);
+
+}  // namespace umbrant::host

@@ -7,6 +7,8 @@
 
 #include <cstring>
 
+namespace umbrant::host {
+
 Result<std::unique_ptr<ChildProcess>> StartTool(const std::string& tool, const std::vector<std::string>& arguments,
                                                 Piped piped) {
     ProgramStart start;
@@ -40,3 +42,5 @@ std::string EndText(const std::string& tool, const ProcessEnd& end) {
 std::string FileArgument(const std::filesystem::path& file) {
     return "file:" + file.string();
 }
+
+}  // namespace umbrant::host

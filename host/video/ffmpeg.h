@@ -11,6 +11,8 @@
 
 #include "host/process/child_process.h"
 
+namespace umbrant::host {
+
 /// Which stream of a tool is a pipe to this program; the other one is empty or lost.
 enum class Piped { kInput, kOutput };
 
@@ -24,3 +26,5 @@ std::string EndText(const std::string& tool, const ProcessEnd& end);
 
 /// A file's name as an argument that means this file whatever signs it has: no option, no other protocol, no pattern.
 std::string FileArgument(const std::filesystem::path& file);
+
+}  // namespace umbrant::host

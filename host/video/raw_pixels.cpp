@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <cstring>
 
+namespace umbrant::host {
+
 namespace {
 
 template <typename Pixel>
@@ -118,3 +120,5 @@ std::vector<std::byte> RawFromWorld(RawFormat format, const World& world) {
     }
     return bytes;
 }
+
+}  // namespace umbrant::host

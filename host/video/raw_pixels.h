@@ -9,6 +9,8 @@
 
 #include "host/compositing/world.h"
 
+namespace umbrant::host {
+
 /// A pixel format of the pipe. ffmpeg rounds to fewer bits when it converts between integers and floats, so pictures of
 /// integer channels go through as such, and are exact.
 enum class RawFormat {
@@ -31,3 +33,5 @@ World WorldFromRaw(RawFormat format, int width, int height, const std::vector<st
 
 /// The picture of a world of 8 bits (`k8`) or floats (the others; to integers clamped and rounded to nearest).
 std::vector<std::byte> RawFromWorld(RawFormat format, const World& world);
+
+}  // namespace umbrant::host

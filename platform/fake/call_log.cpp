@@ -9,6 +9,8 @@
 #include "platform/fake/gl_fake.h"
 #include "platform/fake/renderer_choice_fake.h"
 
+using namespace umbrant::effect;
+
 namespace fake {
 
 namespace {

@@ -129,9 +129,9 @@ CGLContextObj CGLGetCurrentContext(void) {
 }
 
 const char* CGLErrorString(CGLError error) {
-    return CglErrorWords(error);
+    return umbrant::effect::CglErrorWords(error);
 }
 
-bool OpenGLLostByFork() {
+bool umbrant::effect::OpenGLLostByFork() {
     return fake::Cgl().lostByFork;
 }

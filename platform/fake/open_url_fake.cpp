@@ -8,6 +8,10 @@
 #include "platform/fake/call_log.h"
 #include "platform/open_url.h"
 
+namespace umbrant::effect {
+
 void OpenUrl(const char* url) {
     fake::LogCall(std::string("OpenUrl ") + url);
 }
+
+}  // namespace umbrant::effect

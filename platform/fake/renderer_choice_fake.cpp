@@ -3,11 +3,13 @@
 
 #include "platform/fake/renderer_choice_fake.h"
 
+using namespace umbrant::effect;
+
 RendererChoice& fake::Renderer() {
     static RendererChoice choice = RendererChoice::kOpenGL;
     return choice;
 }
 
-RendererChoice ChosenRenderer() {
+RendererChoice umbrant::effect::ChosenRenderer() {
     return fake::Renderer();
 }

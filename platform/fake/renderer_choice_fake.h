@@ -9,6 +9,6 @@
 namespace fake {
 
 /// What `ChosenRenderer` answers; OpenGL after `Reset`.
-RendererChoice& Renderer();
+umbrant::effect::RendererChoice& Renderer();
 
 }  // namespace fake

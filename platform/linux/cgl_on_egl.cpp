@@ -13,6 +13,8 @@
 #include "platform/linux/cgl.h"
 #include "platform/linux/egl_target.h"
 
+using namespace umbrant::effect;
+
 struct _CGLContextObject {
     EGLContext egl;
     int references;        ///< 0: destroyed, and only waiting for a thread that still has it current
@@ -21,6 +23,8 @@ struct _CGLContextObject {
 };
 
 struct _CGLPixelFormatObject {};
+
+namespace umbrant::effect {
 
 namespace {
 
@@ -117,6 +121,8 @@ CGLError CheckAttributes(const CGLPixelFormatAttribute* attribs) {
 
 }  // namespace
 
+}  // namespace umbrant::effect
+
 CGLError CGLChoosePixelFormat(const CGLPixelFormatAttribute* attribs, CGLPixelFormatObj* pix, int32_t* npix) {
     if (!attribs || !pix || !npix) return kCGLBadAddress;
     *pix = nullptr;
@@ -202,6 +208,10 @@ const char* CGLErrorString(CGLError error) {
     return CglErrorWords(error);
 }
 
+namespace umbrant::effect {
+
 bool OpenGLLostByFork() {
     return watchingForks && lostByFork;
 }
+
+}  // namespace umbrant::effect

@@ -15,6 +15,8 @@
 
 #include "platform/gl_api.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 enum class Preference { kAny, kSoftware, kHardware, kRefused };
@@ -181,3 +183,5 @@ EGLContext MakeCoreContext(const EglTarget& target, EGLContext share) {
 bool MakeCurrent(const EglTarget& target, EGLContext context) {
     return eglBindAPI(EGL_OPENGL_API) && eglMakeCurrent(target.display, EGL_NO_SURFACE, EGL_NO_SURFACE, context);
 }
+
+}  // namespace umbrant::effect

@@ -7,6 +7,8 @@
 
 #include <EGL/egl.h>
 
+namespace umbrant::effect {
+
 /// Where contexts are made. The display is initialised and never terminated, since contexts of threads may outlive
 /// everything else.
 struct EglTarget {
@@ -26,3 +28,5 @@ EGLContext MakeCoreContext(const EglTarget& target, EGLContext share);
 
 /// Makes a context current on the calling thread without a surface; `EGL_NO_CONTEXT` leaves none.
 bool MakeCurrent(const EglTarget& target, EGLContext context);
+
+}  // namespace umbrant::effect

@@ -18,7 +18,7 @@
 #include <string>
 #include <string_view>
 
-extern char** environ;
+namespace umbrant::effect {
 
 namespace {
 
@@ -84,3 +84,5 @@ void OpenUrl(const char* url) {
     }
     close(ends[0]);
 }
+
+}  // namespace umbrant::effect

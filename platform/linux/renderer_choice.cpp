@@ -9,6 +9,8 @@
 #include <cstdlib>
 #include <cstring>
 
+namespace umbrant::effect {
+
 namespace {
 
 RendererChoice ReadChoice() {
@@ -27,3 +29,5 @@ RendererChoice ChosenRenderer() {
     static const RendererChoice choice = ReadChoice();
     return choice;
 }
+
+}  // namespace umbrant::effect

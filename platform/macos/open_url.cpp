@@ -8,8 +8,12 @@
 #include <cstdlib>
 #include <string>
 
+namespace umbrant::effect {
+
 void OpenUrl(const char* url) {
     const std::string command = std::string("open ") + url;
     // A page that does not open is no error of the effect's. The result must be read all the same: it is declared so.
     [[maybe_unused]] const int result = std::system(command.c_str());
 }
+
+}  // namespace umbrant::effect

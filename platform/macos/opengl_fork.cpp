@@ -5,6 +5,8 @@
 
 #include "platform/fork.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 bool forked = false;
@@ -15,3 +17,5 @@ const bool watching = (OnFork([] { forked = true; }), true);
 bool OpenGLLostByFork() {
     return watching && forked;
 }
+
+}  // namespace umbrant::effect

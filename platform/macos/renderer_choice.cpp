@@ -5,6 +5,10 @@
 
 #include "platform/renderer_choice.h"
 
+namespace umbrant::effect {
+
 RendererChoice ChosenRenderer() {
     return RendererChoice::kOpenGL;
 }
+
+}  // namespace umbrant::effect

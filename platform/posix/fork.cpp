@@ -7,7 +7,11 @@
 
 #include <pthread.h>
 
+namespace umbrant::effect {
+
 void OnFork(void (*inChild)()) {
     // Without memory for it a forked child is what it would be without this.
     pthread_atfork(nullptr, nullptr, inChild);
 }
+
+}  // namespace umbrant::effect

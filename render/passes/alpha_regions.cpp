@@ -10,6 +10,8 @@
 
 #include "render/passes/work_extent.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 struct IsSomething {
@@ -76,3 +78,5 @@ Region FindAlpha(const PF_LayerDef& world, int32_t bitDepth) {
 Region FindHoles(const PF_LayerDef& world, int32_t bitDepth) {
     return Find(world, bitDepth, IsHole{});
 }
+
+}  // namespace umbrant::effect

@@ -9,6 +9,8 @@
 #include "hostapi/pixels.h"
 #include "render/pass_plan.h"
 
+namespace umbrant::effect {
+
 /// The smallest region that holds every alpha of `world` (as deep as `bitDepth`: 8 or 32) that is not 0. The whole
 /// world when `WorksEverywhere`.
 Region FindAlpha(const PF_LayerDef& world, int32_t bitDepth);
@@ -16,3 +18,5 @@ Region FindAlpha(const PF_LayerDef& world, int32_t bitDepth);
 /// The same for every alpha that is not full: what an inner shadow's inverted alpha holds. Alphas above 1 are full,
 /// what is not a finite number is not.
 Region FindHoles(const PF_LayerDef& world, int32_t bitDepth);
+
+}  // namespace umbrant::effect

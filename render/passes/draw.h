@@ -9,6 +9,8 @@
 #include "render/passes/work_extent.h"
 #include "render/render_settings.h"
 
+namespace umbrant::effect {
+
 inline constexpr float kIdentity[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
 
 /// Sets a float uniform; a name that the program does not declare is ignored by GL.
@@ -71,3 +73,5 @@ inline void SetBlending(bool on) {
         glDisable(GL_BLEND);
     }
 }
+
+}  // namespace umbrant::effect

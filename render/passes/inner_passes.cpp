@@ -17,6 +17,8 @@
 #include "render/plan_passes.h"
 #include "render/shadow_shaders.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 struct Buffers {
@@ -110,3 +112,5 @@ PF_Err RenderInnerShadow(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHan
                                                   &settings->shadowColour8, shadow, out_data);
     });
 }
+
+}  // namespace umbrant::effect

@@ -15,6 +15,8 @@
 #include "render/plan_passes.h"
 #include "render/shadow_shaders.h"
 
+namespace umbrant::effect {
+
 PF_Err RenderNormalPasses(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings,
                           const RadialGeometry&) {
     // Without samples nothing is ever drawn or cleared: the output keeps its transparent black.
@@ -51,3 +53,5 @@ PF_Err RenderNormalPasses(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHa
     return accumulated.DownloadBuffer(in_data, suites, &settings->shadowColourFloat, &settings->shadowColour8,
                                       settings->outputWorld, out_data);
 }
+
+}  // namespace umbrant::effect

@@ -12,6 +12,8 @@
 #include "render/render_settings.h"
 #include "render/settings/radial_samples.h"
 
+namespace umbrant::effect {
+
 inline constexpr char kNormalTooSmall[] = "UM2 Error: in/out FBO too small";
 inline constexpr char kInnerTooSmall[] = "UM2 Inner Error: in/out FBO too small";
 inline constexpr char kRadialTooSmall[] = "UM2 Radial Error: in/out FBO too small";
@@ -30,3 +32,5 @@ PF_Err RenderInnerShadow(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHan
 /// Message: `kRadialTooSmall`.
 PF_Err RenderRadialPasses(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings,
                           const RadialGeometry& geometry);
+
+}  // namespace umbrant::effect

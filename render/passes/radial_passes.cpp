@@ -13,6 +13,8 @@
 #include "render/plan_passes.h"
 #include "render/shadow_shaders.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 // A quad of the size of the padded copy in the output's lower left corner; deleted on every way out.
@@ -143,3 +145,5 @@ PF_Err RenderRadialPasses(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHa
     return buffers.output.DownloadBuffer(in_data, suites, &settings->shadowColourFloat, &settings->shadowColour8,
                                          settings->outputWorld, out_data);
 }
+
+}  // namespace umbrant::effect

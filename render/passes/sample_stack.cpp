@@ -7,6 +7,8 @@
 #include "render/passes/draw.h"
 #include "render/shadow_shaders.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 /// What all samples of a stack share.
@@ -66,3 +68,5 @@ void DrawSampleStack(myParams* settings, const StackPlan& plan, Framebuffer& sou
     const Stack stack{settings, plan, source, blurred, accumulated, sendAcross, out_data};
     for (int sample = 0; sample < static_cast<int>(plan.samples.size()); ++sample) DrawSample(stack, sample);
 }
+
+}  // namespace umbrant::effect

@@ -11,6 +11,8 @@
 #include "render/pass_plan.h"
 #include "render/render_settings.h"
 
+namespace umbrant::effect {
+
 /// Sends the program `programId` the blur across of a sample, and leaves it in the settings for `SendBlurHUniforms`.
 using BlurSender = void (*)(myParams* params, int* sampleIndex, int* framebufferIndex, unsigned* programId);
 
@@ -20,3 +22,5 @@ using BlurSender = void (*)(myParams* params, int* sampleIndex, int* framebuffer
 /// blending is on afterwards. Throws std::out_of_range when a sample names a buffer that there is not.
 void DrawSampleStack(myParams* settings, const StackPlan& plan, Framebuffer& source, std::vector<Framebuffer>& blurred,
                      Framebuffer& accumulated, BlurSender sendAcross, PF_OutData* out_data);
+
+}  // namespace umbrant::effect

@@ -5,6 +5,8 @@
 
 #include <atomic>
 
+namespace umbrant::effect {
+
 namespace {
 std::atomic<bool> works{false};
 }
@@ -16,3 +18,5 @@ bool WorksEverywhere() {
 void SetWorksEverywhere(bool everywhere) {
     works = everywhere;
 }
+
+}  // namespace umbrant::effect

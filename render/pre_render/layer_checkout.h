@@ -7,6 +7,10 @@
 #include "entry/param_ids.h"
 #include "hostapi/basic_types.h"
 
+namespace umbrant::effect {
+
 inline constexpr A_long kInputCheckoutId = 1;
 inline constexpr A_long kTextureCheckoutId = PARAM_TEXTURE_LAYER;
 static_assert(kInputCheckoutId != kTextureCheckoutId);
+
+}  // namespace umbrant::effect

@@ -14,6 +14,10 @@
 #include "render/render_settings.h"
 #include "render/settings/param_checkout.h"
 
+using namespace umbrant::effect;
+
+namespace umbrant::effect {
+
 namespace {
 
 // Layer flags can be asked for from host interface 13.9 on.
@@ -116,6 +120,8 @@ PF_Err PreRender(PF_InData* in_data, PF_OutData*, PF_PreRenderExtra* extra) {
     output->flags = static_cast<PF_RenderOutputFlags>(output->flags | PF_RenderOutputFlag_RETURNS_EXTRA_PIXELS);
     return PF_Err_NONE;
 }
+
+}  // namespace umbrant::effect
 
 void DisposePreRenderData(void* preRenderData) {
     delete static_cast<PreRenderData*>(preRenderData);

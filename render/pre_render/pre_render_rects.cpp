@@ -12,6 +12,8 @@
 #include "pixel/saturate.h"
 #include "render/settings/angle.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 int32_t Saturate(int64_t value) {
@@ -169,3 +171,5 @@ PF_LRect ClampToComposition(const PF_LRect& rect, const PreRenderInputs& in) {
     inside.bottom = std::clamp(rect.bottom, inside.top + 1, height);
     return inside;
 }
+
+}  // namespace umbrant::effect

@@ -8,6 +8,8 @@
 #include "hostapi/geometry.h"
 #include "render/render_settings.h"
 
+namespace umbrant::effect {
+
 /// The parameters and the layer that decide the rectangles.
 struct PreRenderInputs {
     int32_t shadowType = 0;
@@ -61,3 +63,5 @@ void RecordRadialPlacement(const PF_LRect& outputResult, const PF_LRect& grown, 
 /// `rect` kept inside the composition, at least one pixel wide and high. A collapsed layer is as large as its
 /// composition and has no pixels beyond it.
 PF_LRect ClampToComposition(const PF_LRect& rect, const PreRenderInputs& in);
+
+}  // namespace umbrant::effect

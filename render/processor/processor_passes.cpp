@@ -18,6 +18,8 @@
 #include "render/passes/passes.h"
 #include "render/processor/processor_path.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 /// Beyond this a buffer cannot be had: four bytes a pixel make the largest block of memory 4 GiB.
@@ -168,3 +170,5 @@ PF_Err RenderRadialOnProcessor(PF_InData* in_data, PF_OutData* out_data, AEGP_Su
     }
     return alpha ? ReadBack(alpha, in_data, suites, settings, output) : PF_Err_OUT_OF_MEMORY;
 }
+
+}  // namespace umbrant::effect

@@ -11,6 +11,8 @@
 #include "render/render_settings.h"
 #include "render/settings/radial_samples.h"
 
+namespace umbrant::effect {
+
 PF_Err RenderNormalOnProcessor(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings,
                                const RadialGeometry& geometry);
 
@@ -20,3 +22,5 @@ PF_Err RenderInnerOnProcessor(PF_InData* in_data, PF_OutData* out_data, AEGP_Sui
 
 PF_Err RenderRadialOnProcessor(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings,
                                const RadialGeometry& geometry);
+
+}  // namespace umbrant::effect

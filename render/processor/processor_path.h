@@ -12,6 +12,8 @@
 #include "render/render_settings.h"
 #include "render/settings/radial_samples.h"
 
+namespace umbrant::effect {
+
 /// A layer's alpha, packed, as deep as the render: bytes or floats.
 struct ProcessorLayer {
     const void* alpha = nullptr;
@@ -39,3 +41,5 @@ void ConvertAlpha(const uint16_t* alpha, size_t count, int bitDepth, void* out);
 /// Joins the path's threads, if there are any, and gives the calling thread's memory back. A later render starts them
 /// again.
 void EndProcessorThreads();
+
+}  // namespace umbrant::effect

@@ -7,6 +7,8 @@
 #include "hostapi/suites/umbrant_host_suite.h"
 #include "render/processor/processor_path.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 /// `UMBRANT_Renderer_ANY` where the host has no such suite.
@@ -34,3 +36,5 @@ PF_Err ReadRendererRequest(PF_InData* in_data, RendererChoice* choice) {
     }
     return PF_Err_NONE;
 }
+
+}  // namespace umbrant::effect

@@ -9,7 +9,11 @@
 #include "hostapi/commands.h"
 #include "platform/renderer_choice.h"
 
+namespace umbrant::effect {
+
 /// Writes `*choice`. Acquires and releases one suite at most, and reports nothing where the host does not offer it.
 /// Returns the host's error when it offers the suite and its call fails. A build without the CPU renderer asks
 /// nobody.
 PF_Err ReadRendererRequest(PF_InData* in_data, RendererChoice* choice);
+
+}  // namespace umbrant::effect

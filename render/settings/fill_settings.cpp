@@ -10,6 +10,8 @@
 #include "pixel/saturate.h"
 #include "render/settings/angle.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 double Slider(const CheckedOutParams& params, ParamIndex index) {
@@ -92,3 +94,5 @@ void FillSettings(const CheckedOutParams& params, const PF_RationalScale& downsa
     if (settings->shadowType < SHADOW_RADIAL) FillTravel(params, settings);
     FillCompositing(params, settings);
 }
+
+}  // namespace umbrant::effect

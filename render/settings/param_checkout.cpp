@@ -3,6 +3,8 @@
 
 #include "render/settings/param_checkout.h"
 
+namespace umbrant::effect {
+
 PF_Err CheckoutParams(PF_InData* in_data, CheckedOutParams* params) {
     *params = {};
     for (A_long index = PARAM_INPUT + 1; index < PARAM_NUM_PARAMS; ++index) {
@@ -17,3 +19,5 @@ PF_Err CheckoutParams(PF_InData* in_data, CheckedOutParams* params) {
     }
     return PF_Err_NONE;
 }
+
+}  // namespace umbrant::effect

@@ -10,6 +10,8 @@
 #include "hostapi/commands.h"
 #include "hostapi/params.h"
 
+namespace umbrant::effect {
+
 /// Parameter definitions by index. The input layer and the texture layer stay zero: they are layers and are checked out
 /// on their own.
 using CheckedOutParams = std::array<PF_ParamDef, PARAM_NUM_PARAMS>;
@@ -17,3 +19,5 @@ using CheckedOutParams = std::array<PF_ParamDef, PARAM_NUM_PARAMS>;
 /// Checks out parameters 1 to 60 except the texture layer at the current time, each checked in again at once. Stops at
 /// the first error of the host and returns it.
 PF_Err CheckoutParams(PF_InData* in_data, CheckedOutParams* params);
+
+}  // namespace umbrant::effect

@@ -11,6 +11,8 @@
 #include "pixel/saturate.h"
 #include "render/settings/samples.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 using EaseFunction = double (*)(double t, double b, double c, double d);
@@ -74,3 +76,5 @@ std::vector<perSampleData> BuildRadialSamples(const myParams& settings, const Ra
     for (int32_t i = 1; i <= count; ++i) samples.push_back(BuildSample(settings, geometry, i, ease));
     return samples;
 }
+
+}  // namespace umbrant::effect

@@ -9,6 +9,8 @@
 #include "render/render_settings.h"
 #include "render/settings/param_checkout.h"
 
+namespace umbrant::effect {
+
 /// What the samples and the passes of one radial render share. Lengths in (downsampled) pixels.
 struct RadialGeometry {
     double growth = 0;    ///< the last copy's scale less one
@@ -26,3 +28,5 @@ RadialGeometry BuildRadialGeometry(const CheckedOutParams& params, const myParam
 /// The samples in drawing order; empty when `numSamples` is below 1, and cut off after `kMostSamples`. `radialTx`,
 /// `radialTy` and `radialScale` map the padded input to output pixels.
 std::vector<perSampleData> BuildRadialSamples(const myParams& settings, const RadialGeometry& geometry);
+
+}  // namespace umbrant::effect

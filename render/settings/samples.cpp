@@ -9,6 +9,8 @@
 #include "pixel/easing.h"
 #include "pixel/saturate.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 using EaseFunction = double (*)(double t, double b, double c, double d);
@@ -57,3 +59,5 @@ std::vector<framebufferData> BuildFramebufferRecords(const myParams& settings) {
     }
     return records;
 }
+
+}  // namespace umbrant::effect

@@ -8,6 +8,8 @@
 
 #include "render/render_settings.h"
 
+namespace umbrant::effect {
+
 /// The longest stack that is drawn: four times what the row "Samples" allows. A damaged project can ask for two
 /// thousand million samples, which no machine has the memory for.
 constexpr int32_t kMostSamples = 1024;
@@ -18,3 +20,5 @@ std::vector<perSampleData> BuildSamples(const myParams& settings);
 
 /// One record per framebuffer; empty when `numFramebuffers` is below 1. Sizes saturate.
 std::vector<framebufferData> BuildFramebufferRecords(const myParams& settings);
+
+}  // namespace umbrant::effect

@@ -19,6 +19,8 @@
 #include "tests/support/child_process.h"
 #include "tests/support/gl_context.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 RendererChoice choice = RendererChoice::kOpenGL;
@@ -164,3 +166,5 @@ TEST_F(BothPaths, BoundsChangeNoByteOnTheGpuWhateverTheAlphas) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -13,6 +13,8 @@
 #include <random>
 #include <vector>
 
+namespace umbrant::effect {
+
 namespace {
 
 std::vector<float> Random(size_t count, float high) {
@@ -173,3 +175,5 @@ INSTANTIATE_TEST_SUITE_P(Sets, Kernels, ::testing::ValuesIn(RunnableKernels()), 
 });
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -9,6 +9,8 @@
 #include "platform/fake/renderer_choice_fake.h"
 #include "tests/render/fake_render.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -183,3 +185,5 @@ TEST_F(ProcessorRoads, NoContextIsNeeded) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

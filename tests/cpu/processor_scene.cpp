@@ -7,6 +7,8 @@
 
 #include "render/passes/passes.h"
 
+namespace umbrant::effect {
+
 Plane SceneRenderer::Draw(const RandomScene& scene) {
     host_.outData.return_msg[0] = '\0';
     mayBeTooSmall_ = true;
@@ -47,3 +49,5 @@ Plane SceneRenderer::Model(const RandomScene& s) const {
                                     static_cast<double>(output_->world.origin_y) - input_->world.origin_y};
     return RadialShadow(alpha_, s.panel, placement, width, height);
 }
+
+}  // namespace umbrant::effect

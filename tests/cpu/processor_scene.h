@@ -7,6 +7,8 @@
 
 #include "tests/cpu/random_scene.h"
 
+namespace umbrant::effect {
+
 class SceneRenderer : public ShadowScene {
  public:
     /// The accumulated alpha, 0..1. Fails the test when the render does, but for an inner shadow in so small a layer
@@ -17,3 +19,5 @@ class SceneRenderer : public ShadowScene {
     RenderHost& Host() { return host_; }
     std::string Message() const { return host_.outData.return_msg; }
 };
+
+}  // namespace umbrant::effect

@@ -21,6 +21,8 @@
 #include "render/smart_render.h"
 #include "tests/cpu/processor_scene.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 class ProcessorTest : public ::testing::Test, protected SceneRenderer {
@@ -227,3 +229,5 @@ TEST_F(ProcessorTest, CanBeSetDownWhenTheThreadsMemoryIsGone) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

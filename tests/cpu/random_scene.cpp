@@ -10,6 +10,8 @@
 #include <random>
 #include <sstream>
 
+namespace umbrant::effect {
+
 namespace {
 
 /// What the current layer looks like.
@@ -159,3 +161,5 @@ unsigned ScenesToDraw(unsigned usual) {
     const int scenes = text ? std::atoi(text) : 0;
     return scenes > 0 ? static_cast<unsigned>(scenes) : usual;
 }
+
+}  // namespace umbrant::effect

@@ -8,6 +8,8 @@
 
 #include "tests/render/shadow_scene.h"
 
+namespace umbrant::effect {
+
 /// One render, told by its number alone.
 struct RandomScene {
     int type = 0;
@@ -36,3 +38,5 @@ RandomScene MakeOddScene(unsigned number, OddAlphas alphas);
 
 /// How many scenes a test draws: `usual`, or what UMBRANT_TEST_SCENES says, for long runs.
 unsigned ScenesToDraw(unsigned usual);
+
+}  // namespace umbrant::effect

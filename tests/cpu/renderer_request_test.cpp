@@ -13,6 +13,8 @@
 #include "platform/fake/renderer_choice_fake.h"
 #include "tests/render/fake_render.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 constexpr char kAcquired[] = "AcquireSuite Umbrant Host Suite 1";
@@ -122,3 +124,5 @@ TEST_F(RendererRequest, AnErrorEndsTheFrame) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

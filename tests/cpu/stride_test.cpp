@@ -14,6 +14,8 @@
 #include "cpu/stack_drawer.h"
 #include "render/plan_passes.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 constexpr int kWidth = 40;
@@ -118,3 +120,5 @@ TEST_F(Stride, OfARadialShadowDividesInDoublePrecision) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -11,6 +11,8 @@
 #include <limits>
 #include <vector>
 
+namespace umbrant::effect {
+
 namespace {
 
 TEST(EdgeIndex, ClampsAndMirrors) {
@@ -136,3 +138,5 @@ TEST(TapFolder, LeavesOutWhatIsNotKeptAndRepeatsWhatIsNotDistinct) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

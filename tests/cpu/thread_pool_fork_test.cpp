@@ -20,6 +20,8 @@
 #include "tests/cpu/processor_scene.h"
 #include "tests/support/child_process.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 // A pool that never ends would only end with the deadline, so it is no longer than a slow machine needs.
@@ -169,3 +171,5 @@ TEST_F(ForkedPool, MakesThemAllWhenThereIsRoomAgain) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

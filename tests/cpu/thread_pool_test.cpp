@@ -11,6 +11,8 @@
 #include <thread>
 #include <vector>
 
+namespace umbrant::effect {
+
 namespace {
 
 class ThreadPoolTest : public ::testing::Test {
@@ -80,3 +82,5 @@ TEST_F(ThreadPoolTest, HasAThreadPerCore) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

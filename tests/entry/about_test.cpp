@@ -10,6 +10,8 @@
 
 #include "tests/entry/entry_fixture.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 constexpr char kAboutText[] = "Umbrant 2 v1.3.3\nSimulates a variety of shadow styles.\n\n";
@@ -64,3 +66,5 @@ TEST(About, VersionedNameComesFromTheNumbers) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -16,6 +16,8 @@
 #include "hostapi/suites/handle_suite.h"
 #include "tests/support/test_host.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -227,3 +229,5 @@ static_assert(sizeof(AEFX_DrawbotSuites) == 32 && offsetof(AEFX_DrawbotSuites, d
               offsetof(AEFX_DrawbotSuites, path) == 24);
 
 }  // namespace
+
+}  // namespace umbrant::effect

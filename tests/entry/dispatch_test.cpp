@@ -17,6 +17,8 @@
 #include "hostapi/smart_render.h"
 #include "tests/entry/entry_fixture.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 // A pre-render or render begins by checking out parameters, so this callback stands for whatever goes on inside.
@@ -252,3 +254,5 @@ TEST_F(DispatchTest, OneRenderAtATime) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

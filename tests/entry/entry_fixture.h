@@ -16,6 +16,8 @@
 #include "platform/fake/gl_fake.h"
 #include "tests/support/test_host.h"
 
+namespace umbrant::effect {
+
 class EntryTest : public ::testing::Test {
  protected:
     EntryTest() {
@@ -36,3 +38,5 @@ class EntryTest : public ::testing::Test {
     static constexpr A_long kPremiere = 0x50724D72;
     TestHost host;
 };
+
+}  // namespace umbrant::effect

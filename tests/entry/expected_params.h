@@ -7,6 +7,8 @@
 
 #include "hostapi/basic_types.h"
 
+namespace umbrant::effect {
+
 // Flag words by number.
 enum { CTV = 0x2, COL = 0x20, SUP = 0x40, DIS = 0x20, SELF_DRAWN = 0x82 };
 // Parameter types by number.
@@ -124,3 +126,5 @@ inline const ExpectedPopup kPopups[] = {
     {45, "Draft|Low|Moderate|High|Extreme", 5, 3},
     {46, "Speed|Memory Usage", 2, 1},
 };
+
+}  // namespace umbrant::effect

@@ -13,6 +13,8 @@
 #include "tests/render/render_host.h"
 #include "tests/support/child_process.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 // A child that waits for a lock of the parent's waits to the end.
@@ -62,3 +64,5 @@ TEST_F(ForkedRender, TheForkingThreadsLockIsGivenBackInTheChildToo) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -11,6 +11,8 @@
 #include "gl/context.h"
 #include "tests/entry/entry_fixture.h"
 
+namespace umbrant::effect {
+
 using Lines = std::vector<std::string>;
 
 class GlobalSetupTest : public EntryTest {
@@ -33,3 +35,5 @@ class GlobalSetupTest : public EntryTest {
     }
     GlobalData& Record() { return *static_cast<GlobalData*>(host.BytesOf(host.outData.global_data)); }
 };
+
+}  // namespace umbrant::effect

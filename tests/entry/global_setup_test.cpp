@@ -18,6 +18,8 @@
 #include "tests/entry/global_setup_fixture.h"
 #include "tests/support/capture_stdout.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 TEST_F(GlobalSetupTest, AnnouncesVersionAndFlags) {
@@ -370,3 +372,5 @@ static_assert(offsetof(GlobalData, gl_version) == 0 && offsetof(GlobalData, gl_v
               offsetof(GlobalData, context) == 400);
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -14,6 +14,8 @@
 #include "entry/banner.h"
 #include "tests/entry/panel_host.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -280,3 +282,5 @@ TEST(Banner, IsAPictureThatSuitsDarkAndLight) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

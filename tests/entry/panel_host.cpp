@@ -3,6 +3,8 @@
 
 #include "tests/entry/panel_host.h"
 
+namespace umbrant::effect {
+
 PanelHostTest* PanelHostTest::current = nullptr;
 
 namespace {
@@ -173,3 +175,5 @@ std::vector<std::string> PanelHostTest::Suites(const std::string& verb) const {
     }
     return names;
 }
+
+}  // namespace umbrant::effect

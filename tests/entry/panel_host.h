@@ -23,6 +23,8 @@
 #include "hostapi/suites/param_utils_suite.h"
 #include "tests/entry/entry_fixture.h"
 
+namespace umbrant::effect {
+
 /// A fixture around the recording host. One at a time: the suites' functions answer for the one that lives.
 class PanelHostTest : public EntryTest {
  protected:
@@ -84,3 +86,5 @@ class PanelHostTest : public EntryTest {
     DRAWBOT_SupplierSuite1 supplierSuite_{};
     DRAWBOT_SurfaceSuite1 surfaceSuite_{};
 };
+
+}  // namespace umbrant::effect

@@ -12,6 +12,8 @@
 #include "entry/addresses.h"
 #include "tests/entry/panel_host.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -290,3 +292,5 @@ TEST_F(PanelTest, OtherRowsOpenNothing) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

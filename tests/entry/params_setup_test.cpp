@@ -14,6 +14,8 @@
 #include "tests/entry/entry_fixture.h"
 #include "tests/entry/expected_params.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 /// What the host saw of one `add_param`.
@@ -386,3 +388,5 @@ TEST_F(ParamsSetupTest, TwiceTheSame) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

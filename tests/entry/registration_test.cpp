@@ -13,6 +13,8 @@
 #include "entry/entry_points.h"
 #include "entry/version.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 struct Registration {
@@ -81,3 +83,5 @@ TEST(Version, PacksToTheAnnouncedWord) {
 static_assert(std::is_same_v<decltype(&EffectMain), PF_FilterProc>);
 
 }  // namespace
+
+}  // namespace umbrant::effect

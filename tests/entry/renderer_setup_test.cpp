@@ -8,6 +8,8 @@
 #include "render/processor/processor_path.h"
 #include "tests/entry/global_setup_fixture.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 UMBRANT_Renderer preference = UMBRANT_Renderer_ANY;
@@ -95,3 +97,5 @@ TEST_F(SetupForARenderer, TheErrorOfAHostThatCannotSayItIsHandedBack) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

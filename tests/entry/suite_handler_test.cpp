@@ -14,6 +14,8 @@
 
 #include "tests/support/test_host.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -222,3 +224,5 @@ static_assert(std::is_nothrow_destructible_v<AEGP_SuiteHandler>);
 static_assert(!std::is_copy_constructible_v<AEGP_SuiteHandler> && !std::is_copy_assignable_v<AEGP_SuiteHandler>);
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -22,6 +22,8 @@
 #include "tests/render/render_host.h"
 #include "tests/support/test_world.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -388,3 +390,5 @@ TEST_F(ThrowingRenderHost, RenderOfAnEmptyLayer) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -7,6 +7,8 @@
 #include "tests/host/video/clips.h"
 #include "tests/support/sanitized.h"
 
+using namespace umbrant::host;
+
 namespace {
 
 /// A clip with alpha, the program's pictures of it, and the hosts with the filter.

@@ -16,6 +16,8 @@
 #include "tests/frei0r/filter.h"
 #include "tests/host/library/library_fixture.h"
 
+using namespace umbrant::host;
+
 namespace {
 
 using testing::HasSubstr;

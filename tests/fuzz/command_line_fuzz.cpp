@@ -9,6 +9,8 @@
 #include "host/cli/run_program.h"
 #include "tests/fuzz/target.h"
 
+using namespace umbrant::host;
+
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::vector<std::string> arguments = {"umbrant"};
     std::string argument;

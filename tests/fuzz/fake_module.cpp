@@ -13,6 +13,8 @@
 #include "platform/fake/gl_fake.h"
 #include "platform/fake/renderer_choice_fake.h"
 
+using namespace umbrant::effect;
+
 #define EXPORTED extern "C" __attribute__((visibility("default")))
 
 EXPORTED void UmbrantSetFakePlatform(const FakePlatformScript* script, bool forget) {

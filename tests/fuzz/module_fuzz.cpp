@@ -20,6 +20,8 @@
 #include "tests/fuzz/fake_module.h"
 #include "tests/fuzz/target.h"
 
+using namespace umbrant::host;
+
 namespace {
 
 /// Frames beyond it are asked about and not drawn: the point here is not the host's own pixel loops.

@@ -10,6 +10,8 @@
 #include "hostapi/limits.h"
 #include "tests/fuzz/target.h"
 
+using namespace umbrant::host;
+
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const std::array<ScratchFile, 4> files = {ScratchFile("a.png"), ScratchFile("a.jpg"), ScratchFile("a.tif"),
                                                      ScratchFile("a.exr")};

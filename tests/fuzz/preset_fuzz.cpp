@@ -9,6 +9,8 @@
 #include "host/animation/preset.h"
 #include "tests/fuzz/target.h"
 
+using namespace umbrant::host;
+
 namespace {
 
 PF_ParamDef Row(PF_ParamType type, const char* name) {

@@ -13,6 +13,8 @@
 #include "tests/fuzz/target.h"
 #include "tests/host/compositing/transfer_worlds.h"
 
+using namespace umbrant::host;
+
 namespace {
 
 /// Where in the plane: mostly near, sometimes as far as numbers go.

@@ -5,6 +5,8 @@
 
 #include "tests/gl/fake_fixture.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -114,3 +116,5 @@ INSTANTIATE_TEST_SUITE_P(All, AttributeErrors,
                                            ErrorCase{"pointing", {0, 0, 0, 1282}, " Vertex Attrib: 1282\n"}));
 
 }  // namespace
+
+}  // namespace umbrant::effect

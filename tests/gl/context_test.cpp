@@ -5,6 +5,8 @@
 
 #include "tests/gl/fake_fixture.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -113,3 +115,5 @@ TEST_F(Context, FailedSwitchIsPrintedAndLeavesTheCurrentOne) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -17,6 +17,8 @@
 #include "platform/fake/gl_fake.h"
 #include "tests/support/capture_stdout.h"
 
+namespace umbrant::effect {
+
 class FakeGLTest : public ::testing::Test {
  protected:
     void SetUp() override {
@@ -33,3 +35,5 @@ class FakeGLTest : public ::testing::Test {
 
     PF_OutData outData_{};
 };
+
+}  // namespace umbrant::effect

@@ -5,6 +5,8 @@
 
 #include "tests/gl/fake_fixture.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -195,3 +197,5 @@ INSTANTIATE_TEST_SUITE_P(All, FBOtoWorld,
                                                      "glReadPixels(0, 0, 2, 2, GL_RGBA, GL_FLOAT)"}));
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -15,6 +15,8 @@
 #include "tests/support/test_host.h"
 #include "tests/support/test_world.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 constexpr char kVertex[] = R"(#version 330
@@ -322,3 +324,5 @@ TEST_F(FramebufferGL, SizesBeyondTheDriverAreReported) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

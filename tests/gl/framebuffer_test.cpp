@@ -8,6 +8,8 @@
 
 #include "tests/gl/fake_fixture.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -271,3 +273,5 @@ TEST_F(FramebufferTest, AGrowingListKeepsTheObjects) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

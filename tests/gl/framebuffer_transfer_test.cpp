@@ -10,6 +10,8 @@
 #include "tests/support/test_world.h"
 #include "tests/support/thrown_code.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -387,3 +389,5 @@ TEST_F(DownloadTest, TheHalvesLockTheHandleAndLeaveItLocked) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -5,6 +5,8 @@
 
 #include "tests/gl/fake_fixture.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -107,3 +109,5 @@ INSTANTIATE_TEST_SUITE_P(
                                  "glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, 2, 3, GL_RGBA, GL_FLOAT)"}));
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -5,6 +5,8 @@
 
 #include "tests/gl/fake_fixture.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -83,3 +85,5 @@ TEST_F(ProgramListTest, DeleteProgramIgnoresNothingToDelete) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -11,6 +11,8 @@
 
 #include "tests/gl/fake_fixture.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -238,3 +240,5 @@ TEST_F(ProgramFiles, LoadShaderEndsEveryLine) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

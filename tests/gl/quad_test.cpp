@@ -8,6 +8,8 @@
 #include "gl/gl_error.h"
 #include "tests/gl/fake_fixture.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -102,3 +104,5 @@ TEST_F(GLErrorTest, TheSecondProbeDoesNothing) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -9,6 +9,8 @@
 #include "gl/program.h"
 #include "tests/gl/fake_fixture.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 /// The two classes that write messages do it alike.
@@ -65,3 +67,5 @@ TEST_P(ReturnMessage, EmptyWritesNothing) {
 INSTANTIATE_TEST_SUITE_P(All, ReturnMessage, ::testing::ValuesIn(kWriters));
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -17,6 +17,8 @@
 #include "tests/support/gl_context.h"
 #include "tests/support/test_host.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 class ThreadStateGL : public ::testing::Test {
@@ -116,3 +118,5 @@ TEST_F(ThreadStateGL, AThreadsContextOutlivesTheProbe) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

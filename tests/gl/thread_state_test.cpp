@@ -10,6 +10,8 @@
 #include "tests/support/child_process.h"
 #include "tests/support/test_host.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 using ::testing::Contains;
@@ -257,3 +259,5 @@ TEST_F(ThreadState, FailedProgramsAreKeptAndNotRetried) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

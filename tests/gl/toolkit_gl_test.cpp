@@ -17,6 +17,8 @@
 #include "tests/support/capture_stdout.h"
 #include "tests/support/gl_context.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 constexpr char kVertex[] = R"(#version 330
@@ -331,3 +333,5 @@ TEST_F(Toolkit, FramebufferWithoutAttachmentIsIncomplete) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -5,6 +5,8 @@
 
 #include "tests/gl/fake_fixture.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -141,3 +143,5 @@ TEST_F(UniformsTest, NamesAreReadInto32Characters) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -22,6 +22,8 @@
 
 #include "tests/support/run_program.h"
 
+using namespace umbrant::host;
+
 namespace {
 
 namespace fs = std::filesystem;

@@ -13,6 +13,8 @@
 #include "tests/host/compositing/transfer_model.h"
 #include "tests/modules/host_tester.h"
 
+using namespace umbrant::host;
+
 namespace {
 
 constexpr A_long kWide = 37, kHigh = 23;

@@ -327,6 +327,7 @@ class Installed(unittest.TestCase):
         names = [line.split(" ", 2)[2] for line in listed.splitlines() if " " in line and line.split(" ", 2)[1] in "TDBR"]
         self.assertTrue(any(name.startswith("umbrant::Effect::Render(") for name in names), names)
         self.assertEqual([name for name in names if not name.startswith("umbrant::")], [])
+        self.assertEqual([name for name in names if name.startswith("umbrant::host::")], [])
 
     def test_the_archive_leaves_the_signals_of_its_program_alone(self):
         listed = run("nm", "--undefined-only", self.prefix / LIBDIR / "libumbrant_host.a")

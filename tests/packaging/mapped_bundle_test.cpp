@@ -23,6 +23,8 @@
 #include "host/session/effect_session.h"
 #include "tests/packaging/mapped/macho_image.h"
 
+using namespace umbrant::host;
+
 namespace {
 
 using ::testing::HasSubstr;

@@ -14,6 +14,8 @@
 #include <limits>
 #include <string>
 
+namespace umbrant::effect {
+
 namespace {
 
 struct Blend32Case {
@@ -320,3 +322,5 @@ TEST(Blend32, ModeNumbersAreTheTexturesItems) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -10,6 +10,8 @@
 #include <cmath>
 #include <limits>
 
+namespace umbrant::effect {
+
 namespace {
 
 constexpr double kInf = std::numeric_limits<double>::infinity();
@@ -95,3 +97,5 @@ TEST(WeightFloat, FormIsFixed) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

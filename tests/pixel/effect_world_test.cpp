@@ -12,6 +12,8 @@
 #include "tests/support/capture_stdout.h"
 #include "tests/support/test_host.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 PF_ProgPtr EffectRef() {
@@ -200,3 +202,5 @@ static_assert(!std::is_copy_constructible_v<HV_EffectWorld> && !std::is_move_con
 static_assert(!std::is_copy_assignable_v<HV_EffectWorld> && !std::is_move_assignable_v<HV_EffectWorld>);
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -13,6 +13,8 @@
 
 #include "tests/support/test_host.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 PF_FloatMatrix Numbers(double first, double step) {
@@ -184,3 +186,5 @@ TEST(RotateMatrix, MissingSuites) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

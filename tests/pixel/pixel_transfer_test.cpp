@@ -13,6 +13,8 @@
 #include "tests/support/capture_stdout.h"
 #include "tests/support/test_world.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 constexpr int kWidth = 5;
@@ -193,3 +195,5 @@ static_assert(std::is_same_v<decltype(&CopyRedPixel8In), PF_IteratePixel8Func>);
 static_assert(std::is_same_v<decltype(&CopyPixelFloatOut), PF_IteratePixelFloatFunc>);
 
 }  // namespace
+
+}  // namespace umbrant::effect

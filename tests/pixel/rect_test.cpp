@@ -9,6 +9,8 @@
 
 #include <cstdint>
 
+namespace umbrant::effect {
+
 namespace {
 
 bool Same(const PF_LRect& a, const PF_LRect& b) {
@@ -86,3 +88,5 @@ TEST(IsEdgePixel, Cases) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -10,6 +10,8 @@
 #include <cmath>
 #include <limits>
 
+namespace umbrant::effect {
+
 namespace {
 
 constexpr double kInf = std::numeric_limits<double>::infinity();
@@ -58,3 +60,5 @@ TEST(Saturate, ToUint8) {
 static_assert(ToInt32(kNaN) == 0 && ToUint8(300.0) == 255, "usable in constants");
 
 }  // namespace
+
+}  // namespace umbrant::effect

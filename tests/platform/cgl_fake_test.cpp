@@ -14,6 +14,8 @@
 #include "platform/fake/call_log.h"
 #include "platform/fake/gl_fake.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -127,3 +129,5 @@ TEST(CglWords, AreCGLs) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

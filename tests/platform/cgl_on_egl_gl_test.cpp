@@ -13,6 +13,8 @@
 #include "platform/cgl_api.h"
 #include "platform/gl_api.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 CGLContextObj Make(CGLContextObj share = nullptr) {
@@ -210,3 +212,5 @@ TEST_F(CglOnEgl, AnOwnerMayStillUseItsContextAtTheEndOfItsThread) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -8,6 +8,8 @@
 
 #include "platform/renderer_choice.h"
 
+using namespace umbrant::effect;
+
 namespace {
 
 const char* Name(RendererChoice choice) {

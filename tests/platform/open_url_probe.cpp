@@ -10,6 +10,8 @@
 #include <cerrno>
 #include <cstdio>
 
+using namespace umbrant::effect;
+
 int main(int argc, char** argv) {
     if (argc != 2) return 2;
     OpenUrl(argv[1]);

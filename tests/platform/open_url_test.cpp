@@ -21,6 +21,10 @@
 #include "platform/fake/call_log.h"
 #include "tests/support/run_program.h"
 
+namespace umbrant::effect {
+
+using namespace host;
+
 namespace {
 
 using std::chrono::milliseconds;
@@ -181,3 +185,5 @@ TEST(OpenUrlFake, WritesTheAddressToTheCallLog) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -12,6 +12,10 @@
 
 #include "tests/support/run_program.h"
 
+namespace umbrant::effect {
+
+using namespace host;
+
 namespace {
 
 /// Runs the probe with these changes to the environment; both outputs together.
@@ -119,3 +123,5 @@ TEST_F(Reloading, OnTheMainThreadToo) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

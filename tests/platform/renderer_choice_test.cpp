@@ -9,6 +9,10 @@
 
 #include "tests/support/run_program.h"
 
+namespace umbrant::effect {
+
+using namespace host;
+
 namespace {
 
 std::string Probe(const std::string& program, const std::string& environment) {
@@ -41,3 +45,5 @@ TEST(ChosenRenderer, IsAlwaysOpenGLOnMacOS) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace umbrant::effect {
+
 namespace {
 
 double Round16(double value) {
@@ -261,3 +263,5 @@ Plane RadialShadow(const Plane& layerAlpha, const PanelValues& panel, const Radi
     }
     return out;
 }
+
+}  // namespace umbrant::effect

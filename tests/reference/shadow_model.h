@@ -9,6 +9,8 @@
 #include <cstddef>
 #include <vector>
 
+namespace umbrant::effect {
+
 /// One channel of width x height values, row 0 on top.
 struct Plane {
     int width = 0;
@@ -80,3 +82,5 @@ Plane RadialShadow(const Plane& layerAlpha, const PanelValues& panel, const Radi
 /// The accumulated alpha, 0..1, of the shadow that `layerAlpha` casts into an output of so many pixels.
 Plane NormalShadow(const Plane& layerAlpha, const PanelValues& panel, const Placement& placement, int outputWidth,
                    int outputHeight);
+
+}  // namespace umbrant::effect

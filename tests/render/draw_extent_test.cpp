@@ -9,6 +9,8 @@
 
 #include "tests/render/fake_render.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 class DrawExtent : public SmartRenderTest {};
@@ -83,3 +85,5 @@ TEST_F(DrawExtent, ASampleWithoutOpacityIsNotDrawn) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -5,6 +5,10 @@
 
 #include "render/passes/work_extent.h"
 
+namespace umbrant::effect {
+
 namespace {
 const bool everywhere = (SetWorksEverywhere(true), true);
 }
+
+}  // namespace umbrant::effect

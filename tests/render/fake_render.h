@@ -19,6 +19,8 @@
 #include "tests/render/render_host.h"
 #include "tests/support/test_world.h"
 
+namespace umbrant::effect {
+
 class SmartRenderTest : public ::testing::Test {
  protected:
     SmartRenderTest() {
@@ -90,3 +92,5 @@ class SmartRenderTest : public ::testing::Test {
     TestWorld input_{40, 30, sizeof(PF_Pixel)};
     TestWorld output_{60, 50, sizeof(PF_Pixel)};
 };
+
+}  // namespace umbrant::effect

@@ -12,6 +12,8 @@
 
 #include "tests/render/panel.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 class FillSettingsTest : public ::testing::Test {
@@ -274,3 +276,5 @@ TEST_F(FillSettingsTest, TextureDefinitionStaysZero) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

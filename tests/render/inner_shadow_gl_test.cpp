@@ -7,6 +7,8 @@
 
 #include "tests/render/shadow_fixture.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 struct Case {
@@ -97,3 +99,5 @@ TEST_F(InnerShadowTest, ColourAlphaScalesTheInvertedAlpha) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

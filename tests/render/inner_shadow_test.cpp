@@ -9,6 +9,8 @@
 
 #include "tests/render/fake_render.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -248,3 +250,5 @@ TEST_F(InnerShadowTest, SixteenBitsAreRefused) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

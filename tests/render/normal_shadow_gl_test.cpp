@@ -11,6 +11,8 @@
 #include "gl/thread_state.h"
 #include "tests/render/shadow_fixture.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 struct Case {
@@ -150,3 +152,5 @@ TEST_F(NormalShadowTest, RecordsTheRendererOnce) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -6,6 +6,8 @@
 
 #include "render/settings/param_checkout.h"
 
+namespace umbrant::effect {
+
 /// Every row at its default; "Origin" at the corner.
 inline CheckedOutParams DefaultPanel() {
     CheckedOutParams p{};
@@ -34,3 +36,5 @@ inline CheckedOutParams DefaultPanel() {
     slider(PARAM_OFFSET_SHADOW, 1);
     return p;
 }
+
+}  // namespace umbrant::effect

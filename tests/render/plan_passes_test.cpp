@@ -10,6 +10,8 @@
 
 #include "render/shadow_backend.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 class Plans : public ::testing::Test {
@@ -148,3 +150,5 @@ TEST(ShadowBackends, HaveAFunctionForEachTypeAndNoneForOthers) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

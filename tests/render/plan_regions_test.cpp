@@ -17,6 +17,8 @@
 #include "render/plan_parts.h"
 #include "tests/support/test_world.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 void ExpectRegion(const Region& region, int left, int top, int right, int bottom) {
@@ -262,3 +264,5 @@ TEST(RegionsOf, IsEmptyBesideTheOutputAndForACopyWithoutExtent) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -15,6 +15,8 @@ static bool operator==(const PF_LRect& a, const PF_LRect& b) {
     return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
 }
 
+namespace umbrant::effect {
+
 void PrintTo(const PF_LRect& r, std::ostream* out) {
     *out << '{' << r.left << ", " << r.top << ", " << r.right << ", " << r.bottom << '}';
 }
@@ -300,3 +302,5 @@ TEST(ClampToComposition, KeepsAPixel) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

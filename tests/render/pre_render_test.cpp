@@ -48,6 +48,8 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     std::free(memory);
 }
 
+namespace umbrant::effect {
+
 namespace {
 
 class PreRenderTest : public ::testing::Test {
@@ -434,3 +436,5 @@ TEST_F(PreRenderTest, FractionsOfTheOriginCount) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -9,6 +9,8 @@
 
 #include "tests/render/shadow_fixture.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 struct Case {
@@ -128,3 +130,5 @@ INSTANTIATE_TEST_SUITE_P(All, RadialDots, ::testing::ValuesIn(kDots),
                          [](const auto& row) { return TestName(row.param.name); });
 
 }  // namespace
+
+}  // namespace umbrant::effect

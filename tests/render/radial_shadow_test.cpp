@@ -12,6 +12,8 @@
 #include "render/settings/radial_samples.h"
 #include "tests/render/fake_render.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -237,3 +239,5 @@ TEST_F(RadialShadowTest, NoSamplesGiveNoShadow) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

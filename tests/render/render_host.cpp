@@ -6,6 +6,8 @@
 #include <cstring>
 #include <string>
 
+namespace umbrant::effect {
+
 namespace {
 int dummyLayer = 0;
 int dummyEffect = 0;
@@ -201,3 +203,5 @@ void RenderHost::ResetFailures() {
         layerFlagsError = 0;
     checkoutParams_ = checkinParams_ = checkoutLayers_ = checkoutPixels_ = transferCalls_ = 0;
 }
+
+}  // namespace umbrant::effect

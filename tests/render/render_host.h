@@ -17,6 +17,8 @@
 #include "tests/render/panel.h"
 #include "tests/support/test_host.h"
 
+namespace umbrant::effect {
+
 class RenderHost : public TestHost {
  public:
     /// A 40 x 30 layer at full resolution, default panel, no GL context in the global data.
@@ -101,3 +103,5 @@ class RenderHost : public TestHost {
     int checkoutPixels_ = 0;
     int transferCalls_ = 0;
 };
+
+}  // namespace umbrant::effect

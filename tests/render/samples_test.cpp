@@ -10,6 +10,8 @@
 #include <cmath>
 #include <limits>
 
+namespace umbrant::effect {
+
 namespace {
 
 myParams Settings(int n) {
@@ -189,3 +191,5 @@ TEST(FramebufferRecords, InnerHasNoBorder) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

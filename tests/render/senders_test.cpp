@@ -13,6 +13,8 @@
 #include "render/shadow_shaders.h"
 #include "tests/render/fake_render.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -114,3 +116,5 @@ TEST_F(Senders, AnyProgramThatFailsMakesTheListFailAndTheOthersAreBuilt) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

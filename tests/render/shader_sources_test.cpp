@@ -11,6 +11,8 @@
 #include <sstream>
 #include <string>
 
+namespace umbrant::effect {
+
 namespace {
 
 std::string FileText(const std::string& name) {
@@ -71,3 +73,5 @@ TEST(ShaderSources, CopiesDifferInWhiteSpaceOnly) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

@@ -8,6 +8,8 @@
 #include "gl/context.h"
 #include "gl/thread_state.h"
 
+namespace umbrant::effect {
+
 void ShadowTest::SetUp() {
     GLContextTest::SetUp();
     if (!IsSkipped()) host_.global->context = context_;
@@ -21,3 +23,5 @@ void ShadowTest::TearDown() {
     EXPECT_EQ(host_.layersOut, 0);
     GLContextTest::TearDown();
 }
+
+}  // namespace umbrant::effect

@@ -7,8 +7,12 @@
 #include "tests/render/shadow_scene.h"
 #include "tests/support/gl_context.h"
 
+namespace umbrant::effect {
+
 class ShadowTest : public GLContextTest, protected ShadowScene {
  protected:
     void SetUp() override;
     void TearDown() override;
 };
+
+}  // namespace umbrant::effect

@@ -12,6 +12,8 @@
 #include "render/pre_render/pre_render.h"
 #include "render/smart_render.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 // One GPU rounding per sample is allowed in 16 bits; 8-bit output may then fall to the other side of a step.
@@ -156,3 +158,5 @@ std::string TestName(std::string sentence) {
     }
     return sentence;
 }
+
+}  // namespace umbrant::effect

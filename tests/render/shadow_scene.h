@@ -13,6 +13,8 @@
 #include "tests/render/render_host.h"
 #include "tests/support/test_world.h"
 
+namespace umbrant::effect {
+
 class ShadowScene {
  protected:
     /// Sets the panel. "Source Opacity" is 0, the colour (200, 100, 50).
@@ -46,3 +48,5 @@ class ShadowScene {
 
 /// A row's name as a test's.
 std::string TestName(std::string sentence);
+
+}  // namespace umbrant::effect

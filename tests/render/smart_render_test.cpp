@@ -14,6 +14,8 @@
 #include "tests/render/fake_render.h"
 #include "tests/support/thrown_code.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -467,3 +469,5 @@ TEST_F(SmartRenderTest, UncompiledProgramsWarnAndGoOn) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::effect

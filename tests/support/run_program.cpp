@@ -10,6 +10,8 @@
 
 #include "host/process/child_process.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// A file without a name for an output.
@@ -68,3 +70,5 @@ std::vector<std::string> Words(const std::string& line) {
     for (std::string word; stream >> word;) words.push_back(word);
     return words;
 }
+
+}  // namespace umbrant::host

@@ -9,6 +9,8 @@
 
 #include "host/process/program_start.h"
 
+namespace umbrant::host {
+
 /// What a run left.
 struct ProgramRun {
     int code = -1;         ///< its exit code; -1 when a signal ended it or it could not be started
@@ -24,3 +26,5 @@ ProgramRun RunProgram(const std::vector<std::string>& words, ProgramStart start 
 
 /// The words of a line, with blanks between them. There are no quotes: every other character is part of a word.
 std::vector<std::string> Words(const std::string& line);
+
+}  // namespace umbrant::host

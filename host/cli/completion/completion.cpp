@@ -13,6 +13,8 @@
 #include "host/cli/run_program.h"
 #include "host/panel/panel_rows.h"
 
+namespace umbrant::host {
+
 namespace {
 
 struct CompletionOptions {
@@ -61,3 +63,5 @@ Command CompletionCommand() {
     command.run = [options] { return Completion(*options); };
     return command;
 }
+
+}  // namespace umbrant::host

@@ -14,6 +14,8 @@ namespace CLI {
 class App;
 }
 
+namespace umbrant::host {
+
 /// The value of an option, or an argument.
 struct CompletionValue {
     enum class Kind {
@@ -65,3 +67,5 @@ std::vector<CompletionRow> DescribeRows(const ParamSet& params);
 std::string BashCompletion(const CompletionNode& program, const std::vector<CompletionRow>& rows);
 std::string ZshCompletion(const CompletionNode& program, const std::vector<CompletionRow>& rows);
 std::string FishCompletion(const CompletionNode& program, const std::vector<CompletionRow>& rows);
+
+}  // namespace umbrant::host

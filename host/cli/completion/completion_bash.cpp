@@ -7,6 +7,8 @@
 
 #include "host/cli/completion/completion.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using Kind = CompletionValue::Kind;
@@ -153,3 +155,5 @@ std::string BashCompletion(const CompletionNode& program, const std::vector<Comp
     }
     return text + "    esac\n}\n" + kFunction;
 }
+
+}  // namespace umbrant::host

@@ -7,6 +7,8 @@
 
 #include "host/cli/completion/completion.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using Kind = CompletionValue::Kind;
@@ -97,3 +99,5 @@ std::string FishCompletion(const CompletionNode& program, const std::vector<Comp
     AddCommand(program, "", text);
     return text;
 }
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 #include "host/parameters/param_path.h"
 #include "host/video/clip_format.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using Kind = CompletionValue::Kind;
@@ -146,3 +148,5 @@ std::vector<CompletionRow> DescribeRows(const ParamSet& params) {
     }
     return rows;
 }
+
+}  // namespace umbrant::host

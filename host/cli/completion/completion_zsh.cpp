@@ -7,6 +7,8 @@
 
 #include "host/cli/completion/completion.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using Kind = CompletionValue::Kind;
@@ -114,3 +116,5 @@ std::string ZshCompletion(const CompletionNode& program, const std::vector<Compl
     AddFunction(program, "_umbrant", text);
     return text + "\n_umbrant \"$@\"\n";
 }
+
+}  // namespace umbrant::host

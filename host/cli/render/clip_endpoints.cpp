@@ -8,6 +8,8 @@
 #include "host/compositing/memory_shortage.h"
 #include "host/compositing/resample.h"
 
+namespace umbrant::host {
+
 namespace {
 
 Failure Usage(std::string sentence) {
@@ -201,3 +203,5 @@ nlohmann::ordered_json ClipEndpoints::Report() const {
     if (!sound_.note.empty()) report["note"] = sound_.note;
     return report;
 }
+
+}  // namespace umbrant::host

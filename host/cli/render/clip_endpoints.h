@@ -14,6 +14,8 @@
 #include "host/video/clip_reader.h"
 #include "host/video/clip_writer.h"
 
+namespace umbrant::host {
+
 /// Refuses options that a clip has no use for, or that only a clip has a use for. Fails with `ExitCode::kUsage`.
 Result<Done> CheckClipOptions(const RenderOptions& options);
 
@@ -63,3 +65,5 @@ class ClipEndpoints {
     FrameRate rate_{};
     Sound sound_{};
 };
+
+}  // namespace umbrant::host

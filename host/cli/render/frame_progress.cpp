@@ -17,6 +17,8 @@
 #include "host/cli/results.h"
 #include "host/render/canvas_choice.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -278,3 +280,5 @@ FrameTotals FrameProgress::Finish() {
     }
     return totals_;
 }
+
+}  // namespace umbrant::host

@@ -16,6 +16,8 @@
 #include "host/render/worker.h"
 #include "host/result.h"
 
+namespace umbrant::host {
+
 class FrameProgress : public FrameWatcher {
  public:
     /// Prints each picture's path to standard output when `printsPaths`.
@@ -69,3 +71,5 @@ class FrameProgress : public FrameWatcher {
     std::vector<std::string> reasons_;  ///< of the frames that failed
     StatusLine line_;                   ///< the last member: its thread ends before what it reads
 };
+
+}  // namespace umbrant::host

@@ -8,6 +8,8 @@
 
 #include <utility>
 
+namespace umbrant::host {
+
 ImageProgress::ImageProgress(double seconds, bool isVerbose)
     : isVerbose_(isVerbose), isTerminal_(isatty(STDERR_FILENO) != 0), stage_([] { return std::string("beginning"); }) {
     StatusLine::Seconds first(seconds), next(seconds);
@@ -69,3 +71,5 @@ void ImageProgress::Ends(std::size_t, const FrameOutcome& outcome) {
     Say("ending");
     if (isVerbose_ && session_ && !isDrawn_) Print(RefusedText(*session_));
 }
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 #include "host/cli/render/render_report.h"
 #include "host/render/worker.h"
 
+namespace umbrant::host {
+
 /// Prints "umbrant: 12 s, the effect draws": on a terminal one line that is replaced, elsewhere a line each time.
 class ImageProgress : public FrameWatcher {
  public:
@@ -55,3 +57,5 @@ class ImageProgress : public FrameWatcher {
     double saveTime_ = 0;
     StatusLine line_;  ///< the last member: its thread ends before what it reads
 };
+
+}  // namespace umbrant::host

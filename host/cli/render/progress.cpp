@@ -8,6 +8,8 @@
 
 #include "host/process/start_threads.h"
 
+namespace umbrant::host {
+
 namespace {
 
 const char* StageWords(RenderStage stage) {
@@ -75,3 +77,5 @@ void StatusLine::Erase() {
     std::fflush(stderr);
     isShown_ = false;
 }
+
+}  // namespace umbrant::host

@@ -13,6 +13,8 @@
 
 #include "host/session/effect_session.h"
 
+namespace umbrant::host {
+
 /// Functions marked "locked" are called with Mutex() held, which `renew` has when it is called.
 class StatusLine {
  public:
@@ -47,3 +49,5 @@ class StatusLine {
 
 /// What a session's effect is doing, as text.
 std::string ActivityText(const EffectSession& session);
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 
 #include "host/cli/option_checks.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr double kLongestInterval = 24.0 * 60 * 60;
@@ -76,3 +78,5 @@ std::string ReasonsText(const std::vector<std::string>& reasons) {
     for (const std::string& reason : reasons) text += "\n  " + reason;
     return text;
 }
+
+}  // namespace umbrant::host

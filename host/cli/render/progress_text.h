@@ -12,6 +12,8 @@
 #include "host/result.h"
 #include "hostapi/geometry.h"
 
+namespace umbrant::host {
+
 enum class ProgressForm {
     kBar,    ///< one line that changes, on a terminal
     kLines,  ///< a line for each frame, and for one that takes long a line now and then
@@ -61,3 +63,5 @@ std::optional<double> SecondsLeft(const FrameTotals& totals, std::size_t all, do
 
 /// One reason as it is, several as a list.
 std::string ReasonsText(const std::vector<std::string>& reasons);
+
+}  // namespace umbrant::host

@@ -13,6 +13,8 @@
 #include "host/render/canvas_choice.h"
 #include "host/render/plan/frame_limits.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr char kExamples[] =
@@ -136,3 +138,5 @@ Command RenderCommand(const std::shared_ptr<RenderOptions>& options) {
     command.run = [options] { return Render(*options); };
     return command;
 }
+
+}  // namespace umbrant::host

@@ -13,6 +13,8 @@
 #include "host/compositing/rectangles.h"
 #include "host/render/set_canvas.h"
 
+namespace umbrant::host {
+
 namespace {
 
 std::string CannotFind(const std::string& reason) {
@@ -90,3 +92,5 @@ Result<std::string> RenderRun::FindCanvasOfSet() {
 Result<std::string> CanvasOfSet(const RenderOptions& options) {
     return RenderRun(options, false).FindCanvasOfSet();
 }
+
+}  // namespace umbrant::host

@@ -21,6 +21,8 @@ namespace CLI {
 class App;
 }
 
+namespace umbrant::host {
+
 /// What only sequences have.
 struct SequenceOptions {
     std::string frames;
@@ -123,3 +125,5 @@ Result<Done> CheckNoTime(const RenderOptions& options);
 
 /// Draws a single image or a sequence.
 Result<ExitCode> Render(const RenderOptions& options);
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 #include "host/cli/render/render_options.h"
 #include "host/render/plan/frame_plan.h"
 
+namespace umbrant::host {
+
 Result<Done> CheckStorage(const RenderOptions& options) {
     const bool isStream = options.output == "-";
     if (!isStream && !options.format.empty()) {
@@ -60,3 +62,5 @@ std::string ValidateDepth(const std::string& text) {
     }
     return fmt::format("'{}' is not 8 or 32, the bits of a channel in the effect", text);
 }
+
+}  // namespace umbrant::host

@@ -9,6 +9,8 @@
 
 #include "host/render/plan/frame_numbers.h"
 
+namespace umbrant::host {
+
 namespace {
 
 Result<PlanRequest> SequenceRequest(const RenderOptions& options) {
@@ -159,3 +161,5 @@ Result<std::vector<FrameNumber>> FramesOf(const RenderOptions& options) {
     if (auto open = clips.Open(options, *request); !open) return open.Error();
     return WholeFrameSet(*request);
 }
+
+}  // namespace umbrant::host

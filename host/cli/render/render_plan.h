@@ -14,6 +14,8 @@
 #include "host/render/frame_layers.h"
 #include "host/render/plan/frame_plan.h"
 
+namespace umbrant::host {
+
 /// What is drawn, from which files and into which. Its parts refer to each other: it stays where it was made.
 struct RenderPlan {
     std::optional<OutputFolder> folder;
@@ -30,3 +32,5 @@ Result<std::unique_ptr<RenderPlan>> PlanSequenceRender(RenderOptions& options);
 /// The plan of a single image. Removes what killed runs left in the folder of the output. Fails with
 /// `ExitCode::kUsage`, and with `ExitCode::kFile` where the output cannot be written.
 Result<std::unique_ptr<RenderPlan>> PlanImageRender(const RenderOptions& options);
+
+}  // namespace umbrant::host

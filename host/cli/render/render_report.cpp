@@ -13,6 +13,8 @@
 #include "host/render/canvas_choice.h"
 #include "host/session/error_names.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -133,3 +135,5 @@ std::string RenderReport(const RenderFacts& facts, const RendererDecision& rende
     };
     return report.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 #include "host/session/effect_session.h"
 #include "host/session/renderer.h"
 
+namespace umbrant::host {
+
 /// Milliseconds since it was made or last asked.
 class Stopwatch {
  public:
@@ -48,3 +50,5 @@ std::string RefusedText(const EffectSession& session);
 /// The whole report, ending in a line break. The session may have ended.
 std::string RenderReport(const RenderFacts& facts, const RendererDecision& renderer, const Frame& frame,
                          const EffectSession& session);
+
+}  // namespace umbrant::host

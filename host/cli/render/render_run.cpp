@@ -18,6 +18,8 @@
 #include "host/render/plan/frame_footprint.h"
 #include "host/render/plan/memory_plan.h"
 
+namespace umbrant::host {
+
 namespace {
 
 Result<Done> WriteToStandardOutput(const Drawn& drawn, const Placement& place, const WriteOptions& kept) {
@@ -213,3 +215,5 @@ Result<ExitCode> Render(const RenderOptions& options) {
     }
     return RenderRun(options, !*many).Run();
 }
+
+}  // namespace umbrant::host

@@ -18,6 +18,8 @@
 #include "host/render/worker.h"
 #include "host/session/renderer.h"
 
+namespace umbrant::host {
+
 class RenderRun {
  public:
     RenderRun(RenderOptions options, bool isImage) : options_(std::move(options)), isImage_(isImage) {}
@@ -61,3 +63,5 @@ class RenderRun {
     EffectInstances instances_;
     std::optional<ImageProgress> image_;
 };
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 #include "host/render/plan/frame_limits.h"
 #include "host/render/plan/frame_numbers.h"
 
+namespace umbrant::host {
+
 std::optional<std::pair<double, double>> ParsePoint(const std::string& text) {
     const std::size_t comma = text.find(',');
     if (comma == std::string::npos) return std::nullopt;
@@ -51,3 +53,5 @@ Result<OpenedEffect> OpenWithValues(const RenderOptions& options, int layerWidth
     if (auto updated = session.UpdateParamsUI(); !updated) return Explain(updated.Error(), session);
     return effect;
 }
+
+}  // namespace umbrant::host

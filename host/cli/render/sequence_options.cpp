@@ -12,6 +12,8 @@
 #include "host/render/plan/frame_numbers.h"
 #include "host/render/plan/memory_plan.h"
 
+namespace umbrant::host {
+
 namespace {
 
 std::string Reason(const Failure& failure) {
@@ -85,3 +87,5 @@ void AddSequenceOptions(CLI::App& app, SequenceOptions& options) {
         ->type_name("NAME");
     app.add_flag("--no-sound", options.noSound, "Leave out the sound of the input");
 }
+
+}  // namespace umbrant::host

@@ -5,6 +5,8 @@
 
 #include "host/render/canvas_choice.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -84,3 +86,5 @@ std::string SequenceReport(const SequenceFacts& facts, const FramePlan& plan, co
     if (!clip.is_null()) report["clip"] = clip;
     return report.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
+
+}  // namespace umbrant::host

@@ -13,6 +13,8 @@
 #include "host/render/plan/frame_plan.h"
 #include "host/render/worker.h"
 
+namespace umbrant::host {
+
 /// A whole number where it is one.
 nlohmann::ordered_json NumberJson(const FrameNumber& frame);
 
@@ -39,3 +41,5 @@ struct SequenceFacts {
 std::string SequenceReport(const SequenceFacts& facts, const FramePlan& plan, const PipelineShape& shape,
                            const std::vector<std::optional<FrameOutcome>>& outcomes, double seconds,
                            const nlohmann::ordered_json& clip = nullptr);
+
+}  // namespace umbrant::host

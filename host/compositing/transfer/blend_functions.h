@@ -9,6 +9,8 @@
 
 #include <cmath>
 
+namespace umbrant::host {
+
 struct Colour {
     float red;
     float green;
@@ -333,3 +335,5 @@ struct DarkerColour {
 };
 
 }  // namespace blend
+
+}  // namespace umbrant::host

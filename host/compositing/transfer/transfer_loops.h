@@ -12,6 +12,8 @@
 #include "host/compositing/transfer/blend_functions.h"
 #include "host/compositing/transfer/transfer_rows.h"
 
+namespace umbrant::host {
+
 namespace transfer {
 
 constexpr int kBlock = 16;
@@ -137,7 +139,8 @@ struct Outcome {
 };
 
 inline Colour Mix(const Colour& d, const Colour& m, float w) {
-    return {::Mix(d.red, m.red, w), ::Mix(d.green, m.green, w), ::Mix(d.blue, m.blue, w)};
+    return {umbrant::host::Mix(d.red, m.red, w), umbrant::host::Mix(d.green, m.green, w),
+            umbrant::host::Mix(d.blue, m.blue, w)};
 }
 
 /// part / whole, and 0 where there is nothing.
@@ -188,7 +191,7 @@ struct Copy : WritesColour {
     template <int>
     static Outcome All(const Meeting& m) {
         const float put = m.sourceAlpha * m.opacity;
-        const float alpha = ::Mix(m.destinationAlpha, m.sourceAlpha, m.opacity);
+        const float alpha = umbrant::host::Mix(m.destinationAlpha, m.sourceAlpha, m.opacity);
         const float quotient = put / alpha;
         return {Mix(m.d, m.s, alpha == 0.0f || m.opacity == 1.0f ? 1.0f : quotient), alpha};
     }
@@ -377,3 +380,5 @@ RowFunction<Pixel> FindRowFunction(PF_TransferMode mode, bool rgbOnly) {
     const auto& rows = modes[static_cast<std::size_t>(mode)];
     return rgbOnly ? rows.rgbOnly : rows.all;
 }
+
+}  // namespace umbrant::host

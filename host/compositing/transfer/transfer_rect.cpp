@@ -14,6 +14,8 @@
 #include "host/compositing/world.h"
 #include "hostapi/errors.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// The clipped source: `width` x `height` pixels from (sourceX, sourceY) go to (destinationX, destinationY).
@@ -195,3 +197,5 @@ PF_Err TransferRect(PF_Quality, PF_ModeFlags, PF_Field field, const PF_Rect* sou
     }
     return PF_Err_BAD_CALLBACK_PARAM;
 }
+
+}  // namespace umbrant::host

@@ -6,6 +6,8 @@
 
 #include "hostapi/transfer.h"
 
+namespace umbrant::host {
+
 /// Composites a rectangle of `source` onto `destination` with its top-left at (destinationX, destinationY), which may
 /// be negative; what falls outside either world is left out. `sourceRect` null: the whole source. `mask` null: none;
 /// otherwise its pixels, moved by its offset over the source, weigh the source's alpha (its alpha or luminance,
@@ -21,3 +23,5 @@
 PF_Err TransferRect(PF_Quality quality, PF_ModeFlags modeFlags, PF_Field field, const PF_Rect* sourceRect,
                     const PF_EffectWorld* source, const PF_CompositeMode* mode, const PF_MaskWorld* mask,
                     A_long destinationX, A_long destinationY, PF_EffectWorld* destination);
+
+}  // namespace umbrant::host

@@ -9,6 +9,8 @@
 
 #include "hostapi/transfer.h"
 
+namespace umbrant::host {
+
 /// What a run of pixels needs to know besides its pixels.
 struct RowPlace {
     int x;  ///< of the first pixel, in the destination (for DISSOLVE)
@@ -29,3 +31,5 @@ RowFunction<Pixel> FindRowFunction(PF_TransferMode mode, bool rgbOnly);
 extern template RowFunction<PF_Pixel> FindRowFunction<PF_Pixel>(PF_TransferMode, bool);
 extern template RowFunction<PF_Pixel16> FindRowFunction<PF_Pixel16>(PF_TransferMode, bool);
 extern template RowFunction<PF_PixelFloat> FindRowFunction<PF_PixelFloat>(PF_TransferMode, bool);
+
+}  // namespace umbrant::host

@@ -5,4 +5,8 @@
 
 #include "host/compositing/transfer/transfer_loops.h"
 
+namespace umbrant::host {
+
 template RowFunction<PF_Pixel16> FindRowFunction<PF_Pixel16>(PF_TransferMode mode, bool rgbOnly);
+
+}  // namespace umbrant::host

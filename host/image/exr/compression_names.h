@@ -7,5 +7,9 @@
 #include <string>
 #include <vector>
 
+namespace umbrant::host {
+
 /// Those of all formats, each once. Which of them a file can have depends on its extension; see CheckCompression.
 std::vector<std::string> CompressionNames();
+
+}  // namespace umbrant::host

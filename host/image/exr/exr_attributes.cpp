@@ -12,6 +12,8 @@
 #include <string>
 #include <utility>
 
+namespace umbrant::host {
+
 namespace {
 
 using Base = AttributeType::Base;
@@ -287,3 +289,5 @@ exr_result_t PutExrAttributes(const ImageLayout& layout, exr_context_t file) {
     }
     return EXR_ERR_SUCCESS;
 }
+
+}  // namespace umbrant::host

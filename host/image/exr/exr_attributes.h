@@ -9,6 +9,8 @@
 
 #include "host/image/image_layout.h"
 
+namespace umbrant::host {
+
 /// Adds the attributes of a file's only part to the layout. False where there is one that only the image library
 /// knows.
 bool TakeExrAttributes(exr_const_context_t file, ImageLayout& layout);
@@ -18,3 +20,5 @@ bool CanPutExrAttributes(const ImageLayout& layout);
 
 /// Writes the layout's attributes into the header of a file's only part, which has the required ones already.
 exr_result_t PutExrAttributes(const ImageLayout& layout, exr_context_t file);
+
+}  // namespace umbrant::host

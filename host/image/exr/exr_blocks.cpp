@@ -11,6 +11,8 @@
 #include <cstring>
 #include <new>
 
+namespace umbrant::host {
+
 namespace {
 
 /// Zip stores the difference of each byte to the one before it, plus this.
@@ -155,3 +157,5 @@ void PackExrRow(const float* values, std::size_t step, std::size_t count, std::s
         }
     }
 }
+
+}  // namespace umbrant::host

@@ -15,6 +15,8 @@
 struct libdeflate_compressor;
 struct libdeflate_decompressor;
 
+namespace umbrant::host {
+
 /// Reads blocks, one at a time.
 class ExrBlockReader {
  public:
@@ -59,3 +61,5 @@ class ExrBlockWriter {
 void UnpackExrRow(const std::byte* bytes, std::size_t size, std::size_t count, float* values, std::size_t step);
 /// The other way.
 void PackExrRow(const float* values, std::size_t step, std::size_t count, std::size_t size, std::byte* bytes);
+
+}  // namespace umbrant::host

@@ -3,6 +3,8 @@
 
 #include "host/image/exr/exr_file.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// Every failure is also returned; without this the library prints it.
@@ -26,3 +28,5 @@ exr_context_initializer_t QuietExr() {
     context.error_handler_fn = Ignore;
     return context;
 }
+
+}  // namespace umbrant::host

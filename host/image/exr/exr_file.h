@@ -9,6 +9,8 @@
 #include <memory>
 #include <string>
 
+namespace umbrant::host {
+
 /// The library's sentence about a failure.
 std::string ExrReason(exr_result_t failure);
 
@@ -19,3 +21,5 @@ using ExrFile = std::unique_ptr<std::remove_pointer_t<exr_context_t>, EndExr>;
 
 /// The library's context options: it prints nothing.
 exr_context_initializer_t QuietExr();
+
+}  // namespace umbrant::host

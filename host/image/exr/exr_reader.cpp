@@ -22,6 +22,8 @@
 #include "host/image/exr/exr_blocks.h"
 #include "host/image/exr/exr_file.h"
 
+namespace umbrant::host {
+
 namespace {
 
 std::int64_t ReadAt(exr_const_context_t, void* user, void* buffer, std::uint64_t size, std::uint64_t offset,
@@ -319,3 +321,5 @@ OpenedImage OpenExr(const ImageFile& file) {
     if (!reader->Open()) return ExrReason(EXR_ERR_FILE_BAD_HEADER);
     return reader;
 }
+
+}  // namespace umbrant::host

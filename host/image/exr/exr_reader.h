@@ -6,6 +6,10 @@
 
 #include "host/image/codec.h"
 
+namespace umbrant::host {
+
 /// Whether the file is such an image, without attributes that only the image library supports.
 bool ReadsExr(int descriptor);
 OpenedImage OpenExr(const ImageFile& file);
+
+}  // namespace umbrant::host

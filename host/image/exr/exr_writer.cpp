@@ -12,6 +12,8 @@
 #include "host/image/exr/exr_blocks.h"
 #include "host/image/exr/exr_file.h"
 
+namespace umbrant::host {
+
 namespace {
 
 std::optional<exr_compression_t> CompressionNamed(const std::string& name) {
@@ -160,3 +162,5 @@ std::optional<std::string> EncodeExr(const ImageToWrite& image, EncodedFile& enc
     }
     return std::nullopt;
 }
+
+}  // namespace umbrant::host

@@ -6,6 +6,10 @@
 
 #include "host/image/codec.h"
 
+namespace umbrant::host {
+
 /// Writes an image without compression or with zip. What else there is, also among attributes, the image library
 /// writes.
 std::optional<std::string> EncodeExr(const ImageToWrite& image, EncodedFile& encoded);
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 
 #include "host/compositing/row_pool.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// What a compressor can refer back to.
@@ -194,3 +196,5 @@ std::optional<std::string> BlockDeflater::Add(const std::uint8_t* bytes, std::si
     before_.assign(bytes + size - kept, bytes + size);
     return std::nullopt;
 }
+
+}  // namespace umbrant::host

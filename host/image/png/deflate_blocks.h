@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+namespace umbrant::host {
+
 /// How much time may be spent for how few bytes.
 enum class DeflateEffort {
     kFast,     ///< ISA-L's first level: a seventh larger than zlib's sixth, in a twentieth of the time
@@ -36,3 +38,5 @@ class BlockDeflater {
     std::uint32_t checksum_ = 1;
     bool hasBegun_ = false;
 };
+
+}  // namespace umbrant::host

@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace umbrant::host {
+
 namespace {
 
 /// The character that begins at a place, and moves the place behind it; nothing where the bytes are no UTF-8.
@@ -58,3 +60,5 @@ std::optional<std::string> LatinOfUtf8(const std::string& text) {
     }
     return latin;
 }
+
+}  // namespace umbrant::host

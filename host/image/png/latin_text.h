@@ -7,6 +7,8 @@
 #include <optional>
 #include <string>
 
+namespace umbrant::host {
+
 /// Whether the bytes are valid UTF-8.
 bool IsUtf8(const std::string& text);
 
@@ -15,3 +17,5 @@ std::string Utf8OfLatin(const std::string& text);
 
 /// ISO 8859-1 of a text in UTF-8; nothing where that has no such character.
 std::optional<std::string> LatinOfUtf8(const std::string& text);
+
+}  // namespace umbrant::host

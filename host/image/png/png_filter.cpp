@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cstring>
 
+namespace umbrant::host {
+
 namespace {
 
 enum Filter : std::uint8_t { kNone = 0, kSub = 1, kUp = 2 };
@@ -64,3 +66,5 @@ void FilterRow(const std::uint8_t* row, const std::uint8_t* above, std::size_t s
         Subtract(row, above, size, to + 1);
     }
 }
+
+}  // namespace umbrant::host

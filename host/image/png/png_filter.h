@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace umbrant::host {
+
 /// Writes a row as PNG stores it: the number of the filter, then the bytes minus the prediction. Of the filters
 /// none, sub and up it takes the one whose bytes, as signed numbers, have the smallest sum of sizes; the first of equal
 /// ones.
@@ -15,3 +17,5 @@
 /// \param to: `size` + 1 bytes
 void FilterRow(const std::uint8_t* row, const std::uint8_t* above, std::size_t size, std::size_t pixel,
                std::uint8_t* to);
+
+}  // namespace umbrant::host

@@ -19,6 +19,8 @@
 
 #include "host/image/png/latin_text.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr std::size_t kSignature = 8;
@@ -287,3 +289,5 @@ OpenedImage OpenPng(const ImageFile& file) {
     if (auto problem = reader->Open()) return *problem;
     return reader;
 }
+
+}  // namespace umbrant::host

@@ -6,6 +6,10 @@
 
 #include "host/image/codec.h"
 
+namespace umbrant::host {
+
 /// Whether the file is a PNG without data of another format in it: Exif and XMP are left to the image library.
 bool ReadsPng(int descriptor);
 OpenedImage OpenPng(const ImageFile& file);
+
+}  // namespace umbrant::host

@@ -21,6 +21,8 @@
 #include "host/image/png/latin_text.h"
 #include "host/image/png/png_filter.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// A text as PNG has it: in ISO 8859-1, or where that has no such characters in UTF-8.
@@ -296,3 +298,5 @@ std::optional<std::string> EncodePng(const ImageToWrite& image, EncodedFile& enc
     if (!WriteChunk(file, "IEND", nullptr, 0)) return file.message;
     return std::nullopt;
 }
+
+}  // namespace umbrant::host

@@ -6,6 +6,10 @@
 
 #include "host/image/codec.h"
 
+namespace umbrant::host {
+
 /// Puts the file's bytes into `encoded`; the same arguments give the same bytes, however many threads work. Returns why
 /// it could not.
 std::optional<std::string> EncodePng(const ImageToWrite& image, EncodedFile& encoded);
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 
 #include "host/process/files/file_owner.h"
 
+namespace umbrant::host {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -67,3 +69,5 @@ std::string RemoveAbandonedFiles(const std::set<fs::path>& folders) {
 fs::path FolderOf(const fs::path& file) {
     return file.has_parent_path() ? file.parent_path() : fs::path(".");
 }
+
+}  // namespace umbrant::host

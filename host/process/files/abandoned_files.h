@@ -8,6 +8,8 @@
 #include <set>
 #include <string>
 
+namespace umbrant::host {
+
 /// Removes such files from these folders: those of this host's processes that run no more, and those whose process
 /// cannot be seen from here when nobody has written to them for seven days. Returns one sentence for people about what
 /// was removed, without its full stop; empty for nothing.
@@ -15,3 +17,5 @@ std::string RemoveAbandonedFiles(const std::set<std::filesystem::path>& folders)
 
 /// The folder that a file of this name is in, for the function above.
 std::filesystem::path FolderOf(const std::filesystem::path& file);
+
+}  // namespace umbrant::host

@@ -14,6 +14,8 @@
 #include <sstream>
 #include <system_error>
 
+namespace umbrant::host {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -153,3 +155,5 @@ OwnerState StateOf(const FileOwner& owner, std::time_t written) {
     if (!facts || owner.start == 0) return OwnerState::kUnknown;
     return facts->isZombie || facts->start != owner.start ? OwnerState::kGone : OwnerState::kAlive;
 }
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 #include <string>
 #include <string_view>
 
+namespace umbrant::host {
+
 /// A process among all that may write to a shared folder. Hashes of a few bits, as the name is short.
 struct FileOwner {
     std::uint64_t host = 0;     ///< hash of the host's name and id and of the process's namespaces; 35 bits
@@ -38,3 +40,5 @@ enum class OwnerState {
 
 /// Whether the process still runs that owns a file which was last written to at `written`.
 OwnerState StateOf(const FileOwner& owner, std::time_t written);
+
+}  // namespace umbrant::host

@@ -20,6 +20,8 @@
 
 #include "host/process/files/file_owner.h"
 
+namespace umbrant::host {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -133,3 +135,5 @@ void EndTemporaryFiles() {
     }
     RemoveTemporaryFiles();
 }
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 
 #include "host/result.h"
 
+namespace umbrant::host {
+
 /// Removes its file when it goes, unless the file was put in its place. Any number may be under construction, on any
 /// threads.
 class TemporaryFile {
@@ -47,3 +49,5 @@ void RemoveTemporaryFiles();
 
 /// The same before the process ends: a thread that begins another file waits for that end.
 void EndTemporaryFiles();
+
+}  // namespace umbrant::host

@@ -8,6 +8,8 @@
 #include <optional>
 #include <vector>
 
+namespace umbrant::host {
+
 namespace {
 
 std::uint64_t BytesOf(const World& world) {
@@ -70,3 +72,5 @@ FrameFootprint Footprint(const FrameJob& job, const FirstFrame& first, EffectSes
 int MostDrawers(const RendererDecision& renderer, const GpuStrings& gpu) {
     return !renderer.processor && IsSoftware(gpu) ? 2 : kMostThreads;
 }
+
+}  // namespace umbrant::host

@@ -8,9 +8,13 @@
 #include "host/render/worker.h"
 #include "host/session/renderer.h"
 
+namespace umbrant::host {
+
 /// What a frame costs, judged by the layers of the first one: with values that move, the largest of up to 64 frames
 /// counts.
 FrameFootprint Footprint(const FrameJob& job, const FirstFrame& first, EffectSession& session);
 
 /// Most drawing threads that the renderer gains from.
 int MostDrawers(const RendererDecision& renderer, const GpuStrings& gpu);
+
+}  // namespace umbrant::host

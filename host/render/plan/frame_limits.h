@@ -4,6 +4,8 @@
 
 // The ranges of what a frame is requested with. The command line and the library check them with messages of their own.
 
+namespace umbrant::host {
+
 /// Seconds; a time is between minus this and this.
 inline constexpr double kLongestTime = 24.0 * 60 * 60;
 
@@ -12,3 +14,5 @@ inline constexpr double kFarthestTexture = 100'000;
 
 /// A frame is drawn at one n-th of its resolution, n from 1 to this.
 inline constexpr int kMostDownsample = 64;
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 #include <cstdint>
 #include <string>
 
+namespace umbrant::host {
+
 class FrameNumber {
  public:
     /// Parts of a frame: four decimals.
@@ -43,10 +45,12 @@ class FrameNumber {
     std::int64_t parts_;
 };
 
+}  // namespace umbrant::host
+
 template <>
-struct fmt::formatter<FrameNumber> : fmt::formatter<std::string> {
+struct fmt::formatter<umbrant::host::FrameNumber> : fmt::formatter<std::string> {
     template <typename Context>
-    auto format(const FrameNumber& frame, Context& context) const {
+    auto format(const umbrant::host::FrameNumber& frame, Context& context) const {
         return fmt::formatter<std::string>::format(frame.Text(), context);
     }
 };

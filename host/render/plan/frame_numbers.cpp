@@ -13,6 +13,8 @@
 #include <optional>
 #include <set>
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr char kForms[] =
@@ -244,3 +246,5 @@ Result<FrameRate> ParseRate(std::string_view text) {
     if (*rate == std::floor(*rate)) return FrameRate{static_cast<A_u_long>(*rate), 1};
     return FrameRate{static_cast<A_u_long>(std::lround(*rate * 1000)), 1000};
 }
+
+}  // namespace umbrant::host

@@ -21,6 +21,8 @@
 #include "host/result.h"
 #include "hostapi/basic_types.h"
 
+namespace umbrant::host {
+
 /// The largest distance of a frame from zero.
 inline constexpr int kFarthestFrame = 999999;
 
@@ -62,3 +64,5 @@ struct FrameRate {
 /// "24", "12.5", "30000/1001"; the short forms of the rates of broadcasting (23.976, 29.97, 47.952, 59.94, 119.88) mean
 /// their fractions over 1001. From 0.1 to 1000. Fails with `ExitCode::kUsage`.
 Result<FrameRate> ParseRate(std::string_view text);
+
+}  // namespace umbrant::host

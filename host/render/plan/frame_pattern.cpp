@@ -13,6 +13,8 @@
 
 #include "host/render/plan/frame_numbers.h"
 
+namespace umbrant::host {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -153,3 +155,5 @@ std::vector<int> FramePattern::FramesOnDisk() const {
     std::sort(frames.begin(), frames.end());
     return frames;
 }
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 #include "host/render/plan/frame_number.h"
 #include "host/result.h"
 
+namespace umbrant::host {
+
 /// A path with one frame field in the name of the file. The field is written as
 ///   #           four digits; ## and longer: as many digits as signs
 ///   @           a digit each; a lone # among them is still four
@@ -43,3 +45,5 @@ class FramePattern {
     int width_ = 1;
     bool weak_ = false;
 };
+
+}  // namespace umbrant::host

@@ -16,6 +16,8 @@
 
 #include "host/image/picture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -270,3 +272,5 @@ Result<Done> CheckApart(const std::string& input, const std::string& output) {
     if (IdentityOf(input) == IdentityOf(output)) return SameFile(output);
     return Done{};
 }
+
+}  // namespace umbrant::host

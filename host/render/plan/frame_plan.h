@@ -13,6 +13,8 @@
 #include "host/render/plan/frame_numbers.h"
 #include "host/result.h"
 
+namespace umbrant::host {
+
 struct PlanRequest {
     std::string input;    ///< a picture or a pattern
     std::string texture;  ///< the same; empty for none
@@ -106,3 +108,5 @@ Result<std::vector<FrameNumber>> WholeFrameSet(const PlanRequest& request);
 
 /// Fails with `ExitCode::kUsage` when both paths lead to one file.
 Result<Done> CheckApart(const std::string& input, const std::string& output);
+
+}  // namespace umbrant::host

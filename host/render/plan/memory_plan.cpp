@@ -11,6 +11,8 @@
 #include <string>
 #include <thread>
 
+namespace umbrant::host {
+
 namespace {
 
 /// What the system says it could hand out without hardship, in bytes; 0 where it does not say.
@@ -128,3 +130,5 @@ int DrawersFor(const MachineLimits& machine, const FrameFootprint& frame) {
     while (memory != 0 && drawers > 1 && MostBytes(ShapeFor(drawers), frame) > memory) --drawers;
     return drawers;
 }
+
+}  // namespace umbrant::host

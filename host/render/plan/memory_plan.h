@@ -10,6 +10,8 @@
 
 #include "host/render/pipeline.h"
 
+namespace umbrant::host {
+
 /// As many frames may be drawn at once.
 inline constexpr int kMostThreads = 16;
 
@@ -62,3 +64,5 @@ std::uint64_t MostBytes(const PipelineShape& shape, const FrameFootprint& frame)
 /// Drawing threads that suit the machine: one a core, as far as the renderer gains, and as half of its free memory has
 /// room for; at least 1.
 int DrawersFor(const MachineLimits& machine, const FrameFootprint& frame);
+
+}  // namespace umbrant::host

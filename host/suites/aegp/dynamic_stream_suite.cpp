@@ -10,6 +10,8 @@
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
 
+namespace umbrant::host {
+
 namespace {
 
 PF_Err GetDynamicStreamFlags(AEGP_StreamRefH stream, AEGP_DynStreamFlags* flags) {
@@ -55,3 +57,5 @@ const AEGP_DynamicStreamSuite2 kDynamicStreamSuite = {
     .AEGP_GetNewParentStreamRef = NoSlot<"AEGP_GetNewParentStreamRef">(),
     .AEGP_GetStreamIsModified = NoSlot<"AEGP_GetStreamIsModified">(),
 };
+
+}  // namespace umbrant::host

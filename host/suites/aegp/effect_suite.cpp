@@ -9,6 +9,8 @@
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
 
+namespace umbrant::host {
+
 namespace {
 
 PF_Err GetLayerNumEffects(AEGP_LayerH layer, A_long* number) {
@@ -53,3 +55,5 @@ const AEGP_EffectSuite2 kEffectSuite = {
     .AEGP_GetEffectCategory = NoSlot<"AEGP_GetEffectCategory">(),
     .AEGP_DuplicateEffect = NoSlot<"AEGP_DuplicateEffect">(),
 };
+
+}  // namespace umbrant::host

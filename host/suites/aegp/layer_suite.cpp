@@ -9,6 +9,8 @@
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
 
+namespace umbrant::host {
+
 namespace {
 
 Token* Layer(AEGP_LayerH layer, const char* call) {
@@ -112,3 +114,5 @@ const AEGP_LayerSuite7 kLayerSuite = {
     .AEGP_GetLayerLabel = NoSlot<"AEGP_GetLayerLabel">(),
     .AEGP_SetLayerLabel = NoSlot<"AEGP_SetLayerLabel">(),
 };
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
 
+namespace umbrant::host {
+
 namespace {
 
 PF_Err GetEffectLayer(PF_ProgPtr effectRef, AEGP_LayerH* layer) {
@@ -47,3 +49,5 @@ const AEGP_PFInterfaceSuite1 kPFInterfaceSuite = {
     .AEGP_GetEffectCamera = NoSlot<"AEGP_GetEffectCamera">(),
     .AEGP_GetEffectCameraMatrix = NoSlot<"AEGP_GetEffectCameraMatrix">(),
 };
+
+}  // namespace umbrant::host

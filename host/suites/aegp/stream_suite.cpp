@@ -10,6 +10,8 @@
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
 
+namespace umbrant::host {
+
 namespace {
 
 PF_Err GetEffectNumParamStreams(AEGP_EffectRefH effect, A_long* number) {
@@ -62,3 +64,5 @@ const AEGP_StreamSuite2 kStreamSuite = {
     .AEGP_SetExpression = NoSlot<"AEGP_SetExpression">(),
     .AEGP_DuplicateStreamRef = NoSlot<"AEGP_DuplicateStreamRef">(),
 };
+
+}  // namespace umbrant::host

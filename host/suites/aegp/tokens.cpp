@@ -9,6 +9,8 @@
 
 #include "host/process/fork_lock.h"
 
+namespace umbrant::host {
+
 namespace {
 
 struct Table {
@@ -87,3 +89,5 @@ void DropTokens(const Services* services) {
     const std::lock_guard lock(table.mutex);
     std::erase_if(table.tokens, [&](const auto& entry) { return entry.second->services == services; });
 }
+
+}  // namespace umbrant::host

@@ -8,6 +8,8 @@
 #include "host/suites/services.h"
 #include "hostapi/aegp_types.h"
 
+namespace umbrant::host {
+
 enum class TokenKind { kLayer, kEffect, kStream };
 
 /// What a reference refers to.
@@ -28,3 +30,5 @@ bool DisposeToken(const void* reference, TokenKind kind, const char* call);
 Token* LayerToken(Services* services);
 /// Forgets everything that a session still has.
 void DropTokens(const Services* services);
+
+}  // namespace umbrant::host

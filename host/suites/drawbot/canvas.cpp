@@ -10,6 +10,8 @@
 #include "host/process/fork_lock.h"
 #include "host/suites/services.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// The canvases that live. Draw events come on one thread, but a wrong effect may ask from another.
@@ -92,3 +94,5 @@ bool DrawbotCanvas::Pop() {
     drawing_.Restore();
     return true;
 }
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 #include "host/drawing/drawing.h"
 #include "hostapi/custom_ui.h"
 
+namespace umbrant::host {
+
 /// Lives for one draw event. Its references are good for as long as it lives, and distinguished from wrong ones without
 /// being touched.
 class DrawbotCanvas {
@@ -60,3 +62,5 @@ class DrawbotCanvas {
     PF_Context* contextPointer_ = &context_;
     char references_[3] = {};
 };
+
+}  // namespace umbrant::host

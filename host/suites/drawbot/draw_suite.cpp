@@ -9,6 +9,8 @@
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
 
+namespace umbrant::host {
+
 namespace {
 
 SPErr GetSupplier(DRAWBOT_DrawRef reference, DRAWBOT_SupplierRef* supplier) {
@@ -34,3 +36,5 @@ const DRAWBOT_DrawbotSuite1 kDrawbotDrawSuite = {
     .GetSupplier = Slot<"GetSupplier", GetSupplier>(),
     .GetSurface = Slot<"GetSurface", GetSurface>(),
 };
+
+}  // namespace umbrant::host

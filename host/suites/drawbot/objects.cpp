@@ -11,6 +11,8 @@
 #include "host/process/fork_lock.h"
 #include "host/suites/services.h"
 
+namespace umbrant::host {
+
 namespace {
 
 struct Counted {
@@ -132,3 +134,5 @@ std::unique_ptr<DrawnImage> ImageFromBytes(const Drawing& drawing, int width, in
         }
     });
 }
+
+}  // namespace umbrant::host

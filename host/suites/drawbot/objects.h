@@ -11,6 +11,8 @@
 #include "host/drawing/drawing.h"
 #include "hostapi/drawbot_types.h"
 
+namespace umbrant::host {
+
 struct DrawPen {
     DRAWBOT_ColorRGBA color;
     float width;
@@ -55,3 +57,5 @@ Kind* FindDrawObjectOf(const void* reference, const char* call) {
 /// or there is no memory. The bytes are copied.
 std::unique_ptr<DrawnImage> ImageFromBytes(const Drawing& drawing, int width, int height, int rowBytes,
                                            DRAWBOT_PixelLayout layout, const void* bytes);
+
+}  // namespace umbrant::host

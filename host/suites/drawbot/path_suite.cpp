@@ -11,6 +11,8 @@
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr double kRadians = 3.14159265358979323846 / 180.0;
@@ -84,3 +86,5 @@ const DRAWBOT_PathSuite1 kDrawbotPathSuite = {
     .AddArc = Slot<"AddArc", AddArc>(),
     .Close = Slot<"Close", Close>(),
 };
+
+}  // namespace umbrant::host

@@ -14,6 +14,8 @@
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// Hands out a new object in the shape of its reference.
@@ -99,3 +101,5 @@ const DRAWBOT_SupplierSuite1 kDrawbotSupplierSuite = {
     .RetainObject = Slot<"RetainObject", RetainObject>(),
     .ReleaseObject = Slot<"ReleaseObject", ReleaseObject>(),
 };
+
+}  // namespace umbrant::host

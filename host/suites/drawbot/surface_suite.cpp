@@ -15,6 +15,8 @@
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
 
+namespace umbrant::host {
+
 namespace {
 
 template <typename... Numbers>
@@ -249,3 +251,5 @@ const DRAWBOT_SurfaceSuite1 kDrawbotSurfaceSuite = {
     .Flush = Slot<"Flush", Flush>(),
     .GetTransformToScreenScale = Slot<"GetTransformToScreenScale", GetTransformToScreenScale>(),
 };
+
+}  // namespace umbrant::host

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <vector>
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr char kEllipsis[] = "\xE2\x80\xA6";
@@ -82,3 +84,5 @@ std::string FitText(const Drawing& drawing, const std::string& text, double widt
     while (kept > 0 && drawing.TextWidth(Shortened(text, cuts, kept, style)) > width) --kept;
     return Shortened(text, cuts, kept, style);
 }
+
+}  // namespace umbrant::host

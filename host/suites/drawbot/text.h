@@ -10,6 +10,8 @@
 #include "host/drawing/drawing.h"
 #include "hostapi/drawbot_types.h"
 
+namespace umbrant::host {
+
 /// The panel's typeface; the system chooses another where it is not installed.
 inline constexpr char kPanelTypeface[] = "Inter";
 /// Points, which are panel pixels here.
@@ -20,3 +22,5 @@ std::string Utf8FromUtf16(const DRAWBOT_UTF16Char* text);
 
 /// The text, or as much of it as fits in `width` user units with the style's ellipsis. Never cuts inside a character.
 std::string FitText(const Drawing& drawing, const std::string& text, double width, DRAWBOT_TextTruncation style);
+
+}  // namespace umbrant::host

@@ -13,6 +13,8 @@
 
 #include "host/suites/tables.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// Effects build their messages with this, so it must format exactly as the C library does.
@@ -53,3 +55,5 @@ constinit const PF_ANSICallbacksSuite1 kANSISuite = {
     .asin = [](A_FpLong x) { return std::asin(x); },
     .acos = [](A_FpLong x) { return std::acos(x); },
 };
+
+}  // namespace umbrant::host

@@ -9,6 +9,8 @@
 #include "host/suites/tables.h"
 #include "hostapi/limits.h"
 
+namespace umbrant::host {
+
 namespace {
 
 PF_Err GetFloatingPointColorFromColorDef(PF_ProgPtr effectRef, const PF_ParamDef* def, PF_PixelFloat* color) {
@@ -29,3 +31,5 @@ const PF_ColorParamSuite1 kColorParamSuite = {
     .PF_GetFloatingPointColorFromColorDef =
         Slot<"PF_GetFloatingPointColorFromColorDef", GetFloatingPointColorFromColorDef>(),
 };
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
 
+namespace umbrant::host {
+
 namespace {
 
 PF_Err GetDrawingReference(PF_ContextH context, DRAWBOT_DrawRef* reference) {
@@ -27,3 +29,5 @@ using Slot = Served<kPFEffectCustomUISuiteName, Call, Function>;
 const PF_EffectCustomUISuite1 kEffectCustomUISuite = {
     .PF_GetDrawingReference = Slot<"PF_GetDrawingReference", GetDrawingReference>(),
 };
+
+}  // namespace umbrant::host

@@ -8,6 +8,8 @@
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
 
+namespace umbrant::host {
+
 namespace {
 
 PF_Err SetOptionsButtonName(PF_ProgPtr effectRef, const A_char* name) {
@@ -25,3 +27,5 @@ using Slot = Served<kPFEffectUISuiteName, Call, Function>;
 const PF_EffectUISuite1 kEffectUISuite = {
     .PF_SetOptionsButtonName = Slot<"PF_SetOptionsButtonName", SetOptionsButtonName>(),
 };
+
+}  // namespace umbrant::host

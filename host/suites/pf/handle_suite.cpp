@@ -16,6 +16,8 @@
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// Fresh bytes hold this, so that memory which an effect takes for zero is not.
@@ -172,3 +174,5 @@ const PF_HandleSuite1 kHandleSuite = {
     .host_get_handle_size = Slot<"host_get_handle_size", HandleSize>(),
     .host_resize_handle = Slot<"host_resize_handle", ResizeHandle>(),
 };
+
+}  // namespace umbrant::host

@@ -8,6 +8,8 @@
 
 #include "hostapi/basic_types.h"
 
+namespace umbrant::host {
+
 /// A new, unlocked handle whose bytes are not zero; null when memory cannot be had. Size 0 is allowed.
 PF_Handle NewHandle(A_HandleSize size);
 /// The address of the bytes; null for null. Locks are counted. A pointer that is no live handle is reported and gives
@@ -20,3 +22,5 @@ void DisposeHandle(PF_Handle handle);
 A_HandleSize HandleSize(PF_Handle handle);
 /// Grows or shrinks, keeping the bytes that both sizes have. A locked handle is refused.
 PF_Err ResizeHandle(A_HandleSize size, PF_Handle* handle);
+
+}  // namespace umbrant::host

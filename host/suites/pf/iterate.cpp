@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <numeric>
 
+namespace umbrant::host {
+
 namespace {
 
 RowOrder rowOrder = RowOrder::kNeighbours;
@@ -72,3 +74,5 @@ PF_Err IterateLutCall(PF_InData*, A_long, A_long, PF_EffectWorld* source, const 
                       A_u_char* red, A_u_char* green, A_u_char* blue, PF_EffectWorld* destination) {
     return IterateLut(source, area, alpha, red, green, blue, destination);
 }
+
+}  // namespace umbrant::host

@@ -16,6 +16,8 @@
 
 struct PF_InData;
 
+namespace umbrant::host {
+
 /// What an effect's pixel function looks like for one kind of pixel.
 template <typename Pixel>
 using PixelFunction = PF_Err (*)(void* refcon, A_long x, A_long y, Pixel* in, Pixel* out);
@@ -113,3 +115,5 @@ template <>
 inline PF_PixelFormat FormatOfPixel<PF_PixelFloat>() {
     return PF_PixelFormat_ARGB128;
 }
+
+}  // namespace umbrant::host

@@ -9,6 +9,8 @@
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
 
+namespace umbrant::host {
+
 namespace {
 
 template <FixedText Call, auto Function>
@@ -22,3 +24,5 @@ const PF_iterate16Suite1 kIterate16Suite = {
     .iterate_origin = Slot<"iterate_origin", Calls::IterateOrigin>(),
     .iterate_origin_non_clip_src = Slot<"iterate_origin_non_clip_src", Calls::IterateOriginNonClip>(),
 };
+
+}  // namespace umbrant::host

@@ -9,6 +9,8 @@
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
 
+namespace umbrant::host {
+
 namespace {
 
 template <FixedText Call, auto Function>
@@ -24,3 +26,5 @@ const PF_Iterate8Suite1 kIterate8Suite = {
     .iterate_origin_non_clip_src = Slot<"iterate_origin_non_clip_src", Calls::IterateOriginNonClip>(),
     .iterate_generic = Slot<"iterate_generic", IterateGeneric>(),
 };
+
+}  // namespace umbrant::host

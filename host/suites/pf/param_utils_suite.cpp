@@ -8,6 +8,8 @@
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// Only the looks are taken over; a value handed along is not.
@@ -37,3 +39,5 @@ const PF_ParamUtilsSuite3 kParamUtilsSuite = {
     .PF_CheckinKeyframe = NoSlot<"PF_CheckinKeyframe">(),
     .PF_KeyIndexToTime = NoSlot<"PF_KeyIndexToTime">(),
 };
+
+}  // namespace umbrant::host

@@ -6,6 +6,8 @@
 
 #include "hostapi/transfer.h"
 
+namespace umbrant::host {
+
 PF_Err CompositeRectCall(PF_ProgPtr effectRef, PF_Rect* sourceRect, A_long opacity, PF_EffectWorld* source,
                          A_long destinationX, A_long destinationY, PF_Field field, PF_XferMode mode,
                          PF_EffectWorld* destination);
@@ -17,3 +19,5 @@ PF_Err TransferRectCall(PF_ProgPtr effectRef, PF_Quality quality, PF_ModeFlags f
                         const PF_Rect* sourceRect, const PF_EffectWorld* source, const PF_CompositeMode* mode,
                         const PF_MaskWorld* mask, A_long destinationX, A_long destinationY,
                         PF_EffectWorld* destination);
+
+}  // namespace umbrant::host

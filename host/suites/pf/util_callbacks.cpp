@@ -17,6 +17,8 @@
 #include "host/suites/timed_call.h"
 #include "hostapi/limits.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr char kTable[] = "utils";
@@ -169,3 +171,5 @@ PF_UtilCallbacks utilCallbacks = {
     .get_pixel_data16 = Slot<"get_pixel_data16", PixelData<PF_Pixel16>>(),
     .reserved = {},
 };
+
+}  // namespace umbrant::host

@@ -15,6 +15,8 @@
 #include "host/suites/tables.h"
 #include "hostapi/limits.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// Every live world, by its pixels: effects copy the record around.
@@ -109,3 +111,5 @@ const PF_WorldSuite2 kWorldSuite = {
     .PF_DisposeWorld = Slot<"PF_DisposeWorld", DisposeWorld>(),
     .PF_GetPixelFormat = Slot<"PF_GetPixelFormat", GetPixelFormat>(),
 };
+
+}  // namespace umbrant::host

@@ -15,6 +15,8 @@
 #include "host/suites/tables.h"
 #include "host/suites/timed_call.h"
 
+namespace umbrant::host {
+
 PF_Err CompositeRectCall(PF_ProgPtr effectRef, PF_Rect* sourceRect, A_long opacity, PF_EffectWorld* source,
                          A_long destinationX, A_long destinationY, PF_Field field, PF_XferMode mode,
                          PF_EffectWorld* destination) {
@@ -64,3 +66,5 @@ const PF_WorldTransformSuite1 kWorldTransformSuite = {
     .transfer_rect = Slot<"transfer_rect", TransferRectCall>(),
     .transform_world = NoSlot<"transform_world">(),
 };
+
+}  // namespace umbrant::host

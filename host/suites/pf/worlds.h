@@ -6,6 +6,8 @@
 
 #include "hostapi/pixels.h"
 
+namespace umbrant::host {
+
 /// A world of the format, at least 1 x 1 and at most 30000 x 30000, its record copied into `*world`. The pixels are
 /// zero when `clear` is non-zero, otherwise anything but. PF_Err_BAD_CALLBACK_PARAM for a wrong size or format,
 /// PF_Err_OUT_OF_MEMORY when it cannot be had.
@@ -14,3 +16,5 @@ PF_Err NewEffectWorld(A_long width, A_long height, bool clear, PF_PixelFormat fo
 /// Frees the pixels and zeroes the record. A world that NewEffectWorld did not make, or that was disposed of, is
 /// reported and refused.
 PF_Err DisposeEffectWorld(PF_EffectWorld* world);
+
+}  // namespace umbrant::host

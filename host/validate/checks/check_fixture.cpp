@@ -10,6 +10,8 @@
 #include "host/accounting/ledger.h"
 #include "host/session/error_names.h"
 
+namespace umbrant::host {
+
 CheckFixture::CheckFixture(CheckRun& run, SessionOptions options) : trial_(run) {
     options.log = &log_;
     auto loaded = Module::Load(run.Options().module);
@@ -78,3 +80,5 @@ void CheckFixture::Forget() {
     static_cast<void>(bool(session_->End()));
     misbehaviourSeen_ = session_->Misbehaviour().size();
 }
+
+}  // namespace umbrant::host

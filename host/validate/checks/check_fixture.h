@@ -17,6 +17,8 @@
 #include "host/session/effect_session.h"
 #include "host/validate/runner/check_run.h"
 
+namespace umbrant::host {
+
 /// A soft disc on nothing, every pixel with a colour of its own. Straight alpha; channels in the depth's full range.
 World TestPicture(int width, int height, Depth depth);
 /// The pixels, paddings left out, as one number (FNV-1a).
@@ -91,3 +93,5 @@ std::vector<int> SettableRows(const ParamSet& params);
 std::optional<NumberRange> RangeOf(const ParamRow& row);
 /// A low number of the row, at most `steps` of its units above its least.
 double LowNumber(const NumberRange& range, double steps);
+
+}  // namespace umbrant::host

@@ -14,6 +14,8 @@
 #include "host/validate/checks/check_fixture.h"
 #include "host/validate/runner/processes.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr std::size_t kNameField = sizeof(PF_ParamDef::name_do_not_use_directly);
@@ -273,3 +275,5 @@ std::vector<Check> DeclarationChecks() {
         {"2.6", "it draws a frame with its defaults", DrawsItsDefaults},
     };
 }
+
+}  // namespace umbrant::host

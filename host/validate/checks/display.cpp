@@ -5,6 +5,8 @@
 
 #include <dlfcn.h>
 
+namespace umbrant::host {
+
 namespace {
 
 // The few numbers of EGL that are needed, so that the program builds without its headers.
@@ -68,3 +70,5 @@ void Display::MakeCurrent() const {
 bool Display::IsCurrent() const {
     return Egl().getCurrentContext() == context_;
 }
+
+}  // namespace umbrant::host

@@ -7,6 +7,8 @@
 
 #include <memory>
 
+namespace umbrant::host {
+
 class Display {
  public:
     /// A context without a surface; null where none can be made.
@@ -20,3 +22,5 @@ class Display {
     void* display_ = nullptr;
     void* context_ = nullptr;
 };
+
+}  // namespace umbrant::host

@@ -18,6 +18,8 @@
 #include "host/validate/runner/processes.h"
 #include "host/validate/shim/shim_control.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// The library's functions, when this process has it.
@@ -233,3 +235,5 @@ std::vector<Check> DriverChecks() {
         {"7.5", "it survives a failing driver, and reports the failure", StandsAFailingDriver, Needs::kShim, 4},
     };
 }
+
+}  // namespace umbrant::host

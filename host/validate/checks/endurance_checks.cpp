@@ -20,6 +20,8 @@
 #include "host/validate/runner/processes.h"
 #include "host/validate/runner/timing.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// How many times the time limit the checks of this file may take.
@@ -245,3 +247,5 @@ std::vector<Check> EnduranceChecks() {
         {"10.5", "it survives a long session on all threads", Soaks, Needs::kSoakTime, 2},
     };
 }
+
+}  // namespace umbrant::host

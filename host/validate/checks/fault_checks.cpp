@@ -14,6 +14,8 @@
 #include "host/session/error_names.h"
 #include "host/validate/faults/fault_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// An error that nobody has a name for, so that no effect can give it by chance.
@@ -175,3 +177,5 @@ std::vector<Check> FaultChecks() {
         {"7.6", "a second copy of the module in the process changes nothing", LivesBesideAnother},
     };
 }
+
+}  // namespace umbrant::host

@@ -16,6 +16,8 @@
 #include "host/validate/checks/check_fixture.h"
 #include "host/validate/runner/processes.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr std::byte kCanary{0xE3};
@@ -325,3 +327,5 @@ std::vector<Check> FrameChecks() {
         {"5.8", "it accepts every time and step", StandsEveryTime, Needs::kNothing, 2},
     };
 }
+
+}  // namespace umbrant::host

@@ -19,6 +19,8 @@
 #include "host/validate/runner/timing.h"
 #include "hostapi/registration.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr char kRegistrationExport[] = "PluginDataEntryFunction";
@@ -291,3 +293,5 @@ std::vector<Check> LoadChecks() {
         {"1.5", "loading and unloading leaves no text, file or thread behind", LoadsWithoutATrace},
     };
 }
+
+}  // namespace umbrant::host

@@ -19,6 +19,8 @@
 #include "host/validate/runner/processes.h"
 #include "host/validate/runner/progress_watch.h"
 
+namespace umbrant::host {
+
 namespace {
 
 FrameRequest RequestOf(const World& layer) {
@@ -313,3 +315,5 @@ void HoldsNoLocks(CheckRun& run) {
 std::vector<Check> LockChecks() {
     return {{"8.5", "no lock is held while the host is called", HoldsNoLocks, Needs::kNothing, 4}};
 }
+
+}  // namespace umbrant::host

@@ -16,6 +16,8 @@
 #include "host/validate/runner/process_memory.h"
 #include "host/validate/runner/processes.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr int kSide = 32;
@@ -194,3 +196,5 @@ std::vector<Check> MemoryChecks() {
         {"4.7", "global data is not written while rendering", LeavesGlobalDataAlone},
     };
 }
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 #include <iterator>
 #include <system_error>
 
+namespace umbrant::host {
+
 namespace {
 
 /// Reads records out of a file's bytes; what is outside of them is zero.
@@ -128,3 +130,5 @@ std::vector<WritableRange> WritableRangesOf(const std::filesystem::path& file) {
         &search);
     return search.ranges;
 }
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+namespace umbrant::host {
+
 /// What the file's tables say.
 struct ModuleFile {
     std::vector<std::string> exports;  ///< names of defined global and weak dynamic symbols
@@ -36,3 +38,5 @@ struct WritableRange {
 
 /// The writable stretches of the loaded file, without those that the loader has made read-only.
 std::vector<WritableRange> WritableRangesOf(const std::filesystem::path& file);
+
+}  // namespace umbrant::host

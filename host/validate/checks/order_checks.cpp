@@ -19,6 +19,8 @@
 #include "host/validate/checks/panel_events.h"
 #include "host/validate/runner/processes.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr int kSide = 24;
@@ -332,3 +334,5 @@ std::vector<Check> OrderChecks() {
         {"3.7", "it draws from the layers that it announced", TakesOnlyAnnouncedLayers},
     };
 }
+
+}  // namespace umbrant::host

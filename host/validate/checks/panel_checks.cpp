@@ -11,6 +11,8 @@
 #include "host/validate/checks/panel_events.h"
 #include "host/validate/runner/processes.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr A_long kHighest = std::numeric_limits<A_long>::max();
@@ -98,3 +100,5 @@ void BearsItsPanel(CheckRun& run) {
 std::vector<Check> PanelChecks() {
     return {{"5.9", "it handles every change and event of its panel", BearsItsPanel}};
 }
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 
 #include "host/drawing/new_drawing.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr int kWidth = 300;
@@ -61,3 +63,5 @@ void SendDrawEvents(CheckRun& run, CheckFixture& fixture) {
         }
     }
 }
+
+}  // namespace umbrant::host

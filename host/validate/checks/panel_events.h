@@ -11,6 +11,8 @@
 #include "host/suites/drawbot/canvas.h"
 #include "host/validate/checks/check_fixture.h"
 
+namespace umbrant::host {
+
 /// What canvases are called in messages.
 inline constexpr char kCanvasName[] = "the canvas of a draw event";
 /// Checks of lower levels send no draw events.
@@ -34,3 +36,5 @@ std::vector<int> SelfDrawnRows(const EffectSession& session);
 
 /// One window's life for every such row: opened, drawn, closed. Errors fail the run.
 void SendDrawEvents(CheckRun& run, CheckFixture& fixture);
+
+}  // namespace umbrant::host

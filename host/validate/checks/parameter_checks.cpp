@@ -17,6 +17,8 @@
 #include "host/validate/runner/process_memory.h"
 #include "host/validate/runner/processes.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
@@ -320,3 +322,5 @@ std::vector<Check> ParameterChecks() {
         {"6.5", "it survives null pointers", StandsNullPointers, Needs::kNothing, 2},
     };
 }
+
+}  // namespace umbrant::host

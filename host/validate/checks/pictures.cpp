@@ -12,6 +12,8 @@
 #include "host/compositing/rectangles.h"
 #include "host/validate/checks/check_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// One channel of the test picture, full scale 1.
@@ -133,3 +135,5 @@ bool AllZero(const World& world) {
 std::string RectText(const PF_LRect& rect) {
     return fmt::format("({}, {}) to ({}, {})", rect.left, rect.top, rect.right, rect.bottom);
 }
+
+}  // namespace umbrant::host

@@ -14,6 +14,8 @@
 #include "host/validate/checks/check_fixture.h"
 #include "host/validate/runner/processes.h"
 
+namespace umbrant::host {
+
 namespace {
 
 FrameRequest RequestOf(const World& layer, const ParamSet& params) {
@@ -139,3 +141,5 @@ std::vector<Check> PixelChecks() {
          Needs::kNothing, 2},
     };
 }
+
+}  // namespace umbrant::host

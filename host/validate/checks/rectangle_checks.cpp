@@ -12,6 +12,8 @@
 #include "host/compositing/rectangles.h"
 #include "host/validate/checks/check_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr A_long kLowest = std::numeric_limits<A_long>::min();
@@ -158,3 +160,5 @@ std::vector<Check> RectangleChecks() {
         {"5.7", "it draws the same frame at every scale", FollowsDownsampling},
     };
 }
+
+}  // namespace umbrant::host

@@ -16,6 +16,8 @@
 #include "host/validate/faults/fault_fixture.h"
 #include "host/validate/runner/processes.h"
 
+namespace umbrant::host {
+
 namespace {
 
 FrameRequest RequestOf(const World& layer, const ParamSet& params) {
@@ -221,3 +223,5 @@ std::vector<Check> ResultChecks() {
         {"9.6", "every message ends within its 256 bytes", EndsItsMessages, Needs::kNothing, 2, true},
     };
 }
+
+}  // namespace umbrant::host

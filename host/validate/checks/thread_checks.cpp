@@ -19,6 +19,8 @@
 #include "host/validate/runner/process_memory.h"
 #include "host/validate/runner/processes.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -207,3 +209,5 @@ std::vector<Check> ThreadChecks() {
         {"8.6", "rows may be iterated in any order on any number of threads", IgnoresRowOrder, Needs::kNothing, 2},
     };
 }
+
+}  // namespace umbrant::host

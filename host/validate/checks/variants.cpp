@@ -9,6 +9,8 @@
 
 #include "host/validate/checks/check_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 bool IsSeparator(const std::string& item) {
@@ -56,3 +58,5 @@ std::vector<Variant> StyleVariants(const ParamSet& params, int mostItems) {
     }
     return variants;
 }
+
+}  // namespace umbrant::host

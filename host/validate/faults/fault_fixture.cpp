@@ -21,6 +21,8 @@
 #include "host/session/error_names.h"
 #include "host/validate/checks/panel_events.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr char kCounted[] = "call ";
@@ -350,3 +352,5 @@ void InjectFaults(CheckRun& run, const FaultRules& rules) {
         }
     }
 }
+
+}  // namespace umbrant::host

@@ -13,6 +13,8 @@
 #include "host/validate/checks/check_fixture.h"
 #include "host/validate/runner/processes.h"
 
+namespace umbrant::host {
+
 /// What one fault led to.
 struct FaultOutcome {
     FaultPlan plan;
@@ -45,3 +47,5 @@ bool GivesBack(const std::string& callee);
 std::string ClosestCall(const std::string& name, const std::vector<std::string>& callees);
 /// Calls whose result is no error code.
 bool ReturnsNoError(const std::string& callee);
+
+}  // namespace umbrant::host

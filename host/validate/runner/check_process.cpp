@@ -17,6 +17,8 @@
 #include <nlohmann/json.hpp>
 #include <system_error>
 
+namespace umbrant::host {
+
 namespace {
 
 using nlohmann::json;
@@ -188,3 +190,5 @@ Child StartCopy(std::vector<std::string> arguments, const std::vector<std::strin
     }
     return child;
 }
+
+}  // namespace umbrant::host

@@ -13,6 +13,8 @@
 #include "host/process/child_process.h"
 #include "host/validate/runner/check_run.h"
 
+namespace umbrant::host {
+
 /// A child process that was started and has not been waited for.
 struct Child {
     std::unique_ptr<ChildProcess> process{};  ///< null when it could not be started
@@ -40,3 +42,5 @@ Child StartCopy(std::vector<std::string> arguments, const std::vector<std::strin
 
 /// Writes a result where StartCopy's caller waits for it.
 void SendResult(int descriptor, const CheckResult& result);
+
+}  // namespace umbrant::host

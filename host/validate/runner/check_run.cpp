@@ -11,6 +11,8 @@
 #include "host/accounting/event_log.h"
 #include "host/validate/runner/trace.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr const char* kVerdictNames[] = {"pass", "warn", "fail", "crash", "timeout", "skip", "waived"};
@@ -162,3 +164,5 @@ const std::vector<Check>& AllChecks() {
     }();
     return checks;
 }
+
+}  // namespace umbrant::host

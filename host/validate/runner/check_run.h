@@ -16,6 +16,8 @@
 
 #include "hostapi/suites/umbrant_host_suite.h"
 
+namespace umbrant::host {
+
 class EventLog;
 class ParamSet;
 
@@ -156,3 +158,5 @@ std::vector<Check> ThreadChecks();
 std::vector<Check> LockChecks();
 std::vector<Check> ResultChecks();
 std::vector<Check> EnduranceChecks();
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 
 #include <fstream>
 
+namespace umbrant::host {
+
 namespace {
 
 int EntriesOf(const char* folder) {
@@ -76,3 +78,5 @@ void LimitMemory() {
     const rlimit limits{limit, limit};
     setrlimit(RLIMIT_AS, &limits);
 }
+
+}  // namespace umbrant::host

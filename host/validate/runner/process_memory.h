@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <optional>
 
+namespace umbrant::host {
+
 /// Whether the program was built with a sanitizer that watches memory or threads: then the file of its runtime library,
 /// or this program's when it is linked into it.
 std::optional<std::filesystem::path> SanitizerRuntime();
@@ -22,3 +24,5 @@ int RunningThreads();
 long PeakBytes();
 /// Lets this process take a few GiB more than it has, and no more, so that a mistake does not stop the machine.
 void LimitMemory();
+
+}  // namespace umbrant::host

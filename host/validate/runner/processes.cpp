@@ -20,6 +20,8 @@
 #include "host/validate/runner/check_process.h"
 #include "host/validate/runner/process_memory.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// Gives threads of a fork's child larger stacks than the C library keeps from the parent's: the race checker takes the
@@ -169,3 +171,5 @@ std::vector<CheckResult> RunSubChecksApart(const CheckRun& run, const std::vecto
     }
     return results;
 }
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 
 #include "host/validate/runner/check_run.h"
 
+namespace umbrant::host {
+
 /// One small run inside a check.
 struct SubCheck {
     std::string name;  ///< begins the findings that its end gives: "with PF_NewWorld refused"
@@ -38,3 +40,5 @@ int ProcessorCount();
 
 /// Runs a check's function, its early end included.
 CheckResult RunToEnd(const std::function<void(CheckRun&)>& check, const CheckRunOptions& options);
+
+}  // namespace umbrant::host

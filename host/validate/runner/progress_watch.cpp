@@ -14,6 +14,8 @@
 
 #include "host/validate/runner/timing.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// How long nothing may happen, in milliseconds, and between how many looks.
@@ -81,3 +83,5 @@ WaitEnd WaitUnlessStuck(const std::function<bool()>& isDone, int timeoutMillisec
     }
     return WaitEnd::kDone;
 }
+
+}  // namespace umbrant::host

@@ -7,6 +7,8 @@
 
 #include <functional>
 
+namespace umbrant::host {
+
 /// How a wait ended.
 enum class WaitEnd {
     kDone,   ///< what was waited for came
@@ -16,3 +18,5 @@ enum class WaitEnd {
 
 /// Waits on this thread until `isDone`. Polls, so `isDone` should be cheap.
 WaitEnd WaitUnlessStuck(const std::function<bool()>& isDone, int timeoutMilliseconds);
+
+}  // namespace umbrant::host

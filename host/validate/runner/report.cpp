@@ -10,6 +10,8 @@
 
 #include "host/validate/runner/runner.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using nlohmann::ordered_json;
@@ -166,3 +168,5 @@ std::string JunitOf(const RunnerOptions& options, const std::vector<CheckOutcome
     }
     return text + "</testsuite>\n";
 }
+
+}  // namespace umbrant::host

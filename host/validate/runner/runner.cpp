@@ -20,6 +20,8 @@
 #include "host/validate/runner/trace.h"
 #include "host/validate/runner/waivers.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr char kProbe[] = "probe";
@@ -260,3 +262,5 @@ Result<Done> RunOneCheck(const std::string& id, const CheckRunOptions& options, 
     }
     return Failure{ExitCode::kUsage, fmt::format("there is no check '{}'; --list shows them", id)};
 }
+
+}  // namespace umbrant::host

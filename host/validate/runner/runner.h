@@ -12,6 +12,8 @@
 #include "host/result.h"
 #include "host/validate/runner/check_run.h"
 
+namespace umbrant::host {
+
 /// What a run is asked for.
 struct RunnerOptions {
     CheckRunOptions check;
@@ -53,3 +55,5 @@ std::string TextOf(const RunnerOptions& options, const CheckOutcome& outcome);
 std::string TextSummary(const std::vector<CheckOutcome>& outcomes);
 std::string JsonOf(const RunnerOptions& options, const std::vector<CheckOutcome>& outcomes);
 std::string JunitOf(const RunnerOptions& options, const std::vector<CheckOutcome>& outcomes);
+
+}  // namespace umbrant::host

@@ -14,6 +14,8 @@
 #include "host/validate/runner/process_memory.h"
 #include "host/validate/runner/processes.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// The libraries that come before all others: the judge's, but a sanitizer's runtime wants to be the first.
@@ -122,3 +124,5 @@ void Scheduler::WaitForEnd() {
     running_.erase(running_.begin() + static_cast<std::ptrdiff_t>(i));
     ended_(running.job.place);
 }
+
+}  // namespace umbrant::host

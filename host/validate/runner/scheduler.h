@@ -14,6 +14,8 @@
 #include "host/validate/runner/check_process.h"
 #include "host/validate/runner/runner.h"
 
+namespace umbrant::host {
+
 /// The arguments with which a copy of this program runs one check, or the probe.
 std::vector<std::string> ChildArguments(const std::string& id, const CheckRunOptions& options);
 
@@ -55,3 +57,5 @@ class Scheduler {
     std::vector<Running> running_;
     int started_ = 0;
 };
+
+}  // namespace umbrant::host

@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <ctime>
 
+namespace umbrant::host {
+
 namespace {
 
 double Milliseconds(clockid_t clock) {
@@ -156,3 +158,5 @@ Claim JudgeLimit(const std::vector<TimedTry>& tries, double limit) {
     }
     return allBeyond ? Claim::kFails : Claim::kUnclear;
 }
+
+}  // namespace umbrant::host

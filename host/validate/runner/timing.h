@@ -9,6 +9,8 @@
 #include <functional>
 #include <vector>
 
+namespace umbrant::host {
+
 /// Processor time of this process so far, all of its threads, in milliseconds.
 double ProcessorMilliseconds();
 /// Elapsed time since an arbitrary moment, in milliseconds.
@@ -54,3 +56,5 @@ TimedTry TimeOf(const std::function<void()>& work);
 /// Whether the tries keep a limit in milliseconds that was set for a usual, quiet machine. One good try is enough to
 /// hold; two bad ones, and no good one, to fail. Time that the machine took away is not counted against the effect.
 Claim JudgeLimit(const std::vector<TimedTry>& tries, double limit);
+
+}  // namespace umbrant::host

@@ -9,6 +9,8 @@
 
 #include <nlohmann/json.hpp>
 
+namespace umbrant::host {
+
 namespace {
 
 using nlohmann::json;
@@ -73,3 +75,5 @@ void EndTrace(const std::filesystem::path& file) {
     // An empty object of a kind that viewers pass over, because the line before ends in a comma.
     Append(file, "{\"name\":\"end\",\"ph\":\"M\",\"pid\":0}\n]\n", O_APPEND);
 }
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 
 #include "host/accounting/event_log.h"
 
+namespace umbrant::host {
+
 /// Begins a file; false when it cannot be written.
 bool BeginTrace(const std::filesystem::path& file);
 /// Adds the events of this process, under its process id.
@@ -19,3 +21,5 @@ void AppendTrace(const std::filesystem::path& file, const std::vector<Event>& ev
 void NameTraceProcess(const std::filesystem::path& file, const std::string& name);
 /// Closes the list.
 void EndTrace(const std::filesystem::path& file);
+
+}  // namespace umbrant::host

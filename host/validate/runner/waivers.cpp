@@ -10,6 +10,8 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+namespace umbrant::host {
+
 namespace {
 
 using nlohmann::json;
@@ -102,3 +104,5 @@ std::vector<Finding> UnusedWaivers(const Check& check, const std::vector<Waiver>
     }
     return findings;
 }
+
+}  // namespace umbrant::host

@@ -18,6 +18,8 @@
 #include "host/result.h"
 #include "host/validate/runner/check_run.h"
 
+namespace umbrant::host {
+
 struct Waiver {
     std::string check;
     std::string finding;
@@ -35,3 +37,5 @@ void ApplyWaivers(const Check& check, CheckResult& result, std::vector<Waiver>& 
 
 /// The finding about a waiver of the check that was not used, when it should have been.
 std::vector<Finding> UnusedWaivers(const Check& check, const std::vector<Waiver>& waivers);
+
+}  // namespace umbrant::host

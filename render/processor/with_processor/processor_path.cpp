@@ -14,6 +14,8 @@
 #include "render/passes/work_extent.h"
 #include "render/plan_passes.h"
 
+namespace umbrant::effect {
+
 namespace {
 
 AlphaPlane PlaneOf(const myParams& settings, const ProcessorLayer& layer) {
@@ -77,3 +79,5 @@ void EndProcessorThreads() {
     EndPool();
     ReleaseStackMemory();
 }
+
+}  // namespace umbrant::effect

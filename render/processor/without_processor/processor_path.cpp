@@ -5,6 +5,8 @@
 
 #include "render/processor/processor_path.h"
 
+namespace umbrant::effect {
+
 bool HasProcessorPath() {
     return false;
 }
@@ -28,3 +30,5 @@ const uint16_t* DrawRadialOnProcessor(const myParams&, const ProcessorLayer&, co
 void ConvertAlpha(const uint16_t*, size_t, int, void*) {}
 
 void EndProcessorThreads() {}
+
+}  // namespace umbrant::effect

@@ -10,6 +10,8 @@
 
 #include <cmath>
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::DoubleNear;
@@ -169,3 +171,5 @@ TEST(Paths, DoNotRunBeyondTheirKeys) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

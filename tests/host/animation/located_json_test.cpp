@@ -6,6 +6,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::HasSubstr;
@@ -95,3 +97,5 @@ TEST(LocatedJson, BoundsTheNumberOfValues) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -8,6 +8,8 @@
 #include "tests/host/image/picture_files.h"
 #include "tests/host/session/session_fixture.h"
 
+namespace umbrant::host {
+
 inline constexpr AnimationClock kClock{10, 0};
 
 /// Presets for an effect of which rows of every kind are made up here.
@@ -65,3 +67,5 @@ class PresetTest : public testing::Test {
     const Folder folder_;
     AnimatedParams params_;
 };
+
+}  // namespace umbrant::host

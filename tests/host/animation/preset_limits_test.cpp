@@ -8,6 +8,8 @@
 
 #include "tests/host/animation/preset_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::EndsWith;
@@ -159,3 +161,5 @@ TEST_F(PresetLimits, LargeFilesAreRefusedBeforeTheyAreReadWhole) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

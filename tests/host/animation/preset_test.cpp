@@ -8,6 +8,8 @@
 #include "host/animation/curves_picture.h"
 #include "tests/host/animation/preset_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::HasSubstr;
@@ -272,3 +274,5 @@ TEST_F(PresetTest, CurvesHaveAPlotForEachRow) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 
 #include "tests/host/cli/in_process.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::HasSubstr;
@@ -76,3 +78,5 @@ TEST_F(CliCompare, DifferentSizesAndMissingFiles) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 
 #include "tests/host/cli/in_process.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::HasSubstr;
@@ -171,3 +173,5 @@ TEST_F(CliCurves, RenderMovesFromFrameToFrame) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

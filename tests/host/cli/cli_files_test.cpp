@@ -10,6 +10,8 @@
 #include "host/process/child_process.h"
 #include "tests/host/cli/in_process.h"
 
+namespace umbrant::host {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -223,3 +225,5 @@ TEST_F(CliForbiddenFolder, FilesInItAreNotCalledMissing) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

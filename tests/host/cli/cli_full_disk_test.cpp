@@ -14,6 +14,8 @@
 #include "tests/host/cli/render/sequence_fixture.h"
 #include "tests/support/child_process.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::HasSubstr;
@@ -210,3 +212,5 @@ TEST_F(CliFullDisk, ALimitThatTheSharedPixelsExceedIsNamed) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

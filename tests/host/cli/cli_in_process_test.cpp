@@ -16,6 +16,8 @@
 
 #include "tests/host/cli/render/sequence_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -115,3 +117,5 @@ TEST_F(CliInProcess, WhatAModulePrintsIsNoResult) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -13,6 +13,8 @@
 #include "tests/host/cli/render/sequence_fixture.h"
 #include "tests/host/cli/running_program.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::HasSubstr;
@@ -349,3 +351,5 @@ TEST_F(CliInterruption, ProcessesOfTheJudgeBlockNoSignals) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

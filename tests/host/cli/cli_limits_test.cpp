@@ -9,6 +9,8 @@
 
 #include "tests/host/cli/render/sequence_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -227,3 +229,5 @@ TEST_F(CliMemory, ASequenceHasIt) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 
 #include "tests/host/cli/program.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using nlohmann::json;
@@ -184,3 +186,5 @@ TEST_F(CliWithoutOpenGL, TheModuleIsFoundBesideTheProgram) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 
 #include "tests/host/cli/in_process.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::HasSubstr;
@@ -220,3 +222,5 @@ TEST(CliPanel, ShowsAPresetAsItIsAtAMoment) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -14,6 +14,8 @@
 
 #include "tests/host/cli/in_process.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using nlohmann::json;
@@ -209,3 +211,5 @@ TEST(CliPreset, APipeIsReadToItsEndAndNoFurtherThan64MiB) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

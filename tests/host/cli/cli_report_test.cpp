@@ -11,6 +11,8 @@
 
 #include "tests/host/cli/in_process.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using nlohmann::json;
@@ -232,3 +234,5 @@ TEST_F(CliReport, AnEnormousInputIsRefusedBeforeMemoryIsTaken) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -9,6 +9,8 @@
 #include "tests/host/cli/render/sequence_fixture.h"
 #include "tests/host/cli/running_program.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::HasSubstr;
@@ -110,3 +112,5 @@ TEST_F(CliStreams, LostResultsAreNotHiddenByAFrameThatFailed) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

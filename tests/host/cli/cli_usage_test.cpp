@@ -8,6 +8,8 @@
 
 #include "tests/host/cli/in_process.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::HasSubstr;
@@ -156,3 +158,5 @@ TEST(CliUsage, ResultsThatCannotBeWrittenAreAnError) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

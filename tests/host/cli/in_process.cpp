@@ -18,6 +18,8 @@
 #include "host/cli/run_program.h"
 #include "host/loading/program_file.h"
 
+namespace umbrant::host {
+
 namespace {
 
 void FlushStandardStreams() {
@@ -118,3 +120,5 @@ Outcome RunInProcess(const Folder& folder, const std::vector<std::string>& argum
     }
     return outcome;
 }
+
+}  // namespace umbrant::host

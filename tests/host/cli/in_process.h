@@ -12,7 +12,11 @@
 
 #include "tests/host/cli/program.h"
 
+namespace umbrant::host {
+
 /// What RunUmbrant(folder, arguments) returns. A run has standard output and standard error as files, the folder as
 /// working folder and no UMBRANT_MODULE; all are restored. Modules other than the program's own run in processes of
 /// the built program, as ever.
 Outcome RunInProcess(const Folder& folder, const std::vector<std::string>& arguments);
+
+}  // namespace umbrant::host

@@ -14,6 +14,8 @@
 #include "tests/host/image/picture_files.h"
 #include "tests/support/run_program.h"
 
+namespace umbrant::host {
+
 /// What a run left: its exit code and both outputs.
 struct Outcome {
     int code = -1;
@@ -61,3 +63,5 @@ inline Picture Read(const std::filesystem::path& file) {
     }
     return std::move(*picture);
 }
+
+}  // namespace umbrant::host

@@ -20,6 +20,8 @@
 
 #include "tests/host/cli/program.h"
 
+namespace umbrant::host {
+
 /// How a process ended: "exit 130", or "signal 2" when a signal did it.
 inline std::string EndOf(int status) {
     return WIFSIGNALED(status) ? "signal " + std::to_string(WTERMSIG(status))
@@ -103,3 +105,5 @@ inline bool WaitUntil(const std::function<bool()>& isSo) {
     }
     return false;
 }
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 
 #include "host/compositing/world.h"
 
+namespace umbrant::host {
+
 namespace {
 
 class GuardedMemory : public ::testing::TestWithParam<MemoryPlacement> {
@@ -85,3 +87,5 @@ TEST(LentMemoryRules, RowsGetTheirPadding) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -13,6 +13,8 @@
 
 #include "host/compositing/guarded_memory.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr std::size_t kMiB = std::size_t{1} << 20;
@@ -95,3 +97,5 @@ TEST(MemoryRecycler, ManyThreads) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

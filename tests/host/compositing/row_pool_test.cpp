@@ -12,6 +12,8 @@
 #include <thread>
 #include <vector>
 
+namespace umbrant::host {
+
 namespace {
 
 TEST(RowPool, EveryRowIsWorkedOnOnce) {
@@ -68,3 +70,5 @@ TEST(RowPool, AnExceptionReachesTheCaller) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -13,6 +13,8 @@
 #include "host/compositing/row_pool.h"
 #include "tests/support/limited_child.h"
 
+namespace umbrant::host {
+
 namespace {
 
 TEST(StartThreads, StartsAllAndSaysToEachWhichItIs) {
@@ -100,3 +102,5 @@ TEST(RowPool, AChildOfForkHasItsOwn) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 #include "hostapi/errors.h"
 #include "tests/host/compositing/transfer_worlds.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr int kSource = 6;        // the source is 6 x 6, each pixel's red tells x and its green y
@@ -287,3 +289,5 @@ TEST(TransferGeometry, WhatIsRefusedWritesNothing) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 
 #include "hostapi/transfer.h"
 
+namespace umbrant::host {
+
 namespace model {
 
 struct Rgb {
@@ -213,3 +215,5 @@ inline Pixel Composite(int mode, bool rgbOnly, const Pixel& s, const Pixel& d, d
 }
 
 }  // namespace model
+
+}  // namespace umbrant::host

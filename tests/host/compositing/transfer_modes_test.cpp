@@ -13,6 +13,8 @@
 #include "hostapi/errors.h"
 #include "tests/host/compositing/transfer_worlds.h"
 
+namespace umbrant::host {
+
 namespace {
 
 struct ModeName {
@@ -411,3 +413,5 @@ TEST(TransferModes, DissolveAtTheEndsOfOpacity) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 #include "hostapi/transfer.h"
 #include "tests/host/compositing/transfer_model.h"
 
+namespace umbrant::host {
+
 inline double FullScale(Depth depth) {
     return depth == Depth::k8 ? 255.0 : depth == Depth::k16 ? 32768.0 : 1.0;
 }
@@ -109,3 +111,5 @@ inline World CopyOfWorld(const World& world) {
 inline bool SameBytes(const World& a, const World& b) {
     return !a.Def().data || std::memcmp(a.Def().data, b.Def().data, BytesOf(a)) == 0;
 }
+
+}  // namespace umbrant::host

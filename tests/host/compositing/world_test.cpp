@@ -13,6 +13,8 @@
 #include <utility>
 #include <vector>
 
+namespace umbrant::host {
+
 namespace {
 
 struct Shape {
@@ -186,3 +188,5 @@ TEST(World, TheRecordStaysPutWhenTheWorldMoves) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -14,6 +14,8 @@
 
 #include "tests/support/sanitized.h"
 
+namespace umbrant::host {
+
 namespace {
 
 TEST(NewDrawing, BeginsBlackOrTransparent) {
@@ -72,3 +74,5 @@ TEST(NewDrawing, SaysThatMemoryIsShortWhileItsLibrariesAreLoaded) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

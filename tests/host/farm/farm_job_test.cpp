@@ -11,6 +11,8 @@
 #include <nlohmann/json.hpp>
 #include <regex>
 
+namespace umbrant::host {
+
 namespace {
 
 using nlohmann::json;
@@ -286,3 +288,5 @@ TEST(FarmJobText, TheRulesAreFelt) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

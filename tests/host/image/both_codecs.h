@@ -17,6 +17,8 @@
 #include "host/image/codec.h"
 #include "host/image/metadata.h"
 
+namespace umbrant::host {
+
 /// The file as a codec opens it, or null and the reason.
 inline std::unique_ptr<ImageReader> Opened(const Codec& codec, const std::filesystem::path& path,
                                            std::string* problem) {
@@ -94,3 +96,5 @@ inline void ExpectReadAlike(const std::string& format, const std::filesystem::pa
         }
     }
 }
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 
 #include "tests/host/image/picture_files.h"
 
+namespace umbrant::host {
+
 namespace {
 
 Picture Of(World world) {
@@ -127,3 +129,5 @@ TEST(Compare, FramesOfDifferentSizesAreNotComparable) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -17,6 +17,8 @@
 #include "host/image/png/png_filter.h"
 #include "tests/support/limited_child.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
@@ -142,3 +144,5 @@ TEST(PngFilter, TakesTheBestOfThreeAndCanBeUndone) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -20,6 +20,8 @@
 #include "tests/host/image/both_codecs.h"
 #include "tests/host/image/picture_files.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::HasSubstr;
@@ -459,3 +461,5 @@ TEST(ExrCodec, TheSameImageGivesTheSameBytes) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

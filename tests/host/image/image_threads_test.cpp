@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+namespace umbrant::host {
+
 namespace {
 
 TEST(ImageThreads, FollowTheCoresTheWishAndWhatCanBeHad) {
@@ -28,3 +30,5 @@ TEST(ImageThreads, FollowTheCoresTheWishAndWhatCanBeHad) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

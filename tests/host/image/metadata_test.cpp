@@ -12,6 +12,8 @@
 #include "host/image/picture.h"
 #include "tests/host/image/picture_files.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::HasSubstr;
@@ -306,3 +308,5 @@ TEST(Metadata, ExifGoesIntoATiff) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -20,6 +20,8 @@
 
 #include "host/compositing/world.h"
 
+namespace umbrant::host {
+
 /// A fresh folder, removed with everything in it.
 class Folder {
  public:
@@ -110,3 +112,5 @@ inline World FilledFloat(int width, int height, PF_PixelFloat pixel) {
     }
     return world;
 }
+
+}  // namespace umbrant::host

@@ -17,6 +17,8 @@
 #include "tests/host/image/picture_files.h"
 #include "tests/support/run_program.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::HasSubstr;
@@ -392,3 +394,5 @@ TEST(PngCodec, MetadataAreWrittenAsBefore) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 #include "host/image/picture.h"
 #include "tests/host/image/picture_files.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::HasSubstr;
@@ -519,3 +521,5 @@ TEST(ReadPicture, AFileThatCannotBeReachedIsNotMissing) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 
 #include "tests/host/image/picture_files.h"
 
+namespace umbrant::host {
+
 namespace {
 
 TEST(Downsample, SizesCountPartsOfAPixel) {
@@ -112,3 +114,5 @@ TEST(CutToFrame, ShowsWhatLiesInside) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -17,6 +17,8 @@
 #include "host/image/picture.h"
 #include "tests/host/image/picture_files.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::ElementsAre;
@@ -374,3 +376,5 @@ TEST(WritePicture, AnEmptyPictureIsRefused) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

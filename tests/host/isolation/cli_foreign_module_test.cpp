@@ -16,6 +16,8 @@
 #include "host/process/child_process.h"
 #include "tests/host/cli/program.h"
 
+namespace umbrant::host {
+
 extern char** environ;
 
 namespace {
@@ -285,3 +287,5 @@ TEST_F(CliForeignModule, TheHiddenArgumentIsNoOptionForPeople) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -17,6 +17,8 @@
 #include "host/compositing/rectangles.h"
 #include "host/panel/panel_picture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::HasSubstr;
@@ -320,3 +322,5 @@ TEST(ModuleProcess, AWrongModuleIsRefusedAsInThisProcess) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

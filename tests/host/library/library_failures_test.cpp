@@ -13,6 +13,8 @@
 
 #include "tests/host/library/library_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::EndsWith;
@@ -245,3 +247,5 @@ TEST(LibraryFailures, TheEffectsWordsAreHandedOn) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

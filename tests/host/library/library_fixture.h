@@ -16,6 +16,8 @@
 
 #include "tests/host/cli/program.h"
 
+namespace umbrant::host {
+
 /// Pixels of a program of somebody's: rows of red, green, blue, alpha without gaps.
 template <typename Channel>
 struct Pixels {
@@ -111,3 +113,5 @@ std::string Thrown(Call call) {
     }
     return "";
 }
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 #include "tests/support/child_process.h"
 #include "tests/support/sanitized.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using umbrant::Effect;
@@ -56,3 +58,5 @@ TEST(LibraryFork, AChildThatIsForkedWhileAnotherThreadDrawsDrawsToo) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -14,6 +14,8 @@
 
 #include "tests/host/library/library_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using umbrant::Effect;
@@ -143,3 +145,5 @@ COUNTED EGLBoolean EGLAPIENTRY eglDestroyContext(EGLDisplay display, EGLContext 
     --open;
     return driver(display, context);
 }
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 
 #include "tests/host/library/library_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::ElementsAre;
@@ -177,3 +179,5 @@ TEST(LibraryParameters, AnEffectSaysWhatItIs) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

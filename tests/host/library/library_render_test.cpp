@@ -9,6 +9,8 @@
 #include "host/compositing/resample.h"
 #include "tests/host/library/library_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using umbrant::Canvas;
@@ -283,3 +285,5 @@ TEST(Image, MovesAndSays) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

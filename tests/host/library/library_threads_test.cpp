@@ -15,6 +15,8 @@
 
 #include "tests/host/library/library_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using umbrant::Effect;
@@ -142,3 +144,5 @@ TEST(LibraryThreads, AnEffectMayOutliveTheThreadThatMadeIt) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

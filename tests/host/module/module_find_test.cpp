@@ -15,6 +15,8 @@
 
 #include "host/module/module.h"
 
+namespace umbrant::host {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -117,3 +119,5 @@ TEST(DefaultModuleSearch, TheLibraryLooksBesideASharedLibraryAndInTheSystemToo) 
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

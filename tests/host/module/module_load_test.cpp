@@ -11,6 +11,8 @@
 
 #include "host/module/module.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::AllOf;
@@ -138,3 +140,5 @@ TEST(ModuleLoad, RefusesAFileThatIsNoLibrary) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 #include <fstream>
 #include <string>
 
+namespace umbrant::host {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -59,3 +61,5 @@ TEST_F(OwnModule, IsNoneWhereNoneIsInstalled) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -14,6 +14,8 @@
 #include "host/panel/panel_picture.h"
 #include "host/panel/panel_rows.h"
 
+namespace umbrant::host {
+
 class PanelSessionTest : public ::testing::Test {
  protected:
     void Start(SessionOptions options = {}) {
@@ -48,3 +50,5 @@ class PanelSessionTest : public ::testing::Test {
  protected:
     std::optional<EffectSession> session;
 };
+
+}  // namespace umbrant::host

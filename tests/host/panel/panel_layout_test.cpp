@@ -10,6 +10,8 @@
 
 #include <cstdio>
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -122,3 +124,5 @@ TEST(PanelLayout, ClosedSlidersAndAnglesAreOneLine) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

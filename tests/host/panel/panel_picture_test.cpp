@@ -12,6 +12,8 @@
 #include "host/compositing/rectangles.h"
 #include "tests/host/panel/panel_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::HasSubstr;
@@ -208,3 +210,5 @@ TEST_F(PanelPictureTest, TheEffectsFailureIsToldAndLeavesNothingOpen) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -5,6 +5,8 @@
 
 #include "tests/host/panel/panel_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -253,3 +255,5 @@ TEST_F(PanelSessionTest, TheEffectAsksForEventsOfItsPanelOnly) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -16,6 +16,8 @@
 
 #include "tests/host/parameters/params_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 PF_ParamDef Def(PF_ParamType type, const PF_ParamDefUnion& u = {}) {
@@ -216,3 +218,5 @@ TEST(ParamKind, UncheckedNumbersEndWhereTheTypeDoes) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

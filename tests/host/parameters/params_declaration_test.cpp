@@ -11,6 +11,8 @@
 #include "hostapi/errors.h"
 #include "tests/host/parameters/params_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -172,3 +174,5 @@ TEST(ParamSet, TakesOverWhatTheEffectWrote) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

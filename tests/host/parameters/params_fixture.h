@@ -9,6 +9,8 @@
 
 #include "host/parameters/param_set.h"
 
+namespace umbrant::host {
+
 /// Builds rows one after the other; the texts handed in need not outlive the call.
 class Declaration {
  public:
@@ -78,3 +80,5 @@ inline ParamSet EveryKind() {
     d.Row(PF_Param_POINT_3D, "Place", u).Row(PF_Param_NO_DATA, "Nothing");
     return d.params;
 }
+
+}  // namespace umbrant::host

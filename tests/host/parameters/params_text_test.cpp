@@ -9,6 +9,8 @@
 #include "host/parameters/param_path.h"
 #include "tests/host/parameters/params_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -283,3 +285,5 @@ TEST(ParamTypeNames, AreWords) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

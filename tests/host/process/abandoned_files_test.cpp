@@ -15,6 +15,8 @@
 #include "host/process/files/file_owner.h"
 #include "tests/host/image/picture_files.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr std::time_t kDay = 24 * 60 * 60;
@@ -100,3 +102,5 @@ TEST_F(AbandonedFiles, AFileWithoutAFolderIsInTheCurrentOne) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

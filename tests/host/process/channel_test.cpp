@@ -11,6 +11,8 @@
 #include <string>
 #include <thread>
 
+namespace umbrant::host {
+
 namespace {
 
 using nlohmann::json;
@@ -95,3 +97,5 @@ TEST_F(ChannelTest, NonsenseIsNoMessage) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

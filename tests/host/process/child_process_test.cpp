@@ -22,6 +22,8 @@
 #include <thread>
 #include <vector>
 
+namespace umbrant::host {
+
 namespace {
 
 enum class Piped { kInput, kOutput };
@@ -232,3 +234,5 @@ TEST(ChildProcess, ManyAtOnceOnManyThreads) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -14,6 +14,8 @@
 #include <csignal>
 #include <cstring>
 
+namespace umbrant::host {
+
 namespace {
 
 const std::time_t kNow = std::time(nullptr);
@@ -101,3 +103,5 @@ TEST(FileOwner, OtherHostsCannotBeSeen) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 
 #include "tests/support/child_process.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using namespace std::chrono_literals;
@@ -111,3 +113,5 @@ TEST(ForkLock, LocksComeAndGoWhileAnotherThreadForks) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -28,7 +28,7 @@
 #include "host/process/child_program.h"
 #include "host/process/running_children.h"
 
-extern char** environ;
+namespace umbrant::host {
 
 namespace {
 
@@ -335,3 +335,5 @@ TEST(Interruption, ProgramsThatAreStartedAreFree) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

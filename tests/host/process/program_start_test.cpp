@@ -19,6 +19,8 @@
 
 #include "host/process/child_process.h"
 
+namespace umbrant::host {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -146,3 +148,5 @@ TEST_F(ProgramStartTest, ItLeadsAProcessGroup) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 
 #include <limits>
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::ElementsAre;
@@ -80,3 +82,5 @@ TEST(SharedMemoryPool, ABlockMayOutliveIt) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

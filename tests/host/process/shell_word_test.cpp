@@ -12,6 +12,8 @@
 
 #include "tests/support/run_program.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using namespace std::string_literals;
@@ -111,3 +113,5 @@ TEST(ShellWord, BashReadsBackAnyBytes) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

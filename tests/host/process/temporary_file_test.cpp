@@ -22,6 +22,8 @@
 #include "host/process/interruption.h"
 #include "tests/host/image/picture_files.h"
 
+namespace umbrant::host {
+
 namespace {
 
 TEST(TemporaryFile, GoesWithItsOwner) {
@@ -162,3 +164,5 @@ TEST(TemporaryFile, ANameThatIsTakenIsPassedOver) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -6,6 +6,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::HasSubstr;
@@ -196,3 +198,5 @@ TEST(FrameNumbers, AreWrittenAsTheyAreRead) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -8,6 +8,8 @@
 
 #include "tests/host/image/picture_files.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -114,3 +116,5 @@ TEST(FramePattern, FindsTheFramesOnDisk) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 
 #include "tests/host/image/picture_files.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -401,3 +403,5 @@ TEST(ImagePlan, TheEffectsClockRunsInSteps) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

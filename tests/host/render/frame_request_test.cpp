@@ -7,6 +7,8 @@
 
 #include "host/render/plan/frame_limits.h"
 
+namespace umbrant::host {
+
 namespace {
 
 TEST(FrameRequestBuilder, TakesLayersSettingsAndTime) {
@@ -53,3 +55,5 @@ TEST(FrameLimits, AreThoseOfTheDocuments) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

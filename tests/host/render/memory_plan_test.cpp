@@ -12,6 +12,8 @@
 #include <fstream>
 #include <string>
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr std::uint64_t kMiB = 1 << 20;
@@ -153,3 +155,5 @@ TEST(MemoryPlan, KnowsThisMachine) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

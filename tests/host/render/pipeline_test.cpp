@@ -20,6 +20,8 @@
 
 #include "tests/support/limited_child.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -239,3 +241,5 @@ TEST(Pipeline, AnExceptionComesOut) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 #include "tests/host/image/picture_files.h"
 #include "tests/host/session/session_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -205,3 +207,5 @@ TEST_F(SetCanvasTest, AnEffectThatFailsInAFrameFailsThere) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -13,6 +13,8 @@
 #include "tests/host/image/picture_files.h"
 #include "tests/host/session/session_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -280,3 +282,5 @@ TEST_F(DrawFramesTest, TheTextureIsMadeInTheDepthOfEachInput) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

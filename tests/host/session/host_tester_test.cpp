@@ -5,6 +5,8 @@
 
 #include "tests/host/session/session_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 class HostTester : public ::testing::TestWithParam<Depth> {};
@@ -34,3 +36,5 @@ TEST_P(HostTester, HasNothingToComplainAbout) {
 INSTANTIATE_TEST_SUITE_P(Depths, HostTester, ::testing::Values(Depth::k8, Depth::k16, Depth::k32));
 
 }  // namespace
+
+}  // namespace umbrant::host

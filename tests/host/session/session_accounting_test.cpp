@@ -7,6 +7,8 @@
 #include "host/accounting/ledger.h"
 #include "tests/host/session/session_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::Contains;
@@ -88,3 +90,5 @@ TEST_F(Accounting, WithoutALogNothingIsWritten) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

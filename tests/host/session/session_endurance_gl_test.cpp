@@ -21,6 +21,8 @@
 #include "platform/gl_api.h"
 #include "tests/support/sanitized.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::IsEmpty;
@@ -226,3 +228,5 @@ TEST_F(Endurance, TwoHundredFramesLeaveEverythingAsItWas) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -25,6 +25,8 @@
 #include "hostapi/errors.h"
 #include "hostapi/limits.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::HasSubstr;
@@ -303,3 +305,5 @@ TEST_F(Extremes, ThreadsThatLiveForOneFrame) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

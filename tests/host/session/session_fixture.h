@@ -15,6 +15,8 @@
 #include "host/session/effect_session.h"
 #include "tests/modules/painter.h"
 
+namespace umbrant::host {
+
 inline Result<Module> LoadTestModule(const std::string& name) {
     return Module::Load(std::filesystem::path(TEST_MODULES) / (name + ".so"));
 }
@@ -70,3 +72,5 @@ MATCHER_P4(IsPixel, alpha, red, green, blue, "") {
                      << int(arg.blue);
     return arg.alpha == alpha && arg.red == red && arg.green == green && arg.blue == blue;
 }
+
+}  // namespace umbrant::host

@@ -6,6 +6,8 @@
 
 #include "tests/host/session/session_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::Contains;
@@ -141,3 +143,5 @@ INSTANTIATE_TEST_SUITE_P(
         Fault{"utils.fill", 516, "Painter failed in PF_Cmd_SMART_RENDER: error 516, PF_Err_BAD_CALLBACK_PARAM"}));
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -7,6 +7,8 @@
 
 #include "tests/host/session/session_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::Each;
@@ -342,3 +344,5 @@ TEST_F(SessionTest, ARenderOutOfMemoryIsToldItsSizeWhereADriverMayRefuseIt) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -5,6 +5,8 @@
 
 #include "tests/host/session/session_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -128,3 +130,5 @@ TEST_F(SessionTest, ARefusedRowEndsTheSetup) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

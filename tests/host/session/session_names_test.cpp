@@ -7,6 +7,8 @@
 
 #include "host/session/error_names.h"
 
+namespace umbrant::host {
+
 namespace {
 
 TEST(ErrorNames, NameTheCode) {
@@ -37,3 +39,5 @@ TEST(ErrorNames, TheEffectsWordsComeFirst) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

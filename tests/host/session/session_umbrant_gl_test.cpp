@@ -14,6 +14,8 @@
 #include "host/compositing/rectangles.h"
 #include "host/session/effect_session.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::Contains;
@@ -153,3 +155,5 @@ INSTANTIATE_TEST_SUITE_P(Depths, UmbrantDraws, ::testing::Values(Depth::k8, Dept
                          [](const auto& row) { return "Bits" + std::to_string(static_cast<int>(row.param)); });
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 #include "host/compositing/rectangles.h"
 #include "host/session/effect_session.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -138,3 +140,5 @@ TEST_F(UmbrantTest, AsksForNoSuiteThatIsNotOffered) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -9,6 +9,8 @@
 #include "host/suites/drawbot/text.h"
 #include "tests/host/suites/drawbot_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 const DRAWBOT_MatrixF32 kHalf{{{0.5f, 0, 0}, {0, 0.5f, 0}, {0, 0, 0.5f}}};
@@ -376,3 +378,5 @@ TEST_F(FittedText, IsCutAsTheStyleSays) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

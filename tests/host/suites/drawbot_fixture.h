@@ -15,6 +15,8 @@
 #include "host/suites/drawbot/canvas.h"
 #include "tests/host/suites/suites_fixture.h"
 
+namespace umbrant::host {
+
 /// A pixel of the picture, premultiplied as a drawing has it.
 struct Premultiplied {
     int alpha, red, green, blue;
@@ -93,3 +95,5 @@ class DrawbotTest : public SuitesTest {
     DRAWBOT_SupplierRef supplier;
     DRAWBOT_SurfaceRef surface;
 };
+
+}  // namespace umbrant::host

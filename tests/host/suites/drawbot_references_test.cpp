@@ -7,6 +7,8 @@
 
 #include "tests/host/suites/drawbot_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -181,3 +183,5 @@ TEST_F(DrawbotTest, AMatrixThatIsLeftIsUndone) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

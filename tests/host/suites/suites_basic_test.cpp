@@ -7,6 +7,8 @@
 
 #include "tests/host/suites/suites_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -194,3 +196,5 @@ TEST(Balances, SayWhatIsOpen) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

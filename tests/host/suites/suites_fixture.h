@@ -11,6 +11,8 @@
 #include "host/suites/services.h"
 #include "host/suites/tables.h"
 
+namespace umbrant::host {
+
 class SuitesTest : public ::testing::Test {
  protected:
     ~SuitesTest() override { DropTokens(&services); }
@@ -31,3 +33,5 @@ class SuitesTest : public ::testing::Test {
     EffectRef effect{&services, nullptr};
     PF_ProgPtr ref = effect.Pointer();
 };
+
+}  // namespace umbrant::host

@@ -15,6 +15,8 @@
 #include "tests/support/child_process.h"
 #include "tests/support/sanitized.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using namespace std::chrono_literals;
@@ -66,3 +68,5 @@ TEST(SuitesFork, TheTablesAreWholeInAChild) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

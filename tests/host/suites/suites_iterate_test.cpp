@@ -14,6 +14,8 @@
 #include "host/compositing/world.h"
 #include "tests/host/suites/suites_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// Marks each pixel with its coordinates and what it was given.
@@ -217,3 +219,5 @@ TEST(RowPool, BringsAnExceptionToItsCaller) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 #include "host/compositing/world.h"
 #include "tests/host/suites/suites_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -169,3 +171,5 @@ TEST_F(SuitesTest, TheUtilitiesMakeWorldsToo) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -9,6 +9,8 @@
 
 #include "tests/host/suites/suites_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::ElementsAre;
@@ -188,3 +190,5 @@ TEST_F(SuitesTest, MathematicsAndFormattingAreTheCLibrarys) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

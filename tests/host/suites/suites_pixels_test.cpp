@@ -7,6 +7,8 @@
 #include "host/compositing/world.h"
 #include "tests/host/suites/suites_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 PF_Pixel At(const World& world, int x, int y) {
@@ -160,3 +162,5 @@ TEST_F(SuitesTest, TransferRectComposites) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 #include "host/suites/services.h"
 #include "host/suites/timed_call.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr double kLong = 5;  // milliseconds
@@ -74,3 +76,5 @@ TEST(StageClock, ACallInsideACallCountsOnce) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

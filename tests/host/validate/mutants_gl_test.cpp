@@ -8,6 +8,8 @@
 
 #include "tests/host/cli/program.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::HasSubstr;
@@ -32,3 +34,5 @@ TEST(DriverMutants, TrustsDriver) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -15,6 +15,8 @@
 #include "tests/host/cli/program.h"
 #include "tests/support/sanitized.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using ::testing::AnyOf;
@@ -234,3 +236,5 @@ TEST(Judge, ABusyMachineRaisesNoFalseAlarm) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

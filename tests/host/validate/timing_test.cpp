@@ -11,6 +11,8 @@
 #include <cmath>
 #include <random>
 
+namespace umbrant::host {
+
 namespace {
 
 const std::vector<double> kWork{8, 16, 32};
@@ -170,3 +172,5 @@ TEST(Timing, MeasuresProcessorTimeApartFromWaiting) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

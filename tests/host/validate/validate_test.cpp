@@ -14,6 +14,8 @@
 
 #include "tests/host/cli/program.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using nlohmann::json;
@@ -316,3 +318,5 @@ TEST(Validate, PassesThisProjectsModule) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -13,6 +13,8 @@
 #include "tests/host/cli/running_program.h"
 #include "tests/host/video/clips.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::HasSubstr;
@@ -239,3 +241,5 @@ TEST_F(ClipFailures, AnInterruptionEndsEverybodyAtOnce) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -5,6 +5,8 @@
 
 #include "tests/host/video/clips.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::HasSubstr;
@@ -423,3 +425,5 @@ TEST_F(Clips, AFullDisk) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -11,6 +11,8 @@
 #include "host/video/clip_writer.h"
 #include "host/video/ffmpeg.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::Contains;
@@ -165,3 +167,5 @@ TEST(ClipFormat, HowFfmpegEnded) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -10,6 +10,8 @@
 
 #include <cmath>
 
+namespace umbrant::host {
+
 namespace {
 
 /// `count` frames at a rate, their times rounded to ticks as a file would.
@@ -76,3 +78,5 @@ TEST(ClipTiming, OneRateSeenAtAnother) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

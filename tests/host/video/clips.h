@@ -12,6 +12,8 @@
 
 #include "tests/host/cli/program.h"
 
+namespace umbrant::host {
+
 /// Whether a program can be started.
 inline bool IsInstalled(const std::string& program) {
     return RunProgram({program, "-version"}).code == 0;
@@ -86,3 +88,5 @@ class Clips : public testing::Test {
 
     const Folder folder_;
 };
+
+}  // namespace umbrant::host

@@ -8,6 +8,8 @@
 
 #include "tests/host/video/clips.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using namespace std::string_literals;
@@ -135,3 +137,5 @@ TEST_F(Clips, EveryContainerIsStillRead) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

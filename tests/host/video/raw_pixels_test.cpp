@@ -14,6 +14,8 @@
 
 #include "tests/host/image/picture_files.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::ElementsAre;
@@ -73,3 +75,5 @@ TEST(RawPixels, FormatsForBits) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

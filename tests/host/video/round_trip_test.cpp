@@ -9,6 +9,8 @@
 #include "host/video/clip_writer.h"
 #include "tests/host/video/clips.h"
 
+namespace umbrant::host {
+
 namespace {
 
 /// A picture of 8 bits or floats of 16-bit steps: smooth colours, alpha from nothing to all, and colour where alpha is
@@ -213,3 +215,5 @@ TEST_F(RoundTrip, FloatClipsAreReadAsTheyAre) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -6,6 +6,8 @@
 
 #include "tests/host/cli/render/sequence_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::HasSubstr;
@@ -155,3 +157,5 @@ TEST_F(CliOtherTimes, FramesBetweenFramesSeeAndShowTheirOwnTime) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

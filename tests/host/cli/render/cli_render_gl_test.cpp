@@ -14,6 +14,8 @@
 #include "tests/host/cli/program.h"
 #include "tests/host/cli/running_program.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::HasSubstr;
@@ -161,3 +163,5 @@ TEST_F(CliRenderGl, APictureLargerThanATextureIsToldItsSizeAndTheLimit) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -7,6 +7,8 @@
 
 #include "tests/host/cli/in_process.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr int kWidth = 60;
@@ -67,3 +69,5 @@ TEST_F(CliRenderProcessor, APictureMayBeLargerThanAnyTexture) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

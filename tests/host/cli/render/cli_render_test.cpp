@@ -10,6 +10,8 @@
 #include "tests/host/cli/in_process.h"
 #include "tests/host/cli/running_program.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::HasSubstr;
@@ -291,3 +293,5 @@ TEST_F(CliRender, AnInterruptionLeavesNothing) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -12,6 +12,8 @@
 
 #include "tests/host/cli/program.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using nlohmann::json;
@@ -243,3 +245,5 @@ TEST_F(CliRenderer, InfoAndVerboseTellItToo) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -8,6 +8,8 @@
 
 #include "tests/host/cli/render/sequence_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::HasSubstr;
@@ -279,3 +281,5 @@ TEST_F(CliSequenceCanvas, TheOutputsFolderIsMadeOnDemand) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -9,6 +9,8 @@
 
 #include "tests/host/cli/program.h"
 
+namespace umbrant::host {
+
 namespace {
 
 constexpr char kMoving[] = R"({ "version": 2, "values": { "style/softness": 8, "quality/samples": 6 }, "keyframes": {
@@ -65,3 +67,5 @@ TEST_F(CliSequenceGl, AFrameIsTheSinglePictureOfItsMoment) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -14,6 +14,8 @@
 
 #include "tests/host/cli/render/sequence_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::HasSubstr;
@@ -231,3 +233,5 @@ TEST_F(CliSequenceProgress, AStepIsNamedByWhatIsBeingDone) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

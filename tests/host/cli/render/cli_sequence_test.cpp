@@ -5,6 +5,8 @@
 
 #include "tests/host/cli/render/sequence_fixture.h"
 
+namespace umbrant::host {
+
 namespace {
 
 using testing::HasSubstr;
@@ -246,3 +248,5 @@ TEST_F(CliSequence, ThreadsAreForEffectsThatAllowThem) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+namespace umbrant::host {
+
 namespace {
 
 FrameOutcome Failed(ExitCode code, const char* sentence) {
@@ -45,3 +47,5 @@ TEST(FrameProgress, OneFailureIsOneSentence) {
 }
 
 }  // namespace
+
+}  // namespace umbrant::host

@@ -9,6 +9,8 @@
 
 #include "tests/host/cli/in_process.h"
 
+namespace umbrant::host {
+
 class CliSequence : public testing::Test {
  protected:
     CliSequence() {
@@ -38,3 +40,5 @@ class CliSequence : public testing::Test {
 
     const Folder folder_;
 };
+
+}  // namespace umbrant::host
