@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// `umbrant completion`: what a shell is to complete, as a script for it.
+// `umbrant completion`, which prints a shell's script, and `umbrant __complete`, which answers one question.
 
 #include "host/cli/completion/completion.h"
 
 #include <CLI/CLI.hpp>
+#include <exception>
 #include <memory>
 
 #include "host/cli/opened_module.h"
@@ -35,6 +36,37 @@ Result<ExitCode> Completion(const CompletionOptions& options) {
     return ExitCode::kDone;
 }
 
+CompletionRows ReadRows(const std::optional<std::string>& module) {
+    auto opened = OpenModule(module);
+    if (!opened) return {};
+    return {DescribeRows(opened->Session().Params()), TwirlNames(opened->Session())};
+}
+
+Result<ExitCode> Answer(const std::vector<std::string>& arguments) {
+    std::optional<std::string> module;
+    std::size_t first = 0;
+    if (arguments.size() > 1 && arguments[0] == "--module") {
+        module = arguments[1];
+        first = 2;
+    }
+    if (arguments.size() < first + 2 || arguments[first] != "--") {
+        return Failure{ExitCode::kUsage,
+                       "__complete is for the scripts of `umbrant completion`; it takes [--module FILE] -- WORDS..."};
+    }
+    const std::vector<std::string> words(arguments.begin() + static_cast<std::ptrdiff_t>(first) + 1, arguments.end());
+    CompletionAnswer answer;
+    try {
+        const std::vector<Command> commands = AllCommands();
+        CLI::App app;
+        DeclareProgram(app, commands);
+        answer = AnswerCompletion(DescribeCommands(app), words, [&] { return ReadRows(module); });
+    } catch (const std::exception&) {
+        answer = {};
+    }
+    PrintResult(CompletionText(answer));
+    return ExitCode::kDone;
+}
+
 }  // namespace
 
 Command CompletionCommand() {
@@ -59,5 +91,12 @@ Command CompletionCommand() {
             ->type_name("FILE");
     };
     command.run = [options] { return Completion(*options); };
+    return command;
+}
+
+Command CompletionRequest(std::vector<std::string> arguments) {
+    Command command;
+    command.name = kCompletionRequest;
+    command.run = [arguments = std::move(arguments)] { return Answer(arguments); };
     return command;
 }

@@ -52,7 +52,7 @@ std::string ShownType(const std::string& type) {
 
 CompletionValue ValueOf(const CLI::Option& option) {
     CompletionValue value;
-    if (option.get_type_size_max() == 0) return value;
+    if (option.get_items_expected_max() == 0) return value;
     const std::string type = option.get_type_name();
     value.shown = ShownType(type);
     value.choices = ChoicesOf(type);
