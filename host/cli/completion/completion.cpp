@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// `umbrant completion`, which prints a shell's script, and `umbrant __complete`, which answers one question.
+// `umbrant completion`, which prints a shell's script, and `umbrant __complete`, which the script runs at each
+// question.
 
 #include "host/cli/completion/completion.h"
 
 #include <CLI/CLI.hpp>
 #include <exception>
+#include <filesystem>
 #include <memory>
 
 #include "host/cli/opened_module.h"
@@ -22,17 +24,16 @@ struct CompletionOptions {
 };
 
 Result<ExitCode> Completion(const CompletionOptions& options) {
-    auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module));
-    if (!opened) return opened.Error();
-    const std::vector<Command> commands = AllCommands();
-    CLI::App app;
-    DeclareProgram(app, commands);
-    CompletionNode program = DescribeCommands(app);
-    NameRows(program, TwirlNames(opened->Session()));
-    const std::vector<CompletionRow> rows = DescribeRows(opened->Session().Params());
-    PrintResult(options.shell == "bash"  ? BashCompletion(program, rows)
-                : options.shell == "zsh" ? ZshCompletion(program, rows)
-                                         : FishCompletion(program, rows));
+    std::string module;
+    if (!options.module.empty()) {
+        // What cannot be loaded is reported here, as the script never reports anything.
+        const auto opened = OpenModule(options.module);
+        if (!opened) return opened.Error();
+        module = std::filesystem::absolute(opened->file).string();
+    }
+    PrintResult(options.shell == "bash"  ? BashCompletion(module)
+                : options.shell == "zsh" ? ZshCompletion(module)
+                                         : FishCompletion(module));
     return ExitCode::kDone;
 }
 

@@ -3,7 +3,8 @@
 #pragma once
 
 // Shell completion in three parts: a model of the program's command line, read from its declared options; the answer to
-// "what may follow these words?", which `umbrant __complete` prints; and the three scripts. Inside host/cli only.
+// "what may follow these words?", which a shell's script gets from `umbrant __complete`; and the three scripts, which
+// only ask and hand over. Inside host/cli only.
 
 #include <functional>
 #include <string>
@@ -25,7 +26,6 @@ struct CompletionValue {
     };
     Kind kind = Kind::kNone;
     std::vector<std::string> choices;
-    std::string shown;  ///< what the help calls it: "FRAMES"
 };
 
 struct CompletionOption {
@@ -91,13 +91,10 @@ CompletionAnswer AnswerCompletion(const CompletionNode& program, const std::vect
 /// line begins with a colon: ":words", ":options", ":settings" or ":files", a tab, and the prefix.
 std::string CompletionText(const CompletionAnswer& answer);
 
-/// Gives every value that is a row of the panel these names to choose from.
-void NameRows(CompletionNode& program, const std::vector<std::string>& names);
-
-/// The scripts. Each is a whole file for its shell.
-std::string BashCompletion(const CompletionNode& program, const std::vector<CompletionRow>& rows);
-std::string ZshCompletion(const CompletionNode& program, const std::vector<CompletionRow>& rows);
-std::string FishCompletion(const CompletionNode& program, const std::vector<CompletionRow>& rows);
+/// The scripts. `module` is a file for every question, or empty for the module that the program finds then.
+std::string BashCompletion(const std::string& module);
+std::string ZshCompletion(const std::string& module);
+std::string FishCompletion(const std::string& module);
 
 /// The program's first argument when a script asks.
 constexpr std::string_view kCompletionRequest = "__complete";

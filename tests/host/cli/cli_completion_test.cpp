@@ -184,4 +184,15 @@ TEST(CliCompletion, TheRequestIsHidden) {
     EXPECT_THAT(RunInProcess(folder, {"completion", "--help"}).out, Not(HasSubstr("__complete")));
 }
 
+TEST(CliCompletion, TheScriptNeedsNoModuleUnlessOneIsNamed) {
+    const Folder folder;
+    const ProgramOptions wrong = {{"UMBRANT_MODULE=none.so"}, ""};
+    const Outcome script = RunUmbrant(folder, {"completion", "bash"}, wrong);
+    EXPECT_EQ(script.code, 0) << script.err;
+    EXPECT_THAT(script.out, HasSubstr("complete -o default -F _umbrant umbrant"));
+    const Outcome named = RunUmbrant(folder, {"completion", "bash", "--module", "none.so"});
+    EXPECT_EQ(named.code, 4);
+    EXPECT_EQ(named.out, "");
+}
+
 }  // namespace
