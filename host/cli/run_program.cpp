@@ -17,6 +17,7 @@
 #include <optional>
 #include <sstream>
 
+#include "host/cli/completion/completion.h"
 #include "host/cli/program_version.h"
 #include "host/cli/results.h"
 #include "host/cli/run_program.h"
@@ -167,6 +168,10 @@ void DeclareProgram(CLI::App& app, const std::vector<Command>& commands) {
 }
 
 int RunProgram(int argc, const char* const* argv, const std::function<int(const Command&)>& instead) {
+    if (!instead && argc > 1 && argv[1] == kCompletionRequest) {
+        // No option of it is declared: the words that follow are another command line's.
+        return Run(CompletionRequest({argv + 2, argv + argc}));
+    }
     return RunProgram(AllCommands(), argc, argv, instead);
 }
 

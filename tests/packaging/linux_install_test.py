@@ -115,14 +115,14 @@ class Installed(unittest.TestCase):
         self.assertIn("libOpenEXRCore", needed)
         self.assertIn("libcairo", run("readelf", "--dynamic", self.prefix / LIBDIR / "umbrant/umbrant_drawing.so"))
 
-    def objects_opened(self, *arguments):
+    def objects_opened(self, *arguments, names=r"umbrant_(?:drawing|images)\.so"):
         """Which of the program's shared objects a run of it opens, its child processes included."""
         with tempfile.TemporaryDirectory() as folder:
             # The loader writes into one file a process: a module that is judged must not print.
             run(self.prefix / "bin/umbrant", *arguments, LD_DEBUG="files", LD_DEBUG_OUTPUT=f"{folder}/loaded")
             loaded = "".join(file.read_text(errors="replace") for file in pathlib.Path(folder).iterdir())
         self.assertRegex(loaded, r"calling init: \S*/libpng")
-        return set(re.findall(r"calling init: \S*/(umbrant_(?:drawing|images)\.so)", loaded))
+        return set(re.findall(rf"calling init: \S*/({names})", loaded))
 
     def test_only_what_draws_opens_the_shared_objects(self):
         preset = self.prefix / "share/umbrant/presets/turning-title.json"
@@ -134,6 +134,7 @@ class Installed(unittest.TestCase):
                 ["--version"],
                 ["--help"],
                 ["completion", "bash"],
+                ["__complete", "--", "render", "--set", ""],
                 ["params"],
                 ["panel", "--json"],
                 ["farm", "parallel", folder / "a.#.png", "-o", folder / "b.#.png", "--frames", "1-2"],
@@ -149,6 +150,16 @@ class Installed(unittest.TestCase):
             self.assertEqual(self.objects_opened("panel", "-o", folder / "panel.png"), {"umbrant_drawing.so"})
             self.assertEqual(self.objects_opened("panel", "-o", folder / "panel.tif"),
                              {"umbrant_drawing.so", "umbrant_images.so"})  # fmt: skip
+
+    def test_completion_opens_the_module_for_parameters_only(self):
+        for words in ([""], ["render", "--"], ["render", "--canvas", ""], ["panel", "-o", ""], ["validate", ""]):
+            with self.subTest(words):
+                self.assertEqual(self.objects_opened("__complete", "--", *words, names=r"umbrant\w*\.so"), set())
+        self.assertEqual(self.objects_opened("completion", "zsh", names=r"umbrant\w*\.so"), set())
+        for words in (["render", "--set", ""], ["panel", "--open", ""]):
+            with self.subTest(words):
+                self.assertEqual(self.objects_opened("__complete", "--", *words, names=r"umbrant\w*\.so"),
+                                 {"umbrant2.so"})  # fmt: skip
 
     def test_a_missing_drawing_library_is_reported(self):
         preset = self.prefix / "share/umbrant/presets/turning-title.json"

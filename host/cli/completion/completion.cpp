@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// `umbrant completion`: what a shell is to complete, as a script for it.
+// `umbrant completion`, which prints a shell's script, and `umbrant __complete`, which the script runs at each
+// question.
 
 #include "host/cli/completion/completion.h"
 
 #include <CLI/CLI.hpp>
+#include <exception>
+#include <filesystem>
 #include <memory>
 
 #include "host/cli/opened_module.h"
@@ -23,17 +26,47 @@ struct CompletionOptions {
 };
 
 Result<ExitCode> Completion(const CompletionOptions& options) {
-    auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module));
-    if (!opened) return opened.Error();
-    const std::vector<Command> commands = AllCommands();
-    CLI::App app;
-    DeclareProgram(app, commands);
-    CompletionNode program = DescribeCommands(app);
-    NameRows(program, TwirlNames(opened->Session()));
-    const std::vector<CompletionRow> rows = DescribeRows(opened->Session().Params());
-    PrintResult(options.shell == "bash"  ? BashCompletion(program, rows)
-                : options.shell == "zsh" ? ZshCompletion(program, rows)
-                                         : FishCompletion(program, rows));
+    std::string module;
+    if (!options.module.empty()) {
+        // What cannot be loaded is reported here, as the script never reports anything.
+        const auto opened = OpenModule(options.module);
+        if (!opened) return opened.Error();
+        module = std::filesystem::absolute(opened->file).string();
+    }
+    PrintResult(options.shell == "bash"  ? BashCompletion(module)
+                : options.shell == "zsh" ? ZshCompletion(module)
+                                         : FishCompletion(module));
+    return ExitCode::kDone;
+}
+
+CompletionRows ReadRows(const std::optional<std::string>& module) {
+    auto opened = OpenModule(module);
+    if (!opened) return {};
+    return {DescribeRows(opened->Session().Params()), TwirlNames(opened->Session())};
+}
+
+Result<ExitCode> Answer(const std::vector<std::string>& arguments) {
+    std::optional<std::string> module;
+    std::size_t first = 0;
+    if (arguments.size() > 1 && arguments[0] == "--module") {
+        module = arguments[1];
+        first = 2;
+    }
+    if (arguments.size() < first + 2 || arguments[first] != "--") {
+        return Failure{ExitCode::kUsage,
+                       "__complete is for the scripts of `umbrant completion`; it takes [--module FILE] -- WORDS..."};
+    }
+    const std::vector<std::string> words(arguments.begin() + static_cast<std::ptrdiff_t>(first) + 1, arguments.end());
+    CompletionAnswer answer;
+    try {
+        const std::vector<Command> commands = AllCommands();
+        CLI::App app;
+        DeclareProgram(app, commands);
+        answer = AnswerCompletion(DescribeCommands(app), words, [&] { return ReadRows(module); });
+    } catch (const std::exception&) {
+        answer = {};
+    }
+    PrintResult(CompletionText(answer));
     return ExitCode::kDone;
 }
 
@@ -61,6 +94,13 @@ Command CompletionCommand() {
             ->type_name("FILE");
     };
     command.run = [options] { return Completion(*options); };
+    return command;
+}
+
+Command CompletionRequest(std::vector<std::string> arguments) {
+    Command command;
+    command.name = kCompletionRequest;
+    command.run = [arguments = std::move(arguments)] { return Answer(arguments); };
     return command;
 }
 

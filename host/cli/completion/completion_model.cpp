@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// The command line as completion scripts describe it.
+// The command line and the parameters, as completion needs them.
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -54,20 +54,20 @@ std::string ShownType(const std::string& type) {
 
 CompletionValue ValueOf(const CLI::Option& option) {
     CompletionValue value;
-    if (option.get_type_size_max() == 0) return value;
+    if (option.get_items_expected_max() == 0) return value;
     const std::string type = option.get_type_name();
-    value.shown = ShownType(type);
+    const std::string shown = ShownType(type);
     value.choices = ChoicesOf(type);
     // Their values depend on the file that is written, so no check names them.
     if (option.check_lname("codec")) value.choices = Split(ClipCodecNames(), ' ');
     if (option.check_lname("compression")) value.choices = CompressionNames();
     for (std::string& word : value.choices) std::erase(word, ',');
-    const auto begins = [&](const char* text) { return value.shown.rfind(text, 0) == 0; };
+    const auto begins = [&](const char* text) { return shown.rfind(text, 0) == 0; };
     if (!value.choices.empty()) {
         value.kind = Kind::kChoices;
-    } else if (value.shown == "PATH=VALUE") {
+    } else if (shown == "PATH=VALUE") {
         value.kind = Kind::kSetting;
-    } else if (value.shown == "ROW") {
+    } else if (shown == "ROW") {
         value.kind = Kind::kRow;
     } else if (option.get_positional() || begins("FILE") || begins("IMAGE") || begins("FOLDER") ||
                option.check_lname("output")) {
@@ -122,15 +122,6 @@ CompletionNode DescribeCommands(const CLI::App& app) {
         command.arguments.clear();
     }
     return program;
-}
-
-void NameRows(CompletionNode& program, const std::vector<std::string>& names) {
-    for (CompletionOption& option : program.options) {
-        if (option.value.kind != Kind::kRow) continue;
-        option.value.kind = Kind::kChoices;
-        option.value.choices = names;
-    }
-    for (CompletionNode& command : program.commands) NameRows(command, names);
 }
 
 std::vector<CompletionRow> DescribeRows(const ParamSet& params) {
