@@ -19,6 +19,7 @@
 #include "hostapi/errors.h"
 #include "hostapi/geometry.h"
 #include "hostapi/limits.h"
+#include "hostapi/param_flags.h"
 #include "hostapi/params.h"
 #include "hostapi/pixels.h"
 #include "hostapi/registration.h"

@@ -13,10 +13,7 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <cstdio>
-#include <cstdlib>
 #include <list>
-#include <map>
 #include <mutex>
 #include <new>
 #include <string_view>
@@ -24,6 +21,7 @@
 
 #include "host/compositing/copy_world.h"
 #include "host/compositing/memory_shortage.h"
+#include "host/isolation/child_conversation.h"
 #include "host/isolation/module_messages.h"
 #include "host/panel/panel_picture.h"
 #include "host/process/channel.h"
@@ -55,37 +53,29 @@ void NoteStage() {
     if (const auto activity = watched.session->Now()) watched.status->stage = static_cast<int>(activity->stage);
 }
 
-/// A module that calls exit ends here, before anything is torn down that its threads may still use.
+/// A module that calls exit ends here.
 void EndAtOnce(int status, void*) {
-    std::fflush(nullptr);
-    _exit(status);
-}
-
-[[noreturn]] void End(int status) {
-    EndAtOnce(status, nullptr);
-    std::abort();
+    EndChild(status);
 }
 
 class ModuleServer {
  public:
-    explicit ModuleServer(int socket) : channel_(socket) {}
+    explicit ModuleServer(int socket) : program_(socket) {}
 
     /// Answers requests until the session ends or the other end is gone.
     void Run() {
         for (;;) {
-            Message message;
-            if (channel_.Receive(message, {}) != Received::kMessage) End(0);
-            TakeBlocks(message);
+            const json request = program_.Receive();
             json answer;
             try {
-                answer = Serve(message.content);
+                answer = Serve(request);
             } catch (const std::bad_alloc&) {
                 answer = Refused(NotEnoughMemory("the module's process"));
             } catch (const std::exception& problem) {
                 answer = Refused({ExitCode::kInternal, std::string("the module's process failed: ") + problem.what()});
             }
-            if (!channel_.Send(answer)) End(0);
-            if (ended_) End(0);
+            program_.Send(answer);
+            if (ended_) EndChild(0);
         }
     }
 
@@ -114,7 +104,7 @@ class ModuleServer {
     }
 
     json Open(const json& request) {
-        statusBlock_ = Block(request.at("status"));
+        statusBlock_ = program_.Block(request.at("status"));
         if (!statusBlock_ || statusBlock_->Size() < sizeof(ModuleStatus)) {
             return Refused({ExitCode::kInternal, "the module's process has no status page"});
         }
@@ -135,7 +125,9 @@ class ModuleServer {
             status_->phase = ModuleStatus::kInCommand;
         };
         options.afterCommand = [this](const CommandArguments&, PF_Err) { status_->phase = ModuleStatus::kBetween; };
-        options.makeOutput = [this](int width, int height, Depth depth) { return MakeOutput(width, height, depth); };
+        options.makeOutput = [this](int width, int height, Depth depth) {
+            return program_.MakeOutput(width, height, depth);
+        };
         auto session = EffectSession::Start(*module_, std::move(options));
         if (!session) return Refused(session.Error());
         session_.emplace(std::move(*session));
@@ -200,15 +192,16 @@ class ModuleServer {
     void Fill(Asked& asked, const json& message) {
         session_->SetRenderer(message.at("renderer").get<UMBRANT_Renderer>());
         asked.request = RequestOf(message.at("request"));
-        asked.request.layer = WorldFrom(message.at("layer"), asked.worlds);
-        if (message.contains("texture")) asked.request.texture = WorldFrom(message.at("texture"), asked.worlds);
+        asked.request.layer = program_.WorldFrom(message.at("layer"), asked.worlds);
+        if (message.contains("texture"))
+            asked.request.texture = program_.WorldFrom(message.at("texture"), asked.worlds);
         asked.params = session_->Params();
         SetValues(message.at("frameValues"), *asked.params);
         asked.request.params = &*asked.params;
         if (message.at("asksValues")) {
             asked.request.valuesAt = [this, &asked](const Moment& moment) {
                 ParamSet values = *asked.params;
-                SetValues(Ask({{"ask", "values"}, {"moment", BytesOf(moment)}}).at("values"), values);
+                SetValues(program_.Ask({{"ask", "values"}, {"moment", BytesOf(moment)}}).at("values"), values);
                 return values;
             };
         }
@@ -218,13 +211,13 @@ class ModuleServer {
     }
 
     Result<MomentLayers> LayersAt(const Moment& moment, std::list<World>& worlds) {
-        const json answer = Ask({{"ask", "layers"}, {"moment", BytesOf(moment)}});
+        const json answer = program_.Ask({{"ask", "layers"}, {"moment", BytesOf(moment)}});
         if (answer.contains("failure")) return ReadFailure(answer.at("failure"));
         MomentLayers layers;
-        layers.layer = WorldFrom(answer.at("layer"), worlds);
+        layers.layer = program_.WorldFrom(answer.at("layer"), worlds);
         layers.layerWidth = answer.at("width");
         layers.layerHeight = answer.at("height");
-        if (answer.contains("texture")) layers.texture = WorldFrom(answer.at("texture"), worlds);
+        if (answer.contains("texture")) layers.texture = program_.WorldFrom(answer.at("texture"), worlds);
         return layers;
     }
 
@@ -243,30 +236,16 @@ class ModuleServer {
     json Render(const json& message) {
         Asked asked;
         Fill(asked, message);
-        outputBlock_ = 0;
+        program_.ForgetOutput();
         auto frame = session_->Render(asked.request);
         if (!frame) return WithRecords(Refused(frame.Error()));
-        return WithRecords({{"output", BytesOf(FactsOf(frame->output, outputBlock_))},
+        return WithRecords({{"output", BytesOf(FactsOf(frame->output, program_.OutputBlock()))},
                             {"resultRect", BytesOf(frame->rect)},
                             {"maxRect", BytesOf(frame->maxRect)},
                             {"message", frame->message},
                             {"messageIsError", frame->messageIsError},
                             {"frameCommands", CommandsJson(frame->commands)},
                             {"suites", frame->suites}});
-    }
-
-    /// The world that a frame is drawn into: memory that the program has.
-    World MakeOutput(int width, int height, Depth depth) {
-        const auto size = World::BytesOf(width, height, depth);
-        if (!size) return {};
-        if (*size == 0) return World::Create(width, height, depth, false);
-        const json answer = Ask({{"ask", "memory"}, {"size", *size}});
-        outputBlock_ = answer.at("block");
-        const auto block = Block(answer.at("block"));
-        if (!block) return {};
-        World world = World::CreateOver(GuardedBytes::Over(block->Data(), block->Size(), block), width, height, depth);
-        if (!world.IsNull()) world.FillUnwritten();
-        return world;
     }
 
     json DrawPanel(const json& message) {
@@ -278,69 +257,21 @@ class ModuleServer {
         const auto picture = host::DrawPanel(*session_, options);
         if (!picture) return WithRecords(Refused(picture.Error()));
         const World& pixels = picture->pixels;
-        World shared = MakeOutput(pixels.Width(), pixels.Height(), pixels.PixelDepth());
+        World shared = program_.MakeOutput(pixels.Width(), pixels.Height(), pixels.PixelDepth());
         if (shared.IsNull()) {
             return Refused(NotEnoughMemory("an image of the panel", pixels.Width(), pixels.Height(), Depth::k8));
         }
         CopyWorld(&pixels.Def(), &shared.Def(), nullptr, nullptr);
-        return WithRecords({{"output", BytesOf(FactsOf(shared, outputBlock_))}});
+        return WithRecords({{"output", BytesOf(FactsOf(shared, program_.OutputBlock()))}});
     }
 
-    // Memory and questions.
-
-    /// Asks the program something in the middle of a request. From any thread: an effect may ask from its own.
-    json Ask(const json& question) {
-        const std::lock_guard lock(askMutex_);
-        Message message;
-        if (!channel_.Send(question) || channel_.Receive(message, {}) != Received::kMessage) End(0);
-        TakeBlocks(message);
-        return std::move(message.content);
-    }
-
-    void TakeBlocks(const Message& message) {
-        std::size_t next = 0;
-        const std::lock_guard lock(blocksMutex_);
-        if (message.content.contains("forget")) {
-            for (const json& id : message.content.at("forget")) blocks_.erase(id.get<std::uint64_t>());
-        }
-        if (!message.content.contains("blocks")) return;
-        for (const json& id : message.content.at("blocks")) {
-            if (next == message.descriptors.size()) break;
-            blocks_[id.get<std::uint64_t>()] = SharedMemory::Open(message.descriptors[next++]);
-        }
-    }
-
-    std::shared_ptr<SharedMemory> Block(std::uint64_t id) {
-        const std::lock_guard lock(blocksMutex_);
-        const auto found = blocks_.find(id);
-        return found == blocks_.end() ? nullptr : found->second;
-    }
-
-    const World* WorldFrom(const json& message, std::list<World>& worlds) {
-        const auto facts = RecordOf<WorldFacts>(message);
-        const auto depth = static_cast<Depth>(facts.depth);
-        World world;
-        if (facts.block == 0) {
-            world = World::Create(facts.width, facts.height, depth);
-        } else if (const auto block = Block(facts.block)) {
-            world = World::CreateOver(GuardedBytes::Over(block->Data(), block->Size(), block), facts.width,
-                                      facts.height, depth);
-        }
-        if (world.IsNull()) throw std::bad_alloc();
-        return &worlds.emplace_back(std::move(world));
-    }
-
-    Channel channel_;
+    ChildConversation program_;
     std::shared_ptr<SharedMemory> statusBlock_;
     ModuleStatus* status_ = nullptr;
     std::unique_ptr<Module> module_;
     std::optional<EffectSession> session_;
     std::size_t sentencesSent_ = 0;
     bool ended_ = false;
-    std::mutex askMutex_;
-    std::mutex blocksMutex_;
-    std::map<std::uint64_t, std::shared_ptr<SharedMemory>> blocks_;
-    std::uint64_t outputBlock_ = 0;
 };
 
 }  // namespace

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// A session's life: set-up, the panel, set-down. Frames are in frame.cpp.
+// A session's calls: its life, the panel, what it knows. Its steps are in session_steps.cpp, frames in frame.cpp.
 
 #include "host/session/effect_session.h"
 
@@ -12,92 +12,12 @@
 
 #include "host/session/remote_session.h"
 #include "host/session/session_state.h"
+#include "host/session/session_steps.h"
 #include "host/suites/aegp/tokens.h"
 
 namespace umbrant::host {
 
 namespace {
-
-/// Global set-up: flags, version, global data.
-std::optional<Failure> GlobalSetup(SessionState& state) {
-    const Answer answer = SendCommand(state, PF_Cmd_GLOBAL_SETUP, nullptr, nullptr, nullptr);
-    if (answer.Failed()) return FailureOf(state, answer);
-    state.globalUp = true;
-    state.globalData = answer.out.global_data;
-    state.outFlags = answer.out.out_flags;
-    state.outFlags2 = answer.out.out_flags2;
-    state.effectVersion = answer.out.my_version;
-    if (!(state.outFlags2 & PF_OutFlag2_SUPPORTS_SMART_RENDER)) {
-        return Failure{
-            ExitCode::kEffectFailed,
-            fmt::format("{} does not support smart rendering, the only kind of rendering that this host supports",
-                        state.module.Effect().name)};
-    }
-    return std::nullopt;
-}
-
-/// The panel before anybody has touched it.
-std::vector<PanelRow> DeclaredPanel(const ParamSet& params) {
-    std::vector<PanelRow> rows;
-    for (const ParamRow& row : params.Rows()) rows.push_back(DeclaredPanelRow(row.def));
-    return rows;
-}
-
-/// Parameter set-up: the whole declaration, which must add up.
-std::optional<Failure> ParamsSetup(SessionState& state) {
-    state.declaring = true;
-    const Answer answer = SendCommand(state, PF_Cmd_PARAMS_SETUP, nullptr, nullptr, nullptr);
-    state.declaring = false;
-    if (answer.Failed()) return FailureOf(state, answer);
-    const std::string& name = state.module.Effect().name;
-    if (answer.out.num_params != state.params.Count()) {
-        return Failure{ExitCode::kEffectFailed,
-                       fmt::format("{} reports {} parameters, but declared {} (the layer counts as one)", name,
-                                   answer.out.num_params, state.params.Count())};
-    }
-    const std::string problem = state.params.Finish();
-    if (!problem.empty()) return Failure{ExitCode::kEffectFailed, fmt::format("{}: {}", name, problem)};
-
-    state.declaredRows = state.params.Count();
-    state.services.panel.Reset(DeclaredPanel(state.params));
-    return std::nullopt;
-}
-
-std::optional<Failure> SequenceSetup(SessionState& state) {
-    const Answer answer = SendCommand(state, PF_Cmd_SEQUENCE_SETUP, nullptr, nullptr, nullptr);
-    if (answer.Failed()) return FailureOf(state, answer);
-    state.sequenceUp = true;
-    state.sequenceData = answer.out.sequence_data;
-    return std::nullopt;
-}
-
-/// Lets an effect that wants to be asked say which of its flags hold for this instance.
-std::optional<Failure> QueryFlags(SessionState& state) {
-    if (!(state.outFlags2 & PF_OutFlag2_SUPPORTS_QUERY_DYNAMIC_FLAGS)) return std::nullopt;
-    const Answer answer = SendCommand(state, PF_Cmd_QUERY_DYNAMIC_FLAGS, nullptr, nullptr, nullptr);
-    if (answer.Failed()) return FailureOf(state, answer);
-    state.outFlags = answer.out.out_flags;
-    state.outFlags2 = answer.out.out_flags2;
-    return std::nullopt;
-}
-
-/// Whatever was set up is set down again; returns the first failure.
-std::optional<Failure> SetDown(SessionState& state) {
-    std::optional<Failure> failure;
-    if (std::exchange(state.sequenceUp, false)) {
-        const Answer answer = SendCommand(state, PF_Cmd_SEQUENCE_SETDOWN, nullptr, nullptr, nullptr);
-        state.sequenceData = nullptr;
-        if (answer.Failed()) failure = FailureOf(state, answer);
-    }
-    if (std::exchange(state.globalUp, false)) {
-        const Answer answer = SendCommand(state, PF_Cmd_GLOBAL_SETDOWN, nullptr, nullptr, nullptr);
-        state.globalData = nullptr;
-        if (answer.Failed() && !failure) failure = FailureOf(state, answer);
-        const Balance open = state.services.tally.Snapshot();
-        if (!open.IsBalanced()) state.services.Report("still open after global set-down: " + open.Text());
-    }
-    return failure;
-}
 
 /// The current values as panel commands get them: definitions whose change flags are clear, and a list of pointers.
 struct PanelParams {
@@ -162,12 +82,7 @@ EffectSession EffectSession::Create(const Module& module, SessionOptions options
 
 Result<Done> EffectSession::SetUp() {
     state_->params = ParamSet();
-    for (const auto step : {GlobalSetup, ParamsSetup, SequenceSetup, QueryFlags}) {
-        if (std::optional<Failure> failure = step(*state_)) {
-            SetDown(*state_);
-            return *failure;
-        }
-    }
+    if (std::optional<Failure> failure = SetUpAll(*state_)) return *failure;
     return Done{};
 }
 
@@ -195,12 +110,7 @@ Result<EffectSession> EffectSession::StartInstance(const EffectSession& first, s
     state->declaredRows = from.declaredRows;
     state->services.panel.Reset(DeclaredPanel(state->params));
     state->services.renderer = from.services.renderer.load();
-    for (const auto step : {SequenceSetup, QueryFlags}) {
-        if (std::optional<Failure> failure = step(*state)) {
-            SetDown(*state);
-            return *failure;
-        }
-    }
+    if (std::optional<Failure> failure = SetUpInstance(*state)) return *failure;
     return EffectSession(std::move(state));
 }
 

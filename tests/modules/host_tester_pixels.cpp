@@ -72,7 +72,7 @@ void TestIterate(PF_InData* in, const char* name, int32_t version, PF_PixelForma
                "iterate" + of + " visits every pixel of the area once");
     }
     {
-        const PF_Point origin{4, -2};
+        const PF_Point origin{{4}, {-2}};
         Visits<Pixel> visits{&source.world, &target.world, origin};
         Expect(!iterate->iterate_origin(in, 0, 1, &source.world, nullptr, &origin, &visits, Visits<Pixel>::Visit,
                                         &target.world) &&

@@ -35,7 +35,7 @@ class ExrBlockReader {
     const exr_const_context_t file_;
     const exr_compression_t compression_;
     libdeflate_decompressor* const inflate_;
-    exr_decode_pipeline_t pipeline_ = EXR_DECODE_PIPELINE_INITIALIZER;
+    exr_decode_pipeline_t pipeline_{};
     bool hasPipeline_ = false;
     std::vector<std::byte> packed_, sorted_, bytes_;
 };

@@ -3,72 +3,35 @@
 
 #include "host/image/exr/exr_reader.h"
 
-#include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
-#include <cerrno>
 #include <cstdint>
 #include <cstring>
-#include <iterator>
 #include <string_view>
-#include <tuple>
 #include <utility>
 
 #include "host/compositing/row_pool.h"
 #include "host/image/exr/exr_attributes.h"
 #include "host/image/exr/exr_blocks.h"
+#include "host/image/exr/exr_channels.h"
 #include "host/image/exr/exr_file.h"
+#include "host/process/files/read_at.h"
 
 namespace umbrant::host {
 
 namespace {
 
-std::int64_t ReadAt(exr_const_context_t, void* user, void* buffer, std::uint64_t size, std::uint64_t offset,
-                    exr_stream_error_func_ptr_t) {
-    const int descriptor = *static_cast<const int*>(user);
-    auto* to = static_cast<char*>(buffer);
-    std::uint64_t done = 0;
-    while (done < size) {
-        const ssize_t count = pread(descriptor, to + done, size - done, static_cast<off_t>(offset + done));
-        if (count < 0 && errno == EINTR) continue;
-        if (count < 0) return -1;
-        if (count == 0) break;
-        done += static_cast<std::uint64_t>(count);
-    }
-    return static_cast<std::int64_t>(done);
+std::int64_t ReadBytes(exr_const_context_t, void* user, void* buffer, std::uint64_t size, std::uint64_t offset,
+                       exr_stream_error_func_ptr_t) {
+    return ReadAt(*static_cast<const int*>(user), static_cast<off_t>(offset), buffer, size);
 }
 
 std::int64_t SizeOf(exr_const_context_t, void* user) {
     struct stat status {};
     return fstat(*static_cast<const int*>(user), &status) == 0 ? status.st_size : -1;
-}
-
-/// A channel of the file.
-struct Channel {
-    std::string name, layer, suffix;
-    int rank = 0;  ///< among those of its layer
-    exr_pixel_type_t type = EXR_PIXEL_HALF;
-    int number = 0;  ///< in the file's order
-
-    std::size_t Size() const { return type == EXR_PIXEL_HALF ? 2 : 4; }
-};
-
-/// The position of a channel among those of its layer; equal positions are in alphabetical order. X, Y and Z
-/// are a vector where X and another of them are there; else Z is a depth, and Y a luminance.
-int RankOf(const std::string& suffix, bool isVector) {
-    constexpr const char* kVector[] = {"R", "Red",   "G",  "Green", "B",  "Blue", "X",  "Y",  "Z",     "real", "imag",
-                                       "A", "Alpha", "AR", "RA",    "AG", "GA",   "AB", "BA", "Depth", "Zback"};
-    constexpr const char* kPlain[] = {"R",     "Red", "G",  "Green", "B",  "Blue", "Y",  "real", "imag",  "A",
-                                      "Alpha", "AR",  "RA", "AG",    "GA", "AB",   "BA", "Z",    "Depth", "Zback"};
-    const auto rank = [&](const auto& order) {
-        return std::distance(std::begin(order), std::find_if(std::begin(order), std::end(order), [&](const char* one) {
-                                 return strcasecmp(suffix.c_str(), one) == 0;
-                             }));
-    };
-    return static_cast<int>(isVector ? rank(kVector) : rank(kPlain));
 }
 
 /// The compressions that are read here: those whose blocks can be taken one by one, and that are nearly always met.
@@ -121,7 +84,7 @@ class ExrReader : public ImageReader {
         if (descriptor_ < 0) return false;
         exr_context_initializer_t context = QuietExr();
         context.user_data = const_cast<int*>(&descriptor_);
-        context.read_fn = ReadAt;
+        context.read_fn = ReadBytes;
         context.size_fn = SizeOf;
         exr_context_t file = nullptr;
         if (exr_start_read(&file, "image", &context) != EXR_ERR_SUCCESS) return false;
@@ -187,47 +150,13 @@ class ExrReader : public ImageReader {
     }
 
     bool TakeChannels() {
-        const exr_attr_chlist_t* list = nullptr;
-        if (exr_get_channels(file_.get(), 0, &list) != EXR_ERR_SUCCESS || list->num_channels < 1) return false;
-        for (int i = 0; i < list->num_channels; ++i) {
-            const exr_attr_chlist_entry_t& entry = list->entries[i];
-            if (entry.pixel_type == EXR_PIXEL_UINT || entry.x_sampling != 1 || entry.y_sampling != 1) return false;
-            Channel channel;
-            channel.name = std::string(entry.name.str, static_cast<std::size_t>(entry.name.length));
-            const std::size_t dot = channel.name.rfind('.');
-            channel.layer = dot == std::string::npos ? "" : channel.name.substr(0, dot + 1);
-            channel.suffix = dot == std::string::npos ? channel.name : channel.name.substr(dot + 1);
-            channel.type = entry.pixel_type;
-            channel.number = i;
-            rowBytesPerPixel_ += channel.Size();
-            channels_.push_back(std::move(channel));
-        }
-        for (Channel& channel : channels_) {
-            const auto has = [&](const char* suffix) {
-                return std::any_of(channels_.begin(), channels_.end(), [&](const Channel& other) {
-                    return other.layer == channel.layer && strcasecmp(other.suffix.c_str(), suffix) == 0;
-                });
-            };
-            channel.rank = RankOf(channel.suffix, has("X") && (has("Y") || has("Z")));
-        }
-        std::vector<Channel> ordered = channels_;
-        std::sort(ordered.begin(), ordered.end(), [](const Channel& a, const Channel& b) {
-            return std::tie(a.layer, a.rank, a.name) < std::tie(b.layer, b.rank, b.name);
-        });
-        const auto isSame = [](const Channel& a, const Channel& b) { return a.name == b.name; };
-        if (std::adjacent_find(ordered.begin(), ordered.end(), isSame) != ordered.end()) return false;
-        places_.resize(ordered.size());
-        layout_.isHalf = true;
-        for (std::size_t i = 0; i < ordered.size(); ++i) {
-            const Channel& channel = ordered[i];
-            places_[static_cast<std::size_t>(channel.number)] = static_cast<int>(i);
-            layout_.channels.push_back(channel.name);
-            if (channel.type != EXR_PIXEL_HALF) layout_.isHalf = false;
-            const bool isAlpha =
-                strcasecmp(channel.suffix.c_str(), "A") == 0 || strcasecmp(channel.suffix.c_str(), "Alpha") == 0;
-            if (isAlpha && layout_.alphaChannel < 0) layout_.alphaChannel = static_cast<int>(i);
-        }
-        layout_.channelBytes = layout_.isHalf ? 2 : 4;
+        auto channels = ExrChannelsOf(file_.get());
+        if (!channels) return false;
+        channels_ = std::move(*channels);
+        for (const ExrChannel& channel : channels_) rowBytesPerPixel_ += channel.Size();
+        auto places = NameExrChannels(channels_, layout_);
+        if (!places) return false;
+        places_ = std::move(*places);
         return true;
     }
 
@@ -295,8 +224,8 @@ class ExrReader : public ImageReader {
     const int descriptor_;
     ExrFile file_;
     ImageLayout layout_;
-    std::vector<Channel> channels_;  ///< in the file's order
-    std::vector<int> places_;        ///< of each of them in the layout
+    std::vector<ExrChannel> channels_;  ///< in the file's order
+    std::vector<int> places_;           ///< of each of them in the layout
     std::size_t rowBytesPerPixel_ = 0;
     exr_compression_t compression_ = EXR_COMPRESSION_NONE;
     bool isTiled_ = false;
@@ -309,8 +238,7 @@ class ExrReader : public ImageReader {
 bool ReadsExr(int descriptor) {
     constexpr std::string_view kMagic = "\x76\x2f\x31\x01";
     char begin[4];
-    if (ReadAt(nullptr, &descriptor, begin, sizeof begin, 0, nullptr) != sizeof begin ||
-        std::string_view(begin, sizeof begin) != kMagic) {
+    if (ReadAt(descriptor, 0, begin, sizeof begin) != sizeof begin || std::string_view(begin, sizeof begin) != kMagic) {
         return false;
     }
     return ExrReader(descriptor).Open();

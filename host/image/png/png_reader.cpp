@@ -18,26 +18,13 @@
 #include <utility>
 
 #include "host/image/png/latin_text.h"
+#include "host/process/files/read_at.h"
 
 namespace umbrant::host {
 
 namespace {
 
 constexpr std::size_t kSignature = 8;
-
-/// Reads up to `size` bytes from a place of a file. Returns how many there are; negative for an error.
-ssize_t ReadAt(int descriptor, off_t at, void* bytes, std::size_t size) {
-    auto* to = static_cast<char*>(bytes);
-    std::size_t done = 0;
-    while (done < size) {
-        const ssize_t count = pread(descriptor, to + done, size - done, at + static_cast<off_t>(done));
-        if (count < 0 && errno == EINTR) continue;
-        if (count < 0) return -1;
-        if (count == 0) break;
-        done += static_cast<std::size_t>(count);
-    }
-    return static_cast<ssize_t>(done);
-}
 
 std::uint32_t Number(const unsigned char* bytes) {
     return std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 | std::uint32_t{bytes[2]} << 8 | bytes[3];

@@ -18,19 +18,12 @@
 
 #include "host/compositing/row_pool.h"
 #include "host/image/png/deflate_blocks.h"
-#include "host/image/png/latin_text.h"
 #include "host/image/png/png_filter.h"
+#include "host/image/png/png_texts.h"
 
 namespace umbrant::host {
 
 namespace {
-
-/// A text as PNG has it: in ISO 8859-1, or where that has no such characters in UTF-8.
-struct PngText {
-    std::string key;
-    std::string text;
-    bool isUnicode;
-};
 
 /// The state that libpng's callbacks use, and its error message.
 struct PngFile {
@@ -60,38 +53,6 @@ void Put(png_structp png, png_bytep bytes, size_t size) {
 }
 
 void Flush(png_structp) {}
-
-/// Whether a name may be the key of a text.
-bool IsKey(const std::string& key) {
-    constexpr std::size_t kLongest = 79;
-    return !key.empty() && key.size() <= kLongest && key.front() != ' ' && key.back() != ' ' &&
-           std::all_of(key.begin(), key.end(), [](unsigned char c) { return c >= 32 && c < 127; });
-}
-
-std::vector<PngText> TextsOf(const ImageLayout& layout) {
-    constexpr std::pair<std::string_view, const char*> kNames[] = {
-        {"ImageDescription", "Description"}, {"Artist", "Author"}, {"DocumentName", "Title"}};
-    // They have separate chunks.
-    constexpr std::string_view kElsewhere[] = {"DateTime", "ResolutionUnit", "oiio:ColorSpace"};
-    const auto is = [](const std::string& name, std::string_view other) {
-        return strcasecmp(name.c_str(), other.data()) == 0;
-    };
-    std::vector<PngText> texts;
-    for (const Attribute& attribute : layout.attributes) {
-        if (attribute.texts.size() != 1 || attribute.type.base != AttributeType::kString) continue;
-        std::string key = attribute.name;
-        if (std::any_of(std::begin(kElsewhere), std::end(kElsewhere), [&](auto name) { return is(key, name); }))
-            continue;
-        for (const auto& [ours, name] : kNames) {
-            if (is(key, ours)) key = name;
-        }
-        if (!IsKey(key)) continue;
-        const std::string& text = attribute.texts.front();
-        const auto latin = LatinOfUtf8(text);
-        texts.push_back({key, latin.value_or(text), !latin && IsUtf8(text)});
-    }
-    return texts;
-}
 
 void SetColorSpace(PngFile& file) {
     if (const Attribute* profile = file.layout.Find("ICCProfile"); profile && !profile->bytes.empty()) {
@@ -288,7 +249,7 @@ std::optional<std::string> WritePixels(PngFile& file, const ImageToWrite& image)
 }  // namespace
 
 std::optional<std::string> EncodePng(const ImageToWrite& image, EncodedFile& encoded) {
-    PngFile file{encoded, image.layout, image.depth == FileDepth::k16 ? 16 : 8, TextsOf(image.layout), {}, {}};
+    PngFile file{encoded, image.layout, image.depth == FileDepth::k16 ? 16 : 8, PngTextsOf(image.layout), {}, {}};
     file.records.reserve(file.texts.size());
     file.png = png_create_write_struct(PNG_LIBPNG_VER_STRING, &file, Fail, Ignore);
     if (!file.png || !(file.info = png_create_info_struct(file.png))) return "not enough memory";

@@ -94,6 +94,14 @@ void NoteUnused(const FaultPlan& fault, CheckOutcome& outcome) {
     outcome.result.skipReason = fmt::format("the fault '{}' was not reached", fault.Text());
 }
 
+/// What is wrong with a fault that no chosen check could reach.
+Failure HasNoUse(const FaultPlan& fault) {
+    return {ExitCode::kUsage,
+            fmt::format("--fault '{}': no check is chosen that refuses host calls (7.1, 7.2, 7.3 and 9.6); "
+                        "--strictness 7 chooses three of them",
+                        fault.Text())};
+}
+
 /// What is wrong with a fault that no check reached.
 Failure Unreached(const FaultPlan& fault, const std::vector<CheckOutcome>& outcomes) {
     std::map<std::string, int> calls;
@@ -110,6 +118,45 @@ Failure Unreached(const FaultPlan& fault, const std::vector<CheckOutcome>& outco
             fmt::format("there was no such call; the closest is '{}', with K from 1 to {}", closest, calls[closest]);
     }
     return {ExitCode::kUsage, fmt::format("--fault '{}': {}", fault.Text(), reason)};
+}
+
+/// What the runs of a check come to, with the waivers and the fault that were asked for.
+void Conclude(CheckOutcome& outcome, const RunnerOptions& options, std::vector<Waiver>& waivers) {
+    ApplyWaivers(*outcome.check, outcome.result, waivers);
+    if (options.check.fault) NoteUnused(*options.check.fault, outcome);
+    // One fault alone, or a check that was skipped, says nothing about what the others would have found.
+    if (options.check.fault || outcome.result.verdict == Verdict::kSkip) return;
+    for (const Finding& finding : UnusedWaivers(*outcome.check, waivers)) {
+        outcome.result.findings.push_back(finding);
+        outcome.result.verdict = Verdict::kFail;
+    }
+}
+
+/// Every check as often as was asked for, each time with the next seed.
+std::vector<Job> JobsOf(std::size_t checks, const RunnerOptions& options) {
+    std::vector<Job> jobs;
+    for (std::size_t place = 0; place < checks; ++place) {
+        for (int i = 0; i < options.repeat; ++i) {
+            Job job{place, options.check};
+            job.options.seed += static_cast<std::uint64_t>(i);
+            jobs.push_back(job);
+        }
+    }
+    return jobs;
+}
+
+void RunJobs(const std::vector<Job>& jobs, const RunnerOptions& options, std::vector<CheckOutcome>& outcomes,
+             InOrder& order) {
+    if (!options.check.inProcess) {
+        Scheduler(outcomes, [&](std::size_t place) { order.Ended(place); }).Run(jobs);
+        return;
+    }
+    for (const Job& job : jobs) {
+        const auto begin = std::chrono::steady_clock::now();
+        const CheckResult result = RunToEnd(outcomes[job.place].check->run, job.options);
+        Take(outcomes[job.place], result, job.options.seed, MillisecondsSince(begin));
+        order.Ended(job.place);
+    }
 }
 
 Result<std::regex> Expression(const std::string& text, const char* option) {
@@ -173,10 +220,7 @@ Result<std::vector<CheckOutcome>> RunChecks(const RunnerOptions& asked, void (*p
         waivers = std::move(*read);
     }
     if (options.check.fault && std::none_of(chosen->begin(), chosen->end(), TakesFaults)) {
-        return Failure{ExitCode::kUsage,
-                       fmt::format("--fault '{}': no check is chosen that refuses host calls (7.1, 7.2, 7.3 and 9.6); "
-                                   "--strictness 7 chooses three of them",
-                                   options.check.fault->Text())};
+        return HasNoUse(*options.check.fault);
     }
     if (!options.check.trace.empty() && !BeginTrace(options.check.trace)) {
         return Failure{ExitCode::kFile, fmt::format("cannot write the trace '{}'", options.check.trace.string())};
@@ -207,38 +251,12 @@ Result<std::vector<CheckOutcome>> RunChecks(const RunnerOptions& asked, void (*p
         outcomes.push_back(outcome);
     }
     InOrder order(outcomes.size(), options.repeat, [&](std::size_t place) {
-        CheckOutcome& outcome = outcomes[place];
-        ApplyWaivers(*outcome.check, outcome.result, waivers);
-        if (options.check.fault) NoteUnused(*options.check.fault, outcome);
-        // One fault alone, or a check that was skipped, says nothing about what the others would have found.
-        if (!options.check.fault && outcome.result.verdict != Verdict::kSkip) {
-            for (const Finding& finding : UnusedWaivers(*outcome.check, waivers)) {
-                outcome.result.findings.push_back(finding);
-                outcome.result.verdict = Verdict::kFail;
-            }
-        }
-        if (options.report == "text") print(TextOf(options, outcome));
+        Conclude(outcomes[place], options, waivers);
+        if (options.report == "text") print(TextOf(options, outcomes[place]));
     });
-    std::vector<Job> jobs;
     const bool canProbe = !options.check.inProcess && options.check.isProcessorBetter;
     if (canProbe) options.check.softwareGl = ProbeSoftware(options.check);
-    for (std::size_t place = 0; place < outcomes.size(); ++place) {
-        for (int i = 0; i < options.repeat; ++i) {
-            Job job{place, options.check};
-            job.options.seed += static_cast<std::uint64_t>(i);
-            jobs.push_back(job);
-        }
-    }
-    if (options.check.inProcess) {
-        for (const Job& job : jobs) {
-            const auto begin = std::chrono::steady_clock::now();
-            const CheckResult result = RunToEnd(outcomes[job.place].check->run, job.options);
-            Take(outcomes[job.place], result, job.options.seed, MillisecondsSince(begin));
-            order.Ended(job.place);
-        }
-    } else {
-        Scheduler(outcomes, [&](std::size_t place) { order.Ended(place); }).Run(jobs);
-    }
+    RunJobs(JobsOf(outcomes.size(), options), options, outcomes, order);
     report();
     const auto reached = [](const CheckOutcome& outcome) { return outcome.result.figures.contains("faults"); };
     if (options.check.fault && TotalsOf(outcomes).failed == 0 &&

@@ -147,64 +147,66 @@ TEST_F(PresetTest, EveryMistakeIsToldWithItsPlace) {
     EXPECT_EQ(params_.values.ValueText(*params_.values.Find("angle")), "0");
 }
 
+/// Keyframes that are refused, and a part of the sentence.
+constexpr struct {
+    const char* name;
+    const char* keyframes;
+    const char* sentence;
+} kWrongKeyframes[] = {
+    {"no list", R"("size": 5)", "'size' takes a list of keyframes, not a number"},
+    {"an empty list", R"("size": [])", "'size' has an empty list of keyframes"},
+    {"no object", R"("size": [5])",
+     "a keyframe of 'size' is an object with \"frame\" or \"seconds\" and \"value\", not a number"},
+    {"no time", R"("size": [{"value": 5}])",
+     "a keyframe of 'size' has neither \"frame\" nor \"seconds\"; use one of them"},
+    {"two times", R"("size": [{"frame": 1, "seconds": 1, "value": 5}])",
+     "a keyframe of 'size' has \"frame\" and \"seconds\"; use one of them"},
+    {"a time that is a word", R"("size": [{"frame": "1", "value": 5}])",
+     "\"frame\" takes a number from -999999 to 999999, not a string"},
+    {"a time too far off", R"("size": [{"frame": 1e9, "value": 5}])", "not 1e9"},
+    {"mixed times", R"("size": [{"frame": 1, "value": 5}, {"seconds": 1, "value": 5}])",
+     "the keyframes of 'size' are in frames and in seconds; use one of them"},
+    {"the same time twice", R"("size": [{"frame": 1, "value": 5}, {"frame": 1, "value": 6}])",
+     "'size' has two keyframes at frame 1"},
+    {"out of order in seconds", R"("size": [{"seconds": 1.5, "value": 5}, {"seconds": 1, "value": 6}])",
+     "the keyframes of 'size' are out of order: 1 s comes after 1.5 s"},
+    {"no value", R"("size": [{"frame": 1}])", "a keyframe of 'size' has no \"value\""},
+    {"a value of no kind", R"("size": [{"frame": 1, "value": [1]}])",
+     "'size' takes a string or a number, not an array"},
+    {"an unknown key", R"("size": [{"frame": 1, "value": 1, "outt": "hold"}])",
+     "there is no key 'outt' in a keyframe; closest: 'out'"},
+    {"an unknown side", R"("size": [{"frame": 1, "value": 1, "out": "smooth"}])",
+     "\"out\" takes \"linear\", \"ease\", \"hold\" or an object with \"speed\" and \"influence\", not \"smooth\""},
+    {"a hold on the way in", R"("size": [{"frame": 1, "value": 1, "in": "hold"}])",
+     "\"in\" takes \"linear\", \"ease\" or an object with \"speed\" and \"influence\", not \"hold\""},
+    {"no influence at all", R"("size": [{"frame": 1, "value": 1, "in": {"influence": 0}}])",
+     "\"influence\" takes a number from 0.1 to 100, not 0"},
+    {"too much influence", R"("size": [{"frame": 1, "value": 1, "in": {"influence": 101}}])", "not 101"},
+    {"a speed that is none", R"("size": [{"frame": 1, "value": 1, "in": {"speed": true}}])",
+     "\"speed\" takes a number from -1000000000 to 1000000000, not a boolean"},
+    {"an unknown part of a side", R"("size": [{"frame": 1, "value": 1, "in": {"sped": 1}}])",
+     "there is no key 'sped' in a side of a keyframe; closest: 'speed'"},
+    {"an eased popup", R"("mode": [{"frame": 1, "value": 1, "out": "ease"}])",
+     "'mode' is a popup and can only hold its values"},
+    {"an eased check box", R"("on": [{"frame": 1, "value": 1, "in": "linear"}])",
+     "'on' is a check box and can only hold its values"},
+    {"mixed units", R"("centre": [{"frame": 1, "value": "1,1"}, {"frame": 2, "value": "1%,1%"}])",
+     "the points of 'centre' are in pixels and in percent; use one of them"},
+    {"tangents of a number", R"("size": [{"frame": 1, "value": 1, "tangent-in": "1,1"}])",
+     "'size' is a slider, and only a point's path has tangents"},
+    {"half a tangent", R"("centre": [{"frame": 1, "value": "1,1", "tangent-in": "1"}])",
+     "\"tangent-in\" takes \"x,y\" from the keyframe's place, numbers from -32767 to 32767, not \"1\""},
+    {"a row that is no value", R"("press": [{"frame": 1, "value": 1}])",
+     "'press' is a button and cannot have keyframes"},
+    {"a row that is not there", R"("sizes": [])", "there is no parameter 'sizes'; closest: 'size'"},
+    {"one row under two names", R"("size": [{"frame": 1, "value": 1}], "#1": [{"frame": 1, "value": 1}])",
+     "'size' and '#1' are the same parameter"},
+    {"one row twice", R"("size": [{"frame": 1, "value": 1}], "size": [{"frame": 1, "value": 1}])",
+     "the key 'size' is repeated"},
+};
+
 TEST_F(PresetTest, WhatAKeyframeMayNotBe) {
-    const struct {
-        const char* name;
-        const char* keyframes;
-        const char* sentence;
-    } rows[] = {
-        {"no list", R"("size": 5)", "'size' takes a list of keyframes, not a number"},
-        {"an empty list", R"("size": [])", "'size' has an empty list of keyframes"},
-        {"no object", R"("size": [5])",
-         "a keyframe of 'size' is an object with \"frame\" or \"seconds\" and \"value\", not a number"},
-        {"no time", R"("size": [{"value": 5}])",
-         "a keyframe of 'size' has neither \"frame\" nor \"seconds\"; use one of them"},
-        {"two times", R"("size": [{"frame": 1, "seconds": 1, "value": 5}])",
-         "a keyframe of 'size' has \"frame\" and \"seconds\"; use one of them"},
-        {"a time that is a word", R"("size": [{"frame": "1", "value": 5}])",
-         "\"frame\" takes a number from -999999 to 999999, not a string"},
-        {"a time too far off", R"("size": [{"frame": 1e9, "value": 5}])", "not 1e9"},
-        {"mixed times", R"("size": [{"frame": 1, "value": 5}, {"seconds": 1, "value": 5}])",
-         "the keyframes of 'size' are in frames and in seconds; use one of them"},
-        {"the same time twice", R"("size": [{"frame": 1, "value": 5}, {"frame": 1, "value": 6}])",
-         "'size' has two keyframes at frame 1"},
-        {"out of order in seconds", R"("size": [{"seconds": 1.5, "value": 5}, {"seconds": 1, "value": 6}])",
-         "the keyframes of 'size' are out of order: 1 s comes after 1.5 s"},
-        {"no value", R"("size": [{"frame": 1}])", "a keyframe of 'size' has no \"value\""},
-        {"a value of no kind", R"("size": [{"frame": 1, "value": [1]}])",
-         "'size' takes a string or a number, not an array"},
-        {"an unknown key", R"("size": [{"frame": 1, "value": 1, "outt": "hold"}])",
-         "there is no key 'outt' in a keyframe; closest: 'out'"},
-        {"an unknown side", R"("size": [{"frame": 1, "value": 1, "out": "smooth"}])",
-         "\"out\" takes \"linear\", \"ease\", \"hold\" or an object with \"speed\" and \"influence\", not \"smooth\""},
-        {"a hold on the way in", R"("size": [{"frame": 1, "value": 1, "in": "hold"}])",
-         "\"in\" takes \"linear\", \"ease\" or an object with \"speed\" and \"influence\", not \"hold\""},
-        {"no influence at all", R"("size": [{"frame": 1, "value": 1, "in": {"influence": 0}}])",
-         "\"influence\" takes a number from 0.1 to 100, not 0"},
-        {"too much influence", R"("size": [{"frame": 1, "value": 1, "in": {"influence": 101}}])", "not 101"},
-        {"a speed that is none", R"("size": [{"frame": 1, "value": 1, "in": {"speed": true}}])",
-         "\"speed\" takes a number from -1000000000 to 1000000000, not a boolean"},
-        {"an unknown part of a side", R"("size": [{"frame": 1, "value": 1, "in": {"sped": 1}}])",
-         "there is no key 'sped' in a side of a keyframe; closest: 'speed'"},
-        {"an eased popup", R"("mode": [{"frame": 1, "value": 1, "out": "ease"}])",
-         "'mode' is a popup and can only hold its values"},
-        {"an eased check box", R"("on": [{"frame": 1, "value": 1, "in": "linear"}])",
-         "'on' is a check box and can only hold its values"},
-        {"mixed units", R"("centre": [{"frame": 1, "value": "1,1"}, {"frame": 2, "value": "1%,1%"}])",
-         "the points of 'centre' are in pixels and in percent; use one of them"},
-        {"tangents of a number", R"("size": [{"frame": 1, "value": 1, "tangent-in": "1,1"}])",
-         "'size' is a slider, and only a point's path has tangents"},
-        {"half a tangent", R"("centre": [{"frame": 1, "value": "1,1", "tangent-in": "1"}])",
-         "\"tangent-in\" takes \"x,y\" from the keyframe's place, numbers from -32767 to 32767, not \"1\""},
-        {"a row that is no value", R"("press": [{"frame": 1, "value": 1}])",
-         "'press' is a button and cannot have keyframes"},
-        {"a row that is not there", R"("sizes": [])", "there is no parameter 'sizes'; closest: 'size'"},
-        {"one row under two names", R"("size": [{"frame": 1, "value": 1}], "#1": [{"frame": 1, "value": 1}])",
-         "'size' and '#1' are the same parameter"},
-        {"one row twice", R"("size": [{"frame": 1, "value": 1}], "size": [{"frame": 1, "value": 1}])",
-         "the key 'size' is repeated"},
-    };
-    for (const auto& row : rows) {
+    for (const auto& row : kWrongKeyframes) {
         SCOPED_TRACE(row.name);
         const auto applied = Apply(Moving(row.keyframes));
         ASSERT_FALSE(applied);

@@ -119,7 +119,7 @@ TEST(ModuleProcess, DrawsTheSameBytes) {
             FrameRequest request;
             request.layer = &layer;
             request.texture = shown;
-            request.textureOrigin = {5, 6};
+            request.textureOrigin = {{5}, {6}};
             const auto here = both.here->Render(request);
             const auto there = both.there->Render(request);
             ASSERT_TRUE(here) << here.Error().sentence;

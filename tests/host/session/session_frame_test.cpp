@@ -87,6 +87,34 @@ TEST_F(SessionTest, ARegionIsAskedForAsItIs) {
     EXPECT_THAT(At(frame->output, 0, 0), IsPixel(200, 3, 2, 7)) << "cropped, not moved";
 }
 
+/// The record of a command for the frame that the next test asks for.
+void ExpectRecord(const PF_InData& in) {
+    EXPECT_EQ(in.version.major, 13);
+    EXPECT_EQ(in.version.minor, 28);
+    EXPECT_EQ(in.appl_id, 0x46585443);
+    EXPECT_EQ(in.width, 101);
+    EXPECT_EQ(in.height, 41);
+    EXPECT_THAT(in.extent_hint, IsRect(0, 0, 50, 20));
+    EXPECT_EQ(in.downsample_x.num, 1);
+    EXPECT_EQ(in.downsample_x.den, 2u);
+    EXPECT_EQ(in.downsample_y.num, 1);
+    EXPECT_EQ(in.downsample_y.den, 2u);
+    EXPECT_EQ(in.pixel_aspect_ratio.num, 1);
+    EXPECT_EQ(in.pixel_aspect_ratio.den, 1u);
+    EXPECT_EQ(in.current_time, 7);
+    EXPECT_EQ(in.time_step, 2);
+    EXPECT_EQ(in.local_time_step, 2);
+    EXPECT_EQ(in.total_time, 99);
+    EXPECT_EQ(in.time_scale, 30u);
+    EXPECT_EQ(in.quality, PF_Quality_LO);
+    EXPECT_EQ(in.field, PF_Field_LOWER);
+    EXPECT_EQ(in.num_params, PAINTER_COUNT);
+    EXPECT_NE(in.pica_basicP, nullptr);
+    EXPECT_NE(in.utils, nullptr);
+    EXPECT_NE(in.effect_ref, nullptr);
+    EXPECT_NE(in.global_data, nullptr);
+}
+
 TEST_F(SessionTest, TheEffectIsToldWhereItIs) {
     Start();
     const World layer = Picture(50, 20);
@@ -102,32 +130,8 @@ TEST_F(SessionTest, TheEffectIsToldWhereItIs) {
                                .quality = PF_Quality_LO,
                                .field = PF_Field_LOWER};
     ASSERT_TRUE(session->Render(request));
-    for (const PF_InData* in : {&seen->preRenderIn, &seen->renderIn}) {
-        EXPECT_EQ(in->version.major, 13);
-        EXPECT_EQ(in->version.minor, 28);
-        EXPECT_EQ(in->appl_id, 0x46585443);
-        EXPECT_EQ(in->width, 101);
-        EXPECT_EQ(in->height, 41);
-        EXPECT_THAT(in->extent_hint, IsRect(0, 0, 50, 20));
-        EXPECT_EQ(in->downsample_x.num, 1);
-        EXPECT_EQ(in->downsample_x.den, 2u);
-        EXPECT_EQ(in->downsample_y.num, 1);
-        EXPECT_EQ(in->downsample_y.den, 2u);
-        EXPECT_EQ(in->pixel_aspect_ratio.num, 1);
-        EXPECT_EQ(in->pixel_aspect_ratio.den, 1u);
-        EXPECT_EQ(in->current_time, 7);
-        EXPECT_EQ(in->time_step, 2);
-        EXPECT_EQ(in->local_time_step, 2);
-        EXPECT_EQ(in->total_time, 99);
-        EXPECT_EQ(in->time_scale, 30u);
-        EXPECT_EQ(in->quality, PF_Quality_LO);
-        EXPECT_EQ(in->field, PF_Field_LOWER);
-        EXPECT_EQ(in->num_params, PAINTER_COUNT);
-        EXPECT_NE(in->pica_basicP, nullptr);
-        EXPECT_NE(in->utils, nullptr);
-        EXPECT_NE(in->effect_ref, nullptr);
-        EXPECT_NE(in->global_data, nullptr);
-    }
+    ExpectRecord(seen->preRenderIn);
+    ExpectRecord(seen->renderIn);
     EXPECT_EQ(seen->outBefore.global_data, seen->renderIn.global_data) << "carried";
     EXPECT_EQ(seen->outBefore.out_flags, 0) << "the rest of the record starts from zero";
     EXPECT_EQ(seen->outBefore.return_msg[0], 0);

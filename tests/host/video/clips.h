@@ -19,6 +19,13 @@ inline bool IsInstalled(const std::string& program) {
     return RunProgram({program, "-version"}).code == 0;
 }
 
+/// ffmpeg's arguments for twelve frames that all differ, at a rate that is no whole number, with a tone beside them.
+inline std::string Clip(const std::string& rest, const std::string& filters = "") {
+    return "-f lavfi -i testsrc2=s=64x48:r=30000/1001:d=0.4 -f lavfi -i sine=d=0.4:r=48000 -frames:v 12 "
+           "-vf format=rgba,geq=r='r(X,Y)':g='g(X,Y)':b='b(X,Y)':a='X*4'" +
+           filters + " " + rest;
+}
+
 /// Skips the test where ffmpeg is not installed.
 #define NEEDS_FFMPEG()                                     \
     if (!IsInstalled("ffmpeg") || !IsInstalled("ffprobe")) \

@@ -191,6 +191,9 @@ class Held {
 /// A parameter, checked out and in again.
 PF_ParamDef ValueOf(PF_InData* in, PF_ParamIndex index);
 
+/// What two rectangles share; all zero for nothing.
+PF_LRect IntersectionOf(const PF_LRect& a, const PF_LRect& b);
+
 PF_Err SetUpParams(PF_InData* in, PF_OutData* out);
 PF_Err PreRender(PF_InData* in, PF_PreRenderExtra* extra);
 PF_Err Render(PF_InData* in, PF_OutData* out, PF_SmartRenderExtra* extra);

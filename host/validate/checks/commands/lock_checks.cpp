@@ -8,13 +8,12 @@
 
 #include <algorithm>
 #include <atomic>
-#include <condition_variable>
 #include <memory>
-#include <mutex>
 #include <thread>
 #include <utility>
 
 #include "host/validate/checks/check_fixture.h"
+#include "host/validate/checks/commands/followed_calls.h"
 #include "host/validate/checks/panel_events.h"
 #include "host/validate/runner/processes.h"
 #include "host/validate/runner/progress_watch.h"
@@ -73,75 +72,6 @@ const Command kRender{"a render", PF_Cmd_SMART_RENDER, [](EffectSession& session
                           static_cast<void>(bool(session.Render(RequestOf(layer))));
                       }};
 
-/// Follows the host calls of one thread during one command; keeps one of them waiting, or sends a command from it.
-class Callback {
- public:
-    /// Follows the calling thread from now on.
-    void Follow(PF_Cmd command) {
-        const std::lock_guard lock(mutex_);
-        thread_ = std::this_thread::get_id();
-        command_ = command;
-        calls_.clear();
-        depth_ = 0;
-    }
-    void Before(PF_Cmd command) {
-        if (std::this_thread::get_id() == thread_ && command == command_) ++depth_;
-    }
-    void After(PF_Cmd command) {
-        if (std::this_thread::get_id() == thread_ && command == command_) --depth_;
-    }
-    void Call(std::string_view call) {
-        // A command from inside of a callback is not followed: its own calls have nothing to wait for.
-        if (std::this_thread::get_id() != thread_ || depth_ != 1 || isNested_) return;
-        calls_.emplace_back(call);
-        if (inside_ && IsWhereHostsReenter(call)) {
-            isNested_ = true;
-            inside_();
-            isNested_ = false;
-        }
-        std::unique_lock lock(mutex_);
-        if (calls_.size() != target_) return;
-        waits_ = true;
-        changed_.wait(lock, [&] { return target_ == 0; });
-        waits_ = false;
-    }
-    /// The n-th call waits, from 1, until Release.
-    void HoldCall(std::size_t n) {
-        const std::lock_guard lock(mutex_);
-        target_ = n;
-    }
-    void Release() {
-        const std::lock_guard lock(mutex_);
-        target_ = 0;
-        changed_.notify_all();
-    }
-    bool Waits() const { return waits_; }
-    void SendFromInside(std::function<void()> send) { inside_ = std::move(send); }
-    /// The calls so far. For when the followed thread is at rest.
-    const std::vector<std::string>& Calls() const { return calls_; }
-
- private:
-    static bool IsWhereHostsReenter(std::string_view call) {
-        for (const char* part : {"checkout_param", "checkout_layer", "checkout_output", "add_param", "UpdateParamUI",
-                                 "SetDynamicStreamFlag", "GetDrawingReference", "DrawImage"}) {
-            if (call.find(part) != std::string_view::npos) return true;
-        }
-        return false;
-    }
-
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    std::atomic<std::thread::id> thread_;
-    PF_Cmd command_ = PF_Cmd_ABOUT;
-    std::size_t target_ = 0;
-    std::atomic<bool> waits_{false};
-    // Of the followed thread.
-    std::vector<std::string> calls_;
-    std::function<void()> inside_;
-    int depth_ = 0;
-    bool isNested_ = false;
-};
-
 /// What two commands meet in. Threads that do not come back keep it, so nothing of it is torn down beneath them.
 struct Meeting {
     Meeting(CheckRun& run, const Command& waiting)
@@ -164,7 +94,7 @@ struct Meeting {
         outer.send(fixture.Session(), layer);
     }
 
-    Callback callback;
+    FollowedCalls callback;
     CheckFixture fixture;
     World layer;
     Command outer;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "host/image/picture_channels.h"
+#include "host/image/channels/picture_channels.h"
 
 #include <fmt/format.h>
 
