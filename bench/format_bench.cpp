@@ -53,7 +53,7 @@ double Median(std::vector<double>& values) {
 
 void Measure(const std::string& file, const fs::path& folder, int rounds, std::vector<Way>& ways) {
     const auto picture = ReadPicture(file);
-    if (!picture) Stop(picture.Error().sentence);
+    if (!picture) Stop(picture.error().sentence);
     const World& world = picture->pixels;
     std::vector<std::vector<double>> writes(ways.size()), reads(ways.size());
     for (int round = 0; round < rounds; ++round) {
@@ -64,11 +64,11 @@ void Measure(const std::string& file, const fs::path& folder, int rounds, std::v
             const Placement place{{0, 0, world.Width(), world.Height()}, world.Width(), world.Height(), {}};
             writes[i].push_back(Milliseconds([&] {
                 if (const auto written = WritePicture(out, world, place, options); !written) {
-                    Stop(written.Error().sentence);
+                    Stop(written.error().sentence);
                 }
             }));
             reads[i].push_back(Milliseconds([&] {
-                if (const auto read = ReadPicture(out); !read) Stop(read.Error().sentence);
+                if (const auto read = ReadPicture(out); !read) Stop(read.error().sentence);
             }));
             if (round == 0) ways[i].bytes += fs::file_size(out);
         }

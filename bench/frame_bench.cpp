@@ -65,11 +65,11 @@ class Rig {
 
     void Draw(const World& layer) {
         Result<Frame> frame = session_.Render({.layer = &layer});
-        if (!frame) Fail(frame.Error().sentence);
+        if (!frame) Fail(frame.error().sentence);
         benchmark::DoNotOptimize(frame->output.Row(0));
     }
     void Set(const char* path, const std::string& text) {
-        if (const Result<Done> set = session_.Params().SetFromText(path, text); !set) Fail(set.Error().sentence);
+        if (const Result<Done> set = session_.Params().SetFromText(path, text); !set) Fail(set.error().sentence);
     }
     std::string Default(const char* path) { return session_.Params().DefaultText(*session_.Params().Find(path)); }
 
@@ -80,14 +80,14 @@ class Rig {
     }
     static Module Open() {
         Result<Module> module = Module::Load(UMBRANT_MODULE_FILE);
-        if (!module) Fail(module.Error().sentence);
+        if (!module) Fail(module.error().sentence);
         return *std::move(module);
     }
     static EffectSession Start(const Module& module, FrameClock& clock) {
         SessionOptions options;
         options.fault = [&clock](std::string_view call) { return clock.Note(call); };
         Result<EffectSession> session = EffectSession::Start(module, std::move(options));
-        if (!session) Fail(session.Error().sentence);
+        if (!session) Fail(session.error().sentence);
         return *std::move(session);
     }
 

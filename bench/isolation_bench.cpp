@@ -32,7 +32,7 @@ constexpr double kMostMilliseconds = 5;
 
 template <typename T>
 T Must(Result<T> result) {
-    if (!result) Fail(result.Error().sentence);
+    if (!result) Fail(result.error().sentence);
     return *std::move(result);
 }
 

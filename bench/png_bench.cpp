@@ -61,7 +61,7 @@ std::size_t ByProgram(const World& world, const char* compression) {
     auto encoded =
         EncodePicture(world, {{0, 0, world.Width(), world.Height()}, world.Width(), world.Height(), {}}, options);
     if (!encoded) {
-        std::fprintf(stderr, "%s\n", encoded.Error().sentence.c_str());
+        std::fprintf(stderr, "%s\n", encoded.error().sentence.c_str());
         std::exit(3);
     }
     return encoded->size();

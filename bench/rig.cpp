@@ -17,7 +17,7 @@ namespace {
 template <class T>
 T Take(Result<T> result) {
     if (!result) {
-        std::cerr << result.Error().sentence << '\n';
+        std::cerr << result.error().sentence << '\n';
         std::exit(1);
     }
     return *std::move(result);

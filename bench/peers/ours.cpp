@@ -30,7 +30,7 @@ namespace {
 
 template <class T>
 T Take(Result<T> result) {
-    if (!result) Fail(result.Error().sentence);
+    if (!result) Fail(result.error().sentence);
     return *std::move(result);
 }
 

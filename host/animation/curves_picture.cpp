@@ -216,9 +216,8 @@ void DrawTrack(Drawing& drawing, const ParamSet& values, const RowTrack& track, 
 Result<World> DrawCurves(const ParamSet& values, const Animation& animation, const AnimationClock& clock,
                          const CurvesOptions& options) {
     const int height = kCurvesHead + kPlotHeight * static_cast<int>(animation.Tracks().size());
-    const auto made = NewDrawing(kPicture, options.width, height);
-    if (!made) return made.Error();
-    Drawing& drawing = **made;
+    const auto made = TRY(NewDrawing(kPicture, options.width, height));
+    Drawing& drawing = *made;
     drawing.SetColor(kGround.red, kGround.green, kGround.blue);
     drawing.AddRect(0, 0, options.width, height);
     drawing.Fill();

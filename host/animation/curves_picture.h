@@ -21,7 +21,7 @@ inline constexpr int kPlotHeight = 150;
 inline constexpr int kCurvesHead = 30;
 
 /// 8 bits, opaque; as high as the head and all plots. Points have a curve for each coordinate, colours one for each
-/// channel and a strip of the colour itself. Fails with `ExitCode::kInternal` when there is no memory.
+/// channel and a strip of the colour itself. Fails with `ErrorKind::kInternal` when there is no memory.
 Result<World> DrawCurves(const ParamSet& values, const Animation& animation, const AnimationClock& clock,
                          const CurvesOptions& options);
 

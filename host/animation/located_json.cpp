@@ -220,7 +220,7 @@ Result<LocatedJson> ParseLocatedJson(const std::string& text) {
     Builder builder(text, &read);
     const CountingIterator begin(text.data(), &read);
     const CountingIterator end(text.data() + text.size(), &read);
-    if (!Json::sax_parse(begin, end, &builder)) return Failure{ExitCode::kFile, builder.problem};
+    if (!Json::sax_parse(begin, end, &builder)) return Failure{ErrorKind::kFile, builder.problem};
     return std::move(builder.root);
 }
 

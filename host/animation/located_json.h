@@ -45,7 +45,7 @@ struct LocatedJson::Member {
     LocatedJson value{};
 };
 
-/// Reads a whole text, in time and memory proportional to its length. Fails with `ExitCode::kFile` and what is wrong
+/// Reads a whole text, in time and memory proportional to its length. Fails with `ErrorKind::kFile` and what is wrong
 /// with it where.
 Result<LocatedJson> ParseLocatedJson(const std::string& text);
 

@@ -30,7 +30,7 @@ struct AnimatedParams {
 };
 
 /// Sets the values of the file; other rows do not change, and a row that gets a value loses its keyframes. Fails
-/// with `ExitCode::kFile` when the file cannot be read as JSON, and with `ExitCode::kUsage` and every mistake at
+/// with `ErrorKind::kFile` when the file cannot be read as JSON, and with `ErrorKind::kUsage` and every mistake at
 /// once, with its line and column, when it is not a preset. A failure changes nothing.
 Result<Done> ApplyPreset(const std::filesystem::path& file, AnimatedParams& params);
 

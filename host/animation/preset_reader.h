@@ -37,7 +37,7 @@ class PresetMistakes {
     }
     bool IsEmpty() const { return count_ == 0; }
     /// The first of them in the order of the text, and the number of the others, as one failure with
-    /// `ExitCode::kUsage`. There is at least one.
+    /// `ErrorKind::kUsage`. There is at least one.
     Failure Told(const std::filesystem::path& file) const;
 
  private:

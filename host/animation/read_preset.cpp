@@ -29,7 +29,7 @@ constexpr int kNewestVersion = 2;
 constexpr std::size_t kMostBytes = std::size_t{64} << 20;
 
 Failure CannotRead(const fs::path& file, std::string_view reason) {
-    return {ExitCode::kFile, fmt::format("cannot read the preset '{}': {}", file.string(), reason)};
+    return {ErrorKind::kFile, fmt::format("cannot read the preset '{}': {}", file.string(), reason)};
 }
 
 /// Reads a bounded part of what has no end: a pipe, or a device.
@@ -103,7 +103,7 @@ class NamedRows {
         const auto index = IndexOf(member.key);
         if (!index) {
             // The closest names are looked for only when they will be shown.
-            mistakes_.Add(member.place, [&] { return params_.Find(member.key).Error().sentence; });
+            mistakes_.Add(member.place, [&] { return params_.Find(member.key).error().sentence; });
             return std::nullopt;
         }
         const auto [other, first] = named_.emplace(*index, member.key);
@@ -143,7 +143,7 @@ void ReadValues(const LocatedJson& values, AnimatedParams& params, NamedRows& na
             continue;
         }
         const auto set = params.values.SetFromText(fmt::format("#{}", *row), *text);
-        if (!set) mistakes.Add(member.value.place, set.Error().sentence);
+        if (!set) mistakes.Add(member.value.place, set.error().sentence);
         params.animation.Remove(*row);
     }
 }
@@ -201,12 +201,13 @@ Failure PresetMistakes::Told(const fs::path& file) const {
         return fmt::format("line {}, column {}: {}", mistake.first.line, mistake.first.column, mistake.second);
     };
     if (count_ == 1) {
-        return {ExitCode::kUsage, fmt::format("the preset '{}' has a mistake: {}", file.string(), line(list_.front()))};
+        return {ErrorKind::kUsage,
+                fmt::format("the preset '{}' has a mistake: {}", file.string(), line(list_.front()))};
     }
     std::string text = fmt::format("the preset '{}' has {} mistakes:", file.string(), count_);
     for (const auto& mistake : list_) text += "\n  " + line(mistake);
     if (count_ > list_.size()) text += fmt::format("\n  and {} more", count_ - list_.size());
-    return {ExitCode::kUsage, text};
+    return {ErrorKind::kUsage, text};
 }
 
 void CheckTwice(const LocatedJson& object, PresetMistakes& mistakes) {
@@ -239,14 +240,13 @@ std::optional<std::string> ValueTextOf(const LocatedJson& value) {
 }
 
 Result<Done> ApplyPreset(const fs::path& file, AnimatedParams& params) {
-    const auto text = ReadText(file);
-    if (!text) return text.Error();
-    return ApplyPresetText(*text, file.string(), params);
+    const auto text = TRY(ReadText(file));
+    return ApplyPresetText(text, file.string(), params);
 }
 
 Result<Done> ApplyPresetText(const std::string& text, const std::string& name, AnimatedParams& params) {
     const auto preset = ParseLocatedJson(text);
-    if (!preset) return CannotRead(name, fmt::format("not valid JSON ({})", preset.Error().sentence));
+    if (!preset) return CannotRead(name, fmt::format("not valid JSON ({})", preset.error().sentence));
     PresetMistakes mistakes;
     AnimatedParams changed = params;
     if (preset->kind == Kind::kObject) {

@@ -123,7 +123,7 @@ class TrackReader {
                          fmt::format("'{}' takes a string or a number, not {}", name_, value->KindName()));
         }
         if (const auto set = scratch_.SetFromText(fmt::format("#{}", row_.index), *text); !set) {
-            return Wrong(value->place, set.Error().sentence);
+            return Wrong(value->place, set.error().sentence);
         }
         auto [numbers, isPercent] = NumbersOf(row_);
         key.value = std::move(numbers);

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "host/result.h"
+#include "host/cli/exit_code.h"
 
 namespace CLI {
 class App;

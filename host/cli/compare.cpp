@@ -45,7 +45,7 @@ Result<double> ReadStep(const std::string& option, const std::string& text) {
         value /= divisor;
     }
     if (good && *end == '\0' && std::isfinite(value) && value >= 0) return value;
-    return Failure{ExitCode::kUsage,
+    return Failure{ErrorKind::kUsage,
                    fmt::format("{}: '{}' is not a channel difference; write 1/255 or 0.004", option, text)};
 }
 
@@ -80,29 +80,24 @@ std::string Json(const Comparison& result) {
 
 Result<ExitCode> RunCompare(const CompareOptions& options) {
     Tolerance tolerance;
-    const auto warn = ReadStep("--warn", options.warn);
-    if (!warn) return warn.Error();
-    const auto hard = ReadStep("--hard", options.hard);
-    if (!hard) return hard.Error();
-    tolerance.warn = *warn;
-    tolerance.hard = *hard;
+    const auto warn = TRY(ReadStep("--warn", options.warn));
+    const auto hard = TRY(ReadStep("--hard", options.hard));
+    tolerance.warn = warn;
+    tolerance.hard = hard;
     tolerance.percent = options.percent;
 
-    const auto first = ReadPicture(options.first);
-    if (!first) return first.Error();
-    const auto second = ReadPicture(options.second);
-    if (!second) return second.Error();
-    const auto result = Compare(*first, *second, tolerance, options.straight);
+    const auto first = TRY(ReadPicture(options.first));
+    const auto second = TRY(ReadPicture(options.second));
+    const auto result = Compare(first, second, tolerance, options.straight);
     if (!result) {
-        PrintResult(fmt::format("different: {} x {} against {} x {} pixels\n", first->frameWidth, first->frameHeight,
-                                second->frameWidth, second->frameHeight));
+        PrintResult(fmt::format("different: {} x {} against {} x {} pixels\n", first.frameWidth, first.frameHeight,
+                                second.frameWidth, second.frameHeight));
         return ExitCode::kEffectFailed;
     }
     PrintResult(options.json ? Json(*result) : Text(*result));
     if (!options.difference.empty()) {
-        const Placement place{result->window, first->frameWidth, first->frameHeight};
-        if (auto written = WritePicture(options.difference, result->difference, place); !written)
-            return written.Error();
+        const Placement place{result->window, first.frameWidth, first.frameHeight};
+        TRY(WritePicture(options.difference, result->difference, place));
     }
     return result->close ? ExitCode::kDone : ExitCode::kEffectFailed;
 }

@@ -61,7 +61,7 @@ Result<std::vector<FrameNumber>> ShownFrames(const std::string& asked, const Ani
         last = std::max(last, track.track.FrameOf(track.track.keys.back(), clock));
     }
     if (last - first > 2 * kFarthestFrame) {
-        return Failure{ExitCode::kUsage, "the keys are too far apart to be shown at this rate; use --frames"};
+        return Failure{ErrorKind::kUsage, "the keys are too far apart to be shown at this rate; use --frames"};
     }
     std::vector<FrameNumber> frames;
     for (double frame = std::floor(first); frame <= std::ceil(last); ++frame)
@@ -93,42 +93,38 @@ Result<Done> WriteCurves(const CurvesCommandOptions& options, const AnimatedPara
     // A single frame has a plot too.
     drawing.lastFrame = std::max(last->Value(), first->Value() + 1);
     drawing.width = options.width;
-    const auto pixels = DrawCurves(params.values, params.animation, clock, drawing);
-    if (!pixels) return pixels.Error();
-    const Placement place{{0, 0, pixels->Width(), pixels->Height()}, pixels->Width(), pixels->Height()};
-    if (auto written = WritePicture(options.output, *pixels, place); !written) return written;
+    const auto pixels = TRY(DrawCurves(params.values, params.animation, clock, drawing));
+    const Placement place{{0, 0, pixels.Width(), pixels.Height()}, pixels.Width(), pixels.Height()};
+    if (auto written = WritePicture(options.output, pixels, place); !written) return written;
     if (!options.json) PrintResult(options.output + "\n");
     return Done{};
 }
 
 Result<ExitCode> Curves(const CurvesCommandOptions& options) {
     if (options.output.empty() && !options.json) {
-        return Failure{ExitCode::kUsage, "nothing to do; use -o FILE or --json"};
+        return Failure{ErrorKind::kUsage, "nothing to do; use -o FILE or --json"};
     }
     if (!options.output.empty()) {
-        if (auto writable = CheckWritable(options.output); !writable) return writable.Error();
+        TRY(CheckWritable(options.output));
         if (!options.preset.empty()) {
-            if (auto apart = CheckApart(options.preset, options.output); !apart) return apart.Error();
+            TRY(CheckApart(options.preset, options.output));
         }
         CleanFolderOf(options.output);
     }
-    const auto rate = ParseRate(options.rate);
-    if (!rate) return rate.Error();
-    const AnimationClock clock{rate->PerSecond(), static_cast<double>(options.zeroFrame)};
-    auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module));
-    if (!opened) return opened.Error();
-    AnimatedParams params{opened->Session().Params(), {}};
-    if (auto set = ApplyValues(options.preset, options.settings, params); !set) return set.Error();
+    const auto rate = TRY(ParseRate(options.rate));
+    const AnimationClock clock{rate.PerSecond(), static_cast<double>(options.zeroFrame)};
+    auto opened = TRY(OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module)));
+    AnimatedParams params{opened.Session().Params(), {}};
+    TRY(ApplyValues(options.preset, options.settings, params));
     if (params.animation.IsEmpty()) {
-        return Failure{ExitCode::kUsage,
+        return Failure{ErrorKind::kUsage,
                        fmt::format("there are no curves to draw: '{}' has no keyframes", options.preset)};
     }
-    const auto frames = ShownFrames(options.frames, params.animation, clock);
-    if (!frames) return frames.Error();
+    const auto frames = TRY(ShownFrames(options.frames, params.animation, clock));
     if (!options.output.empty()) {
-        if (auto written = WriteCurves(options, params, *frames, clock); !written) return written.Error();
+        TRY(WriteCurves(options, params, frames, clock));
     }
-    if (options.json) PrintResult(Report(params, *frames, clock));
+    if (options.json) PrintResult(Report(params, frames, clock));
     return ExitCode::kDone;
 }
 

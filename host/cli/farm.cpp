@@ -81,11 +81,11 @@ std::string WhyNoLogs(const std::string& text) {
 /// Engines differ in what can be chosen.
 Result<Done> CheckChoices(const FarmOptions& options) {
     if (!options.halt.empty() && options.engine != "parallel") {
-        return Failure{ExitCode::kUsage,
+        return Failure{ErrorKind::kUsage,
                        fmt::format("--halt applies to parallel only; {} has its own setting for it", options.engine)};
     }
     if (!options.logs.empty() && options.engine == "openjd") {
-        return Failure{ExitCode::kUsage, "--logs does not apply to openjd, whose engine keeps the logs of its tasks"};
+        return Failure{ErrorKind::kUsage, "--logs does not apply to openjd, whose engine keeps the logs of its tasks"};
     }
     return Done{};
 }
@@ -97,8 +97,9 @@ Result<Done> CheckOrder(const FarmOptions& options, const std::vector<std::strin
         if (!name.starts_with("--") || name == "--help" || name == "--") continue;
         for (const CLI::Option* option : options.app->get_options()) {
             if (!option->check_lname(name.substr(2))) continue;
-            return Failure{ExitCode::kUsage, fmt::format("{} is an option of farm, not of render; write it before '{}'",
-                                                         name, options.engine)};
+            return Failure{
+                ErrorKind::kUsage,
+                fmt::format("{} is an option of farm, not of render; write it before '{}'", name, options.engine)};
         }
     }
     return Done{};
@@ -133,7 +134,7 @@ Result<std::string> EnterFolder(const std::string& asked) {
     const fs::path folder = fs::absolute(asked.empty() ? "." : asked, error).lexically_normal();
     if (!error) fs::current_path(folder, error);
     if (error) {
-        return Failure{ExitCode::kFile, fmt::format("cannot enter the folder '{}': {}", asked, error.message())};
+        return Failure{ErrorKind::kFile, fmt::format("cannot enter the folder '{}': {}", asked, error.message())};
     }
     const std::string text = folder.string();
     return text.size() > 1 && text.back() == '/' ? text.substr(0, text.size() - 1) : text;
@@ -142,30 +143,27 @@ Result<std::string> EnterFolder(const std::string& asked) {
 Result<FarmJob> JobOf(const FarmOptions& options, const std::vector<std::string>& arguments,
                       const RenderOptions& render) {
     if (!render.sequence.chunk.empty()) {
-        return Failure{ExitCode::kUsage,
+        return Failure{ErrorKind::kUsage,
                        "--chunk is not allowed here, as each task of a job has its own chunk; leave it out"};
     }
-    const auto folder = EnterFolder(options.folder);
-    if (!folder) return folder.Error();
-    const auto many = MeansSequence(render);
-    if (!many) return many.Error();
-    if (!*many) {
+    const auto folder = TRY(EnterFolder(options.folder));
+    const auto many = TRY(MeansSequence(render));
+    if (!many) {
         return Failure{
-            ExitCode::kUsage,
+            ErrorKind::kUsage,
             fmt::format("'{}' is a single image, and a job has many frames; choose them with --frames, or draw "
                         "it with `umbrant render`",
                         render.input)};
     }
-    const auto frames = FramesOf(render);
-    if (!frames) return frames.Error();
+    const auto frames = TRY(FramesOf(render));
 
     FarmJob job;
     job.name = options.name;
-    job.frames = static_cast<int>(frames->size());
+    job.frames = static_cast<int>(frames.size());
     job.tasks = options.tasks > 0 ? std::min(options.tasks, job.frames)
                                   : (job.frames + options.framesPerTask - 1) / options.framesPerTask;
     job.tries = options.retries + 1;
-    job.folder = *folder;
+    job.folder = folder;
     job.logs = options.logs.empty() ? "." : fs::path(options.logs).lexically_normal().string();
     if (job.logs.size() > 1 && job.logs.back() == '/') job.logs.pop_back();
     job.halt = options.halt.empty() ? "never" : options.halt;
@@ -174,30 +172,29 @@ Result<FarmJob> JobOf(const FarmOptions& options, const std::vector<std::string>
         if (argument != "--skip-existing") job.command.push_back(argument);
     }
     const auto canvas = CanvasOfSet(render);
-    if (!canvas) return canvas.Error();
+    if (!canvas) return canvas.error();
     if (!canvas->empty()) {
         // A task knows only its own part, so the canvas of the whole set is determined once.
         DropOption("--canvas", job.command);
         job.command.push_back("--canvas=" + *canvas);
     }
     // Tasks that begin later must divide the same set, whatever files are there then.
-    if (render.sequence.frames.empty()) job.command.push_back("--frames=" + FrameSetText(*frames));
+    if (render.sequence.frames.empty()) job.command.push_back("--frames=" + FrameSetText(frames));
     return job;
 }
 
 Result<ExitCode> Farm(const FarmOptions& options) {
-    if (auto right = CheckChoices(options); !right) return right.Error();
+    TRY(CheckChoices(options));
     const std::vector<std::string> arguments = options.app->remaining();
-    if (auto right = CheckOrder(options, arguments); !right) return right.Error();
+    TRY(CheckOrder(options, arguments));
     const auto render = std::make_shared<RenderOptions>();
     bool read = false;
     const int code = ReadArguments(arguments, render, read);
     if (!read) return static_cast<ExitCode>(code);
-    const auto job = JobOf(options, arguments, *render);
-    if (!job) return job.Error();
-    PrintResult(options.engine == "slurm"      ? SlurmJob(*job)
-                : options.engine == "parallel" ? ParallelJob(*job)
-                                               : OpenJdJob(*job));
+    const auto job = TRY(JobOf(options, arguments, *render));
+    PrintResult(options.engine == "slurm"      ? SlurmJob(job)
+                : options.engine == "parallel" ? ParallelJob(job)
+                                               : OpenJdJob(job));
     return ExitCode::kDone;
 }
 

@@ -96,14 +96,11 @@ std::string Text(const nlohmann::ordered_json& info) {
 }
 
 Result<ExitCode> Info(const InfoOptions& options) {
-    const auto preference = ReadRendererPreference("");
-    if (!preference) return preference.Error();
-    auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module));
-    if (!opened) return opened.Error();
-    const auto about = opened->Session().About();
-    if (!about) return about.Error();
-    const auto info = Describe(*opened, *about, *preference);
-    if (auto ended = opened->Session().End(); !ended) return ended.Error();
+    const auto preference = TRY(ReadRendererPreference(""));
+    auto opened = TRY(OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module)));
+    const auto about = TRY(opened.Session().About());
+    const auto info = Describe(opened, about, preference);
+    TRY(opened.Session().End());
     const std::string text =
         options.json ? info.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n" : Text(info);
     PrintResult(text);

@@ -20,24 +20,20 @@ Result<OpenedModule> OpenModule(const std::optional<std::string>& option, Sessio
         options.renderer = RendererOfSetUp(preference ? *preference : RendererPreference::kAuto);
     }
     const ModuleSearch search = DefaultModuleSearch(named);
-    const auto file = FindModule(search);
-    if (!file) return file.Error();
+    const auto file = TRY(FindModule(search));
     OpenedModule opened;
-    opened.file = *file;
-    if (!IsOwnModule(*file, search.folders)) {
-        auto process = ModuleProcess::Start({*file, std::move(options), {}});
-        if (!process) return process.Error();
-        opened.effect = (*process)->Effect();
-        opened.session.emplace(EffectSession::Over(std::move(*process)));
+    opened.file = file;
+    if (!IsOwnModule(file, search.folders)) {
+        auto process = TRY(ModuleProcess::Start({file, std::move(options), {}}));
+        opened.effect = (process)->Effect();
+        opened.session.emplace(EffectSession::Over(std::move(process)));
         return opened;
     }
-    auto loaded = Module::Load(*file);
-    if (!loaded) return loaded.Error();
-    opened.module = std::make_unique<Module>(std::move(*loaded));
+    auto loaded = TRY(Module::Load(file));
+    opened.module = std::make_unique<Module>(std::move(loaded));
     opened.effect = opened.module->Effect();
-    auto session = EffectSession::Start(*opened.module, std::move(options));
-    if (!session) return session.Error();
-    opened.session.emplace(std::move(*session));
+    auto session = TRY(EffectSession::Start(*opened.module, std::move(options)));
+    opened.session.emplace(std::move(session));
     return opened;
 }
 

@@ -21,8 +21,8 @@ Result<OutputFolder> OutputFolder::For(const std::string& output, bool makes) {
     // What is there, or may not be looked at, is judged when the file is about to be written.
     if (wanted.empty() || fs::status(wanted, error).type() != fs::file_type::not_found) return folder;
     if (!makes) {
-        return Failure{ExitCode::kFile, fmt::format("cannot write '{}': there is no folder '{}'; --mkdir creates it",
-                                                    output, wanted.string())};
+        return Failure{ErrorKind::kFile, fmt::format("cannot write '{}': there is no folder '{}'; --mkdir creates it",
+                                                     output, wanted.string())};
     }
     std::vector<fs::path> missing;
     for (fs::path each = wanted; !each.empty() && !fs::exists(each, error); each = each.parent_path()) {
@@ -35,8 +35,8 @@ Result<OutputFolder> OutputFolder::For(const std::string& output, bool makes) {
         if (fs::create_directory(*each, error)) {
             folder.made_.push_back(*each);
         } else if (error) {
-            return Failure{ExitCode::kFile, fmt::format("cannot write '{}': the folder '{}' cannot be created: {}",
-                                                        output, each->string(), error.message())};
+            return Failure{ErrorKind::kFile, fmt::format("cannot write '{}': the folder '{}' cannot be created: {}",
+                                                         output, each->string(), error.message())};
         }
     }
     return folder;

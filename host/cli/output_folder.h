@@ -17,7 +17,7 @@ namespace umbrant::host {
 /// leaves nothing. Move-only.
 class OutputFolder {
  public:
-    /// Sees to the folder of `output`: where it is missing it is made if `makes` says so. Fails with `ExitCode::kFile`
+    /// Sees to the folder of `output`: where it is missing it is made if `makes` says so. Fails with `ErrorKind::kFile`
     /// when there is none or it cannot be made.
     static Result<OutputFolder> For(const std::string& output, bool makes);
 

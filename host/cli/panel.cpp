@@ -107,14 +107,13 @@ std::string Json(const std::vector<PanelItem>& items) {
 }
 
 Result<Done> Press(EffectSession& session, const std::string& name) {
-    const auto button = FindButton(session, name);
-    if (!button) return button.Error();
+    const auto button = TRY(FindButton(session, name));
     {
         // The effect may start a program that outlives this one, a browser for an address.
         const SignalsOfTheStart signals;
-        if (auto pressed = session.UserChangedParam(*button); !pressed) return pressed;
+        if (auto pressed = session.UserChangedParam(button); !pressed) return pressed;
     }
-    std::fputs(fmt::format("pressed '{}'\n", session.Params().Row(*button).label).c_str(), stderr);
+    std::fputs(fmt::format("pressed '{}'\n", session.Params().Row(button).label).c_str(), stderr);
     return Done{};
 }
 
@@ -124,9 +123,8 @@ Result<Done> WritePanel(EffectSession& session, const OpenedModule& opened, cons
     drawing.scale = options.scale;
     drawing.theme = options.theme == "light" ? &kLightTheme : &kDarkTheme;
     drawing.effectName = opened.effect.name;
-    const auto picture = DrawPanel(session, drawing);
-    if (!picture) return picture.Error();
-    const World& pixels = picture->pixels;
+    const auto picture = TRY(DrawPanel(session, drawing));
+    const World& pixels = picture.pixels;
     const Placement place{{0, 0, pixels.Width(), pixels.Height()}, pixels.Width(), pixels.Height()};
     if (auto written = WritePicture(options.output, pixels, place); !written) return written;
     PrintResult(options.output + "\n");
@@ -135,45 +133,43 @@ Result<Done> WritePanel(EffectSession& session, const OpenedModule& opened, cons
 
 /// Applies the preset and the settings, with keyframes at the chosen time.
 Result<Done> SetValues(const PanelOptions& options, EffectSession& session) {
-    const auto rate = ParseRate(options.rate);
-    if (!rate) return rate.Error();
+    const auto rate = TRY(ParseRate(options.rate));
     AnimatedParams params{session.Params(), {}};
     if (auto set = ApplyValues(options.preset, options.settings, params); !set) return set;
-    const AnimationClock clock{rate->PerSecond(), static_cast<double>(options.zeroFrame)};
+    const AnimationClock clock{rate.PerSecond(), static_cast<double>(options.zeroFrame)};
     session.Params() = params.animation.ValuesAt(params.values, clock.FrameOf(options.seconds), clock);
     return Done{};
 }
 
 Result<ExitCode> Panel(const PanelOptions& options) {
     if (options.output.empty() && options.press.empty() && !options.json) {
-        return Failure{ExitCode::kUsage, "nothing to do; use -o FILE, --json or --press BUTTON"};
+        return Failure{ErrorKind::kUsage, "nothing to do; use -o FILE, --json or --press BUTTON"};
     }
     if (!options.output.empty()) {
-        if (auto writable = CheckWritable(options.output); !writable) return writable.Error();
+        TRY(CheckWritable(options.output));
         if (!options.preset.empty()) {
-            if (auto apart = CheckApart(options.preset, options.output); !apart) return apart.Error();
+            TRY(CheckApart(options.preset, options.output));
         }
         CleanFolderOf(options.output);
     }
-    auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module));
-    if (!opened) return opened.Error();
-    EffectSession& session = opened->Session();
-    if (auto set = SetValues(options, session); !set) return set.Error();
-    if (auto updated = session.UpdateParamsUI(); !updated) return updated.Error();
+    auto opened = TRY(OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module)));
+    EffectSession& session = opened.Session();
+    TRY(SetValues(options, session));
+    TRY(session.UpdateParamsUI());
     for (const std::string& name : options.opened) {
-        if (auto twirled = Twirl(session, name, true); !twirled) return twirled.Error();
+        TRY(Twirl(session, name, true));
     }
     for (const std::string& name : options.closed) {
-        if (auto twirled = Twirl(session, name, false); !twirled) return twirled.Error();
+        TRY(Twirl(session, name, false));
     }
     if (!options.press.empty()) {
-        if (auto pressed = Press(session, options.press); !pressed) return pressed.Error();
+        TRY(Press(session, options.press));
     }
     if (options.json) PrintResult(Json(PanelItems(session, options.width)));
     if (!options.output.empty()) {
-        if (auto written = WritePanel(session, *opened, options); !written) return written.Error();
+        TRY(WritePanel(session, opened, options));
     }
-    if (auto ended = session.End(); !ended) return ended.Error();
+    TRY(session.End());
     return ExitCode::kDone;
 }
 

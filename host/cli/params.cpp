@@ -188,10 +188,9 @@ std::string Text(const ParamSet& params, bool all) {
 }
 
 Result<ExitCode> Params(const ParamsOptions& options) {
-    auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module));
-    if (!opened) return opened.Error();
-    AnimatedParams animated{opened->Session().Params(), {}};
-    if (auto set = ApplyValues(options.preset, options.settings, animated); !set) return set.Error();
+    auto opened = TRY(OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module)));
+    AnimatedParams animated{opened.Session().Params(), {}};
+    TRY(ApplyValues(options.preset, options.settings, animated));
     const ParamSet& params = animated.values;
     std::string text;
     if (options.values) {
@@ -203,7 +202,7 @@ Result<ExitCode> Params(const ParamsOptions& options) {
     } else {
         text = Text(params, options.all);
     }
-    if (auto ended = opened->Session().End(); !ended) return ended.Error();
+    TRY(opened.Session().End());
     PrintResult(text);
     return ExitCode::kDone;
 }

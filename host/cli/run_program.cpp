@@ -126,10 +126,11 @@ int Run(const Command& command) {
     try {
         const Result<ExitCode> outcome = command.run();
         if (outcome) return Finish(Code(*outcome));
-        Say(outcome.Error().sentence);
+        Say(outcome.error().sentence);
         // The failure's own code is more specific than that of lost results.
-        Finish(Code(outcome.Error().code));
-        return Code(outcome.Error().code);
+        const int code = Code(ExitCodeOf(outcome.error().kind));
+        Finish(code);
+        return code;
     } catch (const std::bad_alloc&) {
         Say(NotEnoughMemory(fmt::format("the command '{}'", command.name)).sentence);
     } catch (const std::exception& problem) {

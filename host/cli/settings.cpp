@@ -11,7 +11,7 @@ Result<Done> ApplySettings(const std::vector<std::string>& settings, ParamSet& p
     for (const std::string& setting : settings) {
         const std::size_t equals = setting.find('=');
         if (equals == std::string::npos) {
-            return Failure{ExitCode::kUsage, fmt::format("'--set {}' has no value; write --set PATH=VALUE", setting)};
+            return Failure{ErrorKind::kUsage, fmt::format("'--set {}' has no value; write --set PATH=VALUE", setting)};
         }
         if (auto set = params.SetFromText(setting.substr(0, equals), setting.substr(equals + 1)); !set) return set;
     }

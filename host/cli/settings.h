@@ -13,7 +13,7 @@
 
 namespace umbrant::host {
 
-/// Sets the values in their order. Fails with `ExitCode::kUsage` at the first that has no '=' or cannot be set.
+/// Sets the values in their order. Fails with `ErrorKind::kUsage` at the first that has no '=' or cannot be set.
 Result<Done> ApplySettings(const std::vector<std::string>& settings, ParamSet& params);
 
 /// A preset's values and keyframes, unless its name is empty, and then the settings, which win: a row that is set keeps

@@ -81,10 +81,9 @@ Result<ExitCode> Validate(ValidateOptions options) {
     }
     const auto search = DefaultModuleSearch(
         options.module.empty() ? std::nullopt : std::optional(std::filesystem::path(options.module)));
-    const auto file = FindModule(search);
-    if (!file) return file.Error();
+    const auto file = TRY(FindModule(search));
     CheckRunOptions& check = options.run.check;
-    check.module = *file;
+    check.module = file;
     check.trace = options.trace;
     check.shim = FindShim(search);
     check.rendererOfProbe = RendererOfSetUp(RendererPreference::kAuto);
@@ -94,27 +93,25 @@ Result<ExitCode> Validate(ValidateOptions options) {
     if (!options.fault.empty()) {
         check.fault = FaultPlan::FromText(options.fault);
         if (!check.fault) {
-            return Failure{ExitCode::kUsage, fmt::format("--fault '{}' is not CALLEE:K:ERROR, as in "
-                                                         "'PF World Suite.PF_NewWorld:1:4'",
-                                                         options.fault)};
+            return Failure{ErrorKind::kUsage, fmt::format("--fault '{}' is not CALLEE:K:ERROR, as in "
+                                                          "'PF World Suite.PF_NewWorld:1:4'",
+                                                          options.fault)};
         }
     }
     if (!options.runCheck.empty()) {
-        const auto done = RunOneCheck(options.runCheck, check, options.resultDescriptor);
-        if (!done) return done.Error();
+        TRY(RunOneCheck(options.runCheck, check, options.resultDescriptor));
         return ExitCode::kDone;
     }
-    if (auto there = CheckModuleIsThere(check.module); !there) return there.Error();
+    TRY(CheckModuleIsThere(check.module));
     if (options.run.waivers.empty()) {
         options.run.waivers = WaiversBeside(check.module);
         if (!options.run.waivers.empty()) {
             std::fputs(fmt::format("findings in '{}' are accepted\n", options.run.waivers).c_str(), stderr);
         }
     }
-    const auto outcomes = RunChecks(options.run, Print);
-    if (!outcomes) return outcomes.Error();
-    if (outcomes->front().result.isNoModule) return ExitCode::kModule;
-    return TotalsOf(*outcomes).failed > 0 ? ExitCode::kEffectFailed : ExitCode::kDone;
+    const auto outcomes = TRY(RunChecks(options.run, Print));
+    if (outcomes.front().result.isNoModule) return ExitCode::kModule;
+    return TotalsOf(outcomes).failed > 0 ? ExitCode::kEffectFailed : ExitCode::kDone;
 }
 
 }  // namespace

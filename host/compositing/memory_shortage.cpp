@@ -30,7 +30,7 @@ std::string MiB(std::uint64_t bytes) {
 }  // namespace
 
 Failure NotEnoughMemory(const std::string& what, std::uint64_t bytes) {
-    return {ExitCode::kInternal, "not enough memory for " + what + ", " + MiB(std::max<std::uint64_t>(bytes, 1))};
+    return {ErrorKind::kInternal, "not enough memory for " + what + ", " + MiB(std::max<std::uint64_t>(bytes, 1))};
 }
 
 Failure NotEnoughMemory(const std::string& what, std::int64_t width, std::int64_t height, Depth depth) {
@@ -39,7 +39,7 @@ Failure NotEnoughMemory(const std::string& what, std::int64_t width, std::int64_
 }
 
 Failure NotEnoughMemory(const std::string& what) {
-    return {ExitCode::kInternal, "not enough memory for " + what + ", more than the " + MiB(BytesInUse()) + " in use"};
+    return {ErrorKind::kInternal, "not enough memory for " + what + ", more than the " + MiB(BytesInUse()) + " in use"};
 }
 
 bool CanHaveMemory(std::uint64_t bytes) {

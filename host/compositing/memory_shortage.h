@@ -12,7 +12,7 @@
 
 namespace umbrant::host {
 
-/// "not enough memory for WHAT, N MiB" with `ExitCode::kInternal`; `bytes` is what was needed.
+/// "not enough memory for WHAT, N MiB" with `ErrorKind::kInternal`; `bytes` is what was needed.
 Failure NotEnoughMemory(const std::string& what, std::uint64_t bytes);
 /// The same for an image.
 Failure NotEnoughMemory(const std::string& what, std::int64_t width, std::int64_t height, Depth depth);

@@ -26,7 +26,7 @@ Result<decltype(&UmbrantNewDrawing)> Entry(const std::string& what) {
     const auto opened = OpenOwnObject(kLibrary);
     if (const auto* reason = std::get_if<std::string>(&opened)) {
         if (SaysNoMemory(*reason)) return NotEnoughMemory(what);
-        return Failure{ExitCode::kInternal, fmt::format("cannot draw {}: {}", what, *reason)};
+        return Failure{ErrorKind::kInternal, fmt::format("cannot draw {}: {}", what, *reason)};
     }
     entry = reinterpret_cast<decltype(&UmbrantNewDrawing)>(std::get<void*>(opened));
     return entry;
@@ -35,16 +35,14 @@ Result<decltype(&UmbrantNewDrawing)> Entry(const std::string& what) {
 }  // namespace
 
 Result<std::unique_ptr<Drawing>> NewDrawing(const std::string& what, int width, int height, DrawnPixels pixels) {
-    const auto entry = Entry(what);
-    if (!entry) return entry.Error();
-    std::unique_ptr<Drawing> drawing((*entry)(width, height, pixels == DrawnPixels::kOpaque));
+    const auto entry = TRY(Entry(what));
+    std::unique_ptr<Drawing> drawing((entry)(width, height, pixels == DrawnPixels::kOpaque));
     if (!drawing) return NotEnoughMemory(what, width, height, Depth::k8);
     return drawing;
 }
 
 Result<Done> CheckCanDraw(const std::string& what) {
-    const auto entry = Entry(what);
-    if (!entry) return entry.Error();
+    TRY(Entry(what));
     return Done{};
 }
 

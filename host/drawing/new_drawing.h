@@ -16,14 +16,14 @@ namespace umbrant::host {
 enum class DrawnPixels { kOpaque, kWithAlpha };
 
 /// A drawing of black, or transparent, pixels. `what` names it in messages: "a picture of the panel". The first one
-/// opens umbrant_drawing.so. Fails with `ExitCode::kInternal` when that cannot be loaded or there is no memory.
+/// opens umbrant_drawing.so. Fails with `ErrorKind::kInternal` when that cannot be loaded or there is no memory.
 Result<std::unique_ptr<Drawing>> NewDrawing(const std::string& what, int width, int height,
                                             DrawnPixels pixels = DrawnPixels::kOpaque);
 
 /// Fails as NewDrawing would when no drawing can be made in this process because of umbrant_drawing.so.
 Result<Done> CheckCanDraw(const std::string& what);
 
-/// The pixels of an opaque drawing, as a world of 8 bits. Fails with `ExitCode::kInternal` when there is no memory.
+/// The pixels of an opaque drawing, as a world of 8 bits. Fails with `ErrorKind::kInternal` when there is no memory.
 Result<World> WorldOf(const std::string& what, Drawing& drawing);
 
 }  // namespace umbrant::host

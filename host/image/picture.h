@@ -41,9 +41,9 @@ struct ReadOptions {
 /// Reads an image of a file, or of standard input for the file "-". 16-bit integers and halves become float. Grey
 /// becomes three equal channels, a palette its colours; without an alpha channel every pixel is opaque. Premultiplied
 /// files (EXR by definition, TIFF where it says so) are divided by their alpha; a pixel of alpha 0 keeps its colour as
-/// it is. Values are the file's: no colour conversion. Fails with `ExitCode::kFile`, also for a deep file, and for one
+/// it is. Values are the file's: no colour conversion. Fails with `ErrorKind::kFile`, also for a deep file, and for one
 /// that claims more pixels than can be drawn, which is found out before memory is taken for them; with
-/// `ExitCode::kUsage` when the file has no such layer or part.
+/// `ErrorKind::kUsage` when the file has no such layer or part.
 Result<Picture> ReadPicture(const std::filesystem::path& file, const ReadOptions& options = {});
 
 /// The same without reading pixels: the picture has its sizes, format and depth, and neither pixels nor metadata. Fails
@@ -82,21 +82,21 @@ struct WriteOptions {
 };
 
 /// Whether there is a format to write: the extension's or, for the file "-", which is standard output, the one of this
-/// name. Fails with `ExitCode::kFile` or, for a wrong name, `ExitCode::kUsage`.
+/// name. Fails with `ErrorKind::kFile` or, for a wrong name, `ErrorKind::kUsage`.
 Result<Done> CheckFormat(const std::filesystem::path& file, const std::string& name = "");
 
-/// Whether that format has this compression. Fails with `ExitCode::kUsage` and what it has.
+/// Whether that format has this compression. Fails with `ErrorKind::kUsage` and what it has.
 Result<Done> CheckCompression(const std::filesystem::path& file, const std::string& compression,
                               const std::string& name = "");
 
-/// Whether that format can store channels in this depth. Fails with `ExitCode::kUsage` and what it has.
+/// Whether that format can store channels in this depth. Fails with `ErrorKind::kUsage` and what it has.
 Result<Done> CheckFileDepth(const std::filesystem::path& file, FileDepth depth, const std::string& name = "");
 
 /// The extensions that WritePicture knows, as a phrase: ".png, .tif, ...".
 std::string WritableFormats();
 
 /// Whether a picture could be written there: extension, folder, not a folder itself. For failing before the work is
-/// done. Fails with `ExitCode::kFile`.
+/// done. Fails with `ErrorKind::kFile`.
 Result<Done> CheckWritable(const std::filesystem::path& file);
 
 /// The same without the extension, which may be of something else than a picture.
@@ -110,7 +110,7 @@ Result<Done> CheckPlace(const std::filesystem::path& file);
 /// The file is never incomplete: it is written under a temporary name in its folder and then renamed. A
 /// symbolic link stays, and the file that it leads to is replaced; a file that is replaced passes its mode on. The same
 /// arguments give the same bytes at any time: the date is the metadata's, else SOURCE_DATE_EPOCH, else there is none.
-/// Fails with `ExitCode::kFile`, also for an empty world.
+/// Fails with `ErrorKind::kFile`, also for an empty world.
 Result<Done> WritePicture(const std::filesystem::path& file, const World& world, const Placement& place,
                           const WriteOptions& options = {});
 

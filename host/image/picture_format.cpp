@@ -92,16 +92,16 @@ Failure UnknownFormat(const fs::path& file) {
     if (extension == ".gif") {
         what += "; for an animation write a clip, .mov, .mkv or .webm, which `ffmpeg -i clip.mov clip.gif` converts";
     }
-    return {ExitCode::kFile, fmt::format("cannot write '{}': {}", file.string(), what)};
+    return {ErrorKind::kFile, fmt::format("cannot write '{}': {}", file.string(), what)};
 }
 
 Failure UnknownFormatName(const std::string& name) {
     if (name.empty()) {
-        return {ExitCode::kUsage,
+        return {ErrorKind::kUsage,
                 "standard output has no extension; name its format with --format png, tif, exr or "
                 "jpg"};
     }
-    return {ExitCode::kUsage,
+    return {ErrorKind::kUsage,
             fmt::format("'{}' is not a format that can be written; use --format png, tif, exr or jpg", name)};
 }
 
@@ -137,32 +137,29 @@ std::string WritableFormats() {
 }
 
 Result<Done> CheckFormat(const fs::path& file, const std::string& name) {
-    const auto format = WantedFormat(file, name);
-    if (!format) return format.Error();
+    TRY(WantedFormat(file, name));
     return Done{};
 }
 
 Result<Done> CheckCompression(const fs::path& file, const std::string& compression, const std::string& name) {
-    const auto wanted = WantedFormat(file, name);
-    if (!wanted) return wanted.Error();
-    const Format& format = **wanted;
+    const auto wanted = TRY(WantedFormat(file, name));
+    const Format& format = *wanted;
     if (HasCompression(format, compression)) return Done{};
     if (format.form == Form::kOnWhite) {
-        return Failure{ExitCode::kUsage,
+        return Failure{ErrorKind::kUsage,
                        fmt::format("'{}' is not a compression of {}; use 'jpeg:1' to 'jpeg:100', its quality",
                                    compression, format.extension)};
     }
-    return Failure{ExitCode::kUsage,
+    return Failure{ErrorKind::kUsage,
                    fmt::format("'{}' is not a compression of {}; use one of:{}", compression, format.extension,
                                format.compressions.substr(0, format.compressions.size() - 1))};
 }
 
 Result<Done> CheckFileDepth(const fs::path& file, FileDepth depth, const std::string& name) {
-    const auto wanted = WantedFormat(file, name);
-    if (!wanted) return wanted.Error();
-    const Format& format = **wanted;
+    const auto wanted = TRY(WantedFormat(file, name));
+    const Format& format = *wanted;
     if (depth == FileDepth::kAuto || Lists(format.depths, NameOf(depth))) return Done{};
-    return Failure{ExitCode::kUsage,
+    return Failure{ErrorKind::kUsage,
                    fmt::format("{} has no channels of '{}'; use --output-depth with one of:{}", format.extension,
                                NameOf(depth), format.depths.substr(0, format.depths.size() - 1))};
 }

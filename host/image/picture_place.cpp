@@ -17,7 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 
 Failure CannotWrite(const fs::path& file, std::string_view reason) {
-    return {ExitCode::kFile, fmt::format("cannot write '{}': {}", file.string(), reason)};
+    return {ErrorKind::kFile, fmt::format("cannot write '{}': {}", file.string(), reason)};
 }
 
 }  // namespace

@@ -42,7 +42,7 @@ Failure NoMemoryFor(const fs::path& file) {
 
 Failure CannotRead(const fs::path& file, std::string_view reason) {
     if (SaysNoMemory(std::string(reason))) return NoMemoryFor(file);
-    return {SaysNoThread(std::string(reason)) ? ExitCode::kInternal : ExitCode::kFile,
+    return {SaysNoThread(std::string(reason)) ? ErrorKind::kInternal : ErrorKind::kFile,
             fmt::format("cannot read '{}': {}", file.string(), reason)};
 }
 
@@ -202,12 +202,11 @@ std::optional<std::string> TakeStandardInput(int file) {
 template <typename Read>
 Result<Picture> ChooseAnd(ImageReader& input, const fs::path& file, const ReadOptions& options, Read read) {
     auto partNote = ChoosePart(input, options.part, file.string());
-    if (!partNote) return partNote.Error();
+    if (!partNote) return partNote.error();
     if (input.Layout().isDeep) return CannotRead(file, "a deep image; flatten it first");
-    auto choice = ChooseChannels(input.Layout(), options.layer, file.string());
-    if (!choice) return choice.Error();
-    if (!partNote->empty()) choice->note = *partNote + (choice->note.empty() ? "" : "; " + choice->note);
-    return read(input, file, *choice);
+    auto choice = TRY(ChooseChannels(input.Layout(), options.layer, file.string()));
+    if (!partNote->empty()) choice.note = *partNote + (choice.note.empty() ? "" : "; " + choice.note);
+    return read(input, file, choice);
 }
 
 /// Opens the file and lets `read` make a picture of it.

@@ -31,7 +31,7 @@ namespace fs = std::filesystem;
 
 Failure CannotWrite(const fs::path& file, std::string_view reason) {
     if (SaysNoMemory(std::string(reason))) return NotEnoughMemory(fmt::format("writing '{}'", file.string()));
-    return {SaysNoThread(std::string(reason)) ? ExitCode::kInternal : ExitCode::kFile,
+    return {SaysNoThread(std::string(reason)) ? ErrorKind::kInternal : ErrorKind::kFile,
             fmt::format("cannot write '{}': {}", file.string(), reason)};
 }
 
@@ -181,14 +181,14 @@ bool HasPixels(const World& world) {
 }  // namespace
 
 Result<Done> CheckWritable(const fs::path& file) {
-    if (file.empty()) return Failure{ExitCode::kFile, "cannot write: the output's name is empty"};
+    if (file.empty()) return Failure{ErrorKind::kFile, "cannot write: the output's name is empty"};
     if (auto known = CheckFormat(file); !known) return known;
     return CheckPlace(file);
 }
 
 Result<std::string> EncodePicture(const World& world, const Placement& place, const WriteOptions& options) {
     const fs::path output = "-";
-    if (auto known = CheckFormat(output, options.format); !known) return known.Error();
+    TRY(CheckFormat(output, options.format));
     if (!HasPixels(world)) return CannotWrite(output, kNothing);
     EncodedFile encoded;
     if (const auto problem = EncodeTo(encoded, *FormatOf(output, options.format), world, place, options)) {

@@ -72,7 +72,7 @@ class ModuleServer {
             } catch (const std::bad_alloc&) {
                 answer = Refused(NotEnoughMemory("the module's process"));
             } catch (const std::exception& problem) {
-                answer = Refused({ExitCode::kInternal, std::string("the module's process failed: ") + problem.what()});
+                answer = Refused({ErrorKind::kInternal, std::string("the module's process failed: ") + problem.what()});
             }
             program_.Send(answer);
             if (ended_) EndChild(0);
@@ -85,7 +85,7 @@ class ModuleServer {
     json Serve(const json& request) {
         const auto what = request.at("do").get<std::string>();
         if (what == "open") return Open(request);
-        if (!session_) return Refused({ExitCode::kInternal, "the module's process has no session"});
+        if (!session_) return Refused({ErrorKind::kInternal, "the module's process has no session"});
         if (request.contains("values")) SetValues(request.at("values"), session_->Params());
         if (what == "render") return Render(request);
         if (what == "pre-render") return PreRender(request);
@@ -94,26 +94,26 @@ class ModuleServer {
         }
         if (what == "about") {
             const auto about = session_->About();
-            return about ? WithRecords({{"about", *about}}) : Refused(about.Error());
+            return about ? WithRecords({{"about", *about}}) : Refused(about.error());
         }
         if (what == "draw panel") return DrawPanel(request);
         if (what == "update panel") return AfterPanelCommand(session_->UpdateParamsUI());
         if (what == "user changed") return AfterPanelCommand(session_->UserChangedParam(request.at("row")));
         if (what == "end") return EndSession();
-        return Refused({ExitCode::kInternal, "the module's process got the unknown request '" + what + "'"});
+        return Refused({ErrorKind::kInternal, "the module's process got the unknown request '" + what + "'"});
     }
 
     json Open(const json& request) {
         statusBlock_ = program_.Block(request.at("status"));
         if (!statusBlock_ || statusBlock_->Size() < sizeof(ModuleStatus)) {
-            return Refused({ExitCode::kInternal, "the module's process has no status page"});
+            return Refused({ErrorKind::kInternal, "the module's process has no status page"});
         }
         status_ = reinterpret_cast<ModuleStatus*>(statusBlock_->Data());
         on_exit(EndAtOnce, nullptr);
         auto module = Module::Load(request.at("module").get<std::string>());
         // Once more, as what is registered last is called first, and the module may have registered something.
         on_exit(EndAtOnce, nullptr);
-        if (!module) return Refused(module.Error());
+        if (!module) return Refused(module.error());
         module_ = std::make_unique<Module>(std::move(*module));
         status_->phase = ModuleStatus::kBetween;
 
@@ -129,7 +129,7 @@ class ModuleServer {
             return program_.MakeOutput(width, height, depth);
         };
         auto session = EffectSession::Start(*module_, std::move(options));
-        if (!session) return Refused(session.Error());
+        if (!session) return Refused(session.error());
         session_.emplace(std::move(*session));
         Watch(&*session_);
         return WithRecords({{"effect", RegistrationJson(module_->Effect())},
@@ -150,7 +150,7 @@ class ModuleServer {
     json EndSession() {
         Watch(nullptr);
         const auto ended = session_->End();
-        json answer = ended ? json::object() : Refused(ended.Error());
+        json answer = ended ? json::object() : Refused(ended.error());
         answer = WithRecords(std::move(answer));
         session_.reset();
         status_->phase = ModuleStatus::kUnloads;
@@ -160,7 +160,7 @@ class ModuleServer {
     }
 
     json AfterPanelCommand(const Result<Done>& done) {
-        if (!done) return WithRecords(Refused(done.Error()));
+        if (!done) return WithRecords(Refused(done.error()));
         return WithRecords({{"values", ValuesJson(session_->Params())}});
     }
 
@@ -225,7 +225,7 @@ class ModuleServer {
         Asked asked;
         Fill(asked, message);
         const auto answer = session_->PreRender(asked.request);
-        if (!answer) return WithRecords(Refused(answer.Error()));
+        if (!answer) return WithRecords(Refused(answer.error()));
         return WithRecords({{"resultRect", BytesOf(answer->resultRect)},
                             {"maxRect", BytesOf(answer->maxRect)},
                             {"solid", answer->solid},
@@ -238,7 +238,7 @@ class ModuleServer {
         Fill(asked, message);
         program_.ForgetOutput();
         auto frame = session_->Render(asked.request);
-        if (!frame) return WithRecords(Refused(frame.Error()));
+        if (!frame) return WithRecords(Refused(frame.error()));
         return WithRecords({{"output", BytesOf(FactsOf(frame->output, program_.OutputBlock()))},
                             {"resultRect", BytesOf(frame->rect)},
                             {"maxRect", BytesOf(frame->maxRect)},
@@ -255,7 +255,7 @@ class ModuleServer {
         options.theme = message.at("light") ? &kLightTheme : &kDarkTheme;
         options.effectName = message.at("effectName");
         const auto picture = host::DrawPanel(*session_, options);
-        if (!picture) return WithRecords(Refused(picture.Error()));
+        if (!picture) return WithRecords(Refused(picture.error()));
         const World& pixels = picture->pixels;
         World shared = program_.MakeOutput(pixels.Width(), pixels.Height(), pixels.PixelDepth());
         if (shared.IsNull()) {

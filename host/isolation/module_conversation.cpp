@@ -23,8 +23,7 @@ constexpr std::chrono::seconds kEndsIn{5};
 
 Result<json> ModuleConversation::Begin(const std::filesystem::path& program, const SessionOptions& session) {
     blocks_.ForgetAll();
-    auto child = ChildProgram::Start(program, {kModuleProcessArgument});
-    if (!child) return child.Error();
+    auto child = TRY(ChildProgram::Start(program, {kModuleProcessArgument}));
     const auto page = SharedMemory::Create(sizeof(ModuleStatus));
     if (!page) return NoPixelMemory(sizeof(ModuleStatus));
     {
@@ -33,13 +32,13 @@ Result<json> ModuleConversation::Begin(const std::filesystem::path& program, con
         status_ = new (page->Data()) ModuleStatus;
         status_->command = -1;
     }
-    child_ = std::move(*child);
+    child_ = std::move(child);
     Parcel parcel;
     parcel.content = {
         {"do", "open"}, {"module", module_.string()}, {"options", OptionsJson(session)}, {"status", page->Id()}};
     blocks_.Attach(parcel, page);
     auto answer = Exchange(std::move(parcel), nullptr);
-    if (!answer) return GiveUp(answer.Error());
+    if (!answer) return GiveUp(answer.error());
     return answer;
 }
 
@@ -94,7 +93,7 @@ Result<json> ModuleConversation::Exchange(Parcel parcel, const FrameRequest* req
             });
         }
         auto answer = Guarded([&] { return Answer(message.content, request); });
-        if (!answer) return answer.Error();
+        if (!answer) return answer.error();
         if (!Send(*answer)) return Ended();
         for (auto& block : answer->blocks) keptBlocks.push_back(std::move(block));
     }
@@ -117,13 +116,13 @@ Result<Parcel> ModuleConversation::Answer(const json& question, const FrameReque
     }
     if (about != "layers" || !request || !request->layersAt) return GiveUp(WrongMessage(module_));
     if (auto filled = FillLayers(request->layersAt(moment), answer); !filled) {
-        answer.content = {{"failure", FailureJson(filled.Error())}};
+        answer.content = {{"failure", FailureJson(filled.error())}};
     }
     return answer;
 }
 
 Result<Done> ModuleConversation::FillLayers(const Result<MomentLayers>& layers, Parcel& parcel) {
-    if (!layers) return layers.Error();
+    if (!layers) return layers.error();
     parcel.content["width"] = layers->layerWidth;
     parcel.content["height"] = layers->layerHeight;
     return FillLayers(layers->layer, layers->texture, parcel);

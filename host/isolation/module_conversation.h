@@ -41,7 +41,7 @@ class ModuleConversation {
     /// Sends a request and answers the questions of the process until it answers. `request` is the frame that is drawn,
     /// null outside of frames.
     Result<nlohmann::json> Exchange(Parcel parcel, const FrameRequest* request);
-    /// Names the layers of a frame in a message. Fails with `ExitCode::kInternal`.
+    /// Names the layers of a frame in a message. Fails with `ErrorKind::kInternal`.
     Result<Done> FillLayers(const World* layer, const World* texture, Parcel& parcel);
     /// A frame begins, which has no output yet.
     void ForgetOutput() { output_ = nullptr; }

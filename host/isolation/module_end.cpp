@@ -46,18 +46,17 @@ Failure ExplainEnd(const ProcessEnd& end, const std::filesystem::path& module, c
         what = fmt::format("crashed with signal {} ({})", end.signal, strsignal(end.signal));
     }
     if (status.phase == ModuleStatus::kLoads) {
-        return {ExitCode::kModule, fmt::format("cannot load the module '{}': it {} {}{}", module.string(), what,
-                                               WhenOf(status), Advice(module))};
+        return {ErrorKind::kModule, fmt::format("cannot load the module '{}': it {} {}{}", module.string(), what,
+                                                WhenOf(status), Advice(module))};
     }
-    return {ExitCode::kEffectFailed,
+    return {ErrorKind::kEffect,
             fmt::format("the module '{}' {} {}{}", module.string(), what, WhenOf(status), Advice(module))};
 }
 
 Failure WrongMessage(const std::filesystem::path& module) {
-    return {ExitCode::kEffectFailed,
-            fmt::format("the process of the module '{}' sent an invalid message: the module has "
-                        "overwritten memory that it does not own{}",
-                        module.string(), Advice(module))};
+    return {ErrorKind::kEffect, fmt::format("the process of the module '{}' sent an invalid message: the module has "
+                                            "overwritten memory that it does not own{}",
+                                            module.string(), Advice(module))};
 }
 
 }  // namespace umbrant::host

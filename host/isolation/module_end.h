@@ -12,7 +12,7 @@
 
 namespace umbrant::host {
 
-/// `ExitCode::kModule` while the module was loaded, else `ExitCode::kEffectFailed`.
+/// `ErrorKind::kModule` while the module was loaded, else `ErrorKind::kEffect`.
 Failure ExplainEnd(const ProcessEnd& end, const std::filesystem::path& module, const ModuleStatus& status);
 
 /// The process sent something that is no message.

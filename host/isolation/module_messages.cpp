@@ -59,11 +59,11 @@ struct OptionNumbers {
 }  // namespace
 
 json FailureJson(const Failure& failure) {
-    return {{"code", static_cast<int>(failure.code)}, {"sentence", failure.sentence}};
+    return {{"kind", static_cast<int>(failure.kind)}, {"sentence", failure.sentence}};
 }
 
 Failure ReadFailure(const json& object) {
-    return {static_cast<ExitCode>(object.at("code").get<int>()), object.at("sentence").get<std::string>()};
+    return {static_cast<ErrorKind>(object.at("kind").get<int>()), object.at("sentence").get<std::string>()};
 }
 
 json RegistrationJson(const Registration& effect) {

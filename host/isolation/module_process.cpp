@@ -31,11 +31,10 @@ class Proxy final : public ModuleProcess {
 
     /// Starts a process and sets the session up in it. The values, and what the panel shows, stay those of before.
     Result<Done> Begin() {
-        const auto answer = conversation_.Begin(options_.program, options_.session);
-        if (!answer) return answer.Error();
+        const auto answer = TRY(conversation_.Begin(options_.program, options_.session));
         return conversation_.Guarded([&]() -> Result<Done> {
-            records_.TakeDeclaration(*answer);
-            records_.TakeRecords(*answer);
+            records_.TakeDeclaration(answer);
+            records_.TakeRecords(answer);
             return Done{};
         });
     }
@@ -47,7 +46,7 @@ class Proxy final : public ModuleProcess {
         ModuleProcessOptions same = options_;
         if (options) same.session = *options;
         auto another = std::make_unique<Proxy>(std::move(same));
-        if (auto begun = another->Begin(); !begun) return begun.Error();
+        TRY(another->Begin());
         another->renderer_ = renderer_.load();
         if (another->records_.params.Count() == records_.params.Count()) another->records_.params = records_.params;
         return std::unique_ptr<RemoteSession>(std::move(another));
@@ -56,17 +55,16 @@ class Proxy final : public ModuleProcess {
     Result<Done> End() override {
         if (!conversation_.IsOpen()) return Done{};
         const auto answer = Do({{"do", "end"}});
-        if (!conversation_.IsOpen()) return answer.Error();
+        if (!conversation_.IsOpen()) return answer.error();
         // The effect has said all it had to say: how it leaves its process changes nothing.
         conversation_.WaitForEnd();
-        if (!answer) return answer.Error();
+        if (!answer) return answer.error();
         return Done{};
     }
 
     Result<std::string> About() override {
-        const auto answer = Do({{"do", "about"}});
-        if (!answer) return answer.Error();
-        return answer->value("about", "");
+        const auto answer = TRY(Do({{"do", "about"}}));
+        return answer.value("about", "");
     }
 
     Result<Done> UpdateParamsUI() override {
@@ -86,43 +84,39 @@ class Proxy final : public ModuleProcess {
     void SetRenderer(UMBRANT_Renderer renderer) override { renderer_ = renderer; }
 
     Result<PreRendered> PreRender(const FrameRequest& request) override {
-        const auto answer = DoFrame("pre-render", request);
-        if (!answer) return answer.Error();
+        const auto answer = TRY(DoFrame("pre-render", request));
         return conversation_.Guarded([&]() -> Result<PreRendered> {
-            return PreRendered{RecordOf<PF_LRect>(answer->at("resultRect")), RecordOf<PF_LRect>(answer->at("maxRect")),
-                               answer->at("solid").get<PF_Boolean>(), answer->at("flags").get<PF_RenderOutputFlags>(),
-                               CommandsOf(answer->at("frameCommands"))};
+            return PreRendered{RecordOf<PF_LRect>(answer.at("resultRect")), RecordOf<PF_LRect>(answer.at("maxRect")),
+                               answer.at("solid").get<PF_Boolean>(), answer.at("flags").get<PF_RenderOutputFlags>(),
+                               CommandsOf(answer.at("frameCommands"))};
         });
     }
 
     Result<Frame> Render(const FrameRequest& request) override {
-        const auto answer = DoFrame("render", request);
-        if (!answer) return answer.Error();
+        const auto answer = TRY(DoFrame("render", request));
         return conversation_.Guarded([&]() -> Result<Frame> {
-            auto output = conversation_.TakeOutput(*answer);
-            if (!output) return output.Error();
+            auto output = TRY(conversation_.TakeOutput(answer));
             Frame frame;
-            frame.output = std::move(*output);
-            frame.rect = RecordOf<PF_LRect>(answer->at("resultRect"));
-            frame.maxRect = RecordOf<PF_LRect>(answer->at("maxRect"));
+            frame.output = std::move(output);
+            frame.rect = RecordOf<PF_LRect>(answer.at("resultRect"));
+            frame.maxRect = RecordOf<PF_LRect>(answer.at("maxRect"));
             frame.output.Def().origin_x = frame.rect.left;
             frame.output.Def().origin_y = frame.rect.top;
-            frame.message = answer->at("message").get<std::string>();
-            frame.messageIsError = answer->at("messageIsError").get<bool>();
-            frame.commands = CommandsOf(answer->at("frameCommands"));
-            frame.suites = answer->at("suites").get<std::vector<std::string>>();
+            frame.message = answer.at("message").get<std::string>();
+            frame.messageIsError = answer.at("messageIsError").get<bool>();
+            frame.commands = CommandsOf(answer.at("frameCommands"));
+            frame.suites = answer.at("suites").get<std::vector<std::string>>();
             return frame;
         });
     }
 
     Result<World> DrawPanel(const RemotePanelOptions& options) override {
-        const auto answer = Do({{"do", "draw panel"},
-                                {"width", options.width},
-                                {"scale", options.scale},
-                                {"light", options.light},
-                                {"effectName", options.effectName}});
-        if (!answer) return answer.Error();
-        return conversation_.Guarded([&]() { return conversation_.TakeOutput(*answer); });
+        const auto answer = TRY(Do({{"do", "draw panel"},
+                                    {"width", options.width},
+                                    {"scale", options.scale},
+                                    {"light", options.light},
+                                    {"effectName", options.effectName}}));
+        return conversation_.Guarded([&]() { return conversation_.TakeOutput(answer); });
     }
 
     ParamSet& Params() override { return records_.params; }
@@ -147,7 +141,7 @@ class Proxy final : public ModuleProcess {
 
  private:
     Result<json> Do(json request) {
-        if (!conversation_.IsOpen()) return Failure{ExitCode::kEffectFailed, "the module's process has ended"};
+        if (!conversation_.IsOpen()) return Failure{ErrorKind::kEffect, "the module's process has ended"};
         Parcel parcel;
         request["values"] = ValuesJson(records_.params);
         parcel.content = std::move(request);
@@ -160,19 +154,18 @@ class Proxy final : public ModuleProcess {
     }
 
     Result<Done> DoPanelCommand(json request) {
-        const auto answer = Do(std::move(request));
-        if (!answer) return answer.Error();
+        const auto answer = TRY(Do(std::move(request)));
         return conversation_.Guarded([&]() -> Result<Done> {
-            SetValues(answer->at("values"), records_.params);
+            SetValues(answer.at("values"), records_.params);
             return Done{};
         });
     }
 
     Result<json> DoFrame(const char* what, const FrameRequest& request) {
         if (!request.layer || request.layer->IsNull()) {
-            return Failure{ExitCode::kInternal, "a frame was requested without a layer"};
+            return Failure{ErrorKind::kInternal, "a frame was requested without a layer"};
         }
-        if (auto ready = BeginAgain(); !ready) return ready.Error();
+        TRY(BeginAgain());
         conversation_.ForgetOutput();
         Parcel parcel;
         parcel.content = {{"do", what},
@@ -182,8 +175,7 @@ class Proxy final : public ModuleProcess {
                           {"asksValues", request.valuesAt != nullptr},
                           {"asksLayers", request.layersAt != nullptr}};
         parcel.content["renderer"] = renderer_.load();
-        if (auto filled = conversation_.FillLayers(request.layer, request.texture, parcel); !filled)
-            return filled.Error();
+        TRY(conversation_.FillLayers(request.layer, request.texture, parcel));
         auto answer = conversation_.Exchange(std::move(parcel), &request);
         if (!answer) return answer;
         return conversation_.Guarded([&]() -> Result<json> {
@@ -210,7 +202,7 @@ class Proxy final : public ModuleProcess {
 
 Result<std::unique_ptr<ModuleProcess>> ModuleProcess::Start(const ModuleProcessOptions& options) {
     auto proxy = std::make_unique<Proxy>(options);
-    if (auto begun = proxy->Begin(); !begun) return begun.Error();
+    TRY(proxy->Begin());
     return std::unique_ptr<ModuleProcess>(std::move(proxy));
 }
 

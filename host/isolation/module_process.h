@@ -22,12 +22,12 @@ struct ModuleProcessOptions {
 };
 
 /// The session is that of EffectSession. When its process ends, the call that was under way, or the next one, fails
-/// with one sentence that names the module, how its process ended and the command: `ExitCode::kModule` while the module
-/// was loaded, else `ExitCode::kEffectFailed`. The next frame after that is drawn in a new process.
+/// with one sentence that names the module, how its process ended and the command: `ErrorKind::kModule` while the
+/// module was loaded, else `ErrorKind::kEffect`. The next frame after that is drawn in a new process.
 class ModuleProcess : public RemoteSession {
  public:
     /// Starts the process, loads the module and sets the session up. Fails as Module::Load and EffectSession::Start do,
-    /// with `ExitCode::kInternal` when the process cannot be started, and as above.
+    /// with `ErrorKind::kInternal` when the process cannot be started, and as above.
     static Result<std::unique_ptr<ModuleProcess>> Start(const ModuleProcessOptions& options);
 
     virtual const Registration& Effect() const = 0;

@@ -17,12 +17,12 @@ Failure NoPixelMemory(std::size_t bytes) {
     rlimit files{};
     if (getrlimit(RLIMIT_FSIZE, &files) == 0 && files.rlim_cur != RLIM_INFINITY && files.rlim_cur < bytes) {
         return {
-            ExitCode::kInternal,
+            ErrorKind::kInternal,
             fmt::format("the limit of file sizes is {} KiB, and the pixels that a module's process needs are {} MiB "
                         "of shared memory, which it counts; raise it (`ulimit -f`)",
                         files.rlim_cur >> 10, (bytes >> 20) + 1)};
     }
-    return {ExitCode::kInternal,
+    return {ErrorKind::kInternal,
             fmt::format("not enough memory for the pixels that a module's process needs, {} MiB", (bytes >> 20) + 1)};
 }
 

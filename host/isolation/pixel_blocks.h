@@ -31,7 +31,7 @@ class PixelBlocks {
     std::shared_ptr<SharedMemory> Take(std::size_t size) { return pool_->Take(size); }
     /// Adds a block to the message, and its descriptor unless the process has it.
     void Attach(Parcel& parcel, const std::shared_ptr<SharedMemory>& block);
-    /// Copies a world's pixels into a block and names it in the message. Fails with `ExitCode::kInternal`.
+    /// Copies a world's pixels into a block and names it in the message. Fails with `ErrorKind::kInternal`.
     Result<Done> Put(const World& world, const char* name, Parcel& parcel);
     /// Names the blocks that the process need not keep any more.
     void NameDropped(Parcel& parcel);

@@ -56,7 +56,7 @@ struct Effect::State {
         EffectSession& session = instance.Session();
         const std::lock_guard lock(instance.Shared().loaded->mutex);
         session.Params() = params.values;
-        if (auto updated = session.UpdateParamsUI(); !updated) Throw(Explained(updated.Error()));
+        if (auto updated = session.UpdateParamsUI(); !updated) Throw(Explained(updated.error()));
         params.values = session.Params();
     }
 
@@ -78,7 +78,7 @@ struct Effect::State {
         std::unique_lock lock(instance.Shared().loaded->mutex, std::defer_lock);
         if (!instance.Shared().drawsOnThreads) lock.lock();
         auto answer = call(instance.Session());
-        if (!answer) Throw(Explained(answer.Error()));
+        if (!answer) Throw(Explained(answer.error()));
         return std::move(*answer);
     }
 
@@ -154,7 +154,7 @@ void Effect::ApplyPreset(std::string_view json) {
     const std::lock_guard lock(state_->mutex);
     auto applied = ApplyPresetText(std::string(json), "in memory", state_->params);
     // Without a file a text that is no JSON is an argument that makes no sense.
-    if (!applied && applied.Error().code == ExitCode::kFile) Refuse(applied.Error().sentence);
+    if (!applied && applied.error().kind == ErrorKind::kFile) Refuse(applied.error().sentence);
     Need(std::move(applied));
     state_->isChanged = true;
 }

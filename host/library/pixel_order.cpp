@@ -53,7 +53,7 @@ Depth DepthOf(PixelFormat format) {
 
 Result<Done> CheckView(const ImageView& view, const std::string& what) {
     const auto wrong = [&](const std::string& reason) {
-        return Failure{ExitCode::kUsage, fmt::format("{} {}", what, reason)};
+        return Failure{ErrorKind::kUsage, fmt::format("{} {}", what, reason)};
     };
     if (view.format != PixelFormat::kRgba8 && view.format != PixelFormat::kRgbaFloat) {
         return wrong(

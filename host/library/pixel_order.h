@@ -16,7 +16,7 @@ namespace umbrant::host {
 /// The world's depth for a format.
 Depth DepthOf(umbrant::PixelFormat format);
 
-/// Whether a view's pixels can be reached. `what` ("the layer") begins the sentence. Fails with `ExitCode::kUsage`.
+/// Whether a view's pixels can be reached. `what` ("the layer") begins the sentence. Fails with `ErrorKind::kUsage`.
 Result<Done> CheckView(const umbrant::ImageView& view, const std::string& what);
 
 /// A world of a view's pixels in this depth; an empty one of a view without pixels. The view was checked. Null when

@@ -48,16 +48,14 @@ Result<std::shared_ptr<SharedModule>> SetUp(const fs::path& file, const std::sha
                                             UMBRANT_Renderer renderer) {
     std::shared_ptr<LoadedModule> loaded = other ? other->loaded : nullptr;
     if (!loaded) {
-        auto module = Module::Load(file);
-        if (!module) return module.Error();
-        loaded = std::make_shared<LoadedModule>(std::move(*module));
+        auto module = TRY(Module::Load(file));
+        loaded = std::make_shared<LoadedModule>(std::move(module));
     }
     SessionOptions options;
     options.renderer = renderer;
     const std::lock_guard panelLock(loaded->mutex);
-    auto session = EffectSession::Start(loaded->module, options);
-    if (!session) return session.Error();
-    auto shared = std::make_shared<SharedModule>(loaded, std::move(*session));
+    auto session = TRY(EffectSession::Start(loaded->module, options));
+    auto shared = std::make_shared<SharedModule>(loaded, std::move(session));
     shared->drawsOnThreads = (shared->root.OutFlags2() & PF_OutFlag2_SUPPORTS_THREADED_RENDERING) != 0;
     return shared;
 }
@@ -65,26 +63,24 @@ Result<std::shared_ptr<SharedModule>> SetUp(const fs::path& file, const std::sha
 }  // namespace
 
 Result<SharedInstance> SharedInstance::Start(const SharedModuleRequest& request) {
-    const auto file = FileOf(request);
-    if (!file) return file.Error();
+    const auto file = TRY(FileOf(request));
     std::error_code error;
-    const fs::path canonical = fs::canonical(*file, error);
-    const fs::path& key = error ? *file : canonical;
+    const fs::path canonical = fs::canonical(file, error);
+    const fs::path& key = error ? file : canonical;
 
     Registry& registry = TheRegistry();
     const std::lock_guard lock(registry.mutex);
     const auto preference =
         request.renderer ? Result<RendererPreference>(*request.renderer) : ReadRendererPreference("");
-    if (!preference) return preference.Error();
+    if (!preference) return preference.error();
     const UMBRANT_Renderer needed = RendererOfSetUp(*preference);
     Registry::SetUps& setUps = registry.loaded[key];
     const std::shared_ptr<SharedModule> processorOnly = setUps.processorOnly.lock();
     std::shared_ptr<SharedModule> shared = setUps.any.lock();
     if (!shared && needed == UMBRANT_Renderer_PROCESSOR) shared = processorOnly;
     if (!shared) {
-        auto made = SetUp(*file, processorOnly, needed);
-        if (!made) return made.Error();
-        shared = std::move(*made);
+        auto made = TRY(SetUp(file, processorOnly, needed));
+        shared = std::move(made);
         (needed == UMBRANT_Renderer_PROCESSOR ? setUps.processorOnly : setUps.any) = shared;
     }
     RendererDecision renderer = DecideRenderer(*preference, ReadGpuStrings(shared->root.Params()));
@@ -92,10 +88,9 @@ Result<SharedInstance> SharedInstance::Start(const SharedModuleRequest& request)
     SessionOptions options;
     if (request.collapsed) options.layerFlags |= AEGP_LayerFlag_COLLAPSE;
     const std::lock_guard panelLock(shared->loaded->mutex);
-    auto session = EffectSession::StartInstance(shared->root, options);
-    if (!session) return session.Error();
-    session->SetRenderer(renderer.Request());
-    return SharedInstance(shared, std::move(*session), std::move(renderer));
+    auto session = TRY(EffectSession::StartInstance(shared->root, options));
+    session.SetRenderer(renderer.Request());
+    return SharedInstance(shared, std::move(session), std::move(renderer));
 }
 
 SharedInstance::~SharedInstance() {

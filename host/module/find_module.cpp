@@ -122,7 +122,7 @@ Result<std::filesystem::path> FindModule(const ModuleSearch& search) {
         const char* joint = places.empty() ? "" : &folder == &search.folders.back() ? " or " : ", ";
         places += fmt::format("{}'{}'", joint, folder.string());
     }
-    return Failure{ExitCode::kModule, fmt::format("no module was found in {}; {}", places, search.advice)};
+    return Failure{ErrorKind::kModule, fmt::format("no module was found in {}; {}", places, search.advice)};
 }
 
 Result<std::filesystem::path> FindModule(const std::optional<std::filesystem::path>& option) {

@@ -27,7 +27,7 @@ constexpr char kHostVersion[] = "1";
 using RegistrationFunction = PF_Err (*)(PF_PluginDataPtr, PF_PluginDataCB, SPBasicSuite*, const char*, const char*);
 
 Failure ModuleFailure(const std::filesystem::path& file, const std::string& reason) {
-    return {ExitCode::kModule, fmt::format("cannot load the module '{}': {}", file.string(), reason)};
+    return {ErrorKind::kModule, fmt::format("cannot load the module '{}': {}", file.string(), reason)};
 }
 
 /// What the callback has received; the pointer that is handed through the module.
@@ -133,7 +133,7 @@ Result<Done> CheckModuleIsThere(const std::filesystem::path& file) {
 }
 
 Result<Module> Module::Load(const std::filesystem::path& file) {
-    if (auto there = CheckModuleIsThere(file); !there) return there.Error();
+    TRY(CheckModuleIsThere(file));
     std::error_code ignored;
     if (std::filesystem::is_directory(file, ignored)) {
         return ModuleFailure(file, "a folder; name the module's file inside it");
@@ -149,7 +149,7 @@ Result<Module> Module::Load(const std::filesystem::path& file) {
     if (!module.library_) {
         const char* reason = dlerror();
         if (reason && std::string_view(reason).find(std::strerror(ENOMEM)) != std::string_view::npos) {
-            return Failure{ExitCode::kInternal,
+            return Failure{ErrorKind::kInternal,
                            fmt::format("not enough memory for the module '{}', {} MiB", file.string(),
                                        (std::filesystem::file_size(path, ignored) >> 20) + 1)};
         }

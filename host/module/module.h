@@ -41,7 +41,7 @@ struct CallOutcome {
 class Module {
  public:
     /// Loads the file, lets it register its effect and finds the command entry. Every failure has
-    /// `ExitCode::kModule` and names the file, the reason and what would be right.
+    /// `ErrorKind::kModule` and names the file, the reason and what would be right.
     static Result<Module> Load(const std::filesystem::path& file);
 
     Module(Module&&) noexcept = default;
@@ -94,7 +94,7 @@ ModuleSearch DefaultModuleSearch(const std::optional<std::filesystem::path>& opt
                                  ModuleSeeker seeker = ModuleSeeker::kProgram);
 
 /// The module's file: the option, else the environment's, else the first that exists in the folders. A file that was
-/// named is returned as it is; Load reports what is wrong with it. Fails with `ExitCode::kModule` when none was named
+/// named is returned as it is; Load reports what is wrong with it. Fails with `ErrorKind::kModule` when none was named
 /// and none found.
 Result<std::filesystem::path> FindModule(const ModuleSearch& search);
 Result<std::filesystem::path> FindModule(const std::optional<std::filesystem::path>& option);

@@ -60,14 +60,13 @@ Result<PanelPicture> DrawPanel(EffectSession& session, const PanelPictureOptions
     if (RemoteSession* remote = session.Remote()) {
         auto pixels =
             remote->DrawPanel({options.width, options.scale, options.theme == &kLightTheme, options.effectName});
-        if (!pixels) return pixels.Error();
+        if (!pixels) return pixels.error();
         picture.pixels = std::move(*pixels);
         return picture;
     }
     const int height = static_cast<int>(std::ceil(PanelHeight(picture.items)));
-    const auto made = NewDrawing(kPanel, options.width * options.scale, height * options.scale);
-    if (!made) return made.Error();
-    Drawing& drawing = **made;
+    const auto made = TRY(NewDrawing(kPanel, options.width * options.scale, height * options.scale));
+    Drawing& drawing = *made;
     const double scale = options.scale;
     drawing.SetMatrix({.xx = scale, .yy = scale});
 
@@ -76,11 +75,10 @@ Result<PanelPicture> DrawPanel(EffectSession& session, const PanelPictureOptions
     for (const PanelItem& item : picture.items) {
         painter.DrawRow(item);
         if (item.control != PanelControl::kOwn || !session.WantsPanelEvents()) continue;
-        if (auto drawn = DrawOwnRow(session, item, drawing, options); !drawn) return drawn.Error();
+        TRY(DrawOwnRow(session, item, drawing, options));
     }
-    auto pixels = WorldOf(kPanel, drawing);
-    if (!pixels) return pixels.Error();
-    picture.pixels = std::move(*pixels);
+    auto pixels = TRY(WorldOf(kPanel, drawing));
+    picture.pixels = std::move(pixels);
     return picture;
 }
 

@@ -33,7 +33,7 @@ std::vector<PanelItem> PanelItems(const EffectSession& session, int width);
 
 /// Draws the panel in the state in which it is: the effect must have been asked to update it. Rows that the effect
 /// draws get a new context, a draw event and the context's end. Fails with the effect's message when it cannot draw,
-/// and with `ExitCode::kInternal` when there is no memory.
+/// and with `ErrorKind::kInternal` when there is no memory.
 Result<PanelPicture> DrawPanel(EffectSession& session, const PanelPictureOptions& options);
 
 }  // namespace umbrant::host

@@ -89,22 +89,22 @@ Result<int> FindButton(const EffectSession& session, std::string_view name) {
     if (found.empty()) {
         const auto near = Nearest(form, known, 2);
         return Failure{
-            ExitCode::kUsage,
+            ErrorKind::kUsage,
             known.empty() ? fmt::format("there is no button '{}'; the effect has no buttons", name)
             : near.empty()
                 ? fmt::format("there is no button '{}'; the buttons are: '{}'", name, fmt::join(known, "', '"))
                 : fmt::format("there is no button '{}'; closest: '{}'", name, fmt::join(near, "', '"))};
     }
     if (found.size() > 1) {
-        return Failure{ExitCode::kUsage, fmt::format("several buttons are called '{}'; press one by its index: #{}",
-                                                     name, fmt::join(found, ", #"))};
+        return Failure{ErrorKind::kUsage, fmt::format("several buttons are called '{}'; press one by its index: #{}",
+                                                      name, fmt::join(found, ", #"))};
     }
     const std::vector<PanelRow> rows = session.Panel().Rows();
     if (IsHidden(params, rows, found.front())) {
-        return Failure{ExitCode::kUsage, fmt::format("the button '{}' is hidden", name)};
+        return Failure{ErrorKind::kUsage, fmt::format("the button '{}' is hidden", name)};
     }
     if (rows[static_cast<std::size_t>(found.front())].disabled) {
-        return Failure{ExitCode::kUsage, fmt::format("the button '{}' is disabled", name)};
+        return Failure{ErrorKind::kUsage, fmt::format("the button '{}' is disabled", name)};
     }
     return found.front();
 }
@@ -126,12 +126,11 @@ Result<Done> Twirl(EffectSession& session, std::string_view name, bool open) {
         }
         return Done{};
     }
-    const auto index = session.Params().Find(name);
-    if (!index) return index.Error();
-    if (!HasTwirl(rows[static_cast<std::size_t>(*index)])) {
-        return Failure{ExitCode::kUsage, fmt::format("'{}' cannot be opened or closed", name)};
+    const auto index = TRY(session.Params().Find(name));
+    if (!HasTwirl(rows[static_cast<std::size_t>(index)])) {
+        return Failure{ErrorKind::kUsage, fmt::format("'{}' cannot be opened or closed", name)};
     }
-    session.SetTwirl(*index, !open);
+    session.SetTwirl(index, !open);
     return Done{};
 }
 

@@ -15,7 +15,7 @@
 namespace umbrant::host {
 
 /// The index of the button that "#index", its path, its face or its group's path and its face ("about-support/
-/// product-page") names; "Product Page" is as good as "product-page". Fails with `ExitCode::kUsage` and the nearest
+/// product-page") names; "Product Page" is as good as "product-page". Fails with `ErrorKind::kUsage` and the nearest
 /// right names, also for a row that is no button, is disabled, or is hidden by the effect.
 Result<int> FindButton(const EffectSession& session, std::string_view name);
 
@@ -23,7 +23,7 @@ Result<int> FindButton(const EffectSession& session, std::string_view name);
 std::vector<std::string> TwirlNames(const EffectSession& session);
 
 /// Opens or closes the twirl of the row that a path or index names, or with "all" of every row that has one. Fails with
-/// `ExitCode::kUsage` for a row without a twirl.
+/// `ErrorKind::kUsage` for a row without a twirl.
 Result<Done> Twirl(EffectSession& session, std::string_view name, bool open);
 
 }  // namespace umbrant::host

@@ -154,8 +154,8 @@ Result<int> ParamSet::Find(std::string_view path) const {
         const char* end = path.data() + path.size();
         const auto [stop, error] = std::from_chars(path.data() + 1, end, index);
         if (error == std::errc() && stop == end && index >= 0 && index < Count()) return index;
-        return Failure{ExitCode::kUsage, fmt::format("there is no parameter '{}'; the effect has #0 to #{}",
-                                                     EchoText(path), Count() - 1)};
+        return Failure{ErrorKind::kUsage, fmt::format("there is no parameter '{}'; the effect has #0 to #{}",
+                                                      EchoText(path), Count() - 1)};
     }
     std::vector<std::string> found;
     std::vector<std::string> names;
@@ -169,13 +169,13 @@ Result<int> ParamSet::Find(std::string_view path) const {
     }
     if (found.size() == 1) return index;
     if (!found.empty()) {
-        return Failure{ExitCode::kUsage, fmt::format("'{}' names {} parameters; use one of {}", path, found.size(),
-                                                     fmt::join(found, ", "))};
+        return Failure{ErrorKind::kUsage, fmt::format("'{}' names {} parameters; use one of {}", path, found.size(),
+                                                      fmt::join(found, ", "))};
     }
     std::vector<std::string> near = Nearest(path, names, kSuggestions);
     for (std::string& name : near) name = "'" + name + "'";
     return Failure{
-        ExitCode::kUsage,
+        ErrorKind::kUsage,
         names.empty() ? fmt::format("there is no parameter '{}'; the effect has no named parameters", EchoText(path))
         : near.empty()
             ? fmt::format("there is no parameter '{}'; `umbrant params` lists all parameters", EchoText(path))

@@ -46,12 +46,12 @@ class ParamSet {
     /// `point`.
     ParamRow& RawRow(int index) { return rows_[static_cast<std::size_t>(index)]; }
 
-    /// The index of the row that "group/name" or "#index" names. Fails with `ExitCode::kUsage` and the nearest right
+    /// The index of the row that "group/name" or "#index" names. Fails with `ErrorKind::kUsage` and the nearest right
     /// names, also when two rows share the name.
     Result<int> Find(std::string_view path) const;
     /// Sets a row's value from its text: a number (percent sliders as shown, a trailing % allowed), an angle in
     /// degrees, `x,y` in pixels of the full-size layer or `x%,y%` of its size, `#rrggbb`, a popup item's text or
-    /// 1-based number, on/off. Fails with `ExitCode::kUsage`, changing nothing.
+    /// 1-based number, on/off. Fails with `ErrorKind::kUsage`, changing nothing.
     Result<Done> SetFromText(std::string_view path, std::string_view text);
 
     /// The current value in the form that SetFromText takes; empty for a row without one. Popup values as item text in

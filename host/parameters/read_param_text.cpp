@@ -47,7 +47,7 @@ std::string Label(const ParamRow& row) {
 }
 
 Failure Wrong(const ParamRow& row, const std::string& reason) {
-    return {ExitCode::kUsage, fmt::format("{} {}", Label(row), reason)};
+    return {ErrorKind::kUsage, fmt::format("{} {}", Label(row), reason)};
 }
 
 Failure NotANumber(const ParamRow& row, std::string_view text, std::string_view wanted) {
@@ -273,9 +273,8 @@ Result<Done> SetRow(ParamRow& row, std::string_view text) {
 }  // namespace
 
 Result<Done> ParamSet::SetFromText(std::string_view path, std::string_view text) {
-    Result<int> index = Find(path);
-    if (!index) return index.Error();
-    return SetRow(rows_[static_cast<std::size_t>(*index)], text);
+    const int index = TRY(Find(path));
+    return SetRow(rows_[static_cast<std::size_t>(index)], text);
 }
 
 }  // namespace umbrant::host

@@ -80,7 +80,7 @@ Result<std::unique_ptr<ChildProcess>> ChildProcess::Start(const ProgramStart& st
     if (error != 0) {
         child->running_.End();
         child->end_ = ProcessEnd{};
-        return Failure{ExitCode::kFile, std::strerror(error)};
+        return Failure{ErrorKind::kFile, std::strerror(error)};
     }
     child->running_.Begin(process);
     child->process_ = process;
@@ -88,7 +88,7 @@ Result<std::unique_ptr<ChildProcess>> ChildProcess::Start(const ProgramStart& st
     if (child->pipes_.errors < 0) return child;
     auto drain = StartThread([reading = child.get()] { reading->Drain(); });
     // The child is ended with its object.
-    if (!drain) return Failure{ExitCode::kInternal, "no thread can be started to read its messages"};
+    if (!drain) return Failure{ErrorKind::kInternal, "no thread can be started to read its messages"};
     child->drain_ = std::move(*drain);
     return child;
 }

@@ -31,7 +31,7 @@ struct ProcessEnd {
 /// A child that runs or has ended. Not for several threads at once.
 class ChildProcess {
  public:
-    /// Starts a program. Fails with `ExitCode::kFile` and the system's message alone, and with `ExitCode::kInternal`
+    /// Starts a program. Fails with `ErrorKind::kFile` and the system's message alone, and with `ErrorKind::kInternal`
     /// where no thread can be started that reads a Stream::LastLine.
     static Result<std::unique_ptr<ChildProcess>> Start(const ProgramStart& start);
     /// A child that this process has made with fork(), and that leads a process group of its own or soon will.

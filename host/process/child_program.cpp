@@ -37,7 +37,7 @@ std::filesystem::path ProgramForChildren() {
 Result<std::unique_ptr<ChildProgram>> ChildProgram::Start(const std::filesystem::path& program,
                                                           const std::vector<std::string>& arguments) {
     const auto failure = [&](const std::string& reason) {
-        return Failure{ExitCode::kInternal,
+        return Failure{ErrorKind::kInternal,
                        fmt::format("cannot start '{}' in a separate process: {}", program.string(), reason)};
     };
     int ends[2];
@@ -52,7 +52,7 @@ Result<std::unique_ptr<ChildProgram>> ChildProgram::Start(const std::filesystem:
     start.isIsolated = true;
     auto child = ChildProcess::Start(start);
     close(ends[1]);
-    if (!child) return failure(child.Error().sentence);
+    if (!child) return failure(child.error().sentence);
     started->child_ = std::move(*child);
     return started;
 }

@@ -26,7 +26,7 @@ std::filesystem::path ProgramForChildren();
 class ChildProgram {
  public:
     /// Starts `program`, an absolute path, with these arguments after its name. Standard input is empty, the two
-    /// outputs are this process's. Fails with `ExitCode::kInternal`.
+    /// outputs are this process's. Fails with `ErrorKind::kInternal`.
     static Result<std::unique_ptr<ChildProgram>> Start(const std::filesystem::path& program,
                                                        const std::vector<std::string>& arguments);
     /// Ends it and its process group.

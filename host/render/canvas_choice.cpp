@@ -46,13 +46,13 @@ Result<CanvasChoice> ParseCanvas(const std::string& text) {
     if (text == "layer") return CanvasChoice{CanvasChoice::Kind::kLayer};
     const auto rectangle = RectangleOf(text);
     if (!rectangle) {
-        return Failure{ExitCode::kUsage,
+        return Failure{ErrorKind::kUsage,
                        fmt::format("'{}' is neither grow, frame, layer nor a rectangle LEFT,TOP,RIGHT,BOTTOM of whole "
                                    "numbers from -{} to {}",
                                    EchoText(text), kFarthest, kFarthest)};
     }
     if (IsEmpty(*rectangle)) {
-        return Failure{ExitCode::kUsage,
+        return Failure{ErrorKind::kUsage,
                        fmt::format("'{}' covers nothing; LEFT must be less than RIGHT and TOP less than BOTTOM", text)};
     }
     return CanvasChoice{CanvasChoice::Kind::kRectangle, *rectangle};
@@ -76,7 +76,7 @@ Result<Done> CheckCanvas(const PF_LRect& drawn, int downsample) {
     const std::int64_t width = std::int64_t{drawn.right} - drawn.left;
     const std::int64_t height = std::int64_t{drawn.bottom} - drawn.top;
     if (width <= PF_MAX_WORLD_WIDTH && height <= PF_MAX_WORLD_HEIGHT) return Done{};
-    return Failure{ExitCode::kUsage,
+    return Failure{ErrorKind::kUsage,
                    fmt::format("--canvas {} has {} x {} pixels; no side may be longer than {}; give --canvas a smaller "
                                "rectangle, or draw at a lower resolution with --downsample",
                                CanvasText(FullSizeCanvas(drawn, downsample)), width, height, PF_MAX_WORLD_WIDTH)};

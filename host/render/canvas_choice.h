@@ -23,7 +23,7 @@ struct CanvasChoice {
     PF_LRect rectangle{};  ///< in pixels of the full-size layer; right and bottom are exclusive
 };
 
-/// "grow", "frame", "layer" or "LEFT,TOP,RIGHT,BOTTOM", whole numbers. Fails with `ExitCode::kUsage`.
+/// "grow", "frame", "layer" or "LEFT,TOP,RIGHT,BOTTOM", whole numbers. Fails with `ErrorKind::kUsage`.
 Result<CanvasChoice> ParseCanvas(const std::string& text);
 
 /// The text that ParseCanvas reads as this rectangle.
@@ -35,7 +35,7 @@ PF_LRect DrawnCanvas(const PF_LRect& rectangle, int downsample);
 /// The rectangle of the full-size layer that pixels at one n-th of its resolution cover. DrawnCanvas is its inverse.
 PF_LRect FullSizeCanvas(const PF_LRect& drawn, int downsample);
 
-/// Fails with `ExitCode::kUsage` when a rectangle of drawn pixels is larger than an image can be.
+/// Fails with `ErrorKind::kUsage` when a rectangle of drawn pixels is larger than an image can be.
 Result<Done> CheckCanvas(const PF_LRect& drawn, int downsample);
 
 }  // namespace umbrant::host

@@ -13,11 +13,10 @@ Result<Done> EffectInstances::Start(EffectSession& first, int count) {
     if (!(first.OutFlags2() & PF_OutFlag2_SUPPORTS_THREADED_RENDERING)) count = 1;
     others_.reserve(static_cast<std::size_t>(count));
     for (int i = 1; i < count; ++i) {
-        auto another = EffectSession::StartInstance(first);
-        if (!another) return another.Error();
-        others_.push_back(std::move(*another));
+        auto another = TRY(EffectSession::StartInstance(first));
+        others_.push_back(std::move(another));
         all_.push_back(&others_.back());
-        if (auto updated = others_.back().UpdateParamsUI(); !updated) return updated.Error();
+        TRY(others_.back().UpdateParamsUI());
     }
     return Done{};
 }

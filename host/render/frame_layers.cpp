@@ -18,22 +18,21 @@ MomentLayers WorldsOf(const FrameLayers& layers) {
 
 Result<Shared> LayerReader::ReadLayer(const Source& source, std::optional<Depth> depth) const {
     const auto& clip = source.isTexture ? options_.textureClip : options_.inputClip;
-    const auto picture = source.clipFrame ? clip(*source.clipFrame)
-                                          : ReadPicture(source.path, source.isTexture ? ReadOptions{} : options_.read);
-    if (!picture) return picture.Error();
-    auto pixels = LayerOf(*picture, depth.value_or(picture->pixels.PixelDepth()), options_.downsample);
-    if (!pixels) return pixels.Error();
+    const auto picture =
+        TRY(source.clipFrame ? clip(*source.clipFrame)
+                             : ReadPicture(source.path, source.isTexture ? ReadOptions{} : options_.read));
+    auto pixels = TRY(LayerOf(picture, depth.value_or(picture.pixels.PixelDepth()), options_.downsample));
     auto layer = std::make_shared<Layer>();
-    layer->pixels = std::move(*pixels);
-    layer->width = picture->frameWidth;
-    layer->height = picture->frameHeight;
+    layer->pixels = std::move(pixels);
+    layer->width = picture.frameWidth;
+    layer->height = picture.frameHeight;
     // A smaller picture has pixels of another size, so the frame's place in the file means nothing to it.
-    if (options_.downsample == 1) layer->frameOrigin = picture->frameOrigin;
-    layer->bits = picture->bits;
-    layer->kept = {options_.compression, picture->isHalf && !options_.depth, picture->metadata, options_.outputDepth,
+    if (options_.downsample == 1) layer->frameOrigin = picture.frameOrigin;
+    layer->bits = picture.bits;
+    layer->kept = {options_.compression, picture.isHalf && !options_.depth, picture.metadata, options_.outputDepth,
                    options_.format};
-    layer->note = picture->note;
-    layer->metadataNote = picture->metadataNote;
+    layer->note = picture.note;
+    layer->metadataNote = picture.metadataNote;
     return Shared(std::move(layer));
 }
 
@@ -60,15 +59,13 @@ Result<FrameLayers> LayerReader::Read(const PlannedFrame& frame, Depth depth) {
 Result<FrameLayers> LayerReader::ReadAs(const PlannedFrame& frame, std::optional<Depth> inputDepth) {
     FrameLayers layers;
     const Source picture{frame.input, frame.inputClipFrame, false};
-    auto input = frame.inputChanges ? ReadLayer(picture, inputDepth) : ReadOnce(input_, picture, inputDepth);
-    if (!input) return input.Error();
-    layers.input = std::move(*input);
+    auto input = TRY(frame.inputChanges ? ReadLayer(picture, inputDepth) : ReadOnce(input_, picture, inputDepth));
+    layers.input = std::move(input);
     if (frame.texture.empty()) return layers;
     const Depth depth = layers.input->pixels.PixelDepth();
     const Source beside{frame.texture, frame.textureClipFrame, true};
-    auto texture = frame.textureChanges ? ReadLayer(beside, depth) : ReadOnce(texture_, beside, depth);
-    if (!texture) return texture.Error();
-    layers.texture = std::move(*texture);
+    auto texture = TRY(frame.textureChanges ? ReadLayer(beside, depth) : ReadOnce(texture_, beside, depth));
+    layers.texture = std::move(texture);
     return layers;
 }
 

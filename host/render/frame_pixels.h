@@ -12,7 +12,7 @@
 namespace umbrant::host {
 
 /// A picture as the effect is to see it: cut to its frame, in the depth of the render, at one n-th of its resolution.
-/// Fails with `ExitCode::kInternal` when there is no memory.
+/// Fails with `ErrorKind::kInternal` when there is no memory.
 Result<World> LayerOf(const Picture& picture, Depth depth, int downsample);
 
 /// Pixels as they are written, and what they cover in the pixels of the drawn layer.

@@ -27,9 +27,8 @@ Result<FrameSource> FrameSource::Find(const std::string& path, int offset, std::
         return source;
     }
     if (path.empty() || IsFile(path)) return source;
-    auto pattern = FramePattern::Find(path);
-    if (!pattern) return pattern.Error();
-    source.pattern = *pattern;
+    auto pattern = TRY(FramePattern::Find(path));
+    source.pattern = pattern;
     if (source.pattern) source.onDisk = source.pattern->FramesOnDisk();
     if (source.pattern && source.pattern->IsWeak() && source.onDisk.empty()) source.pattern.reset();
     return source;

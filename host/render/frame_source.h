@@ -38,7 +38,7 @@ struct FrameSource {
     std::optional<int> clipFrames{};  ///< how many frames the clip has that it is; `onDisk` has their numbers
 
     /// The source with this path. An existing file of the very name is that file, and a weak pattern without files is a
-    /// name. Fails with `ExitCode::kUsage` on a wrong pattern.
+    /// name. Fails with `ErrorKind::kUsage` on a wrong pattern.
     static Result<FrameSource> Find(const std::string& path, int offset, std::optional<int> clipFrames = {});
 
     bool HasFrames() const { return pattern || clipFrames; }

@@ -192,7 +192,7 @@ Result<Done> RunPipeline(std::size_t count, const PipelineShape& shape, const Pi
     if (threads.empty()) {
         // The stack of a thread counts against a limit of the address space.
         if (!CanHaveMemory(StackBytes())) return NotEnoughMemory("the stack of a thread", StackBytes());
-        return Failure{ExitCode::kInternal,
+        return Failure{ErrorKind::kInternal,
                        "cannot start a thread to draw frames; raise the limit of processes (`ulimit -u`), or the "
                        "container's limit of tasks or memory"};
     }

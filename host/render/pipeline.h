@@ -35,7 +35,7 @@ using PipelineStep = std::function<AfterStep(std::size_t frame, int thread)>;
 
 /// Takes frames 0 to `count` through the steps and returns when nothing is under way any more. An exception in a step
 /// stops all, and is thrown again here. Where the system refuses threads, those that could be had share the steps;
-/// fails with `ExitCode::kInternal` when there is none at all, and no step was called then. A single frame has nothing
+/// fails with `ErrorKind::kInternal` when there is none at all, and no step was called then. A single frame has nothing
 /// to overlap with: its steps run on the caller's thread.
 Result<Done> RunPipeline(std::size_t count, const PipelineShape& shape, const PipelineStep& read,
                          const PipelineStep& draw, const PipelineStep& write);

@@ -153,7 +153,7 @@ PF_LRect SetCanvas(const FrameJob& job, const FrameLayers& known, EffectSession&
         request.layersAt = [&](const Moment& moment) -> Result<MomentLayers> {
             looksAway = true;
             const FrameLayers there = other.Of(other.SizesAt(FrameShownAt(plan, moment)));
-            if (!there.input) return Failure{ExitCode::kInternal, "not enough memory for the layer"};
+            if (!there.input) return Failure{ErrorKind::kInternal, "not enough memory for the layer"};
             keptLayers.push_back(there);
             return WorldsOf(there);
         };

@@ -49,8 +49,8 @@ class OtherTimes {
             frame.textureChanges = plan_.texture.HasFrames();
             auto layers = reader_.Read(frame, own_.input->pixels.PixelDepth());
             if (!layers) {
-                return Failure{layers.Error().code,
-                               fmt::format("the effect requests frame {}: {}", number, layers.Error().sentence)};
+                return Failure{layers.error().kind,
+                               fmt::format("the effect requests frame {}: {}", number, layers.error().sentence)};
             }
             known = read_.emplace(number, std::move(*layers)).first;
         }
@@ -95,7 +95,7 @@ class FrameWorker {
                 return End(index, FrameOutcome::Kind::kSkipped);
             case PlannedFrame::State::kMissing:
                 return Fail(index,
-                            {ExitCode::kFile, fmt::format("cannot read {}: {}", frame.missing, frame.missingReason)});
+                            {ErrorKind::kFile, fmt::format("cannot read {}: {}", frame.missing, frame.missingReason)});
             case PlannedFrame::State::kDraw:
                 break;
         }
@@ -106,7 +106,7 @@ class FrameWorker {
             work.outcome.readTime = first_.readTime;
         } else {
             auto layers = reader_.Read(frame);
-            if (!layers) return Fail(index, layers.Error());
+            if (!layers) return Fail(index, layers.error());
             work.layers = std::move(*layers);
             work.outcome.readTime = timer.Taken();
         }
@@ -133,14 +133,14 @@ class FrameWorker {
             };
         }
         auto drawn = session.Render(request);
-        if (!drawn) return Fail(index, job_.explain ? job_.explain(drawn.Error(), session) : drawn.Error());
+        if (!drawn) return Fail(index, job_.explain ? job_.explain(drawn.error(), session) : drawn.error());
         watcher_.Draws(index, *drawn, session);
         work.outcome.message = drawn->message;
         const World& layer = work.layers.input->pixels;
         std::optional<PF_LRect> canvas = job_.picture;
         if (!canvas && job_.settings.canvas == Canvas::kLayer) canvas = PF_LRect{0, 0, layer.Width(), layer.Height()};
         auto picture = PictureOf(*drawn, canvas, layer.Width(), layer.Height(), layer.PixelDepth());
-        if (!picture) return Fail(index, picture.Error());
+        if (!picture) return Fail(index, picture.error());
         work.drawn = std::move(*picture);
         work.place = {work.drawn.rect, layer.Width(), layer.Height(), work.layers.input->frameOrigin};
         work.kept = work.layers.input->kept;
@@ -157,7 +157,7 @@ class FrameWorker {
         const std::string& output = job_.plan->frames[index].output;
         const auto written = job_.write ? job_.write(work.drawn, work.place, work.kept)
                                         : WritePicture(output, work.drawn.pixels, work.place, work.kept);
-        if (!written) return Fail(index, written.Error());
+        if (!written) return Fail(index, written.error());
         work.outcome.writeTime = timer.Taken();
         return End(index, FrameOutcome::Kind::kDrawn);
     }
@@ -223,9 +223,9 @@ Result<FirstFrame> ReadFirst(const FramePlan& plan, LayerReader& reader, bool ke
         auto layers = reader.Read(plan.frames[i]);
         if (layers) return FirstFrame{i, std::move(*layers), timer.Taken()};
         if (keepGoing) continue;
-        if (plan.isImage) return layers.Error();
-        return Failure{layers.Error().code,
-                       fmt::format("frame {}: {}", plan.frames[i].number, layers.Error().sentence)};
+        if (plan.isImage) return layers.error();
+        return Failure{layers.error().kind,
+                       fmt::format("frame {}: {}", plan.frames[i].number, layers.error().sentence)};
     }
     return FirstFrame{};
 }

@@ -148,11 +148,11 @@ Failure FailureOf(const SessionState& state, const Answer& answer) {
     const std::string& name = state.module.Effect().name;
     const char* command = CommandName(answer.record.command);
     if (!answer.exception.empty()) {
-        return {ExitCode::kEffectFailed,
+        return {ErrorKind::kEffect,
                 fmt::format("{} failed in {}: it threw an exception ({})", name, command, answer.exception)};
     }
-    return {ExitCode::kEffectFailed, fmt::format("{} failed in {}: {}", name, command,
-                                                 EffectErrorText(answer.record.error, answer.record.message))};
+    return {ErrorKind::kEffect, fmt::format("{} failed in {}: {}", name, command,
+                                            EffectErrorText(answer.record.error, answer.record.message))};
 }
 
 }  // namespace umbrant::host

@@ -88,15 +88,14 @@ Result<Done> EffectSession::SetUp() {
 
 Result<EffectSession> EffectSession::Start(const Module& module, SessionOptions options) {
     EffectSession session = Create(module, std::move(options));
-    if (const Result<Done> done = session.SetUp(); !done) return done.Error();
+    if (const Result<Done> done = session.SetUp(); !done) return done.error();
     return session;
 }
 
 Result<EffectSession> EffectSession::StartInstance(const EffectSession& first, std::optional<SessionOptions> options) {
     if (first.remote_) {
-        auto another = first.remote_->StartInstance(options);
-        if (!another) return another.Error();
-        return Over(std::move(*another));
+        auto another = TRY(first.remote_->StartInstance(options));
+        return Over(std::move(another));
     }
     const SessionState& from = *first.state_;
     auto state =
@@ -136,7 +135,7 @@ Result<Done> EffectSession::UpdateParamsUI() {
 Result<Done> EffectSession::UserChangedParam(int index) {
     if (remote_) return remote_->UserChangedParam(index);
     if (index < 0 || index >= state_->params.Count()) {
-        return Failure{ExitCode::kUsage, fmt::format("there is no parameter #{}", index)};
+        return Failure{ErrorKind::kUsage, fmt::format("there is no parameter #{}", index)};
     }
     PF_UserChangedParamExtra extra{index};
     return SendPanelCommand(*state_, PF_Cmd_USER_CHANGED_PARAM, &extra);

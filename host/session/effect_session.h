@@ -165,7 +165,7 @@ struct Frame {
 class EffectSession {
  public:
     /// Global set-up, parameter set-up, sequence set-up and the question for dynamic flags. Fails with
-    /// `ExitCode::kEffectFailed` when the effect returns an error or cannot be driven by this host; what was set up is
+    /// `ErrorKind::kEffect` when the effect returns an error or cannot be driven by this host; what was set up is
     /// then set down again. `module` must outlive the session.
     static Result<EffectSession> Start(const Module& module, SessionOptions options = {});
     /// A session that has sent nothing yet, for who wants to see SetUp fail, or to send commands before it.
@@ -211,7 +211,7 @@ class EffectSession {
     /// Asks what a frame would cover, without drawing it.
     Result<PreRendered> PreRender(const FrameRequest& request);
     /// Draws a frame. With `Canvas::kGrow` the effect is asked about the layer's frame first and then for its whole
-    /// max rectangle. Fails with `ExitCode::kEffectFailed` and the effect's own message and code.
+    /// max rectangle. Fails with `ErrorKind::kEffect` and the effect's own message and code.
     Result<Frame> Render(const FrameRequest& request);
 
     ParamSet& Params();

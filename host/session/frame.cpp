@@ -179,7 +179,7 @@ std::optional<Failure> RunPass(SessionState& state, const FrameRequest& request,
         failure = SendPreRender(frame, asked, output, answered, suites);
         const PreRenderData data(frame, output);
         if (!failure && !FitsWorld(answered.resultRect)) {
-            failure = Failure{ExitCode::kEffectFailed,
+            failure = Failure{ErrorKind::kEffect,
                               fmt::format("{} requests an image larger than {} x {} pixels", state.module.Effect().name,
                                           PF_MAX_WORLD_WIDTH, PF_MAX_WORLD_HEIGHT)};
         }
@@ -222,7 +222,7 @@ void FrameRecord::Note(const Answer& answer) {
 
 Result<PreRendered> PreRenderFrame(SessionState& state, const FrameRequest& request) {
     const std::string problem = ProblemWith(state, request);
-    if (!problem.empty()) return Failure{ExitCode::kInternal, problem};
+    if (!problem.empty()) return Failure{ErrorKind::kInternal, problem};
     PreRendered answered;
     std::set<std::string> suites;
     if (auto failure = RunPass(state, request, nullptr, answered, nullptr, suites)) return *failure;
@@ -231,7 +231,7 @@ Result<PreRendered> PreRenderFrame(SessionState& state, const FrameRequest& requ
 
 Result<Frame> RenderFrame(SessionState& state, const FrameRequest& request) {
     const std::string problem = ProblemWith(state, request);
-    if (!problem.empty()) return Failure{ExitCode::kInternal, problem};
+    if (!problem.empty()) return Failure{ErrorKind::kInternal, problem};
     PreRendered answered;
     std::set<std::string> suites;
     std::optional<PF_LRect> everything;

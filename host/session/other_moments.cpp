@@ -39,7 +39,7 @@ const LayersSeen* FrameRecord::LayersAt(const Moment& moment) {
     if (other->layers) return &*other->layers;
     auto found = request.layersAt(moment);
     if (!found) {
-        if (!failure) failure = found.Error();
+        if (!failure) failure = found.error();
         return nullptr;
     }
     other->layers = LayersSeen(std::move(*found), request);

@@ -32,7 +32,7 @@ Result<Done> CheckOpenGLVariable() {
     if (!value || *value == '\0' || value == std::string_view("software") || value == std::string_view("hardware")) {
         return Done{};
     }
-    return Failure{ExitCode::kUsage,
+    return Failure{ErrorKind::kUsage,
                    fmt::format("{} is \"{}\"; it must be \"software\" or \"hardware\"", kOpenGLVariable, value)};
 }
 
@@ -56,7 +56,7 @@ bool IsSoftware(const GpuStrings& gpu) {
 }
 
 Result<RendererPreference> ReadRendererPreference(const std::string& option) {
-    if (const auto checked = CheckOpenGLVariable(); !checked) return checked.Error();
+    TRY(CheckOpenGLVariable());
     std::string preference = option;
     const char* variable = std::getenv(kVariable);
     const bool fromEnvironment = preference.empty() && variable && *variable != '\0';
@@ -64,7 +64,7 @@ Result<RendererPreference> ReadRendererPreference(const std::string& option) {
     if (preference == "gl") return RendererPreference::kOpenGL;
     if (preference == "cpu") return RendererPreference::kProcessor;
     if (fromEnvironment && preference != "auto") {
-        return Failure{ExitCode::kUsage,
+        return Failure{ErrorKind::kUsage,
                        fmt::format("{} is \"{}\"; it must be \"gl\", \"cpu\" or \"auto\"", kVariable, preference)};
     }
     return RendererPreference::kAuto;
@@ -102,8 +102,8 @@ std::string RendererText(const RendererDecision& decision) {
 }
 
 Failure ExplainWithoutOpenGL(const Failure& failure, const ParamSet& params) {
-    if (failure.code != ExitCode::kEffectFailed || ReadGpuStrings(params).HasContext()) return failure;
-    return {failure.code,
+    if (failure.kind != ErrorKind::kEffect || ReadGpuStrings(params).HasContext()) return failure;
+    return {failure.kind,
             fmt::format("no OpenGL context could be made, so the effect cannot draw: {}", failure.sentence)};
 }
 

@@ -25,7 +25,7 @@ std::optional<Failure> GlobalSetup(SessionState& state) {
     state.effectVersion = answer.out.my_version;
     if (!(state.outFlags2 & PF_OutFlag2_SUPPORTS_SMART_RENDER)) {
         return Failure{
-            ExitCode::kEffectFailed,
+            ErrorKind::kEffect,
             fmt::format("{} does not support smart rendering, the only kind of rendering that this host supports",
                         state.module.Effect().name)};
     }
@@ -40,12 +40,12 @@ std::optional<Failure> ParamsSetup(SessionState& state) {
     if (answer.Failed()) return FailureOf(state, answer);
     const std::string& name = state.module.Effect().name;
     if (answer.out.num_params != state.params.Count()) {
-        return Failure{ExitCode::kEffectFailed,
+        return Failure{ErrorKind::kEffect,
                        fmt::format("{} reports {} parameters, but declared {} (the layer counts as one)", name,
                                    answer.out.num_params, state.params.Count())};
     }
     const std::string problem = state.params.Finish();
-    if (!problem.empty()) return Failure{ExitCode::kEffectFailed, fmt::format("{}: {}", name, problem)};
+    if (!problem.empty()) return Failure{ErrorKind::kEffect, fmt::format("{}: {}", name, problem)};
 
     state.declaredRows = state.params.Count();
     state.services.panel.Reset(DeclaredPanel(state.params));

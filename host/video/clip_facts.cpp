@@ -32,7 +32,7 @@ constexpr std::array<std::string_view, 20> kExtensions = {".mov", ".mp4", ".m4v"
                                                           ".wmv", ".flv", ".3gp",  ".y4m", ".asf",  ".vob"};
 
 Failure CannotRead(const std::string& path, const std::string& reason) {
-    return {ExitCode::kFile, fmt::format("cannot read '{}': {}", path, reason)};
+    return {ErrorKind::kFile, fmt::format("cannot read '{}': {}", path, reason)};
 }
 
 /// All that ffprobe prints when it is asked this about a file.
@@ -42,7 +42,7 @@ Result<std::string> Ask(const ClipFacts& clip, std::vector<std::string> argument
     const std::vector<std::string> input = InputArguments(path, clip.demuxer);
     arguments.insert(arguments.end(), input.begin(), input.end());
     auto child = StartTool("ffprobe", arguments, Piped::kOutput);
-    if (!child) return CannotRead(path, child.Error().sentence);
+    if (!child) return CannotRead(path, child.error().sentence);
     std::string text;
     std::vector<std::byte> bytes(1 << 16);
     while (const std::size_t count = (*child)->Read(bytes.data(), bytes.size())) {
@@ -115,15 +115,14 @@ double TickOf(const std::string& base) {
 Result<Done> ReadTimes(ClipFacts& facts, double tick, const std::string& codec, const FrameRate& rate) {
     // Some pictures of this codec are only there for others to be made of, and only the decoder knows which.
     const bool decoded = codec == "vp8";
-    auto told = Ask(facts, {"-select_streams", std::to_string(facts.stream), "-of", "csv=p=0", "-show_entries",
-                            decoded ? "frame=best_effort_timestamp,pkt_duration" : "packet=pts,duration,flags"});
-    if (!told) return told.Error();
+    auto told = TRY(Ask(facts, {"-select_streams", std::to_string(facts.stream), "-of", "csv=p=0", "-show_entries",
+                                decoded ? "frame=best_effort_timestamp,pkt_duration" : "packet=pts,duration,flags"}));
     struct Shown {
         double time;
         double duration;
     };
     std::vector<Shown> shown;
-    std::istringstream lines(*told);
+    std::istringstream lines(told);
     bool timed = true;
     for (std::string line; std::getline(lines, line);) {
         std::istringstream fields(line);
@@ -237,12 +236,10 @@ Result<ClipFacts> ReadClipFacts(const std::string& path) {
     if (fs::file_size(path, error) == 0 && !error) return CannotRead(path, "the file is empty");
     ClipFacts facts;
     facts.path = path;
-    auto demuxer = ReadDemuxer(path);
-    if (!demuxer) return demuxer.Error();
-    facts.demuxer = *demuxer;
-    auto told = Ask(facts, {"-of", "json", "-show_streams", "-show_format"});
-    if (!told) return told.Error();
-    const Json json = Json::parse(*told, nullptr, false);
+    auto demuxer = TRY(ReadDemuxer(path));
+    facts.demuxer = demuxer;
+    auto told = TRY(Ask(facts, {"-of", "json", "-show_streams", "-show_format"}));
+    const Json json = Json::parse(told, nullptr, false);
     const auto streams = json.is_object() ? json.find("streams") : json.end();
     if (!json.is_object() || streams == json.end() || !streams->is_array()) {
         return CannotRead(path, "ffprobe did not report the streams");
@@ -257,7 +254,7 @@ Result<ClipFacts> ReadClipFacts(const std::string& path) {
     const auto format = json.find("format");
     if (format != json.end()) facts.start = SecondsOf(*pictures, "start_time") - SecondsOf(*format, "start_time");
     if (facts.timecode.empty() && format != json.end()) facts.timecode = TagOf(*format, "timecode");
-    if (auto read = ReadPictures(facts, *pictures); !read) return read.Error();
+    TRY(ReadPictures(facts, *pictures));
     return facts;
 }
 

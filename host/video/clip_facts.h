@@ -48,7 +48,7 @@ bool IsClipName(std::string_view path);
 /// Bits of a channel of one of ffmpeg's pixel formats.
 int BitsOfPixelFormat(std::string_view name);
 
-/// Asks ffprobe. Reads the whole file once, for the times of its pictures. Fails with `ExitCode::kFile`: no file, no
+/// Asks ffprobe. Reads the whole file once, for the times of its pictures. Fails with `ErrorKind::kFile`: no file, no
 /// clip, no pictures in it, pictures too large; no ffprobe.
 Result<ClipFacts> ReadClipFacts(const std::string& path);
 

@@ -117,19 +117,19 @@ Result<const ClipCodec*> CodecFor(const std::string& path, const std::string& na
             std::vector<std::string> names;
             for (const ClipCodec& codec : codecs) names.emplace_back(codec.name);
             const auto near = Nearest(name, names, 1);
-            return Failure{ExitCode::kUsage,
+            return Failure{ErrorKind::kUsage,
                            fmt::format("there is no codec '{}'; the codecs are {}{}", name, ClipCodecNames(),
                                        near.empty() ? "" : fmt::format("; did you mean '{}'?", near.front()))};
         }
         if (Holds(*named, extension)) return &*named;
-        return Failure{ExitCode::kUsage, fmt::format("'{}' cannot hold {}, which goes into {}", path, named->words,
-                                                     Joined(named->extensions, " or "))};
+        return Failure{ErrorKind::kUsage, fmt::format("'{}' cannot hold {}, which goes into {}", path, named->words,
+                                                      Joined(named->extensions, " or "))};
     }
     // An extension's default is the codec that names it first, else the first that holds it.
     for (const ClipCodec& codec : codecs) {
         if (codec.extensions.front() == extension) return &codec;
     }
-    return Failure{ExitCode::kUsage,
+    return Failure{ErrorKind::kUsage,
                    fmt::format("cannot write '{}': clips with alpha are written as .mov, .mkv or .webm", path)};
 }
 

@@ -34,7 +34,7 @@ const std::vector<ClipCodec>& ClipCodecs();
 std::string ClipCodecNames();
 
 /// The codec of this name for a clip of this name, or without a name the extension's default. Fails with
-/// `ExitCode::kUsage` for an unknown codec, one that the container does not hold, and an extension that no clip with
+/// `ErrorKind::kUsage` for an unknown codec, one that the container does not hold, and an extension that no clip with
 /// alpha is written to.
 Result<const ClipCodec*> CodecFor(const std::string& path, const std::string& name);
 

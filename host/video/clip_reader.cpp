@@ -41,7 +41,7 @@ Result<Done> ClipReader::Start(int first) {
                                        "passthrough", "-f", "rawvideo", "-pix_fmt", NameOf(format_), "pipe:1"});
     auto child = StartTool("ffmpeg", arguments, Piped::kOutput);
     if (!child) {
-        return Failure{ExitCode::kFile, fmt::format("cannot read '{}': {}", facts_.path, child.Error().sentence)};
+        return Failure{ErrorKind::kFile, fmt::format("cannot read '{}': {}", facts_.path, child.error().sentence)};
     }
     decoder_ = std::move(*child);
     next_ = first;
@@ -52,11 +52,11 @@ Failure ClipReader::WhyNoMore(int index) {
     const ProcessEnd end = decoder_->Wait();
     decoder_.reset();
     if (!end.IsWell()) {
-        return {ExitCode::kFile,
+        return {ErrorKind::kFile,
                 fmt::format("cannot read frame {} of '{}': {}", index, facts_.path, EndText("ffmpeg", end))};
     }
-    return {ExitCode::kFile, fmt::format("cannot read frame {} of '{}': the clip declares {} frames, but has {}", index,
-                                         facts_.path, facts_.FramesInFile(), next_)};
+    return {ErrorKind::kFile, fmt::format("cannot read frame {} of '{}': the clip declares {} frames, but has {}",
+                                          index, facts_.path, facts_.FramesInFile(), next_)};
 }
 
 Result<Picture> ClipReader::Read(int frame) {
@@ -64,7 +64,7 @@ Result<Picture> ClipReader::Read(int frame) {
     const int index = facts_.isConstant && rate_ == facts_.rate ? frame : FrameShown(facts_.times, rate_, frame);
     if (index != inBuffer_) {
         if (!decoder_ || index < next_ || index > next_ + kPassedOver) {
-            if (auto started = Start(index); !started) return started.Error();
+            TRY(Start(index));
         }
         buffer_.resize(RawSize(format_, facts_.width, facts_.height));
         for (; next_ <= index; ++next_) {

@@ -26,8 +26,8 @@ class ClipReader {
     /// How many frames there are at the rate.
     int Frames() const;
 
-    /// A frame, straight as pictures are; one without alpha is opaque. Fails with `ExitCode::kFile`: ffmpeg is missing,
-    /// dies, or delivers less than the file promised.
+    /// A frame, straight as pictures are; one without alpha is opaque. Fails with `ErrorKind::kFile`: ffmpeg is
+    /// missing, dies, or delivers less than the file promised.
     Result<Picture> Read(int frame);
 
  private:

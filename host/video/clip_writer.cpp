@@ -17,7 +17,7 @@ namespace umbrant::host {
 namespace {
 
 Failure CannotWrite(const std::string& path, const std::string& reason) {
-    return {ExitCode::kFile, fmt::format("cannot write '{}': {}", path, reason)};
+    return {ErrorKind::kFile, fmt::format("cannot write '{}': {}", path, reason)};
 }
 
 /// ffmpeg's name of the container.
@@ -44,7 +44,7 @@ void AddSound(const ClipTarget& target, std::vector<std::string>& arguments) {
 
 Result<Done> CheckEncoder(const ClipCodec& codec, const std::string& path) {
     auto child = StartTool("ffmpeg", {"-encoders"}, Piped::kOutput);
-    if (!child) return CannotWrite(path, child.Error().sentence);
+    if (!child) return CannotWrite(path, child.error().sentence);
     std::string text(1 << 18, '\0');
     text.resize((*child)->Read(static_cast<std::byte*>(static_cast<void*>(text.data())), text.size()));
     if (const ProcessEnd& end = (*child)->Wait(); !end.IsWell()) return CannotWrite(path, EndText("ffmpeg", end));
@@ -109,7 +109,7 @@ ClipWriter::ClipWriter(ClipTarget target)
 Result<std::unique_ptr<ClipWriter>> ClipWriter::Start(ClipTarget target) {
     std::unique_ptr<ClipWriter> writer(new ClipWriter(std::move(target)));
     auto child = StartTool("ffmpeg", EncoderArguments(writer->target_, writer->file_.Name().string()), Piped::kInput);
-    if (!child) return CannotWrite(writer->target_.path, child.Error().sentence);
+    if (!child) return CannotWrite(writer->target_.path, child.error().sentence);
     writer->encoder_ = std::move(*child);
     return writer;
 }

@@ -31,7 +31,7 @@ struct ClipTarget {
     std::optional<std::pair<double, double>> part{};
 };
 
-/// Whether this ffmpeg has the codec's encoder. Fails with `ExitCode::kFile`.
+/// Whether this ffmpeg has the codec's encoder. Fails with `ErrorKind::kFile`.
 Result<Done> CheckEncoder(const ClipCodec& codec, const std::string& path);
 
 /// ffmpeg's arguments for a target whose file is to be `file`.
@@ -39,11 +39,11 @@ std::vector<std::string> EncoderArguments(const ClipTarget& target, const std::s
 
 class ClipWriter {
  public:
-    /// Starts ffmpeg. Fails with `ExitCode::kFile`.
+    /// Starts ffmpeg. Fails with `ErrorKind::kFile`.
     static Result<std::unique_ptr<ClipWriter>> Start(ClipTarget target);
 
     /// The next picture, of the target's size and in 8 bits where the target is, else in floats. Fails with
-    /// `ExitCode::kFile` when ffmpeg takes no more, and says why.
+    /// `ErrorKind::kFile` when ffmpeg takes no more, and says why.
     Result<Done> Write(const World& picture);
 
     /// Ends the clip and puts it in its place: through symbolic links, with the mode of a file that it replaces.

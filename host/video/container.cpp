@@ -78,14 +78,14 @@ Result<std::string> ReadDemuxer(const std::string& path) {
     std::string beginning(kContainerBytes, '\0');
     in.read(beginning.data(), static_cast<std::streamsize>(beginning.size()));
     if (in.bad() || (!in && !in.eof())) {
-        return Failure{ExitCode::kFile, fmt::format("cannot read '{}': {}", path, std::strerror(errno))};
+        return Failure{ErrorKind::kFile, fmt::format("cannot read '{}': {}", path, std::strerror(errno))};
     }
     beginning.resize(static_cast<std::size_t>(in.gcount()));
     const std::string demuxer = DemuxerOf(beginning);
     if (!demuxer.empty()) return demuxer;
-    return Failure{ExitCode::kFile, fmt::format("cannot read '{}': not a clip; clips are QuickTime, MP4, Matroska, "
-                                                "WebM, AVI, MXF, NUT, MPEG, Ogg, ASF, FLV and YUV4MPEG files",
-                                                path)};
+    return Failure{ErrorKind::kFile, fmt::format("cannot read '{}': not a clip; clips are QuickTime, MP4, Matroska, "
+                                                 "WebM, AVI, MXF, NUT, MPEG, Ogg, ASF, FLV and YUV4MPEG files",
+                                                 path)};
 }
 
 std::vector<std::string> InputArguments(const std::string& path, const std::string& demuxer) {

@@ -18,7 +18,7 @@ namespace umbrant::host {
 std::string DemuxerOf(std::string_view beginning);
 inline constexpr std::size_t kContainerBytes = 1 << 16;
 
-/// The same for a file. Fails with `ExitCode::kFile` when the file cannot be read or is in no such format.
+/// The same for a file. Fails with `ErrorKind::kFile` when the file cannot be read or is in no such format.
 Result<std::string> ReadDemuxer(const std::string& path);
 
 /// The arguments by which ffprobe and ffmpeg open a clip as an input: this format alone, this file alone.

@@ -21,13 +21,13 @@ Result<std::unique_ptr<ChildProcess>> StartTool(const std::string& tool, const s
     start.errors = Stream::LastLine();
     auto child = ChildProcess::Start(start);
     if (child) return child;
-    const std::string& reason = child.Error().sentence;
+    const std::string& reason = child.error().sentence;
     if (reason == std::strerror(ENOENT)) {
-        return Failure{ExitCode::kFile, fmt::format("clips need '{}', which is not in PATH; "
-                                                    "install ffmpeg (Debian: apt install ffmpeg)",
-                                                    tool)};
+        return Failure{ErrorKind::kFile, fmt::format("clips need '{}', which is not in PATH; "
+                                                     "install ffmpeg (Debian: apt install ffmpeg)",
+                                                     tool)};
     }
-    return Failure{child.Error().code,
+    return Failure{child.error().kind,
                    fmt::format("'{}', which reads and writes clips, cannot be started: {}", tool, reason)};
 }
 

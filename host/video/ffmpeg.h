@@ -16,8 +16,8 @@ namespace umbrant::host {
 /// Which stream of a tool is a pipe to this program; the other one is empty or lost.
 enum class Piped { kInput, kOutput };
 
-/// Starts "ffmpeg" or "ffprobe" from PATH with the arguments that every run has and these. Fails with `ExitCode::kFile`
-/// and a sentence that names the program, also when it is not there.
+/// Starts "ffmpeg" or "ffprobe" from PATH with the arguments that every run has and these. Fails with
+/// `ErrorKind::kFile` and a sentence that names the program, also when it is not there.
 Result<std::unique_ptr<ChildProcess>> StartTool(const std::string& tool, const std::vector<std::string>& arguments,
                                                 Piped piped);
 

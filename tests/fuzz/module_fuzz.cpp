@@ -33,7 +33,7 @@ struct LoadedModule {
     CountFakePlatform count = nullptr;
 
     LoadedModule() {
-        Promise(bool(module), module ? "" : module.Error().sentence);
+        Promise(bool(module), module ? "" : module.error().sentence);
         void* library = dlopen(FAKE_MODULE_FILE, RTLD_NOW | RTLD_NOLOAD);
         set = reinterpret_cast<SetFakePlatform>(dlsym(library, "UmbrantSetFakePlatform"));
         count = reinterpret_cast<CountFakePlatform>(dlsym(library, "UmbrantCountFakePlatform"));
@@ -185,7 +185,7 @@ class Life {
         event.effect_win.current_frame = {bytes_.Take<A_long>(), bytes_.Take<A_long>(), bytes_.Take<A_long>(),
                                           bytes_.Take<A_long>()};
         const auto drawing = NewDrawing("an event", 16, 16);
-        if (!drawing) throw std::runtime_error(drawing.Error().sentence);
+        if (!drawing) throw std::runtime_error(drawing.error().sentence);
         DrawbotCanvas canvas(**drawing, 1);
         event.contextH = canvas.Context();
         (void)session_->SendEvent(&event);
@@ -221,7 +221,7 @@ class Life {
             Promise(width >= 0 && height >= 0, "a result rectangle is not inside out");
             if (width > kMostPixels || height > kMostPixels || width * height > kMostPixels) return;
             const auto frame = session_->Render(request);
-            Promise(frame || frame.Error().code == ExitCode::kEffectFailed, "a failed frame is the effect's failure");
+            Promise(frame || frame.error().kind == ErrorKind::kEffect, "a failed frame is the effect's failure");
             if (!frame) return;
             for (const CommandRecord& record : frame->commands) {
                 Promise(record.balance.IsBalanced(), "a frame leaves open " + record.balance.Text());

@@ -20,8 +20,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     file.Write(bytes.Rest());
     const auto picture = ReadPicture(file.Path());
     if (!picture) {
-        Promise(picture.Error().code == ExitCode::kFile, "a picture that is refused is a file's failure");
-        Promise(picture.Error().sentence.find('\n') == std::string::npos, "a refusal is one line");
+        Promise(picture.error().kind == ErrorKind::kFile, "a picture that is refused is a file's failure");
+        Promise(picture.error().sentence.find('\n') == std::string::npos, "a refusal is one line");
         return 0;
     }
     const World& world = picture->pixels;

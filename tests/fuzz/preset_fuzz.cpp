@@ -72,7 +72,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const auto applied = ApplyPreset(file.Path(), params);
     const std::string text = PresetText(params);
     if (!applied) {
-        Promise(!applied.Error().sentence.empty(), "a refusal says why");
+        Promise(!applied.error().sentence.empty(), "a refusal says why");
         Promise(text == PresetText(declared), "a preset that is refused changes nothing");
         return 0;
     }
@@ -80,7 +80,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     written.Write({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
     AnimatedParams again = declared;
     const auto reread = ApplyPreset(written.Path(), again);
-    Promise(bool(reread), reread ? "" : "what was written can be read: " + reread.Error().sentence);
+    Promise(bool(reread), reread ? "" : "what was written can be read: " + reread.error().sentence);
     Promise(PresetText(again) == text, "what was written says the same when it is read");
     // Every moment has values that the rows take.
     for (const double frame : {-1e6, 0.0, 1.5, 24.0, 1e6}) params.animation.ValuesAt(params.values, frame, {});

@@ -41,12 +41,12 @@ class Driven {
  public:
     explicit Driven(const char* file, SessionOptions options = {}) : module(Module::Load(file)) {
         if (!module) {
-            ADD_FAILURE() << module.Error().sentence;
+            ADD_FAILURE() << module.error().sentence;
             return;
         }
         Result<EffectSession> started = EffectSession::Start(*module, std::move(options));
         if (!started) {
-            ADD_FAILURE() << started.Error().sentence;
+            ADD_FAILURE() << started.error().sentence;
             return;
         }
         session.emplace(*std::move(started));
@@ -58,7 +58,7 @@ class Driven {
     void Set(const std::vector<std::pair<const char*, const char*>>& values) {
         for (const auto& [path, text] : values) {
             const Result<Done> set = session->Params().SetFromText(path, text);
-            EXPECT_TRUE(set) << path << ": " << set.Error().sentence;
+            EXPECT_TRUE(set) << path << ": " << set.error().sentence;
         }
     }
 
@@ -204,7 +204,7 @@ TEST_P(MappedBundleDraws, TheSameBytes) {
         FrameRequest request{.layer = &layer};
         if (style->texture) request.texture = &texture;
         const Result<Frame> frame = driven.session->Render(request);
-        ASSERT_TRUE(frame) << frame.Error().sentence;
+        ASSERT_TRUE(frame) << frame.error().sentence;
         EXPECT_EQ(frame->message, "");
         pixels[isMac ? 0 : 1] = Bytes(frame->output);
         rects[isMac ? 0 : 1] = frame->rect;
@@ -250,7 +250,7 @@ TEST_F(MappedBundle, AThrownNumberIsCaughtInTheSlice) {
             const World layer = Picture(Depth::k8, 12, 0);
             const Result<Frame> frame = driven.session->Render({.layer = &layer});
             ASSERT_FALSE(frame);
-            sentences[isMac ? 0 : 1] = frame.Error().sentence;
+            sentences[isMac ? 0 : 1] = frame.error().sentence;
             EXPECT_THAT(driven.session->Misbehaviour(), IsEmpty());
         },
         options);
@@ -261,7 +261,7 @@ TEST_F(MappedBundle, AThrownNumberIsCaughtInTheSlice) {
 TEST_F(MappedBundle, WithoutSuitesTheErrorIsThrownAndReturned) {
     std::thread([] {
         const Result<Module> module = Module::Load(MAPPED_BUNDLE_FILE);
-        ASSERT_TRUE(module) << module.Error().sentence;
+        ASSERT_TRUE(module) << module.error().sentence;
         PF_InData inData{};
         PF_OutData outData{};
         for (int round = 0; round < 3; ++round) {
@@ -287,7 +287,7 @@ TEST_F(MappedBundle, EachRenderThreadHasItsOwnState) {
             threads.emplace_back([&driven, &layer, &each] {
                 for (int round = 0; round < 2; ++round) {
                     const Result<Frame> frame = driven.session->Render({.layer = &layer});
-                    ASSERT_TRUE(frame) << frame.Error().sentence;
+                    ASSERT_TRUE(frame) << frame.error().sentence;
                     each = Bytes(frame->output);
                 }
             });

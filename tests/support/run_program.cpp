@@ -58,7 +58,7 @@ ProgramRun RunProgram(const std::vector<std::string>& words, ProgramStart start)
     start.arguments.assign(words.begin() + 1, words.end());
     const Caught output(start.output), errors(start.errors);
     const auto child = ChildProcess::Start(start);
-    if (!child) return {-1, {}, child.Error().sentence};
+    if (!child) return {-1, {}, child.error().sentence};
     const std::string piped = AllOf(**child);
     const int code = (*child)->Wait().code;
     return {code, piped + output.Text(), errors.Text()};

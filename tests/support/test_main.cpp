@@ -42,6 +42,12 @@ class RunningCase : public testing::EmptyTestEventListener {
 
 int main(int argc, char** argv) {
     testing::InitGoogleMock(&argc, argv);
+    // Where the program was not built, its commands start themselves as a module's process: all cases again, in each of
+    // them again, until the machine has no memory.
+    if (argc > 1 && std::string(argv[1]) == "--module-process") {
+        std::fprintf(stderr, "A test program serves no module; build the program 'umbrant' first.\n");
+        return 2;
+    }
     testing::UnitTest& program = *testing::UnitTest::GetInstance();
     const std::string output = testing::GTEST_FLAG(output);
     const std::string kind = "xml:";

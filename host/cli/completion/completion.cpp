@@ -29,9 +29,8 @@ Result<ExitCode> Completion(const CompletionOptions& options) {
     std::string module;
     if (!options.module.empty()) {
         // What cannot be loaded is reported here, as the script never reports anything.
-        const auto opened = OpenModule(options.module);
-        if (!opened) return opened.Error();
-        module = std::filesystem::absolute(opened->file).string();
+        const auto opened = TRY(OpenModule(options.module));
+        module = std::filesystem::absolute(opened.file).string();
     }
     PrintResult(options.shell == "bash"  ? BashCompletion(module)
                 : options.shell == "zsh" ? ZshCompletion(module)
@@ -53,7 +52,7 @@ Result<ExitCode> Answer(const std::vector<std::string>& arguments) {
         first = 2;
     }
     if (arguments.size() < first + 2 || arguments[first] != "--") {
-        return Failure{ExitCode::kUsage,
+        return Failure{ErrorKind::kUsage,
                        "__complete is for the scripts of `umbrant completion`; it takes [--module FILE] -- WORDS..."};
     }
     const std::vector<std::string> words(arguments.begin() + static_cast<std::ptrdiff_t>(first) + 1, arguments.end());

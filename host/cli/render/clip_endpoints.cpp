@@ -13,15 +13,14 @@ namespace umbrant::host {
 namespace {
 
 Failure Usage(std::string sentence) {
-    return {ExitCode::kUsage, std::move(sentence)};
+    return {ErrorKind::kUsage, std::move(sentence)};
 }
 
 /// The clip at a path, or nothing when it is none.
 Result<std::optional<ClipFacts>> FactsOf(const std::string& path) {
     if (!IsClipName(path)) return std::optional<ClipFacts>();
-    auto facts = ReadClipFacts(path);
-    if (!facts) return facts.Error();
-    return std::optional(std::move(*facts));
+    auto facts = TRY(ReadClipFacts(path));
+    return std::optional(std::move(facts));
 }
 
 std::string RateText(const FrameRate& rate) {
@@ -40,7 +39,7 @@ Result<Done> CheckClipOptions(const RenderOptions& options) {
         }
         return Done{};
     }
-    if (auto codec = CodecFor(output, sequence.codec); !codec) return codec.Error();
+    TRY(CodecFor(output, sequence.codec));
     if (options.canvas == "frame") {
         return Usage(
             fmt::format("--canvas frame gives each frame its own size, and all frames of a clip have one size; for "
@@ -70,19 +69,17 @@ Result<Done> ClipEndpoints::Open(const RenderOptions& options, PlanRequest& requ
     request.outputIsClip = IsClipName(output_);
     if (request.outputIsClip) {
         for (const std::string& read : {options.input, options.texture}) {
-            if (auto apart = CheckApart(read, output_); !read.empty() && !apart) return apart.Error();
+            if (auto apart = CheckApart(read, output_); !read.empty() && !apart) return apart.error();
         }
-        if (auto place = CheckPlace(output_); !place) return place.Error();
-        const auto codec = CodecFor(output_, options.sequence.codec);
-        if (!codec) return codec.Error();
-        codec_ = *codec;
-        if (auto encoder = CheckEncoder(*codec_, output_); !encoder) return encoder.Error();
+        TRY(CheckPlace(output_));
+        const auto codec = TRY(CodecFor(output_, options.sequence.codec));
+        codec_ = codec;
+        TRY(CheckEncoder(*codec_, output_));
     }
     auto input = FactsOf(options.input);
-    if (!input) return input.Error();
-    auto texture = FactsOf(options.texture);
-    if (!texture) return texture.Error();
-    const std::optional<ClipFacts>& leads = *input ? *input : *texture;
+    if (!input) return input.error();
+    auto texture = TRY(FactsOf(options.texture));
+    const std::optional<ClipFacts>& leads = *input ? *input : texture;
     if (leads && options.sequence.rate.empty()) {
         if (!leads->isConstant) {
             return Usage(
@@ -100,7 +97,7 @@ Result<Done> ClipEndpoints::Open(const RenderOptions& options, PlanRequest& requ
         frames = reader->Frames();
     };
     open(*input, input_, request.inputClip);
-    open(*texture, texture_, request.textureClip);
+    open(texture, texture_, request.textureClip);
     return Done{};
 }
 
@@ -159,17 +156,16 @@ Result<Done> ClipEndpoints::Begin(const FramePlan& plan, const PF_LRect& canvas,
     target.from = input_ ? &input_->Facts() : nullptr;
     target.keepsSound = sound_.kept;
     target.part = sound_.part;
-    auto writer = ClipWriter::Start(std::move(target));
-    if (!writer) return writer.Error();
-    writer_ = std::move(*writer);
+    auto writer = TRY(ClipWriter::Start(std::move(target)));
+    writer_ = std::move(writer);
     return Done{};
 }
 
 Result<Done> ClipEndpoints::Write(const Drawn& drawn, const Placement& place) {
     if (place.frameWidth != layerWidth_ || place.frameHeight != layerHeight_) {
-        return Failure{ExitCode::kFile, fmt::format("the layer is {} x {}, but all frames of a clip have the size of "
-                                                    "the first one, {} x {}",
-                                                    place.frameWidth, place.frameHeight, layerWidth_, layerHeight_)};
+        return Failure{ErrorKind::kFile, fmt::format("the layer is {} x {}, but all frames of a clip have the size of "
+                                                     "the first one, {} x {}",
+                                                     place.frameWidth, place.frameHeight, layerWidth_, layerHeight_)};
     }
     const PF_LRect& rect = drawn.rect;
     const bool fits = rect.left == canvas_.left && rect.top == canvas_.top && rect.right == canvas_.right &&
@@ -186,8 +182,7 @@ Result<Done> ClipEndpoints::Write(const Drawn& drawn, const Placement& place) {
 
 Result<bool> ClipEndpoints::Finish() {
     if (!writer_) return false;
-    auto finished = writer_->Finish();
-    if (!finished) return finished.Error();
+    TRY(writer_->Finish());
     return true;
 }
 

@@ -16,14 +16,14 @@
 
 namespace umbrant::host {
 
-/// Refuses options that a clip has no use for, or that only a clip has a use for. Fails with `ExitCode::kUsage`.
+/// Refuses options that a clip has no use for, or that only a clip has a use for. Fails with `ErrorKind::kUsage`.
 Result<Done> CheckClipOptions(const RenderOptions& options);
 
 class ClipEndpoints {
  public:
     /// Asks about the clips that are read and whether the one that is written can be. Tells the request their frames
-    /// and, unless the options do, the rate. Fails with `ExitCode::kFile`, and with `ExitCode::kUsage` for a clip whose
-    /// rate varies.
+    /// and, unless the options do, the rate. Fails with `ErrorKind::kFile`, and with `ErrorKind::kUsage` for a clip
+    /// whose rate varies.
     Result<Done> Open(const RenderOptions& options, PlanRequest& request);
 
     bool Reads() const { return input_ || texture_; }
@@ -37,7 +37,7 @@ class ClipEndpoints {
     Result<Done> Begin(const FramePlan& plan, const PF_LRect& canvas, const World& layer, bool wantsSound);
     /// What is to be said about the clip's sound, once it is begun; empty for nothing.
     const std::string& Note() const { return sound_.note; }
-    /// The next frame. A layer of another size than the first fails with `ExitCode::kFile`.
+    /// The next frame. A layer of another size than the first fails with `ErrorKind::kFile`.
     Result<Done> Write(const Drawn& drawn, const Placement& place);
     /// Ends the clip and puts it in its place; returns whether there is one.
     Result<bool> Finish();

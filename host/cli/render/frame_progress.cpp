@@ -188,7 +188,7 @@ void FrameProgress::TellFrame(std::size_t index) {
         FlushResults();
     }
     if (outcome.failure) {
-        if (reasons_.empty()) totals_.failure.code = outcome.failure->code;
+        if (reasons_.empty()) totals_.failure.kind = outcome.failure->kind;
         reasons_.push_back(fmt::format("frame {}: {}", frame.number, outcome.failure->sentence));
     }
     const std::vector<std::string> notes = NotesOf(index);

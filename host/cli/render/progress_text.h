@@ -44,8 +44,8 @@ struct FrameTotals {
     std::size_t existing = 0;
     std::size_t skipped = 0;
     std::size_t failed = 0;
-    /// Why frames failed, with their numbers in the order of the plan; the code is that of the first.
-    Failure failure{ExitCode::kDone, ""};
+    /// Why frames failed, with their numbers in the order of the plan; the kind is that of the first.
+    Failure failure{ErrorKind::kEffect, ""};
     std::size_t Ended() const { return drawn + existing + skipped + failed; }
 };
 

@@ -39,6 +39,100 @@ constexpr char kExamples[] =
     "  umbrant render title.png -o draft.png --downsample 4\n"
     "      a quarter of the resolution; points are still given in pixels of the full-size layer";
 
+/// The image, where the result goes, and which part of a file is meant.
+void AddFileOptions(CLI::App& app, RenderOptions& options) {
+    app.add_option(
+           "INPUT", options.input,
+           "The layer: PNG, TIFF, JPEG, EXR, ...; a sequence such as shot.####.exr, shot.%04d.exr, shot.@@.exr, "
+           "shot.$F4.exr, ...; or a clip: .mov, .mp4, .mkv, ...; - for standard input")
+        ->required();
+    app.add_option("-o,--output", options.output,
+                   "The image to write: " + WritableFormats() +
+                       ". PNG and TIFF have straight alpha, EXR premultiplied; JPEG is composited over white. Or a "
+                       "clip: .mov, "
+                       ".mkv, .webm. - is standard output, in the format of --format")
+        ->required();
+    app.add_option("--format", options.format, "The format of standard output, '-o -'")
+        ->check(CLI::IsMember({"png", "tif", "exr", "jpg"}))
+        ->type_name("png|tif|exr|jpg");
+    app.add_option("--layer", options.read.layer,
+                   "The layer of INPUT to draw: diffuse for the channels diffuse.R, diffuse.G, ..., or a "
+                   "channel")
+        ->type_name("NAME");
+    app.add_option("--part", options.read.part, "The part of INPUT to draw: its number from 0, or its name")
+        ->type_name("N|NAME");
+}
+
+/// The effect's parameters and its texture.
+void AddValueOptions(CLI::App& app, RenderOptions& options) {
+    app.add_option("--preset", options.preset,
+                   "Values from a preset, as written by `umbrant params --json --values`; --set overrides them")
+        ->type_name("FILE.json");
+    app.add_option("--set", options.settings, "A parameter's value; may be given many times")
+        ->type_name("PATH=VALUE")
+        ->allow_extra_args(false);
+    app.add_option("--texture", options.texture, "An image for the effect's layer parameters, at the layer's origin")
+        ->check([](const std::string& file) {
+            return file.empty() ? "'' names no file; leave the option out to draw without a texture" : "";
+        })
+        ->type_name("IMAGE");
+    app.add_option("--texture-at", options.textureAt,
+                   "Position of the texture's top-left corner, in pixels of the full-size layer")
+        ->check(ValidatePoint)
+        ->needs("--texture")
+        ->type_name("X,Y");
+}
+
+/// Depth, resolution and canvas.
+void AddPixelOptions(CLI::App& app, RenderOptions& options) {
+    app.add_option("--depth", options.depth,
+                   "Bits per channel of the render (default: those of the input; 16 become 32)")
+        ->check(ValidateDepth)
+        ->type_name("8|32");
+    app.add_option("--output-depth", options.outputDepth,
+                   "How the file stores a channel: 8 or 16 in PNG, also float in TIFF, half or float in EXR "
+                   "(default: suits the depth of the render)")
+        ->check(CLI::IsMember({"8", "16", "half", "float"}))
+        ->type_name("8|16|half|float");
+    app.add_option("--downsample", options.downsample, "Draw at 1/N of the resolution")
+        ->check(CLI::Range(1, kMostDownsample))
+        ->type_name("N");
+    app.add_option("--canvas", options.canvas,
+                   "grow: the layer and its shadow, in a sequence those of all frames (default); frame: in a "
+                   "sequence each frame's own; layer: the layer's rectangle (default of a clip); or a rectangle in "
+                   "pixels of the full-size layer, right and bottom exclusive")
+        ->check([](const std::string& text) {
+            const auto choice = ParseCanvas(text);
+            return choice ? std::string() : choice.error().sentence;
+        })
+        ->type_name("grow|frame|layer|LEFT,TOP,RIGHT,BOTTOM");
+}
+
+/// How the frame is drawn and stored, and by which module.
+void AddRunOptions(CLI::App& app, RenderOptions& options) {
+    app.add_flag("--mkdir", options.makesFolder, "Create the folder of the output if it does not exist");
+    app.add_flag(
+        "--collapsed", options.collapsed,
+        "Present the layer with its \"Collapse Transformations\" switch on; radial shadows then stay in its frame");
+    app.add_option("--time", options.seconds, "The time of the frame")
+        ->check([](const std::string& text) { return OutOfRange(text, 0.0, kLongestTime); })
+        ->type_name("SECONDS");
+    app.add_option("--compression", options.compression,
+                   "Compression of the image: fast or small in PNG, zip, piz, dwaa, ... in EXR, lzw, ... in TIFF, "
+                   "jpeg:1 to "
+                   "jpeg:100; "
+                   "by default as the input where it has the same format")
+        ->type_name("NAME");
+    app.add_option("--renderer", options.renderer,
+                   "gl: the GPU renderer (OpenGL); cpu: the CPU renderer; auto: the GPU renderer where OpenGL is "
+                   "hardware, else the CPU renderer (default: UMBRANT_RENDERER, else auto)")
+        ->check(CLI::IsMember({"auto", "gl", "cpu"}))
+        ->type_name("auto|gl|cpu");
+    app.add_option("--module", options.module,
+                   "The effect's module (default: UMBRANT_MODULE, else the program's own module)")
+        ->type_name("FILE");
+}
+
 }  // namespace
 
 Command RenderCommand() {
@@ -51,85 +145,10 @@ Command RenderCommand(const std::shared_ptr<RenderOptions>& options) {
     command.summary = "Render an image, a sequence or a clip with the effect; prints the path of each file written";
     command.examples = kExamples;
     command.options = [options](CLI::App& app) {
-        app.add_option(
-               "INPUT", options->input,
-               "The layer: PNG, TIFF, JPEG, EXR, ...; a sequence such as shot.####.exr, shot.%04d.exr, shot.@@.exr, "
-               "shot.$F4.exr, ...; or a clip: .mov, .mp4, .mkv, ...; - for standard input")
-            ->required();
-        app.add_option("-o,--output", options->output,
-                       "The image to write: " + WritableFormats() +
-                           ". PNG and TIFF have straight alpha, EXR premultiplied; JPEG is composited over white. Or a "
-                           "clip: .mov, "
-                           ".mkv, .webm. - is standard output, in the format of --format")
-            ->required();
-        app.add_option("--format", options->format, "The format of standard output, '-o -'")
-            ->check(CLI::IsMember({"png", "tif", "exr", "jpg"}))
-            ->type_name("png|tif|exr|jpg");
-        app.add_option("--layer", options->read.layer,
-                       "The layer of INPUT to draw: diffuse for the channels diffuse.R, diffuse.G, ..., or a "
-                       "channel")
-            ->type_name("NAME");
-        app.add_option("--part", options->read.part, "The part of INPUT to draw: its number from 0, or its name")
-            ->type_name("N|NAME");
-        app.add_option("--preset", options->preset,
-                       "Values from a preset, as written by `umbrant params --json --values`; --set overrides them")
-            ->type_name("FILE.json");
-        app.add_option("--set", options->settings, "A parameter's value; may be given many times")
-            ->type_name("PATH=VALUE")
-            ->allow_extra_args(false);
-        app.add_option("--texture", options->texture,
-                       "An image for the effect's layer parameters, at the layer's origin")
-            ->check([](const std::string& file) {
-                return file.empty() ? "'' names no file; leave the option out to draw without a texture" : "";
-            })
-            ->type_name("IMAGE");
-        app.add_option("--texture-at", options->textureAt,
-                       "Position of the texture's top-left corner, in pixels of the full-size layer")
-            ->check(ValidatePoint)
-            ->needs("--texture")
-            ->type_name("X,Y");
-        app.add_option("--depth", options->depth,
-                       "Bits per channel of the render (default: those of the input; 16 become 32)")
-            ->check(ValidateDepth)
-            ->type_name("8|32");
-        app.add_option("--output-depth", options->outputDepth,
-                       "How the file stores a channel: 8 or 16 in PNG, also float in TIFF, half or float in EXR "
-                       "(default: suits the depth of the render)")
-            ->check(CLI::IsMember({"8", "16", "half", "float"}))
-            ->type_name("8|16|half|float");
-        app.add_option("--downsample", options->downsample, "Draw at 1/N of the resolution")
-            ->check(CLI::Range(1, kMostDownsample))
-            ->type_name("N");
-        app.add_option("--canvas", options->canvas,
-                       "grow: the layer and its shadow, in a sequence those of all frames (default); frame: in a "
-                       "sequence each frame's own; layer: the layer's rectangle (default of a clip); or a rectangle in "
-                       "pixels of the full-size layer, right and bottom exclusive")
-            ->check([](const std::string& text) {
-                const auto choice = ParseCanvas(text);
-                return choice ? std::string() : choice.Error().sentence;
-            })
-            ->type_name("grow|frame|layer|LEFT,TOP,RIGHT,BOTTOM");
-        app.add_flag("--mkdir", options->makesFolder, "Create the folder of the output if it does not exist");
-        app.add_flag(
-            "--collapsed", options->collapsed,
-            "Present the layer with its \"Collapse Transformations\" switch on; radial shadows then stay in its frame");
-        app.add_option("--time", options->seconds, "The time of the frame")
-            ->check([](const std::string& text) { return OutOfRange(text, 0.0, kLongestTime); })
-            ->type_name("SECONDS");
-        app.add_option("--compression", options->compression,
-                       "Compression of the image: fast or small in PNG, zip, piz, dwaa, ... in EXR, lzw, ... in TIFF, "
-                       "jpeg:1 to "
-                       "jpeg:100; "
-                       "by default as the input where it has the same format")
-            ->type_name("NAME");
-        app.add_option("--renderer", options->renderer,
-                       "gl: the GPU renderer (OpenGL); cpu: the CPU renderer; auto: the GPU renderer where OpenGL is "
-                       "hardware, else the CPU renderer (default: UMBRANT_RENDERER, else auto)")
-            ->check(CLI::IsMember({"auto", "gl", "cpu"}))
-            ->type_name("auto|gl|cpu");
-        app.add_option("--module", options->module,
-                       "The effect's module (default: UMBRANT_MODULE, else the program's own module)")
-            ->type_name("FILE");
+        AddFileOptions(app, *options);
+        AddValueOptions(app, *options);
+        AddPixelOptions(app, *options);
+        AddRunOptions(app, *options);
         AddSequenceOptions(app, options->sequence);
         app.add_flag("--json", options->json,
                      "Print a report instead of the path: rectangles, milliseconds by stage, driver, suites");

@@ -71,9 +71,8 @@ std::optional<CanvasFacts> RenderRun::Covered() const {
 Result<std::string> RenderRun::FindCanvasOfSet() {
     options_.sequence.skipExisting = false;
     options_.sequence.keepGoing = true;
-    auto planned = PlanSequenceRender(options_);
-    if (!planned) return planned.Error();
-    plan_ = std::move(*planned);
+    auto planned = TRY(PlanSequenceRender(options_));
+    plan_ = std::move(planned);
     FillJob();
     const bool changes = plan_->frames.input.pattern || plan_->frames.texture.pattern || !options_.preset.empty();
     if (plan_->canvas.kind != CanvasChoice::Kind::kGrow || !changes) return std::string();
@@ -82,10 +81,10 @@ Result<std::string> RenderRun::FindCanvasOfSet() {
     auto opened = OpenWithValues(options_, first->layers.input->width, first->layers.input->height,
                                  plan_->frames.frames[first->frame].position);
     // The machines of a farm may have a module that this one lacks.
-    if (!opened && opened.Error().code == ExitCode::kModule) return CannotFind(opened.Error().sentence);
-    if (!opened) return opened.Error();
-    if (auto found = FindCanvas(*opened, *first); !found) return found.Error();
-    if (auto ended = opened->Session().End(); !ended) return ended.Error();
+    if (!opened && opened.error().kind == ErrorKind::kModule) return CannotFind(opened.error().sentence);
+    if (!opened) return opened.error();
+    TRY(FindCanvas(*opened, *first));
+    TRY(opened->Session().End());
     return CanvasText(FullSizeCanvas(*job_.picture, options_.downsample));
 }
 

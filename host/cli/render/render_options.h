@@ -120,7 +120,7 @@ Result<std::string> CanvasOfSet(const RenderOptions& options);
 /// Whether the options mean a sequence. Fails as ParseFrames and MeansSequence do.
 Result<bool> MeansSequence(const RenderOptions& options);
 
-/// Refuses what only a single image can have: a time, standard input and output. Fails with `ExitCode::kUsage`.
+/// Refuses what only a single image can have: a time, standard input and output. Fails with `ErrorKind::kUsage`.
 Result<Done> CheckNoTime(const RenderOptions& options);
 
 /// Draws a single image or a sequence.

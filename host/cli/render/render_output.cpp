@@ -15,7 +15,7 @@ namespace umbrant::host {
 Result<Done> CheckStorage(const RenderOptions& options) {
     const bool isStream = options.output == "-";
     if (!isStream && !options.format.empty()) {
-        return Failure{ExitCode::kUsage,
+        return Failure{ErrorKind::kUsage,
                        fmt::format("--format applies to standard output only ('-o -'); the extension of '{}' "
                                    "names its format",
                                    options.output)};
@@ -23,7 +23,7 @@ Result<Done> CheckStorage(const RenderOptions& options) {
     if (isStream) {
         if (auto known = CheckFormat(options.output, options.format); !known) return known;
         if (options.json) {
-            return Failure{ExitCode::kUsage,
+            return Failure{ErrorKind::kUsage,
                            "--json and '-o -' both write to standard output; write the image to a file"};
         }
     }
@@ -36,7 +36,7 @@ Result<Done> CheckStorage(const RenderOptions& options) {
 
 Result<Done> CheckOutput(const RenderOptions& options) {
     if (options.input == "-" && options.texture == "-") {
-        return Failure{ExitCode::kUsage, "standard input can be the layer or the texture, not both"};
+        return Failure{ErrorKind::kUsage, "standard input can be the layer or the texture, not both"};
     }
     if (options.output != "-") {
         for (const std::string& read : {options.input, options.texture, options.preset}) {

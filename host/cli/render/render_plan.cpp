@@ -20,18 +20,15 @@ Result<PlanRequest> SequenceRequest(const RenderOptions& options) {
     request.texture = options.texture;
     request.output = options.output;
     if (!sequence.frames.empty()) {
-        auto frames = ParseFrames(sequence.frames);
-        if (!frames) return frames.Error();
-        request.frames = std::move(*frames);
+        auto frames = TRY(ParseFrames(sequence.frames));
+        request.frames = std::move(frames);
     }
     if (!sequence.chunk.empty()) {
-        const auto chunk = ParseChunk(sequence.chunk);
-        if (!chunk) return chunk.Error();
-        request.chunk = *chunk;
+        const auto chunk = TRY(ParseChunk(sequence.chunk));
+        request.chunk = chunk;
     }
-    const auto rate = ParseRate(sequence.rate.empty() ? "24" : sequence.rate);
-    if (!rate) return rate.Error();
-    request.rate = *rate;
+    const auto rate = TRY(ParseRate(sequence.rate.empty() ? "24" : sequence.rate));
+    request.rate = rate;
     request.inputOffset = sequence.inputOffset;
     request.textureOffset = sequence.textureOffset;
     request.missing = sequence.missing == "hold"   ? MissingFrames::kHold
@@ -62,30 +59,26 @@ LayerOptions LayerOptionsOf(const RenderOptions& options) {
 }  // namespace
 
 Result<std::unique_ptr<RenderPlan>> PlanSequenceRender(RenderOptions& options) {
-    auto request = SequenceRequest(options);
-    if (!request) return request.Error();
+    auto request = TRY(SequenceRequest(options));
     auto plan = std::make_unique<RenderPlan>();
-    auto folder = FolderFor(options);
-    if (!folder) return folder.Error();
-    plan->folder.emplace(std::move(*folder));
-    if (auto open = plan->clips.Open(options, *request); !open) return open.Error();
-    options.sequence.rate = fmt::format("{}/{}", request->rate.scale, request->rate.step);
-    const auto canvas = ParseCanvas(!options.canvas.empty() ? options.canvas
-                                    : request->outputIsClip ? "layer"
-                                                            : "grow");
-    if (!canvas) return canvas.Error();
-    plan->canvas = *canvas;
-    auto frames = PlanFrames(*request);
-    if (!frames) return frames.Error();
-    plan->frames = std::move(*frames);
+    auto folder = TRY(FolderFor(options));
+    plan->folder.emplace(std::move(folder));
+    TRY(plan->clips.Open(options, request));
+    options.sequence.rate = fmt::format("{}/{}", request.rate.scale, request.rate.step);
+    const auto canvas = TRY(ParseCanvas(!options.canvas.empty() ? options.canvas
+                                        : request.outputIsClip  ? "layer"
+                                                                : "grow"));
+    plan->canvas = canvas;
+    auto frames = TRY(PlanFrames(request));
+    plan->frames = std::move(frames);
     if (!options.preset.empty()) {
         for (const PlannedFrame& frame : plan->frames.frames) {
-            if (auto apart = CheckApart(options.preset, frame.output); !apart) return apart.Error();
+            TRY(CheckApart(options.preset, frame.output));
         }
     }
     // A clip has its own ways of storing.
     if (!plan->clips.Writes() || !options.compression.empty()) {
-        if (auto known = CheckStorage(options); !known) return known.Error();
+        TRY(CheckStorage(options));
     }
     LayerOptions layers = LayerOptionsOf(options);
     plan->clips.Connect(layers);
@@ -94,18 +87,15 @@ Result<std::unique_ptr<RenderPlan>> PlanSequenceRender(RenderOptions& options) {
 }
 
 Result<std::unique_ptr<RenderPlan>> PlanImageRender(const RenderOptions& options) {
-    const auto rate = ParseRate(options.sequence.rate.empty() ? "24" : options.sequence.rate);
-    if (!rate) return rate.Error();
+    const auto rate = TRY(ParseRate(options.sequence.rate.empty() ? "24" : options.sequence.rate));
     auto plan = std::make_unique<RenderPlan>();
-    auto folder = FolderFor(options);
-    if (!folder) return folder.Error();
-    plan->folder.emplace(std::move(*folder));
-    if (auto usable = CheckOutput(options); !usable) return usable.Error();
-    const auto canvas = ParseCanvas(options.canvas.empty() ? "grow" : options.canvas);
-    if (!canvas) return canvas.Error();
-    plan->canvas = *canvas;
+    auto folder = TRY(FolderFor(options));
+    plan->folder.emplace(std::move(folder));
+    TRY(CheckOutput(options));
+    const auto canvas = TRY(ParseCanvas(options.canvas.empty() ? "grow" : options.canvas));
+    plan->canvas = canvas;
     plan->frames =
-        PlanImage({options.input, options.texture, options.output, options.seconds, *rate, options.sequence.zeroFrame});
+        PlanImage({options.input, options.texture, options.output, options.seconds, rate, options.sequence.zeroFrame});
     plan->reader.emplace(LayerOptionsOf(options));
     if (options.output != "-") CleanFolderOf(options.output, options.sequence.quiet);
     return plan;
@@ -114,10 +104,10 @@ Result<std::unique_ptr<RenderPlan>> PlanImageRender(const RenderOptions& options
 Result<Done> CheckNoTime(const RenderOptions& options) {
     for (const std::string& file : {options.input, options.texture, options.output}) {
         if (file != "-") continue;
-        return Failure{ExitCode::kUsage, "'-' is a single image; the frames of a sequence need files"};
+        return Failure{ErrorKind::kUsage, "'-' is a single image; the frames of a sequence need files"};
     }
     if (options.seconds == 0) return Done{};
-    return Failure{ExitCode::kUsage,
+    return Failure{ErrorKind::kUsage,
                    "--time applies to a single image; the frames of a sequence have their times "
                    "from --rate and --zero-frame"};
 }
@@ -129,37 +119,35 @@ double SecondsOfProgress(const SequenceOptions& options) {
 }
 
 Result<bool> MeansSequence(const RenderOptions& options) {
-    if (auto fits = CheckClipOptions(options); !fits) return fits.Error();
+    TRY(CheckClipOptions(options));
     if (IsClipName(options.input) || IsClipName(options.texture)) return true;
-    const auto request = SequenceRequest(options);
-    if (!request) return request.Error();
-    const auto many = MeansSequence(*request);
+    const auto request = TRY(SequenceRequest(options));
+    const auto many = MeansSequence(request);
     if (many && !*many && IsClipName(options.output)) {
-        return Failure{ExitCode::kUsage, fmt::format("'{}' is a clip, but '{}' is a single image; choose the frames to "
-                                                     "draw with --frames",
-                                                     options.output, options.input)};
+        return Failure{ErrorKind::kUsage,
+                       fmt::format("'{}' is a clip, but '{}' is a single image; choose the frames to "
+                                   "draw with --frames",
+                                   options.output, options.input)};
     }
     return many;
 }
 
 Result<std::vector<FrameNumber>> FramesOf(const RenderOptions& options) {
-    if (auto usable = CheckNoTime(options); !usable) return usable.Error();
+    TRY(CheckNoTime(options));
     if (!options.compression.empty() || !IsClipName(options.output)) {
-        if (auto known = CheckStorage(options); !known) return known.Error();
+        TRY(CheckStorage(options));
     }
     if (IsClipName(options.output)) {
-        return Failure{ExitCode::kUsage,
+        return Failure{ErrorKind::kUsage,
                        fmt::format("the tasks of a job need one file per frame, and '{}' is a single file; render "
                                    "images, then make a clip of them",
                                    options.output)};
     }
-    const auto folder = OutputFolder::For(options.output, options.makesFolder);
-    if (!folder) return folder.Error();
-    auto request = SequenceRequest(options);
-    if (!request) return request.Error();
+    const auto folder = TRY(OutputFolder::For(options.output, options.makesFolder));
+    auto request = TRY(SequenceRequest(options));
     ClipEndpoints clips;
-    if (auto open = clips.Open(options, *request); !open) return open.Error();
-    return WholeFrameSet(*request);
+    TRY(clips.Open(options, request));
+    return WholeFrameSet(request);
 }
 
 }  // namespace umbrant::host

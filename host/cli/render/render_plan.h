@@ -26,11 +26,11 @@ struct RenderPlan {
 };
 
 /// The plan of a sequence or a clip. Sets the rate in the options to the one that was found. Fails with
-/// `ExitCode::kUsage` and as PlanFrames does.
+/// `ErrorKind::kUsage` and as PlanFrames does.
 Result<std::unique_ptr<RenderPlan>> PlanSequenceRender(RenderOptions& options);
 
 /// The plan of a single image. Removes what killed runs left in the folder of the output. Fails with
-/// `ExitCode::kUsage`, and with `ExitCode::kFile` where the output cannot be written.
+/// `ErrorKind::kUsage`, and with `ErrorKind::kFile` where the output cannot be written.
 Result<std::unique_ptr<RenderPlan>> PlanImageRender(const RenderOptions& options);
 
 }  // namespace umbrant::host

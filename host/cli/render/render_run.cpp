@@ -23,9 +23,8 @@ namespace umbrant::host {
 namespace {
 
 Result<Done> WriteToStandardOutput(const Drawn& drawn, const Placement& place, const WriteOptions& kept) {
-    const auto bytes = EncodePicture(drawn.pixels, place, kept);
-    if (!bytes) return bytes.Error();
-    PrintResult(*bytes);
+    const auto bytes = TRY(EncodePicture(drawn.pixels, place, kept));
+    PrintResult(bytes);
     return Done{};
 }
 
@@ -33,16 +32,14 @@ Result<Done> WriteToStandardOutput(const Drawn& drawn, const Placement& place, c
 
 Result<ExitCode> RenderRun::Run() {
     Stopwatch whole;
-    auto planned = isImage_ ? PlanImageRender(options_) : PlanSequenceRender(options_);
-    if (!planned) return planned.Error();
-    plan_ = std::move(*planned);
-    const auto preference = ReadRendererPreference(options_.renderer);
-    if (!preference) return preference.Error();
+    auto planned = TRY(isImage_ ? PlanImageRender(options_) : PlanSequenceRender(options_));
+    plan_ = std::move(planned);
+    const auto preference = TRY(ReadRendererPreference(options_.renderer));
     if (isImage_) image_.emplace(SecondsOfProgress(options_.sequence), options_.verbose);
     FillJob();
     Say("reading the images");
     auto first = ReadFirst(plan_->frames, *plan_->reader, options_.sequence.keepGoing);
-    if (!first) return first.Error();
+    if (!first) return first.error();
     // Without a frame there is nothing to draw, and the summary says so.
     if (!first->layers.input) return DrawSequence(std::move(*first));
     ReportNotesOf(first->layers);
@@ -50,20 +47,19 @@ Result<ExitCode> RenderRun::Run() {
                            first->layers.input->pixels.PixelDepth()};
 
     Say("loading and setting up the module");
-    auto opened = OpenWithValues(options_, first->layers.input->width, first->layers.input->height,
-                                 plan_->frames.frames[first->frame].position);
-    if (!opened) return opened.Error();
-    EffectSession& session = opened->Session();
-    renderer_ = DecideRenderer(*preference, ReadGpuStrings(session.Params()));
+    auto opened = TRY(OpenWithValues(options_, first->layers.input->width, first->layers.input->height,
+                                     plan_->frames.frames[first->frame].position));
+    EffectSession& session = opened.Session();
+    renderer_ = DecideRenderer(preference, ReadGpuStrings(session.Params()));
     session.SetRenderer(renderer_.Request());
-    if (auto found = FindCanvas(*opened, *first); !found) return found.Error();
-    if (auto started = StartInstances(session, *first); !started) return started.Error();
-    if (auto begun = BeginClip(*first); !begun) return begun.Error();
+    TRY(FindCanvas(opened, *first));
+    TRY(StartInstances(session, *first));
+    TRY(BeginClip(*first));
     auto outcome = isImage_ ? DrawImage(std::move(*first)) : DrawSequence(std::move(*first));
     if (isImage_ && !outcome) return outcome;
     auto ended = instances_.End();
     if (options_.verbose) ReportMisbehaviour();
-    if (outcome && !ended) return ended.Error();
+    if (outcome && !ended) return ended.error();
     if (isImage_) PrintImage(image, session, whole.Lap());
     return outcome;
 }
@@ -128,8 +124,7 @@ Result<Done> RenderRun::BeginClip(const FirstFrame& first) {
 }
 
 Result<ExitCode> RenderRun::DrawImage(FirstFrame first) {
-    const auto run = DrawFrames(job_, instances_.All(), *plan_->reader, std::move(first), *image_);
-    if (!run) return run.Error();
+    TRY(DrawFrames(job_, instances_.All(), *plan_->reader, std::move(first), *image_));
     if (image_->Outcome().failure) return *image_->Outcome().failure;
     return ExitCode::kDone;
 }
@@ -161,13 +156,11 @@ Result<ExitCode> RenderRun::DrawSequence(FirstFrame first) {
     if (!plan_->clips.Note().empty()) progress.Note(plan_->clips.Note());
     if (const std::string removed = RemoveAbandonedFiles(OutputFolders()); !removed.empty()) progress.Note(removed);
     const MemoryRecycler recycler;
-    const auto run = DrawFrames(job_, instances_.All(), *plan_->reader, std::move(first), progress);
-    if (!run) return run.Error();
+    TRY(DrawFrames(job_, instances_.All(), *plan_->reader, std::move(first), progress));
     const FrameTotals totals = progress.Finish();
     if (plan_->clips.Writes() && totals.failed == 0) {
-        const auto finished = plan_->clips.Finish();
-        if (!finished) return finished.Error();
-        if (*finished && !options_.json) PrintResult(options_.output + "\n");
+        const auto finished = TRY(plan_->clips.Finish());
+        if (finished && !options_.json) PrintResult(options_.output + "\n");
     }
     if (options_.json) {
         const std::string canvas = !options_.canvas.empty() ? options_.canvas
@@ -208,12 +201,11 @@ void RenderRun::Say(const char* stage) {
 }
 
 Result<ExitCode> Render(const RenderOptions& options) {
-    const auto many = MeansSequence(options);
-    if (!many) return many.Error();
-    if (*many) {
-        if (auto usable = CheckNoTime(options); !usable) return usable.Error();
+    const auto many = TRY(MeansSequence(options));
+    if (many) {
+        TRY(CheckNoTime(options));
     }
-    return RenderRun(options, !*many).Run();
+    return RenderRun(options, !many).Run();
 }
 
 }  // namespace umbrant::host

@@ -38,19 +38,16 @@ Result<OpenedEffect> OpenWithValues(const RenderOptions& options, int layerWidth
     about.layerWidth = layerWidth;
     about.layerHeight = layerHeight;
     if (options.collapsed) about.layerFlags |= AEGP_LayerFlag_COLLAPSE;
-    const auto preference = ReadRendererPreference(options.renderer);
-    if (!preference) return preference.Error();
-    about.renderer = RendererOfSetUp(*preference);
-    const auto rate = ParseRate(options.sequence.rate.empty() ? "24" : options.sequence.rate);
-    if (!rate) return rate.Error();
-    auto opened = OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module), about);
-    if (!opened) return opened.Error();
-    OpenedEffect effect{std::move(*opened), {}, {rate->PerSecond(), static_cast<double>(options.sequence.zeroFrame)}};
+    const auto preference = TRY(ReadRendererPreference(options.renderer));
+    about.renderer = RendererOfSetUp(preference);
+    const auto rate = TRY(ParseRate(options.sequence.rate.empty() ? "24" : options.sequence.rate));
+    auto opened = TRY(OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module), about));
+    OpenedEffect effect{std::move(opened), {}, {rate.PerSecond(), static_cast<double>(options.sequence.zeroFrame)}};
     EffectSession& session = effect.Session();
     effect.params.values = session.Params();
-    if (auto set = ApplyValues(options.preset, options.settings, effect.params); !set) return set.Error();
+    TRY(ApplyValues(options.preset, options.settings, effect.params));
     session.Params() = effect.params.animation.ValuesAt(effect.params.values, frame, effect.clock);
-    if (auto updated = session.UpdateParamsUI(); !updated) return Explain(updated.Error(), session);
+    if (auto updated = session.UpdateParamsUI(); !updated) return Explain(updated.error(), session);
     return effect;
 }
 

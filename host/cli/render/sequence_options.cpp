@@ -25,7 +25,7 @@ template <typename Parse>
 auto Readable(Parse parse) {
     return [parse](const std::string& text) {
         const auto parsed = parse(text);
-        return parsed ? std::string() : Reason(parsed.Error());
+        return parsed ? std::string() : Reason(parsed.error());
     };
 }
 

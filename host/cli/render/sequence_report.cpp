@@ -38,7 +38,7 @@ nlohmann::ordered_json FrameJson(const PlannedFrame& frame, const FrameOutcome& 
     if (frame.heldTexture) json["heldTexture"] = *frame.heldTexture;
     if (outcome.failure) {
         json["error"] = outcome.failure->sentence;
-        json["code"] = static_cast<int>(outcome.failure->code);
+        json["code"] = static_cast<int>(outcome.failure->kind);
     }
     if (!outcome.message.empty()) json["message"] = outcome.message;
     if (outcome.kind == Kind::kDrawn) {

@@ -148,8 +148,8 @@ Result<ChannelChoice> ChooseChannels(const ImageLayout& layout, const std::strin
     if (channels.red < 0) channels = FirstChannels(layout, layer, channels.alpha);
     if (channels.red < 0) channels.red = channels.green = channels.blue = ChannelNamed(layout, layer);
     if (channels.red < 0) {
-        return Failure{ExitCode::kUsage, fmt::format("'{}' has no layer '{}'; its channels are {}", fileName, layer,
-                                                     Listed(layout.channels))};
+        return Failure{ErrorKind::kUsage, fmt::format("'{}' has no layer '{}'; its channels are {}", fileName, layer,
+                                                      Listed(layout.channels))};
     }
     channels.alpha = alpha;
     return ChannelChoice{channels, ""};
@@ -180,7 +180,7 @@ Result<std::string> ChoosePart(ImageReader& input, const std::string& part, cons
     }
     // Formats whose parts cannot be counted before they are read are asked for the one that is wanted.
     if (number >= 0 && input.OpenPart(number)) return std::string();
-    return Failure{ExitCode::kUsage,
+    return Failure{ErrorKind::kUsage,
                    fmt::format("'{}' has no part '{}'; its parts are {}", fileName, part, Listed(parts))};
 }
 

@@ -27,12 +27,12 @@ struct ChannelChoice {
 
 /// Chooses the channels of a layer, "diffuse" of "diffuse.R" or the name of a single channel. Without a name: red,
 /// green and blue, else the luminance, else the first layer of an EXR that has colours, else the first three channels;
-/// one is grey, two are red and green. The alpha is the layer's own, else the image's. Fails with `ExitCode::kUsage`
+/// one is grey, two are red and green. The alpha is the layer's own, else the image's. Fails with `ErrorKind::kUsage`
 /// and the layers that there are.
 Result<ChannelChoice> ChooseChannels(const ImageLayout& layout, const std::string& layer, const std::string& fileName);
 
 /// Moves to the part of that number, counted from 0, or of that name; empty for the first. Returns what was left out,
-/// as above. Fails with `ExitCode::kUsage` and the parts that there are.
+/// as above. Fails with `ErrorKind::kUsage` and the parts that there are.
 Result<std::string> ChoosePart(ImageReader& input, const std::string& part, const std::string& fileName);
 
 }  // namespace umbrant::host

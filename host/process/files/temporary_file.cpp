@@ -112,7 +112,7 @@ Result<Done> TemporaryFile::PutInPlace() {
     if (error) {
         // Perhaps only because an interruption has removed it.
         if (files.ending) WaitForTheEnd(lock);
-        return Failure{ExitCode::kFile, fmt::format("cannot write '{}': {}", place_.string(), error.message())};
+        return Failure{ErrorKind::kFile, fmt::format("cannot write '{}': {}", place_.string(), error.message())};
     }
     files.names.erase(name_.string());
     name_.clear();

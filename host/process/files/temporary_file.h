@@ -34,7 +34,7 @@ class TemporaryFile {
     /// A name to open the file by that makes none. Where the system has no such names it is Name().
     std::string OpenName() const;
 
-    /// Renames the file to its place, replacing what is there. Fails with `ExitCode::kFile`.
+    /// Renames the file to its place, replacing what is there. Fails with `ErrorKind::kFile`.
     Result<Done> PutInPlace();
 
  private:

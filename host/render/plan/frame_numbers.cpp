@@ -21,7 +21,7 @@ constexpr char kForms[] =
     "write frames as 7, 1-10, 1-240x2, 1-10x0.25, 1-100y5 or 1-100:8, several of them with commas";
 
 Failure Wrong(std::string_view text, const std::string& reason) {
-    return {ExitCode::kUsage, fmt::format("'{}' is not a set of frames: {}; {}", text, reason, kForms)};
+    return {ErrorKind::kUsage, fmt::format("'{}' is not a set of frames: {}; {}", text, reason, kForms)};
 }
 
 std::string_view Trimmed(std::string_view text) {
@@ -152,9 +152,8 @@ Result<std::vector<FrameNumber>> ParseFrames(std::string_view text) {
     for (bool more = true; more;) {
         const std::size_t comma = rest.find(',');
         more = comma != std::string_view::npos;
-        const auto part = ParsePart(text, rest.substr(0, comma));
-        if (!part) return part.Error();
-        for (const std::int64_t frame : *part) {
+        const auto part = TRY(ParsePart(text, rest.substr(0, comma)));
+        for (const std::int64_t frame : part) {
             if (seen.insert(frame).second) frames.push_back(FrameNumber::OfParts(frame));
         }
         if (frames.size() > static_cast<std::size_t>(kMostFrames)) {
@@ -202,7 +201,7 @@ Result<Chunk> ParseChunk(std::string_view text) {
     if (slash) rest.remove_prefix(1);
     const auto count = TakeNumber(rest);
     if (!number || !slash || !count || !rest.empty() || *count < 1 || *number < 1 || *number > *count) {
-        return Failure{ExitCode::kUsage,
+        return Failure{ErrorKind::kUsage,
                        fmt::format("'{}' is not a chunk: write the i-th of n as i/n, such as 1/4 to 4/4", text)};
     }
     chunk.number = *number;
@@ -219,7 +218,7 @@ std::pair<std::size_t, std::size_t> ChunkRange(std::size_t size, const Chunk& ch
 
 Result<FrameRate> ParseRate(std::string_view text) {
     const Failure wrong{
-        ExitCode::kUsage,
+        ErrorKind::kUsage,
         fmt::format("'{}' is not a frame rate: write frames per second from 0.1 to 1000, such as 24, 29.97 or "
                     "30000/1001",
                     text)};

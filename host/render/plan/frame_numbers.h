@@ -30,7 +30,7 @@ inline constexpr int kFarthestFrame = 999999;
 inline constexpr int kMostFrames = 2 * kFarthestFrame + 1;
 
 /// The frames in the order in which they are written, each once: where a frame comes up again it is left out. Fails
-/// with `ExitCode::kUsage`.
+/// with `ErrorKind::kUsage`.
 Result<std::vector<FrameNumber>> ParseFrames(std::string_view text);
 
 /// Frames as a person reads them, in rising order: "1-4, 7, 9-12"; of more than a few runs only the first ones, and
@@ -46,7 +46,7 @@ struct Chunk {
     int count = 1;
 };
 
-/// "2/4". Fails with `ExitCode::kUsage`.
+/// "2/4". Fails with `ErrorKind::kUsage`.
 Result<Chunk> ParseChunk(std::string_view text);
 
 /// The chunk's part of a set of `size` frames, from the first index to behind the last: neighbours in the set's order.
@@ -62,7 +62,7 @@ struct FrameRate {
 };
 
 /// "24", "12.5", "30000/1001"; the short forms of the rates of broadcasting (23.976, 29.97, 47.952, 59.94, 119.88) mean
-/// their fractions over 1001. From 0.1 to 1000. Fails with `ExitCode::kUsage`.
+/// their fractions over 1001. From 0.1 to 1000. Fails with `ErrorKind::kUsage`.
 Result<FrameRate> ParseRate(std::string_view text);
 
 }  // namespace umbrant::host

@@ -101,7 +101,7 @@ Result<std::optional<FramePattern>> FramePattern::Find(const std::string& path) 
     const std::vector<Field> fields = FieldsOf(name);
     if (fields.empty()) return std::optional<FramePattern>();
     if (fields.size() > 1) {
-        return Failure{ExitCode::kUsage,
+        return Failure{ErrorKind::kUsage,
                        fmt::format("'{}' has {} fields for the frame's number, '{}' and '{}'; use one", path,
                                    fields.size(), name.substr(fields[0].begin, fields[0].length),
                                    name.substr(fields[1].begin, fields[1].length))};
@@ -109,7 +109,7 @@ Result<std::optional<FramePattern>> FramePattern::Find(const std::string& path) 
     const Field& field = fields.front();
     if (field.width < 1 || field.width > kMostDigits) {
         return Failure{
-            ExitCode::kUsage,
+            ErrorKind::kUsage,
             fmt::format("'{}' in '{}' is not a field for a frame's number; write #### or %04d for 4 digits, up "
                         "to {} of them",
                         name.substr(field.begin, field.length), path, kMostDigits)};

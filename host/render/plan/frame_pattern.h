@@ -23,7 +23,7 @@ namespace umbrant::host {
 /// Numbers below zero have their sign within the width. An @ is a field only in a name without another one.
 class FramePattern {
  public:
-    /// Nothing when the name has no field. Fails with `ExitCode::kUsage` when it has two, or one that nobody could
+    /// Nothing when the name has no field. Fails with `ErrorKind::kUsage` when it has two, or one that nobody could
     /// mean.
     static Result<std::optional<FramePattern>> Find(const std::string& path);
 

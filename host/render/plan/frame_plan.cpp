@@ -38,13 +38,13 @@ Result<std::vector<FrameNumber>> WholeSet(const PlanRequest& request, const Fram
     for (const FrameSource* source : {&input, &texture}) {
         if (!source->HasFrames()) continue;
         if (source->onDisk.empty()) {
-            return Failure{ExitCode::kFile, fmt::format("cannot read '{}': no file has such a name", source->path)};
+            return Failure{ErrorKind::kFile, fmt::format("cannot read '{}': no file has such a name", source->path)};
         }
         std::vector<FrameNumber> frames;
         for (const int frame : source->onDisk) frames.emplace_back(frame - source->offset);
         return frames;
     }
-    return Failure{ExitCode::kUsage,
+    return Failure{ErrorKind::kUsage,
                    "neither the input nor the texture is a sequence; choose the frames with --frames"};
 }
 
@@ -58,7 +58,7 @@ Result<std::optional<FramePattern>> OutputPattern(const PlanRequest& request, co
     auto pattern = FramePattern::Find(request.output);
     if (!pattern) return pattern;
     if (!*pattern && frames.size() > 1) {
-        return Failure{ExitCode::kUsage,
+        return Failure{ErrorKind::kUsage,
                        fmt::format("'{}' has no field for the frame's number, and there are {} frames; write it as "
                                    "'{}'",
                                    request.output, frames.size(), WithField(request.output))};
@@ -74,7 +74,7 @@ std::string IdentityOf(const std::string& path) {
 }
 
 Failure SameFile(const std::string& output) {
-    return {ExitCode::kUsage, fmt::format("'{}' is both input and output; give the output another name", output)};
+    return {ErrorKind::kUsage, fmt::format("'{}' is both input and output; give the output another name", output)};
 }
 
 Result<Done> CheckOutputs(const std::vector<PlannedFrame>& frames, bool isClip) {
@@ -110,13 +110,14 @@ Result<FrameTimes> TimesOf(const std::vector<FrameNumber>& frames, const PlanReq
     const std::int64_t scale = finer * request.rate.scale;
     const std::int64_t step = finer * request.rate.step;
     if (scale > std::numeric_limits<A_u_long>::max() || step > std::numeric_limits<A_long>::max()) {
-        return Failure{ExitCode::kUsage, fmt::format("a rate of {}/{} cannot be divided by {}, which these frames need",
-                                                     request.rate.scale, request.rate.step, finer)};
+        return Failure{ErrorKind::kUsage,
+                       fmt::format("a rate of {}/{} cannot be divided by {}, which these frames need",
+                                   request.rate.scale, request.rate.step, finer)};
     }
     times.finest = {static_cast<A_u_long>(scale), static_cast<A_long>(step)};
     for (const FrameNumber& frame : frames) {
         if (std::abs(times.TimeOf(frame)) + step <= std::numeric_limits<A_long>::max()) continue;
-        return Failure{ExitCode::kUsage,
+        return Failure{ErrorKind::kUsage,
                        fmt::format("frame {} is too far from frame {}, which is at time 0, for a rate of {}/{}", frame,
                                    request.zeroFrame, times.finest.scale, times.finest.step)};
     }
@@ -154,12 +155,12 @@ Result<Done> CheckMissing(const std::vector<PlannedFrame>& frames) {
     }
     if (!first) return Done{};
     if (missing.size() == 1) {
-        return Failure{ExitCode::kFile, fmt::format("cannot read {}: {}; --missing hold shows another frame instead, "
-                                                    "--missing skip leaves frame {} out",
-                                                    first->missing, first->missingReason, first->number)};
+        return Failure{ErrorKind::kFile, fmt::format("cannot read {}: {}; --missing hold shows another frame instead, "
+                                                     "--missing skip leaves frame {} out",
+                                                     first->missing, first->missingReason, first->number)};
     }
     const bool isClip = first->missing.front() != '\'';
-    return Failure{ExitCode::kFile,
+    return Failure{ErrorKind::kFile,
                    fmt::format("cannot read {}, nor the {} of {} frames in all ({}): {}; --missing hold shows other "
                                "frames instead, --missing skip leaves these out",
                                first->missing, isClip ? "others" : "files", missing.size(), FramesText(missing),
@@ -168,37 +169,33 @@ Result<Done> CheckMissing(const std::vector<PlannedFrame>& frames) {
 
 /// Every frame of the set, whatever the chunk: another chunk's machine may be writing what this one would read.
 Result<FramePlan> WholePlan(const PlanRequest& request) {
-    const auto input = FrameSource::Find(request.input, request.inputOffset, request.inputClip);
-    if (!input) return input.Error();
-    const auto texture = FrameSource::Find(request.texture, request.textureOffset, request.textureClip);
-    if (!texture) return texture.Error();
-    const auto whole = WholeSet(request, *input, *texture);
-    if (!whole) return whole.Error();
-    const auto output = OutputPattern(request, *whole);
-    if (!output) return output.Error();
-    const auto times = TimesOf(*whole, request);
-    if (!times) return times.Error();
+    const auto input = TRY(FrameSource::Find(request.input, request.inputOffset, request.inputClip));
+    const auto texture = TRY(FrameSource::Find(request.texture, request.textureOffset, request.textureClip));
+    const auto whole = TRY(WholeSet(request, input, texture));
+    const auto output = OutputPattern(request, whole);
+    if (!output) return output.error();
+    const auto times = TRY(TimesOf(whole, request));
 
     FramePlan plan;
-    plan.input = *input;
-    plan.texture = *texture;
-    plan.rate = times->finest;
+    plan.input = input;
+    plan.texture = texture;
+    plan.rate = times.finest;
     plan.framesPerSecond = request.rate.PerSecond();
     plan.zeroFrame = request.zeroFrame;
     plan.leavesOutMissing = request.missing == MissingFrames::kSkip;
     std::vector<PlannedFrame>& frames = plan.frames;
-    for (const FrameNumber& number : *whole) {
-        frames.push_back(PlanFrame(request, *input, *texture, number));
+    for (const FrameNumber& number : whole) {
+        frames.push_back(PlanFrame(request, input, texture, number));
         PlannedFrame& frame = frames.back();
-        frame.time = static_cast<A_long>(times->TimeOf(number));
+        frame.time = static_cast<A_long>(times.TimeOf(number));
         frame.position = number.Value();
         plan.wholeSet.push_back({number, frame.time});
         plan.totalTime = std::max(plan.totalTime, frame.time + plan.rate.step);
         frame.output = *output ? (*output)->PathOf(number) : request.output;
-        frame.inputChanges = input->HasFrames() && !frame.heldInput;
-        frame.textureChanges = texture->HasFrames() && !frame.heldTexture;
+        frame.inputChanges = input.HasFrames() && !frame.heldInput;
+        frame.textureChanges = texture.HasFrames() && !frame.heldTexture;
     }
-    if (auto apart = CheckOutputs(frames, request.outputIsClip); !apart) return apart.Error();
+    TRY(CheckOutputs(frames, request.outputIsClip));
     return plan;
 }
 
@@ -207,29 +204,27 @@ Result<FramePlan> WholePlan(const PlanRequest& request) {
 Result<bool> MeansSequence(const PlanRequest& request) {
     if (request.frames || request.inputClip || request.textureClip) return true;
     for (const std::string& path : {request.input, request.texture}) {
-        const auto source = FrameSource::Find(path, 0);
-        if (!source) return source.Error();
-        if (source->pattern) return true;
+        const auto source = TRY(FrameSource::Find(path, 0));
+        if (source.pattern) return true;
     }
     const auto output = FramePattern::Find(request.output);
     if (!output || !*output || (*output)->IsWeak() || request.output.empty()) return false;
-    return Failure{ExitCode::kUsage, fmt::format("'{}' has a field for the frame's number, but '{}' is a single image; "
-                                                 "choose the frames with --frames",
-                                                 request.output, request.input)};
+    return Failure{ErrorKind::kUsage,
+                   fmt::format("'{}' has a field for the frame's number, but '{}' is a single image; "
+                               "choose the frames with --frames",
+                               request.output, request.input)};
 }
 
 Result<std::vector<FrameNumber>> WholeFrameSet(const PlanRequest& request) {
-    const auto plan = WholePlan(request);
-    if (!plan) return plan.Error();
+    const auto plan = TRY(WholePlan(request));
     std::vector<FrameNumber> numbers;
-    for (const PlannedFrame& frame : plan->frames) numbers.push_back(frame.number);
+    for (const PlannedFrame& frame : plan.frames) numbers.push_back(frame.number);
     return numbers;
 }
 
 Result<FramePlan> PlanFrames(const PlanRequest& request) {
-    auto whole = WholePlan(request);
-    if (!whole) return whole.Error();
-    FramePlan plan = std::move(*whole);
+    auto whole = TRY(WholePlan(request));
+    FramePlan plan = std::move(whole);
     std::vector<PlannedFrame> frames;
     frames.swap(plan.frames);
     const auto [begin, end] = ChunkRange(frames.size(), request.chunk);
@@ -241,7 +236,7 @@ Result<FramePlan> PlanFrames(const PlanRequest& request) {
         }
     }
     if (request.missing == MissingFrames::kError && !request.keepGoing) {
-        if (auto complete = CheckMissing(plan.frames); !complete) return complete.Error();
+        TRY(CheckMissing(plan.frames));
     }
     return plan;
 }

@@ -91,12 +91,12 @@ struct FramePlan {
 };
 
 /// Whether the arguments mean a sequence: frames are given, or the input or the texture is a pattern and no file of
-/// that very name exists. Fails with `ExitCode::kUsage` on a wrong pattern.
+/// that very name exists. Fails with `ErrorKind::kUsage` on a wrong pattern.
 Result<bool> MeansSequence(const PlanRequest& request);
 
-/// Makes the plan. Fails with `ExitCode::kUsage` when many frames would go into one file, when a frame would be written
-/// over a file that is read, or when a time is too far off; with `ExitCode::kFile` when files are missing or the place
-/// of the output cannot be written.
+/// Makes the plan. Fails with `ErrorKind::kUsage` when many frames would go into one file, when a frame would be
+/// written over a file that is read, or when a time is too far off; with `ErrorKind::kFile` when files are missing or
+/// the place of the output cannot be written.
 Result<FramePlan> PlanFrames(const PlanRequest& request);
 
 /// The plan of a single image: one frame, at the moment's step of 1/24000 second. Looks at no file.
@@ -106,7 +106,7 @@ FramePlan PlanImage(const ImageRequest& request);
 /// be missing, which may be made before they are needed.
 Result<std::vector<FrameNumber>> WholeFrameSet(const PlanRequest& request);
 
-/// Fails with `ExitCode::kUsage` when both paths lead to one file.
+/// Fails with `ErrorKind::kUsage` when both paths lead to one file.
 Result<Done> CheckApart(const std::string& input, const std::string& output);
 
 }  // namespace umbrant::host

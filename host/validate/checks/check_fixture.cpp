@@ -15,10 +15,10 @@ namespace umbrant::host {
 CheckFixture::CheckFixture(CheckRun& run, SessionOptions options) : trial_(run) {
     options.log = &log_;
     auto loaded = Module::Load(run.Options().module);
-    if (!loaded) run.FailAndEnd(loaded.Error().sentence);
+    if (!loaded) run.FailAndEnd(loaded.error().sentence);
     module_.emplace(std::move(*loaded));
     auto started = EffectSession::Start(*module_, std::move(options));
-    if (!started) run.FailAndEnd(started.Error().sentence);
+    if (!started) run.FailAndEnd(started.error().sentence);
     session_.emplace(std::move(*started));
 }
 
@@ -46,7 +46,7 @@ std::optional<Frame> CheckFixture::Draw(const FrameRequest& request, const std::
     trial_.Count("frames");
     Result<Frame> frame = session_->Render(request);
     if (frame) return std::move(*frame);
-    trial_.Fail(fmt::format("{}: {}", what, frame.Error().sentence));
+    trial_.Fail(fmt::format("{}: {}", what, frame.error().sentence));
     return std::nullopt;
 }
 
@@ -54,17 +54,17 @@ std::optional<PreRendered> CheckFixture::Ask(const FrameRequest& request, const 
     trial_.Count("pre-renders");
     Result<PreRendered> asked = session_->PreRender(request);
     if (asked) return std::move(*asked);
-    trial_.Fail(fmt::format("{}: {}", what, asked.Error().sentence));
+    trial_.Fail(fmt::format("{}: {}", what, asked.error().sentence));
     return std::nullopt;
 }
 
 void CheckFixture::TouchPanel() {
-    if (const auto about = session_->About(); !about) trial_.Fail(about.Error().sentence);
-    if (const auto updated = session_->UpdateParamsUI(); !updated) trial_.Fail(updated.Error().sentence);
+    if (const auto about = session_->About(); !about) trial_.Fail(about.error().sentence);
+    if (const auto updated = session_->UpdateParamsUI(); !updated) trial_.Fail(updated.error().sentence);
 }
 
 void CheckFixture::EndBalanced(const std::string& when) {
-    if (const auto ended = session_->End(); !ended) trial_.Fail(fmt::format("{}: {}", when, ended.Error().sentence));
+    if (const auto ended = session_->End(); !ended) trial_.Fail(fmt::format("{}: {}", when, ended.error().sentence));
     NoteMisbehaviour(when);
     for (const LedgerRow& row : UnevenRows(log_.Events())) trial_.Fail(fmt::format("{}: {}", when, row.sentence));
 }

@@ -39,8 +39,8 @@ std::pair<Flags, Flags> SetUpTwice(CheckRun& run) {
     };
     CheckFixture fixture(run, options);
     const Flags first = flags;
-    if (const auto ended = fixture.Session().End(); !ended) run.Fail(ended.Error().sentence);
-    if (const auto again = fixture.Session().SetUp(); !again) run.Fail(again.Error().sentence);
+    if (const auto ended = fixture.Session().End(); !ended) run.Fail(ended.error().sentence);
+    if (const auto again = fixture.Session().SetUp(); !again) run.Fail(again.error().sentence);
     return {first, flags};
 }
 

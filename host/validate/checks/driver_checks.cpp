@@ -120,7 +120,7 @@ void FailAllocationsOf(CheckRun& part, std::size_t style) {
         part.Fail(fmt::format("{}: the frame differs after failed allocations", variant.name));
     }
     const auto ended = fixture.Session().End();
-    if (!ended) part.Fail(ended.Error().sentence);
+    if (!ended) part.Fail(ended.error().sentence);
     if (!fixture.Session().Open().IsBalanced()) {
         part.Fail(
             fmt::format("{}: still open after failed allocations: {}", variant.name, fixture.Session().Open().Text()));
@@ -206,7 +206,7 @@ void FailDriver(CheckRun& part, const DriverFault& fault, bool fromTheStart) {
     part.Count("driver calls met", static_cast<double>(shim.countFaults()));
     shim.setFault(SHIM_NONE);
     const auto ended = session->End();
-    if (!ended) part.Fail(ended.Error().sentence);
+    if (!ended) part.Fail(ended.error().sentence);
     if (!session->Open().IsBalanced()) {
         part.Fail(fmt::format("with {} something is still open: {}", fault.name, session->Open().Text()));
     }

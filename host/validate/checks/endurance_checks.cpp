@@ -189,7 +189,7 @@ void Wander(CheckRun& run, CheckFixture& fixture, std::uint64_t seed, Clock::tim
             // The run is the check's, and threads share it: the first word counts.
             static std::mutex mutex;
             const std::lock_guard lock(mutex);
-            run.Fail(fmt::format("after {} frames: {}", frames.load(), frame.Error().sentence));
+            run.Fail(fmt::format("after {} frames: {}", frames.load(), frame.error().sentence));
             return;
         }
     }
@@ -231,7 +231,7 @@ void Soaks(CheckRun& run) {
                    if (counted > kEnough && slope > kMost) {
                        part.Fail(fmt::format("the process grows by {:.0f} bytes a frame", slope));
                    }
-                   if (const auto ended = fixture.Session().End(); !ended) part.Fail(ended.Error().sentence);
+                   if (const auto ended = fixture.Session().End(); !ended) part.Fail(ended.error().sentence);
                    fixture.NoteMisbehaviour("after the long session");
                },
                {},

@@ -149,9 +149,9 @@ void LivesBesideAnother(CheckRun& run) {
     const SecondFile second(run.Options().module);
     if (!second.copied) run.Skip("the module's file cannot be copied");
     auto other = Module::Load(second.path);
-    if (!other) run.FailAndEnd(fmt::format("a second copy: {}", other.Error().sentence));
+    if (!other) run.FailAndEnd(fmt::format("a second copy: {}", other.error().sentence));
     auto session = EffectSession::Start(*other);
-    if (!session) run.FailAndEnd(fmt::format("a second copy: {}", session.Error().sentence));
+    if (!session) run.FailAndEnd(fmt::format("a second copy: {}", session.error().sentence));
     for (const int row : SettableRows(fixture.Session().Params())) {
         session->Params().RawRow(row).def.u = fixture.Session().Params().Row(row).def.u;
         session->Params().RawRow(row).point = fixture.Session().Params().Row(row).point;
@@ -160,7 +160,7 @@ void LivesBesideAnother(CheckRun& run) {
     if (Frames(fixture.Session(), run) != alone)
         run.Fail("the module draws another frame while a second copy is loaded");
     const auto ended = session->End();
-    if (!ended) run.Fail(fmt::format("a second copy: {}", ended.Error().sentence));
+    if (!ended) run.Fail(fmt::format("a second copy: {}", ended.error().sentence));
     if (Frames(fixture.Session(), run) != alone) {
         run.Fail("the module draws another frame after a second copy was set down");
     }

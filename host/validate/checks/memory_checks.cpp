@@ -44,7 +44,7 @@ void ActAll(CheckRun& run, CheckFixture& fixture) {
 /// The findings of a ledger about some kinds of things.
 void JudgeKinds(CheckRun& run, CheckFixture& fixture, const std::set<Resource>& kinds) {
     ActAll(run, fixture);
-    if (const auto ended = fixture.Session().End(); !ended) run.Fail(ended.Error().sentence);
+    if (const auto ended = fixture.Session().End(); !ended) run.Fail(ended.error().sentence);
     for (const LedgerRow& row : UnevenRows(fixture.Log().Events())) {
         if (kinds.contains(row.resource)) run.Fail(row.sentence);
     }

@@ -56,7 +56,7 @@ void UpdatesInEveryStyle(CheckRun& part) {
     for (const Variant& variant : StyleVariants(fixture.Session().Params(), 20)) {
         variant.apply(fixture.Session().Params());
         if (const auto updated = fixture.Session().UpdateParamsUI(); !updated) {
-            part.Fail(fmt::format("{}: {}", variant.name, updated.Error().sentence));
+            part.Fail(fmt::format("{}: {}", variant.name, updated.error().sentence));
         }
     }
     fixture.EndBalanced("after updates of the panel");
@@ -77,7 +77,7 @@ void TakesEveryEvent(CheckRun& part) {
                 PF_EventExtra event = canvas.Event(type, row, frame);
                 const auto sent = fixture.Session().SendEvent(&event);
                 const bool usual = std::find(own.begin(), own.end(), row) != own.end() && &frame == &frames[0];
-                if (!sent && usual) part.Fail(fmt::format("event {}: {}", type, sent.Error().sentence));
+                if (!sent && usual) part.Fail(fmt::format("event {}: {}", type, sent.error().sentence));
                 // Saying that an idle moment was handled keeps the host from handling it, and wakes it at once.
                 const bool nothing = type == PF_Event_NONE || type == PF_Event_IDLE || type == PF_Event_NUM_EVENTS;
                 if (nothing && (event.evt_out_flags & PF_EO_HANDLED_EVENT)) {

@@ -19,7 +19,7 @@ constexpr int kHeight = 120;
 
 std::unique_ptr<Drawing> Made() {
     auto drawing = NewDrawing(kCanvasName, kWidth, kHeight);
-    if (!drawing) throw std::runtime_error(drawing.Error().sentence);
+    if (!drawing) throw std::runtime_error(drawing.error().sentence);
     return std::move(*drawing);
 }
 
@@ -58,7 +58,7 @@ void SendDrawEvents(CheckRun& run, CheckFixture& fixture) {
         for (const PF_EventType type : {PF_Event_NEW_CONTEXT, PF_Event_DRAW, PF_Event_CLOSE_CONTEXT}) {
             PF_EventExtra event = canvas.Event(type, row, {100, 0, kWidth, kHeight});
             if (const auto sent = fixture.Session().SendEvent(&event); !sent) {
-                run.Fail(fmt::format("event {} on row #{}: {}", type, row, sent.Error().sentence));
+                run.Fail(fmt::format("event {} on row #{}: {}", type, row, sent.error().sentence));
             }
         }
     }

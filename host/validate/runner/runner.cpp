@@ -96,7 +96,7 @@ void NoteUnused(const FaultPlan& fault, CheckOutcome& outcome) {
 
 /// What is wrong with a fault that no chosen check could reach.
 Failure HasNoUse(const FaultPlan& fault) {
-    return {ExitCode::kUsage,
+    return {ErrorKind::kUsage,
             fmt::format("--fault '{}': no check is chosen that refuses host calls (7.1, 7.2, 7.3 and 9.6); "
                         "--strictness 7 chooses three of them",
                         fault.Text())};
@@ -117,7 +117,7 @@ Failure Unreached(const FaultPlan& fault, const std::vector<CheckOutcome>& outco
         reason =
             fmt::format("there was no such call; the closest is '{}', with K from 1 to {}", closest, calls[closest]);
     }
-    return {ExitCode::kUsage, fmt::format("--fault '{}': {}", fault.Text(), reason)};
+    return {ErrorKind::kUsage, fmt::format("--fault '{}': {}", fault.Text(), reason)};
 }
 
 /// What the runs of a check come to, with the waivers and the fault that were asked for.
@@ -163,7 +163,7 @@ Result<std::regex> Expression(const std::string& text, const char* option) {
     try {
         return std::regex(text);
     } catch (const std::regex_error&) {
-        return Failure{ExitCode::kUsage, fmt::format("{} '{}' is not a regular expression", option, text)};
+        return Failure{ErrorKind::kUsage, fmt::format("{} '{}' is not a regular expression", option, text)};
     }
 }
 
@@ -191,19 +191,17 @@ Totals TotalsOf(const std::vector<CheckOutcome>& outcomes) {
 }
 
 Result<std::vector<const Check*>> ChosenChecks(const RunnerOptions& options) {
-    const auto include = Expression(options.include, "--include");
-    if (!include) return include.Error();
-    const auto exclude = Expression(options.exclude, "--exclude");
-    if (!exclude) return exclude.Error();
+    const auto include = TRY(Expression(options.include, "--include"));
+    const auto exclude = TRY(Expression(options.exclude, "--exclude"));
     std::vector<const Check*> chosen;
     for (const Check& check : AllChecks()) {
         const std::string text = fmt::format("{} {}", check.id, check.title);
-        if (check.Level() > options.strictness || !std::regex_search(text, *include)) continue;
-        if (!options.exclude.empty() && std::regex_search(text, *exclude)) continue;
+        if (check.Level() > options.strictness || !std::regex_search(text, include)) continue;
+        if (!options.exclude.empty() && std::regex_search(text, exclude)) continue;
         chosen.push_back(&check);
     }
     if (chosen.empty()) {
-        return Failure{ExitCode::kUsage,
+        return Failure{ErrorKind::kUsage,
                        fmt::format("no check of level {} or below is chosen; --list shows them", options.strictness)};
     }
     return chosen;
@@ -211,19 +209,17 @@ Result<std::vector<const Check*>> ChosenChecks(const RunnerOptions& options) {
 
 Result<std::vector<CheckOutcome>> RunChecks(const RunnerOptions& asked, void (*print)(const std::string&)) {
     RunnerOptions options = asked;
-    const auto chosen = ChosenChecks(options);
-    if (!chosen) return chosen.Error();
+    const auto chosen = TRY(ChosenChecks(options));
     std::vector<Waiver> waivers;
     if (!options.waivers.empty()) {
-        auto read = ReadWaivers(options.waivers);
-        if (!read) return read.Error();
-        waivers = std::move(*read);
+        auto read = TRY(ReadWaivers(options.waivers));
+        waivers = std::move(read);
     }
-    if (options.check.fault && std::none_of(chosen->begin(), chosen->end(), TakesFaults)) {
+    if (options.check.fault && std::none_of(chosen.begin(), chosen.end(), TakesFaults)) {
         return HasNoUse(*options.check.fault);
     }
     if (!options.check.trace.empty() && !BeginTrace(options.check.trace)) {
-        return Failure{ExitCode::kFile, fmt::format("cannot write the trace '{}'", options.check.trace.string())};
+        return Failure{ErrorKind::kFile, fmt::format("cannot write the trace '{}'", options.check.trace.string())};
     }
 
     std::vector<CheckOutcome> outcomes;
@@ -241,10 +237,10 @@ Result<std::vector<CheckOutcome>> RunChecks(const RunnerOptions& asked, void (*p
     }
     // What is wrong with this program is not the module's failure.
     const auto draws = [](const Check* check) { return check->Level() >= kFirstDrawingLevel; };
-    if (std::any_of(chosen->begin(), chosen->end(), draws)) {
-        if (auto canDraw = CheckCanDraw(kCanvasName); !canDraw) return canDraw.Error();
+    if (std::any_of(chosen.begin(), chosen.end(), draws)) {
+        TRY(CheckCanDraw(kCanvasName));
     }
-    for (const Check* check : *chosen) {
+    for (const Check* check : chosen) {
         CheckOutcome outcome;
         outcome.check = check;
         outcome.seed = options.check.seed;
@@ -278,7 +274,7 @@ Result<Done> RunOneCheck(const std::string& id, const CheckRunOptions& options, 
         SendResult(resultDescriptor, RunToEnd(check.run, options));
         return Done{};
     }
-    return Failure{ExitCode::kUsage, fmt::format("there is no check '{}'; --list shows them", id)};
+    return Failure{ErrorKind::kUsage, fmt::format("there is no check '{}'; --list shows them", id)};
 }
 
 }  // namespace umbrant::host

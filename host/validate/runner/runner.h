@@ -38,7 +38,7 @@ struct Totals {
 };
 Totals TotalsOf(const std::vector<CheckOutcome>& outcomes);
 
-/// The checks that a run consists of. Fails with ExitCode::kUsage for a wrong expression, or when none is left.
+/// The checks that a run consists of. Fails with ErrorKind::kUsage for a wrong expression, or when none is left.
 Result<std::vector<const Check*>> ChosenChecks(const RunnerOptions& options);
 
 /// Runs them and prints the report with `print`, line by line as far as the format allows.

@@ -17,7 +17,7 @@ namespace {
 using nlohmann::json;
 
 Failure Wrong(const std::filesystem::path& file, const std::string& reason) {
-    return {ExitCode::kUsage, fmt::format("the waiver file '{}' {}", file.string(), reason)};
+    return {ErrorKind::kUsage, fmt::format("the waiver file '{}' {}", file.string(), reason)};
 }
 
 bool IsKnown(const std::string& id) {
@@ -61,7 +61,7 @@ Result<std::vector<Waiver>> ReadWaivers(const std::filesystem::path& file) {
     std::ifstream in(file);
     std::stringstream text;
     if (!in || !(text << in.rdbuf())) {
-        return Failure{ExitCode::kFile, fmt::format("cannot read the waiver file '{}'", file.string())};
+        return Failure{ErrorKind::kFile, fmt::format("cannot read the waiver file '{}'", file.string())};
     }
     const json object = json::parse(text.str(), nullptr, false);
     if (object.is_discarded()) return Wrong(file, "is not JSON");

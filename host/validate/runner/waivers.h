@@ -29,7 +29,7 @@ struct Waiver {
     bool used = false;
 };
 
-/// Fails with ExitCode::kFile when the file cannot be read, with kUsage when it does not say what it should.
+/// Fails with ErrorKind::kFile when the file cannot be read, with kUsage when it does not say what it should.
 Result<std::vector<Waiver>> ReadWaivers(const std::filesystem::path& file);
 
 /// Marks the findings that are waived, and turns the verdict into kWaived when all that weigh are.

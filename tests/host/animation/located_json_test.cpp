@@ -16,7 +16,7 @@ using Kind = LocatedJson::Kind;
 LocatedJson Parse(const std::string& text) {
     auto parsed = ParseLocatedJson(text);
     if (!parsed) {
-        ADD_FAILURE() << parsed.Error().sentence;
+        ADD_FAILURE() << parsed.error().sentence;
         return {};
     }
     return std::move(*parsed);
@@ -78,12 +78,12 @@ TEST(LocatedJson, TellsWhatIsNoJson) {
     for (const char* text : {"", "{", "[1,]", "{\"a\" 1}", "nan", "{} {}", "\"\xff\"", "[01]", "'a'"}) {
         const auto parsed = ParseLocatedJson(text);
         ASSERT_FALSE(parsed) << text;
-        EXPECT_EQ(parsed.Error().code, ExitCode::kFile);
-        EXPECT_THAT(parsed.Error().sentence, HasSubstr("line 1, column ")) << text;
+        EXPECT_EQ(parsed.error().kind, ErrorKind::kFile);
+        EXPECT_THAT(parsed.error().sentence, HasSubstr("line 1, column ")) << text;
     }
     const auto deep = ParseLocatedJson(std::string(100, '[') + std::string(100, ']'));
     ASSERT_FALSE(deep);
-    EXPECT_EQ(deep.Error().sentence, "nested too deeply");
+    EXPECT_EQ(deep.error().sentence, "nested too deeply");
 }
 
 TEST(LocatedJson, BoundsTheNumberOfValues) {
@@ -92,8 +92,8 @@ TEST(LocatedJson, BoundsTheNumberOfValues) {
     EXPECT_TRUE(ParseLocatedJson(most + "]"));
     const auto more = ParseLocatedJson(most + ",0]");
     ASSERT_FALSE(more);
-    EXPECT_EQ(more.Error().code, ExitCode::kFile);
-    EXPECT_EQ(more.Error().sentence, "more than 2000000 values");
+    EXPECT_EQ(more.error().kind, ErrorKind::kFile);
+    EXPECT_EQ(more.error().sentence, "more than 2000000 values");
 }
 
 }  // namespace

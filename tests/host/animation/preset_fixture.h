@@ -52,7 +52,7 @@ class PresetTest : public testing::Test {
     }
     void MustApply(const std::string& text) {
         const auto applied = Apply(text);
-        ASSERT_TRUE(applied) << applied.Error().sentence;
+        ASSERT_TRUE(applied) << applied.error().sentence;
     }
     /// What a row shows at a frame.
     std::string At(const char* path, double frame) const {

@@ -65,7 +65,7 @@ TEST_F(PresetLimits, ManyUnknownKeysAreCountedAndTheFirstAreListed) {
         applied = Apply("{\"version\": 1, \"values\": {" + keys + "}}");
     });
     ASSERT_FALSE(applied);
-    const std::string& sentence = applied.Error().sentence;
+    const std::string& sentence = applied.error().sentence;
     EXPECT_THAT(sentence, HasSubstr("' has 100000 mistakes:\n  line 2, column 1: there is no parameter 'sizes0'; "
                                     "closest: 'size'"));
     EXPECT_THAT(sentence, HasSubstr("\n  line 21, column 1: there is no parameter 'sizes19'"));
@@ -80,10 +80,10 @@ TEST_F(PresetLimits, TheFirstOfManyMistakesAreListedInTheOrderOfTheText) {
     const auto applied = Apply("{\"version\": 2, \"keyframes\": {\"size\": [\n" + keys +
                                "{\"frame\": 99, \"value\": 5}]},\n\"values\": {\"nothing\": 1, \"nobody\": 1}}");
     ASSERT_FALSE(applied);
-    EXPECT_THAT(applied.Error().sentence, HasSubstr("' has 32 mistakes:\n  line 2, column 23: 'size' takes 0 to 100"));
-    EXPECT_THAT(applied.Error().sentence, HasSubstr("\n  line 21, column 24: 'size' takes 0 to 100"));
-    EXPECT_THAT(applied.Error().sentence, EndsWith("\n  and 12 more"));
-    EXPECT_THAT(applied.Error().sentence, Not(HasSubstr("nothing")));
+    EXPECT_THAT(applied.error().sentence, HasSubstr("' has 32 mistakes:\n  line 2, column 23: 'size' takes 0 to 100"));
+    EXPECT_THAT(applied.error().sentence, HasSubstr("\n  line 21, column 24: 'size' takes 0 to 100"));
+    EXPECT_THAT(applied.error().sentence, EndsWith("\n  and 12 more"));
+    EXPECT_THAT(applied.error().sentence, Not(HasSubstr("nothing")));
 }
 
 TEST_F(PresetLimits, LongValuesAreEchoedInPart) {
@@ -126,30 +126,30 @@ TEST_F(PresetLimits, LongValuesAreEchoedInPart) {
         SCOPED_TRACE(row.name);
         const auto applied = Apply(row.text);
         ASSERT_FALSE(applied);
-        EXPECT_EQ(applied.Error().code, ExitCode::kUsage);
-        EXPECT_THAT(applied.Error().sentence, HasSubstr(row.sentence));
-        EXPECT_LT(applied.Error().sentence.size(), 1500u);
+        EXPECT_EQ(applied.error().kind, ErrorKind::kUsage);
+        EXPECT_THAT(applied.error().sentence, HasSubstr(row.sentence));
+        EXPECT_LT(applied.error().sentence.size(), 1500u);
     }
     const auto noJson = Apply("{\"" + longText);
     ASSERT_FALSE(noJson);
-    EXPECT_EQ(noJson.Error().code, ExitCode::kFile);
-    EXPECT_THAT(noJson.Error().sentence, HasSubstr("last read: '\"" + std::string(199, 'x') + "...'"));
-    EXPECT_LT(noJson.Error().sentence.size(), 1500u);
+    EXPECT_EQ(noJson.error().kind, ErrorKind::kFile);
+    EXPECT_THAT(noJson.error().sentence, HasSubstr("last read: '\"" + std::string(199, 'x') + "...'"));
+    EXPECT_LT(noJson.error().sentence.size(), 1500u);
 }
 
 TEST_F(PresetLimits, ControlCharactersAreEchoedAsEscapes) {
     const auto applied = Apply(R"({"version": 1, "values": {"a\u0000b\nc": 1, "size": "1\u00002\u001b"}})");
     ASSERT_FALSE(applied);
-    EXPECT_THAT(applied.Error().sentence, HasSubstr("there is no parameter 'a\\u0000b\\nc'; "));
-    EXPECT_THAT(applied.Error().sentence, EndsWith("'size' takes a number from 0 to 100, not '1\\u00002\\u001b'"));
-    EXPECT_EQ(applied.Error().sentence.find('\0'), std::string::npos);
+    EXPECT_THAT(applied.error().sentence, HasSubstr("there is no parameter 'a\\u0000b\\nc'; "));
+    EXPECT_THAT(applied.error().sentence, EndsWith("'size' takes a number from 0 to 100, not '1\\u00002\\u001b'"));
+    EXPECT_EQ(applied.error().sentence.find('\0'), std::string::npos);
 }
 
 TEST_F(PresetLimits, LargeFilesAreRefusedBeforeTheyAreReadWhole) {
     const auto endless = ApplyPreset("/dev/zero", params_);
     ASSERT_FALSE(endless);
-    EXPECT_EQ(endless.Error().code, ExitCode::kFile);
-    EXPECT_EQ(endless.Error().sentence, "cannot read the preset '/dev/zero': the file is larger than 64 MiB");
+    EXPECT_EQ(endless.error().kind, ErrorKind::kFile);
+    EXPECT_EQ(endless.error().sentence, "cannot read the preset '/dev/zero': the file is larger than 64 MiB");
     // 64 MiB to the byte are read.
     const std::string preset = R"({"version": 1, "values": {"count": 7}})";
     constexpr std::size_t kMost = std::size_t{64} << 20;
@@ -157,7 +157,7 @@ TEST_F(PresetLimits, LargeFilesAreRefusedBeforeTheyAreReadWhole) {
     EXPECT_EQ(params_.values.ValueText(*params_.values.Find("count")), "7");
     const auto larger = Apply(preset + std::string(kMost - preset.size() + 1, ' '));
     ASSERT_FALSE(larger);
-    EXPECT_THAT(larger.Error().sentence, EndsWith("the file is larger than 64 MiB"));
+    EXPECT_THAT(larger.error().sentence, EndsWith("the file is larger than 64 MiB"));
 }
 
 }  // namespace

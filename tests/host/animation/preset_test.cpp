@@ -133,8 +133,8 @@ TEST_F(PresetTest, EveryMistakeIsToldWithItsPlace) {
   }
 })");
     ASSERT_FALSE(applied);
-    EXPECT_EQ(applied.Error().code, ExitCode::kUsage);
-    EXPECT_EQ(applied.Error().sentence,
+    EXPECT_EQ(applied.error().kind, ErrorKind::kUsage);
+    EXPECT_EQ(applied.error().sentence,
               "the preset '" + (folder_ / "p.json").string() +
                   "' has 8 mistakes:\n  line 3, column 3: there is no key 'valeus' in a preset; closest: 'values'\n  "
                   "line 4, column 23: 'size' takes 0 to 100, not 101\n  line 4, column 28: there is no parameter "
@@ -210,9 +210,9 @@ TEST_F(PresetTest, WhatAKeyframeMayNotBe) {
         SCOPED_TRACE(row.name);
         const auto applied = Apply(Moving(row.keyframes));
         ASSERT_FALSE(applied);
-        EXPECT_EQ(applied.Error().code, ExitCode::kUsage);
-        EXPECT_THAT(applied.Error().sentence, HasSubstr(row.sentence));
-        EXPECT_THAT(applied.Error().sentence, HasSubstr("line 1, column "));
+        EXPECT_EQ(applied.error().kind, ErrorKind::kUsage);
+        EXPECT_THAT(applied.error().sentence, HasSubstr(row.sentence));
+        EXPECT_THAT(applied.error().sentence, HasSubstr("line 1, column "));
     }
 }
 
@@ -241,8 +241,8 @@ TEST_F(PresetTest, VersionsAreKnown) {
         SCOPED_TRACE(row.name);
         const auto applied = Apply(row.text);
         ASSERT_FALSE(applied);
-        EXPECT_EQ(applied.Error().code, ExitCode::kUsage);
-        EXPECT_THAT(applied.Error().sentence, HasSubstr(row.sentence));
+        EXPECT_EQ(applied.error().kind, ErrorKind::kUsage);
+        EXPECT_THAT(applied.error().sentence, HasSubstr(row.sentence));
     }
 }
 
@@ -250,7 +250,7 @@ TEST_F(PresetTest, CurvesHaveAPlotForEachRow) {
     MustApply(Moving(R"("size": [{"frame": 0, "value": 0}, {"frame": 10, "value": 100}],
                         "colour": [{"frame": 0, "value": "#ff0000"}, {"frame": 10, "value": "#00ff00"}])"));
     const auto pixels = DrawCurves(params_.values, params_.animation, kClock, {0, 10, 496});
-    ASSERT_TRUE(pixels) << pixels.Error().sentence;
+    ASSERT_TRUE(pixels) << pixels.error().sentence;
     EXPECT_EQ(pixels->Width(), 496);
     EXPECT_EQ(pixels->Height(), kCurvesHead + 2 * kPlotHeight);
     // The line rises: somewhere at its height there is a blue pixel, on the left below the middle and on the right

@@ -169,7 +169,7 @@ TEST_F(CliFarm, AnEndedTaskLeavesNothingUnfinished) {
     start.output = Stream::Nothing();
     start.errors = Stream::Nothing();
     const auto task = ChildProcess::Start(start);
-    ASSERT_TRUE(task) << task.Error().sentence;
+    ASSERT_TRUE(task) << task.error().sentence;
     EXPECT_TRUE(WaitUntil([&] { return !HiddenFiles(folder_.Path()).empty(); }));
     kill((*task)->Process(), SIGTERM);
     EXPECT_EQ((*task)->Wait().code, 143);
@@ -178,86 +178,87 @@ TEST_F(CliFarm, AnEndedTaskLeavesNothingUnfinished) {
     }
 }
 
+const struct {
+    const char* name;
+    std::vector<std::string> arguments;
+    int code;
+    const char* sentence;
+} kWrongJobs[] = {
+    {"no engine", {}, 2, "ENGINE is required"},
+    {"another engine", {"make", "in.@.png", "-o", "out.#.png"}, 2, "ENGINE: make not in {slurm,openjd,parallel}"},
+    {"nothing to draw", {"slurm"}, 2, "INPUT is required\nSee `umbrant render --help`.\n"},
+    {"no output", {"slurm", "in.@.png"}, 2, "--output is required"},
+    {"an unknown option of render",
+     {"slurm", "in.@.png", "-o", "out.#.png", "--dpeth", "8"},
+     2,
+     "there is no option '--dpeth'; did you mean '--depth'?\n"},
+    {"a wrong value for render",
+     {"slurm", "in.@.png", "-o", "out.#.png", "--frames", "1-6z2"},
+     2,
+     "--frames: '1-6z2' is not a set of frames"},
+    {"an argument too many", {"slurm", "in.@.png", "b.png", "-o", "out.#.png"}, 2, "'b.png' is not expected here"},
+    {"an option of farm too late",
+     {"slurm", "in.@.png", "-o", "out.#.png", "--retries=2"},
+     2,
+     "--retries is an option of farm, not of render; write it before 'slurm'\n"},
+    {"a chunk",
+     {"slurm", "in.@.png", "-o", "out.#.png", "--chunk", "1/1"},
+     2,
+     "--chunk is not allowed here, as each task of a job has its own chunk; leave it out\n"},
+    {"many frames in one file",
+     {"slurm", "in.@.png", "-o", "out.png"},
+     2,
+     "'out.png' has no field for the frame's number, and there are 6 frames; write it as 'out.####.png'\n"},
+    {"one picture",
+     {"slurm", "still.png", "-o", "out.png"},
+     2,
+     "'still.png' is a single image, and a job has many frames; choose them with --frames, or draw it with "
+     "`umbrant "
+     "render`\n"},
+    {"no frames", {"slurm", "none.@@.png", "-o", "out.#.png"}, 2, "'none.@@.png' is a single image"},
+    {"a sequence without files",
+     {"slurm", "none.#.png", "-o", "out.#.png"},
+     3,
+     "cannot read 'none.#.png': no file has such a name\n"},
+    {"the input is the output", {"slurm", "in.@.png", "-o", "in.@.png"}, 2, "'in.1.png' is both input and output"},
+    {"a format that cannot be written", {"slurm", "in.@.png", "-o", "out.#.gif"}, 3, "cannot write 'out.0001.gif'"},
+    {"a compression that the format lacks",
+     {"slurm", "in.@.png", "-o", "out.#.png", "--compression", "zip"},
+     2,
+     "is not a compression of .png; use one of: default fast small"},
+    {"a moment", {"slurm", "in.@.png", "-o", "out.#.png", "--time", "1"}, 2, "--time applies to a single image"},
+    {"no folder", {"slurm", "in.@.png", "-o", "none/out.#.png"}, 3, "there is no folder 'none'"},
+    {"no folder for the tasks",
+     {"--folder", "none", "slurm", "in.@.png", "-o", "out.#.png"},
+     3,
+     "cannot enter the folder 'none': No such file or directory\n"},
+    {"a name that is none",
+     {"--name", "a b", "slurm", "in.@.png", "-o", "out.#.png"},
+     2,
+     "'a b' is not a valid job name: use up to 64 letters, digits, '-', '_' and '.', not beginning with '-' or "
+     "'.'"},
+    {"logs that sbatch cannot name",
+     {"--logs", "a\"b", "slurm", "in.@.png", "-o", "out.#.png"},
+     2,
+     "'a\"b' cannot be the folder of the logs: quotes, backslashes and control characters are not allowed"},
+    {"logs for openjd",
+     {"--logs", "logs", "openjd", "in.@.png", "-o", "out.#.png"},
+     2,
+     "--logs does not apply to openjd, whose engine keeps the logs of its tasks\n"},
+    {"a halt of Slurm",
+     {"--halt", "soon", "slurm", "in.@.png", "-o", "out.#.png"},
+     2,
+     "--halt applies to parallel only; slurm has its own setting for it\n"},
+    {"no tasks", {"--tasks", "0", "slurm", "in.@.png", "-o", "out.#.png"}, 2, "--tasks: Value 0 not in range"},
+    {"both ways of dividing",
+     {"--tasks", "2", "--frames-per-task", "2", "slurm", "in.@.png", "-o", "out.#.png"},
+     2,
+     "--tasks excludes --frames-per-task"},
+    {"too many tries", {"--retries", "101", "slurm", "in.@.png", "-o", "out.#.png"}, 2, "--retries: Value 101"},
+};
+
 TEST_F(CliFarm, WrongUsageIsCodeTwoAndSaysWhatIsRight) {
-    const struct {
-        const char* name;
-        std::vector<std::string> arguments;
-        int code;
-        const char* sentence;
-    } rows[] = {
-        {"no engine", {}, 2, "ENGINE is required"},
-        {"another engine", {"make", "in.@.png", "-o", "out.#.png"}, 2, "ENGINE: make not in {slurm,openjd,parallel}"},
-        {"nothing to draw", {"slurm"}, 2, "INPUT is required\nSee `umbrant render --help`.\n"},
-        {"no output", {"slurm", "in.@.png"}, 2, "--output is required"},
-        {"an unknown option of render",
-         {"slurm", "in.@.png", "-o", "out.#.png", "--dpeth", "8"},
-         2,
-         "there is no option '--dpeth'; did you mean '--depth'?\n"},
-        {"a wrong value for render",
-         {"slurm", "in.@.png", "-o", "out.#.png", "--frames", "1-6z2"},
-         2,
-         "--frames: '1-6z2' is not a set of frames"},
-        {"an argument too many", {"slurm", "in.@.png", "b.png", "-o", "out.#.png"}, 2, "'b.png' is not expected here"},
-        {"an option of farm too late",
-         {"slurm", "in.@.png", "-o", "out.#.png", "--retries=2"},
-         2,
-         "--retries is an option of farm, not of render; write it before 'slurm'\n"},
-        {"a chunk",
-         {"slurm", "in.@.png", "-o", "out.#.png", "--chunk", "1/1"},
-         2,
-         "--chunk is not allowed here, as each task of a job has its own chunk; leave it out\n"},
-        {"many frames in one file",
-         {"slurm", "in.@.png", "-o", "out.png"},
-         2,
-         "'out.png' has no field for the frame's number, and there are 6 frames; write it as 'out.####.png'\n"},
-        {"one picture",
-         {"slurm", "still.png", "-o", "out.png"},
-         2,
-         "'still.png' is a single image, and a job has many frames; choose them with --frames, or draw it with "
-         "`umbrant "
-         "render`\n"},
-        {"no frames", {"slurm", "none.@@.png", "-o", "out.#.png"}, 2, "'none.@@.png' is a single image"},
-        {"a sequence without files",
-         {"slurm", "none.#.png", "-o", "out.#.png"},
-         3,
-         "cannot read 'none.#.png': no file has such a name\n"},
-        {"the input is the output", {"slurm", "in.@.png", "-o", "in.@.png"}, 2, "'in.1.png' is both input and output"},
-        {"a format that cannot be written", {"slurm", "in.@.png", "-o", "out.#.gif"}, 3, "cannot write 'out.0001.gif'"},
-        {"a compression that the format lacks",
-         {"slurm", "in.@.png", "-o", "out.#.png", "--compression", "zip"},
-         2,
-         "is not a compression of .png; use one of: default fast small"},
-        {"a moment", {"slurm", "in.@.png", "-o", "out.#.png", "--time", "1"}, 2, "--time applies to a single image"},
-        {"no folder", {"slurm", "in.@.png", "-o", "none/out.#.png"}, 3, "there is no folder 'none'"},
-        {"no folder for the tasks",
-         {"--folder", "none", "slurm", "in.@.png", "-o", "out.#.png"},
-         3,
-         "cannot enter the folder 'none': No such file or directory\n"},
-        {"a name that is none",
-         {"--name", "a b", "slurm", "in.@.png", "-o", "out.#.png"},
-         2,
-         "'a b' is not a valid job name: use up to 64 letters, digits, '-', '_' and '.', not beginning with '-' or "
-         "'.'"},
-        {"logs that sbatch cannot name",
-         {"--logs", "a\"b", "slurm", "in.@.png", "-o", "out.#.png"},
-         2,
-         "'a\"b' cannot be the folder of the logs: quotes, backslashes and control characters are not allowed"},
-        {"logs for openjd",
-         {"--logs", "logs", "openjd", "in.@.png", "-o", "out.#.png"},
-         2,
-         "--logs does not apply to openjd, whose engine keeps the logs of its tasks\n"},
-        {"a halt of Slurm",
-         {"--halt", "soon", "slurm", "in.@.png", "-o", "out.#.png"},
-         2,
-         "--halt applies to parallel only; slurm has its own setting for it\n"},
-        {"no tasks", {"--tasks", "0", "slurm", "in.@.png", "-o", "out.#.png"}, 2, "--tasks: Value 0 not in range"},
-        {"both ways of dividing",
-         {"--tasks", "2", "--frames-per-task", "2", "slurm", "in.@.png", "-o", "out.#.png"},
-         2,
-         "--tasks excludes --frames-per-task"},
-        {"too many tries", {"--retries", "101", "slurm", "in.@.png", "-o", "out.#.png"}, 2, "--retries: Value 101"},
-    };
-    for (const auto& row : rows) {
+    for (const auto& row : kWrongJobs) {
         SCOPED_TRACE(row.name);
         const Outcome outcome = Farm(row.arguments);
         EXPECT_EQ(outcome.code, row.code);

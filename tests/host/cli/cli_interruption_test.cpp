@@ -184,7 +184,7 @@ TEST_F(CliInterruption, HeadTakesTheFirstLine) {
     start.output = Stream::File((folder_ / "first.txt").string());
     const auto head = ChildProcess::Start(start);
     close(ends[0]);
-    ASSERT_TRUE(head) << head.Error().sentence;
+    ASSERT_TRUE(head) << head.error().sentence;
     EXPECT_TRUE((*head)->Wait().IsWell());
     EXPECT_EQ(program.Wait(), "exit 141");
     EXPECT_EQ(ReadBytes(folder_ / "first.txt"), "out.0001.png\n");

@@ -51,14 +51,14 @@ inline std::string TestModule(const std::string& name) {
 /// Writes a layer of one pixel value: alpha, red, green, blue.
 inline void WriteLayer(const std::filesystem::path& file, int width, int height, PF_Pixel pixel) {
     const auto written = WritePicture(file, Filled8(width, height, pixel), {{0, 0, width, height}, width, height});
-    ASSERT_TRUE(written) << written.Error().sentence;
+    ASSERT_TRUE(written) << written.error().sentence;
 }
 
 /// A picture that must be there.
 inline Picture Read(const std::filesystem::path& file) {
     auto picture = ReadPicture(file);
     if (!picture) {
-        ADD_FAILURE() << picture.Error().sentence;
+        ADD_FAILURE() << picture.error().sentence;
         return {};
     }
     return std::move(*picture);

@@ -21,7 +21,7 @@ namespace {
 TEST(NewDrawing, BeginsBlackOrTransparent) {
     for (const auto& [pixels, first] : {std::pair{DrawnPixels::kOpaque, 0u}, {DrawnPixels::kWithAlpha, 0xFF000000u}}) {
         auto made = NewDrawing("a picture", 3, 2, pixels);
-        ASSERT_TRUE(made) << made.Error().sentence;
+        ASSERT_TRUE(made) << made.error().sentence;
         Drawing& drawing = **made;
         EXPECT_EQ(drawing.Width(), 3);
         EXPECT_EQ(drawing.Height(), 2);
@@ -32,12 +32,12 @@ TEST(NewDrawing, BeginsBlackOrTransparent) {
 
 TEST(NewDrawing, BecomesAnOpaqueWorld) {
     auto made = NewDrawing("a picture", 2, 2);
-    ASSERT_TRUE(made) << made.Error().sentence;
+    ASSERT_TRUE(made) << made.error().sentence;
     (*made)->SetColor(1, 0.4, 0);
     (*made)->AddRect(1, 0, 1, 1);
     (*made)->Fill();
     const auto world = WorldOf("a picture", **made);
-    ASSERT_TRUE(world) << world.Error().sentence;
+    ASSERT_TRUE(world) << world.error().sentence;
     const auto* row = reinterpret_cast<const PF_Pixel*>(world->Row(0));
     EXPECT_EQ(row[0].alpha, 255);
     EXPECT_EQ(row[0].red, 0);
@@ -50,8 +50,8 @@ TEST(NewDrawing, BecomesAnOpaqueWorld) {
 TEST(NewDrawing, RefusesWhatIsTooLarge) {
     const auto made = NewDrawing("a picture", 1 << 20, 1 << 20);
     ASSERT_FALSE(made);
-    EXPECT_EQ(made.Error().code, ExitCode::kInternal);
-    EXPECT_EQ(made.Error().sentence, "not enough memory for a picture, 4194304 MiB");
+    EXPECT_EQ(made.error().kind, ErrorKind::kInternal);
+    EXPECT_EQ(made.error().sentence, "not enough memory for a picture, 4194304 MiB");
 }
 
 TEST(NewDrawing, SaysThatMemoryIsShortWhileItsLibrariesAreLoaded) {
@@ -66,9 +66,9 @@ TEST(NewDrawing, SaysThatMemoryIsShortWhileItsLibrariesAreLoaded) {
     const auto refused = CheckCanDraw("a picture");
     ASSERT_EQ(setrlimit(RLIMIT_AS, &before), 0);
     ASSERT_FALSE(refused);
-    EXPECT_EQ(refused.Error().code, ExitCode::kInternal);
-    EXPECT_TRUE(refused.Error().sentence.starts_with("not enough memory for a picture, more than the "))
-        << refused.Error().sentence;
+    EXPECT_EQ(refused.error().kind, ErrorKind::kInternal);
+    EXPECT_TRUE(refused.error().sentence.starts_with("not enough memory for a picture, more than the "))
+        << refused.error().sentence;
     // What is short now may be there the next time.
     EXPECT_TRUE(CheckCanDraw("a picture"));
 }

@@ -46,7 +46,7 @@ TEST(ReadPicture, AnyPartCanBeChosen) {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.part);
         auto picture = ReadPicture(file, {"", row.part});
-        ASSERT_TRUE(picture) << picture.Error().sentence;
+        ASSERT_TRUE(picture) << picture.error().sentence;
         EXPECT_EQ(PixelFloat(picture->pixels, 2, 1).red, row.red);
         EXPECT_EQ(picture->note, row.note);
         EXPECT_EQ(ReadPictureHeader(file, {"", row.part})->note, row.note);
@@ -55,13 +55,13 @@ TEST(ReadPicture, AnyPartCanBeChosen) {
         SCOPED_TRACE(part);
         const auto refused = ReadPicture(file, {"", part});
         ASSERT_FALSE(refused);
-        EXPECT_EQ(refused.Error().code, ExitCode::kUsage);
-        EXPECT_EQ(refused.Error().sentence,
+        EXPECT_EQ(refused.error().kind, ErrorKind::kUsage);
+        EXPECT_EQ(refused.error().sentence,
                   "'" + file.string() + "' has no part '" + part + "'; its parts are 0 (beauty), 1 (matte)");
     }
     WriteFile(folder / "one.png", LayoutOf(3, OIIO::TypeDesc::UINT8), {1, 1, 1});
     EXPECT_TRUE(ReadPicture(folder / "one.png", {"", "0"}));
-    EXPECT_EQ(ReadPicture(folder / "one.png", {"", "1"}).Error().code, ExitCode::kUsage);
+    EXPECT_EQ(ReadPicture(folder / "one.png", {"", "1"}).error().kind, ErrorKind::kUsage);
 }
 
 TEST(ReadPicture, AnyLayerCanBeChosen) {
@@ -106,7 +106,7 @@ TEST(ReadPicture, AnyLayerCanBeChosen) {
         auto layout = LayoutOf(static_cast<int>(row.channels.size()), OIIO::TypeDesc::FLOAT, row.channels);
         WriteFile(file, layout, values, false);
         auto picture = ReadPicture(file, {row.layer, ""});
-        ASSERT_TRUE(picture) << picture.Error().sentence;
+        ASSERT_TRUE(picture) << picture.error().sentence;
         const PF_PixelFloat& pixel = PixelFloat(picture->pixels, 2, 1);
         const auto value = [&](std::size_t i) { return static_cast<float>(row.expected[i] + 1) / 16; };
         const float alpha = row.expected[0] < 0 ? 1 : value(0);
@@ -119,8 +119,8 @@ TEST(ReadPicture, AnyLayerCanBeChosen) {
     WriteFile(folder / "a.exr", LayoutOf(8, OIIO::TypeDesc::FLOAT, all), std::vector<float>(8, 1), false);
     const auto refused = ReadPicture(folder / "a.exr", {"specular", ""});
     ASSERT_FALSE(refused);
-    EXPECT_EQ(refused.Error().code, ExitCode::kUsage);
-    EXPECT_EQ(refused.Error().sentence, "'" + (folder / "a.exr").string() +
+    EXPECT_EQ(refused.error().kind, ErrorKind::kUsage);
+    EXPECT_EQ(refused.error().sentence, "'" + (folder / "a.exr").string() +
                                             "' has no layer 'specular'; its channels are R, G, B, A, Z, diffuse.R, "
                                             "diffuse.G, diffuse.B");
 }

@@ -268,8 +268,8 @@ TEST(ExrCodec, ADamagedFileIsRefused) {
             WriteBytes(folder / "a.exr", whole.substr(0, left));
             const auto picture = ReadPicture(folder / "a.exr");
             ASSERT_FALSE(picture) << left;
-            EXPECT_EQ(picture.Error().code, ExitCode::kFile);
-            EXPECT_THAT(picture.Error().sentence, HasSubstr("a.exr"));
+            EXPECT_EQ(picture.error().kind, ErrorKind::kFile);
+            EXPECT_THAT(picture.error().sentence, HasSubstr("a.exr"));
         }
     }
 }

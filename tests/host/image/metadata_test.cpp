@@ -21,12 +21,12 @@ using testing::HasSubstr;
 /// Reads a file and writes what was read to another.
 void Rewrite(const std::filesystem::path& from, const std::filesystem::path& to, WriteOptions options = {}) {
     const auto picture = ReadPicture(from);
-    ASSERT_TRUE(picture) << picture.Error().sentence;
+    ASSERT_TRUE(picture) << picture.error().sentence;
     options.metadata = picture->metadata;
     const auto written =
         WritePicture(to, picture->pixels,
                      {picture->window, picture->frameWidth, picture->frameHeight, picture->frameOrigin}, options);
-    ASSERT_TRUE(written) << written.Error().sentence;
+    ASSERT_TRUE(written) << written.error().sentence;
 }
 
 TEST(Metadata, ExrKeepsTimeCodeOwnerAndOwnTexts) {
@@ -150,8 +150,8 @@ TEST(Metadata, AbsurdSizesAreRefused) {
         WriteFile(folder / "a.exr", layout, {1, 1, 1, 1}, false);
         const auto picture = ReadPicture(folder / "a.exr");
         ASSERT_FALSE(picture);
-        EXPECT_EQ(picture.Error().code, ExitCode::kFile);
-        EXPECT_THAT(picture.Error().sentence, HasSubstr(row.sentence));
+        EXPECT_EQ(picture.error().kind, ErrorKind::kFile);
+        EXPECT_THAT(picture.error().sentence, HasSubstr(row.sentence));
     }
 }
 
@@ -302,8 +302,8 @@ TEST(Metadata, ExifGoesIntoATiff) {
     setrlimit(RLIMIT_FSIZE, &before);
     std::signal(SIGXFSZ, handler);
     ASSERT_FALSE(refused);
-    EXPECT_THAT(refused.Error().sentence, HasSubstr("': File too large"));
-    ASSERT_TRUE(written) << written.Error().sentence;
+    EXPECT_THAT(refused.error().sentence, HasSubstr("': File too large"));
+    ASSERT_TRUE(written) << written.error().sentence;
     EXPECT_EQ(ReadRaw(folder / "c.tif").layout.get_float_attribute("Exif:FocalLength"), 50.0f);
 }
 

@@ -206,8 +206,8 @@ TEST(PngCodec, AFileCutAnywhereIsRefusedAndNeverHalf) {
         WriteBytes(folder / "a.png", whole.substr(0, size));
         const auto picture = ReadPicture(folder / "a.png");
         ASSERT_FALSE(picture);
-        EXPECT_EQ(picture.Error().code, ExitCode::kFile);
-        EXPECT_THAT(picture.Error().sentence, HasSubstr("the file ends too early"));
+        EXPECT_EQ(picture.error().kind, ErrorKind::kFile);
+        EXPECT_THAT(picture.error().sentence, HasSubstr("the file ends too early"));
     }
 }
 

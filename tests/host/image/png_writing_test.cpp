@@ -64,7 +64,7 @@ TEST(PngCodec, EveryCompressionHoldsTheSamePixels) {
                 options.compression = compression;
                 const Placement place{{3, 4, 3 + size.width, 4 + size.height}, size.width, size.height, {}};
                 const auto written = WritePicture(folder / "a.png", world, place, options);
-                ASSERT_TRUE(written) << written.Error().sentence;
+                ASSERT_TRUE(written) << written.error().sentence;
                 const RawFile raw = ReadRaw(folder / "a.png");
                 EXPECT_EQ(raw.layout.format, depth == Depth::k8 ? OIIO::TypeDesc::UINT8 : OIIO::TypeDesc::UINT16);
                 EXPECT_EQ(raw.layout.x, 3);

@@ -42,7 +42,7 @@ TEST(ReadPicture, ExrWindowsAreKept) {
         layout.full_height = row.fullHeight;
         WriteFile(folder / "a.exr", layout, {1, 1, 1, 1}, false);
         auto picture = ReadPicture(folder / "a.exr");
-        ASSERT_TRUE(picture) << picture.Error().sentence;
+        ASSERT_TRUE(picture) << picture.error().sentence;
         EXPECT_EQ(picture->window.left, row.window.left);
         EXPECT_EQ(picture->window.top, row.window.top);
         EXPECT_EQ(picture->window.right, row.window.right);
@@ -51,7 +51,7 @@ TEST(ReadPicture, ExrWindowsAreKept) {
         EXPECT_EQ(picture->frameHeight, row.fullHeight);
 
         const auto header = ReadPictureHeader(folder / "a.exr");
-        ASSERT_TRUE(header) << header.Error().sentence;
+        ASSERT_TRUE(header) << header.error().sentence;
         EXPECT_EQ(header->window.left, row.window.left);
         EXPECT_EQ(header->window.bottom, row.window.bottom);
         EXPECT_EQ(header->frameWidth, row.fullWidth);
@@ -70,22 +70,22 @@ TEST(ReadPicture, AHeaderIsReadWithoutThePixels) {
     WriteBytes(folder / "cut.png", whole.substr(0, whole.size() - 20));
     ASSERT_FALSE(ReadPicture(folder / "cut.png"));
     const auto header = ReadPictureHeader(folder / "cut.png");
-    ASSERT_TRUE(header) << header.Error().sentence;
+    ASSERT_TRUE(header) << header.error().sentence;
     EXPECT_EQ(header->frameWidth, 400);
     EXPECT_EQ(header->frameHeight, 2);
     const auto missing = ReadPictureHeader(folder / "missing.png");
     ASSERT_FALSE(missing);
-    EXPECT_EQ(missing.Error().code, ExitCode::kFile);
-    EXPECT_THAT(missing.Error().sentence, HasSubstr("there is no such file"));
+    EXPECT_EQ(missing.error().kind, ErrorKind::kFile);
+    EXPECT_THAT(missing.error().sentence, HasSubstr("there is no such file"));
 }
 
 void ExpectRefused(const std::filesystem::path& file, const std::string& reason) {
     const auto picture = ReadPicture(file);
     ASSERT_FALSE(picture) << file;
-    EXPECT_EQ(picture.Error().code, ExitCode::kFile);
-    EXPECT_THAT(picture.Error().sentence, HasSubstr("cannot read '" + file.string() + "': "));
-    EXPECT_THAT(picture.Error().sentence, HasSubstr(reason));
-    EXPECT_EQ(picture.Error().sentence.find('\n'), std::string::npos);
+    EXPECT_EQ(picture.error().kind, ErrorKind::kFile);
+    EXPECT_THAT(picture.error().sentence, HasSubstr("cannot read '" + file.string() + "': "));
+    EXPECT_THAT(picture.error().sentence, HasSubstr(reason));
+    EXPECT_EQ(picture.error().sentence.find('\n'), std::string::npos);
 }
 
 TEST(ReadPicture, WhatIsNoFileIsSaidToBeNone) {
@@ -151,7 +151,7 @@ TEST(ReadPicture, ANameMayHaveAnyCharacters) {
             SCOPED_TRACE(file);
             ASSERT_TRUE(WritePicture(file, Filled8(3, 2, {255, 255, 255, 255}), {{0, 0, 3, 2}, 3, 2}));
             const auto picture = ReadPicture(file);
-            ASSERT_TRUE(picture) << picture.Error().sentence;
+            ASSERT_TRUE(picture) << picture.error().sentence;
             EXPECT_EQ(picture->frameWidth, 3);
         }
     }

@@ -58,7 +58,7 @@ TEST(ReadPicture, EightBitFilesStayEightBitsAndStraight) {
         const Folder folder;
         WriteFile(folder / row.file, row.layout, row.pixel, row.straight);
         auto picture = ReadPicture(folder / row.file);
-        ASSERT_TRUE(picture) << picture.Error().sentence;
+        ASSERT_TRUE(picture) << picture.error().sentence;
         EXPECT_EQ(picture->pixels.PixelDepth(), Depth::k8);
         EXPECT_EQ(picture->bits, 8);
         EXPECT_EQ(picture->frameWidth, 3);
@@ -191,7 +191,7 @@ TEST(ReadPicture, DeeperFilesBecomeFloat) {
         const Folder folder;
         WriteFile(folder / row.file, row.layout, row.pixel, row.straight);
         auto picture = ReadPicture(folder / row.file);
-        ASSERT_TRUE(picture) << picture.Error().sentence;
+        ASSERT_TRUE(picture) << picture.error().sentence;
         EXPECT_EQ(picture->pixels.PixelDepth(), Depth::k32);
         EXPECT_EQ(picture->bits, row.bits);
         const PF_PixelFloat& pixel = PixelFloat(picture->pixels, 2, 1);
@@ -215,7 +215,7 @@ TEST(ReadPicture, PalettesBecomeTheirColours) {
     const Folder folder;
     WriteBytes(folder / "palette.png", std::string(reinterpret_cast<const char*>(kPalettePng), sizeof(kPalettePng)));
     auto picture = ReadPicture(folder / "palette.png");
-    ASSERT_TRUE(picture) << picture.Error().sentence;
+    ASSERT_TRUE(picture) << picture.error().sentence;
     ASSERT_EQ(picture->pixels.Width(), 4);
     const PF_Pixel expected[] = {{255, 10, 20, 30}, {128, 255, 0, 0}, {0, 0, 128, 255}, {255, 1, 2, 3}};
     for (int x = 0; x < 4; ++x) {
@@ -231,7 +231,7 @@ TEST(ReadPicture, JpegIsOpaque) {
     const Folder folder;
     WriteFile(folder / "a.jpg", LayoutOf(3, OIIO::TypeDesc::UINT8), {1, 1, 1});
     auto picture = ReadPicture(folder / "a.jpg");
-    ASSERT_TRUE(picture) << picture.Error().sentence;
+    ASSERT_TRUE(picture) << picture.error().sentence;
     EXPECT_EQ(picture->format, "jpeg");
     EXPECT_EQ(Pixel8(picture->pixels, 1, 1).alpha, 255);
     EXPECT_GE(Pixel8(picture->pixels, 1, 1).red, 253);

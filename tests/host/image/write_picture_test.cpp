@@ -66,7 +66,7 @@ TEST(WritePicture, EveryFormatFollowsItsConvention) {
         const World world =
             row.depth == Depth::k8 ? Filled8(16, 8, {128, 255, 51, 0}) : FilledFloat(16, 8, {half, 1, 0.2f, 0});
         const auto written = WritePicture(folder / row.file, world, Frame(16, 8));
-        ASSERT_TRUE(written) << written.Error().sentence;
+        ASSERT_TRUE(written) << written.error().sentence;
         const RawFile raw = ReadRaw(folder / row.file);
         EXPECT_EQ(raw.layout.format, row.type);
         ASSERT_EQ(raw.layout.nchannels, row.channels);
@@ -152,14 +152,14 @@ void ExpectRefused(const std::filesystem::path& file, const std::string& reason,
     SCOPED_TRACE(file.string());
     const auto written = WritePicture(file, Filled8(2, 2, {255, 1, 2, 3}), Frame(2, 2));
     ASSERT_FALSE(written);
-    EXPECT_EQ(written.Error().code, ExitCode::kFile);
-    EXPECT_THAT(written.Error().sentence, HasSubstr("cannot write"));
-    EXPECT_THAT(written.Error().sentence, HasSubstr(reason));
-    EXPECT_EQ(written.Error().sentence.find('\n'), std::string::npos);
+    EXPECT_EQ(written.error().kind, ErrorKind::kFile);
+    EXPECT_THAT(written.error().sentence, HasSubstr("cannot write"));
+    EXPECT_THAT(written.error().sentence, HasSubstr(reason));
+    EXPECT_EQ(written.error().sentence.find('\n'), std::string::npos);
     if (!checkedBefore) return;
     const auto checked = CheckWritable(file);
     ASSERT_FALSE(checked);
-    EXPECT_EQ(checked.Error().sentence, written.Error().sentence);
+    EXPECT_EQ(checked.error().sentence, written.error().sentence);
 }
 
 TEST(WritePicture, WhatCannotBeWrittenIsSaidAndLeavesNothing) {
@@ -340,9 +340,9 @@ TEST(WritePicture, ChannelsAreStoredAsDeepAsAskedFor) {
     }
     const auto refused = CheckFileDepth("a.jpg", FileDepth::kHalf);
     ASSERT_FALSE(refused);
-    EXPECT_EQ(refused.Error().code, ExitCode::kUsage);
-    EXPECT_EQ(refused.Error().sentence, ".jpg has no channels of 'half'; use --output-depth with one of: 8");
-    EXPECT_EQ(CheckFileDepth("a.tif", FileDepth::kHalf).Error().sentence,
+    EXPECT_EQ(refused.error().kind, ErrorKind::kUsage);
+    EXPECT_EQ(refused.error().sentence, ".jpg has no channels of 'half'; use --output-depth with one of: 8");
+    EXPECT_EQ(CheckFileDepth("a.tif", FileDepth::kHalf).error().sentence,
               ".tif has no channels of 'half'; use --output-depth with one of: 8 16 float");
 }
 
@@ -354,16 +354,16 @@ TEST(WritePicture, EncodedIsWhatAFileHolds) {
         WriteOptions options;
         options.format = format;
         const auto bytes = EncodePicture(world, Frame(2, 2), options);
-        ASSERT_TRUE(bytes) << bytes.Error().sentence;
+        ASSERT_TRUE(bytes) << bytes.error().sentence;
         const auto file = folder / (std::string("a.") + format);
         ASSERT_TRUE(WritePicture(file, world, Frame(2, 2)));
         EXPECT_TRUE(*bytes == ReadBytes(file));
     }
     WriteOptions options;
-    EXPECT_EQ(EncodePicture(world, Frame(2, 2), options).Error().sentence,
+    EXPECT_EQ(EncodePicture(world, Frame(2, 2), options).error().sentence,
               "standard output has no extension; name its format with --format png, tif, exr or jpg");
     options.format = "gif";
-    EXPECT_EQ(EncodePicture(world, Frame(2, 2), options).Error().sentence,
+    EXPECT_EQ(EncodePicture(world, Frame(2, 2), options).error().sentence,
               "'gif' is not a format that can be written; use --format png, tif, exr or jpg");
 }
 
@@ -371,7 +371,7 @@ TEST(WritePicture, AnEmptyPictureIsRefused) {
     const Folder folder;
     const auto written = WritePicture(folder / "a.png", World::Create(0, 0, Depth::k8), Frame(4, 4));
     ASSERT_FALSE(written);
-    EXPECT_THAT(written.Error().sentence, HasSubstr("the image is empty"));
+    EXPECT_THAT(written.error().sentence, HasSubstr("the image is empty"));
     EXPECT_EQ(folder.Entries(), 0);
 }
 

@@ -268,7 +268,7 @@ TEST_F(CliForeignModule, OneThatHangsEndsWithTheProgram) {
         start.environment = {"UMBRANT_TEST_LEAVES=render:hang"};
         start.errors = Stream::File(log);
         const auto program = ChildProcess::Start(start);
-        ASSERT_TRUE(program) << program.Error().sentence;
+        ASSERT_TRUE(program) << program.error().sentence;
         const int hanging = NumberIn(log, "hangs: ");
         EXPECT_GT(hanging, 0);
         kill((*program)->Process(), signal);

@@ -65,7 +65,7 @@ class Both {
         auto session = EffectSession::Start(module_, options);
         auto process = ModuleProcess::Start({TestModule(name), options, UMBRANT_PROGRAM});
         if (!session || !process) {
-            ADD_FAILURE() << (session ? process.Error().sentence : session.Error().sentence);
+            ADD_FAILURE() << (session ? process.error().sentence : session.error().sentence);
             std::abort();
         }
         here.emplace(std::move(*session));
@@ -122,8 +122,8 @@ TEST(ModuleProcess, DrawsTheSameBytes) {
             request.textureOrigin = {{5}, {6}};
             const auto here = both.here->Render(request);
             const auto there = both.there->Render(request);
-            ASSERT_TRUE(here) << here.Error().sentence;
-            ASSERT_TRUE(there) << there.Error().sentence;
+            ASSERT_TRUE(here) << here.error().sentence;
+            ASSERT_TRUE(there) << there.error().sentence;
             EXPECT_TRUE(AreSame(here->output, there->output));
             EXPECT_EQ(here->rect.left, there->rect.left);
             EXPECT_EQ(here->maxRect.bottom, there->maxRect.bottom);
@@ -149,12 +149,12 @@ TEST(ModuleProcess, DrawsEveryDepth) {
     for (const Depth depth : {Depth::k8, Depth::k16, Depth::k32}) {
         const World layer = Coloured(33, 21, depth);
         const auto there = both.there->Render({.layer = &layer});
-        ASSERT_TRUE(there) << there.Error().sentence;
+        ASSERT_TRUE(there) << there.error().sentence;
         EXPECT_TRUE(AreSame(layer, there->output));
     }
     const World nothing = World::Create(0, 0, Depth::k8);
     const auto there = both.there->Render({.layer = &nothing});
-    ASSERT_TRUE(there) << there.Error().sentence;
+    ASSERT_TRUE(there) << there.error().sentence;
     EXPECT_EQ(there->output.Width(), 0);
 }
 
@@ -166,7 +166,7 @@ TEST(ModuleProcess, TheHostGoesByItsOwnRecordOfAWorld) {
         Both both("leaver");
         for (EffectSession* session : {&*both.here, &*both.there}) {
             const auto frame = session->Render({.layer = &layer});
-            ASSERT_TRUE(frame) << frame.Error().sentence;
+            ASSERT_TRUE(frame) << frame.error().sentence;
             EXPECT_TRUE(AreSame(layer, frame->output));
             EXPECT_EQ(frame->output.Def().origin_x, 0);
             EXPECT_EQ(frame->output.Def().rowbytes, layer.Def().rowbytes);
@@ -180,7 +180,7 @@ TEST(ModuleProcess, TheHostGoesByItsOwnRecordOfAWorld) {
     for (EffectSession* session : {&*both.here, &*both.there}) {
         const auto frame = session->Render({.layer = &layer});
         ASSERT_FALSE(frame) << "no service follows the record out of the world's memory";
-        EXPECT_THAT(frame.Error().sentence, HasSubstr("PF_Err_BAD_CALLBACK_PARAM"));
+        EXPECT_THAT(frame.error().sentence, HasSubstr("PF_Err_BAD_CALLBACK_PARAM"));
     }
 }
 
@@ -191,7 +191,7 @@ TEST(ModuleProcess, OutputsOfSeveralFramesLiveAtATime) {
     for (int i = 1; i <= 8; ++i) {
         layers.push_back(Coloured(30 + i, 20));
         auto frame = both.there->Render({.layer = &layers.back()});
-        ASSERT_TRUE(frame) << frame.Error().sentence;
+        ASSERT_TRUE(frame) << frame.error().sentence;
         frames.push_back(std::move(*frame));
     }
     both.there.reset();
@@ -215,20 +215,20 @@ TEST(ModuleProcess, AsksAboutOtherTimes) {
             return values;
         };
         request.layersAt = [&](const Moment&) -> Result<MomentLayers> {
-            if (fails) return Failure{ExitCode::kFile, "there is no such frame"};
+            if (fails) return Failure{ErrorKind::kFile, "there is no such frame"};
             return MomentLayers{&other};
         };
         return session.Render(request);
     };
     const auto here = draw(*both.here, false);
     const auto there = draw(*both.there, false);
-    ASSERT_TRUE(here) << here.Error().sentence;
-    ASSERT_TRUE(there) << there.Error().sentence;
+    ASSERT_TRUE(here) << here.error().sentence;
+    ASSERT_TRUE(there) << there.error().sentence;
     EXPECT_TRUE(AreSame(here->output, there->output));
     const auto failed = draw(*both.there, true);
     ASSERT_FALSE(failed);
-    EXPECT_EQ(failed.Error().code, ExitCode::kFile);
-    EXPECT_EQ(failed.Error().sentence, "there is no such frame");
+    EXPECT_EQ(failed.error().kind, ErrorKind::kFile);
+    EXPECT_EQ(failed.error().sentence, "there is no such frame");
     EXPECT_TRUE(draw(*both.there, false));
 }
 
@@ -242,17 +242,17 @@ TEST(ModuleProcess, DrawsTheSamePanel) {
     EXPECT_EQ(both.here->Panel().Rows(), both.there->Panel().Rows());
     const auto here = DrawPanel(*both.here, {.scale = 2, .theme = &kLightTheme, .effectName = "Painter"});
     const auto there = DrawPanel(*both.there, {.scale = 2, .theme = &kLightTheme, .effectName = "Painter"});
-    ASSERT_TRUE(here) << here.Error().sentence;
-    ASSERT_TRUE(there) << there.Error().sentence;
+    ASSERT_TRUE(here) << here.error().sentence;
+    ASSERT_TRUE(there) << there.error().sentence;
     EXPECT_TRUE(AreSame(here->pixels, there->pixels));
 }
 
 TEST(ModuleProcess, AnotherInstanceHasTheValuesAndAProcessOfItsOwn) {
     auto first = ModuleProcess::Start({TestModule("painter"), {}, UMBRANT_PROGRAM});
-    ASSERT_TRUE(first) << first.Error().sentence;
+    ASSERT_TRUE(first) << first.error().sentence;
     ASSERT_TRUE((*first)->Params().SetFromText("paint/border", "3"));
     auto second = (*first)->StartInstance({});
-    ASSERT_TRUE(second) << second.Error().sentence;
+    ASSERT_TRUE(second) << second.error().sentence;
     EXPECT_EQ((*second)->Params().ValueText(*(*second)->Params().Find("paint/border")), "3");
     EXPECT_NE((*first)->Process(), static_cast<ModuleProcess&>(**second).Process());
 }
@@ -260,7 +260,7 @@ TEST(ModuleProcess, AnotherInstanceHasTheValuesAndAProcessOfItsOwn) {
 TEST(ModuleProcess, SaysWhatTheEffectIsDoing) {
     const Leaves leaves("render:hang");
     auto process = ModuleProcess::Start({TestModule("leaver"), {}, UMBRANT_PROGRAM});
-    ASSERT_TRUE(process) << process.Error().sentence;
+    ASSERT_TRUE(process) << process.error().sentence;
     EXPECT_FALSE((*process)->Now());
     const World layer = Coloured(8, 8);
     const int number = (*process)->Process();
@@ -273,24 +273,24 @@ TEST(ModuleProcess, SaysWhatTheEffectIsDoing) {
     const auto frame = (*process)->Render({.layer = &layer});
     watcher.join();
     ASSERT_FALSE(frame);
-    EXPECT_THAT(frame.Error().sentence, HasSubstr("crashed with signal 15 (Terminated) during PF_Cmd_SMART_RENDER"));
+    EXPECT_THAT(frame.error().sentence, HasSubstr("crashed with signal 15 (Terminated) during PF_Cmd_SMART_RENDER"));
 }
 
 TEST(ModuleProcess, BeginsAgainWithTheNextFrame) {
     const World layer = Coloured(8, 8);
     auto process = ModuleProcess::Start({TestModule("leaver"), {}, UMBRANT_PROGRAM});
-    ASSERT_TRUE(process) << process.Error().sentence;
+    ASSERT_TRUE(process) << process.error().sentence;
     ASSERT_TRUE((*process)->Params().SetFromText("number", "42"));
     const int first = (*process)->Process();
     kill(first, SIGKILL);
     const auto lost = (*process)->Render({.layer = &layer});
     ASSERT_FALSE(lost);
-    EXPECT_EQ(lost.Error().code, ExitCode::kEffectFailed);
-    EXPECT_THAT(lost.Error().sentence,
+    EXPECT_EQ(lost.error().kind, ErrorKind::kEffect);
+    EXPECT_THAT(lost.error().sentence,
                 HasSubstr("was killed (signal 9), possibly because memory ran out, after PF_Cmd_"));
     EXPECT_EQ((*process)->Process(), 0);
     const auto drawn = (*process)->Render({.layer = &layer});
-    ASSERT_TRUE(drawn) << drawn.Error().sentence;
+    ASSERT_TRUE(drawn) << drawn.error().sentence;
     EXPECT_NE((*process)->Process(), first);
     EXPECT_EQ((*process)->Params().ValueText(1), "42");
     EXPECT_TRUE((*process)->End());
@@ -298,27 +298,27 @@ TEST(ModuleProcess, BeginsAgainWithTheNextFrame) {
 
 TEST(ModuleProcess, ItsProcessGoesWithIt) {
     auto process = ModuleProcess::Start({TestModule("leaver"), {}, UMBRANT_PROGRAM});
-    ASSERT_TRUE(process) << process.Error().sentence;
+    ASSERT_TRUE(process) << process.error().sentence;
     const int number = (*process)->Process();
     EXPECT_EQ(kill(number, 0), 0);
     EXPECT_EQ(getpgid(number), number);
-    process = Failure{ExitCode::kDone, ""};
+    process = Failure{ErrorKind::kUsage, "ended on purpose"};
     EXPECT_NE(kill(number, 0), 0);
 }
 
 TEST(ModuleProcess, AProgramThatCannotBeStartedIsSaid) {
     const auto process = ModuleProcess::Start({TestModule("leaver"), {}, "/nowhere/umbrant"});
     ASSERT_FALSE(process);
-    EXPECT_EQ(process.Error().code, ExitCode::kInternal);
-    EXPECT_EQ(process.Error().sentence,
+    EXPECT_EQ(process.error().kind, ErrorKind::kInternal);
+    EXPECT_EQ(process.error().sentence,
               "cannot start '/nowhere/umbrant' in a separate process: No such file or directory");
 }
 
 TEST(ModuleProcess, AWrongModuleIsRefusedAsInThisProcess) {
     const auto process = ModuleProcess::Start({TestModule("no_export"), {}, UMBRANT_PROGRAM});
     ASSERT_FALSE(process);
-    EXPECT_EQ(process.Error().code, ExitCode::kModule);
-    EXPECT_EQ(process.Error().sentence, Module::Load(TestModule("no_export")).Error().sentence);
+    EXPECT_EQ(process.error().kind, ErrorKind::kModule);
+    EXPECT_EQ(process.error().sentence, Module::Load(TestModule("no_export")).error().sentence);
 }
 
 }  // namespace

@@ -73,7 +73,7 @@ template <typename Channel>
 void WritePixels(const std::filesystem::path& file, const Pixels<Channel>& pixels) {
     const PF_LRect frame{0, 0, pixels.width, pixels.height};
     const auto written = WritePicture(file, WorldOfPixels(pixels), {frame, pixels.width, pixels.height});
-    ASSERT_TRUE(written) << written.Error().sentence;
+    ASSERT_TRUE(written) << written.error().sentence;
 }
 
 /// Counts the pixels in which a world and an image differ in any byte, or all when their sizes do.

@@ -73,8 +73,8 @@ TEST_F(FindModuleTest, KnowsTheBundleToo) {
 TEST_F(FindModuleTest, SaysWhereItLooked) {
     const Result<fs::path> found = FindModule(search_);
     ASSERT_FALSE(found);
-    EXPECT_EQ(found.Error().code, ExitCode::kModule);
-    EXPECT_EQ(found.Error().sentence, "no module was found in '" + program_.string() + "' or '" + library_.string() +
+    EXPECT_EQ(found.error().kind, ErrorKind::kModule);
+    EXPECT_EQ(found.error().sentence, "no module was found in '" + program_.string() + "' or '" + library_.string() +
                                           "'; name one with --module or UMBRANT_MODULE");
 }
 

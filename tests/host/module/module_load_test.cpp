@@ -27,7 +27,7 @@ std::filesystem::path TestModule(const std::string& name) {
 
 TEST(ModuleLoad, RecordsTheRegistration) {
     const Result<Module> module = Module::Load(TestModule("painter"));
-    ASSERT_TRUE(module) << module.Error().sentence;
+    ASSERT_TRUE(module) << module.error().sentence;
     const Registration& effect = module->Effect();
     EXPECT_EQ(effect.name, "Painter");
     EXPECT_EQ(effect.matchName, "TEST painter");
@@ -80,7 +80,7 @@ TEST(ModuleCall, CatchesAnException) {
 
 TEST(ModuleLoad, CutsANameThatIsTooLongForPeople) {
     const Result<Module> module = Module::Load(TestModule("LongName"));
-    ASSERT_TRUE(module) << module.Error().sentence;
+    ASSERT_TRUE(module) << module.error().sentence;
     EXPECT_EQ(module->Effect().name, std::string(251, 'n') + "...") << "254 bytes: a character is not cut in two";
     EXPECT_EQ(module->Effect().matchName, "TEST flawed");
 }
@@ -96,9 +96,9 @@ class WrongModules : public ::testing::TestWithParam<WrongModule> {};
 TEST_P(WrongModules, FailWithOneSentence) {
     const Result<Module> module = Module::Load(TestModule(GetParam().file));
     ASSERT_FALSE(module);
-    EXPECT_EQ(module.Error().code, ExitCode::kModule);
+    EXPECT_EQ(module.error().kind, ErrorKind::kModule);
     const std::string file = TestModule(GetParam().file).string();
-    EXPECT_EQ(module.Error().sentence, "cannot load the module '" + file + "': " + GetParam().reason);
+    EXPECT_EQ(module.error().sentence, "cannot load the module '" + file + "': " + GetParam().reason);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -128,14 +128,14 @@ TEST(ModuleLoad, RefusesAFileThatIsNoLibrary) {
         std::ofstream(file) << content;
         const Result<Module> module = Module::Load(file);
         ASSERT_FALSE(module);
-        EXPECT_EQ(module.Error().code, ExitCode::kModule);
-        EXPECT_THAT(module.Error().sentence,
+        EXPECT_EQ(module.error().kind, ErrorKind::kModule);
+        EXPECT_THAT(module.error().sentence,
                     AllOf(StartsWith("cannot load the module '" + file.string() + "': not a loadable module ("),
                           EndsWith("); a shared library with an effect is needed")));
     }
     const Result<Module> module = Module::Load(folder);
     ASSERT_FALSE(module);
-    EXPECT_THAT(module.Error().sentence, EndsWith("a folder; name the module's file inside it"));
+    EXPECT_THAT(module.error().sentence, EndsWith("a folder; name the module's file inside it"));
     std::filesystem::remove_all(folder);
 }
 

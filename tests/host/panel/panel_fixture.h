@@ -20,15 +20,15 @@ class PanelSessionTest : public ::testing::Test {
  protected:
     void Start(SessionOptions options = {}) {
         module_ = Module::Load(UMBRANT_MODULE_FILE);
-        ASSERT_TRUE(*module_) << module_->Error().sentence;
+        ASSERT_TRUE(*module_) << module_->error().sentence;
         auto started = EffectSession::Start(**module_, std::move(options));
-        ASSERT_TRUE(started) << started.Error().sentence;
+        ASSERT_TRUE(started) << started.error().sentence;
         session.emplace(*std::move(started));
     }
     void Update(const std::string& shadowType) {
         ASSERT_TRUE(session->Params().SetFromText("style/shadow-type", shadowType));
         const auto updated = session->UpdateParamsUI();
-        ASSERT_TRUE(updated) << updated.Error().sentence;
+        ASSERT_TRUE(updated) << updated.error().sentence;
     }
     std::vector<PanelItem> Items(int width = PanelMetrics::kUsualWidth) const { return PanelItems(*session, width); }
     /// The visible row of a parameter; null when there is none.

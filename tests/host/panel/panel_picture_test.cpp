@@ -24,7 +24,7 @@ class PanelPictureTest : public PanelSessionTest {
     PanelPicture Draw(const PanelPictureOptions& options) {
         auto picture = DrawPanel(*session, options);
         if (!picture) {
-            ADD_FAILURE() << picture.Error().sentence;
+            ADD_FAILURE() << picture.error().sentence;
             return {};
         }
         return *std::move(picture);
@@ -201,8 +201,8 @@ TEST_F(PanelPictureTest, TheEffectsFailureIsToldAndLeavesNothingOpen) {
         const auto picture = DrawPanel(*session, {});
         armed = false;
         ASSERT_FALSE(picture);
-        EXPECT_EQ(picture.Error().code, ExitCode::kEffectFailed);
-        EXPECT_THAT(picture.Error().sentence, HasSubstr(row.sentence));
+        EXPECT_EQ(picture.error().kind, ErrorKind::kEffect);
+        EXPECT_THAT(picture.error().sentence, HasSubstr(row.sentence));
         EXPECT_EQ(session->Open(), before) << session->Open().Text();
         EXPECT_THAT(session->Misbehaviour(), IsEmpty());
         session.reset();

@@ -196,17 +196,17 @@ TEST_F(PanelSessionTest, ButtonsAreFoundByEveryName) {
     };
     for (const auto& [name, index] : names) {
         const auto found = FindButton(*session, name);
-        ASSERT_TRUE(found) << name << ": " << found.Error().sentence;
+        ASSERT_TRUE(found) << name << ": " << found.error().sentence;
         EXPECT_EQ(*found, index) << name;
     }
     for (const char* name : {"product-pages", "style/distance", "#14", "#2", "", "#"}) {
         const auto found = FindButton(*session, name);
         ASSERT_FALSE(found) << name;
-        EXPECT_EQ(found.Error().code, ExitCode::kUsage);
+        EXPECT_EQ(found.error().kind, ErrorKind::kUsage);
     }
-    EXPECT_EQ(FindButton(*session, "zyxw").Error().sentence.substr(0, 51),
+    EXPECT_EQ(FindButton(*session, "zyxw").error().sentence.substr(0, 51),
               "there is no button 'zyxw'; the buttons are: 'produc");
-    EXPECT_THAT(FindButton(*session, "product-pages").Error().sentence,
+    EXPECT_THAT(FindButton(*session, "product-pages").error().sentence,
                 ::testing::HasSubstr("there is no button 'product-pages'; closest: 'product-page'"));
 }
 
@@ -218,9 +218,9 @@ TEST_F(PanelSessionTest, OnlyGroupsSlidersAndAnglesHaveTwirls) {
     for (const char* name : {"style/shadow-type", "style/color", "#3", "#2", "#21", "no-row", "#99"}) {
         const auto twirled = Twirl(*session, name, true);
         ASSERT_FALSE(twirled) << name;
-        EXPECT_EQ(twirled.Error().code, ExitCode::kUsage);
+        EXPECT_EQ(twirled.error().kind, ErrorKind::kUsage);
     }
-    EXPECT_EQ(Twirl(*session, "style/color", true).Error().sentence, "'style/color' cannot be opened or closed");
+    EXPECT_EQ(Twirl(*session, "style/color", true).error().sentence, "'style/color' cannot be opened or closed");
 }
 
 TEST_F(PanelSessionTest, TheEffectAsksForEventsOfItsPanelOnly) {

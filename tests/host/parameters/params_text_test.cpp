@@ -59,8 +59,8 @@ TEST_P(WrongNames, AreAnsweredWithRightOnes) {
     const ParamSet params = EveryKind();
     const Result<int> found = params.Find(GetParam().path);
     ASSERT_FALSE(found);
-    EXPECT_EQ(found.Error().code, ExitCode::kUsage);
-    EXPECT_EQ(found.Error().sentence, GetParam().sentence);
+    EXPECT_EQ(found.error().kind, ErrorKind::kUsage);
+    EXPECT_EQ(found.error().sentence, GetParam().sentence);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -78,12 +78,12 @@ TEST(FindParam, ANameOfTwoRowsIsNoName) {
     d.Float("Size", 0, 1, 0).Float("size", 0, 1, 0);
     const Result<int> found = d.params.Find("size");
     ASSERT_FALSE(found);
-    EXPECT_EQ(found.Error().sentence, "'size' names 2 parameters; use one of #1, #2");
+    EXPECT_EQ(found.error().sentence, "'size' names 2 parameters; use one of #1, #2");
     EXPECT_EQ(*d.params.Find("#2"), 2);
 }
 
 TEST(FindParam, AnEffectWithoutNamesSaysSo) {
-    EXPECT_EQ(ParamSet().Find("x").Error().sentence, "there is no parameter 'x'; the effect has no named parameters");
+    EXPECT_EQ(ParamSet().Find("x").error().sentence, "there is no parameter 'x'; the effect has no named parameters");
 }
 
 struct RightValue {
@@ -98,7 +98,7 @@ TEST_P(RightValues, AreTaken) {
     ParamSet params = EveryKind();
     const RightValue& row = GetParam();
     const Result<Done> set = params.SetFromText(row.path, row.text);
-    ASSERT_TRUE(set) << set.Error().sentence;
+    ASSERT_TRUE(set) << set.error().sentence;
     EXPECT_EQ(params.ValueText(*params.Find(row.path)), row.shown);
     ASSERT_TRUE(params.SetFromText(row.path, row.shown)) << "what is shown can be typed";
     EXPECT_EQ(params.ValueText(*params.Find(row.path)), row.shown);
@@ -140,8 +140,8 @@ TEST_P(WrongValues, AreRefusedWithASentence) {
     const WrongValue& row = GetParam();
     const Result<Done> set = params.SetFromText(row.path, row.text);
     ASSERT_FALSE(set);
-    EXPECT_EQ(set.Error().code, ExitCode::kUsage);
-    EXPECT_EQ(set.Error().sentence, row.sentence);
+    EXPECT_EQ(set.error().kind, ErrorKind::kUsage);
+    EXPECT_EQ(set.error().sentence, row.sentence);
     const int index = *params.Find(row.path);
     EXPECT_EQ(params.ValueText(index), params.DefaultText(index)) << "nothing was changed";
 }
@@ -222,7 +222,7 @@ TEST(SetFromText, AnglesMayHaveAUnitOrTurns) {
         SCOPED_TRACE(row.text);
         ParamSet params = EveryKind();
         const auto set = params.SetFromText("style/angle", row.text);
-        ASSERT_TRUE(set) << set.Error().sentence;
+        ASSERT_TRUE(set) << set.error().sentence;
         EXPECT_EQ(params.ValueText(*params.Find("style/angle")), row.degrees);
     }
 }
@@ -238,7 +238,7 @@ TEST(SetFromText, ColoursMayBeShortOrNamed) {
         SCOPED_TRACE(row.text);
         ParamSet params = EveryKind();
         const auto set = params.SetFromText("style/color", row.text);
-        ASSERT_TRUE(set) << set.Error().sentence;
+        ASSERT_TRUE(set) << set.error().sentence;
         EXPECT_EQ(params.ValueText(*params.Find("style/color")), row.value);
     }
 }
@@ -254,19 +254,19 @@ TEST(Nearest, FarNamesAreNotSuggested) {
 
 TEST(SetFromText, AWrongNameIsSaidFirst) {
     ParamSet params = EveryKind();
-    EXPECT_EQ(params.SetFromText("#99", "1").Error().sentence, "there is no parameter '#99'; the effect has #0 to #20");
+    EXPECT_EQ(params.SetFromText("#99", "1").error().sentence, "there is no parameter '#99'; the effect has #0 to #20");
 }
 
 TEST(SetFromText, ItemsOfOneFormNeedTheirNumber) {
     Declaration d;
     d.Popup("Mode", "Add|add!|+", 3, 1);
-    EXPECT_EQ(d.params.SetFromText("mode", "add").Error().sentence,
+    EXPECT_EQ(d.params.SetFromText("mode", "add").error().sentence,
               "'mode' has several items 'add'; use a number: 1, 2");
     ASSERT_TRUE(d.params.SetFromText("mode", "3"));
     EXPECT_EQ(d.params.ValueText(1), "3") << "an item without letters is its number";
     Declaration empty;
     empty.Popup("Mode", "+", 1, 1);
-    EXPECT_EQ(empty.params.SetFromText("mode", "x").Error().sentence,
+    EXPECT_EQ(empty.params.SetFromText("mode", "x").error().sentence,
               "'mode' has no item 'x'; use a number from 1 to 1");
 }
 

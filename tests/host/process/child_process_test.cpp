@@ -41,7 +41,7 @@ ProgramStart ShellStart(const std::string& script, Piped piped) {
 std::unique_ptr<ChildProcess> Started(const ProgramStart& start) {
     auto child = ChildProcess::Start(start);
     if (!child) {
-        ADD_FAILURE() << child.Error().sentence;
+        ADD_FAILURE() << child.error().sentence;
         return nullptr;
     }
     return std::move(*child);
@@ -72,7 +72,7 @@ TEST(ChildProcess, ReadsWhatTheChildPrints) {
 TEST(ChildProcess, AProgramThatIsNotThere) {
     const auto child = ChildProcess::Start({"no-such-program-anywhere"});
     ASSERT_FALSE(child);
-    EXPECT_EQ(child.Error().sentence, "No such file or directory");
+    EXPECT_EQ(child.error().sentence, "No such file or directory");
     EXPECT_FALSE(HasChildren());
 }
 

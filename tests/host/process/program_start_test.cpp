@@ -40,7 +40,7 @@ class ProgramStartTest : public testing::Test {
     /// What the program prints.
     static std::string Printed(const ProgramStart& start) {
         auto child = ChildProcess::Start(start);
-        if (!child) return "not started: " + child.Error().sentence;
+        if (!child) return "not started: " + child.error().sentence;
         std::string text(1 << 16, '\0');
         text.resize((*child)->Read(static_cast<std::byte*>(static_cast<void*>(text.data())), text.size()));
         EXPECT_TRUE((*child)->Wait().IsWell());

@@ -58,7 +58,7 @@ TEST(TemporaryFile, KeepsTheOldFileWhenItsPlaceIsTaken) {
         WriteBytes(temporary.Name(), "whole");
         const auto put = temporary.PutInPlace();
         ASSERT_FALSE(put);
-        EXPECT_EQ(put.Error().code, ExitCode::kFile);
+        EXPECT_EQ(put.error().kind, ErrorKind::kFile);
     }
     EXPECT_EQ(folder.Entries(), 1);
 }

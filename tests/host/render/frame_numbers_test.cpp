@@ -57,7 +57,7 @@ TEST(FrameNumbers, ReadTheWholeGrammar) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         const auto frames = ParseFrames(row.text);
-        ASSERT_TRUE(frames) << frames.Error().sentence;
+        ASSERT_TRUE(frames) << frames.error().sentence;
         EXPECT_EQ(*frames, row.frames);
     }
 }
@@ -94,10 +94,10 @@ TEST(FrameNumbers, TellWhatIsWrong) {
         SCOPED_TRACE(row.name);
         const auto frames = ParseFrames(row.text);
         ASSERT_FALSE(frames);
-        EXPECT_EQ(frames.Error().code, ExitCode::kUsage);
-        EXPECT_THAT(frames.Error().sentence, HasSubstr(row.reason));
+        EXPECT_EQ(frames.error().kind, ErrorKind::kUsage);
+        EXPECT_THAT(frames.error().sentence, HasSubstr(row.reason));
         EXPECT_THAT(
-            frames.Error().sentence,
+            frames.error().sentence,
             HasSubstr("write frames as 7, 1-10, 1-240x2, 1-10x0.25, 1-100y5 or 1-100:8, several of them with commas"));
     }
 }
@@ -134,8 +134,8 @@ TEST(Chunks, AreWrittenAsOneOfMany) {
     for (const char* wrong : {"", "2", "2/", "/4", "0/4", "5/4", "-1/4", "1/0", "2/4x", "a/b", "1.5/4"}) {
         const auto refused = ParseChunk(wrong);
         ASSERT_FALSE(refused) << wrong;
-        EXPECT_EQ(refused.Error().code, ExitCode::kUsage);
-        EXPECT_EQ(refused.Error().sentence,
+        EXPECT_EQ(refused.error().kind, ErrorKind::kUsage);
+        EXPECT_EQ(refused.error().sentence,
                   "'" + std::string(wrong) + "' is not a chunk: write the i-th of n as i/n, such as 1/4 to 4/4");
     }
 }
@@ -159,8 +159,8 @@ TEST(FrameRates, AreFractions) {
          {"", "fast", "0", "-24", "1001", "0.05", "24/0", "24/", "/1", "24/1/1", "nan", "inf", "24 "}) {
         const auto refused = ParseRate(wrong);
         ASSERT_FALSE(refused) << wrong;
-        EXPECT_EQ(refused.Error().code, ExitCode::kUsage);
-        EXPECT_EQ(refused.Error().sentence,
+        EXPECT_EQ(refused.error().kind, ErrorKind::kUsage);
+        EXPECT_EQ(refused.error().sentence,
                   "'" + std::string(wrong) +
                       "' is not a frame rate: write frames per second from 0.1 to 1000, such as 24, "
                       "29.97 or 30000/1001");

@@ -91,8 +91,8 @@ TEST(FramePattern, TellsWrongFields) {
         SCOPED_TRACE(row.name);
         const auto found = FramePattern::Find(row.path);
         ASSERT_FALSE(found);
-        EXPECT_EQ(found.Error().code, ExitCode::kUsage);
-        EXPECT_THAT(found.Error().sentence, HasSubstr(row.sentence));
+        EXPECT_EQ(found.error().kind, ErrorKind::kUsage);
+        EXPECT_THAT(found.error().sentence, HasSubstr(row.sentence));
     }
 }
 

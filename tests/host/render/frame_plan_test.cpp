@@ -36,7 +36,7 @@ class FramePlanTest : public testing::Test {
     static FramePlan Plan(const PlanRequest& request) {
         auto plan = PlanFrames(request);
         if (!plan) {
-            ADD_FAILURE() << plan.Error().sentence;
+            ADD_FAILURE() << plan.error().sentence;
             return {};
         }
         return std::move(*plan);
@@ -44,7 +44,7 @@ class FramePlanTest : public testing::Test {
     static Failure Refused(const PlanRequest& request) {
         const auto plan = PlanFrames(request);
         EXPECT_FALSE(plan);
-        return plan ? Failure{ExitCode::kDone, ""} : plan.Error();
+        return plan ? Failure{ErrorKind::kInternal, "a plan was made"} : plan.error();
     }
     static std::vector<int> Numbers(const FramePlan& plan) {
         std::vector<int> numbers;
@@ -92,7 +92,7 @@ TEST_F(FramePlanTest, WithoutFramesItTakesThoseThatAreThere) {
     WriteBytes(folder_ / "still.png", "x");
     request.input = Path("still.png");
     request.texture = Path("tex.#.png");
-    EXPECT_EQ(Refused(request).code, ExitCode::kFile) << "these names have four digits";
+    EXPECT_EQ(Refused(request).kind, ErrorKind::kFile) << "these names have four digits";
     request.texture = Path("tex.@.png");
     EXPECT_THAT(Numbers(Plan(request)), ElementsAre(4, 5));
 }
@@ -114,7 +114,7 @@ TEST_F(FramePlanTest, MissingFramesAreRefusedHeldOrLeftOut) {
     Files("in", {2, 3, 6});
     PlanRequest request = Request({1, 2, 3, 4, 5, 6, 7});
     Failure refused = Refused(request);
-    EXPECT_EQ(refused.code, ExitCode::kFile);
+    EXPECT_EQ(refused.kind, ErrorKind::kFile);
     EXPECT_EQ(refused.sentence, "cannot read '" + Path("in.1.png") +
                                     "', nor the files of 4 frames in all (1, 4, 5, 7): there are no such files; "
                                     "--missing hold shows other frames instead, --missing skip leaves these out");
@@ -183,7 +183,7 @@ TEST_F(FramePlanTest, AChunksOwnMissingFramesCount) {
     request.chunk = {1, 2};
     EXPECT_THAT(Numbers(Plan(request)), ElementsAre(1, 2));
     request.chunk = {2, 2};
-    EXPECT_EQ(Refused(request).code, ExitCode::kFile);
+    EXPECT_EQ(Refused(request).kind, ErrorKind::kFile);
 }
 
 TEST_F(FramePlanTest, ExistingPicturesAreLeftOut) {
@@ -220,19 +220,19 @@ TEST_F(FramePlanTest, TimesFollowTheRate) {
     request.zeroFrame = -999999;
     request.rate = {300000, 100000};
     EXPECT_THAT(Refused(request).sentence, HasSubstr("is too far from frame -999999, which is at time 0"));
-    EXPECT_EQ(Refused(request).code, ExitCode::kUsage);
+    EXPECT_EQ(Refused(request).kind, ErrorKind::kUsage);
 }
 
 TEST_F(FramePlanTest, ManyFramesNeedAFieldInTheOutput) {
     Files("in", {1, 2});
     PlanRequest request = Request({1, 2});
     request.output = Path("out.png");
-    EXPECT_EQ(Refused(request).code, ExitCode::kUsage);
+    EXPECT_EQ(Refused(request).kind, ErrorKind::kUsage);
     EXPECT_EQ(Refused(request).sentence,
               "'" + Path("out.png") + "' has no field for the frame's number, and there are 2 frames; write it as '" +
                   Path("out.####.png") + "'");
     request.chunk = {1, 2};
-    EXPECT_EQ(Refused(request).code, ExitCode::kUsage) << "other chunks would write the same file";
+    EXPECT_EQ(Refused(request).kind, ErrorKind::kUsage) << "other chunks would write the same file";
     request = Request({2});
     request.output = Path("out.png");
     EXPECT_EQ(Plan(request).frames[0].output, Path("out.png"));
@@ -262,7 +262,7 @@ TEST_F(FramePlanTest, NothingIsWrittenOverWhatIsRead) {
         request.output = Path(row.output);
         request.inputOffset = row.inputOffset;
         const Failure refused = Refused(request);
-        EXPECT_EQ(refused.code, ExitCode::kUsage);
+        EXPECT_EQ(refused.kind, ErrorKind::kUsage);
         EXPECT_EQ(refused.sentence, "'" + Path(row.file) + "' is both input and output; give the output another name");
     }
     EXPECT_TRUE(CheckApart(Path("in.1.png"), Path("in.2.png")));
@@ -273,7 +273,7 @@ TEST_F(FramePlanTest, TheOutputsPlaceIsLookedAtFirst) {
     Files("in", {1});
     PlanRequest request = Request({1});
     request.output = Path("none/out.#.png");
-    EXPECT_EQ(Refused(request).code, ExitCode::kFile);
+    EXPECT_EQ(Refused(request).kind, ErrorKind::kFile);
     EXPECT_THAT(Refused(request).sentence, HasSubstr("there is no folder"));
     request.output = Path("out.#.gif");
     EXPECT_THAT(Refused(request).sentence, HasSubstr("'.gif' is not a format that can be written"));
@@ -307,7 +307,7 @@ TEST_F(FramePlanTest, WhatMeansASequence) {
         request.output = Path("out@2x.png");
         if (row.frames) request.frames = {1};
         const auto means = MeansSequence(request);
-        ASSERT_TRUE(means) << means.Error().sentence;
+        ASSERT_TRUE(means) << means.error().sentence;
         EXPECT_EQ(*means, row.means);
     }
     PlanRequest request;
@@ -315,15 +315,15 @@ TEST_F(FramePlanTest, WhatMeansASequence) {
     request.output = Path("out.####.png");
     const auto means = MeansSequence(request);
     ASSERT_FALSE(means);
-    EXPECT_EQ(means.Error().code, ExitCode::kUsage);
-    EXPECT_THAT(means.Error().sentence, HasSubstr("is a single image; choose the frames with --frames"));
+    EXPECT_EQ(means.error().kind, ErrorKind::kUsage);
+    EXPECT_THAT(means.error().sentence, HasSubstr("is a single image; choose the frames with --frames"));
 }
 
 TEST_F(FramePlanTest, ASequenceWithoutAnyFileIsRefused) {
     PlanRequest request = Request({});
     request.input = Path("in.#.png");
     request.frames.reset();
-    EXPECT_EQ(Refused(request).code, ExitCode::kFile);
+    EXPECT_EQ(Refused(request).kind, ErrorKind::kFile);
     EXPECT_EQ(Refused(request).sentence, "cannot read '" + Path("in.#.png") + "': no file has such a name");
 }
 

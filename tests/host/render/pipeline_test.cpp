@@ -64,7 +64,7 @@ PipelineStep Noted(Log& log, char step) {
 void RunAll(std::size_t count, const PipelineShape& shape, const PipelineStep& read, const PipelineStep& draw,
             const PipelineStep& write) {
     const auto run = RunPipeline(count, shape, read, draw, write);
-    EXPECT_TRUE(run) << run.Error().sentence;
+    EXPECT_TRUE(run) << run.error().sentence;
 }
 
 const PipelineShape kShapes[] = {{1, 1, 1, 1}, {1, 1, 1, 4}, {1, 2, 2, 6}, {3, 4, 2, 10}, {1, 8, 1, 2}};
@@ -204,8 +204,8 @@ TEST(Pipeline, WithoutAnyThreadNothingIsBegun) {
     EXPECT_LIMITED_CHILD(0, {
         Log log;
         const auto run = RunPipeline(3, {1, 2, 2, 4}, Noted(log, 'r'), Noted(log, 'd'), Noted(log, 'w'));
-        return !run && run.Error().code == ExitCode::kInternal && log.Of('r').empty() &&
-               run.Error().sentence ==
+        return !run && run.error().kind == ErrorKind::kInternal && log.Of('r').empty() &&
+               run.error().sentence ==
                    "cannot start a thread to draw frames; raise the limit of processes (`ulimit -u`), or the "
                    "container's limit of tasks or memory";
     });

@@ -40,7 +40,7 @@ TEST(CanvasText, IsReadAsItIsWritten) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.text);
         const auto choice = ParseCanvas(row.text);
-        ASSERT_TRUE(choice) << choice.Error().sentence;
+        ASSERT_TRUE(choice) << choice.error().sentence;
         EXPECT_EQ(choice->kind, row.kind);
         EXPECT_EQ(Sides(choice->rectangle), row.sides);
         if (row.kind == Kind::kRectangle) {
@@ -54,8 +54,8 @@ TEST(CanvasText, RefusesWhatIsNoCanvas) {
                              "+0,0,5,5", "0,0,5,1000001", "0,0,5,99999999999", ",,,"}) {
         const auto choice = ParseCanvas(text);
         ASSERT_FALSE(choice) << text;
-        EXPECT_EQ(choice.Error().code, ExitCode::kUsage);
-        EXPECT_EQ(choice.Error().sentence,
+        EXPECT_EQ(choice.error().kind, ErrorKind::kUsage);
+        EXPECT_EQ(choice.error().sentence,
                   "'" + std::string(text) +
                       "' is neither grow, frame, layer nor a rectangle LEFT,TOP,RIGHT,BOTTOM of whole numbers from "
                       "-1000000 to 1000000");
@@ -63,7 +63,7 @@ TEST(CanvasText, RefusesWhatIsNoCanvas) {
     for (const char* text : {"0,0,0,5", "0,5,5,5", "7,0,5,5"}) {
         const auto choice = ParseCanvas(text);
         ASSERT_FALSE(choice) << text;
-        EXPECT_THAT(choice.Error().sentence,
+        EXPECT_THAT(choice.error().sentence,
                     HasSubstr("covers nothing; LEFT must be less than RIGHT and TOP less than BOTTOM"));
     }
 }
@@ -80,8 +80,8 @@ TEST(CanvasText, ACanvasIsNoLargerThanAnImage) {
     EXPECT_TRUE(CheckCanvas({-10000, 0, 20000, 30000}, 1));
     const auto wide = CheckCanvas({-10000, 0, 20001, 5}, 2);
     ASSERT_FALSE(wide);
-    EXPECT_EQ(wide.Error().code, ExitCode::kUsage);
-    EXPECT_EQ(wide.Error().sentence,
+    EXPECT_EQ(wide.error().kind, ErrorKind::kUsage);
+    EXPECT_EQ(wide.error().sentence,
               "--canvas -20000,0,40002,10 has 30001 x 5 pixels; no side may be longer than 30000; give --canvas a "
               "smaller rectangle, or draw at a lower resolution with --downsample");
 }
@@ -102,25 +102,25 @@ class SetCanvasTest : public SessionTest {
     void WritePng(const std::string& name, int width, int height) const {
         const auto written =
             WritePicture(folder / name, Filled8(width, height, {255, 1, 2, 3}), {{0, 0, width, height}, width, height});
-        ASSERT_TRUE(written) << written.Error().sentence;
+        ASSERT_TRUE(written) << written.error().sentence;
     }
     /// The border is each frame's number, between the first and the last keyframe.
     void Move(double first, double last) {
         job.values = [=](double frame, const ParamSet& params) {
             ParamSet values = params;
             const auto set = values.SetFromText("paint/border", std::to_string(std::clamp(frame, first, last)));
-            EXPECT_TRUE(set) << set.Error().sentence;
+            EXPECT_TRUE(set) << set.error().sentence;
             return values;
         };
     }
     std::vector<int> Find(const ReadOptions& read = {}) {
         auto planned = PlanFrames(request);
-        EXPECT_TRUE(planned) << planned.Error().sentence;
+        EXPECT_TRUE(planned) << planned.error().sentence;
         if (!planned) return {};
         plan = std::move(*planned);
         job.plan = &plan;
         const auto layers = reader.Read(plan.frames.front());
-        EXPECT_TRUE(layers) << layers.Error().sentence;
+        EXPECT_TRUE(layers) << layers.error().sentence;
         if (!layers) return {};
         commands.clear();
         return Sides(SetCanvas(job, *layers, *session, read));

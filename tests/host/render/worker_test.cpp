@@ -60,7 +60,7 @@ class DrawFramesTest : public SessionTest {
     /// Draws with this many instances. The session is the first of them.
     void Draw(int drawers = 1) {
         auto planned = PlanFrames(request);
-        ASSERT_TRUE(planned) << planned.Error().sentence;
+        ASSERT_TRUE(planned) << planned.error().sentence;
         plan = std::move(*planned);
         job.plan = &plan;
         job.shape = ShapeFor(drawers);
@@ -70,7 +70,7 @@ class DrawFramesTest : public SessionTest {
         std::vector<EffectSession*> all = {&*session};
         while (static_cast<int>(all.size()) < drawers) {
             auto another = EffectSession::StartInstance(*session);
-            ASSERT_TRUE(another) << another.Error().sentence;
+            ASSERT_TRUE(another) << another.error().sentence;
             others.push_back(std::move(*another));
             all.push_back(&others.back());
         }
@@ -185,7 +185,7 @@ TEST_F(DrawFramesTest, TheFirstFailureEndsIt) {
     WriteBytes(folder / "in.5.png", "no picture");
     Draw();
     EXPECT_EQ(watcher.outcomes[4].kind, Kind::kFailed);
-    EXPECT_EQ(watcher.outcomes[4].failure->code, ExitCode::kFile);
+    EXPECT_EQ(watcher.outcomes[4].failure->kind, ErrorKind::kFile);
     EXPECT_THAT(watcher.outcomes[4].failure->sentence, HasSubstr("in.5.png"));
     EXPECT_FALSE(watcher.outcomes.contains(5)) << "it was not reached";
     for (const auto& [frame, outcome] : watcher.outcomes) {
@@ -213,11 +213,11 @@ TEST_F(DrawFramesTest, OrItKeepsGoing) {
 TEST_F(DrawFramesTest, AnEffectsFailureIsSaidInTheWordsOfTheCaller) {
     Set("flaw", "error-with-message");
     job.explain = [](const Failure& failure, const EffectSession&) {
-        return Failure{failure.code, "explained: " + failure.sentence};
+        return Failure{failure.kind, "explained: " + failure.sentence};
     };
     request.frames = {1};
     Draw();
-    EXPECT_EQ(watcher.outcomes[0].failure->code, ExitCode::kEffectFailed);
+    EXPECT_EQ(watcher.outcomes[0].failure->kind, ErrorKind::kEffect);
     EXPECT_THAT(watcher.outcomes[0].failure->sentence, HasSubstr("explained: "));
     EXPECT_EQ(watcher.drewWith[0], &*session);
 }

@@ -150,9 +150,9 @@ class Endurance : public ::testing::Test {
 
     void SetUp() override {
         module_.emplace(Module::Load(UMBRANT_MODULE_FILE));
-        ASSERT_TRUE(*module_) << module_->Error().sentence;
+        ASSERT_TRUE(*module_) << module_->error().sentence;
         Result<EffectSession> started = EffectSession::Start(**module_);
-        ASSERT_TRUE(started) << started.Error().sentence;
+        ASSERT_TRUE(started) << started.error().sentence;
         session_.emplace(*std::move(started));
         if (session_->Params().Row(kVendorRow).items == std::vector<std::string>{"NULL"}) {
             GTEST_SKIP() << "no OpenGL context can be made on this machine";
@@ -181,7 +181,7 @@ class Endurance : public ::testing::Test {
             const char* type = kTypes[static_cast<std::size_t>(i % 3)];
             ASSERT_TRUE(session_->Params().SetFromText("style/shadow-type", type));
             const Result<Frame> frame = session_->Render({.layer = &layer, .texture = i / 6 % 2 ? &layer : nullptr});
-            ASSERT_TRUE(frame) << "frame " << i << ": " << frame.Error().sentence;
+            ASSERT_TRUE(frame) << "frame " << i << ": " << frame.error().sentence;
             ASSERT_GT(frame->output.Width(), 0);
             for (const CommandRecord& record : frame->commands) {
                 ASSERT_TRUE(record.balance.IsBalanced()) << "frame " << i << ": " << record.balance.Text();

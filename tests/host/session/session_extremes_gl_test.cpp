@@ -59,9 +59,9 @@ class Extremes : public ::testing::Test {
  protected:
     void SetUp() override {
         module_.emplace(Module::Load(UMBRANT_MODULE_FILE));
-        ASSERT_TRUE(*module_) << module_->Error().sentence;
+        ASSERT_TRUE(*module_) << module_->error().sentence;
         Result<EffectSession> started = EffectSession::Start(**module_);
-        ASSERT_TRUE(started) << started.Error().sentence;
+        ASSERT_TRUE(started) << started.error().sentence;
         session_.emplace(*std::move(started));
         constexpr int kVendorRow = 6;
         if (session_->Params().Row(kVendorRow).items == std::vector<std::string>{"NULL"}) {
@@ -82,7 +82,7 @@ class Extremes : public ::testing::Test {
 
     void Set(const std::string& path, const std::string& text) {
         const Result<Done> set = session_->Params().SetFromText(path, text);
-        ASSERT_TRUE(set) << set.Error().sentence;
+        ASSERT_TRUE(set) << set.error().sentence;
     }
 
     /// A layer with an opaque middle.
@@ -118,7 +118,7 @@ TEST_F(Extremes, LayersOfNoOrOnePixelAreDrawn) {
                              " at " + std::to_string(static_cast<int>(depth)) + " bits");
                 const World layer = World::Create(size.x, size.y, depth);
                 const auto frame = session_->Render({.layer = &layer});
-                ASSERT_TRUE(frame) << frame.Error().sentence;
+                ASSERT_TRUE(frame) << frame.error().sentence;
                 ExpectEven(*frame);
                 if (size.x == 0 || size.y == 0) {
                     EXPECT_THAT(frame->message, ::testing::AnyOf("", "UM2 Error: in/out FBO too small"));
@@ -135,12 +135,12 @@ TEST_F(Extremes, ThirtyThousandPixelsInARow) {
     const World whole = Square(PF_MAX_WORLD_WIDTH, 2, Depth::k8);
     const auto beyond = session_->Render({.layer = &whole, .canvas = Canvas::kLayer});
     ASSERT_FALSE(beyond) << "with its shadow it would be wider than any world";
-    EXPECT_EQ(beyond.Error().sentence, "Umbrant 2 requests an image larger than 30000 x 30000 pixels");
+    EXPECT_EQ(beyond.error().sentence, "Umbrant 2 requests an image larger than 30000 x 30000 pixels");
 
     // As wide as a layer may be for its shadow to end where worlds end.
     const World probe = Square(100, 2, Depth::k8);
     const auto asked = session_->PreRender({.layer = &probe, .canvas = Canvas::kLayer});
-    ASSERT_TRUE(asked) << asked.Error().sentence;
+    ASSERT_TRUE(asked) << asked.error().sentence;
     const int growth = WidthOf(asked->resultRect) - 100;
     const World layer = Square(PF_MAX_WORLD_WIDTH - growth, 2, Depth::k8);
     const auto frame = session_->Render({.layer = &layer, .canvas = Canvas::kLayer});
@@ -149,14 +149,14 @@ TEST_F(Extremes, ThirtyThousandPixelsInARow) {
         ExpectEven(*frame);
         return;
     }
-    EXPECT_EQ(frame.Error().code, ExitCode::kEffectFailed);
-    EXPECT_THAT(frame.Error().sentence, HasSubstr("FBO bad, res: 30000 ")) << "the effect's own words";
-    EXPECT_THAT(frame.Error().sentence, HasSubstr("(error 4, PF_Err_OUT_OF_MEMORY)"));
-    EXPECT_THAT(frame.Error().sentence, HasSubstr("many OpenGL drivers support at most 16384 x 16384"));
+    EXPECT_EQ(frame.error().kind, ErrorKind::kEffect);
+    EXPECT_THAT(frame.error().sentence, HasSubstr("FBO bad, res: 30000 ")) << "the effect's own words";
+    EXPECT_THAT(frame.error().sentence, HasSubstr("(error 4, PF_Err_OUT_OF_MEMORY)"));
+    EXPECT_THAT(frame.error().sentence, HasSubstr("many OpenGL drivers support at most 16384 x 16384"));
     // The next frame is drawn as if nothing had been.
     const World small = Square(16, 16, Depth::k8);
     const auto next = session_->Render({.layer = &small});
-    ASSERT_TRUE(next) << next.Error().sentence;
+    ASSERT_TRUE(next) << next.error().sentence;
     EXPECT_EQ(next->message, "");
 }
 
@@ -174,7 +174,7 @@ TEST_F(Extremes, WideRequestsOfSmallLayers) {
             SCOPED_TRACE(std::string(type) + " from " + std::to_string(region.left) + " to " +
                          std::to_string(region.right));
             const auto frame = session_->Render({.layer = &layer, .region = region});
-            ASSERT_TRUE(frame) << frame.Error().sentence;
+            ASSERT_TRUE(frame) << frame.error().sentence;
             EXPECT_LE(frame->output.Width(), 200) << "no wider than layer and shadow";
             ExpectEven(*frame);
         }
@@ -200,8 +200,8 @@ TEST_P(NoNumber, StaysWithinTheShadowsReach) {
         Set("style/shadow-type", type);
         const auto expected = session_->Render({.layer = &clean});
         const auto actual = session_->Render({.layer = &dirty});
-        ASSERT_TRUE(expected) << expected.Error().sentence;
-        ASSERT_TRUE(actual) << actual.Error().sentence;
+        ASSERT_TRUE(expected) << expected.error().sentence;
+        ASSERT_TRUE(actual) << actual.error().sentence;
         ASSERT_EQ(PixelsOf(actual->output).size(), PixelsOf(expected->output).size());
         int different = 0;
         for (int y = 0; y < actual->output.Height(); ++y) {
@@ -244,7 +244,7 @@ TEST_F(Extremes, FourRenderThreadsAndThePanelBeside) {
         Set("style/shadow-type", type);
         params.push_back(session_->Params());
         const auto frame = session_->Render({.layer = &layer, .params = &params.back()});
-        ASSERT_TRUE(frame) << frame.Error().sentence;
+        ASSERT_TRUE(frame) << frame.error().sentence;
         expected.push_back(PixelsOf(frame->output));
     }
 
@@ -279,14 +279,14 @@ TEST_F(Extremes, FourRenderThreadsAndThePanelBeside) {
 TEST_F(Extremes, ThreadsThatLiveForOneFrame) {
     const World layer = Square(32, 24, Depth::k8);
     const auto first = session_->Render({.layer = &layer});
-    ASSERT_TRUE(first) << first.Error().sentence;
+    ASSERT_TRUE(first) << first.error().sentence;
     const std::vector<std::byte> expected = PixelsOf(first->output);
     const Balance open = session_->Open();
     const auto live = [&](int threads) {
         for (int i = 0; i < threads; ++i) {
             std::thread([&] {
                 const auto frame = session_->Render({.layer = &layer});
-                ASSERT_TRUE(frame) << frame.Error().sentence;
+                ASSERT_TRUE(frame) << frame.error().sentence;
                 ASSERT_EQ(PixelsOf(frame->output), expected);
             }).join();
         }

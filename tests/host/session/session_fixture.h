@@ -35,12 +35,12 @@ class SessionTest : public ::testing::Test {
 
     void Start(SessionOptions options = {}) {
         Result<EffectSession> started = EffectSession::Start(*module_, std::move(options));
-        ASSERT_TRUE(started) << started.Error().sentence;
+        ASSERT_TRUE(started) << started.error().sentence;
         session.emplace(*std::move(started));
     }
     void Set(const char* path, const std::string& text) {
         const Result<Done> set = session->Params().SetFromText(path, text);
-        ASSERT_TRUE(set) << set.Error().sentence;
+        ASSERT_TRUE(set) << set.error().sentence;
     }
 
     /// A world whose pixel (x, y) is {200, x + 1, y + 1, 7}.

@@ -34,10 +34,10 @@ TEST_P(Flaws, AreCaughtAndNamed) {
     const Result<Frame> frame = session->Render({.layer = &layer});
     if (row.failure) {
         ASSERT_FALSE(frame);
-        EXPECT_EQ(frame.Error().code, ExitCode::kEffectFailed);
-        EXPECT_EQ(frame.Error().sentence, std::string("Painter ") + row.failure);
+        EXPECT_EQ(frame.error().kind, ErrorKind::kEffect);
+        EXPECT_EQ(frame.error().sentence, std::string("Painter ") + row.failure);
     } else {
-        EXPECT_TRUE(frame) << frame.Error().sentence;
+        EXPECT_TRUE(frame) << frame.error().sentence;
     }
     if (row.report) {
         EXPECT_THAT(session->Misbehaviour(), Contains(row.report));
@@ -128,7 +128,7 @@ TEST_P(Faults, AreReturnedByTheCall) {
     const World layer = Picture(2, 2);
     const Result<Frame> frame = session->Render({.layer = &layer});
     ASSERT_FALSE(frame);
-    EXPECT_EQ(frame.Error().sentence, GetParam().sentence);
+    EXPECT_EQ(frame.error().sentence, GetParam().sentence);
     EXPECT_EQ(seen->deleted, seen->allocated);
     EXPECT_EQ(session->Open()[Resource::kLayerPixels], 0);
 }

@@ -27,7 +27,7 @@ TEST_F(SessionTest, GrowAsksForTheLayerFirstAndThenForEverything) {
     Set("paint/border", "2");
     const World layer = Picture(4, 3);
     const Result<Frame> frame = session->Render({.layer = &layer});
-    ASSERT_TRUE(frame) << frame.Error().sentence;
+    ASSERT_TRUE(frame) << frame.error().sentence;
     EXPECT_THAT(Sent(*frame), ElementsAre(PF_Cmd_SMART_PRE_RENDER, PF_Cmd_SMART_PRE_RENDER, PF_Cmd_SMART_RENDER));
     EXPECT_THAT(seen->preRender.output_request.rect, IsRect(-2, -2, 6, 5)) << "the first pass's max rectangle";
     EXPECT_THAT(seen->render.output_request.rect, IsRect(-2, -2, 6, 5));
@@ -231,7 +231,7 @@ TEST_F(SessionTest, AnEmptyLayerIsNothingToDraw) {
     Start();
     const World layer = World::Create(0, 0, Depth::k8);
     const Result<Frame> frame = session->Render({.layer = &layer});
-    ASSERT_TRUE(frame) << frame.Error().sentence;
+    ASSERT_TRUE(frame) << frame.error().sentence;
     EXPECT_EQ(frame->output.Width(), 0);
     EXPECT_FALSE(frame->output.IsNull());
     EXPECT_EQ(seen->commands[PF_Cmd_SMART_RENDER], 0);
@@ -283,7 +283,7 @@ TEST_F(SessionTest, ImpossibleRequestsAreTheProgramsMistake) {
     for (const FrameRequest& request : requests) {
         const Result<Frame> frame = session->Render(request);
         ASSERT_FALSE(frame);
-        EXPECT_EQ(frame.Error().code, ExitCode::kInternal);
+        EXPECT_EQ(frame.error().kind, ErrorKind::kInternal);
         EXPECT_FALSE(session->PreRender(request));
     }
     EXPECT_EQ(seen->commands[PF_Cmd_SMART_PRE_RENDER], 0);
@@ -321,7 +321,7 @@ TEST_F(SessionTest, ARenderOutOfMemoryIsToldItsSizeWhereADriverMayRefuseIt) {
         PF_Err error;
         int width, height;
         const char* sentence;
-        ExitCode code = ExitCode::kEffectFailed;
+        ErrorKind kind = ErrorKind::kEffect;
     } rows[] = {
         {"wider", "smart-render.checkout_output", PF_Err_OUT_OF_MEMORY, 16385, 2,
          "Painter failed in PF_Cmd_SMART_RENDER: error 4, PF_Err_OUT_OF_MEMORY; the image would be 16385 x 2 pixels, "
@@ -330,7 +330,7 @@ TEST_F(SessionTest, ARenderOutOfMemoryIsToldItsSizeWhereADriverMayRefuseIt) {
          "Painter failed in PF_Cmd_SMART_RENDER: error 4, PF_Err_OUT_OF_MEMORY; the image would be 1 x 16385 pixels, "
          "and many OpenGL drivers support at most 16384 x 16384"},
         {"at the limit, where no driver refuses it", "smart-render.checkout_output", PF_Err_OUT_OF_MEMORY, 16384, 1,
-         "not enough memory for drawing an image of 16384 x 1 pixels, 1 MiB", ExitCode::kInternal},
+         "not enough memory for drawing an image of 16384 x 1 pixels, 1 MiB", ErrorKind::kInternal},
         {"another error", "smart-render.checkout_output", PF_Err_BAD_CALLBACK_PARAM, 16385, 1,
          "Painter failed in PF_Cmd_SMART_RENDER: error 516, PF_Err_BAD_CALLBACK_PARAM"},
         {"before the render", "pre-render.checkout_layer", PF_Err_OUT_OF_MEMORY, 16385, 1,
@@ -342,8 +342,8 @@ TEST_F(SessionTest, ARenderOutOfMemoryIsToldItsSizeWhereADriverMayRefuseIt) {
         const World layer = World::Create(row.width, row.height, Depth::k8);
         const Result<Frame> frame = session->Render({.layer = &layer});
         ASSERT_FALSE(frame);
-        EXPECT_EQ(frame.Error().code, row.code);
-        EXPECT_EQ(frame.Error().sentence, row.sentence);
+        EXPECT_EQ(frame.error().kind, row.kind);
+        EXPECT_EQ(frame.error().sentence, row.sentence);
     }
 }
 

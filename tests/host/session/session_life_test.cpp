@@ -76,7 +76,7 @@ TEST_F(SessionTest, PanelCommandsCarryTheValues) {
     EXPECT_EQ(session->Params().ValueText(PAINTER_ANGLE), "0") << "not what it changed without saying so";
     const Result<Done> none = session->UserChangedParam(PAINTER_COUNT);
     ASSERT_FALSE(none);
-    EXPECT_EQ(none.Error().sentence, "there is no parameter #10");
+    EXPECT_EQ(none.error().sentence, "there is no parameter #10");
 }
 
 TEST_F(SessionTest, ASuitelessHostHandsOutNone) {
@@ -98,8 +98,8 @@ TEST_P(FailingSetups, AreSaidInWords) {
     ASSERT_TRUE(module);
     const Result<EffectSession> session = EffectSession::Start(*module);
     ASSERT_FALSE(session);
-    EXPECT_EQ(session.Error().code, ExitCode::kEffectFailed);
-    EXPECT_EQ(session.Error().sentence, GetParam().sentence);
+    EXPECT_EQ(session.error().kind, ErrorKind::kEffect);
+    EXPECT_EQ(session.error().sentence, GetParam().sentence);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -125,7 +125,7 @@ TEST_F(SessionTest, ARefusedRowEndsTheSetup) {
     options.fault = [&](std::string_view call) { return call == "interact.add_param" && ++rows == 3 ? 4 : 0; };
     const Result<EffectSession> started = EffectSession::Start(*module_, options);
     ASSERT_FALSE(started);
-    EXPECT_EQ(started.Error().sentence, "Painter failed in PF_Cmd_PARAMS_SETUP: error 4, PF_Err_OUT_OF_MEMORY");
+    EXPECT_EQ(started.error().sentence, "Painter failed in PF_Cmd_PARAMS_SETUP: error 4, PF_Err_OUT_OF_MEMORY");
     EXPECT_EQ(seen->commands[PF_Cmd_GLOBAL_SETDOWN], 1) << "what was set up is set down";
 }
 

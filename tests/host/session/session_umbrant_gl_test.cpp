@@ -27,10 +27,10 @@ class UmbrantDraws : public ::testing::TestWithParam<Depth> {
 
     void SetUp() override { Open({}); }
     void Open(SessionOptions options) {
-        ASSERT_TRUE(module_) << module_.Error().sentence;
+        ASSERT_TRUE(module_) << module_.error().sentence;
         session.reset();
         Result<EffectSession> started = EffectSession::Start(*module_, std::move(options));
-        ASSERT_TRUE(started) << started.Error().sentence;
+        ASSERT_TRUE(started) << started.error().sentence;
         session.emplace(*std::move(started));
         constexpr int kVendorRow = 6;
         const char* renderer = std::getenv("UMBRANT_RENDERER");
@@ -72,7 +72,7 @@ class UmbrantDraws : public ::testing::TestWithParam<Depth> {
 TEST_P(UmbrantDraws, AShadowBesideItsLayer) {
     const World layer = Square(GetParam());
     const Result<Frame> frame = session->Render({.layer = &layer});
-    ASSERT_TRUE(frame) << frame.Error().sentence;
+    ASSERT_TRUE(frame) << frame.error().sentence;
     EXPECT_EQ(frame->output.Width(), WidthOf(frame->rect));
     EXPECT_EQ(frame->output.Height(), HeightOf(frame->rect));
     EXPECT_TRUE(Same(frame->rect, frame->maxRect)) << "everything was asked for";
@@ -99,7 +99,7 @@ TEST_P(UmbrantDraws, EveryShadowTypeWithATextureAndNothingLeftOpen) {
         ASSERT_TRUE(session->Params().SetFromText("style/shadow-type", type));
         const Result<Frame> frame =
             session->Render({.layer = &layer, .texture = &texture, .textureOrigin = {{3}, {-2}}});
-        EXPECT_TRUE(frame) << type << ": " << frame.Error().sentence;
+        EXPECT_TRUE(frame) << type << ": " << frame.error().sentence;
     }
     EXPECT_THAT(session->Misbehaviour(), IsEmpty());
 }
@@ -137,15 +137,15 @@ TEST_P(UmbrantDraws, AFailingHostCallEndsTheRenderWithItsErrorAndNothingOpen) {
         ASSERT_FALSE(frame) << row.call;
         if (row.error == PF_Err_OUT_OF_MEMORY) {
             // The same message as for any other want of memory.
-            EXPECT_EQ(frame.Error().code, ExitCode::kInternal) << row.call;
-            EXPECT_THAT(frame.Error().sentence, ::testing::StartsWith("not enough memory for drawing an image of "));
+            EXPECT_EQ(frame.error().kind, ErrorKind::kInternal) << row.call;
+            EXPECT_THAT(frame.error().sentence, ::testing::StartsWith("not enough memory for drawing an image of "));
             EXPECT_THAT(session->Misbehaviour(), IsEmpty()) << row.call;
             continue;
         }
-        EXPECT_EQ(frame.Error().code, ExitCode::kEffectFailed);
+        EXPECT_EQ(frame.error().kind, ErrorKind::kEffect);
         // A suite that is missing is always the same error to the effect.
         const int expected = std::string_view(row.call).starts_with("AcquireSuite") ? 516 : row.error;
-        EXPECT_THAT(frame.Error().sentence, ::testing::HasSubstr("error " + std::to_string(expected) + ","))
+        EXPECT_THAT(frame.error().sentence, ::testing::HasSubstr("error " + std::to_string(expected) + ","))
             << row.call;
         EXPECT_THAT(session->Misbehaviour(), IsEmpty()) << row.call;
     }

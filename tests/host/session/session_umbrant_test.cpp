@@ -25,9 +25,9 @@ class UmbrantTest : public ::testing::Test {
     UmbrantTest() : module_(Module::Load(UMBRANT_MODULE_FILE)) {}
 
     void SetUp() override {
-        ASSERT_TRUE(module_) << module_.Error().sentence;
+        ASSERT_TRUE(module_) << module_.error().sentence;
         Result<EffectSession> started = EffectSession::Start(*module_);
-        ASSERT_TRUE(started) << started.Error().sentence;
+        ASSERT_TRUE(started) << started.error().sentence;
         session.emplace(*std::move(started));
     }
     void TearDown() override {
@@ -38,7 +38,7 @@ class UmbrantTest : public ::testing::Test {
     }
     void Set(const char* path, const char* text) {
         const Result<Done> set = session->Params().SetFromText(path, text);
-        ASSERT_TRUE(set) << set.Error().sentence;
+        ASSERT_TRUE(set) << set.error().sentence;
     }
 
     Result<Module> module_;
@@ -78,7 +78,7 @@ TEST_F(UmbrantTest, IsReachedByPaths) {
     };
     for (const auto& [path, index] : rows) {
         const Result<int> found = params.Find(path);
-        ASSERT_TRUE(found) << found.Error().sentence;
+        ASSERT_TRUE(found) << found.error().sentence;
         EXPECT_EQ(*found, index) << path;
     }
     std::set<std::string> paths;
@@ -109,7 +109,7 @@ TEST_F(UmbrantTest, PreRenderSaysHowFarTheShadowReaches) {
     Set("style/softness", "40");
     const World layer = World::Create(30, 20, Depth::k8);
     const Result<PreRendered> answer = session->PreRender({.layer = &layer});
-    ASSERT_TRUE(answer) << answer.Error().sentence;
+    ASSERT_TRUE(answer) << answer.error().sentence;
     EXPECT_TRUE(Same(answer->maxRect, {-30, -30, 60, 50})) << "a quarter and a half of the softness on every side";
     EXPECT_TRUE(Same(answer->resultRect, answer->maxRect));
     EXPECT_EQ(answer->flags, PF_RenderOutputFlag_RETURNS_EXTRA_PIXELS);
@@ -124,7 +124,7 @@ TEST_F(UmbrantTest, PreRenderHalvesAtHalfResolution) {
     const World layer = World::Create(15, 10, Depth::k8);
     const Result<PreRendered> answer = session->PreRender(
         {.layer = &layer, .layerWidth = 30, .layerHeight = 20, .downsampleX = {1, 2}, .downsampleY = {1, 2}});
-    ASSERT_TRUE(answer) << answer.Error().sentence;
+    ASSERT_TRUE(answer) << answer.error().sentence;
     EXPECT_TRUE(Same(answer->maxRect, {-15, -15, 30, 25}));
 }
 

@@ -45,7 +45,7 @@ class DrawbotTest : public SuitesTest {
 
     static std::unique_ptr<Drawing> NewPicture() {
         auto made = NewDrawing("a picture", kSize, kSize, DrawnPixels::kWithAlpha);
-        if (!made) throw std::runtime_error(made.Error().sentence);
+        if (!made) throw std::runtime_error(made.error().sentence);
         return std::move(*made);
     }
 

@@ -229,7 +229,7 @@ TEST_F(ClipFailures, AnInterruptionEndsEverybodyAtOnce) {
             std::filesystem::remove(folder_ / "started");
             const auto begin = std::chrono::steady_clock::now();
             const auto program = ChildProcess::Start(start);
-            ASSERT_TRUE(program) << program.Error().sentence;
+            ASSERT_TRUE(program) << program.error().sentence;
             EXPECT_TRUE(WaitUntil([&] { return Exists("started"); }));
             std::this_thread::sleep_for(std::chrono::milliseconds(200));
             kill((*program)->Process(), end.signal);

@@ -22,8 +22,8 @@ using testing::Not;
 std::string Chosen(const std::string& path, const std::string& name) {
     const auto codec = CodecFor(path, name);
     if (!codec) {
-        EXPECT_EQ(codec.Error().code, ExitCode::kUsage);
-        return codec.Error().sentence;
+        EXPECT_EQ(codec.error().kind, ErrorKind::kUsage);
+        return codec.error().sentence;
     }
     return (*codec)->name;
 }

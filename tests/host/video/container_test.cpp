@@ -130,7 +130,7 @@ TEST_F(Clips, EveryContainerIsStillRead) {
         SCOPED_TRACE(row.name);
         Ffmpeg("-f lavfi -i testsrc=s=64x48:r=25:d=0.2 " + std::string(row.arguments) + " " + row.name);
         const auto demuxer = ReadDemuxer((folder_ / row.name).string());
-        ASSERT_TRUE(demuxer) << demuxer.Error().sentence;
+        ASSERT_TRUE(demuxer) << demuxer.error().sentence;
         const Outcome outcome = Render(row.name, std::string(row.name) + ".mkv", {"--rate", "25"});
         EXPECT_EQ(outcome.code, 0) << outcome.err;
     }

@@ -76,15 +76,15 @@ class RoundTrip : public Clips {
         target.raw = depth == Depth::k8 ? RawFormat::k8 : RawFormat::k16;
         target.rate = {30000, 1001};
         auto writer = ClipWriter::Start(target);
-        if (!writer) return Failed(writer.Error());
+        if (!writer) return Failed(writer.error());
         for (int frame = 0; frame < kFrames; ++frame) {
             const auto written = (*writer)->Write(TestPicture(width, height, depth, frame));
-            if (!written) return Failed(written.Error());
+            if (!written) return Failed(written.error());
         }
         EXPECT_FALSE(Exists(name)) << "before it is whole";
-        if (auto finished = (*writer)->Finish(); !finished) return Failed(finished.Error());
+        if (auto finished = (*writer)->Finish(); !finished) return Failed(finished.error());
         auto facts = ReadClipFacts((folder_ / name).string());
-        if (!facts) return Failed(facts.Error());
+        if (!facts) return Failed(facts.error());
         EXPECT_EQ(facts->rate, (FrameRate{30000, 1001})) << name;
         EXPECT_TRUE(facts->isConstant) << name;
         EXPECT_EQ(facts->FramesInFile(), kFrames) << name;
@@ -120,7 +120,7 @@ TEST_F(RoundTrip, ExactCodecsKeepEveryBit) {
             const RawFormat raw = row.depth == Depth::k8 ? RawFormat::k8 : RawFormat::k16;
             for (int frame = 0; frame < kFrames; ++frame) {
                 const auto picture = reader->Read(frame);
-                ASSERT_TRUE(picture) << picture.Error().sentence;
+                ASSERT_TRUE(picture) << picture.error().sentence;
                 ASSERT_EQ(RawFromWorld(raw, picture->pixels),
                           RawFromWorld(raw, TestPicture(width, height, row.depth, frame)))
                     << width << " x " << height << ", frame " << frame;
@@ -145,7 +145,7 @@ TEST_F(RoundTrip, LossyCodecsStayWithinTheirBounds) {
             EXPECT_EQ(reader->Facts().color, (ColorTags{"bt709", "bt709", "bt709", "tv"}));
             for (int frame = 0; frame < kFrames; ++frame) {
                 auto picture = reader->Read(frame);
-                ASSERT_TRUE(picture) << picture.Error().sentence;
+                ASSERT_TRUE(picture) << picture.error().sentence;
                 World eight =
                     picture->bits == 8 ? std::move(picture->pixels) : WorldFromRaw(RawFormat::k8, width, height, [&] {
                         const auto deep = RawFromWorld(RawFormat::k16, picture->pixels);
@@ -171,7 +171,7 @@ TEST_F(RoundTrip, FramesInAnyOrder) {
     ASSERT_TRUE(reader);
     for (const int frame : {3, 4, 4, 0, 2, 1, 4}) {
         const auto picture = reader->Read(frame);
-        ASSERT_TRUE(picture) << picture.Error().sentence;
+        ASSERT_TRUE(picture) << picture.error().sentence;
         EXPECT_EQ(RawFromWorld(RawFormat::k8, picture->pixels),
                   RawFromWorld(RawFormat::k8, TestPicture(8, 8, Depth::k8, frame)))
             << frame;
@@ -206,11 +206,11 @@ TEST_F(RoundTrip, FloatClipsAreReadAsTheyAre) {
     WriteBytes(folder_ / "f.raw", {static_cast<const char*>(static_cast<const void*>(bytes.data())), bytes.size()});
     Ffmpeg("-f rawvideo -pix_fmt gbrapf32le -s 3x2 -i f.raw -c:v exr -format float f.mkv");
     auto facts = ReadClipFacts((folder_ / "f.mkv").string());
-    ASSERT_TRUE(facts) << facts.Error().sentence;
+    ASSERT_TRUE(facts) << facts.error().sentence;
     EXPECT_EQ(facts->bits, 32);
     ClipReader reader(*facts, facts->rate);
     const auto picture = reader.Read(0);
-    ASSERT_TRUE(picture) << picture.Error().sentence;
+    ASSERT_TRUE(picture) << picture.error().sentence;
     EXPECT_EQ(RawFromWorld(RawFormat::kFloat, picture->pixels), bytes) << "beyond 0 and 1 too";
 }
 

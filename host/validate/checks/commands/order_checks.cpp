@@ -36,7 +36,7 @@ FrameRequest SmallRequest(const World& layer) {
 std::string TakeStep(CheckRun& run, CheckFixture& fixture, int step, const World& layer) {
     EffectSession& session = fixture.Session();
     const auto judge = [&](const auto& result, const char* name) {
-        if (!result) run.Fail(fmt::format("{}: {}", name, result.Error().sentence));
+        if (!result) run.Fail(fmt::format("{}: {}", name, result.error().sentence));
         return std::string(name);
     };
     switch (step) {
@@ -122,7 +122,7 @@ void SetsUpAgainAndAgain(CheckRun& run) {
                              for (int i = 0; i < 49 && !part.Failed(); ++i) {
                                  fixture.Log().Clear();
                                  if (const auto up = fixture.Session().SetUp(); !up)
-                                     part.FailAndEnd(up.Error().sentence);
+                                     part.FailAndEnd(up.error().sentence);
                                  fixture.EndBalanced("after a later set-down");
                              }
                          },
@@ -137,7 +137,7 @@ void SetsUpAgainAndAgain(CheckRun& run) {
     subChecks.push_back({"set-down without set-up",
                          [](CheckRun& part) {
                              auto module = Module::Load(part.Options().module);
-                             if (!module) part.FailAndEnd(module.Error().sentence);
+                             if (!module) part.FailAndEnd(module.error().sentence);
                              EffectSession session = EffectSession::Create(*module);
                              SendSetdown(part, session, "a set-down without set-up");
                          },
@@ -146,14 +146,14 @@ void SetsUpAgainAndAgain(CheckRun& run) {
                          [](CheckRun& part) {
                              HideDrivers();
                              auto module = Module::Load(part.Options().module);
-                             if (!module) part.FailAndEnd(module.Error().sentence);
+                             if (!module) part.FailAndEnd(module.error().sentence);
                              // An error is an answer; a crash is none.
                              EffectSession session = EffectSession::Create(*module);
                              if (!session.SetUp()) return;
                              const World layer = TestPicture(kSide, kSide, Depth::k8);
                              const auto frame = session.Render(SmallRequest(layer));
                              if (frame && NotFinite(frame->output)) part.Fail("without a driver a frame is not finite");
-                             if (const auto ended = session.End(); !ended) part.Fail(ended.Error().sentence);
+                             if (const auto ended = session.End(); !ended) part.Fail(ended.error().sentence);
                              if (!session.Open().IsBalanced()) {
                                  part.Fail(fmt::format("without a driver {} are still open", session.Open().Text()));
                              }

@@ -35,7 +35,7 @@ void DrawSize(CheckRun& run, CheckFixture& fixture, int width, int height, Depth
     const auto frame = fixture.Session().Render(RequestOf(layer));
     const std::string what = fmt::format("a layer of {} x {} at {} bits", width, height, static_cast<int>(depth));
     if (!frame) {
-        const std::string& sentence = frame.Error().sentence;
+        const std::string& sentence = frame.error().sentence;
         if (sentence.find(ErrorName(PF_Err_OUT_OF_MEMORY)) == std::string::npos) {
             run.Fail(fmt::format("{}: {}", what, sentence));
         }
@@ -109,7 +109,7 @@ void DrawsEveryDepth(CheckRun& run) {
                        // An effect that does not announce 16 bits may refuse them, but not crash.
                        part.Count("frames");
                        const auto frame = fixture.Session().Render(RequestOf(layer));
-                       if (!frame && deep) part.Fail(fmt::format("at 16 bits: {}", frame.Error().sentence));
+                       if (!frame && deep) part.Fail(fmt::format("at 16 bits: {}", frame.error().sentence));
                    },
                    {}}});
 }

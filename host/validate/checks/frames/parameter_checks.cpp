@@ -77,7 +77,7 @@ void Judge(CheckRun& run, CheckFixture& fixture, const ParamSet& params, const W
     run.Count("frames");
     const auto frame = fixture.Session().Render(RequestOf(layer, params));
     if (!frame) {
-        if (mustSucceed) run.Fail(fmt::format("{}: {}", what, frame.Error().sentence));
+        if (mustSucceed) run.Fail(fmt::format("{}: {}", what, frame.error().sentence));
         return;
     }
     if (const auto place = NotFinite(frame->output); place && mustSucceed) {

@@ -133,7 +133,7 @@ TEST_F(CliRenderGl, AnInterruptedFrameEndsAtOnceAndLeavesNothing) {
     start.output = Stream::Nothing();
     start.errors = Stream::File("progress.txt");
     const auto program = ChildProcess::Start(start);
-    ASSERT_TRUE(program) << program.Error().sentence;
+    ASSERT_TRUE(program) << program.error().sentence;
     EXPECT_TRUE(WaitUntil(
         [&] { return ReadBytes(folder_ / "progress.txt").find("s, the effect draws") != std::string::npos; }));
     const auto begin = std::chrono::steady_clock::now();

@@ -144,59 +144,60 @@ TEST_F(CliSequence, SizesAndDepthsMayChangeAndItIsSaid) {
     EXPECT_EQ(Read(folder_ / "out.06.png").bits, 8);
 }
 
+const struct {
+    const char* name;
+    std::vector<std::string> arguments;
+    const char* input;
+    const char* output;
+    int code;
+    const char* sentence;
+} kWrongSequences[] = {
+    {"no field",
+     {},
+     "in.@.png",
+     "out.png",
+     2,
+     "'out.png' has no field for the frame's number, and there are 6 frames; write it as 'out.####.png'"},
+    {"two fields", {}, "in.@.png", "out.#.%d.png", 2, "has 2 fields for the frame's number"},
+    {"no frames", {}, "none.####.png", "out.#.png", 3, "cannot read 'none.####.png': no file has such a name"},
+    {"a field without frames", {}, "still.png", "out.####.png", 2, "choose the frames with --frames"},
+    {"the input is the output",
+     {},
+     "in.@.png",
+     "in.@.png",
+     2,
+     "'in.1.png' is both input and output; give the output another name"},
+    {"one picture over itself", {}, "still.png", "./still.png", 2, "'./still.png' is both input and output"},
+    {"the texture is the output",
+     {"--texture", "still.png"},
+     "in.1.png",
+     "still.png",
+     2,
+     "'still.png' is both input and output"},
+    {"wrong frames", {"--frames", "1-6z2"}, "in.@.png", "out.#.png", 2, "'1-6z2' is not a set of frames"},
+    {"a wrong chunk", {"--chunk", "4/3"}, "in.@.png", "out.#.png", 2, "'4/3' is not a chunk"},
+    {"a wrong rate", {"--rate", "fast"}, "in.@.png", "out.#.png", 2, "'fast' is not a frame rate"},
+    {"a wrong policy", {"--missing", "guess"}, "in.@.png", "out.#.png", 2, "guess not in {error,hold,skip}"},
+    {"no threads", {"--threads", "0"}, "in.@.png", "out.#.png", 2, "--threads"},
+    {"no progress",
+     {"--progress", "dots"},
+     "in.@.png",
+     "out.#.png",
+     2,
+     "'dots' is neither bar, lines, json nor a number of seconds from 0 to 86400"},
+    {"a time", {"--time", "1"}, "in.@.png", "out.#.png", 2, "--time applies to a single image"},
+    {"a folder that is not there", {}, "in.@.png", "none/out.#.png", 3, "there is no folder 'none'"},
+    {"a compression that the format lacks",
+     {"--compression", "zip"},
+     "in.@.png",
+     "out.#.png",
+     2,
+     "'zip' is not a compression of .png; use one of: default fast small"},
+    {"a wrong value", {"--set", "paint/boarder=1"}, "in.@.png", "out.#.png", 2, "closest: 'paint/border'"},
+};
+
 TEST_F(CliSequence, WrongUsageIsToldBeforeAnythingIsDrawn) {
-    const struct {
-        const char* name;
-        std::vector<std::string> arguments;
-        const char* input;
-        const char* output;
-        int code;
-        const char* sentence;
-    } rows[] = {
-        {"no field",
-         {},
-         "in.@.png",
-         "out.png",
-         2,
-         "'out.png' has no field for the frame's number, and there are 6 frames; write it as 'out.####.png'"},
-        {"two fields", {}, "in.@.png", "out.#.%d.png", 2, "has 2 fields for the frame's number"},
-        {"no frames", {}, "none.####.png", "out.#.png", 3, "cannot read 'none.####.png': no file has such a name"},
-        {"a field without frames", {}, "still.png", "out.####.png", 2, "choose the frames with --frames"},
-        {"the input is the output",
-         {},
-         "in.@.png",
-         "in.@.png",
-         2,
-         "'in.1.png' is both input and output; give the output another name"},
-        {"one picture over itself", {}, "still.png", "./still.png", 2, "'./still.png' is both input and output"},
-        {"the texture is the output",
-         {"--texture", "still.png"},
-         "in.1.png",
-         "still.png",
-         2,
-         "'still.png' is both input and output"},
-        {"wrong frames", {"--frames", "1-6z2"}, "in.@.png", "out.#.png", 2, "'1-6z2' is not a set of frames"},
-        {"a wrong chunk", {"--chunk", "4/3"}, "in.@.png", "out.#.png", 2, "'4/3' is not a chunk"},
-        {"a wrong rate", {"--rate", "fast"}, "in.@.png", "out.#.png", 2, "'fast' is not a frame rate"},
-        {"a wrong policy", {"--missing", "guess"}, "in.@.png", "out.#.png", 2, "guess not in {error,hold,skip}"},
-        {"no threads", {"--threads", "0"}, "in.@.png", "out.#.png", 2, "--threads"},
-        {"no progress",
-         {"--progress", "dots"},
-         "in.@.png",
-         "out.#.png",
-         2,
-         "'dots' is neither bar, lines, json nor a number of seconds from 0 to 86400"},
-        {"a time", {"--time", "1"}, "in.@.png", "out.#.png", 2, "--time applies to a single image"},
-        {"a folder that is not there", {}, "in.@.png", "none/out.#.png", 3, "there is no folder 'none'"},
-        {"a compression that the format lacks",
-         {"--compression", "zip"},
-         "in.@.png",
-         "out.#.png",
-         2,
-         "'zip' is not a compression of .png; use one of: default fast small"},
-        {"a wrong value", {"--set", "paint/boarder=1"}, "in.@.png", "out.#.png", 2, "closest: 'paint/border'"},
-    };
-    for (const auto& row : rows) {
+    for (const auto& row : kWrongSequences) {
         SCOPED_TRACE(row.name);
         const auto before = folder_.Entries();
         const Outcome outcome = Render(row.arguments, row.input, row.output);

@@ -11,10 +11,10 @@ namespace umbrant::host {
 
 namespace {
 
-FrameOutcome Failed(ExitCode code, const char* sentence) {
+FrameOutcome Failed(ErrorKind kind, const char* sentence) {
     FrameOutcome outcome;
     outcome.kind = FrameOutcome::Kind::kFailed;
-    outcome.failure = Failure{code, sentence};
+    outcome.failure = Failure{kind, sentence};
     return outcome;
 }
 
@@ -27,12 +27,12 @@ FramePlan PlanOf(int frames) {
 TEST(FrameProgress, ReasonsOfAllFailedFramesAreListed) {
     const FramePlan plan = PlanOf(5);
     FrameProgress progress(plan, {ProgressForm::kQuiet}, false);
-    progress.Ends(3, Failed(ExitCode::kFile, "cannot read 'in.4.png'"));
+    progress.Ends(3, Failed(ErrorKind::kFile, "cannot read 'in.4.png'"));
     progress.Ends(0, FrameOutcome{});
-    progress.Ends(1, Failed(ExitCode::kEffectFailed, "out of paint"));
+    progress.Ends(1, Failed(ErrorKind::kEffect, "out of paint"));
     const FrameTotals totals = progress.Finish();
     EXPECT_EQ(totals.failed, 2u);
-    EXPECT_EQ(totals.failure.code, ExitCode::kEffectFailed) << "that of the first in the plan";
+    EXPECT_EQ(totals.failure.kind, ErrorKind::kEffect) << "that of the first in the plan";
     EXPECT_EQ(totals.failure.sentence, "2 frames failed:\n  frame 2: out of paint\n  frame 4: cannot read 'in.4.png'");
 }
 
@@ -40,9 +40,9 @@ TEST(FrameProgress, OneFailureIsOneSentence) {
     const FramePlan plan = PlanOf(2);
     FrameProgress progress(plan, {ProgressForm::kQuiet}, false);
     progress.Ends(0, FrameOutcome{});
-    progress.Ends(1, Failed(ExitCode::kFile, "cannot read 'in.2.png'"));
+    progress.Ends(1, Failed(ErrorKind::kFile, "cannot read 'in.2.png'"));
     const FrameTotals totals = progress.Finish();
-    EXPECT_EQ(totals.failure.code, ExitCode::kFile);
+    EXPECT_EQ(totals.failure.kind, ErrorKind::kFile);
     EXPECT_EQ(totals.failure.sentence, "frame 2: cannot read 'in.2.png'");
 }
 
