@@ -14,6 +14,7 @@ import unittest
 
 BUILD = pathlib.Path(os.environ["BUILD_FOLDER"])
 SOURCE = pathlib.Path(os.environ["SOURCE_FOLDER"])
+MANUAL = sorted((SOURCE / "docs/man").glob("*.1"))
 CPACK = os.environ["CPACK"]
 LIBDIR = os.environ["LIBDIR"]
 
@@ -91,7 +92,7 @@ class DebianPackages(unittest.TestCase):
             "umbrant": [
                 "/usr/bin/umbrant", f"/usr/{LIBDIR}/umbrant/umbrant2.so", f"/usr/{LIBDIR}/umbrant/umbrant_shim.so",
                 f"/usr/{LIBDIR}/umbrant/umbrant_drawing.so", f"/usr/{LIBDIR}/umbrant/umbrant_images.so",
-                "/usr/share/man/man1/umbrant.1.gz", "/usr/share/bash-completion/completions/umbrant",
+                *(f"/usr/share/man/man1/{page.name}.gz" for page in MANUAL), "/usr/share/bash-completion/completions/umbrant",
                 "/usr/share/zsh/vendor-completions/_umbrant", "/usr/share/fish/vendor_completions.d/umbrant.fish",
                 "/usr/share/doc/umbrant/copyright", "/usr/share/doc/umbrant/changelog.gz",
                 "/usr/share/doc/umbrant/changelog.Debian.gz",
@@ -115,8 +116,8 @@ class DebianPackages(unittest.TestCase):
 
     def test_documents(self):
         folder = self.unpacked("umbrant") / "usr/share"
-        page = gzip.decompress((folder / "man/man1/umbrant.1.gz").read_bytes())
-        self.assertEqual(page, (SOURCE / "docs/umbrant.1").read_bytes())
+        for page in MANUAL:
+            self.assertEqual(gzip.decompress((folder / f"man/man1/{page.name}.gz").read_bytes()), page.read_bytes())
         changes = gzip.decompress((folder / "doc/umbrant/changelog.gz").read_bytes())
         self.assertEqual(changes, (SOURCE / "CHANGELOG.md").read_bytes())
         entry = gzip.decompress((folder / "doc/umbrant/changelog.Debian.gz").read_bytes()).decode()

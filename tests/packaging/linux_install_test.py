@@ -26,7 +26,7 @@ EXPECTED = {
     f"{LIBDIR}/umbrant/umbrant_images.so",
     f"{LIBDIR}/umbrant/umbrant_shim.so",
     f"{LIBDIR}/umbrant/umbrant2.waivers.json",
-    "share/man/man1/umbrant.1",
+    *(f"share/man/man1/{page.name}" for page in (SOURCE / "docs/man").glob("*.1")),
     "share/umbrant/presets/turning-title.json",
     "share/bash-completion/completions/umbrant",
     f"share/zsh/{ZSH}/_umbrant",
@@ -238,12 +238,15 @@ class Installed(unittest.TestCase):
             for folder in (BUILD, SOURCE, self.root / "first"):
                 self.assertNotIn(str(folder).encode(), data, name)
 
-    def test_the_manual_page_can_be_read(self):
+    def test_the_manual_pages_can_be_read(self):
         if shutil.which("man") is None:
             self.skipTest("there is no man here")
-        warnings = run("man", "--warnings", "-E", "UTF-8", "-l", "-Tutf8", "-Z", self.prefix / "share/man/man1/umbrant.1")
-        self.assertIn("x T utf8", warnings)
-        self.assertNotIn("warning", warnings)
+        pages = sorted((self.prefix / "share/man/man1").iterdir())
+        self.assertGreater(len(pages), 1)
+        for page in pages:
+            warnings = run("man", "--warnings", "-E", "UTF-8", "-l", "-Tutf8", "-Z", page)
+            self.assertIn("x T utf8", warnings)
+            self.assertNotIn("warning", warnings, page.name)
 
     def build_example(self, folder, *definitions):
         source = self.root / folder
