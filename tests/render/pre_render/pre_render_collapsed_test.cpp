@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "tests/render/pre_render_fixture.h"
+#include "tests/render/pre_render/pre_render_fixture.h"
 
 namespace umbrant::effect {
 

@@ -12,7 +12,7 @@
 #include <cstdlib>
 #include <new>
 
-#include "tests/render/pre_render_fixture.h"
+#include "tests/render/pre_render/pre_render_fixture.h"
 #include "tests/support/thrown_code.h"
 
 namespace {
