@@ -36,7 +36,7 @@ class [[nodiscard]] Result : public tl::expected<T, Failure> {
  public:
     Result(T made) : Base(std::move(made)) {}                          // NOLINT(google-explicit-constructor)
     Result(Failure failed) : Base(tl::unexpect, std::move(failed)) {}  // NOLINT(google-explicit-constructor)
-    Result(Base result) : Base(std::move(result)) {}                     // NOLINT(google-explicit-constructor)
+    Result(Base result) : Base(std::move(result)) {}                   // NOLINT(google-explicit-constructor)
 
     T& operator*() & { return Checked(); }
     const T& operator*() const& { return const_cast<Result*>(this)->Checked(); }
