@@ -14,6 +14,15 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 PROGRAM = os.environ.get("REPORTED_PROGRAM", "")
 
 
+class TestProgram(unittest.TestCase):
+    def test_does_not_begin_again_as_the_process_of_a_module(self):
+        # A command that finds no program beside the tests starts the tests themselves with this argument.
+        begun = subprocess.run([PROGRAM, "--module-process"], capture_output=True, text=True)
+        self.assertEqual(begun.returncode, 2)
+        self.assertEqual(begun.stdout, "")
+        self.assertEqual(begun.stderr, "A test program serves no module; build the program 'umbrant' first.\n")
+
+
 class TestReport(unittest.TestCase):
     def setUp(self):
         folder = tempfile.TemporaryDirectory()

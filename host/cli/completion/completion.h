@@ -104,7 +104,7 @@ constexpr std::string_view kCompletionRequest = "__complete";
 /// `umbrant __complete [--module FILE] -- WORDS...`: prints the CompletionText for the words. `arguments` are those
 /// after kCompletionRequest. It is not among AllCommands, so it is in no help text, completion or manual page. Its exit
 /// code is 0, also without any candidate, and 2 when it is called in another form. Nothing that fails is reported: the
-/// reader would find the message in the middle of what he types.
+/// person at the keyboard would find the message in the middle of a line.
 Command CompletionRequest(std::vector<std::string> arguments);
 
 }  // namespace umbrant::host
