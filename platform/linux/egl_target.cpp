@@ -146,8 +146,9 @@ bool FindTarget(EglTarget* target) {
     return FindDevice(Preference::kSoftware, target) || FindSurfaceless(preference, target);
 }
 
-// The driver keeps threads and an open display for good, so its code must stay when this module is unloaded.
-void PinDriver() {
+// A driver keeps threads, an open display and what it does at the end of the process for good, so its code must stay
+// when this module is unloaded: also that of a driver that was asked and is not the one that was wanted.
+void PinDrivers() {
     dlopen("libEGL.so.1", RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
 }
 
@@ -165,9 +166,9 @@ const EglTarget* ChooseEglTarget() {
     static bool found = false;
     begun = true;
     const std::lock_guard lock(mutex);
-    if (!found && FindTarget(&chosen)) {
-        PinDriver();
-        found = true;
+    if (!found) {
+        PinDrivers();
+        found = FindTarget(&chosen);
     }
     return found ? &chosen : nullptr;
 }
