@@ -53,7 +53,9 @@ class BothPaths : public GLContextTest, protected SceneRenderer {
     void SetUp() override {
         ASSERT_EQ(exactMixing, 0);
         GLContextTest::SetUp();
-        if (!IsSkipped()) host_.global->context = context_;
+        if (IsSkipped()) return;
+        host_.global->context = context_;
+        filterError_ = FilterError();
     }
     void TearDown() override {
         choice = RendererChoice::kOpenGL;
@@ -79,13 +81,17 @@ class BothPaths : public GLContextTest, protected SceneRenderer {
             if (difference > 0.5) ++different;
         }
         const double samples = std::floor(scene.panel.samples);
+        // Each copy is placed between texels across and down; the taps of the blurs average their errors out.
+        const double filter = 2 * filterError_ * samples * unit;
         if (scene.depth == 8) {
-            EXPECT_LE(worst, 1.01) << scene.words;
+            EXPECT_LE(worst, 1.01 + filter) << scene.words;
+            // A driver whose filter is off by more than float's rounding moves pixels over a step anywhere.
+            if (filter > 0.05) return;
             const double share = samples <= kManySamples ? kShareOfFew : kShareOfMany;
             const auto counted = static_cast<double>(std::max(one.values.size(), kFewestPixels));
             EXPECT_LE(static_cast<double>(different), share * counted) << scene.words;
         } else {
-            EXPECT_LE(worst, kStepsPerSample * samples + kStepsOfPicture) << scene.words;
+            EXPECT_LE(worst, kStepsPerSample * samples + kStepsOfPicture + filter) << scene.words;
         }
     }
 

@@ -8,7 +8,7 @@
 //
 // A case is a folder with command.txt, its inputs and expected.EXT. command.txt holds comment lines (#), one line of
 // arguments for the program in which files are named as they lie in the folder and the result is "actual.EXT", and
-// perhaps, with the reason in a comment, lines that replace one of the three numbers of tolerance.txt ("percent 2").
+// perhaps, with the reason in a comment, lines that replace one of the numbers of tolerance.txt ("percent 2").
 
 #include <cstdio>
 #include <cstdlib>
@@ -69,12 +69,12 @@ std::string InfoLine(const std::string& info, const std::string& label) {
     return "unknown";
 }
 
-/// Reads lines of a tolerance file or a case; false when the line is not one of the three numbers.
+/// Reads lines of a tolerance file or a case; false when the line is not one of the numbers.
 bool ReadTolerance(const std::string& line, std::map<std::string, std::string>& tolerance) {
     std::istringstream words(line);
     std::string name, value, more;
     if (!(words >> name >> value) || words >> more) return false;
-    if (name != "warn" && name != "percent" && name != "hard") return false;
+    if (name != "warn" && name != "percent" && name != "hardware-percent" && name != "hard") return false;
     tolerance[name] = value;
     return true;
 }
@@ -98,7 +98,7 @@ bool ReadCase(const Arguments& arguments, Case& golden) {
             golden.command.push_back(word);
         }
     }
-    return golden.tolerance.size() == 3 && !golden.extension.empty();
+    return golden.tolerance.size() == 4 && !golden.extension.empty();
 }
 
 /// Draws the case again with the other module; 0 when no pixel differs. Files are not compared: some tell the time.
@@ -133,6 +133,9 @@ int RunCase(const Arguments& arguments) {
     if (arguments.renderer == "gl") {
         const Outcome info = Run(arguments, {"info"});
         renderer = InfoLine(info.text, "Renderer");
+        if (InfoLine(info.text, "Drawn by").find("hardware") != std::string::npos) {
+            golden.tolerance["percent"] = golden.tolerance["hardware-percent"];
+        }
         if (info.code == 0 && renderer == "NULL") {
             std::cout << "skipped: no OpenGL driver, the effect's GPU rows read NULL\n";
             return kSkipped;

@@ -12,7 +12,9 @@ namespace umbrant::effect {
 
 void ShadowTest::SetUp() {
     GLContextTest::SetUp();
-    if (!IsSkipped()) host_.global->context = context_;
+    if (IsSkipped()) return;
+    host_.global->context = context_;
+    filterError_ = FilterError();
 }
 
 void ShadowTest::TearDown() {

@@ -39,6 +39,7 @@ class ShadowScene {
 
     bool mayBeTooSmall_ = false;  ///< whether a render may say that the layer is too small for an inner shadow
     int depth_ = 8;
+    double filterError_ = 0;  ///< of the driver that draws, see FilterError()
     RenderHost host_;
     std::unique_ptr<TestWorld> input_;
     std::unique_ptr<TestWorld> output_;

@@ -19,5 +19,10 @@ class GLContextTest : public ::testing::Test {
     CGLContextObj context_ = nullptr;
 };
 
+/// How far the weights of the driver's linear filter lie from the exact ones at most, measured with the current
+/// context. OpenGL leaves their precision to the driver: the software renderer computes in float, hardware has some 8
+/// bits.
+double FilterError();
+
 /// Whether a context can be made on this machine; `reason` says why not.
 bool GLAvailable(const char** reason);

@@ -215,8 +215,9 @@ TEST_F(Endurance, TwoHundredFramesLeaveEverythingAsItWas) {
         EXPECT_EQ(Counted(), warm);
         EXPECT_EQ(session_->Open(), openBefore) << session_->Open().Text();
         EXPECT_THAT(session_->Misbehaviour(), IsEmpty());
-        // One output world of these frames kept each time would make about 30 MiB.
-        constexpr long kAllowedGrowth = 8L << 20;
+        // One output world of these frames kept each time would make about 30 MiB. Drivers of hardware fill their own
+        // stores meanwhile: some 12 MiB, and no more in the next thousands of frames.
+        constexpr long kAllowedGrowth = 20L << 20;
         if (!kIsSanitized) {
             EXPECT_LT(ResidentBytes() - residentBefore, kAllowedGrowth);
         }
