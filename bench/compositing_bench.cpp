@@ -38,10 +38,10 @@ World RandomWorld(Depth depth, unsigned seed) {
                 world.Row(y)[i] = static_cast<std::byte>(bits);
             } else if (depth == Depth::k16) {
                 const auto value = static_cast<A_u_short>(bits * PF_MAX_CHAN16 / PF_MAX_CHAN8);
-                std::memcpy(world.Row(y) + 2 * i, &value, sizeof(value));
+                std::memcpy(world.Row(y) + std::ptrdiff_t{2} * i, &value, sizeof(value));
             } else {
                 const float value = static_cast<float>(bits) / 255.0f;
-                std::memcpy(world.Row(y) + 4 * i, &value, sizeof(value));
+                std::memcpy(world.Row(y) + std::ptrdiff_t{4} * i, &value, sizeof(value));
             }
         }
     }

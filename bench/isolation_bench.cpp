@@ -43,7 +43,7 @@ World Layer(Depth depth) {
     for (int y = 270; y < 810; ++y) {
         for (int x = 480; x < 1440; ++x) {
             for (int channel = 0; channel < 4; ++channel) {
-                std::byte* at = world.Row(y) + x * pixel + channel * pixel / 4;
+                std::byte* at = world.Row(y) + std::ptrdiff_t{x} * pixel + channel * pixel / 4;
                 if (depth == Depth::k8) {
                     *at = std::byte{255};
                 } else {

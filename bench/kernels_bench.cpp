@@ -119,7 +119,7 @@ inline __attribute__((always_inline)) void MultiplyAdd(float* result) {
     factor += *result;  // unknown to the compiler
     for (int turn = 0; turn < kTurns; ++turn) {
 #pragma GCC unroll 10
-        for (int chain = 0; chain < kChains; ++chain) sums[chain] = sums[chain] * factor + factor;
+        for (Vector& sum : sums) sum = sum * factor + factor;
     }
     Vector all = {};
     for (const Vector& sum : sums) all += sum;

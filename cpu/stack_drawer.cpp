@@ -179,7 +179,7 @@ void StackDrawer::Memory::PlaceRows(const Slot& slot, const float* rows, Range h
     const int columns = slot.columns.Size();
     const Stretch stretch(copy.y);
     const CpuKernels& kernels = CurrentKernels();
-    float* mixed = worker.row.Reserve(static_cast<size_t>(slot.pitch) + 2 * kSlack) + 1;
+    float* mixed = worker.row.Reserve(static_cast<size_t>(slot.pitch) + size_t{2} * kSlack) + 1;
     const float* nothing = worker.zeroes.Reserve(static_cast<size_t>(slot.pitch) + kSlack);
     const auto rowOf = [&](int64_t row) {
         const int index = EdgeIndex(row, copy.y.texels, Edge::kMirror);

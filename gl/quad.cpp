@@ -10,7 +10,7 @@ using namespace umbrant::effect;
 namespace {
 
 constexpr GLsizei kStride = kQuadVertexFloats * sizeof(float);
-constexpr GLsizeiptr kQuadBytes = kQuadVertices * kStride;
+constexpr GLsizeiptr kQuadBytes = GLsizeiptr{kQuadVertices} * kStride;
 static_assert(kQuadBytes == 80);
 
 const void* ByteOffset(size_t bytes) {

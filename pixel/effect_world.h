@@ -12,7 +12,7 @@
 class HV_EffectWorld {
  public:
     /// Asks the host for the pixel format of `like`; allocates no pixels. Throws 13 when "PF World Suite" is missing.
-    HV_EffectWorld(PF_InData* in_data, PF_LayerDef like);
+    HV_EffectWorld(PF_InData* inData, PF_LayerDef like);
     /// Disposes of the world if there is one. A missing suite ends the program here: nothing may leave a destructor.
     ~HV_EffectWorld();
     HV_EffectWorld(const HV_EffectWorld&) = delete;

@@ -18,6 +18,7 @@ struct TextPlace {
     int line = 1;
     int column = 1;
     bool operator==(const TextPlace&) const = default;
+    // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the 0 that this compares with for a pointer
     auto operator<=>(const TextPlace&) const = default;
 };
 

@@ -60,10 +60,10 @@ constexpr FlagName kUiFlags[] = {
 std::vector<std::string> FlagNames(const ParamRow& row) {
     std::vector<std::string> names;
     for (const FlagName& flag : kFlags) {
-        if (row.def.flags & flag.bit) names.push_back(flag.name);
+        if (row.def.flags & flag.bit) names.emplace_back(flag.name);
     }
     for (const FlagName& flag : kUiFlags) {
-        if (row.def.ui_flags & flag.bit) names.push_back(flag.name);
+        if (row.def.ui_flags & flag.bit) names.emplace_back(flag.name);
     }
     return names;
 }

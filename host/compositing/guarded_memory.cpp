@@ -124,7 +124,7 @@ void GuardedBytes::Free() {
         std::free(data_);
     } else {
         // The addresses stay reserved and guarded, so that a late access is detected.
-        mmap(pages_, pagesSize_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_FIXED, -1, 0);
+        (void)mmap(pages_, pagesSize_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_FIXED, -1, 0);
     }
     data_ = pages_ = nullptr;
     recycled_ = 0;

@@ -28,7 +28,7 @@ struct GuardRules {
 };
 
 /// Set before the threads start whose memory is to follow the rules. Blocks remember the rules that they were made by.
-void SetGuardRules(const GuardRules& rules);
+void SetGuardRules(const GuardRules& wanted);
 const GuardRules& CurrentGuardRules();
 
 /// A block of bytes for effects, aligned to 16. Move-only; frees, or guards, its bytes when destroyed.

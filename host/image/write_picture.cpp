@@ -127,7 +127,7 @@ ImageLayout LayoutOf(const Format& format, const World& world, const Placement& 
     layout.height = world.Height();
     layout.channels = {"R", "G", "B"};
     if (format.form != Form::kOnWhite) {
-        layout.channels.push_back("A");
+        layout.channels.emplace_back("A");
         layout.alphaChannel = 3;
     }
     if (options.metadata) AddMetadata(*options.metadata, layout);

@@ -10,7 +10,7 @@
 
 namespace umbrant::host {
 
-ImageLayout LayoutFrom(const OIIO::ImageSpec& layout);
+ImageLayout LayoutFrom(const OIIO::ImageSpec& from);
 OIIO::ImageSpec SpecOf(const ImageToWrite& image);
 
 }  // namespace umbrant::host

@@ -27,34 +27,34 @@ struct ModuleStatus {
 static_assert(std::atomic<int>::is_always_lock_free && std::atomic<std::int64_t>::is_always_lock_free);
 
 nlohmann::json FailureJson(const Failure& failure);
-Failure ReadFailure(const nlohmann::json& json);
+Failure ReadFailure(const nlohmann::json& object);
 
 nlohmann::json RegistrationJson(const Registration& effect);
-Registration RegistrationOf(const nlohmann::json& json);
+Registration RegistrationOf(const nlohmann::json& object);
 
 /// The declaration alone; its values are those of a new instance.
 nlohmann::json DeclarationJson(const ParamSet& params);
 /// The set that was declared.
-ParamSet DeclarationOf(const nlohmann::json& json);
+ParamSet DeclarationOf(const nlohmann::json& object);
 
 /// The values of rows that have one.
 nlohmann::json ValuesJson(const ParamSet& params);
 /// Sets them in a set of the same declaration; those of another one are left out.
-void SetValues(const nlohmann::json& json, ParamSet& params);
+void SetValues(const nlohmann::json& object, ParamSet& params);
 
 nlohmann::json PanelJson(const std::vector<PanelRow>& rows);
-std::vector<PanelRow> PanelOf(const nlohmann::json& json);
+std::vector<PanelRow> PanelOf(const nlohmann::json& object);
 
 nlohmann::json CommandsJson(const std::vector<CommandRecord>& commands);
-std::vector<CommandRecord> CommandsOf(const nlohmann::json& json);
+std::vector<CommandRecord> CommandsOf(const nlohmann::json& object);
 
 /// Everything of a session's options that is not a function or a log.
 nlohmann::json OptionsJson(const SessionOptions& options);
-SessionOptions OptionsOf(const nlohmann::json& json);
+SessionOptions OptionsOf(const nlohmann::json& object);
 
 /// Everything of a request that is neither a world nor a function nor the values.
 nlohmann::json RequestJson(const FrameRequest& request);
-FrameRequest RequestOf(const nlohmann::json& json);
+FrameRequest RequestOf(const nlohmann::json& object);
 
 /// The size, depth and block of a world; pixels travel in shared memory. `block` is 0 for an empty world.
 struct WorldFacts {

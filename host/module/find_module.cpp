@@ -52,7 +52,7 @@ class Folders {
 std::filesystem::path ModuleIn(const std::filesystem::path& folder) {
     for (const char* file : kModuleFiles) {
         std::error_code error;
-        const std::filesystem::path candidate = folder / file;
+        std::filesystem::path candidate = folder / file;
         if (std::filesystem::is_regular_file(candidate, error)) return candidate;
     }
     return {};

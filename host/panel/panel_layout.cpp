@@ -22,7 +22,7 @@ struct OpenGroup {
 };
 
 std::string Number(double value, int precision, PF_ValueDisplayFlags flags) {
-    const std::string digits = fmt::format("{:.{}f}", value, std::clamp(precision, 0, 9));
+    std::string digits = fmt::format("{:.{}f}", value, std::clamp(precision, 0, 9));
     if (flags & PF_ValueDisplayFlag_PERCENT) return digits + "%";
     if (flags & PF_ValueDisplayFlag_PIXEL) return digits + " px";
     return digits;

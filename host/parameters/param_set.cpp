@@ -173,7 +173,7 @@ Result<int> ParamSet::Find(std::string_view path) const {
                                                       fmt::join(found, ", "))};
     }
     std::vector<std::string> near = Nearest(path, names, kSuggestions);
-    for (std::string& name : near) name = "'" + name + "'";
+    for (std::string& name : near) name = fmt::format("'{}'", name);
     return Failure{
         ErrorKind::kUsage,
         names.empty() ? fmt::format("there is no parameter '{}'; the effect has no named parameters", EchoText(path))

@@ -21,7 +21,7 @@ std::string ColorText(const PF_Pixel& color) {
 
 std::string PopupText(const ParamRow& row, A_long value) {
     if (value >= 1 && value <= static_cast<A_long>(row.items.size())) {
-        const std::string form = ItemForm(row.items[static_cast<std::size_t>(value) - 1]);
+        std::string form = ItemForm(row.items[static_cast<std::size_t>(value) - 1]);
         if (!form.empty()) return form;
     }
     return std::to_string(value);

@@ -4,11 +4,11 @@
 #include "host/process/running_children.h"
 
 #include <sys/wait.h>
-#include <time.h>
 
 #include <array>
 #include <atomic>
 #include <csignal>
+#include <ctime>
 #include <utility>
 
 #include "host/process/interruption.h"

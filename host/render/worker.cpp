@@ -205,8 +205,9 @@ int FrameShownAt(const FramePlan& plan, const Moment& moment) {
     // Whole numbers, as a rounded quotient could show the frame before: 32 bits times no more than 20, and 32 times 17.
     const std::int64_t above = std::int64_t{moment.value} * plan.rate.scale;
     const std::int64_t below = std::int64_t{moment.scale} * plan.rate.step;
+    constexpr std::int64_t kFarthest = std::int64_t{2} * kFarthestFrame;
     const std::int64_t since = above / below - (above % below < 0 ? 1 : 0);
-    return static_cast<int>(std::clamp<std::int64_t>(plan.zeroFrame + since, -2 * kFarthestFrame, 2 * kFarthestFrame));
+    return static_cast<int>(std::clamp<std::int64_t>(plan.zeroFrame + since, -kFarthest, kFarthest));
 }
 
 FrameRequest RequestFor(const FrameJob& job, const PlannedFrame& frame, const FrameLayers& layers,

@@ -197,7 +197,7 @@ std::optional<Failure> RunPass(SessionState& state, const FrameRequest& request,
 
 }  // namespace
 
-LayersSeen::LayersSeen(MomentLayers shown, const FrameRequest& request) : pictures(std::move(shown)) {
+LayersSeen::LayersSeen(MomentLayers shown, const FrameRequest& request) : pictures(shown) {
     const World& layer = *pictures.layer;
     geometry = {pictures.layerWidth ? pictures.layerWidth : layer.Width(),
                 pictures.layerHeight ? pictures.layerHeight : layer.Height(), request.downsampleX, request.downsampleY};

@@ -42,7 +42,7 @@ const LayersSeen* FrameRecord::LayersAt(const Moment& moment) {
         if (!failure) failure = found.error();
         return nullptr;
     }
-    other->layers = LayersSeen(std::move(*found), request);
+    other->layers = LayersSeen(*found, request);
     return &*other->layers;
 }
 

@@ -138,8 +138,8 @@ PF_Err FaultOf(std::string_view call);
 /// a right one without touching it.
 class EffectRef {
  public:
-    /// `frame` is null outside of frames.
-    EffectRef(Services* services, FrameRecord* frame);
+    /// `record` is null outside of frames.
+    EffectRef(Services* owner, FrameRecord* record);
     ~EffectRef();
     EffectRef(const EffectRef&) = delete;
     EffectRef& operator=(const EffectRef&) = delete;

@@ -34,7 +34,7 @@ const CompletionOption* FindOption(const CompletionNode& node, std::string_view 
 
 /// How much of a word is the option before its value, as in "--canvas=grow" and "-oshadow.png"; 0 for another word.
 std::size_t JoinedLength(std::string_view word) {
-    if (word.starts_with("--")) return word.find('=') == word.npos ? 0 : word.find('=') + 1;
+    if (word.starts_with("--")) return word.find('=') == std::string_view::npos ? 0 : word.find('=') + 1;
     return word.starts_with('-') && word.size() > 2 ? 2 : 0;
 }
 
@@ -83,7 +83,7 @@ CompletionAnswer Words(std::string prefix, const std::vector<std::string>& texts
 
 CompletionAnswer Settings(std::string prefix, std::string_view text, const std::vector<CompletionRow>& rows) {
     const std::size_t equals = text.find('=');
-    if (equals != text.npos) {
+    if (equals != std::string_view::npos) {
         prefix += text.substr(0, equals + 1);
         for (const CompletionRow& row : rows) {
             if (row.path == text.substr(0, equals)) return Words(std::move(prefix), row.values);

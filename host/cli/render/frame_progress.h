@@ -50,8 +50,8 @@ class FrameProgress : public FrameWatcher {
     };
     void TellStart(const std::optional<CanvasFacts>& canvas);
     void TellReady();
-    void TellFrame(std::size_t frame);
-    std::vector<std::string> NotesOf(std::size_t frame);
+    void TellFrame(std::size_t index);
+    std::vector<std::string> NotesOf(std::size_t index);
     void TellCurrent();
     std::string CurrentText() const;
     void Print(const std::string& line);

@@ -122,7 +122,7 @@ Result<bool> MeansSequence(const RenderOptions& options) {
     TRY(CheckClipOptions(options));
     if (IsClipName(options.input) || IsClipName(options.texture)) return true;
     const auto request = TRY(SequenceRequest(options));
-    const auto many = MeansSequence(request);
+    auto many = MeansSequence(request);
     if (many && !*many && IsClipName(options.output)) {
         return Failure{ErrorKind::kUsage,
                        fmt::format("'{}' is a clip, but '{}' is a single image; choose the frames to "

@@ -109,6 +109,7 @@ class ExrWriter {
                   [&](std::size_t a, std::size_t b) { return layout.channels[a] < layout.channels[b]; });
 
         struct Thread {
+            explicit Thread(exr_compression_t compression) : writer(compression) {}
             ExrBlockWriter writer;
             std::vector<float> values;
             std::vector<std::byte> bytes;
@@ -123,7 +124,7 @@ class ExrWriter {
             packed.assign(static_cast<std::size_t>(count), {});
             RunRows(count, [&](int index, int number) {
                 auto& thread = threads[static_cast<std::size_t>(number)];
-                if (!thread) thread.reset(new Thread{ExrBlockWriter(compression_), {}, {}});
+                if (!thread) thread = std::make_unique<Thread>(compression_);
                 const int begin = (first + index) * rowsPerBlock_;
                 Pack(begin, std::min(begin + rowsPerBlock_, layout.height), thread->values, thread->bytes);
                 packed[static_cast<std::size_t>(index)] = thread->writer.Packed(thread->bytes);

@@ -193,9 +193,8 @@ void PngReader::TakeLayout() {
 void PngReader::TakeColorSpace() {
     int intent = 0;
     double gamma = 0;
-    if (png_get_sRGB(png_, info_, &intent)) {
-        layout_.SetText("oiio:ColorSpace", "sRGB");
-    } else if (png_get_gAMA(png_, info_, &gamma) && gamma > 0) {
+    const bool isTagged = png_get_sRGB(png_, info_, &intent) != 0;
+    if (!isTagged && png_get_gAMA(png_, info_, &gamma) && gamma > 0) {
         const auto inverse = static_cast<float>(std::round(100.0 / gamma) / 100.0);
         layout_.SetReal("oiio:Gamma", inverse);
         layout_.SetText("oiio:ColorSpace", inverse == 1.0f ? "linear" : fmt::format("Gamma{:.2g}", inverse));

@@ -39,6 +39,7 @@ class FrameNumber {
         text += fmt::format(".{:04d}", size % kParts);
         return text.substr(0, text.find_last_not_of('0') + 1);
     }
+    // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the 0 that this compares with for a pointer
     constexpr auto operator<=>(const FrameNumber&) const = default;
 
  private:

@@ -49,9 +49,10 @@ std::optional<std::int64_t> TakeParts(std::string_view& text) {
     std::int64_t decimals = 0;
     if (text.size() > 1 && text[0] == '.' && std::isdigit(static_cast<unsigned char>(text[1]))) {
         text.remove_prefix(1);
-        for (int unit = FrameNumber::kParts; !text.empty() && std::isdigit(static_cast<unsigned char>(text[0]));) {
+        for (std::int64_t unit = FrameNumber::kParts;
+             !text.empty() && std::isdigit(static_cast<unsigned char>(text[0]));) {
             if (text[0] != '0' && unit == 1) return std::nullopt;
-            unit = std::max(unit / 10, 1);
+            unit = std::max<std::int64_t>(unit / 10, 1);
             decimals += (text[0] - '0') * unit;
             text.remove_prefix(1);
         }

@@ -6,6 +6,7 @@
 // host is the one that `umbrant render` uses; only accounting is on.
 
 #include <cstdint>
+#include <cstring>
 #include <functional>
 #include <optional>
 #include <string>
@@ -23,6 +24,13 @@ namespace umbrant::host {
 World TestPicture(int width, int height, Depth depth);
 /// The pixels, paddings left out, as one number (FNV-1a).
 std::uint64_t DigestOf(const World& world);
+/// Whether two records are the same to the byte, their padding and unused members too: an effect may write none of
+/// them.
+template <class Record>
+bool SameBytes(const Record& a, const Record& b) {
+    return std::memcmp(static_cast<const void*>(&a), static_cast<const void*>(&b), sizeof(Record)) == 0;
+}
+
 /// Whether size and pixels are the same, paddings left out.
 bool SamePixels(const World& a, const World& b);
 /// The largest difference between two channels, full scale being 1; 1 for worlds of different sizes or depths. Float

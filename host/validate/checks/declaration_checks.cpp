@@ -147,7 +147,7 @@ AboutAnswer AskAbout(CheckRun& run, A_AppID host, bool pattern) {
         answer.ended = end != nullptr;
         answer.message.assign(text, end ? end : text + sizeof(sent.out->return_msg));
         answer.overran = sent.out->start_sampL != before.start_sampL || sent.out->dur_sampL != before.dur_sampL ||
-                         std::memcmp(&sent.out->dest_snd, &before.dest_snd, sizeof(before.dest_snd)) != 0;
+                         !SameBytes(sent.out->dest_snd, before.dest_snd);
     };
     CheckFixture fixture(run, options);
     fixture.Session().Send(PF_Cmd_ABOUT, nullptr, nullptr, nullptr);
@@ -232,7 +232,7 @@ void IgnoresUnknownCommands(CheckRun& run) {
         const std::string name = fmt::format("command {} ({})", command, CommandName(command));
         if (record.error) run.Fail(fmt::format("{} is answered with {}", name, ErrorName(record.error)));
         const bool isFrame = command == PF_Cmd_FRAME_SETUP || command == PF_Cmd_FRAME_SETDOWN;
-        if (!isFrame && std::memcmp(&before, &after, sizeof(before)) != 0) {
+        if (!isFrame && !SameBytes(before, after)) {
             run.Fail(fmt::format("{} changes the out data", name));
         }
         if (DigestOf(world) != pixels) run.Fail(fmt::format("{} changes the output world", name));

@@ -146,7 +146,7 @@ void LeavesInputsAlone(CheckRun& run) {
                 for (std::size_t i = 0; i < before.size(); ++i) {
                     const PF_ParamDef& now = *sent.params[i];
                     if (now.uu.change_flags & PF_ChangeFlag_CHANGED_VALUE) continue;
-                    if (std::memcmp(&now, &before[i], sizeof(now)) != 0) {
+                    if (!SameBytes(now, before[i])) {
                         inside.Fail(fmt::format("command {} writes row #{} of the host's array", sent.command, i));
                     }
                 }

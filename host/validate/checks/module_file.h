@@ -26,7 +26,7 @@ struct ModuleFile {
     bool isElf = false;  ///< false: another kind of file, of which nothing is known
 
     /// Nothing when the file cannot be read.
-    static std::optional<ModuleFile> Read(const std::filesystem::path& file);
+    static std::optional<ModuleFile> Read(const std::filesystem::path& path);
 };
 
 /// A stretch of a loaded module's writable data.

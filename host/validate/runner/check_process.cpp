@@ -174,7 +174,7 @@ Child StartCopy(std::vector<std::string> arguments, const std::vector<std::strin
     start.program = unknown ? link.string() : program.string();
     start.name = "umbrant";
     start.arguments = std::move(arguments);
-    start.arguments.push_back("--result-fd");
+    start.arguments.emplace_back("--result-fd");
     start.arguments.push_back(std::to_string(kPassedDescriptor));
     start.environment = environment;
     start.input = Stream::Inherited();

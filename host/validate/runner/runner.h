@@ -42,7 +42,7 @@ Totals TotalsOf(const std::vector<CheckOutcome>& outcomes);
 Result<std::vector<const Check*>> ChosenChecks(const RunnerOptions& options);
 
 /// Runs them and prints the report with `print`, line by line as far as the format allows.
-Result<std::vector<CheckOutcome>> RunChecks(const RunnerOptions& options, void (*print)(const std::string&));
+Result<std::vector<CheckOutcome>> RunChecks(const RunnerOptions& asked, void (*print)(const std::string&));
 
 /// The child's side: runs one check and sends its result.
 Result<Done> RunOneCheck(const std::string& id, const CheckRunOptions& options, int resultDescriptor);

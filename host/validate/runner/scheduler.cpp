@@ -32,10 +32,10 @@ std::vector<std::string> ChildEnvironment(const Check& check, const CheckRunOpti
     const bool aboutGl = check.needs == Needs::kOpenGl || check.needs == Needs::kShim;
     const char* asked = std::getenv("UMBRANT_RENDERER");
     if (options.softwareGl && !aboutGl && (!asked || !*asked)) {
-        environment.push_back("UMBRANT_RENDERER=cpu");
+        environment.emplace_back("UMBRANT_RENDERER=cpu");
     }
     if (check.needs == Needs::kStrictHeap) {
-        environment.push_back("GLIBC_TUNABLES=glibc.malloc.tcache_count=0:glibc.malloc.mxfast=0");
+        environment.emplace_back("GLIBC_TUNABLES=glibc.malloc.tcache_count=0:glibc.malloc.mxfast=0");
     }
     if (SanitizerRuntime()) {
         // The race checker ends a fork's child that starts threads, unless an option prevents it.
@@ -54,7 +54,7 @@ std::vector<std::string> ChildArguments(const std::string& id, const CheckRunOpt
                                        "--seed",         std::to_string(options.seed),
                                        "--timeout-ms",   std::to_string(options.timeoutMilliseconds),
                                        "--soak-seconds", std::to_string(options.soakSeconds)};
-    if (options.softwareGl) arguments.push_back("--software-gl");
+    if (options.softwareGl) arguments.emplace_back("--software-gl");
     if (options.fault) arguments.insert(arguments.end(), {"--fault", options.fault->Text()});
     if (!options.trace.empty()) arguments.insert(arguments.end(), {"--trace", options.trace.string()});
     return arguments;

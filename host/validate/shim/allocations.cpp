@@ -70,19 +70,19 @@ SHIM_EXPORT void* malloc(std::size_t size) {
     }
     return __libc_malloc(size);
 }
-SHIM_EXPORT void* calloc(std::size_t count, std::size_t size) {
+SHIM_EXPORT void* calloc(std::size_t nmemb, std::size_t size) {
     if (Fails(CALLER)) {
         errno = ENOMEM;
         return nullptr;
     }
-    return __libc_calloc(count, size);
+    return __libc_calloc(nmemb, size);
 }
-SHIM_EXPORT void* realloc(void* block, std::size_t size) {
+SHIM_EXPORT void* realloc(void* ptr, std::size_t size) {
     if (size > 0 && Fails(CALLER)) {
         errno = ENOMEM;
         return nullptr;
     }
-    return __libc_realloc(block, size);
+    return __libc_realloc(ptr, size);
 }
 
 #define SHIM_NEW __attribute__((visibility("default")))

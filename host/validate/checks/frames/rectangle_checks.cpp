@@ -127,7 +127,7 @@ void FollowsDownsampling(CheckRun& run) {
         const auto full = draw({1, 1}, {1, 1});
         const auto middle = full ? MiddleOf(*full, 1, 1) : std::nullopt;
         std::vector<std::pair<std::pair<int, int>, std::pair<int, int>>> pairs{{{1, 2}, {1, 1}}, {{1, 1}, {1, 4}}};
-        for (const auto& scale : kScales) pairs.push_back({scale, scale});
+        for (const auto& scale : kScales) pairs.emplace_back(scale, scale);
         for (const auto& [x, y] : pairs) {
             const auto frame = draw(x, y);
             if (!frame || !middle) continue;
