@@ -5,6 +5,8 @@
 // The operators of the transfer modes: how a source pixel and a destination pixel become one, for a blend function or
 // for a rule about alpha. Part of the row loops: compiled once for each pixel type.
 
+#include <type_traits>
+
 #include "host/compositing/transfer/blend_functions.h"
 
 namespace umbrant::host {
@@ -45,11 +47,16 @@ inline float Share(float part, float whole) {
 /// The default properties of operators.
 struct WritesColour {
     static constexpr bool kKeepsColour = false;
+    /// A source without alpha leaves the destination as it is.
+    static constexpr bool kSkipsTransparent = true;
+    /// An opaque source at full opacity replaces the destination.
+    static constexpr bool kCopiesOpaque = false;
 };
 
 /// Source over destination with the blend function B.
 template <typename B>
 struct Over : WritesColour {
+    static constexpr bool kCopiesOpaque = std::is_same_v<B, blend::Source>;
     template <int Scale>
     static Outcome All(const Meeting& m) {
         const float alpha = m.a + m.destinationAlpha - m.a * m.destinationAlpha;
@@ -77,6 +84,7 @@ struct Behind : WritesColour {
 
 /// The source replaces the destination as far as the opacity goes. Intended: the mask has no part in it.
 struct Copy : WritesColour {
+    static constexpr bool kSkipsTransparent = false;
     template <int>
     static Outcome All(const Meeting& m) {
         const float put = m.sourceAlpha * m.opacity;
@@ -120,6 +128,8 @@ struct AlphaAdd : WritesColour {
 template <bool Luminance, bool Inverted>
 struct ScaleAlpha {
     static constexpr bool kKeepsColour = true;
+    static constexpr bool kSkipsTransparent = false;
+    static constexpr bool kCopiesOpaque = false;
     template <int>
     static Outcome All(const Meeting& m) {
         const float shape = Luminance ? m.sourceAlpha * Luma(m.s) : m.sourceAlpha;

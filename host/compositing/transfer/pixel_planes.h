@@ -51,6 +51,56 @@ auto ToChannel(float value) {
     }
 }
 
+enum class Coverage { kMixed, kNone, kFull };
+
+/// Whether no pixel of a block has any alpha, or each has exactly all of it.
+template <typename Pixel>
+Coverage CoverageOf(const Pixel* pixels) {
+    constexpr auto kFull = static_cast<decltype(Pixel::alpha)>(kScale<Pixel> == 0 ? 1 : kScale<Pixel>);
+    bool none = pixels[0].alpha == 0;
+    bool full = pixels[0].alpha == kFull;
+    if (!none && !full) return Coverage::kMixed;
+    for (int i = 1; i < kBlock; ++i) {
+        none &= pixels[i].alpha == 0;
+        full &= pixels[i].alpha == kFull;
+    }
+    return none ? Coverage::kNone : full ? Coverage::kFull : Coverage::kMixed;
+}
+
+template <>
+inline Coverage CoverageOf<PF_Pixel>(const PF_Pixel* pixels) {
+    std::uint32_t raw[kBlock];
+    std::memcpy(raw, pixels, sizeof(raw));
+    std::uint32_t any = 0;
+    std::uint32_t all = ~0u;
+    for (const std::uint32_t pixel : raw) {
+        any |= pixel;
+        all &= pixel;
+    }
+    return (any & 255u) == 0 ? Coverage::kNone : (all & 255u) == 255u ? Coverage::kFull : Coverage::kMixed;
+}
+
+/// Whether the arithmetic gives a block back to the byte when it adds nothing. It limits channels of 16 bits to full
+/// scale. Of float alphas it clears the sign of 0, makes NaN of infinity, and in one mode limits them to 1; float
+/// colours it keeps.
+inline bool IsKept(const PF_Pixel*) {
+    return true;
+}
+inline bool IsKept(const PF_Pixel16* pixels) {
+    A_u_short raw[4 * kBlock];
+    std::memcpy(raw, pixels, sizeof(raw));
+    bool kept = true;
+    for (const A_u_short channel : raw) kept &= channel <= kScale<PF_Pixel16>;
+    return kept;
+}
+inline bool IsKept(const PF_PixelFloat* pixels) {
+    constexpr auto kOne = std::bit_cast<std::uint32_t>(1.0f);
+    bool kept = true;
+    // Negative numbers, -0 too, are above all others as whole numbers.
+    for (int i = 0; i < kBlock; ++i) kept &= std::bit_cast<std::uint32_t>(pixels[i].alpha) <= kOne;
+    return kept;
+}
+
 template <typename Pixel>
 void Load(const Pixel* pixels, Planes& planes) {
     decltype(Pixel::alpha) raw[4 * kBlock];
