@@ -72,4 +72,4 @@ enum ParamIndex {
 };
 
 static_assert(PARAM_TEXTURE_LAYER == 39, "the texture layer's index is also its checkout id");
-static_assert(PARAM_NUM_PARAMS == 61, "the count that the host is told");
+static_assert(PARAM_NUM_PARAMS == 61, "the count that is reported to the host");

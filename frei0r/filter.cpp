@@ -34,11 +34,11 @@ namespace {
 constexpr double kLongestTime = 24.0 * 60 * 60;
 
 /// Says something that has not been said yet.
-void Tell(const std::string& sentence) {
+void Report(const std::string& sentence) {
     static std::mutex mutex;
-    static std::set<std::string> told;
+    static std::set<std::string> reported;
     const std::lock_guard lock(mutex);
-    if (!told.insert(sentence).second) return;
+    if (!reported.insert(sentence).second) return;
     std::fputs(("umbrant_frei0r: " + sentence + "; frames pass through unchanged\n").c_str(), stderr);
 }
 
@@ -50,7 +50,7 @@ bool Try(Action action) noexcept {
         return true;
     } catch (const std::exception& problem) {
         try {
-            Tell(problem.what());
+            Report(problem.what());
         } catch (...) {
         }
     } catch (...) {

@@ -134,7 +134,7 @@ void SetProgramUniforms(GLuint program, const std::unordered_map<std::string, un
         SetUniform(location, value->second, &unit);
         if (const GLenum error = glGetError(); error != 0) {
             std::cout << "Uniform Error: " << name << ":" << location << ":" << error << std::endl;
-            // Intended: the location stands where a reader expects the value.
+            // Intended: the location is where a reader expects the value.
             std::cout << "Uni Index: " << location << "Uni Value: " << location << std::endl;
         }
         entry = unset.erase(entry);

@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// How GPU code tells the user something: the host shows `PF_OutData::return_msg`.
+// How GPU code reports something to the user: the host shows `PF_OutData::return_msg`.
 
 #include <string>
 

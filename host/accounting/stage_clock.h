@@ -33,7 +33,7 @@ enum class RenderStage { kUpload, kDraw, kReadBack, kComposite };
 class StageClock {
  public:
     StageTimes Snapshot() const;
-    /// Where the command is, judged by the calls so far and the one it is in.
+    /// Where the command is, by the calls so far and the one it is in.
     RenderStage Now() const;
 
     /// Around each call; TimedCall does both.

@@ -38,7 +38,7 @@ class PresetMistakes {
     bool IsEmpty() const { return count_ == 0; }
     /// The first of them in the order of the text, and the number of the others, as one failure with
     /// `ErrorKind::kUsage`. There is at least one.
-    Failure Told(const std::filesystem::path& file) const;
+    Failure AsFailure(const std::filesystem::path& file) const;
 
  private:
     void Insert(TextPlace place, std::string sentence);
@@ -47,10 +47,10 @@ class PresetMistakes {
     std::size_t count_ = 0;
 };
 
-/// Tells of keys that come twice.
+/// Notes keys that come twice.
 void CheckTwice(const LocatedJson& object, PresetMistakes& mistakes);
 
-/// Tells of keys that come twice, and of those that `what` ("a preset") does not have.
+/// Notes keys that come twice, and of those that `what` ("a preset") does not have.
 void CheckKeys(const LocatedJson& object, const std::vector<std::string>& known, const std::string& what,
                PresetMistakes& mistakes);
 

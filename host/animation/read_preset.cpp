@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// A preset's file read and judged as a whole.
+// A preset's file read and checked as a whole.
 
 #include <fmt/format.h>
 
@@ -196,7 +196,7 @@ void PresetMistakes::Insert(TextPlace place, std::string sentence) {
     if (list_.size() > kMostListed) list_.pop_back();
 }
 
-Failure PresetMistakes::Told(const fs::path& file) const {
+Failure PresetMistakes::AsFailure(const fs::path& file) const {
     const auto line = [](const auto& mistake) {
         return fmt::format("line {}, column {}: {}", mistake.first.line, mistake.first.column, mistake.second);
     };
@@ -254,7 +254,7 @@ Result<Done> ApplyPresetText(const std::string& text, const std::string& name, A
     } else {
         mistakes.Add(preset->place, "the file is not an object with \"version\" and \"values\"");
     }
-    if (!mistakes.IsEmpty()) return mistakes.Told(name);
+    if (!mistakes.IsEmpty()) return mistakes.AsFailure(name);
     params = std::move(changed);
     return Done{};
 }

@@ -18,7 +18,7 @@ Result<OutputFolder> OutputFolder::For(const std::string& output, bool makes) {
     OutputFolder folder;
     const fs::path wanted = fs::path(output).parent_path();
     std::error_code error;
-    // What is there, or may not be looked at, is judged when the file is about to be written.
+    // What is there, or may not be looked at, is checked when the file is about to be written.
     if (wanted.empty() || fs::status(wanted, error).type() != fs::file_type::not_found) return folder;
     if (!makes) {
         return Failure{ErrorKind::kFile, fmt::format("cannot write '{}': there is no folder '{}'; --mkdir creates it",

@@ -20,7 +20,7 @@ void PrepareProcess();
 
 /// Finds the command that the arguments name and runs it; prints what went wrong. Returns the process's exit code.
 /// `instead` is called in place of the command's run once its options were read, and gives the exit code: for a caller
-/// that only wants the arguments judged.
+/// that only wants the arguments checked.
 int RunProgram(int argc, const char* const* argv, const std::function<int(const Command&)>& instead = {});
 
 /// The same for these commands only.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// `umbrant validate`: judges any module of the effect interface.
+// `umbrant validate`: checks any module of the effect interface.
 
 #include <fmt/format.h>
 

@@ -44,9 +44,9 @@ std::string Version() {
 }
 
 struct Effect::State {
-    State(SharedInstance started, std::function<void(const std::string&)> told)
+    State(SharedInstance started, std::function<void(const std::string&)> report)
         : instance(std::move(started)),
-          message(std::move(told)),
+          message(std::move(report)),
           declared(instance.Session().Params()),
           params{declared, {}} {}
 

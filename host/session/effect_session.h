@@ -67,7 +67,7 @@ struct SessionOptions {
     /// Called around every command on the command's thread.
     std::function<void(CommandArguments&)> beforeCommand{};
     std::function<void(const CommandArguments&, PF_Err error)> afterCommand{};
-    /// Told of every world that the effect gets or gives back. Called from every thread.
+    /// Called for every world that the effect gets or gives back. Called from every thread.
     WorldWatch worldWatch{};
     /// What the effect gives back can no longer be used: suites' tables are guarded, parameter definitions overwritten.
     bool strictLending = false;
@@ -191,7 +191,7 @@ class EffectSession {
     Result<std::string> About();
     /// Lets the effect bring its panel in line with the current values; see Panel.
     Result<Done> UpdateParamsUI();
-    /// Tells the effect that the user changed, or pressed, a row.
+    /// Informs the effect that the user changed, or pressed, a row.
     Result<Done> UserChangedParam(int index);
     /// Whether the effect has asked for events of the rows that it draws itself.
     bool WantsPanelEvents() const;

@@ -115,14 +115,14 @@ double TickOf(const std::string& base) {
 Result<Done> ReadTimes(ClipFacts& facts, double tick, const std::string& codec, const FrameRate& rate) {
     // Some pictures of this codec are only there for others to be made of, and only the decoder knows which.
     const bool decoded = codec == "vp8";
-    auto told = TRY(Ask(facts, {"-select_streams", std::to_string(facts.stream), "-of", "csv=p=0", "-show_entries",
-                                decoded ? "frame=best_effort_timestamp,pkt_duration" : "packet=pts,duration,flags"}));
+    auto answer = TRY(Ask(facts, {"-select_streams", std::to_string(facts.stream), "-of", "csv=p=0", "-show_entries",
+                                  decoded ? "frame=best_effort_timestamp,pkt_duration" : "packet=pts,duration,flags"}));
     struct Shown {
         double time;
         double duration;
     };
     std::vector<Shown> shown;
-    std::istringstream lines(told);
+    std::istringstream lines(answer);
     bool timed = true;
     for (std::string line; std::getline(lines, line);) {
         std::istringstream fields(line);
@@ -238,8 +238,8 @@ Result<ClipFacts> ReadClipFacts(const std::string& path) {
     facts.path = path;
     auto demuxer = TRY(ReadDemuxer(path));
     facts.demuxer = demuxer;
-    auto told = TRY(Ask(facts, {"-of", "json", "-show_streams", "-show_format"}));
-    const Json json = Json::parse(told, nullptr, false);
+    auto answer = TRY(Ask(facts, {"-of", "json", "-show_streams", "-show_format"}));
+    const Json json = Json::parse(answer, nullptr, false);
     const auto streams = json.is_object() ? json.find("streams") : json.end();
     if (!json.is_object() || streams == json.end() || !streams->is_array()) {
         return CannotRead(path, "ffprobe did not report the streams");

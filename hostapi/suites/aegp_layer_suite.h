@@ -76,7 +76,7 @@ struct AEGP_LayerSuite7 {
                                        A_FloatRect* boundsPR);
     /// Picture or sound, light, camera, text or shape. [main]
     A_Err (*AEGP_GetLayerObjectType)(AEGP_LayerH layerH, AEGP_ObjectType* object_type);
-    /// Whether a layer stands in three dimensions. [main]
+    /// Whether a layer is three-dimensional. [main]
     A_Err (*AEGP_IsLayer3D)(AEGP_LayerH layerH, A_Boolean* is_3DPB);
     /// Whether a layer is in the plane. [main]
     A_Err (*AEGP_IsLayer2D)(AEGP_LayerH layerH, A_Boolean* is_2DPB);

@@ -26,6 +26,6 @@ struct SPBasicSuite {
     SPErr (*FreeBlock)(void* block);
     /// Grows or shrinks a block, perhaps moving it; on an error the old block is still the caller's. [any]
     SPErr (*ReallocateBlock)(void* block, size_t newSize, void** newblock);
-    /// Stands for a slot that a table does not implement; it always returns an error. [any]
+    /// Fills a slot that a table does not implement; it always returns an error. [any]
     SPErr (*Undefined)(void);
 };

@@ -30,7 +30,7 @@ struct PF_ParamUtilsSuite3 {
     /// record, only good for PF_AreStatesIdentical. [main]
     PF_Err (*PF_GetCurrentState)(PF_ProgPtr effect_ref, PF_ParamIndex param_index, const A_Time* startPT0,
                                  const A_Time* durationPT0, PF_State* stateP);
-    /// Whether two marks tell the same state. [main]
+    /// Whether two marks are of the same state. [main]
     PF_Err (*PF_AreStatesIdentical)(PF_ProgPtr effect_ref, const PF_State* state1P, const PF_State* state2P,
                                     A_Boolean* samePB);
     /// Whether checking a parameter out at two times would give the same value. Times are ticks over their scale, in

@@ -25,7 +25,7 @@ namespace {
 
 RendererChoice choice = RendererChoice::kOpenGL;
 
-// Mesa's software renderer mixes the texels of an 8-bit texture in 8 bits unless it is told not to. No other driver
+// Mesa's software renderer mixes the texels of an 8-bit texture in 8 bits by default. No other driver
 // does, so the processor does not follow it there. Set before any driver is loaded.
 const int exactMixing = setenv("GALLIVM_PERF", "no_aos_sampling", 1);
 

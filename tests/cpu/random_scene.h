@@ -10,7 +10,7 @@
 
 namespace umbrant::effect {
 
-/// One render, told by its number alone.
+/// One render, defined by its number alone.
 struct RandomScene {
     int type = 0;
     int depth = 8;

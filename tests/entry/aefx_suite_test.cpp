@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// The one-suite functions, the drawing bundle and the scoped holder: messages to the byte, balances on every road.
+// The one-suite functions, the drawing bundle and the scoped holder: messages to the byte, balances on every path.
 
 #include "entry/suites/aefx_suite.h"
 

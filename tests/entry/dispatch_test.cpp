@@ -21,7 +21,7 @@ namespace umbrant::effect {
 
 namespace {
 
-// A pre-render or render begins by checking out parameters, so this callback stands for whatever goes on inside.
+// A pre-render or render begins by checking out parameters, so this callback represents everything inside.
 std::function<PF_Err()> insideTheCommand;
 PF_Err CheckoutParam(PF_ProgPtr, PF_ParamIndex, A_long, A_long, A_u_long, PF_ParamDef*) {
     return insideTheCommand();

@@ -358,7 +358,7 @@ TEST_F(ParamsSetupTest, TheFirstErrorEndsTheSetup) {
         seen.error = 4000 + k;
         EXPECT_EQ(Declare(), 4000 + k);
         EXPECT_EQ(seen.added.size(), static_cast<size_t>(k)) << "nothing more is added";
-        EXPECT_EQ(host.outData.num_params, -7) << "the count is not told";
+        EXPECT_EQ(host.outData.num_params, -7) << "the count is not set";
         EXPECT_EQ(seen.registered.size(), k > 2 ? 1u : 0u);
     }
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// What the host is told when it scans the module.
+// What the host receives when it scans the module.
 
 #include <gtest/gtest.h>
 
@@ -43,16 +43,16 @@ TEST(Registration, TellsTheHostOnceAndReturnsItsAnswer) {
         const auto ptr = reinterpret_cast<PF_PluginDataPtr>(0x77);
         EXPECT_EQ(PluginDataEntryFunction(ptr, Record, nullptr, nullptr, nullptr), wanted);
         ASSERT_EQ(registrations.size(), 1u);
-        const Registration& told = registrations[0];
-        EXPECT_EQ(told.ptr, ptr);
-        EXPECT_EQ(told.name, "Umbrant 2");
-        EXPECT_EQ(told.matchName, "KAUM2");
-        EXPECT_EQ(told.category, "Halvane");
-        EXPECT_EQ(told.entryPoint, "EffectMain");
-        EXPECT_EQ(told.kind, 0x65464B54) << "'eFKT'";
-        EXPECT_EQ(told.major, 13);
-        EXPECT_EQ(told.minor, 28);
-        EXPECT_EQ(told.reserved, 8);
+        const Registration& registered = registrations[0];
+        EXPECT_EQ(registered.ptr, ptr);
+        EXPECT_EQ(registered.name, "Umbrant 2");
+        EXPECT_EQ(registered.matchName, "KAUM2");
+        EXPECT_EQ(registered.category, "Halvane");
+        EXPECT_EQ(registered.entryPoint, "EffectMain");
+        EXPECT_EQ(registered.kind, 0x65464B54) << "'eFKT'";
+        EXPECT_EQ(registered.major, 13);
+        EXPECT_EQ(registered.minor, 28);
+        EXPECT_EQ(registered.reserved, 8);
     }
 }
 

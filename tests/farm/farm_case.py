@@ -44,7 +44,7 @@ class FarmCase(unittest.TestCase):
         return self.frames("one")
 
     def tool(self, text):
-        """A script that stands in for the program on the farm's machines."""
+        """A script that replaces the program on the farm's machines."""
         file = self.folder / "tool"
         file.write_text(f"#!/bin/bash\n{text}\n")
         file.chmod(0o755)

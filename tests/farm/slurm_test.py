@@ -36,7 +36,7 @@ class Slurm(FarmCase):
         self.addCleanup(job.stdout.close)
         return job
 
-    def tell(self, text):
+    def report(self, text):
         if SOAK:
             print(f"{time.monotonic() - self.begin:6.1f} s  {text}", flush=True)
 
@@ -91,10 +91,10 @@ class Slurm(FarmCase):
         self.farm.until(middle, 300, "the second worker is never in the middle of a task")
         self.farm.fell("n2")
         task = state["task"]
-        self.tell(f"worker n2 is killed within task {task}; {len(drawn())} frames exist")
+        self.report(f"worker n2 is killed within task {task}; {len(drawn())} frames exist")
         self.farm.until(lambda: "n2 down" in self.farm.ask("sinfo", "--noheader", "--Node", "--format=%N %T"), 120,
                         "the death of the worker goes unnoticed")
-        self.tell(f"Slurm marks worker n2 as down; {len(drawn())} frames exist")
+        self.report(f"Slurm marks worker n2 as down; {len(drawn())} frames exist")
         seen = set()
         requeued = f"title-1_{task}.log"
         while job.poll() is None:
@@ -104,18 +104,18 @@ class Slurm(FarmCase):
                 value = next((word for word in shown.split() if word.startswith(field + "=")), None)
                 if value and value not in seen:
                     seen.add(value)
-                    self.tell(f"task {task}: {value}")
+                    self.report(f"task {task}: {value}")
             time.sleep(0.5)
-        self.tell(f"sbatch --wait ends with exit code {job.returncode}; {len(drawn())} frames exist")
+        self.report(f"sbatch --wait ends with exit code {job.returncode}; {len(drawn())} frames exist")
         self.assertEqual(job.returncode, 0, job.stdout.read())
         self.assertIn("Restarts=1", seen)
         log = (self.folder / requeued).read_text()
-        self.tell(f"{requeued}:\n{log}")
+        self.report(f"{requeued}:\n{log}")
         self.assertRegex(log, r"already exists\n(.|\n)*umbrant: [23] drawn, [12] already there in ")
         # What a killed program was writing is left under a hidden name, and is no frame.
         self.assertEqual({name: data for name, data in self.frames("farm").items() if not name.startswith(".")}, expected)
         self.assertEqual(len(expected), 48)
-        self.tell("48 frames, each once, equal to the bytes of one machine's")
+        self.report("48 frames, each once, equal to the bytes of one machine's")
 
 
 if __name__ == "__main__":

@@ -95,7 +95,7 @@ TEST_F(FilterTest, ParametersAreTheEffects) {
         const f0r_param_info_t info = filter_.Param(static_cast<int>(i));
         EXPECT_STREQ(info.name, parameter.name);
         EXPECT_STRNE(info.explanation, "");
-        EXPECT_TRUE(names.insert(info.name).second) << "hosts tell them apart by name";
+        EXPECT_TRUE(names.insert(info.name).second) << "hosts distinguish them by name";
         const umbrant::Parameter declared = effect.Find(parameter.path);
         using umbrant::ParameterKind;
         switch (parameter.kind) {

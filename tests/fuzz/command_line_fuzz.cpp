@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// Any arguments, one a line: they are read, and either a command is found or the usage is told. Nothing is run.
+// Any arguments, one a line: they are read, and either a command is found or the usage is reported. Nothing is run.
 
 #include <string>
 #include <vector>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// Linked into the module on the fake platform, so that a program that loads it can tell the platform what to fail.
+// Linked into the module on the fake platform, so that a program that loads it can set what the platform fails.
 
 #include "tests/fuzz/fake_module.h"
 

@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 
 // Runs a fuzz target over files that are kept: the seeds, and every input that once broke it. Needs no fuzzer, so the
-// cases are judged in every build.
+// cases are checked in every build.
 //
 //   replay FILE|FOLDER...
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// The other way round: an effect that judges its host. Whenever it is asked for a frame it calls every service that the
+// The other way round: an effect that checks its host. Whenever it is asked for a frame it calls every service that the
 // host offers and compares the answers with what the interface promises; a test reads what it has to complain about.
 
 #include <cstdio>

@@ -20,7 +20,7 @@ class Held {
         : basic_(in->pica_basicP), name_(name), version_(version) {
         const void* suite = nullptr;
         const SPErr error = basic_->AcquireSuite(name, version, &suite);
-        Expect(!error && suite, std::string("the suite ") + name + " is lent");
+        Expect(!error && suite, std::string("the suite ") + name + " is provided");
         suite_ = static_cast<const Suite*>(suite);
     }
     ~Held() { Expect(!basic_->ReleaseSuite(name_, version_), std::string("the suite ") + name_ + " is taken back"); }
@@ -48,8 +48,9 @@ struct Made {
         Expect(!suite->PF_NewWorld(in->effect_ref, width, height, 1, format, &world), "a world is made");
         Expect(world.width == width && world.height == height && world.data, "a world has the size that was asked for");
         Expect(world.rowbytes >= width * A_long{sizeof(Pixel)}, "a world's rows hold its pixels");
-        PF_PixelFormat told = 0;
-        Expect(!suite->PF_GetPixelFormat(&world, &told) && told == format, "a world has the format that was asked for");
+        PF_PixelFormat reported = 0;
+        Expect(!suite->PF_GetPixelFormat(&world, &reported) && reported == format,
+               "a world has the format that was asked for");
         bool clear = true;
         for (A_long y = 0; y < height; ++y) {
             for (A_long x = 0; x < width; ++x) clear &= RowOf<Pixel>(world, y)[x].alpha == decltype(Pixel::alpha){};

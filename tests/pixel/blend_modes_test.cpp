@@ -265,7 +265,7 @@ TEST(Blend32, SourceTimesOpacityIsRoundedBeforeTheSum) {
         const auto inDouble = static_cast<float>(uncovered + static_cast<double>(a) * static_cast<double>(opacity));
         if (Bits(inDouble) != Bits(static_cast<float>(uncovered + product))) ++different;
     }
-    EXPECT_GT(different, 0) << "the rows do not tell the two apart";
+    EXPECT_GT(different, 0) << "the rows do not distinguish the two";
 }
 
 TEST(Overlay, HalfTakesTheSecondBranch) {

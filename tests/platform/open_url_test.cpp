@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// What the desktop's opener is given. A shell script stands in its place, first in the search path of a process of its
+// What the desktop's opener is given. A shell script takes its place, first in the search path of a process of its
 // own, for both platforms: macOS's file needs nothing that only macOS has.
 
 #include "platform/open_url.h"

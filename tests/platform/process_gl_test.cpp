@@ -124,14 +124,14 @@ TEST_F(Reloading, OnTheMainThreadToo) {
 
 // The driver of the renderer that is not wanted was asked too, and may end with the process.
 TEST(DriverCode, StaysWhateverTheModuleFound) {
-    for (const char* wish : {"UMBRANT_GL=", "UMBRANT_GL=software", "UMBRANT_GL=hardware",
-                             "__EGL_VENDOR_LIBRARY_FILENAMES=/nonexistent.json"}) {
+    for (const char* variable : {"UMBRANT_GL=", "UMBRANT_GL=software", "UMBRANT_GL=hardware",
+                                 "__EGL_VENDOR_LIBRARY_FILENAMES=/nonexistent.json"}) {
         ProgramStart start;
-        start.environment = {wish};
+        start.environment = {variable};
         const ProgramRun outcome = RunProgram({RELOAD_PROBE, RELOADED_MODULE}, start);
-        EXPECT_EQ(outcome.code, 0) << wish;
+        EXPECT_EQ(outcome.code, 0) << variable;
         EXPECT_TRUE(outcome.output == "255 stays\n" || outcome.output == "-1 stays\n")
-            << wish << ": " << outcome.output;
+            << variable << ": " << outcome.output;
     }
 }
 

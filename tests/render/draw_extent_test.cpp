@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// Where the GPU passes draw at all: what they tell GL for layers that are mostly or wholly empty.
+// Where the GPU passes draw at all: what they pass to GL for layers that are mostly or wholly empty.
 
 #include <gtest/gtest.h>
 

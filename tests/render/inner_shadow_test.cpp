@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// The inner shadow's road with neither host nor driver: the order of its composite, and what comes back when a step of
-// it fails.
+// The inner shadow's sequence of calls without host and driver: the order of its composite, and what comes back when a
+// step of it fails.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

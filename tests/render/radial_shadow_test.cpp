@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// The radial shadow's samples, and its road with neither host nor driver.
+// The radial shadow's samples, and its sequence of calls without host and driver.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

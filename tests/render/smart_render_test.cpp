@@ -105,7 +105,7 @@ TEST_F(SmartRenderTest, LastSamplesUniforms) {
     EXPECT_FLOAT_EQ(static_cast<float>(xform[0]), 50 / 60.0f);
     EXPECT_FLOAT_EQ(static_cast<float>(xform[5]), 40 / 50.0f);
     EXPECT_EQ(xform[10], 1);
-    EXPECT_NEAR(xform[12], 2.0 / 60 * x, 1e-6) << "the translation stands in the last row";
+    EXPECT_NEAR(xform[12], 2.0 / 60 * x, 1e-6) << "the translation is in the last row";
     EXPECT_NEAR(xform[13], 2.0 / 50 * y, 1e-6);
     EXPECT_EQ(xform[15], 1);
     EXPECT_EQ(xform[3], 0);

@@ -39,7 +39,7 @@ class Bootstrap(unittest.TestCase):
         self.stand_in("apt-get", f'echo "$*" >>"{self.folder}/apt.log"\n[[ $1 != install ]] || {{ {install}; }}')
 
     def run_it(self, *arguments):
-        """The ended process, and the lists of packages that apt-get was told to install."""
+        """The ended process, and the lists of packages that apt-get was asked to install."""
         log = self.folder / "apt.log"
         log.unlink(missing_ok=True)
         ran = subprocess.run([ROOT / "script" / "bootstrap", *arguments], env={"PATH": str(self.folder)},

@@ -36,7 +36,7 @@ RIGHT = [
 ]
 
 WRONG = [
-    ("the host interface stands alone", "hostapi/b.h", '#include "pixel/a.h"', 'hostapi/ may not include "pixel/a.h"'),
+    ("the host interface includes nothing else", "hostapi/b.h", '#include "pixel/a.h"', 'hostapi/ may not include "pixel/a.h"'),
     ("the platform knows no host", "platform/b.h", '#include "hostapi/a.h"', 'platform/ may not include "hostapi/a.h"'),
     ("the suites are a leaf", "entry/suites/b.h", '#include "entry/a.h"', 'entry/suites/ may not include "entry/a.h"'),
     ("a record calls nothing", "entry/global_data.h", '#include "gl/a.h"', 'may not include "gl/a.h"'),

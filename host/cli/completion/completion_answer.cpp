@@ -16,7 +16,7 @@ namespace {
 using Kind = CompletionValue::Kind;
 using AnswerKind = CompletionAnswer::Kind;
 
-/// Where the last word stands.
+/// Where the last word is.
 struct Place {
     const CompletionNode* node = nullptr;
     const CompletionOption* pending = nullptr;  ///< its value is the next word

@@ -21,9 +21,9 @@ Result<Done> CheckClipOptions(const RenderOptions& options);
 
 class ClipEndpoints {
  public:
-    /// Asks about the clips that are read and whether the one that is written can be. Tells the request their frames
-    /// and, unless the options do, the rate. Fails with `ErrorKind::kFile`, and with `ErrorKind::kUsage` for a clip
-    /// whose rate varies.
+    /// Asks about the clips that are read and whether the one that is written can be. Adds their frames to the request
+    /// and, unless the options give one, the rate. Fails with `ErrorKind::kFile`, and with `ErrorKind::kUsage` for a
+    /// clip whose rate varies.
     Result<Done> Open(const RenderOptions& options, PlanRequest& request);
 
     bool Reads() const { return input_ || texture_; }

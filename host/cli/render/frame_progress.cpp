@@ -133,7 +133,7 @@ void FrameProgress::Ends(std::size_t frame, const FrameOutcome& outcome) {
     TellReady();
 }
 
-/// Tells of the frames that are done with and come next in the plan.
+/// Reports the frames that have ended and come next in the plan.
 void FrameProgress::TellReady() {
     for (; told_ < outcomes_.size() && outcomes_[told_]; ++told_) TellFrame(told_);
 }

@@ -24,8 +24,7 @@ std::uint64_t AreaOf(const PF_LRect& rect) {
 }
 
 /// The frame's pixels that the effect makes of these layers, asked with the values of up to `most` of the frames, which
-/// may move, and at least the layer's. An effect that fails when it is asked will fail in that frame again, and be told
-/// of there.
+/// may move, and at least the layer's. An effect that fails here will fail in that frame again, and is reported there.
 std::vector<PF_LRect> PicturesOf(const FrameJob& job, const FirstFrame& first, EffectSession& session,
                                  std::size_t most) {
     const World& layer = first.layers.input->pixels;

@@ -10,8 +10,8 @@
 
 namespace umbrant::host {
 
-/// What a frame costs, judged by the layers of the first one: with values that move, the largest of up to 64 frames
-/// counts.
+/// What a frame costs, estimated from the layers of the first one: with values that move, the largest of up to 64
+/// frames counts.
 FrameFootprint Footprint(const FrameJob& job, const FirstFrame& first, EffectSession& session);
 
 /// Most drawing threads that the renderer gains from.

@@ -90,7 +90,7 @@ Result<Done> CheckOutputs(const std::vector<PlannedFrame>& frames, bool isClip) 
     return isClip ? CheckPlace(frames.front().output) : CheckWritable(frames.front().output);
 }
 
-/// Tells frames' times in a unit that each of them is a whole number of.
+/// Expresses frames' times in a unit that each of them is a whole number of.
 struct FrameTimes {
     std::int64_t common = FrameNumber::kParts;  ///< parts of a frame that every frame is a multiple of
     FrameRate asked{};

@@ -3,7 +3,7 @@
 #pragma once
 
 // Where host calls are made to fail, one at a time: a first run of a scenario counts its calls, then the scenario is
-// run once for every call, with that call refused, and what comes back is judged.
+// run once for every call, with that call refused, and what comes back is checked.
 
 #include <functional>
 #include <string>
@@ -30,7 +30,7 @@ struct FaultOutcome {
     std::vector<std::string> misbehaviour;
 };
 
-/// Which calls are refused, with what, and how the outcome is judged.
+/// Which calls are refused, with what, and how the outcome is checked.
 struct FaultRules {
     /// Callees as the fault hook names them: "interact.checkout_param", "AcquireSuite:PF World Suite".
     std::function<bool(const std::string& callee)> isMeant;

@@ -30,8 +30,9 @@ struct Growth {
     double least = 0, most = 0;
 };
 
-/// Judges rounds of measurements: `rounds[i][k]` is the cost of a frame at `work[k]` in round i. Amounts ascend. Cost
-/// counts as proportional up to a surplus of 30 percent for each factor of 4 in work. Unclear without enough rounds.
+/// Evaluates rounds of measurements: `rounds[i][k]` is the cost of a frame at `work[k]` in round i. Amounts ascend.
+/// Cost counts as proportional up to a surplus of 30 percent for each factor of 4 in work. Unclear without enough
+/// rounds.
 Growth JudgeGrowth(const std::vector<double>& work, const std::vector<std::vector<double>>& rounds);
 
 /// Measures until JudgeGrowth has an answer, the most rounds have been made, or `deadline` (of ElapsedMilliseconds) has

@@ -76,7 +76,7 @@ TEST_F(PresetLimits, ManyUnknownKeysAreCountedAndTheFirstAreListed) {
 TEST_F(PresetLimits, TheFirstOfManyMistakesAreListedInTheOrderOfTheText) {
     std::string keys;
     for (int i = 0; i < 30; ++i) keys += "{\"frame\": " + std::to_string(i) + ", \"value\": 101},\n";
-    // Keyframes are judged after values, wherever they are in the text.
+    // Keyframes are checked after values, wherever they are in the text.
     const auto applied = Apply("{\"version\": 2, \"keyframes\": {\"size\": [\n" + keys +
                                "{\"frame\": 99, \"value\": 5}]},\n\"values\": {\"nothing\": 1, \"nobody\": 1}}");
     ASSERT_FALSE(applied);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// Presets with keyframes: read, judged as a whole, written, and what the rows show at a time.
+// Presets with keyframes: read, checked as a whole, written, and what the rows show at a time.
 
 #include <cmath>
 

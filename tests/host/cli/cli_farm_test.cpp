@@ -156,7 +156,7 @@ TEST_F(CliFarm, ATasksNumberIsANumberBeforeAnythingIsDoneWithIt) {
 }
 
 TEST_F(CliFarm, AnEndedTaskLeavesNothingUnfinished) {
-    // The shell of a task is told to end as soon as a picture is being written that takes a while.
+    // The shell of a task is asked to end as soon as a picture is being written that takes a while.
     const Outcome job = Farm({"slurm", "in.@.png", "-o", "out.##.png", "--module", TestModule("painter"), "--set",
                               "paint/border=1500", "--depth", "32"});
     ASSERT_EQ(job.code, 0) << job.err;

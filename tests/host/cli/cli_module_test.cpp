@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// `umbrant params` and `umbrant info` on the real module, on a machine whose EGL has no driver: what they tell does not
-// depend on one, and a render that asks for OpenGL says what is missing.
+// `umbrant params` and `umbrant info` on the real module, on a machine whose EGL has no driver: what they print does
+// not depend on one, and a render that asks for OpenGL says what is missing.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

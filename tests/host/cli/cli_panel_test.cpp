@@ -19,7 +19,7 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-/// The indices of the rows that `panel --json` tells.
+/// The indices of the rows that `panel --json` lists.
 std::vector<int> RowsOf(const Folder& folder, std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), {"panel", "--json"});
     const Outcome run = RunInProcess(folder, arguments);

@@ -70,7 +70,7 @@ TEST(CliPreset, TextsNumbersAndALaterSetting) {
     ASSERT_EQ(plain.code, 0) << plain.err;
     EXPECT_EQ(json::parse(plain.out)["values"]["paint/border"], 7);
     const Outcome won = Values(folder, {"--set", "paint/border=9", "--preset", "p.json"});
-    EXPECT_EQ(json::parse(won.out)["values"]["paint/border"], 9) << "wherever it stands on the line";
+    EXPECT_EQ(json::parse(won.out)["values"]["paint/border"], 9) << "wherever it is on the line";
 }
 
 TEST(CliPreset, ARenderTakesItsValues) {

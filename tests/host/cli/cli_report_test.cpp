@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// What a render tells and keeps beside its pixels: the report, the refused suites, the texture's place, the file's
+// What a render reports and keeps besides its pixels: the report, the refused suites, the texture's place, the file's
 // metadata and compression, and files that are too large to be drawn.
 
 #include <gmock/gmock.h>

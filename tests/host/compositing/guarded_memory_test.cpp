@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// Memory between shut pages: what may be touched, what is found out.
+// Memory between guard pages: what may be touched, what is detected.
 
 #include "host/compositing/guarded_memory.h"
 

@@ -16,7 +16,7 @@ namespace umbrant::host {
 
 namespace {
 
-constexpr int kSource = 6;        // the source is 6 x 6, each pixel's red tells x and its green y
+constexpr int kSource = 6;        // the source is 6 x 6, each pixel's red is x and its green y
 constexpr int kDestination = 10;  // the destination is 10 x 10 of opaque 200s
 
 World Numbered() {

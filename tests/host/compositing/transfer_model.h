@@ -3,7 +3,7 @@
 #pragma once
 
 // What the transfer modes must compute, one pixel at a time in double precision, written out as the sums that define
-// them. Slow on purpose and shared with nothing: the host's loops are judged by it.
+// them. Slow on purpose and shared with nothing: the host's loops are compared with it.
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// The arithmetic of every transfer mode at every depth, judged by the double-precision model.
+// The arithmetic of every transfer mode at every depth, compared with the double-precision model.
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// The host's worlds: record, padding, memory and the mark that tells them from others.
+// The host's worlds: record, padding, memory and the mark that distinguishes them from others.
 
 #include "host/compositing/world.h"
 

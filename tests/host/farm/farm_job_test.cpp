@@ -122,7 +122,7 @@ TEST(FarmJobText, OneIsNotMany) {
     EXPECT_EQ(json::parse(OpenJdJob(job))["steps"][0]["parameterSpace"]["taskParameterDefinitions"][0]["range"], "1-1");
 }
 
-/// A member of an object, or null where it is not there, which the rules tell elsewhere.
+/// A member of an object, or null where it is not there, which other rules report.
 const json& Member(const json& object, const char* name) {
     static const json none;
     const auto found = object.find(name);

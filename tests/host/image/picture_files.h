@@ -3,7 +3,7 @@
 #pragma once
 
 // Files for the picture tests: a folder that goes with its test, and pictures written by the image library itself, so
-// that reading and writing are not judged by each other.
+// that reading and writing are not checked by each other.
 
 #include <OpenImageIO/imageio.h>
 #include <gtest/gtest.h>

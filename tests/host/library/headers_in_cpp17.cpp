@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// Each installed header stands on its own, in the order in which none has been seen before, and twice: this file is
+// Each installed header compiles on its own, in the order in which none has been seen before, and twice: this file is
 // compiled as C++17 without any folder of the project but the headers'.
 
 // clang-format off

@@ -29,7 +29,7 @@ Effect RealEffect() {
     return Effect({UMBRANT_MODULE_FILE, umbrant::Renderer::kProcessor, false, {}});
 }
 
-/// Runs `work` on several threads, each told which it is.
+/// Runs `work` on several threads, each given its number.
 template <typename Work>
 void OnThreads(Work work) {
     std::vector<std::thread> threads;

@@ -352,7 +352,7 @@ TEST_F(FramePlanTest, FramesBetweenFramesHaveExactTimes) {
         std::vector<A_long> times;
         for (const PlannedFrame& frame : plan.frames) times.push_back(frame.time);
         EXPECT_EQ(times, row.times);
-        // A chunk tells the same times, whichever frames are in it.
+        // A chunk has the same times, whichever frames are in it.
         request.chunk = {1, static_cast<int>(times.size())};
         EXPECT_EQ(Plan(request).rate, row.unit);
         EXPECT_EQ(Plan(request).frames.front().time, times.front());

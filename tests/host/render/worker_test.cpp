@@ -21,7 +21,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using Kind = FrameOutcome::Kind;
 
-/// Keeps what it is told.
+/// Keeps what is reported to it.
 class Watcher : public FrameWatcher {
  public:
     void Begins(std::size_t frame, FrameStep step, const EffectSession* session) override {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// One frame: what the effect is told, what it is given, what comes back.
+// One frame: what the effect is asked, what it is given, what comes back.
 
 #include <thread>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// The real module draws frames in the real host. Pixels are judged elsewhere; here it is the protocol's turn: sizes,
+// The real module draws frames in the real host. Pixels are checked elsewhere; this is about the protocol: sizes,
 // placement, balance, messages.
 
 #include <gmock/gmock.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// Contexts, references and objects: what they lead to, how they are counted, and how wrong ones are told.
+// Contexts, references and objects: what they lead to, how they are counted, and how wrong ones are detected.
 
 #include <limits>
 

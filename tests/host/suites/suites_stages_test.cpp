@@ -39,7 +39,7 @@ TEST(StageClock, TellsTheStagesApartByTheirOrder) {
     } rows[] = {
         {"nothing", {}, 0, 0, 0},
         {"a layer fetched and walked over", {kFetch, kWalk}, 2, 0, 0},
-        {"a fill is compositing wherever it stands", {kFill, kFetch, kWalk, kFill}, 2, 0, 2},
+        {"a fill is compositing wherever it comes", {kFill, kFetch, kWalk, kFill}, 2, 0, 2},
         {"the second walk reads back", {kWalk, kWalk, kTransfer}, 1, 1, 1},
         {"walks and copies after a transfer composite", {kWalk, kWalk, kTransfer, kWalk, kFetch}, 1, 1, 3},
         {"a transfer alone", {kTransfer, kWalk}, 0, 0, 2},

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// The judge judged: every check fails the wrong modules that are made for it, and passes the right one.
+// The checks checked: every check fails the wrong modules that are made for it, and passes the right one.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -96,7 +96,7 @@ TEST(Timing, NoiseNeverFailsALinearEffectAndNeverPassesAQuadraticOne) {
         EXPECT_NE(quadratic, Claim::kHolds);
         if (quadratic == Claim::kFails) ++sure;
     }
-    EXPECT_GT(sure, 100) << "most of it can be told all the same";
+    EXPECT_GT(sure, 100) << "most of it can be decided all the same";
 }
 
 TEST(Timing, WithoutEnoughToGoByGrowthIsUnclear) {

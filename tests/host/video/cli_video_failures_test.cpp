@@ -27,7 +27,7 @@ std::string Encoder(const std::string& then) {
            then;
 }
 
-/// An ffprobe that tells of a clip of ten frames of 4 x 2 pixels.
+/// An ffprobe that reports a clip of ten frames of 4 x 2 pixels.
 constexpr char kProbe[] = R"(case "$*" in
 *-show_streams*) echo '{"streams":[{"index":0,"codec_type":"video","codec_name":"png","width":4,"height":2,
 "pix_fmt":"rgba","r_frame_rate":"25/1","avg_frame_rate":"25/1","time_base":"1/25"}],"format":{"start_time":"0"}}';;
@@ -73,7 +73,7 @@ TEST_F(ClipFailures, OneThatCannotWrite) {
          "ffmpeg ended with exit code 1: the end, after "},
         {"has no such encoder", "echo ' V..... png x'",
          "this ffmpeg cannot write ProRes 4444: it was built without the encoder 'prores_ks'"},
-        {"does not even tell its encoders", "echo 'libfoo.so.3: not found' >&2; exit 127",
+        {"does not even list its encoders", "echo 'libfoo.so.3: not found' >&2; exit 127",
          "ffmpeg ended with exit code 127: libfoo.so.3: not found"},
     };
     for (const auto& row : rows) {
@@ -91,7 +91,7 @@ TEST_F(ClipFailures, OneThatTalksMuchAndWorks) {
     Fake("ffmpeg", Encoder("yes trouble | head -c 2000000 >&2; cat >\"$file\"; yes trouble | head -c 2000000 >&2"));
     const Outcome outcome = Render("still.png", "out.mov", {"--frames", "1-3", "--quiet"}, WithFakes());
     EXPECT_EQ(outcome.code, 0) << outcome.err;
-    EXPECT_EQ(outcome.err, "") << "what a tool says when all is well is not told";
+    EXPECT_EQ(outcome.err, "") << "what a tool prints in success is not repeated";
     EXPECT_EQ(ReadBytes(folder_ / "out.mov").size(), 3u * 40 * 30 * 4);
     EXPECT_EQ(ReadBytes(folder_ / "out.mov").substr(0, 4), "\xC8\x64\x32\xFF");
     ExpectNothingLeft(3);
@@ -111,13 +111,13 @@ TEST_F(ClipFailures, OneThatCannotRead) {
          "frame 3: cannot read frame 3 of 'in.mov': ffmpeg ended with exit code 69: Invalid data"},
         {"is killed", kProbe, "head -c 100 /dev/zero; kill -SEGV $$",
          "frame 3: cannot read frame 3 of 'in.mov': ffmpeg was ended by signal 11 (Segmentation fault)"},
-        {"has less than it told", kProbe, "head -c 128 /dev/zero",
+        {"has less than was reported", kProbe, "head -c 128 /dev/zero",
          "frame 4: cannot read frame 4 of 'in.mov': the clip declares 10 frames, but has 4"},
         {"the other is not there", "exec no-such-program", "exit 0",
          "cannot read 'in.mov': ffprobe ended with exit code 127"},
-        {"the other tells nonsense", "echo nonsense", "exit 0",
+        {"the other reports nonsense", "echo nonsense", "exit 0",
          "cannot read 'in.mov': ffprobe did not report the streams"},
-        {"the other tells of other things", "echo '{\"streams\": 5}'", "exit 0",
+        {"the other reports other things", "echo '{\"streams\": 5}'", "exit 0",
          "cannot read 'in.mov': ffprobe did not report the streams"},
         {"the other is killed", "kill -9 $$", "exit 0", "cannot read 'in.mov': ffprobe was ended by signal 9 (Killed)"},
         {"a stream without pictures",
@@ -206,7 +206,7 @@ TEST_F(ClipFailures, AnInterruptionEndsEverybodyAtOnce) {
         {"one that takes nothing", "still.png", kProbe, Encoder(": >\"$file\"; " + hangs)},
         {"one that takes all and does not end", "still.png", kProbe, Encoder("cat >\"$file\"; " + hangs)},
         {"one that gives nothing", "in.mov", kProbe, Encoder(hangs)},
-        {"one that tells nothing", "in.mov", hangs, Encoder("exit 0")},
+        {"one that reports nothing", "in.mov", hangs, Encoder("exit 0")},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);

@@ -176,8 +176,8 @@ TEST_F(Clips, SoundGoesWithItsFrames) {
     NEEDS_FFMPEG();
     Ffmpeg(Clip("-c:v png -c:a flac in.mkv"));
     const auto sound = [&](const std::string& clip) {
-        const nlohmann::json told = Probe(clip);
-        for (const auto& stream : told["streams"]) {
+        const nlohmann::json probed = Probe(clip);
+        for (const auto& stream : probed["streams"]) {
             if (stream["codec_type"] == "audio") return stream["codec_name"].get<std::string>();
         }
         return std::string("none");
@@ -286,7 +286,7 @@ TEST_F(Clips, ARateThatVaries) {
     ASSERT_EQ(outcome.code, 0) << outcome.err;
     EXPECT_EQ(Pictures("out.mkv")["r_frame_rate"], "10/1");
     EXPECT_THAT(outcome.err, HasSubstr("umbrant: 18 drawn in "))
-        << "to the last frame, whose length the file does not tell";
+        << "to the last frame, whose length the file does not hold";
 }
 
 TEST_F(Clips, WhatIsThereIsDone) {

@@ -60,8 +60,8 @@ class Clips : public testing::Test {
             Run({"ffprobe", "-v", "error", "-of", "json", "-show_streams", "-show_format", "file:" + clip}).output);
     }
     nlohmann::json Pictures(const std::string& clip) const {
-        const nlohmann::json told = Probe(clip);
-        for (const auto& stream : told["streams"]) {
+        const nlohmann::json probed = Probe(clip);
+        for (const auto& stream : probed["streams"]) {
             if (stream["codec_type"] == "video") return stream;
         }
         return {};

@@ -5,7 +5,7 @@
 // The x86-64 slice of a Mach-O bundle, mapped into a Linux process and bound to whatever a resolver answers. Does what
 // the Mac's loader does with a bundle of this project, and refuses what it does not know.
 //
-// It stands in for that loader and for nothing else: code signatures are not looked at, and imports are bound at once.
+// It replaces that loader and nothing else: code signatures are not looked at, and imports are bound at once.
 
 #include <cstddef>
 #include <cstdint>

@@ -75,14 +75,14 @@ void TakesEveryOrder(CheckRun& run) {
     const auto walk = [&](const std::vector<int>& steps) {
         CheckFixture fixture(run);
         fixture.Cheapen();
-        std::string road = "set-up";
+        std::string order = "set-up";
         for (const int step : steps) {
             const bool failedBefore = run.Failed();
-            road += ", " + TakeStep(run, fixture, step, layer);
+            order += ", " + TakeStep(run, fixture, step, layer);
             run.Count("commands");
-            if (run.Failed() && !failedBefore) run.Fail("the order was: " + road);
+            if (run.Failed() && !failedBefore) run.Fail("the order was: " + order);
         }
-        fixture.EndBalanced("after " + road);
+        fixture.EndBalanced("after " + order);
     };
     std::vector<int> pairs;
     for (int first = 0; first < kSteps; ++first) {

@@ -269,10 +269,10 @@ TEST_F(CliRender, ALongFrameTellsItsStageAndTheTime) {
         arguments.emplace_back(seconds);
         return Paint("out.png", arguments);
     };
-    const Outcome told = with("0.02");
-    EXPECT_EQ(told.code, 0) << told.err;
-    EXPECT_THAT(told.err, testing::ContainsRegex("umbrant: [0-9]+\\.[0-9] s, writing the image\n"));
-    EXPECT_EQ(told.out, "out.png\n") << "results alone on standard output";
+    const Outcome late = with("0.02");
+    EXPECT_EQ(late.code, 0) << late.err;
+    EXPECT_THAT(late.err, testing::ContainsRegex("umbrant: [0-9]+\\.[0-9] s, writing the image\n"));
+    EXPECT_EQ(late.out, "out.png\n") << "results alone on standard output";
     EXPECT_EQ(with("0").err, "");
     EXPECT_EQ(with("86400").err, "") << "a short frame says nothing";
     const Outcome wrong = with("often");

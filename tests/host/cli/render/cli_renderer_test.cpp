@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// Which renderer draws, and how that is told; on the real module, without any OpenGL but where a wish needs none.
+// Which renderer draws, and how that is reported; on the real module, without any OpenGL.
 
 #include "host/session/renderer.h"
 
@@ -29,7 +29,7 @@ GpuStrings Gpu(const char* renderer) {
 TEST(DecideRenderer, ByWishAndByWhatTheEffectFound) {
     const struct {
         const char* name;
-        RendererPreference wish;
+        RendererPreference preference;
         const char* renderer;
         bool processor;
         const char* why;
@@ -45,13 +45,14 @@ TEST(DecideRenderer, ByWishAndByWhatTheEffectFound) {
          "OpenGL is software, zink (llvmpipe (LLVM 15.0.6))"},
         {"no OpenGL", RendererPreference::kAuto, "NULL", true, "OpenGL is not available"},
         {"an effect without the row", RendererPreference::kAuto, "", false, "the effect names no renderer"},
-        {"OpenGL wished for where it is software", RendererPreference::kOpenGL, "llvmpipe", false, "requested"},
-        {"OpenGL wished for where there is none", RendererPreference::kOpenGL, "NULL", false, "requested"},
-        {"the processor wished for beside hardware", RendererPreference::kProcessor, "NVIDIA", true, "requested"},
+        {"OpenGL wanted where it is software", RendererPreference::kOpenGL, "llvmpipe", false, "requested"},
+        {"OpenGL wanted where there is none", RendererPreference::kOpenGL, "NULL", false, "requested"},
+        {"the CPU renderer wanted although there is hardware", RendererPreference::kProcessor, "NVIDIA", true,
+         "requested"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        const RendererDecision decision = DecideRenderer(row.wish, Gpu(row.renderer), true);
+        const RendererDecision decision = DecideRenderer(row.preference, Gpu(row.renderer), true);
         EXPECT_EQ(decision.processor, row.processor);
         EXPECT_EQ(decision.why, row.why);
         EXPECT_STREQ(decision.Name(), row.processor ? "cpu" : "gl");

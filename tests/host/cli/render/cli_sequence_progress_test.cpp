@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// What `umbrant render` tells of many frames on its way, to people, terminals and programs, and how it ends when it is
-// interrupted or the disk is full.
+// What `umbrant render` reports of many frames while it draws, to people, terminals and programs, and how it ends when
+// it is interrupted or the disk is full.
 
 #include <pty.h>
 

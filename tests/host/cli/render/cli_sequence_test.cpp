@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// `umbrant render` over many frames: what is written, told and answered, and what bad input ends with.
+// `umbrant render` over many frames: what is written, reported and answered, and what bad input ends with.
 
 #include "tests/host/cli/render/sequence_fixture.h"
 
