@@ -70,7 +70,6 @@ class Pool {
             ending_ = true;
         }
         wake_.notify_all();
-        for (std::thread& thread : threads_) thread.join();
     }
 
     /// False in a child of fork(), which has none of the threads and perhaps a locked mutex.
@@ -117,7 +116,7 @@ class Pool {
     std::list<Job*> jobs_;
     bool ending_ = false;
     const pid_t process_ = getpid();
-    std::vector<std::thread> threads_;
+    std::vector<std::jthread> threads_;  ///< the last, so that they end before what they use
 };
 
 /// Ends the pool with the process that made it. Kept in a child of fork(), where none of the threads are, and where a

@@ -43,13 +43,14 @@ bool CanHaveThreads(int count) {
     const std::ptrdiff_t before = ThreadsOfThisProcess();
     std::promise<void> counted;
     const std::shared_future<void> end = counted.get_future().share();
-    std::vector<std::thread> threads = StartThreads(count, [end](int) { end.wait(); });
+    std::vector<std::jthread> threads = StartThreads(count, [end](int) { end.wait(); });
+    const bool areAll = static_cast<int>(threads.size()) == count;
     counted.set_value();
-    for (std::thread& thread : threads) thread.join();
+    threads.clear();
     // Other threads may have started meanwhile; then this waits a moment without effect.
     for (int i = 0; i < 100 && ThreadsOfThisProcess() > before; ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    return static_cast<int>(threads.size()) == count;
+    return areAll;
 }
 
 /// The address space that the library takes when it is loaded, with the stacks and heaps of its threads. Where less is

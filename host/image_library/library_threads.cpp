@@ -28,9 +28,8 @@ constexpr std::chrono::milliseconds kPause{10};
 bool AreThreadsScarce(int count) {
     std::promise<void> counted;
     const std::shared_future<void> end = counted.get_future().share();
-    std::vector<std::thread> threads = StartThreads(count, [end](int) { end.wait(); });
+    const std::vector<std::jthread> threads = StartThreads(count, [end](int) { end.wait(); });
     counted.set_value();
-    for (std::thread& thread : threads) thread.join();
     return static_cast<int>(threads.size()) < count;
 }
 

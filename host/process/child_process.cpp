@@ -86,10 +86,9 @@ Result<std::unique_ptr<ChildProcess>> ChildProcess::Start(const ProgramStart& st
     child->process_ = process;
     child->groupEndsWithIt_ = start.isIsolated;
     if (child->pipes_.errors < 0) return child;
-    auto drain = StartThread([reading = child.get()] { reading->Drain(); });
+    child->drain_ = StartThread([reading = child.get()] { reading->Drain(); });
     // The child is ended with its object.
-    if (!drain) return Failure{ErrorKind::kInternal, "no thread can be started to read its messages"};
-    child->drain_ = std::move(*drain);
+    if (!child->drain_) return Failure{ErrorKind::kInternal, "no thread can be started to read its messages"};
     return child;
 }
 
@@ -194,7 +193,7 @@ const ProcessEnd& ChildProcess::Wait() {
     }
     StayWhileEnding();
     hasEnded_ = true;
-    if (drain_.joinable()) drain_.join();
+    drain_.reset();
     Close(pipes_.errors);
     end_ =
         ProcessEnd{WIFEXITED(status) ? WEXITSTATUS(status) : -1, WIFSIGNALED(status) ? WTERMSIG(status) : 0, lastLine_};

@@ -74,7 +74,7 @@ class ChildProcess {
     std::optional<ProcessEnd> end_;
     std::atomic<bool> hasEnded_{false};  ///< for the thread: nothing more comes but from others that hold the pipe
     std::string lastLine_;
-    std::thread drain_;
+    std::optional<std::jthread> drain_;
 };
 
 }  // namespace umbrant::host

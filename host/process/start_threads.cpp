@@ -26,15 +26,15 @@ void ReportThreadShortage(void (*report)(const ThreadShortage&)) {
     reporter = report;
 }
 
-void NoteThreadShortage(const ThreadShortage& shortage) {
+void NoteThreadShortage(const ThreadShortage& shortage) noexcept {
     // Taken out, so that one report is made.
     if (const auto report = reporter.exchange(nullptr)) report(shortage);
 }
 
-std::optional<std::thread> StartThread(std::function<void()> work) {
+std::optional<std::jthread> StartThread(std::function<void()> work) {
     for (int attempt = 1;; ++attempt) {
         try {
-            return std::thread(work);
+            return std::jthread(work);
         } catch (const std::system_error&) {
             // A thread that was joined a moment ago may still be counted.
             if (attempt == kAttempts) return std::nullopt;
@@ -49,13 +49,15 @@ bool SaysNoThread(const std::string& message) {
     return message.find(std::generic_category().message(EAGAIN)) != std::string::npos;
 }
 
-std::vector<std::thread> StartThreads(int count, std::function<void(int index)> work) {
+std::vector<std::jthread> StartThreads(int count, std::function<void(int index)> work) {
     const auto shared = std::make_shared<const std::function<void(int)>>(std::move(work));
-    std::vector<std::thread> threads;
-    // Before the first one runs: nothing may be thrown while threads are joinable.
-    if (count > 0) threads.reserve(static_cast<std::size_t>(count));
-    for (int i = 0; i < count; ++i) {
-        auto thread = StartThread([shared, i] { (*shared)(i); });
+    // Before the first one runs: it may wait for what the caller does next, and then a failure here would wait for it.
+    std::vector<std::function<void()>> each;
+    for (int i = 0; i < count; ++i) each.emplace_back([shared, i] { (*shared)(i); });
+    std::vector<std::jthread> threads;
+    threads.reserve(each.size());
+    for (std::function<void()>& one : each) {
+        auto thread = StartThread(std::move(one));
         if (!thread) break;
         threads.push_back(std::move(*thread));
     }

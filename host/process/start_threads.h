@@ -13,12 +13,13 @@
 
 namespace umbrant::host {
 
-/// One thread; nothing when the system refuses it for a tenth of a second. The caller joins it.
-std::optional<std::thread> StartThread(std::function<void()> work);
+/// One thread; nothing when the system refuses it for a tenth of a second. It is joined when its object ends.
+std::optional<std::jthread> StartThread(std::function<void()> work);
 
 /// Starts `count` threads one by one, of which the i-th runs `work(i)`, and ends the attempts with the first that is
-/// refused. The caller joins those that it gets, which may be none.
-std::vector<std::thread> StartThreads(int count, std::function<void(int index)> work);
+/// refused. The caller gets those that run, which may be none. They are joined when the vector ends, so what they use
+/// is declared before it.
+std::vector<std::jthread> StartThreads(int count, std::function<void(int index)> work);
 
 /// Whether a library's message reports that the system refused a thread.
 bool SaysNoThread(const std::string& message);
@@ -32,7 +33,8 @@ struct ThreadShortage {
 /// What is done about shortages: `report` is called for the first one after this, on the thread that met it. Without a
 /// report, as in a library, shortages pass silently. Null takes it away.
 void ReportThreadShortage(void (*report)(const ThreadShortage&));
-/// Called by who got fewer threads than it asked for and goes on.
-void NoteThreadShortage(const ThreadShortage& shortage);
+/// Called by who got fewer threads than it asked for and goes on. Throws nothing: those threads may wait for the
+/// caller.
+void NoteThreadShortage(const ThreadShortage& shortage) noexcept;
 
 }  // namespace umbrant::host

@@ -181,10 +181,12 @@ Result<Done> RunPipeline(std::size_t count, const PipelineShape& shape, const Pi
     }
     Pipeline pipeline(count, shape, {&read, &draw, &write});
     std::vector<Duty> duties = DutiesOf(shape);
+    // While the threads wait, nothing may be thrown.
+    for (Duty& duty : duties) duty.steps.reserve(kSteps);
     // What a thread does depends on how many there are, so the first ones wait until that is known.
     std::promise<void> known;
     const std::shared_future<void> start = known.get_future().share();
-    std::vector<std::thread> threads = StartThreads(static_cast<int>(duties.size()), [&, start](int index) {
+    std::vector<std::jthread> threads = StartThreads(static_cast<int>(duties.size()), [&, start](int index) {
         start.wait();
         const Duty& duty = duties[static_cast<std::size_t>(index)];
         pipeline.Work(duty.steps, duty.thread);
@@ -201,7 +203,7 @@ Result<Done> RunPipeline(std::size_t count, const PipelineShape& shape, const Pi
     }
     if (threads.size() < kSteps) ShareSteps(duties, threads.size());
     known.set_value();
-    for (std::thread& thread : threads) thread.join();
+    threads.clear();
     pipeline.ThrowFailure();
     return Done{};
 }

@@ -45,7 +45,7 @@ void StatusLine::Start(Seconds first, Seconds next, std::function<void()> renew)
             wait = next;
         }
     };
-    thread_ = StartThread(std::move(work)).value_or(std::thread());
+    thread_ = StartThread(std::move(work));
 }
 
 void StatusLine::Stop() {
@@ -54,7 +54,7 @@ void StatusLine::Stop() {
         ended_ = true;
     }
     ending_.notify_all();
-    if (thread_.joinable()) thread_.join();
+    thread_.reset();
     const std::lock_guard lock(mutex_);
     Erase();
 }

@@ -8,6 +8,7 @@
 #include <condition_variable>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -44,7 +45,7 @@ class StatusLine {
     std::condition_variable ending_;
     bool ended_ = false;
     bool isShown_ = false;
-    std::thread thread_;
+    std::optional<std::jthread> thread_;
 };
 
 /// What a session's effect is doing, as text.

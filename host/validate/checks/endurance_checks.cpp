@@ -204,7 +204,7 @@ void Soaks(CheckRun& run) {
                    const auto begin = Clock::now();
                    const auto end = begin + std::chrono::seconds(part.Options().soakSeconds);
                    std::atomic<long> frames{0};
-                   std::vector<std::thread> threads = StartThreads(std::max(2, ProcessorCount()), [&](int i) {
+                   std::vector<std::jthread> threads = StartThreads(std::max(2, ProcessorCount()), [&](int i) {
                        Wander(part, fixture, part.Options().seed * 1000 + static_cast<std::uint64_t>(i), end, frames);
                    });
                    if (threads.empty()) part.Skip("the system allows no thread");
@@ -220,7 +220,7 @@ void Soaks(CheckRun& run) {
                        }
                        std::this_thread::sleep_for(std::chrono::milliseconds(5));
                    }
-                   for (std::thread& thread : threads) thread.join();
+                   threads.clear();
                    const long counted = frames - framesBefore;
                    const double slope =
                        counted > 0 ? static_cast<double>(ResidentBytes() - before) / static_cast<double>(counted) : 0;

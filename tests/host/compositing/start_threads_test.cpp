@@ -19,9 +19,9 @@ namespace {
 
 TEST(StartThreads, StartsAllAndSaysToEachWhichItIs) {
     std::atomic<int> sum{0};
-    std::vector<std::thread> threads = StartThreads(5, [&](int index) { sum += 1 << index; });
+    std::vector<std::jthread> threads = StartThreads(5, [&](int index) { sum += 1 << index; });
     EXPECT_EQ(threads.size(), 5u);
-    for (std::thread& thread : threads) thread.join();
+    threads.clear();
     EXPECT_EQ(sum, 31);
     EXPECT_TRUE(StartThreads(0, [](int) {}).empty());
     EXPECT_TRUE(StartThreads(-1, [](int) {}).empty());
@@ -30,13 +30,13 @@ TEST(StartThreads, StartsAllAndSaysToEachWhichItIs) {
 TEST(StartThreads, EndsTheAttemptsWithTheFirstThatIsRefused) {
     EXPECT_LIMITED_CHILD(3, {
         std::atomic<bool> end{false};
-        std::vector<std::thread> threads = StartThreads(10, [&](int) {
+        std::vector<std::jthread> threads = StartThreads(10, [&](int) {
             while (!end) std::this_thread::yield();
         });
         const std::size_t had = threads.size();
         const bool another = StartThread([] {}).has_value();
         end = true;
-        for (std::thread& thread : threads) thread.join();
+        threads.clear();
         return had == 3 && !another;
     });
 }
@@ -46,12 +46,12 @@ TEST(StartThreads, AThreadThatHasJustEndedTakesNoPlace) {
     EXPECT_LIMITED_CHILD(3, {
         for (int round = 0; round < 30000; ++round) {
             std::atomic<bool> end{false};
-            std::vector<std::thread> threads = StartThreads(3, [&](int) {
+            std::vector<std::jthread> threads = StartThreads(3, [&](int) {
                 while (!end) std::this_thread::yield();
             });
             end = true;
             const std::size_t had = threads.size();
-            for (std::thread& thread : threads) thread.join();
+            threads.clear();
             if (had != 3) return false;
         }
         return true;

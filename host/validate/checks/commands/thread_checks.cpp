@@ -10,6 +10,7 @@
 #include <condition_variable>
 #include <mutex>
 #include <optional>
+#include <stop_token>
 #include <thread>
 
 #include "host/compositing/row_pool.h"
@@ -68,7 +69,7 @@ void DrawsOnManyThreads(CheckRun& run) {
     for (const int count : {1, 2, 4, 8, 16}) {
         std::atomic<int> different{0};
         std::atomic<int> atWork{count};
-        std::vector<std::thread> threads = StartThreads(count, [&](int t) {
+        const std::vector<std::jthread> threads = StartThreads(count, [&](int t) {
             for (int i = 0; i < kFrames; ++i) {
                 const int instance = (t + i * 5) % kInstances;
                 if (draw(instance) != alone[static_cast<std::size_t>(instance)]) ++different;
@@ -82,7 +83,6 @@ void DrawsOnManyThreads(CheckRun& run) {
             fixture.TouchPanel();
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
-        for (std::thread& thread : threads) thread.join();
         if (started < count) run.Skip(fmt::format("the system allows {} of {} threads", started, count));
         run.Count("frames", count * kFrames);
         if (different > 0) {
@@ -127,26 +127,22 @@ void OutlivesItsThreads(CheckRun& run) {
             fixture->Cheapen();
             const World layer = TestPicture(24, 24, Depth::k8);
             std::mutex mutex;
-            std::condition_variable changed;
-            int state = 0;  // 1: drawn; 2: may end
-            std::thread thread([&] {
+            std::condition_variable_any changed;
+            bool isDrawn = false;
+            std::jthread thread([&](const std::stop_token& end) {
                 fixture->Draw(RequestOf(layer), "a frame");
                 std::unique_lock lock(mutex);
-                state = 1;
+                isDrawn = true;
                 changed.notify_all();
-                changed.wait(lock, [&] { return state == 2; });
+                changed.wait(lock, end, [] { return false; });
             });
             {
                 std::unique_lock lock(mutex);
-                changed.wait(lock, [&] { return state == 1; });
+                changed.wait(lock, [&] { return isDrawn; });
             }
             fixture->EndBalanced("with a render thread still alive");
             if (unload) fixture.reset();
-            {
-                const std::lock_guard lock(mutex);
-                state = 2;
-            }
-            changed.notify_all();
+            thread.request_stop();
             thread.join();
             // What the effect may have left running has a moment to fail.
             std::this_thread::sleep_for(std::chrono::milliseconds(50));
