@@ -47,14 +47,13 @@ void CloseAll(std::vector<int>& descriptors) {
 bool Channel::Send(const json& content, const std::vector<int>& descriptors) {
     const std::vector<std::uint8_t> bytes = json::to_cbor(content);
     const auto length = static_cast<std::uint32_t>(bytes.size());
-    return SendAll(&length, sizeof length, descriptors) && SendAll(bytes.data(), bytes.size(), {});
+    return SendAll(std::as_bytes(std::span(&length, 1)), descriptors) && SendAll(std::as_bytes(std::span(bytes)), {});
 }
 
-bool Channel::SendAll(const void* bytes, std::size_t count, const std::vector<int>& descriptors) {
-    const auto* next = static_cast<const char*>(bytes);
+bool Channel::SendAll(std::span<const std::byte> bytes, const std::vector<int>& descriptors) {
     std::size_t attached = std::min(descriptors.size(), kMostDescriptors);
-    while (count > 0) {
-        iovec part{const_cast<char*>(next), count};
+    while (!bytes.empty()) {
+        iovec part{const_cast<std::byte*>(bytes.data()), bytes.size()};
         msghdr header{};
         header.msg_iov = &part;
         header.msg_iovlen = 1;
@@ -72,17 +71,15 @@ bool Channel::SendAll(const void* bytes, std::size_t count, const std::vector<in
         if (sent < 0 && errno == EINTR) continue;
         if (sent < 0) return false;
         attached = 0;
-        next += sent;
-        count -= static_cast<std::size_t>(sent);
+        bytes = bytes.subspan(static_cast<std::size_t>(sent));
     }
     return true;
 }
 
-bool Channel::ReceiveAll(void* bytes, std::size_t count, std::vector<int>& descriptors,
+bool Channel::ReceiveAll(std::span<std::byte> bytes, std::vector<int>& descriptors,
                          const std::function<bool()>& isOver) {
-    auto* next = static_cast<char*>(bytes);
     bool over = false;
-    while (count > 0) {
+    while (!bytes.empty()) {
         pollfd waiting{socket_, POLLIN, 0};
         const int ready = poll(&waiting, 1, over ? 0 : kPause);
         if (ready < 0 && errno != EINTR) return false;
@@ -92,7 +89,7 @@ bool Channel::ReceiveAll(void* bytes, std::size_t count, std::vector<int>& descr
             over = isOver && isOver();
             continue;
         }
-        iovec part{next, count};
+        iovec part{bytes.data(), bytes.size()};
         Control control{};
         msghdr header{};
         header.msg_iov = &part;
@@ -103,8 +100,7 @@ bool Channel::ReceiveAll(void* bytes, std::size_t count, std::vector<int>& descr
         if (got < 0 && errno == EINTR) continue;
         if (got <= 0) return false;
         TakeDescriptors(header, descriptors);
-        next += got;
-        count -= static_cast<std::size_t>(got);
+        bytes = bytes.subspan(static_cast<std::size_t>(got));
     }
     return true;
 }
@@ -112,14 +108,14 @@ bool Channel::ReceiveAll(void* bytes, std::size_t count, std::vector<int>& descr
 Received Channel::Receive(Message& message, const std::function<bool()>& isOver) {
     message = {};
     std::uint32_t length = 0;
-    if (!ReceiveAll(&length, sizeof length, message.descriptors, isOver)) {
+    if (!ReceiveAll(std::as_writable_bytes(std::span(&length, 1)), message.descriptors, isOver)) {
         CloseAll(message.descriptors);
         return Received::kClosed;
     }
     std::vector<std::uint8_t> bytes;
     const bool fits = length <= kLongest;
     if (fits) bytes.resize(length);
-    if (fits && !ReceiveAll(bytes.data(), bytes.size(), message.descriptors, isOver)) {
+    if (fits && !ReceiveAll(std::as_writable_bytes(std::span(bytes)), message.descriptors, isOver)) {
         CloseAll(message.descriptors);
         return Received::kClosed;
     }

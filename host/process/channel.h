@@ -4,10 +4,12 @@
 
 // Messages between two processes over a socket: a JSON value each, and at most a few descriptors with it.
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <functional>
 #include <nlohmann/json.hpp>
+#include <span>
 #include <type_traits>
 #include <vector>
 
@@ -39,8 +41,8 @@ class Channel {
     Received Receive(Message& message, const std::function<bool()>& isOver);
 
  private:
-    bool SendAll(const void* bytes, std::size_t count, const std::vector<int>& descriptors);
-    bool ReceiveAll(void* bytes, std::size_t count, std::vector<int>& descriptors, const std::function<bool()>& isOver);
+    bool SendAll(std::span<const std::byte> bytes, const std::vector<int>& descriptors);
+    bool ReceiveAll(std::span<std::byte> bytes, std::vector<int>& descriptors, const std::function<bool()>& isOver);
 
     int socket_;
 };

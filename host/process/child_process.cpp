@@ -45,12 +45,12 @@ class PipeSignalHeld {
 /// Writing to a pipe that nobody reads is an answer, and must not end the program as it would by default. The signal
 /// goes to the thread that wrote, so it is held and taken away here, and what the rest of the program does with its
 /// own outputs stays as it was.
-ssize_t WriteQuietly(int pipe, const std::byte* bytes, std::size_t count) {
+ssize_t WriteQuietly(int pipe, std::span<const std::byte> bytes) {
     const PipeSignalHeld held;
     sigset_t pending;
     sigpending(&pending);
     const bool wasPending = sigismember(&pending, SIGPIPE) == 1;
-    const ssize_t written = write(pipe, bytes, count);
+    const ssize_t written = write(pipe, bytes.data(), bytes.size());
     const int error = errno;
     // It also comes when the reader went after it had taken a part, which is then what was written.
     sigpending(&pending);
@@ -132,17 +132,16 @@ void ChildProcess::Drain() {
     end();
 }
 
-bool ChildProcess::Write(const std::byte* bytes, std::size_t count) {
-    while (count > 0) {
-        const ssize_t written = pipes_.input < 0 ? -1 : WriteQuietly(pipes_.input, bytes, count);
+bool ChildProcess::Write(std::span<const std::byte> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = pipes_.input < 0 ? -1 : WriteQuietly(pipes_.input, bytes);
         if (written < 0 && pipes_.input >= 0 && errno == EINTR) continue;
         if (written < 0) {
             // What an interruption did to a child is no answer.
             StayWhileEnding();
             return false;
         }
-        bytes += written;
-        count -= static_cast<std::size_t>(written);
+        bytes = bytes.subspan(static_cast<std::size_t>(written));
     }
     return true;
 }
@@ -151,10 +150,10 @@ void ChildProcess::CloseInput() {
     Close(pipes_.input);
 }
 
-std::size_t ChildProcess::Read(std::byte* bytes, std::size_t count) {
+std::size_t ChildProcess::Read(std::span<std::byte> bytes) {
     std::size_t done = 0;
-    while (done < count && pipes_.output >= 0) {
-        const ssize_t got = read(pipes_.output, bytes + done, count - done);
+    while (done < bytes.size() && pipes_.output >= 0) {
+        const ssize_t got = read(pipes_.output, bytes.data() + done, bytes.size() - done);
         if (got < 0 && errno == EINTR) continue;
         if (got <= 0) {
             StayWhileEnding();

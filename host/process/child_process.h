@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <thread>
 
@@ -46,11 +47,11 @@ class ChildProcess {
 
     /// Writes all bytes to its standard input, a pipe. False when it does not take them any more; this raises no
     /// signal.
-    bool Write(const std::byte* bytes, std::size_t count);
+    bool Write(std::span<const std::byte> bytes);
     /// No more input will come.
     void CloseInput();
-    /// Reads from its standard output, a pipe, until there are `count` bytes or no more. Returns how many there are.
-    std::size_t Read(std::byte* bytes, std::size_t count);
+    /// Reads from its standard output, a pipe, until `bytes` is full or no more come. Returns how many there are.
+    std::size_t Read(std::span<std::byte> bytes);
 
     /// Whether it has ended. Does not wait.
     bool HasEnded();

@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <nlohmann/json.hpp>
+#include <span>
 #include <sstream>
 #include <system_error>
 
@@ -44,9 +45,9 @@ Result<std::string> Ask(const ClipFacts& clip, std::vector<std::string> argument
     auto child = StartTool("ffprobe", arguments, Piped::kOutput);
     if (!child) return CannotRead(path, child.error().sentence);
     std::string text;
-    std::vector<std::byte> bytes(1 << 16);
-    while (const std::size_t count = (*child)->Read(bytes.data(), bytes.size())) {
-        text.append(static_cast<const char*>(static_cast<const void*>(bytes.data())), count);
+    std::vector<char> bytes(1 << 16);
+    while (const std::size_t count = (*child)->Read(std::as_writable_bytes(std::span(bytes)))) {
+        text.append(bytes.data(), count);
     }
     const ProcessEnd& end = (*child)->Wait();
     if (end.IsWell()) return text;

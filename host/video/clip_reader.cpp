@@ -69,7 +69,7 @@ Result<Picture> ClipReader::Read(int frame) {
         buffer_.resize(RawSize(format_, facts_.width, facts_.height));
         for (; next_ <= index; ++next_) {
             inBuffer_ = -1;
-            if (decoder_->Read(buffer_.data(), buffer_.size()) < buffer_.size()) return WhyNoMore(index);
+            if (decoder_->Read(buffer_) < buffer_.size()) return WhyNoMore(index);
         }
         inBuffer_ = index;
     }

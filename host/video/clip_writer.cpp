@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <span>
 #include <sstream>
 
 #include "host/image/picture_place.h"
@@ -46,7 +47,7 @@ Result<Done> CheckEncoder(const ClipCodec& codec, const std::string& path) {
     auto child = StartTool("ffmpeg", {"-encoders"}, Piped::kOutput);
     if (!child) return CannotWrite(path, child.error().sentence);
     std::string text(1 << 18, '\0');
-    text.resize((*child)->Read(static_cast<std::byte*>(static_cast<void*>(text.data())), text.size()));
+    text.resize((*child)->Read(std::as_writable_bytes(std::span(text))));
     if (const ProcessEnd& end = (*child)->Wait(); !end.IsWell()) return CannotWrite(path, EndText("ffmpeg", end));
     std::istringstream lines(text);
     std::string flags, name;
@@ -124,7 +125,7 @@ Failure ClipWriter::Died() {
 
 Result<Done> ClipWriter::Write(const World& picture) {
     const std::vector<std::byte> bytes = RawFromWorld(target_.raw, picture);
-    if (!encoder_->Write(bytes.data(), bytes.size())) return Died();
+    if (!encoder_->Write(bytes)) return Died();
     ++written_;
     return Done{};
 }

@@ -6,6 +6,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <span>
 #include <sstream>
 
 #include "host/process/child_process.h"
@@ -45,7 +46,7 @@ class Caught {
 std::string AllOf(ChildProcess& child) {
     std::string text;
     char bytes[1 << 16];
-    while (const std::size_t got = child.Read(static_cast<std::byte*>(static_cast<void*>(bytes)), sizeof bytes)) {
+    while (const std::size_t got = child.Read(std::as_writable_bytes(std::span(bytes)))) {
         text.append(bytes, got);
     }
     return text;

@@ -10,6 +10,7 @@
 #include <atomic>
 #include <cstdint>
 #include <cstring>
+#include <span>
 #include <string_view>
 #include <utility>
 
@@ -26,7 +27,7 @@ namespace {
 
 std::int64_t ReadBytes(exr_const_context_t, void* user, void* buffer, std::uint64_t size, std::uint64_t offset,
                        exr_stream_error_func_ptr_t) {
-    return ReadAt(*static_cast<const int*>(user), static_cast<off_t>(offset), buffer, size);
+    return ReadAt(*static_cast<const int*>(user), static_cast<off_t>(offset), {static_cast<std::byte*>(buffer), size});
 }
 
 std::int64_t SizeOf(exr_const_context_t, void* user) {
@@ -238,7 +239,8 @@ class ExrReader : public ImageReader {
 bool ReadsExr(int descriptor) {
     constexpr std::string_view kMagic = "\x76\x2f\x31\x01";
     char begin[4];
-    if (ReadAt(descriptor, 0, begin, sizeof begin) != sizeof begin || std::string_view(begin, sizeof begin) != kMagic) {
+    if (ReadAt(descriptor, 0, std::as_writable_bytes(std::span(begin))) != sizeof begin ||
+        std::string_view(begin, sizeof begin) != kMagic) {
         return false;
     }
     return ExrReader(descriptor).Open();

@@ -15,6 +15,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <span>
 #include <utility>
 
 #include "host/image/png/latin_text.h"
@@ -39,7 +40,7 @@ bool IsOfAnotherFormat(int descriptor, off_t at, const char* type) {
     constexpr char kXmp[] = "XML:com.adobe.xmp";
     constexpr char kRaw[] = "Raw profile type ";
     char key[sizeof kXmp]{};
-    if (ReadAt(descriptor, at, key, sizeof key) != sizeof key) return false;
+    if (ReadAt(descriptor, at, std::as_writable_bytes(std::span(key))) != sizeof key) return false;
     return std::memcmp(key, kXmp, sizeof kXmp) == 0 || std::memcmp(key, kRaw, sizeof kRaw - 1) == 0;
 }
 
@@ -109,7 +110,7 @@ class PngReader : public ImageReader {
     bool TakeBytes(png_bytep bytes, std::size_t size) {
         while (size > 0) {
             if (taken_ == filled_) {
-                const ssize_t count = ReadAt(descriptor_, at_, block_.data(), block_.size());
+                const ssize_t count = ReadAt(descriptor_, at_, std::as_writable_bytes(std::span(block_)));
                 if (count <= 0) {
                     shortage_ = count < 0 ? std::strerror(errno) : "the file ends too early";
                     return false;
@@ -254,13 +255,14 @@ void PngReader::TakeTexts() {
 
 bool ReadsPng(int descriptor) {
     unsigned char begin[kSignature];
-    if (ReadAt(descriptor, 0, begin, sizeof begin) != sizeof begin || png_sig_cmp(begin, 0, sizeof begin) != 0) {
+    if (ReadAt(descriptor, 0, std::as_writable_bytes(std::span(begin))) != sizeof begin ||
+        png_sig_cmp(begin, 0, sizeof begin) != 0) {
         return false;
     }
     // A damaged file ends the search, and is reported when it is opened.
     off_t at = kSignature;
     unsigned char chunk[8];
-    while (ReadAt(descriptor, at, chunk, sizeof chunk) == sizeof chunk) {
+    while (ReadAt(descriptor, at, std::as_writable_bytes(std::span(chunk))) == sizeof chunk) {
         const char* type = reinterpret_cast<const char*>(chunk + 4);
         if (IsOfAnotherFormat(descriptor, at + 8, type)) return false;
         // What follows the pixels is not looked at by anybody.

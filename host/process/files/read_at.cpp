@@ -9,11 +9,11 @@
 
 namespace umbrant::host {
 
-ssize_t ReadAt(int descriptor, off_t at, void* bytes, std::size_t size) {
-    auto* to = static_cast<char*>(bytes);
+ssize_t ReadAt(int descriptor, off_t at, std::span<std::byte> bytes) {
     std::size_t done = 0;
-    while (done < size) {
-        const ssize_t count = pread(descriptor, to + done, size - done, at + static_cast<off_t>(done));
+    while (done < bytes.size()) {
+        const auto rest = bytes.subspan(done);
+        const ssize_t count = pread(descriptor, rest.data(), rest.size(), at + static_cast<off_t>(done));
         if (count < 0 && errno == EINTR) continue;
         if (count < 0) return -1;
         if (count == 0) break;

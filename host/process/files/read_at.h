@@ -7,11 +7,12 @@
 #include <sys/types.h>
 
 #include <cstddef>
+#include <span>
 
 namespace umbrant::host {
 
-/// Reads up to `size` bytes from a place of a file; the file's own position stays. Returns how many there are, fewer
-/// only at the file's end; negative for an error, which errno then names.
-ssize_t ReadAt(int descriptor, off_t at, void* bytes, std::size_t size);
+/// Fills `bytes` from a place of a file; the file's own position stays. Returns how many there are, fewer only at the
+/// file's end; negative for an error, which errno then names.
+ssize_t ReadAt(int descriptor, off_t at, std::span<std::byte> bytes);
 
 }  // namespace umbrant::host

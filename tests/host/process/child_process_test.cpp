@@ -18,6 +18,7 @@
 #include <csignal>
 #include <fstream>
 #include <memory>
+#include <span>
 #include <string>
 #include <thread>
 #include <vector>
@@ -52,9 +53,9 @@ std::unique_ptr<ChildProcess> Shell(const std::string& script, Piped piped) {
 }
 
 std::string AllOf(ChildProcess& child) {
-    std::vector<std::byte> bytes(1 << 22);
-    const std::size_t count = child.Read(bytes.data(), bytes.size());
-    return {static_cast<const char*>(static_cast<const void*>(bytes.data())), count};
+    std::string text(1 << 22, '\0');
+    text.resize(child.Read(std::as_writable_bytes(std::span(text))));
+    return text;
 }
 
 bool HasChildren() {
@@ -104,7 +105,7 @@ TEST(ChildProcess, HowItEnded) {
 TEST(ChildProcess, MuchOnStandardErrorStopsNobody) {
     auto child = Shell("yes trouble | head -c 3000000 >&2; wc -c; echo 'at last' >&2; exit 1", Piped::kInput);
     const std::vector<std::byte> bytes(1 << 20);
-    EXPECT_TRUE(child->Write(bytes.data(), bytes.size()));
+    EXPECT_TRUE(child->Write(bytes));
     EXPECT_EQ(child->Wait().lastLine, "at last");
 }
 
@@ -112,9 +113,9 @@ TEST(ChildProcess, WritingToOneThatTakesNoMore) {
     signal(SIGPIPE, SIG_DFL);
     auto child = Shell("exit 5", Piped::kInput);
     const std::vector<std::byte> bytes(1 << 22);
-    EXPECT_FALSE(child->Write(bytes.data(), bytes.size())) << "and this process still lives";
+    EXPECT_FALSE(child->Write(bytes)) << "and this process still lives";
     EXPECT_EQ(child->Wait().code, 5);
-    EXPECT_FALSE(child->Write(bytes.data(), 1)) << "after its end";
+    EXPECT_FALSE(child->Write(std::span(bytes).first(1))) << "after its end";
 }
 
 TEST(ChildProcess, ItsPipeSignalIsTheUsualOne) {
@@ -122,7 +123,7 @@ TEST(ChildProcess, ItsPipeSignalIsTheUsualOne) {
     signal(SIGPIPE, SIG_IGN);
     auto child = Shell("exec yes", Piped::kOutput);
     std::byte byte;
-    EXPECT_EQ(child->Read(&byte, 1), 1u);
+    EXPECT_EQ(child->Read({&byte, 1}), 1u);
     EXPECT_EQ(child->Wait().signal, SIGPIPE);
     signal(SIGPIPE, SIG_DFL);
 }
@@ -185,9 +186,9 @@ bool Ends(int process) {
 TEST(ChildProcess, KillingItEndsWhatItStarted) {
     auto child = Shell("sleep 1000 & echo $!; wait", Piped::kOutput);
     std::byte text[32]{};
-    ASSERT_GT(child->Read(text, 2), 0u);
+    ASSERT_GT(child->Read(std::span(text).first(2)), 0u);
     std::size_t count = 2;
-    while (text[count - 1] != std::byte{'\n'} && child->Read(text + count, 1) == 1) ++count;
+    while (text[count - 1] != std::byte{'\n'} && child->Read(std::span(text).subspan(count, 1)) == 1) ++count;
     const int started = std::stoi(std::string(static_cast<const char*>(static_cast<const void*>(text)), count));
     EXPECT_EQ(child->Kill().signal, SIGKILL);
     EXPECT_TRUE(Ends(started));

@@ -15,6 +15,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <span>
 #include <string>
 
 #include "host/process/child_process.h"
@@ -42,7 +43,7 @@ class ProgramStartTest : public testing::Test {
         auto child = ChildProcess::Start(start);
         if (!child) return "not started: " + child.error().sentence;
         std::string text(1 << 16, '\0');
-        text.resize((*child)->Read(static_cast<std::byte*>(static_cast<void*>(text.data())), text.size()));
+        text.resize((*child)->Read(std::as_writable_bytes(std::span(text))));
         EXPECT_TRUE((*child)->Wait().IsWell());
         return text;
     }
