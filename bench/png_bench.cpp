@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -44,8 +45,8 @@ std::size_t ByZlib(const World& world) {
             row[at + 2] = pixels[x].blue;
             row[at + 3] = pixels[x].alpha;
         }
-        FilterRow(row.data(), above.data(), rowBytes, 4,
-                  filtered.data() + static_cast<std::size_t>(y) * (rowBytes + 1));
+        FilterRow(row, above, 4,
+                  std::span(filtered).subspan(static_cast<std::size_t>(y) * (rowBytes + 1), rowBytes + 1));
         row.swap(above);
     }
     uLongf size = compressBound(static_cast<uLong>(filtered.size()));

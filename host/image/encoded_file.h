@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -27,11 +28,11 @@ class EncodedFile {
     void CopyFrom(int descriptor);
 
     /// Writes bytes at a place, after zeros where nothing was written before it. A failure is remembered.
-    void Write(std::size_t at, const void* bytes, std::size_t size);
+    void Write(std::size_t at, std::span<const std::byte> bytes);
     /// Writes bytes behind the last.
-    void Append(const void* bytes, std::size_t size) { Write(size_, bytes, size); }
-    /// Reads bytes from a place. Returns how many there are, at most `size`.
-    std::size_t Read(std::size_t at, void* bytes, std::size_t size) const;
+    void Append(std::span<const std::byte> bytes) { Write(size_, bytes); }
+    /// Fills `bytes` from a place. Returns how many there are.
+    std::size_t Read(std::size_t at, std::span<std::byte> bytes) const;
     std::size_t Size() const { return size_; }
 
  private:
@@ -42,6 +43,6 @@ class EncodedFile {
 };
 
 /// Writes all bytes to an open file, however many at a time it takes. Returns why that failed, or nothing.
-std::optional<std::string> WriteAll(int descriptor, const void* bytes, std::size_t size);
+std::optional<std::string> WriteAll(int descriptor, std::span<const std::byte> bytes);
 
 }  // namespace umbrant::host

@@ -76,9 +76,8 @@ void ImageLayout::SetReal(const std::string& name, float value) {
     Set(Single(name, AttributeType::kFloat, value));
 }
 
-void ImageLayout::SetBytes(const std::string& name, const void* bytes, std::size_t count) {
-    const auto* begin = static_cast<const std::byte*>(bytes);
-    Set({name, {AttributeType::kUint8, 1, 0, static_cast<int>(count)}, {begin, begin + count}, {}});
+void ImageLayout::SetBytes(const std::string& name, std::span<const std::byte> bytes) {
+    Set({name, {AttributeType::kUint8, 1, 0, static_cast<int>(bytes.size())}, {bytes.begin(), bytes.end()}, {}});
 }
 
 }  // namespace umbrant::host

@@ -6,6 +6,7 @@
 // under the image library's names. Inside host/image and host/image_library only.
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -63,7 +64,7 @@ struct ImageLayout {
     void SetText(const std::string& name, const std::string& text);
     void SetNumber(const std::string& name, int value);
     void SetReal(const std::string& name, float value);
-    void SetBytes(const std::string& name, const void* bytes, std::size_t count);
+    void SetBytes(const std::string& name, std::span<const std::byte> bytes);
 };
 
 }  // namespace umbrant::host

@@ -15,6 +15,7 @@
 #include <memory>
 #include <new>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -186,14 +187,14 @@ std::string FormatByContent(int descriptor) {
 /// Reads all of standard input into a file in memory. Returns the reason on failure.
 std::optional<std::string> TakeStandardInput(int file) {
     constexpr std::int64_t kMost = std::int64_t{1} << 32;  // more than an image that may be drawn
-    std::vector<char> block(std::size_t{1} << 20);
+    std::vector<std::byte> block(std::size_t{1} << 20);
     for (std::int64_t taken = 0; taken <= kMost;) {
         const ssize_t count = read(STDIN_FILENO, block.data(), block.size());
         if (count < 0 && errno == EINTR) continue;
         if (count < 0) return std::strerror(errno);
         if (count == 0) return taken == 0 ? std::optional<std::string>("standard input is empty") : std::nullopt;
         taken += count;
-        if (auto problem = WriteAll(file, block.data(), static_cast<std::size_t>(count))) return problem;
+        if (auto problem = WriteAll(file, std::span(block).first(static_cast<std::size_t>(count)))) return problem;
     }
     return "standard input is longer than 4 GiB";
 }

@@ -10,6 +10,7 @@
 #include <exception>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -195,7 +196,7 @@ Result<std::string> EncodePicture(const World& world, const Placement& place, co
         return CannotWrite(output, *problem);
     }
     std::string bytes(encoded.Size(), '\0');
-    encoded.Read(0, bytes.data(), bytes.size());
+    encoded.Read(0, std::as_writable_bytes(std::span(bytes)));
     return bytes;
 }
 

@@ -24,21 +24,21 @@ class EncodedProxy : public OIIO::Filesystem::IOProxy {
         return true;
     }
     size_t write(const void* bytes, size_t size) override {
-        file_.Write(static_cast<std::size_t>(m_pos), bytes, size);
+        pwrite(bytes, size, m_pos);
         m_pos += static_cast<int64_t>(size);
         return size;
     }
     size_t pwrite(const void* bytes, size_t size, int64_t offset) override {
-        file_.Write(static_cast<std::size_t>(offset), bytes, size);
+        file_.Write(static_cast<std::size_t>(offset), {static_cast<const std::byte*>(bytes), size});
         return size;
     }
     size_t read(void* bytes, size_t size) override {
-        const std::size_t count = file_.Read(static_cast<std::size_t>(m_pos), bytes, size);
+        const std::size_t count = pread(bytes, size, m_pos);
         m_pos += static_cast<int64_t>(count);
         return count;
     }
     size_t pread(void* bytes, size_t size, int64_t offset) override {
-        return file_.Read(static_cast<std::size_t>(offset), bytes, size);
+        return file_.Read(static_cast<std::size_t>(offset), {static_cast<std::byte*>(bytes), size});
     }
     size_t size() const override { return file_.Size(); }
 

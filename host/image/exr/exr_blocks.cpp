@@ -19,33 +19,35 @@ namespace {
 constexpr unsigned kBias = 128;
 
 /// Undoes the differences in place.
-void Sum(std::byte* bytes, std::size_t size) {
-    auto* values = reinterpret_cast<std::uint8_t*>(bytes);
-    for (std::size_t i = 1; i < size; ++i) values[i] = static_cast<std::uint8_t>(values[i - 1] + values[i] - kBias);
+void Sum(std::span<std::byte> bytes) {
+    auto* const values = reinterpret_cast<std::uint8_t*>(bytes.data());
+    for (std::size_t i = 1; i < bytes.size(); ++i) {
+        values[i] = static_cast<std::uint8_t>(values[i - 1] + values[i] - kBias);
+    }
 }
 
-/// Puts the bytes of the first half between those of the second.
-void Interleave(const std::byte* from, std::size_t size, std::byte* to) {
-    const std::byte* second = from + (size + 1) / 2;
-    const std::size_t pairs = size / 2;
+/// Puts the bytes of the first half between those of the second. `to` is as long as `from`.
+void Interleave(std::span<const std::byte> from, std::span<std::byte> to) {
+    const std::size_t pairs = from.size() / 2;
+    const auto second = from.last(pairs);
     for (std::size_t i = 0; i < pairs; ++i) {
         to[2 * i] = from[i];
         to[2 * i + 1] = second[i];
     }
-    if (size % 2 != 0) to[size - 1] = from[pairs];
+    if (from.size() % 2 != 0) to[2 * pairs] = from[pairs];
 }
 
 /// The other way, and takes the differences.
-void SortAndSubtract(const std::byte* from, std::size_t size, std::byte* to) {
-    std::byte* second = to + (size + 1) / 2;
-    const std::size_t pairs = size / 2;
+void SortAndSubtract(std::span<const std::byte> from, std::span<std::byte> to) {
+    const std::size_t pairs = from.size() / 2;
+    const auto second = to.last(pairs);
     for (std::size_t i = 0; i < pairs; ++i) {
         to[i] = from[2 * i];
         second[i] = from[2 * i + 1];
     }
-    if (size % 2 != 0) to[pairs] = from[size - 1];
-    auto* values = reinterpret_cast<std::uint8_t*>(to);
-    for (std::size_t i = size; i-- > 1;) values[i] = static_cast<std::uint8_t>(values[i] - values[i - 1] + kBias);
+    if (from.size() % 2 != 0) to[pairs] = from[2 * pairs];
+    auto* const values = reinterpret_cast<std::uint8_t*>(to.data());
+    for (std::size_t i = to.size(); i-- > 1;) values[i] = static_cast<std::uint8_t>(values[i] - values[i - 1] + kBias);
 }
 
 bool IsZip(exr_compression_t compression) {
@@ -67,15 +69,15 @@ ExrBlockReader::~ExrBlockReader() {
     libdeflate_free_decompressor(inflate_);
 }
 
-exr_result_t ExrBlockReader::Read(const exr_chunk_info_t& block, std::size_t size, const std::byte** bytes) {
+exr_result_t ExrBlockReader::Read(const exr_chunk_info_t& block, std::size_t size, std::span<const std::byte>& bytes) {
     if (block.unpacked_size != size || block.packed_size > size || block.packed_size == 0) return EXR_ERR_CORRUPT_CHUNK;
     exr_result_t result = EXR_ERR_SUCCESS;
     if (block.packed_size == size || IsZip(compression_)) {
         result = ReadZip(block, size);
-        *bytes = bytes_.data();
+        bytes = bytes_;
     } else {
         result = ReadByLibrary(block, size);
-        *bytes = static_cast<const std::byte*>(pipeline_.unpacked_buffer);
+        if (result == EXR_ERR_SUCCESS) bytes = {static_cast<const std::byte*>(pipeline_.unpacked_buffer), size};
     }
     return result;
 }
@@ -93,8 +95,8 @@ exr_result_t ExrBlockReader::ReadZip(const exr_chunk_info_t& block, std::size_t 
         expanded != size) {
         return EXR_ERR_CORRUPT_CHUNK;
     }
-    Sum(sorted_.data(), size);
-    Interleave(sorted_.data(), size, bytes_.data());
+    Sum(sorted_);
+    Interleave(sorted_, bytes_);
     return EXR_ERR_SUCCESS;
 }
 
@@ -124,7 +126,7 @@ ExrBlockWriter::~ExrBlockWriter() {
 std::vector<std::byte> ExrBlockWriter::Packed(const std::vector<std::byte>& bytes) {
     if (!IsZip(compression_)) return bytes;
     sorted_.resize(bytes.size());
-    SortAndSubtract(bytes.data(), bytes.size(), sorted_.data());
+    SortAndSubtract(bytes, sorted_);
     // One that gets no smaller does not fit, and is stored as it is.
     std::vector<std::byte> packed(bytes.size() - 1);
     const std::size_t size =
@@ -134,26 +136,30 @@ std::vector<std::byte> ExrBlockWriter::Packed(const std::vector<std::byte>& byte
     return packed;
 }
 
-void UnpackExrRow(const std::byte* bytes, std::size_t size, std::size_t count, float* values, std::size_t step) {
+void UnpackExrRow(std::span<const std::byte> bytes, std::size_t size, float* values, std::size_t step) {
     static_assert(std::endian::native == std::endian::little, "the file's order of bytes");
-    for (std::size_t i = 0; i < count; ++i, bytes += size, values += step) {
+    const std::byte* from = bytes.data();
+    const std::size_t count = bytes.size() / size;
+    for (std::size_t i = 0; i < count; ++i, from += size, values += step) {
         if (size == sizeof(float)) {
-            std::memcpy(values, bytes, sizeof(float));
+            std::memcpy(values, from, sizeof(float));
         } else {
             imath_half_bits_t bits;
-            std::memcpy(&bits, bytes, sizeof bits);
+            std::memcpy(&bits, from, sizeof bits);
             *values = imath_half_to_float(bits);
         }
     }
 }
 
-void PackExrRow(const float* values, std::size_t step, std::size_t count, std::size_t size, std::byte* bytes) {
-    for (std::size_t i = 0; i < count; ++i, bytes += size, values += step) {
+void PackExrRow(const float* values, std::size_t step, std::size_t size, std::span<std::byte> bytes) {
+    std::byte* to = bytes.data();
+    const std::size_t count = bytes.size() / size;
+    for (std::size_t i = 0; i < count; ++i, to += size, values += step) {
         if (size == sizeof(float)) {
-            std::memcpy(bytes, values, sizeof(float));
+            std::memcpy(to, values, sizeof(float));
         } else {
             const imath_half_bits_t bits = imath_float_to_half(*values);
-            std::memcpy(bytes, &bits, sizeof bits);
+            std::memcpy(to, &bits, sizeof bits);
         }
     }
 }

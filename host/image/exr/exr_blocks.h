@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <vector>
 
 struct libdeflate_compressor;
@@ -26,7 +27,7 @@ class ExrBlockReader {
     ExrBlockReader& operator=(const ExrBlockReader&) = delete;
 
     /// Gives the block's `size` bytes: row by row, in a row channel by channel. They last until the next call.
-    exr_result_t Read(const exr_chunk_info_t& block, std::size_t size, const std::byte** bytes);
+    exr_result_t Read(const exr_chunk_info_t& block, std::size_t size, std::span<const std::byte>& bytes);
 
  private:
     exr_result_t ReadZip(const exr_chunk_info_t& block, std::size_t size);
@@ -57,9 +58,9 @@ class ExrBlockWriter {
     std::vector<std::byte> sorted_;
 };
 
-/// Converts the values of one channel in one row, halves or floats by their size in bytes, to every `step`th float.
-void UnpackExrRow(const std::byte* bytes, std::size_t size, std::size_t count, float* values, std::size_t step);
-/// The other way.
-void PackExrRow(const float* values, std::size_t step, std::size_t count, std::size_t size, std::byte* bytes);
+/// Converts the values of one channel in one row, halves or floats by their `size` in bytes, to every `step`th float.
+void UnpackExrRow(std::span<const std::byte> bytes, std::size_t size, float* values, std::size_t step);
+/// The other way, as many values as `bytes` has room for.
+void PackExrRow(const float* values, std::size_t step, std::size_t size, std::span<std::byte> bytes);
 
 }  // namespace umbrant::host

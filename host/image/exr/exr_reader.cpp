@@ -104,8 +104,8 @@ class ExrReader : public ImageReader {
             if (!reader) reader = std::make_unique<ExrBlockReader>(file_.get(), compression_);
             exr_chunk_info_t block{};
             exr_result_t result = FindBlock(index, &block);
-            const std::byte* bytes = nullptr;
-            if (result == EXR_ERR_SUCCESS) result = reader->Read(block, BytesOf(block), &bytes);
+            std::span<const std::byte> bytes;
+            if (result == EXR_ERR_SUCCESS) result = reader->Read(block, BytesOf(block), bytes);
             if (result != EXR_ERR_SUCCESS) {
                 failure = result;
                 return false;
@@ -203,7 +203,8 @@ class ExrReader : public ImageReader {
     }
 
     /// Puts a block's values where they belong among all of the channels from `begin` to before `end`.
-    void Unpack(const exr_chunk_info_t& block, const std::byte* bytes, int begin, int end, float* values) const {
+    void Unpack(const exr_chunk_info_t& block, std::span<const std::byte> bytes, int begin, int end,
+                float* values) const {
         const int left = isTiled_ ? block.start_x * tileWidth_ : 0;
         const int top = isTiled_ ? block.start_y * tileHeight_ : block.start_y - layout_.y;
         const auto count = static_cast<std::size_t>(end - begin);
@@ -215,9 +216,9 @@ class ExrReader : public ImageReader {
             for (std::size_t i = 0; i < channels_.size(); ++i) {
                 const std::size_t size = channels_[i].Size();
                 if (const int place = places_[i]; place >= begin && place < end) {
-                    UnpackExrRow(bytes, size, width, row + (place - begin), count);
+                    UnpackExrRow(bytes.first(size * width), size, row + (place - begin), count);
                 }
-                bytes += size * width;
+                bytes = bytes.subspan(size * width);
             }
         }
     }

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <span>
 #include <utility>
 
 #include "host/compositing/row_pool.h"
@@ -25,7 +26,7 @@ std::optional<exr_compression_t> CompressionNamed(const std::string& name) {
 
 std::int64_t WriteAt(exr_const_context_t, void* user, const void* bytes, std::uint64_t size, std::uint64_t offset,
                      exr_stream_error_func_ptr_t) {
-    static_cast<EncodedFile*>(user)->Write(offset, bytes, size);
+    static_cast<EncodedFile*>(user)->Write(offset, {static_cast<const std::byte*>(bytes), size});
     return static_cast<std::int64_t>(size);
 }
 
@@ -92,12 +93,12 @@ class ExrWriter {
         const auto channels = static_cast<std::size_t>(image_.layout.ChannelCount());
         const std::size_t size = type_ == EXR_PIXEL_FLOAT ? 4 : 2;
         bytes.resize(values.size() * size);
-        std::byte* to = bytes.data();
+        std::span<std::byte> to = bytes;
         for (int y = begin; y < end; ++y) {
             const float* row = values.data() + static_cast<std::size_t>(y - begin) * width * channels;
             for (const std::size_t channel : order_) {
-                PackExrRow(row + channel, channels, width, size, to);
-                to += width * size;
+                PackExrRow(row + channel, channels, size, to.first(width * size));
+                to = to.subspan(width * size);
             }
         }
     }

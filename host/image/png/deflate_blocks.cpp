@@ -25,10 +25,8 @@ constexpr std::size_t kWantedBlocks = 16;
 constexpr char kNoMemory[] = "not enough memory";
 
 struct Block {
-    const std::uint8_t* bytes = nullptr;
-    std::size_t size = 0;
-    const std::uint8_t* before = nullptr;
-    std::size_t beforeSize = 0;
+    std::span<const std::uint8_t> bytes;
+    std::span<const std::uint8_t> before;
     bool isLast = false;
 };
 
@@ -78,9 +76,11 @@ std::size_t ByZlib(const Block& block, const Search& search, Scratch& scratch) {
         scratch.hasStream = true;
     }
     deflateTune(&stream, search.good, search.lazy, search.nice, search.chain);
-    if (block.beforeSize > 0) deflateSetDictionary(&stream, block.before, static_cast<uInt>(block.beforeSize));
-    stream.next_in = const_cast<Bytef*>(block.bytes);
-    stream.avail_in = static_cast<uInt>(block.size);
+    if (!block.before.empty()) {
+        deflateSetDictionary(&stream, block.before.data(), static_cast<uInt>(block.before.size()));
+    }
+    stream.next_in = const_cast<Bytef*>(block.bytes.data());
+    stream.avail_in = static_cast<uInt>(block.bytes.size());
     stream.next_out = scratch.out.get();
     stream.avail_out = static_cast<uInt>(scratch.size);
     deflate(&stream, block.isLast ? Z_FINISH : Z_SYNC_FLUSH);
@@ -95,12 +95,12 @@ std::size_t ByIsal(const Block& block, Scratch& scratch) {
     stream.level = 1;
     stream.level_buf = scratch.tables.get();
     stream.level_buf_size = ISAL_DEF_LVL1_DEFAULT;
-    if (block.beforeSize > 0) {
-        isal_deflate_set_dict(&stream, const_cast<std::uint8_t*>(block.before),
-                              static_cast<std::uint32_t>(block.beforeSize));
+    if (!block.before.empty()) {
+        isal_deflate_set_dict(&stream, const_cast<std::uint8_t*>(block.before.data()),
+                              static_cast<std::uint32_t>(block.before.size()));
     }
-    stream.next_in = const_cast<std::uint8_t*>(block.bytes);
-    stream.avail_in = static_cast<std::uint32_t>(block.size);
+    stream.next_in = const_cast<std::uint8_t*>(block.bytes.data());
+    stream.avail_in = static_cast<std::uint32_t>(block.bytes.size());
     stream.next_out = scratch.out.get();
     stream.avail_out = static_cast<std::uint32_t>(scratch.size);
     stream.end_of_stream = block.isLast;
@@ -123,13 +123,14 @@ std::size_t CompressInto(const Block& block, DeflateEffort effort, Scratch& scra
 
 /// False for want of memory.
 bool Compress(const Block& block, DeflateEffort effort, Scratch& scratch, Compressed& compressed) {
-    if (const std::size_t bound = BoundOf(block.size); scratch.size < bound) {
+    if (const std::size_t bound = BoundOf(block.bytes.size()); scratch.size < bound) {
         scratch.out.reset(new std::uint8_t[bound]);
         scratch.size = bound;
     }
     const std::size_t size = CompressInto(block, effort, scratch);
     compressed.bytes.assign(scratch.out.get(), scratch.out.get() + size);
-    compressed.checksum = static_cast<std::uint32_t>(adler32(1, block.bytes, static_cast<uInt>(block.size)));
+    compressed.checksum =
+        static_cast<std::uint32_t>(adler32(1, block.bytes.data(), static_cast<uInt>(block.bytes.size())));
     return size > 0;
 }
 
@@ -149,21 +150,21 @@ std::vector<std::uint8_t> Header(DeflateEffort effort) {
 
 }  // namespace
 
-BlockDeflater::BlockDeflater(DeflateEffort effort,
-                             std::function<void(const std::uint8_t* bytes, std::size_t size)> write)
+BlockDeflater::BlockDeflater(DeflateEffort effort, std::function<void(std::span<const std::uint8_t> bytes)> write)
     : effort_(effort), write_(std::move(write)) {}
 
-std::optional<std::string> BlockDeflater::Add(const std::uint8_t* bytes, std::size_t size, bool isLast) {
+std::optional<std::string> BlockDeflater::Add(std::span<const std::uint8_t> bytes, bool isLast) {
+    const std::size_t size = bytes.size();
     std::vector<Block> blocks;
     // The window of the first blocks is partly before this piece.
     std::vector<std::uint8_t> joined = before_;
-    joined.insert(joined.end(), bytes, bytes + std::min(kWindow, size));
+    joined.insert(joined.end(), bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(std::min(kWindow, size)));
     // Not by the number of threads: an image has the same bytes on every machine.
     const std::size_t most = std::clamp(size / kWantedBlocks, kSmallestBlock, kLargestBlock);
     for (std::size_t at = 0; at < size || (isLast && blocks.empty()); at += most) {
         const std::size_t known = std::min(kWindow, before_.size() + at);
-        const std::uint8_t* end = at < kWindow ? joined.data() + before_.size() + at : bytes + at;
-        blocks.push_back({bytes + at, std::min(most, size - at), end - known, known, false});
+        const std::uint8_t* end = at < kWindow ? joined.data() + before_.size() + at : bytes.data() + at;
+        blocks.push_back({bytes.subspan(at, std::min(most, size - at)), {end - known, known}, false});
     }
     if (isLast) blocks.back().isLast = true;
 
@@ -179,21 +180,21 @@ std::optional<std::string> BlockDeflater::Add(const std::uint8_t* bytes, std::si
 
     if (!std::exchange(hasBegun_, true)) {
         const std::vector<std::uint8_t> header = Header(effort_);
-        write_(header.data(), header.size());
+        write_(header);
     }
     for (std::size_t i = 0; i < blocks.size(); ++i) {
-        write_(compressed[i].bytes.data(), compressed[i].bytes.size());
+        write_(compressed[i].bytes);
         checksum_ = static_cast<std::uint32_t>(
-            adler32_combine(checksum_, compressed[i].checksum, static_cast<z_off_t>(blocks[i].size)));
+            adler32_combine(checksum_, compressed[i].checksum, static_cast<z_off_t>(blocks[i].bytes.size())));
     }
     if (isLast) {
         const std::uint8_t end[] = {static_cast<std::uint8_t>(checksum_ >> 24),
                                     static_cast<std::uint8_t>(checksum_ >> 16),
                                     static_cast<std::uint8_t>(checksum_ >> 8), static_cast<std::uint8_t>(checksum_)};
-        write_(end, sizeof end);
+        write_(end);
     }
-    const std::size_t kept = std::min(kWindow, size);
-    before_.assign(bytes + size - kept, bytes + size);
+    const auto kept = bytes.last(std::min(kWindow, size));
+    before_.assign(kept.begin(), kept.end());
     return std::nullopt;
 }
 

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -25,15 +26,15 @@ enum class DeflateEffort {
 class BlockDeflater {
  public:
     /// `write` gets the bytes of the stream, in their order.
-    BlockDeflater(DeflateEffort effort, std::function<void(const std::uint8_t* bytes, std::size_t size)> write);
+    BlockDeflater(DeflateEffort effort, std::function<void(std::span<const std::uint8_t> bytes)> write);
 
     /// Compresses some bytes, the last of all with `isLast`. A piece is cut into blocks of one size, so how long
     /// pieces are decides what the stream looks like, and the number of threads does not. Returns why it could not.
-    std::optional<std::string> Add(const std::uint8_t* bytes, std::size_t size, bool isLast);
+    std::optional<std::string> Add(std::span<const std::uint8_t> bytes, bool isLast);
 
  private:
     DeflateEffort effort_;
-    std::function<void(const std::uint8_t*, std::size_t)> write_;
+    std::function<void(std::span<const std::uint8_t>)> write_;
     std::vector<std::uint8_t> before_;  ///< what the next block may refer to
     std::uint32_t checksum_ = 1;
     bool hasBegun_ = false;

@@ -4,7 +4,6 @@
 #include "host/image/png/png_filter.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace umbrant::host {
 
@@ -18,9 +17,10 @@ std::uint8_t SizeOf(std::uint8_t difference) {
     return difference < negative ? difference : negative;
 }
 
-/// The sum of sizes of a row's bytes, less those a pixel, or a row, before them where these count.
+/// The sum of sizes of some bytes of a row, less those a pixel, or a row, before them where these count.
 template <bool kIsDifference>
-std::uint64_t Cost(const std::uint8_t* row, const std::uint8_t* before, std::size_t size) {
+std::uint64_t Cost(std::span<const std::uint8_t> row, std::span<const std::uint8_t> before) {
+    const std::size_t size = row.size();
     const auto sizeAt = [&](std::size_t i) {
         return SizeOf(kIsDifference ? static_cast<std::uint8_t>(row[i] - before[i]) : row[i]);
     };
@@ -42,28 +42,30 @@ std::uint64_t Cost(const std::uint8_t* row, const std::uint8_t* before, std::siz
     return cost;
 }
 
-void Subtract(const std::uint8_t* row, const std::uint8_t* before, std::size_t size, std::uint8_t* to) {
-    for (std::size_t i = 0; i < size; ++i) to[i] = static_cast<std::uint8_t>(row[i] - before[i]);
+void Subtract(std::span<const std::uint8_t> row, std::span<const std::uint8_t> before, std::span<std::uint8_t> to) {
+    for (std::size_t i = 0; i < row.size(); ++i) to[i] = static_cast<std::uint8_t>(row[i] - before[i]);
 }
 
 }  // namespace
 
-void FilterRow(const std::uint8_t* row, const std::uint8_t* above, std::size_t size, std::size_t pixel,
-               std::uint8_t* to) {
-    const std::size_t first = std::min(pixel, size);
-    const std::uint64_t none = Cost<false>(row, nullptr, size);
-    const std::uint64_t sub = Cost<false>(row, nullptr, first) + Cost<true>(row + first, row, size - first);
-    const std::uint64_t up = Cost<true>(row, above, size);
+void FilterRow(std::span<const std::uint8_t> row, std::span<const std::uint8_t> above, std::size_t pixel,
+               std::span<std::uint8_t> to) {
+    const auto first = row.first(std::min(pixel, row.size()));
+    const auto others = row.subspan(first.size());
+    const std::uint64_t none = Cost<false>(row, {});
+    const std::uint64_t sub = Cost<false>(first, {}) + Cost<true>(others, row);
+    const std::uint64_t up = Cost<true>(row, above);
+    const auto filtered = to.subspan(1);
     if (none <= sub && none <= up) {
-        *to = kNone;
-        std::memcpy(to + 1, row, size);
+        to[0] = kNone;
+        std::copy(row.begin(), row.end(), filtered.begin());
     } else if (sub <= up) {
-        *to = kSub;
-        std::memcpy(to + 1, row, first);
-        Subtract(row + first, row, size - first, to + 1 + first);
+        to[0] = kSub;
+        std::copy(first.begin(), first.end(), filtered.begin());
+        Subtract(others, row, filtered.subspan(first.size()));
     } else {
-        *to = kUp;
-        Subtract(row, above, size, to + 1);
+        to[0] = kUp;
+        Subtract(row, above, filtered);
     }
 }
 

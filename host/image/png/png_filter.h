@@ -6,16 +6,17 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 namespace umbrant::host {
 
 /// Writes a row as PNG stores it: the number of the filter, then the bytes minus the prediction. Of the filters
 /// none, sub and up it takes the one whose bytes, as signed numbers, have the smallest sum of sizes; the first of equal
 /// ones.
-/// \param row, above: `size` bytes each; `above` is the row before, zeros for the first
+/// \param above: the row before, zeros for the first; as long as `row`
 /// \param pixel: bytes of a pixel
-/// \param to: `size` + 1 bytes
-void FilterRow(const std::uint8_t* row, const std::uint8_t* above, std::size_t size, std::size_t pixel,
-               std::uint8_t* to);
+/// \param to: one byte longer than `row`
+void FilterRow(std::span<const std::uint8_t> row, std::span<const std::uint8_t> above, std::size_t pixel,
+               std::span<std::uint8_t> to);
 
 }  // namespace umbrant::host

@@ -103,12 +103,12 @@ class PngReader : public ImageReader {
     static void Ignore(png_structp, png_const_charp) {}
     static void Take(png_structp png, png_bytep bytes, size_t size) {
         auto& reader = *static_cast<PngReader*>(png_get_io_ptr(png));
-        if (!reader.TakeBytes(bytes, size)) png_error(png, reader.shortage_);
+        if (!reader.TakeBytes({bytes, size})) png_error(png, reader.shortage_);
     }
 
     /// Reads larger blocks, because libpng requests a few bytes at a time.
-    bool TakeBytes(png_bytep bytes, std::size_t size) {
-        while (size > 0) {
+    bool TakeBytes(std::span<png_byte> bytes) {
+        while (!bytes.empty()) {
             if (taken_ == filled_) {
                 const ssize_t count = ReadAt(descriptor_, at_, std::as_writable_bytes(std::span(block_)));
                 if (count <= 0) {
@@ -119,11 +119,10 @@ class PngReader : public ImageReader {
                 taken_ = 0;
                 filled_ = static_cast<std::size_t>(count);
             }
-            const std::size_t count = std::min(size, filled_ - taken_);
-            std::memcpy(bytes, block_.data() + taken_, count);
+            const std::size_t count = std::min(bytes.size(), filled_ - taken_);
+            std::memcpy(bytes.data(), block_.data() + taken_, count);
             taken_ += count;
-            bytes += count;
-            size -= count;
+            bytes = bytes.subspan(count);
         }
         return true;
     }
@@ -206,7 +205,9 @@ void PngReader::TakeColorSpace() {
     png_bytep profile = nullptr;
     png_uint_32 size = 0;
     int method = 0;
-    if (png_get_iCCP(png_, info_, &name, &method, &profile, &size)) layout_.SetBytes("ICCProfile", profile, size);
+    if (png_get_iCCP(png_, info_, &name, &method, &profile, &size)) {
+        layout_.SetBytes("ICCProfile", std::as_bytes(std::span(profile, size)));
+    }
 }
 
 void PngReader::TakePlace() {

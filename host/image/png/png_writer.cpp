@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <span>
 #include <utility>
 
 #include "host/compositing/row_pool.h"
@@ -49,7 +50,7 @@ struct PngFile {
 void Ignore(png_structp, png_const_charp) {}
 
 void Put(png_structp png, png_bytep bytes, size_t size) {
-    static_cast<PngFile*>(png_get_io_ptr(png))->encoded.Append(bytes, size);
+    static_cast<PngFile*>(png_get_io_ptr(png))->encoded.Append(std::as_bytes(std::span(bytes, size)));
 }
 
 void Flush(png_structp) {}
@@ -149,9 +150,9 @@ bool WriteInfo(PngFile& file) {
     return true;
 }
 
-bool WriteChunk(PngFile& file, const char* type, const std::uint8_t* bytes, std::size_t size) {
+bool WriteChunk(PngFile& file, const char* type, std::span<const std::uint8_t> bytes) {
     if (setjmp(png_jmpbuf(file.png))) return false;
-    png_write_chunk(file.png, reinterpret_cast<png_const_bytep>(type), bytes, size);
+    png_write_chunk(file.png, reinterpret_cast<png_const_bytep>(type), bytes.data(), bytes.size());
     return true;
 }
 
@@ -168,7 +169,8 @@ class RowBytes {
  public:
     explicit RowBytes(const ImageToWrite& image) : image_(image) {}
 
-    void Take(int y, std::uint8_t* to) {
+    void Take(int y, std::span<std::uint8_t> bytes) {
+        std::uint8_t* to = bytes.data();
         const World& world = image_.world;
         const bool isStraight = image_.format.form == Form::kStraight;
         if (isStraight && world.PixelDepth() == Depth::k8 && image_.depth != FileDepth::k16) {
@@ -200,18 +202,18 @@ class RowBytes {
 
 /// Filters the rows from `begin` to before `end`, strip by strip on all threads.
 void FilterRows(const ImageToWrite& image, int begin, int end, std::size_t rowBytes, std::size_t pixel,
-                std::uint8_t* to) {
+                std::span<std::uint8_t> to) {
     constexpr int kStrip = 16;
     RunRows((end - begin + kStrip - 1) / kStrip, [&](int strip, int) {
         const int first = begin + strip * kStrip;
         const int last = std::min(end, first + kStrip);
         RowBytes source(image);
         std::vector<std::uint8_t> above(rowBytes, 0), row(rowBytes);
-        if (first > 0) source.Take(first - 1, above.data());
+        if (first > 0) source.Take(first - 1, above);
         for (int y = first; y < last; ++y) {
-            source.Take(y, row.data());
-            FilterRow(row.data(), above.data(), rowBytes, pixel,
-                      to + static_cast<std::size_t>(y - begin) * (rowBytes + 1));
+            source.Take(y, row);
+            FilterRow(row, above, pixel,
+                      to.subspan(static_cast<std::size_t>(y - begin) * (rowBytes + 1), rowBytes + 1));
             row.swap(above);
         }
         return true;
@@ -233,14 +235,14 @@ std::optional<std::string> WritePixels(PngFile& file, const ImageToWrite& image)
     const std::size_t bandBytes = static_cast<std::size_t>(std::min(rows, file.layout.height)) * (rowBytes + 1);
     const std::unique_ptr<std::uint8_t[]> filtered(new std::uint8_t[bandBytes]);
     bool isWritten = true;
-    BlockDeflater deflater(EffortOf(image.compression), [&](const std::uint8_t* bytes, std::size_t size) {
-        isWritten = isWritten && WriteChunk(file, "IDAT", bytes, size);
+    BlockDeflater deflater(EffortOf(image.compression), [&](std::span<const std::uint8_t> bytes) {
+        isWritten = isWritten && WriteChunk(file, "IDAT", bytes);
     });
     for (int begin = 0; begin < file.layout.height; begin += rows) {
         const int end = std::min(file.layout.height, begin + rows);
-        FilterRows(image, begin, end, rowBytes, pixel, filtered.get());
-        const std::size_t size = static_cast<std::size_t>(end - begin) * (rowBytes + 1);
-        if (auto problem = deflater.Add(filtered.get(), size, end == file.layout.height)) return problem;
+        const std::span band(filtered.get(), static_cast<std::size_t>(end - begin) * (rowBytes + 1));
+        FilterRows(image, begin, end, rowBytes, pixel, band);
+        if (auto problem = deflater.Add(band, end == file.layout.height)) return problem;
         if (!isWritten) return file.message;
     }
     return std::nullopt;
@@ -256,7 +258,7 @@ std::optional<std::string> EncodePng(const ImageToWrite& image, EncodedFile& enc
     png_set_write_fn(file.png, &file, Put, Flush);
     if (!WriteInfo(file)) return file.message;
     if (auto problem = WritePixels(file, image)) return problem;
-    if (!WriteChunk(file, "IEND", nullptr, 0)) return file.message;
+    if (!WriteChunk(file, "IEND", {})) return file.message;
     return std::nullopt;
 }
 

@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 
 #include <fstream>
+#include <span>
 
 #include "host/image/encoded_file.h"
 #include "host/process/child_process.h"
@@ -122,7 +123,7 @@ TEST_F(CliInterruption, AnInterruptEndsTheReadingOfAHugePreset) {
         SCOPED_TRACE(hasEnd ? "the whole text" : "a text without an end");
         RunningProgram program(folder_, Arguments("still.png", "out.png", {"--preset", "preset.json"}), Outputs(lost));
         const int pipe = open((folder_ / "preset.json").c_str(), O_WRONLY | O_CLOEXEC);
-        EXPECT_FALSE(WriteAll(pipe, preset.data(), preset.size()));
+        EXPECT_FALSE(WriteAll(pipe, std::as_bytes(std::span(preset))));
         if (hasEnd) close(pipe);
         program.Send(SIGINT);
         EXPECT_EQ(program.Wait(), "exit 130");

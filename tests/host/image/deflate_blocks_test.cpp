@@ -10,6 +10,7 @@
 #include <zlib.h>
 
 #include <random>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -37,11 +38,11 @@ Bytes Mixed(std::size_t size) {
 Bytes Compressed(const Bytes& bytes, DeflateEffort effort, std::size_t piece) {
     Bytes stream;
     BlockDeflater deflater(
-        effort, [&](const std::uint8_t* from, std::size_t size) { stream.insert(stream.end(), from, from + size); });
+        effort, [&](std::span<const std::uint8_t> more) { stream.insert(stream.end(), more.begin(), more.end()); });
     for (std::size_t at = 0;; at += piece) {
         const std::size_t size = std::min(piece, bytes.size() - at);
         const bool isLast = at + size == bytes.size();
-        EXPECT_FALSE(deflater.Add(bytes.data() + at, size, isLast));
+        EXPECT_FALSE(deflater.Add(std::span(bytes).subspan(at, size), isLast));
         if (isLast) return stream;
     }
 }
@@ -129,7 +130,7 @@ TEST(PngFilter, TakesTheBestOfThreeAndCanBeUndone) {
     for (const Case& row : rows) {
         SCOPED_TRACE(row.name);
         Bytes filtered(kSize + 1, 99);
-        FilterRow(row.row.data(), row.above.data(), kSize, kPixel, filtered.data());
+        FilterRow(row.row, row.above, kPixel, filtered);
         EXPECT_EQ(filtered[0], row.filter);
         for (std::size_t i = 0; i < kSize; ++i) {
             ASSERT_EQ(Undone(filtered.data(), row.row, row.above, i, kPixel), row.row[i]) << i;
@@ -138,7 +139,7 @@ TEST(PngFilter, TakesTheBestOfThreeAndCanBeUndone) {
     // Shorter than a pixel, and one byte alone.
     for (const std::size_t size : {std::size_t{1}, std::size_t{3}}) {
         Bytes filtered(size + 1);
-        FilterRow(noise.data(), flat.data(), size, kPixel, filtered.data());
+        FilterRow(std::span(noise).first(size), std::span(flat).first(size), kPixel, filtered);
         EXPECT_EQ(Undone(filtered.data(), noise, flat, 0, kPixel), noise[0]);
     }
 }

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <span>
+
 #include "host/image/encoded_file.h"
 #include "host/image/exr/exr_writer.h"
 #include "host/image/picture.h"
@@ -31,7 +33,7 @@ std::string Encoded(bool byLibrary, const ImageLayout& layout, FileDepth depth, 
     const auto problem = byLibrary ? Library().encode(image, encoded) : EncodeExr(image, encoded);
     EXPECT_EQ(problem.value_or("none"), "none");
     std::string bytes(encoded.Size(), '\0');
-    encoded.Read(0, bytes.data(), bytes.size());
+    encoded.Read(0, std::as_writable_bytes(std::span(bytes)));
     return bytes;
 }
 
@@ -88,7 +90,7 @@ TEST(ExrCodec, EveryAttributeIsWrittenAsBefore) {
         layout.SetReal(name, 2.5f);
     }
     layout.SetNumber("Orientation", 6);
-    layout.SetBytes("ICCProfile", "profile", 7);
+    layout.SetBytes("ICCProfile", std::as_bytes(std::span("profile", 7)));
     const auto set = [&](const char* name, AttributeType type, std::size_t size) {
         std::vector<std::byte> bytes(size);
         for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<std::byte>(i % 4 == 3 ? 0x3f : i);
