@@ -7,7 +7,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstring>
+#include <span>
 
 #include "host/compositing/rectangles.h"
 #include "host/validate/checks/check_fixture.h"
@@ -44,17 +46,19 @@ void Paint(World& world, double full) {
     }
 }
 
-std::size_t RowBytes(const World& world) {
-    return static_cast<std::size_t>(world.Width()) * static_cast<std::size_t>(BytesPerPixel(world.PixelDepth()));
+/// The pixels of a row.
+std::span<const std::byte> RowBytes(const World& world, int y) {
+    const auto pixel = static_cast<std::size_t>(BytesPerPixel(world.PixelDepth()));
+    return {world.Row(y), static_cast<std::size_t>(world.Width()) * pixel};
 }
 
 template <typename Channel>
-double RowDifference(const std::byte* a, const std::byte* b, std::size_t bytes, double full) {
+double RowDifference(std::span<const std::byte> a, std::span<const std::byte> b, double full) {
     double largest = 0;
-    for (std::size_t at = 0; at + sizeof(Channel) <= bytes; at += sizeof(Channel)) {
+    for (std::size_t at = 0; at + sizeof(Channel) <= a.size(); at += sizeof(Channel)) {
         Channel x, y;
-        std::memcpy(&x, a + at, sizeof(x));
-        std::memcpy(&y, b + at, sizeof(y));
+        std::memcpy(&x, a.data() + at, sizeof(x));
+        std::memcpy(&y, b.data() + at, sizeof(y));
         const auto p = static_cast<double>(x);
         const auto q = static_cast<double>(y);
         if (p == q || (std::isnan(p) && std::isnan(q))) continue;
@@ -77,21 +81,19 @@ World TestPicture(int width, int height, Depth depth) {
 
 std::uint64_t DigestOf(const World& world) {
     std::uint64_t digest = 14695981039346656037u;
-    const auto add = [&](const void* bytes, std::size_t size) {
-        for (std::size_t i = 0; i < size; ++i) {
-            digest = (digest ^ static_cast<const unsigned char*>(bytes)[i]) * 1099511628211u;
-        }
+    const auto add = [&](std::span<const std::byte> bytes) {
+        for (const std::byte byte : bytes) digest = (digest ^ std::to_integer<std::uint64_t>(byte)) * 1099511628211u;
     };
     const int shape[] = {world.Width(), world.Height(), static_cast<int>(world.PixelDepth())};
-    add(shape, sizeof(shape));
-    for (int y = 0; y < world.Height() && world.Width() > 0; ++y) add(world.Row(y), RowBytes(world));
+    add(std::as_bytes(std::span(shape)));
+    for (int y = 0; y < world.Height() && world.Width() > 0; ++y) add(RowBytes(world, y));
     return digest;
 }
 
 bool SamePixels(const World& a, const World& b) {
     if (a.Width() != b.Width() || a.Height() != b.Height() || a.PixelDepth() != b.PixelDepth()) return false;
     for (int y = 0; y < a.Height() && a.Width() > 0; ++y) {
-        if (std::memcmp(a.Row(y), b.Row(y), RowBytes(a)) != 0) return false;
+        if (std::memcmp(a.Row(y), b.Row(y), RowBytes(a, y).size()) != 0) return false;
     }
     return true;
 }
@@ -100,11 +102,11 @@ double LargestDifference(const World& a, const World& b) {
     if (a.Width() != b.Width() || a.Height() != b.Height() || a.PixelDepth() != b.PixelDepth()) return 1;
     double largest = 0;
     for (int y = 0; y < a.Height() && a.Width() > 0; ++y) {
-        const std::size_t bytes = RowBytes(a);
+        const auto ours = RowBytes(a, y), theirs = RowBytes(b, y);
         double row = 0;
-        if (a.PixelDepth() == Depth::k8) row = RowDifference<A_u_char>(a.Row(y), b.Row(y), bytes, 255);
-        if (a.PixelDepth() == Depth::k16) row = RowDifference<A_u_short>(a.Row(y), b.Row(y), bytes, 32768);
-        if (a.PixelDepth() == Depth::k32) row = RowDifference<PF_FpShort>(a.Row(y), b.Row(y), bytes, 1);
+        if (a.PixelDepth() == Depth::k8) row = RowDifference<A_u_char>(ours, theirs, 255);
+        if (a.PixelDepth() == Depth::k16) row = RowDifference<A_u_short>(ours, theirs, 32768);
+        if (a.PixelDepth() == Depth::k32) row = RowDifference<PF_FpShort>(ours, theirs, 1);
         largest = std::max(largest, row);
     }
     return largest;
@@ -126,8 +128,8 @@ std::optional<std::string> NotFinite(const World& world) {
 
 bool AllZero(const World& world) {
     for (int y = 0; y < world.Height() && world.Width() > 0; ++y) {
-        const std::byte* row = world.Row(y);
-        if (std::any_of(row, row + RowBytes(world), [](std::byte byte) { return byte != std::byte{0}; })) return false;
+        const auto row = RowBytes(world, y);
+        if (std::any_of(row.begin(), row.end(), [](std::byte byte) { return byte != std::byte{0}; })) return false;
     }
     return true;
 }
