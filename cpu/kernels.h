@@ -38,6 +38,20 @@ struct PlaceColumns {
     bool gentle;  ///< the texels of n neighbouring outputs never span more than n
 };
 
+/// Neighbouring coefficients that a spline is evaluated from: six of a quintic one, four of a cubic one.
+inline constexpr int kQuinticSpan = 6;
+inline constexpr int kCubicSpan = 4;
+
+/// How a coarse row is evaluated over output columns: output `i` is the sum over k of weights[k pitch + i] x
+/// coefficient texels[i] + k.
+struct SplineColumns {
+    const int32_t* texels;
+    const float* weights;
+    ptrdiff_t pitch;
+    int count;
+    bool gentle;  ///< the texels of n neighbouring outputs never span more than n
+};
+
 struct CpuKernels {
     const char* name;
 
@@ -55,6 +69,20 @@ struct CpuKernels {
 
     /// Adds a stretched row to `accumulated` (0..65535): s (1 - d) + d, rounded.
     void (*placeRow)(const float* texels, const PlaceColumns& columns, uint16_t* accumulated);
+
+    /// blurColumns and blurRows, neither rounded nor limited.
+    void (*sumColumns)(const float* tile, const TapBlocks& taps, int rows, float* out, ptrdiff_t pitch);
+    void (*sumRows)(const float* in, const TapBlocks& taps, int first, int last, int columns, float* out,
+                    ptrdiff_t outPitch);
+
+    /// out[i] is the sum over k of weights[k] x in[i + k].
+    void (*filterRow)(const float* in, const float* weights, int taps, int count, float* out);
+
+    /// Evaluates a coarse row; writes whole vectors.
+    void (*stretchSpline)(const float* coefficients, const SplineColumns& columns, float* out);
+
+    /// Adds a row to `accumulated` as placeRow does: the weighted sum of kCubicSpan rows, limited to 0..65535.
+    void (*placeSpline)(const float* const* rows, const float* weights, int count, uint16_t* accumulated);
 
     /// 16 bits to 8, nearest.
     void (*toBytes)(const uint16_t* values, size_t count, uint8_t* out);

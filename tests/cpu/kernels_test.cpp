@@ -155,6 +155,74 @@ TEST_P(Kernels, AddingNothingChangesNothingAndFullStaysFull) {
     for (uint16_t sum : sums) EXPECT_EQ(sum, 65535);
 }
 
+TEST_P(Kernels, SumsOfCoarseGridsAreNeitherRoundedNorLimited) {
+    std::vector<float> tile(static_cast<size_t>(kTileRows), 0.0f);
+    tile[3] = 0.25f;
+    tile[4] = -7.5f;
+    tile[5] = 100000.5f;
+    const int32_t starts[] = {0, 1};
+    const int32_t offset = 0;
+    const float weights[] = {1, 2, -1, 0};
+    std::vector<float> out(kTileRows * 4, -1);
+    GetParam()->sumColumns(tile.data(), {starts, &offset, weights, 1}, kTileRows, out.data(), 4);
+    std::vector<float> rows(4 * 64, -1);
+    GetParam()->sumRows(tile.data(), {starts, &offset, weights, 1}, 0, 1, 8, rows.data(), 64);
+    for (size_t i = 0; i < 8; ++i) {
+        for (size_t output = 0; output < 4; ++output) {
+            EXPECT_EQ(out[4 * i + output], tile[i] * weights[output]);
+            EXPECT_EQ(rows[64 * output + i], tile[i] * weights[output]);
+        }
+    }
+}
+
+TEST_P(Kernels, FilterRow) {
+    const auto in = Random(300, 65535);
+    const std::vector<float> weights = {0.5f, -0.25f, 1, 0.125f, 2};
+    std::vector<float> out(200 + kSlack);
+    GetParam()->filterRow(in.data(), weights.data(), 5, 200, out.data());
+    for (size_t i = 0; i < 200; ++i) {
+        float sum = 0;
+        for (size_t k = 0; k < 5; ++k) sum += weights[k] * in[i + k];
+        ASSERT_EQ(out[i], sum) << i;
+    }
+}
+
+TEST_P(Kernels, StretchSpline) {
+    const auto coefficients = Random(300, 65535);
+    for (const double scale : {0.02, 0.3, 0.99, 1.0, 1.7}) {
+        constexpr int kCount = 117;
+        std::vector<int32_t> texels;
+        for (int i = 0; i < kCount; ++i) texels.push_back(static_cast<int32_t>(i * scale + 0.8));
+        const auto weights = Random(kQuinticSpan * kCount, 16);
+        std::vector<float> out(kCount + kSlack);
+        GetParam()->stretchSpline(coefficients.data(), {texels.data(), weights.data(), kCount, kCount, scale <= 1},
+                                  out.data());
+        for (size_t i = 0; i < kCount; ++i) {
+            float sum = 0;
+            for (size_t k = 0; k < kQuinticSpan; ++k) {
+                sum += weights[k * kCount + i] * coefficients[static_cast<size_t>(texels[i]) + k];
+            }
+            ASSERT_EQ(out[i], sum) << "scale " << scale << ", column " << i;
+        }
+    }
+}
+
+TEST_P(Kernels, PlaceSpline) {
+    const auto values = Random(4 * 140, 80000);
+    const float* rows[] = {values.data(), values.data() + 140, values.data() + 280, values.data() + 420};
+    const float weights[] = {-0.3f, 0.7f, 0.5f, -0.1f};
+    std::vector<uint16_t> sums(140);
+    for (size_t i = 0; i < sums.size(); ++i) sums[i] = static_cast<uint16_t>(i * 467);
+    const std::vector<uint16_t> before = sums;
+    GetParam()->placeSpline(rows, weights, 117, sums.data());
+    for (size_t i = 0; i < sums.size(); ++i) {
+        double s = 0;
+        for (size_t k = 0; k < 4; ++k) s += static_cast<double>(weights[k]) * static_cast<double>(rows[k][i]);
+        s = i < 117 ? std::clamp(s, 0.0, 65535.0) : 0;
+        ASSERT_NEAR(sums[i], before[i] + s * (1 - before[i] / 65535.0), 0.52) << i;
+    }
+}
+
 TEST_P(Kernels, Conversions) {
     std::vector<uint16_t> all(65536);
     for (size_t i = 0; i < all.size(); ++i) all[i] = static_cast<uint16_t>(i);
