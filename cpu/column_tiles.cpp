@@ -98,6 +98,7 @@ void ColumnTiles::Build(const AlphaPlane& plane, const Region& bounds, const Loo
     if (Empty()) return;
 
     values_.Reserve(static_cast<size_t>(Tiles()) * static_cast<size_t>(columns_.Size()) * kTileRows + kSlack);
+    extents_.assign(static_cast<size_t>(Tiles()), {});
     scratch_.resize(std::max(scratch_.size(), static_cast<size_t>(PoolThreads())));
     RunTasks(Tiles(),
              [&](int tile, int worker) { BuildTile(plane, look, tile, scratch_[static_cast<size_t>(worker)]); });
@@ -123,7 +124,20 @@ void ColumnTiles::BuildTile(const AlphaPlane& plane, const Look& look, int tile,
             MixSourceRows(plane.floats + above, plane.floats + below, fraction, columns, out);
         }
     }
+    Extent& extent = extents_[static_cast<size_t>(tile)];
+    for (ptrdiff_t i = 0; i < ptrdiff_t{count} * columns; ++i) {
+        extent.least = rows[i] < extent.least ? rows[i] : extent.least;
+        extent.most = rows[i] > extent.most ? rows[i] : extent.most;
+    }
     Turn(rows, columns, columns, values_.Get() + static_cast<ptrdiff_t>(tile) * columns * kTileRows);
+}
+
+bool ColumnTiles::IsWithin(double full) const {
+    // A mix of two opaque values may be off by their last bit.
+    const double most = full * (1 + 1e-6);
+    return std::all_of(extents_.begin(), extents_.end(), [&](const Extent& extent) {
+        return extent.least >= 0 && static_cast<double>(extent.most) <= most;
+    });
 }
 
 Range ColumnTiles::StoredRows(Range rows) const {

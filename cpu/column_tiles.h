@@ -53,6 +53,8 @@ class ColumnTiles {
     /// What is stored of `rows`: those that are not 0, outer ones read from the nearest distinct one.
     Range StoredRows(Range rows) const;
     bool Empty() const { return columns_.Empty() || rows_.Empty(); }
+    /// Whether every value that is stored is in 0..`full`.
+    bool IsWithin(double full) const;
 
     int Tiles() const { return (rows_.Size() + kTileRows - 1) / kTileRows; }
     /// Rows Rows().begin + kTileRows x tile onwards, for CpuKernels::blurColumns; column 0 is Columns().begin.
@@ -65,6 +67,11 @@ class ColumnTiles {
     Range rows_;
     Range distinct_;
     Buffer<float> values_;
+    struct Extent {
+        float least = 0;
+        float most = 0;
+    };
+    std::vector<Extent> extents_;         ///< of each tile's values
     std::vector<Buffer<float>> scratch_;  ///< a tile's rows before they are turned, per pool thread
 };
 

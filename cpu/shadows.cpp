@@ -23,6 +23,7 @@ constexpr double kFull = 65535;
 struct ThreadMemory {
     StackDrawer drawer;
     std::vector<std::unique_ptr<ColumnTiles>> sources;
+    std::vector<std::unique_ptr<RowPyramid>> pyramids;
     Buffer<float> rounded;  ///< a source that a pass before the samples has made
 };
 
@@ -60,6 +61,54 @@ Kernel KernelOf(const BlurPlan& blur, double gain) {
 
 size_t Elements(int width, int height) {
     return static_cast<size_t>(width) * static_cast<size_t>(height);
+}
+
+// Of the plan alone: what of it is drawn changes no byte of that.
+DecimationCase CaseOf(const SamplePlan& plan) {
+    const double pitch = std::abs(plan.across.x.look.pitch);
+    const double taps = 2.0 * plan.down.steps + 1;
+    return {static_cast<double>(plan.across.opacity),
+            {plan.across.blur.Reach() / pitch, plan.across.blur.inputStride / pitch, plan.across.x.outputs},
+            {plan.down.Reach(), plan.down.inputStride, plan.across.y.outputs},
+            2 * taps * plan.across.x.outputs * plan.across.y.outputs};
+}
+
+std::vector<Decimation> GridsOf(const StackPlan& plan) {
+    if (DrawsExactly()) return std::vector<Decimation>(plan.samples.size());
+    std::vector<DecimationCase> cases;
+    cases.reserve(plan.samples.size());
+    for (const SamplePlan& sample : plan.samples) cases.push_back(CaseOf(sample));
+    return ChooseDecimation(cases);
+}
+
+// Thins the rows that wide samples need. A source with values out of range is drawn exactly: each pass limits them.
+void ThinSources(std::vector<StackSample>& samples, double full) {
+    struct Need {
+        const StackSample* sample = nullptr;
+        int level = 0;
+        int reach = 0;
+    };
+    std::vector<Need> needs;
+    for (size_t i = 0; i < samples.size(); ++i) {
+        if (!samples[i].source->IsWithin(full)) samples[i].decimation = {};
+        const Decimation& grids = samples[i].decimation;
+        if (!grids.IsWide()) continue;
+        needs.resize(std::max(needs.size(), size_t{samples[i].plan->buffer} + 1));
+        Need& need = needs[samples[i].plan->buffer];
+        need.sample = &samples[i];
+        need.level = std::max(need.level, grids.level);
+        need.reach = std::max(need.reach, WideSample::RowsBeyond(samples[i].downKernel, grids));
+    }
+    auto& pyramids = Memory().pyramids;
+    while (pyramids.size() < needs.size()) pyramids.push_back(std::make_unique<RowPyramid>());
+    for (size_t i = 0; i < needs.size(); ++i) {
+        if (!needs[i].sample) continue;
+        pyramids[i]->Build(*needs[i].sample->source, needs[i].sample->plan->across.y.outputs, needs[i].reach,
+                           needs[i].level);
+    }
+    for (StackSample& sample : samples) {
+        if (sample.decimation.IsWide()) sample.level = &pyramids[sample.plan->buffer]->Level(sample.decimation.level);
+    }
 }
 
 }  // namespace
@@ -123,9 +172,11 @@ AlphaPlane PadAlpha(const PaddingPlan& plan, const AlphaPlane& layer) {
 }
 
 const uint16_t* DrawStack(const StackPlan& plan, const AlphaPlane& source) {
+    const std::vector<Decimation> grids = GridsOf(plan);
     std::vector<bool> built;
     std::vector<StackSample> samples;
-    for (const SamplePlan& sample : plan.samples) {
+    for (size_t i = 0; i < plan.samples.size(); ++i) {
+        const SamplePlan& sample = plan.samples[i];
         if (sample.regions.Empty()) continue;
         ColumnTiles& tiles = Source(sample.buffer);
         built.resize(std::max(built.size(), size_t{sample.buffer} + 1));
@@ -133,8 +184,10 @@ const uint16_t* DrawStack(const StackPlan& plan, const AlphaPlane& source) {
         built[sample.buffer] = true;
         if (tiles.Empty() || tiles.StoredRows(sample.regions.across.y).Empty()) continue;
         const double gain = static_cast<double>(sample.across.opacity) * kFull / source.full;
-        samples.push_back({&tiles, &sample, KernelOf(sample.across.blur, gain), KernelOf(sample.down, 1)});
+        samples.push_back(
+            {&tiles, &sample, KernelOf(sample.across.blur, gain), KernelOf(sample.down, 1), grids[i], nullptr});
     }
+    ThinSources(samples, source.full);
     return Memory().drawer.Draw(samples, plan.width, plan.height);
 }
 

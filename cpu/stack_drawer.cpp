@@ -45,9 +45,13 @@ struct Slot {
     std::vector<float> fractions;
     bool gentle = false;  ///< no column is more than one texel beyond the one before
     ptrdiff_t pitch = 0;
+    WideSample wide;
+
+    bool IsWide() const { return sample->decimation.IsWide(); }
 
     void Start(const StackSample& next) {
         sample = &next;
+        if (IsWide()) return wide.Start(next, *next.level);
         columns = next.plan->regions.down.x;
         stored = next.source->StoredRows(next.plan->regions.across.y);
         pitch = PitchFor(columns.Size());
@@ -60,6 +64,13 @@ struct Slot {
     int Tiles() const { return Divide(stored.end - sample->source->Rows().begin, kTileRows) - FirstTile(); }
     /// The row of the copy that the plane's first is.
     int PlaneBegin() const { return sample->source->Rows().begin + FirstTile() * kTileRows; }
+    size_t PlaneSize() const {
+        if (IsWide()) return wide.PlaneSize();
+        return static_cast<size_t>(pitch) * static_cast<size_t>(Tiles()) * kTileRows + kSlack;
+    }
+    int WeighTasks() const { return IsWide() ? wide.WeighTasks() : Chunks() + 1; }
+    int AcrossTasks() const { return IsWide() ? wide.AcrossTasks() : Tiles() * Chunks(); }
+    int PlaceTasks() const { return IsWide() ? wide.PlaceTasks() : Strips(); }
     int Strips() const { return std::max(1, Divide(DownRows().Size() - kTapOutputs, kStripStep)); }
 };
 
@@ -69,6 +80,7 @@ struct WorkerMemory {
     Buffer<float> strip;
     Buffer<float> row;
     Buffer<float> zeroes;  ///< never written
+    WideMemory wide;
 };
 
 }  // namespace
@@ -93,6 +105,7 @@ StackDrawer::~StackDrawer() = default;
 
 // Task 0 is the blur down's weights and the columns' places, the others a chunk of columns each.
 void StackDrawer::Memory::Weigh(Slot& slot, int task, TapFolder& folder) {
+    if (slot.IsWide()) return slot.wide.Weigh(task, folder);
     if (task == 0) {
         WeighDown(slot, folder);
         StretchColumns(slot);
@@ -151,6 +164,7 @@ void StackDrawer::Memory::StretchColumns(Slot& slot) {
 
 // The columns of one chunk in the rows of one tile.
 void StackDrawer::Memory::BlurAcross(const Slot& slot, float* plane, int task) {
+    if (slot.IsWide()) return slot.wide.BlurAcross(task, plane);
     const int tile = task / slot.Chunks();
     const int chunk = task % slot.Chunks();
     float* out = plane + slot.pitch * tile * kTileRows + ptrdiff_t{chunk} * kChunkColumns;
@@ -159,6 +173,7 @@ void StackDrawer::Memory::BlurAcross(const Slot& slot, float* plane, int task) {
 }
 
 void StackDrawer::Memory::BlurDownAndPlace(const Slot& slot, const float* plane, int strip, WorkerMemory& worker) {
+    if (slot.IsWide()) return slot.wide.Place(strip, plane, worker.wide, accumulated.Get(), width);
     const Range down = slot.DownRows();
     const Range have = Intersect({down.begin + strip * kStripStep, down.begin + strip * kStripStep + kStripRows}, down);
     float* rows = worker.strip.Reserve(static_cast<size_t>(slot.pitch) * kStripRows + kSlack);
@@ -219,12 +234,11 @@ const uint16_t* StackDrawer::Draw(const std::vector<StackSample>& samples, int w
         const float* downPlane = m.planes[step % 2].Get();
         if (weighed) weighed->Start(samples[static_cast<size_t>(step)]);
         if (across) {
-            acrossPlane = m.planes[(step - 1) % 2].Reserve(
-                static_cast<size_t>(across->pitch) * static_cast<size_t>(across->Tiles()) * kTileRows + kSlack);
+            acrossPlane = m.planes[(step - 1) % 2].Reserve(across->PlaneSize());
         }
-        const int downTasks = down ? down->Strips() : 0;
-        const int acrossTasks = across ? across->Tiles() * across->Chunks() : 0;
-        const int weighTasks = weighed ? weighed->Chunks() + 1 : 0;
+        const int downTasks = down ? down->PlaceTasks() : 0;
+        const int acrossTasks = across ? across->AcrossTasks() : 0;
+        const int weighTasks = weighed ? weighed->WeighTasks() : 0;
         RunTasks(downTasks + acrossTasks + weighTasks, [&](int task, int worker) {
             WorkerMemory& own = m.workers[static_cast<size_t>(worker)];
             if (task < downTasks) {

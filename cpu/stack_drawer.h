@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "cpu/column_tiles.h"
+#include "cpu/wide_sample.h"
 #include "render/pass_plan.h"
 
 namespace umbrant::effect {
@@ -20,6 +21,8 @@ struct StackSample {
     const SamplePlan* plan = nullptr;  ///< only its regions are drawn
     Kernel acrossKernel;               ///< with the sample's opacity, and the source's scale to 0..65535, as its gain
     Kernel downKernel;                 ///< in rows of the copy, with a gain of 1
+    Decimation decimation;
+    const PyramidLevel* level = nullptr;  ///< of a wide sample: the source's rows on its grid
 };
 
 /// Draws stacks; keeps its memory from one to the next. Used by one thread at a time.

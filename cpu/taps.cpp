@@ -46,6 +46,19 @@ void TapList::Clear() {
     weights_.clear();
 }
 
+void TapList::AddBlock(const std::vector<float>& kernel, int first, Range stored, int unit) {
+    const int size = static_cast<int>(kernel.size());
+    const Range used = Intersect({first, first + size + kTapOutputs - 1}, stored);
+    for (int input = used.begin; input < used.end; ++input) {
+        offsets_.push_back((input - stored.begin) * unit);
+        for (int output = 0; output < kTapOutputs; ++output) {
+            const int tap = input - first - output;
+            weights_.push_back(tap < 0 || tap >= size ? 0.0f : kernel[static_cast<size_t>(tap)]);
+        }
+    }
+    starts_.push_back(static_cast<int32_t>(offsets_.size()));
+}
+
 TapBlocks TapList::View() const {
     return {starts_.data(), offsets_.data(), weights_.data(), Count()};
 }

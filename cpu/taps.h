@@ -37,6 +37,9 @@ Kernel MakeKernel(int steps, double stride, double gain);
 class TapList {
  public:
     void Clear();
+    /// Appends a block of kTapOutputs outputs whose weights are `kernel`, one input further from output to output: the
+    /// first output's begin at input `first`. Inputs outside of `stored` are 0; its first is at offset 0.
+    void AddBlock(const std::vector<float>& kernel, int first, Range stored, int unit);
     TapBlocks View() const;
     int Count() const { return static_cast<int>(starts_.size()) - 1; }
 

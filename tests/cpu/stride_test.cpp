@@ -64,7 +64,8 @@ class Stride : public ::testing::Test {
         plan.place.x = {0, static_cast<double>(source.width), source.width};
         plan.place.y = {0, static_cast<double>(source.height), source.height};
         plan.regions = {whole, whole, whole};
-        const StackSample sample{&tiles, &plan, MakeKernel(kSteps, across, gain), MakeKernel(kSteps, down, 1)};
+        const StackSample sample{&tiles, &plan,  MakeKernel(kSteps, across, gain), MakeKernel(kSteps, down, 1),
+                                 {},     nullptr};
         StackDrawer drawer;
         return Copied(drawer.Draw({sample}, source.width, source.height));
     }

@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "cpu/row_pyramid.h"
+
+#include <algorithm>
+#include <array>
+
+#include "cpu/spline.h"
+#include "cpu/thread_pool.h"
+
+namespace umbrant::effect {
+
+namespace {
+
+// Rows that one tile of coefficients is made from: those of its own places, and the spline's reach on both sides.
+constexpr int kMostTaps = 11;
+constexpr int kInputs = 2 * kTileRows + kMostTaps - 2;
+
+int HalfDown(int value) {
+    return value >> 1;
+}
+
+/// Thins the rows whose places are `places`, one a column of `in` floats from `first`: every second is the middle of a
+/// weighted sum. A place of -1 holds 0.
+template <size_t kTaps>
+void ThinTile(const float* in, const std::array<ptrdiff_t, kInputs>& places, const std::array<float, kTaps>& weights,
+              ptrdiff_t columns, float* out) {
+    constexpr int kUsed = 2 * kTileRows + static_cast<int>(kTaps) - 2;
+    constexpr int kHalf = kUsed / 2 + 1;
+    for (ptrdiff_t column = 0; column < columns; ++column) {
+        // Even and odd rows apart, so that the sums read neighbours.
+        float halves[2][kHalf + 1] = {};
+        for (int i = 0; i < kUsed; ++i) {
+            const ptrdiff_t place = places[static_cast<size_t>(i)];
+            if (place >= 0) halves[i % 2][i / 2] = in[place + column * kTileRows];
+        }
+        float* sums = out + column * kTileRows;
+        for (int row = 0; row < kTileRows; ++row) sums[row] = 0;
+        for (size_t tap = 0; tap < kTaps; ++tap) {
+            const float* from = halves[tap % 2] + tap / 2;
+            const float weight = weights[tap];
+            for (int row = 0; row < kTileRows; ++row) sums[row] += weight * from[row];
+        }
+    }
+}
+
+/// Where row `row` of the pass is stored in the source, mirrored at the pass's edges; -1 where it is 0.
+ptrdiff_t PlaceOf(const ColumnTiles& source, int64_t row, int rows) {
+    const int inside = EdgeIndex(row, rows, Edge::kMirror);
+    const int distinct = std::clamp(inside, source.Distinct().begin, source.Distinct().end - 1);
+    if (distinct < source.Rows().begin || distinct >= source.Rows().end) return -1;
+    const int index = distinct - source.Rows().begin;
+    return ptrdiff_t{index / kTileRows} * source.Columns().Size() * kTileRows + index % kTileRows;
+}
+
+template <size_t kTaps, typename Place>
+void Thin(const float* in, Range inputs, ptrdiff_t columns, const std::array<float, kTaps>& weights, const Place& place,
+          PyramidLevel& level) {
+    constexpr int kReach = static_cast<int>(kTaps) / 2;
+    level.columns = columns;
+    level.rows = {HalfDown(inputs.begin - kReach + 1), HalfDown(inputs.end - 1 + kReach) + 1};
+    const int tiles = level.Tiles();
+    float* out = level.values.Reserve(static_cast<size_t>(tiles) * static_cast<size_t>(columns) * kTileRows + kSlack);
+    RunTasks(tiles, [&](int tile, int) {
+        std::array<ptrdiff_t, kInputs> places{};
+        const int first = 2 * (level.rows.begin + tile * kTileRows) - kReach;
+        for (int i = 0; i < kInputs; ++i) places[static_cast<size_t>(i)] = place(first + i);
+        ThinTile(in, places, weights, columns, out + tile * columns * kTileRows);
+    });
+}
+
+}  // namespace
+
+void RowPyramid::Build(const ColumnTiles& source, int rows, int reach, int levels) {
+    if (levels_.size() < static_cast<size_t>(levels)) levels_.resize(static_cast<size_t>(levels));
+    // What is not 0 among the rows and their mirror images.
+    Range inputs = source.Rows();
+    if (inputs.begin == source.Distinct().begin) inputs.begin = 0;
+    if (inputs.end == source.Distinct().end) inputs.end = rows;
+    const Range filled = inputs;
+    if (filled.begin < reach) inputs.begin = std::max(-reach, -filled.end);
+    if (rows - filled.end < reach) inputs.end = std::min(rows + reach, 2 * rows - filled.begin);
+    const ptrdiff_t columns = source.Columns().Size();
+    Thin(
+        source.Tile(0), inputs, columns, FirstThinning(), [&](int64_t row) { return PlaceOf(source, row, rows); },
+        levels_[0]);
+    for (size_t i = 1; i < static_cast<size_t>(levels); ++i) {
+        const PyramidLevel& finer = levels_[i - 1];
+        Thin(
+            finer.values.Get(), finer.rows, columns, kNextThinning,
+            [&](int64_t row) -> ptrdiff_t {
+                if (row < finer.rows.begin || row >= finer.rows.end) return -1;
+                const auto index = static_cast<ptrdiff_t>(row) - finer.rows.begin;
+                return index / kTileRows * columns * kTileRows + index % kTileRows;
+            },
+            levels_[i]);
+    }
+}
+
+}  // namespace umbrant::effect

@@ -1,0 +1,184 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "cpu/wide_sample.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "cpu/spline.h"
+#include "cpu/stack_drawer.h"
+
+namespace umbrant::effect {
+
+namespace {
+
+constexpr int kChunkColumns = 32;
+constexpr int kStripPixels = 96;
+// Columns beyond those that are evaluated which the quintic filter reads.
+constexpr int kFilterReach = 6;
+
+int Divide(int count, int by) {
+    return (count + by - 1) / by;
+}
+
+int FloorDivide(int value, int by) {
+    return value >= 0 ? value / by : -((by - 1 - value) / by);
+}
+
+/// An output's place in a copy: between two texels, or on the outermost ones, beyond which the copy is mirrored.
+struct TexelPlace {
+    TexelPlace(double at, int texels) {
+        const auto floor = TexelAt(at);
+        texel = static_cast<int>(std::clamp<int64_t>(floor, 0, texels - 1));
+        fraction = floor < 0 || floor >= texels - 1 ? 0 : at - static_cast<double>(floor);
+    }
+    int texel;
+    double fraction;
+};
+
+/// The weights of `kSpan` coefficients from `first` on for the linear mix of a spline's values at two texels.
+template <int kSpan, typename Spline>
+void WeighPlace(const TexelPlace& place, int grid, int first, Spline spline, float* weights, ptrdiff_t pitch) {
+    for (int k = 0; k < kSpan; ++k) {
+        const double here = spline(static_cast<double>(place.texel) / grid - (first + k));
+        const double next = spline(static_cast<double>(place.texel + 1) / grid - (first + k));
+        weights[k * pitch] = static_cast<float>(here + place.fraction * (next - here));
+    }
+}
+
+}  // namespace
+
+void WideSample::Start(const StackSample& sample, const PyramidLevel& level) {
+    sample_ = &sample;
+    level_ = &level;
+    const PlacePlan& place = sample.plan->place;
+    const Region& out = sample.plan->regions.placed;
+    const int columns = sample.decimation.columns;
+    const int rows = sample.decimation.Rows();
+    const Stretch x(place.x);
+    const Stretch y(place.y);
+    stretched_ = {FloorDivide(TexelPlace(x.At(out.x.begin), place.x.texels).texel, columns) - 2,
+                  FloorDivide(TexelPlace(x.At(out.x.end - 1), place.x.texels).texel, columns) + 4};
+    coarse_ = {stretched_.begin - kFilterReach, stretched_.end + kFilterReach};
+    rows_ = {FloorDivide(TexelPlace(y.At(out.y.begin), place.y.texels).texel, rows) - 1,
+             FloorDivide(TexelPlace(y.At(out.y.end - 1), place.y.texels).texel, rows) + 3};
+    pitch_ = ptrdiff_t{Divide(coarse_.Size(), kColumnChunk) | 1} * kColumnChunk;
+    across_.resize(std::max(across_.size(), static_cast<size_t>(Chunks())));
+}
+
+int WideSample::RowsBeyond(const Kernel& down, const Decimation& grids) {
+    // The coarse kernel's ends, the splines' support, and the thinning's.
+    return static_cast<int>(down.Reach()) + 16 * grids.Rows();
+}
+
+int WideSample::Chunks() const {
+    return Divide(coarse_.Size(), kChunkColumns);
+}
+
+size_t WideSample::PlaneSize() const {
+    return static_cast<size_t>(pitch_) * static_cast<size_t>(level_->Tiles()) * kTileRows + kSlack;
+}
+
+void WideSample::Weigh(int task, TapFolder& folder) {
+    if (task == 0) {
+        WeighDown();
+        WeighColumns();
+        return;
+    }
+    const Look& look = sample_->plan->across.x.look;
+    const int chunk = task - 1;
+    const int begin = coarse_.begin + chunk * kChunkColumns;
+    const int end = std::min(begin + kChunkColumns, coarse_.end);
+    TapList& list = across_[static_cast<size_t>(chunk)];
+    const Range kept = sample_->source->Columns();
+    const KeptInputs stored{{0, look.size}, kept, kept.begin, kTileRows};
+    list.Clear();
+    folder.Prepare(look.size);
+    for (int block = begin; block < end; block += kTapOutputs) {
+        for (int column = block; column < std::min(block + kTapOutputs, end); ++column) {
+            folder.Fold(column - block, look.At(column * sample_->decimation.columns), sample_->acrossKernel, look);
+        }
+        folder.Flush(stored, &list);
+    }
+}
+
+void WideSample::WeighDown() {
+    const std::vector<float> kernel = CoarseKernel(sample_->downKernel, sample_->decimation.Rows());
+    const int half = static_cast<int>(kernel.size() / 2);
+    down_.Clear();
+    for (int row = rows_.begin; row < rows_.end; row += kTapOutputs) {
+        down_.AddBlock(kernel, row - half, level_->rows, static_cast<int>(pitch_));
+    }
+}
+
+void WideSample::WeighColumns() {
+    const Stretch stretch(sample_->plan->place.x);
+    const Range out = sample_->plan->regions.placed.x;
+    const int grid = sample_->decimation.columns;
+    const auto count = static_cast<size_t>(out.Size());
+    texels_.resize(count);
+    weights_.resize(count * kQuinticSpan);
+    gentle_ = true;
+    for (size_t i = 0; i < count; ++i) {
+        const TexelPlace place(stretch.At(out.begin + static_cast<int>(i)), sample_->plan->place.x.texels);
+        const int first = FloorDivide(place.texel, grid) - 2;
+        texels_[i] = first - stretched_.begin;
+        WeighPlace<kQuinticSpan>(place, grid, first, QuinticSpline, &weights_[i], static_cast<ptrdiff_t>(count));
+        if (i > 0 && texels_[i] > texels_[i - 1] + 1) gentle_ = false;
+    }
+}
+
+int WideSample::WeighRow(int pixel, float* weights) const {
+    const Placement& copy = sample_->plan->place.y;
+    const TexelPlace place(Stretch(copy).At(pixel), copy.texels);
+    const int grid = sample_->decimation.Rows();
+    const int first = FloorDivide(place.texel, grid) - 1;
+    WeighPlace<kCubicSpan>(place, grid, first, CubicSpline, weights, 1);
+    return first;
+}
+
+void WideSample::BlurAcross(int task, float* plane) const {
+    const int tile = task / Chunks();
+    const int chunk = task % Chunks();
+    CurrentKernels().sumColumns(level_->Tile(tile), across_[static_cast<size_t>(chunk)].View(), kTileRows,
+                                plane + pitch_ * tile * kTileRows + ptrdiff_t{chunk} * kChunkColumns, pitch_);
+}
+
+int WideSample::PlaceTasks() const {
+    return Divide(sample_->plan->regions.placed.y.Size(), kStripPixels);
+}
+
+void WideSample::Place(int strip, const float* plane, WideMemory& memory, uint16_t* accumulated, int width) const {
+    const CpuKernels& kernels = CurrentKernels();
+    const Region& out = sample_->plan->regions.placed;
+    const Range pixels = {out.y.begin + strip * kStripPixels,
+                          std::min(out.y.begin + (strip + 1) * kStripPixels, out.y.end)};
+    float weights[kCubicSpan];
+    const int firstBlock = (WeighRow(pixels.begin, weights) - rows_.begin) / kTapOutputs;
+    const int lastBlock = Divide(WeighRow(pixels.end - 1, weights) + kCubicSpan - rows_.begin, kTapOutputs);
+    const int count = (lastBlock - firstBlock) * kTapOutputs;
+    float* sums = memory.sums.Reserve(static_cast<size_t>(pitch_) * static_cast<size_t>(count) + kSlack);
+    kernels.sumRows(plane, down_.View(), firstBlock, lastBlock, coarse_.Size(), sums, pitch_);
+
+    const ptrdiff_t stretchedPitch = ptrdiff_t{Divide(out.x.Size(), kSlack) + 1} * kSlack;
+    float* filtered = memory.filtered.Reserve(static_cast<size_t>(pitch_) + 2 * size_t{kSlack});
+    float* stretched =
+        memory.stretched.Reserve(static_cast<size_t>(stretchedPitch) * static_cast<size_t>(count) + kSlack);
+    const auto& filter = QuinticFilter();
+    const SplineColumns columns{texels_.data(), weights_.data(), out.x.Size(), out.x.Size(), gentle_};
+    for (int row = 0; row < count; ++row) {
+        kernels.filterRow(sums + row * pitch_, filter.data(), static_cast<int>(filter.size()), stretched_.Size(),
+                          filtered);
+        kernels.stretchSpline(filtered, columns, stretched + row * stretchedPitch);
+    }
+    for (int pixel = pixels.begin; pixel < pixels.end; ++pixel) {
+        const int first = WeighRow(pixel, weights) - rows_.begin - firstBlock * kTapOutputs;
+        const float* rows[kCubicSpan];
+        for (int k = 0; k < kCubicSpan; ++k) rows[k] = stretched + (first + k) * stretchedPitch;
+        kernels.placeSpline(rows, weights, out.x.Size(),
+                            accumulated + static_cast<ptrdiff_t>(pixel) * width + out.x.begin);
+    }
+}
+
+}  // namespace umbrant::effect
