@@ -192,7 +192,7 @@ class WideSamples : public testing::Test, protected SceneRenderer {
 };
 
 TEST_F(WideSamples, AreWithinTheBoundsOfTheExactOnes) {
-    const unsigned scenes = ScenesToDraw(60);
+    const unsigned scenes = ScenesToDraw(300);
     unsigned decimated = 0;
     for (unsigned number = 0; number < scenes; ++number) decimated += ExpectNear(MakeHardScene(number)) ? 1 : 0;
     EXPECT_GT(decimated, scenes / 4) << "most of these must be decimated";
