@@ -89,7 +89,7 @@ RandomScene MakeHardScene(unsigned number) {
     p.resolution = whole(0, 1) ? 5 : whole(2, 4);
     scene.originX = uniform(-40, 200);
     scene.originY = uniform(-40, 200);
-    layer = {whole(0, 8), scene.width, scene.height, engine()};
+    layer = {whole(0, 8), scene.width, scene.height, static_cast<unsigned>(engine())};
     scene.alphaOf = AlphaOf;
     std::ostringstream words;
     words << "hard scene " << number << ": type " << scene.type << ", " << scene.depth << " bits, " << scene.width
