@@ -5,15 +5,18 @@
 
 #include <umbrant/effect.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <fstream>
 #include <iostream>
 
 int main() try {
     const int side = 128;
-    std::vector<std::uint8_t> disc(4 * side * side);
+    std::vector<std::uint8_t> disc(std::size_t{4} * side * side);
     for (int i = 0; i < side * side; ++i) {
         const int x = i % side - side / 2, y = i / side - side / 2;
-        if (x * x + y * y < 1600) disc[4 * i] = disc[4 * i + 3] = 255;  // red, opaque
+        std::uint8_t* pixel = disc.data() + std::ptrdiff_t{4} * i;
+        if (x * x + y * y < 1600) pixel[0] = pixel[3] = 255;  // red, opaque
     }
     umbrant::Effect effect;
     effect.Set("style/distance", 80);
