@@ -19,6 +19,7 @@
 #include "platform/fake/renderer_choice_fake.h"
 #include "render/processor/processor_path.h"
 #include "tests/cpu/processor_scene.h"
+#include "tests/support/sanitized.h"
 
 namespace umbrant::effect {
 
@@ -192,7 +193,7 @@ class WideSamples : public testing::Test, protected SceneRenderer {
 };
 
 TEST_F(WideSamples, AreWithinTheBoundsOfTheExactOnes) {
-    const unsigned scenes = ScenesToDraw(300);
+    const unsigned scenes = ScenesToDraw(kIsSanitized ? 40 : 300);
     unsigned decimated = 0;
     for (unsigned number = 0; number < scenes; ++number) decimated += ExpectNear(MakeHardScene(number)) ? 1 : 0;
     EXPECT_GT(decimated, scenes / 4) << "most of these must be decimated";
