@@ -89,15 +89,15 @@ void ThinSources(std::vector<StackSample>& samples, double full) {
         int reach = 0;
     };
     std::vector<Need> needs;
-    for (size_t i = 0; i < samples.size(); ++i) {
-        if (!samples[i].source->IsWithin(full)) samples[i].decimation = {};
-        const Decimation& grids = samples[i].decimation;
+    for (StackSample& sample : samples) {
+        if (!sample.source->IsWithin(full)) sample.decimation = {};
+        const Decimation& grids = sample.decimation;
         if (!grids.IsWide()) continue;
-        needs.resize(std::max(needs.size(), size_t{samples[i].plan->buffer} + 1));
-        Need& need = needs[samples[i].plan->buffer];
-        need.sample = &samples[i];
+        needs.resize(std::max(needs.size(), size_t{sample.plan->buffer} + 1));
+        Need& need = needs[sample.plan->buffer];
+        need.sample = &sample;
         need.level = std::max(need.level, grids.level);
-        need.reach = std::max(need.reach, WideSample::RowsBeyond(samples[i].downKernel, grids));
+        need.reach = std::max(need.reach, WideSample::RowsBeyond(sample.downKernel, grids));
     }
     auto& pyramids = Memory().pyramids;
     while (pyramids.size() < needs.size()) pyramids.push_back(std::make_unique<RowPyramid>());
