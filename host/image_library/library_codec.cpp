@@ -39,7 +39,7 @@ class LibraryReader : public ImageReader {
     int PartCount() override { return input_->spec().get_int_attribute("oiio:subimages", 1); }
     std::string PartName(int index) override {
         if (input_->spec_dimensions(index).width <= 0) return "";
-        return input_->spec(index).get_string_attribute("oiio:subimagename");
+        return input_->seek_subimage(index, 0) ? input_->spec().get_string_attribute("oiio:subimagename") : "";
     }
     bool OpenPart(int part) override {
         const bool isThere = input_->seek_subimage(part, 0);
