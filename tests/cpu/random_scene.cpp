@@ -30,9 +30,7 @@ struct Layer {
 Layer current;
 
 double Noise(int x, int y) {
-    unsigned h = current.seed + static_cast<unsigned>(x) * 374761393u + static_cast<unsigned>(y) * 668265263u;
-    h = (h ^ (h >> 13)) * 1274126177u;
-    return static_cast<double>((h ^ (h >> 16)) & 0xFFFF) / 65535.0;
+    return static_cast<double>(PixelHash(current.seed, x, y) & 0xFFFF) / 65535.0;
 }
 
 double AlphaOf(int x, int y) {
@@ -87,6 +85,12 @@ std::string Words(unsigned number, const RandomScene& scene) {
 }
 
 }  // namespace
+
+unsigned PixelHash(unsigned seed, int x, int y) {
+    unsigned h = seed + static_cast<unsigned>(x) * 374761393u + static_cast<unsigned>(y) * 668265263u;
+    h = (h ^ (h >> 13)) * 1274126177u;
+    return h ^ (h >> 16);
+}
 
 RandomScene MakeRandomScene(unsigned number) {
     std::mt19937 engine(number * 7919u + 17u);

@@ -23,6 +23,9 @@ struct RandomScene {
     std::string words;  ///< for messages
 };
 
+/// A number of 32 bits for a pixel, that looks random and is the same everywhere.
+unsigned PixelHash(unsigned seed, int x, int y);
+
 /// Scene `number`; costly values are rare. Sets what the scene's `alphaOf` draws, until the next call.
 RandomScene MakeRandomScene(unsigned number);
 

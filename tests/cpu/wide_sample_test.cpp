@@ -34,9 +34,7 @@ struct HardLayer {
 HardLayer layer;
 
 unsigned Hash(int x, int y) {
-    unsigned h = layer.seed + static_cast<unsigned>(x) * 374761393u + static_cast<unsigned>(y) * 668265263u;
-    h = (h ^ (h >> 13)) * 1274126177u;
-    return h ^ (h >> 16);
+    return PixelHash(layer.seed, x, y);
 }
 
 double AlphaOf(int x, int y) {

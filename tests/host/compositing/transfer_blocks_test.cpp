@@ -24,14 +24,6 @@ namespace {
 
 constexpr int kStrip = 15;
 
-PF_CompositeMode Mode(PF_TransferMode mode, int opacity, bool rgbOnly) {
-    PF_CompositeMode record{};
-    record.xfer = mode;
-    record.opacity = static_cast<A_u_char>(opacity);
-    record.rgb_only = rgbOnly;
-    return record;
-}
-
 void Lay(const World& source, const PF_CompositeMode& mode, int begin, int end, World& destination) {
     const PF_Rect part{begin, 0, end, source.Height()};
     ASSERT_EQ(TransferRect(PF_Quality_HI, PF_MF_Alpha_STRAIGHT, PF_Field_FRAME, &part, &source.Def(), &mode, nullptr,

@@ -27,13 +27,6 @@ World Numbered() {
     return world;
 }
 
-PF_CompositeMode Mode(PF_TransferMode mode, int opacity = 255) {
-    PF_CompositeMode record{};
-    record.xfer = mode;
-    record.opacity = static_cast<A_u_char>(opacity);
-    return record;
-}
-
 struct GeometryCase {
     const char* name;
     std::optional<PF_Rect> rect;

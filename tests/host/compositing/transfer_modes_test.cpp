@@ -73,15 +73,6 @@ double Allowed(Depth depth, double exact) {
     return 4e-5 * std::max(1.0, std::abs(exact));
 }
 
-PF_CompositeMode Mode(PF_TransferMode mode, int opacity = 255, bool rgbOnly = false, int seed = 0) {
-    PF_CompositeMode record{};
-    record.xfer = mode;
-    record.rand_seed = seed;
-    record.opacity = static_cast<A_u_char>(opacity);
-    record.rgb_only = rgbOnly;
-    return record;
-}
-
 PF_Err Lay(const World& source, const PF_CompositeMode& mode, World& destination, const PF_MaskWorld* mask = nullptr) {
     return TransferRect(PF_Quality_HI, PF_MF_Alpha_STRAIGHT, PF_Field_FRAME, nullptr, &source.Def(), &mode, mask, 0, 0,
                         &destination.Def());

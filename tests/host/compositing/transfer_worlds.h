@@ -17,6 +17,15 @@ inline double FullScale(Depth depth) {
     return depth == Depth::k8 ? 255.0 : depth == Depth::k16 ? 32768.0 : 1.0;
 }
 
+inline PF_CompositeMode Mode(PF_TransferMode mode, int opacity = 255, bool rgbOnly = false, int seed = 0) {
+    PF_CompositeMode record{};
+    record.xfer = mode;
+    record.rand_seed = seed;
+    record.opacity = static_cast<A_u_char>(opacity);
+    record.rgb_only = rgbOnly;
+    return record;
+}
+
 /// Channel values as stored: whole numbers in integer worlds. Order: alpha, red, green, blue.
 struct Stored {
     double value[4];
