@@ -155,12 +155,16 @@ TEST_F(CliRenderGl, APictureLargerThanATextureIsToldItsSizeAndTheLimit) {
                                         "--set", "style/distance=2000", "--set", "style/softness=0"},
                                        {{Module(), "UMBRANT_GL=software", "UMBRANT_RENDERER=gl"}, ""});
     if (outcome.code == 0) GTEST_SKIP() << "this driver takes textures of 18900 pixels";
-    if (outcome.err.find("invalid pixel format") != std::string::npos) GTEST_SKIP() << "no software renderer here";
     EXPECT_EQ(outcome.code, 1);
+    EXPECT_EQ(folder_.Entries(), entries) << "nothing is left behind";
+    if (outcome.err.find("invalid pixel format") != std::string::npos) {
+        // A machine with other drivers alone.
+        EXPECT_THAT(outcome.err, HasSubstr("no OpenGL context could be made, so the effect cannot draw"));
+        return;
+    }
     EXPECT_THAT(outcome.err, HasSubstr("FBO bad, res: 18900 42 (error 4, PF_Err_OUT_OF_MEMORY); the image would be "
                                        "18900 x 42 pixels, and many OpenGL drivers support at most 16384 x 16384"));
     EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(folder_.Entries(), entries) << "nothing is left behind";
 }
 
 }  // namespace
