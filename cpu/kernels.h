@@ -21,21 +21,23 @@ inline constexpr int kColumnChunk = 32;
 inline constexpr int kSlack = 64;
 
 /// Weighted sums to form: block b makes kTapOutputs neighbouring outputs, each the sum over e in
-/// [starts[b], starts[b + 1]) of weights[kTapOutputs e + output] x input[offsets[e]].
+/// [starts[b], starts[b + 1]) of weights[kTapOutputs e + output] x input[offsets[e] - base].
 struct TapBlocks {
     const int32_t* starts;
     const int32_t* offsets;
     const float* weights;
-    int count;  ///< blocks
+    int count;         ///< blocks
+    int32_t base = 0;  ///< where the part of the input that is given begins
 };
 
 /// How a row of a blurred copy is stretched over output columns: output `i` lies `fractions[i]` of the way from texel
-/// `texels[i]` to the next.
+/// `texels[i]` - `base` to the next.
 struct PlaceColumns {
     const int32_t* texels;
     const float* fractions;
     int count;
-    bool gentle;  ///< the texels of n neighbouring outputs never span more than n
+    bool gentle;       ///< the texels of n neighbouring outputs never span more than n
+    int32_t base = 0;  ///< where the part of the row that is given begins
 };
 
 /// Neighbouring coefficients that a spline is evaluated from: six of a quintic one, four of a cubic one.
@@ -43,20 +45,22 @@ inline constexpr int kQuinticSpan = 6;
 inline constexpr int kCubicSpan = 4;
 
 /// How a coarse row is evaluated over output columns: output `i` is the sum over k of weights[k pitch + i] x
-/// coefficient texels[i] + k.
+/// coefficient texels[i] - base + k.
 struct SplineColumns {
     const int32_t* texels;
     const float* weights;
     ptrdiff_t pitch;
     int count;
-    bool gentle;  ///< the texels of n neighbouring outputs never span more than n
+    bool gentle;       ///< the texels of n neighbouring outputs never span more than n
+    int32_t base = 0;  ///< where the part of the row that is given begins
 };
 
 struct CpuKernels {
     const char* name;
 
     /// Blur across. `tile` is a column tile: input `j` is its kTileRows floats from 32 j on, and the offsets count
-    /// floats. Block b goes to columns 4 b of `rows` rows, `pitch` floats apart; rounded and limited to 0..65535.
+    /// floats. Block b goes to columns 4 b of `rows` rows, a multiple of 16, `pitch` floats apart; rounded and limited
+    /// to 0..65535.
     void (*blurColumns)(const float* tile, const TapBlocks& taps, int rows, float* out, ptrdiff_t pitch);
 
     /// Blur down. The offsets count floats from `in` to input rows. Blocks [first, last) make four rows each,
