@@ -52,8 +52,13 @@ Rig& Rig::Get() {
     return rig;
 }
 
+const char* ModuleFile() {
+    const char* other = std::getenv("UMBRANT_BENCH_MODULE");
+    return other ? other : UMBRANT_MODULE_FILE;
+}
+
 Rig::Rig()
-    : module_(Take(Module::Load(UMBRANT_MODULE_FILE))),
+    : module_(Take(Module::Load(ModuleFile()))),
       session_(Take(EffectSession::Start(module_))),
       defaults_(session_.Params()) {}
 

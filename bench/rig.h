@@ -15,6 +15,9 @@ using namespace umbrant::host;
 /// around it, and for at least four pixels at the frame's edges.
 World DiscLayer(int width, int height, Depth depth, double share);
 
+/// The file of the module that is measured: that of UMBRANT_BENCH_MODULE, or the one of this build.
+const char* ModuleFile();
+
 /// The module and a session, for the whole program: what a render thread makes once is made once. Whatever fails ends
 /// the program with its sentence.
 class Rig {
