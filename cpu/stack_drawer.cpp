@@ -1,254 +1,215 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// Three stages per sample: its weights, the blur across, and the blur down with the placing. One run of the pool does
-// the last stage of a sample together with the middle one of the next and the first of the one after that, so that no
-// thread waits at the end of a stage.
+// Samples are drawn in groups, and the output in patches: a task places all samples of a group in one patch, whose sums
+// stay in the cache meanwhile. Three stages per group: its weights, the blurs across that patches share, and the
+// patches. One run of the pool does the last stage of a group together with the middle one of the next and the first of
+// the one after that, so that no thread waits at the end of a stage.
 
 #include "cpu/stack_drawer.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "cpu/kernels.h"
+#include "cpu/narrow_sample.h"
 #include "cpu/thread_pool.h"
 
 namespace umbrant::effect {
 
 namespace {
 
-// Columns of a copy whose weights make one task.
-constexpr int kChunkColumns = 64;
-// Rows of a copy that one task blurs down and places: as many as fit the second-level cache beside what they are made
-// from. The last block of a strip is there only for the first row of the next.
-constexpr int kStripRows = 64;
-constexpr int kStripStep = kStripRows - kTapOutputs;
+// What a patch is made of fits the second-level cache: 200 KiB of sums, and as much of the source and of each blur.
+constexpr int kPatchWidth = 512;
+constexpr int kPatchHeight = 192;
+// The planes of a group stay in the third-level cache; a group has at least one sample.
+constexpr size_t kMostPlaneFloats = size_t{1} << 20;
+constexpr size_t kMostSamples = 48;
 
 int Divide(int count, int by) {
     return (count + by - 1) / by;
 }
 
-// Whole cache lines, an odd number of pairs of them, so that the rows of a narrow strip spread over the cache's sets.
-ptrdiff_t PitchFor(int columns) {
-    const int chunks = Divide(columns, kColumnChunk) | 1;
-    return ptrdiff_t{chunks} * kColumnChunk;
-}
-
-/// What the stages of one sample hand on.
-struct Slot {
-    const StackSample* sample = nullptr;
-    Range columns;                ///< of the copy
-    Range stored;                 ///< rows of the source that the blur across reads
-    std::vector<TapList> across;  ///< per kChunkColumns columns
-    TapList down;
-    std::vector<int32_t> texels;  ///< per output column, from columns.begin - 1 on
-    std::vector<float> fractions;
-    bool gentle = false;  ///< no column is more than one texel beyond the one before
-    ptrdiff_t pitch = 0;
-    WideSample wide;
-
-    bool IsWide() const { return sample->decimation.IsWide(); }
-
-    void Start(const StackSample& next) {
-        sample = &next;
-        if (IsWide()) return wide.Start(next, *next.level);
-        columns = next.plan->regions.down.x;
-        stored = next.source->StoredRows(next.plan->regions.across.y);
-        pitch = PitchFor(columns.Size());
-        across.resize(std::max(across.size(), static_cast<size_t>(Chunks())));
+/// A sample on either kind of grid.
+class DrawnSample {
+ public:
+    void Start(const StackSample& sample) {
+        isWide_ = sample.decimation.IsWide();
+        if (isWide_) {
+            wide_.Start(sample, *sample.level);
+        } else {
+            narrow_.Start(sample, kPatchWidth, kPatchHeight);
+        }
     }
-    Range DownRows() const { return sample->plan->regions.down.y; }
-    const Region& Placed() const { return sample->plan->regions.placed; }
-    int Chunks() const { return Divide(columns.Size(), kChunkColumns); }
-    int FirstTile() const { return (stored.begin - sample->source->Rows().begin) / kTileRows; }
-    int Tiles() const { return Divide(stored.end - sample->source->Rows().begin, kTileRows) - FirstTile(); }
-    /// The row of the copy that the plane's first is.
-    int PlaneBegin() const { return sample->source->Rows().begin + FirstTile() * kTileRows; }
-    size_t PlaneSize() const {
-        if (IsWide()) return wide.PlaneSize();
-        return static_cast<size_t>(pitch) * static_cast<size_t>(Tiles()) * kTileRows + kSlack;
+    size_t PlaneSize() const { return isWide_ ? wide_.PlaneSize() : narrow_.PlaneSize(); }
+    int WeighTasks() const { return isWide_ ? wide_.WeighTasks() : narrow_.WeighTasks(); }
+    int AcrossTasks() const { return isWide_ ? wide_.AcrossTasks() : narrow_.AcrossTasks(); }
+    void Weigh(int task, TapFolder& folder) {
+        if (isWide_) {
+            wide_.Weigh(task, folder);
+        } else {
+            narrow_.Weigh(task, folder);
+        }
     }
-    int WeighTasks() const { return IsWide() ? wide.WeighTasks() : Chunks() + 1; }
-    int AcrossTasks() const { return IsWide() ? wide.AcrossTasks() : Tiles() * Chunks(); }
-    int PlaceTasks() const { return IsWide() ? wide.PlaceTasks() : Strips(); }
-    int Strips() const { return std::max(1, Divide(DownRows().Size() - kTapOutputs, kStripStep)); }
+    void BlurAcross(int task, float* plane) const {
+        if (isWide_) {
+            wide_.BlurAcross(task, plane);
+        } else {
+            narrow_.BlurAcross(task, plane);
+        }
+    }
+    template <typename Memory>
+    void Place(const Region& patch, const float* plane, Memory& memory, uint16_t* accumulated, int width) const {
+        if (isWide_) {
+            wide_.Place(patch, plane, memory.wide, accumulated, width);
+        } else {
+            narrow_.Place(patch, plane, memory.narrow, accumulated, width);
+        }
+    }
+
+ private:
+    bool isWide_ = false;
+    NarrowSample narrow_;
+    WideSample wide_;
+};
+
+/// Samples that are placed together.
+struct Group {
+    std::vector<DrawnSample> samples;  ///< as many as ever; the first `count` count
+    size_t count = 0;
+    std::vector<size_t> planes;   ///< where each sample's plane begins
+    std::vector<int> weighEnds;   ///< tasks of the samples up to each
+    std::vector<int> acrossEnds;  ///< the same
+    size_t planeFloats = 0;
+
+    int WeighTasks() const { return count ? weighEnds[count - 1] : 0; }
+    int AcrossTasks() const { return count ? acrossEnds[count - 1] : 0; }
+
+    /// Takes samples from `next` on; returns the first that it leaves.
+    size_t Start(const std::vector<StackSample>& all, size_t next) {
+        count = 0;
+        planeFloats = 0;
+        while (next < all.size() && count < kMostSamples) {
+            if (samples.size() == count) samples.emplace_back();
+            DrawnSample& sample = samples[count];
+            sample.Start(all[next]);
+            const size_t plane = sample.PlaneSize();
+            if (count > 0 && plane > 0 && planeFloats + plane > kMostPlaneFloats) break;
+            Add(sample);
+            planeFloats += plane;
+            ++next;
+        }
+        return next;
+    }
+
+    void Add(const DrawnSample& sample) {
+        const int weigh = WeighTasks() + sample.WeighTasks();
+        const int across = AcrossTasks() + sample.AcrossTasks();
+        planes.resize(std::max(planes.size(), count + 1));
+        weighEnds.resize(planes.size());
+        acrossEnds.resize(planes.size());
+        planes[count] = planeFloats;
+        weighEnds[count] = weigh;
+        acrossEnds[count] = across;
+        ++count;
+    }
+    /// The sample that a task belongs to; `task` becomes its own.
+    size_t SampleOf(const std::vector<int>& ends, int& task) const {
+        const auto counted = ends.begin() + static_cast<ptrdiff_t>(count);
+        const auto index = static_cast<size_t>(std::upper_bound(ends.begin(), counted, task) - ends.begin());
+        if (index > 0) task -= ends[index - 1];
+        return index;
+    }
 };
 
 /// A pool thread's own.
 struct WorkerMemory {
     TapFolder folder;
-    Buffer<float> strip;
-    Buffer<float> row;
-    Buffer<float> zeroes;  ///< never written
+    NarrowMemory narrow;
     WideMemory wide;
 };
 
 }  // namespace
 
 struct StackDrawer::Memory {
-    Slot slots[3];
-    Buffer<float> planes[2];  ///< what the blur across makes, of even and odd samples
+    Group groups[3];
+    Buffer<float> planes[2];  ///< what the blurs across make, of even and odd groups
     std::vector<WorkerMemory> workers;
     Buffer<uint16_t> accumulated;
     int width = 0;
+    int height = 0;
 
-    void Weigh(Slot& slot, int task, TapFolder& folder);
-    void WeighDown(Slot& slot, TapFolder& folder);
-    void StretchColumns(Slot& slot);
-    void BlurAcross(const Slot& slot, float* plane, int task);
-    void BlurDownAndPlace(const Slot& slot, const float* plane, int strip, WorkerMemory& worker);
-    void PlaceRows(const Slot& slot, const float* rows, Range have, Range texelRows, WorkerMemory& worker);
+    int PatchColumns() const { return Divide(width, kPatchWidth); }
+    int Patches() const { return PatchColumns() * Divide(height, kPatchHeight); }
+    void DrawPatch(const Group& group, int index, const float* blurred, bool isFirst, WorkerMemory& worker);
+    void RunStages(Group* weighed, Group* across, Group* placed, int step);
 };
 
 StackDrawer::StackDrawer() : memory_(std::make_unique<Memory>()) {}
 StackDrawer::~StackDrawer() = default;
 
-// Task 0 is the blur down's weights and the columns' places, the others a chunk of columns each.
-void StackDrawer::Memory::Weigh(Slot& slot, int task, TapFolder& folder) {
-    if (slot.IsWide()) return slot.wide.Weigh(task, folder);
-    if (task == 0) {
-        WeighDown(slot, folder);
-        StretchColumns(slot);
-        return;
-    }
-    const StackSample& sample = *slot.sample;
-    const Look& look = sample.plan->across.x.look;
-    const int chunk = task - 1;
-    const int begin = slot.columns.begin + chunk * kChunkColumns;
-    const int end = std::min(begin + kChunkColumns, slot.columns.end);
-    TapList& list = slot.across[static_cast<size_t>(chunk)];
-    const Range kept = sample.source->Columns();
-    const KeptInputs stored{{0, look.size}, kept, kept.begin, kTileRows};
-    list.Clear();
-    folder.Prepare(look.size);
-    for (int block = begin; block < end; block += kTapOutputs) {
-        for (int column = block; column < std::min(block + kTapOutputs, end); ++column) {
-            folder.Fold(column - block, look.At(column), sample.acrossKernel, look);
-        }
-        folder.Flush(stored, &list);
-    }
-}
-
-void StackDrawer::Memory::WeighDown(Slot& slot, TapFolder& folder) {
-    const StackSample& sample = *slot.sample;
-    const Look look{0, 1, sample.plan->across.y.outputs, Edge::kMirror};
-    const Range rows = slot.DownRows();
-    const KeptInputs stored{sample.source->Distinct(), slot.stored, slot.PlaneBegin(), static_cast<int>(slot.pitch)};
-    slot.down.Clear();
-    folder.Prepare(look.size);
-    for (int block = rows.begin; block < rows.end; block += kTapOutputs) {
-        for (int row = block; row < std::min(block + kTapOutputs, rows.end); ++row) {
-            folder.Fold(row - block, look.At(row), sample.downKernel, look);
-        }
-        folder.Flush(stored, &slot.down);
-    }
-}
-
-void StackDrawer::Memory::StretchColumns(Slot& slot) {
-    const Stretch stretch(slot.sample->plan->place.x);
-    const Range out = slot.Placed().x;
-    slot.texels.resize(static_cast<size_t>(out.Size()));
-    slot.fractions.resize(static_cast<size_t>(out.Size()));
-    slot.gentle = true;
-    for (int i = 0; i < out.Size(); ++i) {
-        const auto column = static_cast<size_t>(i);
-        const double at = stretch.At(out.begin + i);
-        const double floor = std::floor(at);
-        slot.texels[column] = static_cast<int>(TexelAt(at)) - (slot.columns.begin - 1);
-        slot.fractions[column] = static_cast<float>(at - floor);
-        // A scale of at most 1 promises nothing: places that differ by 1 may lie on two sides of a texel's centre by
-        // their last bits alone, and then a texel is stepped over.
-        if (i > 0 && slot.texels[column] > slot.texels[column - 1] + 1) slot.gentle = false;
-    }
-}
-
-// The columns of one chunk in the rows of one tile.
-void StackDrawer::Memory::BlurAcross(const Slot& slot, float* plane, int task) {
-    if (slot.IsWide()) return slot.wide.BlurAcross(task, plane);
-    const int tile = task / slot.Chunks();
-    const int chunk = task % slot.Chunks();
-    float* out = plane + slot.pitch * tile * kTileRows + ptrdiff_t{chunk} * kChunkColumns;
-    CurrentKernels().blurColumns(slot.sample->source->Tile(slot.FirstTile() + tile),
-                                 slot.across[static_cast<size_t>(chunk)].View(), kTileRows, out, slot.pitch);
-}
-
-void StackDrawer::Memory::BlurDownAndPlace(const Slot& slot, const float* plane, int strip, WorkerMemory& worker) {
-    if (slot.IsWide()) return slot.wide.Place(strip, plane, worker.wide, accumulated.Get(), width);
-    const Range down = slot.DownRows();
-    const Range have = Intersect({down.begin + strip * kStripStep, down.begin + strip * kStripStep + kStripRows}, down);
-    float* rows = worker.strip.Reserve(static_cast<size_t>(slot.pitch) * kStripRows + kSlack);
-    const int firstBlock = (have.begin - down.begin) / kTapOutputs;
-    CurrentKernels().blurRows(plane, slot.down.View(), firstBlock, firstBlock + Divide(have.Size(), kTapOutputs),
-                              slot.columns.Size(), rows, slot.pitch);
-    // A pixel belongs to the strip that has its upper texel; the first and the last strip take the edges' too.
-    Range texelRows = {have.begin, have.begin + kStripStep};
-    if (strip == 0) texelRows.begin = have.begin - 1;
-    if (strip == slot.Strips() - 1) texelRows.end = have.end;
-    PlaceRows(slot, rows, have, texelRows, worker);
-}
-
-void StackDrawer::Memory::PlaceRows(const Slot& slot, const float* rows, Range have, Range texelRows,
+void StackDrawer::Memory::DrawPatch(const Group& group, int index, const float* blurred, bool isFirst,
                                     WorkerMemory& worker) {
-    const PlacePlan& copy = slot.sample->plan->place;
-    const Region& out = slot.Placed();
-    const int columns = slot.columns.Size();
-    const Stretch stretch(copy.y);
-    const CpuKernels& kernels = CurrentKernels();
-    float* mixed = worker.row.Reserve(static_cast<size_t>(slot.pitch) + size_t{2} * kSlack) + 1;
-    const float* nothing = worker.zeroes.Reserve(static_cast<size_t>(slot.pitch) + kSlack);
-    const auto rowOf = [&](int64_t row) {
-        const int index = EdgeIndex(row, copy.y.texels, Edge::kMirror);
-        return index < have.begin || index >= have.end ? nothing : rows + (index - have.begin) * slot.pitch;
-    };
-
-    int pixel =
-        std::max(out.y.begin, static_cast<int>(TexelAt((texelRows.begin - stretch.offset) / stretch.scale)) - 1);
-    const PlaceColumns place{slot.texels.data(), slot.fractions.data(), out.x.Size(), slot.gentle};
-    for (; pixel < out.y.end; ++pixel) {
-        const double at = stretch.At(pixel);
-        const auto texel = TexelAt(at);
-        if (texel < texelRows.begin) continue;
-        if (texel >= texelRows.end) break;
-        kernels.mixRows(rowOf(texel), rowOf(texel + 1), static_cast<float>(at - static_cast<double>(texel)), columns,
-                        mixed);
-        // Beyond the copy's edge lies its mirror image; beyond what is not 0, nothing.
-        mixed[-1] = slot.columns.begin == 0 ? mixed[0] : 0;
-        mixed[columns] = slot.columns.end == copy.x.texels ? mixed[columns - 1] : 0;
-        kernels.placeRow(mixed - 1, place, accumulated.Get() + static_cast<ptrdiff_t>(pixel) * width + out.x.begin);
+    const int x = index % PatchColumns() * kPatchWidth;
+    const int y = index / PatchColumns() * kPatchHeight;
+    const Region patch = {{x, std::min(x + kPatchWidth, width)}, {y, std::min(y + kPatchHeight, height)}};
+    uint16_t* sums = accumulated.Get();
+    if (isFirst) {
+        for (int row = patch.y.begin; row < patch.y.end; ++row) {
+            std::fill_n(sums + ptrdiff_t{row} * width + patch.x.begin, patch.x.Size(), uint16_t{0});
+        }
     }
+    for (size_t i = 0; i < group.count; ++i) {
+        group.samples[i].Place(patch, blurred + group.planes[i], worker, sums, width);
+    }
+}
+
+void StackDrawer::Memory::RunStages(Group* weighed, Group* across, Group* placed, int step) {
+    float* acrossPlanes = nullptr;
+    if (across) acrossPlanes = planes[(step - 1) % 2].Reserve(across->planeFloats);
+    const float* placedPlanes = planes[step % 2].Get();
+    const int placeTasks = placed ? Patches() : 0;
+    const int acrossTasks = across ? across->AcrossTasks() : 0;
+    const int weighTasks = weighed ? weighed->WeighTasks() : 0;
+    RunTasks(placeTasks + acrossTasks + weighTasks, [&](int task, int worker) {
+        WorkerMemory& own = workers[static_cast<size_t>(worker)];
+        if (task < placeTasks) {
+            DrawPatch(*placed, task, placedPlanes, step == 2, own);
+            return;
+        }
+        task -= placeTasks;
+        if (task < acrossTasks) {
+            const size_t sample = across->SampleOf(across->acrossEnds, task);
+            across->samples[sample].BlurAcross(task, acrossPlanes + across->planes[sample]);
+            return;
+        }
+        task -= acrossTasks;
+        const size_t sample = weighed->SampleOf(weighed->weighEnds, task);
+        weighed->samples[sample].Weigh(task, own.folder);
+    });
 }
 
 const uint16_t* StackDrawer::Draw(const std::vector<StackSample>& samples, int width, int height) {
     Memory& m = *memory_;
     const size_t pixels = static_cast<size_t>(width) * static_cast<size_t>(height);
-    std::fill_n(m.accumulated.Reserve(pixels + kSlack), pixels, uint16_t{0});
+    m.accumulated.Reserve(pixels + kSlack);
     m.width = width;
+    m.height = height;
     m.workers.resize(std::max(m.workers.size(), static_cast<size_t>(PoolThreads())));
 
-    const int count = static_cast<int>(samples.size());
-    for (int step = 0; step < count + 2; ++step) {
-        Slot* weighed = step < count ? &m.slots[step % 3] : nullptr;
-        Slot* across = step >= 1 && step - 1 < count ? &m.slots[(step - 1) % 3] : nullptr;
-        Slot* down = step >= 2 ? &m.slots[(step - 2) % 3] : nullptr;
-        float* acrossPlane = nullptr;
-        const float* downPlane = m.planes[step % 2].Get();
-        if (weighed) weighed->Start(samples[static_cast<size_t>(step)]);
-        if (across) {
-            acrossPlane = m.planes[(step - 1) % 2].Reserve(across->PlaneSize());
+    // A group with no samples takes the place of those before the first and after the last.
+    size_t next = 0;
+    Group* weighed = nullptr;
+    Group* across = nullptr;
+    Group* placed = nullptr;
+    for (int step = 0; step == 0 || weighed || across; ++step) {
+        placed = across;
+        across = weighed;
+        weighed = nullptr;
+        if (next < samples.size() || step == 0) {
+            weighed = &m.groups[step % 3];
+            next = weighed->Start(samples, next);
         }
-        const int downTasks = down ? down->PlaceTasks() : 0;
-        const int acrossTasks = across ? across->AcrossTasks() : 0;
-        const int weighTasks = weighed ? weighed->WeighTasks() : 0;
-        RunTasks(downTasks + acrossTasks + weighTasks, [&](int task, int worker) {
-            WorkerMemory& own = m.workers[static_cast<size_t>(worker)];
-            if (task < downTasks) {
-                m.BlurDownAndPlace(*down, downPlane, task, own);
-            } else if (task < downTasks + acrossTasks) {
-                m.BlurAcross(*across, acrossPlane, task - downTasks);
-            } else {
-                m.Weigh(*weighed, task - downTasks - acrossTasks, own.folder);
-            }
-        });
+        m.RunStages(weighed, across, placed, step);
     }
     return m.accumulated.Get();
 }

@@ -14,7 +14,6 @@ namespace umbrant::effect {
 namespace {
 
 constexpr int kChunkColumns = 32;
-constexpr int kStripPixels = 96;
 // Columns beyond those that are evaluated which the quintic filter reads.
 constexpr int kFilterReach = 6;
 
@@ -84,6 +83,7 @@ void WideSample::Weigh(int task, TapFolder& folder) {
     if (task == 0) {
         WeighDown();
         WeighColumns();
+        WeighRows();
         return;
     }
     const Look& look = sample_->plan->across.x.look;
@@ -129,13 +129,23 @@ void WideSample::WeighColumns() {
     }
 }
 
-int WideSample::WeighRow(int pixel, float* weights) const {
+void WideSample::WeighRows() {
     const Placement& copy = sample_->plan->place.y;
-    const TexelPlace place(Stretch(copy).At(pixel), copy.texels);
+    const Stretch stretch(copy);
+    const Range out = sample_->plan->regions.placed.y;
     const int grid = sample_->decimation.Rows();
-    const int first = FloorDivide(place.texel, grid) - 1;
-    WeighPlace<kCubicSpan>(place, grid, first, CubicSpline, weights, 1);
-    return first;
+    rowWeights_.resize(static_cast<size_t>(out.Size()));
+    for (int i = 0; i < out.Size(); ++i) {
+        const TexelPlace place(stretch.At(out.begin + i), copy.texels);
+        RowWeights& row = rowWeights_[static_cast<size_t>(i)];
+        const int first = FloorDivide(place.texel, grid) - 1;
+        row.first = first - rows_.begin;
+        WeighPlace<kCubicSpan>(place, grid, first, CubicSpline, row.weights, 1);
+    }
+}
+
+const WideSample::RowWeights& WideSample::Row(int pixel) const {
+    return rowWeights_[static_cast<size_t>(pixel - sample_->plan->regions.placed.y.begin)];
 }
 
 void WideSample::BlurAcross(int task, float* plane) const {
@@ -145,38 +155,43 @@ void WideSample::BlurAcross(int task, float* plane) const {
                                 plane + pitch_ * tile * kTileRows + ptrdiff_t{chunk} * kChunkColumns, pitch_);
 }
 
-int WideSample::PlaceTasks() const {
-    return Divide(sample_->plan->regions.placed.y.Size(), kStripPixels);
-}
-
-void WideSample::Place(int strip, const float* plane, WideMemory& memory, uint16_t* accumulated, int width) const {
+void WideSample::Place(const Region& patch, const float* plane, WideMemory& memory, uint16_t* accumulated,
+                       int width) const {
     const CpuKernels& kernels = CurrentKernels();
-    const Region& out = sample_->plan->regions.placed;
-    const Range pixels = {out.y.begin + strip * kStripPixels,
-                          std::min(out.y.begin + (strip + 1) * kStripPixels, out.y.end)};
-    float weights[kCubicSpan];
-    const int firstBlock = (WeighRow(pixels.begin, weights) - rows_.begin) / kTapOutputs;
-    const int lastBlock = Divide(WeighRow(pixels.end - 1, weights) + kCubicSpan - rows_.begin, kTapOutputs);
+    const Region& placed = sample_->plan->regions.placed;
+    const Region out = {Intersect(patch.x, placed.x), Intersect(patch.y, placed.y)};
+    if (out.Empty()) return;
+    const auto firstPixel = static_cast<size_t>(out.x.begin - placed.x.begin);
+    const auto lastPixel = static_cast<size_t>(out.x.end - 1 - placed.x.begin);
+    // Coefficients along x, from stretched_.begin on; the filter reads more of the plane.
+    const Range used = {texels_[firstPixel], texels_[lastPixel] + kQuinticSpan};
+    const int read = used.Size() + 2 * kFilterReach;
+    const ptrdiff_t pitch = ptrdiff_t{Divide(read, kColumnChunk) | 1} * kColumnChunk;
+
+    const int firstBlock = Row(out.y.begin).first / kTapOutputs;
+    const int lastBlock = Divide(Row(out.y.end - 1).first + kCubicSpan, kTapOutputs);
     const int count = (lastBlock - firstBlock) * kTapOutputs;
-    float* sums = memory.sums.Reserve(static_cast<size_t>(pitch_) * static_cast<size_t>(count) + kSlack);
-    kernels.sumRows(plane, down_.View(), firstBlock, lastBlock, coarse_.Size(), sums, pitch_);
+    float* sums = memory.sums.Reserve(static_cast<size_t>(pitch) * static_cast<size_t>(count) + kSlack);
+    kernels.sumRows(plane + used.begin, down_.View(), firstBlock, lastBlock, read, sums, pitch);
 
     const ptrdiff_t stretchedPitch = ptrdiff_t{Divide(out.x.Size(), kSlack) + 1} * kSlack;
-    float* filtered = memory.filtered.Reserve(static_cast<size_t>(pitch_) + 2 * size_t{kSlack});
+    float* filtered = memory.filtered.Reserve(static_cast<size_t>(pitch) + 2 * size_t{kSlack});
     float* stretched =
         memory.stretched.Reserve(static_cast<size_t>(stretchedPitch) * static_cast<size_t>(count) + kSlack);
     const auto& filter = QuinticFilter();
-    const SplineColumns columns{texels_.data(), weights_.data(), out.x.Size(), out.x.Size(), gentle_};
+    const SplineColumns columns{
+        &texels_[firstPixel], &weights_[firstPixel], placed.x.Size(), out.x.Size(), gentle_, used.begin};
     for (int row = 0; row < count; ++row) {
-        kernels.filterRow(sums + row * pitch_, filter.data(), static_cast<int>(filter.size()), stretched_.Size(),
-                          filtered);
+        kernels.filterRow(sums + row * pitch, filter.data(), static_cast<int>(filter.size()), used.Size(), filtered);
         kernels.stretchSpline(filtered, columns, stretched + row * stretchedPitch);
     }
-    for (int pixel = pixels.begin; pixel < pixels.end; ++pixel) {
-        const int first = WeighRow(pixel, weights) - rows_.begin - firstBlock * kTapOutputs;
+    for (int pixel = out.y.begin; pixel < out.y.end; ++pixel) {
+        const RowWeights& row = Row(pixel);
         const float* rows[kCubicSpan];
-        for (int k = 0; k < kCubicSpan; ++k) rows[k] = stretched + (first + k) * stretchedPitch;
-        kernels.placeSpline(rows, weights, out.x.Size(),
+        for (int k = 0; k < kCubicSpan; ++k) {
+            rows[k] = stretched + (row.first - firstBlock * kTapOutputs + k) * stretchedPitch;
+        }
+        kernels.placeSpline(rows, row.weights, out.x.Size(),
                             accumulated + static_cast<ptrdiff_t>(pixel) * width + out.x.begin);
     }
 }

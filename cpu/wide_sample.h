@@ -40,16 +40,21 @@ class WideSample {
     int AcrossTasks() const { return level_->Tiles() * Chunks(); }
     void BlurAcross(int task, float* plane) const;
 
-    int PlaceTasks() const;
-    /// Adds the strip's rows to `accumulated`, `width` pixels a row.
-    void Place(int strip, const float* plane, WideMemory& memory, uint16_t* accumulated, int width) const;
+    /// Adds what of the sample lies in `patch` to `accumulated`, `width` pixels a row.
+    void Place(const Region& patch, const float* plane, WideMemory& memory, uint16_t* accumulated, int width) const;
 
  private:
+    /// The first coefficient, from rows_.begin on, and the weights of an output row.
+    struct RowWeights {
+        int first;
+        float weights[kCubicSpan];
+    };
+
     int Chunks() const;
     void WeighDown();
     void WeighColumns();
-    /// The first coefficient and the weights of an output row.
-    int WeighRow(int pixel, float* weights) const;
+    void WeighRows();
+    const RowWeights& Row(int pixel) const;
 
     const StackSample* sample_ = nullptr;
     const PyramidLevel* level_ = nullptr;
@@ -62,6 +67,7 @@ class WideSample {
     std::vector<int32_t> texels_;
     std::vector<float> weights_;
     bool gentle_ = false;
+    std::vector<RowWeights> rowWeights_;  ///< per output row
 };
 
 }  // namespace umbrant::effect
