@@ -92,6 +92,14 @@ struct CpuKernels {
     void (*toBytes)(const uint16_t* values, size_t count, uint8_t* out);
     /// 16 bits to 0..1.
     void (*toFloats)(const uint16_t* values, size_t count, float* out);
+
+    /// The first of every four bytes, and of every four floats: the alphas of pixels.
+    void (*takeBytes)(const uint8_t* pixels, size_t count, uint8_t* out);
+    void (*takeFloats)(const float* pixels, size_t count, float* out);
+    /// Pixels of four bytes, and of four floats: the alpha as toBytes and toFloats have it, and the last three of
+    /// `colour`.
+    void (*colourBytes)(const uint16_t* values, size_t count, const uint8_t* colour, uint8_t* pixels);
+    void (*colourFloats)(const uint16_t* values, size_t count, const float* colour, float* pixels);
 };
 
 /// The fastest kernels that this processor runs.

@@ -12,15 +12,15 @@
 
 #include "cpu/kernels.h"
 #include "cpu/narrow_sample.h"
+#include "cpu/patch_size.h"
 #include "cpu/thread_pool.h"
 
 namespace umbrant::effect {
 
 namespace {
 
-// What a patch is made of fits the second-level cache: 200 KiB of sums, and as much of the source and of each blur.
-constexpr int kPatchWidth = 512;
-constexpr int kPatchHeight = 192;
+PatchSize patchSize;
+
 // The planes of a group stay in the third-level cache; a group has at least one sample.
 constexpr size_t kMostPlaneFloats = size_t{1} << 20;
 constexpr size_t kMostSamples = 48;
@@ -37,7 +37,7 @@ class DrawnSample {
         if (isWide_) {
             wide_.Start(sample, *sample.level);
         } else {
-            narrow_.Start(sample, kPatchWidth, kPatchHeight);
+            narrow_.Start(sample, patchSize.width, patchSize.height);
         }
     }
     size_t PlaneSize() const { return isWide_ ? wide_.PlaneSize() : narrow_.PlaneSize(); }
@@ -138,20 +138,24 @@ struct StackDrawer::Memory {
     int width = 0;
     int height = 0;
 
-    int PatchColumns() const { return Divide(width, kPatchWidth); }
-    int Patches() const { return PatchColumns() * Divide(height, kPatchHeight); }
+    int PatchColumns() const { return Divide(width, patchSize.width); }
+    int Patches() const { return PatchColumns() * Divide(height, patchSize.height); }
     void DrawPatch(const Group& group, int index, const float* blurred, bool isFirst, WorkerMemory& worker);
     void RunStages(Group* weighed, Group* across, Group* placed, int step);
 };
+
+void SetPatchSize(PatchSize size) {
+    patchSize = size;
+}
 
 StackDrawer::StackDrawer() : memory_(std::make_unique<Memory>()) {}
 StackDrawer::~StackDrawer() = default;
 
 void StackDrawer::Memory::DrawPatch(const Group& group, int index, const float* blurred, bool isFirst,
                                     WorkerMemory& worker) {
-    const int x = index % PatchColumns() * kPatchWidth;
-    const int y = index / PatchColumns() * kPatchHeight;
-    const Region patch = {{x, std::min(x + kPatchWidth, width)}, {y, std::min(y + kPatchHeight, height)}};
+    const int x = index % PatchColumns() * patchSize.width;
+    const int y = index / PatchColumns() * patchSize.height;
+    const Region patch = {{x, std::min(x + patchSize.width, width)}, {y, std::min(y + patchSize.height, height)}};
     uint16_t* sums = accumulated.Get();
     if (isFirst) {
         for (int row = patch.y.begin; row < patch.y.end; ++row) {

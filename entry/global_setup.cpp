@@ -100,9 +100,10 @@ class NewRecord {
         locked_ = true;
         std::memset(record, 0, sizeof(GlobalData));
         writtenRecords.Note(handle_);
-        RendererChoice choice = RendererChoice::kOpenGL;
-        if (PF_Err err = ReadRendererRequest(in_data, &choice)) return err;
-        if (choice == RendererChoice::kProcessor) {
+        RendererRequest request;
+        request.choice = RendererChoice::kOpenGL;
+        if (PF_Err err = ReadRendererRequest(in_data, &request)) return err;
+        if (request.choice == RendererChoice::kProcessor) {
             DescribeProcessor(record);
             return PF_Err_NONE;
         }

@@ -114,4 +114,5 @@ struct myParams {
     // Not settings: the host access that the upload reads from this record.
     PF_InData* in_data = nullptr;
     AEGP_SuiteHandler* suites = nullptr;
+    bool isOwnHost = false;  ///< the host offers this project's private suite
 };

@@ -73,9 +73,10 @@ void RecordRenderer(PF_InData* in_data, AEGP_SuiteHandler& suites, const std::op
 
 PF_Err RenderPasses(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHandler& suites, myParams* settings,
                     const RadialGeometry& radial) {
-    RendererChoice choice = RendererChoice::kRefused;
-    if (PF_Err err = ReadRendererRequest(in_data, &choice)) return err;
-    const ShadowBackend* backend = BackendOf(choice);
+    RendererRequest request;
+    if (PF_Err err = ReadRendererRequest(in_data, &request)) return err;
+    settings->isOwnHost = request.isOwnHost;
+    const ShadowBackend* backend = BackendOf(request.choice);
     if (!backend) return PF_Err_INTERNAL_STRUCT_DAMAGED;
     if (PF_Err err = backend->prepare(in_data, out_data, suites)) return err;
     RecordRenderer(in_data, suites, backend->name());

@@ -56,6 +56,7 @@ const OfferedSuite kOffered[] = {
     Offer(kAEGPStreamSuiteName, kAEGPStreamSuiteVersion2, kStreamSuite),
     Offer(kAEGPDynamicStreamSuiteName, kAEGPDynamicStreamSuiteVersion2, kDynamicStreamSuite),
     Offer(kUmbrantHostSuiteName, kUmbrantHostSuiteVersion1, kUmbrantHostSuite),
+    Offer(kUmbrantHostSuiteName, kUmbrantHostSuiteVersion2, kUmbrantHostSuite2),
 };
 
 const OfferedSuite* FindOffered(const char* name, int32_t version) {

@@ -52,6 +52,7 @@ extern const AEGP_EffectSuite2 kEffectSuite;
 extern const AEGP_StreamSuite2 kStreamSuite;
 extern const AEGP_DynamicStreamSuite2 kDynamicStreamSuite;
 extern const UMBRANT_HostSuite1 kUmbrantHostSuite;
+extern const UMBRANT_HostSuite2 kUmbrantHostSuite2;
 
 /// The suite of suites. The pointer that effects get is not const; none writes through it.
 extern SPBasicSuite basicSuite;

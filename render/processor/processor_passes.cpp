@@ -14,6 +14,7 @@
 #include "pixel/locked_handle.h"
 #include "pixel/return_message.h"
 #include "pixel/world_alpha.h"
+#include "pixel/world_rows.h"
 #include "render/inner_composite.h"
 #include "render/passes/passes.h"
 #include "render/processor/processor_path.h"
@@ -67,6 +68,14 @@ class Upload {
         void* buffer = memory_->Lock();
         if (!buffer) return PF_Err_OUT_OF_MEMORY;
         layer_ = {buffer, world->width, world->height};
+        if (params->isOwnHost) {
+            const size_t row = static_cast<size_t>(world->width) * static_cast<size_t>(ChannelBytes(params->bitDepth));
+            const auto copied = WalkRows(params->in_data, world, [&](A_long y, void* pixels) {
+                TakeAlphas(pixels, static_cast<size_t>(world->width), params->bitDepth,
+                           static_cast<char*>(buffer) + static_cast<size_t>(y) * row);
+            });
+            if (copied) return *copied;
+        }
         return FillFromWorld(buffer, world, params->bitDepth, params->in_data, *params->suites);
     }
 
@@ -78,6 +87,13 @@ class Upload {
 
 PF_Err ReadBack(const uint16_t* alpha, PF_InData* in_data, AEGP_SuiteHandler& suites, myParams* settings,
                 PF_LayerDef* output) {
+    if (settings->isOwnHost) {
+        const auto width = static_cast<size_t>(output->width);
+        const auto written = WalkRows(in_data, output, [&](A_long y, void* pixels) {
+            ColourRow(alpha + static_cast<size_t>(y) * width, width, *settings, pixels);
+        });
+        if (written) return *written;
+    }
     LockedHandle memory(suites.HandleSuite1(),
                         ElementBytes(output->width, output->height, ChannelBytes(settings->bitDepth)));
     void* buffer = memory.Lock();

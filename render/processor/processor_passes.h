@@ -4,7 +4,7 @@
 
 // The shadow types drawn by the CPU renderer, step for step as render/passes/passes.h has them for the GPU: the same
 // handles and iterations of the host in the same order, the same messages and errors, the same result for zero-sized
-// buffers.
+// buffers. This project's own host hands over whole rows instead of iterating over pixels.
 
 #include "entry/suites/suite_handler.h"
 #include "hostapi/commands.h"

@@ -35,6 +35,12 @@ const uint16_t* DrawInnerOnProcessor(const myParams& settings, const ProcessorLa
 const uint16_t* DrawRadialOnProcessor(const myParams& settings, const ProcessorLayer& layer,
                                       const RadialGeometry& geometry);
 
+/// A row's alphas, as deep as the render, from its pixels.
+void TakeAlphas(const void* pixels, size_t count, int bitDepth, void* out);
+
+/// A row's pixels: the alphas at the depth of the render, and the shadow's colour.
+void ColourRow(const uint16_t* alpha, size_t count, const myParams& settings, void* pixels);
+
 /// Converts alphas to the depth of the render: bytes for 8, otherwise floats.
 void ConvertAlpha(const uint16_t* alpha, size_t count, int bitDepth, void* out);
 

@@ -12,27 +12,28 @@ namespace umbrant::effect {
 namespace {
 
 /// `UMBRANT_Renderer_ANY` where the host has no such suite.
-PF_Err AskHost(PF_InData* in_data, UMBRANT_Renderer* renderer) {
+PF_Err AskHost(PF_InData* in_data, UMBRANT_Renderer* renderer, bool* isOwnHost) {
     *renderer = UMBRANT_Renderer_ANY;
     const AEFX_SuiteScoper<UMBRANT_HostSuite1, true> suite(in_data, kUmbrantHostSuiteName, kUmbrantHostSuiteVersion1,
                                                            nullptr, nullptr);
+    *isOwnHost = suite.get() != nullptr;
     if (!suite.get()) return PF_Err_NONE;
     return suite->GetRenderer(in_data->effect_ref, renderer);
 }
 
 }  // namespace
 
-PF_Err ReadRendererRequest(PF_InData* in_data, RendererChoice* choice) {
+PF_Err ReadRendererRequest(PF_InData* in_data, RendererRequest* request) {
     UMBRANT_Renderer asked = UMBRANT_Renderer_ANY;
     if (HasProcessorPath()) {
-        if (PF_Err err = AskHost(in_data, &asked)) return err;
+        if (PF_Err err = AskHost(in_data, &asked, &request->isOwnHost)) return err;
     }
     if (asked == UMBRANT_Renderer_OPENGL) {
-        *choice = RendererChoice::kOpenGL;
+        request->choice = RendererChoice::kOpenGL;
     } else if (asked == UMBRANT_Renderer_PROCESSOR) {
-        *choice = RendererChoice::kProcessor;
+        request->choice = RendererChoice::kProcessor;
     } else {
-        *choice = ChosenRenderer();
+        request->choice = ChosenRenderer();
     }
     return PF_Err_NONE;
 }

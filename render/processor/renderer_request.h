@@ -11,9 +11,14 @@
 
 namespace umbrant::effect {
 
-/// Writes `*choice`. Acquires and releases one suite at most, and reports nothing where the host does not offer it.
+struct RendererRequest {
+    RendererChoice choice = RendererChoice::kRefused;
+    bool isOwnHost = false;  ///< the host offers the private suite
+};
+
+/// Writes `*request`. Acquires and releases one suite at most, and reports nothing where the host does not offer it.
 /// Returns the host's error when it offers the suite and its call fails. A build without the CPU renderer asks
 /// nobody.
-PF_Err ReadRendererRequest(PF_InData* in_data, RendererChoice* choice);
+PF_Err ReadRendererRequest(PF_InData* in_data, RendererRequest* request);
 
 }  // namespace umbrant::effect

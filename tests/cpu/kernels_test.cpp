@@ -236,6 +236,66 @@ TEST_P(Kernels, Conversions) {
     }
 }
 
+TEST_P(Kernels, AlphasAreTakenFromPixels) {
+    const auto floats = Random(4 * 103, 65535);
+    std::vector<uint8_t> bytes(floats.size());
+    for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<uint8_t>(i * 7);
+    for (const size_t count : {0, 1, 15, 103}) {
+        std::vector<uint8_t> takenBytes(104, 9);
+        std::vector<float> takenFloats(104, 9);
+        GetParam()->takeBytes(bytes.data(), count, takenBytes.data());
+        GetParam()->takeFloats(floats.data(), count, takenFloats.data());
+        for (size_t i = 0; i < count; ++i) {
+            ASSERT_EQ(takenBytes[i], bytes[4 * i]) << i;
+            ASSERT_EQ(takenFloats[i], floats[4 * i]) << i;
+        }
+        EXPECT_EQ(takenBytes[count], 9) << "nothing beyond the row";
+        EXPECT_EQ(takenFloats[count], 9);
+    }
+}
+
+TEST_P(Kernels, PixelsGetAlphaAndColour) {
+    std::vector<uint16_t> all(65536 + 5);
+    for (size_t i = 0; i < all.size(); ++i) all[i] = static_cast<uint16_t>(i);
+    const uint8_t colour[4] = {77, 1, 128, 255};
+    const float floatColour[4] = {77, 0.25f, -1, 3};
+    std::vector<uint8_t> bytes(4 * all.size() + 1, 9);
+    std::vector<float> floats(4 * all.size() + 1, 9);
+    GetParam()->colourBytes(all.data(), all.size(), colour, bytes.data());
+    GetParam()->colourFloats(all.data(), all.size(), floatColour, floats.data());
+    for (size_t i = 0; i < all.size(); ++i) {
+        ASSERT_EQ(bytes[4 * i], std::floor(static_cast<double>(all[i]) / 257 + 0.5)) << i;
+        ASSERT_EQ(floats[4 * i], static_cast<float>(all[i]) / 65535.0f) << i;
+        for (size_t channel = 1; channel < 4; ++channel) {
+            ASSERT_EQ(bytes[4 * i + channel], colour[channel]) << i;
+            ASSERT_EQ(floats[4 * i + channel], floatColour[channel]) << i;
+        }
+    }
+    EXPECT_EQ(bytes.back(), 9) << "nothing beyond the row";
+    EXPECT_EQ(floats.back(), 9);
+}
+
+TEST_P(Kernels, PartsOfRowsAndOfLists) {
+    const auto tile = Random(kTileRows * 40, 65535);
+    Taps taps(20, kTileRows);
+    const ptrdiff_t pitch = 64;
+    std::vector<float> whole(kTileRows * pitch);
+    std::vector<float> part(kTileRows * pitch, -1);
+    GetParam()->blurColumns(tile.data(), taps.View(), kTileRows, whole.data(), pitch);
+    TapBlocks second = taps.View();
+    ++second.starts;
+    second.count = 1;
+    second.base = kTileRows;
+    GetParam()->blurColumns(tile.data() + kTileRows + 16, second, 16, part.data(), pitch);
+    for (ptrdiff_t row = 0; row < 16; ++row) {
+        for (ptrdiff_t column = 0; column < kTapOutputs; ++column) {
+            ASSERT_EQ(part[static_cast<size_t>(row * pitch + column)],
+                      whole[static_cast<size_t>((row + 16) * pitch + kTapOutputs + column)]);
+        }
+    }
+    EXPECT_EQ(part[16 * pitch], -1) << "no row more";
+}
+
 INSTANTIATE_TEST_SUITE_P(Sets, Kernels, ::testing::ValuesIn(RunnableKernels()), [](const auto& row) {
     std::string name = row.param->name;
     std::erase(name, '-');

@@ -60,6 +60,26 @@ const uint16_t* DrawRadialOnProcessor(const myParams& settings, const ProcessorL
     return DrawStack(PlanRadialStack(settings, padding, Something(source), Precision::kExact), source);
 }
 
+void TakeAlphas(const void* pixels, size_t count, int bitDepth, void* out) {
+    if (bitDepth == 8) {
+        CurrentKernels().takeBytes(static_cast<const uint8_t*>(pixels), count, static_cast<uint8_t*>(out));
+    } else {
+        CurrentKernels().takeFloats(static_cast<const float*>(pixels), count, static_cast<float*>(out));
+    }
+}
+
+void ColourRow(const uint16_t* alpha, size_t count, const myParams& settings, void* pixels) {
+    if (settings.bitDepth == 8) {
+        const PF_Pixel& colour = settings.shadowColour8;
+        const uint8_t bytes[4] = {0, colour.red, colour.green, colour.blue};
+        CurrentKernels().colourBytes(alpha, count, bytes, static_cast<uint8_t*>(pixels));
+    } else {
+        const PF_PixelFloat& colour = settings.shadowColourFloat;
+        const float floats[4] = {0, colour.red, colour.green, colour.blue};
+        CurrentKernels().colourFloats(alpha, count, floats, static_cast<float*>(pixels));
+    }
+}
+
 void ConvertAlpha(const uint16_t* alpha, size_t count, int bitDepth, void* out) {
     // Pieces that a thread is done with in some tens of microseconds.
     constexpr size_t kPiece = size_t{1} << 17;

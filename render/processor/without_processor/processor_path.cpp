@@ -27,6 +27,10 @@ const uint16_t* DrawRadialOnProcessor(const myParams&, const ProcessorLayer&, co
     return nullptr;
 }
 
+void TakeAlphas(const void*, size_t, int, void*) {}
+
+void ColourRow(const uint16_t*, size_t, const myParams&, void*) {}
+
 void ConvertAlpha(const uint16_t*, size_t, int, void*) {}
 
 void EndProcessorThreads() {}

@@ -59,7 +59,7 @@ INSTANTIATE_TEST_SUITE_P(All, OfferedSuites,
                                            Offered{"DRAWBOT Path Suite", 1}, Offered{"AEGP PF Interface Suite", 1},
                                            Offered{"AEGP Layer Suite", 13}, Offered{"AEGP Effect Suite", 2},
                                            Offered{"AEGP Stream Suite", 7}, Offered{"AEGP Dynamic Stream Suite", 2},
-                                           Offered{"Umbrant Host Suite", 1}));
+                                           Offered{"Umbrant Host Suite", 1}, Offered{"Umbrant Host Suite", 2}));
 
 TEST_F(SuitesTest, RefusesUnknownSuites) {
     const void* suite = nullptr;
@@ -159,6 +159,7 @@ TEST_F(SuitesTest, NoSlotIsEmpty) {
     ExpectFilled(kStreamSuite, "stream");
     ExpectFilled(kDynamicStreamSuite, "dynamic stream");
     ExpectFilled(kUmbrantHostSuite, "umbrant host");
+    ExpectFilled(kUmbrantHostSuite2, "umbrant host 2");
     ExpectFilled(basicSuite, "basic");
     // The batch function that is no more, the ANSI block's spare word and the table's.
     ExpectFilled(utilCallbacks, "utilities",

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// How the stack drawer divides the output.
+
+namespace umbrant::effect {
+
+/// The part of the output that one task draws: what it is made of fits the second-level cache, 200 KiB of sums, and as
+/// much of the source and of each blur.
+struct PatchSize {
+    int width = 512;
+    int height = 192;
+};
+
+/// The size of patches in the draws that follow, at least 1 x 1. For tests and measurements.
+void SetPatchSize(PatchSize size);
+
+}  // namespace umbrant::effect
