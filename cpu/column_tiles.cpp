@@ -48,30 +48,6 @@ Region FindBoundsIn(const Element* values, int width, int height) {
     return bounds;
 }
 
-// A row of the pass: the source rows above and below, mixed, from column `columns.begin` on.
-template <typename Element>
-void MixSourceRows(const Element* above, const Element* below, float fraction, int count, float* out) {
-    if (fraction == 0) {
-        for (int x = 0; x < count; ++x) out[x] = AlphaValue(above[x]);
-        return;
-    }
-    for (int x = 0; x < count; ++x) {
-        const float from = AlphaValue(above[x]);
-        out[x] = from + fraction * (AlphaValue(below[x]) - from);
-    }
-}
-
-// Several rows side by side become columns; blocks of columns so small that the turned lines stay in the cache.
-void Turn(const float* rows, ptrdiff_t pitch, int columns, float* out) {
-    constexpr int kBlock = 16;
-    for (int x = 0; x < columns; x += kBlock) {
-        const int end = std::min(x + kBlock, columns);
-        for (int row = 0; row < kTileRows; ++row) {
-            for (int column = x; column < end; ++column) out[column * kTileRows + row] = rows[row * pitch + column];
-        }
-    }
-}
-
 }  // namespace
 
 Region FindBounds(const AlphaPlane& plane) {
@@ -105,6 +81,7 @@ void ColumnTiles::Build(const AlphaPlane& plane, const Region& bounds, const Loo
 }
 
 void ColumnTiles::BuildTile(const AlphaPlane& plane, const Look& look, int tile, Buffer<float>& scratch) {
+    const CpuKernels& kernels = CurrentKernels();
     const int columns = columns_.Size();
     float* rows = scratch.Reserve(static_cast<size_t>(columns) * kTileRows);
     const int first = rows_.begin + tile * kTileRows;
@@ -119,17 +96,18 @@ void ColumnTiles::BuildTile(const AlphaPlane& plane, const Look& look, int tile,
         const auto fraction = static_cast<float>(at - floor);
         float* out = rows + static_cast<ptrdiff_t>(row) * columns;
         if (plane.bytes) {
-            MixSourceRows(plane.bytes + above, plane.bytes + below, fraction, columns, out);
+            kernels.mixBytes(plane.bytes + above, plane.bytes + below, fraction, columns, out);
         } else {
-            MixSourceRows(plane.floats + above, plane.floats + below, fraction, columns, out);
+            kernels.mixFloats(plane.floats + above, plane.floats + below, fraction, columns, out);
         }
     }
     Extent& extent = extents_[static_cast<size_t>(tile)];
-    for (ptrdiff_t i = 0; i < ptrdiff_t{count} * columns; ++i) {
+    // Bytes are all in 0..255.
+    for (ptrdiff_t i = 0; plane.floats && i < ptrdiff_t{count} * columns; ++i) {
         extent.least = rows[i] < extent.least ? rows[i] : extent.least;
         extent.most = rows[i] > extent.most ? rows[i] : extent.most;
     }
-    Turn(rows, columns, columns, values_.Get() + static_cast<ptrdiff_t>(tile) * columns * kTileRows);
+    kernels.turnRows(rows, columns, columns, values_.Get() + static_cast<ptrdiff_t>(tile) * columns * kTileRows);
 }
 
 bool ColumnTiles::IsWithin(double full) const {

@@ -22,11 +22,6 @@ struct AlphaPlane {
     double full = 1;  ///< an opaque pixel's value: 255, 1, or 65535 after rounding to 16 bits
 };
 
-/// The largest alpha that is calculated with. It is full wherever a tap sees any of it, as an infinite one is, and its
-/// products with weights and gains stay finite: infinity times a weight of 0 would be no number, and where such weights
-/// fall depends on the bounds.
-inline constexpr float kMostAlpha = 1e30f;
-
 inline float AlphaValue(uint8_t alpha) {
     return static_cast<float>(alpha);
 }

@@ -17,6 +17,10 @@ inline constexpr int kTapOutputs = 4;
 inline constexpr int kTileRows = 32;
 /// Columns that `blurRows` works on at a time; its rows are readable and writable up to the next multiple.
 inline constexpr int kColumnChunk = 32;
+/// The largest alpha that is calculated with. It is full wherever a tap sees any of it, as an infinite one is, and its
+/// products with weights and gains stay finite: infinity times a weight of 0 would be no number, and where such weights
+/// fall depends on the bounds.
+inline constexpr float kMostAlpha = 1e30f;
 /// Elements past the last that the loops may read, and the row loops write.
 inline constexpr int kSlack = 64;
 
@@ -57,6 +61,19 @@ struct SplineColumns {
 
 struct CpuKernels {
     const char* name;
+
+    /// A row between two of a source: out[i] = a[i] + fraction (b[i] - a[i]), of alphas as AlphaValue makes them
+    /// finite.
+    void (*mixBytes)(const uint8_t* a, const uint8_t* b, float fraction, int count, float* out);
+    void (*mixFloats)(const float* a, const float* b, float fraction, int count, float* out);
+    /// kTileRows rows, `pitch` floats apart, become a column tile: row r of column c goes to out[kTileRows c + r].
+    void (*turnRows)(const float* rows, ptrdiff_t pitch, int columns, float* out);
+    /// Every second row of a column tile's columns: row r is the sum over k < 11, or 7, of weights[k] x row `first` +
+    /// 2 r + k of `tiles`, which are `pitch` floats apart.
+    void (*thinByEleven)(const float* tiles, ptrdiff_t pitch, int first, const float* weights, ptrdiff_t columns,
+                         float* out);
+    void (*thinBySeven)(const float* tiles, ptrdiff_t pitch, int first, const float* weights, ptrdiff_t columns,
+                        float* out);
 
     /// Blur across. `tile` is a column tile: input `j` is its kTileRows floats from 32 j on, and the offsets count
     /// floats. Block b goes to columns 4 b of `rows` rows, a multiple of 16, `pitch` floats apart; rounded and limited

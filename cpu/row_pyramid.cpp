@@ -45,28 +45,47 @@ void ThinTile(const float* in, const std::array<ptrdiff_t, kInputs>& places, con
     }
 }
 
-/// Where row `row` of the pass is stored in the source, mirrored at the pass's edges; -1 where it is 0.
-ptrdiff_t PlaceOf(const ColumnTiles& source, int64_t row, int rows) {
+/// Which row of the source's tiles row `row` of the pass is, mirrored at the pass's edges; -1 where it is 0.
+int StoredRow(const ColumnTiles& source, int64_t row, int rows) {
     const int inside = EdgeIndex(row, rows, Edge::kMirror);
     const int distinct = std::clamp(inside, source.Distinct().begin, source.Distinct().end - 1);
     if (distinct < source.Rows().begin || distinct >= source.Rows().end) return -1;
-    const int index = distinct - source.Rows().begin;
-    return ptrdiff_t{index / kTileRows} * source.Columns().Size() * kTileRows + index % kTileRows;
+    return distinct - source.Rows().begin;
 }
 
-template <size_t kTaps, typename Place>
-void Thin(const float* in, Range inputs, ptrdiff_t columns, const std::array<float, kTaps>& weights, const Place& place,
-          PyramidLevel& level) {
+bool AreNeighbours(const std::array<int, kInputs>& rows, size_t used) {
+    if (rows[0] < 0) return false;
+    for (size_t i = 1; i < used; ++i) {
+        if (rows[i] != rows[0] + static_cast<int>(i)) return false;
+    }
+    return true;
+}
+
+/// `stored` says which row of `in` a row is, or -1 for one that holds 0.
+template <size_t kTaps, typename Stored>
+void Thin(const float* in, Range inputs, ptrdiff_t columns, const std::array<float, kTaps>& weights,
+          const Stored& stored, PyramidLevel& level) {
     constexpr int kReach = static_cast<int>(kTaps) / 2;
     level.columns = columns;
     level.rows = {HalfDown(inputs.begin - kReach + 1), HalfDown(inputs.end - 1 + kReach) + 1};
     const int tiles = level.Tiles();
-    float* out = level.values.Reserve(static_cast<size_t>(tiles) * static_cast<size_t>(columns) * kTileRows + kSlack);
+    const ptrdiff_t pitch = columns * kTileRows;
+    float* out = level.values.Reserve(static_cast<size_t>(tiles) * static_cast<size_t>(pitch) + kSlack);
+    const auto thinNeighbours = kTaps == kMostTaps ? CurrentKernels().thinByEleven : CurrentKernels().thinBySeven;
     RunTasks(tiles, [&](int tile, int) {
-        std::array<ptrdiff_t, kInputs> places{};
+        std::array<int, kInputs> rows{};
         const int first = 2 * (level.rows.begin + tile * kTileRows) - kReach;
-        for (int i = 0; i < kInputs; ++i) places[static_cast<size_t>(i)] = place(first + i);
-        ThinTile(in, places, weights, columns, out + tile * columns * kTileRows);
+        for (int i = 0; i < kInputs; ++i) rows[static_cast<size_t>(i)] = stored(first + i);
+        if (AreNeighbours(rows, 2 * size_t{kTileRows} + kTaps - 2)) {
+            thinNeighbours(in + rows[0] / kTileRows * pitch, pitch, rows[0] % kTileRows, weights.data(), columns,
+                           out + tile * pitch);
+            return;
+        }
+        std::array<ptrdiff_t, kInputs> places{};
+        for (size_t i = 0; i < places.size(); ++i) {
+            places[i] = rows[i] < 0 ? -1 : rows[i] / kTileRows * pitch + rows[i] % kTileRows;
+        }
+        ThinTile(in, places, weights, columns, out + tile * pitch);
     });
 }
 
@@ -83,16 +102,15 @@ void RowPyramid::Build(const ColumnTiles& source, int rows, int reach, int level
     if (rows - filled.end < reach) inputs.end = std::min(rows + reach, 2 * rows - filled.begin);
     const ptrdiff_t columns = source.Columns().Size();
     Thin(
-        source.Tile(0), inputs, columns, FirstThinning(), [&](int64_t row) { return PlaceOf(source, row, rows); },
+        source.Tile(0), inputs, columns, FirstThinning(), [&](int64_t row) { return StoredRow(source, row, rows); },
         levels_[0]);
     for (size_t i = 1; i < static_cast<size_t>(levels); ++i) {
         const PyramidLevel& finer = levels_[i - 1];
         Thin(
             finer.values.Get(), finer.rows, columns, kNextThinning,
-            [&](int64_t row) -> ptrdiff_t {
+            [&](int64_t row) {
                 if (row < finer.rows.begin || row >= finer.rows.end) return -1;
-                const auto index = static_cast<ptrdiff_t>(row) - finer.rows.begin;
-                return index / kTileRows * columns * kTileRows + index % kTileRows;
+                return static_cast<int>(row) - finer.rows.begin;
             },
             levels_[i]);
     }
