@@ -4,5 +4,9 @@
 // The kernels for whatever the compiler's target has.
 
 #define UMBRANT_KERNELS kBaselineKernels
+#if defined(__aarch64__)
+#define UMBRANT_KERNELS_NAME "NEON"
+#else
 #define UMBRANT_KERNELS_NAME "baseline"
+#endif
 #include "cpu/kernel_loops.inc"

@@ -13,6 +13,8 @@
 #include <random>
 #include <vector>
 
+#include "cpu/column_tiles.h"
+
 namespace umbrant::effect {
 
 namespace {
@@ -273,6 +275,70 @@ TEST_P(Kernels, PixelsGetAlphaAndColour) {
     }
     EXPECT_EQ(bytes.back(), 9) << "nothing beyond the row";
     EXPECT_EQ(floats.back(), 9);
+}
+
+TEST_P(Kernels, RowsOfASourceAreMixed) {
+    auto floats = Random(2 * 103, 3);
+    const float odd[] = {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(),
+                         -std::numeric_limits<float>::infinity(), 2e30f};
+    std::copy(std::begin(odd), std::end(odd), floats.begin() + 20);
+    std::copy(std::begin(odd), std::end(odd), floats.begin() + 99);
+    std::vector<uint8_t> bytes(floats.size());
+    for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<uint8_t>(i * 37);
+    const auto mixed = [](float from, float to, float fraction) { return from + fraction * (to - from); };
+    for (const float fraction : {0.0f, 0.375f, 0.9f}) {
+        std::vector<float> ofBytes(104, -1);
+        std::vector<float> ofFloats(104, -1);
+        GetParam()->mixBytes(bytes.data(), bytes.data() + 103, fraction, 103, ofBytes.data());
+        GetParam()->mixFloats(floats.data(), floats.data() + 103, fraction, 103, ofFloats.data());
+        for (size_t i = 0; i < 103; ++i) {
+            ASSERT_EQ(ofBytes[i], mixed(bytes[i], bytes[i + 103], fraction)) << i;
+            ASSERT_EQ(ofFloats[i], mixed(AlphaValue(floats[i]), AlphaValue(floats[i + 103]), fraction)) << i;
+        }
+        EXPECT_EQ(ofBytes[103], -1) << "nothing beyond the row";
+        EXPECT_EQ(ofFloats[103], -1);
+    }
+}
+
+TEST_P(Kernels, RowsBecomeColumns) {
+    const ptrdiff_t pitch = 110;
+    const auto rows = Random(static_cast<size_t>(kTileRows * pitch), 65535);
+    for (const int columns : {1, 16, 103}) {
+        std::vector<float> tile(static_cast<size_t>(kTileRows * columns) + 1, -1);
+        GetParam()->turnRows(rows.data(), pitch, columns, tile.data());
+        for (int column = 0; column < columns; ++column) {
+            for (int row = 0; row < kTileRows; ++row) {
+                ASSERT_EQ(tile[static_cast<size_t>(column * kTileRows + row)],
+                          rows[static_cast<size_t>(row * pitch + column)]);
+            }
+        }
+        EXPECT_EQ(tile.back(), -1) << "nothing beyond the tile";
+    }
+}
+
+TEST_P(Kernels, EverySecondRowOfAWeightedSum) {
+    constexpr int kColumns = 5;
+    constexpr ptrdiff_t kPitch = kColumns * kTileRows;
+    const auto tiles = Random(4 * kPitch, 65535);
+    const float weights[11] = {0.5f, -1, 2, 3, -4, 5, 6, -7, 0.25f, 1, 0.125f};
+    const auto at = [&](int row, int column) {
+        return tiles[static_cast<size_t>(row / kTileRows * kPitch + column * kTileRows + row % kTileRows)];
+    };
+    for (const int taps : {7, 11}) {
+        for (const int first : {0, 1, 22, 23, 31}) {
+            std::vector<float> out(kPitch + 1, -1);
+            const auto thin = taps == 11 ? GetParam()->thinByEleven : GetParam()->thinBySeven;
+            thin(tiles.data(), kPitch, first, weights, kColumns, out.data());
+            for (int column = 0; column < kColumns; ++column) {
+                for (int row = 0; row < kTileRows; ++row) {
+                    float sum = 0;
+                    for (int k = 0; k < taps; ++k) sum += weights[k] * at(first + 2 * row + k, column);
+                    ASSERT_EQ(out[static_cast<size_t>(column * kTileRows + row)], sum) << taps << " " << first;
+                }
+            }
+            EXPECT_EQ(out.back(), -1) << "nothing beyond the tile";
+        }
+    }
 }
 
 TEST_P(Kernels, PartsOfRowsAndOfLists) {
