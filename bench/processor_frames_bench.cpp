@@ -101,6 +101,12 @@ std::vector<FrameCase> Cases() {
              1,
              {{"quality/samples", "2"}, {"easing/ease", "0"}, {"style/softness", "120"}, {"style/distance", "200"}}});
     }
+    add({"flat/normal",
+         1920,
+         1080,
+         Depth::k8,
+         1,
+         {{"style/softness", "0"}, {"opacity/opacity-start", "50"}, {"opacity/opacity-end", "50"}}});
     for (const int samples : {1, 2, 4, 8, 16, 32, 64, 128}) {
         add({"samples/" + std::to_string(samples),
              960,

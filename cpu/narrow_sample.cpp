@@ -7,6 +7,8 @@
 #include <cmath>
 
 #include "cpu/kernels.h"
+#include "cpu/patch_size.h"
+#include "cpu/pitch.h"
 #include "cpu/stack_drawer.h"
 
 namespace umbrant::effect {
@@ -19,61 +21,86 @@ constexpr int kChunkColumns = 64;
 constexpr int kRowStep = 16;
 // A blur is done patch by patch while the rows that it reads beyond a patch's own are at most this share of them.
 constexpr double kMostBeyond = 0.4;
-
-int Divide(int count, int by) {
-    return (count + by - 1) / by;
-}
-
-// Whole cache lines, an odd number of pairs of them, so that the rows of a narrow strip spread over the cache's sets.
-ptrdiff_t PitchFor(int columns) {
-    const int chunks = Divide(columns, kColumnChunk) | 1;
-    return ptrdiff_t{chunks} * kColumnChunk;
-}
+// Columns and rows of a shared copy that make one task: whole vectors and blocks.
+constexpr int kCopyColumns = 256;
+constexpr int kCopyRows = 128;
 
 }  // namespace
 
-void NarrowSample::Start(const StackSample& sample, int patchWidth, int patchHeight) {
-    sample_ = &sample;
-    columns_ = sample.plan->regions.down.x;
-    stored_ = sample.source->StoredRows(sample.plan->regions.across.y);
-    const double rows = patchHeight * Stretch(sample.plan->place.y).scale;
-    hasPlane_ = 2 * sample.plan->down.Reach() > kMostBeyond * rows;
-    int width = columns_.Size();
-    if (!hasPlane_) {
+bool NarrowSample::IsShort(const StackSample& sample) {
+    const double rows = CurrentPatchSize().height * Stretch(sample.plan->place.y).scale;
+    return 2 * sample.plan->down.Reach() <= kMostBeyond * rows;
+}
+
+void NarrowSample::Start(const StackSample& sample) {
+    const SampleRegions& regions = sample.plan->regions;
+    Begin(sample, IsShort(sample) ? Ready::kNothing : Ready::kAcross, regions.down, regions.across.y);
+    int width = copy_.x.Size();
+    if (ready_ == Ready::kNothing) {
         // A column before the first and two after the last are read, and the first is at a whole block.
-        const double columns = patchWidth * Stretch(sample.plan->place.x).scale + 3 + 2 * kTapOutputs;
+        const double columns = CurrentPatchSize().width * Stretch(sample.plan->place.x).scale + 3 + 2 * kTapOutputs;
         if (columns < width) width = static_cast<int>(columns) + 1;
     }
     pitch_ = PitchFor(width);
+}
+
+void NarrowSample::StartShared(const StackSample& sample, const Region& copy, Range across) {
+    Begin(sample, Ready::kCopy, copy, across);
+    pitch_ = PitchFor(std::min(kCopyColumns, copy.x.Size()));
+    copyPitch_ = PitchFor(copy.x.Size());
+}
+
+void NarrowSample::StartAfter(const StackSample& sample, const NarrowSample& first) {
+    sample_ = &sample;
+    ready_ = Ready::kOthersCopy;
+    copy_ = first.copy_;
+    copyPitch_ = first.copyPitch_;
+}
+
+void NarrowSample::Begin(const StackSample& sample, Ready ready, const Region& copy, Range across) {
+    sample_ = &sample;
+    ready_ = ready;
+    copy_ = copy;
+    stored_ = sample.source->StoredRows(across);
     across_.resize(std::max(across_.size(), static_cast<size_t>(Chunks())));
 }
 
 int NarrowSample::Chunks() const {
-    return Divide(columns_.Size(), kChunkColumns);
+    return DivideUp(copy_.x.Size(), kChunkColumns);
 }
 int NarrowSample::FirstTile() const {
     return (stored_.begin - sample_->source->Rows().begin) / kTileRows;
 }
 int NarrowSample::Tiles() const {
-    return Divide(stored_.end - sample_->source->Rows().begin, kTileRows) - FirstTile();
+    return DivideUp(stored_.end - sample_->source->Rows().begin, kTileRows) - FirstTile();
 }
 
 size_t NarrowSample::PlaneSize() const {
-    if (!hasPlane_) return 0;
-    return static_cast<size_t>(pitch_) * static_cast<size_t>(Tiles()) * kTileRows + kSlack;
+    if (ready_ == Ready::kAcross) {
+        return static_cast<size_t>(pitch_) * static_cast<size_t>(Tiles()) * kTileRows + kSlack;
+    }
+    if (ready_ != Ready::kCopy) return 0;
+    const int blocks = DivideUp(copy_.y.Size(), kTapOutputs);
+    return static_cast<size_t>(copyPitch_) * static_cast<size_t>(blocks) * kTapOutputs + kSlack;
+}
+
+int NarrowSample::PlaneTasks() const {
+    if (ready_ == Ready::kAcross) return Tiles() * Chunks();
+    if (ready_ != Ready::kCopy) return 0;
+    return DivideUp(copy_.x.Size(), kCopyColumns) * DivideUp(copy_.y.Size(), kCopyRows);
 }
 
 // Task 0 is the blur down's weights and the columns' places, the others a chunk of columns each.
 void NarrowSample::Weigh(int task, TapFolder& folder) {
     if (task == 0) {
-        WeighDown(folder);
+        if (ready_ != Ready::kOthersCopy) WeighDown(folder);
         StretchColumns();
         return;
     }
     const Look& look = sample_->plan->across.x.look;
     const int chunk = task - 1;
-    const int begin = columns_.begin + chunk * kChunkColumns;
-    const int end = std::min(begin + kChunkColumns, columns_.end);
+    const int begin = copy_.x.begin + chunk * kChunkColumns;
+    const int end = std::min(begin + kChunkColumns, copy_.x.end);
     TapList& list = across_[static_cast<size_t>(chunk)];
     const Range kept = sample_->source->Columns();
     const KeptInputs stored{{0, look.size}, kept, kept.begin, kTileRows};
@@ -89,7 +116,7 @@ void NarrowSample::Weigh(int task, TapFolder& folder) {
 
 void NarrowSample::WeighDown(TapFolder& folder) {
     const Look look{0, 1, sample_->plan->across.y.outputs, Edge::kMirror};
-    const Range rows = sample_->plan->regions.down.y;
+    const Range rows = copy_.y;
     const int planeBegin = sample_->source->Rows().begin + FirstTile() * kTileRows;
     const KeptInputs stored{sample_->source->Distinct(), stored_, planeBegin, static_cast<int>(pitch_)};
     down_.Clear();
@@ -112,7 +139,7 @@ void NarrowSample::StretchColumns() {
         const auto column = static_cast<size_t>(i);
         const double at = stretch.At(out.begin + i);
         const double floor = std::floor(at);
-        texels_[column] = static_cast<int>(TexelAt(at)) - (columns_.begin - 1);
+        texels_[column] = static_cast<int>(TexelAt(at)) - (copy_.x.begin - 1);
         fractions_[column] = static_cast<float>(at - floor);
         // A scale of at most 1 promises nothing: places that differ by 1 may lie on two sides of a texel's centre by
         // their last bits alone, and then a texel is stepped over.
@@ -120,8 +147,15 @@ void NarrowSample::StretchColumns() {
     }
 }
 
-// The columns of one chunk in the rows of one tile.
-void NarrowSample::BlurAcross(int task, float* plane) const {
+void NarrowSample::MakePlane(int task, NarrowMemory& memory, float* plane) const {
+    if (ready_ == Ready::kCopy) {
+        const Part part = CopyPart(task);
+        BlurPart(part, memory,
+                 plane + (part.rows.begin - copy_.y.begin) * copyPitch_ + (part.columns.begin - copy_.x.begin),
+                 copyPitch_);
+        return;
+    }
+    // The columns of one chunk in the rows of one tile.
     const int tile = task / Chunks();
     const int chunk = task % Chunks();
     float* out = plane + pitch_ * tile * kTileRows + ptrdiff_t{chunk} * kChunkColumns;
@@ -129,29 +163,36 @@ void NarrowSample::BlurAcross(int task, float* plane) const {
                                  kTileRows, out, pitch_);
 }
 
-bool NarrowSample::FindPart(const Region& patch, Part* part) const {
-    const Region& placed = sample_->plan->regions.placed;
-    const Range down = sample_->plan->regions.down.y;
-    part->out = {Intersect(patch.x, placed.x), Intersect(patch.y, placed.y)};
-    if (part->out.Empty()) return false;
+NarrowSample::Part NarrowSample::CopyPart(int task) const {
+    const int across = DivideUp(copy_.x.Size(), kCopyColumns);
+    const int x = copy_.x.begin + task % across * kCopyColumns;
+    const int y = copy_.y.begin + task / across * kCopyRows;
+    Part part;
+    part.columns = {x, std::min(x + kCopyColumns, copy_.x.end)};
+    part.rows = {y, std::min(y + kCopyRows, copy_.y.end)};
+    part.firstBlock = (y - copy_.y.begin) / kTapOutputs;
+    part.blocks = DivideUp(part.rows.Size(), kTapOutputs);
+    return part;
+}
 
+bool NarrowSample::FindPart(const Region& out, Part* part) const {
     const Stretch stretch(sample_->plan->place.y);
-    const auto above = TexelAt(stretch.At(part->out.y.begin));
-    const auto below = TexelAt(stretch.At(part->out.y.end - 1)) + 1;
-    const Range rows = {static_cast<int>(std::max<int64_t>(above, down.begin)),
-                        static_cast<int>(std::min<int64_t>(below + 1, down.end))};
+    const auto above = TexelAt(stretch.At(out.y.begin));
+    const auto below = TexelAt(stretch.At(out.y.end - 1)) + 1;
+    const Range rows = {static_cast<int>(std::max<int64_t>(above, copy_.y.begin)),
+                        static_cast<int>(std::min<int64_t>(below + 1, copy_.y.end))};
     if (rows.Empty()) return false;
-    part->firstBlock = (rows.begin - down.begin) / kTapOutputs;
-    part->blocks = Divide(rows.end - down.begin, kTapOutputs) - part->firstBlock;
-    part->rows = {down.begin + part->firstBlock * kTapOutputs, rows.end};
+    part->firstBlock = (rows.begin - copy_.y.begin) / kTapOutputs;
+    part->blocks = DivideUp(rows.end - copy_.y.begin, kTapOutputs) - part->firstBlock;
+    part->rows = {copy_.y.begin + part->firstBlock * kTapOutputs, rows.end};
 
-    const auto first = static_cast<size_t>(part->out.x.begin - placed.x.begin);
-    const auto last = static_cast<size_t>(part->out.x.end - 1 - placed.x.begin);
-    const Range columns =
-        Intersect({columns_.begin - 1 + texels_[first], columns_.begin + texels_[last] + 1}, columns_);
+    const int placedBegin = sample_->plan->regions.placed.x.begin;
+    const auto first = static_cast<size_t>(out.x.begin - placedBegin);
+    const auto last = static_cast<size_t>(out.x.end - 1 - placedBegin);
+    const Range columns = Intersect({copy_.x.begin - 1 + texels_[first], copy_.x.begin + texels_[last] + 1}, copy_.x);
     if (columns.Empty()) return false;
-    const int block = (columns.begin - columns_.begin) / kTapOutputs;
-    part->columns = {columns_.begin + block * kTapOutputs, columns.end};
+    const int block = (columns.begin - copy_.x.begin) / kTapOutputs;
+    part->columns = {copy_.x.begin + block * kTapOutputs, columns.end};
     return true;
 }
 
@@ -166,14 +207,14 @@ Range NarrowSample::RowsRead(int firstBlock, int blocks) const {
         read.end = std::max(read.end, static_cast<int32_t>(taps.offsets[end - 1] / pitch_) + 1);
     }
     if (read.Empty()) return {0, 0};
-    return {read.begin / kRowStep * kRowStep, Divide(read.end, kRowStep) * kRowStep};
+    return {read.begin / kRowStep * kRowStep, DivideUp(read.end, kRowStep) * kRowStep};
 }
 
 // Rows of the plane, counted from its first, for the columns of a part.
 void NarrowSample::BlurPartAcross(const Part& part, Range rows, float* out) const {
     const CpuKernels& kernels = CurrentKernels();
-    const int firstBlock = (part.columns.begin - columns_.begin) / kTapOutputs;
-    const int lastBlock = Divide(part.columns.end - columns_.begin, kTapOutputs);
+    const int firstBlock = (part.columns.begin - copy_.x.begin) / kTapOutputs;
+    const int lastBlock = DivideUp(part.columns.end - copy_.x.begin, kTapOutputs);
     constexpr int kChunkBlocks = kChunkColumns / kTapOutputs;
     for (int block = firstBlock; block < lastBlock;) {
         const int chunk = block / kChunkBlocks;
@@ -193,32 +234,42 @@ void NarrowSample::BlurPartAcross(const Part& part, Range rows, float* out) cons
     }
 }
 
-void NarrowSample::Place(const Region& patch, const float* plane, NarrowMemory& memory, uint16_t* accumulated,
-                         int width) const {
-    Part part;
-    if (!FindPart(patch, &part)) return;
-    const float* in = nullptr;
+// Both blurs of a part, the one across in the worker's memory.
+void NarrowSample::BlurPart(const Part& part, NarrowMemory& memory, float* out, ptrdiff_t outPitch) const {
+    const Range rows = RowsRead(part.firstBlock, part.blocks);
+    float* across = memory.across.Reserve(static_cast<size_t>(pitch_) * static_cast<size_t>(rows.Size()) + kSlack);
+    BlurPartAcross(part, rows, across);
     TapBlocks taps = down_.View();
-    ptrdiff_t pitch = pitch_;
-    if (hasPlane_) {
-        in = plane + (part.columns.begin - columns_.begin);
-        pitch = PitchFor(part.columns.Size());
-    } else {
-        const Range rows = RowsRead(part.firstBlock, part.blocks);
-        float* across = memory.across.Reserve(static_cast<size_t>(pitch_) * static_cast<size_t>(rows.Size()) + kSlack);
-        BlurPartAcross(part, rows, across);
-        taps.base = static_cast<int32_t>(rows.begin * pitch_);
-        in = across;
-    }
-    const auto rowCount = static_cast<size_t>(part.blocks) * kTapOutputs;
-    float* rows = memory.down.Reserve(static_cast<size_t>(pitch) * rowCount + kSlack);
-    CurrentKernels().blurRows(in, taps, part.firstBlock, part.firstBlock + part.blocks, part.columns.Size(), rows,
-                              pitch);
-    PlaceRows(part, rows, pitch, memory, accumulated, width);
+    taps.base = static_cast<int32_t>(rows.begin * pitch_);
+    CurrentKernels().blurRows(across, taps, part.firstBlock, part.firstBlock + part.blocks, part.columns.Size(), out,
+                              outPitch);
 }
 
-void NarrowSample::PlaceRows(const Part& part, const float* rows, ptrdiff_t pitch, NarrowMemory& memory,
-                             uint16_t* accumulated, int width) const {
+void NarrowSample::Place(const Region& patch, const float* plane, NarrowMemory& memory, uint16_t* accumulated,
+                         int width) const {
+    const Region& placed = sample_->plan->regions.placed;
+    const Region out = {Intersect(patch.x, placed.x), Intersect(patch.y, placed.y)};
+    Part part;
+    if (out.Empty() || !FindPart(out, &part)) return;
+    if (HasCopy()) {
+        const float* rows =
+            plane + (part.rows.begin - copy_.y.begin) * copyPitch_ + (part.columns.begin - copy_.x.begin);
+        return PlaceRows(part, out, rows, copyPitch_, memory, accumulated, width);
+    }
+    const ptrdiff_t pitch = PitchFor(part.columns.Size());
+    const auto rowCount = static_cast<size_t>(part.blocks) * kTapOutputs;
+    float* rows = memory.down.Reserve(static_cast<size_t>(pitch) * rowCount + kSlack);
+    if (ready_ == Ready::kNothing) {
+        BlurPart(part, memory, rows, pitch);
+    } else {
+        CurrentKernels().blurRows(plane + (part.columns.begin - copy_.x.begin), down_.View(), part.firstBlock,
+                                  part.firstBlock + part.blocks, part.columns.Size(), rows, pitch);
+    }
+    PlaceRows(part, out, rows, pitch, memory, accumulated, width);
+}
+
+void NarrowSample::PlaceRows(const Part& part, const Region& out, const float* rows, ptrdiff_t pitch,
+                             NarrowMemory& memory, uint16_t* accumulated, int width) const {
     const PlacePlan& copy = sample_->plan->place;
     const int columns = part.columns.Size();
     const Stretch stretch(copy.y);
@@ -230,22 +281,21 @@ void NarrowSample::PlaceRows(const Part& part, const float* rows, ptrdiff_t pitc
         return index < part.rows.begin || index >= part.rows.end ? nothing : rows + (index - part.rows.begin) * pitch;
     };
 
-    const auto first = static_cast<size_t>(part.out.x.begin - sample_->plan->regions.placed.x.begin);
-    const PlaceColumns place{&texels_[first], &fractions_[first], part.out.x.Size(), gentle_,
-                             part.columns.begin - columns_.begin};
-    const Range down = sample_->plan->regions.down.y;
-    for (int pixel = part.out.y.begin; pixel < part.out.y.end; ++pixel) {
+    const auto first = static_cast<size_t>(out.x.begin - sample_->plan->regions.placed.x.begin);
+    const PlaceColumns place{&texels_[first], &fractions_[first], out.x.Size(), gentle_,
+                             part.columns.begin - copy_.x.begin};
+    for (int pixel = out.y.begin; pixel < out.y.end; ++pixel) {
         const double at = stretch.At(pixel);
         const auto texel = TexelAt(at);
         // Further out there are mirror images of the copy, which the output does not show.
-        if (texel < down.begin - 1) continue;
-        if (texel >= down.end) break;
+        if (texel < copy_.y.begin - 1) continue;
+        if (texel >= copy_.y.end) break;
         kernels.mixRows(rowOf(texel), rowOf(texel + 1), static_cast<float>(at - static_cast<double>(texel)), columns,
                         mixed);
         // Beyond the copy's edge lies its mirror image; beyond what is not 0, nothing.
-        if (part.columns.begin == columns_.begin) mixed[-1] = columns_.begin == 0 ? mixed[0] : 0;
-        if (part.columns.end == columns_.end) mixed[columns] = columns_.end == copy.x.texels ? mixed[columns - 1] : 0;
-        kernels.placeRow(mixed - 1, place, accumulated + static_cast<ptrdiff_t>(pixel) * width + part.out.x.begin);
+        if (part.columns.begin == copy_.x.begin) mixed[-1] = copy_.x.begin == 0 ? mixed[0] : 0;
+        if (part.columns.end == copy_.x.end) mixed[columns] = copy_.x.end == copy.x.texels ? mixed[columns - 1] : 0;
+        kernels.placeRow(mixed - 1, place, accumulated + static_cast<ptrdiff_t>(pixel) * width + out.x.begin);
     }
 }
 

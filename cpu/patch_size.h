@@ -15,5 +15,6 @@ struct PatchSize {
 
 /// The size of patches in the draws that follow, at least 1 x 1. For tests and measurements.
 void SetPatchSize(PatchSize size);
+PatchSize CurrentPatchSize();
 
 }  // namespace umbrant::effect

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "cpu/pitch.h"
 #include "cpu/spline.h"
 #include "cpu/stack_drawer.h"
 
@@ -16,10 +17,6 @@ namespace {
 constexpr int kChunkColumns = 32;
 // Columns beyond those that are evaluated which the quintic filter reads.
 constexpr int kFilterReach = 6;
-
-int Divide(int count, int by) {
-    return (count + by - 1) / by;
-}
 
 int FloorDivide(int value, int by) {
     return value >= 0 ? value / by : -((by - 1 - value) / by);
@@ -62,7 +59,7 @@ void WideSample::Start(const StackSample& sample, const PyramidLevel& level) {
     coarse_ = {stretched_.begin - kFilterReach, stretched_.end + kFilterReach};
     rows_ = {FloorDivide(TexelPlace(y.At(out.y.begin), place.y.texels).texel, rows) - 1,
              FloorDivide(TexelPlace(y.At(out.y.end - 1), place.y.texels).texel, rows) + 3};
-    pitch_ = ptrdiff_t{Divide(coarse_.Size(), kColumnChunk) | 1} * kColumnChunk;
+    pitch_ = PitchFor(coarse_.Size());
     across_.resize(std::max(across_.size(), static_cast<size_t>(Chunks())));
 }
 
@@ -72,7 +69,7 @@ int WideSample::RowsBeyond(const Kernel& down, const Decimation& grids) {
 }
 
 int WideSample::Chunks() const {
-    return Divide(coarse_.Size(), kChunkColumns);
+    return DivideUp(coarse_.Size(), kChunkColumns);
 }
 
 size_t WideSample::PlaneSize() const {
@@ -166,15 +163,15 @@ void WideSample::Place(const Region& patch, const float* plane, WideMemory& memo
     // Coefficients along x, from stretched_.begin on; the filter reads more of the plane.
     const Range used = {texels_[firstPixel], texels_[lastPixel] + kQuinticSpan};
     const int read = used.Size() + 2 * kFilterReach;
-    const ptrdiff_t pitch = ptrdiff_t{Divide(read, kColumnChunk) | 1} * kColumnChunk;
+    const ptrdiff_t pitch = PitchFor(read);
 
     const int firstBlock = Row(out.y.begin).first / kTapOutputs;
-    const int lastBlock = Divide(Row(out.y.end - 1).first + kCubicSpan, kTapOutputs);
+    const int lastBlock = DivideUp(Row(out.y.end - 1).first + kCubicSpan, kTapOutputs);
     const int count = (lastBlock - firstBlock) * kTapOutputs;
     float* sums = memory.sums.Reserve(static_cast<size_t>(pitch) * static_cast<size_t>(count) + kSlack);
     kernels.sumRows(plane + used.begin, down_.View(), firstBlock, lastBlock, read, sums, pitch);
 
-    const ptrdiff_t stretchedPitch = ptrdiff_t{Divide(out.x.Size(), kSlack) + 1} * kSlack;
+    const ptrdiff_t stretchedPitch = ptrdiff_t{DivideUp(out.x.Size(), kSlack) + 1} * kSlack;
     float* filtered = memory.filtered.Reserve(static_cast<size_t>(pitch) + 2 * size_t{kSlack});
     float* stretched =
         memory.stretched.Reserve(static_cast<size_t>(stretchedPitch) * static_cast<size_t>(count) + kSlack);

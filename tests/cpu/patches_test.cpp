@@ -55,6 +55,24 @@ TEST_F(Patches, ChangeNoByteOnWholeGrids) {
     }
 }
 
+// In low patches no blur counts as short, and each sample is blurred for itself.
+TEST_F(Patches, SamplesThatShareTheirCopyLookAsWithoutSharing) {
+    for (const int type : {SHADOW_NORMAL, SHADOW_INNER, SHADOW_RADIAL}) {
+        for (const double samples : {2.0, 21.0, 120.0}) {
+            RandomScene scene = MakeRandomScene(5);
+            scene.type = type;
+            scene.panel.samples = samples;
+            scene.panel.softness = 0;
+            scene.panel.distance = 60;
+            scene.panel.opacityStart = scene.panel.opacityEnd = 40;
+            SetPatchSize({64, 64});
+            const Plane shared = Draw(scene);
+            SetPatchSize({64, 1});
+            EXPECT_TRUE(shared.values == Draw(scene).values) << type << ", " << samples << " samples";
+        }
+    }
+}
+
 TEST_F(Patches, MoreSamplesThanAGroupHolds) {
     RandomScene scene = MakeRandomScene(3);
     scene.type = SHADOW_NORMAL;
