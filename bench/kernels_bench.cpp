@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include "cpu/kernels.h"
+#include "cpu/kernels/kernels.h"
 #include "cpu/taps.h"
 
 using namespace umbrant::effect;

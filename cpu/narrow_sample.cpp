@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "cpu/kernels.h"
+#include "cpu/kernels/kernels.h"
 #include "cpu/patch_size.h"
 #include "cpu/pitch.h"
 #include "cpu/stack_drawer.h"

@@ -6,7 +6,7 @@
 
 #include <cstddef>
 
-#include "cpu/kernels.h"
+#include "cpu/kernels/kernels.h"
 
 namespace umbrant::effect {
 

@@ -8,9 +8,9 @@
 #include <cstdint>
 #include <vector>
 
+#include "cpu/coarse/wide_sample.h"
 #include "cpu/narrow_sample.h"
 #include "cpu/stack_drawer.h"
-#include "cpu/wide_sample.h"
 
 namespace umbrant::effect {
 

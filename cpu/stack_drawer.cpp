@@ -10,7 +10,7 @@
 
 #include <algorithm>
 
-#include "cpu/kernels.h"
+#include "cpu/kernels/kernels.h"
 #include "cpu/patch_size.h"
 #include "cpu/pitch.h"
 #include "cpu/sample_group.h"

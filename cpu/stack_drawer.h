@@ -9,8 +9,8 @@
 #include <memory>
 #include <vector>
 
+#include "cpu/coarse/wide_sample.h"
 #include "cpu/column_tiles.h"
-#include "cpu/wide_sample.h"
 #include "render/pass_plan.h"
 
 namespace umbrant::effect {

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "cpu/kernels.h"
+#include "cpu/kernels/kernels.h"
 #include "render/pass_plan.h"
 
 namespace umbrant::effect {

@@ -3,7 +3,7 @@
 
 // The rule by which samples are decimated.
 
-#include "cpu/decimation.h"
+#include "cpu/coarse/decimation.h"
 
 #include <gtest/gtest.h>
 

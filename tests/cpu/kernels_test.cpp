@@ -3,7 +3,7 @@
 
 // Every instruction set gives the same bytes, and they are what the plain formulas give.
 
-#include "cpu/kernels.h"
+#include "cpu/kernels/kernels.h"
 
 #include <gtest/gtest.h>
 

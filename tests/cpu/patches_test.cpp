@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-#include "cpu/decimation.h"
+#include "cpu/coarse/decimation.h"
 #include "cpu/patch_size.h"
 #include "platform/fake/call_log.h"
 #include "platform/fake/renderer_choice_fake.h"

@@ -12,8 +12,8 @@
 #include <string>
 #include <thread>
 
-#include "cpu/decimation.h"
-#include "cpu/kernels.h"
+#include "cpu/coarse/decimation.h"
+#include "cpu/kernels/kernels.h"
 #include "cpu/thread_pool.h"
 #include "platform/fake/call_log.h"
 #include "platform/fake/renderer_choice_fake.h"

@@ -11,8 +11,8 @@
 #include <cstring>
 #include <iostream>
 
-#include "cpu/decimation.h"
-#include "cpu/kernels.h"
+#include "cpu/coarse/decimation.h"
+#include "cpu/kernels/kernels.h"
 #include "platform/fake/call_log.h"
 #include "platform/fake/renderer_choice_fake.h"
 #include "render/processor/processor_path.h"

@@ -3,7 +3,7 @@
 
 // The splines' properties, and one axis of a decimated blur against the exact sum over its taps.
 
-#include "cpu/spline.h"
+#include "cpu/coarse/spline.h"
 
 #include <gtest/gtest.h>
 

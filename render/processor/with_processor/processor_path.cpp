@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-#include "cpu/kernels.h"
+#include "cpu/kernels/kernels.h"
 #include "cpu/shadows.h"
 #include "cpu/thread_pool.h"
 #include "platform/fork.h"

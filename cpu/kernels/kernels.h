@@ -2,8 +2,8 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// The inner loops of the CPU renderer, compiled once per instruction set from cpu/kernel_loops.inc and chosen when
-// the module first draws. Values are 16-bit alphas (0..65535) kept as whole floats, so that no pass converts.
+// The inner loops of the CPU renderer, compiled once per instruction set from cpu/kernels/kernel_loops.inc and chosen
+// when the module first draws. Values are 16-bit alphas (0..65535) kept as whole floats, so that no pass converts.
 
 #include <cstddef>
 #include <cstdint>

@@ -5,4 +5,4 @@
 
 #define UMBRANT_KERNELS kAvx512Kernels
 #define UMBRANT_KERNELS_NAME "AVX-512"
-#include "cpu/kernel_loops.inc"
+#include "cpu/kernels/kernel_loops.inc"

@@ -3,11 +3,11 @@
 
 // Which kernels this processor runs.
 
-#include "cpu/kernels.h"
+#include "cpu/kernels/kernels.h"
 
 #include <atomic>
 
-#include "cpu/kernel_sets.h"
+#include "cpu/kernels/kernel_sets.h"
 
 namespace umbrant::effect {
 

@@ -5,4 +5,4 @@
 
 #define UMBRANT_KERNELS kAvx2Kernels
 #define UMBRANT_KERNELS_NAME "AVX2"
-#include "cpu/kernel_loops.inc"
+#include "cpu/kernels/kernel_loops.inc"

@@ -4,7 +4,7 @@
 
 // The kernels by instruction set. Only the baseline exists on processors other than x86-64.
 
-#include "cpu/kernels.h"
+#include "cpu/kernels/kernels.h"
 
 namespace umbrant::effect {
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "cpu/row_pyramid.h"
+#include "cpu/coarse/row_pyramid.h"
 
 #include <algorithm>
 #include <array>
 
-#include "cpu/spline.h"
+#include "cpu/coarse/spline.h"
 #include "cpu/thread_pool.h"
 
 namespace umbrant::effect {

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "cpu/wide_sample.h"
+#include "cpu/coarse/wide_sample.h"
 
 #include <algorithm>
 #include <cmath>
 
+#include "cpu/coarse/spline.h"
 #include "cpu/pitch.h"
-#include "cpu/spline.h"
 #include "cpu/stack_drawer.h"
 
 namespace umbrant::effect {

@@ -9,4 +9,4 @@
 #else
 #define UMBRANT_KERNELS_NAME "baseline"
 #endif
-#include "cpu/kernel_loops.inc"
+#include "cpu/kernels/kernel_loops.inc"

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "cpu/buffer.h"
-#include "cpu/decimation.h"
-#include "cpu/row_pyramid.h"
+#include "cpu/coarse/decimation.h"
+#include "cpu/coarse/row_pyramid.h"
 #include "cpu/taps.h"
 
 namespace umbrant::effect {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "cpu/decimation.h"
+#include "cpu/coarse/decimation.h"
 
 #include <algorithm>
 #include <atomic>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-#include "cpu/spline.h"
+#include "cpu/coarse/spline.h"
 
 #include <algorithm>
 #include <cmath>
