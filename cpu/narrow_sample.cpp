@@ -76,12 +76,9 @@ int NarrowSample::Tiles() const {
 }
 
 size_t NarrowSample::PlaneSize() const {
-    if (ready_ == Ready::kAcross) {
-        return static_cast<size_t>(pitch_) * static_cast<size_t>(Tiles()) * kTileRows + kSlack;
-    }
+    if (ready_ == Ready::kAcross) return static_cast<size_t>(pitch_ * Tiles() * kTileRows) + kSlack;
     if (ready_ != Ready::kCopy) return 0;
-    const int blocks = DivideUp(copy_.y.Size(), kTapOutputs);
-    return static_cast<size_t>(copyPitch_) * static_cast<size_t>(blocks) * kTapOutputs + kSlack;
+    return static_cast<size_t>(copyPitch_ * (copy_.y.Size() + kTapOutputs)) + kSlack;
 }
 
 int NarrowSample::PlaneTasks() const {
