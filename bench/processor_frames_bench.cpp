@@ -3,8 +3,9 @@
 
 // Whole frames on the CPU renderer, the layer in memory, everything included, with the shares of their stages: the
 // host sees its own calls, and what lies between them are the passes. "frame" rows are the effect's defaults over a
-// layer that fills the frame, "text" rows over one that fills a tenth of it, "samples", "softness" and "area" rows let
-// one thing grow. The threads are those of the machine:
+// layer that fills the frame, "text" rows over one that fills a tenth of it, "flat" rows over equal
+// copies; "samples", "softness", "resolution" and "area" rows let one thing grow, "framed" rows the softness in a
+// picture that is no larger than its layer. The threads are those of the machine:
 //   taskset --cpu-list 0 processor_frames_bench       on one
 // peak_MiB is the process's largest resident memory so far; run one row alone to learn its own.
 
@@ -30,6 +31,7 @@ struct FrameCase {
     Depth depth = Depth::k8;
     double share = 1;
     Settings settings{};
+    bool isFramed = false;  ///< no larger than its layer
 };
 
 double PeakMebibytes() {
@@ -61,11 +63,11 @@ void DrawFrames(benchmark::State& state, const FrameCase& frame) {
     rig.SetDefaults();
     for (const auto& [path, value] : frame.settings) rig.Set(path, value);
     const World layer = DiscLayer(frame.width, frame.height, frame.depth, frame.share);
-    rig.Draw(layer);
+    rig.Draw(layer, frame.isFramed);
     StageSums sums;
     for (auto _ : state) {
         const auto begin = std::chrono::steady_clock::now();
-        const Frame drawn = rig.Draw(layer);
+        const Frame drawn = rig.Draw(layer, frame.isFramed);
         sums.Add(drawn, std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count());
     }
     const auto frames = static_cast<double>(state.iterations());
@@ -122,6 +124,23 @@ std::vector<FrameCase> Cases() {
              Depth::k8,
              1,
              {{"style/softness", std::to_string(softness)}}});
+    }
+    for (const int softness : {250, 500}) {
+        add({"framed/" + std::to_string(softness),
+             960,
+             540,
+             Depth::k8,
+             1,
+             {{"style/softness", std::to_string(softness)}},
+             true});
+    }
+    for (const int resolution : {1, 2, 3, 4, 5}) {
+        add({"resolution/" + std::to_string(20 * resolution),
+             960,
+             540,
+             Depth::k8,
+             1,
+             {{"quality/resolution", std::to_string(resolution)}}});
     }
     for (const int area : {1, 2, 3, 4, 6, 8}) add({"area/" + std::to_string(area), 480 * area, 270 * area});
     return cases;

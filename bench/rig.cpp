@@ -62,8 +62,10 @@ Rig::Rig()
       session_(Take(EffectSession::Start(module_))),
       defaults_(session_.Params()) {}
 
-Frame Rig::Draw(const World& layer) {
-    return Take(session_.Render({.layer = &layer}));
+Frame Rig::Draw(const World& layer, bool isFramed) {
+    FrameRequest request{.layer = &layer};
+    if (isFramed) request.region = PF_LRect{0, 0, layer.Width(), layer.Height()};
+    return Take(session_.Render(request));
 }
 
 void Rig::Set(const std::string& path, const std::string& value) {

@@ -24,7 +24,8 @@ class Rig {
  public:
     static Rig& Get();
 
-    Frame Draw(const World& layer);
+    /// With `isFramed` no more than the layer's own rectangle.
+    Frame Draw(const World& layer, bool isFramed = false);
     /// A row of the panel, by its path.
     void Set(const std::string& path, const std::string& value);
     /// All rows as the effect declares them.
