@@ -7,8 +7,10 @@
 
 #include <algorithm>
 
+#include "cpu/decimation.h"
 #include "cpu/kernels.h"
 #include "cpu/shadows.h"
+#include "cpu/spline.h"
 #include "cpu/thread_pool.h"
 #include "platform/fork.h"
 #include "render/passes/work_extent.h"
@@ -29,7 +31,16 @@ Region Something(const AlphaPlane& source) {
     return WorksEverywhere() ? WholeRegion(source.width, source.height) : FindBounds(source);
 }
 
-const bool watchingForks = (OnFork(ForgetPoolInChild), true);
+// Creates the static objects of functions: a child of fork() would wait forever for a thread of its parent that was
+// creating them.
+bool PrepareForForks() {
+    OnFork(ForgetPoolInChild);
+    BestKernels();
+    QuinticFilter();
+    DrawsExactly();
+    return true;
+}
+const bool watchingForks = PrepareForForks();
 
 }  // namespace
 
