@@ -49,11 +49,26 @@ FrameTime TimeOf(const FrameOptions& options) {
     return time;
 }
 
+constexpr char kLayer[] = "the layer";
+constexpr char kTexture[] = "the texture";
+
+World Made(World world, int width, int height, Depth depth, const char* what) {
+    if (world.IsNull()) Throw(NotEnoughMemory(what, width, height, depth));
+    return world;
+}
+
 World MakeWorld(const ImageView& view, Depth depth, const char* what) {
     Need(CheckView(view, what));
-    World world = WorldOf(view, depth);
-    if (world.IsNull()) Throw(NotEnoughMemory(what, view.width, view.height, depth));
-    return world;
+    return Made(WorldOf(view, depth), view.width, view.height, depth, what);
+}
+
+World MakeBlank(int width, int height, Depth depth, const char* what) {
+    return Made(World::CreateWithoutPixels(width, height, depth), width, height, depth, what);
+}
+
+bool HasTexture(const FrameOptions& options) {
+    const ImageView& texture = options.texture;
+    return texture.pixels || texture.width != 0 || texture.height != 0;
 }
 
 }  // namespace
@@ -83,12 +98,33 @@ void CheckOptions(const FrameOptions& options) {
     }
 }
 
+AnimationClock ClockOf(const FrameOptions& options) {
+    return {static_cast<double>(options.rate.frames) / options.rate.seconds, options.zeroFrame};
+}
+
+void CheckViews(const ImageView& layer, const FrameOptions& options) {
+    Need(CheckView(layer, kLayer));
+    if (HasTexture(options)) Need(CheckView(options.texture, kTexture));
+}
+
+void CheckSizes(int width, int height, const FrameOptions& options) {
+    Need(CheckSize(width, height, kLayer));
+    if (HasTexture(options)) Need(CheckSize(options.texture.width, options.texture.height, kTexture));
+}
+
 Layers LayersOf(const ImageView& layer, const FrameOptions& options) {
     Layers layers;
-    layers.layer = MakeWorld(layer, DepthOf(layer.format), "the layer");
-    const ImageView& texture = options.texture;
-    if (texture.pixels || texture.width != 0 || texture.height != 0) {
-        layers.texture = MakeWorld(texture, DepthOf(layer.format), "the texture");
+    const Depth depth = DepthOf(layer.format);
+    layers.layer = MakeWorld(layer, depth, kLayer);
+    if (HasTexture(options)) layers.texture = MakeWorld(options.texture, depth, kTexture);
+    return layers;
+}
+
+Layers BlankLayersOf(int width, int height, Depth depth, const FrameOptions& options) {
+    Layers layers;
+    layers.layer = MakeBlank(width, height, depth, kLayer);
+    if (HasTexture(options)) {
+        layers.texture = MakeBlank(options.texture.width, options.texture.height, depth, kTexture);
     }
     return layers;
 }

@@ -131,8 +131,11 @@ class UMBRANT_API Effect {
     /// that Place returns; for Canvas::kLayer this is the layer's. Returns their rectangle. Throws as Render.
     Rectangle RenderInto(const ImageView& layer, const MutableImageView& target,
                          const FrameOptions& options = {}) const;
-    /// Returns the rectangle that Render would cover, without rendering. Throws as Render.
+    /// Returns the rectangle that Render would cover, without rendering and without reading a pixel. Throws as Render.
     Rectangle Place(const ImageView& layer, const FrameOptions& options = {}) const;
+    /// The same for a layer of this size, without its pixels. Of a texture only width and height are used; its pixels
+    /// may be null. Takes no memory for an image.
+    Rectangle Place(int width, int height, const FrameOptions& options = {}) const;
 
     /// Returns the effect's name, as its module registers it.
     std::string Name() const;
