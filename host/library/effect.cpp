@@ -15,6 +15,7 @@
 #include "host/library/errors.h"
 #include "host/library/parameter_list.h"
 #include "host/parameters/param_kind.h"
+#include "host/parameters/set_row.h"
 
 namespace umbrant {
 
@@ -56,6 +57,15 @@ void Effect::Set(std::string_view path, double value) {
     Set(path, fmt::format("{}", value));
 }
 
+void Effect::Set(std::string_view path, const Color& value) {
+    const std::lock_guard lock(state_->mutex);
+    AnimatedParams& params = state_->params;
+    const int index = Need(params.values.Find(path));
+    Need(SetRowColor(params.values.RawRow(index), {value.red, value.green, value.blue}));
+    params.animation.Remove(index);
+    state_->isChanged = true;
+}
+
 std::string Effect::Get(std::string_view path) const {
     const std::lock_guard lock(state_->mutex);
     return state_->params.values.ValueText(Need(state_->params.values.Find(path)));
@@ -85,6 +95,10 @@ void Effect::LoadPreset(const std::string& file) {
 std::string Effect::PresetText() const {
     const std::lock_guard lock(state_->mutex);
     return host::PresetText(state_->params);
+}
+
+Values Effect::CurrentValues() const {
+    return Values(std::make_unique<Values::State>(Values::State{state_->Snapshot()}));
 }
 
 std::vector<Parameter> Effect::Parameters() const {

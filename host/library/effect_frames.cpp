@@ -11,6 +11,7 @@
 #include "host/library/effect_state.h"
 #include "host/library/errors.h"
 #include "host/library/pixel_order.h"
+#include "host/library/value_store.h"
 
 namespace umbrant {
 
@@ -69,10 +70,22 @@ Image Effect::Render(const ImageView& layer, const FrameOptions& options) const 
     return ImageOf(*state_, layer, options, state_->ValuesAt(options));
 }
 
+Image Effect::Render(const ImageView& layer, const Values& values, const FrameOptions& options) const {
+    CheckOptions(options);
+    CheckViews(layer, options);
+    return ImageOf(*state_, layer, options, state_->ValuesAt(values.state_->store, options));
+}
+
 Rectangle Effect::RenderInto(const ImageView& layer, const MutableImageView& target,
                              const FrameOptions& options) const {
     CheckTarget(layer, target, options);
     return DrawInto(*state_, layer, target, options, state_->ValuesAt(options));
+}
+
+Rectangle Effect::RenderInto(const ImageView& layer, const MutableImageView& target, const Values& values,
+                             const FrameOptions& options) const {
+    CheckTarget(layer, target, options);
+    return DrawInto(*state_, layer, target, options, state_->ValuesAt(values.state_->store, options));
 }
 
 Rectangle Effect::Place(const ImageView& layer, const FrameOptions& options) const {
@@ -81,10 +94,23 @@ Rectangle Effect::Place(const ImageView& layer, const FrameOptions& options) con
     return PlaceOf(*state_, layer.width, layer.height, DepthOf(layer.format), options, state_->ValuesAt(options));
 }
 
+Rectangle Effect::Place(const ImageView& layer, const Values& values, const FrameOptions& options) const {
+    CheckOptions(options);
+    CheckViews(layer, options);
+    return PlaceOf(*state_, layer.width, layer.height, DepthOf(layer.format), options,
+                   state_->ValuesAt(values.state_->store, options));
+}
+
 Rectangle Effect::Place(int width, int height, const FrameOptions& options) const {
     CheckOptions(options);
     CheckSizes(width, height, options);
     return PlaceOf(*state_, width, height, Depth::k8, options, state_->ValuesAt(options));
+}
+
+Rectangle Effect::Place(int width, int height, const Values& values, const FrameOptions& options) const {
+    CheckOptions(options);
+    CheckSizes(width, height, options);
+    return PlaceOf(*state_, width, height, Depth::k8, options, state_->ValuesAt(values.state_->store, options));
 }
 
 }  // namespace umbrant

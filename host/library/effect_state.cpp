@@ -3,10 +3,12 @@
 
 #include "host/library/effect_state.h"
 
+#include <memory>
 #include <mutex>
 #include <utility>
 
 #include "host/library/errors.h"
+#include "host/parameters/param_kind.h"
 
 namespace umbrant {
 
@@ -40,6 +42,25 @@ ParamSet Effect::State::ValuesAt(const FrameOptions& options) {
     UpdatePanel();
     const AnimationClock clock = ClockOf(options);
     return params.animation.ValuesAt(params.values, clock.FrameOf(options.seconds), clock);
+}
+
+ParamSet Effect::State::ValuesAt(const ValueStore& store, const FrameOptions& options) {
+    if (!HaveSameRows(declared, store.base->values)) {
+        Refuse("the values belong to an effect with other parameters; take them from CurrentValues() of this one");
+    }
+    ParamSet values = store.At(options);
+    const std::lock_guard lock(mutex);
+    // Data of the effect's own belongs to the instance.
+    for (const ParamRow& row : params.values.Rows()) {
+        if (KindOf(row.def) == ParamKind::kCustom) values.SetValue(row.index, row.def.u, row.point);
+    }
+    return values;
+}
+
+ValueStore Effect::State::Snapshot() {
+    const std::lock_guard lock(mutex);
+    UpdatePanel();
+    return {std::make_shared<const AnimatedParams>(params), {}};
 }
 
 Failure Effect::State::Explained(const Failure& failure) {

@@ -12,6 +12,7 @@
 #include "host/animation/preset.h"
 #include "host/library/effect_request.h"
 #include "host/library/shared_module.h"
+#include "host/library/value_store.h"
 #include "host/process/fork_lock.h"
 
 namespace umbrant {
@@ -24,6 +25,10 @@ struct Effect::State {
 
     /// The effect's own values at the time of the options, which were checked. Throws Error.
     host::ParamSet ValuesAt(const FrameOptions& options);
+    /// Those of a snapshot. Throws Error with ErrorCode::kUsage for one of another module's.
+    host::ParamSet ValuesAt(const host::ValueStore& store, const FrameOptions& options);
+    /// A snapshot of the effect's own.
+    host::ValueStore Snapshot();
 
     /// Renders a frame. Throws Error.
     host::Frame Draw(const host::Layers& layers, const FrameOptions& options, const host::ParamSet& values);

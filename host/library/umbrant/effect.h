@@ -11,7 +11,7 @@
 // The pixels are those that `umbrant render` writes with the same parameters.
 //
 // Threads. Every call may be made on any thread. Several threads may render with one effect at the same time; a frame
-// uses the values at the time of the call. Effects are independent of each other. A thread that rendered with OpenGL
+// uses the values at the time of the call, or the Values that it is given. Effects are independent of each other. A thread that rendered with OpenGL
 // keeps a context, which is current when a call returns and is destroyed when the thread ends; a program that uses
 // OpenGL itself should render on other threads. Inside the module, frames are drawn one after the other, as in every
 // host; the work before and after overlaps.
@@ -26,6 +26,7 @@
 #include <umbrant/export.h>
 #include <umbrant/image.h>
 #include <umbrant/parameter.h>
+#include <umbrant/values.h>
 
 namespace umbrant {
 
@@ -106,7 +107,10 @@ class UMBRANT_API Effect {
     void Set(std::string_view path, std::string_view value);
     /// The same for a number.
     void Set(std::string_view path, double value);
-    /// Returns the value in the form that Set takes; of a parameter with keyframes, its constant value. Throws kUsage.
+    /// The same for a colour's numbers; see Color.
+    void Set(std::string_view path, const Color& value);
+    /// Returns the value in the form that Set takes; of a parameter with keyframes, its constant value, and of a colour
+    /// that was set from numbers the nearest 8-bit one. Throws kUsage.
     std::string Get(std::string_view path) const;
     /// Sets all parameters to their defaults and removes all keyframes.
     void Reset();
@@ -115,8 +119,11 @@ class UMBRANT_API Effect {
     /// their lines and columns; `LoadPreset` throws kFile for a file that cannot be read as JSON.
     void ApplyPreset(std::string_view json);
     void LoadPreset(const std::string& file);
-    /// Returns values and keyframes as a preset.
+    /// Returns values and keyframes as a preset; colours as Get returns them.
     std::string PresetText() const;
+
+    /// Returns the values and keyframes of this moment, to be changed and given to frames.
+    Values CurrentValues() const;
 
     /// Returns all rows of the panel, in its order.
     std::vector<Parameter> Parameters() const;
@@ -127,15 +134,22 @@ class UMBRANT_API Effect {
     /// invalid layer, texture or option, kEffectFailed with the effect's message, kInternal when there is not enough
     /// memory.
     Image Render(const ImageView& layer, const FrameOptions& options = {}) const;
+    /// The same with these values instead of the effect's own. They are of this effect or of another one of the same
+    /// module; throws kUsage for those of another module.
+    Image Render(const ImageView& layer, const Values& values, const FrameOptions& options = {}) const;
     /// Renders into the caller's pixels, which may be the layer's own. They must have the layer's format and the size
     /// that Place returns; for Canvas::kLayer this is the layer's. Returns their rectangle. Throws as Render.
     Rectangle RenderInto(const ImageView& layer, const MutableImageView& target,
                          const FrameOptions& options = {}) const;
+    Rectangle RenderInto(const ImageView& layer, const MutableImageView& target, const Values& values,
+                         const FrameOptions& options = {}) const;
     /// Returns the rectangle that Render would cover, without rendering and without reading a pixel. Throws as Render.
     Rectangle Place(const ImageView& layer, const FrameOptions& options = {}) const;
+    Rectangle Place(const ImageView& layer, const Values& values, const FrameOptions& options = {}) const;
     /// The same for a layer of this size, without its pixels. Of a texture only width and height are used; its pixels
     /// may be null. Takes no memory for an image.
     Rectangle Place(int width, int height, const FrameOptions& options = {}) const;
+    Rectangle Place(int width, int height, const Values& values, const FrameOptions& options = {}) const;
 
     /// Returns the effect's name, as its module registers it.
     std::string Name() const;
