@@ -66,6 +66,12 @@ struct FrameRate {
     int seconds = 1;
 };
 
+/// A ratio of whole numbers, each from 1 to 1000000.
+struct Fraction {
+    int numerator = 1;
+    int denominator = 1;
+};
+
 /// Options of one frame. `FrameOptions{}` has no texture and is at time 0.
 struct FrameOptions {
     Canvas canvas = Canvas::kGrow;
@@ -80,7 +86,7 @@ struct FrameOptions {
     /// The resolution of the given layer (and texture) is 1/downsample, from 1 to 64; points and distances are still
     /// in pixels of the full-size layer.
     int downsample = 1;
-    /// The layer's full size; 0 is the given size times `downsample`.
+    /// The layer's full size; 0 is the given size divided by its resolution (see also `scaleX`), rounded.
     int layerWidth = 0;
     int layerHeight = 0;
 
@@ -88,6 +94,16 @@ struct FrameOptions {
     double seconds = 0;
     FrameRate rate{};
     double zeroFrame = 0;  ///< the frame at 0 s, for keyframes whose times are frames
+
+    /// The resolution of the given layer (and texture) along each side as a fraction of the full size, for those that
+    /// are not 1/n: {2, 3}. Multiplied by 1/downsample; the product is from 1/64 to 1. The effect scales points by both
+    /// and lengths (distance, softness, buffer expansion) by `scaleX`.
+    Fraction scaleX{};
+    Fraction scaleY{};
+
+    /// The width of a pixel over its height, from 1/100 to 100. For effects that ask for it; Umbrant 2 does not, and
+    /// draws the same pixels at every ratio: its lengths are pixels along both sides.
+    Fraction pixelAspect{};
 };
 
 /// An instance of the effect with its parameters. Move-only; a moved-from effect can only be destroyed or assigned to.
