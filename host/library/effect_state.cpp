@@ -79,7 +79,7 @@ auto Effect::State::Send(Call call) {
 
 Frame Effect::State::Draw(const Layers& layers, const FrameOptions& options, const ParamSet& values) {
     const FrameRequest request = RequestOf(layers, options, values);
-    Frame frame = Send([&] { return instance.Session().Render(request); });
+    Frame frame = Send([&] { return instance.Render(request); });
     if (!frame.message.empty() && message) message(frame.message);
     return frame;
 }

@@ -3,8 +3,6 @@
 
 #include "host/library/shared_module.h"
 
-#include <fmt/format.h>
-
 #include <filesystem>
 #include <map>
 #include <system_error>
@@ -44,6 +42,15 @@ Result<fs::path> FileOf(const SharedModuleRequest& request) {
     return FindModule(search);
 }
 
+Result<EffectSession> StartSession(const Module& module, const SessionOptions& options) {
+    if (options.renderer == UMBRANT_Renderer_PROCESSOR) return EffectSession::Start(module, options);
+    std::optional<Result<EffectSession>> session;
+    // A thread for this alone: the effect may turn out to be drawn by the processor.
+    RenderWorker worker;
+    TRY(worker.Run([&] { session.emplace(EffectSession::Start(module, options)); }));
+    return std::move(*session);
+}
+
 Result<std::shared_ptr<SharedModule>> SetUp(const fs::path& file, const std::shared_ptr<SharedModule>& other,
                                             UMBRANT_Renderer renderer) {
     std::shared_ptr<LoadedModule> loaded = other ? other->loaded : nullptr;
@@ -54,13 +61,17 @@ Result<std::shared_ptr<SharedModule>> SetUp(const fs::path& file, const std::sha
     SessionOptions options;
     options.renderer = renderer;
     const std::lock_guard panelLock(loaded->mutex);
-    auto session = TRY(EffectSession::Start(loaded->module, options));
-    auto shared = std::make_shared<SharedModule>(loaded, std::move(session));
+    auto session = TRY(StartSession(loaded->module, options));
+    auto shared = std::make_shared<SharedModule>(loaded, std::move(session), renderer);
     shared->drawsOnThreads = (shared->root.OutFlags2() & PF_OutFlag2_SUPPORTS_THREADED_RENDERING) != 0;
     return shared;
 }
 
 }  // namespace
+
+SharedModule::~SharedModule() {
+    if (usesOpenGL) worker.RunAnyhow([this] { static_cast<void>(root.End()); });
+}
 
 Result<SharedInstance> SharedInstance::Start(const SharedModuleRequest& request) {
     const auto file = TRY(FileOf(request));
@@ -70,10 +81,8 @@ Result<SharedInstance> SharedInstance::Start(const SharedModuleRequest& request)
 
     Registry& registry = TheRegistry();
     const std::lock_guard lock(registry.mutex);
-    const auto preference =
-        request.renderer ? Result<RendererPreference>(*request.renderer) : ReadRendererPreference("");
-    if (!preference) return preference.error();
-    const UMBRANT_Renderer needed = RendererOfSetUp(*preference);
+    const auto preference = request.renderer ? *request.renderer : TRY(ReadRendererPreference(""));
+    const UMBRANT_Renderer needed = RendererOfSetUp(preference);
     Registry::SetUps& setUps = registry.loaded[key];
     const std::shared_ptr<SharedModule> processorOnly = setUps.processorOnly.lock();
     std::shared_ptr<SharedModule> shared = setUps.any.lock();
@@ -83,7 +92,7 @@ Result<SharedInstance> SharedInstance::Start(const SharedModuleRequest& request)
         shared = std::move(made);
         (needed == UMBRANT_Renderer_PROCESSOR ? setUps.processorOnly : setUps.any) = shared;
     }
-    RendererDecision renderer = DecideRenderer(*preference, ReadGpuStrings(shared->root.Params()));
+    RendererDecision renderer = DecideRenderer(preference, ReadGpuStrings(shared->root.Params()));
 
     SessionOptions options;
     if (request.collapsed) options.layerFlags |= AEGP_LayerFlag_COLLAPSE;
@@ -91,6 +100,13 @@ Result<SharedInstance> SharedInstance::Start(const SharedModuleRequest& request)
     auto session = TRY(EffectSession::StartInstance(shared->root, options));
     session.SetRenderer(renderer.Request());
     return SharedInstance(shared, std::move(session), std::move(renderer));
+}
+
+Result<Frame> SharedInstance::Render(const FrameRequest& request) {
+    if (renderer_.processor) return session_->Render(request);
+    std::optional<Result<Frame>> frame;
+    TRY(shared_->worker.Run([&] { frame.emplace(session_->Render(request)); }));
+    return std::move(*frame);
 }
 
 SharedInstance::~SharedInstance() {

@@ -11,10 +11,10 @@
 // The pixels are those that `umbrant render` writes with the same parameters.
 //
 // Threads. Every call may be made on any thread. Several threads may render with one effect at the same time; a frame
-// uses the values at the time of the call, or the Values that it is given. Effects are independent of each other. A thread that rendered with OpenGL
-// keeps a context, which is current when a call returns and is destroyed when the thread ends; a program that uses
-// OpenGL itself should render on other threads. Inside the module, frames are drawn one after the other, as in every
-// host; the work before and after overlaps.
+// uses the values at the time of the call, or the Values that it is given. Effects are independent of each other.
+// OpenGL is used on threads of the library only: no context is made current on a calling thread, and one that is
+// current there stays so. With the CPU renderer a frame is drawn on the calling thread and a pool. Inside the module,
+// frames are drawn one after the other, as in every host; the work before and after overlaps.
 
 #include <functional>
 #include <memory>
@@ -111,7 +111,8 @@ class UMBRANT_API Effect {
  public:
     /// Loads the module, unless another effect of the process has loaded it, and sets up an instance with default
     /// values. Throws ErrorCode::kModule when there is no module or it cannot be loaded, kUsage when UMBRANT_RENDERER
-    /// has an invalid value, kEffectFailed when the effect refuses to be set up.
+    /// has an invalid value, kEffectFailed when the effect refuses to be set up, kInternal when the system refuses the
+    /// thread that OpenGL needs.
     explicit Effect(const EffectOptions& options = {});
     /// Unloads the module with the last effect. No call of this effect may be in progress.
     ~Effect();
