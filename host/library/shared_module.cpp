@@ -3,6 +3,10 @@
 
 #include "host/library/shared_module.h"
 
+#include <sys/types.h>
+#include <unistd.h>
+
+#include <atomic>
 #include <filesystem>
 #include <map>
 #include <system_error>
@@ -16,7 +20,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The modules of the process. Everything in it, and every set-up and set-down, happens under its mutex.
+/// The modules of the process. Everything else in it, and every set-up and set-down, happens under its mutex.
 struct Registry {
     ForkLock mutex{ForkRank::kModules};
     struct SetUps {
@@ -24,6 +28,11 @@ struct Registry {
         std::weak_ptr<SharedModule> processorOnly;  ///< no driver was loaded
     };
     std::map<fs::path, SetUps> loaded;
+    std::atomic<pid_t> openGLUser = 0;  ///< the process that first began to use OpenGL; 0 for none. [any]
+
+    /// Whether this process was forked from one that has used OpenGL, whose driver would wait here for threads that are
+    /// not in this process. Also where all modules have been unloaded since: the driver stays.
+    bool HasLostOpenGL() const { return openGLUser != 0 && openGLUser != getpid(); }
 };
 
 /// Lives to the process's very end: effects may be members of static objects.
@@ -40,6 +49,12 @@ Result<fs::path> FileOf(const SharedModuleRequest& request) {
                                              "UMBRANT_MODULE"
                                            : request.advice;
     return FindModule(search);
+}
+
+Failure LostOpenGL() {
+    return {ErrorKind::kEffect,
+            "OpenGL cannot be used: this process was forked from one that uses it. Fork before the first effect is "
+            "created, start a new program, or use the CPU renderer"};
 }
 
 Result<EffectSession> StartSession(const Module& module, const SessionOptions& options) {
@@ -81,18 +96,23 @@ Result<SharedInstance> SharedInstance::Start(const SharedModuleRequest& request)
 
     Registry& registry = TheRegistry();
     const std::lock_guard lock(registry.mutex);
-    const auto preference = request.renderer ? *request.renderer : TRY(ReadRendererPreference(""));
+    auto preference = request.renderer ? *request.renderer : TRY(ReadRendererPreference(""));
+    if (preference == RendererPreference::kOpenGL && registry.HasLostOpenGL()) return LostOpenGL();
+    const bool isSubstitute = preference == RendererPreference::kAuto && registry.HasLostOpenGL();
+    if (isSubstitute) preference = RendererPreference::kProcessor;
     const UMBRANT_Renderer needed = RendererOfSetUp(preference);
     Registry::SetUps& setUps = registry.loaded[key];
     const std::shared_ptr<SharedModule> processorOnly = setUps.processorOnly.lock();
     std::shared_ptr<SharedModule> shared = setUps.any.lock();
     if (!shared && needed == UMBRANT_Renderer_PROCESSOR) shared = processorOnly;
     if (!shared) {
+        if (needed != UMBRANT_Renderer_PROCESSOR) registry.openGLUser = getpid();
         auto made = TRY(SetUp(file, processorOnly, needed));
         shared = std::move(made);
         (needed == UMBRANT_Renderer_PROCESSOR ? setUps.processorOnly : setUps.any) = shared;
     }
     RendererDecision renderer = DecideRenderer(preference, ReadGpuStrings(shared->root.Params()));
+    if (isSubstitute) renderer.why = "OpenGL cannot be used in a forked process";
 
     SessionOptions options;
     if (request.collapsed) options.layerFlags |= AEGP_LayerFlag_COLLAPSE;
@@ -104,6 +124,7 @@ Result<SharedInstance> SharedInstance::Start(const SharedModuleRequest& request)
 
 Result<Frame> SharedInstance::Render(const FrameRequest& request) {
     if (renderer_.processor) return session_->Render(request);
+    if (TheRegistry().HasLostOpenGL()) return LostOpenGL();
     std::optional<Result<Frame>> frame;
     TRY(shared_->worker.Run([&] { frame.emplace(session_->Render(request)); }));
     return std::move(*frame);

@@ -61,8 +61,8 @@ class SharedInstance {
     SharedInstance(SharedInstance&&) noexcept = default;
     SharedInstance& operator=(SharedInstance&&) = delete;
 
-    /// Draws a frame: by OpenGL on the set-up's thread, otherwise on the calling one. Fails as EffectSession::Render and
-    /// RenderWorker::Run do.
+    /// Draws a frame: by OpenGL on the set-up's thread, otherwise on the calling one. Fails as EffectSession::Render
+    /// and RenderWorker::Run do, and with `ErrorKind::kEffect` for OpenGL in a child of a process that has used it.
     Result<Frame> Render(const FrameRequest& request);
 
     SharedModule& Shared() const { return *shared_; }

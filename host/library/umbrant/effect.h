@@ -15,6 +15,10 @@
 // OpenGL is used on threads of the library only: no context is made current on a calling thread, and one that is
 // current there stays so. With the CPU renderer a frame is drawn on the calling thread and a pool. Inside the module,
 // frames are drawn one after the other, as in every host; the work before and after overlaps.
+//
+// Forks. A child of fork() may go on with the effects of its parent that use the CPU renderer, and make others. Where
+// the parent had begun to use OpenGL, a frame with OpenGL fails in the child at once, and so does the creation of an
+// effect with Renderer::kOpenGL, both with kEffectFailed; Renderer::kAuto then gives the CPU renderer.
 
 #include <functional>
 #include <memory>
