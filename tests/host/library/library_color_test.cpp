@@ -54,9 +54,9 @@ TEST(LibraryColor, FloatFramesKeepNumbersAboveOneAndBelowZero) {
     }
 }
 
-TEST(LibraryColor, EveryShadowTypeKeepsThemWhereTheLayerIsClear) {
+TEST(LibraryColor, EveryShadowTypeKeepsThem) {
     const auto layer = DiscFloat(kSide, kSide);
-    for (const char* type : {"normal", "radial"}) {
+    for (const char* type : {"normal", "inner", "radial"}) {
         Effect effect = RealEffect();
         effect.Set("style/shadow-type", type);
         effect.Set("style/color", Color{4, 0, 0});

@@ -143,6 +143,17 @@ TEST_F(LibraryGl, ErrorsAndMessagesComeBackToTheCaller) {
     EXPECT_EQ(said, std::this_thread::get_id());
 }
 
+TEST_F(LibraryGl, FloatFramesKeepColoursAboveOne) {
+    const auto layer = DiscFloat(24, 24);
+    Effect effect = GlEffect();
+    effect.Set("style/distance", 60);
+    effect.Set("style/color", umbrant::Color{4, 0, 0});
+    const Image image = effect.Render(layer.View());
+    float most = 0;
+    for (std::size_t i = 0; i < image.PixelCount(); ++i) most = std::max(most, image.Floats()[4 * i]);
+    EXPECT_EQ(most, 4.0f);
+}
+
 TEST_F(LibraryGl, EachEffectHasItsOwnRenderer) {
     const auto layer = Disc8(24, 24);
     const Effect byGl = GlEffect();
