@@ -85,7 +85,9 @@ Result<std::shared_ptr<SharedModule>> SetUp(const fs::path& file, const std::sha
 }  // namespace
 
 SharedModule::~SharedModule() {
-    if (usesOpenGL) worker.RunAnyhow([this] { static_cast<void>(root.End()); });
+    // In a child that has lost OpenGL the effect leaves the driver alone, so `root` ends here, with its destructor.
+    if (!usesOpenGL || TheRegistry().HasLostOpenGL()) return;
+    worker.RunAnyhow([this] { static_cast<void>(root.End()); });
 }
 
 Result<SharedInstance> SharedInstance::Start(const SharedModuleRequest& request) {

@@ -48,7 +48,10 @@ TEST(RowPoolFork, AChildOfTheFirstWorkWorks) {
 TEST(RowPoolFork, AGrandchildHasAPoolOfItsOwnToo) {
     const auto grandchild = [] { return Worked() == 64 ? 0 : 1; };
     const auto child = [&] { return Worked() == 64 ? RunInChild(grandchild, std::chrono::seconds(30)) : 2; };
-    EXPECT_EQ(RunInChild(child), 0);
+    // The race checker cannot follow threads that a forked child starts.
+    if (!kIsSanitized) {
+        EXPECT_EQ(RunInChild(child), 0);
+    }
 }
 
 }  // namespace
