@@ -51,7 +51,8 @@ struct EffectOptions {
     /// Presents layers with their "Collapse Transformations" switch on: radial shadows then grow only by their
     /// softness.
     bool collapsed = false;
-    /// Called with a message that the effect returned with a successful frame (rare); on the thread that asked for the frame.
+    /// Called with a message that the effect returned with a successful frame (rare); on the thread that asked for the
+    /// frame.
     std::function<void(const std::string&)> message;
     /// How users of the program can name a module; the last part of the Error's message when no module is found.
     /// Empty: advice for the program itself.
