@@ -160,7 +160,8 @@ PF_Err GlobalSetdown(PF_InData* in_data) {
     if (handle == nullptr) return PF_Err_NONE;
     auto* record = static_cast<GlobalData*>(handles->host_lock_handle(handle));
     if (record == nullptr) return PF_Err_NONE;
-    if (writtenRecords.Contains(handle) && record->context != nullptr) {
+    // Kept in the child of a fork: the context, whose driver is not there.
+    if (writtenRecords.Contains(handle) && record->context != nullptr && !OpenGLLostByFork()) {
         SetCurrentContext(record->context);
         DeleteContext(record->context);
         SetCurrentContext(nullptr);

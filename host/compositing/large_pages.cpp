@@ -15,7 +15,7 @@ void AskForLargePages([[maybe_unused]] std::byte* data, [[maybe_unused]] std::si
     // Taking such a block page by page costs more than a pass over the pixels.
     constexpr std::size_t kWorthwhile = std::size_t{4} << 20;
     if (!data || size < kWorthwhile) return;
-    static const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
     const std::size_t before = (page - reinterpret_cast<std::uintptr_t>(data) % page) % page;
     madvise(data + before, (size - before) / page * page, MADV_HUGEPAGE);
 #endif

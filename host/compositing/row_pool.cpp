@@ -15,6 +15,7 @@
 #include <thread>
 #include <vector>
 
+#include "host/process/fork_lock.h"
 #include "host/process/start_threads.h"
 
 namespace umbrant::host {
@@ -51,7 +52,9 @@ struct Job {
 };
 
 thread_local bool insideWork = false;
-int wantedThreads = 0;  // 0: as many as there are cores
+std::atomic<int> wantedThreads = 0;  // 0: as many as there are cores
+std::atomic<int> usedThreads = 0;    // 0: not asked for yet
+const int cores = static_cast<int>(std::thread::hardware_concurrency());
 
 /// The helper threads. They wait for jobs and end with the program.
 class Pool {
@@ -119,29 +122,27 @@ class Pool {
     std::vector<std::jthread> threads_;  ///< the last, so that they end before what they use
 };
 
+/// The last pool that was made, and who makes the next. Nothing here is a static object of a function: a child
+/// of fork() would wait forever for a thread of its parent that was creating it.
+std::atomic<Pool*> made{nullptr};
+ForkLock& making = *new ForkLock;  // Kept: never destroyed, because effects may be members of static objects.
+
 /// Ends the pool with the process that made it. Kept in a child of fork(), where none of the threads are, and where a
 /// condition that they waited for cannot be destroyed.
-struct PoolOfProcess {
-    PoolOfProcess() : pool(new Pool) {}
-    ~PoolOfProcess() {
-        if (pool->IsOwn()) delete pool;
+const struct EndOfProcess {
+    ~EndOfProcess() {
+        Pool* pool = made.exchange(nullptr);
+        if (pool && pool->IsOwn()) delete pool;
     }
-    PoolOfProcess(const PoolOfProcess&) = delete;
-    PoolOfProcess& operator=(const PoolOfProcess&) = delete;
-    Pool* const pool;
-};
+} endOfProcess;
 
 /// The calling process's pool. A child of fork() gets a new one.
 Pool& ThePool() {
-    static const PoolOfProcess first;
-    if (first.pool->IsOwn()) return *first.pool;
-    // Kept: never destroyed; its threads end with the process.
-    static std::atomic<Pool*> childs{nullptr};
-    Pool* known = childs;
-    while (!known || !known->IsOwn()) {
-        auto made = std::make_unique<Pool>();
-        if (childs.compare_exchange_strong(known, made.get())) known = made.release();
-    }
+    Pool* known = made;
+    if (known && known->IsOwn()) return *known;
+    const std::lock_guard lock(making);
+    known = made;
+    if (!known || !known->IsOwn()) made = known = new Pool;
     return *known;
 }
 
@@ -163,9 +164,10 @@ void RunRanges(int count, const std::function<bool(int first, int last, int thre
 }  // namespace
 
 int RowThreads() {
-    static const int threads =
-        wantedThreads > 0 ? wantedThreads : std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
-    return threads;
+    int used = usedThreads;
+    if (used > 0) return used;
+    const int wanted = wantedThreads > 0 ? wantedThreads.load() : std::max(1, cores);
+    return usedThreads.compare_exchange_strong(used, wanted) ? wanted : used;
 }
 
 void SetRowThreads(int threads) {

@@ -154,6 +154,11 @@ World World::CreateUnwritten(int width, int height, Depth depth) {
     return Allocate(width, height, depth, false);
 }
 
+World World::CreateWithoutPixels(int width, int height, Depth depth) {
+    if (!BytesOf(width, height, depth)) return {};
+    return Describe({}, width, height, depth);
+}
+
 World World::CreateOver(GuardedBytes bytes, int width, int height, Depth depth) {
     const auto needed = BytesOf(width, height, depth);
     if (!needed || bytes.Size() < *needed) return {};

@@ -40,6 +40,9 @@ class World {
     static World Create(int width, int height, Depth depth, bool clear = true);
     /// The same with pixels of any value: for a caller that writes every one of them before anybody reads.
     static World CreateUnwritten(int width, int height, Depth depth);
+    /// A world that has a size and no memory: for questions about rectangles, which look at no pixel. Its rows are
+    /// null.
+    static World CreateWithoutPixels(int width, int height, Depth depth);
     /// A world over memory of at least BytesOf bytes, which it owns from here on; null when they are too few.
     static World CreateOver(GuardedBytes bytes, int width, int height, Depth depth);
     /// The bytes that a world of this shape takes: the same in every process of this program. Nothing for a shape that
@@ -56,7 +59,7 @@ class World {
     int Width() const { return Def().width; }
     int Height() const { return Def().height; }
     Depth PixelDepth() const;
-    /// First byte of row y; null in an empty world.
+    /// First byte of row y; null in an empty world and in one without pixels.
     std::byte* Row(int y);
     const std::byte* Row(int y) const;
 

@@ -35,7 +35,7 @@ struct CommandNumbers {
 /// The numbers of a FrameRequest.
 struct RequestNumbers {
     int layerWidth, layerHeight;
-    PF_RationalScale downsampleX, downsampleY;
+    PF_RationalScale downsampleX, downsampleY, pixelAspect;
     PF_Point textureOrigin;
     Canvas canvas;
     bool hasRegion;
@@ -175,10 +175,10 @@ SessionOptions OptionsOf(const json& object) {
 }
 
 json RequestJson(const FrameRequest& request) {
-    return BytesOf(RequestNumbers{request.layerWidth, request.layerHeight, request.downsampleX, request.downsampleY,
-                                  request.textureOrigin, request.canvas, request.region.has_value(),
-                                  request.region.value_or(PF_LRect{}), request.time, request.timeStep,
-                                  request.totalTime, request.timeScale, request.quality, request.field});
+    return BytesOf(RequestNumbers{
+        request.layerWidth, request.layerHeight, request.downsampleX, request.downsampleY, request.pixelAspect,
+        request.textureOrigin, request.canvas, request.region.has_value(), request.region.value_or(PF_LRect{}),
+        request.time, request.timeStep, request.totalTime, request.timeScale, request.quality, request.field});
 }
 
 FrameRequest RequestOf(const json& object) {
@@ -188,6 +188,7 @@ FrameRequest RequestOf(const json& object) {
     request.layerHeight = numbers.layerHeight;
     request.downsampleX = numbers.downsampleX;
     request.downsampleY = numbers.downsampleY;
+    request.pixelAspect = numbers.pixelAspect;
     request.textureOrigin = numbers.textureOrigin;
     request.canvas = numbers.canvas;
     if (numbers.hasRegion) request.region = numbers.region;

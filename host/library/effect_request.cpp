@@ -7,7 +7,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <limits>
+#include <numeric>
 
 #include "host/compositing/memory_shortage.h"
 #include "host/library/errors.h"
@@ -21,6 +23,8 @@ namespace {
 constexpr int kMostRate = 1000000;
 /// Times between frames are passed to the effect in steps of about this part of a second.
 constexpr int kFineSteps = 24000;
+constexpr int kMostFraction = 1000000;
+constexpr int kMostAspect = 100;
 
 /// Written so that not-a-number is outside.
 bool IsWithin(double value, double limit) {
@@ -49,19 +53,78 @@ FrameTime TimeOf(const FrameOptions& options) {
     return time;
 }
 
+constexpr char kLayer[] = "the layer";
+constexpr char kTexture[] = "the texture";
+
+/// Whether low <= fraction <= high; both numbers of a valid fraction are from 1 to kMostFraction.
+bool IsWithin(const Fraction& fraction, const Fraction& low, const Fraction& high) {
+    const std::int64_t numerator = fraction.numerator, denominator = fraction.denominator;
+    return numerator >= 1 && denominator >= 1 && numerator <= kMostFraction && denominator <= kMostFraction &&
+           numerator * low.denominator >= low.numerator * denominator &&
+           numerator * high.denominator <= high.numerator * denominator;
+}
+
+void CheckScale(const Fraction& scale, int downsample, const char* along) {
+    if (!IsWithin(scale, {1, kMostDownsample}, {1, 1})) {
+        Refuse(fmt::format("the scale along {} is {}/{}; it must be from 1/{} to 1, of whole numbers from 1 to {}",
+                           along, scale.numerator, scale.denominator, kMostDownsample, kMostFraction));
+    }
+    if (static_cast<std::int64_t>(scale.numerator) * kMostDownsample <
+        static_cast<std::int64_t>(scale.denominator) * downsample) {
+        Refuse(fmt::format("the scale along {} is {}/{} and downsample is {}; their product must be 1/{} or more",
+                           along, scale.numerator, scale.denominator, downsample, kMostDownsample));
+    }
+}
+
+void CheckResolution(const FrameOptions& options) {
+    if (options.downsample < 1 || options.downsample > kMostDownsample) {
+        Refuse(fmt::format("downsample is {}; it must be from 1 to {}", options.downsample, kMostDownsample));
+    }
+    CheckScale(options.scaleX, options.downsample, "x");
+    CheckScale(options.scaleY, options.downsample, "y");
+    const Fraction& aspect = options.pixelAspect;
+    if (!IsWithin(aspect, {1, kMostAspect}, {kMostAspect, 1})) {
+        Refuse(fmt::format("the pixel aspect ratio is {}/{}; it must be from 1/{} to {}, of whole numbers from 1 to {}",
+                           aspect.numerator, aspect.denominator, kMostAspect, kMostAspect, kMostFraction));
+    }
+}
+
+/// In lowest terms: equal resolutions are one to the effect.
+PF_RationalScale RationalOf(const Fraction& fraction) {
+    const int common = std::gcd(fraction.numerator, fraction.denominator);
+    return {fraction.numerator / common, static_cast<A_u_long>(fraction.denominator / common)};
+}
+
+/// The layer's full size along one side.
+int FullSize(int asked, int given, const Fraction& scale, int downsample) {
+    if (asked != 0) return asked;
+    const double full = static_cast<double>(given) * downsample * scale.denominator / scale.numerator;
+    return static_cast<int>(std::lround(full));
+}
+
+World Made(World world, int width, int height, Depth depth, const char* what) {
+    if (world.IsNull()) Throw(NotEnoughMemory(what, width, height, depth));
+    return world;
+}
+
 World MakeWorld(const ImageView& view, Depth depth, const char* what) {
     Need(CheckView(view, what));
-    World world = WorldOf(view, depth);
-    if (world.IsNull()) Throw(NotEnoughMemory(what, view.width, view.height, depth));
-    return world;
+    return Made(WorldOf(view, depth), view.width, view.height, depth, what);
+}
+
+World MakeBlank(int width, int height, Depth depth, const char* what) {
+    return Made(World::CreateWithoutPixels(width, height, depth), width, height, depth, what);
+}
+
+bool HasTexture(const FrameOptions& options) {
+    const ImageView& texture = options.texture;
+    return texture.pixels || texture.width != 0 || texture.height != 0;
 }
 
 }  // namespace
 
 void CheckOptions(const FrameOptions& options) {
-    if (options.downsample < 1 || options.downsample > kMostDownsample) {
-        Refuse(fmt::format("downsample is {}; it must be from 1 to {}", options.downsample, kMostDownsample));
-    }
+    CheckResolution(options);
     if (options.layerWidth < 0 || options.layerHeight < 0) {
         Refuse(fmt::format("the layer's full size is {} x {}; it cannot be below 0", options.layerWidth,
                            options.layerHeight));
@@ -83,22 +146,46 @@ void CheckOptions(const FrameOptions& options) {
     }
 }
 
+AnimationClock ClockOf(const FrameOptions& options) {
+    return {static_cast<double>(options.rate.frames) / options.rate.seconds, options.zeroFrame};
+}
+
+void CheckViews(const ImageView& layer, const FrameOptions& options) {
+    Need(CheckView(layer, kLayer));
+    if (HasTexture(options)) Need(CheckView(options.texture, kTexture));
+}
+
+void CheckSizes(int width, int height, const FrameOptions& options) {
+    Need(CheckSize(width, height, kLayer));
+    if (HasTexture(options)) Need(CheckSize(options.texture.width, options.texture.height, kTexture));
+}
+
 Layers LayersOf(const ImageView& layer, const FrameOptions& options) {
     Layers layers;
-    layers.layer = MakeWorld(layer, DepthOf(layer.format), "the layer");
-    const ImageView& texture = options.texture;
-    if (texture.pixels || texture.width != 0 || texture.height != 0) {
-        layers.texture = MakeWorld(texture, DepthOf(layer.format), "the texture");
+    const Depth depth = DepthOf(layer.format);
+    layers.layer = MakeWorld(layer, depth, kLayer);
+    if (HasTexture(options)) layers.texture = MakeWorld(options.texture, depth, kTexture);
+    return layers;
+}
+
+Layers BlankLayersOf(int width, int height, Depth depth, const FrameOptions& options) {
+    Layers layers;
+    layers.layer = MakeBlank(width, height, depth, kLayer);
+    if (HasTexture(options)) {
+        layers.texture = MakeBlank(options.texture.width, options.texture.height, depth, kTexture);
     }
     return layers;
 }
 
 FrameRequest RequestOf(const Layers& layers, const FrameOptions& options, const ParamSet& params) {
     const MomentLayers worlds{&layers.layer,
-                              options.layerWidth ? options.layerWidth : layers.layer.Width() * options.downsample,
-                              options.layerHeight ? options.layerHeight : layers.layer.Height() * options.downsample,
+                              FullSize(options.layerWidth, layers.layer.Width(), options.scaleX, options.downsample),
+                              FullSize(options.layerHeight, layers.layer.Height(), options.scaleY, options.downsample),
                               layers.texture.IsNull() ? nullptr : &layers.texture};
-    const FrameSettings settings{options.downsample, CanvasOf(options.canvas), options.textureX, options.textureY};
+    FrameSettings settings{options.downsample, CanvasOf(options.canvas), options.textureX, options.textureY};
+    settings.scaleX = RationalOf(options.scaleX);
+    settings.scaleY = RationalOf(options.scaleY);
+    settings.pixelAspect = RationalOf(options.pixelAspect);
     return MakeFrameRequest(worlds, settings, TimeOf(options), &params);
 }
 

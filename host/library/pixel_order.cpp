@@ -51,6 +51,12 @@ Depth DepthOf(PixelFormat format) {
     return format == PixelFormat::kRgba8 ? Depth::k8 : Depth::k32;
 }
 
+Result<Done> CheckSize(int width, int height, const std::string& what) {
+    if (width >= 0 && height >= 0 && width <= PF_MAX_WORLD_WIDTH && height <= PF_MAX_WORLD_HEIGHT) return Done{};
+    return Failure{ErrorKind::kUsage, fmt::format("{} is {} x {} pixels; its sides must be from 0 to {}", what, width,
+                                                  height, PF_MAX_WORLD_WIDTH)};
+}
+
 Result<Done> CheckView(const ImageView& view, const std::string& what) {
     const auto wrong = [&](const std::string& reason) {
         return Failure{ErrorKind::kUsage, fmt::format("{} {}", what, reason)};
@@ -59,10 +65,7 @@ Result<Done> CheckView(const ImageView& view, const std::string& what) {
         return wrong(
             fmt::format("has the pixel format {}; it must be kRgba8 or kRgbaFloat", static_cast<int>(view.format)));
     }
-    if (view.width < 0 || view.height < 0 || view.width > PF_MAX_WORLD_WIDTH || view.height > PF_MAX_WORLD_HEIGHT) {
-        return wrong(fmt::format("is {} x {} pixels; its sides must be from 0 to {}", view.width, view.height,
-                                 PF_MAX_WORLD_WIDTH));
-    }
+    TRY(CheckSize(view.width, view.height, what));
     if (view.width == 0 || view.height == 0) return Done{};
     if (!view.pixels) return wrong(fmt::format("is {} x {} pixels, but its pixels are null", view.width, view.height));
     const auto least = static_cast<std::ptrdiff_t>(static_cast<std::size_t>(view.width) * BytesPerPixel(view.format));

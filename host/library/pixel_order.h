@@ -16,6 +16,9 @@ namespace umbrant::host {
 /// The world's depth for a format.
 Depth DepthOf(umbrant::PixelFormat format);
 
+/// Whether an image can have this size. `what` ("the layer") begins the sentence. Fails with `ErrorKind::kUsage`.
+Result<Done> CheckSize(int width, int height, const std::string& what);
+
 /// Whether a view's pixels can be reached. `what` ("the layer") begins the sentence. Fails with `ErrorKind::kUsage`.
 Result<Done> CheckView(const umbrant::ImageView& view, const std::string& what);
 

@@ -11,6 +11,7 @@
 #include <string>
 #include <utility>
 
+#include "host/library/render_worker.h"
 #include "host/module/module.h"
 #include "host/process/fork_lock.h"
 #include "host/session/effect_session.h"
@@ -27,14 +28,20 @@ struct LoadedModule {
     ForkLock mutex{ForkRank::kModule};
 };
 
-/// A set-up of a module: the instance that all others are made from.
+/// A set-up of a module: the instance that all others are made from. What may use OpenGL is done on threads of its own:
+/// set-up, set-down and frames by OpenGL.
 struct SharedModule {
-    SharedModule(std::shared_ptr<LoadedModule> of, EffectSession session)
-        : loaded(std::move(of)), root(std::move(session)) {}
+    SharedModule(std::shared_ptr<LoadedModule> of, EffectSession session, UMBRANT_Renderer renderer)
+        : loaded(std::move(of)), usesOpenGL(renderer != UMBRANT_Renderer_PROCESSOR), root(std::move(session)) {}
+    ~SharedModule();
+    SharedModule(const SharedModule&) = delete;
+    SharedModule& operator=(const SharedModule&) = delete;
 
     const std::shared_ptr<LoadedModule> loaded;
+    const bool usesOpenGL;
     EffectSession root;
     bool drawsOnThreads = false;
+    RenderWorker worker;  ///< the last, so that its context goes before the module does
 };
 
 /// What an effect was asked to be made with.
@@ -53,6 +60,10 @@ class SharedInstance {
     ~SharedInstance();
     SharedInstance(SharedInstance&&) noexcept = default;
     SharedInstance& operator=(SharedInstance&&) = delete;
+
+    /// Draws a frame: by OpenGL on the set-up's thread, otherwise on the calling one. Fails as EffectSession::Render
+    /// and RenderWorker::Run do, and with `ErrorKind::kEffect` for OpenGL in a child of a process that has used it.
+    Result<Frame> Render(const FrameRequest& request);
 
     SharedModule& Shared() const { return *shared_; }
     EffectSession& Session() { return *session_; }

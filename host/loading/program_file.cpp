@@ -13,6 +13,8 @@ std::filesystem::path& StandIn() {
     static std::filesystem::path& program = *new std::filesystem::path;
     return program;
 }
+// A child of fork() would wait forever for a thread of its parent that was creating it.
+[[maybe_unused]] const std::filesystem::path& earlyStandIn = StandIn();
 
 }  // namespace
 

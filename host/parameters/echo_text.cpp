@@ -31,4 +31,8 @@ std::string EchoText(std::string_view text) {
     return echo;
 }
 
+std::string RowLabel(const ParamRow& row) {
+    return row.path.empty() ? fmt::format("#{}", row.index) : fmt::format("'{}'", row.path);
+}
+
 }  // namespace umbrant::host

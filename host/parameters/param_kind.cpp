@@ -7,6 +7,9 @@
 #include <cmath>
 #include <limits>
 
+#include "host/parameters/float_color.h"
+#include "hostapi/limits.h"
+
 namespace umbrant::host {
 
 namespace {
@@ -208,7 +211,7 @@ void SetNumbers(ParamRow& row, const ParamNumbers& numbers) {
             u.bd.value = values[0] != 0 ? 1 : 0;
             break;
         case ParamKind::kColor:
-            u.cd.value = {255, Channel(values[0]), Channel(values[1]), Channel(values[2])};
+            SetByteColor(row.def, {PF_MAX_CHAN8, Channel(values[0]), Channel(values[1]), Channel(values[2])});
             break;
         case ParamKind::kPoint:
             row.point = LayerPoint{within(values[0], -kFixedLimit, kFixedLimit),

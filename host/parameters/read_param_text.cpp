@@ -18,7 +18,9 @@
 #include "host/parameters/param_kind.h"
 #include "host/parameters/param_path.h"
 #include "host/parameters/param_set.h"
+#include "host/parameters/set_row.h"
 #include "host/parameters/value_text.h"
+#include "hostapi/limits.h"
 
 namespace umbrant::host {
 
@@ -41,13 +43,8 @@ std::optional<double> Number(std::string_view text) {
     return value;
 }
 
-/// What a person calls a row in a sentence: its path, else its index.
-std::string Label(const ParamRow& row) {
-    return row.path.empty() ? fmt::format("#{}", row.index) : fmt::format("'{}'", row.path);
-}
-
 Failure Wrong(const ParamRow& row, const std::string& reason) {
-    return {ErrorKind::kUsage, fmt::format("{} {}", Label(row), reason)};
+    return {ErrorKind::kUsage, fmt::format("{} {}", RowLabel(row), reason)};
 }
 
 Failure NotANumber(const ParamRow& row, std::string_view text, std::string_view wanted) {
@@ -170,7 +167,7 @@ Result<Done> SetColor(ParamRow& row, std::string_view text) {
     const std::optional<std::uint32_t> value = ColorOf(Trimmed(text));
     if (!value) return NotANumber(row, text, "a colour as #rrggbb, #rgb or a CSS name");
     const auto channel = [&](int shift) { return static_cast<A_u_char>(*value >> shift & 0xFF); };
-    row.def.u.cd.value = {255, channel(16), channel(8), channel(0)};
+    SetByteColor(row.def, {PF_MAX_CHAN8, channel(16), channel(8), channel(0)});
     return Done{};
 }
 
@@ -247,7 +244,9 @@ const char* Unsettable(ParamKind kind) {
     }
 }
 
-Result<Done> SetRow(ParamRow& row, std::string_view text) {
+}  // namespace
+
+Result<Done> SetRowFromText(ParamRow& row, std::string_view text) {
     const ParamKind kind = KindOf(row.def);
     if (const char* reason = Unsettable(kind)) return Wrong(row, reason);
     switch (kind) {
@@ -270,11 +269,23 @@ Result<Done> SetRow(ParamRow& row, std::string_view text) {
     }
 }
 
-}  // namespace
+Result<Done> SetRowColor(ParamRow& row, const FloatColor& color) {
+    if (KindOf(row.def) != ParamKind::kColor) {
+        return Wrong(row, fmt::format("is a {} and takes no colour", ParamTypeName(row.def.param_type)));
+    }
+    for (const float channel : {color.red, color.green, color.blue}) {
+        // Written so that not-a-number is outside.
+        if (channel >= -kColorLimit && channel <= kColorLimit) continue;
+        return Wrong(row, fmt::format("takes channels from -{0} to {0}, not {1},{2},{3}", kColorLimit, color.red,
+                                      color.green, color.blue));
+    }
+    SetFloatColor(row.def, color);
+    return Done{};
+}
 
 Result<Done> ParamSet::SetFromText(std::string_view path, std::string_view text) {
     const int index = TRY(Find(path));
-    return SetRow(rows_[static_cast<std::size_t>(index)], text);
+    return SetRowFromText(rows_[static_cast<std::size_t>(index)], text);
 }
 
 }  // namespace umbrant::host

@@ -9,6 +9,7 @@
 
 #include "host/parameters/param_kind.h"
 #include "host/parameters/param_set.h"
+#include "host/parameters/set_row.h"
 #include "host/parameters/value_text.h"
 
 namespace umbrant::host {
@@ -66,8 +67,12 @@ std::string Text(const ParamRow& row, bool current) {
 
 }  // namespace
 
+std::string ValueTextOf(const ParamRow& row) {
+    return Text(row, true);
+}
+
 std::string ParamSet::ValueText(int index) const {
-    return Text(Row(index), true);
+    return ValueTextOf(Row(index));
 }
 
 std::string ParamSet::DefaultText(int index) const {

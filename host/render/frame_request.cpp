@@ -7,16 +7,27 @@
 
 namespace umbrant::host {
 
+namespace {
+
+A_long Downsampled(double length, const PF_RationalScale& scale) {
+    return static_cast<A_long>(std::lround(length * scale.num / scale.den));
+}
+
+}  // namespace
+
 FrameRequest MakeFrameRequest(const MomentLayers& layers, const FrameSettings& settings, const FrameTime& time,
                               const ParamSet* params) {
     FrameRequest request;
     request.layer = layers.layer;
     request.layerWidth = layers.layerWidth;
     request.layerHeight = layers.layerHeight;
-    request.downsampleX = request.downsampleY = {1, static_cast<A_u_long>(settings.downsample)};
+    const auto n = static_cast<A_u_long>(settings.downsample);
+    request.downsampleX = {settings.scaleX.num, settings.scaleX.den * n};
+    request.downsampleY = {settings.scaleY.num, settings.scaleY.den * n};
+    request.pixelAspect = settings.pixelAspect;
     request.texture = layers.texture;
-    request.textureOrigin.x = static_cast<A_long>(std::lround(settings.textureX / settings.downsample));
-    request.textureOrigin.y = static_cast<A_long>(std::lround(settings.textureY / settings.downsample));
+    request.textureOrigin.x = Downsampled(settings.textureX, request.downsampleX);
+    request.textureOrigin.y = Downsampled(settings.textureY, request.downsampleY);
     request.canvas = settings.canvas;
     request.time = time.time;
     request.timeStep = time.step;

@@ -15,6 +15,10 @@ struct FrameSettings {
     Canvas canvas = Canvas::kGrow;  ///< what the effect is asked for
     double textureX = 0;            ///< the texture's left edge, in pixels of the full-size layer
     double textureY = 0;            ///< its top edge
+    /// The resolution along each side, for what is not an n-th; multiplied by 1/`downsample`. Not above 1.
+    PF_RationalScale scaleX{1, 1};
+    PF_RationalScale scaleY{1, 1};
+    PF_RationalScale pixelAspect{1, 1};  ///< a pixel's width over its height
 };
 
 /// A frame's time in the units of the effect's clock.

@@ -34,7 +34,6 @@ PF_InData InDataFor(SessionState& state, FrameRecord* frame) {
     in.global_data = state.globalData;
     in.sequence_data = state.sequenceData;
     in.pica_basicP = state.options.offerSuites ? &basicSuite : nullptr;
-    in.pixel_aspect_ratio = {1, 1};
     in.in_flags = PF_InFlag_NONE;
 
     const FrameRequest defaults;
@@ -42,6 +41,7 @@ PF_InData InDataFor(SessionState& state, FrameRecord* frame) {
     const LayerGeometry geometry = frame ? frame->layers.geometry : state.PanelGeometry();
     in.quality = request.quality;
     in.field = request.field;
+    in.pixel_aspect_ratio = request.pixelAspect;
     in.current_time = request.time;
     in.time_step = request.timeStep;
     in.local_time_step = request.timeStep;

@@ -105,6 +105,7 @@ struct FrameRequest {
     int layerHeight = 0;
     PF_RationalScale downsampleX{1, 1};
     PF_RationalScale downsampleY{1, 1};
+    PF_RationalScale pixelAspect{1, 1};  ///< a pixel's width over its height
     /// The picture that every layer parameter of the effect is set to, at the layer's depth; null for none.
     const World* texture = nullptr;
     PF_Point textureOrigin{};  ///< its top-left, in downsampled pixels of the layer

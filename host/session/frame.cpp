@@ -133,6 +133,7 @@ std::optional<Failure> SendRender(FrameRecord& frame, void* preRenderData, const
     }
     frame.output.Def().origin_x = rect.left;
     frame.output.Def().origin_y = rect.top;
+    frame.output.Def().pix_aspect_ratio = frame.request.pixelAspect;
 
     const WorldWatch& watch = frame.state.services.worldWatch;
     if (watch) watch(frame.output, WorldRole::kOutput, true);

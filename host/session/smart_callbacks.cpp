@@ -54,7 +54,7 @@ PF_Err CheckoutLayer(PF_ProgPtr effectRef, PF_ParamIndex index, A_long id, const
     *result = {};
     result->result_rect = checkout.rect;
     result->max_result_rect = bounds;
-    result->par = {1, 1};
+    result->par = frame->request.pixelAspect;
     result->ref_width = layers->geometry.width;
     result->ref_height = layers->geometry.height;
     if (checkout.isTexture) {
@@ -108,6 +108,7 @@ PF_Err CheckoutLayerPixels(PF_ProgPtr effectRef, A_long id, PF_EffectWorld** pix
         const PF_Point origin = found->isTexture ? request.textureOrigin : PF_Point{};
         const PF_Err error = CropTo(found->rect, *found->world, origin, found->pixels);
         if (error) return error;
+        found->pixels.Def().pix_aspect_ratio = request.pixelAspect;
         Watch(*frame, found->pixels, found->isTexture ? WorldRole::kTexture : WorldRole::kInput, true);
         *pixels = &found->pixels.Def();
     }

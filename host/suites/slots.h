@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <type_traits>
 
 #include "host/accounting/event_log.h"
@@ -25,11 +26,23 @@ struct FixedText {
     }
 };
 
-/// "table.call".
+template <std::size_t N, std::size_t M>
+constexpr FixedText<N + M> Dotted(const FixedText<N>& table, const FixedText<M>& call) {
+    char text[N + M]{};
+    for (std::size_t i = 0; i + 1 < N; ++i) text[i] = table.text[i];
+    text[N - 1] = '.';
+    for (std::size_t i = 0; i < M; ++i) text[N + i] = call.text[i];
+    return text;
+}
+
 template <FixedText Table, FixedText Call>
-const std::string& CallName() {
-    static const std::string name = std::string(Table.text) + "." + Call.text;
-    return name;
+inline constexpr FixedText kCallName = Dotted(Table, Call);
+
+/// "table.call". A constant: for a static object of a function, a child of fork() would wait forever if a thread of its
+/// parent was creating it.
+template <FixedText Table, FixedText Call>
+constexpr std::string_view CallName() {
+    return kCallName<Table, Call>.text;
 }
 
 /// What a call that could not be made returns: the error where it returns one, else zero or null.
@@ -48,8 +61,10 @@ auto Refusal([[maybe_unused]] PF_Err error) {
 class EventScope {
  public:
     template <typename... A>
-    explicit EventScope(const std::string& callee, const A&... arguments) : log_(CurrentEventLog()) {
-        if (log_) sequence_ = log_->Begin(false, CurrentCommandEvent(), callee, ValuesOf(false, arguments...));
+    explicit EventScope(std::string_view callee, const A&... arguments) : log_(CurrentEventLog()) {
+        if (log_) {
+            sequence_ = log_->Begin(false, CurrentCommandEvent(), std::string(callee), ValuesOf(false, arguments...));
+        }
     }
     EventScope(const EventScope&) = delete;
     EventScope& operator=(const EventScope&) = delete;
@@ -78,7 +93,7 @@ class Missing {
 
     template <typename R>
     static R Refuse() {
-        Report(CallName<Table, Call>() + " was called, which this host does not implement");
+        Report(std::string(CallName<Table, Call>()) + " was called, which this host does not implement");
         return static_cast<R>(Refusal<R>(PF_Err_INVALID_CALLBACK));
     }
     template <typename R, typename... A>
@@ -110,7 +125,7 @@ class Served {
 
     template <typename R, typename... A>
     static R Answer(A... arguments) {
-        const std::string& name = CallName<Table, Call>();
+        constexpr std::string_view name = CallName<Table, Call>();
         EventScope event(name, arguments...);
         try {
             if (const PF_Err fault = FaultOf(name)) {
@@ -124,7 +139,7 @@ class Served {
                 return event.Return(Function(arguments...), arguments...);
             }
         } catch (...) {
-            Report(name + " failed inside the host");
+            Report(std::string(name) + " failed inside the host");
             return static_cast<R>(event.Return(Refusal<R>(PF_Err_OUT_OF_MEMORY), arguments...));
         }
     }

@@ -35,7 +35,7 @@ EXPECTED = {
     "share/doc/umbrant/changelog",
     "share/doc/umbrant/changelog.Debian",
     f"{LIBDIR}/libumbrant_host.a",
-    *(f"include/umbrant/{name}.h" for name in ("effect", "error", "export", "image", "parameter")),
+    *(f"include/umbrant/{name}.h" for name in ("effect", "error", "export", "image", "parameter", "values")),
     *(f"{LIBDIR}/cmake/umbrant_host/{name}" for name in (
         "umbrant_host-config.cmake", "umbrant_host-config-version.cmake", "umbrant_host-targets.cmake")),
     f"{LIBDIR}/pkgconfig/umbrant_host.pc",

@@ -7,6 +7,8 @@
 
 #include <algorithm>
 
+#include "cpu/coarse/decimation.h"
+#include "cpu/coarse/spline.h"
 #include "cpu/kernels/kernels.h"
 #include "cpu/shadows.h"
 #include "cpu/thread_pool.h"
@@ -29,7 +31,16 @@ Region Something(const AlphaPlane& source) {
     return WorksEverywhere() ? WholeRegion(source.width, source.height) : FindBounds(source);
 }
 
-const bool watchingForks = (OnFork(ForgetPoolInChild), true);
+// Creates the static objects of functions: a child of fork() would wait forever for a thread of its parent that was
+// creating them.
+bool PrepareForForks() {
+    OnFork(ForgetPoolInChild);
+    BestKernels();
+    QuinticFilter();
+    DrawsExactly();
+    return true;
+}
+const bool watchingForks = PrepareForForks();
 
 }  // namespace
 

@@ -35,6 +35,20 @@ constexpr Shape kShapes[] = {
     {"float", 7, 4, Depth::k32, 16, PF_PixelFormat_ARGB128, PF_WorldFlag_WRITEABLE},
 };
 
+TEST(World, OneWithoutPixelsHasASizeAndNoMemory) {
+    const World world = World::CreateWithoutPixels(30000, 20000, Depth::k32);
+    ASSERT_FALSE(world.IsNull());
+    EXPECT_EQ(world.Width(), 30000);
+    EXPECT_EQ(world.Height(), 20000);
+    EXPECT_EQ(world.PixelDepth(), Depth::k32);
+    EXPECT_EQ(world.Memory().Size(), 0u);
+    EXPECT_EQ(world.Def().data, nullptr);
+    EXPECT_EQ(world.Row(0), nullptr);
+    // A host function that is handed its record finds no pixels in it.
+    EXPECT_EQ(PixelFormatOf(world.Def()), PF_PixelFormat_INVALID);
+    EXPECT_TRUE(World::CreateWithoutPixels(-1, 5, Depth::k8).IsNull());
+}
+
 TEST(World, RecordDescribesThePixels) {
     for (const Shape& shape : kShapes) {
         SCOPED_TRACE(shape.name);

@@ -9,6 +9,7 @@
 #include <umbrant/parameter.h>
 #include <umbrant/export.h>
 #include <umbrant/error.h>
+#include <umbrant/values.h>
 #include <umbrant/effect.h>
 #include <umbrant/effect.h>
 // clang-format on
@@ -23,4 +24,16 @@ umbrant::Image DrawOnce(const std::uint8_t* pixels, int width, int height) {
     effect.Set("style/distance", 80);
     effect.Set("style/shadow-type", "inner");
     return effect.Render({pixels, width, height});
+}
+
+/// The forms of calls that were there before others were added still mean the same.
+umbrant::Rectangle PlaceOnce(const umbrant::Effect& effect, const std::uint8_t* pixels) {
+    umbrant::Values values = effect.CurrentValues();
+    values.Set(17, 80);
+    values.Set("style/color", umbrant::Color{2.5f, 0, 1});
+    const umbrant::FrameOptions options{umbrant::Canvas::kLayer};
+    effect.Render({pixels, 4, 3}, values, options);
+    effect.Place({});
+    effect.Place({pixels, 4, 3}, {umbrant::Canvas::kLayer});
+    return effect.Place(4, 3, values, {umbrant::Canvas::kGrow});
 }

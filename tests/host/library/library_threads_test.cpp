@@ -85,6 +85,31 @@ TEST(LibraryThreads, OneEffectDrawsOnAllOfThem) {
     EXPECT_EQ(different, 0u);
 }
 
+TEST(LibraryThreads, OneEffectDrawsDifferentValuesOnAllOfThem) {
+    const auto layer = Disc8(57, 43);
+    const Effect effect = RealEffect();
+    std::vector<umbrant::Values> values;
+    std::vector<Image> alone;
+    for (int i = 0; i < kThreads; ++i) {
+        values.push_back(effect.CurrentValues());
+        values.back().Set("style/distance", 5 + 7 * i);
+        values.back().Set("style/color", umbrant::Color{0.2f * static_cast<float>(i), 0.5f, 1});
+        alone.push_back(effect.Render(layer.View(), values.back()));
+        EXPECT_EQ(DifferentBytes(alone.back(), alone.front()) == 0, i == 0);
+    }
+    std::atomic<std::size_t> different = 0;
+    OnThreads([&](int i) {
+        for (int frame = 0; frame < kFrames; ++frame) {
+            // Copies of what other threads read at the same time.
+            const auto mine = static_cast<std::size_t>((i + frame) % kThreads);
+            const umbrant::Values copy = values[mine];
+            different += DifferentBytes(effect.Render(layer.View(), copy), alone[mine]);
+            different += effect.Place(57, 43, values[mine]) != alone[mine].Place();
+        }
+    });
+    EXPECT_EQ(different, 0u);
+}
+
 TEST(LibraryThreads, AFrameHasTheValuesOfItsMoment) {
     const auto layer = Disc8(16, 16);
     Effect effect({TestModule("threaded_painter"), umbrant::Renderer::kAuto, false, {}});

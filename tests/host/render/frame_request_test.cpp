@@ -39,6 +39,23 @@ TEST(FrameRequestBuilder, TakesLayersSettingsAndTime) {
     EXPECT_FALSE(request.region);
 }
 
+TEST(FrameRequestBuilder, ScalesAreMultipliedAndPlaceTheTexture) {
+    const World layer = World::Create(6, 4, Depth::k8);
+    FrameSettings settings{2, Canvas::kGrow, 30, -30};
+    settings.scaleX = {2, 3};
+    settings.scaleY = {1, 5};
+    settings.pixelAspect = {64, 45};
+    const FrameRequest request = MakeFrameRequest({&layer, 18, 40}, settings, {}, nullptr);
+    EXPECT_EQ(request.downsampleX.num, 2);
+    EXPECT_EQ(request.downsampleX.den, 6u);
+    EXPECT_EQ(request.downsampleY.num, 1);
+    EXPECT_EQ(request.downsampleY.den, 10u);
+    EXPECT_EQ(request.textureOrigin.x, 10);
+    EXPECT_EQ(request.textureOrigin.y, -3);
+    EXPECT_EQ(request.pixelAspect.num, 64);
+    EXPECT_EQ(request.pixelAspect.den, 45u);
+}
+
 TEST(FrameRequestBuilder, NoTextureAndTheSessionsValues) {
     const World layer = World::Create(6, 4, Depth::k8);
     const FrameRequest request = MakeFrameRequest({&layer, 6, 4}, {}, {}, nullptr);
