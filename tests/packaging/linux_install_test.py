@@ -23,6 +23,7 @@ EXPECTED = {
     "bin/umbrant",
     f"{LIBDIR}/umbrant/umbrant2.so",
     f"{LIBDIR}/umbrant/umbrant_drawing.so",
+    f"{LIBDIR}/umbrant/umbrant_http.so",
     f"{LIBDIR}/umbrant/umbrant_images.so",
     f"{LIBDIR}/umbrant/umbrant_shim.so",
     f"{LIBDIR}/umbrant/umbrant2.waivers.json",
