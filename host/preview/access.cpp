@@ -5,6 +5,8 @@
 
 #include <fmt/format.h>
 
+#include <charconv>
+#include <cstdint>
 #include <nlohmann/json.hpp>
 #include <random>
 #include <utility>
@@ -24,6 +26,9 @@ bool IsSame(std::string_view one, std::string_view other) {
     }
     return different == 0;
 }
+
+/// Messages of the page have a few kilobytes; only an image is large.
+constexpr std::uint64_t kMostMessageBytes = std::uint64_t{1} << 20;
 
 }  // namespace
 
@@ -73,11 +78,27 @@ std::optional<HttpReply> Access::Check(const HttpRequest& request) const {
     if (request.method != "GET" && request.method != "POST") {
         return Refusal(405, "Only GET and POST are known here.");
     }
+    return CheckBody(request);
+}
+
+std::optional<HttpReply> Access::CheckBody(const HttpRequest& request) const {
     if (!request.Header("content-encoding").empty()) {
         return Refusal(415, "A compressed body is not accepted; send the file as it is.");
     }
-    if (request.method == "POST" && request.Header("content-length").empty()) {
+    const std::string& text = request.Header("content-length");
+    // A body in chunks has no length that could be checked.
+    if (!request.Header("transfer-encoding").empty() || (request.method == "POST" && text.empty())) {
         return Refusal(411, "The request does not say how long its body is.");
+    }
+    std::uint64_t length = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), length);
+    if (!text.empty() && (end != text.data() + text.size() || error == std::errc::invalid_argument)) {
+        return Refusal(400, "The length of the request's body is not a number.");
+    }
+    const std::uint64_t most = PathOf(request) == "layer" ? kMostUploadBytes : kMostMessageBytes;
+    if (error == std::errc::result_out_of_range || length > most) {
+        return Refusal(413,
+                       fmt::format("The body is larger than {} MiB; `umbrant render` draws larger files.", most >> 20));
     }
     return std::nullopt;
 }

@@ -5,6 +5,7 @@
 // Who may use a preview's server: its own page alone. A page of somebody else's must not reach it, neither by its
 // address nor under a name that leads to this machine.
 
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
@@ -13,6 +14,9 @@
 #include "host/http/http_server.h"
 
 namespace umbrant::host {
+
+/// The most bytes of an image that the page sends.
+constexpr std::uint64_t kMostUploadBytes = std::uint64_t{256} << 20;
 
 /// A random token of 32 hexadecimal digits.
 std::string NewToken();
@@ -36,6 +40,8 @@ class Access {
     std::string_view PathOf(const HttpRequest& request) const;
 
  private:
+    std::optional<HttpReply> CheckBody(const HttpRequest& request) const;
+
     const std::string token_;
     const std::string host_;
 };

@@ -43,7 +43,7 @@ Result<Done> CheckSize(const std::string& name, const Picture& header) {
     if (std::max(frame, window) <= kMostPixels) return Done{};
     return Failure{
         ErrorKind::kFile,
-        fmt::format("cannot preview {}: it has {} x {} pixels, more than {} million; `umbrant render` draws it", name,
+        fmt::format("cannot preview '{}': it has {} x {} pixels, more than {} million; `umbrant render` draws it", name,
                     header.frameWidth, header.frameHeight, kMostPixels / 1'000'000)};
 }
 
@@ -68,7 +68,7 @@ Result<const World*> PreviewLayer::At(Depth depth, int downsample) {
 }
 
 Result<std::shared_ptr<PreviewLayer>> LayerStore::AddBytes(const std::string& name, const std::string& bytes) {
-    if (bytes.empty()) return Failure{ErrorKind::kFile, fmt::format("cannot read {}: the file is empty", name)};
+    if (bytes.empty()) return Failure{ErrorKind::kFile, fmt::format("cannot read '{}': the file is empty", name)};
     const MemoryFile file;
     std::optional<std::string> problem;
     if (file.Descriptor() < 0) {
@@ -76,7 +76,7 @@ Result<std::shared_ptr<PreviewLayer>> LayerStore::AddBytes(const std::string& na
     } else {
         problem = WriteAll(file.Descriptor(), std::as_bytes(std::span(bytes)));
     }
-    if (problem) return Failure{ErrorKind::kInternal, fmt::format("cannot keep {}: {}", name, *problem)};
+    if (problem) return Failure{ErrorKind::kInternal, fmt::format("cannot keep '{}': {}", name, *problem)};
     const auto header = TRY(ReadOpenPictureHeader(file.Descriptor(), name));
     TRY(CheckSize(name, header));
     auto picture = TRY(ReadOpenPicture(file.Descriptor(), name));

@@ -18,8 +18,7 @@
 
 namespace umbrant::host {
 
-/// The limits of an image that the page sends.
-constexpr std::uint64_t kMostUploadBytes = std::uint64_t{256} << 20;
+/// The most pixels of an image.
 constexpr std::int64_t kMostPixels = 40'000'000;
 /// How many images are kept; the one that was used longest ago makes room.
 constexpr std::size_t kMostLayers = 6;

@@ -4,6 +4,9 @@
 /** @typedef {import("./types.js").Layer} Layer */
 /** @typedef {"layer" | "texture" | "backdrop"} Purpose */
 
+/** What the server takes. */
+const MOST_BYTES = 256 * 1024 * 1024;
+
 /** @param {string} id @returns {any} */
 const find = (id) => document.getElementById(id);
 
@@ -37,6 +40,9 @@ export function listenToFiles(connection, state, handlers) {
       picture = URL.createObjectURL(file);
       state.backdrop = "picture";
       return showBackdrop();
+    }
+    if (file.size > MOST_BYTES) {
+      return handlers.failure(`${file.name} is larger than 256 MiB; \`umbrant render\` draws it.`);
     }
     const reply = await connection.post(`layer?name=${encodeURIComponent(file.name || "image")}`, file);
     if ("error" in reply) return handlers.failure(reply.error);
