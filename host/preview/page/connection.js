@@ -25,6 +25,10 @@ export class Connection {
     this.isSending = false;
   }
 
+  get isIdle() {
+    return !this.isSending && !this.waiting && this.client !== 0;
+  }
+
   open() {
     const events = new EventSource("events");
     const on = (/** @type {string} */ kind, /** @type {(data: any) => void} */ handler) =>

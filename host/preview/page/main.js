@@ -87,7 +87,7 @@ function change(values, moving) {
 /** @param {boolean} moving */
 function draw(moving) {
   clearTimeout(restTimer);
-  if (moving) restTimer = setTimeout(() => draw(false), REST);
+  restTimer = moving ? setTimeout(() => draw(false), REST) : 0;
   connection.draw({ moving, ...request() });
   if (!moving) sessionStorage.setItem(STORED, JSON.stringify(state));
 }
@@ -188,5 +188,11 @@ find("copy").addEventListener("click", async () => {
   await navigator.clipboard.writeText(command).then(
     () => status.say("The command was copied."),
     () => status.fail(`The browser does not allow copying; the command: ${command}`));
+});
+// Tests ask whether the last request is answered in full.
+Object.assign(window, {
+  umbrantState: () => ({
+    isSettled: connection.isIdle && !restTimer && stage.shown?.info.serial === connection.serial && !stage.shown.info.draft,
+  }),
 });
 connection.open();
