@@ -173,6 +173,15 @@ function popup(row, change) {
   };
 }
 
+/**
+ * A popup with nothing to choose.
+ * @param {Declared} row
+ * @returns {Control}
+ */
+function readout(row) {
+  return { element: make("div", { className: "control readout", textContent: row.items?.[0] ?? "" }), show() {} };
+}
+
 /** @param {Declared} row @param {Change} change @returns {Control} */
 function check(row, change) {
   const box = make("input", { type: "checkbox" });
@@ -244,7 +253,7 @@ export function makeControl(row, change) {
   switch (row.kind) {
     case "slider": return slider(row, change);
     case "angle": return angle(row, change);
-    case "popup": return popup(row, change);
+    case "popup": return row.items?.length === 1 ? readout(row) : popup(row, change);
     case "check": return check(row, change);
     case "color": return color(row, change);
     case "point": return point(row, change, 2);

@@ -14,8 +14,9 @@ import { Status } from "./status.js";
 
 /** @param {string} id @returns {any} */
 const find = (id) => document.getElementById(id);
-/** How long a control rests before the full frame is drawn, milliseconds. */
-const REST = 150;
+/** How long a control rests before the full frame is drawn, milliseconds: longer where that would delay what follows. */
+const LEAST_REST = 150;
+const MOST_REST = 1000;
 const STORED = `umbrant${location.pathname}`;
 
 /**
@@ -27,6 +28,7 @@ const state = { values: {}, layer: null, texture: null, open: {}, backdrop: "che
 /** @type {import("./types.js").Description | null} */
 let description = null;
 let restTimer = 0;
+let fullFrameTime = 0;
 
 const stage = new Stage(() => {
   handles.place();
@@ -66,6 +68,7 @@ const connection = new Connection({
   },
   frame: (info, pixels) => {
     stage.show(info, pixels);
+    if (!info.draft) fullFrameTime = info.milliseconds;
     status.succeed();
     status.showFrame(info, state.layer);
     handles.place();
@@ -73,10 +76,21 @@ const connection = new Connection({
     Object.assign(window, { umbrantFrame: { info, pixels } });
   },
   failure: ({ sentence, row, gone }) => {
-    if (row) panel.showProblem(row, sentence);
+    if (row) refuse(row, sentence);
     status.fail(sentence, gone);
   },
 });
+
+/**
+ * A value that is refused stays in its field for correction; what is drawn next has the one before.
+ * @param {string} key @param {string} sentence
+ */
+function refuse(key, sentence) {
+  const { text } = panel.current[key] ?? {};
+  if (text === undefined || text === panel.rows.get(key)?.declared.default) delete state.values[key];
+  else state.values[key] = text;
+  panel.showProblem(key, sentence);
+}
 
 /** @param {Record<string, string>} values @param {boolean} moving */
 function change(values, moving) {
@@ -87,7 +101,8 @@ function change(values, moving) {
 /** @param {boolean} moving */
 function draw(moving) {
   clearTimeout(restTimer);
-  restTimer = moving ? setTimeout(() => draw(false), REST) : 0;
+  const rest = Math.min(Math.max(LEAST_REST, fullFrameTime), MOST_REST);
+  restTimer = moving ? setTimeout(() => draw(false), rest) : 0;
   connection.draw({ moving, ...request() });
   if (!moving) sessionStorage.setItem(STORED, JSON.stringify(state));
 }

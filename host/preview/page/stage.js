@@ -54,7 +54,10 @@ export class Stage {
     else this.place();
   }
 
-  /** The layer without the effect. @param {number} width @param {number} height @param {Uint8ClampedArray} pixels */
+  /**
+   * The layer without the effect.
+   * @param {number} width @param {number} height @param {Uint8ClampedArray} pixels
+   */
   showBefore(width, height, pixels) {
     this.before.width = width;
     this.before.height = height;
