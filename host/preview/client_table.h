@@ -25,8 +25,9 @@
 
 namespace umbrant::host {
 
-/// How many pages may be connected at once.
-constexpr std::size_t kMostClients = 8;
+/// How many pages may be connected at once. A browser has no more than six connections to a server; each page keeps
+/// one.
+constexpr std::size_t kMostClients = 5;
 
 /// A drawn frame that a page may fetch.
 struct KeptFrame {

@@ -150,6 +150,7 @@ HttpReply Preview::Post(std::string_view path, const HttpRequest& request) {
     if (path == "layer") return TakeLayer(request);
     if (path == "example") return TakeExample(request.Field("name"));
     if (path == "restart") {
+        engine_.EndModuleThatDraws();
         return OnDrawingThread([this] { return engine_.Restart(); });
     }
     if (path == "press") {

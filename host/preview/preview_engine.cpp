@@ -4,6 +4,7 @@
 #include "host/preview/preview_engine.h"
 
 #include <fmt/format.h>
+#include <signal.h>
 
 #include <algorithm>
 #include <chrono>
@@ -32,6 +33,8 @@ using Json = nlohmann::ordered_json;
 constexpr int kNoLayerWidth = 1920;
 constexpr int kNoLayerHeight = 1080;
 
+constexpr char kEnded[] = "the module did not answer and was ended; start it again";
+
 std::string StraightRgba(const World& world) {
     std::string bytes(std::size_t{4} * world.Width() * world.Height(), '\0');
     char* to = bytes.data();
@@ -52,6 +55,12 @@ HttpReply JsonReply(const Json& json) {
 
 HttpReply Refused(const Failure& failure) {
     return Refusal(failure.kind == ErrorKind::kUsage ? 422 : 500, failure.sentence);
+}
+
+/// The process of an effect that is in another one; else 0.
+int ProcessOf(const PreviewEffect& effect) {
+    const auto* module = dynamic_cast<const ModuleProcess*>(effect.session->Remote());
+    return module ? module->Process() : 0;
 }
 
 /// The time of a single image, as a render has it.
@@ -79,6 +88,7 @@ Result<Done> PreviewEngine::Open(int layerWidth, int layerHeight) {
     auto opened = TRY(options_.open(layerWidth, layerHeight));
     effect_ = std::move(opened);
     defaults_ = effect_->session->Params();
+    NoteProcess(ProcessOf(*effect_));
     layerWidth_ = layerWidth;
     layerHeight_ = layerHeight;
     return Done{};
@@ -93,8 +103,7 @@ Result<Done> PreviewEngine::End() {
 
 bool PreviewEngine::IsGone() {
     if (!effect_) return true;
-    const auto* process = dynamic_cast<const ModuleProcess*>(effect_->session->Remote());
-    if (process && process->Process() == 0) effect_.reset();
+    if (effect_->session->Remote() && ProcessOf(*effect_) == 0) effect_.reset();
     return !effect_;
 }
 
@@ -117,8 +126,10 @@ void PreviewEngine::Draw(const DrawRequest& request) {
     } catch (const std::bad_alloc&) {
         outcome = NotEnoughMemory("the frame");
     }
+    NoteProcess(0);
+    const bool wasEnded = wasEnded_.exchange(false);
     if (outcome) return;
-    Json json{{"serial", request.serial}, {"sentence", outcome.error().sentence}};
+    Json json{{"serial", request.serial}, {"sentence", wasEnded ? std::string(kEnded) : outcome.error().sentence}};
     if (!row_.empty()) json["row"] = row_;
     if (IsGone()) json["gone"] = true;
     clients_.Send(request.client, "failure", Bytes(json));
@@ -127,6 +138,7 @@ void PreviewEngine::Draw(const DrawRequest& request) {
 Result<Done> PreviewEngine::DrawFrame(const DrawRequest& request) {
     row_.clear();
     if (IsGone()) return Failure{ErrorKind::kEffect, "the module is not running; start it again"};
+    NoteProcess(ProcessOf(*effect_));
     std::shared_ptr<PreviewLayer> layer;
     std::shared_ptr<PreviewLayer> texture;
     for (auto [number, found] : {std::pair{request.layer, &layer}, std::pair{request.texture, &texture}}) {
@@ -196,6 +208,7 @@ HttpReply PreviewEngine::Describe() const {
     json["effect"] = effect_ ? effect_->name : "";
     json["rows"] = DeclaredRows(defaults_);
     json["renderArguments"] = options_.renderArguments;
+    json["isolated"] = effect_ && effect_->session->Remote();
     return JsonReply(json);
 }
 
@@ -249,6 +262,19 @@ HttpReply PreviewEngine::Press(const DrawRequest& values, const std::string& but
         if (auto pressed = effect_->session->UserChangedParam(*index); !pressed) return Refused(pressed.error());
     }
     return JsonReply({{"values", ChangedValues(effect_->session->Params())}});
+}
+
+void PreviewEngine::NoteProcess(int process) {
+    const std::lock_guard lock(processMutex_);
+    process_ = process;
+}
+
+void PreviewEngine::EndModuleThatDraws() {
+    const std::lock_guard lock(processMutex_);
+    if (process_ == 0) return;
+    // It leads a group of its own. Whoever waits for its answer learns of its end and removes it.
+    wasEnded_ = true;
+    kill(-process_, SIGKILL);
 }
 
 HttpReply PreviewEngine::Restart() {

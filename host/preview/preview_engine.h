@@ -3,9 +3,11 @@
 #pragma once
 
 // Draws what pages ask for, with one instance of the effect. Its values are those of a request and nothing else, so a
-// frame does not depend on what was drawn before. One thread.
+// frame does not depend on what was drawn before. One thread, except for EndModuleThatDraws.
 
+#include <atomic>
 #include <cstdint>
+#include <mutex>
 #include <optional>
 #include <string>
 
@@ -38,6 +40,8 @@ class PreviewEngine {
     HttpReply DrawRow(int index, bool isLight, int scale);
     /// Presses a button, with these values; the reply has the values that differ from the defaults then.
     HttpReply Press(const DrawRequest& values, const std::string& button);
+    /// Ends the process of a module that draws at this moment, because it does not answer. Any thread.
+    void EndModuleThatDraws();
     /// Sets an effect up again whose process has ended.
     HttpReply Restart();
 
@@ -47,6 +51,8 @@ class PreviewEngine {
     Result<Done> DrawFrame(const DrawRequest& request);
     Result<Drawn> Render(PreviewLayer& layer, PreviewLayer* texture, int downsample);
     void SendFrame(const DrawRequest& request, const PreviewLayer& layer, int downsample, Drawn drawn, double took);
+    /// Notes which process may be ended from now on; 0 for none.
+    void NoteProcess(int process);
     /// Forgets a session whose process has ended. Returns whether there is none.
     bool IsGone();
 
@@ -60,7 +66,10 @@ class PreviewEngine {
     DraftSize draft_;
     std::string row_;  ///< the row whose value was refused last
     std::int64_t frames_ = 0;
-    std::string first_;  ///< the values and layers to begin with, as JSON
+    std::mutex processMutex_;
+    int process_ = 0;
+    std::atomic<bool> wasEnded_{false};  ///< by EndModuleThatDraws
+    std::string first_;                  ///< the values and layers to begin with, as JSON
 };
 
 }  // namespace umbrant::host

@@ -40,9 +40,18 @@ export class Connection {
     on("panel", (data) => this.handlers.panel(data));
     on("frame", (data) => this.fetchFrame(data));
     on("failure", (data) => this.handlers.failure(data));
-    events.onerror = () => {
+    events.onerror = async () => {
       this.client = 0;
       this.handlers.lost();
+      // A stream that is refused is not tried again; why it is, only a request of one's own reports.
+      if (events.readyState !== EventSource.CLOSED) return;
+      const reply = await fetch("events").catch(() => null);
+      if (reply?.ok) {
+        reply.body?.cancel();
+        this.open();
+      } else if (reply) {
+        this.handlers.failure({ sentence: (await reply.json()).error });
+      }
     };
   }
 

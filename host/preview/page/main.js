@@ -17,6 +17,9 @@ const find = (id) => document.getElementById(id);
 /** How long a control rests before the full frame is drawn, milliseconds: longer where that would delay what follows. */
 const LEAST_REST = 150;
 const MOST_REST = 1000;
+/** After how long a request without an answer is shown, and how long a module may be silent, milliseconds. */
+const LONG = 700;
+const TOO_LONG = 15000;
 const STORED = `umbrant${location.pathname}`;
 
 /**
@@ -29,6 +32,7 @@ const state = { values: {}, layer: null, texture: null, open: {}, backdrop: "che
 let description = null;
 let restTimer = 0;
 let fullFrameTime = 0;
+let longTimer = 0;
 
 const stage = new Stage(() => {
   handles.place();
@@ -67,6 +71,7 @@ const connection = new Connection({
     handles.place();
   },
   frame: (info, pixels) => {
+    answered();
     stage.show(info, pixels);
     if (!info.draft) fullFrameTime = info.milliseconds;
     status.succeed();
@@ -76,6 +81,7 @@ const connection = new Connection({
     Object.assign(window, { umbrantFrame: { info, pixels } });
   },
   failure: ({ sentence, row, gone }) => {
+    answered();
     if (row) refuse(row, sentence);
     status.fail(sentence, gone);
   },
@@ -104,7 +110,23 @@ function draw(moving) {
   const rest = Math.min(Math.max(LEAST_REST, fullFrameTime), MOST_REST);
   restTimer = moving ? setTimeout(() => draw(false), rest) : 0;
   connection.draw({ moving, ...request() });
+  waitForAnswer();
   if (!moving) sessionStorage.setItem(STORED, JSON.stringify(state));
+}
+
+/** Shows that a frame takes long, and offers to end a module that does not answer. */
+function waitForAnswer() {
+  if (!state.layer || longTimer) return;
+  longTimer = setTimeout(() => {
+    status.showDrawing();
+    if (!description?.isolated) return;
+    longTimer = setTimeout(() => status.fail("The module has not answered for some time.", true), TOO_LONG);
+  }, LONG);
+}
+
+function answered() {
+  clearTimeout(longTimer);
+  longTimer = 0;
 }
 
 function request() {
@@ -187,6 +209,7 @@ find("reset-all").addEventListener("click", () => {
   draw(false);
 });
 find("restart").addEventListener("click", async () => {
+  status.succeed();
   const reply = await connection.post("restart");
   if ("error" in reply) return status.fail(reply.error, true);
   draw(false);

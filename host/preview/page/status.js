@@ -44,6 +44,10 @@ export class Status {
     find("speed").textContent = `${info.milliseconds.toFixed(info.milliseconds < 10 ? 1 : 0)} ms   ${drawer}${draft}`;
   }
 
+  showDrawing() {
+    find("speed").textContent = "Drawing…";
+  }
+
   showZoom() {
     find("zoom").textContent = `${Math.round(this.stage.view.zoom * 100)} %`;
   }

@@ -67,6 +67,7 @@
  * @property {Record<string, string>} values   that differ from the defaults
  * @property {Layer | null} layer
  * @property {Layer | null} texture
+ * @property {boolean} isolated    the module runs in a process of its own, which can be ended
  * @property {string[]} renderArguments
  */
 

@@ -9,6 +9,7 @@
 
 #include <fstream>
 
+#include "host/preview/client_table.h"
 #include "tests/host/preview/preview_client.h"
 
 namespace umbrant::host {
@@ -145,9 +146,9 @@ TEST_F(PreviewAccess, WrongMessagesGetASentence) {
     EXPECT_EQ(preview_.Get("row?index=12").status, 404);
 }
 
-TEST_F(PreviewAccess, ANinthPageIsRefusedUntilAnotherOneCloses) {
+TEST_F(PreviewAccess, OnePageTooManyIsRefusedUntilAnotherOneCloses) {
     std::vector<std::unique_ptr<Page>> pages;
-    for (int i = 0; i < 8; ++i) {
+    for (std::size_t i = 0; i < kMostClients; ++i) {
         pages.push_back(std::make_unique<Page>(preview_));
         ASSERT_TRUE(pages.back()->IsConnected()) << i;
     }

@@ -200,6 +200,20 @@ TEST_F(PreviewModules, AModuleThatCrashesIsReportedAndCanBeStartedAgain) {
     }
 }
 
+TEST_F(PreviewModules, AModuleThatDoesNotAnswerIsEndedOnRequest) {
+    const RunningPreview preview(folder_, {"in.png", "--module", TestModule("leaver")},
+                                 {"UMBRANT_TEST_LEAVES=render:hang"});
+    Page page(preview);
+    ASSERT_EQ(page.Draw(json::object()), 202);
+    // What was sent before the frame begins has come; the module may not be drawing yet.
+    ASSERT_TRUE(page.Await("panel").is_object());
+    EXPECT_EQ(preview.Post("restart", "").status, 200);
+    const json failure = page.Await("failure");
+    EXPECT_EQ(failure["sentence"], "the module did not answer and was ended; start it again");
+    EXPECT_EQ(failure["gone"], true);
+    EXPECT_EQ(preview.Get("panel").status, 200);
+}
+
 TEST_F(PreviewModules, AnotherModuleIsShownLikeTheOwnOne) {
     const RunningPreview preview(folder_, {"in.png", "--module", TestModule("painter")});
     Page page(preview);
