@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <numeric>
 #include <span>
 
 #include "host/image/encoded_file.h"
@@ -94,7 +95,13 @@ Result<std::shared_ptr<PreviewLayer>> LayerStore::Add(const std::string& name, P
     const std::lock_guard lock(mutex_);
     auto layer = std::make_shared<PreviewLayer>(++last_, name, std::move(picture));
     layers_.push_front(layer);
-    if (layers_.size() > kMostLayers) layers_.pop_back();
+    const auto pixels = [&] {
+        return std::accumulate(layers_.begin(), layers_.end(), 0.0,
+                               [](double sum, const auto& each) { return sum + each->Pixels(); });
+    };
+    while (layers_.size() > kMostLayers || (layers_.size() > 1 && pixels() > static_cast<double>(mostPixels_))) {
+        layers_.pop_back();
+    }
     return layer;
 }
 

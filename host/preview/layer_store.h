@@ -22,6 +22,8 @@ namespace umbrant::host {
 constexpr std::int64_t kMostPixels = 40'000'000;
 /// How many images are kept; the one that was used longest ago makes room.
 constexpr std::size_t kMostLayers = 6;
+/// The most pixels of all that are kept: a layer and a texture of any size.
+constexpr std::int64_t kMostKeptPixels = 2 * kMostPixels;
 
 /// An image in the sizes that it is drawn in. For one thread at a time, except for what is constant.
 class PreviewLayer {
@@ -51,6 +53,8 @@ class PreviewLayer {
 /// Any thread.
 class LayerStore {
  public:
+    explicit LayerStore(std::int64_t mostPixels = kMostKeptPixels) : mostPixels_(mostPixels) {}
+
     /// Keeps an image's file that the page sent. Fails as ReadPicture does, and with `ErrorKind::kFile` when it has
     /// more than kMostPixels, which is found out before they are decoded.
     Result<std::shared_ptr<PreviewLayer>> AddBytes(const std::string& name, const std::string& bytes);
@@ -62,6 +66,7 @@ class LayerStore {
  private:
     Result<std::shared_ptr<PreviewLayer>> Add(const std::string& name, Picture picture);
 
+    const std::int64_t mostPixels_;
     std::mutex mutex_;
     std::list<std::shared_ptr<PreviewLayer>> layers_;  ///< the one that was used last first
     int last_ = 0;

@@ -123,6 +123,18 @@ class Settings(InTheBrowser):
 
 
 class Page(InTheBrowser):
+    def check_pixels(self, page):
+        """What is under the pointer, and the layer without the effect while a key is held."""
+        from selenium.webdriver.common.action_chains import ActionChains
+
+        key(page, "#stage", "s")
+        ActionChains(page.driver).move_to_element_with_offset(page.find("#stage"), 100, 0).perform()
+        self.assertRegex(page.find("#pixel").text, r"^x \d+\s+y \d+\s+R \d+\s+G \d+\s+B \d+\s+A \d+$")
+        ActionChains(page.driver).key_down("b").perform()
+        self.assertEqual(page.run("return getComputedStyle(document.getElementById('after')).visibility"), "hidden")
+        ActionChains(page.driver).key_up("b").perform()
+        self.assertEqual(page.run("return getComputedStyle(document.getElementById('after')).visibility"), "visible")
+
     def test_stage_and_messages(self):
         page = self.open("--renderer", "cpu")
         self.assertTrue(page.find("#empty").is_displayed())
@@ -140,6 +152,8 @@ class Page(InTheBrowser):
         self.assertEqual(page.find("#split").get_attribute("aria-pressed"), "true")
         key(page, "#divider", "ARROW_LEFT")
         self.assertEqual(page.find("#divider").get_attribute("aria-valuenow"), "49")
+
+        self.check_pixels(page)
 
         field = page.find(row("style/distance", "input[type=text]"))
         field.clear()
@@ -166,7 +180,7 @@ class Page(InTheBrowser):
         page = self.open(LAYERS / "card.png", "--module", MODULES / "leaver.so",
                          environment={"UMBRANT_TEST_LEAVES": "render:crash"})  # fmt: skip
         for _ in range(2):
-            page.wait("return !document.getElementById('restart').hidden")
+            page.wait("return ['message', 'restart'].every((id) => !document.getElementById(id).hidden)")
             self.assertIn("crashed with signal 11", page.find("#sentence").text)
             page.find("#restart").click()
 

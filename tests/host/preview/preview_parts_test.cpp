@@ -174,6 +174,20 @@ TEST(LayerStore, KeepsTheImagesThatWereUsedLast) {
     EXPECT_FALSE(layers.Find(2));
 }
 
+TEST(LayerStore, KeepsNoMorePixelsThanItMay) {
+    const Folder folder;
+    const auto file = folder / "one.png";
+    ASSERT_TRUE(WritePicture(file, Filled8(3, 2, {255, 1, 2, 3}), {{0, 0, 3, 2}, 3, 2}));
+    LayerStore two(12);
+    for (int i = 0; i < 3; ++i) ASSERT_TRUE(two.AddFile(file));
+    EXPECT_FALSE(two.Find(1));
+    EXPECT_TRUE(two.Find(2));
+    EXPECT_TRUE(two.Find(3));
+    LayerStore less(1);
+    ASSERT_TRUE(less.AddFile(file));
+    EXPECT_TRUE(less.Find(1)) << "the newest stays in any case";
+}
+
 TEST(LayerStore, RefusesAnImageByItsSizeBeforeItIsDecoded) {
     const Folder folder;
     const auto file = folder / "large.png";
