@@ -20,7 +20,7 @@ namespace umbrant::host {
 namespace {
 
 /// A connection takes a thread while it is open; a page has a stream of events and up to five others.
-constexpr int kThreads = 48;
+constexpr int kThreads = 32;
 /// Seconds for which a connection may wait for its next request, or for the bytes of this one.
 constexpr int kKeepAlive = 5;
 

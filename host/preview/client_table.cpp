@@ -72,12 +72,6 @@ ClientTable::Work ClientTable::Next(const std::optional<std::chrono::millisecond
     }
 }
 
-bool ClientTable::HasNewer(int client) const {
-    const std::lock_guard lock(mutex_);
-    const auto found = clients_.find(client);
-    return found != clients_.end() && found->second.waiting;
-}
-
 void ClientTable::Send(int client, const std::string& kind, const std::string& data) {
     const std::lock_guard lock(mutex_);
     const auto found = clients_.find(client);

@@ -53,8 +53,6 @@ class ClientTable {
     /// Waits for work: tasks first, then the page that has waited longest. The end comes with Stop, or when no page
     /// has been connected for `idle`.
     Work Next(const std::optional<std::chrono::milliseconds>& idle);
-    /// Whether a newer request of the page waits.
-    bool HasNewer(int client) const;
 
     /// Sends an event to a page. An earlier one of the same kind that was not sent yet is replaced.
     void Send(int client, const std::string& kind, const std::string& data);

@@ -225,6 +225,29 @@ TEST_F(PreviewModules, AnotherModuleIsShownLikeTheOwnOne) {
     EXPECT_TRUE(page.Pixels(frame) == RgbaOf(Read(folder_ / "out.png").pixels));
 }
 
+TEST_F(PreviewModules, AModuleThatIsGoneIsReportedUntilItIsBack) {
+    const auto module = folder_ / "module.so";
+    std::filesystem::copy_file(TestModule("leaver"), module);
+    const RunningPreview preview(folder_, {"in.png", "--module", "./module.so"});
+    Page page(preview);
+    ASSERT_EQ(page.Draw(json::object()), 202);
+    EXPECT_TRUE(page.Await("frame").is_object());
+    std::filesystem::rename(module, folder_ / "away.so");
+    // A layer of another size needs a new session.
+    const int layer = preview.Post("example?name=card.png", "").Json()["id"].get<int>();
+    ASSERT_EQ(page.Draw(json::object(), false, layer), 202);
+    const json failure = page.Await("failure");
+    EXPECT_THAT(failure["sentence"].get<std::string>(), HasSubstr("module.so"));
+    EXPECT_EQ(failure["gone"], true);
+    const WireReply restart = preview.Post("restart", "");
+    EXPECT_EQ(restart.status, 500);
+    EXPECT_THAT(restart.Error(), HasSubstr("module.so"));
+    std::filesystem::rename(folder_ / "away.so", module);
+    EXPECT_EQ(preview.Post("restart", "").status, 200);
+    ASSERT_EQ(page.Draw(json::object(), false, layer), 202);
+    EXPECT_TRUE(page.Await("frame").is_object());
+}
+
 TEST_F(PreviewModules, AnErrorOfTheEffectIsShownAndTheSessionGoesOn) {
     const RunningPreview preview(folder_, {"in.png", "--module", TestModule("JudgedFailsAtMaximum")});
     Page page(preview);
