@@ -3,6 +3,8 @@
 
 #include "host/preview/client_table.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 namespace umbrant::host {
@@ -92,7 +94,7 @@ bool ClientTable::TakeEvents(int client, std::string& part) {
     if (isStopped_ || !events()) return false;
     // A comment, by whose failure the server learns that the page is gone.
     part = events()->empty() ? ":\n\n" : "";
-    for (const auto& [kind, data] : *events()) part += "event: " + kind + "\ndata: " + data + "\n\n";
+    for (const auto& [kind, data] : *events()) part += fmt::format("event: {}\ndata: {}\n\n", kind, data);
     events()->clear();
     return true;
 }

@@ -4,10 +4,10 @@
 #include "host/preview/preview_engine.h"
 
 #include <fmt/format.h>
-#include <signal.h>
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <utility>
 
 #include "host/compositing/memory_shortage.h"

@@ -35,7 +35,7 @@ class PreviewEngine {
     /// What a page needs first: the effect, its rows, the values and layers to begin with.
     HttpReply Describe() const;
     /// The layer without the effect, in full size: rows of red, green, blue, alpha in 8 bits; straight.
-    HttpReply Original(int layer);
+    HttpReply Original(int number);
     /// The rows that the effect draws itself, as a PNG file: row `index` in the dark or light theme.
     HttpReply DrawRow(int index, bool isLight, int scale);
     /// Presses a button, with these values; the reply has the values that differ from the defaults then.

@@ -14,6 +14,7 @@ import zlib
 
 try:
     from selenium import webdriver
+    from selenium.common.exceptions import WebDriverException
     from selenium.webdriver.chrome.options import Options
     from selenium.webdriver.chrome.service import Service
 except ImportError:
@@ -49,11 +50,22 @@ class Browser:
             options.add_argument(argument)
         options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
         options.binary_location = shutil.which("chromium")
-        self.driver = webdriver.Chrome(service=Service(shutil.which("chromedriver")), options=options)
+        self.driver = self.start(options)
         self.driver.set_script_timeout(PATIENCE)
         self.resize(1280, 720)
         self.driver.get(self.address)
         self.wait("return document.querySelectorAll('#rows .row').length > 0")
+
+    @staticmethod
+    def start(options):
+        """The driver gives up after half a minute, which a busy machine may need."""
+        for attempt in range(5):
+            try:
+                return webdriver.Chrome(service=Service(shutil.which("chromedriver")), options=options)
+            except WebDriverException:
+                if attempt == 4:
+                    raise
+        return None
 
     def close(self):
         self.driver.quit()

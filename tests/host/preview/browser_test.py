@@ -46,6 +46,7 @@ class InTheBrowser(unittest.TestCase):
     def check_frame(self, page, what):
         """The page's frame is what the command that it copies writes."""
         page.settle()
+        page.run("window.umbrantCommand = null")
         page.find("#copy").click()
         command = shlex.split(page.wait("return window.umbrantCommand"))
         self.assertEqual(command[:2], ["umbrant", "render"])

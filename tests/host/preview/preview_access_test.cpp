@@ -156,7 +156,7 @@ TEST_F(PreviewAccess, OnePageTooManyIsRefusedUntilAnotherOneCloses) {
     pages.pop_back();
     // The server learns of it with what it writes next.
     bool isIn = false;
-    for (int i = 0; i < 600 && !isIn; ++i) {
+    for (int i = 0; i < 3000 && !isIn; ++i) {
         isIn = Page(preview_).IsConnected();
         if (!isIn) std::this_thread::sleep_for(std::chrono::milliseconds(100));
     }
@@ -218,7 +218,8 @@ TEST(PreviewStart, OpensTheAddressInABrowser) {
         RunUmbrant(folder, {"preview", "--idle-exit", "0.02"}, {{"PATH=" + folder.Path().string()}, ""});
     EXPECT_EQ(run.code, 0) << run.err;
     EXPECT_EQ(run.err, "");
-    for (int i = 0; i < 600 && BytesOf(given).empty(); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    for (int i = 0; i < 3000 && BytesOf(given).empty(); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
     EXPECT_EQ(BytesOf(given), run.out);
 }
 
