@@ -101,7 +101,9 @@ export class Stage {
 
   /** @param {HTMLElement} element @param {number[]} rect */
   put(element, rect) {
-    const { x: left, y: top } = this.view.toStage(rect[0], rect[1]);
+    // On whole pixels of the screen, so that 100 % is sharp.
+    const { x, y } = this.view.toStage(rect[0], rect[1]);
+    const [left, top] = [x, y].map((side) => Math.round(side * devicePixelRatio) / devicePixelRatio);
     const width = (rect[2] - rect[0]) * this.view.scale;
     Object.assign(element.style, {
       left: `${left}px`, top: `${top}px`, width: `${width}px`, height: `${(rect[3] - rect[1]) * this.view.scale}px`,

@@ -51,8 +51,8 @@ export class View {
   zoomAt(zoom, x, y) {
     const place = this.toLayer(x, y);
     this.zoom = Math.max(Math.min(zoom, MOST_ZOOM), Math.min(LEAST_ZOOM, this.zoom));
-    this.x = x - place.x * this.scale;
-    this.y = y - place.y * this.scale;
+    this.x = Math.round(x - place.x * this.scale);
+    this.y = Math.round(y - place.y * this.scale);
     this.isFitted = false;
   }
 

@@ -116,6 +116,12 @@ class Browser:
         left, top, right, bottom = self.run("return window.umbrantFrame.info.rect")
         return right - left, bottom - top, base64.b64decode(text)
 
+    def screenshot(self, file, x, y, width, height):
+        """Writes a part of the page as a PNG file."""
+        clip = {"x": x, "y": y, "width": width, "height": height, "scale": 1}
+        taken = self.driver.execute_cdp_cmd("Page.captureScreenshot", {"format": "png", "clip": clip})
+        pathlib.Path(file).write_bytes(base64.b64decode(taken["data"]))
+
     def errors(self):
         return [entry["message"] for entry in self.driver.get_log("browser") if entry["level"] == "SEVERE"]
 

@@ -177,6 +177,36 @@ class Page(InTheBrowser):
         # What the browser reports of refused requests is not the page's.
         self.assertEqual([entry for entry in page.errors() if "status of 422" not in entry], [])
 
+    def test_the_screen_has_the_frame_over_the_backdrop(self):
+        page = self.open(LAYERS / "card.png", "--renderer", "cpu", "--set", "style/color=#c03020")
+        page.settle()
+        page.run("""
+            const set = (id, kind, value) => {
+              document.getElementById(id).value = value;
+              document.getElementById(id).dispatchEvent(new Event(kind));
+            };
+            set('backdrop', 'change', 'color');
+            set('backdrop-color', 'input', '#406080');
+            for (const id of ['frame', 'handles']) document.getElementById(id).style.visibility = 'hidden';
+            document.getElementById('zoom-full').click();""")
+        left, top = page.run("const box = document.getElementById('after').getBoundingClientRect(); return [box.x, box.y]")
+        # A part of the stage's middle, where the shadow ends.
+        x, y, width, height = 300, 200, 320, 240
+        expected = bytearray()
+        frame_width, _, rgba = page.pixels()
+        for row_ in range(y - round(top), y - round(top) + height):
+            at = 4 * (row_ * frame_width + x - round(left))
+            for pixel in range(at, at + 4 * width, 4):
+                alpha = rgba[pixel + 3] / 255
+                over = zip(rgba[pixel : pixel + 3], (0x40, 0x60, 0x80))
+                expected += bytes(round(above * alpha + below * (1 - alpha)) for above, below in over) + b"\xff"
+        browser.write_png(self.folder / "expected.png", width, height, bytes(expected))
+        page.screenshot(self.folder / "screen.png", x, y, width, height)
+        compared = subprocess.run([browser.UMBRANT, "compare", "--json", self.folder / "screen.png",
+                                   self.folder / "expected.png"], capture_output=True, text=True)  # fmt: skip
+        self.assertLessEqual(json.loads(compared.stdout)["worst"], 1.001 / 255, compared.stdout)
+        self.assertGreater(len(set(expected[::4])), 20, "the part has a gradient")
+
     def test_a_module_that_crashes(self):
         page = self.open(LAYERS / "card.png", "--module", MODULES / "leaver.so",
                          environment={"UMBRANT_TEST_LEAVES": "render:crash"})  # fmt: skip
