@@ -148,12 +148,16 @@ function(umbrant_test_program program)
     endforeach()
 endfunction()
 
-# umbrant_unittest(name file LABELS labels... [ENVIRONMENT variables...]): one CTest entry that runs a file of Python's
-# unittest cases. It counts as skipped when none could run.
+# umbrant_unittest(name file LABELS labels... [ENVIRONMENT variables...] [PYTHON program]): one CTest entry that runs a file
+# of Python's unittest cases. It counts as skipped when none could run. PYTHON is for cases that need a package of the
+# system's, which another Python does not find.
 function(umbrant_unittest name file)
-    cmake_parse_arguments(arg "" "" "LABELS;ENVIRONMENT" ${ARGN})
+    cmake_parse_arguments(arg "" "PYTHON" "LABELS;ENVIRONMENT" ${ARGN})
+    if(NOT arg_PYTHON)
+        set(arg_PYTHON Python3::Interpreter)
+    endif()
     string(REGEX REPLACE "[^A-Za-z0-9_.-]+" "_" report "${name}")
-    add_test(NAME "${name}" COMMAND Python3::Interpreter -B ${CMAKE_SOURCE_DIR}/tests/support/run_unittest.py
+    add_test(NAME "${name}" COMMAND ${arg_PYTHON} -B ${CMAKE_SOURCE_DIR}/tests/support/run_unittest.py
                                     ${CMAKE_CURRENT_SOURCE_DIR}/${file} ${umbrant_test_reports}/${report}.xml)
     set_tests_properties("${name}" PROPERTIES LABELS "${arg_LABELS}" TIMEOUT ${umbrant_test_timeout} SKIP_RETURN_CODE 77
                                               ENVIRONMENT "${arg_ENVIRONMENT}")
@@ -162,7 +166,7 @@ endfunction()
 # umbrant_finds_own_objects(program): puts the program's shared objects beside a program of the current folder, where
 # host/loading looks for them. Nothing in a build without the host.
 function(umbrant_finds_own_objects program)
-    foreach(object umbrant_drawing umbrant_images)
+    foreach(object umbrant_drawing umbrant_http umbrant_images)
         if(NOT TARGET ${object})
             continue()
         endif()

@@ -31,6 +31,7 @@ Command ParamsCommand();
 Command InfoCommand();
 Command CompareCommand();
 Command PanelCommand();
+Command PreviewCommand();
 Command ValidateCommand();
 Command CurvesCommand();
 Command FarmCommand();

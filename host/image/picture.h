@@ -50,6 +50,10 @@ Result<Picture> ReadPicture(const std::filesystem::path& file, const ReadOptions
 /// as ReadPicture does, except for what only the pixels show.
 Result<Picture> ReadPictureHeader(const std::filesystem::path& file, const ReadOptions& options = {});
 
+/// The same two of a file that is open, from its begin. Its kind is found from its bytes; `name` is for messages.
+Result<Picture> ReadOpenPicture(int descriptor, const std::string& name);
+Result<Picture> ReadOpenPictureHeader(int descriptor, const std::string& name);
+
 /// Where a picture's pixels belong.
 struct Placement {
     PF_LRect window{};   ///< the world's place in the frame

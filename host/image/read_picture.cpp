@@ -158,7 +158,6 @@ class OpenFile {
     OpenFile& operator=(const OpenFile&) = delete;
 
     int Descriptor() const { return descriptor_; }
-    std::string Name() const { return fmt::format("/dev/fd/{}", descriptor_); }
 
  private:
     const int descriptor_;
@@ -210,27 +209,16 @@ Result<Picture> ChooseAnd(ImageReader& input, const fs::path& file, const ReadOp
     return read(input, file, choice);
 }
 
-/// Opens the file and lets `read` make a picture of it.
+/// Lets `read` make a picture of an open file. Without `isNamed` the file's name does not lead to it.
 template <typename Read>
-Result<Picture> OpenAnd(const fs::path& file, const ReadOptions& options, Read read) {
-    const bool isStandardInput = file == "-";
-    if (!isStandardInput) {
-        if (const auto reason = WhyNoPicture(file)) return CannotRead(file, *reason);
-    }
-    const OpenFile opened(isStandardInput ? memfd_create("umbrant", MFD_CLOEXEC)
-                                          : open(file.c_str(), O_RDONLY | O_CLOEXEC));
-    if (opened.Descriptor() < 0) return CannotRead(file, std::strerror(errno));
-    if (isStandardInput) {
-        if (const auto problem = TakeStandardInput(opened.Descriptor())) return CannotRead(file, *problem);
-    }
-    ImageFile image{opened.Descriptor(), file.string(), ""};
-    // The image library takes what follows a '?' in a name for arguments.
-    if (isStandardInput || image.name.find('?') != std::string::npos) {
-        image.name = opened.Name();
-        image.format = FormatByContent(opened.Descriptor());
+Result<Picture> DecodeAnd(int descriptor, const fs::path& file, bool isNamed, const ReadOptions& options, Read read) {
+    ImageFile image{descriptor, file.string(), ""};
+    if (!isNamed) {
+        image.name = fmt::format("/dev/fd/{}", descriptor);
+        image.format = FormatByContent(descriptor);
     }
     try {
-        const auto codec = CodecToRead(opened.Descriptor());
+        const auto codec = CodecToRead(descriptor);
         if (const auto* problem = std::get_if<std::string>(&codec)) return CannotRead(file, *problem);
         const OpenedImage input = std::get<const Codec*>(codec)->open(image);
         if (const auto* problem = std::get_if<std::string>(&input)) {
@@ -244,6 +232,24 @@ Result<Picture> OpenAnd(const fs::path& file, const ReadOptions& options, Read r
     }
 }
 
+/// Opens the file and lets `read` make a picture of it.
+template <typename Read>
+Result<Picture> OpenAnd(const fs::path& file, const ReadOptions& options, Read read) {
+    const bool isStandardInput = file == "-";
+    if (!isStandardInput) {
+        if (const auto reason = WhyNoPicture(file)) return CannotRead(file, *reason);
+    }
+    const OpenFile opened(isStandardInput ? memfd_create("umbrant", MFD_CLOEXEC)
+                                          : open(file.c_str(), O_RDONLY | O_CLOEXEC));
+    if (opened.Descriptor() < 0) return CannotRead(file, std::strerror(errno));
+    if (isStandardInput) {
+        if (const auto problem = TakeStandardInput(opened.Descriptor())) return CannotRead(file, *problem);
+    }
+    // The image library takes what follows a '?' in a name for arguments.
+    const bool isNamed = !isStandardInput && file.string().find('?') == std::string::npos;
+    return DecodeAnd(opened.Descriptor(), file, isNamed, options, read);
+}
+
 }  // namespace
 
 Result<Picture> ReadPicture(const fs::path& file, const ReadOptions& options) {
@@ -252,6 +258,14 @@ Result<Picture> ReadPicture(const fs::path& file, const ReadOptions& options) {
 
 Result<Picture> ReadPictureHeader(const fs::path& file, const ReadOptions& options) {
     return OpenAnd(file, options, ReadHeader);
+}
+
+Result<Picture> ReadOpenPicture(int descriptor, const std::string& name) {
+    return DecodeAnd(descriptor, name, false, {}, ReadOpened);
+}
+
+Result<Picture> ReadOpenPictureHeader(int descriptor, const std::string& name) {
+    return DecodeAnd(descriptor, name, false, {}, ReadHeader);
 }
 
 }  // namespace umbrant::host

@@ -81,7 +81,7 @@ class DebianPackages(unittest.TestCase):
 
     def test_dependencies(self):
         depends = self.field("umbrant", "Depends")
-        for library in ("libc6", "libstdc++6", "libopenimageio2.4", "libcairo2", "libfmt9", "libegl1", "libopengl0"):
+        for library in ("libc6", "libstdc++6", "libopenimageio2.4", "libcairo2", "libcpp-httplib0.11", "libfmt9", "libegl1", "libopengl0"):
             self.assertRegex(depends, rf"(^|, ){re.escape(library)}\b")
         self.assertIn("ffmpeg", self.field("umbrant", "Recommends"))
         full = self.field("umbrant", "Version")
@@ -91,7 +91,8 @@ class DebianPackages(unittest.TestCase):
         expected = {
             "umbrant": [
                 "/usr/bin/umbrant", f"/usr/{LIBDIR}/umbrant/umbrant2.so", f"/usr/{LIBDIR}/umbrant/umbrant_shim.so",
-                f"/usr/{LIBDIR}/umbrant/umbrant_drawing.so", f"/usr/{LIBDIR}/umbrant/umbrant_images.so",
+                f"/usr/{LIBDIR}/umbrant/umbrant_drawing.so", f"/usr/{LIBDIR}/umbrant/umbrant_http.so",
+                f"/usr/{LIBDIR}/umbrant/umbrant_images.so",
                 *(f"/usr/share/man/man1/{page.name}.gz" for page in MANUAL), "/usr/share/bash-completion/completions/umbrant",
                 "/usr/share/zsh/vendor-completions/_umbrant", "/usr/share/fish/vendor_completions.d/umbrant.fish",
                 "/usr/share/doc/umbrant/copyright", "/usr/share/doc/umbrant/changelog.gz",

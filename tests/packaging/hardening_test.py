@@ -16,7 +16,8 @@ BUILD = pathlib.Path(os.environ["BUILD_FOLDER"])
 LIBRARY = pathlib.Path(os.environ["LIBRARY"])
 LINKED = [
     BUILD / name
-    for name in ("umbrant", "umbrant2.so", "umbrant_drawing.so", "umbrant_images.so", "umbrant_shim.so", "umbrant_frei0r.so")
+    for name in ("umbrant", "umbrant2.so", "umbrant_drawing.so", "umbrant_http.so", "umbrant_images.so", "umbrant_shim.so",
+                 "umbrant_frei0r.so")  # fmt: skip
 ]
 # The judge's library puts itself before a few calls of the driver and has no buffer of its own to protect.
 LARGE = [BUILD / "umbrant", BUILD / "umbrant2.so", LIBRARY]

@@ -23,6 +23,7 @@ EXPECTED = {
     "bin/umbrant",
     f"{LIBDIR}/umbrant/umbrant2.so",
     f"{LIBDIR}/umbrant/umbrant_drawing.so",
+    f"{LIBDIR}/umbrant/umbrant_http.so",
     f"{LIBDIR}/umbrant/umbrant_images.so",
     f"{LIBDIR}/umbrant/umbrant_shim.so",
     f"{LIBDIR}/umbrant/umbrant2.waivers.json",
@@ -115,7 +116,7 @@ class Installed(unittest.TestCase):
         self.assertIn("libOpenEXRCore", needed)
         self.assertIn("libcairo", run("readelf", "--dynamic", self.prefix / LIBDIR / "umbrant/umbrant_drawing.so"))
 
-    def objects_opened(self, *arguments, names=r"umbrant_(?:drawing|images)\.so"):
+    def objects_opened(self, *arguments, names=r"umbrant_(?:drawing|http|images)\.so"):
         """Which of the program's shared objects a run of it opens, its child processes included."""
         with tempfile.TemporaryDirectory() as folder:
             # The loader writes into one file a process: a module that is judged must not print.
@@ -150,6 +151,26 @@ class Installed(unittest.TestCase):
             self.assertEqual(self.objects_opened("panel", "-o", folder / "panel.png"), {"umbrant_drawing.so"})
             self.assertEqual(self.objects_opened("panel", "-o", folder / "panel.tif"),
                              {"umbrant_drawing.so", "umbrant_images.so"})  # fmt: skip
+
+            # The address is printed, and nobody comes.
+            self.assertEqual(self.objects_opened("preview", folder / "a.1.png", "--no-open", "--idle-exit", "0.01"),
+                             {"umbrant_http.so"})  # fmt: skip
+
+    def test_a_missing_server_library_is_reported(self):
+        part = self.prefix / LIBDIR / "umbrant/umbrant_http.so"
+        away = part.with_suffix(".away")
+        part.rename(away)
+        try:
+            failed = subprocess.run([self.prefix / "bin/umbrant", "preview", "--no-open"], text=True, capture_output=True)
+        finally:
+            away.replace(part)
+        self.assertEqual((failed.returncode, failed.stdout), (5, ""))
+        self.assertEqual(
+            failed.stderr,
+            "umbrant: cannot serve the page: umbrant_http.so, which serves the preview's page, cannot be loaded: "
+            "umbrant_http.so: cannot open shared object file: No such file or directory; install the program again, with the "
+            "libraries that it needs\n",
+        )
 
     def test_completion_opens_the_module_for_parameters_only(self):
         for words in ([""], ["render", "--"], ["render", "--canvas", ""], ["panel", "-o", ""], ["validate", ""]):

@@ -93,7 +93,7 @@ class Bootstrap(unittest.TestCase):
                          "The macOS bundle will not be built: lld-16 must be installed, which needs root or sudo.\n")
 
     def test_everything_else_is(self):
-        self.installed("[!c]*|clang*")
+        self.installed("[!c]*|clang*|chromium*")
         self.apt("exit 100")
         ran, asked = self.run_it()
         self.assertEqual((ran.returncode, asked), (100, [["cmake"]]))

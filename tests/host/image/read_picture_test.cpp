@@ -4,8 +4,10 @@
 // Which files are read and which are refused, and what their headers give.
 
 #include <OpenImageIO/deepdata.h>
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "host/image/picture.h"
 #include "tests/host/image/picture_files.h"
@@ -164,6 +166,33 @@ TEST(ReadPicture, AFileThatCannotBeReachedIsNotMissing) {
     std::filesystem::create_symlink("circle.png", folder / "circle.png");
     ExpectRefused(folder / "circle.png", "Too many levels of symbolic links");
     ExpectRefused(folder / (std::string(300, 'a') + ".png"), "File name too long");
+}
+
+TEST(ReadPicture, AnOpenFileNeedsNoName) {
+    const Folder folder;
+    for (const char* ending : {".png", ".tif", ".exr", ".jpg"}) {
+        SCOPED_TRACE(ending);
+        const auto file = folder / (std::string("one") + ending);
+        ASSERT_TRUE(WritePicture(file, Filled8(3, 2, {255, 255, 255, 255}), {{0, 0, 3, 2}, 3, 2}));
+        const int descriptor = open(file.c_str(), O_RDONLY | O_CLOEXEC);
+        // Only the bytes are left of it.
+        std::filesystem::remove(file);
+        const auto header = ReadOpenPictureHeader(descriptor, "sent");
+        ASSERT_TRUE(header) << header.error().sentence;
+        EXPECT_EQ(header->frameWidth, 3);
+        EXPECT_TRUE(header->pixels.IsNull());
+        const auto picture = ReadOpenPicture(descriptor, "sent");
+        ASSERT_TRUE(picture) << picture.error().sentence;
+        EXPECT_EQ(picture->pixels.Width(), 3);
+        close(descriptor);
+    }
+    WriteBytes(folder / "text", "Dear diary\n");
+    const int descriptor = open((folder / "text").c_str(), O_RDONLY | O_CLOEXEC);
+    const auto picture = ReadOpenPicture(descriptor, "sent");
+    close(descriptor);
+    ASSERT_FALSE(picture);
+    EXPECT_EQ(picture.error().kind, ErrorKind::kFile);
+    EXPECT_THAT(picture.error().sentence, HasSubstr("cannot read 'sent': "));
 }
 
 }  // namespace

@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// `umbrant preview`: a page in the browser with the picture and the effect's panel.
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/cli/command.h"
+#include "host/cli/opened_module.h"
+#include "host/cli/option_checks.h"
+#include "host/cli/render/render_options.h"
+#include "host/cli/results.h"
+#include "host/cli/settings.h"
+#include "host/preview/preview.h"
+#include "host/process/program_start.h"
+#include "host/session/renderer.h"
+
+namespace umbrant::host {
+
+namespace {
+
+constexpr char kExamples[] =
+    "  umbrant preview title.png\n"
+    "      opens a page that shows the layer with its shadow, and the panel; Ctrl-C ends it\n"
+    "  umbrant preview\n"
+    "      the page offers example layers, and takes images that are dropped on it\n"
+    "  umbrant preview card.exr --texture paper.png --preset long.json --set style/angle=45\n"
+    "      begins with a texture and with the values of a preset\n"
+    "  umbrant preview title.png --no-open --port 8080 --idle-exit 10\n"
+    "      only prints the address; ends ten minutes after the last page was closed";
+
+constexpr double kLongestIdle = 10'000;
+
+struct PreviewCommandOptions {
+    std::string input;
+    std::string texture;
+    std::string preset;
+    std::vector<std::string> settings;
+    std::string depth;
+    std::string renderer;
+    std::string module;
+    int port = 0;
+    bool noOpen = false;
+    double idleMinutes = 0;
+};
+
+Result<PreviewEffect> Open(const PreviewCommandOptions& options, int layerWidth, int layerHeight) {
+    SessionOptions about;
+    about.layerWidth = layerWidth;
+    about.layerHeight = layerHeight;
+    const auto preference = TRY(ReadRendererPreference(options.renderer));
+    about.renderer = RendererOfSetUp(preference);
+    const auto opened = std::make_shared<OpenedModule>(
+        TRY(OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module), about)));
+    const RendererDecision renderer = DecideRenderer(preference, ReadGpuStrings(opened->Session().Params()));
+    opened->Session().SetRenderer(renderer.Request());
+    const auto explain = [isProcessor = renderer.processor](const Failure& failure, const EffectSession& session) {
+        return isProcessor ? failure : Explain(failure, session);
+    };
+    return PreviewEffect{opened, &opened->Session(), opened->effect.name, renderer.Name(), explain};
+}
+
+/// The options of `umbrant render` that this command has too, besides files and values.
+std::vector<std::string> RenderArguments(const PreviewCommandOptions& options) {
+    std::vector<std::string> arguments;
+    for (const auto& [name, value] : {std::pair("--depth", &options.depth), std::pair("--renderer", &options.renderer),
+                                      std::pair("--module", &options.module)}) {
+        if (!value->empty()) arguments.insert(arguments.end(), {name, *value});
+    }
+    return arguments;
+}
+
+/// Opens the address with the desktop's program for it. A failure is reported, and the preview goes on.
+void OpenBrowser(const std::string& address) {
+    ProgramStart start{"xdg-open", {address}};
+    start.output = start.errors = Stream::Nothing();
+    int process = 0;
+    ProgramPipes pipes;
+    // Nobody waits for it: where no browser runs yet, it is the browser.
+    if (const int error = StartProcess(start, process, pipes); error != 0) {
+        std::fputs(fmt::format("umbrant: no browser was opened: xdg-open cannot be started ({}); open the address in a "
+                               "browser of this machine\n",
+                               std::strerror(error))
+                       .c_str(),
+                   stderr);
+    }
+}
+
+Result<ExitCode> Run(const PreviewCommandOptions& options) {
+    TRY(ReadRendererPreference(options.renderer));
+    PreviewOptions preview;
+    preview.open = [&options](int width, int height) { return Open(options, width, height); };
+    preview.setValues = [&options](ParamSet& params) -> Result<Done> {
+        AnimatedParams animated{params, {}};
+        TRY(ApplyValues(options.preset, options.settings, animated));
+        // The values at the time of a single image.
+        params = animated.animation.ValuesAt(animated.values, 0, {});
+        return Done{};
+    };
+    if (!options.depth.empty()) preview.depth = options.depth == "8" ? Depth::k8 : Depth::k32;
+    preview.input = options.input;
+    preview.texture = options.texture;
+    preview.port = options.port;
+    if (options.idleMinutes > 0) {
+        preview.idle = std::chrono::milliseconds(std::llround(std::ceil(options.idleMinutes * 60'000)));
+    }
+    preview.renderArguments = RenderArguments(options);
+    const auto created = TRY(Preview::Create(std::move(preview)));
+    TRY(created->Run([&] {
+        PrintResult(created->Address() + "\n");
+        FlushResults();
+        if (!options.noOpen) OpenBrowser(created->Address());
+    }));
+    return ExitCode::kDone;
+}
+
+}  // namespace
+
+Command PreviewCommand() {
+    const auto options = std::make_shared<PreviewCommandOptions>();
+    Command command;
+    command.name = "preview";
+    command.summary = "Show the picture and the panel in the browser; the picture follows the controls";
+    command.examples = kExamples;
+    command.options = [options](CLI::App& app) {
+        app.add_option("INPUT", options->input, "The layer: PNG, TIFF, JPEG, EXR, ...; the page can load others");
+        app.add_option("--texture", options->texture, "An image for the effect's layer parameters")->type_name("IMAGE");
+        app.add_option("--preset", options->preset,
+                       "Values to begin with, from a preset; keyframes are shown at time 0; --set overrides them")
+            ->type_name("FILE.json");
+        app.add_option("--set", options->settings, "A parameter's value to begin with; may be given many times")
+            ->type_name("PATH=VALUE")
+            ->allow_extra_args(false);
+        app.add_option("--depth", options->depth,
+                       "Bits per channel of the render (default: those of the layer; 16 become 32)")
+            ->check(ValidateDepth)
+            ->type_name("8|32");
+        app.add_option("--port", options->port, "The port of the page's address (default: a free one)")
+            ->check(CLI::Range(1, 65535))
+            ->type_name("N");
+        app.add_flag("--no-open", options->noOpen, "Only print the address; do not open a browser");
+        app.add_option("--idle-exit", options->idleMinutes, "End when no page has been open for this long")
+            ->check([](const std::string& text) { return OutOfRange(text, 0.01, kLongestIdle); })
+            ->type_name("MINUTES");
+        app.add_option("--renderer", options->renderer,
+                       "gl: the GPU renderer (OpenGL); cpu: the CPU renderer; auto: the GPU renderer where OpenGL is "
+                       "hardware, else the CPU renderer (default: UMBRANT_RENDERER, else auto)")
+            ->check(CLI::IsMember({"auto", "gl", "cpu"}))
+            ->type_name("auto|gl|cpu");
+        app.add_option("--module", options->module,
+                       "The effect's module (default: UMBRANT_MODULE, else the program's own module)")
+            ->type_name("FILE");
+    };
+    command.run = [options] { return Run(*options); };
+    return command;
+}
+
+}  // namespace umbrant::host

@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Images from the person's side: chosen, dropped, pasted, or one of the examples; and the backdrop.
+
+/** @typedef {import("./types.js").Layer} Layer */
+/** @typedef {"layer" | "texture" | "backdrop"} Purpose */
+
+/** What the server takes. */
+const MOST_BYTES = 256 * 1024 * 1024;
+
+/** @param {string} id @returns {any} */
+const find = (id) => document.getElementById(id);
+
+/**
+ * @param {import("./connection.js").Connection} connection
+ * @param {{backdrop: string, backdropColor: string}} state
+ * @param {{layer: (layer: Layer) => void, texture: (layer: Layer) => void, failure: (sentence: string) => void}} handlers
+ */
+export function listenToFiles(connection, state, handlers) {
+  const input = find("file");
+  const ground = find("ground");
+  /** @type {Purpose} */
+  let purpose = "layer";
+  let picture = "";
+
+  const showBackdrop = () => {
+    const isPicture = state.backdrop === "picture" && picture !== "";
+    find("backdrop").value = state.backdrop === "picture" && !isPicture ? "checker" : state.backdrop;
+    find("backdrop-color").hidden = state.backdrop !== "color";
+    find("backdrop-color").value = state.backdropColor;
+    ground.style.setProperty("--ground", state.backdropColor);
+    ground.classList.toggle("plain", state.backdrop === "color");
+    ground.classList.toggle("picture", isPicture);
+    ground.style.backgroundImage = isPicture ? `url("${picture}")` : "";
+  };
+
+  /** @param {File} file @param {Purpose} use */
+  const take = async (file, use) => {
+    if (use === "backdrop") {
+      URL.revokeObjectURL(picture);
+      picture = URL.createObjectURL(file);
+      state.backdrop = "picture";
+      return showBackdrop();
+    }
+    if (file.size > MOST_BYTES) {
+      return handlers.failure(`${file.name} is larger than 256 MiB; \`umbrant render\` draws it.`);
+    }
+    const reply = await connection.post(`layer?name=${encodeURIComponent(file.name || "image")}`, file);
+    if ("error" in reply) return handlers.failure(reply.error);
+    handlers[use](reply);
+  };
+
+  /** @param {Purpose} use */
+  const choose = (use) => {
+    purpose = use;
+    input.value = "";
+    input.click();
+  };
+  input.addEventListener("change", () => input.files[0] && take(input.files[0], purpose));
+  find("choose-layer").addEventListener("click", () => choose("layer"));
+  find("choose-empty").addEventListener("click", () => choose("layer"));
+  for (const button of document.querySelectorAll("[data-example]")) {
+    button.addEventListener("click", async () => {
+      const reply = await connection.post(`example?name=${/** @type {HTMLElement} */ (button).dataset.example}`);
+      if ("error" in reply) handlers.failure(reply.error);
+      else handlers.layer(reply);
+    });
+  }
+
+  find("backdrop").addEventListener("change", () => {
+    const wanted = find("backdrop").value;
+    if (wanted === "picture" && !picture) {
+      choose("backdrop");
+      return showBackdrop();
+    }
+    state.backdrop = wanted;
+    showBackdrop();
+  });
+  find("backdrop-color").addEventListener("input", () => {
+    state.backdropColor = find("backdrop-color").value;
+    showBackdrop();
+  });
+
+  listenToDrops((file, use) => take(file, use));
+  document.addEventListener("paste", (event) => {
+    const file = [...(event.clipboardData?.files ?? [])][0];
+    if (file) {
+      event.preventDefault();
+      take(file, "layer");
+    }
+  });
+  return { choose, showBackdrop };
+}
+
+/** @param {(file: File, use: Purpose) => void} take */
+function listenToDrops(take) {
+  const hint = find("drop-hint");
+  const isTexture = (/** @type {Event} */ event) => event.target instanceof Element && Boolean(event.target.closest(".row.texture"));
+  document.addEventListener("dragover", (event) => {
+    if (!event.dataTransfer?.types.includes("Files")) return;
+    event.preventDefault();
+    hint.hidden = isTexture(event);
+  });
+  document.addEventListener("dragleave", (event) => {
+    if (!event.relatedTarget) hint.hidden = true;
+  });
+  document.addEventListener("drop", (event) => {
+    hint.hidden = true;
+    const file = event.dataTransfer?.files[0];
+    if (!file) return;
+    event.preventDefault();
+    take(file, isTexture(event) ? "texture" : "layer");
+  });
+}

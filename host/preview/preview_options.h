@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// What a preview is started with.
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/compositing/world.h"
+#include "host/result.h"
+#include "host/session/effect_session.h"
+
+namespace umbrant::host {
+
+/// An effect that is set up, with its renderer chosen.
+struct PreviewEffect {
+    std::shared_ptr<void> owner;       ///< of the session
+    EffectSession* session = nullptr;  ///< with the effect's default values
+    std::string name;
+    std::string drawnBy;  ///< "gl" or "cpu"
+    /// Replaces an effect's failure with a more helpful one.
+    std::function<Failure(const Failure&, const EffectSession&)> explain;
+};
+
+struct PreviewOptions {
+    /// Sets the effect up for layers of this full size, on the thread that calls Preview::Run.
+    std::function<Result<PreviewEffect>(int layerWidth, int layerHeight)> open;
+    /// Sets the values with which the page begins.
+    std::function<Result<Done>(ParamSet&)> setValues;
+    std::optional<Depth> depth{};  ///< of the render; without it the layer's own
+    std::string input{};           ///< the layer's file; empty for none
+    std::string texture{};
+    int port = 0;                                     ///< 0 for a free one
+    std::optional<std::chrono::milliseconds> idle{};  ///< ends when no page was connected for so long
+    std::vector<std::string> renderArguments{};       ///< what else `umbrant render` needs to draw the same
+};
+
+}  // namespace umbrant::host
