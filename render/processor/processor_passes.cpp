@@ -54,7 +54,9 @@ class Upload {
     }
 
     bool ZeroSized() const { return zeroSized_; }
-    PF_Err Error() const { return error_; }
+    bool Failed() const { return error_ != PF_Err_NONE; }
+    /// What a frame without its layer returns: whatever an iteration returns, there is no memory for the layer.
+    PF_Err FrameError() const { return walkError_ ? walkError_ : PF_Err_OUT_OF_MEMORY; }
     const ProcessorLayer& Layer() const { return layer_; }
 
  private:
@@ -74,7 +76,7 @@ class Upload {
                 TakeAlphas(pixels, static_cast<size_t>(world->width), params->bitDepth,
                            static_cast<char*>(buffer) + static_cast<size_t>(y) * row);
             });
-            if (copied) return *copied;
+            if (copied) return walkError_ = *copied;
         }
         return FillFromWorld(buffer, world, params->bitDepth, params->in_data, *params->suites);
     }
@@ -82,6 +84,7 @@ class Upload {
     std::optional<LockedHandle> memory_;
     ProcessorLayer layer_;
     bool zeroSized_;
+    PF_Err walkError_ = PF_Err_NONE;
     PF_Err error_ = PF_Err_NONE;
 };
 
@@ -135,7 +138,8 @@ PF_Err RenderNormalOnProcessor(PF_InData* in_data, PF_OutData* out_data, AEGP_Su
         if (input.ZeroSized() || IsZeroSized(output->width, output->height)) {
             return TooSmall(in_data, out_data, kNormalTooSmall);
         }
-        if (input.Error() || !records || !accumulated) return PF_Err_OUT_OF_MEMORY;
+        if (input.Failed()) return input.FrameError();
+        if (!records || !accumulated) return PF_Err_OUT_OF_MEMORY;
         alpha = Drawn([&] { return DrawNormalOnProcessor(*settings, input.Layer()); });
     }
     return alpha ? ReadBack(alpha, in_data, suites, settings, output) : PF_Err_OUT_OF_MEMORY;
@@ -153,7 +157,8 @@ PF_Err RenderInnerOnProcessor(PF_InData* in_data, PF_OutData* out_data, AEGP_Sui
     {
         const Upload source(settings->innerSourceWorld, settings, out_data);
         const bool records = CanHaveRecords(*settings, out_data);
-        if (source.Error() || !records) return PF_Err_OUT_OF_MEMORY;
+        if (source.Failed()) return source.FrameError();
+        if (!records) return PF_Err_OUT_OF_MEMORY;
         const framebufferData& first = settings->framebuffers.front();
         if (!CanHave(output.width, output.height, out_data)) return PF_Err_OUT_OF_MEMORY;
         if (source.ZeroSized() || IsZeroSized(first.fboW, first.fboH) || IsZeroSized(output.width, output.height)) {
@@ -181,7 +186,8 @@ PF_Err RenderRadialOnProcessor(PF_InData* in_data, PF_OutData* out_data, AEGP_Su
             IsZeroSized(output->width, output->height)) {
             return TooSmall(in_data, out_data, kRadialTooSmall);
         }
-        if (input.Error() || !padded || !accumulated) return PF_Err_OUT_OF_MEMORY;
+        if (input.Failed()) return input.FrameError();
+        if (!padded || !accumulated) return PF_Err_OUT_OF_MEMORY;
         alpha = Drawn([&] { return DrawRadialOnProcessor(*settings, input.Layer(), geometry); });
     }
     return alpha ? ReadBack(alpha, in_data, suites, settings, output) : PF_Err_OUT_OF_MEMORY;
