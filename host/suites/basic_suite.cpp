@@ -15,6 +15,7 @@
 #include <unordered_set>
 
 #include "host/process/fork_lock.h"
+#include "host/suites/offered_rows.h"
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
 
@@ -116,6 +117,7 @@ SPErr AcquireSuite(const char* name, int32_t version, const void** suite) {
     if (!name || !suite) return PF_Err_BAD_CALLBACK_PARAM;
     *suite = nullptr;
     const OfferedSuite* offered = FindOffered(name, version);
+    if (offered && offered->suite == &kUmbrantHostSuite2 && !OffersRows()) offered = nullptr;
     const PF_Err fault = FaultOf(std::string("AcquireSuite:") + name);
     Services* services = CurrentServices();
     if (fault == kLendNothing) return PF_Err_NONE;

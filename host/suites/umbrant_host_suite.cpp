@@ -5,6 +5,9 @@
 
 #include "hostapi/suites/umbrant_host_suite.h"
 
+#include <atomic>
+
+#include "host/suites/offered_rows.h"
 #include "host/suites/pf/iterate.h"
 #include "host/suites/slots.h"
 #include "host/suites/tables.h"
@@ -12,6 +15,8 @@
 namespace umbrant::host {
 
 namespace {
+
+std::atomic<int> withoutRows{0};
 
 PF_Err GetRenderer(PF_ProgPtr effectRef, UMBRANT_Renderer* renderer) {
     EffectRef* effect = EffectRef::Of(effectRef, "GetRenderer");
@@ -31,6 +36,17 @@ template <FixedText Call, auto Function>
 using Slot = Served<kUmbrantHostSuiteName, Call, Function>;
 
 }  // namespace
+
+WithoutRows::WithoutRows() {
+    ++withoutRows;
+}
+WithoutRows::~WithoutRows() {
+    --withoutRows;
+}
+
+bool OffersRows() {
+    return withoutRows == 0;
+}
 
 const UMBRANT_HostSuite1 kUmbrantHostSuite = {
     .GetRenderer = Slot<"GetRenderer", GetRenderer>(),

@@ -12,6 +12,7 @@
 
 #include "host/drawing/new_drawing.h"
 #include "host/session/effect_session.h"
+#include "host/suites/offered_rows.h"
 #include "host/validate/checks/panel_events.h"
 #include "host/validate/faults/fault_fixture.h"
 #include "host/validate/runner/check_process.h"
@@ -208,6 +209,7 @@ Result<std::vector<const Check*>> ChosenChecks(const RunnerOptions& options) {
 }
 
 Result<std::vector<CheckOutcome>> RunChecks(const RunnerOptions& asked, void (*print)(const std::string&)) {
+    const WithoutRows asOtherHosts;
     RunnerOptions options = asked;
     const auto chosen = TRY(ChosenChecks(options));
     std::vector<Waiver> waivers;
@@ -263,6 +265,7 @@ Result<std::vector<CheckOutcome>> RunChecks(const RunnerOptions& asked, void (*p
 }
 
 Result<Done> RunOneCheck(const std::string& id, const CheckRunOptions& options, int resultDescriptor) {
+    const WithoutRows asOtherHosts;
     BecomeChild();
     if (id == kProbe) {
         SendResult(resultDescriptor, RunToEnd(Probe, options));

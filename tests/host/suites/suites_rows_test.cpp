@@ -10,6 +10,7 @@
 
 #include "host/compositing/rectangles.h"
 #include "host/compositing/world.h"
+#include "host/suites/offered_rows.h"
 #include "tests/host/suites/suites_fixture.h"
 
 namespace umbrant::host {
@@ -76,6 +77,16 @@ TEST_F(RowWalks, CountAsUploadAndReadBack) {
     ASSERT_EQ(Walk(&world.Def(), nullptr, nothing), PF_Err_NONE);
     EXPECT_GT(notes.stages.Snapshot().readBack, 0);
     EXPECT_EQ(notes.stages.Snapshot().composite, 0);
+}
+
+TEST_F(RowWalks, AreNotOfferedToAJudge) {
+    const void* suite = nullptr;
+    {
+        const WithoutRows none;
+        EXPECT_EQ(basicSuite.AcquireSuite("Umbrant Host Suite", 2, &suite), A_Err_MISSING_SUITE);
+        EXPECT_NE(Acquire<UMBRANT_HostSuite1>("Umbrant Host Suite", 1), nullptr);
+    }
+    EXPECT_EQ(Acquire<UMBRANT_HostSuite2>("Umbrant Host Suite", 2), &kUmbrantHostSuite2);
 }
 
 TEST_F(RowWalks, TheFirstVersionsCallIsInTheSecond) {
