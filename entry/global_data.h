@@ -5,7 +5,9 @@
 // What lives from global set-up to global set-down: the driver's strings and the probe context that read them.
 
 #include <algorithm>
+#include <cstddef>
 #include <mutex>
+#include <new>
 #include <vector>
 
 #include "hostapi/basic_types.h"
@@ -37,6 +39,7 @@ class WrittenRecords {
     void Forget(PF_Handle handle) {
         const std::lock_guard lock(mutex_);
         handles_.erase(std::remove(handles_.begin(), handles_.end(), handle), handles_.end());
+        if (handles_.empty()) handles_.shrink_to_fit();
     }
     bool Contains(PF_Handle handle) const {
         const std::lock_guard lock(mutex_);
@@ -47,7 +50,10 @@ class WrittenRecords {
     mutable std::mutex mutex_;
     std::vector<PF_Handle> handles_;
 };
-inline WrittenRecords writtenRecords;
+// Kept: never destroyed, because a host may set the module down from one of its own objects of static duration. Without
+// handles it holds no memory.
+alignas(WrittenRecords) inline std::byte writtenRecordsMemory[sizeof(WrittenRecords)];
+inline WrittenRecords& writtenRecords = *new (writtenRecordsMemory) WrittenRecords;
 
 /// The record behind a handle of global data, locked for the length of a scope: the handle's own pointer is valid only
 /// under a lock.

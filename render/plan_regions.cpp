@@ -37,9 +37,12 @@ Range TexelsOf(const Placement& place, const Range& out, int32_t spare) {
 Range PixelsOf(const Placement& place, const Range& out, const Range& texels, int32_t spare) {
     const Stretch stretch(place);
     const auto texel = [&](int32_t pixel) { return TexelAt(stretch.At(pixel)); };
+    // A damaged size may be the largest that there is.
+    const int64_t before = int64_t{texels.begin} - 1 - spare;
+    const int64_t after = int64_t{texels.end} + spare;
     Range pixels = out;
-    while (!pixels.Empty() && texel(pixels.begin) < texels.begin - 1 - spare) ++pixels.begin;
-    while (!pixels.Empty() && texel(pixels.end - 1) >= texels.end + spare) --pixels.end;
+    while (!pixels.Empty() && texel(pixels.begin) < before) ++pixels.begin;
+    while (!pixels.Empty() && texel(pixels.end - 1) >= after) --pixels.end;
     if (pixels.Empty()) return {};
     return Intersect({pixels.begin - spare, pixels.end + spare}, out);
 }

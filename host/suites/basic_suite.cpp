@@ -117,10 +117,11 @@ SPErr AcquireSuite(const char* name, int32_t version, const void** suite) {
     if (!name || !suite) return PF_Err_BAD_CALLBACK_PARAM;
     *suite = nullptr;
     const OfferedSuite* offered = FindOffered(name, version);
-    if (offered && offered->suite == &kUmbrantHostSuite2 && !OffersRows()) offered = nullptr;
     const PF_Err fault = FaultOf(std::string("AcquireSuite:") + name);
     Services* services = CurrentServices();
     if (fault == kLendNothing) return PF_Err_NONE;
+    // A question that may be asked, and is answered as other hosts do.
+    if (!fault && offered && offered->suite == &kUmbrantHostSuite2 && !OffersRows()) return A_Err_MISSING_SUITE;
     if (!offered || fault) {
         if (services) services->refused.Note(Label(name, version));
         return fault ? fault : A_Err_MISSING_SUITE;
