@@ -98,17 +98,9 @@ void NarrowSample::Weigh(int task, TapFolder& folder) {
     const int chunk = task - 1;
     const int begin = copy_.x.begin + chunk * kChunkColumns;
     const int end = std::min(begin + kChunkColumns, copy_.x.end);
-    TapList& list = across_[static_cast<size_t>(chunk)];
     const Range kept = sample_->source->Columns();
-    const KeptInputs stored{{0, look.size}, kept, kept.begin, kTileRows};
-    list.Clear();
-    folder.Prepare(look.size);
-    for (int block = begin; block < end; block += kTapOutputs) {
-        for (int column = block; column < std::min(block + kTapOutputs, end); ++column) {
-            folder.Fold(column - block, look.At(column), sample_->acrossKernel, look);
-        }
-        folder.Flush(stored, &list);
-    }
+    folder.FoldRange({begin, end}, 1, sample_->acrossKernel, look, {{0, look.size}, kept, kept.begin, kTileRows},
+                     &across_[static_cast<size_t>(chunk)]);
 }
 
 void NarrowSample::WeighDown(TapFolder& folder) {
@@ -116,14 +108,7 @@ void NarrowSample::WeighDown(TapFolder& folder) {
     const Range rows = copy_.y;
     const int planeBegin = sample_->source->Rows().begin + FirstTile() * kTileRows;
     const KeptInputs stored{sample_->source->Distinct(), stored_, planeBegin, static_cast<int>(pitch_)};
-    down_.Clear();
-    folder.Prepare(look.size);
-    for (int block = rows.begin; block < rows.end; block += kTapOutputs) {
-        for (int row = block; row < std::min(block + kTapOutputs, rows.end); ++row) {
-            folder.Fold(row - block, look.At(row), sample_->downKernel, look);
-        }
-        folder.Flush(stored, &down_);
-    }
+    folder.FoldRange(rows, 1, sample_->downKernel, look, stored, &down_);
 }
 
 void NarrowSample::StretchColumns() {

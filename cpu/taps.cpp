@@ -103,6 +103,18 @@ void TapFolder::Fold(int output, double centre, const Kernel& kernel, const Look
     }
 }
 
+void TapFolder::FoldRange(Range outputs, int step, const Kernel& kernel, const Look& look, const KeptInputs& inputs,
+                          TapList* list) {
+    list->Clear();
+    Prepare(look.size);
+    for (int block = outputs.begin; block < outputs.end; block += kTapOutputs) {
+        for (int output = block; output < std::min(block + kTapOutputs, outputs.end); ++output) {
+            Fold(output - block, look.At(output * step), kernel, look);
+        }
+        Flush(inputs, list);
+    }
+}
+
 // Moves the sums of inputs [begin, end) to the input `to`.
 void TapFolder::Gather(int begin, int end, int to) {
     for (int input = begin; input < end; ++input) {

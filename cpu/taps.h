@@ -67,6 +67,10 @@ class TapFolder {
     /// Adds the taps of an output that looks at `centre`.
     void Fold(int output, double centre, const Kernel& kernel, const Look& look);
 
+    /// Makes `list` the blocks of the outputs `outputs`, each of which looks where output `step` times as far does.
+    void FoldRange(Range outputs, int step, const Kernel& kernel, const Look& look, const KeptInputs& inputs,
+                   TapList* list);
+
     /// Appends what was collected as a block to `list`: one entry for each input that any output weighs.
     void Flush(const KeptInputs& inputs, TapList* list);
 

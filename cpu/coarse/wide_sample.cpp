@@ -87,17 +87,9 @@ void WideSample::Weigh(int task, TapFolder& folder) {
     const int chunk = task - 1;
     const int begin = coarse_.begin + chunk * kChunkColumns;
     const int end = std::min(begin + kChunkColumns, coarse_.end);
-    TapList& list = across_[static_cast<size_t>(chunk)];
     const Range kept = sample_->source->Columns();
-    const KeptInputs stored{{0, look.size}, kept, kept.begin, kTileRows};
-    list.Clear();
-    folder.Prepare(look.size);
-    for (int block = begin; block < end; block += kTapOutputs) {
-        for (int column = block; column < std::min(block + kTapOutputs, end); ++column) {
-            folder.Fold(column - block, look.At(column * sample_->decimation.columns), sample_->acrossKernel, look);
-        }
-        folder.Flush(stored, &list);
-    }
+    folder.FoldRange({begin, end}, sample_->decimation.columns, sample_->acrossKernel, look,
+                     {{0, look.size}, kept, kept.begin, kTileRows}, &across_[static_cast<size_t>(chunk)]);
 }
 
 void WideSample::WeighDown() {
