@@ -11,9 +11,6 @@ namespace umbrant::host {
 
 namespace {
 
-/// Differences are shown this much stronger than they are.
-constexpr double kStrength = 32.0;
-
 /// What two roundings of one value may put between it and a tolerance.
 constexpr double kHair = 1e-6;
 
@@ -46,10 +43,6 @@ double Apart(double a, double b) {
     return std::isnan(apart) ? std::numeric_limits<double>::infinity() : apart;
 }
 
-A_u_char Shown(double apart) {
-    return static_cast<A_u_char>(std::min(255.0, std::floor(apart * kStrength * 255.0 + 0.5)));
-}
-
 }  // namespace
 
 std::optional<Comparison> Compare(const Picture& first, const Picture& second, const Tolerance& tolerance,
@@ -62,7 +55,7 @@ std::optional<Comparison> Compare(const Picture& first, const Picture& second, c
     const int width = result.window.right - result.window.left;
     const int height = result.window.bottom - result.window.top;
     result.pixels = std::int64_t{width} * height;
-    result.difference = World::Create(width, height, Depth::k8);
+    result.differences.reserve(static_cast<std::size_t>(result.pixels));
     for (int y = result.window.top; y < result.window.bottom; ++y) {
         for (int x = result.window.left; x < result.window.right; ++x) {
             const Values a = ValuesAt(first, x, y, straight);
@@ -78,11 +71,7 @@ std::optional<Comparison> Compare(const Picture& first, const Picture& second, c
                 std::copy_n(a.channel, 4, result.first);
                 std::copy_n(b.channel, 4, result.second);
             }
-            if (result.difference.IsNull()) continue;
-            PF_Pixel& shown = static_cast<PF_Pixel*>(
-                static_cast<void*>(result.difference.Row(y - result.window.top)))[x - result.window.left];
-            shown = {255, Shown(std::max(apart[0], apart[1])), Shown(std::max(apart[0], apart[2])),
-                     Shown(std::max(apart[0], apart[3]))};
+            result.differences.push_back(static_cast<float>(worst));
         }
     }
     result.close = result.worst <= tolerance.hard + kHair && static_cast<double>(result.counted) * 100.0 <=

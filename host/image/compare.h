@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "host/image/picture.h"
 
@@ -24,16 +25,16 @@ struct Comparison {
     int y = 0;
     double first[4]{};  ///< premultiplied alpha, red, green, blue there
     double second[4]{};
-    std::int64_t counted = 0;  ///< pixels that differ by `warn` or more
-    std::int64_t pixels = 0;   ///< pixels compared: those that either picture covers
-    bool close = true;         ///< within the tolerance
-    World difference;          ///< 8-bit opaque picture of the differences, 32 times as strong; covers `window`
-    PF_LRect window{};         ///< the smallest that holds both pictures' windows
+    std::int64_t counted = 0;        ///< pixels that differ by `warn` or more
+    std::int64_t pixels = 0;         ///< pixels compared: those that either picture covers
+    bool close = true;               ///< within the tolerance
+    PF_LRect window{};               ///< the smallest that holds both pictures' windows
+    std::vector<float> differences;  ///< of each pixel of `window`, row by row: that of its worst channel
 };
 
 /// Compares two pictures in their frames; outside its window a picture is transparent. With `straight`, colours are
-/// compared as stored, also where nothing of them is seen. No value when the frames differ in size. The picture of the
-/// differences is null when memory for it cannot be had.
+/// compared as stored, also where nothing of them is seen. No value when the frames differ in size. Throws
+/// std::bad_alloc.
 std::optional<Comparison> Compare(const Picture& first, const Picture& second, const Tolerance& tolerance,
                                   bool straight = false);
 

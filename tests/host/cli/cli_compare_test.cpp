@@ -1,20 +1,26 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// `umbrant compare`: its codes, its line, its picture of the differences.
+// `umbrant compare`: its codes, its line, its heat map of the differences, its measures.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
 #include <nlohmann/json.hpp>
+#include <tuple>
 
+#include "host/cli/compare/heat_map.h"
 #include "tests/host/cli/in_process.h"
 
 namespace umbrant::host {
 
 namespace {
 
+using testing::EndsWith;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 class CliCompare : public testing::Test {
  protected:
@@ -48,13 +54,55 @@ TEST_F(CliCompare, TheThreeNumbersAreOptions) {
     EXPECT_EQ(RunInProcess(folder_, {"compare", "a.png", "b.png", "--percent", "0.1", "--warn", "0.01"}).code, 0);
 }
 
-TEST_F(CliCompare, TheDifferencesMayBeDrawn) {
+TEST_F(CliCompare, TheDifferencesMayBeDrawnAsAHeatMapWithAKey) {
     EXPECT_EQ(RunInProcess(folder_, {"compare", "a.png", "b.png", "--diff", "diff.png"}).code, 0);
-    Picture difference = Read(folder_ / "diff.png");
-    EXPECT_EQ(Pixel8(difference.pixels, 7, 4).red, 64);
-    EXPECT_EQ(Pixel8(difference.pixels, 7, 4).green, 0);
-    EXPECT_EQ(Pixel8(difference.pixels, 0, 0).red, 0);
-    EXPECT_EQ(Pixel8(difference.pixels, 0, 0).alpha, 255);
+    Picture map = Read(folder_ / "diff.png");
+    EXPECT_EQ(map.frameWidth, 360);
+    EXPECT_EQ(map.frameHeight, 10 + 56);
+    const auto expectColor = [&](int x, int y, const PF_Pixel& color) {
+        const PF_Pixel pixel = Pixel8(map.pixels, x, y);
+        EXPECT_EQ(std::tuple(pixel.alpha, pixel.red, pixel.green, pixel.blue),
+                  std::tuple(color.alpha, color.red, color.green, color.blue))
+            << x << ", " << y;
+    };
+    expectColor(7, 4, HeatColor(2 / 255.0));
+    expectColor(0, 0, {255, 0, 0, 0});
+    expectColor(20, 0, {255, 28, 28, 28});
+    // The key's bar, from the smallest difference to the largest.
+    expectColor(16, 10 + 30, HeatColor(0.25 / 255));
+    expectColor(16 + 327, 10 + 30, HeatColor(1));
+}
+
+TEST_F(CliCompare, LargerDifferencesHaveLighterColours) {
+    const auto lightness = [](double difference) {
+        const PF_Pixel color = HeatColor(difference);
+        return 0.2126 * color.red + 0.7152 * color.green + 0.0722 * color.blue;
+    };
+    double before = lightness(0);
+    for (const double steps : {0.25, 0.5, 1.0, 2.0, 4.0, 8.0, 16.0, 32.0, 64.0, 128.0, 255.0}) {
+        EXPECT_GT(lightness(steps / 255), before) << steps;
+        before = lightness(steps / 255);
+    }
+    EXPECT_EQ(lightness(std::numeric_limits<double>::infinity()), before);
+}
+
+TEST_F(CliCompare, AMeasureMayBeAskedForAndLimited) {
+    const Outcome same = RunInProcess(folder_, {"compare", "a.png", "a.png", "--metric", "psnr"});
+    EXPECT_EQ(same.code, 0);
+    EXPECT_THAT(same.out, EndsWith("; PSNR infinite\n"));
+    const Outcome psnr = RunInProcess(folder_, {"compare", "a.png", "b.png", "--metric", "psnr", "--json"});
+    // One channel of 800 is off by 2/255.
+    EXPECT_NEAR(nlohmann::json::parse(psnr.out)["psnr"], 10 * std::log10(800 / (4 / 65025.0)), 1e-9);
+    EXPECT_TRUE(nlohmann::json::parse(
+                    RunInProcess(folder_, {"compare", "a.png", "a.png", "--metric", "psnr", "--json"}).out)["psnr"]
+                    .is_null());
+    EXPECT_THAT(RunInProcess(folder_, {"compare", "a.png", "a.png", "--metric", "ssim", "--least", "1"}).out,
+                EndsWith("; SSIM 1.00000\n"));
+    const Outcome below = RunInProcess(folder_, {"compare", "a.png", "b.png", "--metric", "ssim", "--least", "1"});
+    EXPECT_EQ(below.code, 1);
+    EXPECT_THAT(below.out, StartsWith("different: "));
+    EXPECT_EQ(RunInProcess(folder_, {"compare", "a.png", "b.png", "--least", "1"}).code, 2);
+    EXPECT_EQ(RunInProcess(folder_, {"compare", "a.png", "b.png", "--metric", "vmaf"}).code, 2);
 }
 
 TEST_F(CliCompare, AsJson) {

@@ -12,11 +12,14 @@
 #include <cstdlib>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 
 #include "host/cli/command.h"
+#include "host/cli/compare/heat_map.h"
 #include "host/cli/option_checks.h"
 #include "host/cli/results.h"
+#include "host/image/similarity.h"
 
 namespace umbrant::host {
 
@@ -29,6 +32,8 @@ struct CompareOptions {
     double percent = Tolerance{}.percent;
     std::string hard = "3/255";
     std::string difference;
+    std::string metric;
+    std::optional<double> least;
     bool straight = false;
     bool json = false;
 };
@@ -54,18 +59,30 @@ std::string PixelText(const double (&channels)[4]) {
                        channels[3]);
 }
 
-std::string Text(const Comparison& result) {
+/// A measure that was asked for, beside the differences.
+struct Measure {
+    std::string name;
+    double value = 0;
+
+    std::string Text() const {
+        if (name == "psnr") return std::isinf(value) ? "PSNR infinite" : fmt::format("PSNR {:.2f} dB", value);
+        return fmt::format("SSIM {:.5f}", value);
+    }
+};
+
+std::string Text(const Comparison& result, const std::optional<Measure>& measure) {
     std::string text = fmt::format("{}: worst difference {:.6g} ({:.4g}/255)", result.close ? "close" : "different",
                                    result.worst, result.worst * 255.0);
     if (result.worst > 0) {
         text += fmt::format(" at ({}, {}): {} against {}", result.x, result.y, PixelText(result.first),
                             PixelText(result.second));
     }
-    return text + fmt::format("; {} of {} pixels differ by the warning step or more\n", result.counted, result.pixels);
+    text += fmt::format("; {} of {} pixels differ by the warning step or more", result.counted, result.pixels);
+    return text + (measure ? "; " + measure->Text() : "") + "\n";
 }
 
-std::string Json(const Comparison& result) {
-    const nlohmann::ordered_json json = {
+std::string Json(const Comparison& result, const std::optional<Measure>& measure) {
+    nlohmann::ordered_json json = {
         {"close", result.close},
         {"worst", result.worst},
         {"x", result.x},
@@ -75,6 +92,8 @@ std::string Json(const Comparison& result) {
         {"counted", result.counted},
         {"pixels", result.pixels},
     };
+    // JSON has no infinity; null stands for it.
+    if (measure) json[measure->name] = measure->value;
     return json.dump(2) + "\n";
 }
 
@@ -88,16 +107,21 @@ Result<ExitCode> RunCompare(const CompareOptions& options) {
 
     const auto first = TRY(ReadPicture(options.first));
     const auto second = TRY(ReadPicture(options.second));
-    const auto result = Compare(first, second, tolerance, options.straight);
+    auto result = Compare(first, second, tolerance, options.straight);
     if (!result) {
         PrintResult(fmt::format("different: {} x {} against {} x {} pixels\n", first.frameWidth, first.frameHeight,
                                 second.frameWidth, second.frameHeight));
         return ExitCode::kEffectFailed;
     }
-    PrintResult(options.json ? Json(*result) : Text(*result));
+    std::optional<Measure> measure;
+    if (!options.metric.empty()) {
+        measure = {options.metric, *(options.metric == "psnr" ? Psnr(first, second) : Ssim(first, second))};
+        if (options.least && measure->value < *options.least) result->close = false;
+    }
+    PrintResult(options.json ? Json(*result, measure) : Text(*result, measure));
     if (!options.difference.empty()) {
-        const Placement place{result->window, first.frameWidth, first.frameHeight};
-        TRY(WritePicture(options.difference, result->difference, place));
+        const World map = TRY(DrawHeatMap(*result));
+        TRY(WritePicture(options.difference, map, {{0, 0, map.Width(), map.Height()}, map.Width(), map.Height()}));
     }
     return result->close ? ExitCode::kDone : ExitCode::kEffectFailed;
 }
@@ -113,7 +137,9 @@ Command CompareCommand() {
         "  umbrant compare actual.png expected.png\n"
         "  umbrant compare actual.png expected.png --warn 1/255 --percent 0.5 --hard 3/255 --diff diff.png\n"
         "      at most 0.5 percent of the pixels differ by 1/255 or more, and none by more than 3/255;\n"
-        "      the differences are drawn 32 times as strong";
+        "      the differences are drawn as a heat map with a key\n"
+        "  umbrant compare actual.png expected.png --metric ssim --least 0.98\n"
+        "      images whose structural similarity is below 0.98 are not close either";
     command.options = [options](CLI::App& app) {
         app.add_option("FIRST", options->first, "The first image")->required();
         app.add_option("SECOND", options->second, "The second image")->required();
@@ -124,7 +150,18 @@ Command CompareCommand() {
                        "How many pixels may count as different, in percent (default 0.5)")
             ->check([](const std::string& text) { return OutOfRange(text, 0.0, 100.0); });
         app.add_option("--hard", options->hard, "No pixel may differ by more (default 3/255)")->type_name("STEP");
-        app.add_option("--diff", options->difference, "Where to write an image of the differences")->type_name("IMAGE");
+        app.add_option("--diff", options->difference, "Where to write a heat map of the differences")
+            ->type_name("IMAGE");
+        CLI::Option* metric =
+            app.add_option("--metric", options->metric,
+                           "Also report the peak signal-to-noise ratio in decibels, or the structural "
+                           "similarity, -1 to 1 for equal images")
+                ->check(CLI::IsMember({"psnr", "ssim"}))
+                ->type_name("psnr|ssim");
+        app.add_option("--least", options->least, "With --metric: below this value the images are not close")
+            ->check([](const std::string& text) { return OutOfRange(text, -1.0, 1000.0); })
+            ->type_name("VALUE")
+            ->needs(metric);
         app.add_flag("--straight", options->straight, "Compare colours as stored instead of premultiplied by alpha");
         app.add_flag("--json", options->json, "Print JSON");
     };
