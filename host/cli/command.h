@@ -28,6 +28,7 @@ struct Command {
 
 Command RenderCommand();
 Command ParamsCommand();
+Command PresetsCommand();
 Command InfoCommand();
 Command CompareCommand();
 Command PanelCommand();

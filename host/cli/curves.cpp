@@ -17,6 +17,7 @@
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
 #include "host/cli/output_folder.h"
+#include "host/cli/presets/named_presets.h"
 #include "host/cli/render/sequence_report.h"
 #include "host/cli/results.h"
 #include "host/cli/settings.h"
@@ -139,7 +140,7 @@ Command CurvesCommand() {
     command.options = [options](CLI::App& app) {
         app.add_option("--preset", options->preset, "The preset with the keyframes")
             ->required()
-            ->type_name("FILE.json");
+            ->type_name("NAME|FILE.json");
         app.add_option("--set", options->settings, "A parameter's constant value, which replaces its keyframes")
             ->type_name("PATH=VALUE")
             ->allow_extra_args(false);
@@ -162,7 +163,10 @@ Command CurvesCommand() {
                        "The effect's module (default: UMBRANT_MODULE, else the program's own module)")
             ->type_name("FILE");
     };
-    command.run = [options] { return Curves(*options); };
+    command.run = [options]() -> Result<ExitCode> {
+        options->preset = TRY(PresetFile(options->preset));
+        return Curves(*options);
+    };
     return command;
 }
 

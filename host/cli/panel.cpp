@@ -16,6 +16,7 @@
 #include "host/cli/opened_module.h"
 #include "host/cli/option_checks.h"
 #include "host/cli/output_folder.h"
+#include "host/cli/presets/named_presets.h"
 #include "host/cli/results.h"
 #include "host/cli/settings.h"
 #include "host/image/picture.h"
@@ -185,7 +186,7 @@ Command PanelCommand() {
         app.add_option("-o,--output", options->output, "The image to write: " + WritableFormats());
         CLI::Option* preset =
             app.add_option("--preset", options->preset, "Values and keyframes from a preset; --set overrides them")
-                ->type_name("FILE.json");
+                ->type_name("NAME|FILE.json");
         app.add_option("--time", options->seconds, "The time at which keyframes are shown")
             ->check([](const std::string& text) { return OutOfRange(text, 0.0, kLongestTime); })
             ->needs(preset)
@@ -227,7 +228,10 @@ Command PanelCommand() {
                        "The effect's module (default: UMBRANT_MODULE, else the program's own module)")
             ->type_name("FILE");
     };
-    command.run = [options] { return Panel(*options); };
+    command.run = [options]() -> Result<ExitCode> {
+        options->preset = TRY(PresetFile(options->preset));
+        return Panel(*options);
+    };
     return command;
 }
 

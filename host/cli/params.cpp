@@ -16,6 +16,7 @@
 #include "host/animation/value_json.h"
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
+#include "host/cli/presets/named_presets.h"
 #include "host/cli/results.h"
 #include "host/cli/settings.h"
 #include "host/parameters/param_kind.h"
@@ -227,14 +228,17 @@ Command ParamsCommand() {
             app.add_flag("--values", options->values, "Print only the values, as a preset for `render --preset`")
                 ->needs(json);
         app.add_option("--preset", options->preset, "With --values: a preset to start from")
-            ->type_name("FILE.json")
+            ->type_name("NAME|FILE.json")
             ->needs(values);
         app.add_option("--set", options->settings, "With --values: a parameter's value; may be given many times")
             ->type_name("PATH=VALUE")
             ->allow_extra_args(false)
             ->needs(values);
     };
-    command.run = [options] { return Params(*options); };
+    command.run = [options]() -> Result<ExitCode> {
+        options->preset = TRY(PresetFile(options->preset));
+        return Params(*options);
+    };
     return command;
 }
 

@@ -17,6 +17,7 @@
 #include "host/cli/command.h"
 #include "host/cli/opened_module.h"
 #include "host/cli/option_checks.h"
+#include "host/cli/presets/named_presets.h"
 #include "host/cli/render/render_options.h"
 #include "host/cli/results.h"
 #include "host/cli/settings.h"
@@ -136,7 +137,7 @@ Command PreviewCommand() {
         app.add_option("--texture", options->texture, "An image for the effect's layer parameters")->type_name("IMAGE");
         app.add_option("--preset", options->preset,
                        "Values to begin with, from a preset; keyframes are shown at time 0; --set overrides them")
-            ->type_name("FILE.json");
+            ->type_name("NAME|FILE.json");
         app.add_option("--set", options->settings, "A parameter's value to begin with; may be given many times")
             ->type_name("PATH=VALUE")
             ->allow_extra_args(false);
@@ -160,7 +161,10 @@ Command PreviewCommand() {
                        "The effect's module (default: UMBRANT_MODULE, else the program's own module)")
             ->type_name("FILE");
     };
-    command.run = [options] { return Run(*options); };
+    command.run = [options]() -> Result<ExitCode> {
+        options->preset = TRY(PresetFile(options->preset));
+        return Run(*options);
+    };
     return command;
 }
 

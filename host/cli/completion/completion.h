@@ -22,7 +22,7 @@ struct CompletionValue {
         kNone,     ///< a flag
         kText,     ///< anything; nothing to suggest
         kChoices,  ///< one of `choices`; a text of another form may be right too
-        kFile,
+        kFile,     ///< or one of `choices`
         kSetting,  ///< PATH=VALUE of a parameter
         kRow,      ///< a row of the panel
     };

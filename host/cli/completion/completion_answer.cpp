@@ -95,6 +95,10 @@ CompletionAnswer Settings(std::string prefix, std::string_view text, const std::
     return answer;
 }
 
+bool AnyBegins(const std::vector<std::string>& words, std::string_view text) {
+    return std::any_of(words.begin(), words.end(), [&](const std::string& word) { return word.starts_with(text); });
+}
+
 /// `text` is what follows the prefix.
 CompletionAnswer ValueAnswer(const CompletionValue& value, std::string prefix, std::string_view text,
                              const std::function<CompletionRows()>& rows) {
@@ -105,6 +109,7 @@ CompletionAnswer ValueAnswer(const CompletionValue& value, std::string prefix, s
         case Kind::kChoices:
             return Words(std::move(prefix), value.choices);
         case Kind::kFile:
+            if (AnyBegins(value.choices, text)) return Words(std::move(prefix), value.choices);
             return {AnswerKind::kFiles, std::move(prefix), {}};
         case Kind::kSetting:
             return Settings(std::move(prefix), text, rows().settings);

@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "host/cli/completion/completion.h"
+#include "host/cli/presets/named_presets.h"
 #include "host/image/exr/compression_names.h"
 #include "host/parameters/param_kind.h"
 #include "host/parameters/param_path.h"
@@ -47,6 +48,15 @@ std::vector<std::string> ChoicesOf(const std::string& type) {
     return words;
 }
 
+std::vector<std::string> PresetNames() {
+    std::vector<std::string> names;
+    // A folder that cannot be read is a matter for the command itself.
+    if (const auto presets = NamedPresets()) {
+        for (const NamedPreset& preset : *presets) names.push_back(preset.name);
+    }
+    return names;
+}
+
 /// What the help calls a value: its type up to the checks.
 std::string ShownType(const std::string& type) {
     return type.substr(0, type.find(':'));
@@ -62,6 +72,11 @@ CompletionValue ValueOf(const CLI::Option& option) {
     if (option.check_lname("codec")) value.choices = Split(ClipCodecNames(), ' ');
     if (option.check_lname("compression")) value.choices = CompressionNames();
     for (std::string& word : value.choices) std::erase(word, ',');
+    if (option.check_lname("preset")) {
+        value.kind = Kind::kFile;
+        value.choices = PresetNames();
+        return value;
+    }
     const auto begins = [&](const char* text) { return shown.rfind(text, 0) == 0; };
     if (!value.choices.empty()) {
         value.kind = Kind::kChoices;

@@ -8,6 +8,7 @@
 
 #include "host/cli/command.h"
 #include "host/cli/option_checks.h"
+#include "host/cli/presets/named_presets.h"
 #include "host/cli/render/render_options.h"
 #include "host/image/picture.h"
 #include "host/render/canvas_choice.h"
@@ -67,7 +68,7 @@ void AddFileOptions(CLI::App& app, RenderOptions& options) {
 void AddValueOptions(CLI::App& app, RenderOptions& options) {
     app.add_option("--preset", options.preset,
                    "Values from a preset, as written by `umbrant params --json --values`; --set overrides them")
-        ->type_name("FILE.json");
+        ->type_name("NAME|FILE.json");
     app.add_option("--set", options.settings, "A parameter's value; may be given many times")
         ->type_name("PATH=VALUE")
         ->allow_extra_args(false);
@@ -154,7 +155,10 @@ Command RenderCommand(const std::shared_ptr<RenderOptions>& options) {
                      "Print a report instead of the path: rectangles, milliseconds by stage, driver, suites");
         app.add_flag("--verbose", options->verbose, "Log each command with its time, the rectangles and the suites");
     };
-    command.run = [options] { return Render(*options); };
+    command.run = [options]() -> Result<ExitCode> {
+        options->preset = TRY(PresetFile(options->preset));
+        return Render(*options);
+    };
     return command;
 }
 
