@@ -205,7 +205,7 @@ async function begin() {
 async function showLayer() {
   find("empty").hidden = Boolean(state.layer);
   stage.element.classList.toggle("is-empty", !state.layer);
-  for (const id of ["copy", "render", "sheet"]) find(id).disabled = !state.layer;
+  for (const id of ["copy", "render", "contact-sheet"]) find(id).disabled = !state.layer;
   if (!state.layer) return stage.clear();
   const { id, width, height, moving } = state.layer;
   const { frames = "", rate = "", frame = 0 } = moving ? time.request() : {};

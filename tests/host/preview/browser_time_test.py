@@ -55,9 +55,10 @@ class InTime(InTheBrowser):
         return json.loads(preset.read_text())
 
     def type(self, page, selector, text):
-        field = page.find(selector)
-        field.clear()
-        field.send_keys(f"{text}\n")
+        # Emptying the field would be a change of its own.
+        from selenium.webdriver.common.keys import Keys
+
+        page.find(selector).send_keys(Keys.CONTROL, "a", Keys.CONTROL, f"{text}\n")
 
     def go_to(self, page, frame):
         self.type(page, "#frame-number", frame)
@@ -227,7 +228,7 @@ class Leaving(InTime):
         page.settle()
         page.run("""document.getElementById('backdrop').value = 'color';
             document.getElementById('backdrop').dispatchEvent(new Event('change'));""")
-        page.find("#sheet").click()
+        page.find("#contact-sheet").click()
         page.run("""for (const [id, value] of [['across', 'style/distance'], ['down', 'style/softness']])
             document.getElementById(`sheet-${id}`).value = value;""")
         page.run("document.getElementById('sheet-down-values').value = '0 60'")

@@ -100,7 +100,7 @@ class Accessibility(Checked):
         page.wait("return document.querySelectorAll('#curve svg').length === 1")
         page.settle()
         self.check(f"{theme}: the timeline with a key and its curve")
-        for button, dialog in (("#render", "#render-dialog"), ("#sheet", "#sheet-dialog")):
+        for button, dialog in (("#render", "#render-dialog"), ("#contact-sheet", "#sheet-dialog")):
             page.find(button).click()
             page.wait("return document.querySelector(arguments[0]).open", dialog)
             self.check(f"{theme}: {dialog}")

@@ -130,7 +130,7 @@ function listenToSheet(page, layerName) {
     field.disabled = !row;
     field.value = row ? proposedValues(row.declared, page.panel.current[row.declared.key]?.text ?? "") : "";
   };
-  find("sheet").addEventListener("click", () => {
+  find("contact-sheet").addEventListener("click", () => {
     fillChoices(page);
     for (const which of /** @type {("across" | "down")[]} */ (["across", "down"])) {
       if (!find(`sheet-${which}-values`).value) propose(which);
