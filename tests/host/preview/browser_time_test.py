@@ -152,6 +152,26 @@ class Keys(InTime):
         self.assertEqual(preset["keyframes"]["style/angle"][0]["value"], 33)
 
 
+class Tabs(InTime):
+    def test_two_tabs_have_their_own_keys(self):
+        page = self.open("card.png", "--preset", "moving.json", "--renderer", "cpu")
+        page.settle()
+        self.go_to(page, 9)
+        first = page.driver.current_window_handle
+        page.driver.switch_to.new_window("tab")
+        page.driver.get(page.address)
+        page.wait("return Boolean(window.umbrantFrame)")
+        page.settle()
+        self.assertEqual(self.shown(page)["index"], 0)
+        key(page, "#ruler", "HOME")
+        self.type(page, row("style/angle", "input[type=text]"), "90")
+        page.settle()
+        self.assertEqual(self.shown(page)["keyframes"]["style/angle"][0]["value"], "90")
+        page.driver.switch_to.window(first)
+        preset = self.check_frame_of_preset(page, 9, "the first tab, as before")
+        self.assertEqual(preset["keyframes"]["style/angle"][0]["value"], 20)
+
+
 class Playing(InTime):
     def test_a_loop_counts_what_it_drops_and_keeps_to_its_memory(self):
         page = self.open("card.png", "--preset", "moving.json", "--renderer", "cpu")

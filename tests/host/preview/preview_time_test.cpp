@@ -10,6 +10,7 @@
 #include <sstream>
 
 #include "tests/host/preview/preview_client.h"
+#include "tests/host/video/clips.h"
 
 namespace umbrant::host {
 
@@ -21,7 +22,7 @@ using testing::HasSubstr;
 constexpr char kMoving[] = R"({"version": 2, "values": {"style/softness": 12}, "keyframes": {
     "style/angle": [{"frame": 1, "value": 20, "out": "ease"}, {"frame": 9, "value": 200, "in": "ease"}],
     "style/distance": [{"frame": 1, "value": 10}, {"frame": 9, "value": 40}],
-    "style/shadow-type": [{"frame": 1, "value": "normal"}, {"frame": 8, "value": "inner"}]}})";
+    "quality/resolution": [{"frame": 1, "value": "draft"}, {"frame": 8, "value": "high"}]}})";
 
 std::string BytesOf(const std::filesystem::path& file) {
     std::ifstream stream(file, std::ios::binary);
@@ -136,6 +137,50 @@ TEST_F(PreviewTime, ASequenceIsShownFrameByFrame) {
     EXPECT_THAT(failure["sentence"].get<std::string>(), HasSubstr("in.0005.png"));
     request["frame"] = 0;
     EXPECT_TRUE(page.DrawThis(request).is_object()) << "the session goes on";
+}
+
+TEST_F(PreviewTime, AnEffectThatLooksAtOtherTimesSeesThem) {
+    for (const int frame : {1, 2, 3}) {
+        WriteLayer(folder_ / ("in.000" + std::to_string(frame) + ".png"), 5, 3,
+                   {255, static_cast<A_u_char>(40 * frame), 100, 50});
+    }
+    const std::vector<std::string> module = {"--module", TestModule("looking_painter")};
+    const RunningPreview preview(folder_, {"in.####.png", module[0], module[1]});
+    Page page(preview);
+    json request = Beginning(preview, page);
+    for (const int frame : {3, 1, 2}) {
+        request["frame"] = frame - 1;
+        const json drawn = page.DrawThis(request);
+        ASSERT_TRUE(drawn.is_object());
+        Render({"in.####.png", "-o", "out.####.png", "--frames", std::to_string(frame), module[0], module[1]});
+        EXPECT_TRUE(page.Pixels(drawn) == RgbaOf(Read(folder_ / ("out.000" + std::to_string(frame) + ".png")).pixels))
+            << frame;
+    }
+}
+
+TEST_F(PreviewTime, AClipIsShownFrameByFrame) {
+    NEEDS_FFMPEG();
+    const ProgramRun made = [&] {
+        ProgramStart start;
+        start.folder = folder_.Path().string();
+        return RunProgram(Words("ffmpeg -nostdin -v error -y " + Clip("-c:v ffv1 clip.mkv")), start);
+    }();
+    ASSERT_EQ(made.code, 0) << made.errors;
+    const RunningPreview preview(folder_, {"clip.mkv", "--renderer", "cpu", "--set", "style/distance=5"});
+    Page page(preview);
+    json request = Beginning(preview, page);
+    const json panel = preview.Get("panel").Json();
+    EXPECT_EQ(panel["frames"], "0-11");
+    EXPECT_EQ(panel["rate"], "30000/1001");
+    EXPECT_EQ(panel["rateIsFixed"], true);
+    for (const int frame : {7, 2}) {
+        request["frame"] = frame;
+        const json drawn = page.DrawThis(request);
+        ASSERT_TRUE(drawn.is_object());
+        Render({"clip.mkv", "-o", "out.####.png", "--set", "style/distance=5", "--frames", std::to_string(frame)});
+        EXPECT_TRUE(page.Pixels(drawn) == RgbaOf(Read(folder_ / ("out.000" + std::to_string(frame) + ".png")).pixels))
+            << frame;
+    }
 }
 
 TEST_F(PreviewTime, ACanvasAndATexturesPlaceAreThoseOfRender) {
