@@ -167,6 +167,58 @@ Result<ExitCode> Run(const PreviewCommandOptions& options) {
     return ExitCode::kDone;
 }
 
+/// What is drawn, and how.
+void AddPictureOptions(CLI::App& app, PreviewCommandOptions& options) {
+    app.add_option("INPUT", options.input,
+                   "The layer: PNG, TIFF, JPEG, EXR, ...; a pattern such as in.####.png; a clip; the page can load "
+                   "other images");
+    app.add_option("--texture", options.texture, "An image for the effect's layer parameters")->type_name("IMAGE");
+    app.add_option("--preset", options.preset,
+                   "Values and keyframes to begin with, from a preset; --set overrides them")
+        ->type_name("FILE.json");
+    app.add_option("--set", options.settings, "A parameter's value to begin with; may be given many times")
+        ->type_name("PATH=VALUE")
+        ->allow_extra_args(false);
+    app.add_option("--texture-at", options.textureAt,
+                   "Position of the texture's top-left corner, in pixels of the full-size layer")
+        ->needs("--texture")
+        ->check(ValidatePoint)
+        ->type_name("X,Y");
+    AddFrameOptions(app, options.sequence);
+    app.add_option("--canvas", options.canvas,
+                   "grow: the layer and its shadow (default), in the files of many frames those of all; frame: each "
+                   "frame's own; layer: the layer's rectangle; or a rectangle in pixels of the full-size layer, "
+                   "right and bottom exclusive")
+        ->check([](const std::string& text) {
+            const auto canvas = ParseCanvas(text);
+            return canvas ? std::string() : canvas.error().sentence;
+        })
+        ->type_name("grow|frame|layer|LEFT,TOP,RIGHT,BOTTOM");
+    app.add_option("--depth", options.depth,
+                   "Bits per channel of the render (default: those of the layer; 16 become 32)")
+        ->check(ValidateDepth)
+        ->type_name("8|32");
+}
+
+/// The page's server, and what draws for it.
+void AddServerOptions(CLI::App& app, PreviewCommandOptions& options) {
+    app.add_option("--port", options.port, "The port of the page's address (default: a free one)")
+        ->check(CLI::Range(1, 65535))
+        ->type_name("N");
+    app.add_flag("--no-open", options.noOpen, "Only print the address; do not open a browser");
+    app.add_option("--idle-exit", options.idleMinutes, "End when no page has been open for this long")
+        ->check([](const std::string& text) { return OutOfRange(text, 0.01, kLongestIdle); })
+        ->type_name("MINUTES");
+    app.add_option("--renderer", options.renderer,
+                   "gl: the GPU renderer (OpenGL); cpu: the CPU renderer; auto: the GPU renderer where OpenGL is "
+                   "hardware, else the CPU renderer (default: UMBRANT_RENDERER, else auto)")
+        ->check(CLI::IsMember({"auto", "gl", "cpu"}))
+        ->type_name("auto|gl|cpu");
+    app.add_option("--module", options.module,
+                   "The effect's module (default: UMBRANT_MODULE, else the program's own module)")
+        ->type_name("FILE");
+}
+
 }  // namespace
 
 Command PreviewCommand() {
@@ -176,51 +228,8 @@ Command PreviewCommand() {
     command.summary = "Show the picture and the panel in the browser; the picture follows the controls";
     command.examples = kExamples;
     command.options = [options](CLI::App& app) {
-        app.add_option("INPUT", options->input,
-                       "The layer: PNG, TIFF, JPEG, EXR, ...; a pattern such as in.####.png; a clip; the page can load "
-                       "other images");
-        app.add_option("--texture", options->texture, "An image for the effect's layer parameters")->type_name("IMAGE");
-        app.add_option("--preset", options->preset,
-                       "Values and keyframes to begin with, from a preset; --set overrides them")
-            ->type_name("FILE.json");
-        app.add_option("--set", options->settings, "A parameter's value to begin with; may be given many times")
-            ->type_name("PATH=VALUE")
-            ->allow_extra_args(false);
-        app.add_option("--texture-at", options->textureAt,
-                       "Position of the texture's top-left corner, in pixels of the full-size layer")
-            ->needs("--texture")
-            ->check(ValidatePoint)
-            ->type_name("X,Y");
-        AddFrameOptions(app, options->sequence);
-        app.add_option(
-               "--canvas", options->canvas,
-               "grow: the layer and its shadow (default), in the files of many frames those of all; frame: each "
-               "frame's own; layer: the layer's rectangle; or a rectangle in pixels of the full-size layer, "
-               "right and bottom exclusive")
-            ->check([](const std::string& text) {
-                const auto canvas = ParseCanvas(text);
-                return canvas ? std::string() : canvas.error().sentence;
-            })
-            ->type_name("grow|frame|layer|LEFT,TOP,RIGHT,BOTTOM");
-        app.add_option("--depth", options->depth,
-                       "Bits per channel of the render (default: those of the layer; 16 become 32)")
-            ->check(ValidateDepth)
-            ->type_name("8|32");
-        app.add_option("--port", options->port, "The port of the page's address (default: a free one)")
-            ->check(CLI::Range(1, 65535))
-            ->type_name("N");
-        app.add_flag("--no-open", options->noOpen, "Only print the address; do not open a browser");
-        app.add_option("--idle-exit", options->idleMinutes, "End when no page has been open for this long")
-            ->check([](const std::string& text) { return OutOfRange(text, 0.01, kLongestIdle); })
-            ->type_name("MINUTES");
-        app.add_option("--renderer", options->renderer,
-                       "gl: the GPU renderer (OpenGL); cpu: the CPU renderer; auto: the GPU renderer where OpenGL is "
-                       "hardware, else the CPU renderer (default: UMBRANT_RENDERER, else auto)")
-            ->check(CLI::IsMember({"auto", "gl", "cpu"}))
-            ->type_name("auto|gl|cpu");
-        app.add_option("--module", options->module,
-                       "The effect's module (default: UMBRANT_MODULE, else the program's own module)")
-            ->type_name("FILE");
+        AddPictureOptions(app, *options);
+        AddServerOptions(app, *options);
     };
     command.run = [options] { return Run(*options); };
     return command;

@@ -180,7 +180,7 @@ class Playing(InTime):
         state = page.wait("const { player } = umbrantState(); return player.rounds > 1 && player.kept === 9 ? player : null")
         self.assertGreater(state["shown"], 3)
         self.assertLessEqual(state["bytes"], state["mostBytes"])
-        self.assertRegex(page.find("#played").text, r"^\d+ dropped\s+9 of 9 kept$")
+        self.assertRegex(page.find("#played").text, r"^\d+ dropped · 9 of 9 kept$")
         self.type(page, row("style/softness", "input[type=text]"), "40")
         page.wait("const { player, shown } = umbrantState(); return player.kept === 9 && shown.values['style/softness']")
         page.find("#play").click()

@@ -163,7 +163,7 @@ TEST_F(PreviewTime, AClipIsShownFrameByFrame) {
     const ProgramRun made = [&] {
         ProgramStart start;
         start.folder = folder_.Path().string();
-        return RunProgram(Words("ffmpeg -nostdin -v error -y " + Clip("-c:v ffv1 clip.mkv")), start);
+        return RunProgram(Words("ffmpeg -nostdin -v error -y " + Clip("-c:v ffv1 -pix_fmt bgra clip.mkv")), start);
     }();
     ASSERT_EQ(made.code, 0) << made.errors;
     const RunningPreview preview(folder_, {"clip.mkv", "--renderer", "cpu", "--set", "style/distance=5"});

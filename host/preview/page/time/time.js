@@ -112,6 +112,7 @@ export class Time {
       });
     }
     document.addEventListener("keydown", (event) => this.keyDown(event));
+    matchMedia("(prefers-color-scheme: dark)").addEventListener("change", () => this.showPlayed());
   }
 
   /** @param {KeyboardEvent} event */
@@ -233,9 +234,8 @@ export class Time {
     const { player } = this;
     find("play").textContent = player.isPlaying ? "Stop" : "Play";
     find("play").setAttribute("aria-pressed", String(player.isPlaying));
-    const dropped = player.shown ? `${player.dropped} dropped` : "";
-    const kept = player.cache.frames.size;
-    find("played").textContent = player.isPlaying || player.shown ? `${dropped}   ${kept} of ${this.timeline.numbers.length} kept`.trim() : "";
+    const kept = `${player.cache.frames.size} of ${this.timeline.numbers.length} kept`;
+    find("played").textContent = player.isPlaying || player.shown ? `${player.dropped} dropped · ${kept}` : "";
     this.timeline.showKept([...player.cache.frames.keys()]);
   }
 
