@@ -11,6 +11,7 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -18,11 +19,14 @@
 #include "host/cli/opened_module.h"
 #include "host/cli/option_checks.h"
 #include "host/cli/presets/named_presets.h"
+#include "host/cli/render/clip_endpoints.h"
 #include "host/cli/render/render_options.h"
+#include "host/cli/render/render_plan.h"
 #include "host/cli/results.h"
 #include "host/cli/settings.h"
 #include "host/preview/preview.h"
 #include "host/process/program_start.h"
+#include "host/render/canvas_choice.h"
 #include "host/session/renderer.h"
 
 namespace umbrant::host {
@@ -36,6 +40,8 @@ constexpr char kExamples[] =
     "      the page offers example layers, and takes images that are dropped on it\n"
     "  umbrant preview card.exr --texture paper.png --preset long.json --set style/angle=45\n"
     "      begins with a texture and with the values of a preset\n"
+    "  umbrant preview in.####.exr --preset moving.json\n"
+    "      a sequence and keyframes, with a timeline\n"
     "  umbrant preview title.png --no-open --port 8080 --idle-exit 10\n"
     "      only prints the address; ends ten minutes after the last page was closed";
 
@@ -49,6 +55,9 @@ struct PreviewCommandOptions {
     std::string depth;
     std::string renderer;
     std::string module;
+    std::string canvas;
+    std::string textureAt = "0,0";
+    SequenceOptions sequence;
     int port = 0;
     bool noOpen = false;
     double idleMinutes = 0;
@@ -74,10 +83,44 @@ Result<PreviewEffect> Open(const PreviewCommandOptions& options, int layerWidth,
 std::vector<std::string> RenderArguments(const PreviewCommandOptions& options) {
     std::vector<std::string> arguments;
     for (const auto& [name, value] : {std::pair("--depth", &options.depth), std::pair("--renderer", &options.renderer),
-                                      std::pair("--module", &options.module)}) {
+                                      std::pair("--module", &options.module), std::pair("--canvas", &options.canvas)}) {
         if (!value->empty()) arguments.insert(arguments.end(), {name, *value});
     }
+    if (options.textureAt != "0,0") arguments.insert(arguments.end(), {"--texture-at", options.textureAt});
+    const SequenceOptions& sequence = options.sequence;
+    for (const auto& [name, value] :
+         {std::pair("--zero-frame", sequence.zeroFrame), std::pair("--input-offset", sequence.inputOffset),
+          std::pair("--texture-offset", sequence.textureOffset)}) {
+        if (value != 0) arguments.insert(arguments.end(), {name, std::to_string(value)});
+    }
+    if (sequence.missing != "error") arguments.insert(arguments.end(), {"--missing", sequence.missing});
     return arguments;
+}
+
+/// The frames of the input and the texture; `clips` has those that are clips, and must outlive them.
+Result<ShotOptions> ShotOf(const PreviewCommandOptions& options, ClipEndpoints& clips) {
+    RenderOptions render;
+    render.input = options.input;
+    render.texture = options.texture;
+    render.sequence = options.sequence;
+    const auto many = TRY(MeansSequence(render));
+    ShotOptions shot;
+    shot.request = TRY(SequenceRequest(render));
+    if (!many) return shot;
+    TRY(clips.Open(render, shot.request));
+    LayerOptions readers;
+    clips.Connect(readers);
+    shot.inputClip = readers.inputClip;
+    shot.textureClip = readers.textureClip;
+    const auto moves = [](const std::string& path, const std::optional<int>& clip) -> Result<bool> {
+        const auto source = TRY(FrameSource::Find(path, 0, clip));
+        return source.HasFrames();
+    };
+    shot.inputMoves = TRY(moves(options.input, shot.request.inputClip));
+    shot.textureMoves = TRY(moves(options.texture, shot.request.textureClip));
+    shot.isAsked = true;
+    shot.hasFixedRate = clips.Reads();
+    return shot;
 }
 
 /// Opens the address with the desktop's program for it. A failure is reported, and the preview goes on.
@@ -100,13 +143,14 @@ Result<ExitCode> Run(const PreviewCommandOptions& options) {
     TRY(ReadRendererPreference(options.renderer));
     PreviewOptions preview;
     preview.open = [&options](int width, int height) { return Open(options, width, height); };
-    preview.setValues = [&options](ParamSet& params) -> Result<Done> {
-        AnimatedParams animated{params, {}};
-        TRY(ApplyValues(options.preset, options.settings, animated));
-        // The values at the time of a single image.
-        params = animated.animation.ValuesAt(animated.values, 0, {});
-        return Done{};
+    preview.setValues = [&options](AnimatedParams& params) {
+        return ApplyValues(options.preset, options.settings, params);
     };
+    ClipEndpoints clips;
+    preview.shot = TRY(ShotOf(options, clips));
+    preview.preset = options.preset;
+    preview.canvas = TRY(ParseCanvas(options.canvas.empty() ? "grow" : options.canvas));
+    std::tie(preview.textureX, preview.textureY) = ParsePoint(options.textureAt).value_or(std::pair(0.0, 0.0));
     if (!options.depth.empty()) preview.depth = options.depth == "8" ? Depth::k8 : Depth::k32;
     preview.input = options.input;
     preview.texture = options.texture;
@@ -124,6 +168,58 @@ Result<ExitCode> Run(const PreviewCommandOptions& options) {
     return ExitCode::kDone;
 }
 
+/// What is drawn, and how.
+void AddPictureOptions(CLI::App& app, PreviewCommandOptions& options) {
+    app.add_option("INPUT", options.input,
+                   "The layer: PNG, TIFF, JPEG, EXR, ...; a pattern such as in.####.png; a clip; the page can load "
+                   "other images");
+    app.add_option("--texture", options.texture, "An image for the effect's layer parameters")->type_name("IMAGE");
+    app.add_option("--preset", options.preset,
+                   "Values and keyframes to begin with, from a preset; --set overrides them")
+        ->type_name("NAME|FILE.json");
+    app.add_option("--set", options.settings, "A parameter's value to begin with; may be given many times")
+        ->type_name("PATH=VALUE")
+        ->allow_extra_args(false);
+    app.add_option("--texture-at", options.textureAt,
+                   "Position of the texture's top-left corner, in pixels of the full-size layer")
+        ->needs("--texture")
+        ->check(ValidatePoint)
+        ->type_name("X,Y");
+    AddFrameOptions(app, options.sequence);
+    app.add_option("--canvas", options.canvas,
+                   "grow: the layer and its shadow (default), in the files of many frames those of all; frame: each "
+                   "frame's own; layer: the layer's rectangle; or a rectangle in pixels of the full-size layer, "
+                   "right and bottom exclusive")
+        ->check([](const std::string& text) {
+            const auto canvas = ParseCanvas(text);
+            return canvas ? std::string() : canvas.error().sentence;
+        })
+        ->type_name("grow|frame|layer|LEFT,TOP,RIGHT,BOTTOM");
+    app.add_option("--depth", options.depth,
+                   "Bits per channel of the render (default: those of the layer; 16 become 32)")
+        ->check(ValidateDepth)
+        ->type_name("8|32");
+}
+
+/// The page's server, and what draws for it.
+void AddServerOptions(CLI::App& app, PreviewCommandOptions& options) {
+    app.add_option("--port", options.port, "The port of the page's address (default: a free one)")
+        ->check(CLI::Range(1, 65535))
+        ->type_name("N");
+    app.add_flag("--no-open", options.noOpen, "Only print the address; do not open a browser");
+    app.add_option("--idle-exit", options.idleMinutes, "End when no page has been open for this long")
+        ->check([](const std::string& text) { return OutOfRange(text, 0.01, kLongestIdle); })
+        ->type_name("MINUTES");
+    app.add_option("--renderer", options.renderer,
+                   "gl: the GPU renderer (OpenGL); cpu: the CPU renderer; auto: the GPU renderer where OpenGL is "
+                   "hardware, else the CPU renderer (default: UMBRANT_RENDERER, else auto)")
+        ->check(CLI::IsMember({"auto", "gl", "cpu"}))
+        ->type_name("auto|gl|cpu");
+    app.add_option("--module", options.module,
+                   "The effect's module (default: UMBRANT_MODULE, else the program's own module)")
+        ->type_name("FILE");
+}
+
 }  // namespace
 
 Command PreviewCommand() {
@@ -133,33 +229,8 @@ Command PreviewCommand() {
     command.summary = "Show the picture and the panel in the browser; the picture follows the controls";
     command.examples = kExamples;
     command.options = [options](CLI::App& app) {
-        app.add_option("INPUT", options->input, "The layer: PNG, TIFF, JPEG, EXR, ...; the page can load others");
-        app.add_option("--texture", options->texture, "An image for the effect's layer parameters")->type_name("IMAGE");
-        app.add_option("--preset", options->preset,
-                       "Values to begin with, from a preset; keyframes are shown at time 0; --set overrides them")
-            ->type_name("NAME|FILE.json");
-        app.add_option("--set", options->settings, "A parameter's value to begin with; may be given many times")
-            ->type_name("PATH=VALUE")
-            ->allow_extra_args(false);
-        app.add_option("--depth", options->depth,
-                       "Bits per channel of the render (default: those of the layer; 16 become 32)")
-            ->check(ValidateDepth)
-            ->type_name("8|32");
-        app.add_option("--port", options->port, "The port of the page's address (default: a free one)")
-            ->check(CLI::Range(1, 65535))
-            ->type_name("N");
-        app.add_flag("--no-open", options->noOpen, "Only print the address; do not open a browser");
-        app.add_option("--idle-exit", options->idleMinutes, "End when no page has been open for this long")
-            ->check([](const std::string& text) { return OutOfRange(text, 0.01, kLongestIdle); })
-            ->type_name("MINUTES");
-        app.add_option("--renderer", options->renderer,
-                       "gl: the GPU renderer (OpenGL); cpu: the CPU renderer; auto: the GPU renderer where OpenGL is "
-                       "hardware, else the CPU renderer (default: UMBRANT_RENDERER, else auto)")
-            ->check(CLI::IsMember({"auto", "gl", "cpu"}))
-            ->type_name("auto|gl|cpu");
-        app.add_option("--module", options->module,
-                       "The effect's module (default: UMBRANT_MODULE, else the program's own module)")
-            ->type_name("FILE");
+        AddPictureOptions(app, *options);
+        AddServerOptions(app, *options);
     };
     command.run = [options]() -> Result<ExitCode> {
         options->preset = TRY(PresetFile(options->preset));

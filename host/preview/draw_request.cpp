@@ -5,6 +5,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "host/render/plan/frame_limits.h"
+
 namespace umbrant::host {
 
 Result<DrawRequest> ReadDrawRequest(const std::string& text) {
@@ -28,6 +30,19 @@ Result<DrawRequest> ReadDrawRequest(const std::string& text) {
         return wrong;
     }
     request.moving = moving->get<bool>();
+    const auto optional = [&](const char* name, std::string& text) {
+        const auto found = json.find(name);
+        if (found == json.end()) return true;
+        if (found->is_string()) text = found->get<std::string>();
+        return found->is_string();
+    };
+    if (!optional("keyframes", request.keyframes) || !optional("frames", request.frames) ||
+        !optional("rate", request.rate) || !optional("canvas", request.canvas) || !optional("format", request.format) ||
+        (json.contains("frame") && !number("frame", request.frame)) ||
+        (json.contains("downsample") && !number("downsample", request.downsample)) || request.downsample < 0 ||
+        request.downsample > kMostDownsample) {
+        return wrong;
+    }
     for (const auto& [path, value] : values->items()) {
         if (!value.is_string()) return wrong;
         request.values.emplace_back(path, value.get<std::string>());

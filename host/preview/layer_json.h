@@ -12,11 +12,8 @@ namespace umbrant::host {
 
 /// Its number, name, full size and bits of a channel.
 inline nlohmann::ordered_json LayerJson(const PreviewLayer& layer) {
-    return {{"id", layer.Number()},
-            {"name", layer.Name()},
-            {"width", layer.Width()},
-            {"height", layer.Height()},
-            {"bits", layer.Bits()}};
+    return {{"id", layer.Number()},     {"name", layer.Name()}, {"width", layer.Width()},
+            {"height", layer.Height()}, {"bits", layer.Bits()}, {"moving", layer.IsMoving()}};
 }
 
 }  // namespace umbrant::host

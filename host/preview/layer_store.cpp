@@ -36,7 +36,9 @@ class MemoryFile {
     const int descriptor_;
 };
 
-Result<Done> CheckSize(const std::string& name, const Picture& header) {
+}  // namespace
+
+Result<Done> CheckPreviewSize(const std::string& name, const Picture& header) {
     const auto pixelsOf = [](std::int64_t width, std::int64_t height) { return width * height; };
     const std::int64_t frame = pixelsOf(header.frameWidth, header.frameHeight);
     const std::int64_t window =
@@ -47,8 +49,6 @@ Result<Done> CheckSize(const std::string& name, const Picture& header) {
         fmt::format("cannot preview '{}': it has {} x {} pixels, more than {} million; `umbrant render` draws it", name,
                     header.frameWidth, header.frameHeight, kMostPixels / 1'000'000)};
 }
-
-}  // namespace
 
 Result<const World*> PreviewLayer::At(Depth depth, int downsample) {
     const Key key{depth, downsample};
@@ -79,21 +79,25 @@ Result<std::shared_ptr<PreviewLayer>> LayerStore::AddBytes(const std::string& na
     }
     if (problem) return Failure{ErrorKind::kInternal, fmt::format("cannot keep '{}': {}", name, *problem)};
     const auto header = TRY(ReadOpenPictureHeader(file.Descriptor(), name));
-    TRY(CheckSize(name, header));
+    TRY(CheckPreviewSize(name, header));
     auto picture = TRY(ReadOpenPicture(file.Descriptor(), name));
     return Add(name, std::move(picture));
 }
 
 Result<std::shared_ptr<PreviewLayer>> LayerStore::AddFile(const std::filesystem::path& file) {
     const auto header = TRY(ReadPictureHeader(file));
-    TRY(CheckSize(file.string(), header));
+    TRY(CheckPreviewSize(file.string(), header));
     auto picture = TRY(ReadPicture(file));
     return Add(file.string(), std::move(picture));
 }
 
-Result<std::shared_ptr<PreviewLayer>> LayerStore::Add(const std::string& name, Picture picture) {
+std::shared_ptr<PreviewLayer> LayerStore::AddMoving(const std::string& name, Picture first) {
+    return Add(name, std::move(first), true);
+}
+
+std::shared_ptr<PreviewLayer> LayerStore::Add(const std::string& name, Picture picture, bool isMoving) {
     const std::lock_guard lock(mutex_);
-    auto layer = std::make_shared<PreviewLayer>(++last_, name, std::move(picture));
+    auto layer = std::make_shared<PreviewLayer>(++last_, name, std::move(picture), isMoving);
     layers_.push_front(layer);
     const auto pixels = [&] {
         return std::accumulate(layers_.begin(), layers_.end(), 0.0,

@@ -7,6 +7,7 @@
 
 #include <cmath>
 
+#include "host/animation/animation.h"
 #include "host/parameters/param_kind.h"
 
 namespace umbrant::host {
@@ -69,6 +70,8 @@ Json Describe(const ParamSet& params, const ParamRow& row) {
             json["defaultNumbers"] = NumbersOf(defaults.Row(row.index)).values;
         }
     }
+    if (!WhyNotAnimatable(row)) json["animatable"] = true;
+    if (IsDiscrete(KindOf(row.def))) json["discrete"] = true;
     if (kind == "popup") json["items"] = row.items;
     if (!row.label.empty()) json["label"] = row.label;
     if (kind == "own") {

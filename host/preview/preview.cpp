@@ -6,7 +6,9 @@
 #include <fmt/format.h>
 
 #include <charconv>
+#include <filesystem>
 #include <future>
+#include <map>
 #include <new>
 #include <optional>
 #include <thread>
@@ -25,13 +27,29 @@ namespace {
 /// The events of one page, which is connected while this lives.
 class EventStream : public HttpStream {
  public:
-    EventStream(std::shared_ptr<ClientTable> clients, int client) : clients_(std::move(clients)), client_(client) {}
+    EventStream(std::shared_ptr<ClientTable> clients, int client, std::string preset)
+        : clients_(std::move(clients)), client_(client), preset_(std::move(preset)), written_(Written()) {}
     ~EventStream() override { clients_->Remove(client_); }
-    bool Next(std::string& part) override { return clients_->TakeEvents(client_, part); }
+    bool Next(std::string& part) override {
+        if (const auto now = Written(); now != written_) {
+            written_ = now;
+            clients_->Send(client_, "preset", Bytes({{"name", preset_}}));
+        }
+        return clients_->TakeEvents(client_, part);
+    }
 
  private:
+    /// When the preset was written; an editor removes it for a moment.
+    std::filesystem::file_time_type Written() const {
+        std::error_code error;
+        const auto written = std::filesystem::last_write_time(preset_, error);
+        return error ? written_ : written;
+    }
+
     const std::shared_ptr<ClientTable> clients_;
     const int client_;
+    const std::string preset_;
+    std::filesystem::file_time_type written_{};
 };
 
 /// A request's field as a number; nothing for anything else.
@@ -61,12 +79,12 @@ HttpReply RefusedByServer(int status) {
 }
 
 /// The name of a file that the page sends, for messages: without folders and control characters.
-std::string ShownName(const std::string& name) {
+std::string ShownName(const std::string& name, const char* nameless = "image") {
     std::string shown = name.substr(name.find_last_of('/') + 1).substr(0, 200);
     for (char& letter : shown) {
         if (static_cast<unsigned char>(letter) < ' ') letter = '_';
     }
-    return shown.empty() ? "image" : shown;
+    return shown.empty() ? nameless : shown;
 }
 
 HttpReply LayerReply(const Result<std::shared_ptr<PreviewLayer>>& layer) {
@@ -78,10 +96,9 @@ HttpReply LayerReply(const Result<std::shared_ptr<PreviewLayer>>& layer) {
 
 Result<std::unique_ptr<Preview>> Preview::Create(PreviewOptions options) {
     std::unique_ptr<Preview> preview(new Preview(std::move(options)));
-    if (!preview->options_.input.empty()) preview->layer_ = TRY(preview->layers_.AddFile(preview->options_.input));
-    if (!preview->options_.texture.empty()) {
-        preview->texture_ = TRY(preview->layers_.AddFile(preview->options_.texture));
-    }
+    const ShotOptions& shot = preview->options_.shot;
+    preview->layer_ = TRY(preview->FirstLayer(preview->options_.input, shot.inputMoves, false));
+    preview->texture_ = TRY(preview->FirstLayer(preview->options_.texture, shot.textureMoves, true));
     HttpHandlers handlers;
     handlers.check = [self = preview.get()](const HttpRequest& request) { return self->access_->Check(request); };
     handlers.answer = [self = preview.get()](const HttpRequest& request) { return self->Answer(request); };
@@ -96,6 +113,13 @@ Result<std::unique_ptr<Preview>> Preview::Create(PreviewOptions options) {
 Preview::Preview(PreviewOptions options) : options_(std::move(options)) {}
 
 Preview::~Preview() = default;
+
+Result<std::shared_ptr<PreviewLayer>> Preview::FirstLayer(const std::string& path, bool isMoving, bool isTexture) {
+    if (path.empty()) return std::shared_ptr<PreviewLayer>();
+    if (!isMoving) return layers_.AddFile(path);
+    auto first = TRY(engine_.FirstImage(isTexture));
+    return layers_.AddMoving(path, std::move(first));
+}
 
 Result<Done> Preview::Run(const std::function<void()>& ready) {
     TRY(engine_.Begin(layer_.get(), texture_.get()));
@@ -131,8 +155,12 @@ HttpReply Preview::Get(std::string_view path, const HttpRequest& request) {
         return OnDrawingThread([this] { return engine_.Describe(); });
     }
     if (path == "original") {
-        return OnDrawingThread(
-            [this, layer = NumberIn(request, "layer").value_or(0)] { return engine_.Original(layer); });
+        DrawRequest asked;
+        asked.layer = NumberIn(request, "layer").value_or(0);
+        asked.frames = request.Field("frames");
+        asked.rate = request.Field("rate");
+        asked.frame = NumberIn(request, "frame").value_or(0);
+        return OnDrawingThread([this, asked] { return engine_.Original(asked); });
     }
     if (path == "row") {
         const int index = NumberIn(request, "index").value_or(0);
@@ -159,13 +187,35 @@ HttpReply Preview::Post(std::string_view path, const HttpRequest& request) {
         return OnDrawingThread(
             [this, values = *values, button = request.Field("row")] { return engine_.Press(values, button); });
     }
-    return NoSuchPage();
+    if (path == "load") {
+        return OnDrawingThread([this, name = ShownName(request.Field("name"), "preset"), text = request.body] {
+            return engine_.LoadPreset(name, text);
+        });
+    }
+    if (path == "reload") {
+        return OnDrawingThread([this] { return engine_.ReloadPreset(); });
+    }
+    return PostAboutRequest(path, request);
+}
+
+HttpReply Preview::PostAboutRequest(std::string_view path, const HttpRequest& request) {
+    using Answering = HttpReply (PreviewEngine::*)(const DrawRequest&);
+    static const std::map<std::string_view, Answering> answers = {
+        {"timeline", &PreviewEngine::Timeline},  {"curves", &PreviewEngine::Curves},
+        {"preset", &PreviewEngine::SavePreset},  {"render", &PreviewEngine::RenderFile},
+        {"canvas", &PreviewEngine::CanvasOfAll}, {"covers", &PreviewEngine::CanvasOfOne},
+    };
+    const auto answer = answers.find(path);
+    if (answer == answers.end()) return NoSuchPage();
+    const auto asked = ReadDrawRequest(request.body);
+    if (!asked) return Refusal(400, asked.error().sentence);
+    return OnDrawingThread([this, asked = *asked, answer = answer->second] { return (engine_.*answer)(asked); });
 }
 
 HttpReply Preview::Events() {
     const auto client = clients_->Add();
     if (!client) return Refusal(503, fmt::format("{} pages are open already; close one of them.", kMostClients));
-    auto stream = std::make_shared<EventStream>(clients_, *client);
+    auto stream = std::make_shared<EventStream>(clients_, *client, options_.preset);
     clients_->Send(*client, "hello", Bytes({{"client", *client}}));
     return {200, "text/event-stream", "", nullptr, std::move(stream)};
 }

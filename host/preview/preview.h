@@ -11,8 +11,8 @@
 #include "host/http/http_server.h"
 #include "host/preview/access.h"
 #include "host/preview/client_table.h"
+#include "host/preview/engine/preview_engine.h"
 #include "host/preview/layer_store.h"
-#include "host/preview/preview_engine.h"
 #include "host/preview/preview_options.h"
 #include "host/result.h"
 
@@ -37,10 +37,13 @@ class Preview {
 
  private:
     explicit Preview(PreviewOptions options);
+    /// Null without a path. Fails as LayerStore and PreviewEngine::FirstImage do.
+    Result<std::shared_ptr<PreviewLayer>> FirstLayer(const std::string& path, bool isMoving, bool isTexture);
     std::optional<HttpReply> Check(const HttpRequest& request) const;
     HttpReply Answer(const HttpRequest& request);
     HttpReply Get(std::string_view path, const HttpRequest& request);
     HttpReply Post(std::string_view path, const HttpRequest& request);
+    HttpReply PostAboutRequest(std::string_view path, const HttpRequest& request);
     HttpReply Events();
     HttpReply SubmitRequest(const HttpRequest& request);
     HttpReply Frame(const HttpRequest& request) const;

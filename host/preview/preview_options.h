@@ -11,7 +11,10 @@
 #include <string>
 #include <vector>
 
+#include "host/animation/preset.h"
 #include "host/compositing/world.h"
+#include "host/preview/time/shots.h"
+#include "host/render/canvas_choice.h"
 #include "host/result.h"
 #include "host/session/effect_session.h"
 
@@ -30,8 +33,13 @@ struct PreviewEffect {
 struct PreviewOptions {
     /// Sets the effect up for layers of this full size, on the thread that calls Preview::Run.
     std::function<Result<PreviewEffect>(int layerWidth, int layerHeight)> open;
-    /// Sets the values with which the page begins.
-    std::function<Result<Done>(ParamSet&)> setValues;
+    /// Sets the values and keyframes with which the page begins. Reads their file every time.
+    std::function<Result<Done>(AnimatedParams&)> setValues;
+    std::string preset{};          ///< that file; empty for none
+    ShotOptions shot{};            ///< frames of the input and the texture
+    CanvasChoice canvas{};         ///< what frames cover
+    double textureX = 0;           ///< the texture's left edge, in pixels of the full-size layer
+    double textureY = 0;           ///< its top edge
     std::optional<Depth> depth{};  ///< of the render; without it the layer's own
     std::string input{};           ///< the layer's file; empty for none
     std::string texture{};

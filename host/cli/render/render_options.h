@@ -100,7 +100,10 @@ void TellNotes(const RenderOptions& options, const std::string& note, const std:
 /// For --depth: why the text is no depth of a render, or an empty text.
 std::string ValidateDepth(const std::string& text);
 
-/// Declares the options of SequenceOptions.
+/// Declares the options that choose frames and the images that they are made of.
+void AddFrameOptions(CLI::App& app, SequenceOptions& options);
+
+/// Declares the options of SequenceOptions, those of AddFrameOptions among them.
 void AddSequenceOptions(CLI::App& app, SequenceOptions& options);
 
 /// The seconds between two reports of a single image that takes long, as ImageProgress takes them.

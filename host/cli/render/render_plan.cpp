@@ -13,6 +13,24 @@ namespace umbrant::host {
 
 namespace {
 
+Result<OutputFolder> FolderFor(const RenderOptions& options) {
+    if (options.output == "-") return OutputFolder();
+    return OutputFolder::For(options.output, options.makesFolder);
+}
+
+LayerOptions LayerOptionsOf(const RenderOptions& options) {
+    LayerOptions layers;
+    layers.read = options.read;
+    layers.outputDepth = FileDepthNamed(options.outputDepth);
+    if (options.depth != 0) layers.depth = options.depth == 32 ? Depth::k32 : Depth::k8;
+    layers.downsample = options.downsample;
+    layers.compression = options.compression;
+    layers.format = options.format;
+    return layers;
+}
+
+}  // namespace
+
 Result<PlanRequest> SequenceRequest(const RenderOptions& options) {
     const SequenceOptions& sequence = options.sequence;
     PlanRequest request;
@@ -39,24 +57,6 @@ Result<PlanRequest> SequenceRequest(const RenderOptions& options) {
     request.zeroFrame = sequence.zeroFrame;
     return request;
 }
-
-Result<OutputFolder> FolderFor(const RenderOptions& options) {
-    if (options.output == "-") return OutputFolder();
-    return OutputFolder::For(options.output, options.makesFolder);
-}
-
-LayerOptions LayerOptionsOf(const RenderOptions& options) {
-    LayerOptions layers;
-    layers.read = options.read;
-    layers.outputDepth = FileDepthNamed(options.outputDepth);
-    if (options.depth != 0) layers.depth = options.depth == 32 ? Depth::k32 : Depth::k8;
-    layers.downsample = options.downsample;
-    layers.compression = options.compression;
-    layers.format = options.format;
-    return layers;
-}
-
-}  // namespace
 
 Result<std::unique_ptr<RenderPlan>> PlanSequenceRender(RenderOptions& options) {
     auto request = TRY(SequenceRequest(options));

@@ -25,6 +25,9 @@ struct RenderPlan {
     FramePlan frames;
 };
 
+/// What a sequence or a clip is planned from, except for the clips that are read. Fails with `ErrorKind::kUsage`.
+Result<PlanRequest> SequenceRequest(const RenderOptions& options);
+
 /// The plan of a sequence or a clip. Sets the rate in the options to the one that was found. Fails with
 /// `ErrorKind::kUsage` and as PlanFrames does.
 Result<std::unique_ptr<RenderPlan>> PlanSequenceRender(RenderOptions& options);

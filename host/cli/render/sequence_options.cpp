@@ -36,7 +36,7 @@ std::string ValidateProgress(const std::string& text) {
 
 }  // namespace
 
-void AddSequenceOptions(CLI::App& app, SequenceOptions& options) {
+void AddFrameOptions(CLI::App& app, SequenceOptions& options) {
     app.add_option("--frames", options.frames,
                    "Which frames: 1-10, 1-240x2 (every second), 1-10x0.25 (quarters of frames), 1-100y5 (all but every "
                    "fifth), 1-100:8 (from coarse to fine), several with commas (default: all frames of INPUT)")
@@ -66,6 +66,10 @@ void AddSequenceOptions(CLI::App& app, SequenceOptions& options) {
                    "leaves it out")
         ->check(CLI::IsMember({"error", "hold", "skip"}))
         ->type_name("error|hold|skip");
+}
+
+void AddSequenceOptions(CLI::App& app, SequenceOptions& options) {
+    AddFrameOptions(app, options);
     app.add_flag("--skip-existing", options.skipExisting, "Skip frames whose output exists");
     app.add_flag("--keep-going", options.keepGoing, "Draw the other frames when one fails; exit code 1 at the end");
     app.add_option("--chunk", options.chunk, "Draw the I-th of N parts of the frames, for several machines")

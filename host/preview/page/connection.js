@@ -10,7 +10,8 @@
  * @property {() => void} lost
  * @property {(message: {serial: number, rows: Record<string, import("./types.js").Current>}) => void} panel
  * @property {(info: FrameInfo, pixels: Uint8ClampedArray) => void} frame
- * @property {(failure: {sentence: string, row?: string, gone?: boolean}) => void} failure
+ * @property {(failure: {serial: number, sentence: string, row?: string, gone?: boolean}) => void} failure
+ * @property {(name: string) => void} presetChanged                    the preset's file, on disk
  */
 
 export class Connection {
@@ -20,7 +21,7 @@ export class Connection {
     this.client = 0;
     this.serial = 0;
     this.newestFrame = 0;
-    /** @type {object | null} */
+    /** @type {{serial: number} | null} */
     this.waiting = null;
     this.isSending = false;
   }
@@ -40,6 +41,7 @@ export class Connection {
     on("panel", (data) => this.handlers.panel(data));
     on("frame", (data) => this.fetchFrame(data));
     on("failure", (data) => this.handlers.failure(data));
+    on("preset", (data) => this.handlers.presetChanged(data.name));
     events.onerror = async () => {
       this.client = 0;
       this.handlers.lost();
@@ -50,27 +52,28 @@ export class Connection {
         reply.body?.cancel();
         this.open();
       } else if (reply) {
-        this.handlers.failure({ sentence: (await reply.json()).error });
+        this.handlers.failure({ serial: this.serial, sentence: (await reply.json()).error });
       }
     };
   }
 
   /**
-   * Asks for a frame.
-   * @param {{moving: boolean, layer: number, texture: number, values: Record<string, string>}} request
+   * Asks for a frame. Returns the request's number.
+   * @param {import("./types.js").Request & {moving: boolean}} request
    */
   draw(request) {
-    this.waiting = request;
+    this.waiting = { ...request, serial: ++this.serial };
     if (!this.isSending) this.sendWaiting();
+    return this.serial;
   }
 
   async sendWaiting() {
     this.isSending = true;
     while (this.waiting && this.client) {
-      const request = { ...this.waiting, client: this.client, serial: ++this.serial };
+      const request = { ...this.waiting, client: this.client };
       this.waiting = null;
       const reply = await this.post("draw", JSON.stringify(request));
-      if ("error" in reply) this.handlers.failure({ sentence: reply.error });
+      if ("error" in reply) this.handlers.failure({ serial: request.serial, sentence: reply.error });
     }
     this.isSending = false;
   }
@@ -101,6 +104,29 @@ export class Connection {
     } catch {
       return { error: "The preview cannot be reached; start `umbrant preview` again." };
     }
+  }
+
+  /**
+   * Asks about a request, as for a frame.
+   * @param {string} path
+   * @param {import("./types.js").Request & {format?: string}} request
+   * @returns {Promise<any>}
+   */
+  ask(path, request) {
+    return this.post(path, JSON.stringify({ client: this.client, serial: 0, moving: false, ...request }));
+  }
+
+  /**
+   * The bytes that the server answers with. Throws an Error whose message is a sentence.
+   * @param {string} path
+   * @param {import("./types.js").Request & {format?: string}} request
+   * @param {AbortSignal} [signal]
+   */
+  async file(path, request, signal) {
+    const body = JSON.stringify({ client: this.client, serial: 0, moving: false, ...request });
+    const reply = await fetch(path, { method: "POST", body, signal });
+    if (!reply.ok) throw new Error((await reply.json()).error);
+    return reply.blob();
   }
 
   /**

@@ -2,10 +2,11 @@
 // Images from the person's side: chosen, dropped, pasted, or one of the examples; and the backdrop.
 
 /** @typedef {import("./types.js").Layer} Layer */
-/** @typedef {"layer" | "texture" | "backdrop"} Purpose */
+/** @typedef {"layer" | "texture" | "backdrop" | "preset"} Purpose */
 
 /** What the server takes. */
 const MOST_BYTES = 256 * 1024 * 1024;
+const MOST_PRESET_BYTES = 1024 * 1024;
 
 /** @param {string} id @returns {any} */
 const find = (id) => document.getElementById(id);
@@ -13,7 +14,8 @@ const find = (id) => document.getElementById(id);
 /**
  * @param {import("./connection.js").Connection} connection
  * @param {{backdrop: string, backdropColor: string}} state
- * @param {{layer: (layer: Layer) => void, texture: (layer: Layer) => void, failure: (sentence: string) => void}} handlers
+ * @param {{layer: (layer: Layer) => void, texture: (layer: Layer) => void,
+ *     preset: (reply: any) => void, failure: (sentence: string) => void}} handlers
  */
 export function listenToFiles(connection, state, handlers) {
   const input = find("file");
@@ -41,6 +43,11 @@ export function listenToFiles(connection, state, handlers) {
       state.backdrop = "picture";
       return showBackdrop();
     }
+    if (use === "preset" || /\.json$/i.test(file.name)) {
+      if (file.size > MOST_PRESET_BYTES) return handlers.failure(`${file.name} is larger than 1 MiB, and no preset.`);
+      const preset = await connection.post(`load?name=${encodeURIComponent(file.name)}`, file);
+      return "error" in preset ? handlers.failure(preset.error) : handlers.preset(preset);
+    }
     if (file.size > MOST_BYTES) {
       return handlers.failure(`${file.name} is larger than 256 MiB; \`umbrant render\` draws it.`);
     }
@@ -53,10 +60,12 @@ export function listenToFiles(connection, state, handlers) {
   const choose = (use) => {
     purpose = use;
     input.value = "";
+    input.accept = use === "preset" ? ".json,application/json" : "";
     input.click();
   };
   input.addEventListener("change", () => input.files[0] && take(input.files[0], purpose));
   find("choose-layer").addEventListener("click", () => choose("layer"));
+  find("load-preset").addEventListener("click", () => choose("preset"));
   find("choose-empty").addEventListener("click", () => choose("layer"));
   for (const button of document.querySelectorAll("[data-example]")) {
     button.addEventListener("click", async () => {

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The page as a whole: what is chosen, and who hears of a change.
 
-import { renderCommand } from "./command.js";
 import { Connection } from "./connection.js";
 import { Handles } from "./handles.js";
 import { Panel } from "./panel.js";
 import { Stage } from "./stage.js";
 import { listenToStage } from "./stage_input.js";
 import { listenToFiles } from "./files.js";
+import { listenToLeaving } from "./leave/leave.js";
 import { Status } from "./status.js";
-
-/** @typedef {import("./types.js").Layer} Layer */
+import { Steps } from "./steps.js";
+import { Time } from "./time/time.js";
 
 /** @param {string} id @returns {any} */
 const find = (id) => document.getElementById(id);
@@ -24,34 +24,39 @@ const STORED = `umbrant${location.pathname}`;
 
 /**
  * What the page shows. It survives a reload.
- * @type {{values: Record<string, string>, layer: Layer | null, texture: Layer | null, open: Record<string, boolean>,
- *         backdrop: string, backdropColor: string}}
+ * @type {import("./types.js").State}
  */
-const state = { values: {}, layer: null, texture: null, open: {}, backdrop: "checker", backdropColor: "#808080" };
+const state = {
+  values: {}, keyframes: {}, layer: null, texture: null, frames: "", rate: "24", hasTimeline: false, index: 0, open: {},
+  backdrop: "checker", backdropColor: "#808080",
+};
 /** @type {import("./types.js").Description | null} */
 let description = null;
 let restTimer = 0;
 let fullFrameTime = 0;
 let longTimer = 0;
+/** The keys of the last request, and of the last one whose values were taken. */
+let sent = { serial: 0, keyframes: state.keyframes };
+let taken = sent;
 
 const stage = new Stage(() => {
   handles.place();
   status.showZoom();
 });
 const status = new Status(stage);
+/** @type {Panel} */
 const panel = new Panel(find("rows"), {
   change: (key, text, moving) => change({ [key]: text }, moving),
   reset: (key) => {
     delete state.values[key];
-    draw(false);
+    const { [key]: _, ...others } = state.keyframes;
+    state.keyframes = others;
+    settle();
   },
+  toggleKey: (key, text) => time.toggleKey(key, text),
   press,
   chooseTexture: () => files.choose("texture"),
-  clearTexture: () => {
-    state.texture = null;
-    panel.showTexture(null);
-    draw(false);
-  },
+  clearTexture: () => useTexture(null),
 });
 const handles = new Handles(find("handles"), stage, panel, (values, moving) => change(values, moving));
 
@@ -61,30 +66,53 @@ const connection = new Connection({
     begin();
   },
   lost: () => status.fail("The connection to `umbrant preview` is lost; start it again, or load this page again."),
-  panel: ({ rows }) => {
+  panel: ({ serial, rows }) => {
+    if (serial === sent.serial) taken = sent;
     const changed = panel.show(rows);
-    find("reset-all").disabled = changed === 0;
+    find("reset-all").disabled = changed === 0 && !time.hasKeys;
     for (const key of Object.keys(state.values)) {
       const declared = panel.rows.get(key)?.declared;
-      if (declared && rows[key]?.text === declared.default) delete state.values[key];
+      if (declared && !state.keyframes[key] && rows[key]?.text === declared.default) delete state.values[key];
     }
     handles.place();
   },
   frame: (info, pixels) => {
     answered();
-    stage.show(info, pixels);
+    time.player.answered(info.serial, { info, pixels });
+    if (time.player.isPlaying) return status.succeed();
     if (!info.draft) fullFrameTime = info.milliseconds;
     status.succeed();
-    status.showFrame(info, state.layer);
-    handles.place();
-    // Tests read what arrived.
-    Object.assign(window, { umbrantFrame: { info, pixels } });
+    show(info, pixels);
+    if (!info.draft && state.layer?.moving) showLayer();
   },
-  failure: ({ sentence, row, gone }) => {
+  failure: ({ serial, sentence, row, gone }) => {
     answered();
+    time.player.answered(serial, null);
     if (row) refuse(row, sentence);
     status.fail(sentence, gone);
   },
+  presetChanged: (name) => status.offer(name),
+});
+
+/** @param {import("./types.js").FrameInfo} info @param {Uint8ClampedArray} pixels */
+function show(info, pixels) {
+  stage.show(info, pixels);
+  status.showFrame(info, state.layer);
+  handles.place();
+  // Tests read what arrived.
+  Object.assign(window, { umbrantFrame: { info, pixels } });
+}
+
+const steps = new Steps(state, async (isOther) => {
+  panel.showTexture(state.texture);
+  if (isOther) showLayer();
+  await time.refresh();
+  draw(false);
+});
+/** @type {Time} */
+const time = new Time({
+  connection, state, panel, stage, request, draw, show, commit: () => steps.add(), fail: (sentence) => status.fail(sentence),
+  drawToPlay: (more) => connection.draw({ moving: true, ...request(), ...more }),
 });
 
 /**
@@ -95,13 +123,27 @@ function refuse(key, sentence) {
   const { text } = panel.current[key] ?? {};
   if (text === undefined || text === panel.rows.get(key)?.declared.default) delete state.values[key];
   else state.values[key] = text;
+  if (state.keyframes[key]) {
+    state.keyframes = taken.keyframes;
+    time.showKeys();
+  }
+  steps.correct();
   panel.showProblem(key, sentence);
 }
 
 /** @param {Record<string, string>} values @param {boolean} moving */
 function change(values, moving) {
   Object.assign(state.values, values);
-  draw(moving);
+  if (time.isUsed) for (const [key, text] of Object.entries(values)) time.change(key, text);
+  if (moving) draw(true);
+  else settle();
+}
+
+/** A change is done: it is a step of the history. */
+function settle() {
+  steps.add();
+  if (time.isUsed) time.showKeys();
+  draw(false);
 }
 
 /** @param {boolean} moving */
@@ -109,8 +151,11 @@ function draw(moving) {
   clearTimeout(restTimer);
   const rest = Math.min(Math.max(LEAST_REST, fullFrameTime), MOST_REST);
   restTimer = moving ? setTimeout(() => draw(false), rest) : 0;
-  connection.draw({ moving, ...request() });
-  waitForAnswer();
+  // While it plays, the player asks for frames, with the values as they are by then.
+  if (!time.player.isPlaying) {
+    sent = { serial: connection.draw({ moving, ...request() }), keyframes: state.keyframes };
+    waitForAnswer();
+  }
   if (!moving) sessionStorage.setItem(STORED, JSON.stringify(state));
 }
 
@@ -129,8 +174,9 @@ function answered() {
   longTimer = 0;
 }
 
+/** @returns {import("./types.js").Request} */
 function request() {
-  return { layer: state.layer?.id ?? 0, texture: state.texture?.id ?? 0, values: { ...state.values } };
+  return { layer: state.layer?.id ?? 0, texture: state.texture?.id ?? 0, values: { ...state.values }, ...time.request() };
 }
 
 async function begin() {
@@ -139,14 +185,18 @@ async function begin() {
     if ("error" in reply) return status.fail(reply.error);
     description = /** @type {import("./types.js").Description} */ (reply);
     const stored = sessionStorage.getItem(STORED);
-    Object.assign(state, stored ? JSON.parse(stored) : { values: reply.values, layer: reply.layer, texture: reply.texture });
+    const { values, keyframes, frames, rate, layer, texture } = description;
+    Object.assign(state, stored ? JSON.parse(stored) : { values, keyframes, frames, rate, layer, texture, hasTimeline: frames !== "" });
+    time.isFixed = description.rateIsFixed;
     find("effect").textContent = description.effect;
     document.title = `${description.effect}: preview`;
     panel.build(description.rows, state.open);
     handles.build(description.rows);
     panel.showTexture(state.texture);
     files.showBackdrop();
+    steps.add();
   }
+  await time.refresh();
   status.succeed();
   showLayer();
   draw(false);
@@ -155,13 +205,15 @@ async function begin() {
 async function showLayer() {
   find("empty").hidden = Boolean(state.layer);
   stage.element.classList.toggle("is-empty", !state.layer);
-  find("copy").disabled = !state.layer;
+  for (const id of ["copy", "render", "contact-sheet"]) find(id).disabled = !state.layer;
   if (!state.layer) return stage.clear();
-  const { id, width, height } = state.layer;
-  const reply = await fetch(`original?layer=${id}`);
-  if (reply.ok && state.layer?.id === id) {
-    stage.showBefore(width, height, new Uint8ClampedArray(await reply.arrayBuffer()));
-  }
+  const { id, width, height, moving } = state.layer;
+  const { frames = "", rate = "", frame = 0 } = moving ? time.request() : {};
+  const reply = await fetch(`original?${new URLSearchParams({ layer: String(id), frames, rate, frame: String(frame) })}`);
+  if (!reply.ok || state.layer?.id !== id) return;
+  const pixels = new Uint8ClampedArray(await reply.arrayBuffer());
+  // An image of a sequence may have another size than its first.
+  if (pixels.length === 4 * width * height) stage.showBefore(width, height, pixels);
 }
 
 /** @param {string} key of a button */
@@ -169,22 +221,39 @@ async function press(key) {
   const body = JSON.stringify({ client: connection.client, serial: 0, moving: false, ...request() });
   const reply = await connection.post(`press?row=${encodeURIComponent(key)}`, body);
   if ("error" in reply) return status.fail(reply.error);
+  for (const row of Object.keys(state.keyframes)) delete reply.values[row];
   state.values = reply.values;
-  draw(false);
+  settle();
+}
+
+/** @param {import("./types.js").Layer | null} texture */
+async function useTexture(texture) {
+  state.texture = texture;
+  panel.showTexture(texture);
+  await time.refresh();
+  settle();
+}
+
+/** @param {{values: Record<string, string>, keyframes: import("./types.js").Keyframes, frames: string}} preset */
+async function usePreset({ values, keyframes, frames }) {
+  const { layer, texture } = state;
+  Object.assign(state, { values, keyframes });
+  // The frames of a sequence stay; a single image gets those of the keys.
+  if (frames && !layer?.moving && !texture?.moving) Object.assign(state, { frames, hasTimeline: true });
+  await time.refresh();
+  settle();
 }
 
 const files = listenToFiles(connection, state, {
-  layer: (layer) => {
+  layer: async (layer) => {
     state.layer = layer;
     stage.clear();
     showLayer();
-    draw(false);
+    await time.refresh();
+    settle();
   },
-  texture: (texture) => {
-    state.texture = texture;
-    panel.showTexture(texture);
-    draw(false);
-  },
+  texture: useTexture,
+  preset: usePreset,
   failure: (sentence) => status.fail(sentence),
 });
 
@@ -196,17 +265,23 @@ function split(isSplit) {
 
 listenToStage(stage, split);
 find("split").addEventListener("click", () => split(!stage.isSplit));
-find("zoom-in").addEventListener("click", () => stage.zoomTo(stage.view.zoom * 1.25));
-find("zoom-out").addEventListener("click", () => stage.zoomTo(stage.view.zoom / 1.25));
-find("zoom-fit").addEventListener("click", () => stage.fit());
-find("zoom-full").addEventListener("click", () => stage.zoomTo(1));
-find("help").addEventListener("click", () => find("keys").showModal());
-find("dismiss").addEventListener("click", () => status.succeed());
 find("rows").addEventListener("submit", (/** @type {Event} */ event) => event.preventDefault());
 find("rows").addEventListener("twirl", () => sessionStorage.setItem(STORED, JSON.stringify(state)));
 find("reset-all").addEventListener("click", () => {
-  state.values = {};
-  draw(false);
+  Object.assign(state, { values: {}, keyframes: {} });
+  time.refresh();
+  settle();
+});
+find("load-again").addEventListener("click", async () => {
+  find("notice").hidden = true;
+  const reply = await connection.post("reload");
+  if ("error" in reply) status.fail(reply.error);
+  else usePreset(reply);
+});
+listenToLeaving({
+  connection, panel, request, state: () => state, effect: () => description?.effect ?? "",
+  time: () => ({ numbers: time.timeline.numbers, isUsed: time.isUsed, hasKeys: time.hasKeys }), status,
+  renderArguments: () => description?.renderArguments ?? [],
 });
 find("restart").addEventListener("click", async () => {
   status.succeed();
@@ -214,23 +289,12 @@ find("restart").addEventListener("click", async () => {
   if ("error" in reply) return status.fail(reply.error, true);
   draw(false);
 });
-find("copy").addEventListener("click", async () => {
-  if (!state.layer || !description) return;
-  /** @type {Record<string, string>} */
-  const values = {};
-  for (const key of Object.keys(state.values)) values[key] = panel.current[key]?.text ?? state.values[key];
-  const command = renderCommand({
-    layer: state.layer.name, texture: state.texture?.name ?? "", values, renderArguments: description.renderArguments,
-  });
-  Object.assign(window, { umbrantCommand: command });
-  await navigator.clipboard.writeText(command).then(
-    () => status.say("The command was copied."),
-    () => status.fail(`The browser does not allow copying; the command: ${command}`));
-});
 // Tests ask whether the last request is answered in full.
 Object.assign(window, {
   umbrantState: () => ({
-    isSettled: connection.isIdle && !restTimer && stage.shown?.info.serial === connection.serial && !stage.shown.info.draft,
+    shown: { ...state },
+    player: time.player.facts,
+    isSettled: connection.isIdle && !time.player.isPlaying && !restTimer && stage.shown?.info.serial === connection.serial && !stage.shown.info.draft,
   }),
 });
 connection.open();

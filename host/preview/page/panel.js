@@ -3,6 +3,7 @@
 // values.
 
 import { make, makeControl } from "./controls.js";
+import { keyAt } from "./time/keys.js";
 
 /** @typedef {import("./types.js").Declared} Declared */
 /** @typedef {import("./types.js").Current} Current */
@@ -12,6 +13,7 @@ import { make, makeControl } from "./controls.js";
  * @typedef {object} PanelHandlers
  * @property {(key: string, text: string, moving: boolean) => void} change
  * @property {(key: string) => void} reset
+ * @property {(key: string, text: string) => void} toggleKey
  * @property {(key: string) => void} press
  * @property {() => void} chooseTexture
  * @property {() => void} clearTexture
@@ -23,6 +25,7 @@ import { make, makeControl } from "./controls.js";
  * @property {HTMLElement} element
  * @property {HTMLElement} [name]
  * @property {HTMLButtonElement} [reset]
+ * @property {HTMLButtonElement} [keyHere]   sets a key, where the row may have some
  * @property {import("./controls.js").Control | null} control
  * @property {HTMLElement} [problem]
  * @property {HTMLElement} [count]       of a group: how many of its values are changed
@@ -108,11 +111,16 @@ export class Panel {
     reset.addEventListener("click", () => this.handlers.reset(row.key));
     const problem = make("span", { className: "problem", id: `problem-${row.index}`, hidden: true });
     element.append(name, control.element, reset, problem);
+    const keyHere = row.animatable ? make("button", { type: "button", className: "key-here" }) : undefined;
+    if (keyHere) {
+      keyHere.addEventListener("click", () => this.handlers.toggleKey(row.key, this.current[row.key]?.text ?? ""));
+      element.prepend(keyHere);
+    }
     if (control.isGroup) {
       control.element.setAttribute("role", "group");
       control.element.setAttribute("aria-labelledby", name.id);
     }
-    return { declared: row, element, name, reset, control, problem };
+    return { declared: row, element, name, reset, keyHere, control, problem };
   }
 
   /** @param {Declared} row @param {HTMLElement} element @param {HTMLElement} name @returns {Row} */
@@ -175,6 +183,7 @@ export class Panel {
       if (isChanged) changedInAll++;
       if (row.name) row.name.textContent = now.name;
       row.element.classList.toggle("is-disabled", now.disabled);
+      if (row.keyHere) row.keyHere.disabled = now.disabled;
       if (row.control) row.element.classList.toggle("is-changed", isChanged);
       if (row.reset) {
         row.reset.title = `Reset to ${row.declared.default}`;
@@ -186,6 +195,18 @@ export class Panel {
       this.showProblem(key, "");
     }
     return changedInAll;
+  }
+
+  /** @param {import("./types.js").Keyframes} keyframes @param {number} frame */
+  showKeys(keyframes, frame) {
+    for (const [key, { keyHere }] of this.rows) {
+      if (!keyHere) continue;
+      const isHere = Boolean(keyAt(keyframes, key, frame));
+      keyHere.classList.toggle("moves", Boolean(keyframes[key]));
+      keyHere.setAttribute("aria-pressed", String(isHere));
+      keyHere.ariaLabel = `${this.current[key]?.name ?? key}: key at frame ${frame}`;
+      keyHere.title = isHere ? "Remove the key at this frame" : "Set a key at this frame";
+    }
   }
 
   /** @param {Row} group @param {number} count */

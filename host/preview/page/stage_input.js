@@ -1,8 +1,15 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // What a person does on the stage: wheel, pinch, drag, keys, and the line of the comparison.
 
+/** @param {string} id @returns {any} */
+const find = (id) => document.getElementById(id);
+
 /** @param {import("./stage.js").Stage} stage @param {(isSplit: boolean) => void} split */
 export function listenToStage(stage, split) {
+  find("zoom-in").addEventListener("click", () => stage.zoomTo(stage.view.zoom * 1.25));
+  find("zoom-out").addEventListener("click", () => stage.zoomTo(stage.view.zoom / 1.25));
+  find("zoom-fit").addEventListener("click", () => stage.fit());
+  find("zoom-full").addEventListener("click", () => stage.zoomTo(1));
   const { element, divider } = stage;
   /** @type {Map<number, {x: number, y: number}>} */
   const pointers = new Map();

@@ -9,6 +9,9 @@ export class Status {
   constructor(stage) {
     this.stage = stage;
     this.asked = 0;
+    find("help").addEventListener("click", () => find("keys").showModal());
+    find("dismiss").addEventListener("click", () => this.succeed());
+    find("dismiss-notice").addEventListener("click", () => (find("notice").hidden = true));
     stage.element.addEventListener("pointermove", (/** @type {PointerEvent} */ event) => this.showPixel(event));
     stage.element.addEventListener("pointerleave", () => (find("pixel").textContent = ""));
   }
@@ -25,12 +28,23 @@ export class Status {
     find("message").hidden = true;
   }
 
+  /** @param {string} sentence for the screen reader */
+  announce(sentence) {
+    find("said").textContent = sentence;
+  }
+
   /** @param {string} sentence for the eye and the screen reader, for a while */
   say(sentence) {
-    find("said").textContent = sentence;
+    this.announce(sentence);
     const button = find("copy");
     button.textContent = "Copied";
     setTimeout(() => (button.textContent = "Copy command"), 1500);
+  }
+
+  /** Offers a preset that has changed on disk. @param {string} name */
+  offer(name) {
+    find("notice-text").textContent = `${name.slice(name.lastIndexOf("/") + 1)} has changed on disk.`;
+    find("notice").hidden = false;
   }
 
   /** @param {import("./types.js").FrameInfo} info @param {import("./types.js").Layer | null} layer */

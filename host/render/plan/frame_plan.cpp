@@ -54,7 +54,7 @@ std::string WithField(const fs::path& path) {
 }
 
 Result<std::optional<FramePattern>> OutputPattern(const PlanRequest& request, const std::vector<FrameNumber>& frames) {
-    if (request.outputIsClip) return std::optional<FramePattern>();
+    if (request.outputIsClip || request.writesNothing) return std::optional<FramePattern>();
     auto pattern = FramePattern::Find(request.output);
     if (!pattern) return pattern;
     if (!*pattern && frames.size() > 1) {
@@ -195,7 +195,9 @@ Result<FramePlan> WholePlan(const PlanRequest& request) {
         frame.inputChanges = input.HasFrames() && !frame.heldInput;
         frame.textureChanges = texture.HasFrames() && !frame.heldTexture;
     }
-    TRY(CheckOutputs(frames, request.outputIsClip));
+    if (!request.writesNothing) {
+        TRY(CheckOutputs(frames, request.outputIsClip));
+    }
     return plan;
 }
 

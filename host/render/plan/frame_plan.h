@@ -23,6 +23,7 @@ struct PlanRequest {
     std::optional<int> inputClip{};
     std::optional<int> textureClip{};  ///< the texture's
     bool outputIsClip = false;         ///< all frames go into one file
+    bool writesNothing = false;        ///< `output` means nothing
     /// The frames; without them all that the input has, or else the texture.
     std::optional<std::vector<FrameNumber>> frames{};
     int inputOffset = 0;    ///< frame f is drawn from the input's frame f + inputOffset

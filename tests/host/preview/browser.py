@@ -52,6 +52,8 @@ class Browser:
         options.binary_location = shutil.which("chromium")
         self.driver = self.start(options)
         self.driver.set_script_timeout(PATIENCE)
+        self.downloads = pathlib.Path(self.profile) / "downloads"
+        self.driver.execute_cdp_cmd("Page.setDownloadBehavior", {"behavior": "allow", "downloadPath": str(self.downloads)})
         self.resize(1280, 720)
         self.driver.get(self.address)
         self.wait("return document.querySelectorAll('#rows .row').length > 0")
@@ -115,6 +117,15 @@ class Browser:
             reader.readAsDataURL(new Blob([window.umbrantFrame.pixels]));""")
         left, top, right, bottom = self.run("return window.umbrantFrame.info.rect")
         return right - left, bottom - top, base64.b64decode(text)
+
+    def downloaded(self, name):
+        """Waits for a file that the browser saves, and returns its path."""
+        end = time.monotonic() + PATIENCE
+        while not (self.downloads / name).exists():
+            if time.monotonic() > end:
+                raise AssertionError(f"{name} was not saved; there are {os.listdir(self.downloads)}")
+            time.sleep(0.05)
+        return self.downloads / name
 
     def screenshot(self, file, x, y, width, height):
         """Writes a part of the page as a PNG file."""

@@ -6,6 +6,7 @@ were made."""
 import json
 import os
 import pathlib
+import re
 import shlex
 import shutil
 import subprocess
@@ -113,6 +114,7 @@ class Settings(InTheBrowser):
         ActionChains(page.driver).drag_and_drop_by_offset(point, 90, 50).perform()
         self.check_frame(page, "a point by the mouse")
 
+        self.check_more_settings(page)
         page.find(row("style/color", ".reset")).click()
         self.assertNotIn("style/color=#203060", self.check_frame(page, "a row reset"))
         page.run("location.reload()")
@@ -122,6 +124,37 @@ class Settings(InTheBrowser):
         self.assertFalse(any(word == "--set" for word in self.check_frame(page, "all reset")))
         self.assertEqual(page.errors(), [])
 
+
+    def check_more_settings(self, page):
+        """Points, angles and colours in their other ways, sliders at their ends, a texture."""
+        from selenium.webdriver.support.select import Select
+
+        key(page, ".handle:not([hidden])", "ARROW_RIGHT", "ARROW_UP")
+        self.check_frame(page, "a point by the keyboard")
+        for place, text in enumerate(("120.5", "33")):
+            field = page.driver.find_elements("css selector", row("style/origin", "input[type=text]"))[place]
+            field.clear()
+            field.send_keys(f"{text}\n")
+        self.assertIn("style/origin=120.5,33", self.check_frame(page, "a point in its fields"))
+        page.run("""const well = document.querySelector(arguments[0]);
+            well.value = '#a04080';
+            for (const kind of ['input', 'change']) well.dispatchEvent(new Event(kind));""",
+                 row("style/color", "input[type=color]"))  # fmt: skip
+        self.assertIn("style/color=#a04080", self.check_frame(page, "a colour's well"))
+        key(page, row("opacity/opacity-master", "input[type=range]"), "HOME", "ARROW_RIGHT")
+        self.check_frame(page, "near the end of a slider")
+        for twirl in page.driver.find_elements("css selector", ".twirl[aria-expanded=false]"):
+            page.run("arguments[0].click()", twirl)
+        Select(page.find(row("texture/blend-mode", "select"))).select_by_visible_text("Normal")
+        page.find(row("texture/layer", "button")).click()
+        page.find("#file").send_keys(str(LAYERS / "dusk.jpg"))
+        page.wait("return document.querySelector(arguments[0]).textContent === 'dusk.jpg'", row("texture/layer", ".file"))
+        shutil.copy(LAYERS / "dusk.jpg", self.folder)
+        self.assertIn("dusk.jpg", self.check_frame(page, "a texture"))
+        page.find(row("texture/layer", ".reset")).click()
+        self.assertNotIn("dusk.jpg", self.check_frame(page, "no texture"))
+        key(page, row("compositing/source-opacity", "input[type=text]"), "ARROW_DOWN", "PAGE_DOWN")
+        self.check_frame(page, "a percentage by the keyboard")
 
 class Page(InTheBrowser):
     def check_pixels(self, page):
@@ -206,6 +239,34 @@ class Page(InTheBrowser):
                                    self.folder / "expected.png"], capture_output=True, text=True)  # fmt: skip
         self.assertLessEqual(json.loads(compared.stdout)["worst"], 1.001 / 255, compared.stdout)
         self.assertGreater(len(set(expected[::4])), 20, "the part has a gradient")
+
+    def test_memory_of_2000_drags(self):
+        page = self.open(LAYERS / "card.png", "--renderer", "cpu")
+        page.settle()
+        used = []
+        for _ in range(4):
+            page.driver.execute_async_script("""
+                const done = arguments[0];
+                const slider = document.querySelector('.row[data-key="style/distance"] input[type=range]');
+                let left = 500;
+                const move = () => {
+                  for (let i = 0; i < 2; i++) {
+                    slider.value = 20 + (left-- % 200);
+                    slider.dispatchEvent(new Event('input', { bubbles: true }));
+                  }
+                  if (left > 0) return requestAnimationFrame(move);
+                  slider.dispatchEvent(new Event('change', { bubbles: true }));
+                  done();
+                };
+                move();""")
+            page.settle()
+            page.driver.execute_cdp_cmd("HeapProfiler.collectGarbage", {})
+            status = pathlib.Path(f"/proc/{page.preview.pid}/status").read_text(encoding="ascii")
+            server = int(re.search(r"VmRSS:\s+(\d+)", status)[1]) / 1024
+            used.append((server, page.run("return performance.memory.usedJSHeapSize") / 2**20))
+        # A leak of one of the 2,000 frames would be half a mebibyte, of all of them a gibibyte.
+        self.assertLess(used[-1][0] - used[0][0], 48, used)
+        self.assertLess(used[-1][1] - used[0][1], 16, used)
 
     def test_a_module_that_crashes(self):
         page = self.open(LAYERS / "card.png", "--module", MODULES / "leaver.so",

@@ -14,6 +14,7 @@ HERE = pathlib.Path(__file__).parent
 sys.path.insert(0, str(HERE))
 import browser  # noqa: E402
 
+PAGE = HERE.parent.parent.parent / "host/preview/page"
 LAYERS = pathlib.Path(os.environ["LAYERS"])
 CHECKERS = pathlib.Path(os.environ["CHECKERS"])
 
@@ -32,6 +33,22 @@ class Types(Checked):
         found = subprocess.run(["node", compiler, "--project", HERE / "checkers/tsconfig.json"], text=True,
                                stdout=subprocess.PIPE, stderr=subprocess.STDOUT)  # fmt: skip
         self.assertEqual((found.returncode, found.stdout), (0, ""))
+
+
+class Parts(unittest.TestCase):
+    def test_what_needs_no_browser(self):
+        if not shutil.which("node"):
+            self.skipTest("there is no node here")
+        with tempfile.TemporaryDirectory() as holder:
+            root = pathlib.Path(holder)
+            # Node takes a script for a module only where a package says so.
+            (root / "package.json").write_text('{"type": "module"}')
+            shutil.copytree(PAGE, root / "host/preview/page")
+            shutil.copytree(HERE / "page", root / "tests/host/preview/page")
+            tests = sorted((root / "tests/host/preview/page").iterdir())
+            self.assertTrue(tests)
+            ran = subprocess.run(["node", "--test", *tests], text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        self.assertEqual(ran.returncode, 0, ran.stdout)
 
 
 class Accessibility(Checked):
@@ -73,6 +90,22 @@ class Accessibility(Checked):
             self.check(f"{theme}: with a message, and compared")
             page.find("#help").click()
             self.check(f"{theme}: the keys")
+            page.run("document.getElementById('keys').close()")
+            self.check_time(page, theme)
+
+    def check_time(self, page, theme):
+        page.find("#timeline-shown").click()
+        page.find('.row[data-key="style/angle"] .key-here').click()
+        page.find("#curves-shown").click()
+        page.wait("return document.querySelectorAll('#curve svg').length === 1")
+        page.settle()
+        self.check(f"{theme}: the timeline with a key and its curve")
+        for button, dialog in (("#render", "#render-dialog"), ("#contact-sheet", "#sheet-dialog")):
+            page.find(button).click()
+            page.wait("return document.querySelector(arguments[0]).open", dialog)
+            self.check(f"{theme}: {dialog}")
+            page.run("document.querySelector(arguments[0]).close()", dialog)
+        page.find("#curves-shown").click()
 
 
 if __name__ == "__main__":

@@ -149,6 +149,19 @@ int Page::Draw(const nlohmann::json& values, bool moving, int layer, int texture
     return preview_.Post("draw", request.dump()).status;
 }
 
+nlohmann::json Page::DrawThis(nlohmann::json request, const std::string& kind) {
+    request["serial"] = ++serial_;
+    EXPECT_EQ(preview_.Post("draw", request.dump()).status, 202);
+    return Await(kind);
+}
+
+nlohmann::json Page::NextOf(const std::string& kind) {
+    for (auto event = NextEvent(); !event.first.empty(); event = NextEvent()) {
+        if (event.first == kind) return event.second;
+    }
+    return nullptr;
+}
+
 std::pair<std::string, nlohmann::json> Page::NextEvent() {
     // The lines of chunks have no event's names.
     std::string kind;

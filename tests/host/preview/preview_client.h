@@ -86,7 +86,11 @@ class Page {
 
     /// Asks for a frame. Returns the reply's status.
     int Draw(const nlohmann::json& values, bool moving = false, int layer = 1, int texture = 0);
+    /// Asks for the frame of a whole request, with a serial of its own, and returns its event of this kind.
+    nlohmann::json DrawThis(nlohmann::json request, const std::string& kind = "frame");
     int Serial() const { return serial_; }
+    /// The next event of this kind, whatever it is about. Others are passed over.
+    nlohmann::json NextOf(const std::string& kind);
     /// The next event of this kind for the last request, or null at the end of the stream. Others are passed over.
     nlohmann::json Await(const std::string& kind);
     /// The pixels of a frame's event.
