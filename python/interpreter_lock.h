@@ -6,12 +6,13 @@
 
 #include <cxxabi.h>
 #include <pybind11/pybind11.h>
-#include <unistd.h>
 
 #include <exception>
 #include <optional>
 #include <type_traits>
 #include <utility>
+
+#include "python/call_gate.h"
 
 namespace umbrant::python {
 
@@ -22,11 +23,11 @@ inline void TakeLock(PyThreadState* state) {
     try {
         PyEval_RestoreThread(state);
     } catch (const abi::__forced_unwind&) {
-        for (;;) pause();
+        WaitForTheEnd();
     }
 }
 
-/// Returns what `work` returns, which is called without the lock and must not use Python objects.
+/// Returns what `work` returns, a call of the library, which is made without the lock and must not use Python objects.
 template <typename Work>
 auto WithoutLock(const Work& work) {
     using Value = decltype(work());
@@ -35,6 +36,7 @@ auto WithoutLock(const Work& work) {
     std::optional<Kept> value;
     PyThreadState* state = PyEval_SaveThread();
     try {
+        const CallInProgress call;
         if constexpr (std::is_void_v<Value>) {
             work();
         } else {

@@ -6,9 +6,23 @@
 #include <pybind11/pybind11.h>
 #include <umbrant/effect.h>
 
+#include "python/call_gate.h"
 #include "python/core_effect.h"
 #include "python/errors.h"
+#include "python/interpreter_lock.h"
 #include "python/picture.h"
+
+namespace {
+
+/// For the interpreter's exit functions. Other threads may still draw then; that of a sub-interpreter is not the end.
+void End() {
+    if (PyInterpreterState_Get() != PyInterpreterState_Main()) return;
+    PyThreadState* state = PyEval_SaveThread();
+    umbrant::python::CloseGate();
+    umbrant::python::TakeLock(state);
+}
+
+}  // namespace
 
 PYBIND11_MODULE(_umbrant, module) {
     using namespace umbrant::python;
@@ -16,6 +30,8 @@ PYBIND11_MODULE(_umbrant, module) {
     options.disable_function_signatures();
     module.doc() = "What umbrant's Python code calls of the library; no interface of its own.";
     module.attr("version") = umbrant::Version();
+    module.def("end", End);
+    WatchForks();
     TranslateErrors();
     AddPicture(module);
     AddFrameOptions(module);

@@ -13,6 +13,9 @@ The pixels are those that the program `umbrant render` writes with the same para
 umbrant.Error with one sentence about what is wrong.
 """
 
+import atexit
+
+from umbrant import _umbrant
 from umbrant._effect import Effect
 from umbrant._errors import (
     ArgumentTypeError,
@@ -49,3 +52,6 @@ __all__ = [
 for _each in (Effect, Values, Parameter, Rectangle):
     _each.__module__ = "umbrant"
 del _each
+
+# Threads that nobody waits for may still draw when the process ends. They finish their frame and draw no other.
+atexit.register(_umbrant.end)

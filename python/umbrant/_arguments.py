@@ -3,6 +3,8 @@
 """From the arguments of a frame to the library's options. The library checks ranges; this only checks forms."""
 
 import fractions
+import math
+import numbers
 import operator
 
 from umbrant import _umbrant
@@ -45,20 +47,15 @@ def ratio(name, value):
     with a denominator up to a million."""
     if type(value) is int:
         return integer(name, value), 1
-    try:
-        if isinstance(value, (str, bytes)):
-            raise TypeError
-        if not isinstance(value, fractions.Fraction):
-            rational = hasattr(value, "numerator") and hasattr(value, "denominator")
-            value = fractions.Fraction(int(value.numerator), int(value.denominator)) if rational else \
-                fractions.Fraction(number(name, value))  # fmt: skip
-    except (OverflowError, ValueError):
-        raise UsageError(f"{name} is {value}; it must be a finite number") from None
-    except (TypeError, ZeroDivisionError):
-        raise ArgumentTypeError(
-            f"{name} is of the type '{type_name(value)}'; it must be a number, such as fractions.Fraction(2, 3)") from None
-    value = value.limit_denominator(LARGEST_DENOMINATOR)
-    return integer(f"the numerator of {name}", value.numerator), value.denominator
+    if isinstance(value, numbers.Rational):
+        exact = fractions.Fraction(int(value.numerator), int(value.denominator))
+    else:
+        value = number(name, value)
+        if not math.isfinite(value):
+            raise UsageError(f"{name} is {value}; it must be a finite number")
+        exact = fractions.Fraction(value)
+    nearest = exact.limit_denominator(LARGEST_DENOMINATOR)
+    return integer(f"the numerator of {name}", nearest.numerator), nearest.denominator
 
 
 def pair(name, value):
