@@ -27,7 +27,8 @@ def version():
 
 
 def cmake_arguments():
-    arguments = ["-DCMAKE_BUILD_TYPE=Release", "-DCMAKE_CXX_FLAGS_RELEASE=-O2 -DNDEBUG", "-DUMBRANT_TESTS=OFF",
+    # As the preset `release` compiles; what is installed is stripped.
+    arguments = ["-DCMAKE_BUILD_TYPE=RelWithDebInfo", "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O2 -g1 -DNDEBUG", "-DUMBRANT_TESTS=OFF",
                  "-DUMBRANT_BENCH=OFF", "-DUMBRANT_FREI0R=OFF", "-DUMBRANT_PYTHON=ON",
                  f"-DUMBRANT_PYTHON_PROGRAM={sys.executable}"]
     if shutil.which("ninja"):

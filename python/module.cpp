@@ -22,9 +22,7 @@ void End() {
     umbrant::python::TakeLock(state);
 }
 
-}  // namespace
-
-PYBIND11_MODULE(_umbrant, module) {
+void Fill(pybind11::module_& module) {
     using namespace umbrant::python;
     pybind11::options options;
     options.disable_function_signatures();
@@ -37,4 +35,26 @@ PYBIND11_MODULE(_umbrant, module) {
     AddFrameOptions(module);
     AddValues(module);
     AddEffect(module);
+}
+
+}  // namespace
+
+// PYBIND11_MODULE with a check before it: pybind11 waits forever for the interpreter's lock where a sub-interpreter is
+// the first to initialise it. One that comes later shares what the main interpreter has initialised.
+PYBIND11_PLUGIN_IMPL(_umbrant) {
+    if (PyInterpreterState_Get() != PyInterpreterState_Main()) {
+        PyErr_SetString(
+            PyExc_ImportError,
+            "umbrant cannot be imported in a sub-interpreter first; import it in the main interpreter before");
+        return nullptr;
+    }
+    PYBIND11_CHECK_PYTHON_VERSION
+    PYBIND11_ENSURE_INTERNALS_READY
+    static pybind11::module_::module_def definition;
+    auto module = pybind11::module_::create_extension_module("_umbrant", nullptr, &definition);
+    try {
+        Fill(module);
+        return module.ptr();
+    }
+    PYBIND11_CATCH_INIT_EXCEPTIONS
 }

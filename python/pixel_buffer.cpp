@@ -152,7 +152,7 @@ void PixelBuffer::Assign(const Image& image) const {
 
 void PixelBuffer::RequireWritable() const {
     if (buffer_.readonly) Refuse(what_ + " is read-only; it must be an array that can be written to");
-    for (int axis = 0; axis < kAxes; ++axis) {
+    for (int axis = 0; axis < kAxes && buffer_.len > 0; ++axis) {
         if (buffer_.shape[axis] > 1 && Stride(axis) == 0) {
             Refuse(what_ + " has a stride of 0 bytes along axis " + std::to_string(axis) +
                    ", so its pixels share memory; each must have its own");

@@ -254,27 +254,38 @@ def test_an_interpreter_ends_while_threads_draw(renderer):
         assert (done.returncode, done.stderr) == (0, "")
 
 
-def test_a_subinterpreter():
-    """A second interpreter imports the package after and before the first, draws, and ends. Without numpy, which only one
-    interpreter of a process can import."""
-    for order in ("first, inside", "inside, first"):
-        done = run(f"""
-            import _xxsubinterpreters as interpreters
-            code = '''if True:
-                import umbrant
-                effect = umbrant.Effect(renderer="cpu")
-                picture = effect.render(memoryview(bytes(256)).cast("B", (8, 8, 4)), seconds=1)
-                assert memoryview(picture).shape[2] == 4 and picture.place.width == picture.width
-                try: effect["style/distnce"]
-                except umbrant.UnknownParameterError: print("ok", flush=True)
-            '''
-            def first():
-                exec(code)
-            def inside():
-                other = interpreters.create()
-                interpreters.run_string(other, code)
-                interpreters.destroy(other)
-            for step in ({order}, {order}):
-                step()
-        """)
-        assert (done.returncode, done.stdout, done.stderr) == (0, "ok\n" * 4, ""), done.stderr
+IN_TWO_INTERPRETERS = """
+    import _xxsubinterpreters as interpreters
+    code = '''if True:
+        import umbrant
+        effect = umbrant.Effect(renderer="cpu")
+        picture = effect.render(memoryview(bytes(256)).cast("B", (8, 8, 4)), seconds=1)
+        assert memoryview(picture).shape[2] == 4 and picture.place.width == picture.width
+        try: effect["style/distnce"]
+        except umbrant.UnknownParameterError: print("drawn", flush=True)
+    '''
+    def main():
+        exec(code)
+    def other():
+        inner = interpreters.create()
+        try: interpreters.run_string(inner, code)
+        except interpreters.RunFailedError as error: print(error)
+        interpreters.destroy(inner)
+"""
+REFUSED = ("<class 'ImportError'>: umbrant cannot be imported in a sub-interpreter first; import it in the main "
+           "interpreter before")  # fmt: skip
+
+
+@pytest.mark.parametrize(
+    "steps, said",
+    [
+        (["main", "other", "main", "other"], ["drawn"] * 4),
+        (["other", "main", "other"], [REFUSED, "drawn", "drawn"]),
+    ],
+    ids=["after the main interpreter", "before the main interpreter"],
+)
+def test_a_subinterpreter(steps, said):
+    """Draws once the main interpreter has the package, and ends. Without numpy, which only one interpreter of a process can
+    import."""
+    done = run(textwrap.dedent(IN_TWO_INTERPRETERS) + "".join(f"{step}()\n" for step in steps))
+    assert (done.returncode, done.stdout.splitlines(), done.stderr) == (0, said, "")

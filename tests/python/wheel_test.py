@@ -29,7 +29,7 @@ def run(*command, cwd=None, **environment):
 def wheel_build():
     """The environment of a build whose compiled files the next run of the tests can use."""
     launcher = os.environ.get("COMPILER_LAUNCHER", "")
-    return {"UMBRANT_WHEEL_BUILD": str(BUILD / "wheel"), "CXX": os.environ["CXX"],
+    return {"UMBRANT_WHEEL_BUILD": str(BUILD.with_name(BUILD.name + "-wheel")), "CXX": os.environ["CXX"],
             "CMAKE_ARGS": f"-DCMAKE_CXX_COMPILER_LAUNCHER={launcher}" if launcher else ""}
 
 
