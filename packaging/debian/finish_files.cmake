@@ -13,5 +13,9 @@ find_program(OBJCOPY objcopy REQUIRED)
 file(GLOB_RECURSE binaries ${CPACK_TEMPORARY_DIRECTORY}/*/usr/bin/umbrant ${CPACK_TEMPORARY_DIRECTORY}/*/usr/lib/*.so
      ${CPACK_TEMPORARY_DIRECTORY}/*/usr/lib/*.a)
 foreach(binary IN LISTS binaries)
+    # A link to a file of another package.
+    if(IS_SYMLINK ${binary})
+        continue()
+    endif()
     execute_process(COMMAND ${OBJCOPY} --remove-section=.comment ${binary} COMMAND_ERROR_IS_FATAL ANY)
 endforeach()

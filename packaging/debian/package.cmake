@@ -1,5 +1,5 @@
 # Debian packages by CPack: `cpack -G DEB` in a build folder writes umbrant, the program with its module, and
-# libumbrant-host-dev, the library for other programs. packaging/debian/try installs and uses them in a fresh Debian.
+# libumbrant-host-dev, the library for other programs, and python3-umbrant, the Python package where it is built. packaging/debian/try installs and uses them in a fresh Debian.
 
 set(CPACK_PACKAGE_NAME umbrant)
 set(CPACK_PACKAGE_VENDOR "The Umbrant authors")
@@ -50,10 +50,17 @@ an image and named parameters in, an image out, on any number of threads.
 The package contains the library, its headers, a CMake package, a pkg-config
 file and an example.")
 
-foreach(package umbrant libumbrant-host-dev)
+set(packages umbrant libumbrant-host-dev)
+if(TARGET umbrant_python)
+    include(packaging/debian/python_package.cmake)
+    list(APPEND packages python3-umbrant)
+endif()
+foreach(package IN LISTS packages)
     set(component umbrant)
     if(package STREQUAL "libumbrant-host-dev")
         set(component development)
+    elseif(package STREQUAL "python3-umbrant")
+        set(component python)
     endif()
     configure_file(packaging/debian/changelog.in packaging/debian/changelog.Debian @ONLY)
     install(FILES ${CMAKE_SOURCE_DIR}/packaging/debian/copyright ${CMAKE_BINARY_DIR}/packaging/debian/changelog.Debian

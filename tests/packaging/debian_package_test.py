@@ -17,6 +17,8 @@ SOURCE = pathlib.Path(os.environ["SOURCE_FOLDER"])
 MANUAL = sorted((SOURCE / "docs/man").glob("*.1"))
 CPACK = os.environ["CPACK"]
 LIBDIR = os.environ["LIBDIR"]
+PYTHON = os.environ.get("PYTHON_PACKAGE") == "1"
+DIST_PACKAGES = "/usr/lib/python3/dist-packages/umbrant"
 
 
 def setUpModule():
@@ -64,8 +66,10 @@ class DebianPackages(unittest.TestCase):
             output("dpkg-deb", "--extract", self.packages[package], folder)
         return folder
 
-    def test_there_are_two(self):
-        self.assertEqual(set(self.packages), {"umbrant", "libumbrant-host-dev"} | ({"umbrant-frei0r"} & set(self.packages)))
+    def test_there_are_three(self):
+        # The Python package only where its headers are.
+        optional = {"umbrant-frei0r"} & set(self.packages) | ({"python3-umbrant"} if PYTHON else set())
+        self.assertEqual(set(self.packages), {"umbrant", "libumbrant-host-dev"} | optional)
 
     def test_fields(self):
         for package in self.packages:
@@ -87,6 +91,33 @@ class DebianPackages(unittest.TestCase):
         full = self.field("umbrant", "Version")
         self.assertEqual(self.field("libumbrant-host-dev", "Depends"), f"umbrant (= {full}), libfmt-dev")
 
+    def test_the_python_package(self):
+        if not PYTHON:
+            self.skipTest("the Python package is not built here")
+        package = "python3-umbrant"
+        self.assertEqual(self.field(package, "Section"), "python")
+        depends = self.field(package, "Depends")
+        for name in (f"umbrant \\(= {re.escape(self.field('umbrant', 'Version'))}\\)", "python3-numpy", r"python3 \(>= 3\.\d+~\)",
+                     r"python3 \(<< 3\.\d+\)", "libc6", "libstdc\\+\\+6", "libfmt9"):  # fmt: skip
+            self.assertRegex(depends, rf"(^|, ){name}")
+        for library in ("libopenimageio", "libcairo", "libegl", "libpython"):
+            self.assertNotIn(library, depends)
+        folder = self.unpacked(package)
+        module = folder / DIST_PACKAGES.lstrip("/") / "umbrant2.so"
+        self.assertTrue(module.is_symlink())
+        # The link leads to the file of the package umbrant, wherever both are.
+        self.assertEqual(os.path.normpath(f"{DIST_PACKAGES}/{os.readlink(module)}"), f"/usr/{LIBDIR}/umbrant/umbrant2.so")
+        (extension,) = module.parent.glob("_umbrant.cpython-3*.so")
+        self.assertNotIn(".debug_info", output("readelf", "--sections", extension))
+        self.assertNotIn("RUNPATH", output("readelf", "--dynamic", extension))
+        self.assertNotIn(str(BUILD).encode(), extension.read_bytes())
+        exported = [line.split()[-1] for line in output("nm", "-D", "--defined-only", extension).splitlines()]
+        self.assertEqual(exported, ["PyInit__umbrant"])
+        control = folder.with_name("control")
+        output("dpkg-deb", "--control", self.packages[package], control)
+        for script in ("postinst", "prerm"):
+            self.assertIn("py3c", (control / script).read_text())
+
     def test_files(self):
         expected = {
             "umbrant": [
@@ -105,6 +136,12 @@ class DebianPackages(unittest.TestCase):
                 "/usr/share/doc/libumbrant-host-dev/examples/render_from_memory/render_from_memory.cpp",
             ],
         }  # fmt: skip
+        if PYTHON:
+            expected["python3-umbrant"] = [
+                *(f"{DIST_PACKAGES}/{name}" for name in ("__init__.py", "__init__.pyi", "py.typed", "_effect.py")),
+                "/usr/share/doc/python3-umbrant/copyright", "/usr/share/doc/python3-umbrant/changelog.Debian.gz",
+                "/usr/share/doc/python3-umbrant/examples/contact_sheet.py",
+            ]  # fmt: skip
         for package, names in expected.items():
             contents = self.contents(package)
             for name in names:
@@ -112,6 +149,8 @@ class DebianPackages(unittest.TestCase):
             for name, (mode, owner) in contents.items():
                 self.assertEqual(owner, "root/root", name)
                 self.assertTrue(name.startswith("/usr/"), name)
+                if mode.startswith("l"):
+                    continue
                 executable = name.endswith("/") or name == "/usr/bin/umbrant"
                 self.assertEqual(mode[1:], "rwxr-xr-x" if executable else "rw-r--r--", name)
 

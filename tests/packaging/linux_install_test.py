@@ -46,6 +46,16 @@ EXPECTED = {
     "share/doc/libumbrant-host-dev/examples/render_from_memory/render_from_memory.cpp",
 }  # fmt: skip
 
+# The Python package, where it is built.
+PYTHON = os.environ.get("PYTHON_PROGRAM")
+PYTHON_PACKAGE = f"{os.environ.get('PYTHON_DESTINATION')}/umbrant"
+if PYTHON:
+    EXPECTED |= {f"{PYTHON_PACKAGE}/{path.name}" for path in (SOURCE / "python/umbrant").iterdir() if path.suffix != ".pyc"}
+    EXPECTED -= {f"{PYTHON_PACKAGE}/__pycache__"}
+    EXPECTED |= {f"{PYTHON_PACKAGE}/umbrant2.so", "share/doc/python3-umbrant/copyright",
+                 "share/doc/python3-umbrant/changelog.Debian",
+                 *(f"share/doc/python3-umbrant/examples/{path.name}" for path in (SOURCE / "examples/python").glob("*.py"))}
+
 
 def run(*command, cwd=None, **environment):
     """Standard output and error of a command that must succeed."""
@@ -95,13 +105,23 @@ class Installed(unittest.TestCase):
         found = files_in(self.prefix)
         self.assertEqual(EXPECTED - found, set())
         # Besides, one file a configuration, and what optional parts of the project bring.
-        more = {name for name in found - EXPECTED if "umbrant_host-targets-" not in name and "frei0r" not in name}
+        more = {name for name in found - EXPECTED if "umbrant_host-targets-" not in name and "frei0r" not in name
+                and not name.startswith(f"{PYTHON_PACKAGE}/_umbrant.cpython-")}  # fmt: skip
         self.assertEqual(more, set())
 
     def test_permissions(self):
         for name in files_in(self.prefix):
             mode = (self.prefix / name).stat().st_mode & 0o777
             self.assertIn(mode, {0o755} if name.startswith("bin/") else {0o644, 0o755}, name)
+
+    def test_the_python_package_finds_its_module(self):
+        if not PYTHON:
+            self.skipTest("the Python package is not built here")
+        package = self.prefix / PYTHON_PACKAGE
+        said = run(PYTHON, "-B", "-c", "import umbrant; print(umbrant.__file__, umbrant.Effect().module_file)",
+                   PYTHONPATH=package.parent)  # fmt: skip
+        self.assertEqual(said.split(), [f"{package}/__init__.py", f"{package}/umbrant2.so"])
+        self.assertEqual(os.path.realpath(package / "umbrant2.so"), str(self.prefix / LIBDIR / "umbrant/umbrant2.so"))
 
     def test_the_program_finds_its_module(self):
         self.assertIn("style/distance", run(self.prefix / "bin/umbrant", "params"))
