@@ -4,6 +4,7 @@
 // The plug-in as hosts find it: the three functions that it exports and the entry point with one line per action.
 // Nothing is thrown across it.
 
+#include <exception>
 #include <new>
 #include <string_view>
 

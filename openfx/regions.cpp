@@ -37,10 +37,16 @@ void SetTexture(const Instance& instance, OfxTime time, const OfxRectI& layer, F
     options.textureY = layer.y2 - pixels->y2;
 }
 
+/// Without a shadow the region does not grow: tree hosts compute every pixel of it.
+bool HasShadow(const Instance& instance, OfxTime time) {
+    return instance.Number(kOpacityMasterName, time) != 0 &&
+           (instance.Number(kOpacityStartName, time) != 0 || instance.Number(kOpacityEndName, time) != 0);
+}
+
 std::optional<OfxRectD> RegionOfResult(const Instance& instance, OfxTime time) {
     const auto region = instance.Source().Region(time);
     if (!region) return std::nullopt;
-    if (!CanGrow() || IsSource(instance, time)) return region;
+    if (!CanGrow() || !HasShadow(instance, time)) return region;
     const double aspect = instance.Source().PixelAspect();
     const auto layer = FullPixels(*region, aspect);
     if (!layer) return std::nullopt;
