@@ -57,7 +57,7 @@ class Instance {
     /// where the host has it and does not give its value.
     HostNumbers Numbers(std::size_t place, OfxTime time) const;
     double Number(const char* name, OfxTime time) const { return Numbers(PlaceOf(name), time)[0]; }
-    AlphaChoice Alpha() const;
+    AlphaChoice Alpha(OfxTime time) const;
 
     /// All values of the effect for a layer. Throws Refusal as Numbers.
     Values ValuesAt(OfxTime time, const LayerPlace& layer) const;

@@ -100,7 +100,7 @@ OfxStatus GetClipPreferences(const Instance& instance, const Properties& answers
     // The effect's clock is not used: the same values give the same frame at every time.
     const bool isStill = answers.Set(kOfxImageEffectFrameVarying, 0);
     const auto reported = instance.Source().properties.String(kOfxImageEffectPropPreMultiplication);
-    const AlphaChoice choice = instance.Alpha();
+    const AlphaChoice choice = instance.Alpha(0);
     // A source without a state, as of a clip that is not connected, leaves the output's to the host.
     if (!reported && choice == AlphaChoice::kAutomatic) return isStill ? kOfxStatOK : kOfxStatReplyDefault;
     const bool isSet =

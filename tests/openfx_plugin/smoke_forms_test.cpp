@@ -3,8 +3,8 @@
 
 // Forms of images: alpha, depths, scales, blue first, and those that the plug-in refuses.
 
-#include <cmath>
 #include <tuple>
+#include <utility>
 
 #include "tests/openfx_plugin/smoke_fixture.h"
 
@@ -113,6 +113,30 @@ TEST_F(OpenfxForms, BlueFirstIsDrawnAsRedFirst) {
     ASSERT_EQ(Draw(output), kOfxStatOK);
     for (std::size_t i = 0; i < output.memory.size(); i += 4) std::swap(output.memory[i], output.memory[i + 2]);
     ExpectSame(output.View(), expected);
+}
+
+TEST_F(OpenfxForms, TexturesAreWhereTheirClipIs) {
+    Put("texture_blend_mode", 0);
+    expected_.Set("texture/blend-mode", "normal");
+    HostImage source(kFrame, false), output(kFrame, false), texture({10, -5, 50, 30}, false, false, 8);
+    Connect(source);
+    for (std::size_t i = 0; i < texture.memory.size(); ++i)
+        texture.memory[i] = static_cast<std::uint8_t>(i % 4 == 3 ? 255 : i * 7);
+    SmallClip& clip = instance_->clips["Texture"];
+    clip.image = &texture.image;
+    clip.region = {10, -5, 50, 30};
+    clip.set.Put(kOfxImageClipPropConnected, {1});
+    ASSERT_EQ(Draw(output), kOfxStatOK);
+    FrameOptions options;
+    options.canvas = Canvas::kLayer;
+    options.texture = texture.View();
+    options.textureX = 10;
+    options.textureY = kHeight - 30;
+    ExpectSame(output.View(), expected_.Render(source.View(), options));
+    // Connected without an image, as some hosts have it.
+    clip.image = nullptr;
+    ASSERT_EQ(Draw(output), kOfxStatOK);
+    ExpectSame(output.View(), Expected(source.View()));
 }
 
 TEST_F(OpenfxForms, NoSourceIsTransparent) {
