@@ -74,7 +74,7 @@ Instance& Instance::Of(const void* handle) {
     void* instance = nullptr;
     if (effect && TheSuites().effect->getPropertySet(effect, &set) == kOfxStatOK)
         instance = Properties(set).Pointer(kOfxPropInstanceData);
-    if (!instance) throw Refusal(kOfxStatErrBadHandle, "");
+    if (!instance) throw Refusal(kOfxStatFailed, "");
     return *static_cast<Instance*>(instance);
 }
 

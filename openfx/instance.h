@@ -38,7 +38,8 @@ class Instance {
     /// Throws Error and Refusal.
     explicit Instance(OfxImageEffectHandle handle);
 
-    /// The one that CreateInstance left with the handle. Throws Refusal with ErrBadHandle where there is none.
+    /// The one that CreateInstance left with the handle. Throws Refusal without a sentence where there is
+    /// none.
     static Instance& Of(const void* handle);
 
     OfxImageEffectHandle Handle() const { return handle_; }

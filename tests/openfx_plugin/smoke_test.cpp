@@ -132,7 +132,10 @@ TEST_F(OpenfxSmoke, LoadsPresets) {
 
 TEST_F(OpenfxSmoke, UnknownActionsAndNoHandlesAreAnswered) {
     EXPECT_EQ(host_.Call("OfxActionOfTheFuture", instance_.get()), kOfxStatReplyDefault);
-    EXPECT_EQ(host_.Call(kOfxImageEffectActionRender, nullptr), kOfxStatErrBadHandle);
+    EXPECT_EQ(host_.Call("OfxActionOfTheFuture", nullptr), kOfxStatReplyDefault);
+    EXPECT_EQ(host_.Call(kOfxImageEffectActionRender, nullptr), kOfxStatFailed);
+    EXPECT_EQ(host_.Call(kOfxActionCreateInstance, nullptr), kOfxStatFailed);
+    EXPECT_EQ(host_.Call(kOfxImageEffectActionGetRegionOfDefinition, nullptr), kOfxStatReplyDefault);
     EXPECT_EQ(host_.Call(kOfxActionLoad, nullptr), kOfxStatOK);
     EXPECT_EQ(host_.Call(kOfxActionUnload, nullptr), kOfxStatOK);
     EXPECT_EQ(host_.Call(kOfxActionUnload, nullptr), kOfxStatOK);
