@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+#pragma once
+
+// Names of the properties of parameters and parameter sets.
+
+inline constexpr char kOfxParamHostPropSupportsCustomAnimation[] = "OfxParamHostPropSupportsCustomAnimation";
+inline constexpr char kOfxParamHostPropSupportsStringAnimation[] = "OfxParamHostPropSupportsStringAnimation";
+inline constexpr char kOfxParamHostPropSupportsBooleanAnimation[] = "OfxParamHostPropSupportsBooleanAnimation";
+inline constexpr char kOfxParamHostPropSupportsChoiceAnimation[] = "OfxParamHostPropSupportsChoiceAnimation";
+inline constexpr char kOfxParamHostPropSupportsCustomInteract[] = "OfxParamHostPropSupportsCustomInteract";
+inline constexpr char kOfxParamHostPropMaxParameters[] = "OfxParamHostPropMaxParameters";
+inline constexpr char kOfxParamHostPropMaxPages[] = "OfxParamHostPropMaxPages";
+inline constexpr char kOfxParamHostPropPageRowColumnCount[] = "OfxParamHostPropPageRowColumnCount";
+inline constexpr char kOfxParamPropInteractV1[] = "OfxParamPropInteractV1";
+inline constexpr char kOfxParamPropInteractSize[] = "OfxParamPropInteractSize";
+inline constexpr char kOfxParamPropInteractSizeAspect[] = "OfxParamPropInteractSizeAspect";
+inline constexpr char kOfxParamPropInteractMinimumSize[] = "OfxParamPropInteractMinimumSize";
+inline constexpr char kOfxParamPropInteractPreferedSize[] = "OfxParamPropInteractPreferedSize";
+inline constexpr char kOfxParamPropType[] = "OfxParamPropType";
+inline constexpr char kOfxParamPropAnimates[] = "OfxParamPropAnimates";
+inline constexpr char kOfxParamPropCanUndo[] = "OfxParamPropCanUndo";
+inline constexpr char kOfxPropParamSetNeedsSyncing[] = "OfxPropParamSetNeedsSyncing";
+inline constexpr char kOfxParamPropIsAnimating[] = "OfxParamPropIsAnimating";
+inline constexpr char kOfxParamPropPluginMayWrite[] = "OfxParamPropPluginMayWrite";
+inline constexpr char kOfxParamPropPersistant[] = "OfxParamPropPersistant";
+inline constexpr char kOfxParamPropEvaluateOnChange[] = "OfxParamPropEvaluateOnChange";
+inline constexpr char kOfxParamPropSecret[] = "OfxParamPropSecret";
+inline constexpr char kOfxParamPropScriptName[] = "OfxParamPropScriptName";
+inline constexpr char kOfxParamPropCacheInvalidation[] = "OfxParamPropCacheInvalidation";
+inline constexpr char kOfxParamPropHint[] = "OfxParamPropHint";
+inline constexpr char kOfxParamPropDefault[] = "OfxParamPropDefault";
+inline constexpr char kOfxParamPropDoubleType[] = "OfxParamPropDoubleType";
+inline constexpr char kOfxParamPropDefaultCoordinateSystem[] = "OfxParamPropDefaultCoordinateSystem";
+inline constexpr char kOfxParamPropHasHostOverlayHandle[] = "OfxParamPropHasHostOverlayHandle";
+inline constexpr char kOfxParamPropUseHostOverlayHandle[] = "kOfxParamPropUseHostOverlayHandle";
+inline constexpr char kOfxParamInterpType[] = "OfxParamInterpType";
+inline constexpr char kOfxParamPropShowTimeMarker[] = "OfxParamPropShowTimeMarker";
+inline constexpr char kOfxPluginPropParamPageOrder[] = "OfxPluginPropParamPageOrder";
+inline constexpr char kOfxParamPropPageChild[] = "OfxParamPropPageChild";
+inline constexpr char kOfxParamPropParent[] = "OfxParamPropParent";
+inline constexpr char kOfxParamPropGroupOpen[] = "OfxParamPropGroupOpen";
+inline constexpr char kOfxParamPropEnabled[] = "OfxParamPropEnabled";
+inline constexpr char kOfxParamPropDataPtr[] = "OfxParamPropDataPtr";
+inline constexpr char kOfxParamPropChoiceOption[] = "OfxParamPropChoiceOption";
+inline constexpr char kOfxParamPropChoiceOrder[] = "OfxParamPropChoiceOrder";
+inline constexpr char kOfxParamPropChoiceEnum[] = "OfxParamPropChoiceEnum";
+inline constexpr char kOfxParamHostPropSupportsStrChoiceAnimation[] = "OfxParamHostPropSupportsStrChoiceAnimation";
+inline constexpr char kOfxParamHostPropSupportsStrChoice[] = "OfxParamHostPropSupportsStrChoice";
+inline constexpr char kOfxParamPropMin[] = "OfxParamPropMin";
+inline constexpr char kOfxParamPropMax[] = "OfxParamPropMax";
+inline constexpr char kOfxParamPropDisplayMin[] = "OfxParamPropDisplayMin";
+inline constexpr char kOfxParamPropDisplayMax[] = "OfxParamPropDisplayMax";
+inline constexpr char kOfxParamPropIncrement[] = "OfxParamPropIncrement";
+inline constexpr char kOfxParamPropDigits[] = "OfxParamPropDigits";
+inline constexpr char kOfxParamPropDimensionLabel[] = "OfxParamPropDimensionLabel";
+inline constexpr char kOfxParamPropIsAutoKeying[] = "OfxParamPropIsAutoKeying";
+inline constexpr char kOfxParamPropCustomInterpCallbackV1[] = "OfxParamPropCustomCallbackV1";
+inline constexpr char kOfxParamPropStringMode[] = "OfxParamPropStringMode";
+inline constexpr char kOfxParamPropStringFilePathExists[] = "OfxParamPropStringFilePathExists";
+inline constexpr char kOfxParamPropCustomValue[] = "OfxParamPropCustomValue";
+inline constexpr char kOfxParamPropInterpolationTime[] = "OfxParamPropInterpolationTime";
+inline constexpr char kOfxParamPropInterpolationAmount[] = "OfxParamPropInterpolationAmount";
