@@ -9,7 +9,8 @@ namespace umbrant::ofx {
 
 const std::vector<ActionRow>& ActionTable() {
     static const std::vector<ActionRow> rows = {
-        {"OfxActionLoad", "OK, ReplyDefault, Failed, ErrFatal"},
+        // Without a suite that it needs, an effect may say so at once.
+        {"OfxActionLoad", "OK, ReplyDefault, ErrMissingHostFeature, Failed, ErrFatal"},
         {"OfxActionUnload", "OK, ReplyDefault, ErrFatal"},
         {"OfxActionDescribe", "OK, ErrMissingHostFeature, ErrMemory, Failed, ErrFatal"},
         {"OfxImageEffectActionDescribeInContext", "OK, ErrMissingHostFeature, ErrMemory, Failed, ErrFatal"},

@@ -94,6 +94,7 @@ Host* Host::Current() {
 
 bool Host::Lacks(const PropertyRow& row) const {
     if (options_.missing.contains(std::string(row.name))) return true;
+    if (row.since == "extension") return !options_.extensions;
     return options_.minimal && (row.hostMayLackIt || row.since != "<=1.1");
 }
 

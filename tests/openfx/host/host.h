@@ -24,6 +24,8 @@ struct HostOptions {
     bool minimal = false;
     /// Properties that no object of this host has.
     std::set<std::string> missing{};
+    /// Clips have the property of a known extension, the order of a pixel's channels.
+    bool extensions = false;
     /// Suites that are absent: "OfxMessageSuite", or "OfxMessageSuite/2" for one version.
     std::set<std::string> absentSuites{};
     /// False: all images have the project's size and begin at (0, 0).

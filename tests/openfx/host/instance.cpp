@@ -129,6 +129,7 @@ void Instance::ConnectClip(Clip& clip, const Picture* picture) {
     set.Put("OfxImageEffectPropComponents", {components});
     set.Put("OfxImageClipPropUnmappedComponents", {components});
     set.Put("OfxImageEffectPropPreMultiplication", {inputs_.premultiplication});
+    set.Put("OfxImageEffectPropPixelOrder", {inputs_.pixelOrder});
     set.Put("OfxImagePropPixelAspectRatio", {inputs_.pixelAspect});
     set.Put("OfxImageEffectPropFrameRate", {24.0});
     set.Put("OfxImageEffectPropFrameRange", {0.0, 99.0});

@@ -24,6 +24,8 @@ struct Inputs {
     Picture source{};
     std::optional<Picture> texture{};
     std::string premultiplication = kStraight;
+    /// Of hosts with extensions. Pictures are in this order as they are.
+    std::string pixelOrder = "OfxImagePixelOrderRGBA";
     double scaleX = 1;
     double scaleY = 1;
     double pixelAspect = 1;

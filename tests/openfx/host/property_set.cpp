@@ -9,60 +9,11 @@
 #include <utility>
 
 #include "tests/openfx/host/host.h"
+#include "tests/openfx/host/property_rules.h"
 
 namespace umbrant::ofx {
 
 namespace {
-
-/// What a plug-in may set on instances.
-const std::set<std::string_view>& WritableOnInstances() {
-    static const std::set<std::string_view> names = {
-        "OfxPropInstanceData",
-        "OfxImageEffectInstancePropSequentialRender",
-        "OfxPropLabel",
-        "OfxPropShortLabel",
-        "OfxPropLongLabel",
-        "OfxParamPropSecret",
-        "OfxParamPropEnabled",
-        "OfxParamPropHint",
-        "OfxParamPropMin",
-        "OfxParamPropMax",
-        "OfxParamPropDisplayMin",
-        "OfxParamPropDisplayMax",
-        "OfxParamPropChoiceOption",
-        "OfxParamPropEvaluateOnChange",
-        "OfxPropParamSetNeedsSyncing",
-    };
-    return names;
-}
-
-/// Where the initial value is not 0 or "".
-const std::map<std::string_view, PropertyValue>& Defaults() {
-    static const std::map<std::string_view, PropertyValue> values = {
-        {"OfxImageEffectPluginRenderThreadSafety", "OfxImageEffectRenderInstanceSafe"},
-        {"OfxImageEffectPluginPropHostFrameThreading", 1},
-        {"OfxImageEffectPropSupportsMultiResolution", 1},
-        {"OfxImageEffectPropSupportsTiles", 1},
-        {"OfxImageEffectPluginPropFieldRenderTwiceAlways", 1},
-        {"OfxImageClipPropFieldExtraction", "OfxFieldDoubled"},
-        {"OfxParamPropInteractSizeAspect", 1.0},
-        {"OfxParamPropAnimates", 1},
-        {"OfxParamPropCanUndo", 1},
-        {"OfxParamPropPersistant", 1},
-        {"OfxParamPropEvaluateOnChange", 1},
-        {"OfxParamPropEnabled", 1},
-        {"OfxParamPropGroupOpen", 1},
-        {"OfxParamPropDigits", 2},
-        {"OfxParamPropIncrement", 1.0},
-        {"OfxParamPropDoubleType", "OfxParamDoubleTypePlain"},
-        {"OfxParamPropDefaultCoordinateSystem", "OfxParamCoordinatesCanonical"},
-        {"OfxParamPropCacheInvalidation", "OfxParamInvalidateValueChange"},
-        {"OfxParamPropStringMode", "OfxParamStringIsSingleLine"},
-        {"OfxParamPropStringFilePathExists", 1},
-        {"OfxImageEffectPropOpenGLRenderSupported", "false"},
-    };
-    return values;
-}
 
 PropertyValue Zero(std::string_view type) {
     if (type == "int") return 0;
@@ -221,6 +172,13 @@ OfxStatus PropertySet::CheckWrite(std::string_view function, const char* name, c
     return kOfxStatOK;
 }
 
+void PropertySet::Follow(std::string_view name, const Property& property) {
+    for (const auto& [leader, follower] : Followers()) {
+        const auto found = properties_.find(std::string(follower));
+        if (leader == name && found != properties_.end()) found->second.values = property.values;
+    }
+}
+
 OfxStatus PropertySet::SetOne(std::string_view function, const char* name, int index, PropertyValue value) {
     const std::lock_guard lock(mutex_);
     Property* property = nullptr;
@@ -229,13 +187,17 @@ OfxStatus PropertySet::SetOne(std::string_view function, const char* name, int i
     const int count = static_cast<int>(property->values.size());
     // A property of any dimension may grow by one at its end.
     if (index < 0 || index >= count + (property->dimension == 0 ? 1 : 0)) {
-        TheHost().record.Violation(Where(function, name) + " has " + std::to_string(count) + " value(s), no index " +
-                                   std::to_string(index));
+        // An earlier index may be what failed.
+        if (!TheHost().record.HasFaults()) {
+            TheHost().record.Violation(Where(function, name) + " has " + std::to_string(count) +
+                                       " value(s), no index " + std::to_string(index));
+        }
         return kOfxStatErrBadIndex;
     }
     if (index == count) property->values.resize(property->values.size() + 1);
     property->values[static_cast<std::size_t>(index)] = std::move(value);
     property->set = true;
+    Follow(name, *property);
     return kOfxStatOK;
 }
 
@@ -253,6 +215,7 @@ OfxStatus PropertySet::SetAll(std::string_view function, const char* name, std::
     }
     property->values = std::move(values);
     property->set = true;
+    Follow(name, *property);
     return kOfxStatOK;
 }
 

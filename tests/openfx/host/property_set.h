@@ -82,6 +82,8 @@ class PropertySet : public Object {
     OfxStatus Find(std::string_view function, const char* name, Property*& property);
     OfxStatus CheckWrite(std::string_view function, const char* name, const Property& property,
                          const PropertyValue& value);
+    /// Sets what follows this property.
+    void Follow(std::string_view name, const Property& property);
     PropertyValue Value(const std::string& name, int index, PropertyValue otherwise) const;
     /// "propSetInt: the property OfxPropLabel of the effect's descriptor"
     std::string Where(std::string_view function, std::string_view name) const;

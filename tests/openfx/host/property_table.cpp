@@ -263,6 +263,9 @@ const std::vector<PropertyRow>& PropertyTable() {
         {"OfxImageClipPropDepth_", "string", "1", "", "outArgs of GetClipPreferences", "<=1.1", false},
         {"OfxImageClipPropPAR_", "double", "1", "", "outArgs of GetClipPreferences", "<=1.1", false},
         {"OfxImageClipPropPreferredColourspaces_", "string", "N", "", "outArgs of GetClipPreferences", "1.5", false},
+        // Of one host, and beyond the standard.
+        {"OfxImageEffectPropPixelOrder", "string", "1", "OfxImagePixelOrderRGBA|OfxImagePixelOrderBGRA",
+         "clip instance", "extension", true},
     };
     return rows;
 }

@@ -23,7 +23,8 @@ OfxParamHandle ParamOf(OfxImageEffectHandle effect, const char* name) {
     OfxParamSetHandle set = nullptr;
     Need(suites.effect->getParamSet(effect, &set));
     OfxParamHandle param = nullptr;
-    Need(suites.param->paramGetHandle(set, name, &param, nullptr));
+    const OfxStatus status = suites.param->paramGetHandle(set, name, &param, nullptr);
+    if (!Has(Flaw::kTrustsHandles)) Need(status);
     return param;
 }
 
@@ -51,6 +52,9 @@ OfxStatus Load() {
     Fetch(suites.message, "OfxMessageSuite", 2);
     Fetch(suites.progress, "OfxProgressSuite", 1);
     const bool complete = suites.property != nullptr && suites.effect != nullptr && suites.param != nullptr;
+    const bool others = suites.memory != nullptr && suites.thread != nullptr && suites.message != nullptr;
+    if (Has(Flaw::kNeedsSuites) && !others) return kOfxStatFailed;
+    if (Has(Flaw::kIgnoresMissingSuites)) return kOfxStatOK;
     if (!complete) return kOfxStatErrMissingHostFeature;
     if (Has(Flaw::kAnswersFatal)) return kOfxStatErrFatal;
     return kOfxStatOK;
@@ -136,6 +140,8 @@ OfxStatus Dispatch(const std::string& action, const void* handle, OfxPropertySet
 OfxStatus Main(const char* action, const void* handle, OfxPropertySetHandle in, OfxPropertySetHandle out) {
     if (Has(Flaw::kThrows) && std::string(action) == "OfxActionCreateInstance") throw std::runtime_error("planted");
     if (Has(Flaw::kThrowsInRender) && std::string(action) == "OfxImageEffectActionRender") throw 7;
+    // Says that everything is in order, whatever it has.
+    if (Has(Flaw::kIgnoresMissingSuites) && std::string(action) != "OfxActionLoad") return kOfxStatOK;
     try {
         return Dispatch(action, handle, in, out);
     } catch (const Refusal& refusal) {

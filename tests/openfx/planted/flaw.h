@@ -16,6 +16,10 @@ enum class Flaw {
     kAnswersFatal,
     kDefaultsRender,
     kThrowsInRender,
+    kNeedsSuites,
+    kIgnoresMissingSuites,
+    kTrustsHandles,
+    kClaimsIdentity,
     // Its description.
     kNoLabel,
     kWrongType,

@@ -30,10 +30,10 @@ struct Image {
     bool Holds(int x, int y) const { return x >= bounds.x1 && x < bounds.x2 && y >= bounds.y1 && y < bounds.y2; }
 };
 
-Image Fetch(OfxImageEffectHandle effect, const char* clip, double time) {
+Image Fetch(OfxImageClipHandle clip, double time) {
     const OfxPropertySuiteV1& property = *suites.property;
     Image image;
-    if (suites.effect->clipGetImage(ClipOf(effect, clip), time, nullptr, &image.set) != kOfxStatOK) return {};
+    if (suites.effect->clipGetImage(clip, time, nullptr, &image.set) != kOfxStatOK) return {};
     void* data = nullptr;
     char* depth = nullptr;
     const OfxStatus statuses[] = {
@@ -130,16 +130,19 @@ OfxStatus GetRegion(OfxImageEffectHandle effect, OfxPropertySetHandle in, OfxPro
 OfxStatus IsIdentity(OfxImageEffectHandle effect, OfxPropertySetHandle out) {
     int border = 0;
     Need(suites.param->paramGetValue(ParamOf(effect, "border"), &border));
-    if (border != 0) return kOfxStatReplyDefault;
+    if (border != 0 && !Has(Flaw::kClaimsIdentity)) return kOfxStatReplyDefault;
     Need(suites.property->propSetString(out, "OfxPropName", 0, Has(Flaw::kUnknownIdentity) ? "source" : "Source"));
     return kOfxStatOK;
 }
 
 OfxStatus Render(OfxImageEffectHandle effect, OfxPropertySetHandle in) {
     if (Has(Flaw::kDefaultsRender)) return kOfxStatReplyDefault;
-    const Request request = Read(effect, in);
-    const Image source = Fetch(effect, "Source", Has(Flaw::kOtherTime) ? request.time + 1 : request.time);
-    const Image output = Fetch(effect, "Output", request.time);
+    Request request = Read(effect, in);
+    if (Has(Flaw::kClaimsIdentity)) request.gain = 0.5;
+    // Handles first: what fails then leaves no image behind.
+    OfxImageClipHandle from = ClipOf(effect, "Source"), to = ClipOf(effect, "Output");
+    const Image source = Fetch(from, Has(Flaw::kOtherTime) ? request.time + 1 : request.time);
+    const Image output = Fetch(to, request.time);
     bool drawn = false;
     if (output.data != nullptr) drawn = Draw(effect, output, source, request);
     if (source.set != nullptr) suites.effect->clipReleaseImage(source.set);

@@ -93,6 +93,27 @@ TEST(OpenFxFrame, OfAWindowIsThatPartOfTheWhole) {
     }
 }
 
+/// With red and blue exchanged.
+Picture Exchanged(Picture picture) {
+    for (std::size_t i = 0; i < picture.channels.size(); i += 4)
+        std::swap(picture.channels[i], picture.channels[i + 2]);
+    return picture;
+}
+
+TEST(OpenFxFrame, OfAHostThatHasBlueFirst) {
+    for (const Depth depth : {Depth::kByte, Depth::kFloat}) {
+        HostOptions options;
+        options.extensions = true;
+        Session session(options);
+        const Picture source = Disc(kAtZero, depth);
+        const Picture expected = FromLibrary(source, ManySettings());
+        EXPECT_EQ(Difference(FromPlugIn(session, {source}, ManySettings()), expected), "");
+        Inputs inputs{Exchanged(source)};
+        inputs.pixelOrder = "OfxImagePixelOrderBGRA";
+        EXPECT_EQ(Difference(FromPlugIn(session, inputs, ManySettings()), Exchanged(expected)), "");
+    }
+}
+
 TEST(OpenFxFrame, InFloatsIsTheLibrarys) {
     Session session;
     const Picture source = Disc(kElsewhere, Depth::kFloat);

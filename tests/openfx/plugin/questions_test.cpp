@@ -106,6 +106,8 @@ void CompareRow(Param& param, const umbrant::Parameter& row) {
         const auto number = [&](const char* name) { return whole ? set.Int(name) : set.Double(name); };
         EXPECT_DOUBLE_EQ(number("OfxParamPropMin"), row.minimum);
         EXPECT_DOUBLE_EQ(number("OfxParamPropMax"), row.maximum);
+        EXPECT_DOUBLE_EQ(number("OfxParamPropDisplayMin"), std::max(row.sliderMinimum, row.minimum));
+        EXPECT_DOUBLE_EQ(number("OfxParamPropDisplayMax"), std::min(row.sliderMaximum, row.maximum));
         EXPECT_NEAR(number("OfxParamPropDefault"), row.defaultNumbers.at(0), 1e-9);
     }
     if (row.kind == umbrant::ParameterKind::kColor) {

@@ -75,6 +75,8 @@ OfxStatus ClipGetHandle(OfxImageEffectHandle handle, const char* name, OfxImageC
     }
     Clip* found = name == nullptr ? nullptr : effect->FindClip(name);
     if (found == nullptr) {
+        // The definition may be what failed.
+        if (record.HasFaults()) return kOfxStatErrBadHandle;
         record.Violation("clipGetHandle: the effect did not define a clip " + std::string(name == nullptr ? "" : name));
         return kOfxStatErrBadHandle;
     }

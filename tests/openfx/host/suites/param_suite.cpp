@@ -81,6 +81,8 @@ OfxStatus GetHandle(OfxParamSetHandle handle, const char* name, OfxParamHandle* 
     if (set == nullptr) return status;
     Param* found = name == nullptr ? nullptr : set->Find(name);
     if (found == nullptr) {
+        // The definition may be what failed.
+        if (TheRecord().HasFaults()) return kOfxStatErrUnknown;
         TheRecord().Violation("paramGetHandle: no parameter " + std::string(name == nullptr ? "(null)" : name));
         return kOfxStatErrUnknown;
     }
