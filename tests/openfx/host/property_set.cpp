@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "tests/openfx/host/host.h"
-#include "tests/openfx/host/property_rules.h"
+#include "tests/openfx/host/tables/property_rules.h"
 
 namespace umbrant::ofx {
 

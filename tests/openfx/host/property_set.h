@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "tests/openfx/host/object.h"
-#include "tests/openfx/host/tables.h"
+#include "tests/openfx/host/tables/tables.h"
 
 namespace umbrant::ofx {
 

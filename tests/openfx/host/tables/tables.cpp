@@ -3,7 +3,7 @@
 
 // Look-ups in the tables of the standard.
 
-#include "tests/openfx/host/tables.h"
+#include "tests/openfx/host/tables/tables.h"
 
 #include <map>
 

@@ -3,7 +3,7 @@
 
 // Every property of the standard: name, types, dimension, values, the objects that have it, its first version.
 
-#include "tests/openfx/host/tables.h"
+#include "tests/openfx/host/tables/tables.h"
 
 namespace umbrant::ofx {
 

@@ -3,7 +3,7 @@
 
 // Every action and the answers that an effect may give to it.
 
-#include "tests/openfx/host/tables.h"
+#include "tests/openfx/host/tables/tables.h"
 
 namespace umbrant::ofx {
 

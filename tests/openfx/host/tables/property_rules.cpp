@@ -3,7 +3,7 @@
 
 // Rules of properties as data.
 
-#include "tests/openfx/host/property_rules.h"
+#include "tests/openfx/host/tables/property_rules.h"
 
 namespace umbrant::ofx {
 
