@@ -72,7 +72,7 @@ Life LifeWith(HostOptions options, const std::vector<Fault>& faults = {}, const 
     return life;
 }
 
-/// Keeps the binary loaded, so that a life does not load it anew.
+/// The life that nothing disturbs, to compare with.
 class OpenFxFailures : public testing::Test {
  protected:
     OpenFxFailures() : whole_(LifeWith({})) {

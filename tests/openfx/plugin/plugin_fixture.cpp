@@ -6,7 +6,6 @@
 #include "tests/openfx/plugin/plugin_fixture.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -14,23 +13,33 @@ namespace umbrant::ofx {
 
 namespace {
 
-/// "Color Burn" as "color-burn".
-std::string Slug(const std::string& text) {
-    std::string slug;
-    for (const unsigned char c : text) slug += std::isalnum(c) != 0 ? static_cast<char>(std::tolower(c)) : '-';
-    return slug;
+umbrant::Effect& Library() {
+    static umbrant::Effect* effect = [] {
+        umbrant::EffectOptions options;
+        options.module = UMBRANT_MODULE_FILE;
+        options.renderer = umbrant::Renderer::kProcessor;
+        // Lives to the end: the plug-in's own module comes and goes.
+        return new umbrant::Effect(options);
+    }();
+    return *effect;
 }
 
-void SetParam(Instance& instance, const std::string& name, const std::string& value, const OfxRectI& bounds) {
+/// The text of a popup's item as the panel shows it.
+std::string ItemText(const std::string& path, const std::string& value) {
+    const umbrant::Parameter row = Library().Find(path);
+    for (std::size_t i = 0; i < row.items.size(); ++i) {
+        if (row.items[i] == value) return row.itemNames.at(i);
+    }
+    throw std::out_of_range(path + " has no item " + value);
+}
+
+void SetParam(Instance& instance, const std::string& path, const std::string& value, const OfxRectI& bounds) {
+    const std::string name = ParamName(path);
     Param* param = instance.FindParam(name);
     ASSERT_NE(param, nullptr) << "no parameter " << name;
     const std::string type(param->Type().name);
     if (type == "OfxParamTypeChoice") {
-        const auto items = param->Properties().Strings("OfxParamPropChoiceOption");
-        const auto found =
-            std::find_if(items.begin(), items.end(), [&](const std::string& item) { return Slug(item) == value; });
-        ASSERT_NE(found, items.end()) << name << " has no option " << value;
-        instance.SetChoice(name, *found);
+        instance.SetChoice(name, ItemText(path, value));
     } else if (type == "OfxParamTypeRGB") {
         ParamValue colour;
         for (std::size_t c = 0; c < 3; ++c)
@@ -43,17 +52,6 @@ void SetParam(Instance& instance, const std::string& name, const std::string& va
     } else {
         instance.Set(name, std::stod(value));
     }
-}
-
-umbrant::Effect& Library() {
-    static umbrant::Effect* effect = [] {
-        umbrant::EffectOptions options;
-        options.module = UMBRANT_MODULE_FILE;
-        options.renderer = umbrant::Renderer::kProcessor;
-        // Lives to the end: the plug-in's own module comes and goes.
-        return new umbrant::Effect(options);
-    }();
-    return *effect;
 }
 
 /// The image's channels from the top row down, as the library takes them.
@@ -119,7 +117,7 @@ std::unique_ptr<Instance> Session::NewInstance() {
 }
 
 void Session::Apply(Instance& instance, const Settings& settings, const OfxRectI& bounds) {
-    for (const auto& [path, value] : settings) SetParam(instance, ParamName(path), value, bounds);
+    for (const auto& [path, value] : settings) SetParam(instance, path, value, bounds);
 }
 
 Picture FromLibrary(const Picture& source, const Settings& settings, umbrant::FrameOptions options,

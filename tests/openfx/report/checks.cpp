@@ -216,9 +216,13 @@ std::string IdentityHolds(const std::string& bundle) {
     if (identity.status != kOfxStatOK || identity.clip != "Source") return life.Problems();
     const Frame frame = life.TheInstance()->Render();
     for (int y = kBounds.y1; y < kBounds.y2; ++y) {
-        const bool same = std::equal(source.At(kBounds.x1, y), source.At(kBounds.x1, y) + 4 * WidthOf(kBounds),
-                                     frame.output.At(kBounds.x1, y));
-        if (!same) life.Add("IsIdentity names Source, and the frame differs from it");
+        for (int x = kBounds.x1; x < kBounds.x2; ++x) {
+            // A colour below an alpha of 0 is not visible.
+            const int first = source.At(x, y)[3] > 0 ? 0 : 3;
+            const bool same = std::equal(source.At(x, y) + first, source.At(x, y) + 4, frame.output.At(x, y) + first);
+            if (!same) life.Add("IsIdentity names Source, and the frame differs from it");
+            if (!same) return life.Problems();
+        }
     }
     return life.Problems();
 }
