@@ -17,7 +17,7 @@ class ParamChecks {
     ParamChecks(Param& param, const ParamSet& set) : param_(param), set_(set), properties_(param.Properties()) {}
 
     void Run(std::set<std::string>& earlier) {
-        if (properties_.String("OfxPropLabel").empty()) Wrong("has an empty label");
+        if (properties_.Has("OfxPropLabel") && properties_.String("OfxPropLabel").empty()) Wrong("has an empty label");
         if (properties_.Has("OfxParamPropScriptName") && properties_.String("OfxParamPropScriptName").empty()) {
             Wrong("has an empty script name");
         }
@@ -54,6 +54,7 @@ class ParamChecks {
         if (param_.Type().name != "OfxParamTypeChoice") return;
         const std::vector<std::string> items = properties_.Strings("OfxParamPropChoiceOption");
         const int value = properties_.Int("OfxParamPropDefault");
+        if (!properties_.Has("OfxParamPropChoiceOption")) return;
         if (items.empty()) Wrong("has no options");
         if (!items.empty() && (value < 0 || value >= static_cast<int>(items.size()))) {
             Wrong("has the default " + std::to_string(value) + ", which is no option");
@@ -108,11 +109,13 @@ void CheckContext(EffectObject& context, const std::string& name) {
     if (name == kFilter && context.FindClip("Source") == nullptr) violation("no clip Source is defined");
     for (const auto& clip : context.Clips()) {
         PropertySet& properties = clip->Properties();
-        if (properties.Count("OfxImageEffectPropSupportedComponents") == 0) {
+        const char* components = "OfxImageEffectPropSupportedComponents";
+        if (properties.Has(components) && properties.Count(components) == 0) {
             violation("the clip " + clip->Name() + " has no components");
         }
         const bool own = clip->Name() == "Source" || clip->Name() == "Output";
-        if (name == kFilter && !own && properties.Int("OfxImageClipPropOptional") == 0) {
+        if (name == kFilter && !own && properties.Has("OfxImageClipPropOptional") &&
+            properties.Int("OfxImageClipPropOptional") == 0) {
             violation("the clip " + clip->Name() + " must be optional in a filter");
         }
     }

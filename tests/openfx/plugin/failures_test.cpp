@@ -27,13 +27,19 @@ void Live(Host& host, PlugIn& plugIn, Life& life, const std::vector<Fault>& inFr
     life.status = plugIn.Start();
     if (!Succeeded(life.status)) return;
     life.step = "create";
+    life.status = kOfxStatFailed;
+    if (plugIn.Context(kGeneral) == nullptr) return;
     auto instance = Instance::Create(plugIn, kGeneral, life.status);
     if (instance == nullptr) return;
     life.step = "frame";
     const Picture source = Disc(kBounds);
     Inputs inputs{source, source};
     instance->Connect(inputs);
-    Session::Apply(*instance, SmallSettings(), kBounds);
+    for (const auto& setting : SmallSettings()) {
+        // A row that the host refused is absent; the effect then has its default.
+        if (instance->FindParam(ParamName(setting.first)) == nullptr) continue;
+        Session::Apply(*instance, {setting}, kBounds);
+    }
     instance->IsIdentity();
     std::map<std::string, OfxRectD> regions;
     instance->RegionsOfInterest(0, {0, 0, 8, 8}, regions);
@@ -108,6 +114,7 @@ TEST_F(OpenFxFailures, EachPropertyMissing) {
         "OfxImageEffectPropSupportedComponents",
         "OfxParamPropDefault",
         "OfxImageEffectPropSupportedPixelDepths",
+        "OfxPropInstanceData",
     };
     for (const PropertyRow& row : PropertyTable()) {
         HostOptions options;
@@ -147,7 +154,7 @@ TEST_F(OpenFxFailures, EachSuiteAbsent) {
 
 /// The calls at which a function fails in turn: all of them, or so many of them, the first ones and others evenly.
 std::vector<int> CallsToFail(int calls) {
-    constexpr int kFirst = 12, kOthers = 12;
+    constexpr int kFirst = 6, kOthers = 6;
     std::vector<int> chosen;
     const bool all = std::getenv("UMBRANT_SOAK") != nullptr || calls <= kFirst + kOthers;
     for (int call = 1; call <= calls; ++call) {
