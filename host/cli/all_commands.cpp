@@ -6,8 +6,8 @@
 namespace umbrant::host {
 
 std::vector<Command> AllCommands() {
-    return {RenderCommand(), PreviewCommand(),  ParamsCommand(), InfoCommand(), CompareCommand(),
-            PanelCommand(),  ValidateCommand(), CurvesCommand(), FarmCommand(), CompletionCommand()};
+    return {RenderCommand(),   PreviewCommand(), ParamsCommand(), InfoCommand(),   CompareCommand(),   PanelCommand(),
+            ValidateCommand(), CurvesCommand(),  FarmCommand(),   DoctorCommand(), CompletionCommand()};
 }
 
 }  // namespace umbrant::host
