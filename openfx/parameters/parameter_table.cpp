@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// The rows. Ranges and defaults are the effect's; a slider ends where values do, and reaches the default.
+
+#include "openfx/parameters/parameter_table.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "openfx/parameters/parameter_hints.h"
+
+namespace umbrant::openfx {
+
+namespace {
+
+using enum ParameterKind;
+
+constexpr const char* kShadowTypes[] = {"Normal", "Inner", "Radial"};
+constexpr const char* kBlendModes[] = {"Normal",      "Add",         "Screen",   "Overlay",    "Soft Light",
+                                       "Hard Light",  "Darken",      "Multiply", "Color Burn", "Classic Color Burn",
+                                       "Linear Burn", "Darker Color"};
+constexpr const char* kEaseModes[] = {"Ease In", "Ease In & Out"};
+constexpr const char* kTextureModes[] = {"Normal",       "Multiply",         "Color Burn",     "Add",
+                                         "Screen",       "Overlay",          "Soft Light",     "Stencil Alpha",
+                                         "Stencil Luma", "Silhouette Alpha", "Silhouette Luma"};
+constexpr const char* kResolutions[] = {"Draft", "Low", "Moderate", "High", "Extreme"};
+constexpr const char* kPriorities[] = {"Speed", "Memory Usage"};
+constexpr const char* kAlphas[] = {"Automatic", "Premultiplied", "Straight"};
+
+constexpr Range kPercent{0, 100};
+constexpr Range kTurns{-36000, 36000};
+constexpr Range kFar{-32000, 32000};
+
+constexpr ParameterRow Group(const char* name, const char* path, const char* parent, const char* label, bool isOpen) {
+    return {.name = name, .path = path, .parent = parent, .label = label, .kind = kGroup, .varies = isOpen};
+}
+
+constexpr ParameterRow Number(const char* name, const char* path, const char* parent, const char* label, Range valid,
+                              Range slider, double standard, const char* hint, ParameterKind kind = kDouble) {
+    return {.name = name,
+            .path = path,
+            .parent = parent,
+            .label = label,
+            .kind = kind,
+            .valid = valid,
+            .slider = slider,
+            .standard = {standard},
+            .hint = hint};
+}
+
+constexpr ParameterRow Percent(const char* name, const char* path, const char* parent, const char* label,
+                               double standard, const char* hint) {
+    return Number(name, path, parent, label, kPercent, kPercent, standard, hint);
+}
+
+constexpr ParameterRow Choice(const char* name, const char* path, const char* parent, const char* label,
+                              std::span<const char* const> items, int standard, bool varies, const char* hint) {
+    return {.name = name,
+            .path = path,
+            .parent = parent,
+            .label = label,
+            .kind = kChoice,
+            .varies = varies,
+            .standard = {static_cast<double>(standard)},
+            .items = items,
+            .hint = hint};
+}
+
+constexpr ParameterRow Own(const char* name, const char* parent, const char* label, ParameterKind kind,
+                           const char* hint) {
+    return {
+        .name = name, .path = nullptr, .parent = parent, .label = label, .kind = kind, .varies = false, .hint = hint};
+}
+
+// clang-format off
+constexpr ParameterRow kTable[] = {
+    Group("style", "style", nullptr, "Style", true),
+    Choice("style_shadow_type", "style/shadow-type", "style", "Shadow Type", kShadowTypes, 0, false, hints::kShadowType),
+    {.name = "style_angle", .path = "style/angle", .parent = "style", .label = "Angle", .kind = kAngle,
+     .valid = kTurns, .slider = {-360, 360}, .standard = {135}, .hint = hints::kAngle},
+    {.name = kOriginName, .path = "style/origin", .parent = "style", .label = "Origin", .kind = kPoint,
+     .valid = kFar, .slider = kFar, .standard = {0, 1}, .hint = hints::kOrigin},
+    Number("style_distance", "style/distance", "style", "Distance", {0, 2000}, {0, 250}, 250, hints::kDistance),
+    Number("style_softness", "style/softness", "style", "Softness", {0, 500}, {0, 250}, 250, hints::kSoftness),
+    {.name = "style_color", .path = "style/color", .parent = "style", .label = "Color", .kind = kColor,
+     .valid = {0, 1}, .slider = {0, 1}, .hint = hints::kColor},
+    Choice("style_blend_mode", "style/blend-mode", "style", "Blend Mode", kBlendModes, 0, true, hints::kBlendMode),
+
+    Group("opacity", "opacity", nullptr, "Opacity", true),
+    Percent("opacity_opacity_start", "opacity/opacity-start", "opacity", "Opacity Start", 20, hints::kOpacityStart),
+    Percent("opacity_opacity_end", "opacity/opacity-end", "opacity", "Opacity End", 50, hints::kOpacityEnd),
+    Percent(kOpacityMasterName, "opacity/opacity-master", "opacity", "Opacity Master", 100, hints::kOpacityMaster),
+
+    Group("easing", "easing", nullptr, "Easing", false),
+    Choice("easing_mode", "easing/mode", "easing", "Mode", kEaseModes, 0, true, hints::kEaseMode),
+    Percent("easing_ease", "easing/ease", "easing", "Ease", 100, hints::kEase),
+    Group("easing_advanced", "easing/advanced", "easing", "Advanced", false),
+    Percent("easing_advanced_distance", "easing/advanced/distance", "easing_advanced", "Distance", 80,
+            hints::kEaseDistance),
+    Percent("easing_advanced_softness", "easing/advanced/softness", "easing_advanced", "Softness", 100,
+            hints::kEaseSoftness),
+    Percent("easing_advanced_opacity", "easing/advanced/opacity", "easing_advanced", "Opacity", 100,
+            hints::kEaseOpacity),
+
+    Group("texture", "texture", nullptr, "Texture", false),
+    Choice(kTextureBlendModeName, "texture/blend-mode", "texture", "Blend Mode", kTextureModes, 10, true,
+           hints::kTextureBlendMode),
+    Percent(kTextureStrengthName, "texture/strength", "texture", "Strength", 100, hints::kTextureStrength),
+
+    Group("quality", "quality", nullptr, "Quality", false),
+    Number("quality_samples", "quality/samples", "quality", "Samples", {1, 256}, {1, 64}, 36, hints::kSamples, kInteger),
+    Choice("quality_resolution", "quality/resolution", "quality", "Resolution", kResolutions, 2, true,
+           hints::kResolution),
+    Choice("quality_prioritise", "quality/prioritise", "quality", "Prioritise", kPriorities, 0, false,
+           hints::kPrioritise),
+
+    Group("compositing", "compositing", nullptr, "Compositing", false),
+    Percent(kSourceOpacityName, "compositing/source-opacity", "compositing", "Source Opacity", 100,
+            hints::kSourceOpacity),
+    Number("compositing_offset_shadow", "compositing/offset-shadow", "compositing", "Offset Shadow", {0, 100}, {0, 100},
+           1, hints::kOffsetShadow),
+    Number("compositing_buffer_expansion", "compositing/buffer-expansion", "compositing", "Buffer Expansion", {0, 1000},
+           {0, 100}, 0, hints::kBufferExpansion, kInteger),
+    Choice(kAlphaName, nullptr, "compositing", "Alpha", kAlphas, 0, false, hints::kAlpha),
+
+    Group("preset", nullptr, nullptr, "Preset", false),
+    Own(kPresetFileName, "preset", "Preset File", kFile, hints::kPresetFile),
+    Own(kLoadPresetName, "preset", "Load Preset", kButton, hints::kLoadPreset),
+    Own(kDrawnByName, nullptr, "Drawn by", kLabel, hints::kDrawnBy),
+    Own(kOriginIsRelativeName, nullptr, "Origin is relative", kSwitch, hints::kOriginIsRelative),
+};
+// clang-format on
+
+}  // namespace
+
+std::span<const ParameterRow> ParameterTable() {
+    return kTable;
+}
+
+std::size_t PlaceOf(std::string_view name) {
+    const auto row =
+        std::find_if(std::begin(kTable), std::end(kTable), [&](const ParameterRow& each) { return name == each.name; });
+    return static_cast<std::size_t>(row - std::begin(kTable));
+}
+
+const ParameterRow& RowNamed(std::string_view name) {
+    return kTable[PlaceOf(name)];
+}
+
+bool IsEffectValue(const ParameterRow& row) {
+    return row.path && row.kind != kGroup;
+}
+
+}  // namespace umbrant::openfx

@@ -1,0 +1,250 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// The built bundle in a host of the fewest functions: it draws what the library draws.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <vector>
+
+#include <umbrant/effect.h>
+
+#include "openfx/abi/actions.h"
+#include "openfx/abi/clip_properties.h"
+#include "openfx/abi/effect_properties.h"
+#include "openfx/abi/image_names.h"
+#include "openfx/abi/parameter_properties.h"
+#include "tests/openfx_plugin/small_host.h"
+
+#ifdef OPENFX_BINARY
+namespace umbrant::openfx {
+namespace {
+
+constexpr int kWidth = 64;
+constexpr int kHeight = 48;
+
+/// A disc; where its alpha is 0 it has a colour too. Top row first.
+std::vector<std::uint8_t> Disc() {
+    std::vector<std::uint8_t> pixels;
+    for (int y = 0; y < kHeight; ++y) {
+        for (int x = 0; x < kWidth; ++x) {
+            const int away = (x - 30) * (x - 30) + (y - 20) * (y - 20);
+            for (const int channel : {4 * x, 5 * y, 77, away < 150 ? 255 : away < 200 ? 120 : 0})
+                pixels.push_back(static_cast<std::uint8_t>(channel));
+        }
+    }
+    return pixels;
+}
+
+/// An image of the host's, whose rows may go up or down in memory.
+struct HostImage {
+    HostImage(OfxRectI bounds, bool isFloat, bool isTopFirst = true, int gap = 0) {
+        image.bounds = bounds;
+        image.isFloat = isFloat;
+        const int row = (bounds.x2 - bounds.x1) * (isFloat ? 16 : 4) + gap, rows = bounds.y2 - bounds.y1;
+        memory.assign(static_cast<std::size_t>(row) * rows, 9);
+        image.rowBytes = isTopFirst ? -row : row;
+        image.bottom = memory.data() + (isTopFirst ? static_cast<std::size_t>(row) * (rows - 1) : 0);
+        openfx::Describe(image);
+    }
+    MutableImageView View() {
+        const int rows = image.bounds.y2 - image.bounds.y1;
+        return {static_cast<std::uint8_t*>(image.bottom) + std::ptrdiff_t{rows - 1} * image.rowBytes,
+                image.bounds.x2 - image.bounds.x1, rows, image.isFloat ? PixelFormat::kRgbaFloat : PixelFormat::kRgba8,
+                -image.rowBytes};
+    }
+
+    SmallImage image;
+    std::vector<std::uint8_t> memory;
+};
+
+class OpenfxSmoke : public testing::Test {
+ protected:
+    void SetUp() override {
+        unsetenv("UMBRANT_MODULE");
+        setenv("UMBRANT_RENDERER", "cpu", 1);
+        ASSERT_EQ(host_.Load(OPENFX_BINARY), "");
+        host_.messages.clear();
+        OfxStatus status = kOfxStatFailed;
+        instance_ = host_.Create(status);
+        ASSERT_EQ(status, kOfxStatOK);
+        Put("style_distance", 20.0);
+        Put("style_softness", 6.0);
+        expected_.Set("style/distance", 20);
+        expected_.Set("style/softness", 6);
+    }
+    void TearDown() override {
+        if (instance_) EXPECT_EQ(host_.Call(kOfxActionDestroyInstance, instance_.get()), kOfxStatOK);
+        EXPECT_EQ(host_.images, 0);
+        EXPECT_TRUE(host_.messages.empty()) << host_.messages.front();
+    }
+
+    void Put(const char* name, SmallValue value) { instance_->parameters.at(name).value = {value}; }
+    /// The disc as the clip Source.
+    void Connect(HostImage& source) {
+        CopyRows(Disc(), source.View());
+        SmallClip& clip = instance_->clips["Source"];
+        clip.image = &source.image;
+        const OfxRectI& at = source.image.bounds;
+        clip.region = {1.0 * at.x1, 1.0 * at.y1, 1.0 * at.x2, 1.0 * at.y2};
+        instance_->clips["Texture"].set.Put(kOfxImageClipPropConnected, {0});
+    }
+    static void CopyRows(const std::vector<std::uint8_t>& pixels, const MutableImageView& to) {
+        for (int y = 0; y < kHeight; ++y)
+            std::memcpy(to.Row(y), &pixels[static_cast<std::size_t>(4 * kWidth * y)], 4 * kWidth);
+    }
+    static void ExpectSame(const MutableImageView& drawn, const Image& expected) {
+        ASSERT_EQ(drawn.width, expected.Width());
+        ASSERT_EQ(drawn.height, expected.Height());
+        for (int y = 0; y < drawn.height; ++y) {
+            const std::size_t row = drawn.width * BytesPerPixel(drawn.format);
+            EXPECT_EQ(std::memcmp(drawn.Row(y), expected.View().Row(y), row), 0) << "row " << y;
+        }
+    }
+
+    SmallHost& host_ = SmallHost::The();
+    std::unique_ptr<SmallEffect> instance_;
+    Effect expected_{{UMBRANT_MODULE_FILE, Renderer::kProcessor, false, {}}};
+};
+
+TEST_F(OpenfxSmoke, GrowsAsTheLibraryDoes) {
+    HostImage source({-7, 11, kWidth - 7, kHeight + 11}, false, false, 12);
+    Connect(source);
+    SmallSet in, out;
+    in.Put(kOfxPropTime, {0.0});
+    in.Put(kOfxImageEffectPropRenderScale, {1.0, 1.0});
+    ASSERT_EQ(host_.Call(kOfxImageEffectActionGetRegionOfDefinition, instance_.get(), &in, &out), kOfxStatOK);
+    const auto pixels = Disc();
+    const Image expected = expected_.Render({pixels.data(), kWidth, kHeight});
+    const auto region = [&](std::size_t i) {
+        return static_cast<int>(std::get<double>(out.values[kOfxImageEffectPropRegionOfDefinition][i]));
+    };
+    const OfxRectI bounds{region(0), region(1), region(2), region(3)};
+    EXPECT_EQ(bounds.x1, -7 + expected.Place().left);
+    EXPECT_EQ(bounds.y2, kHeight + 11 - expected.Place().top);
+    HostImage output(bounds, false);
+    instance_->clips["Output"].image = &output.image;
+    EXPECT_EQ(host_.Render(*instance_, bounds), kOfxStatOK);
+    ExpectSame(output.View(), expected);
+}
+
+TEST_F(OpenfxSmoke, FixedFramesAreTheLayersCanvas) {
+    HostImage source({0, 0, kWidth, kHeight}, false), output({0, 0, kWidth, kHeight}, false, false, 4);
+    Connect(source);
+    instance_->clips["Output"].image = &output.image;
+    EXPECT_EQ(host_.Render(*instance_, output.image.bounds), kOfxStatOK);
+    FrameOptions options;
+    options.canvas = Canvas::kLayer;
+    const auto pixels = Disc();
+    ExpectSame(output.View(), expected_.Render({pixels.data(), kWidth, kHeight}, options));
+}
+
+TEST_F(OpenfxSmoke, WritesTheWindowAlone) {
+    HostImage source({0, 0, kWidth, kHeight}, false), output({-20, -30, kWidth + 30, kHeight + 10}, false);
+    Connect(source);
+    instance_->clips["Output"].image = &output.image;
+    const OfxRectI window{10, 5, 90, 40};
+    EXPECT_EQ(host_.Render(*instance_, window), kOfxStatOK);
+    const auto pixels = Disc();
+    const Image expected = expected_.Render({pixels.data(), kWidth, kHeight});
+    const MutableImageView view = output.View();
+    for (int y = 0; y < view.height; ++y) {
+        for (int x = 0; x < view.width; ++x) {
+            const int left = x - 20, up = kHeight + 10 - 1 - y, top = y - 10;
+            const Rectangle& at = expected.Place();
+            std::uint32_t wanted = 0x09090909, found = 0;
+            if (left >= window.x1 && left < window.x2 && up >= window.y1 && up < window.y2) {
+                wanted = 0;
+                if (left >= at.left && left < at.right && top >= at.top && top < at.bottom)
+                    std::memcpy(&wanted, expected.View().Row(top - at.top) + 4 * (left - at.left), 4);
+            }
+            std::memcpy(&found, view.Row(y) + 4 * x, 4);
+            ASSERT_EQ(found, wanted) << x << "," << y;
+        }
+    }
+}
+
+TEST_F(OpenfxSmoke, OpacityNothingIsTheSourceToTheBit) {
+    Put("opacity_opacity_master", 0.0);
+    HostImage source({0, 0, kWidth, kHeight}, false);
+    Connect(source);
+    SmallSet in, out;
+    in.Put(kOfxPropTime, {3.0});
+    EXPECT_EQ(host_.Call(kOfxImageEffectActionIsIdentity, instance_.get(), &in, &out), kOfxStatOK);
+    EXPECT_EQ(out.Text(kOfxPropName), "Source");
+    // The claim, checked where it is computed.
+    expected_.Set("opacity/opacity-master", 0);
+    const auto pixels = Disc();
+    FrameOptions options;
+    options.canvas = Canvas::kLayer;
+    const Image drawn = expected_.Render({pixels.data(), kWidth, kHeight}, options);
+    EXPECT_EQ(std::memcmp(drawn.Bytes(), pixels.data(), pixels.size()), 0);
+}
+
+TEST_F(OpenfxSmoke, RowsFollowTheShadowType) {
+    const auto isSecret = [&](const char* name) {
+        return instance_->parameters.at(name).set.values.contains(kOfxParamPropSecret) &&
+               instance_->parameters.at(name).set.Int(kOfxParamPropSecret) == 1;
+    };
+    EXPECT_FALSE(isSecret("style_angle"));
+    EXPECT_TRUE(isSecret("style_origin"));
+    Put("style_shadow_type", 2);
+    SmallSet in;
+    in.Put<std::string>(kOfxPropType, {kOfxTypeParameter});
+    in.Put<std::string>(kOfxPropName, {"style_shadow_type"});
+    in.Put<std::string>(kOfxPropChangeReason, {kOfxChangeUserEdited});
+    in.Put(kOfxPropTime, {0.0});
+    EXPECT_EQ(host_.Call(kOfxActionInstanceChanged, instance_.get(), &in), kOfxStatOK);
+    EXPECT_TRUE(isSecret("style_angle"));
+    EXPECT_FALSE(isSecret("style_origin"));
+}
+
+TEST_F(OpenfxSmoke, LoadsPresets) {
+    const std::string file = testing::TempDir() + "openfx_preset.json";
+    std::ofstream(file) << R"({"version": 2, "values": {"style/distance": 33, "style/blend-mode": "add",
+                               "style/color": "#ff0033", "easing/mode": "ease-in-out"}})";
+    Put("preset_file", file);
+    instance_->clips["Source"].region = {0, 0, kWidth, kHeight};
+    SmallSet in;
+    in.Put<std::string>(kOfxPropType, {kOfxTypeParameter});
+    in.Put<std::string>(kOfxPropName, {"load_preset"});
+    in.Put<std::string>(kOfxPropChangeReason, {kOfxChangeUserEdited});
+    EXPECT_EQ(host_.Call(kOfxActionInstanceChanged, instance_.get(), &in), kOfxStatOK);
+    EXPECT_EQ(std::get<double>(instance_->parameters.at("style_distance").value[0]), 33);
+    EXPECT_EQ(std::get<double>(instance_->parameters.at("style_softness").value[0]), 6);
+    EXPECT_EQ(std::get<int>(instance_->parameters.at("style_blend_mode").value[0]), 1);
+    EXPECT_EQ(std::get<int>(instance_->parameters.at("easing_mode").value[0]), 1);
+    EXPECT_EQ(std::get<double>(instance_->parameters.at("style_color").value[2]), 0.2);
+
+    Put("preset_file", file + ".missing");
+    EXPECT_EQ(host_.Call(kOfxActionInstanceChanged, instance_.get(), &in), kOfxStatFailed);
+    ASSERT_EQ(host_.messages.size(), 1u);
+    EXPECT_NE(host_.messages[0].find(file + ".missing"), std::string::npos);
+    host_.messages.clear();
+}
+
+TEST_F(OpenfxSmoke, UnknownActionsAndNoHandlesAreAnswered) {
+    EXPECT_EQ(host_.Call("OfxActionOfTheFuture", instance_.get()), kOfxStatReplyDefault);
+    EXPECT_EQ(host_.Call(kOfxImageEffectActionRender, nullptr), kOfxStatErrBadHandle);
+    EXPECT_EQ(host_.Call(kOfxActionLoad, nullptr), kOfxStatOK);
+    EXPECT_EQ(host_.Call(kOfxActionUnload, nullptr), kOfxStatOK);
+    EXPECT_EQ(host_.Call(kOfxActionUnload, nullptr), kOfxStatOK);
+    EXPECT_EQ(host_.Call(kOfxActionLoad, nullptr), kOfxStatOK);
+}
+
+TEST_F(OpenfxSmoke, StopsWhereItIsAborted) {
+    HostImage source({0, 0, kWidth, kHeight}, false), output({0, 0, kWidth, kHeight}, false);
+    Connect(source);
+    instance_->clips["Output"].image = &output.image;
+    host_.isAborted = true;
+    EXPECT_EQ(host_.Render(*instance_, output.image.bounds), kOfxStatFailed);
+    host_.isAborted = false;
+    EXPECT_EQ(output.memory, std::vector<std::uint8_t>(output.memory.size(), 9));
+}
+
+}  // namespace
+}  // namespace umbrant::openfx
+#endif
