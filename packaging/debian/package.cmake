@@ -1,5 +1,5 @@
 # Debian packages by CPack: `cpack -G DEB` in a build folder writes umbrant, the program with its module, and
-# libumbrant-host-dev, the library for other programs. packaging/debian/try installs and uses them in a fresh Debian.
+# libumbrant-host-dev, the library for other programs, and umbrant-openfx, the plug-in. packaging/debian/try installs and uses them in a fresh Debian.
 
 set(CPACK_PACKAGE_NAME umbrant)
 set(CPACK_PACKAGE_VENDOR "The Umbrant authors")
@@ -8,7 +8,7 @@ set(UMBRANT_MAINTAINER "The Umbrant authors <umbrant@example.com>" CACHE STRING 
 set(CPACK_PACKAGE_CONTACT "${UMBRANT_MAINTAINER}")
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-set(CPACK_COMPONENTS_ALL umbrant development)
+set(CPACK_COMPONENTS_ALL umbrant development openfx)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE
                                                 WORLD_READ WORLD_EXECUTE)
@@ -50,11 +50,24 @@ an image and named parameters in, an image out, on any number of threads.
 The package contains the library, its headers, a CMake package, a pkg-config
 file and an example.")
 
-foreach(package umbrant libumbrant-host-dev)
-    set(component umbrant)
-    if(package STREQUAL "libumbrant-host-dev")
-        set(component development)
-    endif()
+# Hosts look in /usr/OFX/Plugins alone. The bundle is whole and needs no other package of the project.
+set(CPACK_DEBIAN_OPENFX_PACKAGE_NAME umbrant-openfx)
+set(CPACK_DEBIAN_OPENFX_PACKAGE_SECTION graphics)
+set(CPACK_DEBIAN_OPENFX_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_OPENFX_PACKAGE_RECOMMENDS "libgl1-mesa-dri")
+set(CPACK_DEBIAN_OPENFX_PACKAGE_SUGGESTS "umbrant")
+set(CPACK_DEBIAN_OPENFX_DESCRIPTION
+    "long, soft shadows for images with transparency - OpenFX plug-in
+Renders normal, inner and radial shadows of an image's alpha channel, in 8
+bits and 32-bit float, in every host of OpenFX plug-ins: a stack of blurred
+copies along a straight or eased curve, in one colour or with a texture.
+.
+The package contains the plug-in in the folder that hosts look in. The program
+of the package umbrant says why a host does not find it: umbrant doctor.")
+
+set(components umbrant development openfx)
+foreach(package umbrant libumbrant-host-dev umbrant-openfx)
+    list(POP_FRONT components component)
     configure_file(packaging/debian/changelog.in packaging/debian/changelog.Debian @ONLY)
     install(FILES ${CMAKE_SOURCE_DIR}/packaging/debian/copyright ${CMAKE_BINARY_DIR}/packaging/debian/changelog.Debian
             DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package} COMPONENT ${component})
