@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
@@ -25,6 +26,9 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr char kArgument[] = "--examination-process";
+
+/// How long a process may take to start, which no examined code can change.
+constexpr std::chrono::seconds kStart{300};
 
 /// How long a process that has closed its socket may take to end.
 constexpr std::chrono::seconds kEnding{10};
@@ -58,7 +62,7 @@ class Watch {
     }
 
  private:
-    bool HasHung() const { return Clock::now() - begin_ > limit_; }
+    bool HasHung() const { return Clock::now() - begin_ > (steps_ == 0 ? std::max(limit_, kStart) : limit_); }
     bool IsOver() { return HasHung() || program_.Child().HasEnded(); }
 
     ExaminationEnd Untimely() {

@@ -24,7 +24,7 @@ constexpr char kOwnModule[] = "umbrant2.so";
 std::string SentenceOf(const std::filesystem::path& bundle, const json& plugins) {
     std::string text;
     for (const json& each : plugins) {
-        text += fmt::format("{}'{}' ({} {}) has {} parameters and {}", text.empty() ? "" : "; ",
+        text += fmt::format("{}'{}' ({} {}) has {} parameter{} and {}", text.empty() ? "" : "; ",
                             each.at("label").get<std::string>(), each.at("identifier").get<std::string>(),
                             each.at("version").get<std::string>(), each.at("parameters").get<int>(),
                             each.at("frame").get<std::string>());

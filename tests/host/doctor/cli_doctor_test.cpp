@@ -54,7 +54,7 @@ TEST_F(CliDoctor, ABundleThatIsInOrder) {
     const fs::path bundle = Bundle();
     const std::string sentence =
         "'" + bundle.string() +
-        "' is in order: 'Patient' (com.example.patient 1.2) has 1 parameters and draws a frame of "
+        "' is in order: 'Patient' (com.example.patient 1.2) has 1 parameter and draws a frame of "
         "64 x 48 pixels with 8 bits a channel.\n";
     for (const fs::path& named : {bundle, fs::path(bundle.string() + "/"), fs::path("Patient.ofx.bundle")}) {
         const Outcome outcome = Doctor(named);
@@ -67,7 +67,7 @@ TEST_F(CliDoctor, ABundleThatIsInOrder) {
 TEST_F(CliDoctor, WhatDrawsNoFrameIsDescribed) {
     const fs::path bundle = Bundle();
     EXPECT_THAT(Doctor(bundle, "identity:source").out,
-                HasSubstr("has 1 parameters and passes its clip 'Source' on as it is."));
+                HasSubstr("has 1 parameter and passes its clip 'Source' on as it is."));
     EXPECT_THAT(Doctor(bundle, "context:generator").out,
                 HasSubstr("was not asked for a frame, because it has no clip 'Source'."));
 }
