@@ -7,3 +7,4 @@
 #include <fmt/format-inl.h>
 
 template FMT_API fmt::detail::thousands_sep_result<char> fmt::detail::thousands_sep_impl<char>(fmt::detail::locale_ref);
+template FMT_API char fmt::detail::decimal_point_impl<char>(fmt::detail::locale_ref);

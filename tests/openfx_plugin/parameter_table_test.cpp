@@ -55,7 +55,8 @@ TEST(ParameterTable, HasEveryRowOfTheEffectThatAHostCanSet) {
                                         "debug"};
     std::set<std::string> paths;
     for (const ParameterRow& row : ParameterTable()) {
-        if (row.path) EXPECT_TRUE(paths.insert(row.path).second) << row.path;
+        if (!row.path) continue;
+        EXPECT_TRUE(paths.insert(row.path).second) << row.path;
     }
     for (const Parameter& parameter : TheEffect().Parameters()) {
         const std::string& path = parameter.path;
@@ -124,8 +125,12 @@ TEST(ParameterTable, HasTheItemsWithoutSeparators) {
 TEST(ParameterTable, EveryValueHasAHintAndAGroupBeforeIt) {
     std::set<std::string> before;
     for (const ParameterRow& row : ParameterTable()) {
-        if (row.kind != kGroup) EXPECT_STRNE(row.hint, "") << row.name;
-        if (row.parent) EXPECT_TRUE(before.contains(row.parent)) << row.name;
+        if (row.kind != kGroup) {
+            EXPECT_STRNE(row.hint, "") << row.name;
+        }
+        if (row.parent) {
+            EXPECT_TRUE(before.contains(row.parent)) << row.name;
+        }
         EXPECT_TRUE(before.insert(row.name).second) << row.name;
         EXPECT_EQ(std::string(row.name).find_first_not_of("abcdefghijklmnopqrstuvwxyz_"), std::string::npos)
             << row.name;
