@@ -31,7 +31,13 @@ set(CMAKE_SKIP_RPATH ON)
 get_filename_component(root ${CMAKE_CURRENT_LIST_DIR}/../.. ABSOLUTE)
 set(CMAKE_CXX_FLAGS_INIT "-g0 -fno-sanitize=undefined -ffile-prefix-map=${root}=. -Werror")
 set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG" CACHE STRING "")
-foreach(kind SHARED MODULE)
-    set(CMAKE_${kind}_LINKER_FLAGS_INIT "-O2 -s -nostdlib++ -Wl,-z,defs")
-endforeach()
-set(CMAKE_CXX_STANDARD_LIBRARIES "${UMBRANT_PORTABLE_TOOLS}/libstdc++.a -lunwind -lpthread -ldl")
+
+# Linked by this system's linker, with the archives and stubs in the folder and nothing of this system's C library.
+set(runtime ${UMBRANT_PORTABLE_TOOLS}/runtime)
+string(JOIN " " createShared
+       "g++ -shared -nostdlib -s -Wl,--fatal-warnings -Wl,--gc-sections <LINK_FLAGS> -o <TARGET>"
+       "${runtime}/crti.o ${runtime}/crtbeginS.o <OBJECTS> <LINK_LIBRARIES>"
+       "-Wl,--as-needed ${runtime}/libstdc++.a ${runtime}/libunwind.a ${runtime}/libm.so.6 ${runtime}/libpthread.so.0"
+       "${runtime}/libdl.so.2 ${runtime}/libc.so.6 ${runtime}/libld.so.2 ${runtime}/libc_nonshared.a ${runtime}/libgcc.a"
+       "${runtime}/crtendS.o ${runtime}/crtn.o")
+set(UMBRANT_CREATE_PORTABLE_MODULE "${createShared}")

@@ -6,6 +6,10 @@
 // pinned compiler's own copies of them leave errno as it was.
 
 #include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdlib>
 
 extern "C" {
 
@@ -39,5 +43,12 @@ extern "C" {
 }
 [[gnu::visibility("hidden")]] int fstatat(int folder, const char* path, struct stat* status, int flags) noexcept {
     return __fxstatat(kStatVersion, folder, path, status, flags);
+}
+
+/// What std::random_device reads, where it is used. It cannot report an error.
+[[gnu::visibility("hidden")]] std::uint32_t arc4random() {
+    std::uint32_t number = 0;
+    if (getentropy(&number, sizeof(number)) != 0) std::abort();
+    return number;
 }
 }
