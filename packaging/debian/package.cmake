@@ -72,6 +72,11 @@ foreach(package umbrant libumbrant-host-dev umbrant-openfx)
     install(FILES ${CMAKE_SOURCE_DIR}/packaging/debian/copyright ${CMAKE_BINARY_DIR}/packaging/debian/changelog.Debian
             DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package} COMPONENT ${component})
 endforeach()
+# Where hosts look is no folder that Debian knows.
+file(WRITE ${CMAKE_BINARY_DIR}/packaging/debian/umbrant-openfx
+     "umbrant-openfx: non-standard-dir-in-usr [usr/OFX/]\numbrant-openfx: file-in-unusual-dir\n")
+install(FILES ${CMAKE_BINARY_DIR}/packaging/debian/umbrant-openfx DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides
+        COMPONENT openfx)
 install(FILES ${CMAKE_SOURCE_DIR}/CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/umbrant RENAME changelog
         COMPONENT umbrant)
 

@@ -64,8 +64,9 @@ class DebianPackages(unittest.TestCase):
             output("dpkg-deb", "--extract", self.packages[package], folder)
         return folder
 
-    def test_there_are_two(self):
-        self.assertEqual(set(self.packages), {"umbrant", "libumbrant-host-dev"} | ({"umbrant-frei0r"} & set(self.packages)))
+    def test_there_are_three(self):
+        packages = {"umbrant", "libumbrant-host-dev", "umbrant-openfx"}
+        self.assertEqual(set(self.packages), packages | ({"umbrant-frei0r"} & set(self.packages)))
 
     def test_fields(self):
         for package in self.packages:
@@ -87,6 +88,11 @@ class DebianPackages(unittest.TestCase):
         full = self.field("umbrant", "Version")
         self.assertEqual(self.field("libumbrant-host-dev", "Depends"), f"umbrant (= {full}), libfmt-dev")
 
+        # The bundle brings its own module, and nothing that draws or reads images.
+        plugin = self.field("umbrant-openfx", "Depends")
+        self.assertEqual({word.split()[0] for word in plugin.split(", ")} - {"libgcc-s1", "libstdc++6"},
+                         {"libc6", "libegl1", "libopengl0"})  # fmt: skip
+
     def test_files(self):
         expected = {
             "umbrant": [
@@ -103,6 +109,12 @@ class DebianPackages(unittest.TestCase):
                 f"/usr/{LIBDIR}/cmake/umbrant_host/umbrant_host-config.cmake",
                 "/usr/share/doc/libumbrant-host-dev/copyright",
                 "/usr/share/doc/libumbrant-host-dev/examples/render_from_memory/render_from_memory.cpp",
+            ],
+            "umbrant-openfx": [
+                "/usr/OFX/Plugins/Umbrant.ofx.bundle/Contents/Info.plist",
+                "/usr/OFX/Plugins/Umbrant.ofx.bundle/Contents/Linux-x86-64/Umbrant.ofx",
+                "/usr/OFX/Plugins/Umbrant.ofx.bundle/Contents/Linux-x86-64/umbrant2.so",
+                "/usr/share/doc/umbrant-openfx/copyright",
             ],
         }  # fmt: skip
         for package, names in expected.items():
