@@ -42,7 +42,7 @@ constexpr double kMostMilliseconds = 0.2;
 
 /// An image of the host's with its bottom row first.
 struct Rows {
-    explicit Rows(const Rectangle& place) : memory(4u * place.Width() * place.Height()) {
+    explicit Rows(const Rectangle& place) : memory(std::size_t{4} * place.Width() * place.Height()) {
         image.bounds = {place.left, kHeight - place.bottom, place.right, kHeight - place.top};
         image.rowBytes = 4 * place.Width();
         image.bottom = memory.data();
@@ -58,7 +58,7 @@ struct Rows {
 
 /// An opaque rectangle in the middle, of half the layer's size.
 void Paint(Rows& layer) {
-    for (int y = 270; y < 810; ++y) std::memset(layer.view.Row(y) + 4 * 480, 255, 4 * 960);
+    for (int y = 270; y < 810; ++y) std::memset(layer.view.Row(y) + std::size_t{4} * 480, 255, std::size_t{4} * 960);
 }
 
 double Since(std::chrono::steady_clock::time_point begin) {

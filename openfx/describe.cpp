@@ -47,7 +47,7 @@ OfxStatus Describe(OfxImageEffectHandle effect) {
     plugin.Set(kOfxPropLongLabel, kLabel);
     plugin.Set(kOfxPropVersion, static_cast<int>(kPluginMajor), 0);
     plugin.Set(kOfxPropVersion, static_cast<int>(kPluginMinor), 1);
-    plugin.Set(kOfxPropVersionLabel, UMBRANT_VERSION);
+    plugin.Set(kOfxPropVersionLabel, "1.0");
     plugin.Set(kOfxPropPluginDescription, kDescription);
     plugin.Set(kOfxImageEffectPluginPropGrouping, kGrouping);
     plugin.SetAll(kOfxImageEffectPropSupportedContexts, {kOfxImageEffectContextFilter, kOfxImageEffectContextGeneral});

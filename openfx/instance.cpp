@@ -74,7 +74,7 @@ Instance& Instance::Of(const void* handle) {
     void* instance = nullptr;
     if (effect && TheSuites().effect->getPropertySet(effect, &set) == kOfxStatOK)
         instance = Properties(set).Pointer(kOfxPropInstanceData);
-    if (!instance) throw Refusal(kOfxStatErrBadHandle, "");
+    if (!instance) throw Refusal(kOfxStatFailed, "");
     return *static_cast<Instance*>(instance);
 }
 
@@ -125,8 +125,8 @@ HostNumbers Instance::Numbers(std::size_t place, OfxTime time) const {
     return numbers;
 }
 
-AlphaChoice Instance::Alpha() const {
-    const double item = Number(kAlphaName, 0);
+AlphaChoice Instance::Alpha(OfxTime time) const {
+    const double item = Number(kAlphaName, time);
     return item == 1 ? AlphaChoice::kPremultiplied : item == 2 ? AlphaChoice::kStraight : AlphaChoice::kAutomatic;
 }
 

@@ -38,7 +38,8 @@ class Instance {
     /// Throws Error and Refusal.
     explicit Instance(OfxImageEffectHandle handle);
 
-    /// The one that CreateInstance left with the handle. Throws Refusal with ErrBadHandle where there is none.
+    /// The one that CreateInstance left with the handle. Throws Refusal without a sentence where there is
+    /// none.
     static Instance& Of(const void* handle);
 
     OfxImageEffectHandle Handle() const { return handle_; }
@@ -57,7 +58,7 @@ class Instance {
     /// where the host has it and does not give its value.
     HostNumbers Numbers(std::size_t place, OfxTime time) const;
     double Number(const char* name, OfxTime time) const { return Numbers(PlaceOf(name), time)[0]; }
-    AlphaChoice Alpha() const;
+    AlphaChoice Alpha(OfxTime time) const;
 
     /// All values of the effect for a layer. Throws Refusal as Numbers.
     Values ValuesAt(OfxTime time, const LayerPlace& layer) const;

@@ -3,8 +3,11 @@
 
 // The beginning and the end of an instance.
 
-#include <cstring>
+#include <array>
+#include <map>
 #include <memory>
+#include <mutex>
+#include <utility>
 
 #include "openfx/actions.h"
 #include "openfx/host/refusal.h"
@@ -13,6 +16,24 @@
 namespace umbrant::openfx {
 
 namespace {
+
+// By their handles, so that an instance ends also where the host does not return its pointer.
+std::mutex theMutex;
+std::map<OfxImageEffectHandle, std::unique_ptr<Instance>> theInstances;
+
+void Keep(OfxImageEffectHandle effect, std::unique_ptr<Instance> instance) {
+    const std::lock_guard lock(theMutex);
+    theInstances[effect] = std::move(instance);
+}
+
+std::unique_ptr<Instance> LetGo(OfxImageEffectHandle effect) {
+    const std::lock_guard lock(theMutex);
+    const auto found = theInstances.find(effect);
+    if (found == theInstances.end()) return nullptr;
+    auto instance = std::move(found->second);
+    theInstances.erase(found);
+    return instance;
+}
 
 /// Moves Origin to where its default is meant to be, in a host that takes no parts of the project's size. Once: the
 /// note about it is saved with the project.
@@ -44,9 +65,10 @@ void ShowRenderer(const Instance& instance) {
 
 OfxStatus CreateInstance(OfxImageEffectHandle effect) {
     auto created = std::make_unique<Instance>(effect);
-    if (!created->Set().Set(kOfxPropInstanceData, static_cast<void*>(created.get())))
+    Instance& instance = *created;
+    if (!instance.Set().Set(kOfxPropInstanceData, static_cast<void*>(&instance)))
         throw Refusal(kOfxStatFailed, "the host does not keep the data of this effect's instances");
-    Instance& instance = *created.release();
+    Keep(effect, std::move(created));
     try {
         PlaceOrigin(instance);
         ShowRenderer(instance);
@@ -58,11 +80,10 @@ OfxStatus CreateInstance(OfxImageEffectHandle effect) {
 }
 
 OfxStatus DestroyInstance(OfxImageEffectHandle effect) {
+    const std::unique_ptr<Instance> instance = LetGo(effect);
     OfxPropertySetHandle set = nullptr;
-    if (!effect || TheSuites().effect->getPropertySet(effect, &set) != kOfxStatOK) return kOfxStatErrBadHandle;
-    const Properties properties(set);
-    const std::unique_ptr<Instance> instance(static_cast<Instance*>(properties.Pointer(kOfxPropInstanceData)));
-    properties.Set(kOfxPropInstanceData, static_cast<void*>(nullptr));
+    if (TheSuites().effect->getPropertySet(effect, &set) == kOfxStatOK)
+        Properties(set).Set(kOfxPropInstanceData, static_cast<void*>(nullptr));
     return kOfxStatOK;
 }
 

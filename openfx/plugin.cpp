@@ -4,6 +4,7 @@
 // The plug-in as hosts find it: the three functions that it exports and the entry point with one line per action.
 // Nothing is thrown across it.
 
+#include <exception>
 #include <new>
 #include <string_view>
 
@@ -29,25 +30,35 @@ OfxStatus Unload() {
     return kOfxStatOK;
 }
 
-/// A descriptor, or an instance's beginning and end.
-OfxStatus OnEffect(std::string_view action, OfxImageEffectHandle effect) {
-    if (!effect) return kOfxStatErrBadHandle;
-    if (action == kOfxActionDescribe) return Describe(effect);
-    if (action == kOfxImageEffectActionDescribeInContext) return DescribeInContext(effect);
-    if (action == kOfxActionCreateInstance) return CreateInstance(effect);
-    if (action == kOfxActionDestroyInstance) return DestroyInstance(effect);
-    return kOfxStatReplyDefault;
+/// A failure here turns off render scales for ever in one host, so an instance that cannot be found is no failure
+/// either.
+OfxStatus Region(const void* handle, const Properties& in, const Properties& out) {
+    try {
+        return GetRegionOfDefinition(Instance::Of(handle), in, out);
+    } catch (...) {
+        return kOfxStatReplyDefault;
+    }
 }
 
 OfxStatus OnInstance(std::string_view action, const void* handle, const Properties& in, const Properties& out) {
     if (action == kOfxImageEffectActionRender) return Render(Instance::Of(handle), in);
     if (action == kOfxImageEffectActionIsIdentity) return IsIdentity(Instance::Of(handle), in, out);
-    if (action == kOfxImageEffectActionGetRegionOfDefinition)
-        return GetRegionOfDefinition(Instance::Of(handle), in, out);
+    if (action == kOfxImageEffectActionGetRegionOfDefinition) return Region(handle, in, out);
     if (action == kOfxImageEffectActionGetRegionsOfInterest) return GetRegionsOfInterest(Instance::Of(handle), in, out);
     if (action == kOfxImageEffectActionGetClipPreferences) return GetClipPreferences(Instance::Of(handle), out);
     if (action == kOfxActionInstanceChanged) return InstanceChanged(Instance::Of(handle), in);
-    return OnEffect(action, EffectOf(handle));
+    return kOfxStatReplyDefault;
+}
+
+/// A descriptor, or an instance's beginning and end; all other actions are OnInstance's.
+OfxStatus OnEffect(std::string_view action, const void* handle, const Properties& in, const Properties& out) {
+    OfxStatus (*call)(OfxImageEffectHandle) = nullptr;
+    if (action == kOfxActionDescribe) call = Describe;
+    if (action == kOfxImageEffectActionDescribeInContext) call = DescribeInContext;
+    if (action == kOfxActionCreateInstance) call = CreateInstance;
+    if (action == kOfxActionDestroyInstance) call = DestroyInstance;
+    if (!call) return OnInstance(action, handle, in, out);
+    return handle ? call(EffectOf(handle)) : kOfxStatFailed;
 }
 
 OfxStatus Dispatch(std::string_view action, const void* handle, const Properties& in, const Properties& out) {
@@ -55,7 +66,7 @@ OfxStatus Dispatch(std::string_view action, const void* handle, const Properties
     if (action == kOfxActionUnload) return Unload();
     // A host that has not sent the first action, or had too little for it.
     if (!TheSuites().property && FetchSuites() != kOfxStatOK) return kOfxStatErrMissingHostFeature;
-    return OnInstance(action, handle, in, out);
+    return OnEffect(action, handle, in, out);
 }
 
 /// One status and, with a sentence, one message.
@@ -82,9 +93,17 @@ OfxStatus StatusOf(const Error& problem) {
     return isMemory ? kOfxStatErrMemory : kOfxStatFailed;
 }
 
-OfxStatus MainEntry(const char* action, const void* handle, OfxPropertySetHandle in,
+/// The status as the standard lists it for the action: Failed where it lists no other reason.
+OfxStatus Listed(std::string_view action, OfxStatus status) {
+    const bool isChange = action == kOfxActionInstanceChanged || action == kOfxActionDestroyInstance;
+    if (status == kOfxStatErrMemory && isChange) return kOfxStatFailed;
+    const bool isDescription =
+        action == kOfxActionLoad || action == kOfxActionDescribe || action == kOfxImageEffectActionDescribeInContext;
+    return status == kOfxStatErrMissingHostFeature && !isDescription ? kOfxStatFailed : status;
+}
+
+OfxStatus MainEntry(std::string_view action, const void* handle, OfxPropertySetHandle in,
                     OfxPropertySetHandle out) noexcept {
-    if (!action) return kOfxStatReplyDefault;
     try {
         return Dispatch(action, handle, Properties(in), Properties(out));
     } catch (const Refusal& problem) {
@@ -101,7 +120,7 @@ OfxStatus MainEntry(const char* action, const void* handle, OfxPropertySetHandle
 }
 
 OfxStatus EntryPoint(const char* action, const void* handle, OfxPropertySetHandle in, OfxPropertySetHandle out) {
-    return MainEntry(action, handle, in, out);
+    return action ? Listed(action, MainEntry(action, handle, in, out)) : kOfxStatReplyDefault;
 }
 
 void SetHost(OfxHost* host) {

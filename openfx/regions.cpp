@@ -37,10 +37,16 @@ void SetTexture(const Instance& instance, OfxTime time, const OfxRectI& layer, F
     options.textureY = layer.y2 - pixels->y2;
 }
 
+/// Without a shadow the region does not grow: tree hosts compute every pixel of it.
+bool HasShadow(const Instance& instance, OfxTime time) {
+    return instance.Number(kOpacityMasterName, time) != 0 &&
+           (instance.Number(kOpacityStartName, time) != 0 || instance.Number(kOpacityEndName, time) != 0);
+}
+
 std::optional<OfxRectD> RegionOfResult(const Instance& instance, OfxTime time) {
     const auto region = instance.Source().Region(time);
     if (!region) return std::nullopt;
-    if (!CanGrow() || IsSource(instance, time)) return region;
+    if (!CanGrow() || !HasShadow(instance, time)) return region;
     const double aspect = instance.Source().PixelAspect();
     const auto layer = FullPixels(*region, aspect);
     if (!layer) return std::nullopt;
@@ -94,7 +100,7 @@ OfxStatus GetClipPreferences(const Instance& instance, const Properties& answers
     // The effect's clock is not used: the same values give the same frame at every time.
     const bool isStill = answers.Set(kOfxImageEffectFrameVarying, 0);
     const auto reported = instance.Source().properties.String(kOfxImageEffectPropPreMultiplication);
-    const AlphaChoice choice = instance.Alpha();
+    const AlphaChoice choice = instance.Alpha(0);
     // A source without a state, as of a clip that is not connected, leaves the output's to the host.
     if (!reported && choice == AlphaChoice::kAutomatic) return isStill ? kOfxStatOK : kOfxStatReplyDefault;
     const bool isSet =

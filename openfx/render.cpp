@@ -114,7 +114,7 @@ OfxStatus Render(Instance& instance, const Properties& arguments) {
     const OfxRectI target = TargetOf(*output, arguments);
     if (IsEmpty(target)) return kOfxStatOK;
 
-    const AlphaChoice choice = instance.Alpha();
+    const AlphaChoice choice = instance.Alpha(time);
     const auto source = FetchInput(instance.Source(), time, choice, "the source");
     if (!source) {
         Clear(output->View(target));

@@ -77,8 +77,11 @@ bool ClipImage::Read(OfxImageClipHandle clip, const char* what) {
     if (bounds_.x1 >= bounds_.x2 || bounds_.y1 >= bounds_.y2) return false;
     rowBytes_ = *rowBytes;
     const std::ptrdiff_t least = (std::ptrdiff_t{bounds_.x2} - bounds_.x1) * static_cast<int>(BytesPerPixel(format_));
-    if (std::abs(rowBytes_) < least && bounds_.y2 - bounds_.y1 > 1) {
-        throw Refusal(kOfxStatFailed, std::string("the host reports ") + std::to_string(rowBytes_) +
+    if (std::abs(rowBytes_) < least) {
+        // A single row has no row beside it.
+        rowBytes_ = least;
+        if (bounds_.y2 - bounds_.y1 == 1) return true;
+        throw Refusal(kOfxStatFailed, std::string("the host reports ") + std::to_string(*rowBytes) +
                                           " bytes a row for " + what + ", whose rows have " + std::to_string(least));
     }
     return true;
@@ -96,7 +99,6 @@ MutableImageView ClipImage::View(const OfxRectI& part) const {
     const int width = part.x2 - part.x1, height = part.y2 - part.y1;
     std::byte* const top = bottom_ + (std::ptrdiff_t{part.y2} - 1 - bounds_.y1) * rowBytes_ +
                            (std::ptrdiff_t{part.x1} - bounds_.x1) * static_cast<int>(BytesPerPixel(format_));
-    // A single row may have no row bytes, which the library reads as rows without gaps.
     return {top, width, height, format_, -rowBytes_};
 }
 

@@ -88,8 +88,8 @@ constexpr ParameterRow kTable[] = {
     Choice("style_blend_mode", "style/blend-mode", "style", "Blend Mode", kBlendModes, 0, true, hints::kBlendMode),
 
     Group("opacity", "opacity", nullptr, "Opacity", true),
-    Percent("opacity_opacity_start", "opacity/opacity-start", "opacity", "Opacity Start", 20, hints::kOpacityStart),
-    Percent("opacity_opacity_end", "opacity/opacity-end", "opacity", "Opacity End", 50, hints::kOpacityEnd),
+    Percent(kOpacityStartName, "opacity/opacity-start", "opacity", "Opacity Start", 20, hints::kOpacityStart),
+    Percent(kOpacityEndName, "opacity/opacity-end", "opacity", "Opacity End", 50, hints::kOpacityEnd),
     Percent(kOpacityMasterName, "opacity/opacity-master", "opacity", "Opacity Master", 100, hints::kOpacityMaster),
 
     Group("easing", "easing", nullptr, "Easing", false),

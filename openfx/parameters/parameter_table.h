@@ -65,6 +65,8 @@ inline constexpr char kOriginIsRelativeName[] = "origin_is_relative";
 inline constexpr char kPageName[] = "controls";
 // Those of the effect that an action asks for by name.
 inline constexpr char kOriginName[] = "style_origin";
+inline constexpr char kOpacityStartName[] = "opacity_opacity_start";
+inline constexpr char kOpacityEndName[] = "opacity_opacity_end";
 inline constexpr char kOpacityMasterName[] = "opacity_opacity_master";
 inline constexpr char kSourceOpacityName[] = "compositing_source_opacity";
 inline constexpr char kTextureBlendModeName[] = "texture_blend_mode";

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
+// Coordinates and scales.
+
 #include "openfx/images/geometry.h"
 
 #include <gtest/gtest.h>

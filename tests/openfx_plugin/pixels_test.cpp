@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
+// Conversions of pixels, and what images report of their alpha.
+
 #include "openfx/images/pixels.h"
 
 #include <gtest/gtest.h>

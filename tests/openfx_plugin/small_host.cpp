@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
+// Loads the plug-in and calls its actions.
+
 #include "tests/openfx_plugin/small_host.h"
 
 #include <dlfcn.h>

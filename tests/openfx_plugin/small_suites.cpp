@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
+// The suites over plain maps.
+
 #include "tests/openfx_plugin/small_suites.h"
 
 #include <cstdarg>

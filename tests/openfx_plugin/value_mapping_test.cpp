@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
+// A host's numbers as the effect's values, and back.
+
 #include "openfx/parameters/value_mapping.h"
 
 #include <gtest/gtest.h>
