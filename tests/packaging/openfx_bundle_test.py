@@ -168,5 +168,13 @@ class Pixels(unittest.TestCase):
                         here.unlink(), there.unlink()
 
 
+class Plugin(unittest.TestCase):
+    def test_draws_what_the_library_of_this_system_draws(self):
+        done = run(os.environ["PLUGIN_TEST"], "--gtest_filter=OpenfxSmoke.*:OpenfxForms.*",
+                   env=os.environ | {"UMBRANT_TEST_OPENFX_BINARY": str(PLUGIN)})  # fmt: skip
+        self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
+        self.assertRegex(done.stdout, r"\[  PASSED  \] \d+ tests")
+
+
 if __name__ == "__main__":
     unittest.main()
