@@ -23,7 +23,7 @@ constexpr int kMostPlugins = 10000;
 
 const std::vector<OfxStatus> kOptional = {kOfxStatOK, kOfxStatReplyDefault};
 
-/// The linker's reason, in words that say what to do.
+/// The linker's reason as a sentence that says what would work.
 std::string Explained(const std::string& reason) {
     std::smatch found;
     static const std::regex version("version `(GLIBC|GLIBCXX|CXXABI)_([0-9.]+)' not found");

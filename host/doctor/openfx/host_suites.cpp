@@ -63,7 +63,7 @@ OfxStatus Free(void* memory) {
     return kOfxStatOK;
 }
 
-/// One thread after the other, on the caller's: what is told is that there is one processor.
+/// Runs them one after the other on the caller's thread; the suite reports one processor.
 OfxStatus RunThreads(OfxThreadFunctionV1* function, unsigned int count, void* argument) {
     if (!function) return kOfxStatFailed;
     for (unsigned int i = 0; i < count; ++i) function(i, count, argument);

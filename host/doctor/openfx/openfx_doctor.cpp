@@ -17,17 +17,18 @@ namespace {
 
 using nlohmann::json;
 
-/// The end of the identifier of this project's plug-in, and the file that has to be beside its binary.
+/// This project's plug-in, and the file that has to be in its folder.
 constexpr char kOwnBinary[] = "Umbrant.ofx";
 constexpr char kOwnModule[] = "umbrant2.so";
 
 std::string SentenceOf(const std::filesystem::path& bundle, const json& plugins) {
     std::string text;
     for (const json& each : plugins) {
-        text += fmt::format("{}'{}' ({} {}) has {} parameter{} and {}", text.empty() ? "" : "; ",
-                            each.at("label").get<std::string>(), each.at("identifier").get<std::string>(),
-                            each.at("version").get<std::string>(), each.at("parameters").get<int>(),
-                            each.at("frame").get<std::string>());
+        const auto textOf = [&each](const char* name) { return each.at(name).get<std::string>(); };
+        const int parameters = each.at("parameters").get<int>();
+        text += fmt::format("{}'{}' ({} {}) has {} parameter{} and {}", text.empty() ? "" : "; ", textOf("label"),
+                            textOf("identifier"), textOf("version"), parameters, parameters == 1 ? "" : "s",
+                            textOf("frame"));
     }
     return fmt::format("'{}' is in order: {}.", bundle.string(), text);
 }

@@ -14,7 +14,7 @@ namespace umbrant::host {
 
 namespace {
 
-/// Runs it and returns what it throws, in words; empty for nothing.
+/// Runs it and returns a description of what it throws; empty for nothing.
 template <typename Call>
 std::string Thrown(const Call& call) {
     try {
