@@ -76,12 +76,14 @@ OfxStatus Fail(std::string_view action, const void* handle, OfxStatus status, co
         ShowMessage(EffectOf(handle), kOfxMessageError, sentence);
         return status;
     }
-    ShowFailure(EffectOf(handle), sentence);
+    bool isShown = false;
     try {
-        Instance::Of(handle).showsFailure = true;
+        isShown = Instance::Of(handle).showsFailure.exchange(true);
     } catch (...) {
         // Without the instance nothing clears the message either.
     }
+    // A message that does not stay at the instance is shown for the first of several failing frames.
+    if (!isShown || TheSuites().persistentMessage) ShowFailure(EffectOf(handle), sentence);
     return status;
 }
 

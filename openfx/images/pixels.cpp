@@ -68,14 +68,25 @@ void CopyRow(const std::byte* from, PixelFormat format, bool swaps, std::byte* t
     }
 }
 
-void ToStraightRow(const std::byte* from, PixelFormat format, const PixelForm& form, std::byte* to, int count) {
+template <typename Channel>
+void FillAlpha(std::byte* row, int count, Channel full) {
+    for (int i = 0; i < count; ++i) std::memcpy(row + i * sizeof(Pixel<Channel>) + 3 * sizeof full, &full, sizeof full);
+}
+
+void MakeOpaque(std::byte* row, PixelFormat format, int count) {
+    if (format == PixelFormat::kRgba8) {
+        FillAlpha<std::uint8_t>(row, count, 255);
+    } else {
+        FillAlpha<float>(row, count, 1);
+    }
+}
+
+void DivideRow(const std::byte* from, PixelFormat format, bool isBlueFirst, std::byte* to, int count) {
     const std::size_t size = BytesPerPixel(format);
     for (int i = 0; i < count; ++i) {
         Pixel<float> pixel = LoadFloats(from + static_cast<std::size_t>(i) * size, format);
-        if (form.isBlueFirst) std::swap(pixel[0], pixel[2]);
-        if (form.alpha == AlphaState::kOpaque) {
-            pixel[3] = 1;
-        } else if (pixel[3] != 1) {
+        if (isBlueFirst) std::swap(pixel[0], pixel[2]);
+        if (pixel[3] != 1) {
             // Colours beside an alpha of 0 are added to the result; see FromLibrary.
             for (std::size_t c = 0; c < 3; ++c) pixel[c] = pixel[3] == 0 ? 0 : pixel[c] / pixel[3];
         }
@@ -83,21 +94,27 @@ void ToStraightRow(const std::byte* from, PixelFormat format, const PixelForm& f
     }
 }
 
-/// Multiplies, and adds the light of the source's pixels without alpha; `source` is null where there are none.
-void FromStraightRow(const std::byte* from, const std::byte* source, PixelFormat format, const PixelForm& form,
-                     std::byte* to, int count) {
-    const std::size_t size = BytesPerPixel(format);
-    const bool addsLight = source && form.alpha == AlphaState::kPremultiplied;
-    for (int i = 0; i < count; ++i) {
-        const auto at = static_cast<std::size_t>(i);
-        Pixel<float> pixel = Load<float>(from + at * sizeof pixel);
+/// Pixels of the library's and, of the host's format, where they go and what they were drawn from.
+struct Piece {
+    const std::byte* from = nullptr;
+    PixelFormat drawn = PixelFormat::kRgba8;
+    const std::byte* source = nullptr;  ///< null where the source has none, or none whose light is added
+    std::byte* to = nullptr;
+    PixelFormat format = PixelFormat::kRgba8;
+    int count = 0;
+};
+
+void MultiplyRow(const Piece& piece, bool isBlueFirst) {
+    const std::size_t size = BytesPerPixel(piece.format), drawnSize = BytesPerPixel(piece.drawn);
+    for (std::size_t i = 0; i < static_cast<std::size_t>(piece.count); ++i) {
+        Pixel<float> pixel = LoadFloats(piece.from + i * drawnSize, piece.drawn);
         for (std::size_t c = 0; c < 3; ++c) pixel[c] *= pixel[3];
-        if (form.isBlueFirst) std::swap(pixel[0], pixel[2]);
-        if (addsLight) {
-            const Pixel<float> given = LoadFloats(source + at * size, format);
+        if (isBlueFirst) std::swap(pixel[0], pixel[2]);
+        if (piece.source) {
+            const Pixel<float> given = LoadFloats(piece.source + i * size, piece.format);
             for (std::size_t c = 0; c < 3 && given[3] == 0; ++c) pixel[c] += given[c];
         }
-        StoreFloats(pixel, format, to + at * size);
+        StoreFloats(pixel, piece.format, piece.to + i * size);
     }
 }
 
@@ -115,19 +132,20 @@ void WriteRow(const Image& drawn, const PixelForm& form, const ImageView& source
     const int layerX = left + first, layerY = top + y;
     const ImageView pixels = drawn.View();
     const std::byte* const from = At(pixels, layerX - drawn.Place().left, layerY - drawn.Place().top);
-    if (!form.NeedsFloats()) return CopyRow(from, target.format, form.isBlueFirst, At(target, first, y), last - first);
+    if (form.alpha == AlphaState::kStraight)
+        return CopyRow(from, target.format, form.isBlueFirst, At(target, first, y), last - first);
     // The source covers a part of the columns; the row is written in up to three pieces.
-    const bool hasRow = layerY >= 0 && layerY < source.height;
-    const int begin = hasRow ? std::clamp(-left, first, last) : last;
-    const int end = hasRow ? std::clamp(source.width - left, begin, last) : last;
-    const auto piece = [&](int x, int stop, const std::byte* light) {
-        if (x >= stop) return;
-        FromStraightRow(from + static_cast<std::size_t>(x - first) * sizeof(Pixel<float>), light, target.format, form,
-                        At(target, x, y), stop - x);
+    const bool hasLight = form.alpha == AlphaState::kPremultiplied && layerY >= 0 && layerY < source.height;
+    const int begin = hasLight ? std::clamp(-left, first, last) : last;
+    const int end = hasLight ? std::clamp(source.width - left, begin, last) : last;
+    const auto write = [&](int x, int stop, const std::byte* light) {
+        const std::size_t skipped = static_cast<std::size_t>(x - first) * BytesPerPixel(drawn.Format());
+        MultiplyRow({from + skipped, drawn.Format(), light, At(target, x, y), target.format, stop - x},
+                    form.isBlueFirst);
     };
-    piece(first, begin, nullptr);
-    piece(begin, end, begin < end ? At(source, left + begin, layerY) : nullptr);
-    piece(end, last, nullptr);
+    write(first, begin, nullptr);
+    write(begin, end, begin < end ? At(source, left + begin, layerY) : nullptr);
+    write(end, last, nullptr);
 }
 
 }  // namespace
@@ -137,10 +155,11 @@ Image ToLibrary(const ImageView& pixels, const PixelForm& form) {
     const MutableImageView to = image.View();
     for (int y = 0; y < pixels.height; ++y) {
         if (form.NeedsFloats()) {
-            ToStraightRow(pixels.Row(y), pixels.format, form, to.Row(y), pixels.width);
-        } else {
-            CopyRow(pixels.Row(y), pixels.format, form.isBlueFirst, to.Row(y), pixels.width);
+            DivideRow(pixels.Row(y), pixels.format, form.isBlueFirst, to.Row(y), pixels.width);
+            continue;
         }
+        CopyRow(pixels.Row(y), pixels.format, form.isBlueFirst, to.Row(y), pixels.width);
+        if (form.alpha == AlphaState::kOpaque) MakeOpaque(to.Row(y), pixels.format, pixels.width);
     }
     return image;
 }

@@ -18,16 +18,17 @@ struct PixelForm {
     bool isBlueFirst = false;
 
     bool IsLibrarys() const { return alpha == AlphaState::kStraight && !isBlueFirst; }
-    /// Premultiplied and opaque images are drawn as floats, so that dividing and multiplying loses nothing.
-    bool NeedsFloats() const { return alpha != AlphaState::kStraight; }
+    /// Premultiplied images are drawn as floats, so that dividing and multiplying loses nothing.
+    bool NeedsFloats() const { return alpha == AlphaState::kPremultiplied; }
 };
 
-/// A copy in the library's form, as floats where the form needs them. Colours are divided by alpha; where it is 0 they
-/// become 0. May throw std::bad_alloc.
+/// A copy in the library's form, as floats where the form needs them. Premultiplied colours are divided by alpha; where
+/// it is 0 they become 0. May throw std::bad_alloc.
 Image ToLibrary(const ImageView& pixels, const PixelForm& form);
 
 /// Writes the part of `drawn` that `target` covers, whose top left corner is at (left, top) in drawn's coordinates
-/// (Image::Place); what drawn does not have becomes transparent black. Floats become bytes by rounding.
+/// (Image::Place); what drawn does not have becomes transparent black. Unless the form is straight, colours are
+/// multiplied by alpha.
 ///
 /// `source` is the host's image that was drawn from, with its top left corner at (0, 0). Where its alpha is 0 and the
 /// form is premultiplied, its light is added: colours without alpha cannot pass through the library.

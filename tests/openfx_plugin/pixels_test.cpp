@@ -55,12 +55,23 @@ TEST(Pixels, KeepsLightWithoutAlpha) {
 }
 
 TEST(Pixels, OpaqueIsOpaqueWhateverIsStored) {
+    const PixelForm opaque{AlphaState::kOpaque, false};
     const std::vector<std::uint8_t> given = {255, 0, 51, 7};
-    const Image straight = ToLibrary({given.data(), 1, 1}, {AlphaState::kOpaque, false});
-    ASSERT_EQ(straight.Format(), PixelFormat::kRgbaFloat);
-    EXPECT_EQ(straight.Floats()[0], 1);
-    EXPECT_EQ(straight.Floats()[2], 51 / 255.0f);
-    EXPECT_EQ(straight.Floats()[3], 1);
+    const Image bytes = ToLibrary({given.data(), 1, 1}, opaque);
+    ASSERT_EQ(bytes.Format(), PixelFormat::kRgba8);
+    EXPECT_EQ(std::vector<std::uint8_t>(bytes.Bytes(), bytes.Bytes() + 4),
+              (std::vector<std::uint8_t>{255, 0, 51, 255}));
+    const std::vector<float> values = {2, 0.25f, 0, 0};
+    const Image floats = ToLibrary({values.data(), 1, 1}, opaque);
+    EXPECT_EQ(std::vector<float>(floats.Floats(), floats.Floats() + 4), (std::vector<float>{2, 0.25f, 0, 1}));
+    // Its result has a shadow outside, so it is multiplied; nothing is added where the stored alpha is 0.
+    Image drawn({0, 0, 1, 1}, PixelFormat::kRgba8);
+    const std::uint8_t half[] = {200, 100, 0, 128};
+    std::memcpy(drawn.Bytes(), half, 4);
+    const std::vector<std::uint8_t> hollow = {9, 9, 9, 0};
+    std::vector<std::uint8_t> result(4);
+    FromLibrary(drawn, opaque, {hollow.data(), 1, 1}, {result.data(), 1, 1}, 0, 0);
+    EXPECT_EQ(result, (std::vector<std::uint8_t>{100, 50, 0, 128}));
 }
 
 TEST(Pixels, BytesAreRoundedAndClamped) {

@@ -28,7 +28,9 @@ const void* FetchSuite(OfxPropertySetHandle, const char* name, int version) {
     if (suite == kOfxPropertySuite && version == 1) return &SmallPropertySuite();
     if (suite == kOfxImageEffectSuite && version == 1) return &SmallEffectSuite();
     if (suite == kOfxParameterSuite && version == 1) return &SmallParameterSuite();
-    if (suite == kOfxMessageSuite && (version == 1 || version == 2)) return &SmallMessageSuite();
+    if (suite == kOfxMessageSuite && version == 1) return &SmallMessageSuite();
+    if (suite == kOfxMessageSuite && version == 2 && SmallHost::The().hasPersistentMessages)
+        return &SmallMessageSuite();
     return nullptr;
 }
 

@@ -85,6 +85,7 @@ class SmallHost {
     std::vector<std::string> messages;
     int images = 0;  ///< that were not released
     bool isAborted = false;
+    bool hasPersistentMessages = true;  ///< version 2 of the message suite, for the next Load of the plug-in
 
  private:
     SmallHost();

@@ -142,6 +142,27 @@ TEST_F(OpenfxSmoke, UnknownActionsAndNoHandlesAreAnswered) {
     EXPECT_EQ(host_.Call(kOfxActionLoad, nullptr), kOfxStatOK);
 }
 
+TEST_F(OpenfxSmoke, SeveralFailingFramesAreOneMessageThatDoesNotStay) {
+    HostImage source({0, 0, kWidth, kHeight}, false), output({0, 0, kWidth, kHeight}, false);
+    Connect(source);
+    instance_->clips["Output"].image = nullptr;
+    host_.hasPersistentMessages = false;
+    EXPECT_EQ(host_.Call(kOfxActionLoad, nullptr), kOfxStatOK);
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(host_.Render(*instance_, output.image.bounds), kOfxStatFailed);
+    EXPECT_EQ(host_.messages.size(), 1u);
+    instance_->clips["Output"].image = &output.image;
+    EXPECT_EQ(host_.Render(*instance_, output.image.bounds), kOfxStatOK);
+    instance_->clips["Output"].image = nullptr;
+    EXPECT_EQ(host_.Render(*instance_, output.image.bounds), kOfxStatFailed);
+    EXPECT_EQ(host_.messages.size(), 2u);
+    // One that stays at the instance is the newest.
+    host_.hasPersistentMessages = true;
+    EXPECT_EQ(host_.Call(kOfxActionLoad, nullptr), kOfxStatOK);
+    EXPECT_EQ(host_.Render(*instance_, output.image.bounds), kOfxStatFailed);
+    EXPECT_EQ(host_.messages.size(), 3u);
+    host_.messages.clear();
+}
+
 TEST_F(OpenfxSmoke, StopsWhereItIsAborted) {
     HostImage source({0, 0, kWidth, kHeight}, false), output({0, 0, kWidth, kHeight}, false);
     Connect(source);
