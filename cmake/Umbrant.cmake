@@ -21,6 +21,12 @@ endif()
 
 find_package(Threads REQUIRED)
 
+# CMake's own rules, set after the toolchain file was read, would link with the compiler.
+if(UMBRANT_PORTABLE)
+    set(CMAKE_CXX_CREATE_SHARED_MODULE ${UMBRANT_CREATE_PORTABLE_MODULE})
+    set(CMAKE_CXX_CREATE_SHARED_LIBRARY "g++ -shared -nostdlib <LINK_FLAGS> -o <TARGET> <OBJECTS>")
+endif()
+
 # What every target of the project compiles with.
 add_library(umbrant_flags INTERFACE)
 target_include_directories(umbrant_flags INTERFACE ${CMAKE_SOURCE_DIR})

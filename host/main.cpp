@@ -4,6 +4,7 @@
 // The program `umbrant`: everything happens in the command that it is asked for.
 
 #include "host/cli/run_program.h"
+#include "host/doctor/examination_process.h"
 #include "host/isolation/module_child.h"
 #include "host/process/interruption.h"
 
@@ -11,6 +12,7 @@ using namespace umbrant::host;
 
 int main(int argc, char** argv) {
     if (const auto served = RunModuleProcess(argc, argv)) return *served;
+    if (const auto examined = RunExaminationProcess(argc, argv)) return *examined;
     PrepareProcess();
     const int code = RunProgram(argc, argv);
     StayWhileEnding();

@@ -7,6 +7,7 @@
 
 #include <atomic>
 
+#include "cpu/kernels/instruction_sets.h"
 #include "cpu/kernels/kernel_sets.h"
 
 namespace umbrant::effect {
@@ -20,12 +21,9 @@ std::atomic<const CpuKernels*> forced{nullptr};
 std::vector<const CpuKernels*> RunnableKernels() {
     std::vector<const CpuKernels*> runnable{&kBaselineKernels};
 #if defined(__x86_64__)
-    __builtin_cpu_init();
-    if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma")) runnable.push_back(&kAvx2Kernels);
-    if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512dq") &&
-        __builtin_cpu_supports("avx512vl")) {
-        runnable.push_back(&kAvx512Kernels);
-    }
+    const InstructionSets sets = ReadInstructionSets();
+    if (sets.avx2) runnable.push_back(&kAvx2Kernels);
+    if (sets.avx512) runnable.push_back(&kAvx512Kernels);
 #endif
     return runnable;
 }

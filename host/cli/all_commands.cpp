@@ -6,8 +6,9 @@
 namespace umbrant::host {
 
 std::vector<Command> AllCommands() {
-    return {RenderCommand(), PreviewCommand(),  ParamsCommand(), PresetsCommand(), InfoCommand(),      CompareCommand(),
-            PanelCommand(),  ValidateCommand(), CurvesCommand(), FarmCommand(),    CompletionCommand()};
+    return {RenderCommand(), PreviewCommand(), ParamsCommand(), PresetsCommand(),
+            InfoCommand(),   CompareCommand(), PanelCommand(),  ValidateCommand(),
+            CurvesCommand(), FarmCommand(),    DoctorCommand(), CompletionCommand()};
 }
 
 }  // namespace umbrant::host

@@ -36,6 +36,7 @@ Command PreviewCommand();
 Command ValidateCommand();
 Command CurvesCommand();
 Command FarmCommand();
+Command DoctorCommand();
 Command CompletionCommand();
 
 /// All of them, in the order of the help text.

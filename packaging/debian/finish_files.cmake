@@ -11,7 +11,8 @@ endforeach()
 # What a compiler leaves behind about itself says nothing to a user.
 find_program(OBJCOPY objcopy REQUIRED)
 file(GLOB_RECURSE binaries ${CPACK_TEMPORARY_DIRECTORY}/*/usr/bin/umbrant ${CPACK_TEMPORARY_DIRECTORY}/*/usr/lib/*.so
-     ${CPACK_TEMPORARY_DIRECTORY}/*/usr/lib/*.a)
+     ${CPACK_TEMPORARY_DIRECTORY}/*/usr/lib/*.a ${CPACK_TEMPORARY_DIRECTORY}/*/usr/OFX/*.ofx
+     ${CPACK_TEMPORARY_DIRECTORY}/*/usr/OFX/*.so)
 foreach(binary IN LISTS binaries)
     # A link to a file of another package.
     if(IS_SYMLINK ${binary})

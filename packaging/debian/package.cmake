@@ -1,5 +1,6 @@
 # Debian packages by CPack: `cpack -G DEB` in a build folder writes umbrant, the program with its module, and
-# libumbrant-host-dev, the library for other programs, and python3-umbrant, the Python package where it is built. packaging/debian/try installs and uses them in a fresh Debian.
+# libumbrant-host-dev, the library for other programs, python3-umbrant, the Python package where it is built, and
+# umbrant-openfx, the plug-in. packaging/debian/try installs and uses them in a fresh Debian.
 
 set(CPACK_PACKAGE_NAME umbrant)
 set(CPACK_PACKAGE_VENDOR "The Umbrant authors")
@@ -8,7 +9,7 @@ set(UMBRANT_MAINTAINER "The Umbrant authors <umbrant@example.com>" CACHE STRING 
 set(CPACK_PACKAGE_CONTACT "${UMBRANT_MAINTAINER}")
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-set(CPACK_COMPONENTS_ALL umbrant development)
+set(CPACK_COMPONENTS_ALL umbrant development openfx)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE
                                                 WORLD_READ WORLD_EXECUTE)
@@ -50,22 +51,38 @@ an image and named parameters in, an image out, on any number of threads.
 The package contains the library, its headers, a CMake package, a pkg-config
 file and an example.")
 
-set(packages umbrant libumbrant-host-dev)
+# Hosts look in /usr/OFX/Plugins alone. The bundle is whole and needs no other package of the project.
+set(CPACK_DEBIAN_OPENFX_PACKAGE_NAME umbrant-openfx)
+set(CPACK_DEBIAN_OPENFX_PACKAGE_SECTION graphics)
+set(CPACK_DEBIAN_OPENFX_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_OPENFX_PACKAGE_RECOMMENDS "libgl1-mesa-dri")
+set(CPACK_DEBIAN_OPENFX_PACKAGE_SUGGESTS "umbrant")
+set(CPACK_DEBIAN_OPENFX_DESCRIPTION
+    "long, soft shadows for images with transparency - OpenFX plug-in
+Renders normal, inner and radial shadows of an image's alpha channel, in 8
+bits and 32-bit float, in every host of OpenFX plug-ins: a stack of blurred
+copies along a straight or eased curve, in one colour or with a texture.
+.
+The package contains the plug-in in the folder that hosts look in. The program
+of the package umbrant says why a host does not find it: umbrant doctor.")
+
+set(packages umbrant libumbrant-host-dev umbrant-openfx)
+set(components umbrant development openfx)
 if(TARGET umbrant_python)
     include(packaging/debian/python_package.cmake)
     list(APPEND packages python3-umbrant)
+    list(APPEND components python)
 endif()
-foreach(package IN LISTS packages)
-    set(component umbrant)
-    if(package STREQUAL "libumbrant-host-dev")
-        set(component development)
-    elseif(package STREQUAL "python3-umbrant")
-        set(component python)
-    endif()
+foreach(package component IN ZIP_LISTS packages components)
     configure_file(packaging/debian/changelog.in packaging/debian/changelog.Debian @ONLY)
     install(FILES ${CMAKE_SOURCE_DIR}/packaging/debian/copyright ${CMAKE_BINARY_DIR}/packaging/debian/changelog.Debian
             DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package} COMPONENT ${component})
 endforeach()
+# Where hosts look is no folder that Debian knows.
+file(WRITE ${CMAKE_BINARY_DIR}/packaging/debian/umbrant-openfx
+     "umbrant-openfx: non-standard-dir-in-usr [usr/OFX/]\numbrant-openfx: file-in-unusual-dir\n")
+install(FILES ${CMAKE_BINARY_DIR}/packaging/debian/umbrant-openfx DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides
+        COMPONENT openfx)
 install(FILES ${CMAKE_SOURCE_DIR}/CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/umbrant RENAME changelog
         COMPONENT umbrant)
 

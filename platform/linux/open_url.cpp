@@ -10,10 +10,12 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <string>
 #include <string_view>
@@ -54,12 +56,18 @@ std::string FindInPath(std::string_view name) {
     _exit(127);
 }
 
+/// fork() without what parts of the process have registered for it, as glibc 2.34 and newer offer it under a name of
+/// its own; hosts run on older ones.
+pid_t ForkAlone() {
+    return static_cast<pid_t>(syscall(SYS_clone, SIGCHLD, nullptr, nullptr, nullptr, nullptr));
+}
+
 /// Starts the opener as an orphan: its parent ends at once, so nothing is left for the host to wait for.
 /// Between the fork and the new program only functions run that may do so in a process that had other threads.
 void StartOpener(const std::string& file, const char* url, int held) {
-    const pid_t parent = _Fork();
+    const pid_t parent = ForkAlone();
     if (parent == 0) {
-        if (_Fork() == 0) BecomeOpener(file.c_str(), url, held);
+        if (ForkAlone() == 0) BecomeOpener(file.c_str(), url, held);
         _exit(0);
     }
     while (parent > 0 && waitpid(parent, nullptr, 0) == -1 && errno == EINTR) {

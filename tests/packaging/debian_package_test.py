@@ -66,10 +66,10 @@ class DebianPackages(unittest.TestCase):
             output("dpkg-deb", "--extract", self.packages[package], folder)
         return folder
 
-    def test_there_are_three(self):
+    def test_which_there_are(self):
         # The Python package only where its headers are.
         optional = {"umbrant-frei0r"} & set(self.packages) | ({"python3-umbrant"} if PYTHON else set())
-        self.assertEqual(set(self.packages), {"umbrant", "libumbrant-host-dev"} | optional)
+        self.assertEqual(set(self.packages), {"umbrant", "libumbrant-host-dev", "umbrant-openfx"} | optional)
 
     def test_fields(self):
         for package in self.packages:
@@ -90,6 +90,11 @@ class DebianPackages(unittest.TestCase):
         self.assertIn("ffmpeg", self.field("umbrant", "Recommends"))
         full = self.field("umbrant", "Version")
         self.assertEqual(self.field("libumbrant-host-dev", "Depends"), f"umbrant (= {full}), libfmt-dev")
+
+        # The bundle brings its own module, and nothing that draws or reads images.
+        plugin = self.field("umbrant-openfx", "Depends")
+        self.assertEqual({word.split()[0] for word in plugin.split(", ")} - {"libgcc-s1", "libstdc++6"},
+                         {"libc6", "libegl1", "libopengl0"})  # fmt: skip
 
     def test_the_python_package(self):
         if not PYTHON:
@@ -134,6 +139,12 @@ class DebianPackages(unittest.TestCase):
                 f"/usr/{LIBDIR}/cmake/umbrant_host/umbrant_host-config.cmake",
                 "/usr/share/doc/libumbrant-host-dev/copyright",
                 "/usr/share/doc/libumbrant-host-dev/examples/render_from_memory/render_from_memory.cpp",
+            ],
+            "umbrant-openfx": [
+                "/usr/OFX/Plugins/Umbrant.ofx.bundle/Contents/Info.plist",
+                "/usr/OFX/Plugins/Umbrant.ofx.bundle/Contents/Linux-x86-64/Umbrant.ofx",
+                "/usr/OFX/Plugins/Umbrant.ofx.bundle/Contents/Linux-x86-64/umbrant2.so",
+                "/usr/share/doc/umbrant-openfx/copyright",
             ],
         }  # fmt: skip
         if PYTHON:

@@ -19,6 +19,8 @@ CMAKE = os.environ["CMAKE"]
 LIBDIR = os.environ["LIBDIR"]
 ZSH = "vendor-completions" if pathlib.Path("/etc/debian_version").exists() else "site-functions"
 
+PLUGIN = re.search(r'kPluginIdentifier\[\] = "(.*)"', (SOURCE / "openfx/describe.h").read_text(encoding="utf-8"))[1]
+
 EXPECTED = {
     "bin/umbrant",
     f"{LIBDIR}/umbrant/umbrant2.so",
@@ -35,6 +37,11 @@ EXPECTED = {
     "share/doc/umbrant/copyright",
     "share/doc/umbrant/changelog",
     "share/doc/umbrant/changelog.Debian",
+    *(f"OFX/Plugins/Umbrant.ofx.bundle/Contents/{name}" for name in (
+        "Info.plist", f"Resources/{PLUGIN}.png", "Linux-x86-64/Umbrant.ofx", "Linux-x86-64/umbrant2.so")),
+    "share/doc/umbrant-openfx/copyright",
+    "share/lintian/overrides/umbrant-openfx",
+    "share/doc/umbrant-openfx/changelog.Debian",
     f"{LIBDIR}/libumbrant_host.a",
     *(f"include/umbrant/{name}.h" for name in ("effect", "error", "export", "image", "parameter", "values")),
     *(f"{LIBDIR}/cmake/umbrant_host/{name}" for name in (
@@ -125,6 +132,11 @@ class Installed(unittest.TestCase):
 
     def test_the_program_finds_its_module(self):
         self.assertIn("style/distance", run(self.prefix / "bin/umbrant", "params"))
+
+    def test_the_bundle_is_in_order(self):
+        bundle = self.prefix / "OFX/Plugins/Umbrant.ofx.bundle"
+        said = run(self.prefix / "bin/umbrant", "doctor", "openfx", bundle, UMBRANT_RENDERER="cpu")
+        self.assertIn(f"'{bundle}' is in order: ", said)
 
     def test_the_program_needs_few_libraries(self):
         # Libraries for drawing and for images bring hundreds of others: they are loaded when something needs them.

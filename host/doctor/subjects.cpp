@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+#include "host/doctor/subjects.h"
+
+#include "host/doctor/openfx/openfx_doctor.h"
+
+namespace umbrant::host {
+
+Examination ExaminationOf(const std::string& subject) {
+    if (subject == kOpenFxSubject) return ExamineOpenFx;
+    return {};
+}
+
+}  // namespace umbrant::host
