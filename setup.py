@@ -55,11 +55,12 @@ class BuildByCMake(build_ext):
         cmake("--install", build, "--component", "wheel", "--strip", "--prefix", target)
 
 
+# What setuptools writes goes here, which git ignores.
+(ROOT / "build").mkdir(exist_ok=True)
 setup(
     version=version(),
     packages=[],
     ext_modules=[Extension("umbrant._umbrant", sources=[])],
     cmdclass={"build_ext": BuildByCMake},
-    # What setuptools writes goes to build/, which git ignores.
-    options={"egg_info": {"egg_base": (ROOT / "build").mkdir(exist_ok=True) or "build"}},
+    options={"egg_info": {"egg_base": "build"}},
 )

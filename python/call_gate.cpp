@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
+// A count of the calls in progress, and a flag that is set when there shall be no others.
+
 #include "python/call_gate.h"
 
 #include <pthread.h>

@@ -46,7 +46,7 @@ std::string ShapeText(const Py_buffer& buffer) {
     return "(" + text + (buffer.ndim == 1 ? ",)" : ")");
 }
 
-/// Calls visit(offset in the array, offset in plain rows) for each row of each value that is not next to its neighbour.
+/// Calls visit(offset in the array, offset in plain rows) for each value, in bytes.
 template <typename Value, typename Visit>
 void ForEachValue(const Py_buffer& buffer, const Visit& visit) {
     std::ptrdiff_t plain = 0;
@@ -60,7 +60,6 @@ void ForEachValue(const Py_buffer& buffer, const Visit& visit) {
     }
 }
 
-/// Copies between an array and plain rows.
 template <typename Value>
 void CopyOut(const Py_buffer& buffer, std::byte* to) {
     const auto* from = static_cast<const std::byte*>(buffer.buf);

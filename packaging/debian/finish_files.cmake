@@ -11,12 +11,16 @@ endforeach()
 # What a compiler leaves behind about itself says nothing to a user.
 find_program(OBJCOPY objcopy REQUIRED)
 file(GLOB_RECURSE binaries ${CPACK_TEMPORARY_DIRECTORY}/*/usr/bin/umbrant ${CPACK_TEMPORARY_DIRECTORY}/*/usr/lib/*.so
-     ${CPACK_TEMPORARY_DIRECTORY}/*/usr/lib/*.a ${CPACK_TEMPORARY_DIRECTORY}/*/usr/OFX/*.ofx
-     ${CPACK_TEMPORARY_DIRECTORY}/*/usr/OFX/*.so)
+     ${CPACK_TEMPORARY_DIRECTORY}/*/usr/lib/*.a)
 foreach(binary IN LISTS binaries)
     # A link to a file of another package.
     if(IS_SYMLINK ${binary})
         continue()
     endif()
     execute_process(COMMAND ${OBJCOPY} --remove-section=.comment ${binary} COMMAND_ERROR_IS_FATAL ANY)
+endforeach()
+# A bundle is installed as a folder, in which CPack strips nothing.
+file(GLOB_RECURSE bundled ${CPACK_TEMPORARY_DIRECTORY}/*/usr/OFX/*.ofx ${CPACK_TEMPORARY_DIRECTORY}/*/usr/OFX/*.so)
+foreach(binary IN LISTS bundled)
+    execute_process(COMMAND ${OBJCOPY} --strip-unneeded --remove-section=.comment ${binary} COMMAND_ERROR_IS_FATAL ANY)
 endforeach()

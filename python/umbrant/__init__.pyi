@@ -4,6 +4,7 @@
 
 import os
 from collections.abc import Callable, Iterator, Mapping, Sequence
+from dataclasses import dataclass
 from fractions import Fraction
 from typing import Any, Literal, NamedTuple, Union
 
@@ -42,6 +43,7 @@ class Rectangle(NamedTuple):
     @property
     def height(self) -> int: ...
 
+@dataclass(frozen=True)
 class Parameter:
     index: int
     path: str

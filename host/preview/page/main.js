@@ -32,9 +32,7 @@ const state = {
 };
 /** @type {import("./types.js").Description | null} */
 let description = null;
-let restTimer = 0;
-let fullFrameTime = 0;
-let longTimer = 0;
+let [restTimer, fullFrameTime, longTimer] = [0, 0, 0];
 /** The keys of the last request, and of the last one whose values were taken. */
 let sent = { serial: 0, keyframes: state.keyframes };
 let taken = sent;
@@ -112,7 +110,10 @@ const steps = new Steps(state, async (isOther) => {
 /** @type {Time} */
 const time = new Time({
   connection, state, panel, stage, request, draw, show, commit: () => steps.add(), fail: (sentence) => status.fail(sentence),
-  drawToPlay: (more) => connection.draw({ moving: true, ...request(), ...more }),
+  drawToPlay: (more) => {
+    sent = { serial: connection.draw({ moving: true, ...request(), ...more }), keyframes: state.keyframes };
+    return sent.serial;
+  },
 });
 
 /**
@@ -275,8 +276,7 @@ find("reset-all").addEventListener("click", () => {
 find("load-again").addEventListener("click", async () => {
   find("notice").hidden = true;
   const reply = await connection.post("reload");
-  if ("error" in reply) status.fail(reply.error);
-  else usePreset(reply);
+  return "error" in reply ? status.fail(reply.error) : usePreset(reply);
 });
 listenToLeaving({
   connection, panel, request, state: () => state, effect: () => description?.effect ?? "",

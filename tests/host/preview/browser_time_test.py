@@ -152,6 +152,33 @@ class Keys(InTime):
         self.assertEqual(preset["keyframes"]["style/angle"][0]["value"], 33)
 
 
+class Sequences(InTime):
+    def test_a_sequence(self):
+        for frame, layer in ((3, "card.png"), (4, "card.png")):
+            shutil.copy(LAYERS / layer, self.folder / f"in.{frame:04}.png")
+        page = self.open("in.####.png", "--renderer", "cpu", "--frames", "3-5")
+        page.settle()
+        self.assertTrue(page.find("#timeline").is_displayed())
+        self.go_to(page, 4)
+        browser.write_png(self.folder / "shown.png", *page.pixels())
+        self.render("in.####.png", "-o", "out.####.png", "--frames", "4")
+        compared = subprocess.run([browser.UMBRANT, "compare", "--straight", "--json", "shown.png", "out.0004.png"],
+                                  cwd=self.folder, capture_output=True, text=True)  # fmt: skip
+        self.assertEqual(json.loads(compared.stdout)["worst"], 0)
+        page.find("#copy").click()
+        self.assertEqual(page.wait("return window.umbrantCommand"), "umbrant render 'in.####.png' -o 'in-out.####.png' "
+                         "--frames=3-5 --rate 24 --renderer cpu")  # fmt: skip
+        self.type(page, "#frame-number", 5)
+        page.wait("return !document.getElementById('message').hidden")
+        self.assertIn("in.0005.png", page.find("#sentence").text)
+        page.find("#render").click()
+        page.find("#render-dialog .start").click()
+        page.wait("return document.querySelector('#render-dialog .problem').textContent.includes('in.0005.png')")
+        page.run("document.getElementById('render-dialog').close()")
+        self.go_to(page, 3)
+        self.assertFalse(page.find("#message").is_displayed())
+
+
 class Tabs(InTime):
     def test_two_tabs_have_their_own_keys(self):
         page = self.open("card.png", "--preset", "moving.json", "--renderer", "cpu")
@@ -217,6 +244,22 @@ class Leaving(InTime):
         one = page.downloaded("card-out.0001.exr")
         self.render("card.png", "-o", "one.exr", "--preset", "moving.json", "--frames", "1")
         self.assertEqual(one.read_bytes(), (self.folder / "one.exr").read_bytes())
+
+    def test_rendering_that_is_cancelled(self):
+        page = self.open("card.png", "--preset", "moving.json", "--renderer", "cpu")
+        page.settle()
+        self.type(page, "#frames", "1-5000")
+        page.wait("return umbrantState().shown.frames === '1-5000'")
+        page.settle()
+        page.find("#render").click()
+        page.find("#render-dialog .start").click()
+        page.wait("return document.querySelector('#render-dialog .task-text').textContent.startsWith('1 of 5000')")
+        page.find("#render-dialog .cancel").click()
+        page.wait("return document.querySelector('#render-dialog .task-text').textContent.startsWith('Cancelled')")
+        page.find("#render-dialog .cancel").click()
+        self.assertFalse((page.downloads / "card-out.zip").exists())
+        self.go_to(page, 5)
+        self.check_frame_of_preset(page, 5, "after the rendering")
 
     def test_presets(self):
         (self.folder / "wrong.json").write_text('{"version": 1, "values": {"style/nothing": 1}}')

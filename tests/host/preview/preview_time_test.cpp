@@ -256,6 +256,31 @@ TEST_F(PreviewTime, CurvesHaveTheValuesOfTheFrames) {
     EXPECT_FALSE(curves["rows"].contains("style/softness"));
 }
 
+TEST_F(PreviewTime, OnlyItsPageIsAnswered) {
+    const RunningPreview preview(folder_, {LAYERS "/card.png", "--preset", "moving.json", "--renderer", "cpu"});
+    Page page(preview);
+    const std::string body = Beginning(preview, page).dump();
+    const std::string port = std::to_string(preview.Port());
+    for (const std::string path :
+         {"timeline", "curves", "preset", "load?name=a.json", "reload", "render", "canvas", "covers"}) {
+        const std::string line = "POST /" + preview.Token() + "/" + path;
+        const std::string wrong = "POST /" + std::string(preview.Token().size(), '0') + "/" + path;
+        EXPECT_EQ(preview.Ask(wrong, {}, body).status, 403) << path;
+        EXPECT_EQ(preview.Ask(line, {{"Host", "attacker.example:" + port}}, body).status, 403) << path;
+        EXPECT_EQ(preview.Ask(line, {{"Origin", "http://attacker.example"}}, body).status, 403) << path;
+        EXPECT_EQ(preview.Ask(line, {{"Sec-Fetch-Site", "cross-site"}}, body).status, 403) << path;
+        EXPECT_EQ(preview.Ask(line, {{"Content-Length", "2000000"}}).status, 413) << path;
+        EXPECT_EQ(preview.Get(path).status, 404) << path << ": it is no page";
+        // A text whose nesting would take the stack.
+        if (path != "reload") {
+            const WireReply deep = preview.Post(path, std::string(1'000'000, '['));
+            EXPECT_GE(deep.status, 400) << path;
+            EXPECT_FALSE(deep.Error().empty()) << path;
+        }
+    }
+    EXPECT_EQ(preview.Post("timeline", body).status, 200) << "the session goes on";
+}
+
 TEST_F(PreviewTime, WhatIsWrongIsRefusedInOneSentence) {
     const RunningPreview preview(folder_, {LAYERS "/card.png", "--renderer", "cpu"});
     Page page(preview);

@@ -71,11 +71,12 @@ class ParamChecks {
         const auto& kinds = param_.Type().kinds;
         if (std::find(kinds.begin(), kinds.end(), "parameter (numeric)") == kinds.end()) return;
         for (int i = 0; i < param_.Type().count; ++i) {
+            const bool known = properties_.Has("OfxParamPropDefault");
             const double value = Number("OfxParamPropDefault", i);
             const bool limits = properties_.WasSet("OfxParamPropMin") && properties_.WasSet("OfxParamPropMax");
             const double low = Number("OfxParamPropMin", i), high = Number("OfxParamPropMax", i);
             if (limits && !(low <= high)) Wrong("has its minimum above its maximum");
-            if (limits && !(low <= value && value <= high)) Wrong("has its default outside of its limits");
+            if (limits && known && !(low <= value && value <= high)) Wrong("has its default outside of its limits");
             const bool shown =
                 properties_.WasSet("OfxParamPropDisplayMin") && properties_.WasSet("OfxParamPropDisplayMax");
             const double from = Number("OfxParamPropDisplayMin", i), to = Number("OfxParamPropDisplayMax", i);

@@ -29,6 +29,7 @@ class Clip : public Object {
     PropertySet& Properties() { return properties_; }
     /// The region of the clip's images in canonical coordinates.
     OfxRectD region{};
+    bool connected = false;
 
  private:
     EffectObject& effect_;

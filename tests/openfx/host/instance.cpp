@@ -121,6 +121,7 @@ void Instance::ConnectClip(Clip& clip, const Picture* picture) {
     PropertySet& set = clip.Properties();
     const bool output = clip.Name() == "Output";
     const bool connected = output || picture != nullptr;
+    clip.connected = connected;
     const std::string depth = connected ? DepthName(inputs_.source.depth) : "OfxBitDepthNone";
     const std::string components = connected ? "OfxImageComponentRGBA" : "OfxImageComponentNone";
     set.Put("OfxImageClipPropConnected", {connected ? 1 : 0});

@@ -115,6 +115,7 @@ TEST_F(OpenFxFailures, EachPropertyMissing) {
         "OfxParamPropDefault",
         "OfxImageEffectPropSupportedPixelDepths",
         "OfxPropInstanceData",
+        "OfxImageEffectPropComponents",
     };
     for (const PropertyRow& row : PropertyTable()) {
         HostOptions options;

@@ -219,7 +219,7 @@ TEST(OpenFxFrame, EightAtOnce) {
     }
 }
 
-TEST(OpenFxFrame, IsTheProgrammes) {
+TEST(OpenFxFrame, IsTheOneOfTheProgram) {
     const Picture source = Disc(kAtZero);
     const host::Folder folder;
     host::World layer = host::World::Create(64, 48, host::Depth::k8);

@@ -115,7 +115,7 @@ OfxStatus ClipGetRegionOfDefinition(OfxImageClipHandle handle, OfxTime, OfxRectD
     OfxStatus status = kOfxStatOK;
     Clip* clip = Begin<Clip>("clipGetRegionOfDefinition", handle, "a clip", status);
     if (clip == nullptr) return status;
-    if (clip->Properties().Int("OfxImageClipPropConnected") == 0 && clip->Name() != "Output") return kOfxStatFailed;
+    if (!clip->connected) return kOfxStatFailed;
     *region = clip->region;
     return kOfxStatOK;
 }
