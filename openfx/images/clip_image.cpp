@@ -24,7 +24,11 @@ std::string TextOf(const Properties& image, const Properties& clip, const char* 
     return clip.String(name).value_or("");
 }
 
-[[noreturn]] void RefuseFormat(const char* what, const std::string& found, const char* wanted) {
+/// `property` is what `found` describes; nothing was found where the host does not report it.
+[[noreturn]] void RefuseFormat(const char* what, const char* property, const std::string& found, const char* wanted) {
+    if (found.empty()) {
+        throw Refusal(kOfxStatFailed, std::string("the host does not report the ") + property + " of " + what);
+    }
     throw Refusal(kOfxStatErrImageFormat, std::string(what) + " has the format '" + found +
                                               "', but the plug-in draws " + wanted + "; convert it before this effect");
 }
@@ -62,10 +66,12 @@ bool ClipImage::Read(OfxImageClipHandle clip, const char* what) {
     const Properties clipProperties(clipSet);
 
     const std::string depth = TextOf(properties_, clipProperties, kOfxImageEffectPropPixelDepth);
-    if (depth != kOfxBitDepthByte && depth != kOfxBitDepthFloat) RefuseFormat(what, depth, "bytes and floats");
+    if (depth != kOfxBitDepthByte && depth != kOfxBitDepthFloat)
+        RefuseFormat(what, "pixel depth", depth, "bytes and floats");
     format_ = depth == kOfxBitDepthByte ? PixelFormat::kRgba8 : PixelFormat::kRgbaFloat;
     const std::string components = TextOf(properties_, clipProperties, kOfxImageEffectPropComponents);
-    if (components != kOfxImageComponentRGBA) RefuseFormat(what, components, "red, green, blue and alpha");
+    if (components != kOfxImageComponentRGBA)
+        RefuseFormat(what, "components", components, "red, green, blue and alpha");
 
     const auto bounds = properties_.Ints<4>(kOfxImagePropBounds);
     const auto rowBytes = properties_.Int(kOfxImagePropRowBytes);
