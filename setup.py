@@ -4,6 +4,7 @@
 them with the Python code (component `wheel`).
 
 UMBRANT_WHEEL_BUILD names CMake's build folder, build/wheel-... without it; CMAKE_ARGS has more arguments for CMake.
+UMBRANT_WHEEL_BUILT=1: that folder is configured and built already, for the Python that runs this.
 """
 
 import os
@@ -50,8 +51,9 @@ class BuildByCMake(build_ext):
         def cmake(*arguments):
             subprocess.run(["cmake", *map(str, arguments)], check=True)
 
-        cmake("-S", ROOT, "-B", build, *cmake_arguments())
-        cmake("--build", build, "--parallel", os.cpu_count() or 1, "--target", "umbrant_python", "umbrant2")
+        if os.environ.get("UMBRANT_WHEEL_BUILT") != "1":
+            cmake("-S", ROOT, "-B", build, *cmake_arguments())
+            cmake("--build", build, "--parallel", os.cpu_count() or 1, "--target", "umbrant_python", "umbrant2")
         cmake("--install", build, "--component", "wheel", "--strip", "--prefix", target)
 
 
