@@ -30,7 +30,9 @@ EXPECTED = {
     f"{LIBDIR}/umbrant/umbrant_shim.so",
     f"{LIBDIR}/umbrant/umbrant2.waivers.json",
     *(f"share/man/man1/{page.name}" for page in (SOURCE / "docs/man").glob("*.1")),
-    "share/umbrant/presets/turning-title.json",
+    *(f"share/umbrant/presets/{name}.json" for name in (
+        "animated-reveal", "double", "inner-glow", "inner-press", "light-rays", "long-faded", "long-flat", "neon",
+        "paper-cut", "radial-burst", "soft-drop", "texture", "turning-title")),
     "share/bash-completion/completions/umbrant",
     f"share/zsh/{ZSH}/_umbrant",
     "share/fish/vendor_completions.d/umbrant.fish",

@@ -110,7 +110,8 @@ Result<std::string> PresetFile(const std::string& argument) {
                                    argument, preset->file.string())};
     }
     if (preset) return preset->file.string();
-    if (isFile) return argument;
+    // Who reads it says that a folder is none.
+    if (fs::exists(status)) return argument;
     return Unknown(argument, presets);
 }
 

@@ -41,6 +41,20 @@ std::filesystem::path MakeUsersFolder(const Folder& folder) {
     return presets;
 }
 
+/// As one looks at it: on an opaque ground.
+Picture OverGrey(Picture picture) {
+    for (int y = 0; y < picture.pixels.Height(); ++y) {
+        for (int x = 0; x < picture.pixels.Width(); ++x) {
+            PF_Pixel& pixel = Pixel8(picture.pixels, x, y);
+            for (A_u_char* channel : {&pixel.red, &pixel.green, &pixel.blue}) {
+                *channel = static_cast<A_u_char>((*channel * pixel.alpha + 128 * (255 - pixel.alpha) + 127) / 255);
+            }
+            pixel.alpha = 255;
+        }
+    }
+    return picture;
+}
+
 std::vector<std::string> Names(const json& list) {
     std::vector<std::string> names;
     for (const json& preset : list) names.push_back(preset["name"]);
@@ -138,10 +152,10 @@ TEST(CliNamedPreset, AUsersFolderThatCannotBeReadIsReported) {
 
 TEST(CliNamedPreset, NamesAreCompletedUntilAPathIsTyped) {
     const Folder folder;
-    const Outcome names = RunWithConfig(folder, {"__complete", "render", "--preset", "lo"});
+    const Outcome names = RunWithConfig(folder, {"__complete", "--", "render", "--preset", "lo"});
     EXPECT_THAT(names.out, HasSubstr("long-faded\t"));
     EXPECT_THAT(names.out, HasSubstr(":words\t"));
-    EXPECT_EQ(RunWithConfig(folder, {"__complete", "render", "--preset", "./"}).out, ":files\t\n");
+    EXPECT_EQ(RunWithConfig(folder, {"__complete", "--", "render", "--preset", "./"}).out, ":files\t\n");
 }
 
 TEST(CliNamedPreset, TheInstalledOnesLookDifferent) {
@@ -156,7 +170,7 @@ TEST(CliNamedPreset, TheInstalledOnesLookDifferent) {
                                        "--canvas", "layer", "--downsample", "8", "--renderer", "cpu", "--time", "2",
                                        "--preset", name, "--texture", std::string(ASSETS) + "/layers/dusk.jpg"});
             ASSERT_EQ(drawn.code, 0) << drawn.err;
-            results.emplace_back(name, Read(folder / (name + ".png")));
+            results.emplace_back(name, OverGrey(Read(folder / (name + ".png"))));
         }
         EXPECT_EQ(results.size(), 12u);
         for (std::size_t i = 0; i < results.size(); ++i) {
