@@ -130,6 +130,7 @@ class Bundle(unittest.TestCase):
                     self.assertEqual(packed.extractfile(name).read(), path.read_bytes(), name)
             readme = packed.extractfile(f"{folder}/README.txt").read().decode()
             self.assertEqual(len(re.findall(r"^\d\. ", readme, re.MULTILINE)), 3)
+            self.assertIn("Niels Lohmann", packed.extractfile(f"{folder}/THIRD_PARTY.txt").read().decode())
             self.assertEqual({entry.uname for entry in packed}, {""})
 
 
