@@ -199,7 +199,8 @@ Result<OpenFxBundle> CheckBundle(const fs::path& named) {
     if (error) return Wrong(named, fmt::format("cannot be read: {}", error.message()));
     if (!IsBundleName(bundle) || !IsFolder(bundle)) return NoBundle(bundle);
     if (const auto wrong = WrongLevel(bundle)) return *wrong;
-    return OpenFxBundle{bundle, TRY(BinaryOf(bundle))};
+    const fs::path binary = TRY(BinaryOf(bundle));
+    return OpenFxBundle{bundle, binary};
 }
 
 std::vector<fs::path> OpenFxFolders(const char* list) {

@@ -55,7 +55,11 @@ struct EntryPoints {
 Result<EntryPoints> Load(const std::filesystem::path& binary, const std::filesystem::path& bundle,
                          const NoteStep& note) {
     note("while it was loaded");
-    void* const object = dlopen(binary.c_str(), RTLD_NOW | RTLD_LOCAL);
+    // What a constructor throws comes through the loader with some C libraries, and ends the process with others. It
+    // shall end it. The function is declared to throw nothing, which compilers believe unless they cannot see which one
+    // it is.
+    void* (*volatile const open)(const char*, int) = dlopen;
+    void* const object = [&]() noexcept { return open(binary.c_str(), RTLD_NOW | RTLD_LOCAL); }();
     if (!object) {
         const char* const reason = dlerror();
         return Failure{ErrorKind::kModule, fmt::format("'{}' cannot be loaded: {}", bundle.string(),

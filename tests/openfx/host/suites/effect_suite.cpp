@@ -3,6 +3,7 @@
 
 // OfxImageEffectSuite: effects, clips, images, image memory.
 
+#include "tests/openfx/host/handed_over.h"
 #include "tests/openfx/host/host.h"
 #include "tests/openfx/host/image.h"
 #include "tests/openfx/host/suites/suites.h"
@@ -141,8 +142,9 @@ OfxStatus ImageMemoryAlloc(OfxImageEffectHandle handle, size_t bytes, OfxImageMe
         return kOfxStatErrBadHandle;
     }
     host.record.Open("image memory", 1);
-    // Owned by the plug-in until it frees it.
-    *memory = (new ImageMemory(host, bytes))->As<OfxImageMemoryHandle>();
+    auto* made = new ImageMemory(host, bytes);
+    HandedOver::Add(made);
+    *memory = made->As<OfxImageMemoryHandle>();
     return kOfxStatOK;
 }
 
@@ -152,6 +154,7 @@ OfxStatus ImageMemoryFree(OfxImageMemoryHandle handle) {
     auto* memory = host.Find<ImageMemory>(handle, "imageMemoryFree", "image memory");
     if (memory == nullptr) return kOfxStatErrBadHandle;
     host.record.Open("image memory", -1);
+    HandedOver::Remove(memory);
     delete memory;
     return fault;
 }

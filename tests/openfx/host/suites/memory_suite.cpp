@@ -4,19 +4,15 @@
 // OfxMemorySuite: blocks that the plug-in must give back.
 
 #include <cstdlib>
-#include <mutex>
-#include <set>
 
 #include "tests/openfx/host/effect.h"
+#include "tests/openfx/host/handed_over.h"
 #include "tests/openfx/host/host.h"
 #include "tests/openfx/host/suites/suites.h"
 
 namespace umbrant::ofx {
 
 namespace {
-
-std::mutex blocksMutex;
-std::set<void*> blocks;
 
 OfxStatus Alloc(void* handle, size_t bytes, void** out) {
     Host& host = *Host::Current();
@@ -26,8 +22,7 @@ OfxStatus Alloc(void* handle, size_t bytes, void** out) {
     }
     void* block = std::malloc(bytes);
     if (block == nullptr) return kOfxStatErrMemory;
-    const std::lock_guard lock(blocksMutex);
-    blocks.insert(block);
+    HandedOver::Add(block);
     host.record.Open("memoryAlloc", 1);
     *out = block;
     return kOfxStatOK;
@@ -36,8 +31,7 @@ OfxStatus Alloc(void* handle, size_t bytes, void** out) {
 OfxStatus Free(void* block) {
     Host& host = *Host::Current();
     const OfxStatus fault = host.Enter("memoryFree");
-    const std::lock_guard lock(blocksMutex);
-    if (blocks.erase(block) == 0) {
+    if (!HandedOver::Remove(block)) {
         host.record.Violation("memoryFree was called with a block that memoryAlloc did not give, or twice");
         return kOfxStatErrBadHandle;
     }

@@ -7,6 +7,7 @@
 #include <mutex>
 #include <thread>
 
+#include "tests/openfx/host/handed_over.h"
 #include "tests/openfx/host/host.h"
 #include "tests/openfx/host/suites/suites.h"
 
@@ -70,6 +71,7 @@ OfxStatus Create(OfxMutexHandle* mutex, int count) {
     auto* made = new Mutex(host);
     for (int i = 0; i < count; ++i) made->lock.lock();
     host.record.Open("mutexCreate", 1);
+    HandedOver::Add(made);
     *mutex = made->As<OfxMutexHandle>();
     return kOfxStatOK;
 }
@@ -80,6 +82,7 @@ OfxStatus Destroy(const OfxMutexHandle handle) {
     auto* mutex = host.Find<Mutex>(handle, "mutexDestroy", "a mutex");
     if (mutex == nullptr) return kOfxStatErrBadHandle;
     host.record.Open("mutexCreate", -1);
+    HandedOver::Remove(mutex);
     delete mutex;
     return fault;
 }
