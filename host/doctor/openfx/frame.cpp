@@ -234,7 +234,7 @@ Result<std::string> DrawFrame(PluginCalls& plugin, const OpenFxEffect& effect, c
     Instance instance;
     FillInstance(instance, described, context, depth);
     TRY(plugin.Action(kOfxActionCreateInstance, instance.effect.Handle(), nullptr, nullptr, kOptional));
-    const auto drawn = DrawWith(plugin, instance, depth);
+    auto drawn = DrawWith(plugin, instance, depth);
     if (!drawn) return drawn;
     TRY(plugin.Action(kOfxActionDestroyInstance, instance.effect.Handle(), nullptr, nullptr, kOptional));
     return drawn;
