@@ -32,6 +32,8 @@ constexpr int kStatVersion = 1;
 
 extern "C" {
 
+// The system's header names their parameters in its own way.
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
 [[gnu::visibility("hidden")]] int stat(const char* path, struct stat* status) noexcept {
     return __xstat(kStatVersion, path, status);
 }
@@ -44,6 +46,7 @@ extern "C" {
 [[gnu::visibility("hidden")]] int fstatat(int folder, const char* path, struct stat* status, int flags) noexcept {
     return __fxstatat(kStatVersion, folder, path, status, flags);
 }
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)
 
 /// What std::random_device reads, where it is used. It cannot report an error.
 [[gnu::visibility("hidden")]] std::uint32_t arc4random() {

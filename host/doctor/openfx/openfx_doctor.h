@@ -18,7 +18,7 @@ inline constexpr char kOpenFxSubject[] = "openfx";
 
 /// Examines a bundle. Returns the sentence of one that is in order. Fails with `ErrorKind::kFile`, `ErrorKind::kModule`
 /// and `ErrorKind::kEffect`, by what is wrong.
-Result<std::string> DiagnoseOpenFx(const std::filesystem::path& bundle, std::chrono::seconds limit);
+Result<std::string> DiagnoseOpenFx(const std::filesystem::path& named, std::chrono::seconds limit);
 
 /// The examination in its own process.
 nlohmann::json ExamineOpenFx(const nlohmann::json& request, const std::function<void(const std::string& when)>& note);
