@@ -21,6 +21,8 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 PAGE = ROOT / "docs" / "gallery.md"
 PICTURES = ROOT / "docs" / "images" / "gallery"
 GROUND = (236, 235, 241)
+# Behind what glows.
+NIGHT = (27, 24, 44)
 COLUMNS = 3
 TITLE = "title.png --canvas layer --downsample 5"
 PHOTOGRAPH = "dusk.jpg --canvas layer --downsample 8"
@@ -29,10 +31,10 @@ CLOSE_UP = "title.png --canvas 280,160,1760,992 --downsample 4"
 INTRODUCTION = """\
 # Gallery
 
-Each picture has its command line below it. The layers are in `assets/layers`; run the command lines in the root folder of
-the project. `assets/draw_gallery.py` draws the pictures and writes this page. To keep the pictures small, they are drawn at
-a lower resolution (`--downsample`) and without growing the image (`--canvas`). Without these two options the same settings
-give the full-size result.
+The command line above the pictures of a section draws them with what each picture adds to it, below the picture. The layers are in
+`assets/layers`; run the command lines in the root folder of the project. `assets/draw_gallery.py` draws the pictures and writes
+this page. To keep the pictures small, they are drawn at a lower resolution (`--downsample`) and without growing the image
+(`--canvas`). Without these two options the same settings give the full-size result.
 """
 
 
@@ -68,6 +70,19 @@ TEXTURE_MODES = ["normal", "multiply", "color-burn", "add", "screen", "overlay",
 
 def easing(mode, ease, more=""):
     return f"{STEPS} {settings(easing__mode=mode, easing__ease=ease)} {more}".strip()
+
+
+# Presets by name, in the order of the page.
+PRESETS = ["soft-drop", "long-flat", "long-faded", "neon", "paper-cut", "inner-press", "inner-glow", "radial-burst", "light-rays",
+           "texture", "double", "animated-reveal"]
+GLOWING = {"neon", "light-rays"}
+PRESET_LAYERS = {"title": "title.png --downsample 5", "card": "card.png --downsample 4", "dandelion": "dandelion.png --downsample 4",
+                 "neon": "neon.exr --downsample 2 --output-depth 8"}
+
+
+def preset_options(name, layer):
+    more = {"texture": f" {TEXTURE}", "animated-reveal": " --time 1.5"}.get(name, "")
+    return f"{PRESET_LAYERS[layer]} --canvas layer --preset {name}{more}"
 
 
 # The two pictures of README.md, in docs/images: a layer, and the same layer with the default shadow.
@@ -112,19 +127,45 @@ def command_words(name, options):
     return ["render", f"assets/layers/{layer}", "-o", f"{name}.png", *rest]
 
 
+def groups(options):
+    """Options with their values: ["--set style/angle=90", "--downsample 5"]."""
+    found = []
+    for word in options.split()[1:]:
+        if word.startswith("--"):
+            found.append(word)
+        else:
+            found[-1] += f" {word}"
+    return found
+
+
+def preset_page():
+    """A row for each preset: the same settings on every layer."""
+    lines = ["## Presets\n", "    umbrant render assets/layers/title.png -o shadow.png --preset soft-drop\n",
+             "`umbrant presets` lists the names. A preset sets only some parameters; `--set` changes them further. `texture` needs an "
+             "image (`--texture`), and `animated-reveal` has keyframes: this is its frame at 1.5 seconds.\n",
+             "| | " + " | ".join(PRESET_LAYERS) + " |", "|" + "---|" * (len(PRESET_LAYERS) + 1)]
+    for name in PRESETS:
+        cells = [f"![{name} on {layer}](images/gallery/preset-{name}-{layer}.png)" for layer in PRESET_LAYERS]
+        lines.append(f"| `{name}` | " + " | ".join(cells) + " |")
+    return [*lines, ""]
+
+
 def page():
-    lines = [INTRODUCTION]
+    lines = [INTRODUCTION, *preset_page()]
     for heading, text, pictures in SECTIONS.values():
         lines += [f"## {heading}\n", f"{text}\n"]
+        common = [group for group in groups(pictures[0][2]) if all(group in groups(options) for _, _, options in pictures)]
+        layer = pictures[0][2].split()[0]
+        lines.append(f"    umbrant render assets/layers/{layer} -o picture.png {' '.join(common)}\n")
         for first in range(0, len(pictures), COLUMNS):
             row = pictures[first:first + COLUMNS]
             cells = [f"![{caption}](images/gallery/{name}.png)" for name, caption, _ in row]
-            commands = [f"`umbrant {' '.join(command_words(name, options))}`" for name, _, options in row]
+            own = ["<br>".join(f"`{group}`" for group in groups(options) if group not in common) for _, _, options in row]
             blank = [""] * (COLUMNS - len(row))
             lines.append("| " + " | ".join([caption for _, caption, _ in row] + blank).rstrip() + " |")
             lines.append("|" + "---|" * COLUMNS)
             lines.append("| " + " | ".join(cells + blank) + " |")
-            lines.append("| " + " | ".join(commands + blank) + " |\n")
+            lines.append("| " + " | ".join(own + blank) + " |\n")
     return "\n".join(lines)
 
 
@@ -164,14 +205,14 @@ def read_png(path):
     return width, height, step, rows
 
 
-def on_ground(row, step):
+def on_ground(row, step, ground):
     """A row of opaque red, green and blue."""
     if step == 3:
         return row
     laid = bytearray()
     for x in range(0, len(row), 4):
         alpha = row[x + 3]
-        laid += bytes((row[x + c] * alpha + GROUND[c] * (255 - alpha) + 127) // 255 for c in range(3))
+        laid += bytes((row[x + c] * alpha + ground[c] * (255 - alpha) + 127) // 255 for c in range(3))
     return laid
 
 
@@ -202,7 +243,7 @@ def write_png(path, width, rows):
                      + chunk(b"IEND", b""))
 
 
-def draw(program, target, name, options):
+def draw(program, target, name, options, ground=GROUND):
     with tempfile.TemporaryDirectory() as folder:
         words = command_words(name, options)
         drawn = pathlib.Path(folder) / words[3]
@@ -210,12 +251,12 @@ def draw(program, target, name, options):
         subprocess.run([program, *words], cwd=ROOT, check=True, stdout=subprocess.DEVNULL)
         width, _, step, rows = read_png(drawn)
     picture = target / f"{name}.png"
-    write_png(picture, width, [on_ground(row, step) for row in rows])
+    write_png(picture, width, [on_ground(row, step, ground) for row in rows])
     print(picture.relative_to(ROOT))
 
 
 def main():
-    sections = ["readme", *SECTIONS]
+    sections = ["readme", "presets", *SECTIONS]
     if len(sys.argv) < 2 or any(section not in sections for section in sys.argv[2:]):
         sys.exit(f"{__doc__}\nSections: {', '.join(sections)}")
     program = str(pathlib.Path(sys.argv[1]).resolve())
@@ -224,6 +265,11 @@ def main():
         if section == "readme":
             for name, options in README:
                 draw(program, PICTURES.parent, name, options)
+        elif section == "presets":
+            for name in PRESETS:
+                for layer in PRESET_LAYERS:
+                    draw(program, PICTURES, f"preset-{name}-{layer}", preset_options(name, layer),
+                         NIGHT if name in GLOWING else GROUND)
         else:
             for name, _, options in SECTIONS[section][2]:
                 draw(program, PICTURES, name, options)
