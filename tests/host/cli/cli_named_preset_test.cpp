@@ -153,7 +153,7 @@ TEST(CliNamedPreset, AUsersFolderThatCannotBeReadIsReported) {
 TEST(CliNamedPreset, NamesAreCompletedUntilAPathIsTyped) {
     const Folder folder;
     const Outcome names = RunWithConfig(folder, {"__complete", "--", "render", "--preset", "lo"});
-    EXPECT_THAT(names.out, HasSubstr("long-faded\t"));
+    EXPECT_THAT(names.out, HasSubstr("long-faded\n"));
     EXPECT_THAT(names.out, HasSubstr(":words\t"));
     EXPECT_EQ(RunWithConfig(folder, {"__complete", "--", "render", "--preset", "./"}).out, ":files\t\n");
 }
