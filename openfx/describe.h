@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// What the plug-in tells a host about itself before there is an instance. Loads no module. [main]
+// How the plug-in describes itself to a host, before any instance exists. Loads no module. [main]
 
 #include "openfx/abi/core.h"
 

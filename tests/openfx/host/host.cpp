@@ -24,7 +24,7 @@ constexpr std::uintptr_t kFirstHandle = 0x0fc5'0000'0000'0001;
 constexpr std::uintptr_t kHandleStep = 2;
 
 /// Strings that this thread was given. They are overwritten at its next call and freed later.
-struct LentStrings {
+struct TemporaryStrings {
     std::array<std::vector<std::unique_ptr<std::string>>, 8> generations;
     std::size_t now = 0;
 
@@ -34,7 +34,7 @@ struct LentStrings {
         generations[now].clear();
     }
 };
-thread_local LentStrings lent;
+thread_local TemporaryStrings temporaryStrings;
 
 const void* FetchSuiteOfCurrent(OfxPropertySetHandle host, const char* name, int version) {
     return current == nullptr ? nullptr : current->FetchSuite(host, name, version);
@@ -114,7 +114,7 @@ const void* Host::FetchSuite(OfxPropertySetHandle host, const char* name, int ve
 }
 
 OfxStatus Host::Enter(const char* function) {
-    lent.Invalidate();
+    temporaryStrings.Invalidate();
     {
         const std::lock_guard lock(mutex_);
         if (running_ == 0) record.Violation(std::string(function) + " was called while no action runs");
@@ -122,8 +122,8 @@ OfxStatus Host::Enter(const char* function) {
     return record.Count(function).value_or(kOfxStatOK);
 }
 
-char* Host::Lend(const std::string& text) {
-    auto& texts = lent.generations[lent.now];
+char* Host::TemporaryString(const std::string& text) {
+    auto& texts = temporaryStrings.generations[temporaryStrings.now];
     texts.push_back(std::make_unique<std::string>(text));
     return texts.back()->data();
 }

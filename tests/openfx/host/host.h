@@ -76,7 +76,7 @@ class Host {
         return object;
     }
     /// Memory of the host with this text; valid until the next call of this thread.
-    static char* Lend(const std::string& text);
+    static char* TemporaryString(const std::string& text);
 
     /// The innermost action of this thread; null if there is none. It may be another thread's that runs.
     static const RunningAction* Action();

@@ -109,7 +109,7 @@ void HandOver(const Param& param, const ParamValue& value, std::va_list out) {
     for (const PropertyValue& part : value) {
         if (param.Type().value == "int") *va_arg(out, int*) = std::get<int>(part);
         if (param.Type().value == "double") *va_arg(out, double*) = std::get<double>(part);
-        if (param.Type().value == "string") *va_arg(out, char**) = Host::Lend(std::get<std::string>(part));
+        if (param.Type().value == "string") *va_arg(out, char**) = Host::TemporaryString(std::get<std::string>(part));
     }
 }
 
@@ -181,7 +181,7 @@ bool ReadValue(const char* function, Param& param, std::va_list in, ParamValue& 
     return true;
 }
 
-/// Tells the plug-in of its own change, as the standard wants it.
+/// Reports the plug-in's own change to it, as the standard requires.
 void Announce(Param& param) {
     if (param.owner != nullptr && param.owner->changed) param.owner->changed(param);
 }

@@ -42,7 +42,7 @@ void Hand(const PropertyValue& value, double* out) {
     *out = std::get<double>(value);
 }
 void Hand(const PropertyValue& value, char** out) {
-    *out = Host::Lend(std::get<std::string>(value));
+    *out = Host::TemporaryString(std::get<std::string>(value));
 }
 void Hand(const PropertyValue& value, void** out) {
     *out = std::get<void*>(value);
