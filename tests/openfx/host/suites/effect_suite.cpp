@@ -6,22 +6,13 @@
 #include "tests/openfx/host/handed_over.h"
 #include "tests/openfx/host/host.h"
 #include "tests/openfx/host/image.h"
+#include "tests/openfx/host/suites/begin.h"
 #include "tests/openfx/host/suites/suites.h"
 
 namespace umbrant::ofx {
 
 namespace {
 
-/// Begins a function with a handle; null with a status if it must not go on.
-template <typename T>
-T* Begin(const char* function, const void* handle, const char* kind, OfxStatus& status) {
-    Host& host = *Host::Current();
-    status = host.Enter(function);
-    if (status != kOfxStatOK) return nullptr;
-    T* object = host.Find<T>(handle, function, kind);
-    if (object == nullptr) status = kOfxStatErrBadHandle;
-    return object;
-}
 EffectObject* BeginEffect(const char* function, OfxImageEffectHandle handle, OfxStatus& status) {
     return Begin<EffectObject>(function, handle, "an effect", status);
 }

@@ -11,6 +11,7 @@
 
 #include "tests/openfx/host/host.h"
 #include "tests/openfx/host/param.h"
+#include "tests/openfx/host/suites/begin.h"
 #include "tests/openfx/host/suites/suites.h"
 
 namespace umbrant::ofx {
@@ -21,15 +22,6 @@ Record& TheRecord() {
     return Host::Current()->record;
 }
 
-template <typename T>
-T* Begin(const char* function, const void* handle, const char* kind, OfxStatus& status) {
-    Host& host = *Host::Current();
-    status = host.Enter(function);
-    if (status != kOfxStatOK) return nullptr;
-    T* object = host.Find<T>(handle, function, kind);
-    if (object == nullptr) status = kOfxStatErrBadHandle;
-    return object;
-}
 ParamSet* BeginSet(const char* function, OfxParamSetHandle handle, OfxStatus& status) {
     return Begin<ParamSet>(function, handle, "a parameter set", status);
 }
