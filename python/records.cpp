@@ -81,7 +81,8 @@ py::object ParameterOf(const Parameter& parameter) {
         "depth"_a = parameter.depth, "minimum"_a = parameter.minimum, "maximum"_a = parameter.maximum,
         "slider_minimum"_a = parameter.sliderMinimum, "slider_maximum"_a = parameter.sliderMaximum,
         "items"_a = Texts(parameter.items), "item_names"_a = Texts(parameter.itemNames),
-        "default_text"_a = StrOf(parameter.defaultText), "default_numbers"_a = Numbers(parameter.defaultNumbers));
+        "default_text"_a = StrOf(parameter.defaultText), "default_numbers"_a = Numbers(parameter.defaultNumbers),
+        "description"_a = StrOf(DescriptionOf(parameter.path)));
 }
 
 }  // namespace umbrant::python

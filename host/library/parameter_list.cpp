@@ -6,6 +6,7 @@
 #include "host/animation/animation.h"
 #include "host/parameters/param_kind.h"
 #include "host/parameters/param_path.h"
+#include "host/parameters/parameter_description.h"
 
 namespace umbrant::host {
 
@@ -86,3 +87,11 @@ Parameter DescribeParameter(const ParamSet& declared, int index, const PanelRow&
 }
 
 }  // namespace umbrant::host
+
+namespace umbrant {
+
+std::string_view DescriptionOf(std::string_view path) {
+    return host::DescriptionOf(path);
+}
+
+}  // namespace umbrant

@@ -9,6 +9,7 @@
 
 #include "host/animation/animation.h"
 #include "host/parameters/param_kind.h"
+#include "host/parameters/parameter_description.h"
 
 namespace umbrant::host {
 
@@ -74,6 +75,7 @@ Json Describe(const ParamSet& params, const ParamRow& row) {
     if (IsDiscrete(KindOf(row.def))) json["discrete"] = true;
     if (kind == "popup") json["items"] = row.items;
     if (!row.label.empty()) json["label"] = row.label;
+    if (const auto text = DescriptionOf(row.path); !text.empty()) json["description"] = text;
     if (kind == "own") {
         json["width"] = row.def.ui_width;
         json["height"] = row.def.ui_height;

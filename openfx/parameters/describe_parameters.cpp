@@ -6,6 +6,8 @@
 
 #include "openfx/parameters/describe_parameters.h"
 
+#include <umbrant/parameter.h>
+
 #include "openfx/abi/effect_properties.h"
 #include "openfx/abi/parameter_names.h"
 #include "openfx/abi/parameter_properties.h"
@@ -152,6 +154,12 @@ void DescribePage(OfxParamSetHandle parameters) {
 
 }  // namespace
 
+std::string HintOf(const ParameterRow& row) {
+    std::string hint(row.path ? DescriptionOf(row.path) : std::string_view());
+    if (!hint.empty() && *row.hint) hint += ' ';
+    return hint + row.hint;
+}
+
 void DescribeParameters(OfxParamSetHandle parameters) {
     bool takesRelative = true;
     for (const ParameterRow& row : ParameterTable()) {
@@ -160,7 +168,7 @@ void DescribeParameters(OfxParamSetHandle parameters) {
         const Properties parameter(set);
         parameter.Set(kOfxPropLabel, row.label);
         parameter.Set(kOfxParamPropScriptName, row.name);
-        if (*row.hint) parameter.Set(kOfxParamPropHint, row.hint);
+        if (const std::string hint = HintOf(row); !hint.empty()) parameter.Set(kOfxParamPropHint, hint.c_str());
         if (row.parent) parameter.Set(kOfxParamPropParent, row.parent);
         DescribeKind(parameter, row, takesRelative);
     }

@@ -37,7 +37,7 @@ constexpr ParameterRow Group(const char* name, const char* path, const char* par
 }
 
 constexpr ParameterRow Number(const char* name, const char* path, const char* parent, const char* label, Range valid,
-                              Range slider, double standard, const char* hint, ParameterKind kind = kDouble) {
+                              Range slider, double standard, ParameterKind kind = kDouble) {
     return {.name = name,
             .path = path,
             .parent = parent,
@@ -45,17 +45,16 @@ constexpr ParameterRow Number(const char* name, const char* path, const char* pa
             .kind = kind,
             .valid = valid,
             .slider = slider,
-            .standard = {standard},
-            .hint = hint};
+            .standard = {standard}};
 }
 
 constexpr ParameterRow Percent(const char* name, const char* path, const char* parent, const char* label,
-                               double standard, const char* hint) {
-    return Number(name, path, parent, label, kPercent, kPercent, standard, hint);
+                               double standard) {
+    return Number(name, path, parent, label, kPercent, kPercent, standard);
 }
 
 constexpr ParameterRow Choice(const char* name, const char* path, const char* parent, const char* label,
-                              std::span<const char* const> items, int standard, bool varies, const char* hint) {
+                              std::span<const char* const> items, int standard, bool varies) {
     return {.name = name,
             .path = path,
             .parent = parent,
@@ -63,8 +62,12 @@ constexpr ParameterRow Choice(const char* name, const char* path, const char* pa
             .kind = kChoice,
             .varies = varies,
             .standard = {static_cast<double>(standard)},
-            .items = items,
-            .hint = hint};
+            .items = items};
+}
+
+constexpr ParameterRow WithHint(ParameterRow row, const char* hint) {
+    row.hint = hint;
+    return row;
 }
 
 constexpr ParameterRow Own(const char* name, const char* parent, const char* label, ParameterKind kind,
@@ -76,53 +79,47 @@ constexpr ParameterRow Own(const char* name, const char* parent, const char* lab
 // clang-format off
 constexpr ParameterRow kTable[] = {
     Group("style", "style", nullptr, "Style", true),
-    Choice("style_shadow_type", "style/shadow-type", "style", "Shadow Type", kShadowTypes, 0, false, hints::kShadowType),
+    Choice("style_shadow_type", "style/shadow-type", "style", "Shadow Type", kShadowTypes, 0, false),
     {.name = "style_angle", .path = "style/angle", .parent = "style", .label = "Angle", .kind = kAngle,
-     .valid = kTurns, .slider = {-360, 360}, .standard = {135}, .hint = hints::kAngle},
+     .valid = kTurns, .slider = {-360, 360}, .standard = {135}},
     {.name = kOriginName, .path = "style/origin", .parent = "style", .label = "Origin", .kind = kPoint,
-     .valid = kFar, .slider = kFar, .standard = {0, 1}, .hint = hints::kOrigin},
-    Number("style_distance", "style/distance", "style", "Distance", {0, 2000}, {0, 250}, 250, hints::kDistance),
-    Number("style_softness", "style/softness", "style", "Softness", {0, 500}, {0, 250}, 250, hints::kSoftness),
+     .valid = kFar, .slider = kFar, .standard = {0, 1}},
+    Number("style_distance", "style/distance", "style", "Distance", {0, 2000}, {0, 250}, 250),
+    Number("style_softness", "style/softness", "style", "Softness", {0, 500}, {0, 250}, 250),
     {.name = "style_color", .path = "style/color", .parent = "style", .label = "Color", .kind = kColor,
      .valid = {0, 1}, .slider = {0, 1}, .hint = hints::kColor},
-    Choice("style_blend_mode", "style/blend-mode", "style", "Blend Mode", kBlendModes, 0, true, hints::kBlendMode),
+    Choice("style_blend_mode", "style/blend-mode", "style", "Blend Mode", kBlendModes, 0, true),
 
     Group("opacity", "opacity", nullptr, "Opacity", true),
-    Percent(kOpacityStartName, "opacity/opacity-start", "opacity", "Opacity Start", 20, hints::kOpacityStart),
-    Percent(kOpacityEndName, "opacity/opacity-end", "opacity", "Opacity End", 50, hints::kOpacityEnd),
-    Percent(kOpacityMasterName, "opacity/opacity-master", "opacity", "Opacity Master", 100, hints::kOpacityMaster),
+    Percent(kOpacityStartName, "opacity/opacity-start", "opacity", "Opacity Start", 20),
+    Percent(kOpacityEndName, "opacity/opacity-end", "opacity", "Opacity End", 50),
+    Percent(kOpacityMasterName, "opacity/opacity-master", "opacity", "Opacity Master", 100),
 
     Group("easing", "easing", nullptr, "Easing", false),
-    Choice("easing_mode", "easing/mode", "easing", "Mode", kEaseModes, 0, true, hints::kEaseMode),
-    Percent("easing_ease", "easing/ease", "easing", "Ease", 100, hints::kEase),
+    Choice("easing_mode", "easing/mode", "easing", "Mode", kEaseModes, 0, true),
+    Percent("easing_ease", "easing/ease", "easing", "Ease", 100),
     Group("easing_advanced", "easing/advanced", "easing", "Advanced", false),
-    Percent("easing_advanced_distance", "easing/advanced/distance", "easing_advanced", "Distance", 80,
-            hints::kEaseDistance),
-    Percent("easing_advanced_softness", "easing/advanced/softness", "easing_advanced", "Softness", 100,
-            hints::kEaseSoftness),
-    Percent("easing_advanced_opacity", "easing/advanced/opacity", "easing_advanced", "Opacity", 100,
-            hints::kEaseOpacity),
+    Percent("easing_advanced_distance", "easing/advanced/distance", "easing_advanced", "Distance", 80),
+    Percent("easing_advanced_softness", "easing/advanced/softness", "easing_advanced", "Softness", 100),
+    Percent("easing_advanced_opacity", "easing/advanced/opacity", "easing_advanced", "Opacity", 100),
 
     Group("texture", "texture", nullptr, "Texture", false),
-    Choice(kTextureBlendModeName, "texture/blend-mode", "texture", "Blend Mode", kTextureModes, 10, true,
-           hints::kTextureBlendMode),
-    Percent(kTextureStrengthName, "texture/strength", "texture", "Strength", 100, hints::kTextureStrength),
+    WithHint(Choice(kTextureBlendModeName, "texture/blend-mode", "texture", "Blend Mode", kTextureModes, 10, true),
+             hints::kTextureBlendMode),
+    Percent(kTextureStrengthName, "texture/strength", "texture", "Strength", 100),
 
     Group("quality", "quality", nullptr, "Quality", false),
-    Number("quality_samples", "quality/samples", "quality", "Samples", {1, 256}, {1, 64}, 36, hints::kSamples, kInteger),
-    Choice("quality_resolution", "quality/resolution", "quality", "Resolution", kResolutions, 2, true,
-           hints::kResolution),
-    Choice("quality_prioritise", "quality/prioritise", "quality", "Prioritise", kPriorities, 0, false,
-           hints::kPrioritise),
+    Number("quality_samples", "quality/samples", "quality", "Samples", {1, 256}, {1, 64}, 36, kInteger),
+    Choice("quality_resolution", "quality/resolution", "quality", "Resolution", kResolutions, 2, true),
+    Choice("quality_prioritise", "quality/prioritise", "quality", "Prioritise", kPriorities, 0, false),
 
     Group("compositing", "compositing", nullptr, "Compositing", false),
-    Percent(kSourceOpacityName, "compositing/source-opacity", "compositing", "Source Opacity", 100,
-            hints::kSourceOpacity),
+    Percent(kSourceOpacityName, "compositing/source-opacity", "compositing", "Source Opacity", 100),
     Number("compositing_offset_shadow", "compositing/offset-shadow", "compositing", "Offset Shadow", {0, 100}, {0, 100},
-           1, hints::kOffsetShadow),
+           1),
     Number("compositing_buffer_expansion", "compositing/buffer-expansion", "compositing", "Buffer Expansion", {0, 1000},
-           {0, 100}, 0, hints::kBufferExpansion, kInteger),
-    Choice(kAlphaName, nullptr, "compositing", "Alpha", kAlphas, 0, false, hints::kAlpha),
+           {0, 100}, 0, kInteger),
+    WithHint(Choice(kAlphaName, nullptr, "compositing", "Alpha", kAlphas, 0, false), hints::kAlpha),
 
     Group("preset", nullptr, nullptr, "Preset", false),
     Own(kPresetFileName, "preset", "Preset File", kFile, hints::kPresetFile),

@@ -44,7 +44,7 @@ struct ParameterRow {
     Range slider{};
     std::array<double, 3> standard{};  ///< of kPoint, in parts of the project's size
     std::span<const char* const> items{};
-    const char* hint = "";
+    const char* hint = "";  ///< what the library's description of `path` does not say
 };
 
 /// All of them, groups before their members.

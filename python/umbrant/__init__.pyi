@@ -63,6 +63,7 @@ class Parameter:
     item_names: tuple[str, ...]
     default_text: str
     default_numbers: tuple[float, ...]
+    description: str
 
 class Picture:
     @property

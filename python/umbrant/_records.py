@@ -44,6 +44,7 @@ class Parameter:
     default_text: the default as a text; empty for a row without a value.
     default_numbers: the default as numbers: red, green and blue from 0 to 255 for "color", x and y in percent of the
         layer's size for "point", the item's number, from 1, for "popup", 0 or 1 for "check box".
+    description: what it does to the picture, in English sentences; empty for a row without a path.
     """
 
     index: int
@@ -64,3 +65,4 @@ class Parameter:
     item_names: tuple
     default_text: str
     default_numbers: tuple
+    description: str

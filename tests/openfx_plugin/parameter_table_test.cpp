@@ -14,6 +14,8 @@
 
 #include <umbrant/effect.h>
 
+#include "openfx/parameters/describe_parameters.h"
+
 namespace umbrant::openfx {
 namespace {
 
@@ -126,7 +128,7 @@ TEST(ParameterTable, EveryValueHasAHintAndAGroupBeforeIt) {
     std::set<std::string> before;
     for (const ParameterRow& row : ParameterTable()) {
         if (row.kind != kGroup) {
-            EXPECT_STRNE(row.hint, "") << row.name;
+            EXPECT_NE(HintOf(row), "") << row.name;
         }
         if (row.parent) {
             EXPECT_TRUE(before.contains(row.parent)) << row.name;
@@ -135,6 +137,14 @@ TEST(ParameterTable, EveryValueHasAHintAndAGroupBeforeIt) {
         EXPECT_EQ(std::string(row.name).find_first_not_of("abcdefghijklmnopqrstuvwxyz_"), std::string::npos)
             << row.name;
     }
+}
+
+TEST(ParameterTable, HintsAreTheLibrarysDescriptions) {
+    EXPECT_EQ(HintOf(RowNamed("style_softness")), DescriptionOf("style/softness"));
+    EXPECT_EQ(HintOf(RowNamed("style_color")),
+              std::string(DescriptionOf("style/color")) +
+                  " It is in the colour space of the image. Values above 1 are used in float images.");
+    EXPECT_EQ(HintOf(RowNamed(kPresetFileName)), "A preset of Umbrant 2: a file that ends in .json.");
 }
 
 }  // namespace

@@ -244,3 +244,9 @@ def test_nothing_is_pickled_by_mistake(effect):
     for error in (umbrant.UsageError("a"), umbrant.FileError("b"), umbrant.UnknownParameterError("c")):
         again = pickle.loads(pickle.dumps(error))
         assert type(again) is type(error) and str(again) == str(error)
+
+
+def test_descriptions(effect):
+    assert effect.find("style/softness").description.startswith("The blur at the end of the shadow, in pixels")
+    for parameter in effect.parameters():
+        assert bool(parameter.description) == bool(parameter.path), parameter.path

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// `umbrant params`: every row that the module declares, as a table for people or as JSON.
+// `umbrant params`: every row that the module declares, as a table or sentences for people, or as JSON.
 
 #include <fmt/format.h>
 
@@ -21,6 +21,7 @@
 #include "host/cli/settings.h"
 #include "host/parameters/param_kind.h"
 #include "host/parameters/param_path.h"
+#include "host/parameters/parameter_description.h"
 
 namespace umbrant::host {
 
@@ -33,6 +34,7 @@ struct ParamsOptions {
     bool json = false;
     bool values = false;
     bool all = false;
+    bool helpText = false;
     std::string preset;
     std::vector<std::string> settings;
 };
@@ -96,6 +98,7 @@ Json Describe(const ParamSet& params, const ParamRow& row) {
         json["defaultIndex"] = row.def.u.pd.dephault;
     }
     if (!row.label.empty()) json["label"] = row.label;
+    if (const auto description = DescriptionOf(row.path); !description.empty()) json["description"] = description;
     json["flags"] = FlagNames(row);
     json["flagBits"] = row.def.flags;
     json["uiFlagBits"] = row.def.ui_flags;
@@ -188,6 +191,31 @@ std::string Text(const ParamSet& params, bool all) {
     return text;
 }
 
+constexpr std::size_t kTextWidth = 80;  // characters
+
+/// A text in lines of at most kTextWidth characters, each after `indent`.
+std::string Wrapped(std::string_view text, std::string_view indent) {
+    std::string wrapped;
+    while (!text.empty()) {
+        std::size_t end = text.size();
+        if (indent.size() + end > kTextWidth) end = text.rfind(' ', kTextWidth - indent.size());
+        wrapped += fmt::format("{}{}\n", indent, text.substr(0, end));
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return wrapped;
+}
+
+/// What each row does: its path and its sentences beneath.
+std::string HelpText(const ParamSet& params, bool all) {
+    std::string text;
+    for (const ParamRow& row : params.Rows()) {
+        const std::string_view description = DescriptionOf(row.path);
+        if (description.empty() || (!all && IsForDevelopers(row))) continue;
+        text += fmt::format("{}{}\n{}", text.empty() ? "" : "\n", row.path, Wrapped(description, "    "));
+    }
+    return text;
+}
+
 Result<ExitCode> Params(const ParamsOptions& options) {
     auto opened = TRY(OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module)));
     AnimatedParams animated{opened.Session().Params(), {}};
@@ -200,6 +228,8 @@ Result<ExitCode> Params(const ParamsOptions& options) {
         Json rows = Json::array();
         for (const ParamRow& row : params.Rows()) rows.push_back(Describe(params, row));
         text = rows.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+    } else if (options.helpText) {
+        text = HelpText(params, options.all);
     } else {
         text = Text(params, options.all);
     }
@@ -217,13 +247,18 @@ Command ParamsCommand() {
     command.summary = "List every parameter: path, type, values, default, flags";
     command.examples =
         "  umbrant params\n"
+        "  umbrant params --help-text\n"
+        "      what each parameter does to the picture\n"
         "  umbrant params --json | jq '.[] | select(.type == \"popup\") | .path'\n"
         "  umbrant params --json --values --set style/distance=80 > long.json\n"
         "      a preset, for `umbrant render --preset long.json`";
     command.options = [options](CLI::App& app) {
         app.add_option("--module", options->module, "The effect's module")->type_name("FILE");
         app.add_flag("--all", options->all, "Also list the rows of the group 'debug', which --json always lists");
-        CLI::Option* json = app.add_flag("--json", options->json, "Print JSON, including the ends of groups");
+        CLI::Option* helpText =
+            app.add_flag("--help-text", options->helpText, "Print what each parameter does to the picture");
+        CLI::Option* json =
+            app.add_flag("--json", options->json, "Print JSON, including the ends of groups")->excludes(helpText);
         CLI::Option* values =
             app.add_flag("--values", options->values, "Print only the values, as a preset for `render --preset`")
                 ->needs(json);

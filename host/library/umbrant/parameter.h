@@ -5,7 +5,10 @@
 // The rows of the effect's panel, as `umbrant params` lists them.
 
 #include <string>
+#include <string_view>
 #include <vector>
+
+#include <umbrant/export.h>
 
 namespace umbrant {
 
@@ -52,5 +55,9 @@ struct Parameter {
     /// kPoint, the item's number for kPopup, 0 or 1 for kCheckBox, one number for the other kinds.
     std::vector<double> defaultNumbers;
 };
+
+/// What the row of this path does to the picture, for people: one to three English sentences that live as long as the
+/// program. Empty for a path that the effect does not declare. Loads no module.
+UMBRANT_API std::string_view DescriptionOf(std::string_view path);
 
 }  // namespace umbrant

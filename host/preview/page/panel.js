@@ -20,6 +20,19 @@ import { keyAt } from "./time/keys.js";
  */
 
 /**
+ * Says what a row does to the picture: as a tool tip, and to screen readers with the fields of its value.
+ * @param {HTMLElement} element @param {string} description
+ */
+function describe(element, description) {
+  const twirl = /** @type {HTMLElement | null} */ (element.querySelector(".twirl"));
+  (twirl ?? element).title = description;
+  if (twirl) return;
+  for (const field of element.querySelectorAll(".control input, .control select")) {
+    field.setAttribute("aria-description", description);
+  }
+}
+
+/**
  * @typedef {object} Row
  * @property {Declared} declared
  * @property {HTMLElement} element
@@ -60,6 +73,7 @@ export class Panel {
       const made = row.kind === "group" ? (isEmpty ? this.makeHeading(row) : this.makeGroup(row, open)) : this.makeRow(row);
       parent.append(made.element);
       this.rows.set(row.key, made);
+      if (row.description) describe(made.element, row.description);
       if (row.kind === "group" && !isEmpty) parents.push(/** @type {HTMLElement} */ (made.element.lastElementChild));
     });
   }

@@ -19,6 +19,7 @@
  * @property {string} [unit]         "%", "px" or ""
  * @property {string[]} [items]      of a popup; separators begin with "(-"
  * @property {string} [label]        of a button or a check box
+ * @property {string} [description]  what it does to the picture
  * @property {number} [width]        of a row that the effect draws
  * @property {number} [height]
  * @property {boolean} [collapsed]   a group that begins closed

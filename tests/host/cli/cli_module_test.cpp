@@ -7,7 +7,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
 
 #include "tests/host/cli/program.h"
 
@@ -119,6 +122,31 @@ TEST_F(CliWithoutOpenGL, ParamsAsJson) {
     EXPECT_EQ(rows[8]["items"], json::array({"NULL"}));
     EXPECT_EQ(rows[6]["flags"], json::array({"cannot-time-vary", "disabled"}));
     EXPECT_EQ(rows[60]["type"], "group end");
+}
+
+TEST_F(CliWithoutOpenGL, ParamsSayWhatEachRowDoes) {
+    const Outcome declared = Run({"params", "--json"});
+    const Outcome text = Run({"params", "--help-text", "--all"});
+    ASSERT_EQ(text.code, 0) << text.err;
+    std::istringstream lines("\n" + text.out);
+    for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 80u) << line;
+    for (const auto& row : json::parse(declared.out)) {
+        const std::string path = row["path"];
+        SCOPED_TRACE(path);
+        EXPECT_EQ(row.contains("description"), !path.empty());
+        if (path.empty()) continue;
+        const std::string said = row["description"];
+        const auto sentences = std::count(said.begin(), said.end(), '.');
+        EXPECT_TRUE(said.ends_with('.') && sentences >= 1 && sentences <= 3) << said;
+        EXPECT_THAT("\n" + text.out, HasSubstr("\n" + path + "\n    " + said.substr(0, said.find(' '))));
+    }
+    EXPECT_THAT(text.out, HasSubstr("\nstyle/softness\n"
+                                    "    The blur at the end of the shadow, in pixels of the full-size layer. The\n"
+                                    "    shadow is sharp where it begins and becomes softer along its length; 0 keeps\n"
+                                    "    it sharp to the end.\n\n"));
+    const Outcome shorter = Run({"params", "--help-text"});
+    EXPECT_THAT(shorter.out, testing::Not(HasSubstr("debug/")));
+    EXPECT_EQ(Run({"params", "--help-text", "--json"}).code, 2);
 }
 
 TEST_F(CliWithoutOpenGL, RenderSaysWhatIsMissing) {

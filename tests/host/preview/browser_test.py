@@ -72,6 +72,13 @@ class Settings(InTheBrowser):
         page = self.open("a card's.png", "--renderer", "cpu")
         self.check_frame(page, "the defaults")
 
+        said = json.loads(subprocess.check_output([browser.UMBRANT, "params", "--json"], cwd=self.folder))
+        for path in ("style/softness", "texture/layer", "about-support/gpu-spec"):
+            description = next(each["description"] for each in said if each["path"] == path)
+            self.assertEqual(page.find(f'.row[data-key="{path}"]').get_attribute("title"), description)
+        field = page.find(row("style/distance", "input[type=text]"))
+        self.assertTrue(field.get_attribute("aria-description").startswith("The length of the shadow"))
+
         field = page.find(row("style/distance", "input[type=text]"))
         field.clear()
         field.send_keys("60\n")
