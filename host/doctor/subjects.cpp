@@ -4,11 +4,13 @@
 #include "host/doctor/subjects.h"
 
 #include "host/doctor/openfx/openfx_doctor.h"
+#include "host/doctor/own_object_examination.h"
 
 namespace umbrant::host {
 
 Examination ExaminationOf(const std::string& subject) {
     if (subject == kOpenFxSubject) return ExamineOpenFx;
+    if (subject == kOwnObjectSubject) return ExamineOwnObject;
     return {};
 }
 

@@ -9,13 +9,11 @@
 
 #include "host/compositing/memory_shortage.h"
 #include "host/drawing/drawing_entry.h"
-#include "host/loading/own_object.h"
+#include "host/loading/own_objects.h"
 
 namespace umbrant::host {
 
 namespace {
-
-constexpr OwnObject kLibrary{"umbrant_drawing.so", "which draws panels and curves", "UmbrantNewDrawing"};
 
 /// The shared object's entry. What is short now may be there the next time.
 Result<decltype(&UmbrantNewDrawing)> Entry(const std::string& what) {
@@ -23,7 +21,7 @@ Result<decltype(&UmbrantNewDrawing)> Entry(const std::string& what) {
     static decltype(&UmbrantNewDrawing) entry = nullptr;
     const std::lock_guard lock(mutex);
     if (entry) return entry;
-    const auto opened = OpenOwnObject(kLibrary);
+    const auto opened = OpenOwnObject(kDrawingObject);
     if (const auto* reason = std::get_if<std::string>(&opened)) {
         if (SaysNoMemory(*reason)) return NotEnoughMemory(what);
         return Failure{ErrorKind::kInternal, fmt::format("cannot draw {}: {}", what, *reason)};

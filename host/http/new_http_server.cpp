@@ -6,18 +6,12 @@
 #include <fmt/format.h>
 
 #include "host/http/http_entry.h"
-#include "host/loading/own_object.h"
+#include "host/loading/own_objects.h"
 
 namespace umbrant::host {
 
-namespace {
-
-constexpr OwnObject kLibrary{"umbrant_http.so", "which serves the preview's page", "UmbrantNewHttpServer"};
-
-}  // namespace
-
 Result<std::unique_ptr<HttpServer>> NewHttpServer(int port, const HttpHandlers& handlers) {
-    const auto opened = OpenOwnObject(kLibrary);
+    const auto opened = OpenOwnObject(kHttpObject);
     if (const auto* reason = std::get_if<std::string>(&opened)) {
         return Failure{ErrorKind::kInternal, fmt::format("cannot serve the page: {}", *reason)};
     }

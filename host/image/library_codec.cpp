@@ -16,7 +16,7 @@
 
 #include "host/compositing/memory_shortage.h"
 #include "host/image/codec.h"
-#include "host/loading/own_object.h"
+#include "host/loading/own_objects.h"
 #include "host/process/start_threads.h"
 
 namespace umbrant::host {
@@ -24,8 +24,6 @@ namespace umbrant::host {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr OwnObject kLibrary{"umbrant_images.so", "which has the codecs of this format", "UmbrantLibraryCodec"};
 
 using Loaded = std::variant<const Codec*, std::string>;
 
@@ -63,7 +61,7 @@ Loaded Load() {
         return fmt::format("the library for this format needs {} threads, and the system refuses them: {}", kThreads,
                            std::generic_category().message(EAGAIN));
     }
-    const auto opened = OpenOwnObject(kLibrary);
+    const auto opened = OpenOwnObject(kImagesObject);
     if (const auto* reason = std::get_if<std::string>(&opened)) return *reason;
     return reinterpret_cast<const Codec* (*)()>(std::get<void*>(opened))();
 }

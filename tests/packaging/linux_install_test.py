@@ -3,6 +3,7 @@
 """`cmake --install` puts everything where Linux expects it, wherever the prefix is and wherever it is moved to; the
 example builds against the installed library alone and draws what the installed program draws."""
 
+import json
 import os
 import pathlib
 import re
@@ -203,6 +204,13 @@ class Installed(unittest.TestCase):
                                 failed.stderr.splitlines()[-1],
                                 f"umbrant: cannot draw {what}: {reason}",
                             )
+                    with self.subTest(state=state, what="the doctor's report"):
+                        found = subprocess.run([self.prefix / "bin/umbrant", "doctor", "--json"], cwd=folder, text=True,
+                                               capture_output=True)  # fmt: skip
+                        panel = [each for each in json.loads(found.stdout)["findings"] if each["subject"] == "panel"]
+                        *text, last = reason.split("; ")
+                        self.assertEqual(found.returncode, 5)
+                        self.assertEqual(panel, [{"subject": "panel", "condition": "problem", "text": "; ".join(text), "advice": last}])
                 run(self.prefix / "bin/umbrant", "panel", "--json", cwd=folder)
                 run(self.prefix / "bin/umbrant", "validate", "--strictness", "2", cwd=folder)
             finally:

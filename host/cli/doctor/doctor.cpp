@@ -1,18 +1,23 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// `umbrant doctor`: why a plug-in does not show up in its host, in one sentence.
+// `umbrant doctor`: whether each part of the program works here, and why a plug-in does not show up in its host.
 
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "host/cli/command.h"
+#include "host/cli/doctor/finding.h"
 #include "host/cli/option_checks.h"
 #include "host/cli/results.h"
 #include "host/doctor/openfx/bundle.h"
@@ -23,6 +28,10 @@ namespace umbrant::host {
 namespace {
 
 constexpr char kExamples[] =
+    "  umbrant doctor\n"
+    "      whether each part of the program works on this machine, with what to do where it does not\n"
+    "  umbrant doctor > report.txt\n"
+    "      a report to attach to a question; your home folder is written as ~\n"
     "  umbrant doctor openfx /usr/OFX/Plugins/Umbrant.ofx.bundle\n"
     "      one sentence about this bundle\n"
     "  umbrant doctor openfx\n"
@@ -31,6 +40,8 @@ constexpr char kExamples[] =
 struct DoctorOptions {
     std::string subject;
     std::string bundle;
+    std::string module;
+    bool json = false;
     int limit = 120;  // seconds
 };
 
@@ -66,7 +77,29 @@ Result<ExitCode> DiagnoseFound(std::chrono::seconds limit) {
     return first ? ExitCodeOf(*first) : ExitCode::kDone;
 }
 
+/// Everything about the program on this machine. The exit code is that of the first problem.
+ExitCode ReportAll(const DoctorOptions& options) {
+    std::vector<Finding> findings;
+    const auto add = [&findings](std::vector<Finding> more) {
+        std::move(more.begin(), more.end(), std::back_inserter(findings));
+    };
+    add(FindProgram());
+    add(FindMemoryAndDisk());
+    add(FindModuleAndRenderer(options.module));
+    add(FindOwnObjects());
+    add(FindFonts());
+    add(FindPresets());
+    add(FindClipTools());
+    add(FindOpenFxBundles(options.limit));
+    PrintResult(options.json ? ReportJson(findings, RelevantEnvironment())
+                             : ReportText(findings, RelevantEnvironment()));
+    const auto problem = std::find_if(findings.begin(), findings.end(),
+                                      [](const Finding& finding) { return finding.condition == Condition::kProblem; });
+    return problem == findings.end() ? ExitCode::kDone : ExitCodeOf(problem->kind);
+}
+
 Result<ExitCode> Doctor(const DoctorOptions& options) {
+    if (options.subject.empty()) return ReportAll(options);
     const std::chrono::seconds limit(options.limit);
     if (options.bundle.empty()) return DiagnoseFound(limit);
     PrintResult(TRY(DiagnoseOpenFx(options.bundle, limit)) + "\n");
@@ -80,13 +113,18 @@ Command DoctorCommand() {
     Command command;
     command.name = "doctor";
     command.summary =
-        "Say why a plug-in does not work in its host: load it, describe it and draw a frame, as a host does";
+        "Report whether each part of the program works here, or why an OpenFX plug-in does not work in its host";
     command.examples = kExamples;
     command.options = [options](CLI::App& app) {
-        app.add_option("SUBJECT", options->subject, "What is examined: openfx, a bundle for OpenFX hosts")
-            ->required()
-            ->check(CLI::IsMember({kOpenFxSubject}));
+        CLI::Option* subject =
+            app.add_option("SUBJECT", options->subject,
+                           "openfx: load a bundle, describe it and draw a frame, as a host does; without it, a report")
+                ->check(CLI::IsMember({kOpenFxSubject}));
         app.add_option("BUNDLE", options->bundle, "The folder NAME.ofx.bundle; without it, all that hosts find");
+        app.add_option("--module", options->module, "For the report: the effect's module")
+            ->type_name("FILE")
+            ->excludes(subject);
+        app.add_flag("--json", options->json, "Print the report as JSON")->excludes(subject);
         app.add_option("--timeout", options->limit,
                        "Longest time that one step of the plug-in may take, in seconds (default 120)")
             ->type_name("N")

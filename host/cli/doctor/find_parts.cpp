@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Copyright 2026 the Umbrant authors
+
+// What draws, and what the program is made of: the module and its renderer, the shared objects, fonts, ffmpeg, OpenFX.
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cctype>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <set>
+#include <utility>
+
+#include "host/cli/doctor/finding.h"
+#include "host/doctor/openfx/bundle.h"
+#include "host/doctor/openfx/openfx_doctor.h"
+#include "host/doctor/own_object_examination.h"
+#include "host/isolation/module_process.h"
+#include "host/loading/own_objects.h"
+#include "host/module/own_module.h"
+#include "host/session/effect_session.h"
+#include "host/session/renderer.h"
+#include "host/video/clip_format.h"
+#include "host/video/tool_facts.h"
+
+namespace umbrant::host {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The module's file and identity, or what is wrong; and what draws. In a process of its own: a driver may end it.
+Result<std::vector<Finding>> ExamineModule(const std::string& named, RendererPreference preference) {
+    const auto option = named.empty() ? std::nullopt : std::optional<fs::path>(named);
+    const auto file = TRY(FindModule(DefaultModuleSearch(option)));
+    SessionOptions options;
+    options.renderer = RendererOfSetUp(preference);
+    auto process = TRY(ModuleProcess::Start({file, std::move(options), {}}));
+    const Registration effect = process->Effect();
+    EffectSession session = EffectSession::Over(std::move(process));
+    const GpuStrings gpu = ReadGpuStrings(session.Params());
+    const RendererDecision decision = DecideRenderer(preference, gpu);
+    TRY(session.End());
+    std::vector<Finding> findings = {{"module", Condition::kGood, fmt::format("'{}', {}", effect.name, file.string())},
+                                     {"renderer", Condition::kGood, RendererText(decision)}};
+    if (gpu.HasContext()) {
+        findings.push_back(
+            {"driver", Condition::kGood, fmt::format("{}, {}, OpenGL {}", gpu.renderer, gpu.vendor, gpu.glVersion)});
+    } else if (HasGraphicsDevice() && preference != RendererPreference::kProcessor) {
+        findings.push_back({"driver", Condition::kNote, "there is a graphics device, but no OpenGL 3.3 for it",
+                            "install the driver of the device, or set UMBRANT_RENDERER=cpu; the CPU renderer draws the "
+                            "same images"});
+    }
+    return findings;
+}
+
+/// Whether a file is a font that text can be drawn with.
+bool IsFont(const fs::path& file) {
+    static const std::set<std::string> endings = {".ttf", ".otf", ".ttc", ".pfb", ".t1"};
+    std::string ending = file.extension().string();
+    std::transform(ending.begin(), ending.end(), ending.begin(), [](unsigned char c) { return std::tolower(c); });
+    return endings.contains(ending);
+}
+
+std::size_t CountFonts(const fs::path& folder) {
+    std::error_code error;
+    std::size_t count = 0;
+    fs::recursive_directory_iterator entry(folder, fs::directory_options::skip_permission_denied, error);
+    for (; !error && entry != fs::end(entry); entry.increment(error)) count += IsFont(entry->path());
+    return count;
+}
+
+/// "ffmpeg 5.1.9" is new enough; a version that is no number is one that somebody built from the newest sources.
+bool IsOld(const std::string& version) {
+    int major = 0, minor = 0;
+    const int read = std::sscanf(version.c_str(), "%d.%d", &major, &minor);
+    return read == 2 && std::pair(major, minor) < std::pair(5, 1);
+}
+
+}  // namespace
+
+std::vector<Finding> FindModuleAndRenderer(const std::string& module) {
+    const auto preference = ReadRendererPreference("");
+    std::vector<Finding> findings;
+    if (!preference) findings.push_back(ProblemOf("renderer", preference.error()));
+    const auto examined = ExamineModule(module, preference ? *preference : RendererPreference::kAuto);
+    if (!examined) {
+        findings.push_back(ProblemOf("module", examined.error()));
+        return findings;
+    }
+    findings.insert(findings.end(), examined->begin(), examined->end());
+    return findings;
+}
+
+std::vector<Finding> FindOwnObjects() {
+    const std::pair<const char*, const OwnObject*> rows[] = {
+        {"images", &kImagesObject}, {"panel", &kDrawingObject}, {"preview", &kHttpObject}};
+    std::vector<Finding> findings;
+    for (const auto& [subject, object] : rows) {
+        const auto loaded = CheckOwnObject(*object);
+        findings.push_back(
+            loaded ? Finding{subject, Condition::kGood, fmt::format("{} is loaded when needed", object->file)}
+                   : ProblemOf(subject, loaded.error()));
+    }
+    return findings;
+}
+
+std::vector<Finding> FindFonts() {
+    std::vector<fs::path> folders = {"/usr/share/fonts", "/usr/local/share/fonts"};
+    if (const char* const home = std::getenv("HOME"); home && *home) {
+        folders.push_back(fs::path(home) / ".local/share/fonts");
+        folders.push_back(fs::path(home) / ".fonts");
+    }
+    std::size_t count = 0;
+    for (const fs::path& folder : folders) count += CountFonts(folder);
+    if (count > 0) return {{"fonts", Condition::kGood, fmt::format("{} {}", count, count == 1 ? "font" : "fonts")}};
+    return {{"fonts", Condition::kNote, "there is no font, so panels and sheets have a simple built-in one",
+             "install one (Debian: apt install fonts-dejavu-core)"}};
+}
+
+std::vector<Finding> FindClipTools() {
+    std::vector<Finding> findings;
+    for (const char* const tool : {"ffmpeg", "ffprobe"}) {
+        const auto version = ToolVersion(tool);
+        if (!version) {
+            findings.push_back(ProblemOf("clips", version.error()));
+            continue;
+        }
+        Finding finding{"clips", Condition::kGood, fmt::format("{} {}", tool, *version), ""};
+        if (IsOld(*version)) {
+            finding.condition = Condition::kNote;
+            finding.advice = "install ffmpeg 5.1 or newer; clips have not been tested with this version";
+        }
+        findings.push_back(finding);
+    }
+    if (findings.front().condition == Condition::kProblem) return findings;
+    const auto encoders = ToolEncoders();
+    if (!encoders) {
+        findings.push_back(ProblemOf("codecs", encoders.error()));
+        return findings;
+    }
+    std::string here, missing;
+    for (const ClipCodec& codec : ClipCodecs()) {
+        std::string& list = encoders->contains(codec.encoder) ? here : missing;
+        list += (list.empty() ? "" : ", ") + std::string(codec.name);
+    }
+    if (!here.empty()) findings.push_back({"codecs", Condition::kGood, here});
+    if (!missing.empty()) {
+        findings.push_back({"codecs", Condition::kNote, fmt::format("this ffmpeg was built without {}", missing),
+                            "install an ffmpeg with these encoders, or choose another --codec"});
+    }
+    return findings;
+}
+
+std::vector<Finding> FindOpenFxBundles(int limit) {
+    std::vector<Finding> findings;
+    for (const FoundBundle& each : FindBundles(OpenFxFolders(std::getenv("OFX_PLUGIN_PATH")))) {
+        const auto sentence = DiagnoseOpenFx(each.folder, std::chrono::seconds(limit));
+        if (!sentence) {
+            findings.push_back(ProblemOf("openfx", sentence.error()));
+            continue;
+        }
+        std::string text = *sentence;
+        if (text.ends_with('.')) text.pop_back();
+        findings.push_back({"openfx", Condition::kGood, text});
+    }
+    if (findings.empty()) {
+        findings.push_back({"openfx", Condition::kNote, "no bundle in the folders where OpenFX hosts look",
+                            "only needed for OpenFX hosts: install the bundle, or add its folder to OFX_PLUGIN_PATH"});
+    }
+    return findings;
+}
+
+}  // namespace umbrant::host
