@@ -1,6 +1,7 @@
 # Debian packages by CPack: `cpack -G DEB` in a build folder writes umbrant, the program with its module, and
-# libumbrant-host-dev, the library for other programs, python3-umbrant, the Python package where it is built, and
-# umbrant-openfx, the plug-in. packaging/debian/try installs and uses them in a fresh Debian.
+# libumbrant-host-dev, the library for other programs, python3-umbrant, the Python package where it is built,
+# umbrant-openfx, the plug-in, umbrant-effect-dev, the interface's headers, and umbrant-doc, the documents.
+# packaging/debian/try installs and uses them in a fresh Debian.
 
 set(CPACK_PACKAGE_NAME umbrant)
 set(CPACK_PACKAGE_VENDOR "The Umbrant authors")
@@ -9,7 +10,7 @@ set(UMBRANT_MAINTAINER "The Umbrant authors <umbrant@example.com>" CACHE STRING 
 set(CPACK_PACKAGE_CONTACT "${UMBRANT_MAINTAINER}")
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-set(CPACK_COMPONENTS_ALL umbrant development openfx)
+set(CPACK_COMPONENTS_ALL umbrant development openfx effect doc)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE
                                                 WORLD_READ WORLD_EXECUTE)
@@ -29,6 +30,7 @@ set(CPACK_DEBIAN_UMBRANT_PACKAGE_SECTION graphics)
 # What the program and the module are linked with is found by dpkg-shlibdeps.
 set(CPACK_DEBIAN_UMBRANT_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_UMBRANT_PACKAGE_RECOMMENDS "ffmpeg, libgl1-mesa-dri")
+set(CPACK_DEBIAN_UMBRANT_PACKAGE_SUGGESTS "umbrant-doc")
 set(CPACK_DEBIAN_UMBRANT_DESCRIPTION
     "long, soft shadows for images with transparency
 Renders normal, inner and radial shadows of images, sequences and clips with
@@ -66,8 +68,31 @@ copies along a straight or eased curve, in one colour or with a texture.
 The package contains the plug-in in the folder that hosts look in. The program
 of the package umbrant says why a host does not find it: umbrant doctor.")
 
-set(packages umbrant libumbrant-host-dev umbrant-openfx)
-set(components umbrant development openfx)
+set(CPACK_DEBIAN_EFFECT_PACKAGE_NAME umbrant-effect-dev)
+set(CPACK_DEBIAN_EFFECT_PACKAGE_SECTION devel)
+set(CPACK_DEBIAN_EFFECT_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_EFFECT_DESCRIPTION
+    "long, soft shadows for images with transparency - effect interface
+Declares the interface through which the effect module of the package umbrant
+and its host call each other: commands, parameters, images, suites.
+.
+The package contains C++ headers and a pkg-config file, for hosts that load
+the module and for effects that the program umbrant checks and draws.")
+
+set(CPACK_DEBIAN_DOC_PACKAGE_NAME umbrant-doc)
+set(CPACK_DEBIAN_DOC_PACKAGE_SECTION doc)
+set(CPACK_DEBIAN_DOC_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_DOC_DESCRIPTION
+    "long, soft shadows for images with transparency - documentation
+Describes the program, the library, the Python package and the plug-ins of
+Umbrant: a tutorial, a gallery, every parameter with pictures, sequences,
+clips and render farms.
+.
+The package contains the documents, the layers and presets that their
+commands use, and the examples.")
+
+set(packages umbrant libumbrant-host-dev umbrant-openfx umbrant-effect-dev umbrant-doc)
+set(components umbrant development openfx effect doc)
 if(TARGET umbrant_python)
     include(packaging/debian/python_package.cmake)
     list(APPEND packages python3-umbrant)
@@ -78,9 +103,12 @@ foreach(package component IN ZIP_LISTS packages components)
     install(FILES ${CMAKE_SOURCE_DIR}/packaging/debian/copyright ${CMAKE_BINARY_DIR}/packaging/debian/changelog.Debian
             DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package} COMPONENT ${component})
 endforeach()
-# Where hosts look is no folder that Debian knows.
+# The one exception that lintian is asked for: the folder that the OpenFX standard names.
 file(WRITE ${CMAKE_BINARY_DIR}/packaging/debian/umbrant-openfx
-     "umbrant-openfx: non-standard-dir-in-usr [usr/OFX/]\numbrant-openfx: file-in-unusual-dir\n")
+     "# Hosts of OpenFX plug-ins look in /usr/OFX/Plugins; the standard names this folder.
+umbrant-openfx: non-standard-dir-in-usr [usr/OFX/]
+umbrant-openfx: file-in-unusual-dir [usr/OFX/*]
+")
 install(FILES ${CMAKE_BINARY_DIR}/packaging/debian/umbrant-openfx DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides
         COMPONENT openfx)
 install(FILES ${CMAKE_SOURCE_DIR}/CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/umbrant RENAME changelog

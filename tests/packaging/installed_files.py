@@ -44,6 +44,17 @@ EXPECTED = {
     "share/doc/libumbrant-host-dev/examples/render_from_memory/render_from_memory.cpp",
 }  # fmt: skip
 
+# The interface's headers.
+EXPECTED |= {f"include/umbrant-effect/{path.relative_to(SOURCE)}" for path in (SOURCE / "hostapi").rglob("*.h")}
+EXPECTED |= {"share/pkgconfig/umbrant_effect.pc", "share/doc/umbrant-effect-dev/copyright",
+             "share/doc/umbrant-effect-dev/changelog.Debian"}
+
+# The documents, in the folders of the source.
+DOCUMENTS = ["docs", "assets/layers", "assets/presets", "examples", "bench/results"]
+EXPECTED |= {f"share/doc/umbrant-doc/{path.relative_to(SOURCE)}" for folder in DOCUMENTS for path in (SOURCE / folder).rglob("*")
+             if path.is_file() and not {"man", "__pycache__"} & set(path.relative_to(SOURCE).parts)}
+EXPECTED |= {f"share/doc/umbrant-doc/{name}" for name in ("README.md", "copyright", "changelog.Debian")}
+
 # The Python package, where it is built.
 PYTHON = os.environ.get("PYTHON_PROGRAM")
 PYTHON_PACKAGE = f"{os.environ.get('PYTHON_DESTINATION')}/umbrant"
