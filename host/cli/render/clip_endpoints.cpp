@@ -68,7 +68,7 @@ Result<Done> ClipEndpoints::Open(const RenderOptions& options, PlanRequest& requ
     output_ = options.output;
     request.outputIsClip = IsClipName(output_);
     if (request.outputIsClip) {
-        for (const std::string& read : {options.input, options.texture}) {
+        for (const std::string& read : {options.input, options.texture, BackgroundFile(options)}) {
             if (auto apart = CheckApart(read, output_); !read.empty() && !apart) return apart.error();
         }
         TRY(CheckPlace(output_));
@@ -99,6 +99,13 @@ Result<Done> ClipEndpoints::Open(const RenderOptions& options, PlanRequest& requ
     open(*input, input_, request.inputClip);
     open(texture, texture_, request.textureClip);
     return Done{};
+}
+
+void ClipEndpoints::AddFrames(PlanRequest& request) const {
+    request.outputIsClip = Writes();
+    request.rate = rate_;
+    if (input_) request.inputClip = input_->Frames();
+    if (texture_) request.textureClip = texture_->Frames();
 }
 
 void ClipEndpoints::Connect(LayerOptions& options) {

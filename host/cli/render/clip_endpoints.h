@@ -26,6 +26,9 @@ class ClipEndpoints {
     /// clip whose rate varies.
     Result<Done> Open(const RenderOptions& options, PlanRequest& request);
 
+    /// Adds the frames of the clips that are open, and the rate, to another request.
+    void AddFrames(PlanRequest& request) const;
+
     bool Reads() const { return input_ || texture_; }
     bool Writes() const { return codec_ != nullptr; }
     /// Lets a reader of layers read the clips; they must outlive it.

@@ -71,9 +71,10 @@ Result<std::unique_ptr<RenderPlan>> PlanSequenceRender(RenderOptions& options) {
     plan->canvas = canvas;
     auto frames = TRY(PlanFrames(request));
     plan->frames = std::move(frames);
-    if (!options.preset.empty()) {
+    for (const std::string& read : {options.preset, BackgroundFile(options)}) {
         for (const PlannedFrame& frame : plan->frames.frames) {
-            TRY(CheckApart(options.preset, frame.output));
+            if (read.empty()) break;
+            TRY(CheckApart(read, frame.output));
         }
     }
     // A clip has its own ways of storing.
@@ -84,6 +85,12 @@ Result<std::unique_ptr<RenderPlan>> PlanSequenceRender(RenderOptions& options) {
     plan->clips.Connect(layers);
     plan->reader.emplace(std::move(layers));
     return plan;
+}
+
+Result<FramePlan> PlanSequenceFrames(const RenderOptions& options, const RenderPlan& plan) {
+    auto request = TRY(SequenceRequest(options));
+    plan.clips.AddFrames(request);
+    return PlanFrames(request);
 }
 
 Result<std::unique_ptr<RenderPlan>> PlanImageRender(const RenderOptions& options) {
@@ -136,6 +143,11 @@ Result<std::vector<FrameNumber>> FramesOf(const RenderOptions& options) {
     TRY(CheckNoTime(options));
     if (!options.compression.empty() || !IsClipName(options.output)) {
         TRY(CheckStorage(options));
+    }
+    if (options.canvas == "tight") {
+        return Failure{ErrorKind::kUsage,
+                       "--canvas tight is found by drawing all frames, which each task of a job would have to do; give "
+                       "the job --canvas LEFT,TOP,RIGHT,BOTTOM, or use grow"};
     }
     if (IsClipName(options.output)) {
         return Failure{ErrorKind::kUsage,

@@ -35,6 +35,7 @@ Result<ExitCode> RenderRun::Run() {
     auto planned = TRY(isImage_ ? PlanImageRender(options_) : PlanSequenceRender(options_));
     plan_ = std::move(planned);
     const auto preference = TRY(ReadRendererPreference(options_.renderer));
+    if (!options_.background.empty()) background_ = TRY(Background::Read(options_.background));
     if (isImage_) image_.emplace(SecondsOfProgress(options_.sequence), options_.verbose);
     FillJob();
     Say("reading the images");
@@ -54,6 +55,7 @@ Result<ExitCode> RenderRun::Run() {
     session.SetRenderer(renderer_.Request());
     TRY(FindCanvas(opened, *first));
     TRY(StartInstances(session, *first));
+    TRY(FindTightCanvas());
     TRY(BeginClip(*first));
     auto outcome = isImage_ ? DrawImage(std::move(*first)) : DrawSequence(std::move(*first));
     if (isImage_ && !outcome) return outcome;
@@ -74,6 +76,7 @@ void RenderRun::FillJob() {
     job_.explain = [this](const Failure& failure, const EffectSession& session) {
         return renderer_.processor ? failure : Explain(failure, session);
     };
+    job_.finish = [this](Drawn& image, const WriteOptions& kept) { return FinishImage(image, kept); };
     if (plan_->clips.Writes()) {
         job_.write = [this](const Drawn& drawn, const Placement& place, const WriteOptions&) {
             return plan_->clips.Write(drawn, place);
