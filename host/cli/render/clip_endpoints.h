@@ -36,6 +36,9 @@ class ClipEndpoints {
     /// The shape of a pipeline that has this one's drawers: a clip is read and written by one thread each.
     PipelineShape Shape(PipelineShape shape) const;
 
+    /// The canvas as the codec takes it: longer by a column or a row where the sides must be even.
+    PF_LRect Padded(PF_LRect canvas) const;
+
     /// Begins the clip: of this part of the layer, for layers of this size and depth. Fails as ClipWriter::Start does.
     Result<Done> Begin(const FramePlan& plan, const PF_LRect& canvas, const World& layer, bool wantsSound);
     /// What is to be said about the clip's sound, once it is begun; empty for nothing.

@@ -38,6 +38,8 @@ constexpr char kExamples[] =
     "      48 frames of one image, with keyframes from a preset\n"
     "  umbrant render clip.mov -o out.mov; umbrant render title.png -o title.webm --preset moving.json --frames 1-48\n"
     "      clips through ffmpeg: ProRes 4444 in .mov, FFV1 in .mkv, VP9 in .webm, all with alpha; sound is kept\n"
+    "  umbrant render clip.mov -o review.mp4 --background white\n"
+    "      H.264 for a review; .webp and .apng are animations for web pages\n"
     "  umbrant render title.png -o draft.png --downsample 4\n"
     "      a quarter of the resolution; points are still given in pixels of the full-size layer\n"
     "  umbrant render title.png -o look.png --background checker --canvas tight\n"
@@ -54,7 +56,8 @@ void AddFileOptions(CLI::App& app, RenderOptions& options) {
                    "The image to write: " + WritableFormats() +
                        ". PNG and TIFF have straight alpha, EXR premultiplied; JPEG is composited over white. Or a "
                        "clip: .mov, "
-                       ".mkv, .webm. - is standard output, in the format of --format")
+                       ".mkv, .webm, .webp or .apng, with alpha, or .mp4 over a --background. - is standard output, in "
+                       "the format of --format")
         ->required();
     app.add_option("--format", options.format, "The format of standard output, '-o -'")
         ->check(CLI::IsMember({"png", "tif", "exr", "jpg"}))

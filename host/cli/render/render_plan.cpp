@@ -130,7 +130,7 @@ Result<bool> MeansSequence(const RenderOptions& options) {
     if (IsClipName(options.input) || IsClipName(options.texture)) return true;
     const auto request = TRY(SequenceRequest(options));
     auto many = MeansSequence(request);
-    if (many && !*many && IsClipName(options.output)) {
+    if (many && !*many && IsWrittenAsClip(options.output)) {
         return Failure{ErrorKind::kUsage,
                        fmt::format("'{}' is a clip, but '{}' is a single image; choose the frames to "
                                    "draw with --frames",
@@ -141,7 +141,7 @@ Result<bool> MeansSequence(const RenderOptions& options) {
 
 Result<std::vector<FrameNumber>> FramesOf(const RenderOptions& options) {
     TRY(CheckNoTime(options));
-    if (!options.compression.empty() || !IsClipName(options.output)) {
+    if (!options.compression.empty() || !IsWrittenAsClip(options.output)) {
         TRY(CheckStorage(options));
     }
     if (options.canvas == "tight") {
@@ -149,7 +149,7 @@ Result<std::vector<FrameNumber>> FramesOf(const RenderOptions& options) {
                        "--canvas tight is found by drawing all frames, which each task of a job would have to do; give "
                        "the job --canvas LEFT,TOP,RIGHT,BOTTOM, or use grow"};
     }
-    if (IsClipName(options.output)) {
+    if (IsWrittenAsClip(options.output)) {
         return Failure{ErrorKind::kUsage,
                        fmt::format("the tasks of a job need one file per frame, and '{}' is a single file; render "
                                    "images, then make a clip of them",

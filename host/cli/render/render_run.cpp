@@ -14,6 +14,7 @@
 #include "host/cli/render/sequence_report.h"
 #include "host/cli/results.h"
 #include "host/compositing/memory_recycler.h"
+#include "host/compositing/rectangles.h"
 #include "host/process/files/abandoned_files.h"
 #include "host/render/plan/frame_footprint.h"
 #include "host/render/plan/memory_plan.h"
@@ -123,6 +124,14 @@ Result<Done> RenderRun::StartInstances(EffectSession& session, const FirstFrame&
 
 Result<Done> RenderRun::BeginClip(const FirstFrame& first) {
     if (!plan_->clips.Writes()) return Done{};
+    const PF_LRect padded = plan_->clips.Padded(*job_.picture);
+    if (!Same(padded, *job_.picture)) {
+        TellNotes(options_,
+                  fmt::format("the clip has {} x {} pixels, as its codec has even sides only; the result has {} x {}",
+                              WidthOf(padded), HeightOf(padded), WidthOf(*job_.picture), HeightOf(*job_.picture)),
+                  "");
+        job_.picture = padded;
+    }
     return plan_->clips.Begin(plan_->frames, *job_.picture, first.layers.input->pixels, !options_.sequence.noSound);
 }
 
