@@ -146,6 +146,14 @@ Result<ExitCode> Run(const PreviewCommandOptions& options) {
     preview.setValues = [&options](AnimatedParams& params) {
         return ApplyValues(options.preset, options.settings, params);
     };
+    preview.presets = []() -> Result<std::vector<OfferedPreset>> {
+        std::vector<OfferedPreset> offered;
+        const std::vector<NamedPreset> presets = TRY(NamedPresets());
+        for (const NamedPreset& preset : presets) {
+            offered.push_back({preset.name, preset.file.string(), preset.isUsers});
+        }
+        return offered;
+    };
     ClipEndpoints clips;
     preview.shot = TRY(ShotOf(options, clips));
     preview.preset = options.preset;
