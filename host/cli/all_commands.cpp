@@ -6,9 +6,9 @@
 namespace umbrant::host {
 
 std::vector<Command> AllCommands() {
-    return {RenderCommand(), PreviewCommand(), ParamsCommand(), PresetsCommand(),
-            InfoCommand(),   CompareCommand(), PanelCommand(),  ValidateCommand(),
-            CurvesCommand(), FarmCommand(),    DoctorCommand(), CompletionCommand()};
+    return {RenderCommand(), PreviewCommand(), SheetCommand(),     ParamsCommand(),   PresetsCommand(),
+            InfoCommand(),   CompareCommand(), PanelCommand(),     ValidateCommand(), CurvesCommand(),
+            FarmCommand(),   DoctorCommand(),  CompletionCommand()};
 }
 
 }  // namespace umbrant::host

@@ -29,6 +29,7 @@ struct Command {
 Command RenderCommand();
 Command ParamsCommand();
 Command PresetsCommand();
+Command SheetCommand();
 Command InfoCommand();
 Command CompareCommand();
 Command PanelCommand();

@@ -146,10 +146,18 @@ Result<ExitCode> Run(const PreviewCommandOptions& options) {
     preview.setValues = [&options](AnimatedParams& params) {
         return ApplyValues(options.preset, options.settings, params);
     };
+    preview.presets = []() -> Result<std::vector<OfferedPreset>> {
+        std::vector<OfferedPreset> offered;
+        const std::vector<NamedPreset> presets = TRY(NamedPresets());
+        for (const NamedPreset& preset : presets) {
+            offered.push_back({preset.name, preset.file.string(), preset.isUsers});
+        }
+        return offered;
+    };
     ClipEndpoints clips;
     preview.shot = TRY(ShotOf(options, clips));
     preview.preset = options.preset;
-    preview.canvas = TRY(ParseCanvas(options.canvas.empty() ? "grow" : options.canvas));
+    preview.canvas = TRY(ParseUndrawnCanvas(options.canvas.empty() ? "grow" : options.canvas));
     std::tie(preview.textureX, preview.textureY) = ParsePoint(options.textureAt).value_or(std::pair(0.0, 0.0));
     if (!options.depth.empty()) preview.depth = options.depth == "8" ? Depth::k8 : Depth::k32;
     preview.input = options.input;
@@ -191,7 +199,7 @@ void AddPictureOptions(CLI::App& app, PreviewCommandOptions& options) {
                    "frame's own; layer: the layer's rectangle; or a rectangle in pixels of the full-size layer, "
                    "right and bottom exclusive")
         ->check([](const std::string& text) {
-            const auto canvas = ParseCanvas(text);
+            const auto canvas = ParseUndrawnCanvas(text);
             return canvas ? std::string() : canvas.error().sentence;
         })
         ->type_name("grow|frame|layer|LEFT,TOP,RIGHT,BOTTOM");

@@ -96,6 +96,9 @@ Result<Done> CheckCompression(const std::filesystem::path& file, const std::stri
 /// Whether that format can store channels in this depth. Fails with `ErrorKind::kUsage` and what it has.
 Result<Done> CheckFileDepth(const std::filesystem::path& file, FileDepth depth, const std::string& name = "");
 
+/// How a file of this name stores the channels of a world of this depth; never kAuto for a format that is known.
+FileDepth DepthInFile(const std::filesystem::path& file, Depth depth, const WriteOptions& options);
+
 /// The extensions that WritePicture knows, as a phrase: ".png, .tif, ...".
 std::string WritableFormats();
 

@@ -116,10 +116,10 @@ std::string CompressionFor(const Format& format, const WriteOptions& options) {
     return std::string(format.compressions.substr(1, format.compressions.find(' ', 1) - 1));
 }
 
-FileDepth DepthFor(const Format& format, const World& world, const WriteOptions& options) {
+FileDepth DepthFor(const Format& format, Depth depth, const WriteOptions& options) {
     if (options.depth != FileDepth::kAuto) return options.depth;
     if (format.place == PlaceKind::kWindows && options.half) return FileDepth::kHalf;
-    return world.PixelDepth() == Depth::k8 ? format.fromEight : format.fromFloat;
+    return depth == Depth::k8 ? format.fromEight : format.fromFloat;
 }
 
 ImageLayout LayoutOf(const Format& format, const World& world, const Placement& place, const WriteOptions& options) {
@@ -156,7 +156,7 @@ std::optional<std::string> EncodeTo(EncodedFile& encoded, const Format& format, 
         const ImageLayout layout = LayoutOf(format, world, place, options);
         const ImageToWrite image = {format,
                                     layout,
-                                    DepthFor(format, world, options),
+                                    DepthFor(format, world.PixelDepth(), options),
                                     CompressionFor(format, options),
                                     world,
                                     [&](int begin, int end, std::vector<float>& values) {
@@ -180,6 +180,11 @@ bool HasPixels(const World& world) {
 }
 
 }  // namespace
+
+FileDepth DepthInFile(const fs::path& file, Depth depth, const WriteOptions& options) {
+    const Format* format = FormatOf(file, options.format);
+    return format ? DepthFor(*format, depth, options) : options.depth;
+}
 
 Result<Done> CheckWritable(const fs::path& file) {
     if (file.empty()) return Failure{ErrorKind::kFile, "cannot write: the output's name is empty"};

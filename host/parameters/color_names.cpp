@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <charconv>
 #include <iterator>
 #include <string>
 
@@ -178,6 +179,17 @@ std::optional<std::uint32_t> NamedColor(std::string_view name) {
                                          [](const Color& color, std::string_view text) { return color.name < text; });
     if (found == std::end(kColors) || found->name != small) return std::nullopt;
     return found->value;
+}
+
+std::optional<std::uint32_t> ColorFromText(std::string_view text) {
+    if (!text.starts_with('#')) return NamedColor(text);
+    text.remove_prefix(1);
+    std::string digits;
+    for (const char digit : text) digits.append(text.size() == 3 ? 2 : 1, digit);
+    std::uint32_t value = 0;
+    const char* end = digits.data() + digits.size();
+    if (digits.size() != 6 || std::from_chars(digits.data(), end, value, 16).ptr != end) return std::nullopt;
+    return value;
 }
 
 }  // namespace umbrant::host

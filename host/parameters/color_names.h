@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// The colours that CSS has names for.
+// Colours as people write them.
 
 #include <cstdint>
 #include <optional>
@@ -12,5 +12,8 @@ namespace umbrant::host {
 
 /// 0xRRGGBB of a name of the CSS Color Module, Level 4, in any case; nothing for other texts.
 std::optional<std::uint32_t> NamedColor(std::string_view name);
+
+/// 0xRRGGBB of "#rrggbb", "#rgb" or such a name; nothing for other texts.
+std::optional<std::uint32_t> ColorFromText(std::string_view text);
 
 }  // namespace umbrant::host

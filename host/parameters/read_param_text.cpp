@@ -151,20 +151,8 @@ Result<Done> SetPoint3D(ParamRow& row, std::string_view text) {
     return Done{};
 }
 
-/// 0xRRGGBB of "#rrggbb", "#rgb" or a name.
-std::optional<std::uint32_t> ColorOf(std::string_view text) {
-    if (!text.starts_with('#')) return NamedColor(text);
-    text.remove_prefix(1);
-    std::string digits;
-    for (const char digit : text) digits.append(text.size() == 3 ? 2 : 1, digit);
-    std::uint32_t value = 0;
-    const char* end = digits.data() + digits.size();
-    if (digits.size() != 6 || std::from_chars(digits.data(), end, value, 16).ptr != end) return std::nullopt;
-    return value;
-}
-
 Result<Done> SetColor(ParamRow& row, std::string_view text) {
-    const std::optional<std::uint32_t> value = ColorOf(Trimmed(text));
+    const std::optional<std::uint32_t> value = ColorFromText(Trimmed(text));
     if (!value) return NotANumber(row, text, "a colour as #rrggbb, #rgb or a CSS name");
     const auto channel = [&](int shift) { return static_cast<A_u_char>(*value >> shift & 0xFF); };
     SetByteColor(row.def, {PF_MAX_CHAN8, channel(16), channel(8), channel(0)});

@@ -168,6 +168,7 @@ HttpReply Preview::Get(std::string_view path, const HttpRequest& request) {
         const bool isLight = request.Field("theme") == "light";
         return OnDrawingThread([=, this] { return engine_.DrawRow(index, isLight, scale); });
     }
+    if (path == "presets") return Presets();
     const PageFile* file = FindPageFile(path);
     if (!file) return NoSuchPage();
     return {200, std::string(file->type), std::string(file->bytes)};
@@ -192,6 +193,9 @@ HttpReply Preview::Post(std::string_view path, const HttpRequest& request) {
             return engine_.LoadPreset(name, text);
         });
     }
+    if (path == "named") {
+        return OnDrawingThread([this, name = request.Field("name")] { return engine_.LoadNamedPreset(name); });
+    }
     if (path == "reload") {
         return OnDrawingThread([this] { return engine_.ReloadPreset(); });
     }
@@ -210,6 +214,17 @@ HttpReply Preview::PostAboutRequest(std::string_view path, const HttpRequest& re
     const auto asked = ReadDrawRequest(request.body);
     if (!asked) return Refusal(400, asked.error().sentence);
     return OnDrawingThread([this, asked = *asked, answer = answer->second] { return (engine_.*answer)(asked); });
+}
+
+HttpReply Preview::Presets() const {
+    nlohmann::ordered_json list = nlohmann::ordered_json::array();
+    if (options_.presets) {
+        const auto presets = options_.presets();
+        if (!presets) return Refusal(500, presets.error().sentence);
+        for (const OfferedPreset& preset : *presets)
+            list.push_back({{"name", preset.name}, {"isYours", preset.isUsers}});
+    }
+    return {200, "application/json", Bytes({{"presets", list}})};
 }
 
 HttpReply Preview::Events() {

@@ -44,6 +44,8 @@ class Preview {
     HttpReply Get(std::string_view path, const HttpRequest& request);
     HttpReply Post(std::string_view path, const HttpRequest& request);
     HttpReply PostAboutRequest(std::string_view path, const HttpRequest& request);
+    /// The names of the presets that can be loaded.
+    HttpReply Presets() const;
     HttpReply Events();
     HttpReply SubmitRequest(const HttpRequest& request);
     HttpReply Frame(const HttpRequest& request) const;

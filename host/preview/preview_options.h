@@ -30,12 +30,21 @@ struct PreviewEffect {
     std::function<Failure(const Failure&, const EffectSession&)> explain;
 };
 
+/// A preset that the page offers.
+struct OfferedPreset {
+    std::string name;
+    std::string file;
+    bool isUsers = false;
+};
+
 struct PreviewOptions {
     /// Sets the effect up for layers of this full size, on the thread that calls Preview::Run.
     std::function<Result<PreviewEffect>(int layerWidth, int layerHeight)> open;
     /// Sets the values and keyframes with which the page begins. Reads their file every time.
     std::function<Result<Done>(AnimatedParams&)> setValues;
-    std::string preset{};          ///< that file; empty for none
+    std::string preset{};  ///< that file; empty for none
+    /// The presets that have a name, as they are now; without it none. Called from several threads.
+    std::function<Result<std::vector<OfferedPreset>>()> presets{};
     ShotOptions shot{};            ///< frames of the input and the texture
     CanvasChoice canvas{};         ///< what frames cover
     double textureX = 0;           ///< the texture's left edge, in pixels of the full-size layer

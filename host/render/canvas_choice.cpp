@@ -44,11 +44,12 @@ Result<CanvasChoice> ParseCanvas(const std::string& text) {
     if (text == "grow") return CanvasChoice{CanvasChoice::Kind::kGrow};
     if (text == "frame") return CanvasChoice{CanvasChoice::Kind::kFrame};
     if (text == "layer") return CanvasChoice{CanvasChoice::Kind::kLayer};
+    if (text == "tight") return CanvasChoice{CanvasChoice::Kind::kTight};
     const auto rectangle = RectangleOf(text);
     if (!rectangle) {
         return Failure{ErrorKind::kUsage,
-                       fmt::format("'{}' is neither grow, frame, layer nor a rectangle LEFT,TOP,RIGHT,BOTTOM of whole "
-                                   "numbers from -{} to {}",
+                       fmt::format("'{}' is neither grow, frame, layer, tight nor a rectangle LEFT,TOP,RIGHT,BOTTOM of "
+                                   "whole numbers from -{} to {}",
                                    EchoText(text), kFarthest, kFarthest)};
     }
     if (IsEmpty(*rectangle)) {
@@ -56,6 +57,14 @@ Result<CanvasChoice> ParseCanvas(const std::string& text) {
                        fmt::format("'{}' covers nothing; LEFT must be less than RIGHT and TOP less than BOTTOM", text)};
     }
     return CanvasChoice{CanvasChoice::Kind::kRectangle, *rectangle};
+}
+
+Result<CanvasChoice> ParseUndrawnCanvas(const std::string& text) {
+    const auto choice = TRY(ParseCanvas(text));
+    if (choice.kind != CanvasChoice::Kind::kTight) return choice;
+    return Failure{ErrorKind::kUsage,
+                   "'tight' is for `umbrant render`, which finds the canvas in drawn frames; here use grow, frame, "
+                   "layer or a rectangle LEFT,TOP,RIGHT,BOTTOM"};
 }
 
 std::string CanvasText(const PF_LRect& rectangle) {

@@ -17,14 +17,18 @@ struct CanvasChoice {
         kGrow,       ///< layer and shadow; in a sequence those of all frames
         kFrame,      ///< layer and shadow of this frame
         kLayer,      ///< the layer's frame
+        kTight,      ///< what is not transparent; in a sequence that of all frames
         kRectangle,  ///< `rectangle`
     };
     Kind kind = Kind::kGrow;
     PF_LRect rectangle{};  ///< in pixels of the full-size layer; right and bottom are exclusive
 };
 
-/// "grow", "frame", "layer" or "LEFT,TOP,RIGHT,BOTTOM", whole numbers. Fails with `ErrorKind::kUsage`.
+/// "grow", "frame", "layer", "tight" or "LEFT,TOP,RIGHT,BOTTOM", whole numbers. Fails with `ErrorKind::kUsage`.
 Result<CanvasChoice> ParseCanvas(const std::string& text);
+
+/// The same without "tight", which is known only from pixels. Fails with `ErrorKind::kUsage`.
+Result<CanvasChoice> ParseUndrawnCanvas(const std::string& text);
 
 /// The text that ParseCanvas reads as this rectangle.
 std::string CanvasText(const PF_LRect& rectangle);

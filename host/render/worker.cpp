@@ -142,8 +142,11 @@ class FrameWorker {
         auto picture = PictureOf(*drawn, canvas, layer.Width(), layer.Height(), layer.PixelDepth());
         if (!picture) return Fail(index, picture.error());
         work.drawn = std::move(*picture);
-        work.place = {work.drawn.rect, layer.Width(), layer.Height(), work.layers.input->frameOrigin};
         work.kept = work.layers.input->kept;
+        if (job_.finish) {
+            if (auto finished = job_.finish(work.drawn, work.kept); !finished) return Fail(index, finished.error());
+        }
+        work.place = {work.drawn.rect, layer.Width(), layer.Height(), work.layers.input->frameOrigin};
         work.outcome.picture = work.drawn.rect;
         work.outcome.drawTime = timer.Taken();
         work.layers = {};

@@ -64,6 +64,8 @@ struct FrameJob {
     std::function<ParamSet(double frame, const ParamSet&)> values{};
     /// Replaces an effect's failure with a more helpful one.
     std::function<Failure(const Failure&, const EffectSession&)> explain{};
+    /// Changes a frame's image before it is written, on the thread that drew it; its rectangle too.
+    std::function<Result<Done>(Drawn&, const WriteOptions&)> finish{};
     /// Where a frame goes instead of a picture file of its own.
     std::function<Result<Done>(const Drawn&, const Placement&, const WriteOptions&)> write{};
     PipelineShape shape{};

@@ -56,6 +56,9 @@ std::string ScalerMatrix(const std::string& tag) {
 /// Whether a container takes a sound codec as it is.
 bool TakesSound(const std::string& extension, const std::string& codec) {
     if (extension == ".webm") return codec == "opus" || codec == "vorbis";
+    if (extension == ".mp4") {
+        return codec == "aac" || codec == "ac3" || codec == "eac3" || codec == "mp3" || codec == "opus";
+    }
     if (extension == ".mov") {
         for (const char* taken : {"aac", "ac3", "eac3", "alac", "mp3", "mp2", "amr_nb", "amr_wb", "qdm2"}) {
             if (codec == taken) return true;
@@ -75,6 +78,8 @@ const std::vector<ClipCodec>& ClipCodecs() {
          "yuva444p10le",
          "yuva444p10le",
          false,
+         true,
+         false,
          false,
          {"-profile:v", "4444", "-alpha_bits", "16", "-vendor", "apl0"},
          {".mov", ".mkv"}},
@@ -84,6 +89,8 @@ const std::vector<ClipCodec>& ClipCodecs() {
          "bgra",
          "gbrap16le",
          true,
+         true,
+         false,
          false,
          {"-level", "3", "-g", "1", "-slicecrc", "1"},
          {".mkv"}},
@@ -94,9 +101,34 @@ const std::vector<ClipCodec>& ClipCodecs() {
          "yuva420p",
          false,
          true,
+         false,
+         true,
          {"-crf", "15", "-b:v", "0", "-auto-alt-ref", "0", "-deadline", "good", "-cpu-used", "2", "-row-mt", "1"},
          {".webm", ".mkv"}},
-        {"png", "PNG", "png", "rgba", "rgba64be", true, false, {}, {".mov", ".mkv"}},
+        {"png", "PNG", "png", "rgba", "rgba64be", true, true, false, false, {}, {".mov", ".mkv"}},
+        {"h264",
+         "H.264",
+         "libx264",
+         "yuv420p",
+         "yuv420p",
+         false,
+         false,
+         true,
+         false,
+         {"-preset", "medium", "-crf", "16", "-movflags", "+faststart"},
+         {".mp4"}},
+        {"webp",
+         "animated WebP",
+         "libwebp_anim",
+         "bgra",
+         "bgra",
+         true,
+         true,
+         false,
+         false,
+         {"-lossless", "0", "-quality", "90", "-loop", "0"},
+         {".webp"}},
+        {"apng", "APNG", "apng", "rgba", "rgba64be", true, true, false, false, {"-plays", "0"}, {".apng"}},
     };
     return codecs;
 }
@@ -130,23 +162,44 @@ Result<const ClipCodec*> CodecFor(const std::string& path, const std::string& na
         if (codec.extensions.front() == extension) return &codec;
     }
     return Failure{ErrorKind::kUsage,
-                   fmt::format("cannot write '{}': clips with alpha are written as .mov, .mkv or .webm", path)};
+                   fmt::format("cannot write '{}': clips with alpha are written as .mov, .mkv, .webm, .webp or .apng, "
+                               "and clips without alpha as .mp4",
+                               path)};
+}
+
+bool IsWrittenAsClip(const std::string& path) {
+    const std::string extension = ExtensionOf(path);
+    return IsClipName(path) || std::any_of(ClipCodecs().begin(), ClipCodecs().end(),
+                                           [&](const ClipCodec& codec) { return Holds(codec, extension); });
+}
+
+const char* MuxerOf(const std::string& path) {
+    const std::string extension = ExtensionOf(path);
+    for (const auto& [name, muxer] :
+         {std::pair(".mkv", "matroska"), {".webm", "webm"}, {".mp4", "mp4"}, {".webp", "webp"}, {".apng", "apng"}}) {
+        if (extension == name) return muxer;
+    }
+    return "mov";
+}
+
+bool HoldsSound(const std::string& path) {
+    const std::string extension = ExtensionOf(path);
+    return extension != ".webp" && extension != ".apng";
 }
 
 SoundPlan PlanSound(const ClipFacts& clip, const std::string& output) {
     const std::string extension = ExtensionOf(output);
     SoundPlan plan;
     std::vector<std::string> changed;
-    const std::string instead = extension == ".webm" ? "libopus" : "pcm_s24le";
+    const std::string instead = extension == ".webm" ? "libopus" : extension == ".mp4" ? "aac" : "pcm_s24le";
     for (const std::string& codec : clip.sound) {
         const bool stays = TakesSound(extension, codec);
         plan.codecs.push_back(stays ? "copy" : instead);
         if (!stays) changed.push_back(codec);
     }
     if (!changed.empty()) {
-        plan.note =
-            fmt::format("the sound of '{}' ({}) is converted to {}, since {} cannot hold the original", clip.path,
-                        Joined(changed, ", "), extension == ".webm" ? "opus" : "pcm_s24le", extension);
+        plan.note = fmt::format("the sound of '{}' ({}) is converted to {}, since {} cannot hold the original",
+                                clip.path, Joined(changed, ", "), instead == "libopus" ? "opus" : instead, extension);
     }
     return plan;
 }
@@ -157,6 +210,13 @@ ColorTags TagsFor(const ClipCodec& codec, const ClipFacts* from) {
         tags.matrix = "gbr";
         tags.range = "pc";
         return tags;
+    }
+    if (!codec.keepsAlpha) {
+        // For players, which guess what is not named.
+        for (std::string* tag : {&tags.primaries, &tags.transfer}) {
+            if (tag->empty()) *tag = "bt709";
+        }
+        if (ScalerMatrix(tags.matrix).empty()) tags.matrix = "bt709";
     }
     // A clip that does not name its matrix is read and written by the one that ffmpeg then takes, and still names none.
     const bool unnamed = from && !from->isRgb && tags.matrix.empty();

@@ -16,12 +16,14 @@ namespace umbrant::host {
 
 /// A way to store pictures with their alpha.
 struct ClipCodec {
-    const char* name;                     ///< "prores4444"
-    const char* words;                    ///< for people: "ProRes 4444"
-    const char* encoder;                  ///< ffmpeg's
-    const char* pixels8;                  ///< ffmpeg's pixel format for pictures of 8 bits
-    const char* pixelsDeep;               ///< for deeper ones
-    bool isRgb;                           ///< stores red, green and blue as they are
+    const char* name;        ///< "prores4444"
+    const char* words;       ///< for people: "ProRes 4444"
+    const char* encoder;     ///< ffmpeg's
+    const char* pixels8;     ///< ffmpeg's pixel format for pictures of 8 bits
+    const char* pixelsDeep;  ///< for deeper ones
+    bool isRgb;              ///< stores red, green and blue as they are
+    bool keepsAlpha;
+    bool needsEvenSize;                   ///< has one chroma sample for four pixels and no way around it
     bool keepsRange;                      ///< can say that its values span the whole range
     std::vector<std::string> arguments;   ///< more for the encoder
     std::vector<std::string> extensions;  ///< the containers; the first codec with an extension is its default
@@ -30,13 +32,22 @@ struct ClipCodec {
 /// All of them.
 const std::vector<ClipCodec>& ClipCodecs();
 
-/// "prores4444, ffv1, vp9, png".
+/// "prores4444, ffv1, vp9, png, h264, webp, apng".
 std::string ClipCodecNames();
 
 /// The codec of this name for a clip of this name, or without a name the extension's default. Fails with
 /// `ErrorKind::kUsage` for an unknown codec, one that the container does not hold, and an extension that no clip with
 /// alpha is written to.
 Result<const ClipCodec*> CodecFor(const std::string& path, const std::string& name);
+
+/// Whether a path means a clip that can be written, by its extension. Not all of these are read: `IsClipName`.
+bool IsWrittenAsClip(const std::string& path);
+
+/// ffmpeg's name of the container that a clip of this name is written in.
+const char* MuxerOf(const std::string& path);
+
+/// Whether that container can have sound.
+bool HoldsSound(const std::string& path);
 
 /// What becomes of a clip's sound streams in a container.
 struct SoundPlan {

@@ -21,14 +21,6 @@ Failure CannotWrite(const std::string& path, const std::string& reason) {
     return {ErrorKind::kFile, fmt::format("cannot write '{}': {}", path, reason)};
 }
 
-/// ffmpeg's name of the container.
-std::string ContainerOf(const std::string& path) {
-    const std::string extension = std::filesystem::path(path).extension().string();
-    if (extension.size() < 2) return "mov";
-    const char second = static_cast<char>(extension[1] | 0x20), third = static_cast<char>(extension[2] | 0x20);
-    return second == 'w' ? "webm" : third == 'k' ? "matroska" : "mov";
-}
-
 void AddSound(const ClipTarget& target, std::vector<std::string>& arguments) {
     const SoundPlan sound = PlanSound(*target.from, target.path);
     for (std::size_t i = 0; i < sound.codecs.size(); ++i) {
@@ -54,8 +46,12 @@ Result<Done> CheckEncoder(const ClipCodec& codec, const std::string& path) {
     for (std::string line; std::getline(lines, line);) {
         if (std::istringstream(line) >> flags >> name && name == codec.encoder) return Done{};
     }
-    return CannotWrite(path, fmt::format("this ffmpeg cannot write {}: it was built without the encoder '{}'",
-                                         codec.words, codec.encoder));
+    Failure missing = CannotWrite(
+        path,
+        fmt::format("this ffmpeg cannot write {}: it was built without the encoder '{}'", codec.words, codec.encoder));
+    if (codec.keepsAlpha) return missing;
+    // Other clips can show the same.
+    return Failure{ErrorKind::kUsage, missing.sentence + "; write .mov, .mkv or .webm"};
 }
 
 std::vector<std::string> EncoderArguments(const ClipTarget& target, const std::string& file) {
@@ -86,7 +82,7 @@ std::vector<std::string> EncoderArguments(const ClipTarget& target, const std::s
     if (target.from && target.keepsSound) AddSound(target, all);
     if (target.from) {
         add({"-map_metadata", "1", "-map_chapters", target.part ? "-1" : "1"});
-        if (!target.part && !target.from->timecode.empty() && ContainerOf(target.path) == "mov") {
+        if (!target.part && !target.from->timecode.empty() && std::string(MuxerOf(target.path)) == "mov") {
             add({"-timecode", target.from->timecode});
         }
     }
@@ -100,7 +96,7 @@ std::vector<std::string> EncoderArguments(const ClipTarget& target, const std::s
     if (std::string(target.codec->name) == "ffv1" && std::min(target.width, target.height) < kSmallest) {
         add({"-level", "1", "-slicecrc", "0"});
     }
-    add({"-fps_mode", "passthrough", "-f", ContainerOf(target.path), FileArgument(file)});
+    add({"-fps_mode", "passthrough", "-f", MuxerOf(target.path), FileArgument(file)});
     return all;
 }
 

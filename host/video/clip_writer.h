@@ -31,7 +31,8 @@ struct ClipTarget {
     std::optional<std::pair<double, double>> part{};
 };
 
-/// Whether this ffmpeg has the codec's encoder. Fails with `ErrorKind::kFile`.
+/// Whether this ffmpeg has the codec's encoder. Fails with `ErrorKind::kFile`, or for a codec without alpha, which
+/// others can replace, with `ErrorKind::kUsage`.
 Result<Done> CheckEncoder(const ClipCodec& codec, const std::string& path);
 
 /// ffmpeg's arguments for a target whose file is to be `file`.

@@ -77,10 +77,14 @@ CompletionValue ValueOf(const CLI::Option& option) {
         value.choices = PresetNames();
         return value;
     }
+    if (option.check_lname("background")) {
+        value.kind = Kind::kFile;
+        return value;
+    }
     const auto begins = [&](const char* text) { return shown.rfind(text, 0) == 0; };
     if (!value.choices.empty()) {
         value.kind = Kind::kChoices;
-    } else if (shown == "PATH=VALUE") {
+    } else if (shown == "PATH=VALUE" || shown == "PATH=VALUE,...") {
         value.kind = Kind::kSetting;
     } else if (shown == "ROW") {
         value.kind = Kind::kRow;

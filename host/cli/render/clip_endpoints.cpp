@@ -32,14 +32,22 @@ std::string RateText(const FrameRate& rate) {
 Result<Done> CheckClipOptions(const RenderOptions& options) {
     const SequenceOptions& sequence = options.sequence;
     const std::string& output = options.output;
-    if (!IsClipName(output)) {
+    if (!IsWrittenAsClip(output)) {
         if (!sequence.codec.empty()) {
-            return Usage(fmt::format(
-                "--codec applies to clips only, and '{}' is an image; clips are .mov, .mkv or .webm", output));
+            return Usage(
+                fmt::format("--codec applies to clips only, and '{}' is an image; clips are .mov, .mkv, .webm, .mp4, "
+                            ".webp or .apng",
+                            output));
         }
         return Done{};
     }
-    TRY(CodecFor(output, sequence.codec));
+    const ClipCodec* codec = TRY(CodecFor(output, sequence.codec));
+    if (!codec->keepsAlpha && options.background.empty()) {
+        return Usage(
+            fmt::format("'{}' cannot hold alpha, so it needs something behind the result: add --background "
+                        "white, another colour, an image or checker",
+                        output));
+    }
     if (options.canvas == "frame") {
         return Usage(
             fmt::format("--canvas frame gives each frame its own size, and all frames of a clip have one size; for "
@@ -66,9 +74,9 @@ Result<Done> CheckClipOptions(const RenderOptions& options) {
 
 Result<Done> ClipEndpoints::Open(const RenderOptions& options, PlanRequest& request) {
     output_ = options.output;
-    request.outputIsClip = IsClipName(output_);
+    request.outputIsClip = IsWrittenAsClip(output_);
     if (request.outputIsClip) {
-        for (const std::string& read : {options.input, options.texture}) {
+        for (const std::string& read : {options.input, options.texture, BackgroundFile(options)}) {
             if (auto apart = CheckApart(read, output_); !read.empty() && !apart) return apart.error();
         }
         TRY(CheckPlace(output_));
@@ -101,9 +109,23 @@ Result<Done> ClipEndpoints::Open(const RenderOptions& options, PlanRequest& requ
     return Done{};
 }
 
+void ClipEndpoints::AddFrames(PlanRequest& request) const {
+    request.outputIsClip = Writes();
+    request.rate = rate_;
+    if (input_) request.inputClip = input_->Frames();
+    if (texture_) request.textureClip = texture_->Frames();
+}
+
 void ClipEndpoints::Connect(LayerOptions& options) {
     if (input_) options.inputClip = [this](int frame) { return input_->Read(frame); };
     if (texture_) options.textureClip = [this](int frame) { return texture_->Read(frame); };
+}
+
+PF_LRect ClipEndpoints::Padded(PF_LRect canvas) const {
+    if (!codec_ || !codec_->needsEvenSize) return canvas;
+    canvas.right += (canvas.right - canvas.left) % 2;
+    canvas.bottom += (canvas.bottom - canvas.top) % 2;
+    return canvas;
 }
 
 PipelineShape ClipEndpoints::Shape(PipelineShape shape) const {
@@ -130,6 +152,11 @@ ClipEndpoints::Sound ClipEndpoints::SoundFor(const FramePlan& plan) const {
                 fmt::format("the sound of '{}' is left out: the order of the frames is not the "
                             "clip's",
                             input_->Facts().path)};
+    }
+    if (!HoldsSound(output_)) {
+        return {false,
+                {},
+                fmt::format("the sound of '{}' is left out: '{}' cannot hold sound", input_->Facts().path, output_)};
     }
     Sound sound{true, {}, PlanSound(input_->Facts(), output_).note};
     const auto count = static_cast<int>(plan.frames.size());

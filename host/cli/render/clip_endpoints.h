@@ -26,12 +26,18 @@ class ClipEndpoints {
     /// clip whose rate varies.
     Result<Done> Open(const RenderOptions& options, PlanRequest& request);
 
+    /// Adds the frames of the clips that are open, and the rate, to another request.
+    void AddFrames(PlanRequest& request) const;
+
     bool Reads() const { return input_ || texture_; }
     bool Writes() const { return codec_ != nullptr; }
     /// Lets a reader of layers read the clips; they must outlive it.
     void Connect(LayerOptions& options);
     /// The shape of a pipeline that has this one's drawers: a clip is read and written by one thread each.
     PipelineShape Shape(PipelineShape shape) const;
+
+    /// The canvas as the codec takes it: longer by a column or a row where the sides must be even.
+    PF_LRect Padded(PF_LRect canvas) const;
 
     /// Begins the clip: of this part of the layer, for layers of this size and depth. Fails as ClipWriter::Start does.
     Result<Done> Begin(const FramePlan& plan, const PF_LRect& canvas, const World& layer, bool wantsSound);

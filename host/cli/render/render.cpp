@@ -11,6 +11,7 @@
 #include "host/cli/presets/named_presets.h"
 #include "host/cli/render/render_options.h"
 #include "host/image/picture.h"
+#include "host/render/background.h"
 #include "host/render/canvas_choice.h"
 #include "host/render/plan/frame_limits.h"
 
@@ -37,8 +38,12 @@ constexpr char kExamples[] =
     "      48 frames of one image, with keyframes from a preset\n"
     "  umbrant render clip.mov -o out.mov; umbrant render title.png -o title.webm --preset moving.json --frames 1-48\n"
     "      clips through ffmpeg: ProRes 4444 in .mov, FFV1 in .mkv, VP9 in .webm, all with alpha; sound is kept\n"
+    "  umbrant render clip.mov -o review.mp4 --background white\n"
+    "      H.264 for a review; .webp and .apng are animations for web pages\n"
     "  umbrant render title.png -o draft.png --downsample 4\n"
-    "      a quarter of the resolution; points are still given in pixels of the full-size layer";
+    "      a quarter of the resolution; points are still given in pixels of the full-size layer\n"
+    "  umbrant render title.png -o look.png --background checker --canvas tight\n"
+    "      opaque, over a checkerboard, and cut to what is visible";
 
 /// The image, where the result goes, and which part of a file is meant.
 void AddFileOptions(CLI::App& app, RenderOptions& options) {
@@ -51,7 +56,8 @@ void AddFileOptions(CLI::App& app, RenderOptions& options) {
                    "The image to write: " + WritableFormats() +
                        ". PNG and TIFF have straight alpha, EXR premultiplied; JPEG is composited over white. Or a "
                        "clip: .mov, "
-                       ".mkv, .webm. - is standard output, in the format of --format")
+                       ".mkv, .webm, .webp or .apng, with alpha, or .mp4 over a --background. - is standard output, in "
+                       "the format of --format")
         ->required();
     app.add_option("--format", options.format, "The format of standard output, '-o -'")
         ->check(CLI::IsMember({"png", "tif", "exr", "jpg"}))
@@ -62,26 +68,6 @@ void AddFileOptions(CLI::App& app, RenderOptions& options) {
         ->type_name("NAME");
     app.add_option("--part", options.read.part, "The part of INPUT to draw: its number from 0, or its name")
         ->type_name("N|NAME");
-}
-
-/// The effect's parameters and its texture.
-void AddValueOptions(CLI::App& app, RenderOptions& options) {
-    app.add_option("--preset", options.preset,
-                   "Values from a preset, as written by `umbrant params --json --values`; --set overrides them")
-        ->type_name("NAME|FILE.json");
-    app.add_option("--set", options.settings, "A parameter's value; may be given many times")
-        ->type_name("PATH=VALUE")
-        ->allow_extra_args(false);
-    app.add_option("--texture", options.texture, "An image for the effect's layer parameters, at the layer's origin")
-        ->check([](const std::string& file) {
-            return file.empty() ? "'' names no file; leave the option out to draw without a texture" : "";
-        })
-        ->type_name("IMAGE");
-    app.add_option("--texture-at", options.textureAt,
-                   "Position of the texture's top-left corner, in pixels of the full-size layer")
-        ->check(ValidatePoint)
-        ->needs("--texture")
-        ->type_name("X,Y");
 }
 
 /// Depth, resolution and canvas.
@@ -100,13 +86,19 @@ void AddPixelOptions(CLI::App& app, RenderOptions& options) {
         ->type_name("N");
     app.add_option("--canvas", options.canvas,
                    "grow: the layer and its shadow, in a sequence those of all frames (default); frame: in a "
-                   "sequence each frame's own; layer: the layer's rectangle (default of a clip); or a rectangle in "
-                   "pixels of the full-size layer, right and bottom exclusive")
+                   "sequence each frame's own; layer: the layer's rectangle (default of a clip); tight: what is not "
+                   "transparent, in a sequence in any frame; or a rectangle in pixels of the full-size layer, right "
+                   "and bottom exclusive")
         ->check([](const std::string& text) {
             const auto choice = ParseCanvas(text);
             return choice ? std::string() : choice.error().sentence;
         })
-        ->type_name("grow|frame|layer|LEFT,TOP,RIGHT,BOTTOM");
+        ->type_name("grow|frame|layer|tight|LEFT,TOP,RIGHT,BOTTOM");
+    app.add_option("--background", options.background,
+                   "Makes the result opaque: a colour (#rrggbb, #rgb or a CSS name) behind it, an image that is scaled "
+                   "to cover it, or a checkerboard")
+        ->check(WhyNoBackground)
+        ->type_name("COLOUR|IMAGE|checker");
 }
 
 /// How the frame is drawn and stored, and by which module.
@@ -135,6 +127,25 @@ void AddRunOptions(CLI::App& app, RenderOptions& options) {
 }
 
 }  // namespace
+
+void AddValueOptions(CLI::App& app, RenderOptions& options) {
+    app.add_option("--preset", options.preset,
+                   "Values from a preset, as written by `umbrant params --json --values`; --set overrides them")
+        ->type_name("NAME|FILE.json");
+    app.add_option("--set", options.settings, "A parameter's value; may be given many times")
+        ->type_name("PATH=VALUE")
+        ->allow_extra_args(false);
+    app.add_option("--texture", options.texture, "An image for the effect's layer parameters, at the layer's origin")
+        ->check([](const std::string& file) {
+            return file.empty() ? "'' names no file; leave the option out to draw without a texture" : "";
+        })
+        ->type_name("IMAGE");
+    app.add_option("--texture-at", options.textureAt,
+                   "Position of the texture's top-left corner, in pixels of the full-size layer")
+        ->check(ValidatePoint)
+        ->needs("--texture")
+        ->type_name("X,Y");
+}
 
 Command RenderCommand() {
     return RenderCommand(std::make_shared<RenderOptions>());

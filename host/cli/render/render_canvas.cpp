@@ -12,6 +12,7 @@
 #include "host/cli/render/render_run.h"
 #include "host/compositing/rectangles.h"
 #include "host/render/set_canvas.h"
+#include "host/render/tight_canvas.h"
 
 namespace umbrant::host {
 
@@ -24,6 +25,20 @@ std::string CannotFind(const std::string& reason) {
                    .c_str(),
                stderr);
     return "";
+}
+
+constexpr char kAllTransparent[] =
+    "the result is entirely transparent; --canvas tight then covers one pixel, the layer's first";
+
+/// For frames that are only looked at.
+class SilentWatcher : public FrameWatcher {
+ public:
+    void Begins(std::size_t, FrameStep, const EffectSession*) override {}
+    void Ends(std::size_t, const FrameOutcome&) override {}
+};
+
+std::string FramesText(std::size_t count) {
+    return count == 1 ? "1 frame" : fmt::format("{} frames", count);
 }
 
 }  // namespace
@@ -39,6 +54,7 @@ Result<Done> RenderRun::FindCanvas(OpenedEffect& effect, const FirstFrame& first
     const PF_LRect layer{0, 0, pixels.Width(), pixels.Height()};
     switch (plan_->canvas.kind) {
         case CanvasChoice::Kind::kFrame:
+        case CanvasChoice::Kind::kTight:
             return Done{};
         case CanvasChoice::Kind::kLayer:
             // Layers may differ in size, except in a clip.
@@ -60,6 +76,53 @@ Result<Done> RenderRun::FindCanvas(OpenedEffect& effect, const FirstFrame& first
         }
     }
     return CheckCanvas(*job_.picture, options_.downsample);
+}
+
+Result<Done> RenderRun::FindTightCanvas() {
+    if (isImage_ || plan_->canvas.kind != CanvasChoice::Kind::kTight) return Done{};
+    // All frames count, as for every canvas of a set: those of other chunks and those that are there already.
+    RenderOptions all = options_;
+    all.sequence.chunk.clear();
+    all.sequence.skipExisting = false;
+    all.sequence.keepGoing = true;
+    auto planned = TRY(PlanSequenceFrames(all, *plan_));
+    if (!options_.sequence.quiet) {
+        std::fputs(fmt::format("umbrant: drawing {} once to find the tight canvas\n", FramesText(planned.frames.size()))
+                       .c_str(),
+                   stderr);
+    }
+    VisibleUnion visible;
+    FrameJob job = job_;
+    job.plan = &planned;
+    // A frame that fails here fails again, and is reported, when it is drawn to be written.
+    job.keepGoing = true;
+    job.finish = [&](Drawn& image, const WriteOptions& kept) -> Result<Done> {
+        visible.Add(VisibleRect(image, LeastVisible(image.pixels.PixelDepth(), kept)));
+        return Done{};
+    };
+    job.write = [](const Drawn&, const Placement&, const WriteOptions&) -> Result<Done> { return Done{}; };
+    SilentWatcher watcher;
+    TRY(DrawFrames(job, instances_.All(), *plan_->reader, {}, watcher));
+    if (visible.IsNothing()) TellNotes(options_, kAllTransparent, "");
+    job_.picture = visible.Rectangle();
+    return CheckCanvas(*job_.picture, options_.downsample);
+}
+
+float RenderRun::LeastVisible(Depth depth, const WriteOptions& kept) const {
+    // The pixels of a clip pass as integers.
+    return LeastAlpha(plan_->clips.Writes() ? FileDepth::k16 : DepthInFile(options_.output, depth, kept));
+}
+
+Result<Done> RenderRun::FinishImage(Drawn& image, const WriteOptions& kept) {
+    if (isImage_ && plan_->canvas.kind == CanvasChoice::Kind::kTight) {
+        PF_LRect visible = VisibleRect(image, LeastVisible(image.pixels.PixelDepth(), kept));
+        if (IsEmpty(visible)) {
+            TellNotes(options_, kAllTransparent, "");
+            visible = kNothingVisible;
+        }
+        TRY(CutTo(visible, image));
+    }
+    return background_ ? background_->PutBehind(image) : Done{};
 }
 
 std::optional<CanvasFacts> RenderRun::Covered() const {

@@ -51,6 +51,7 @@ struct RenderOptions {
     int depth = 0;
     int downsample = 1;
     std::string canvas;        ///< as ParseCanvas takes it; empty: the layer's frame for a clip, else grown
+    std::string background;    ///< as Background takes it; empty for a transparent image
     bool makesFolder = false;  ///< of the output
     bool collapsed = false;
     double seconds = 0;
@@ -94,11 +95,17 @@ Result<Done> CheckOutput(const RenderOptions& options);
 /// Whether the output can be stored as asked for: --compression, --output-depth, --format.
 Result<Done> CheckStorage(const RenderOptions& options);
 
+/// The file of --background; empty where it is none.
+std::string BackgroundFile(const RenderOptions& options);
+
 /// What was left out of a file that is read, as a line on standard error.
 void TellNotes(const RenderOptions& options, const std::string& note, const std::string& metadataNote);
 
 /// For --depth: why the text is no depth of a render, or an empty text.
 std::string ValidateDepth(const std::string& text);
+
+/// Declares the options of the effect's values and its texture.
+void AddValueOptions(CLI::App& app, RenderOptions& options);
 
 /// Declares the options that choose frames and the images that they are made of.
 void AddFrameOptions(CLI::App& app, SequenceOptions& options);

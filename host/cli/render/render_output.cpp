@@ -8,6 +8,7 @@
 #include <cstdio>
 
 #include "host/cli/render/render_options.h"
+#include "host/render/background.h"
 #include "host/render/plan/frame_plan.h"
 
 namespace umbrant::host {
@@ -39,13 +40,17 @@ Result<Done> CheckOutput(const RenderOptions& options) {
         return Failure{ErrorKind::kUsage, "standard input can be the layer or the texture, not both"};
     }
     if (options.output != "-") {
-        for (const std::string& read : {options.input, options.texture, options.preset}) {
+        for (const std::string& read : {options.input, options.texture, options.preset, BackgroundFile(options)}) {
             if (read.empty() || read == "-") continue;
             if (auto apart = CheckApart(read, options.output); !apart) return apart;
         }
         if (auto writable = CheckWritable(options.output); !writable) return writable;
     }
     return CheckStorage(options);
+}
+
+std::string BackgroundFile(const RenderOptions& options) {
+    return IsBackgroundFile(options.background) ? options.background : "";
 }
 
 void TellNotes(const RenderOptions& options, const std::string& note, const std::string& metadataNote) {

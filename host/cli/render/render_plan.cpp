@@ -71,9 +71,10 @@ Result<std::unique_ptr<RenderPlan>> PlanSequenceRender(RenderOptions& options) {
     plan->canvas = canvas;
     auto frames = TRY(PlanFrames(request));
     plan->frames = std::move(frames);
-    if (!options.preset.empty()) {
+    for (const std::string& read : {options.preset, BackgroundFile(options)}) {
         for (const PlannedFrame& frame : plan->frames.frames) {
-            TRY(CheckApart(options.preset, frame.output));
+            if (read.empty()) break;
+            TRY(CheckApart(read, frame.output));
         }
     }
     // A clip has its own ways of storing.
@@ -84,6 +85,12 @@ Result<std::unique_ptr<RenderPlan>> PlanSequenceRender(RenderOptions& options) {
     plan->clips.Connect(layers);
     plan->reader.emplace(std::move(layers));
     return plan;
+}
+
+Result<FramePlan> PlanSequenceFrames(const RenderOptions& options, const RenderPlan& plan) {
+    auto request = TRY(SequenceRequest(options));
+    plan.clips.AddFrames(request);
+    return PlanFrames(request);
 }
 
 Result<std::unique_ptr<RenderPlan>> PlanImageRender(const RenderOptions& options) {
@@ -123,7 +130,7 @@ Result<bool> MeansSequence(const RenderOptions& options) {
     if (IsClipName(options.input) || IsClipName(options.texture)) return true;
     const auto request = TRY(SequenceRequest(options));
     auto many = MeansSequence(request);
-    if (many && !*many && IsClipName(options.output)) {
+    if (many && !*many && IsWrittenAsClip(options.output)) {
         return Failure{ErrorKind::kUsage,
                        fmt::format("'{}' is a clip, but '{}' is a single image; choose the frames to "
                                    "draw with --frames",
@@ -134,10 +141,15 @@ Result<bool> MeansSequence(const RenderOptions& options) {
 
 Result<std::vector<FrameNumber>> FramesOf(const RenderOptions& options) {
     TRY(CheckNoTime(options));
-    if (!options.compression.empty() || !IsClipName(options.output)) {
+    if (!options.compression.empty() || !IsWrittenAsClip(options.output)) {
         TRY(CheckStorage(options));
     }
-    if (IsClipName(options.output)) {
+    if (options.canvas == "tight") {
+        return Failure{ErrorKind::kUsage,
+                       "--canvas tight is found by drawing all frames, which each task of a job would have to do; give "
+                       "the job --canvas LEFT,TOP,RIGHT,BOTTOM, or use grow"};
+    }
+    if (IsWrittenAsClip(options.output)) {
         return Failure{ErrorKind::kUsage,
                        fmt::format("the tasks of a job need one file per frame, and '{}' is a single file; render "
                                    "images, then make a clip of them",

@@ -32,6 +32,9 @@ Result<PlanRequest> SequenceRequest(const RenderOptions& options);
 /// `ErrorKind::kUsage` and as PlanFrames does.
 Result<std::unique_ptr<RenderPlan>> PlanSequenceRender(RenderOptions& options);
 
+/// The frames of a sequence alone, read by the clips that are open in `plan`. Fails as PlanFrames does.
+Result<FramePlan> PlanSequenceFrames(const RenderOptions& options, const RenderPlan& plan);
+
 /// The plan of a single image. Removes what killed runs left in the folder of the output. Fails with
 /// `ErrorKind::kUsage`, and with `ErrorKind::kFile` where the output cannot be written.
 Result<std::unique_ptr<RenderPlan>> PlanImageRender(const RenderOptions& options);

@@ -14,6 +14,7 @@
 #include "host/cli/render/sequence_report.h"
 #include "host/cli/results.h"
 #include "host/compositing/memory_recycler.h"
+#include "host/compositing/rectangles.h"
 #include "host/process/files/abandoned_files.h"
 #include "host/render/plan/frame_footprint.h"
 #include "host/render/plan/memory_plan.h"
@@ -35,6 +36,7 @@ Result<ExitCode> RenderRun::Run() {
     auto planned = TRY(isImage_ ? PlanImageRender(options_) : PlanSequenceRender(options_));
     plan_ = std::move(planned);
     const auto preference = TRY(ReadRendererPreference(options_.renderer));
+    if (!options_.background.empty()) background_ = TRY(Background::Read(options_.background));
     if (isImage_) image_.emplace(SecondsOfProgress(options_.sequence), options_.verbose);
     FillJob();
     Say("reading the images");
@@ -54,6 +56,7 @@ Result<ExitCode> RenderRun::Run() {
     session.SetRenderer(renderer_.Request());
     TRY(FindCanvas(opened, *first));
     TRY(StartInstances(session, *first));
+    TRY(FindTightCanvas());
     TRY(BeginClip(*first));
     auto outcome = isImage_ ? DrawImage(std::move(*first)) : DrawSequence(std::move(*first));
     if (isImage_ && !outcome) return outcome;
@@ -74,6 +77,7 @@ void RenderRun::FillJob() {
     job_.explain = [this](const Failure& failure, const EffectSession& session) {
         return renderer_.processor ? failure : Explain(failure, session);
     };
+    job_.finish = [this](Drawn& image, const WriteOptions& kept) { return FinishImage(image, kept); };
     if (plan_->clips.Writes()) {
         job_.write = [this](const Drawn& drawn, const Placement& place, const WriteOptions&) {
             return plan_->clips.Write(drawn, place);
@@ -120,6 +124,14 @@ Result<Done> RenderRun::StartInstances(EffectSession& session, const FirstFrame&
 
 Result<Done> RenderRun::BeginClip(const FirstFrame& first) {
     if (!plan_->clips.Writes()) return Done{};
+    const PF_LRect padded = plan_->clips.Padded(*job_.picture);
+    if (!Same(padded, *job_.picture)) {
+        TellNotes(options_,
+                  fmt::format("the clip has {} x {} pixels, as its codec has even sides only; the result has {} x {}",
+                              WidthOf(padded), HeightOf(padded), WidthOf(*job_.picture), HeightOf(*job_.picture)),
+                  "");
+        job_.picture = padded;
+    }
     return plan_->clips.Begin(plan_->frames, *job_.picture, first.layers.input->pixels, !options_.sequence.noSound);
 }
 

@@ -14,6 +14,7 @@
 #include "host/cli/render/progress_text.h"
 #include "host/cli/render/render_options.h"
 #include "host/cli/render/render_plan.h"
+#include "host/render/background.h"
 #include "host/render/effect_instances.h"
 #include "host/render/worker.h"
 #include "host/session/renderer.h"
@@ -43,6 +44,11 @@ class RenderRun {
     Result<Done> FindCanvas(OpenedEffect& effect, const FirstFrame& first);
     std::optional<CanvasFacts> Covered() const;
     Result<Done> StartInstances(EffectSession& session, const FirstFrame& first);
+    /// Finds the canvas that is tight around all images of a set, by drawing them once without writing them.
+    Result<Done> FindTightCanvas();
+    float LeastVisible(Depth depth, const WriteOptions& kept) const;
+    /// What becomes of each image between drawing and writing.
+    Result<Done> FinishImage(Drawn& image, const WriteOptions& kept);
     Result<Done> BeginClip(const FirstFrame& first);
     /// Draws and writes a single image.
     Result<ExitCode> DrawImage(FirstFrame first);
@@ -62,6 +68,7 @@ class RenderRun {
     RendererDecision renderer_;
     EffectInstances instances_;
     std::optional<ImageProgress> image_;
+    std::unique_ptr<Background> background_;
 };
 
 }  // namespace umbrant::host

@@ -86,8 +86,10 @@ void AddSequenceOptions(CLI::App& app, SequenceOptions& options) {
         ->check(ValidateProgress)
         ->type_name("bar|lines|json|SECONDS");
     app.add_flag("--quiet", options.quiet, "Report failures only");
-    app.add_option("--codec", options.codec,
-                   "The codec of a clip: prores4444 (default of .mov), ffv1 (of .mkv), vp9 (of .webm), png")
+    app.add_option(
+           "--codec", options.codec,
+           "The codec of a clip: prores4444 (default of .mov), ffv1 (of .mkv), vp9 (of .webm), png, h264 (of .mp4), "
+           "webp, apng")
         ->type_name("NAME");
     app.add_flag("--no-sound", options.noSound, "Leave out the sound of the input");
 }

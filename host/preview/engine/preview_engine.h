@@ -56,6 +56,8 @@ class PreviewEngine {
     HttpReply SavePreset(const DrawRequest& request);
     /// What a preset's file has: values that differ from the defaults, keyframes, and their frames.
     HttpReply LoadPreset(const std::string& name, const std::string& text);
+    /// The same of a preset that the page was offered.
+    HttpReply LoadNamedPreset(const std::string& name);
     /// The same of the preset that the command line names, and the other values that it gives, read again.
     HttpReply ReloadPreset();
     /// A frame in full quality, as the bytes of the image file that `umbrant render` writes.

@@ -63,7 +63,7 @@ Result<Done> PreviewEngine::ReadImages(Scene& scene) {
 }
 
 Result<CanvasChoice> PreviewEngine::CanvasFor(const DrawRequest& request) const {
-    return request.canvas.empty() ? options_.canvas : ParseCanvas(request.canvas);
+    return request.canvas.empty() ? options_.canvas : ParseUndrawnCanvas(request.canvas);
 }
 
 FrameSettings PreviewEngine::SettingsFor(const CanvasChoice& canvas, int downsample) const {

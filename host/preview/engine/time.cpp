@@ -3,9 +3,12 @@
 
 // What an engine answers about time: timelines, curves, presets.
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <utility>
 
+#include "host/parameters/echo_text.h"
 #include "host/preview/access.h"
 #include "host/preview/engine/answers.h"
 #include "host/preview/engine/preview_engine.h"
@@ -66,6 +69,19 @@ HttpReply PreviewEngine::LoadPreset(const std::string& name, const std::string& 
     AnimatedParams params{defaults_, {}};
     if (auto applied = ApplyPresetText(text, name, params); !applied) return Refused(applied.error());
     return JsonReply(ValuesJson(params));
+}
+
+HttpReply PreviewEngine::LoadNamedPreset(const std::string& name) {
+    auto presets = options_.presets ? options_.presets() : Result(std::vector<OfferedPreset>());
+    if (!presets) return Refused(presets.error());
+    // Names of the list only: a page names no files.
+    for (const OfferedPreset& preset : *presets) {
+        if (preset.name != name) continue;
+        AnimatedParams params{defaults_, {}};
+        if (auto applied = ApplyPreset(preset.file, params); !applied) return Refused(applied.error());
+        return JsonReply(ValuesJson(params));
+    }
+    return Refusal(404, fmt::format("there is no preset '{}' any more; load the page again", EchoText(name)));
 }
 
 HttpReply PreviewEngine::ReloadPreset() {

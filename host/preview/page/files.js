@@ -12,6 +12,32 @@ const MOST_PRESET_BYTES = 1024 * 1024;
 const find = (id) => document.getElementById(id);
 
 /**
+ * Offers the presets that have a name.
+ * @param {import("./connection.js").Connection} connection
+ * @param {{preset: (reply: any) => void, failure: (sentence: string) => void}} handlers
+ */
+async function listPresets(connection, handlers) {
+  const list = find("presets");
+  list.addEventListener("change", async () => {
+    const name = list.value;
+    // The same one can be chosen again.
+    list.value = "";
+    const reply = await connection.post(`named?name=${encodeURIComponent(name)}`);
+    if ("error" in reply) handlers.failure(reply.error);
+    else handlers.preset(reply);
+  });
+  const reply = await connection.get("presets");
+  if ("error" in reply) return handlers.failure(reply.error);
+  for (const [label, isYours] of [["Installed", false], ["Yours", true]]) {
+    const group = document.createElement("optgroup");
+    group.label = String(label);
+    for (const preset of reply.presets) if (preset.isYours === isYours) group.append(new Option(preset.name));
+    if (group.children.length) list.append(group);
+  }
+  list.disabled = reply.presets.length === 0;
+}
+
+/**
  * @param {import("./connection.js").Connection} connection
  * @param {{backdrop: string, backdropColor: string}} state
  * @param {{layer: (layer: Layer) => void, texture: (layer: Layer) => void,
@@ -64,6 +90,7 @@ export function listenToFiles(connection, state, handlers) {
     input.click();
   };
   input.addEventListener("change", () => input.files[0] && take(input.files[0], purpose));
+  listPresets(connection, handlers);
   find("choose-layer").addEventListener("click", () => choose("layer"));
   find("load-preset").addEventListener("click", () => choose("preset"));
   find("choose-empty").addEventListener("click", () => choose("layer"));

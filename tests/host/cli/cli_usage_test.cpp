@@ -86,7 +86,7 @@ const UsageCase kWrongUsage[] = {
      "--depth: the effect renders in 8 or 32 bits; --output-depth 16 sets the depth of the file"},
     {"a canvas that is none",
      {"render", "in.png", "-o", "out.png", "--canvas", "wide"},
-     "--canvas: 'wide' is neither grow, frame, layer nor a rectangle LEFT,TOP,RIGHT,BOTTOM"},
+     "--canvas: 'wide' is neither grow, frame, layer, tight nor a rectangle LEFT,TOP,RIGHT,BOTTOM"},
     {"a downsample of 0",
      {"render", "in.png", "-o", "out.png", "--downsample", "0"},
      "--downsample: Value 0 not in range"},

@@ -276,6 +276,22 @@ class Leaving(InTime):
         page.settle()
         self.assertEqual(self.shown(page)["keyframes"], {})
 
+    def test_presets_by_name(self):
+        page = self.open("card.png", "--set", "style/distance=33", "--renderer", "cpu")
+        page.settle()
+        page.wait("return !document.getElementById('presets').disabled")
+        choose = """const list = document.getElementById('presets');
+            list.value = arguments[0]; list.dispatchEvent(new Event('change'));"""
+        page.run(choose, "neon")
+        page.wait("return umbrantState().shown.values['style/color'] === '#ff2fa0'")
+        self.assertNotIn("33", self.shown(page)["values"].get("style/distance", ""))
+        self.assertEqual(page.run("return document.getElementById('presets').value"), "", "it can be chosen again")
+        self.check_frame_of_preset(page, 1, "a preset by its name")
+        page.find("#undo").click()
+        page.settle()
+        self.assertEqual(self.shown(page)["values"], {"style/distance": "33"}, "one step of undo")
+        self.assertEqual(page.errors(), [])
+
     def test_a_preset_that_changes_on_disk(self):
         page = self.open("card.png", "--preset", "moving.json", "--renderer", "cpu")
         page.settle()

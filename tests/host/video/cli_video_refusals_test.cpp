@@ -71,7 +71,8 @@ TEST_F(Clips, WhatIsRefused) {
         {"a container without alpha",
          "o.mp4",
          {"--frames", "1-2"},
-         "cannot write 'o.mp4': clips with alpha are written as .mov, .mkv or .webm"},
+         "'o.mp4' cannot hold alpha, so it needs something behind the result: add --background white, "
+         "another colour, an image or checker"},
         {"chunks",
          "o.mov",
          {"--frames", "1-2", "--chunk", "1/2"},
@@ -89,7 +90,7 @@ TEST_F(Clips, WhatIsRefused) {
         {"a codec for pictures",
          "o.png",
          {"--codec", "png"},
-         "--codec applies to clips only, and 'o.png' is an image; clips are .mov, .mkv or .webm"},
+         "--codec applies to clips only, and 'o.png' is an image; clips are .mov, .mkv, .webm, .mp4, .webp or .apng"},
         {"a codec elsewhere",
          "o.webm",
          {"--frames", "1-2", "--codec", "ffv1"},
@@ -97,7 +98,8 @@ TEST_F(Clips, WhatIsRefused) {
         {"no codec",
          "o.mov",
          {"--frames", "1-2", "--codec", "prorez"},
-         "there is no codec 'prorez'; the codecs are prores4444, ffv1, vp9, png; did you mean 'prores4444'?"},
+         "there is no codec 'prorez'; the codecs are prores4444, ffv1, vp9, png, h264, webp, apng; did you mean "
+         "'prores4444'?"},
     };
     for (const auto& row : rows) {
         const Outcome outcome = Render("still.png", row.output, row.more);

@@ -38,15 +38,22 @@ TEST(ClipFormat, CodecsByNameAndExtension) {
         {"a.MOV", "", "prores4444"},
         {"a.mkv", "", "ffv1"},
         {"a.webm", "", "vp9"},
+        {"a.mp4", "", "h264"},
+        {"a.webp", "", "webp"},
+        {"a.apng", "", "apng"},
+        {"a.mp4", "prores4444", "'a.mp4' cannot hold ProRes 4444, which goes into .mov or .mkv"},
         {"a.mov", "png", "png"},
         {"a.mkv", "prores4444", "prores4444"},
         {"a.mkv", "vp9", "vp9"},
         {"a.mkv", "png", "png"},
-        {"a.mp4", "", "cannot write 'a.mp4': clips with alpha are written as .mov, .mkv or .webm"},
+        {"a.avi", "",
+         "cannot write 'a.avi': clips with alpha are written as .mov, .mkv, .webm, .webp or .apng, and clips without "
+         "alpha as .mp4"},
         {"a.webm", "png", "'a.webm' cannot hold PNG, which goes into .mov or .mkv"},
         {"a.mov", "ffv1", "'a.mov' cannot hold FFV1, which goes into .mkv"},
         {"a.mov", "prores",
-         "there is no codec 'prores'; the codecs are prores4444, ffv1, vp9, png; did you mean 'prores4444'?"},
+         "there is no codec 'prores'; the codecs are prores4444, ffv1, vp9, png, h264, webp, apng; did you mean "
+         "'prores4444'?"},
     };
     for (const auto& row : rows) EXPECT_EQ(Chosen(row.path, row.name), row.chosen) << row.path << " " << row.name;
 }
@@ -54,6 +61,9 @@ TEST(ClipFormat, CodecsByNameAndExtension) {
 TEST(ClipFormat, NamesThatMeanClips) {
     for (const char* clip : {"a.mov", "dir.png/a.MKV", "a.webm", "a.mp4", "-a.avi"}) EXPECT_TRUE(IsClipName(clip));
     for (const char* none : {"a.png", "a", "mov", ".mov", "a.mov/b.exr", ""}) EXPECT_FALSE(IsClipName(none)) << none;
+    for (const char* written : {"a.webp", "A.APNG", "a.mp4", "a.avi"}) EXPECT_TRUE(IsWrittenAsClip(written)) << written;
+    EXPECT_FALSE(IsWrittenAsClip("a.png"));
+    EXPECT_FALSE(IsClipName("a.webp")) << "an image, where it is read";
 }
 
 TEST(ClipFormat, BitsOfPixelFormats) {
@@ -84,7 +94,11 @@ TEST(ClipFormat, Tags) {
     EXPECT_EQ(TagsFor(vp9, &hdr), (ColorTags{"bt2020", "smpte2084", "bt2020nc", "pc"}));
     EXPECT_EQ(TagsFor(png, &hdr), (ColorTags{"bt2020", "smpte2084", "gbr", "pc"}));
     EXPECT_EQ(TagsFor(prores, nullptr), (ColorTags{"bt709", "bt709", "bt709", "tv"})) << "pictures";
+    const ClipCodec& h264 = **CodecFor("a.mp4", "");
+    EXPECT_EQ(TagsFor(h264, nullptr), (ColorTags{"bt709", "bt709", "bt709", "tv"}));
+    EXPECT_EQ(TagsFor(h264, &hdr), (ColorTags{"bt2020", "smpte2084", "bt2020nc", "tv"}));
     ClipFacts unnamed;
+    EXPECT_EQ(TagsFor(h264, &unnamed), (ColorTags{"bt709", "bt709", "bt709", "tv"})) << "players guess otherwise";
     EXPECT_EQ(TagsFor(prores, &unnamed), (ColorTags{"", "", "", "tv"})) << "nothing is made up";
     EXPECT_THAT(EncoderFilters(prores, RawFormat::k8, TagsFor(prores, &unnamed), ""),
                 HasSubstr(":out_color_matrix=bt601:out_range=tv"))
