@@ -83,6 +83,7 @@ struct WriteOptions {
     std::shared_ptr<const PictureMetadata> metadata{};
     FileDepth depth = FileDepth::kAuto;
     std::string format{};  ///< "png", "tif", "exr", "jpg": of an output without an extension, for EncodePicture
+    std::string recipe{};  ///< in ASCII, at most kMostRecipeBytes; empty for none, also where the metadata has one
 };
 
 /// Whether there is a format to write: the extension's or, for the file "-", which is standard output, the one of this

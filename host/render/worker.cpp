@@ -144,6 +144,7 @@ class FrameWorker {
         work.drawn = std::move(*picture);
         work.place = {work.drawn.rect, layer.Width(), layer.Height(), work.layers.input->frameOrigin};
         work.kept = work.layers.input->kept;
+        if (job_.recipe) work.kept.recipe = job_.recipe(frame);
         work.outcome.picture = work.drawn.rect;
         work.outcome.drawTime = timer.Taken();
         work.layers = {};

@@ -66,6 +66,8 @@ struct FrameJob {
     std::function<Failure(const Failure&, const EffectSession&)> explain{};
     /// Where a frame goes instead of a picture file of its own.
     std::function<Result<Done>(const Drawn&, const Placement&, const WriteOptions&)> write{};
+    /// The recipe that goes into a frame's picture; without it there is none. Safe on every thread.
+    std::function<std::string(const PlannedFrame&)> recipe{};
     PipelineShape shape{};
     std::uint64_t frameBytes = 0;  ///< the memory that one frame takes at most; 0 when nobody knows
 };

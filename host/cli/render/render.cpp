@@ -9,6 +9,7 @@
 #include "host/cli/command.h"
 #include "host/cli/option_checks.h"
 #include "host/cli/presets/named_presets.h"
+#include "host/cli/recipe/like.h"
 #include "host/cli/render/render_options.h"
 #include "host/image/picture.h"
 #include "host/render/canvas_choice.h"
@@ -37,6 +38,8 @@ constexpr char kExamples[] =
     "      48 frames of one image, with keyframes from a preset\n"
     "  umbrant render clip.mov -o out.mov; umbrant render title.png -o title.webm --preset moving.json --frames 1-48\n"
     "      clips through ffmpeg: ProRes 4444 in .mov, FFV1 in .mkv, VP9 in .webm, all with alpha; sound is kept\n"
+    "  umbrant render --like shadow.png other.png -o other_shadow.png --set style/angle=45\n"
+    "      the values, the texture and the canvas that shadow.png was drawn with, one value changed\n"
     "  umbrant render title.png -o draft.png --downsample 4\n"
     "      a quarter of the resolution; points are still given in pixels of the full-size layer";
 
@@ -150,6 +153,7 @@ Command RenderCommand(const std::shared_ptr<RenderOptions>& options) {
         AddValueOptions(app, *options);
         AddPixelOptions(app, *options);
         AddRunOptions(app, *options);
+        AddRecipeOptions(app, options);
         AddSequenceOptions(app, options->sequence);
         app.add_flag("--json", options->json,
                      "Print a report instead of the path: rectangles, milliseconds by stage, driver, suites");

@@ -41,6 +41,8 @@ struct SequenceOptions {
     bool noSound = false;
 };
 
+struct Recipe;
+
 struct RenderOptions {
     std::string input;
     std::string output;
@@ -63,6 +65,12 @@ struct RenderOptions {
     bool json = false;
     bool verbose = false;
     SequenceOptions sequence;
+    std::string like;  ///< the file whose recipe is taken; empty for none
+    bool noRecipe = false;
+    /// The options that the command line gave, or the recipe did, and the last value of each; empty for a switch.
+    std::vector<std::pair<std::string, std::string>> given;
+    std::shared_ptr<const Recipe> recipe;  ///< of `like`; set by WithRecipe
+    std::optional<double> frame;           ///< of the recipe's values, for a single image; else --time says it
 };
 
 /// "X,Y": a place in pixels of the full-size layer, or nothing.

@@ -94,8 +94,11 @@ Result<std::unique_ptr<RenderPlan>> PlanImageRender(const RenderOptions& options
     TRY(CheckOutput(options));
     const auto canvas = TRY(ParseCanvas(options.canvas.empty() ? "grow" : options.canvas));
     plan->canvas = canvas;
-    plan->frames =
-        PlanImage({options.input, options.texture, options.output, options.seconds, rate, options.sequence.zeroFrame});
+    const int zeroFrame = options.sequence.zeroFrame;
+    const double seconds = options.frame ? (*options.frame - zeroFrame) / rate.PerSecond() : options.seconds;
+    plan->frames = PlanImage({options.input, options.texture, options.output, seconds, rate, zeroFrame});
+    // The values of a frame of a sequence, to the last bit.
+    if (options.frame) plan->frames.frames.front().position = *options.frame;
     plan->reader.emplace(LayerOptionsOf(options));
     if (options.output != "-") CleanFolderOf(options.output, options.sequence.quiet);
     return plan;

@@ -53,6 +53,7 @@ Result<ExitCode> RenderRun::Run() {
     renderer_ = DecideRenderer(preference, ReadGpuStrings(session.Params()));
     session.SetRenderer(renderer_.Request());
     TRY(FindCanvas(opened, *first));
+    PrepareRecipe(opened);
     TRY(StartInstances(session, *first));
     TRY(BeginClip(*first));
     auto outcome = isImage_ ? DrawImage(std::move(*first)) : DrawSequence(std::move(*first));
@@ -120,7 +121,22 @@ Result<Done> RenderRun::StartInstances(EffectSession& session, const FirstFrame&
 
 Result<Done> RenderRun::BeginClip(const FirstFrame& first) {
     if (!plan_->clips.Writes()) return Done{};
-    return plan_->clips.Begin(plan_->frames, *job_.picture, first.layers.input->pixels, !options_.sequence.noSound);
+    return plan_->clips.Begin(plan_->frames, *job_.picture, first.layers.input->pixels, !options_.sequence.noSound,
+                              recipe_->WholeText());
+}
+
+void RenderRun::PrepareRecipe(const OpenedEffect& effect) {
+    const auto covered = Covered();
+    const std::string canvas = covered ? CanvasText(covered->layer) : ResolvedCanvas();
+    Recipe recipe = RecipeOf(options_, effect, renderer_, canvas);
+    if (isImage_) recipe.frame = options_.frame;
+    ReportDifferences(options_, recipe);
+    recipe_.emplace(options_, std::move(recipe));
+    job_.recipe = [this](const PlannedFrame& frame) { return recipe_->TextOf(frame, isImage_); };
+}
+
+std::string RenderRun::ResolvedCanvas() const {
+    return !options_.canvas.empty() ? options_.canvas : plan_->clips.Writes() ? "layer" : "grow";
 }
 
 Result<ExitCode> RenderRun::DrawImage(FirstFrame first) {
@@ -163,10 +179,7 @@ Result<ExitCode> RenderRun::DrawSequence(FirstFrame first) {
         if (finished && !options_.json) PrintResult(options_.output + "\n");
     }
     if (options_.json) {
-        const std::string canvas = !options_.canvas.empty() ? options_.canvas
-                                   : plan_->clips.Writes()  ? "layer"
-                                                            : "grow";
-        const SequenceFacts facts{options_.input, options_.output, renderer_.Name(), canvas, Covered()};
+        const SequenceFacts facts{options_.input, options_.output, renderer_.Name(), ResolvedCanvas(), Covered()};
         PrintResult(SequenceReport(facts, plan_->frames, job_.shape, progress.Outcomes(), progress.Seconds(),
                                    plan_->clips.Report()));
     }
@@ -200,7 +213,8 @@ void RenderRun::Say(const char* stage) {
     if (image_) image_->Say(stage);
 }
 
-Result<ExitCode> Render(const RenderOptions& options) {
+Result<ExitCode> Render(const RenderOptions& asked) {
+    const RenderOptions options = TRY(WithRecipe(asked));
     const auto many = TRY(MeansSequence(options));
     if (many) {
         TRY(CheckNoTime(options));

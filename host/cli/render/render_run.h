@@ -10,6 +10,7 @@
 #include <set>
 #include <string>
 
+#include "host/cli/recipe/like.h"
 #include "host/cli/render/image_progress.h"
 #include "host/cli/render/progress_text.h"
 #include "host/cli/render/render_options.h"
@@ -44,6 +45,9 @@ class RenderRun {
     std::optional<CanvasFacts> Covered() const;
     Result<Done> StartInstances(EffectSession& session, const FirstFrame& first);
     Result<Done> BeginClip(const FirstFrame& first);
+    /// What every output says about how it was drawn; reports how this differs from the recipe that was asked for.
+    void PrepareRecipe(const OpenedEffect& effect);
+    std::string ResolvedCanvas() const;
     /// Draws and writes a single image.
     Result<ExitCode> DrawImage(FirstFrame first);
     /// Prints the path of a single image that was written, or its report.
@@ -60,6 +64,7 @@ class RenderRun {
     std::unique_ptr<RenderPlan> plan_;
     FrameJob job_;
     RendererDecision renderer_;
+    std::optional<RecipeWriter> recipe_;
     EffectInstances instances_;
     std::optional<ImageProgress> image_;
 };
