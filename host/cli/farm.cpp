@@ -12,6 +12,7 @@
 #include <memory>
 #include <system_error>
 
+#include "host/cli/color/render_colors.h"
 #include "host/cli/recipe/like.h"
 #include "host/cli/render/render_options.h"
 #include "host/cli/results.h"
@@ -148,7 +149,7 @@ Result<FarmJob> JobOf(const FarmOptions& options, const std::vector<std::string>
                        "--chunk is not allowed here, as each task of a job has its own chunk; leave it out"};
     }
     const auto folder = TRY(EnterFolder(options.folder));
-    const RenderOptions render = TRY(WithRecipe(asked));
+    const RenderOptions render = TRY(WithColors(TRY(WithRecipe(asked))));
     const auto many = TRY(MeansSequence(render));
     if (!many) {
         return Failure{

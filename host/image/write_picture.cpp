@@ -138,6 +138,7 @@ ImageLayout LayoutOf(const Format& format, const World& world, const Placement& 
         layout.alphaChannel = 3;
     }
     if (options.metadata) AddMetadata(*options.metadata, layout);
+    if (options.colors) SetColors(*options.colors, format.place == PlaceKind::kWindows, layout);
     FixDate(layout);
     if (!options.recipe.empty() && KeepsTexts(format)) layout.SetText(kRecipeName, options.recipe);
     layout.isStraight = format.form == Form::kStraight;

@@ -156,6 +156,10 @@ class FrameWorker {
         watcher_.Begins(index, FrameStep::kWrite, nullptr);
         const Timer timer;
         const std::string& output = job_.plan->frames[index].output;
+        if (job_.convert) {
+            const auto converted = job_.convert(work.drawn.pixels);
+            if (!converted) return Fail(index, converted.error());
+        }
         const auto written = job_.write ? job_.write(work.drawn, work.place, work.kept)
                                         : WritePicture(output, work.drawn.pixels, work.place, work.kept);
         if (!written) return Fail(index, written.error());

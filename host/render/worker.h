@@ -66,6 +66,8 @@ struct FrameJob {
     std::function<Failure(const Failure&, const EffectSession&)> explain{};
     /// Where a frame goes instead of a picture file of its own.
     std::function<Result<Done>(const Drawn&, const Placement&, const WriteOptions&)> write{};
+    /// Converts the colours of a frame before it is written. Safe on every thread.
+    std::function<Result<Done>(World&)> convert{};
     /// The recipe that goes into a frame's picture; without it there is none. Safe on every thread.
     std::function<std::string(const PlannedFrame&)> recipe{};
     PipelineShape shape{};

@@ -26,8 +26,9 @@ namespace {
 /// The options that change pixels, or how a file stores them. Which frames are drawn, from which input and to which
 /// output, is not part of a recipe; the canvas is, as what it came to.
 constexpr std::string_view kPixelOptions[] = {
-    "layer", "part",        "texture", "texture-at", "depth",        "output-depth",   "downsample", "collapsed",
-    "time",  "compression", "rate",    "zero-frame", "input-offset", "texture-offset", "missing",    "codec",
+    "layer",     "part",  "texture",     "texture-at",   "depth",         "output-depth",  "downsample",
+    "collapsed", "time",  "compression", "rate",         "zero-frame",    "input-offset",  "texture-offset",
+    "missing",   "codec", "input-space", "output-space", "working-space", "texture-space",
 };
 
 /// The options that suit some formats of files only.
@@ -213,8 +214,8 @@ void ReportDifferences(const RenderOptions& options, const Recipe& drawn) {
     }
 }
 
-RecipeWriter::RecipeWriter(const RenderOptions& options, Recipe recipe)
-    : recipe_(std::move(recipe)), writes_(!options.noRecipe) {
+RecipeWriter::RecipeWriter(const RenderOptions& options, Recipe recipe, bool moves)
+    : recipe_(std::move(recipe)), writes_(!options.noRecipe), moves_(moves) {
     // A frame's number takes a few bytes more.
     constexpr std::size_t kFrame = 40;
     const std::size_t size = writes_ ? RecipeText(recipe_).size() + kFrame : 0;
@@ -229,7 +230,8 @@ RecipeWriter::RecipeWriter(const RenderOptions& options, Recipe recipe)
 std::string RecipeWriter::TextOf(const PlannedFrame& frame, bool isImage) const {
     if (!writes_) return "";
     Recipe recipe = recipe_;
-    if (!isImage) recipe.frame = frame.position;
+    // Frames that cannot differ have the same bytes.
+    if (!isImage && moves_) recipe.frame = frame.position;
     return RecipeText(recipe);
 }
 

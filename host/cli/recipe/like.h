@@ -35,8 +35,9 @@ void ReportDifferences(const RenderOptions& options, const Recipe& drawn);
 /// The texts of a run's frames.
 class RecipeWriter {
  public:
-    /// Reports on standard error, unless the options are quiet, a recipe that is too long for a file.
-    RecipeWriter(const RenderOptions& options, Recipe recipe);
+    /// `moves`: values differ between frames. Reports on standard error, unless the options are quiet, a recipe that is
+    /// too long for a file.
+    RecipeWriter(const RenderOptions& options, Recipe recipe, bool moves);
     /// Empty where no recipe is written. Any thread.
     std::string TextOf(const PlannedFrame& frame, bool isImage) const;
     /// That of a clip as a whole.
@@ -45,6 +46,7 @@ class RecipeWriter {
  private:
     Recipe recipe_;
     bool writes_ = false;
+    bool moves_ = false;
 };
 
 }  // namespace umbrant::host

@@ -12,7 +12,7 @@
 //     "frame": 12 }
 //
 // "options" has options of `umbrant render` that change pixels; "version", "values" and "keyframes" are those of a
-// preset, for every row that can be set; "frame" is there for a frame of a sequence.
+// preset, for every row that can be set; "frame" is there where they move.
 
 #include <optional>
 #include <string>

@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 #include <string>
 
+#include "host/cli/color/render_colors.h"
 #include "host/cli/command.h"
 #include "host/cli/option_checks.h"
 #include "host/cli/presets/named_presets.h"
@@ -38,6 +39,8 @@ constexpr char kExamples[] =
     "      48 frames of one image, with keyframes from a preset\n"
     "  umbrant render clip.mov -o out.mov; umbrant render title.png -o title.webm --preset moving.json --frames 1-48\n"
     "      clips through ffmpeg: ProRes 4444 in .mov, FFV1 in .mkv, VP9 in .webm, all with alpha; sound is kept\n"
+    "  umbrant render title.png -o comp.exr --input-space sRGB --working-space ACEScg --output-space ACEScg\n"
+    "      drawn and stored as scene-linear ACEScg\n"
     "  umbrant render --like shadow.png other.png -o other_shadow.png --set style/angle=45\n"
     "      the values, the texture and the canvas that shadow.png was drawn with, one value changed\n"
     "  umbrant render title.png -o draft.png --downsample 4\n"
@@ -152,6 +155,7 @@ Command RenderCommand(const std::shared_ptr<RenderOptions>& options) {
         AddFileOptions(app, *options);
         AddValueOptions(app, *options);
         AddPixelOptions(app, *options);
+        AddColorOptions(app, *options);
         AddRunOptions(app, *options);
         AddRecipeOptions(app, options);
         AddSequenceOptions(app, options->sequence);

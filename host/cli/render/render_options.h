@@ -42,6 +42,15 @@ struct SequenceOptions {
 };
 
 struct Recipe;
+class RenderColors;
+
+/// Names of colour spaces; empty for none that was asked for.
+struct ColorOptions {
+    std::string input;
+    std::string output;
+    std::string working;
+    std::string texture;
+};
 
 struct RenderOptions {
     std::string input;
@@ -65,7 +74,9 @@ struct RenderOptions {
     bool json = false;
     bool verbose = false;
     SequenceOptions sequence;
-    std::string like;  ///< the file whose recipe is taken; empty for none
+    ColorOptions color;
+    std::shared_ptr<const RenderColors> colors;  ///< of `color`; set by WithColors, null for none
+    std::string like;                            ///< the file whose recipe is taken; empty for none
     bool noRecipe = false;
     /// The options that the command line gave, or the recipe did, and the last value of each; empty for a switch.
     std::vector<std::pair<std::string, std::string>> given;

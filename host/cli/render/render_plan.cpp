@@ -7,6 +7,7 @@
 
 #include <utility>
 
+#include "host/cli/color/render_colors.h"
 #include "host/render/plan/frame_numbers.h"
 
 namespace umbrant::host {
@@ -82,6 +83,7 @@ Result<std::unique_ptr<RenderPlan>> PlanSequenceRender(RenderOptions& options) {
     }
     LayerOptions layers = LayerOptionsOf(options);
     plan->clips.Connect(layers);
+    if (options.colors) options.colors->Connect(layers);
     plan->reader.emplace(std::move(layers));
     return plan;
 }
@@ -99,7 +101,9 @@ Result<std::unique_ptr<RenderPlan>> PlanImageRender(const RenderOptions& options
     plan->frames = PlanImage({options.input, options.texture, options.output, seconds, rate, zeroFrame});
     // The values of a frame of a sequence, to the last bit.
     if (options.frame) plan->frames.frames.front().position = *options.frame;
-    plan->reader.emplace(LayerOptionsOf(options));
+    LayerOptions layers = LayerOptionsOf(options);
+    if (options.colors) options.colors->Connect(layers);
+    plan->reader.emplace(std::move(layers));
     if (options.output != "-") CleanFolderOf(options.output, options.sequence.quiet);
     return plan;
 }

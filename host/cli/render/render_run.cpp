@@ -72,6 +72,7 @@ void RenderRun::FillJob() {
     std::tie(job_.settings.textureX, job_.settings.textureY) =
         ParsePoint(options_.textureAt).value_or(std::pair(0.0, 0.0));
     job_.keepGoing = options_.sequence.keepGoing;
+    if (options_.colors) options_.colors->Connect(job_);
     job_.explain = [this](const Failure& failure, const EffectSession& session) {
         return renderer_.processor ? failure : Explain(failure, session);
     };
@@ -131,7 +132,7 @@ void RenderRun::PrepareRecipe(const OpenedEffect& effect) {
     Recipe recipe = RecipeOf(options_, effect, renderer_, canvas);
     if (isImage_) recipe.frame = options_.frame;
     ReportDifferences(options_, recipe);
-    recipe_.emplace(options_, std::move(recipe));
+    recipe_.emplace(options_, std::move(recipe), !effect.params.animation.IsEmpty());
     job_.recipe = [this](const PlannedFrame& frame) { return recipe_->TextOf(frame, isImage_); };
 }
 
@@ -206,6 +207,11 @@ void RenderRun::ReportMisbehaviour() {
 
 void RenderRun::ReportNotesOf(const FrameLayers& layers) const {
     TellNotes(options_, layers.input->note, layers.input->metadataNote);
+    const WriteOptions& kept = layers.input->kept;
+    TellNotes(options_,
+              ColorNote(kept.metadata.get(), options_.input, options_.output, options_.format,
+                        options_.colors != nullptr, kept.colors),
+              "");
     if (layers.texture && isImage_) TellNotes(options_, layers.texture->note, "");
 }
 
@@ -214,7 +220,7 @@ void RenderRun::Say(const char* stage) {
 }
 
 Result<ExitCode> Render(const RenderOptions& asked) {
-    const RenderOptions options = TRY(WithRecipe(asked));
+    const RenderOptions options = TRY(WithColors(TRY(WithRecipe(asked))));
     const auto many = TRY(MeansSequence(options));
     if (many) {
         TRY(CheckNoTime(options));

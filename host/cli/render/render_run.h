@@ -10,6 +10,7 @@
 #include <set>
 #include <string>
 
+#include "host/cli/color/render_colors.h"
 #include "host/cli/recipe/like.h"
 #include "host/cli/render/image_progress.h"
 #include "host/cli/render/progress_text.h"

@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include "host/cli/color/render_colors.h"
 #include "host/cli/option_checks.h"
 #include "host/cli/recipe/like.h"
 #include "host/cli/render/render_options.h"
@@ -49,6 +50,7 @@ Result<OpenedEffect> OpenWithValues(const RenderOptions& options, int layerWidth
     TRY(ApplyRecipeValues(options, effect.params));
     TRY(ApplyValues(options.preset, options.settings, effect.params));
     session.Params() = effect.params.animation.ValuesAt(effect.params.values, frame, effect.clock);
+    if (options.colors) options.colors->ConvertValues(session.Params());
     if (auto updated = session.UpdateParamsUI(); !updated) return Explain(updated.error(), session);
     return effect;
 }
