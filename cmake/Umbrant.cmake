@@ -188,7 +188,7 @@ endfunction()
 # umbrant_finds_own_objects(program): puts the program's shared objects beside a program of the current folder, where
 # host/loading looks for them. Nothing in a build without the host.
 function(umbrant_finds_own_objects program)
-    foreach(object umbrant_drawing umbrant_http umbrant_images)
+    foreach(object umbrant_color umbrant_drawing umbrant_http umbrant_images)
         if(NOT TARGET ${object})
             continue()
         endif()

@@ -12,6 +12,8 @@
 #include <memory>
 #include <system_error>
 
+#include "host/cli/color/render_colors.h"
+#include "host/cli/recipe/like.h"
 #include "host/cli/render/render_options.h"
 #include "host/cli/results.h"
 #include "host/cli/run_program.h"
@@ -141,12 +143,13 @@ Result<std::string> EnterFolder(const std::string& asked) {
 }
 
 Result<FarmJob> JobOf(const FarmOptions& options, const std::vector<std::string>& arguments,
-                      const RenderOptions& render) {
-    if (!render.sequence.chunk.empty()) {
+                      const RenderOptions& asked) {
+    if (!asked.sequence.chunk.empty()) {
         return Failure{ErrorKind::kUsage,
                        "--chunk is not allowed here, as each task of a job has its own chunk; leave it out"};
     }
     const auto folder = TRY(EnterFolder(options.folder));
+    const RenderOptions render = TRY(WithColors(TRY(WithRecipe(asked))));
     const auto many = TRY(MeansSequence(render));
     if (!many) {
         return Failure{

@@ -25,12 +25,6 @@ struct InfoOptions {
     bool json = false;
 };
 
-/// "1.3.3" from the packed form.
-std::string VersionText(A_u_long packed) {
-    const A_u_long major = (packed >> 26 & 15) << 3 | (packed >> 19 & 7);
-    return fmt::format("{}.{}.{}", major, packed >> 15 & 15, packed >> 11 & 15);
-}
-
 /// "eFKT" from the number whose bytes it is.
 std::string FourCharacters(A_long code) {
     std::string text;
@@ -53,7 +47,7 @@ nlohmann::ordered_json Describe(const OpenedModule& opened, const std::string& a
         {"name", effect.name},
         {"matchName", effect.matchName},
         {"category", effect.category},
-        {"version", VersionText(session.EffectVersion())},
+        {"version", EffectVersionText(session.EffectVersion())},
         {"entryPoint", effect.entryPoint},
         {"kind", FourCharacters(effect.kind)},
         {"apiVersion", fmt::format("{}.{}", effect.apiMajor, effect.apiMinor)},

@@ -4,9 +4,14 @@
 
 #include <string>
 
+#include "hostapi/basic_types.h"
+
 namespace umbrant::host {
 
 /// The host program's own version, "major.minor.fix".
 std::string ProgramVersion();
+
+/// An effect's version, "1.3.3", from the packed form.
+std::string EffectVersionText(A_u_long packed);
 
 }  // namespace umbrant::host

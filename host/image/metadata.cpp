@@ -45,6 +45,8 @@ constexpr std::string_view kStorage[] = {
     "exif:pixely",
     // Values that the library reads from a profile, which is kept itself.
     "iccprofile:",
+    // What an image was drawn with says nothing about one that is drawn from it.
+    "umbrant:",
 };
 
 /// The two attributes of the library that describe the meaning of the numbers.

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/image/image_layout.h"
+#include "host/image/picture.h"
 
 namespace umbrant::host {
 
@@ -23,6 +24,9 @@ PictureMetadata MetadataOf(const ImageLayout& layout, const std::string& format)
 
 /// Adds the attributes to the description of a file of a format.
 void AddMetadata(const PictureMetadata& metadata, ImageLayout& layout);
+
+/// Puts these words about the colours in the place of all others of a description; primaries where the format has them.
+void SetColors(const ColorWords& words, bool hasPrimaries, ImageLayout& layout);
 
 /// Makes the date of the description one that does not depend on when it is written: the one that it has, else the time
 /// of the environment's SOURCE_DATE_EPOCH, else none, also where the image library would take the present.

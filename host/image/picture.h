@@ -5,8 +5,10 @@
 // Pictures in files. Whatever the file holds, in memory it is one world of straight-alpha pixels; whatever is written
 // follows its format's convention. All file formats are known here and nowhere else.
 
+#include <array>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "host/compositing/world.h"
@@ -74,6 +76,15 @@ enum class FileDepth {
 /// The depth with that name in --output-depth: "8", "16", "half", "float"; kAuto for any other text.
 FileDepth FileDepthNamed(const std::string& name);
 
+/// What the numbers of the colours mean, in the words of files.
+struct ColorWords {
+    std::string space{};  ///< "sRGB", "Linear", "GammaCorrected"; empty for none of these
+    float gamma = 0;      ///< of "GammaCorrected"
+    /// x and y of red, green, blue and white; all 0 where nobody knows.
+    std::array<float, 8> primaries{};
+    bool operator==(const ColorWords&) const = default;
+};
+
 /// What a file contains besides the pixels.
 struct WriteOptions {
     /// "zip", "piz", "lzw", "jpeg:90", ...; empty keeps the compression of the metadata where the format has it, and
@@ -83,7 +94,15 @@ struct WriteOptions {
     std::shared_ptr<const PictureMetadata> metadata{};
     FileDepth depth = FileDepth::kAuto;
     std::string format{};  ///< "png", "tif", "exr", "jpg": of an output without an extension, for EncodePicture
+    std::string recipe{};  ///< in ASCII, at most kMostRecipeBytes; empty for none, also where the metadata has one
+    std::optional<ColorWords> colors{};  ///< in place of those of the metadata, whose profile is then left out
 };
+
+/// What the output cannot keep of an input's colours, or what other programs take its numbers for, as a sentence; empty
+/// for nothing. `colors` are the output's words where the colours are converted; `isConverted` says that they are, or
+/// that the user has named their space. `output` and `format` are those of CheckFormat; a clip has no format.
+std::string ColorNote(const PictureMetadata* metadata, const std::string& input, const std::string& output,
+                      const std::string& format, bool isConverted, const std::optional<ColorWords>& colors);
 
 /// Whether there is a format to write: the extension's or, for the file "-", which is standard output, the one of this
 /// name. Fails with `ErrorKind::kFile` or, for a wrong name, `ErrorKind::kUsage`.

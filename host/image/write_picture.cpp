@@ -21,6 +21,7 @@
 #include "host/image/picture.h"
 #include "host/image/picture_format.h"
 #include "host/image/picture_place.h"
+#include "host/image/recipe/recipe_text.h"
 #include "host/process/files/temporary_file.h"
 #include "host/process/start_threads.h"
 
@@ -122,6 +123,11 @@ FileDepth DepthFor(const Format& format, Depth depth, const WriteOptions& option
     return depth == Depth::k8 ? format.fromEight : format.fromFloat;
 }
 
+/// Whether the codec of a format writes a text under any name.
+bool KeepsTexts(const Format& format) {
+    return format.name == "png" || format.name == "openexr";
+}
+
 ImageLayout LayoutOf(const Format& format, const World& world, const Placement& place, const WriteOptions& options) {
     ImageLayout layout;
     layout.width = world.Width();
@@ -132,7 +138,9 @@ ImageLayout LayoutOf(const Format& format, const World& world, const Placement& 
         layout.alphaChannel = 3;
     }
     if (options.metadata) AddMetadata(*options.metadata, layout);
+    if (options.colors) SetColors(*options.colors, format.place == PlaceKind::kWindows, layout);
     FixDate(layout);
+    if (!options.recipe.empty() && KeepsTexts(format)) layout.SetText(kRecipeName, options.recipe);
     layout.isStraight = format.form == Form::kStraight;
     if (format.place != PlaceKind::kNone) {
         layout.x = place.frameOrigin.x + place.window.left;
@@ -163,6 +171,7 @@ std::optional<std::string> EncodeTo(EncodedFile& encoded, const Format& format, 
                                         FileValues(world, format.form, begin, end, values);
                                     }};
         const auto problem = std::get<const Codec*>(codec)->encode(image, encoded);
+        if (!options.recipe.empty() && !KeepsTexts(format) && !problem) PutRecipe(options.recipe, encoded);
         if (!encoded.Problem() && !problem) return std::nullopt;
         const std::string reason = encoded.Problem().value_or(problem.value_or(""));
         return reason.empty() ? "the image cannot be encoded" : reason.substr(0, reason.find('\n'));

@@ -21,7 +21,11 @@ Result<Shared> LayerReader::ReadLayer(const Source& source, std::optional<Depth>
     const auto picture =
         TRY(source.clipFrame ? clip(*source.clipFrame)
                              : ReadPicture(source.path, source.isTexture ? ReadOptions{} : options_.read));
-    auto pixels = TRY(LayerOf(picture, depth.value_or(picture.pixels.PixelDepth()), options_.downsample));
+    const Depth own = options_.convert ? Depth::k32 : picture.pixels.PixelDepth();
+    auto pixels = TRY(LayerOf(picture, depth.value_or(own), options_.downsample));
+    if (options_.convert) {
+        TRY(options_.convert(pixels, source.isTexture));
+    }
     auto layer = std::make_shared<Layer>();
     layer->pixels = std::move(pixels);
     layer->width = picture.frameWidth;
@@ -31,6 +35,7 @@ Result<Shared> LayerReader::ReadLayer(const Source& source, std::optional<Depth>
     layer->bits = picture.bits;
     layer->kept = {options_.compression, picture.isHalf && !options_.depth, picture.metadata, options_.outputDepth,
                    options_.format};
+    layer->kept.colors = options_.words;
     layer->note = picture.note;
     layer->metadataNote = picture.metadataNote;
     return Shared(std::move(layer));

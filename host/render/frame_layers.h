@@ -27,6 +27,10 @@ struct LayerOptions {
     /// A frame of the clip that the input is, and of the one that the texture is.
     std::function<Result<Picture>(int)> inputClip{};
     std::function<Result<Picture>(int)> textureClip{};
+    /// Converts the colours of a layer of floats, which every layer then is. Safe on every thread.
+    std::function<Result<Done>(World&, bool isTexture)> convert{};
+    /// What the output says about its colours instead of what the input says.
+    std::optional<ColorWords> words{};
 };
 
 /// A picture as a layer, and what is to be kept of its file.

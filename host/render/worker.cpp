@@ -143,6 +143,11 @@ class FrameWorker {
         if (!picture) return Fail(index, picture.error());
         work.drawn = std::move(*picture);
         work.kept = work.layers.input->kept;
+        if (job_.recipe) work.kept.recipe = job_.recipe(frame);
+        // A background is mixed with the values that are stored.
+        if (job_.convert) {
+            if (auto converted = job_.convert(work.drawn.pixels); !converted) return Fail(index, converted.error());
+        }
         if (job_.finish) {
             if (auto finished = job_.finish(work.drawn, work.kept); !finished) return Fail(index, finished.error());
         }

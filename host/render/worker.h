@@ -68,6 +68,10 @@ struct FrameJob {
     std::function<Result<Done>(Drawn&, const WriteOptions&)> finish{};
     /// Where a frame goes instead of a picture file of its own.
     std::function<Result<Done>(const Drawn&, const Placement&, const WriteOptions&)> write{};
+    /// Converts the colours of a drawn frame to those that are stored, before `finish`. Safe on every thread.
+    std::function<Result<Done>(World&)> convert{};
+    /// The recipe that goes into a frame's picture; without it there is none. Safe on every thread.
+    std::function<std::string(const PlannedFrame&)> recipe{};
     PipelineShape shape{};
     std::uint64_t frameBytes = 0;  ///< the memory that one frame takes at most; 0 when nobody knows
 };

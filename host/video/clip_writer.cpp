@@ -10,6 +10,7 @@
 #include <sstream>
 
 #include "host/image/picture_place.h"
+#include "host/image/recipe/recipe_text.h"
 #include "host/video/container.h"
 #include "host/video/ffmpeg.h"
 
@@ -90,6 +91,10 @@ std::vector<std::string> EncoderArguments(const ClipTarget& target, const std::s
     add({"-vf", EncoderFilters(*target.codec, target.raw, tags, target.from ? target.from->aspect : ""), "-c:v",
          target.codec->encoder});
     all.insert(all.end(), target.codec->arguments.begin(), target.codec->arguments.end());
+    if (ContainerOf(target.path) != "mov") {
+        // Without "bitexact" the file would have a random identifier; an empty text removes the recipe of `from`.
+        add({"-fflags", "+bitexact", "-metadata", fmt::format("{}={}", kRecipeName, target.recipe)});
+    }
     // ffmpeg cuts FFV1's third version into more slices than such a picture has pixels, and loses some without a word;
     // the first version has none. What comes last counts.
     constexpr int kSmallest = 4;
@@ -133,6 +138,11 @@ Result<Done> ClipWriter::Finish() {
     // The temporary file is there, empty, from its first moment on.
     if (const auto size = std::filesystem::file_size(file_.Name(), error); error || size == 0) {
         return CannotWrite(target_.path, "ffmpeg ended without an error, but there is no clip");
+    }
+    if (!target_.recipe.empty() && ContainerOf(target_.path) == "mov") {
+        if (const auto problem = AppendRecipeBox(target_.recipe, file_.Descriptor())) {
+            return CannotWrite(target_.path, *problem);
+        }
     }
     // Only now: the mode may be one that ffmpeg could not have written with.
     TakeModeOf(place_, file_.Descriptor());

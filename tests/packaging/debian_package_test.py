@@ -131,7 +131,7 @@ class DebianPackages(unittest.TestCase):
             "umbrant": [
                 "/usr/bin/umbrant", f"/usr/{LIBDIR}/umbrant/umbrant2.so", f"/usr/{LIBDIR}/umbrant/umbrant_shim.so",
                 f"/usr/{LIBDIR}/umbrant/umbrant_drawing.so", f"/usr/{LIBDIR}/umbrant/umbrant_http.so",
-                f"/usr/{LIBDIR}/umbrant/umbrant_images.so",
+                f"/usr/{LIBDIR}/umbrant/umbrant_images.so", f"/usr/{LIBDIR}/umbrant/umbrant_color.so",
                 *(f"/usr/share/man/man1/{page.name}.gz" for page in MANUAL), "/usr/share/bash-completion/completions/umbrant",
                 "/usr/share/zsh/vendor-completions/_umbrant", "/usr/share/fish/vendor_completions.d/umbrant.fish",
                 "/usr/share/doc/umbrant/copyright", "/usr/share/doc/umbrant/changelog.gz",

@@ -16,8 +16,8 @@ BUILD = pathlib.Path(os.environ["BUILD_FOLDER"])
 LIBRARY = pathlib.Path(os.environ["LIBRARY"])
 LINKED = [
     BUILD / name
-    for name in ("umbrant", "umbrant2.so", "umbrant_drawing.so", "umbrant_http.so", "umbrant_images.so", "umbrant_shim.so",
-                 "umbrant_frei0r.so")  # fmt: skip
+    for name in ("umbrant", "umbrant2.so", "umbrant_color.so", "umbrant_drawing.so", "umbrant_http.so", "umbrant_images.so",
+                 "umbrant_shim.so", "umbrant_frei0r.so")  # fmt: skip
 ] + sorted((BUILD / "python/umbrant").glob("_umbrant.*.so"))
 # The judge's library puts itself before a few calls of the driver and has no buffer of its own to protect.
 LARGE = [BUILD / "umbrant", BUILD / "umbrant2.so", LIBRARY]

@@ -15,6 +15,7 @@ PLUGIN = re.search(r'kPluginIdentifier\[\] = "(.*)"', (SOURCE / "openfx/describe
 EXPECTED = {
     "bin/umbrant",
     f"{LIBDIR}/umbrant/umbrant2.so",
+    f"{LIBDIR}/umbrant/umbrant_color.so",
     f"{LIBDIR}/umbrant/umbrant_drawing.so",
     f"{LIBDIR}/umbrant/umbrant_http.so",
     f"{LIBDIR}/umbrant/umbrant_images.so",

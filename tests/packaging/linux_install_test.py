@@ -105,7 +105,7 @@ class Installed(unittest.TestCase):
         self.assertIn("libOpenEXRCore", needed)
         self.assertIn("libcairo", run("readelf", "--dynamic", self.prefix / LIBDIR / "umbrant/umbrant_drawing.so"))
 
-    def objects_opened(self, *arguments, names=r"umbrant_(?:drawing|http|images)\.so"):
+    def objects_opened(self, *arguments, names=r"umbrant_(?:color|drawing|http|images)\.so"):
         """Which of the program's shared objects a run of it opens, its child processes included."""
         with tempfile.TemporaryDirectory() as folder:
             # The loader writes into one file a process: a module that is judged must not print.
@@ -241,6 +241,32 @@ class Installed(unittest.TestCase):
                 failed.stderr,
             )
             self.assertEqual(sorted(path.name for path in folder.iterdir()), ["dot.png", "dot.tif", "dot2.png"])
+
+    def test_a_missing_colour_library_is_reported(self):
+        umbrant = self.prefix / "bin/umbrant"
+        part = self.prefix / LIBDIR / "umbrant/umbrant_color.so"
+        away = part.with_suffix(".away")
+        with tempfile.TemporaryDirectory() as folder:
+            folder = pathlib.Path(folder)
+            write_png(folder / "dot.png", 1, 1, bytes((255, 0, 0, 255)))
+            draw = ["render", folder / "dot.png", "-o", folder / "out.png", "--renderer", "cpu"]
+            convert = [*draw, "--input-space", "sRGB", "--output-space", "ACEScg"]
+            self.assertEqual(self.objects_opened(*convert), {"umbrant_color.so"})
+            (folder / "out.png").unlink()
+            part.rename(away)
+            try:
+                failed = subprocess.run([umbrant, *convert], capture_output=True, text=True)
+                self.assertFalse((folder / "out.png").exists())
+                run(umbrant, *draw)
+            finally:
+                away.rename(part)
+            self.assertEqual(failed.returncode, 5)
+            self.assertEqual(
+                failed.stderr,
+                "umbrant: cannot convert colours: umbrant_color.so, which converts colours, cannot be loaded: "
+                "umbrant_color.so: cannot open shared object file: No such file or directory; install the program again, "
+                "with the libraries that it needs\n",
+            )
 
     def test_the_judge_finds_its_parts(self):
         judged = run(self.prefix / "bin/umbrant", "validate", "--strictness", "2")

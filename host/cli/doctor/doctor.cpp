@@ -87,6 +87,7 @@ ExitCode ReportAll(const DoctorOptions& options) {
     add(FindMemoryAndDisk());
     add(FindModuleAndRenderer(options.module));
     add(FindOwnObjects());
+    add(FindColorSpaces());
     add(FindFonts());
     add(FindPresets());
     add(FindClipTools());

@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "host/cli/doctor/finding.h"
+#include "host/color/open_color_spaces.h"
 #include "host/doctor/openfx/bundle.h"
 #include "host/doctor/openfx/openfx_doctor.h"
 #include "host/doctor/own_object_examination.h"
@@ -106,6 +107,17 @@ std::vector<Finding> FindOwnObjects() {
                    : ProblemOf(subject, loaded.error()));
     }
     return findings;
+}
+
+std::vector<Finding> FindColorSpaces() {
+    // In this process only when it has been loaded in another.
+    if (const auto loaded = CheckOwnObject(kColorObject); !loaded) return {ProblemOf("colour", loaded.error())};
+    const auto spaces = OpenedColorSpaces::Open();
+    if (!spaces) return {ProblemOf("colour", spaces.error())};
+    const char* const file = std::getenv("OCIO");
+    return {{"colour", Condition::kGood,
+             spaces->AreOwn() ? std::string("the program's own colour spaces")
+                              : fmt::format("the OpenColorIO configuration '{}'", file ? file : "")}};
 }
 
 std::vector<Finding> FindFonts() {

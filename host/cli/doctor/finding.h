@@ -34,6 +34,7 @@ Finding ProblemOf(const std::string& subject, const Failure& failure);
 std::vector<Finding> FindProgram();
 std::vector<Finding> FindModuleAndRenderer(const std::string& module);
 std::vector<Finding> FindOwnObjects();
+std::vector<Finding> FindColorSpaces();
 std::vector<Finding> FindFonts();
 std::vector<Finding> FindClipTools();
 std::vector<Finding> FindOpenFxBundles(int limit);

@@ -166,7 +166,8 @@ ClipEndpoints::Sound ClipEndpoints::SoundFor(const FramePlan& plan) const {
     return sound;
 }
 
-Result<Done> ClipEndpoints::Begin(const FramePlan& plan, const PF_LRect& canvas, const World& layer, bool wantsSound) {
+Result<Done> ClipEndpoints::Begin(const FramePlan& plan, const PF_LRect& canvas, const World& layer, bool wantsSound,
+                                  const std::string& recipe) {
     if (wantsSound) sound_ = SoundFor(plan);
     canvas_ = canvas;
     layerWidth_ = layer.Width();
@@ -183,6 +184,7 @@ Result<Done> ClipEndpoints::Begin(const FramePlan& plan, const PF_LRect& canvas,
     target.from = input_ ? &input_->Facts() : nullptr;
     target.keepsSound = sound_.kept;
     target.part = sound_.part;
+    target.recipe = recipe;
     auto writer = TRY(ClipWriter::Start(std::move(target)));
     writer_ = std::move(writer);
     return Done{};

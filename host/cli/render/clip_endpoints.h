@@ -40,7 +40,8 @@ class ClipEndpoints {
     PF_LRect Padded(PF_LRect canvas) const;
 
     /// Begins the clip: of this part of the layer, for layers of this size and depth. Fails as ClipWriter::Start does.
-    Result<Done> Begin(const FramePlan& plan, const PF_LRect& canvas, const World& layer, bool wantsSound);
+    Result<Done> Begin(const FramePlan& plan, const PF_LRect& canvas, const World& layer, bool wantsSound,
+                       const std::string& recipe);
     /// What is to be said about the clip's sound, once it is begun; empty for nothing.
     const std::string& Note() const { return sound_.note; }
     /// The next frame. A layer of another size than the first fails with `ErrorKind::kFile`.

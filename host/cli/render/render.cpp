@@ -6,9 +6,11 @@
 #include <CLI/CLI.hpp>
 #include <string>
 
+#include "host/cli/color/render_colors.h"
 #include "host/cli/command.h"
 #include "host/cli/option_checks.h"
 #include "host/cli/presets/named_presets.h"
+#include "host/cli/recipe/like.h"
 #include "host/cli/render/render_options.h"
 #include "host/image/picture.h"
 #include "host/render/background.h"
@@ -40,6 +42,10 @@ constexpr char kExamples[] =
     "      clips through ffmpeg: ProRes 4444 in .mov, FFV1 in .mkv, VP9 in .webm, all with alpha; sound is kept\n"
     "  umbrant render clip.mov -o review.mp4 --background white\n"
     "      H.264 for a review; .webp and .apng are animations for web pages\n"
+    "  umbrant render title.png -o comp.exr --input-space sRGB --working-space ACEScg --output-space ACEScg\n"
+    "      drawn and stored as scene-linear ACEScg\n"
+    "  umbrant render --like shadow.png other.png -o other_shadow.png --set style/angle=45\n"
+    "      the values, the texture and the canvas that shadow.png was drawn with, one value changed\n"
     "  umbrant render title.png -o draft.png --downsample 4\n"
     "      a quarter of the resolution; points are still given in pixels of the full-size layer\n"
     "  umbrant render title.png -o look.png --background checker --canvas tight\n"
@@ -160,7 +166,9 @@ Command RenderCommand(const std::shared_ptr<RenderOptions>& options) {
         AddFileOptions(app, *options);
         AddValueOptions(app, *options);
         AddPixelOptions(app, *options);
+        AddColorOptions(app, *options);
         AddRunOptions(app, *options);
+        AddRecipeOptions(app, options);
         AddSequenceOptions(app, options->sequence);
         app.add_flag("--json", options->json,
                      "Print a report instead of the path: rectangles, milliseconds by stage, driver, suites");

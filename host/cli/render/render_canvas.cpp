@@ -46,8 +46,11 @@ std::string FramesText(std::size_t count) {
 Result<Done> RenderRun::FindCanvas(OpenedEffect& effect, const FirstFrame& first) {
     if (!effect.params.animation.IsEmpty()) {
         // What the effect itself keeps in its rows stays; only what moves is set for each frame.
-        job_.values = [&effect](double each, const ParamSet& params) {
-            return effect.params.animation.ValuesAt(params, each, effect.clock);
+        job_.values = [&effect, colors = options_.colors](double each, const ParamSet& params) {
+            ParamSet values = effect.params.animation.ValuesAt(params, each, effect.clock);
+            // Those that keep still are in the session, converted already.
+            if (colors) colors->ConvertValues(values, &effect.params.animation);
+            return values;
         };
     }
     const World& pixels = first.layers.input->pixels;

@@ -41,6 +41,17 @@ struct SequenceOptions {
     bool noSound = false;
 };
 
+struct Recipe;
+class RenderColors;
+
+/// Names of colour spaces; empty for none that was asked for.
+struct ColorOptions {
+    std::string input;
+    std::string output;
+    std::string working;
+    std::string texture;
+};
+
 struct RenderOptions {
     std::string input;
     std::string output;
@@ -64,6 +75,14 @@ struct RenderOptions {
     bool json = false;
     bool verbose = false;
     SequenceOptions sequence;
+    ColorOptions color;
+    std::shared_ptr<const RenderColors> colors;  ///< of `color`; set by WithColors, null for none
+    std::string like;                            ///< the file whose recipe is taken; empty for none
+    bool noRecipe = false;
+    /// The options that the command line gave, or the recipe did, and the last value of each; empty for a switch.
+    std::vector<std::pair<std::string, std::string>> given;
+    std::shared_ptr<const Recipe> recipe;  ///< of `like`; set by WithRecipe
+    std::optional<double> frame;           ///< of the recipe's values, for a single image; else --time says it
 };
 
 /// "X,Y": a place in pixels of the full-size layer, or nothing.

@@ -7,6 +7,7 @@
 
 #include <utility>
 
+#include "host/cli/color/render_colors.h"
 #include "host/render/plan/frame_numbers.h"
 
 namespace umbrant::host {
@@ -83,6 +84,7 @@ Result<std::unique_ptr<RenderPlan>> PlanSequenceRender(RenderOptions& options) {
     }
     LayerOptions layers = LayerOptionsOf(options);
     plan->clips.Connect(layers);
+    if (options.colors) options.colors->Connect(layers);
     plan->reader.emplace(std::move(layers));
     return plan;
 }
@@ -101,9 +103,14 @@ Result<std::unique_ptr<RenderPlan>> PlanImageRender(const RenderOptions& options
     TRY(CheckOutput(options));
     const auto canvas = TRY(ParseCanvas(options.canvas.empty() ? "grow" : options.canvas));
     plan->canvas = canvas;
-    plan->frames =
-        PlanImage({options.input, options.texture, options.output, options.seconds, rate, options.sequence.zeroFrame});
-    plan->reader.emplace(LayerOptionsOf(options));
+    const int zeroFrame = options.sequence.zeroFrame;
+    const double seconds = options.frame ? (*options.frame - zeroFrame) / rate.PerSecond() : options.seconds;
+    plan->frames = PlanImage({options.input, options.texture, options.output, seconds, rate, zeroFrame});
+    // The values of a frame of a sequence, to the last bit.
+    if (options.frame) plan->frames.frames.front().position = *options.frame;
+    LayerOptions layers = LayerOptionsOf(options);
+    if (options.colors) options.colors->Connect(layers);
+    plan->reader.emplace(std::move(layers));
     if (options.output != "-") CleanFolderOf(options.output, options.sequence.quiet);
     return plan;
 }

@@ -55,6 +55,7 @@ Result<ExitCode> RenderRun::Run() {
     renderer_ = DecideRenderer(preference, ReadGpuStrings(session.Params()));
     session.SetRenderer(renderer_.Request());
     TRY(FindCanvas(opened, *first));
+    PrepareRecipe(opened);
     TRY(StartInstances(session, *first));
     TRY(FindTightCanvas());
     TRY(BeginClip(*first));
@@ -74,6 +75,7 @@ void RenderRun::FillJob() {
     std::tie(job_.settings.textureX, job_.settings.textureY) =
         ParsePoint(options_.textureAt).value_or(std::pair(0.0, 0.0));
     job_.keepGoing = options_.sequence.keepGoing;
+    if (options_.colors) options_.colors->Connect(job_);
     job_.explain = [this](const Failure& failure, const EffectSession& session) {
         return renderer_.processor ? failure : Explain(failure, session);
     };
@@ -132,7 +134,22 @@ Result<Done> RenderRun::BeginClip(const FirstFrame& first) {
                   "");
         job_.picture = padded;
     }
-    return plan_->clips.Begin(plan_->frames, *job_.picture, first.layers.input->pixels, !options_.sequence.noSound);
+    return plan_->clips.Begin(plan_->frames, *job_.picture, first.layers.input->pixels, !options_.sequence.noSound,
+                              recipe_->WholeText());
+}
+
+void RenderRun::PrepareRecipe(const OpenedEffect& effect) {
+    const auto covered = Covered();
+    const std::string canvas = covered ? CanvasText(covered->layer) : ResolvedCanvas();
+    Recipe recipe = RecipeOf(options_, effect, renderer_, canvas);
+    if (isImage_) recipe.frame = options_.frame;
+    ReportDifferences(options_, recipe);
+    recipe_.emplace(options_, std::move(recipe), !effect.params.animation.IsEmpty());
+    job_.recipe = [this](const PlannedFrame& frame) { return recipe_->TextOf(frame, isImage_); };
+}
+
+std::string RenderRun::ResolvedCanvas() const {
+    return !options_.canvas.empty() ? options_.canvas : plan_->clips.Writes() ? "layer" : "grow";
 }
 
 Result<ExitCode> RenderRun::DrawImage(FirstFrame first) {
@@ -175,10 +192,7 @@ Result<ExitCode> RenderRun::DrawSequence(FirstFrame first) {
         if (finished && !options_.json) PrintResult(options_.output + "\n");
     }
     if (options_.json) {
-        const std::string canvas = !options_.canvas.empty() ? options_.canvas
-                                   : plan_->clips.Writes()  ? "layer"
-                                                            : "grow";
-        const SequenceFacts facts{options_.input, options_.output, renderer_.Name(), canvas, Covered()};
+        const SequenceFacts facts{options_.input, options_.output, renderer_.Name(), ResolvedCanvas(), Covered()};
         PrintResult(SequenceReport(facts, plan_->frames, job_.shape, progress.Outcomes(), progress.Seconds(),
                                    plan_->clips.Report()));
     }
@@ -205,6 +219,11 @@ void RenderRun::ReportMisbehaviour() {
 
 void RenderRun::ReportNotesOf(const FrameLayers& layers) const {
     TellNotes(options_, layers.input->note, layers.input->metadataNote);
+    const WriteOptions& kept = layers.input->kept;
+    TellNotes(options_,
+              ColorNote(kept.metadata.get(), options_.input, options_.output, options_.format,
+                        options_.colors != nullptr, kept.colors),
+              "");
     if (layers.texture && isImage_) TellNotes(options_, layers.texture->note, "");
 }
 
@@ -212,7 +231,8 @@ void RenderRun::Say(const char* stage) {
     if (image_) image_->Say(stage);
 }
 
-Result<ExitCode> Render(const RenderOptions& options) {
+Result<ExitCode> Render(const RenderOptions& asked) {
+    const RenderOptions options = TRY(WithColors(TRY(WithRecipe(asked))));
     const auto many = TRY(MeansSequence(options));
     if (many) {
         TRY(CheckNoTime(options));

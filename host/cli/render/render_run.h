@@ -10,6 +10,8 @@
 #include <set>
 #include <string>
 
+#include "host/cli/color/render_colors.h"
+#include "host/cli/recipe/like.h"
 #include "host/cli/render/image_progress.h"
 #include "host/cli/render/progress_text.h"
 #include "host/cli/render/render_options.h"
@@ -50,6 +52,9 @@ class RenderRun {
     /// What becomes of each image between drawing and writing.
     Result<Done> FinishImage(Drawn& image, const WriteOptions& kept);
     Result<Done> BeginClip(const FirstFrame& first);
+    /// What every output says about how it was drawn; reports how this differs from the recipe that was asked for.
+    void PrepareRecipe(const OpenedEffect& effect);
+    std::string ResolvedCanvas() const;
     /// Draws and writes a single image.
     Result<ExitCode> DrawImage(FirstFrame first);
     /// Prints the path of a single image that was written, or its report.
@@ -66,6 +71,7 @@ class RenderRun {
     std::unique_ptr<RenderPlan> plan_;
     FrameJob job_;
     RendererDecision renderer_;
+    std::optional<RecipeWriter> recipe_;
     EffectInstances instances_;
     std::optional<ImageProgress> image_;
     std::unique_ptr<Background> background_;

@@ -5,7 +5,9 @@
 
 #include <fmt/format.h>
 
+#include "host/cli/color/render_colors.h"
 #include "host/cli/option_checks.h"
+#include "host/cli/recipe/like.h"
 #include "host/cli/render/render_options.h"
 #include "host/cli/settings.h"
 #include "host/render/plan/frame_limits.h"
@@ -45,8 +47,10 @@ Result<OpenedEffect> OpenWithValues(const RenderOptions& options, int layerWidth
     OpenedEffect effect{std::move(opened), {}, {rate.PerSecond(), static_cast<double>(options.sequence.zeroFrame)}};
     EffectSession& session = effect.Session();
     effect.params.values = session.Params();
+    TRY(ApplyRecipeValues(options, effect.params));
     TRY(ApplyValues(options.preset, options.settings, effect.params));
     session.Params() = effect.params.animation.ValuesAt(effect.params.values, frame, effect.clock);
+    if (options.colors) options.colors->ConvertValues(session.Params());
     if (auto updated = session.UpdateParamsUI(); !updated) return Explain(updated.error(), session);
     return effect;
 }

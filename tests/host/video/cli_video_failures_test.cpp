@@ -89,7 +89,7 @@ TEST_F(ClipFailures, OneThatCannotWrite) {
 
 TEST_F(ClipFailures, OneThatTalksMuchAndWorks) {
     Fake("ffmpeg", Encoder("yes trouble | head -c 2000000 >&2; cat >\"$file\"; yes trouble | head -c 2000000 >&2"));
-    const Outcome outcome = Render("still.png", "out.mov", {"--frames", "1-3", "--quiet"}, WithFakes());
+    const Outcome outcome = Render("still.png", "out.mov", {"--frames", "1-3", "--quiet", "--no-recipe"}, WithFakes());
     EXPECT_EQ(outcome.code, 0) << outcome.err;
     EXPECT_EQ(outcome.err, "") << "what a tool prints in success is not repeated";
     EXPECT_EQ(ReadBytes(folder_ / "out.mov").size(), 3u * 40 * 30 * 4);

@@ -78,11 +78,13 @@ TEST_F(CliSequenceCanvas, TheSameFrameOnTheSameCanvasHasTheSameBytes) {
     std::filesystem::remove(folder_ / "out.02.png");
     ASSERT_EQ(Move({"--skip-existing"}).code, 0);
     EXPECT_EQ(Bytes("out.02.png"), whole);
-    // A picture alone.
+    // A picture alone, whose recipe has the time instead of the frame.
+    ASSERT_EQ(Move({"--frames", "2", "--canvas", "-6,-6,11,9", "--no-recipe"}, "plain.##.png").code, 0);
     const Outcome single =
-        Render({"--preset", "moving.json", "--time", "0.08333333333", "--canvas", "-6,-6,11,9"}, "in.2.png", "one.png");
+        Render({"--preset", "moving.json", "--time", "0.08333333333", "--canvas", "-6,-6,11,9", "--no-recipe"},
+               "in.2.png", "one.png");
     ASSERT_EQ(single.code, 0) << single.err;
-    EXPECT_EQ(Bytes("one.png"), whole);
+    EXPECT_EQ(Bytes("one.png"), Bytes("plain.02.png"));
 }
 
 TEST_F(CliSequenceCanvas, EachFrameMayHaveItsOwn) {
