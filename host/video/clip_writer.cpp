@@ -55,6 +55,12 @@ Result<Done> CheckEncoder(const ClipCodec& codec, const std::string& path) {
     return Failure{ErrorKind::kUsage, missing.sentence + "; write .mov, .mkv or .webm"};
 }
 
+/// Whether a recipe is added as a box of its own when ffmpeg has ended: its muxers of such files keep known names only.
+bool TakesRecipeBox(const std::string& path) {
+    const std::string muxer = MuxerOf(path);
+    return muxer == "mov" || muxer == "mp4";
+}
+
 std::vector<std::string> EncoderArguments(const ClipTarget& target, const std::string& file) {
     std::vector<std::string> all = {"-y",
                                     "-f",
@@ -91,7 +97,7 @@ std::vector<std::string> EncoderArguments(const ClipTarget& target, const std::s
     add({"-vf", EncoderFilters(*target.codec, target.raw, tags, target.from ? target.from->aspect : ""), "-c:v",
          target.codec->encoder});
     all.insert(all.end(), target.codec->arguments.begin(), target.codec->arguments.end());
-    if (ContainerOf(target.path) != "mov") {
+    if (!TakesRecipeBox(target.path)) {
         // Without "bitexact" the file would have a random identifier; an empty text removes the recipe of `from`.
         add({"-fflags", "+bitexact", "-metadata", fmt::format("{}={}", kRecipeName, target.recipe)});
     }
@@ -139,7 +145,7 @@ Result<Done> ClipWriter::Finish() {
     if (const auto size = std::filesystem::file_size(file_.Name(), error); error || size == 0) {
         return CannotWrite(target_.path, "ffmpeg ended without an error, but there is no clip");
     }
-    if (!target_.recipe.empty() && ContainerOf(target_.path) == "mov") {
+    if (!target_.recipe.empty() && TakesRecipeBox(target_.path)) {
         if (const auto problem = AppendRecipeBox(target_.recipe, file_.Descriptor())) {
             return CannotWrite(target_.path, *problem);
         }

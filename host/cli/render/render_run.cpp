@@ -232,7 +232,8 @@ void RenderRun::Say(const char* stage) {
 }
 
 Result<ExitCode> Render(const RenderOptions& asked) {
-    const RenderOptions options = TRY(WithColors(TRY(WithRecipe(asked))));
+    const RenderOptions remade = TRY(WithRecipe(asked));
+    const RenderOptions options = TRY(WithColors(remade));
     const auto many = TRY(MeansSequence(options));
     if (many) {
         TRY(CheckNoTime(options));

@@ -98,7 +98,7 @@ TEST_F(DoctorReport, EveryPartHasALine) {
     }
     EXPECT_THAT(subjects,
                 IsSupersetOf({"program", "system", "processor", "memory", "disk", "module", "renderer", "images",
-                              "panel", "preview", "fonts", "presets", "clips", "codecs", "openfx"}));
+                              "panel", "preview", "colour", "fonts", "presets", "clips", "codecs", "openfx"}));
     EXPECT_THAT(outcome.out, testing::ContainsRegex("\nok       module     'Umbrant 2', /[^\n]*umbrant2.so\n"));
     EXPECT_THAT(outcome.out, HasSubstr("\nok       renderer   drawn by the CPU renderer: "));
     EXPECT_THAT(outcome.out, HasSubstr("\nok       clips      ffmpeg 5.1.9-0+deb12u1\n"));
