@@ -220,7 +220,8 @@ void RenderRun::Say(const char* stage) {
 }
 
 Result<ExitCode> Render(const RenderOptions& asked) {
-    const RenderOptions options = TRY(WithColors(TRY(WithRecipe(asked))));
+    const RenderOptions like = TRY(WithRecipe(asked));
+    const RenderOptions options = TRY(WithColors(like));
     const auto many = TRY(MeansSequence(options));
     if (many) {
         TRY(CheckNoTime(options));
