@@ -149,7 +149,8 @@ Result<FarmJob> JobOf(const FarmOptions& options, const std::vector<std::string>
                        "--chunk is not allowed here, as each task of a job has its own chunk; leave it out"};
     }
     const auto folder = TRY(EnterFolder(options.folder));
-    const RenderOptions render = TRY(WithColors(TRY(WithRecipe(asked))));
+    const RenderOptions like = TRY(WithRecipe(asked));
+    const RenderOptions render = TRY(WithColors(like));
     const auto many = TRY(MeansSequence(render));
     if (!many) {
         return Failure{

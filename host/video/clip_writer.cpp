@@ -93,7 +93,11 @@ std::vector<std::string> EncoderArguments(const ClipTarget& target, const std::s
             add({"-timecode", target.from->timecode});
         }
     }
-    const ColorTags tags = TagsFor(*target.codec, target.from);
+    ColorTags tags = TagsFor(*target.codec, target.from);
+    if (target.colors) {
+        tags.primaries = target.colors->primaries;
+        tags.transfer = target.colors->transfer;
+    }
     add({"-vf", EncoderFilters(*target.codec, target.raw, tags, target.from ? target.from->aspect : ""), "-c:v",
          target.codec->encoder});
     all.insert(all.end(), target.codec->arguments.begin(), target.codec->arguments.end());

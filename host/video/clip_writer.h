@@ -29,7 +29,8 @@ struct ClipTarget {
     bool keepsSound = false;          ///< of `from`
     /// The part of `from` that is drawn, in seconds from its first picture: begin and length; nothing for all of it.
     std::optional<std::pair<double, double>> part{};
-    std::string recipe{};  ///< empty for none, also where `from` has one
+    std::optional<ColorTags> colors{};  ///< primaries and transfer in place of those of `from`
+    std::string recipe{};               ///< empty for none, also where `from` has one
 };
 
 /// Whether this ffmpeg has the codec's encoder. Fails with `ErrorKind::kFile`, or for a codec without alpha, which

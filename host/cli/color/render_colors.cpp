@@ -112,6 +112,16 @@ void RenderColors::ConvertValues(ParamSet& values, const Animation* moving) cons
     }
 }
 
+std::optional<ColorTags> RenderColors::Tags() const {
+    if (!words_) return std::nullopt;
+    // A clip for a display of gamma 2.4 has the transfer of Rec. 709 by convention.
+    const std::string transfer = words_->space == "sRGB"             ? "iec61966-2-1"
+                                 : words_->space == "Linear"         ? "linear"
+                                 : words_->space == "GammaCorrected" ? "bt709"
+                                                                     : "";
+    return ColorTags{transfer.empty() ? "" : "bt709", transfer, "", ""};
+}
+
 Result<RenderOptions> WithColors(RenderOptions options) {
     if (AsksForNone(options.color)) return options;
     options.colors = TRY(RenderColors::Open(options));

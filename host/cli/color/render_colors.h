@@ -13,6 +13,7 @@
 #include "host/parameters/param_set.h"
 #include "host/render/frame_layers.h"
 #include "host/render/worker.h"
+#include "host/video/clip_facts.h"
 
 namespace umbrant::host {
 
@@ -34,6 +35,8 @@ class RenderColors {
     void ConvertValues(ParamSet& values, const Animation* moving = nullptr) const;
     /// What a file says about colours in the output space; nothing where the input's words remain true.
     const std::optional<ColorWords>& Words() const { return words_; }
+    /// The same for a clip.
+    std::optional<ColorTags> Tags() const;
 
  private:
     std::shared_ptr<const ColorConversion> fromInput_;

@@ -78,8 +78,7 @@ std::vector<std::string> ArgumentsFrom(const Recipe& recipe, const RenderOptions
 }
 
 Failure Unusable(const std::string& file, const std::string& reason) {
-    return {ErrorKind::kUsage,
-            fmt::format("the recipe of '{}' cannot be used: {}; override it on the command line", file, reason)};
+    return {ErrorKind::kUsage, fmt::format("the recipe of '{}' cannot be used: {}", file, reason)};
 }
 
 /// Reads the arguments into the options with the checks of the command line.
@@ -90,7 +89,10 @@ Result<Done> ReadArguments(std::vector<std::string> arguments, const std::shared
     for (const std::string& argument : arguments) {
         const std::string name = argument.substr(2, argument.find('=') - 2);
         if (!app.get_option_no_throw("--" + name) || !(IsOneOf(kPixelOptions, name) || name == "canvas")) {
-            return Unusable(file, fmt::format("this program has no option '--{}' for recipes", EchoText(name)));
+            return Unusable(file,
+                            fmt::format("this program has no option '--{}' for recipes; draw with the program that "
+                                        "wrote it",
+                                        EchoText(name)));
         }
     }
     // What the command line gave, for options that need one another.
@@ -101,7 +103,7 @@ Result<Done> ReadArguments(std::vector<std::string> arguments, const std::shared
     try {
         app.parse(arguments);
     } catch (const CLI::ParseError& problem) {
-        return Unusable(file, problem.what());
+        return Unusable(file, fmt::format("{}; give the option on the command line", problem.what()));
     }
     return Done{};
 }
@@ -129,6 +131,11 @@ void AddRecipeOptions(CLI::App& app, const std::shared_ptr<RenderOptions>& optio
 Result<RenderOptions> WithRecipe(const RenderOptions& options) {
     if (options.like.empty()) return options;
     const auto recipe = TRY(ReadRecipe(options.like));
+    const bool readsTexture = std::count(recipe.options.begin(), recipe.options.end(),
+                                         std::pair(std::string("texture"), std::string("-"))) > 0;
+    if (readsTexture && !IsGiven(options, "texture")) {
+        return Unusable(options.like, "its texture came from standard input; name a file with --texture");
+    }
     const auto merged = std::make_shared<RenderOptions>(options);
     TRY(ReadArguments(ArgumentsFrom(recipe, options), merged));
     const std::vector<std::pair<std::string, std::string>> taken = merged->given;

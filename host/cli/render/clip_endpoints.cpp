@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include "host/cli/color/render_colors.h"
 #include "host/compositing/memory_shortage.h"
 #include "host/compositing/resample.h"
 
@@ -74,6 +75,7 @@ Result<Done> CheckClipOptions(const RenderOptions& options) {
 
 Result<Done> ClipEndpoints::Open(const RenderOptions& options, PlanRequest& request) {
     output_ = options.output;
+    if (options.colors) colors_ = options.colors->Tags();
     request.outputIsClip = IsWrittenAsClip(output_);
     if (request.outputIsClip) {
         for (const std::string& read : {options.input, options.texture, BackgroundFile(options)}) {
@@ -185,6 +187,7 @@ Result<Done> ClipEndpoints::Begin(const FramePlan& plan, const PF_LRect& canvas,
     target.keepsSound = sound_.kept;
     target.part = sound_.part;
     target.recipe = recipe;
+    target.colors = colors_;
     auto writer = TRY(ClipWriter::Start(std::move(target)));
     writer_ = std::move(writer);
     return Done{};

@@ -71,6 +71,7 @@ class ClipEndpoints {
     Depth depth_ = Depth::k8;
     FrameRate rate_{};
     Sound sound_{};
+    std::optional<ColorTags> colors_;  ///< nothing for those of the input
 };
 
 }  // namespace umbrant::host

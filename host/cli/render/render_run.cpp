@@ -232,8 +232,8 @@ void RenderRun::Say(const char* stage) {
 }
 
 Result<ExitCode> Render(const RenderOptions& asked) {
-    const RenderOptions remade = TRY(WithRecipe(asked));
-    const RenderOptions options = TRY(WithColors(remade));
+    const RenderOptions like = TRY(WithRecipe(asked));
+    const RenderOptions options = TRY(WithColors(like));
     const auto many = TRY(MeansSequence(options));
     if (many) {
         TRY(CheckNoTime(options));

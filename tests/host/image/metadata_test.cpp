@@ -225,6 +225,33 @@ TEST(Metadata, OnlyAProfileThatDescribesThePixelsIsKept) {
     }
 }
 
+TEST(Metadata, AProfileWithoutAPlaceOrAMeaningIsReported) {
+    const Folder folder;
+    OIIO::ImageSpec layout(1, 1, 4, OIIO::TypeDesc::UINT8);
+    const auto bytes = Profile("RGB ");
+    layout.attribute("ICCProfile", OIIO::TypeDesc(OIIO::TypeDesc::UINT8, static_cast<int>(bytes.size())), bytes.data());
+    WriteFile(folder / "a.tif", layout, {0, 0, 0, 1});
+    auto picture = ReadPicture(folder / "a.tif");
+    ASSERT_TRUE(picture);
+    const ColorWords srgb{"sRGB", 0, {}};
+    const auto note = [&](const char* output, bool isConverted, const std::optional<ColorWords>& words) {
+        return ColorNote(picture->metadata.get(), "a.tif", output, "", isConverted, words);
+    };
+    const std::string leftOut = "the colour profile of 'a.tif' is left out: ";
+    EXPECT_EQ(note("b.exr", false, {}), leftOut + "an EXR has no place for one");
+    EXPECT_EQ(note("b.mov", false, {}), leftOut + "a clip has no place for one");
+    EXPECT_EQ(note("b.png", true, srgb), leftOut + "the colours are converted to another space");
+    EXPECT_EQ(note("b.png", true, {}), "");
+    EXPECT_EQ(note("b.jpg", false, {}), "");
+    WriteOptions kept;
+    kept.metadata = picture->metadata;
+    ASSERT_TRUE(WritePicture(folder / "kept.png", picture->pixels, {{0, 0, 1, 1}, 1, 1}, kept));
+    kept.colors = srgb;
+    ASSERT_TRUE(WritePicture(folder / "srgb.png", picture->pixels, {{0, 0, 1, 1}, 1, 1}, kept));
+    EXPECT_THAT(ReadBytes(folder / "kept.png"), HasSubstr("iCCP"));
+    EXPECT_THAT(ReadBytes(folder / "srgb.png"), testing::Not(HasSubstr("iCCP")));
+}
+
 TEST(Metadata, AProfileIsNotRepeatedAsTexts) {
     const Folder folder;
     OIIO::ImageSpec layout(3, 2, 3, OIIO::TypeDesc::UINT8);

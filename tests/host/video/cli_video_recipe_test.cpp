@@ -38,6 +38,26 @@ TEST_F(Clips, ARecipeDrawsTheSameClipAgain) {
     }
 }
 
+TEST_F(Clips, ConvertedColoursAreTagged) {
+    NEEDS_FFMPEG();
+    unsetenv("OCIO");
+    WriteLayer(folder_ / "in.png", 16, 12, {255, 188, 120, 180});
+    const std::vector<std::string> convert = {"--frames", "1-1", "--input-space", "sRGB",
+                                              "--codec",  "png", "--output-space"};
+    for (const auto& [space, transfer] : {std::pair("linear", "linear"), std::pair("Gamma 2.4 Rec.709", "bt709")}) {
+        auto words = convert;
+        words.emplace_back(space);
+        const Outcome outcome = Render("in.png", "out.mov", words);
+        ASSERT_EQ(outcome.code, 0) << outcome.err;
+        EXPECT_EQ(Pictures("out.mov")["color_primaries"], "bt709");
+        EXPECT_EQ(Pictures("out.mov")["color_transfer"], transfer);
+    }
+    auto words = convert;
+    words.emplace_back("ACEScg");
+    ASSERT_EQ(Render("in.png", "out.mov", words).code, 0);
+    EXPECT_FALSE(Pictures("out.mov").contains("color_transfer"));
+}
+
 }  // namespace
 
 }  // namespace umbrant::host

@@ -140,6 +140,7 @@ TEST_F(CliRecipe, FailuresAreOneSentence) {
     WriteChanged("option.png", "\"canvas\":\"grow\"", "\"canvas\":\"grow\",\"sparkle\":\"1\"");
     WriteChanged("value.png", "\"canvas\":\"grow\"", "\"canvas\":\"grow\",\"downsample\":\"-1\"");
     WriteChanged("other.png", "\"canvas\":\"grow\"", "\"canvas\":\"grow\",\"threads\":\"2\"");
+    WriteChanged("input.png", "\"canvas\":\"grow\"", "\"canvas\":\"grow\",\"texture\":\"-\"");
     WriteChanged("pixels.png", "\"pixels\":1", "\"pixels\":7");
     const struct {
         const char* file;
@@ -158,10 +159,13 @@ TEST_F(CliRecipe, FailuresAreOneSentence) {
          "'style/distances'; draw with the module that drew it, Umbrant 2 1.3.3 (--module)\n"},
         {"range.png", 2, "the recipe of 'range.png' has a mistake: line 1, column "},
         {"option.png", 2,
-         "the recipe of 'option.png' cannot be used: this program has no option '--sparkle' for recipes; "
-         "override it on the command line\n"},
+         "the recipe of 'option.png' cannot be used: this program has no option '--sparkle' for recipes; draw with the "
+         "program that wrote it\n"},
         {"other.png", 2,
          "the recipe of 'other.png' cannot be used: this program has no option '--threads' for recipes; "},
+        {"input.png", 2,
+         "the recipe of 'input.png' cannot be used: its texture came from standard input; name a file with "
+         "--texture\n"},
         {"value.png", 2, "the recipe of 'value.png' cannot be used: --downsample: "},
         {"pixels.png", 2, "'pixels.png' was drawn by umbrant "},
     };
