@@ -7,6 +7,7 @@
 
 #include "host/compositing/memory_shortage.h"
 #include "host/compositing/resample.h"
+#include "host/render/plan/output_check.h"
 
 namespace umbrant::host {
 

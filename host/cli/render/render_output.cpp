@@ -8,7 +8,7 @@
 #include <cstdio>
 
 #include "host/cli/render/render_options.h"
-#include "host/render/plan/frame_plan.h"
+#include "host/render/plan/output_check.h"
 
 namespace umbrant::host {
 

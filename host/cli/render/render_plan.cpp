@@ -37,6 +37,7 @@ Result<PlanRequest> SequenceRequest(const RenderOptions& options) {
     request.input = options.input;
     request.texture = options.texture;
     request.output = options.output;
+    if (!options.preset.empty()) request.alsoRead.push_back(options.preset);
     if (!sequence.frames.empty()) {
         auto frames = TRY(ParseFrames(sequence.frames));
         request.frames = std::move(frames);
@@ -71,11 +72,6 @@ Result<std::unique_ptr<RenderPlan>> PlanSequenceRender(RenderOptions& options) {
     plan->canvas = canvas;
     auto frames = TRY(PlanFrames(request));
     plan->frames = std::move(frames);
-    if (!options.preset.empty()) {
-        for (const PlannedFrame& frame : plan->frames.frames) {
-            TRY(CheckApart(options.preset, frame.output));
-        }
-    }
     // A clip has its own ways of storing.
     if (!plan->clips.Writes() || !options.compression.empty()) {
         TRY(CheckStorage(options));

@@ -176,10 +176,9 @@ Result<ExitCode> RenderRun::DrawSequence(FirstFrame first) {
 }
 
 std::set<std::filesystem::path> RenderRun::OutputFolders() const {
-    if (plan_->clips.Writes()) return {FolderOf(options_.output)};
-    std::set<std::filesystem::path> folders;
-    for (const PlannedFrame& frame : plan_->frames.frames) folders.insert(FolderOf(frame.output));
-    return folders;
+    if (plan_->frames.frames.empty()) return {};
+    // The frame's number is in the name of the file, so one folder has all of them.
+    return {FolderOf(options_.output)};
 }
 
 void RenderRun::ReportMisbehaviour() {
