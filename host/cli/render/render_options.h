@@ -62,6 +62,8 @@ struct RenderOptions {
     std::string module;
     bool json = false;
     bool verbose = false;
+    bool watch = false;   ///< draws again whenever what is read changes
+    bool dryRun = false;  ///< a few frames are drawn, to be measured, and nothing is written
     SequenceOptions sequence;
 };
 

@@ -93,7 +93,7 @@ Result<std::unique_ptr<RenderPlan>> PlanImageRender(const RenderOptions& options
     plan->frames =
         PlanImage({options.input, options.texture, options.output, options.seconds, rate, options.sequence.zeroFrame});
     plan->reader.emplace(LayerOptionsOf(options));
-    if (options.output != "-") CleanFolderOf(options.output, options.sequence.quiet);
+    if (options.output != "-" && !options.dryRun) CleanFolderOf(options.output, options.sequence.quiet);
     return plan;
 }
 

@@ -34,6 +34,8 @@ Result<ExitCode> RenderRun::Run() {
     Stopwatch whole;
     auto planned = TRY(isImage_ ? PlanImageRender(options_) : PlanSequenceRender(options_));
     plan_ = std::move(planned);
+    if (again_) LeaveOutUnchanged();
+    if (!allFrames_.empty() && plan_->frames.frames.empty()) return ExitCode::kDone;
     const auto preference = TRY(ReadRendererPreference(options_.renderer));
     if (isImage_) image_.emplace(SecondsOfProgress(options_.sequence), options_.verbose);
     FillJob();
@@ -41,7 +43,7 @@ Result<ExitCode> RenderRun::Run() {
     auto first = ReadFirst(plan_->frames, *plan_->reader, options_.sequence.keepGoing);
     if (!first) return first.error();
     // Without a frame there is nothing to draw, and the summary says so.
-    if (!first->layers.input) return DrawSequence(std::move(*first));
+    if (!first->layers.input) return options_.dryRun ? DryRun(*first, nullptr, 0) : DrawSequence(std::move(*first));
     ReportNotesOf(first->layers);
     const ImageFacts image{first->readTime, first->layers.input->pixels.Width(), first->layers.input->pixels.Height(),
                            first->layers.input->pixels.PixelDepth()};
@@ -53,7 +55,15 @@ Result<ExitCode> RenderRun::Run() {
     renderer_ = DecideRenderer(preference, ReadGpuStrings(session.Params()));
     session.SetRenderer(renderer_.Request());
     TRY(FindCanvas(opened, *first));
+    if (again_) {
+        TRY(CompareCanvas(*first));
+    }
     TRY(StartInstances(session, *first));
+    if (options_.dryRun) {
+        auto measured = DryRun(*first, &session, whole.Lap() / 1000);
+        auto ended = instances_.End();
+        return measured && !ended ? ended.error() : std::move(measured);
+    }
     TRY(BeginClip(*first));
     auto outcome = isImage_ ? DrawImage(std::move(*first)) : DrawSequence(std::move(*first));
     if (isImage_ && !outcome) return outcome;

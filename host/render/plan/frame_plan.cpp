@@ -220,6 +220,7 @@ Result<FramePlan> PlanFrames(const PlanRequest& request) {
         frame.inputChanges = set.input.HasFrames() && !frame.heldInput;
         frame.textureChanges = set.texture.HasFrames() && !frame.heldTexture;
     }
+    plan.output = request.output;
     plan.input = std::move(set.input);
     plan.texture = std::move(set.texture);
     if (request.skipExisting) {

@@ -88,6 +88,7 @@ struct FramePlan {
     int zeroFrame = 0;            ///< the frame at time 0
     bool isImage = false;         ///< a single image, which has no number
     A_long totalTime = 1;         ///< up to the end of the last frame of the whole set; at least one step
+    std::string output{};          ///< as it was asked for: a picture, a pattern or a clip
     FrameSource input{};          ///< for times that are no frame's
     FrameSource texture{};
 };
