@@ -58,7 +58,7 @@ void ReportFailure(const std::string& reason) {
                                   : "; frames have a hatched band (UMBRANT_FREI0R=pass: they pass through unchanged)"));
 }
 
-/// Another value than "pass" changes nothing, which is worth a word: who sets it expects something.
+/// Another value than "pass" changes nothing, which is reported: whoever sets it expects an effect.
 void CheckVariable() {
     const char* value = std::getenv(kVariable);
     if (!value || *value == '\0' || FramesPass()) return;

@@ -13,7 +13,7 @@ namespace umbrant::host {
 /// What sbatch answered.
 struct SubmittedJob {
     std::string id;    ///< of the array; with ";CLUSTER" behind it where there are several
-    std::string note;  ///< what sbatch printed besides, on one line; mostly empty
+    std::string note;  ///< what else sbatch printed, on one line; mostly empty
 };
 
 /// Submits the script in the working folder of this process. Fails with `ErrorKind::kFile` when there is no sbatch or

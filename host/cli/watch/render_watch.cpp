@@ -33,6 +33,10 @@ using Clock = std::chrono::steady_clock;
 constexpr WatchedWorld::Seconds kPollInterval{1};
 constexpr double kPollShare = 20;
 
+/// After an event more of them are waited for, or many programs that write into the folder would keep this one busy.
+constexpr WatchedWorld::Seconds kGathering{0.05};
+constexpr double kGatheringShare = 4;
+
 Result<Done> CheckWatch(const RenderOptions& options) {
     const auto clash = [&](const char* what) {
         return Failure{ErrorKind::kUsage, fmt::format("--watch draws again and again, which {}; leave one out", what)};
@@ -90,7 +94,7 @@ class RenderWatch : public WatchedWorld {
     bool WaitForEvent() override {
         if (hooks_.waits && !hooks_.waits()) return false;
         events_.Wait(std::max(kPollInterval, kPollShare * scanTime_));
-        return true;
+        return Pause(std::max(kGathering, kGatheringShare * scanTime_));
     }
 
     bool Pause(Seconds time) override {

@@ -24,7 +24,7 @@ struct PlanRequest {
     std::optional<int> textureClip{};     ///< the texture's
     bool outputIsClip = false;            ///< all frames go into one file
     bool writesNothing = false;           ///< `output` means nothing
-    std::vector<std::string> alsoRead{};  ///< files that are read besides, such as a preset
+    std::vector<std::string> alsoRead{};  ///< other files that are read, such as a preset
     /// The frames; without them all that the input has, or else the texture.
     std::optional<std::vector<FrameNumber>> frames{};
     int inputOffset = 0;    ///< frame f is drawn from the input's frame f + inputOffset
@@ -88,7 +88,7 @@ struct FramePlan {
     int zeroFrame = 0;            ///< the frame at time 0
     bool isImage = false;         ///< a single image, which has no number
     A_long totalTime = 1;         ///< up to the end of the last frame of the whole set; at least one step
-    std::string output{};          ///< as it was asked for: a picture, a pattern or a clip
+    std::string output{};         ///< as it was asked for: a picture, a pattern or a clip
     FrameSource input{};          ///< for times that are no frame's
     FrameSource texture{};
 };

@@ -121,7 +121,7 @@ TEST_F(CliFarmSubmit, NothingIsSubmittedThatCannotBeMeasured) {
     for (int frame = 1; frame <= 6; ++frame) fs::remove(folder_ / ("in." + std::to_string(frame) + ".png"));
     outcome = Submit();
     EXPECT_EQ(outcome.code, 3);
-    EXPECT_THAT(outcome.err, HasSubstr("none of the input's frames can be read yet; --no-first-frame"));
+    EXPECT_THAT(outcome.err, HasSubstr("frame 1: cannot read 'in.@.png': there is no such file; --no-first-frame"));
     EXPECT_FALSE(Exists("script"));
     outcome = Submit({"--yes", "--no-first-frame"});
     EXPECT_EQ(outcome.code, 0) << outcome.err;
@@ -145,7 +145,9 @@ TEST_F(CliFarmSubmit, WrongUsage) {
          "--submit applies to slurm only; without it the job for openjd is printed"},
         {{"--yes", "slurm"}, 2, "--yes requires --submit"},
         {{"--no-first-frame", "slurm"}, 2, "--no-first-frame requires --submit"},
-        {{"slurm", "still.png", "--submit"}, 2, "--submit is an option of farm, not of render; write it before 'slurm'"},
+        {{"slurm", "still.png", "--submit"},
+         2,
+         "--submit is an option of farm, not of render; write it before 'slurm'"},
         {{"slurm", "--watch"}, 2, "--watch is not for the tasks of a job; leave it out"},
         {{"slurm", "--dry-run"}, 2, "--dry-run is not for the tasks of a job; leave it out"},
         {{"--submit", "--yes", "--logs", "nowhere", "slurm"}, 3, "the folder of the logs, 'nowhere', does not exist"},

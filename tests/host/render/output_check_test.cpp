@@ -108,7 +108,7 @@ TEST_F(OutputCheck, AMillionFramesAreAPlanOfTheChunk) {
 TEST_F(OutputCheck, SetsOfManyPartsHaveEachFrameOnce) {
     const auto frames = ParseFrames("1-500000,250000-999999,7,0.5-2x0.5,1-999999:6");
     ASSERT_TRUE(frames);
-    EXPECT_EQ(frames->size(), 999999u + 2) << "0.5 and 1.5 besides";
+    EXPECT_EQ(frames->size(), 999999u + 2) << "and 0.5 and 1.5";
     EXPECT_EQ((*frames)[999999].Text(), "0.5");
     const auto fine = ParseFrames("1-13:6");
     ASSERT_TRUE(fine);

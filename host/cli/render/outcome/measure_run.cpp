@@ -72,7 +72,11 @@ std::uint64_t LargestSize() {
 }  // namespace
 
 Result<Done> RenderRun::MeasureFrames(const FirstFrame& first, RenderCost& cost) {
+    // The same plan with one frame. There may be a million others, which are not copied.
+    std::vector<PlannedFrame> all;
+    all.swap(plan_->frames.frames);
     FramePlan one = plan_->frames;
+    all.swap(plan_->frames.frames);
     FrameJob job = job_;
     job.plan = &one;
     job.shape = {1, 1, 1, 1};
@@ -121,7 +125,13 @@ Result<RenderCost> RenderRun::CostOf(const FirstFrame& first, EffectSession* ses
     for (const PlannedFrame& frame : plan_->frames.frames) {
         ++(frame.state == PlannedFrame::State::kDraw ? cost.frames : cost.left);
     }
-    if (!session) return cost;
+    if (!session) {
+        // Those that are to be drawn cannot be read.
+        if (cost.frames > 0) {
+            TRY(ReadFirst(plan_->frames, *plan_->reader, false));
+        }
+        return cost;
+    }
     cost.startSeconds = startSeconds;
     if (const auto covered = Covered()) cost.canvas = "--canvas " + CanvasText(covered->layer);
     cost.shape = isImage_ ? PipelineShape{1, 1, 1, 1} : job_.shape;

@@ -110,6 +110,10 @@ TEST_F(CliDryRun, FramesThatFailAreReported) {
     EXPECT_THAT(all.err, HasSubstr("umbrant: 3 frames failed:\n  frames 1, 6: "));
     EXPECT_EQ(all.out, "");
     EXPECT_EQ(Render({"--dry-run"}, "none.png", "out.png").code, 3);
+    WriteBytes(folder_ / "still.png", "no picture");
+    const Outcome unreadable = Render({"--dry-run", "--keep-going", "--frames", "1-3"}, "still.png");
+    EXPECT_EQ(unreadable.code, 3);
+    EXPECT_THAT(unreadable.err, StartsWith("umbrant: frame 1: cannot read 'still.png': not an image"));
 }
 
 TEST(RenderCost, TimesAreAtLeastTheSlowestStepAndAtMostAllOfThem) {
