@@ -13,6 +13,7 @@
 #include <system_error>
 
 #include "host/cli/farm/submit.h"
+#include "host/cli/presets/named_presets.h"
 #include "host/cli/render/render_options.h"
 #include "host/cli/results.h"
 #include "host/cli/run_program.h"
@@ -144,8 +145,8 @@ Result<std::string> EnterFolder(const std::string& asked) {
     return text.size() > 1 && text.back() == '/' ? text.substr(0, text.size() - 1) : text;
 }
 
-Result<FarmJob> JobOf(const FarmOptions& options, const std::vector<std::string>& arguments,
-                      const RenderOptions& render) {
+/// The job. What `render` names by other names than files becomes a file of this machine, for what is done here.
+Result<FarmJob> JobOf(const FarmOptions& options, const std::vector<std::string>& arguments, RenderOptions& render) {
     if (!render.sequence.chunk.empty()) {
         return Failure{ErrorKind::kUsage,
                        "--chunk is not allowed here, as each task of a job has its own chunk; leave it out"};
@@ -155,6 +156,7 @@ Result<FarmJob> JobOf(const FarmOptions& options, const std::vector<std::string>
         return Failure{ErrorKind::kUsage, fmt::format("{} is not for the tasks of a job; leave it out", option)};
     }
     const auto folder = TRY(EnterFolder(options.folder));
+    render.preset = TRY(PresetFile(render.preset));
     const auto many = TRY(MeansSequence(render));
     if (!many) {
         return Failure{
