@@ -2,9 +2,9 @@
 // Copyright 2026 the Umbrant authors
 
 // The interface's eleven functions over the library: pictures of 8 bits, red, green, blue, alpha in this order,
-// straight alpha, and the shadow cut to the frame. Where the effect cannot draw, pictures pass as they are, and why is
-// said once on standard error: a filter must never take its host down. An instance is driven by one thread at a time,
-// instances by any number.
+// straight alpha, and the shadow cut to the frame. Where the effect cannot draw, the frame has a hatched band, or
+// passes through unchanged if UMBRANT_FREI0R is "pass", and the reason is logged once to standard error: a filter must
+// never take its host down. An instance is driven by one thread at a time, instances by any number.
 
 // The header declares C functions without extern "C"; they are the only exported names.
 #pragma GCC visibility push(default)
@@ -17,29 +17,52 @@ extern "C" {
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <memory>
 #include <mutex>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <umbrant/effect.h>
 
+#include "frei0r/error_band.h"
 #include "frei0r/filter_parameters.h"
 
 namespace {
 
+constexpr char kVariable[] = "UMBRANT_FREI0R";
 constexpr double kLongestTime = 24.0 * 60 * 60;
 
-/// Says something that has not been said yet.
+/// Logs a sentence that has not been logged yet.
 void Report(const std::string& sentence) {
     static std::mutex mutex;
     static std::set<std::string> reported;
     const std::lock_guard lock(mutex);
     if (!reported.insert(sentence).second) return;
-    std::fputs(("umbrant_frei0r: " + sentence + "; frames pass through unchanged\n").c_str(), stderr);
+    std::fputs(("umbrant_frei0r: " + sentence + "\n").c_str(), stderr);
+}
+
+/// Whether frames that cannot be drawn pass through unchanged.
+bool FramesPass() {
+    const char* value = std::getenv(kVariable);
+    return value && std::string_view(value) == "pass";
+}
+
+/// The reason why frames cannot be drawn, with what becomes of them.
+void ReportFailure(const std::string& reason) {
+    Report(reason + (FramesPass() ? "; frames pass through unchanged"
+                                  : "; frames have a hatched band (UMBRANT_FREI0R=pass: they pass through unchanged)"));
+}
+
+/// Another value than "pass" changes nothing, which is reported: whoever sets it expects an effect.
+void CheckVariable() {
+    const char* value = std::getenv(kVariable);
+    if (!value || *value == '\0' || FramesPass()) return;
+    Report(std::string(kVariable) + " is \"" + value + "\", which means nothing; it must be \"pass\" or not set");
 }
 
 /// Runs something that may fail; returns whether it did not.
@@ -50,10 +73,11 @@ bool Try(Action action) noexcept {
         return true;
     } catch (const std::exception& problem) {
         try {
-            Report(problem.what());
+            ReportFailure(problem.what());
         } catch (...) {
         }
     } catch (...) {
+        // A failure without a reason: the frame shows it.
     }
     return false;
 }
@@ -66,6 +90,7 @@ class Filter {
         umbrant::EffectOptions options;
         options.moduleAdvice =
             "put umbrant2.so into the filter's folder, or set the environment variable UMBRANT_MODULE to its file";
+        CheckVariable();
         Try([&] { effect_ = std::make_unique<umbrant::Effect>(options); });
     }
 
@@ -96,8 +121,11 @@ class Filter {
                                effect_->RenderInto({from, width_, height_, umbrant::PixelFormat::kRgba8},
                                                    {to, width_, height_, umbrant::PixelFormat::kRgba8}, options);
                            });
-        if (drawn || from == to) return;
-        std::memmove(to, from, 4 * static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_));
+        if (drawn) return;
+        if (from != to) {
+            std::memmove(to, from, 4 * static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_));
+        }
+        if (!FramesPass()) DrawErrorBand(to, width_, height_);
     }
 
  private:

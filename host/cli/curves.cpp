@@ -23,7 +23,7 @@
 #include "host/cli/settings.h"
 #include "host/image/picture.h"
 #include "host/render/plan/frame_numbers.h"
-#include "host/render/plan/frame_plan.h"
+#include "host/render/plan/output_check.h"
 
 namespace umbrant::host {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// `umbrant farm`: a set of frames as a job for a render farm's own engine. It prints the job and does nothing else.
+// `umbrant farm`: a set of frames as a job for a render farm's own engine. It prints the job, or hands it to Slurm.
 
 #include <fmt/format.h>
 
@@ -13,6 +13,8 @@
 #include <system_error>
 
 #include "host/cli/color/render_colors.h"
+#include "host/cli/farm/submit.h"
+#include "host/cli/presets/named_presets.h"
 #include "host/cli/recipe/like.h"
 #include "host/cli/render/render_options.h"
 #include "host/cli/results.h"
@@ -33,6 +35,8 @@ constexpr int kFramesPerTask = 10;
 constexpr char kExamples[] =
     "  umbrant farm slurm shot.####.exr -o out/shot.####.exr --frames 1-240 > shot.sh; sbatch --wait shot.sh\n"
     "      an array of 24 tasks with 10 frames each\n"
+    "  umbrant farm --submit slurm shot.####.exr -o out/shot.####.exr --frames 1-240\n"
+    "      the same job, submitted after a question, with a time limit that was measured\n"
     "  umbrant farm --tasks 12 --name title parallel title.png -o out/title.####.png --preset moving.json --frames "
     "1-48 "
     "> title.sh\n"
@@ -50,6 +54,7 @@ struct FarmOptions {
     std::string halt;
     std::string program;
     std::string folder;
+    SubmitOptions submission;
     CLI::App* app = nullptr;  ///< has what follows the engine
 };
 
@@ -89,7 +94,7 @@ Result<Done> CheckChoices(const FarmOptions& options) {
     if (!options.logs.empty() && options.engine == "openjd") {
         return Failure{ErrorKind::kUsage, "--logs does not apply to openjd, whose engine keeps the logs of its tasks"};
     }
-    return Done{};
+    return CheckSubmission(options.submission, options.engine);
 }
 
 /// An option of farm among the arguments of render would be unknown there; a specific message is better.
@@ -142,15 +147,20 @@ Result<std::string> EnterFolder(const std::string& asked) {
     return text.size() > 1 && text.back() == '/' ? text.substr(0, text.size() - 1) : text;
 }
 
-Result<FarmJob> JobOf(const FarmOptions& options, const std::vector<std::string>& arguments,
-                      const RenderOptions& asked) {
-    if (!asked.sequence.chunk.empty()) {
+/// The job. What `render` names by other names than files becomes a file of this machine, for what is done here.
+Result<FarmJob> JobOf(const FarmOptions& options, const std::vector<std::string>& arguments, RenderOptions& render) {
+    if (!render.sequence.chunk.empty()) {
         return Failure{ErrorKind::kUsage,
                        "--chunk is not allowed here, as each task of a job has its own chunk; leave it out"};
     }
+    for (const auto& [isThere, option] : {std::pair(render.watch, "--watch"), {render.dryRun, "--dry-run"}}) {
+        if (!isThere) continue;
+        return Failure{ErrorKind::kUsage, fmt::format("{} is not for the tasks of a job; leave it out", option)};
+    }
     const auto folder = TRY(EnterFolder(options.folder));
-    const RenderOptions like = TRY(WithRecipe(asked));
-    const RenderOptions render = TRY(WithColors(like));
+    render.preset = TRY(PresetFile(render.preset));
+    render = TRY(WithRecipe(render));
+    render = TRY(WithColors(render));
     const auto many = TRY(MeansSequence(render));
     if (!many) {
         return Failure{
@@ -196,10 +206,21 @@ Result<ExitCode> Farm(const FarmOptions& options) {
     const int code = ReadArguments(arguments, render, read);
     if (!read) return static_cast<ExitCode>(code);
     const auto job = TRY(JobOf(options, arguments, *render));
+    if (options.submission.submits) return Submit(job, options.submission, *render);
     PrintResult(options.engine == "slurm"      ? SlurmJob(job)
                 : options.engine == "parallel" ? ParallelJob(job)
                                                : OpenJdJob(job));
     return ExitCode::kDone;
+}
+
+void AddSubmitOptions(CLI::App& app, SubmitOptions& options) {
+    CLI::Option* submit = app.add_flag("--submit", options.submits,
+                                       "For slurm: draw up to three frames, set the tasks' time limit by them, "
+                                       "show the job, ask, and submit it; prints its number");
+    app.add_flag("--yes", options.yes, "Submit without asking")->needs(submit);
+    app.add_flag("--no-first-frame", options.noFirstFrame,
+                 "Submit without drawing a frame before; the tasks have no time limit then")
+        ->needs(submit);
 }
 
 }  // namespace
@@ -208,7 +229,8 @@ Command FarmCommand() {
     const auto options = std::make_shared<FarmOptions>();
     Command command;
     command.name = "farm";
-    command.summary = "Print a set of frames as a job for a render farm: Slurm, Open Job Description or GNU parallel";
+    command.summary =
+        "Print or submit a set of frames as a job for a render farm: Slurm, Open Job Description or GNU parallel";
     command.examples = kExamples;
     command.options = [options](CLI::App& app) {
         options->app = &app;
@@ -250,6 +272,7 @@ Command FarmCommand() {
         app.add_option("--program", options->program,
                        "The program on the farm's machines (default: the path of this program)")
             ->type_name("FILE");
+        AddSubmitOptions(app, options->submission);
     };
     command.run = [options] { return Farm(*options); };
     return command;

@@ -25,7 +25,7 @@
 #include "host/process/interruption.h"
 #include "host/render/plan/frame_limits.h"
 #include "host/render/plan/frame_numbers.h"
-#include "host/render/plan/frame_plan.h"
+#include "host/render/plan/output_check.h"
 
 namespace umbrant::host {
 

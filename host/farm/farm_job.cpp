@@ -76,6 +76,7 @@ std::string SlurmJob(const FarmJob& job) {
     text += fmt::format("#SBATCH --job-name={}\n", job.name);
     text += fmt::format("#SBATCH --array=1-{}\n", job.tasks);
     text += "#SBATCH --ntasks=1\n#SBATCH --requeue\n#SBATCH --open-mode=append\n";
+    if (job.minutes > 0) text += fmt::format("#SBATCH --time={}\n", job.minutes);
     text += fmt::format("#SBATCH --output=\"{}-%A_%a.log\"\n", SbatchValue(InLogs(job, job.name)));
     text += fmt::format("#\n# Draws {}. Submit it with sbatch; with --wait that ends with the largest of the tasks'\n",
                         WhatItDraws(job));

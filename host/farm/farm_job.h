@@ -2,8 +2,8 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// A set of frames as a job for a render farm: the text that the farm's own engine takes. Nothing is submitted, and
-// nothing is asked of files; a task is one chunk of the frames, drawn by `umbrant render`.
+// A set of frames as a job for a render farm: the text that the farm's own engine takes. Nothing is asked of files; a
+// task is one chunk of the frames, drawn by `umbrant render`.
 
 #include <string>
 #include <vector>
@@ -16,6 +16,7 @@ struct FarmJob {
     int frames = 1;      ///< in all
     int tasks = 1;       ///< chunks, from 1 on
     int tries = 1;       ///< how often a failing task is started
+    int minutes = 0;     ///< a task may take, for Slurm; 0 for no limit of its own
     std::string folder;  ///< absolute; what relative names are relative to
     std::string logs;    ///< the folder of the logs, "." for `folder`; no quotes, backslashes or control characters
     std::string halt;    ///< "never", "soon" or "now", for GNU parallel

@@ -57,7 +57,7 @@ std::optional<int> FrameSource::ClipFrameShownAt(int frame) const {
 }
 
 bool FrameSource::Has(int frame) const {
-    return FileAt(frame, MissingFrames::kError).exists;
+    return !HasFrames() || std::binary_search(onDisk.begin(), onDisk.end(), frame + offset);
 }
 
 }  // namespace umbrant::host

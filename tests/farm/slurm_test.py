@@ -5,12 +5,14 @@
 environment one of them dies in the middle of 48 frames, which takes some minutes: Slurm waits before it believes that."""
 
 import os
+import re
+import subprocess
 import tempfile
 import time
 import unittest
 
 import slurm_farm
-from farm_case import UMBRANT, FarmCase
+from farm_case import TITLE, UMBRANT, FarmCase
 
 SOAK = "UMBRANT_SOAK" in os.environ
 
@@ -61,6 +63,29 @@ class Slurm(FarmCase):
         self.assertEqual(sorted(name for name in self.frames("farm") if name.startswith("u")), ["u.0001.png"])
         self.assertEqual((self.folder / "umbrant-5_2.log").read_text(),
                          "try 1 of 2 ended with exit code 4\ntry 2 of 2 ended with exit code 4\n")
+
+        # Submitted by the program itself: its number is printed, and the measured limit is Slurm's.
+        ran = subprocess.run([UMBRANT, "farm", "--submit", "--yes", "--tasks", "2", "--name", "direct", "slurm", *TITLE, "-o",
+                              "farm/v.####.png", "--frames", "1-4", "--downsample", "8"], cwd=self.folder,
+                             env=self.farm.environment, capture_output=True, text=True, stdin=subprocess.DEVNULL)
+        self.assertEqual(ran.returncode, 0, ran.stderr)
+        self.assertEqual(ran.stdout, "7\n")
+        limit = re.search(r"its time limit is (\d+) minutes\n", ran.stderr)
+        self.assertIn(f"\n#SBATCH --time={limit[1]}\n", ran.stderr)
+        self.assertIn(f" TimeLimit=00:{int(limit[1]):02}:00 ", self.farm.ask("scontrol", "show", "job", "-o", "7"))
+        self.farm.until(lambda: not self.farm.ask("squeue", "--noheader", "--job", "7"), 600, "the job does not end")
+        self.assertEqual({name: data for name, data in self.frames("farm").items() if name.startswith("v")},
+                         {name.replace("t.", "v.", 1): data for name, data in self.frames("one").items()
+                          if name <= "t.0004.png"})
+
+        # What Slurm refuses is said, with what it printed.
+        ran = subprocess.run([UMBRANT, "farm", "--submit", "--yes", "--no-first-frame", "slurm", *TITLE, "-o",
+                              "farm/w.####.png", "--frames", "1-4"], cwd=self.folder,
+                             env=dict(self.farm.environment, SBATCH_PARTITION="none"), capture_output=True, text=True,
+                             stdin=subprocess.DEVNULL)
+        self.assertEqual((ran.returncode, ran.stdout), (3, ""))
+        self.assertIn("umbrant: the job was not submitted: sbatch ended with exit code 1: ", ran.stderr)
+        self.assertIn("invalid partition specified: none", ran.stderr)
 
     @unittest.skipUnless(SOAK, "it takes minutes; script/soak farm runs it")
     def test_a_worker_dies_in_the_middle(self):

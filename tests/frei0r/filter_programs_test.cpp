@@ -35,15 +35,18 @@ class FilterPrograms : public Clips {
     }
 
     /// A run of a host that finds the filter.
-    ProgramRun RunHost(const std::vector<std::string>& words, const std::string& module = UMBRANT_MODULE_FILE) const {
+    ProgramRun RunHost(const std::vector<std::string>& words, const std::string& module = UMBRANT_MODULE_FILE,
+                       const std::string& whatFails = "") const {
         ProgramStart start;
         start.environment = {"FREI0R_PATH=" + std::filesystem::path(FREI0R_FILTER).parent_path().string(),
-                             "UMBRANT_RENDERER=cpu", "UMBRANT_MODULE=" + module, "HOME=."};
+                             "UMBRANT_RENDERER=cpu", "UMBRANT_MODULE=" + module, "HOME=.",
+                             "UMBRANT_FREI0R=" + whatFails};
         return Run(words, start);
     }
     /// The same of ffmpeg, with these arguments; returns what it printed to standard error.
-    std::string Filter(const std::string& arguments, const std::string& module = UMBRANT_MODULE_FILE) const {
-        const ProgramRun run = RunHost(Words("ffmpeg -nostdin -v error -i clip.mov " + arguments), module);
+    std::string Filter(const std::string& arguments, const std::string& module = UMBRANT_MODULE_FILE,
+                       const std::string& whatFails = "") const {
+        const ProgramRun run = RunHost(Words("ffmpeg -nostdin -v error -i clip.mov " + arguments), module, whatFails);
         EXPECT_EQ(run.code, 0) << arguments << "\n" << run.errors;
         return run.errors;
     }
@@ -87,10 +90,14 @@ TEST_F(FilterPrograms, Ffmpeg) {
 TEST_F(FilterPrograms, FfmpegWithoutTheModule) {
     NEEDS_FFMPEG();
     MakeClip();
-    const std::string said = Filter("-vf frei0r=umbrant_frei0r -pix_fmt rgba -c:v png out.mov", "nowhere.so");
+    const std::string filter = "-vf frei0r=umbrant_frei0r -pix_fmt rgba -c:v png ";
+    std::string said = Filter(filter + "band.mov", "nowhere.so");
     EXPECT_THAT(said, testing::HasSubstr("umbrant_frei0r: "));
+    EXPECT_THAT(said, testing::HasSubstr("; frames have a hatched band"));
+    EXPECT_NE(PictureHash("band.mov", "rgba"), PictureHash("clip.mov", "rgba"));
+    said = Filter(filter + "passed.mov", "nowhere.so", "pass");
     EXPECT_THAT(said, testing::HasSubstr("; frames pass through unchanged"));
-    EXPECT_EQ(PictureHash("out.mov", "rgba"), PictureHash("clip.mov", "rgba"));
+    EXPECT_EQ(PictureHash("passed.mov", "rgba"), PictureHash("clip.mov", "rgba"));
 }
 
 TEST_F(FilterPrograms, Melt) {

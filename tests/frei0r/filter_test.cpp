@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 
 // The filter as a host drives it, function by function: its parameters beside the effect's, its pixels beside those of
-// the program, threads, and a module that is not there.
+// the program, and threads.
 
 #include <gmock/gmock.h>
 
@@ -19,8 +19,6 @@
 using namespace umbrant::host;
 
 namespace {
-
-using testing::HasSubstr;
 
 /// A picture whose memory hosts hand over as it is.
 Frame FrameOf(const Pixels<std::uint8_t>& pixels) {
@@ -282,46 +280,6 @@ TEST_F(FilterTest, OneInstanceHandedFromThreadToThread) {
         EXPECT_EQ(out, expected);
     }
     filter_.destruct(instance);
-}
-
-TEST_F(FilterTest, WithoutItsModulePicturesPass) {
-    const std::string nowhere = (folder_ / "no.so").string();
-    setenv("UMBRANT_MODULE", nowhere.c_str(), 1);
-    const Frame in = FrameOf(Disc8(16, 16));
-    Frame out(in.size());
-    testing::internal::CaptureStderr();
-    for (int life = 0; life < 2; ++life) {
-        const f0r_instance_t instance = filter_.construct(16, 16);
-        ASSERT_TRUE(instance);
-        double distance = 0.5;
-        filter_.set(instance, &distance, filter_.IndexOf("Distance"));
-        out.assign(in.size(), 0);
-        filter_.update(instance, 0, in.data(), out.data());
-        EXPECT_EQ(out, in);
-        filter_.destruct(instance);
-    }
-    const std::string said = testing::internal::GetCapturedStderr();
-    EXPECT_THAT(said, testing::StartsWith("umbrant_frei0r: "));
-    EXPECT_THAT(said, HasSubstr(nowhere));
-    EXPECT_THAT(said, testing::EndsWith("; frames pass through unchanged\n"));
-    EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1) << "once, not for every instance and frame";
-}
-
-TEST_F(FilterTest, WithoutAnyModuleItSaysWhatItsUserCanDo) {
-    // A copy of the filter in a folder without a module.
-    const Folder alone;
-    std::filesystem::copy_file(FREI0R_FILTER, alone / "umbrant_frei0r.so");
-    ::unsetenv("UMBRANT_MODULE");
-    const LoadedFilter filter((alone / "umbrant_frei0r.so").string());
-    testing::internal::CaptureStderr();
-    const f0r_instance_t instance = filter.construct(16, 16);
-    const std::string said = testing::internal::GetCapturedStderr();
-    filter.destruct(instance);
-    // Where this project is installed, that module is found.
-    if (said.empty()) return;
-    EXPECT_THAT(said, testing::StartsWith("umbrant_frei0r: no module was found in '"));
-    EXPECT_THAT(said, testing::EndsWith("'; put umbrant2.so into the filter's folder, or set the environment variable "
-                                        "UMBRANT_MODULE to its file; frames pass through unchanged\n"));
 }
 
 TEST_F(FilterTest, TimesThatMakeNoSense) {

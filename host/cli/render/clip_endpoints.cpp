@@ -8,6 +8,7 @@
 #include "host/cli/color/render_colors.h"
 #include "host/compositing/memory_shortage.h"
 #include "host/compositing/resample.h"
+#include "host/render/plan/output_check.h"
 
 namespace umbrant::host {
 

@@ -188,8 +188,8 @@ void FrameProgress::TellFrame(std::size_t index) {
         FlushResults();
     }
     if (outcome.failure) {
-        if (reasons_.empty()) totals_.failure.kind = outcome.failure->kind;
-        reasons_.push_back(fmt::format("frame {}: {}", frame.number, outcome.failure->sentence));
+        if (failures_.Count() == 0) totals_.failure.kind = outcome.failure->kind;
+        failures_.Add(plan_, frame, *outcome.failure);
     }
     const std::vector<std::string> notes = NotesOf(index);
     if (form_ == ProgressForm::kJson) {
@@ -262,11 +262,12 @@ FrameTotals FrameProgress::Finish() {
     for (; told_ < outcomes_.size(); ++told_) {
         if (outcomes_[told_]) TellFrame(told_);
     }
-    totals_.failure.sentence = ReasonsText(reasons_);
+    totals_.failure.sentence = failures_.Text();
     const double seconds = Seconds();
     if (form_ == ProgressForm::kJson) {
         Json json{{"event", "end"}};
         json.update(TotalsJson(totals_, plan_.frames.size(), seconds));
+        if (failures_.Count() > 0) json["failures"] = failures_.Json();
         Print(Dump(json));
     } else if (form_ != ProgressForm::kQuiet) {
         std::string line = plan_.frames.empty() ? "there are no frames in this chunk" : CountText(totals_);
@@ -278,6 +279,8 @@ FrameTotals FrameProgress::Finish() {
         if (unreached > 0) line += fmt::format("; {} of {} frames were not reached", unreached, plan_.frames.size());
         Print("umbrant: " + line);
     }
+    // Otherwise they end the program, which prints them.
+    if (keepsGoing_ && failures_.Count() > 0 && form_ != ProgressForm::kJson) Print("umbrant: " + failures_.List());
     return totals_;
 }
 

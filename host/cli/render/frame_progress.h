@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "host/cli/render/outcome/frame_failures.h"
 #include "host/cli/render/progress.h"
 #include "host/cli/render/progress_text.h"
 #include "host/render/worker.h"
@@ -40,6 +41,8 @@ class FrameProgress : public FrameWatcher {
 
     /// What became of the plan's frames; nothing for those that were not reached.
     const std::vector<std::optional<FrameOutcome>>& Outcomes() const { return outcomes_; }
+    /// Why frames failed.
+    const FrameFailures& Failures() const { return failures_; }
     double Seconds() const;
 
  private:
@@ -68,8 +71,8 @@ class FrameProgress : public FrameWatcher {
     std::optional<std::size_t> previous_;  ///< the last one whose input was read
     std::map<std::size_t, Current> current_;
     FrameTotals totals_;
-    std::vector<std::string> reasons_;  ///< of the frames that failed
-    StatusLine line_;                   ///< the last member: its thread ends before what it reads
+    FrameFailures failures_;
+    StatusLine line_;  ///< the last member: its thread ends before what it reads
 };
 
 }  // namespace umbrant::host

@@ -72,11 +72,4 @@ std::optional<double> SecondsLeft(const FrameTotals& totals, std::size_t all, do
     return seconds / static_cast<double>(totals.drawn) * static_cast<double>(all - totals.Ended());
 }
 
-std::string ReasonsText(const std::vector<std::string>& reasons) {
-    if (reasons.size() < 2) return reasons.empty() ? std::string() : reasons.front();
-    std::string text = fmt::format("{} frames failed:", reasons.size());
-    for (const std::string& reason : reasons) text += "\n  " + reason;
-    return text;
-}
-
 }  // namespace umbrant::host

@@ -7,7 +7,6 @@
 #include <cstddef>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "host/result.h"
 #include "hostapi/geometry.h"
@@ -44,7 +43,7 @@ struct FrameTotals {
     std::size_t existing = 0;
     std::size_t skipped = 0;
     std::size_t failed = 0;
-    /// Why frames failed, with their numbers in the order of the plan; the kind is that of the first.
+    /// Why frames failed, as FrameFailures lists it; the kind is that of the first.
     Failure failure{ErrorKind::kEffect, ""};
     std::size_t Ended() const { return drawn + existing + skipped + failed; }
 };
@@ -60,8 +59,5 @@ std::string CountText(const FrameTotals& totals);
 
 /// Seconds until the last of `all` frames at the rate so far; nothing before one is drawn.
 std::optional<double> SecondsLeft(const FrameTotals& totals, std::size_t all, double seconds);
-
-/// One reason as it is, several as a list.
-std::string ReasonsText(const std::vector<std::string>& reasons);
 
 }  // namespace umbrant::host

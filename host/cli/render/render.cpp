@@ -12,6 +12,7 @@
 #include "host/cli/presets/named_presets.h"
 #include "host/cli/recipe/like.h"
 #include "host/cli/render/render_options.h"
+#include "host/cli/watch/render_watch.h"
 #include "host/image/picture.h"
 #include "host/render/background.h"
 #include "host/render/canvas_choice.h"
@@ -109,6 +110,11 @@ void AddPixelOptions(CLI::App& app, RenderOptions& options) {
 
 /// How the frame is drawn and stored, and by which module.
 void AddRunOptions(CLI::App& app, RenderOptions& options) {
+    app.add_flag("--watch", options.watch,
+                 "Draw again whenever the input, the texture or the preset changes, until Ctrl-C");
+    app.add_flag("--dry-run", options.dryRun,
+                 "Write nothing: draw up to three frames and report the size of the files, the memory and the time of "
+                 "all");
     app.add_flag("--mkdir", options.makesFolder, "Create the folder of the output if it does not exist");
     app.add_flag(
         "--collapsed", options.collapsed,
@@ -176,7 +182,7 @@ Command RenderCommand(const std::shared_ptr<RenderOptions>& options) {
     };
     command.run = [options]() -> Result<ExitCode> {
         options->preset = TRY(PresetFile(options->preset));
-        return Render(*options);
+        return options->watch ? WatchRender(*options) : Render(*options);
     };
     return command;
 }

@@ -74,6 +74,8 @@ struct RenderOptions {
     std::string module;
     bool json = false;
     bool verbose = false;
+    bool watch = false;   ///< draws again whenever what is read changes
+    bool dryRun = false;  ///< a few frames are drawn, to be measured, and nothing is written
     SequenceOptions sequence;
     ColorOptions color;
     std::shared_ptr<const RenderColors> colors;  ///< of `color`; set by WithColors, null for none
@@ -154,5 +156,8 @@ Result<Done> CheckNoTime(const RenderOptions& options);
 
 /// Draws a single image or a sequence.
 Result<ExitCode> Render(const RenderOptions& options);
+
+/// The options with those of the recipe that they name, and with their colour spaces opened. Fails as Render does.
+Result<RenderOptions> WholeOptions(const RenderOptions& asked);
 
 }  // namespace umbrant::host

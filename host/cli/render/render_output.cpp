@@ -9,7 +9,7 @@
 
 #include "host/cli/render/render_options.h"
 #include "host/render/background.h"
-#include "host/render/plan/frame_plan.h"
+#include "host/render/plan/output_check.h"
 
 namespace umbrant::host {
 

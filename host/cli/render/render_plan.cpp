@@ -38,6 +38,9 @@ Result<PlanRequest> SequenceRequest(const RenderOptions& options) {
     request.input = options.input;
     request.texture = options.texture;
     request.output = options.output;
+    for (const std::string& read : {options.preset, BackgroundFile(options)}) {
+        if (!read.empty()) request.alsoRead.push_back(read);
+    }
     if (!sequence.frames.empty()) {
         auto frames = TRY(ParseFrames(sequence.frames));
         request.frames = std::move(frames);
@@ -72,12 +75,6 @@ Result<std::unique_ptr<RenderPlan>> PlanSequenceRender(RenderOptions& options) {
     plan->canvas = canvas;
     auto frames = TRY(PlanFrames(request));
     plan->frames = std::move(frames);
-    for (const std::string& read : {options.preset, BackgroundFile(options)}) {
-        for (const PlannedFrame& frame : plan->frames.frames) {
-            if (read.empty()) break;
-            TRY(CheckApart(read, frame.output));
-        }
-    }
     // A clip has its own ways of storing.
     if (!plan->clips.Writes() || !options.compression.empty()) {
         TRY(CheckStorage(options));
@@ -111,7 +108,7 @@ Result<std::unique_ptr<RenderPlan>> PlanImageRender(const RenderOptions& options
     LayerOptions layers = LayerOptionsOf(options);
     if (options.colors) options.colors->Connect(layers);
     plan->reader.emplace(std::move(layers));
-    if (options.output != "-") CleanFolderOf(options.output, options.sequence.quiet);
+    if (options.output != "-" && !options.dryRun) CleanFolderOf(options.output, options.sequence.quiet);
     return plan;
 }
 

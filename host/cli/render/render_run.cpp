@@ -35,6 +35,8 @@ Result<ExitCode> RenderRun::Run() {
     Stopwatch whole;
     auto planned = TRY(isImage_ ? PlanImageRender(options_) : PlanSequenceRender(options_));
     plan_ = std::move(planned);
+    if (again_) LeaveOutUnchanged();
+    if (!allFrames_.empty() && plan_->frames.frames.empty()) return ExitCode::kDone;
     const auto preference = TRY(ReadRendererPreference(options_.renderer));
     if (!options_.background.empty()) background_ = TRY(Background::Read(options_.background));
     if (isImage_) image_.emplace(SecondsOfProgress(options_.sequence), options_.verbose);
@@ -43,7 +45,7 @@ Result<ExitCode> RenderRun::Run() {
     auto first = ReadFirst(plan_->frames, *plan_->reader, options_.sequence.keepGoing);
     if (!first) return first.error();
     // Without a frame there is nothing to draw, and the summary says so.
-    if (!first->layers.input) return DrawSequence(std::move(*first));
+    if (!first->layers.input) return options_.dryRun ? DryRun(*first, nullptr, 0) : DrawSequence(std::move(*first));
     ReportNotesOf(first->layers);
     const ImageFacts image{first->readTime, first->layers.input->pixels.Width(), first->layers.input->pixels.Height(),
                            first->layers.input->pixels.PixelDepth()};
@@ -56,7 +58,15 @@ Result<ExitCode> RenderRun::Run() {
     session.SetRenderer(renderer_.Request());
     TRY(FindCanvas(opened, *first));
     PrepareRecipe(opened);
+    if (again_) {
+        TRY(CompareCanvas(*first));
+    }
     TRY(StartInstances(session, *first));
+    if (options_.dryRun) {
+        auto measured = DryRun(*first, &session, whole.Lap() / 1000);
+        auto ended = instances_.End();
+        return measured && !ended ? ended.error() : std::move(measured);
+    }
     TRY(FindTightCanvas());
     TRY(BeginClip(*first));
     auto outcome = isImage_ ? DrawImage(std::move(*first)) : DrawSequence(std::move(*first));
@@ -202,10 +212,9 @@ Result<ExitCode> RenderRun::DrawSequence(FirstFrame first) {
 }
 
 std::set<std::filesystem::path> RenderRun::OutputFolders() const {
-    if (plan_->clips.Writes()) return {FolderOf(options_.output)};
-    std::set<std::filesystem::path> folders;
-    for (const PlannedFrame& frame : plan_->frames.frames) folders.insert(FolderOf(frame.output));
-    return folders;
+    if (plan_->frames.frames.empty()) return {};
+    // The frame's number is in the name of the file, so one folder has all of them.
+    return {FolderOf(options_.output)};
 }
 
 void RenderRun::ReportMisbehaviour() {
@@ -231,9 +240,13 @@ void RenderRun::Say(const char* stage) {
     if (image_) image_->Say(stage);
 }
 
-Result<ExitCode> Render(const RenderOptions& asked) {
+Result<RenderOptions> WholeOptions(const RenderOptions& asked) {
     const RenderOptions like = TRY(WithRecipe(asked));
-    const RenderOptions options = TRY(WithColors(like));
+    return WithColors(like);
+}
+
+Result<ExitCode> Render(const RenderOptions& asked) {
+    const RenderOptions options = TRY(WholeOptions(asked));
     const auto many = TRY(MeansSequence(options));
     if (many) {
         TRY(CheckNoTime(options));

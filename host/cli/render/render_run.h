@@ -9,10 +9,13 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "host/cli/color/render_colors.h"
 #include "host/cli/recipe/like.h"
 #include "host/cli/render/image_progress.h"
+#include "host/cli/render/outcome/frame_cost.h"
 #include "host/cli/render/progress_text.h"
 #include "host/cli/render/render_options.h"
 #include "host/cli/render/render_plan.h"
@@ -23,12 +26,22 @@
 
 namespace umbrant::host {
 
+/// One of several runs of the same options, after files have changed.
+struct RepeatedRender {
+    std::set<std::string> changed;  ///< the images that changed since the run before; empty for a run of all frames
+    std::string canvas;             ///< of the run before, as CanvasText gives it; each run sets it
+};
+
 class RenderRun {
  public:
     RenderRun(RenderOptions options, bool isImage) : options_(std::move(options)), isImage_(isImage) {}
 
     /// Draws everything. Fails before the first frame, or as its frames did.
     Result<ExitCode> Run();
+    /// For a dry run: its cost goes there instead of being printed.
+    void KeepCost(RenderCost& cost) { cost_ = &cost; }
+    /// Draws only frames that show a changed file, unless the canvas of all has changed. For a sequence of images.
+    void Repeat(RepeatedRender& again) { again_ = &again; }
     /// See CanvasOfSet.
     Result<std::string> FindCanvasOfSet();
 
@@ -55,11 +68,19 @@ class RenderRun {
     /// What every output says about how it was drawn; reports how this differs from the recipe that was asked for.
     void PrepareRecipe(const OpenedEffect& effect);
     std::string ResolvedCanvas() const;
+    /// Leaves frames out of the plan that show no changed file.
+    void LeaveOutUnchanged();
+    /// Takes them back if the canvas is another one.
+    Result<Done> CompareCanvas(FirstFrame& first);
     /// Draws and writes a single image.
     Result<ExitCode> DrawImage(FirstFrame first);
     /// Prints the path of a single image that was written, or its report.
     void PrintImage(const ImageFacts& image, const EffectSession& session, double total);
     Result<ExitCode> DrawSequence(FirstFrame first);
+    /// Reports what the run costs. Without a session there is no frame to draw.
+    Result<ExitCode> DryRun(const FirstFrame& first, EffectSession* session, double startSeconds);
+    Result<RenderCost> CostOf(const FirstFrame& first, EffectSession* session, double startSeconds);
+    Result<Done> MeasureFrames(const FirstFrame& first, RenderCost& cost);
     std::set<std::filesystem::path> OutputFolders() const;
     void ReportMisbehaviour();
     void ReportNotesOf(const FrameLayers& layers) const;
@@ -75,6 +96,9 @@ class RenderRun {
     EffectInstances instances_;
     std::optional<ImageProgress> image_;
     std::unique_ptr<Background> background_;
+    RenderCost* cost_ = nullptr;
+    RepeatedRender* again_ = nullptr;
+    std::vector<PlannedFrame> allFrames_;  ///< of a repeated run that draws some of them
 };
 
 }  // namespace umbrant::host

@@ -3,6 +3,7 @@
 
 #include "host/cli/render/sequence_report.h"
 
+#include "host/cli/render/outcome/frame_failures.h"
 #include "host/render/canvas_choice.h"
 
 namespace umbrant::host {
@@ -62,6 +63,7 @@ std::string SequenceReport(const SequenceFacts& facts, const FramePlan& plan, co
                            const std::vector<std::optional<FrameOutcome>>& outcomes, double seconds, const Json& clip) {
     Json frames = Json::array();
     FrameTotals totals;
+    FrameFailures failures;
     for (std::size_t i = 0; i < plan.frames.size(); ++i) {
         const auto& outcome = outcomes[i];
         if (!outcome) continue;
@@ -69,6 +71,7 @@ std::string SequenceReport(const SequenceFacts& facts, const FramePlan& plan, co
         totals.existing += outcome->kind == Kind::kExists;
         totals.skipped += outcome->kind == Kind::kSkipped;
         totals.failed += outcome->kind == Kind::kFailed;
+        if (outcome->failure) failures.Add(plan, plan.frames[i], *outcome->failure);
         Json frame = FrameJson(plan.frames[i], *outcome);
         if (outcome->kind == Kind::kDrawn) {
             const PF_LRect& rect = outcome->picture;
@@ -81,8 +84,9 @@ std::string SequenceReport(const SequenceFacts& facts, const FramePlan& plan, co
     if (facts.covered) report.update(CanvasJson(*facts.covered));
     report.update(Json{{"threads", {{"read", shape.readers}, {"draw", shape.drawers}, {"write", shape.writers}}},
                        {"underWay", shape.underWay},
-                       {"totals", TotalsJson(totals, plan.frames.size(), seconds)},
-                       {"frames", std::move(frames)}});
+                       {"totals", TotalsJson(totals, plan.frames.size(), seconds)}});
+    if (failures.Count() > 0) report["failures"] = failures.Json();
+    report["frames"] = std::move(frames);
     if (!clip.is_null()) report["clip"] = clip;
     return report.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }

@@ -11,7 +11,7 @@
 #include <cmath>
 #include <cstdint>
 #include <optional>
-#include <set>
+#include <unordered_set>
 
 namespace umbrant::host {
 
@@ -72,11 +72,14 @@ std::vector<std::int64_t> Every(std::int64_t first, std::int64_t last, std::int6
 /// All, beginning with every `step`-th; the steps are halved until nothing is left out.
 std::vector<std::int64_t> CoarseToFine(std::int64_t first, std::int64_t last, std::int64_t step) {
     std::vector<std::int64_t> frames;
-    std::set<std::int64_t> seen;
+    std::vector<std::int64_t> before;  // the steps that were taken, in parts
     for (; step > 0; step /= 2) {
-        for (const std::int64_t frame : Every(first, last, step * FrameNumber::kParts)) {
-            if (seen.insert(frame).second) frames.push_back(frame);
+        const std::int64_t parts = step * FrameNumber::kParts;
+        for (const std::int64_t frame : Every(first, last, parts)) {
+            const auto isTaken = [&](std::int64_t each) { return (frame - first) % each == 0; };
+            if (std::none_of(before.begin(), before.end(), isTaken)) frames.push_back(frame);
         }
+        before.push_back(parts);
     }
     return frames;
 }
@@ -130,6 +133,23 @@ Result<std::vector<std::int64_t>> ParsePart(std::string_view whole, std::string_
     return kind == 'y' ? AllBut(*first, *last, *step) : CoarseToFine(*first, *last, *step);
 }
 
+/// Frames that came up already. Whole ones, of which there may be millions, take a bit each.
+class SeenFrames {
+ public:
+    /// Whether it is new.
+    bool Insert(std::int64_t parts) {
+        if (parts % FrameNumber::kParts != 0) return between_.insert(parts).second;
+        auto isSeen = whole_[static_cast<std::size_t>(parts / FrameNumber::kParts + kFarthestFrame)];
+        if (isSeen) return false;
+        isSeen = true;
+        return true;
+    }
+
+ private:
+    std::vector<bool> whole_ = std::vector<bool>(kMostFrames);
+    std::unordered_set<std::int64_t> between_;
+};
+
 /// Whether `next` is the whole frame after a whole one: what a range without a step goes on with.
 bool Follows(const FrameNumber& frame, const FrameNumber& next) {
     return frame.IsWhole() && next.Parts() - frame.Parts() == FrameNumber::kParts;
@@ -148,14 +168,15 @@ std::optional<double> Decimal(std::string_view text) {
 
 Result<std::vector<FrameNumber>> ParseFrames(std::string_view text) {
     std::vector<FrameNumber> frames;
-    std::set<std::int64_t> seen;
+    SeenFrames seen;
     std::string_view rest = text;
     for (bool more = true; more;) {
         const std::size_t comma = rest.find(',');
         more = comma != std::string_view::npos;
         const auto part = TRY(ParsePart(text, rest.substr(0, comma)));
+        frames.reserve(frames.size() + part.size());
         for (const std::int64_t frame : part) {
-            if (seen.insert(frame).second) frames.push_back(FrameNumber::OfParts(frame));
+            if (seen.Insert(frame)) frames.push_back(FrameNumber::OfParts(frame));
         }
         if (frames.size() > static_cast<std::size_t>(kMostFrames)) {
             return Wrong(text, fmt::format("more than {} frames", kMostFrames));

@@ -128,8 +128,7 @@ std::string FramePattern::PathOf(const FrameNumber& frame) const {
 }
 
 std::optional<int> FramePattern::FrameOf(std::string_view fileName) const {
-    const std::size_t slash = before_.rfind('/');
-    const std::string_view prefix = std::string_view(before_).substr(slash == std::string::npos ? 0 : slash + 1);
+    const std::string_view prefix = std::string_view(before_).substr(before_.rfind('/') + 1);
     if (fileName.size() <= prefix.size() + after_.size() || !fileName.starts_with(prefix) ||
         !fileName.ends_with(after_)) {
         return std::nullopt;

@@ -35,6 +35,10 @@ class FramePattern {
     std::vector<int> FramesOnDisk() const;
 
     const std::string& Path() const { return path_; }
+    /// What the names of all its files begin with.
+    std::string NameBefore() const { return before_.substr(before_.rfind('/') + 1); }
+    /// What they end with.
+    const std::string& NameAfter() const { return after_; }
     /// The field is an @ sign, which file names that mean no sequence have too.
     bool IsWeak() const { return weak_; }
 

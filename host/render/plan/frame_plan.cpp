@@ -11,10 +11,10 @@
 #include <filesystem>
 #include <limits>
 #include <numeric>
-#include <set>
 #include <system_error>
 
 #include "host/image/picture.h"
+#include "host/render/plan/output_check.h"
 
 namespace umbrant::host {
 
@@ -66,30 +66,6 @@ Result<std::optional<FramePattern>> OutputPattern(const PlanRequest& request, co
     return pattern;
 }
 
-/// A file apart from the names that lead to it, or its name while it does not exist.
-std::string IdentityOf(const std::string& path) {
-    std::error_code error;
-    const fs::path canonical = fs::weakly_canonical(path, error);
-    return error ? path : canonical.string();
-}
-
-Failure SameFile(const std::string& output) {
-    return {ErrorKind::kUsage, fmt::format("'{}' is both input and output; give the output another name", output)};
-}
-
-Result<Done> CheckOutputs(const std::vector<PlannedFrame>& frames, bool isClip) {
-    std::set<std::string> read;
-    for (const PlannedFrame& frame : frames) {
-        read.insert(IdentityOf(frame.input));
-        if (!frame.texture.empty()) read.insert(IdentityOf(frame.texture));
-    }
-    for (const PlannedFrame& frame : frames) {
-        if (read.contains(IdentityOf(frame.output))) return SameFile(frame.output);
-    }
-    if (frames.empty()) return Done{};
-    return isClip ? CheckPlace(frames.front().output) : CheckWritable(frames.front().output);
-}
-
 /// Expresses frames' times in a unit that each of them is a whole number of.
 struct FrameTimes {
     std::int64_t common = FrameNumber::kParts;  ///< parts of a frame that every frame is a multiple of
@@ -105,7 +81,9 @@ struct FrameTimes {
 /// Fails unless times are whole numbers of 32 bits.
 Result<FrameTimes> TimesOf(const std::vector<FrameNumber>& frames, const PlanRequest& request) {
     FrameTimes times{FrameNumber::kParts, request.rate, request.rate, request.zeroFrame};
-    for (const FrameNumber& frame : frames) times.common = std::gcd(times.common, frame.Parts());
+    for (const FrameNumber& frame : frames) {
+        if (frame.Parts() % times.common != 0) times.common = std::gcd(times.common, frame.Parts());
+    }
     const std::int64_t finer = FrameNumber::kParts / times.common;
     const std::int64_t scale = finer * request.rate.scale;
     const std::int64_t step = finer * request.rate.step;
@@ -167,38 +145,35 @@ Result<Done> CheckMissing(const std::vector<PlannedFrame>& frames) {
                                isClip ? first->missingReason : "there are no such files")};
 }
 
-/// Every frame of the set, whatever the chunk: another chunk's machine may be writing what this one would read.
-Result<FramePlan> WholePlan(const PlanRequest& request) {
-    const auto input = TRY(FrameSource::Find(request.input, request.inputOffset, request.inputClip));
-    const auto texture = TRY(FrameSource::Find(request.texture, request.textureOffset, request.textureClip));
-    const auto whole = TRY(WholeSet(request, input, texture));
-    const auto output = OutputPattern(request, whole);
-    if (!output) return output.error();
-    const auto times = TRY(TimesOf(whole, request));
+/// The set as a whole, of which a chunk's frames are planned one by one.
+struct FrameSet {
+    FrameSource input;
+    FrameSource texture;
+    std::vector<FrameNumber> numbers;
+    std::optional<FramePattern> output;  ///< nothing where all frames go into one file, or nowhere
+    FrameTimes times;
+};
 
-    FramePlan plan;
-    plan.input = input;
-    plan.texture = texture;
-    plan.rate = times.finest;
-    plan.framesPerSecond = request.rate.PerSecond();
-    plan.zeroFrame = request.zeroFrame;
-    plan.leavesOutMissing = request.missing == MissingFrames::kSkip;
-    std::vector<PlannedFrame>& frames = plan.frames;
-    for (const FrameNumber& number : whole) {
-        frames.push_back(PlanFrame(request, input, texture, number));
-        PlannedFrame& frame = frames.back();
-        frame.time = static_cast<A_long>(times.TimeOf(number));
-        frame.position = number.Value();
-        plan.wholeSet.push_back({number, frame.time});
-        plan.totalTime = std::max(plan.totalTime, frame.time + plan.rate.step);
-        frame.output = *output ? (*output)->PathOf(number) : request.output;
-        frame.inputChanges = input.HasFrames() && !frame.heldInput;
-        frame.textureChanges = texture.HasFrames() && !frame.heldTexture;
+/// Finds and checks every frame of the set, whatever the chunk: another chunk's machine may be writing what this one
+/// would read.
+Result<FrameSet> FindSet(const PlanRequest& request) {
+    auto input = TRY(FrameSource::Find(request.input, request.inputOffset, request.inputClip));
+    auto texture = TRY(FrameSource::Find(request.texture, request.textureOffset, request.textureClip));
+    auto numbers = TRY(WholeSet(request, input, texture));
+    auto output = OutputPattern(request, numbers);
+    if (!output) return output.error();
+    const auto times = TRY(TimesOf(numbers, request));
+    FrameSet set{std::move(input), std::move(texture), std::move(numbers), std::move(*output), times};
+    if (request.writesNothing) return set;
+    TRY(CheckNothingIsOverwritten({set.numbers, set.input, set.texture, request.missing, request.alsoRead,
+                                   request.output, set.output ? &*set.output : nullptr}));
+    if (set.numbers.empty()) return set;
+    if (request.outputIsClip) {
+        TRY(CheckPlace(request.output));
+    } else {
+        TRY(CheckWritable(set.output ? set.output->PathOf(set.numbers.front()) : request.output));
     }
-    if (!request.writesNothing) {
-        TRY(CheckOutputs(frames, request.outputIsClip));
-    }
-    return plan;
+    return set;
 }
 
 }  // namespace
@@ -218,19 +193,36 @@ Result<bool> MeansSequence(const PlanRequest& request) {
 }
 
 Result<std::vector<FrameNumber>> WholeFrameSet(const PlanRequest& request) {
-    const auto plan = TRY(WholePlan(request));
-    std::vector<FrameNumber> numbers;
-    for (const PlannedFrame& frame : plan.frames) numbers.push_back(frame.number);
-    return numbers;
+    auto set = TRY(FindSet(request));
+    return std::move(set.numbers);
 }
 
 Result<FramePlan> PlanFrames(const PlanRequest& request) {
-    auto whole = TRY(WholePlan(request));
-    FramePlan plan = std::move(whole);
-    std::vector<PlannedFrame> frames;
-    frames.swap(plan.frames);
-    const auto [begin, end] = ChunkRange(frames.size(), request.chunk);
-    for (std::size_t i = begin; i < end; ++i) plan.frames.push_back(std::move(frames[i]));
+    auto set = TRY(FindSet(request));
+    FramePlan plan;
+    plan.rate = set.times.finest;
+    plan.framesPerSecond = request.rate.PerSecond();
+    plan.zeroFrame = request.zeroFrame;
+    plan.leavesOutMissing = request.missing == MissingFrames::kSkip;
+    plan.wholeSet.reserve(set.numbers.size());
+    for (const FrameNumber& number : set.numbers) {
+        plan.wholeSet.push_back({number, static_cast<A_long>(set.times.TimeOf(number))});
+        plan.totalTime = std::max(plan.totalTime, plan.wholeSet.back().time + plan.rate.step);
+    }
+    const auto [begin, end] = ChunkRange(set.numbers.size(), request.chunk);
+    plan.frames.reserve(end - begin);
+    for (std::size_t i = begin; i < end; ++i) {
+        const FrameNumber& number = set.numbers[i];
+        PlannedFrame& frame = plan.frames.emplace_back(PlanFrame(request, set.input, set.texture, number));
+        frame.time = plan.wholeSet[i].time;
+        frame.position = number.Value();
+        frame.output = set.output ? set.output->PathOf(number) : request.output;
+        frame.inputChanges = set.input.HasFrames() && !frame.heldInput;
+        frame.textureChanges = set.texture.HasFrames() && !frame.heldTexture;
+    }
+    plan.output = request.output;
+    plan.input = std::move(set.input);
+    plan.texture = std::move(set.texture);
     if (request.skipExisting) {
         for (PlannedFrame& frame : plan.frames) {
             std::error_code error;
@@ -263,11 +255,6 @@ FramePlan PlanImage(const ImageRequest& request) {
     plan.totalTime = frame.time + kClock.step;
     plan.frames.push_back(std::move(frame));
     return plan;
-}
-
-Result<Done> CheckApart(const std::string& input, const std::string& output) {
-    if (IdentityOf(input) == IdentityOf(output)) return SameFile(output);
-    return Done{};
 }
 
 }  // namespace umbrant::host

@@ -21,9 +21,10 @@ struct PlanRequest {
     std::string output;   ///< a picture or a pattern
     /// Frames of a clip that the input is, which are numbered from 0; nothing when it is none.
     std::optional<int> inputClip{};
-    std::optional<int> textureClip{};  ///< the texture's
-    bool outputIsClip = false;         ///< all frames go into one file
-    bool writesNothing = false;        ///< `output` means nothing
+    std::optional<int> textureClip{};     ///< the texture's
+    bool outputIsClip = false;            ///< all frames go into one file
+    bool writesNothing = false;           ///< `output` means nothing
+    std::vector<std::string> alsoRead{};  ///< other files that are read, such as a preset
     /// The frames; without them all that the input has, or else the texture.
     std::optional<std::vector<FrameNumber>> frames{};
     int inputOffset = 0;    ///< frame f is drawn from the input's frame f + inputOffset
@@ -87,6 +88,7 @@ struct FramePlan {
     int zeroFrame = 0;            ///< the frame at time 0
     bool isImage = false;         ///< a single image, which has no number
     A_long totalTime = 1;         ///< up to the end of the last frame of the whole set; at least one step
+    std::string output{};         ///< as it was asked for: a picture, a pattern or a clip
     FrameSource input{};          ///< for times that are no frame's
     FrameSource texture{};
 };
@@ -106,8 +108,5 @@ FramePlan PlanImage(const ImageRequest& request);
 /// All frames of the set, whatever the chunk, to be divided. Fails as PlanFrames does, except that files may
 /// be missing, which may be made before they are needed.
 Result<std::vector<FrameNumber>> WholeFrameSet(const PlanRequest& request);
-
-/// Fails with `ErrorKind::kUsage` when both paths lead to one file.
-Result<Done> CheckApart(const std::string& input, const std::string& output);
 
 }  // namespace umbrant::host

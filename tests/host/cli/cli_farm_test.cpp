@@ -84,6 +84,14 @@ TEST_F(CliFarm, DividesTheFrames) {
     }
 }
 
+TEST_F(CliFarm, APresetIsFoundByItsName) {
+    const Outcome outcome = Farm({"slurm", "still.png", "-o", "out.##.png", "--frames", "1-4", "--preset",
+                                  "turning-title", "--renderer", "cpu"});
+    EXPECT_EQ(outcome.code, 0) << outcome.err;
+    EXPECT_THAT(outcome.out, HasSubstr(" --preset turning-title ")) << "each machine finds its own";
+    EXPECT_EQ(Farm({"slurm", "still.png", "-o", "out.##.png", "--frames", "1-4", "--preset", "no-such"}).code, 3);
+}
+
 TEST_F(CliFarm, TheSetIsThatOfTheMomentOfPrinting) {
     std::filesystem::remove(folder_ / "in.4.png");
     EXPECT_THAT(

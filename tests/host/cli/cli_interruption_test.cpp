@@ -351,6 +351,23 @@ TEST_F(CliInterruption, ProcessesOfTheJudgeBlockNoSignals) {
     EXPECT_EQ(program.Wait(), "exit 0");
 }
 
+TEST_F(CliInterruption, AWatchEndsWithThePlainCode) {
+    const auto red = [&] { return Exists("out.png") ? Red("out.png") : -1; };
+    for (const auto& [signal, end] : {std::pair(SIGINT, "exit 130"), {SIGTERM, "exit 143"}}) {
+        SCOPED_TRACE(end);
+        WriteLayer(folder_ / "still.png", 5, 3, {255, 20, 100, 50});
+        std::filesystem::remove(folder_ / "out.png");
+        RunningProgram program(folder_, Arguments("still.png", "out.png", {"--watch"}));
+        ASSERT_TRUE(WaitUntil([&] { return red() == 20; }));
+        // A change, also if the program does not wait yet.
+        WriteLayer(folder_ / "still.png", 5, 3, {255, 120, 100, 50});
+        EXPECT_TRUE(WaitUntil([&] { return red() == 120; }));
+        program.Send(signal);
+        EXPECT_EQ(program.Wait(), end);
+        EXPECT_THAT(HiddenFiles(folder_.Path()), IsEmpty());
+    }
+}
+
 }  // namespace
 
 }  // namespace umbrant::host

@@ -77,6 +77,13 @@ exit "$code"
 )sh");
 }
 
+TEST(FarmJobText, SlurmsTimeLimit) {
+    FarmJob job = Job();
+    EXPECT_THAT(SlurmJob(job), Not(HasSubstr("--time")));
+    job.minutes = 12;
+    EXPECT_THAT(SlurmJob(job), HasSubstr("\n#SBATCH --open-mode=append\n#SBATCH --time=12\n#SBATCH --output="));
+}
+
 TEST(FarmJobText, SlurmsLogsInAFolder) {
     FarmJob job = Job();
     job.logs = "logs of 100%";

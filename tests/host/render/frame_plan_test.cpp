@@ -8,6 +8,7 @@
 
 #include <numeric>
 
+#include "host/render/plan/output_check.h"
 #include "tests/host/image/picture_files.h"
 
 namespace umbrant::host {

@@ -118,6 +118,11 @@ TEST_F(CliSequenceProgress, ProgressForProgramsTellsOfFailures) {
     EXPECT_EQ(events[2]["code"], 3);
     EXPECT_THAT(events[2]["error"], HasSubstr("in.2.png"));
     EXPECT_EQ(events[4]["failed"], 1);
+    ASSERT_EQ(events[4]["failures"].size(), 1u);
+    EXPECT_EQ(events[4]["failures"][0]["frames"], "2");
+    EXPECT_EQ(events[4]["failures"][0]["error"], events[2]["error"]);
+    const Outcome reported = Render({"--frames", "1-3", "--json", "--keep-going"});
+    EXPECT_EQ(Json::parse(reported.out)["failures"], events[4]["failures"]);
 }
 
 TEST_F(CliSequenceProgress, AFrameThatTakesLongIsToldAbout) {
