@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: BSD-3-Clause
 # Copyright 2026 the Umbrant authors
-"""Draws docs/gallery.md, one small picture per setting with its command line, and two pictures for README.md.
+"""Draws docs/gallery.md, one small picture per setting with its command line, two pictures for README.md, and the contact
+sheets of docs/host-program.md.
 
 Usage: assets/draw_gallery.py UMBRANT [SECTION...]      (default: all sections)
 
@@ -10,6 +11,7 @@ only Python. The program writes images with transparency; here they are composit
 shadows are invisible on a dark page.
 """
 
+import os
 import pathlib
 import struct
 import subprocess
@@ -23,9 +25,11 @@ PICTURES = ROOT / "docs" / "images" / "gallery"
 GROUND = (236, 235, 241)
 # Behind what glows.
 NIGHT = (27, 24, 44)
+# Pictures in a row, and where they must be larger.
 COLUMNS = 3
+FEW_COLUMNS = {"blend": 2, "stencil": 2}
 TITLE = "title.png --canvas layer --downsample 5"
-PHOTOGRAPH = "dusk.jpg --canvas layer --downsample 8"
+PHOTOGRAPH = "dusk.jpg --canvas layer --downsample 5"
 CLOSE_UP = "title.png --canvas 280,160,1760,992 --downsample 4"
 
 INTRODUCTION = """\
@@ -64,8 +68,11 @@ TEXTURE = "--texture assets/layers/dusk.jpg"
 
 BLEND_MODES = ["normal", "add", "screen", "overlay", "soft-light", "hard-light", "darken", "multiply", "color-burn",
                "classic-color-burn", "linear-burn", "darker-color"]
-TEXTURE_MODES = ["normal", "multiply", "color-burn", "add", "screen", "overlay", "soft-light", "stencil-alpha",
-                 "stencil-luma", "silhouette-alpha", "silhouette-luma"]
+TEXTURE_MODES = ["normal", "multiply", "color-burn", "add", "screen", "overlay", "soft-light"]
+ALPHA_MODES = ["stencil-alpha", "stencil-luma", "silhouette-alpha", "silhouette-luma"]
+# A texture with alpha of its own, over a part of the shadow.
+CARD = "--texture assets/layers/card.png --texture-at 760,260"
+UNCHANGED = settings(opacity__opacity_master=0)
 
 
 def easing(mode, ease, more=""):
@@ -84,6 +91,13 @@ def preset_options(name, layer):
     more = {"texture": f" {TEXTURE}", "animated-reveal": " --time 1.5"}.get(name, "")
     return f"{PRESET_LAYERS[layer]} --canvas layer --preset {name}{more}"
 
+
+# The contact sheets of docs/host-program.md, in docs/images.
+SHEETS = {
+    "sheet": "sheet assets/layers/title.png --vary style/angle=0,45,90 --vary style/softness=20,80,200 --preset long-faded "
+             "--set style/distance=300 --cell 260",
+    "presets": "presets --cell 200",
+}
 
 # The two pictures of README.md, in docs/images: a layer, and the same layer with the default shadow.
 README = [("before", f"{CLOSE_UP} {settings(opacity__opacity_master=0)}"), ("after", CLOSE_UP)]
@@ -111,13 +125,26 @@ SECTIONS = {
         (f"resolution-{name}", name, f"{TITLE} {WIDE_BLUR} {settings(quality__resolution=name)}")
         for name in ("draft", "low", "moderate", "high", "extreme")
     ]),
-    "blend": ("Blend modes of the inner shadow", "The same sea-green shadow from the left, over a photograph.", [
+    "blend": ("Blend modes of the inner shadow", "The same sea-green shadow from the left, over a photograph. "
+              "`color-burn` and `classic-color-burn` give the same picture here.", [
         (f"blend-{mode}", mode, f"{PHOTOGRAPH} {CURTAIN} {settings(style__blend_mode=mode)}") for mode in BLEND_MODES
     ]),
-    "texture": ("Texture modes", "A violet shadow textured with a photograph. A texture never changes the opacity of a "
-                "shadow. The stencil and silhouette modes affect only alpha, so they leave the shadow unchanged.", [
-        (f"texture-{mode}", mode, f"{TITLE} {TEXTURED} {TEXTURE} {settings(texture__blend_mode=mode)}")
-        for mode in TEXTURE_MODES
+    "texture": ("Texture modes", "A violet shadow without a texture, the photograph that becomes its texture, and the shadow "
+                "with it. A texture never changes the opacity of a shadow.", [
+        ("texture-without", "without a texture", f"{TITLE} {TEXTURED}"),
+        ("texture-itself", "the texture", f"{PHOTOGRAPH} {UNCHANGED}"),
+        *((f"texture-{mode}", mode, f"{TITLE} {TEXTURED} {TEXTURE} {settings(texture__blend_mode=mode)}")
+          for mode in TEXTURE_MODES),
+    ]),
+    "stencil": ("Stencil and silhouette modes of the texture", "The texture here has alpha of its own. These four modes change "
+                "alpha only, and a shadow keeps its own alpha: with each of them it is to the byte the shadow without a texture. "
+                "`normal` and `multiply` show what the texture does otherwise.", [
+        ("stencil-without", "without a texture", f"{TITLE} {TEXTURED}"),
+        ("stencil-texture", "the texture", f"card.png --canvas -360,-140,1560,940 --downsample 5 {UNCHANGED}"),
+        ("stencil-normal", "normal", f"{TITLE} {TEXTURED} {CARD} {settings(texture__blend_mode='normal')}"),
+        ("stencil-multiply", "multiply", f"{TITLE} {TEXTURED} {CARD} {settings(texture__blend_mode='multiply')}"),
+        *((f"texture-{mode}", mode, f"{TITLE} {TEXTURED} {CARD} {settings(texture__blend_mode=mode)}")
+          for mode in ALPHA_MODES),
     ]),
 }
 
@@ -138,6 +165,14 @@ def groups(options):
     return found
 
 
+def own_options(options, layer, common):
+    """What a picture adds to the options that a section's pictures have in common; all of it where the layer is another."""
+    other = options.split()[0]
+    if other != layer:
+        return f"`assets/layers/{options}`"
+    return "<br>".join(f"`{group}`" for group in groups(options) if group not in common)
+
+
 def preset_page():
     """A row for each preset: the same settings on every layer."""
     lines = ["## Presets\n", "    umbrant render assets/layers/title.png -o shadow.png --preset soft-drop\n",
@@ -152,18 +187,20 @@ def preset_page():
 
 def page():
     lines = [INTRODUCTION, *preset_page()]
-    for heading, text, pictures in SECTIONS.values():
+    for section, (heading, text, pictures) in SECTIONS.items():
+        columns = FEW_COLUMNS.get(section, COLUMNS)
         lines += [f"## {heading}\n", f"{text}\n"]
-        common = [group for group in groups(pictures[0][2]) if all(group in groups(options) for _, _, options in pictures)]
         layer = pictures[0][2].split()[0]
+        shown = [groups(options) for _, _, options in pictures if options.split()[0] == layer]
+        common = [group for group in shown[0] if all(group in one for one in shown)]
         lines.append(f"    umbrant render assets/layers/{layer} -o picture.png {' '.join(common)}\n")
-        for first in range(0, len(pictures), COLUMNS):
-            row = pictures[first:first + COLUMNS]
+        for first in range(0, len(pictures), columns):
+            row = pictures[first:first + columns]
             cells = [f"![{caption}](images/gallery/{name}.png)" for name, caption, _ in row]
-            own = ["<br>".join(f"`{group}`" for group in groups(options) if group not in common) for _, _, options in row]
-            blank = [""] * (COLUMNS - len(row))
+            own = [own_options(options, layer, common) for _, _, options in row]
+            blank = [""] * (columns - len(row))
             lines.append("| " + " | ".join([caption for _, caption, _ in row] + blank).rstrip() + " |")
-            lines.append("|" + "---|" * COLUMNS)
+            lines.append("|" + "---|" * columns)
             lines.append("| " + " | ".join(cells + blank) + " |")
             lines.append("| " + " | ".join(own + blank) + " |\n")
     return "\n".join(lines)
@@ -256,7 +293,7 @@ def draw(program, target, name, options, ground=GROUND):
 
 
 def main():
-    sections = ["readme", "presets", *SECTIONS]
+    sections = ["readme", "sheets", "presets", *SECTIONS]
     if len(sys.argv) < 2 or any(section not in sections for section in sys.argv[2:]):
         sys.exit(f"{__doc__}\nSections: {', '.join(sections)}")
     program = str(pathlib.Path(sys.argv[1]).resolve())
@@ -265,6 +302,11 @@ def main():
         if section == "readme":
             for name, options in README:
                 draw(program, PICTURES.parent, name, options)
+        elif section == "sheets":
+            for name, words in SHEETS.items():
+                sheet = PICTURES.parent / f"{name}.png"
+                environment = os.environ | {"XDG_CONFIG_HOME": "/nonexistent"}
+                subprocess.run([program, *words.split(), "-o", str(sheet)], cwd=ROOT, check=True, env=environment)
         elif section == "presets":
             for name in PRESETS:
                 for layer in PRESET_LAYERS:

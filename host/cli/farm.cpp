@@ -12,10 +12,8 @@
 #include <memory>
 #include <system_error>
 
-#include "host/cli/color/render_colors.h"
 #include "host/cli/farm/submit.h"
 #include "host/cli/presets/named_presets.h"
-#include "host/cli/recipe/like.h"
 #include "host/cli/render/render_options.h"
 #include "host/cli/results.h"
 #include "host/cli/run_program.h"
@@ -159,8 +157,7 @@ Result<FarmJob> JobOf(const FarmOptions& options, const std::vector<std::string>
     }
     const auto folder = TRY(EnterFolder(options.folder));
     render.preset = TRY(PresetFile(render.preset));
-    render = TRY(WithRecipe(render));
-    render = TRY(WithColors(render));
+    render = TRY(WholeOptions(render));
     const auto many = TRY(MeansSequence(render));
     if (!many) {
         return Failure{

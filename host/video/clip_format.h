@@ -16,17 +16,17 @@ namespace umbrant::host {
 
 /// A way to store pictures with their alpha.
 struct ClipCodec {
-    const char* name;        ///< "prores4444"
-    const char* words;       ///< for people: "ProRes 4444"
-    const char* encoder;     ///< ffmpeg's
-    const char* pixels8;     ///< ffmpeg's pixel format for pictures of 8 bits
-    const char* pixelsDeep;  ///< for deeper ones
-    bool isRgb;              ///< stores red, green and blue as they are
-    bool keepsAlpha;
-    bool needsEvenSize;                   ///< has one chroma sample for four pixels and no way around it
+    const char* name;                     ///< "prores4444"
+    const char* words;                    ///< for people: "ProRes 4444"
+    const char* encoder;                  ///< ffmpeg's
+    const char* pixels8;                  ///< ffmpeg's pixel format for pictures of 8 bits
+    const char* pixelsDeep;               ///< for deeper ones
+    bool isRgb;                           ///< stores red, green and blue as they are
     bool keepsRange;                      ///< can say that its values span the whole range
     std::vector<std::string> arguments;   ///< more for the encoder
     std::vector<std::string> extensions;  ///< the containers; the first codec with an extension is its default
+    bool keepsAlpha = true;
+    bool needsEvenSize = false;  ///< has one chroma sample for four pixels and no way around it
 };
 
 /// All of them.

@@ -120,7 +120,7 @@ Result<Done> RenderRun::FinishImage(Drawn& image, const WriteOptions& kept) {
     if (isImage_ && plan_->canvas.kind == CanvasChoice::Kind::kTight) {
         PF_LRect visible = VisibleRect(image, LeastVisible(image.pixels.PixelDepth(), kept));
         if (IsEmpty(visible)) {
-            TellNotes(options_, kAllTransparent, "");
+            if (!options_.sequence.quiet) image_->Print(fmt::format("note: {}\n", kAllTransparent));
             visible = kNothingVisible;
         }
         TRY(CutTo(visible, image));

@@ -21,6 +21,6 @@ struct WatchHooks {
 
 /// Draws once and then after each change, until the process ends. Fails as Render does for the first time, and with
 /// `ErrorKind::kUsage` where standard input or output is a file of the render. Later failures are printed.
-Result<ExitCode> WatchRender(const RenderOptions& options, const WatchHooks& hooks = {});
+Result<ExitCode> WatchRender(const RenderOptions& asked, const WatchHooks& hooks = {});
 
 }  // namespace umbrant::host

@@ -55,10 +55,11 @@ TEST(CanvasText, RefusesWhatIsNoCanvas) {
         const auto choice = ParseCanvas(text);
         ASSERT_FALSE(choice) << text;
         EXPECT_EQ(choice.error().kind, ErrorKind::kUsage);
-        EXPECT_EQ(choice.error().sentence,
-                  "'" + std::string(text) +
-                      "' is neither grow, frame, layer, tight nor a rectangle LEFT,TOP,RIGHT,BOTTOM of whole numbers from "
-                      "-1000000 to 1000000");
+        EXPECT_EQ(
+            choice.error().sentence,
+            "'" + std::string(text) +
+                "' is neither grow, frame, layer, tight nor a rectangle LEFT,TOP,RIGHT,BOTTOM of whole numbers from "
+                "-1000000 to 1000000");
     }
     for (const char* text : {"0,0,0,5", "0,5,5,5", "7,0,5,5"}) {
         const auto choice = ParseCanvas(text);

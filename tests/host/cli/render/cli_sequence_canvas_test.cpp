@@ -171,7 +171,8 @@ TEST_F(CliSequenceCanvas, WrongCanvasesAreRefused) {
          {"--canvas", "wide"},
          "in.@.png",
          "out.##.png",
-         "--canvas: 'wide' is neither grow, frame, layer, tight nor a rectangle LEFT,TOP,RIGHT,BOTTOM of whole numbers from "
+         "--canvas: 'wide' is neither grow, frame, layer, tight nor a rectangle LEFT,TOP,RIGHT,BOTTOM of whole numbers "
+         "from "
          "-1000000 to 1000000\n"},
         {"nothing inside",
          {"--canvas", "3,3,3,9"},
