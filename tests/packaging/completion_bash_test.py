@@ -38,7 +38,7 @@ class Bash(ShellCase):
             # Used already; may be repeated; no value; after the mark; a flag's value; an unknown option.
             ("umbrant render --canvas grow --canv", BREAKS[0], []),
             ("umbrant render --set a=1 --se", BREAKS[0], ["--set"]),
-            ("umbrant render -ox.png --outpu", BREAKS[0], ["--output-depth"]),
+            ("umbrant render -ox.png --output-d", BREAKS[0], ["--output-depth"]),
             ("umbrant render --frames ", BREAKS[0], []),
             ("umbrant render -- --canv", BREAKS[0], []),
             ("umbrant render --mkdir=", BREAKS[0], []),

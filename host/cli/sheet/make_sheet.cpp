@@ -11,6 +11,7 @@
 #include "host/cli/presets/named_presets.h"
 #include "host/cli/sheet/sheet_picture.h"
 #include "host/parameters/param_kind.h"
+#include "host/render/plan/output_check.h"
 
 namespace umbrant::host {
 

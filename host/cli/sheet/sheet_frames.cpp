@@ -20,6 +20,7 @@
 #include "host/compositing/resample.h"
 #include "host/compositing/resize.h"
 #include "host/render/plan/frame_numbers.h"
+#include "host/render/plan/output_check.h"
 #include "host/render/set_canvas.h"
 #include "host/render/tight_canvas.h"
 

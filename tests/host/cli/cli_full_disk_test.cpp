@@ -133,7 +133,7 @@ TEST_F(CliFullDisk, WithoutKeepGoingItEndsWithThree) {
     for (const char* ending : kEndings) {
         SCOPED_TRACE(ending);
         const std::string output = std::string("disk/full.") + ending;
-        const int code = OnSmallDisk([&] { return Draw(output, {}, "in.2.png"); });
+        const int code = OnSmallDisk([&] { return Draw(output, {"--quiet"}, "in.2.png"); });
         if (code == kNoDisk) GTEST_SKIP() << kWhyNoDisk;
         EXPECT_EQ(code, 3);
         EXPECT_EQ(ReadBytes(folder_ / "err.txt"), "umbrant: cannot write '" + output + "': No space left on device\n");
@@ -147,7 +147,7 @@ TEST_F(CliFullDisk, AFileWhoseEndDoesNotFitIsNoFile) {
     ASSERT_TRUE(WritePicture(folder_ / "pages.png", Noise(128, 64), {{0, 0, 128, 64}, 128, 64}));
     for (const StoredAs& row : kStored) {
         SCOPED_TRACE(std::string(row.ending) + " " + row.compression);
-        std::vector<std::string> more = {"--canvas", "layer"};
+        std::vector<std::string> more = {"--canvas", "layer", "--quiet"};
         if (*row.compression) more.insert(more.end(), {"--compression", row.compression});
         const std::string name = std::string("whole.") + row.ending;
         ASSERT_EQ(Draw(name, more, "pages.png"), 0) << ReadBytes(folder_ / "err.txt");

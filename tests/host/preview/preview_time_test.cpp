@@ -83,7 +83,7 @@ TEST_F(PreviewTime, FilesAreThoseOfRender) {
     Page page(preview);
     json request = Beginning(preview, page);
     const json canvas = preview.Post("canvas", request.dump()).Json();
-    Render({input, "-o", "out.####.png", "--preset", "moving.json", "--frames", "1-9"});
+    Render({input, "-o", "out.####.png", "--preset", "moving.json", "--frames", "1-9", "--no-recipe"});
     for (const int frame : {1, 5, 9}) {
         request["frame"] = frame - 1;
         request["canvas"] = canvas["canvas"];
@@ -102,7 +102,7 @@ TEST_F(PreviewTime, FilesAreThoseOfRender) {
                             {"format", format}};
         const WireReply file = preview.Post("render", still.dump());
         ASSERT_EQ(file.status, 200) << file.body;
-        Render({input, "-o", "still." + format, "--set", "style/distance=33"});
+        Render({input, "-o", "still." + format, "--set", "style/distance=33", "--no-recipe"});
         EXPECT_TRUE(file.body == BytesOf(folder_ / ("still." + format))) << format;
     }
 }
