@@ -214,9 +214,10 @@ class DebianPackages(unittest.TestCase):
     def test_lintian_has_nothing_to_say(self):
         if shutil.which("lintian") is None:
             self.skipTest("there is no lintian here")
-        said = output("lintian", "--allow-root", "--show-overrides", "--fail-on", "error,warning", *self.packages.values())
+        said = output("lintian", "--allow-root", "--fail-on", "error,warning", *self.packages.values())
         self.assertEqual([line for line in said.splitlines() if re.match(r"[EW]:", line)], [])
         # It is asked to pass over one thing: the folder that OpenFX hosts look in.
+        said = output("lintian", "--allow-root", "--show-overrides", self.packages["umbrant-openfx"])
         passed_over = {line for line in said.splitlines() if line.startswith("O:")}
         self.assertTrue(passed_over)
         self.assertEqual({line for line in passed_over if "[usr/OFX/" not in line}, set())

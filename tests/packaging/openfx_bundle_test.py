@@ -152,7 +152,7 @@ class Pixels(unittest.TestCase):
         return [word for path, value in values.items() for word in ("--set", f"{path}={value}")]
 
     def draw(self, module, layer, file, settings):
-        output(UMBRANT, "render", SOURCE / "assets/layers" / layer, "-o", file, "--renderer", "cpu", "--downsample", 4, "--module",
+        output(UMBRANT, "render", SOURCE / "assets/layers" / layer, "-o", file, "--renderer", "cpu", "--downsample", 4, "--no-recipe", "--module",
                module, *settings)  # fmt: skip
         return file.read_bytes()
 

@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "host/cli/command.h"
-#include "host/cli/doctor/finding.h"
+#include "host/cli/doctor/part_report.h"
 #include "host/cli/option_checks.h"
 #include "host/cli/results.h"
 #include "host/doctor/openfx/bundle.h"
@@ -79,8 +79,8 @@ Result<ExitCode> DiagnoseFound(std::chrono::seconds limit) {
 
 /// Everything about the program on this machine. The exit code is that of the first problem.
 ExitCode ReportAll(const DoctorOptions& options) {
-    std::vector<Finding> findings;
-    const auto add = [&findings](std::vector<Finding> more) {
+    std::vector<PartReport> findings;
+    const auto add = [&findings](std::vector<PartReport> more) {
         std::move(more.begin(), more.end(), std::back_inserter(findings));
     };
     add(FindProgram());
@@ -94,8 +94,9 @@ ExitCode ReportAll(const DoctorOptions& options) {
     add(FindOpenFxBundles(options.limit));
     PrintResult(options.json ? ReportJson(findings, RelevantEnvironment())
                              : ReportText(findings, RelevantEnvironment()));
-    const auto problem = std::find_if(findings.begin(), findings.end(),
-                                      [](const Finding& finding) { return finding.condition == Condition::kProblem; });
+    const auto problem = std::find_if(findings.begin(), findings.end(), [](const PartReport& finding) {
+        return finding.condition == PartCondition::kProblem;
+    });
     return problem == findings.end() ? ExitCode::kDone : ExitCodeOf(problem->kind);
 }
 

@@ -14,7 +14,7 @@
 #include <set>
 #include <utility>
 
-#include "host/cli/doctor/finding.h"
+#include "host/cli/doctor/part_report.h"
 #include "host/color/open_color_spaces.h"
 #include "host/doctor/openfx/bundle.h"
 #include "host/doctor/openfx/openfx_doctor.h"
@@ -34,7 +34,7 @@ namespace {
 namespace fs = std::filesystem;
 
 /// The module's file and identity, or what is wrong; and what draws. In a process of its own: a driver may end it.
-Result<std::vector<Finding>> ExamineModule(const std::string& named, RendererPreference preference) {
+Result<std::vector<PartReport>> ExamineModule(const std::string& named, RendererPreference preference) {
     const auto option = named.empty() ? std::nullopt : std::optional<fs::path>(named);
     const auto file = TRY(FindModule(DefaultModuleSearch(option)));
     SessionOptions options;
@@ -45,13 +45,14 @@ Result<std::vector<Finding>> ExamineModule(const std::string& named, RendererPre
     const GpuStrings gpu = ReadGpuStrings(session.Params());
     const RendererDecision decision = DecideRenderer(preference, gpu);
     TRY(session.End());
-    std::vector<Finding> findings = {{"module", Condition::kGood, fmt::format("'{}', {}", effect.name, file.string())},
-                                     {"renderer", Condition::kGood, RendererText(decision)}};
+    std::vector<PartReport> findings = {
+        {"module", PartCondition::kGood, fmt::format("'{}', {}", effect.name, file.string())},
+        {"renderer", PartCondition::kGood, RendererText(decision)}};
     if (gpu.HasContext()) {
-        findings.push_back(
-            {"driver", Condition::kGood, fmt::format("{}, {}, OpenGL {}", gpu.renderer, gpu.vendor, gpu.glVersion)});
+        findings.push_back({"driver", PartCondition::kGood,
+                            fmt::format("{}, {}, OpenGL {}", gpu.renderer, gpu.vendor, gpu.glVersion)});
     } else if (HasGraphicsDevice() && preference != RendererPreference::kProcessor) {
-        findings.push_back({"driver", Condition::kNote, "there is a graphics device, but no OpenGL 3.3 for it",
+        findings.push_back({"driver", PartCondition::kNote, "there is a graphics device, but no OpenGL 3.3 for it",
                             "install the driver of the device, or set UMBRANT_RENDERER=cpu; the CPU renderer draws the "
                             "same images"});
     }
@@ -83,9 +84,9 @@ bool IsOld(const std::string& version) {
 
 }  // namespace
 
-std::vector<Finding> FindModuleAndRenderer(const std::string& module) {
+std::vector<PartReport> FindModuleAndRenderer(const std::string& module) {
     const auto preference = ReadRendererPreference("");
-    std::vector<Finding> findings;
+    std::vector<PartReport> findings;
     if (!preference) findings.push_back(ProblemOf("renderer", preference.error()));
     const auto examined = ExamineModule(module, preference ? *preference : RendererPreference::kAuto);
     if (!examined) {
@@ -96,31 +97,31 @@ std::vector<Finding> FindModuleAndRenderer(const std::string& module) {
     return findings;
 }
 
-std::vector<Finding> FindOwnObjects() {
+std::vector<PartReport> FindOwnObjects() {
     const std::pair<const char*, const OwnObject*> rows[] = {
         {"images", &kImagesObject}, {"panel", &kDrawingObject}, {"preview", &kHttpObject}};
-    std::vector<Finding> findings;
+    std::vector<PartReport> findings;
     for (const auto& [subject, object] : rows) {
         const auto loaded = CheckOwnObject(*object);
         findings.push_back(
-            loaded ? Finding{subject, Condition::kGood, fmt::format("{} is loaded when needed", object->file)}
+            loaded ? PartReport{subject, PartCondition::kGood, fmt::format("{} is loaded when needed", object->file)}
                    : ProblemOf(subject, loaded.error()));
     }
     return findings;
 }
 
-std::vector<Finding> FindColorSpaces() {
+std::vector<PartReport> FindColorSpaces() {
     // In this process only when it has been loaded in another.
     if (const auto loaded = CheckOwnObject(kColorObject); !loaded) return {ProblemOf("colour", loaded.error())};
     const auto spaces = OpenedColorSpaces::Open();
     if (!spaces) return {ProblemOf("colour", spaces.error())};
     const char* const file = std::getenv("OCIO");
-    return {{"colour", Condition::kGood,
+    return {{"colour", PartCondition::kGood,
              spaces->AreOwn() ? std::string("the program's own colour spaces")
                               : fmt::format("the OpenColorIO configuration '{}'", file ? file : "")}};
 }
 
-std::vector<Finding> FindFonts() {
+std::vector<PartReport> FindFonts() {
     std::vector<fs::path> folders = {"/usr/share/fonts", "/usr/local/share/fonts"};
     if (const char* const home = std::getenv("HOME"); home && *home) {
         folders.push_back(fs::path(home) / ".local/share/fonts");
@@ -128,27 +129,27 @@ std::vector<Finding> FindFonts() {
     }
     std::size_t count = 0;
     for (const fs::path& folder : folders) count += CountFonts(folder);
-    if (count > 0) return {{"fonts", Condition::kGood, fmt::format("{} {}", count, count == 1 ? "font" : "fonts")}};
-    return {{"fonts", Condition::kNote, "there is no font, so panels and sheets have a simple built-in one",
+    if (count > 0) return {{"fonts", PartCondition::kGood, fmt::format("{} {}", count, count == 1 ? "font" : "fonts")}};
+    return {{"fonts", PartCondition::kNote, "there is no font, so panels and sheets have a simple built-in one",
              "install one (Debian: apt install fonts-dejavu-core)"}};
 }
 
-std::vector<Finding> FindClipTools() {
-    std::vector<Finding> findings;
+std::vector<PartReport> FindClipTools() {
+    std::vector<PartReport> findings;
     for (const char* const tool : {"ffmpeg", "ffprobe"}) {
         const auto version = ToolVersion(tool);
         if (!version) {
             findings.push_back(ProblemOf("clips", version.error()));
             continue;
         }
-        Finding finding{"clips", Condition::kGood, fmt::format("{} {}", tool, *version), ""};
+        PartReport finding{"clips", PartCondition::kGood, fmt::format("{} {}", tool, *version), ""};
         if (IsOld(*version)) {
-            finding.condition = Condition::kNote;
+            finding.condition = PartCondition::kNote;
             finding.advice = "install ffmpeg 5.1 or newer; clips have not been tested with this version";
         }
         findings.push_back(finding);
     }
-    if (findings.front().condition == Condition::kProblem) return findings;
+    if (findings.front().condition == PartCondition::kProblem) return findings;
     const auto encoders = ToolEncoders();
     if (!encoders) {
         findings.push_back(ProblemOf("codecs", encoders.error()));
@@ -159,16 +160,16 @@ std::vector<Finding> FindClipTools() {
         std::string& list = encoders->contains(codec.encoder) ? here : missing;
         list += (list.empty() ? "" : ", ") + std::string(codec.name);
     }
-    if (!here.empty()) findings.push_back({"codecs", Condition::kGood, here});
+    if (!here.empty()) findings.push_back({"codecs", PartCondition::kGood, here});
     if (!missing.empty()) {
-        findings.push_back({"codecs", Condition::kNote, fmt::format("this ffmpeg was built without {}", missing),
+        findings.push_back({"codecs", PartCondition::kNote, fmt::format("this ffmpeg was built without {}", missing),
                             "install an ffmpeg with these encoders, or choose another --codec"});
     }
     return findings;
 }
 
-std::vector<Finding> FindOpenFxBundles(int limit) {
-    std::vector<Finding> findings;
+std::vector<PartReport> FindOpenFxBundles(int limit) {
+    std::vector<PartReport> findings;
     for (const FoundBundle& each : FindBundles(OpenFxFolders(std::getenv("OFX_PLUGIN_PATH")))) {
         const auto sentence = DiagnoseOpenFx(each.folder, std::chrono::seconds(limit));
         if (!sentence) {
@@ -177,10 +178,10 @@ std::vector<Finding> FindOpenFxBundles(int limit) {
         }
         std::string text = *sentence;
         if (text.ends_with('.')) text.pop_back();
-        findings.push_back({"openfx", Condition::kGood, text});
+        findings.push_back({"openfx", PartCondition::kGood, text});
     }
     if (findings.empty()) {
-        findings.push_back({"openfx", Condition::kNote, "no bundle in the folders where OpenFX hosts look",
+        findings.push_back({"openfx", PartCondition::kNote, "no bundle in the folders where OpenFX hosts look",
                             "only needed for OpenFX hosts: install the bundle, or add its folder to OFX_PLUGIN_PATH"});
     }
     return findings;

@@ -19,7 +19,7 @@
 #include <optional>
 #include <string_view>
 
-#include "host/cli/doctor/finding.h"
+#include "host/cli/doctor/part_report.h"
 #include "host/cli/presets/named_presets.h"
 #include "host/cli/program_version.h"
 #include "host/loading/program_file.h"
@@ -55,11 +55,11 @@ std::string DistributionName() {
     return "";
 }
 
-Finding FindDisk(const std::string& what, const fs::path& folder) {
-    Finding finding{"disk", Condition::kGood, "", ""};
+PartReport FindDisk(const std::string& what, const fs::path& folder) {
+    PartReport finding{"disk", PartCondition::kGood, "", ""};
     struct statvfs status {};
     if (statvfs(folder.c_str(), &status) != 0) {
-        finding.condition = Condition::kProblem;
+        finding.condition = PartCondition::kProblem;
         finding.kind = ErrorKind::kFile;
         finding.text = fmt::format("{} '{}' cannot be examined: {}", what, folder.string(), std::strerror(errno));
         finding.advice = "change to a folder that exists, or set TMPDIR to one";
@@ -68,11 +68,11 @@ Finding FindDisk(const std::string& what, const fs::path& folder) {
     const std::uint64_t bytes = std::uint64_t{status.f_bavail} * status.f_frsize;
     finding.text = fmt::format("{} free in {} '{}'", BytesText(bytes), what, folder.string());
     if (access(folder.c_str(), W_OK) != 0) {
-        finding.condition = Condition::kNote;
+        finding.condition = PartCondition::kNote;
         finding.text += ", which cannot be written";
         finding.advice = "write results to another folder (-o FOLDER/NAME)";
     } else if (bytes < kLittleDisk) {
-        finding.condition = Condition::kNote;
+        finding.condition = PartCondition::kNote;
         finding.advice = "make space: an image of 3840 x 2160 pixels takes up to 130 MiB";
     }
     return finding;
@@ -88,45 +88,46 @@ fs::path TemporaryFolder() {
 
 }  // namespace
 
-std::vector<Finding> FindProgram() {
+std::vector<PartReport> FindProgram() {
     utsname system{};
     uname(&system);
     const std::string distribution = DistributionName();
-    return {{"program", Condition::kGood, fmt::format("umbrant {}, {}", ProgramVersion(), ProgramFile().string())},
-            {"system", Condition::kGood,
+    return {{"program", PartCondition::kGood, fmt::format("umbrant {}, {}", ProgramVersion(), ProgramFile().string())},
+            {"system", PartCondition::kGood,
              fmt::format("{}{} {} on {}, C library {}", distribution.empty() ? "" : distribution + ", ", system.sysname,
                          system.release, system.machine, gnu_get_libc_version())}};
 }
 
-std::vector<Finding> FindMemoryAndDisk() {
+std::vector<PartReport> FindMemoryAndDisk() {
     const MachineLimits machine = ThisMachine();
-    Finding memory{"memory", Condition::kGood,
-                   machine.memory == 0 ? std::string("the system does not report how much is available")
-                                       : BytesText(machine.memory) + " available to this program",
-                   ""};
+    PartReport memory{"memory", PartCondition::kGood,
+                      machine.memory == 0 ? std::string("the system does not report how much is available")
+                                          : BytesText(machine.memory) + " available to this program",
+                      ""};
     if (machine.memory != 0 && machine.memory < kLargeFrame) {
-        memory.condition = Condition::kNote;
+        memory.condition = PartCondition::kNote;
         memory.advice =
             "a frame of 3840 x 2160 pixels in float needs 1.2 GiB: close other programs, or draw smaller "
             "frames, in 8 bits (--depth 8) or one at a time (--threads 1)";
     }
     std::error_code error;
     const fs::path here = fs::current_path(error);
-    return {{"processor", Condition::kGood,
+    return {{"processor", PartCondition::kGood,
              fmt::format("{} {} for drawing", machine.cores, machine.cores == 1 ? "thread" : "threads")},
             memory,
             FindDisk("the current folder", error ? fs::path(".") : here),
             FindDisk("the folder of temporary files", TemporaryFolder())};
 }
 
-std::vector<Finding> FindPresets() {
+std::vector<PartReport> FindPresets() {
     const auto presets = NamedPresets();
     if (!presets) return {ProblemOf("presets", presets.error())};
     const auto users = std::count_if(presets->begin(), presets->end(), [](const auto& each) { return each.isUsers; });
     const auto installed = static_cast<std::ptrdiff_t>(presets->size()) - users;
-    Finding finding{"presets", Condition::kGood, fmt::format("{} installed, {} of your own", installed, users), ""};
+    PartReport finding{"presets", PartCondition::kGood, fmt::format("{} installed, {} of your own", installed, users),
+                       ""};
     if (installed == 0) {
-        finding.condition = Condition::kNote;
+        finding.condition = PartCondition::kNote;
         finding.advice = "install the program as a whole; until then --preset takes files only";
     }
     return {finding};

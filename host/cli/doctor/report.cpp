@@ -9,19 +9,19 @@
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 
-#include "host/cli/doctor/finding.h"
+#include "host/cli/doctor/part_report.h"
 
 namespace umbrant::host {
 
 namespace {
 
-const char* Word(Condition condition) {
+const char* Word(PartCondition condition) {
     switch (condition) {
-        case Condition::kGood:
+        case PartCondition::kGood:
             return "ok";
-        case Condition::kNote:
+        case PartCondition::kNote:
             return "note";
-        case Condition::kProblem:
+        case PartCondition::kProblem:
             break;
     }
     return "problem";
@@ -43,9 +43,9 @@ std::string WithoutHome(std::string text) {
 
 }  // namespace
 
-Finding ProblemOf(const std::string& subject, const Failure& failure) {
+PartReport ProblemOf(const std::string& subject, const Failure& failure) {
     const std::size_t end = failure.sentence.rfind("; ");
-    Finding finding{subject, Condition::kProblem, failure.sentence, "", failure.kind};
+    PartReport finding{subject, PartCondition::kProblem, failure.sentence, "", failure.kind};
     if (end != std::string::npos) {
         finding.text = failure.sentence.substr(0, end);
         finding.advice = failure.sentence.substr(end + 2);
@@ -53,11 +53,11 @@ Finding ProblemOf(const std::string& subject, const Failure& failure) {
     return finding;
 }
 
-std::string ReportText(const std::vector<Finding>& findings, const std::vector<std::string>& environment) {
+std::string ReportText(const std::vector<PartReport>& findings, const std::vector<std::string>& environment) {
     std::size_t width = 0;
-    for (const Finding& finding : findings) width = std::max(width, finding.subject.size());
+    for (const PartReport& finding : findings) width = std::max(width, finding.subject.size());
     std::string text;
-    for (const Finding& finding : findings) {
+    for (const PartReport& finding : findings) {
         text += fmt::format("{:<7}  {:<{}}  {}\n", Word(finding.condition), finding.subject, width, finding.text);
         if (!finding.advice.empty()) text += fmt::format("{:{}}-> {}\n", "", width + 11, finding.advice);
     }
@@ -65,9 +65,9 @@ std::string ReportText(const std::vector<Finding>& findings, const std::vector<s
     return WithoutHome(text);
 }
 
-std::string ReportJson(const std::vector<Finding>& findings, const std::vector<std::string>& environment) {
+std::string ReportJson(const std::vector<PartReport>& findings, const std::vector<std::string>& environment) {
     nlohmann::ordered_json rows = nlohmann::ordered_json::array();
-    for (const Finding& finding : findings) {
+    for (const PartReport& finding : findings) {
         nlohmann::ordered_json row = {
             {"subject", finding.subject}, {"condition", Word(finding.condition)}, {"text", WithoutHome(finding.text)}};
         if (!finding.advice.empty()) row["advice"] = WithoutHome(finding.advice);

@@ -57,17 +57,18 @@ Result<ExitCode> RenderRun::Run() {
     renderer_ = DecideRenderer(preference, ReadGpuStrings(session.Params()));
     session.SetRenderer(renderer_.Request());
     TRY(FindCanvas(opened, *first));
-    PrepareRecipe(opened);
     if (again_) {
         TRY(CompareCanvas(*first));
     }
     TRY(StartInstances(session, *first));
     if (options_.dryRun) {
+        PrepareRecipe(opened);
         auto measured = DryRun(*first, &session, whole.Lap() / 1000);
         auto ended = instances_.End();
         return measured && !ended ? ended.error() : std::move(measured);
     }
     TRY(FindTightCanvas());
+    PrepareRecipe(opened);
     TRY(BeginClip(*first));
     auto outcome = isImage_ ? DrawImage(std::move(*first)) : DrawSequence(std::move(*first));
     if (isImage_ && !outcome) return outcome;

@@ -12,7 +12,7 @@
 #include <nlohmann/json.hpp>
 #include <set>
 
-#include "host/cli/doctor/finding.h"
+#include "host/cli/doctor/part_report.h"
 #include "tests/host/cli/program.h"
 
 namespace umbrant::host {
@@ -102,7 +102,7 @@ TEST_F(DoctorReport, EveryPartHasALine) {
     EXPECT_THAT(outcome.out, testing::ContainsRegex("\nok       module     'Umbrant 2', /[^\n]*umbrant2.so\n"));
     EXPECT_THAT(outcome.out, HasSubstr("\nok       renderer   drawn by the CPU renderer: "));
     EXPECT_THAT(outcome.out, HasSubstr("\nok       clips      ffmpeg 5.1.9-0+deb12u1\n"));
-    EXPECT_THAT(outcome.out, HasSubstr("\nok       codecs     prores4444, ffv1, vp9, png\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("\nok       codecs     prores4444, ffv1, vp9, png"));
     EXPECT_THAT(outcome.out, HasSubstr("\nset      UMBRANT_RENDERER=cpu\n"));
 }
 
@@ -151,9 +151,9 @@ class PathVariable {
 };
 
 /// The finding about clips that is not in order.
-Finding WrongClips() {
-    for (const Finding& each : FindClipTools()) {
-        if (each.condition != Condition::kGood) return each;
+PartReport WrongClips() {
+    for (const PartReport& each : FindClipTools()) {
+        if (each.condition != PartCondition::kGood) return each;
     }
     ADD_FAILURE() << "everything is in order";
     return {};
@@ -162,18 +162,21 @@ Finding WrongClips() {
 TEST_F(DoctorReport, ToolsForClips) {
     const PathVariable path((folder_ / "bin").string());
     Tool("ffmpeg", "ffmpeg version 4.4.2 Copyright", AllEncoders());
-    EXPECT_EQ(WrongClips(), (Finding{"clips", Condition::kNote, "ffmpeg 4.4.2",
-                                     "install ffmpeg 5.1 or newer; clips have not been tested with this version"}));
+    EXPECT_EQ(WrongClips(), (PartReport{"clips", PartCondition::kNote, "ffmpeg 4.4.2",
+                                        "install ffmpeg 5.1 or newer; clips have not been tested with this version"}));
     Tool("ffmpeg", "ffmpeg version N-109-g12 Copyright", " V....D ffv1  FFV1\n A....D png a sound\n");
-    EXPECT_EQ(WrongClips(), (Finding{"codecs", Condition::kNote, "this ffmpeg was built without prores4444, vp9, png",
-                                     "install an ffmpeg with these encoders, or choose another --codec"}));
+    const PartReport codecs = WrongClips();
+    EXPECT_EQ(codecs.subject, "codecs");
+    EXPECT_EQ(codecs.condition, PartCondition::kNote);
+    EXPECT_THAT(codecs.text, testing::StartsWith("this ffmpeg was built without prores4444, vp9, png"));
+    EXPECT_EQ(codecs.advice, "install an ffmpeg with these encoders, or choose another --codec");
     Tool("ffmpeg", "a program of that name", "");
     EXPECT_EQ(WrongClips().text, "the 'ffmpeg' in PATH does not report a version");
     Script("ffmpeg", "echo no licence >&2; exit 7");
     EXPECT_EQ(WrongClips().text, "ffmpeg ended with exit code 7: no licence");
     fs::remove(folder_ / "bin/ffmpeg");
-    EXPECT_EQ(WrongClips(), (Finding{"clips", Condition::kProblem, "clips need 'ffmpeg', which is not in PATH",
-                                     "install ffmpeg (Debian: apt install ffmpeg)", ErrorKind::kFile}));
+    EXPECT_EQ(WrongClips(), (PartReport{"clips", PartCondition::kProblem, "clips need 'ffmpeg', which is not in PATH",
+                                        "install ffmpeg (Debian: apt install ffmpeg)", ErrorKind::kFile}));
     EXPECT_EQ(Run({}, {"PATH=" + (folder_ / "bin").string()}).code, 3);
 }
 

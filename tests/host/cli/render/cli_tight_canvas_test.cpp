@@ -46,11 +46,11 @@ void ExpectRect(const PF_LRect& rect, int left, int top, int right, int bottom) 
 
 TEST_F(CliTightCanvas, TheSmallestRectangleWithTheSamePixels) {
     WriteDot("dot.png", 5, 7);
-    const Outcome outcome = Tight("dot.png", "out.png", {"--set", "paint/border=0", "--json"});
+    const Outcome outcome = Tight("dot.png", "out.png", {"--set", "paint/border=0", "--json", "--no-recipe"});
     ASSERT_EQ(outcome.code, 0) << outcome.err;
     ExpectRect(Covered("out.png"), 5, 7, 6, 8);
     EXPECT_EQ(Json::parse(outcome.out)["canvasOption"], "--canvas 5,7,6,8");
-    ASSERT_EQ(Render({"--canvas", "5,7,6,8"}, "dot.png", "rectangle.png").code, 0);
+    ASSERT_EQ(Render({"--canvas", "5,7,6,8", "--no-recipe"}, "dot.png", "rectangle.png").code, 0);
     EXPECT_EQ(ReadBytes(folder_ / "out.png"), ReadBytes(folder_ / "rectangle.png"));
 }
 
