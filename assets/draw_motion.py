@@ -15,6 +15,7 @@ import sys
 import tempfile
 
 import draw_gallery
+import png_rows
 
 PRESET = "assets/presets/turning-title.json"
 PICTURES = draw_gallery.ROOT / "docs" / "images" / "motion"
@@ -48,9 +49,9 @@ def main():
                        cwd=draw_gallery.ROOT, check=True, stdout=subprocess.DEVNULL)
         frames = []
         for number in SHOWN:
-            _, _, step, rows = draw_gallery.read_png(pathlib.Path(folder) / f"title.{number:04}.png")
-            frames.append([draw_gallery.on_ground(row, step) for row in rows])
-    draw_gallery.write_png(PICTURES / "turning-title.png", *sheet(frames))
+            _, _, step, rows = png_rows.read_png(pathlib.Path(folder) / f"title.{number:04}.png")
+            frames.append([png_rows.on_ground(row, step, draw_gallery.GROUND) for row in rows])
+    png_rows.write_png(PICTURES / "turning-title.png", *sheet(frames))
     subprocess.run([program, "curves", "--preset", PRESET, "-o", str(PICTURES / "turning-title-curves.png")],
                    cwd=draw_gallery.ROOT, check=True, stdout=subprocess.DEVNULL)
 

@@ -13,8 +13,9 @@ import subprocess
 import sys
 import tempfile
 
-from draw_gallery import GROUND, ROOT, command_words, on_ground, read_png, write_png
+from draw_gallery import GROUND, ROOT, command_words
 from parameter_strips import STRIPS
+from png_rows import on_ground, read_png, write_png
 
 PICTURES = ROOT / "docs/images/parameters"
 GAP = 6

@@ -343,31 +343,6 @@ class Installed(unittest.TestCase):
         self.assertIn(", the layer at ", said)
         self.assertTrue((folder / "shadow.pam").read_bytes().startswith(b"P7\n"))
 
-    def test_a_host_is_built_with_the_headers_of_the_interface(self):
-        if shutil.which("pkg-config") is None:
-            self.skipTest("there is no pkg-config here")
-        folder = self.root / "host"
-        folder.mkdir()
-        (folder / "host.cpp").write_text("""
-            #include <dlfcn.h>
-            #include <cstdio>
-            #include <string_view>
-            #include "hostapi/hostapi.h"
-            A_Err Registered(PF_PluginDataPtr, const A_u_char* name, const A_u_char*, const A_u_char*,
-                             const A_u_char* entry, A_long, A_long, A_long, A_long) {
-                std::printf("%s %s\\n", reinterpret_cast<const char*>(name), reinterpret_cast<const char*>(entry));
-                return 0;
-            }
-            int main(int, char** arguments) {
-                using Register = PF_Err (*)(PF_PluginDataPtr, PF_PluginDataCB, SPBasicSuite*, const char*, const char*);
-                void* module = dlopen(arguments[1], RTLD_NOW | RTLD_LOCAL);
-                auto registerEffect = reinterpret_cast<Register>(dlsym(module, "PluginDataEntryFunction"));
-                return registerEffect(nullptr, Registered, nullptr, "host", "1.0");
-            }""", encoding="utf-8")
-        flags = run("pkg-config", "--cflags", "umbrant_effect", PKG_CONFIG_PATH=str(self.prefix / "share/pkgconfig"))
-        run("sh", "-euc", f'c++ -std=c++20 host.cpp -o host {flags.strip()}', cwd=folder)
-        self.assertEqual(run(folder / "host", self.prefix / LIBDIR / "umbrant/umbrant2.so"), "Umbrant 2 EffectMain\n")
-
     def test_a_program_without_a_module_says_what_it_can_do(self):
         build, _ = self.build_example("example_alone")
         # The installation without its module.
