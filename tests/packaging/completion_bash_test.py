@@ -34,7 +34,7 @@ class Bash(ShellCase):
             ("umbrant ren| in.png -o out.png", BREAKS[0], ["render"]),
             ("umbrant ren|params", BREAKS[0], ["render"]),
             ("umbrant render --ca|nvas=grow in.png", BREAKS[0], ["--canvas"]),
-            ("umbrant render --canvas |-o out.png", BREAKS[0], ["grow", "frame", "layer"]),
+            ("umbrant render --canvas |-o out.png", BREAKS[0], ["grow", "frame", "layer", "tight"]),
             # Used already; may be repeated; no value; after the mark; a flag's value; an unknown option.
             ("umbrant render --canvas grow --canv", BREAKS[0], []),
             ("umbrant render --set a=1 --se", BREAKS[0], ["--set"]),
@@ -66,7 +66,7 @@ class Bash(ShellCase):
                        "set -f;", "alias umbrant=false; shopt -s expand_aliases;", "export LC_ALL=C;"):  # fmt: skip
             with self.subTest(before):
                 self.assertEqual(self.ask_bash("umbrant rend", before=before), ["render"])
-                self.assertEqual(self.ask_bash("umbrant render --canvas ", before=before), ["grow", "frame", "layer"])
+                self.assertEqual(self.ask_bash("umbrant render --canvas ", before=before), ["grow", "frame", "layer", "tight"])
                 self.assertEqual(self.ask_bash("umbrant render --json --nothing", before=before), [])
 
     def test_bash_asks_the_program_that_is_typed(self):
@@ -101,6 +101,9 @@ class Bash(ShellCase):
             ("umbrant render x.png -o pict\t", "-o picture-one.png "),
             ("umbrant render x.png --output=pict\t", "--output=picture-one.png "),
             ('umbrant render "with\t', '"with a space.png" '),
+            ("umbrant render --input-space Lin\t", "--input-space Linear\\ Rec.709 "),
+            ("umbrant render --input-space 'Gam\t", "--input-space 'Gamma 2.4 Rec.709' "),
+            ("umbrant render --input-space=Gam\t", "--input-space=Gamma\\ 2.4\\ Rec.709 "),
             ("umbrant params > pict\t", "> picture-one.png "),
             ("umbrant render --can in.png\x01\x1bf\x1bf\x1bf\t", "--canvas in.png"),
         ]
