@@ -19,6 +19,7 @@
 #include "host/cli/opened_module.h"
 #include "host/cli/option_checks.h"
 #include "host/cli/presets/named_presets.h"
+#include "host/cli/recipe/like.h"
 #include "host/cli/render/clip_endpoints.h"
 #include "host/cli/render/render_options.h"
 #include "host/cli/render/render_plan.h"
@@ -63,23 +64,7 @@ struct PreviewCommandOptions {
     double idleMinutes = 0;
 };
 
-Result<PreviewEffect> Open(const PreviewCommandOptions& options, int layerWidth, int layerHeight) {
-    SessionOptions about;
-    about.layerWidth = layerWidth;
-    about.layerHeight = layerHeight;
-    const auto preference = TRY(ReadRendererPreference(options.renderer));
-    about.renderer = RendererOfSetUp(preference);
-    const auto opened = std::make_shared<OpenedModule>(
-        TRY(OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module), about)));
-    const RendererDecision renderer = DecideRenderer(preference, ReadGpuStrings(opened->Session().Params()));
-    opened->Session().SetRenderer(renderer.Request());
-    const auto explain = [isProcessor = renderer.processor](const Failure& failure, const EffectSession& session) {
-        return isProcessor ? failure : Explain(failure, session);
-    };
-    return PreviewEffect{opened, &opened->Session(), opened->effect.name, renderer.Name(), explain};
-}
-
-/// The options of `umbrant render` that this command has too, besides files and values.
+/// The options of `umbrant render` that this command has too, besides files and values: names and values in turn.
 std::vector<std::string> RenderArguments(const PreviewCommandOptions& options) {
     std::vector<std::string> arguments;
     for (const auto& [name, value] : {std::pair("--depth", &options.depth), std::pair("--renderer", &options.renderer),
@@ -95,6 +80,56 @@ std::vector<std::string> RenderArguments(const PreviewCommandOptions& options) {
     }
     if (sequence.missing != "error") arguments.insert(arguments.end(), {"--missing", sequence.missing});
     return arguments;
+}
+
+/// Makes the recipes of files: those that the command has which the page copies.
+std::function<std::string(const DrawnFile&)> RecipesOf(const PreviewCommandOptions& options,
+                                                       const std::shared_ptr<const OpenedModule>& module,
+                                                       const RendererDecision& renderer) {
+    RenderOptions all;
+    const std::vector<std::string> arguments = RenderArguments(options);
+    for (std::size_t i = 0; i + 1 < arguments.size(); i += 2) {
+        all.given.emplace_back(arguments[i].substr(2), arguments[i + 1]);
+    }
+    return [all, module, renderer](const DrawnFile& file) mutable {
+        RenderOptions render = all;
+        if (file.texture.empty()) {
+            // A place needs a texture.
+            std::erase_if(render.given, [](const auto& one) { return one.first == "texture-at"; });
+        }
+        render.given.emplace_back("texture", file.texture);
+        render.given.emplace_back("rate", file.rate);
+        if (file.downsample > 1) render.given.emplace_back("downsample", std::to_string(file.downsample));
+        Recipe recipe = RecipeOf(render, *module, file.params, renderer, file.canvas);
+        PlannedFrame frame;
+        frame.position = file.frame.value_or(0);
+        std::string text =
+            RecipeWriter(render, std::move(recipe), !file.params.animation.IsEmpty()).TextOf(frame, !file.frame);
+        // One note on a recipe that is too long suffices for all frames.
+        if (text.empty()) all.sequence.quiet = true;
+        return text;
+    };
+}
+
+Result<PreviewEffect> Open(const PreviewCommandOptions& options, int layerWidth, int layerHeight) {
+    SessionOptions about;
+    about.layerWidth = layerWidth;
+    about.layerHeight = layerHeight;
+    const auto preference = TRY(ReadRendererPreference(options.renderer));
+    about.renderer = RendererOfSetUp(preference);
+    const auto opened = std::make_shared<OpenedModule>(
+        TRY(OpenModule(options.module.empty() ? std::nullopt : std::optional(options.module), about)));
+    const RendererDecision renderer = DecideRenderer(preference, ReadGpuStrings(opened->Session().Params()));
+    opened->Session().SetRenderer(renderer.Request());
+    const auto explain = [isProcessor = renderer.processor](const Failure& failure, const EffectSession& session) {
+        return isProcessor ? failure : Explain(failure, session);
+    };
+    return PreviewEffect{opened,
+                         &opened->Session(),
+                         opened->effect.name,
+                         renderer.Name(),
+                         explain,
+                         RecipesOf(options, opened, renderer)};
 }
 
 /// The frames of the input and the texture; `clips` has those that are clips, and must outlive them.

@@ -20,6 +20,16 @@
 
 namespace umbrant::host {
 
+/// What a file that the page saves was drawn with.
+struct DrawnFile {
+    AnimatedParams params;
+    std::string canvas{};   ///< the text of --canvas that gives the same one
+    std::string texture{};  ///< its name; empty for none
+    std::string rate{};     ///< of a timeline, as --rate takes it; empty for a single image, and where it is a clip's
+    int downsample = 1;
+    std::optional<double> frame{};  ///< of a timeline; nothing for a single image
+};
+
 /// An effect that is set up, with its renderer chosen.
 struct PreviewEffect {
     std::shared_ptr<void> owner;       ///< of the session
@@ -28,6 +38,8 @@ struct PreviewEffect {
     std::string drawnBy;  ///< "gl" or "cpu"
     /// Replaces an effect's failure with a more helpful one.
     std::function<Failure(const Failure&, const EffectSession&)> explain;
+    /// The text of a file's recipe, empty where it is too long for one. Without it files have none.
+    std::function<std::string(const DrawnFile&)> recipe{};
 };
 
 /// A preset that the page offers.

@@ -101,6 +101,9 @@ class Bash(ShellCase):
             ("umbrant render x.png -o pict\t", "-o picture-one.png "),
             ("umbrant render x.png --output=pict\t", "--output=picture-one.png "),
             ('umbrant render "with\t', '"with a space.png" '),
+            ("umbrant render --input-space Lin\t", "--input-space Linear\\ Rec.709 "),
+            ("umbrant render --input-space 'Gam\t", "--input-space 'Gamma 2.4 Rec.709' "),
+            ("umbrant render --input-space=Gam\t", "--input-space=Gamma\\ 2.4\\ Rec.709 "),
             ("umbrant params > pict\t", "> picture-one.png "),
             ("umbrant render --can in.png\x01\x1bf\x1bf\x1bf\t", "--canvas in.png"),
         ]

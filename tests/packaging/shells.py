@@ -41,6 +41,7 @@ LINES = [
     ("umbrant render x.png -o pict\t", "-o picture-one.png"),
     ("umbrant render x.png --output=pict\t", "--output=picture-one.png"),
     ("umbrant render with\t", "with\\ a\\ space.png"),
+    ("umbrant render --input-space Lin\t", "--input-space Linear\\ Rec.709"),
 ]
 
 # What is typed, and what must be offered; what must not.

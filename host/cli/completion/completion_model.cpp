@@ -5,9 +5,11 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cstdlib>
 
 #include "host/cli/completion/completion.h"
 #include "host/cli/presets/named_presets.h"
+#include "host/color/own_config.h"
 #include "host/image/exr/compression_names.h"
 #include "host/parameters/param_kind.h"
 #include "host/parameters/param_path.h"
@@ -57,6 +59,13 @@ std::vector<std::string> PresetNames() {
     return names;
 }
 
+/// Those of the program's own; none where a configuration of the user's replaces them.
+std::vector<std::string> ColorSpaceNames() {
+    const char* configuration = std::getenv("OCIO");
+    if (configuration && *configuration) return {};
+    return {kSrgbSpace, kLinearSpace, kGammaSpace, kAcesSpace};
+}
+
 /// What the help calls a value: its type up to the checks.
 std::string ShownType(const std::string& type) {
     return type.substr(0, type.find(':'));
@@ -72,6 +81,7 @@ CompletionValue ValueOf(const CLI::Option& option) {
     if (option.check_lname("codec")) value.choices = Split(ClipCodecNames(), ' ');
     if (option.check_lname("compression")) value.choices = CompressionNames();
     for (std::string& word : value.choices) std::erase(word, ',');
+    if (shown == "SPACE") value.choices = ColorSpaceNames();
     if (option.check_lname("preset")) {
         value.kind = Kind::kFile;
         value.choices = PresetNames();

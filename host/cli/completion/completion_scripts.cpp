@@ -73,7 +73,10 @@ _umbrant() {
         [[ $line && $line != :* ]] || continue
         line=$prefix${line%%$'\t'*}
         [[ $kind != :options ]] || line=${line%=}
-        [[ $line != "$current"* ]] || COMPREPLY+=("${line:cut}")
+        [[ $line == "$current"* ]] || continue
+        COMPREPLY+=("${line:cut}")
+        # Readline quotes the names of files alone.
+        [[ $kind != :words || $line != *' '* ]] || compopt -o filenames 2>/dev/null || :
     done <<<"$answer"
     [[ $kind != :settings ]] || compopt -o nospace 2>/dev/null || :
     # Where nothing is known, names of files would be wrong.

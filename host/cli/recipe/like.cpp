@@ -183,14 +183,14 @@ Result<Done> ApplyRecipeValues(const RenderOptions& options, AnimatedParams& par
     return Failure{ErrorKind::kUsage, sentence};
 }
 
-Recipe RecipeOf(const RenderOptions& options, const OpenedEffect& effect, const RendererDecision& renderer,
-                const std::string& canvas) {
+Recipe RecipeOf(const RenderOptions& options, const OpenedModule& module, const AnimatedParams& params,
+                const RendererDecision& renderer, const std::string& canvas) {
     Recipe recipe;
     recipe.program = ProgramVersion();
-    recipe.moduleName = effect.module.effect.name;
-    recipe.moduleVersion = EffectVersionText(effect.module.session->EffectVersion());
+    recipe.moduleName = module.effect.name;
+    recipe.moduleVersion = EffectVersionText(module.session->EffectVersion());
     // Only of its own module does the program know the arithmetic.
-    if (effect.module.module) recipe.pixels = renderer.processor && DrawsExactly() ? kExactPixelVersion : kPixelVersion;
+    if (module.module) recipe.pixels = renderer.processor && DrawsExactly() ? kExactPixelVersion : kPixelVersion;
     recipe.renderer = renderer.Name();
     recipe.options.emplace_back("canvas", canvas);
     for (const std::string_view name : kPixelOptions) {
@@ -199,7 +199,7 @@ Recipe RecipeOf(const RenderOptions& options, const OpenedEffect& effect, const 
             if (given == name && (name == "collapsed" || !value.empty())) recipe.options.emplace_back(given, value);
         }
     }
-    recipe.preset = PresetText(effect.params);
+    recipe.preset = PresetText(params);
     return recipe;
 }
 

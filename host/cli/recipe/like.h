@@ -25,9 +25,10 @@ Result<RenderOptions> WithRecipe(const RenderOptions& options);
 /// the module does not have and values that it does not take.
 Result<Done> ApplyRecipeValues(const RenderOptions& options, AnimatedParams& params);
 
-/// The recipe of what these options draw with an effect, `canvas` being the text of --canvas that gives the same one.
-Recipe RecipeOf(const RenderOptions& options, const OpenedEffect& effect, const RendererDecision& renderer,
-                const std::string& canvas);
+/// The recipe of what these options draw with a module and its values, `canvas` being the text of --canvas that gives
+/// the same one.
+Recipe RecipeOf(const RenderOptions& options, const OpenedModule& module, const AnimatedParams& params,
+                const RendererDecision& renderer, const std::string& canvas);
 
 /// How this run draws otherwise than the file that --like names, as a line on standard error for each difference.
 void ReportDifferences(const RenderOptions& options, const Recipe& drawn);

@@ -152,7 +152,7 @@ Result<Done> RenderRun::BeginClip(const FirstFrame& first) {
 void RenderRun::PrepareRecipe(const OpenedEffect& effect) {
     const auto covered = Covered();
     const std::string canvas = covered ? CanvasText(covered->layer) : ResolvedCanvas();
-    Recipe recipe = RecipeOf(options_, effect, renderer_, canvas);
+    Recipe recipe = RecipeOf(options_, effect.module, effect.params, renderer_, canvas);
     if (isImage_) recipe.frame = options_.frame;
     ReportDifferences(options_, recipe);
     recipe_.emplace(options_, std::move(recipe), !effect.params.animation.IsEmpty());

@@ -139,6 +139,13 @@ Result<Done> PreviewEngine::SetValues(const DrawRequest& request, const ShotMome
     return effect_->session->UpdateParamsUI();
 }
 
+Result<AnimatedParams> PreviewEngine::ParamsOf(const DrawRequest& request) {
+    const auto animation = TRY(AnimationOf(request));
+    AnimatedParams params{defaults_, *animation};
+    for (const auto& [path, text] : request.values) TRY(params.values.SetFromText(path, text));
+    return params;
+}
+
 void PreviewEngine::Draw(const DrawRequest& request) {
     Result<Done> outcome = Done{};
     try {

@@ -94,6 +94,12 @@ class PreviewEngine {
     Result<CanvasChoice> CanvasFor(const DrawRequest& request) const;
     FrameSettings SettingsFor(const CanvasChoice& canvas, int downsample) const;
     void SendFrame(const DrawRequest& request, const PreviewLayer& layer, int downsample, Drawn drawn, double took);
+    /// The values and keyframes of a request.
+    Result<AnimatedParams> ParamsOf(const DrawRequest& request);
+    /// What a file of this scene is drawn with, except for its canvas. Before ReadImages, which replaces names.
+    Result<DrawnFile> FileOf(const DrawRequest& request, const Scene& scene);
+    /// The rectangle that grows to contain the shadow: of this frame, or of all of the timeline.
+    Result<CanvasChoice> GrownCanvas(const Scene& scene, const CanvasChoice& canvas, int downsample, bool ofAll);
     Result<HttpReply> MakeFile(const DrawRequest& request);
     Result<HttpReply> FindCanvas(const DrawRequest& request, bool ofAll);
     Result<nlohmann::ordered_json> BeginningValues();

@@ -50,6 +50,22 @@ FramePlan PlanOfOne(const FramePlan& plan, const PlannedFrame& frame) {
     return one;
 }
 
+/// The text of --canvas that gives the same canvas, a rectangle as it is drawn.
+std::string TextOf(const CanvasChoice& canvas, int downsample) {
+    switch (canvas.kind) {
+        case CanvasChoice::Kind::kRectangle:
+            return CanvasText(FullSizeCanvas(DrawnCanvas(canvas.rectangle, downsample), downsample));
+        case CanvasChoice::Kind::kLayer:
+            return "layer";
+        case CanvasChoice::Kind::kFrame:
+            return "frame";
+        case CanvasChoice::Kind::kGrow:
+        case CanvasChoice::Kind::kTight:
+            break;
+    }
+    return "grow";
+}
+
 }  // namespace
 
 Result<Done> PreviewEngine::ReadImages(Scene& scene) {
@@ -146,6 +162,17 @@ HttpReply PreviewEngine::CanvasOfOne(const DrawRequest& request) {
     return Guarded([&] { return FindCanvas(request, false); });
 }
 
+Result<DrawnFile> PreviewEngine::FileOf(const DrawRequest& request, const Scene& scene) {
+    DrawnFile file{TRY(ParamsOf(request))};
+    if (scene.texture) file.texture = scene.texture->Name();
+    file.downsample = std::max(request.downsample, 1);
+    if (!scene.isMoving()) return file;
+    const bool readsClip = scene.layer->IsMoving() || (scene.texture && scene.texture->IsMoving());
+    if (!options_.shot.hasFixedRate || !readsClip) file.rate = request.rate;
+    file.frame = scene.moment.frame->position;
+    return file;
+}
+
 Result<HttpReply> PreviewEngine::MakeFile(const DrawRequest& request) {
     constexpr std::string_view kFormats[] = {"png", "tif", "exr", "jpg"};
     if (std::find(std::begin(kFormats), std::end(kFormats), request.format) == std::end(kFormats)) {
@@ -154,9 +181,15 @@ Result<HttpReply> PreviewEngine::MakeFile(const DrawRequest& request) {
     auto scene = TRY(SceneOf(request));
     if (!scene.layer) return Failure{ErrorKind::kUsage, "there is no image to draw; choose one"};
     TRY(SetValues(request, scene.moment));
-    const auto canvas = TRY(CanvasFor(request));
+    auto canvas = TRY(CanvasFor(request));
+    auto file = TRY(FileOf(request, scene));
     TRY(ReadImages(scene));
-    const int downsample = std::max(request.downsample, 1);
+    const int downsample = file.downsample;
+    // A frame of a timeline is a set of one, whose canvas is the rectangle that it covers.
+    if (scene.isMoving() && canvas.kind == CanvasChoice::Kind::kGrow) {
+        canvas = TRY(GrownCanvas(scene, canvas, downsample, false));
+    }
+    file.canvas = TextOf(canvas, downsample);
     const auto drawn = TRY(Render(scene, canvas, downsample));
     const Picture& whole = scene.layer->Whole();
     const auto world = TRY(scene.layer->At(drawn.pixels.PixelDepth(), downsample));
@@ -167,6 +200,7 @@ Result<HttpReply> PreviewEngine::MakeFile(const DrawRequest& request) {
     kept.half = whole.isHalf && !options_.depth;
     kept.metadata = whole.metadata;
     kept.format = request.format;
+    if (effect_->recipe) kept.recipe = effect_->recipe(file);
     auto bytes = TRY(EncodePicture(drawn.pixels, place, kept));
     return HttpReply{200, "application/octet-stream", std::move(bytes)};
 }
@@ -180,12 +214,19 @@ Result<HttpReply> PreviewEngine::FindCanvas(const DrawRequest& request, bool ofA
     if (ofAll && canvas.kind == CanvasChoice::Kind::kFrame) return JsonReply({{"canvas", "frame"}});
     TRY(ReadImages(scene));
     const int downsample = std::max(request.downsample, 1);
-    const Depth depth = options_.depth.value_or(scene.layer->OwnDepth());
-    const auto world = TRY(scene.layer->At(depth, downsample));
     if (canvas.kind == CanvasChoice::Kind::kLayer) {
         if (ofAll) return JsonReply({{"canvas", "layer"}});
+        const auto world = TRY(scene.layer->At(options_.depth.value_or(scene.layer->OwnDepth()), downsample));
         return JsonReply({{"canvas", CanvasText(FullSizeCanvas({0, 0, world->Width(), world->Height()}, downsample))}});
     }
+    const auto grown = TRY(GrownCanvas(scene, canvas, downsample, ofAll));
+    return JsonReply({{"canvas", CanvasText(grown.rectangle)}});
+}
+
+Result<CanvasChoice> PreviewEngine::GrownCanvas(const Scene& scene, const CanvasChoice& canvas, int downsample,
+                                                bool ofAll) {
+    const Depth depth = options_.depth.value_or(scene.layer->OwnDepth());
+    const auto world = TRY(scene.layer->At(depth, downsample));
     FrameLayers known;
     known.input = SizesOf(*scene.layer, *world);
     if (scene.texture) {
@@ -205,7 +246,7 @@ Result<HttpReply> PreviewEngine::FindCanvas(const DrawRequest& request, bool ofA
         };
     }
     const PF_LRect all = SetCanvas(job, known, *effect_->session);
-    return JsonReply({{"canvas", CanvasText(FullSizeCanvas(all, downsample))}});
+    return CanvasChoice{CanvasChoice::Kind::kRectangle, FullSizeCanvas(all, downsample)};
 }
 
 }  // namespace umbrant::host

@@ -57,12 +57,9 @@ HttpReply PreviewEngine::Curves(const DrawRequest& request) {
 HttpReply PreviewEngine::SavePreset(const DrawRequest& request) {
     if (IsGone()) return Refusal(409, "the module is not running; start it again");
     if (auto set = SetValues(request, {}); !set) return Refused(set.error());
-    AnimatedParams params{defaults_, animation_};
-    for (const auto& [path, text] : request.values) {
-        // SetValues has read each of them.
-        if (auto set = params.values.SetFromText(path, text); !set) return Refused(set.error());
-    }
-    return {200, "application/json", PresetText(params)};
+    const auto params = ParamsOf(request);
+    if (!params) return Refused(params.error());
+    return {200, "application/json", PresetText(*params)};
 }
 
 HttpReply PreviewEngine::LoadPreset(const std::string& name, const std::string& text) {

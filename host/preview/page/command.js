@@ -27,5 +27,8 @@ export function renderCommand({ layer, texture, values, renderArguments, time, p
   else for (const [key, text] of Object.entries(values)) words.push("--set", `${key}=${text}`);
   if (time) words.push(`--frames=${time.frames}`);
   if (time?.rate) words.push("--rate", time.rate);
-  return [...words, ...renderArguments].map(shellWord).join(" ");
+  // A place needs a texture.
+  const at = texture ? -1 : renderArguments.indexOf("--texture-at");
+  const others = at < 0 ? renderArguments : [...renderArguments.slice(0, at), ...renderArguments.slice(at + 2)];
+  return [...words, ...others].map(shellWord).join(" ");
 }

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <sstream>
 
 #include "tests/host/cli/in_process.h"
@@ -78,6 +79,12 @@ TEST(CliCompletion, TheLastLineSaysWhatFollowsAndWhere) {
         {"a value that is free", {"render", "--time", ""}, ":words\t", {}, "grow"},
         {"a folder", {"farm", "--logs", ""}, ":files\t", {}, ""},
         {"a background", {"render", "--background", ""}, ":words\t", {"checker"}, "grow"},
+        {"a colour space",
+         {"render", "--input-space", ""},
+         ":words\t",
+         {"sRGB", "Linear Rec.709", "Gamma 2.4 Rec.709", "ACEScg"},
+         "grow"},
+        {"a colour space, joined", {"render", "--texture-space="}, ":words\t--texture-space=", {"ACEScg"}, "grow"},
         {"an image as background", {"render", "--background", "pl"}, ":files\t", {}, ""},
         {"what varies", {"sheet", "--vary", "style/shadow-type="}, ":words\tstyle/shadow-type=", {"radial"}, "screen"},
         {"a preset", {"curves", "--preset", ""}, ":words\t", {"soft-drop", "neon"}, "soft-drop.json"},
@@ -109,6 +116,14 @@ TEST(CliCompletion, TheLastLineSaysWhatFollowsAndWhere) {
             EXPECT_THAT(answer.texts, ElementsAre());
         }
     }
+}
+
+TEST(CliCompletion, AConfigurationOfTheUsersHasOtherColourSpaces) {
+    ASSERT_EQ(setenv("OCIO", "studio.ocio", 1), 0);
+    const Answer answer = Ask({"render", "--input-space", ""});
+    unsetenv("OCIO");
+    EXPECT_EQ(answer.last, ":words\t");
+    EXPECT_THAT(answer.texts, ElementsAre());
 }
 
 TEST(CliCompletion, CandidatesHaveTheDescriptionsOfTheHelp) {

@@ -83,7 +83,7 @@ TEST_F(PreviewTime, FilesAreThoseOfRender) {
     Page page(preview);
     json request = Beginning(preview, page);
     const json canvas = preview.Post("canvas", request.dump()).Json();
-    Render({input, "-o", "out.####.png", "--preset", "moving.json", "--frames", "1-9", "--no-recipe"});
+    Render({input, "-o", "out.####.png", "--preset", "moving.json", "--frames", "1-9", "--rate", "24"});
     for (const int frame : {1, 5, 9}) {
         request["frame"] = frame - 1;
         request["canvas"] = canvas["canvas"];
@@ -102,7 +102,7 @@ TEST_F(PreviewTime, FilesAreThoseOfRender) {
                             {"format", format}};
         const WireReply file = preview.Post("render", still.dump());
         ASSERT_EQ(file.status, 200) << file.body;
-        Render({input, "-o", "still." + format, "--set", "style/distance=33", "--no-recipe"});
+        Render({input, "-o", "still." + format, "--set", "style/distance=33"});
         EXPECT_TRUE(file.body == BytesOf(folder_ / ("still." + format))) << format;
     }
 }
@@ -126,8 +126,10 @@ TEST_F(PreviewTime, ASequenceIsShownFrameByFrame) {
         const json drawn = page.DrawThis(request);
         ASSERT_TRUE(drawn.is_object());
         Render({"in.####.png", "-o", "out.####.png", "--rate", "12", "--frames", std::to_string(frame)});
-        EXPECT_TRUE(page.Pixels(drawn) == RgbaOf(Read(folder_ / ("out.000" + std::to_string(frame) + ".png")).pixels))
-            << frame;
+        const auto rendered = folder_ / ("out.000" + std::to_string(frame) + ".png");
+        EXPECT_TRUE(page.Pixels(drawn) == RgbaOf(Read(rendered).pixels)) << frame;
+        request["format"] = "png";
+        EXPECT_TRUE(preview.Post("render", request.dump()).body == BytesOf(rendered)) << frame;
         const std::string original =
             preview.Get("original?layer=1&frames=3-6&rate=12&frame=" + std::to_string(frame - 3)).body;
         EXPECT_TRUE(original == RgbaOf(Read(folder_ / ("in.000" + std::to_string(frame) + ".png")).pixels));
@@ -178,8 +180,10 @@ TEST_F(PreviewTime, AClipIsShownFrameByFrame) {
         const json drawn = page.DrawThis(request);
         ASSERT_TRUE(drawn.is_object());
         Render({"clip.mkv", "-o", "out.####.png", "--set", "style/distance=5", "--frames", std::to_string(frame)});
-        EXPECT_TRUE(page.Pixels(drawn) == RgbaOf(Read(folder_ / ("out.000" + std::to_string(frame) + ".png")).pixels))
-            << frame;
+        const auto rendered = folder_ / ("out.000" + std::to_string(frame) + ".png");
+        EXPECT_TRUE(page.Pixels(drawn) == RgbaOf(Read(rendered).pixels)) << frame;
+        request["format"] = "png";
+        EXPECT_TRUE(preview.Post("render", request.dump()).body == BytesOf(rendered)) << frame;
     }
 }
 

@@ -160,4 +160,9 @@ test("the command has the frames, and a preset for keys", () => {
     "umbrant render 'in.####.png' -o 'in-out.####.png' --preset in.json --frames=-3-9 --depth 32");
   assert.equal(renderCommand({ ...shown, layer: "a.b.png", preset: "", time: null }),
     "umbrant render a.b.png -o a.b-out.png --set style/angle=45 --depth 32");
+  const placed = { ...shown, layer: "a.png", preset: "", time: null, renderArguments: ["--texture-at", "4,-2", "--depth", "8"] };
+  assert.equal(renderCommand({ ...placed, texture: "paper.png" }),
+    "umbrant render a.png -o a-out.png --texture paper.png --set style/angle=45 --texture-at 4,-2 --depth 8");
+  assert.equal(renderCommand(placed), "umbrant render a.png -o a-out.png --set style/angle=45 --depth 8",
+    "no texture has a place");
 });
