@@ -27,7 +27,7 @@ struct PartReport {
     bool operator==(const PartReport&) const = default;
 };
 
-/// The sentence of a failure as a problem. What stands after its last semicolon is the advice.
+/// The sentence of a failure as a problem. The text after its last semicolon is the advice.
 PartReport ProblemOf(const std::string& subject, const Failure& failure);
 
 // Each of these examines its part and never fails. `module` is the file that --module names, or empty.
