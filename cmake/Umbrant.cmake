@@ -174,13 +174,18 @@ endfunction()
 # of Python's unittest cases. It counts as skipped when none could run. PYTHON is for cases that need a package of the
 # system's, which another Python does not find.
 function(umbrant_unittest name file)
-    cmake_parse_arguments(arg "" "PYTHON" "LABELS;ENVIRONMENT" ${ARGN})
+    cmake_parse_arguments(arg "" "PYTHON" "LABELS;ENVIRONMENT;CONFIGURATIONS" ${ARGN})
     if(NOT arg_PYTHON)
         set(arg_PYTHON Python3::Interpreter)
     endif()
+    # With a configuration it runs only where ctest is told of it, by -C.
+    if(arg_CONFIGURATIONS)
+        list(PREPEND arg_CONFIGURATIONS CONFIGURATIONS)
+    endif()
     string(REGEX REPLACE "[^A-Za-z0-9_.-]+" "_" report "${name}")
     add_test(NAME "${name}" COMMAND ${arg_PYTHON} -B ${CMAKE_SOURCE_DIR}/tests/support/run_unittest.py
-                                    ${CMAKE_CURRENT_SOURCE_DIR}/${file} ${umbrant_test_reports}/${report}.xml)
+                                    ${CMAKE_CURRENT_SOURCE_DIR}/${file} ${umbrant_test_reports}/${report}.xml
+             ${arg_CONFIGURATIONS})
     set_tests_properties("${name}" PROPERTIES LABELS "${arg_LABELS}" TIMEOUT ${umbrant_test_timeout} SKIP_RETURN_CODE 77
                                               ENVIRONMENT "${arg_ENVIRONMENT}")
 endfunction()

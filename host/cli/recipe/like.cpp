@@ -175,7 +175,7 @@ Result<Done> ApplyRecipeValues(const RenderOptions& options, AnimatedParams& par
                         options.like, fmt::join(unknown, ", "), more > 0 ? fmt::format(" and {} more", more) : "",
                         EchoText(recipe.moduleName), EchoText(recipe.moduleVersion))};
     }
-    const auto applied = ApplyPresetText(recipe.preset, options.like, params);
+    auto applied = ApplyPresetText(recipe.preset, options.like, params);
     if (applied) return applied;
     constexpr std::string_view kBegin = "the preset";
     std::string sentence = applied.error().sentence;

@@ -155,7 +155,7 @@ Result<bool> MeansSequence(const RenderOptions& options);
 Result<Done> CheckNoTime(const RenderOptions& options);
 
 /// Draws a single image or a sequence.
-Result<ExitCode> Render(const RenderOptions& options);
+Result<ExitCode> Render(const RenderOptions& asked);
 
 /// The options with those of the recipe that they name, and with their colour spaces opened. Fails as Render does.
 Result<RenderOptions> WholeOptions(const RenderOptions& asked);

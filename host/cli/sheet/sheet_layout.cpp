@@ -57,7 +57,8 @@ std::vector<std::string> Headings(const std::vector<std::vector<std::string>>& l
     for (std::size_t axis = 2; axis < labels.size(); ++axis) {
         std::vector<std::string> more;
         for (const std::string& one : all) {
-            for (const std::string& label : labels[axis]) more.push_back(one.empty() ? label : one + " · " + label);
+            for (const std::string& label : labels[axis])
+                more.push_back(one.empty() ? label : fmt::format("{} · {}", one, label));
         }
         all = std::move(more);
     }
@@ -73,7 +74,7 @@ class Layouter {
 
     Result<SheetLayout> LayOut() {
         const Size inner = content_.labels.size() < 2 ? LayOutFlow() : LayOutBlocks();
-        const std::int64_t width = 2 * kMargin + std::max<std::int64_t>(inner.width, kLeastContent);
+        const std::int64_t width = std::int64_t{2} * kMargin + std::max<std::int64_t>(inner.width, kLeastContent);
         const std::int64_t height = top_ + inner.height + kMargin;
         if (width > kLongestSheet || height > kLongestSheet) {
             return Failure{ErrorKind::kUsage,
