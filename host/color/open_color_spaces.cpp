@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 #include "host/color/own_config.h"
@@ -46,6 +48,8 @@ Result<OpenedColorSpaces> OpenedColorSpaces::Open() {
     if (const char* file = std::getenv("OCIO")) opened.file_ = file;
     if (!opened.file_.empty()) {
         if (const auto reason = WhyNoFile(opened.file_)) return CannotRead(opened.file_, *reason);
+        std::error_code error;
+        if (std::filesystem::is_directory(opened.file_, error)) return CannotRead(opened.file_, "a folder, not a file");
     }
     const auto library = OpenOwnObject(kColorObject);
     if (const auto* reason = std::get_if<std::string>(&library)) {

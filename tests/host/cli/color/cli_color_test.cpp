@@ -209,7 +209,8 @@ TEST_F(CliColor, AConfigurationOfTheUsersIsTaken) {
     EXPECT_EQ(outcome.err, "umbrant: there is no colour space 'halve' in 'no roles.ocio'; did you mean 'halved'?\n");
     for (const auto& [config, reason] :
          {std::pair("broken.ocio", "Error: Loading the OCIO profile 'broken.ocio' failed. "),
-          std::pair("none.ocio", "there is no such file; "), std::pair("in.png", ""), std::pair(".", "")}) {
+          std::pair("none.ocio", "there is no such file; "), std::pair("in.png", ""),
+          std::pair(".", "a folder, not a file; ")}) {
         outcome = RenderWith(config, {"in.png", "-o", "new.png", "--input-space", "sRGB"});
         EXPECT_EQ(outcome.code, 3) << config;
         EXPECT_THAT(outcome.err, StartsWith("umbrant: the configuration of colours '" + std::string(config) +
