@@ -178,7 +178,7 @@ function(umbrant_unittest name file)
     if(NOT arg_PYTHON)
         set(arg_PYTHON Python3::Interpreter)
     endif()
-    # With a configuration it runs only where ctest is told of it, by -C.
+    # With a configuration it runs only when ctest is given that, by -C.
     if(arg_CONFIGURATIONS)
         list(PREPEND arg_CONFIGURATIONS CONFIGURATIONS)
     endif()

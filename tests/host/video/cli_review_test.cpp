@@ -78,9 +78,9 @@ TEST_F(ReviewClips, AClipKeepsItsSoundAndNeedsABackground) {
     int sounds = 0;
     for (const auto& stream : probed["streams"]) sounds += stream["codec_name"] == "aac" ? 1 : 0;
     EXPECT_EQ(sounds, 1);
-    const Outcome silent = Render("in.mov", "out.apng");
-    ASSERT_EQ(silent.code, 0) << silent.err;
-    EXPECT_THAT(silent.err, HasSubstr("the sound of 'in.mov' is left out: 'out.apng' cannot hold sound"));
+    const Outcome withoutSound = Render("in.mov", "out.apng");
+    ASSERT_EQ(withoutSound.code, 0) << withoutSound.err;
+    EXPECT_THAT(withoutSound.err, HasSubstr("the sound of 'in.mov' is left out: 'out.apng' cannot hold sound"));
 }
 
 TEST_F(ReviewClips, WithoutAnH264EncoderTheReasonIsSaid) {

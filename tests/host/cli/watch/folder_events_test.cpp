@@ -29,7 +29,7 @@ TEST(FolderEvents, EachKindOfChangeEndsTheWait) {
     const Folder folder;
     FolderEvents events;
     events.Follow({folder.Path()});
-    if (events.Polls()) GTEST_SKIP() << "the temporary folder is on another machine";
+    ASSERT_FALSE(events.Polls()) << "set TMPDIR to a folder of this machine that the kernel watches";
     WriteBytes(folder / "a", "one");
     events.Wait(kShort);
     WriteBytes(folder / "a", "two");
@@ -48,7 +48,7 @@ TEST(FolderEvents, AFolderThatIsReplacedIsFollowed) {
     fs::create_directory(folder / "in");
     FolderEvents events;
     events.Follow({folder / "in"});
-    if (events.Polls()) GTEST_SKIP() << "the temporary folder is on another machine";
+    ASSERT_FALSE(events.Polls()) << "set TMPDIR to a folder of this machine that the kernel watches";
     fs::rename(folder / "in", folder / "old");
     events.Wait(kShort);
     EXPECT_TRUE(events.Polls()) << "nobody reports when it is there again";
