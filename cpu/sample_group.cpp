@@ -13,10 +13,6 @@ namespace {
 constexpr size_t kMostPlaneFloats = size_t{1} << 20;
 constexpr size_t kMostSamples = 48;
 
-Range Around(Range a, Range b) {
-    return {std::min(a.begin, b.begin), std::max(a.end, b.end)};
-}
-
 bool AreEqual(const BlurPlan& a, const BlurPlan& b) {
     return a.steps == b.steps && a.inputStride == b.inputStride;
 }

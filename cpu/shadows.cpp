@@ -86,7 +86,7 @@ void ThinSources(std::vector<StackSample>& samples, double full) {
     struct Need {
         const StackSample* sample = nullptr;
         int level = 0;
-        int reach = 0;
+        Range rows;
     };
     std::vector<Need> needs;
     for (StackSample& sample : samples) {
@@ -95,15 +95,16 @@ void ThinSources(std::vector<StackSample>& samples, double full) {
         if (!grids.IsWide()) continue;
         needs.resize(std::max(needs.size(), size_t{sample.plan->buffer} + 1));
         Need& need = needs[sample.plan->buffer];
+        const Range rows = WideSample::RowsRead(sample);
+        need.rows = need.sample ? Around(need.rows, rows) : rows;
         need.sample = &sample;
         need.level = std::max(need.level, grids.level);
-        need.reach = std::max(need.reach, WideSample::RowsBeyond(sample.downKernel, grids));
     }
     auto& pyramids = Memory().pyramids;
     while (pyramids.size() < needs.size()) pyramids.push_back(std::make_unique<RowPyramid>());
     for (size_t i = 0; i < needs.size(); ++i) {
         if (!needs[i].sample) continue;
-        pyramids[i]->Build(*needs[i].sample->source, needs[i].sample->plan->across.y.outputs, needs[i].reach,
+        pyramids[i]->Build(*needs[i].sample->source, needs[i].sample->plan->across.y.outputs, needs[i].rows,
                            needs[i].level);
     }
     for (StackSample& sample : samples) {

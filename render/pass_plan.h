@@ -28,6 +28,11 @@ inline Range Intersect(Range a, Range b) {
     return {std::max(a.begin, b.begin), std::min(a.end, b.end)};
 }
 
+/// The smallest range that holds both.
+inline Range Around(Range a, Range b) {
+    return {std::min(a.begin, b.begin), std::max(a.end, b.end)};
+}
+
 /// Of a texture, a buffer or a layer's alpha, row 0 first.
 struct Region {
     Range x;

@@ -91,15 +91,22 @@ void Thin(const float* in, Range inputs, ptrdiff_t columns, const std::array<flo
 
 }  // namespace
 
-void RowPyramid::Build(const ColumnTiles& source, int rows, int reach, int levels) {
+int RowPyramid::Reach(int level) {
+    // 11 taps, then 7 of twice, four times, ... the distance.
+    return 5 + 3 * ((1 << level) - 2);
+}
+
+void RowPyramid::Build(const ColumnTiles& source, int rows, Range needed, int levels) {
     if (levels_.size() < static_cast<size_t>(levels)) levels_.resize(static_cast<size_t>(levels));
     // What is not 0 among the rows and their mirror images.
     Range inputs = source.Rows();
     if (inputs.begin == source.Distinct().begin) inputs.begin = 0;
     if (inputs.end == source.Distinct().end) inputs.end = rows;
     const Range filled = inputs;
-    if (filled.begin < reach) inputs.begin = std::max(-reach, -filled.end);
-    if (rows - filled.end < reach) inputs.end = std::min(rows + reach, 2 * rows - filled.begin);
+    if (needed.begin < -filled.begin) inputs.begin = -filled.end;
+    if (needed.end > 2 * rows - filled.end) inputs.end = 2 * rows - filled.begin;
+    inputs = Intersect(inputs, needed);
+    inputs.end = std::max(inputs.begin, inputs.end);
     const ptrdiff_t columns = source.Columns().Size();
     Thin(
         source.Tile(0), inputs, columns, FirstThinning(), [&](int64_t row) { return StoredRow(source, row, rows); },

@@ -25,9 +25,13 @@ struct PyramidLevel {
 
 class RowPyramid {
  public:
-    /// Thins the rows of `source`, a pass of `rows` rows of which `reach` mirrored ones before and after are needed, up
-    /// to level `levels`. Throws std::bad_alloc.
-    void Build(const ColumnTiles& source, int rows, int reach, int levels);
+    /// Rows of the source on each side of a coefficient's own that it is made from.
+    static int Reach(int level);
+
+    /// Thins the rows of `source`, a pass of `rows` rows, up to level `levels`. Of the pass's rows and their mirror
+    /// images those in `needed` are read; coefficients that would need others are not to be used. Throws
+    /// std::bad_alloc.
+    void Build(const ColumnTiles& source, int rows, Range needed, int levels);
 
     /// Level 1 or above.
     const PyramidLevel& Level(int level) const { return levels_[static_cast<size_t>(level) - 1]; }

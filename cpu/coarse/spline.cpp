@@ -143,9 +143,13 @@ const std::array<float, 13>& QuinticFilter() {
     return weights;
 }
 
+int CoarseReach(const Kernel& kernel, int grid) {
+    return static_cast<int>(std::ceil(kernel.Reach() / grid)) + 7;
+}
+
 std::vector<float> CoarseKernel(const Kernel& kernel, int grid) {
     const std::vector<double> rows = FoldedHalf(kernel);
-    const int half = static_cast<int>(std::ceil(kernel.Reach() / grid)) + 7;
+    const int half = CoarseReach(kernel, grid);
     std::vector<double> weights(static_cast<size_t>(half) + 1, 0.0);
     for (int step = 0; step < kFrequencies; ++step) {
         const double frequency = (step + 0.5) / (2.0 * kFrequencies);

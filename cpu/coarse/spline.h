@@ -30,5 +30,7 @@ const std::array<float, 13>& QuinticFilter();
 /// A blur between two grids of every `grid`-th row: weights, about the middle one, that make coefficients of the
 /// quintic spline those of the cubic spline of the blurred signal. Sum 1 whatever the kernel's gain.
 std::vector<float> CoarseKernel(const Kernel& kernel, int grid);
+/// Its weights on each side of the middle one.
+int CoarseReach(const Kernel& kernel, int grid);
 
 }  // namespace umbrant::effect

@@ -33,6 +33,22 @@ struct TexelPlace {
     double fraction;
 };
 
+/// Coefficients of the blurred copy along y.
+Range CopyRows(const StackSample& sample) {
+    const Placement& place = sample.plan->place.y;
+    const Range& out = sample.plan->regions.placed.y;
+    const int grid = sample.decimation.Rows();
+    const Stretch stretch(place);
+    return {FloorDivide(TexelPlace(stretch.At(out.begin), place.texels).texel, grid) - 1,
+            FloorDivide(TexelPlace(stretch.At(out.end - 1), place.texels).texel, grid) + 3};
+}
+
+/// Coefficients of the level that they are made from, in whole blocks.
+Range LevelRows(const StackSample& sample, Range copy) {
+    const int reach = CoarseReach(sample.downKernel, sample.decimation.Rows());
+    return {copy.begin - reach, copy.begin + DivideUp(copy.Size(), kTapOutputs) * kTapOutputs + reach};
+}
+
 /// The weights of `kSpan` coefficients from `first` on for the linear mix of a spline's values at two texels.
 template <int kSpan, typename Spline>
 void WeighPlace(const TexelPlace& place, int grid, int first, Spline spline, float* weights, ptrdiff_t pitch) {
@@ -51,21 +67,23 @@ void WideSample::Start(const StackSample& sample, const PyramidLevel& level) {
     const PlacePlan& place = sample.plan->place;
     const Region& out = sample.plan->regions.placed;
     const int columns = sample.decimation.columns;
-    const int rows = sample.decimation.Rows();
     const Stretch x(place.x);
-    const Stretch y(place.y);
     stretched_ = {FloorDivide(TexelPlace(x.At(out.x.begin), place.x.texels).texel, columns) - 2,
                   FloorDivide(TexelPlace(x.At(out.x.end - 1), place.x.texels).texel, columns) + 4};
     coarse_ = {stretched_.begin - kFilterReach, stretched_.end + kFilterReach};
-    rows_ = {FloorDivide(TexelPlace(y.At(out.y.begin), place.y.texels).texel, rows) - 1,
-             FloorDivide(TexelPlace(y.At(out.y.end - 1), place.y.texels).texel, rows) + 3};
+    rows_ = CopyRows(sample);
+    const Range read = Intersect(LevelRows(sample, rows_), level.rows);
+    firstTile_ = read.Empty() ? 0 : (read.begin - level.rows.begin) / kTileRows;
+    tiles_ = read.Empty() ? 0 : DivideUp(read.end - level.rows.begin, kTileRows) - firstTile_;
     pitch_ = PitchFor(coarse_.Size());
     across_.resize(std::max(across_.size(), static_cast<size_t>(Chunks())));
 }
 
-int WideSample::RowsBeyond(const Kernel& down, const Decimation& grids) {
-    // The coarse kernel's ends, the splines' support, and the thinning's.
-    return static_cast<int>(down.Reach()) + 16 * grids.Rows();
+Range WideSample::RowsRead(const StackSample& sample) {
+    const int grid = sample.decimation.Rows();
+    const int reach = RowPyramid::Reach(sample.decimation.level);
+    const Range level = LevelRows(sample, CopyRows(sample));
+    return {level.begin * grid - reach, (level.end - 1) * grid + reach + 1};
 }
 
 int WideSample::Chunks() const {
@@ -73,7 +91,7 @@ int WideSample::Chunks() const {
 }
 
 size_t WideSample::PlaneSize() const {
-    return static_cast<size_t>(pitch_) * static_cast<size_t>(level_->Tiles()) * kTileRows + kSlack;
+    return static_cast<size_t>(pitch_) * static_cast<size_t>(tiles_) * kTileRows + kSlack;
 }
 
 void WideSample::Weigh(int task, TapFolder& folder) {
@@ -95,9 +113,11 @@ void WideSample::Weigh(int task, TapFolder& folder) {
 void WideSample::WeighDown() {
     const std::vector<float> kernel = CoarseKernel(sample_->downKernel, sample_->decimation.Rows());
     const int half = static_cast<int>(kernel.size() / 2);
+    const int planeBegin = level_->rows.begin + firstTile_ * kTileRows;
+    const Range stored = {planeBegin, std::min(planeBegin + tiles_ * kTileRows, level_->rows.end)};
     down_.Clear();
     for (int row = rows_.begin; row < rows_.end; row += kTapOutputs) {
-        down_.AddBlock(kernel, row - half, level_->rows, static_cast<int>(pitch_));
+        down_.AddBlock(kernel, row - half, stored, static_cast<int>(pitch_));
     }
 }
 
@@ -140,7 +160,7 @@ const WideSample::RowWeights& WideSample::Row(int pixel) const {
 void WideSample::BlurAcross(int task, float* plane) const {
     const int tile = task / Chunks();
     const int chunk = task % Chunks();
-    CurrentKernels().sumColumns(level_->Tile(tile), across_[static_cast<size_t>(chunk)].View(), kTileRows,
+    CurrentKernels().sumColumns(level_->Tile(firstTile_ + tile), across_[static_cast<size_t>(chunk)].View(), kTileRows,
                                 plane + pitch_ * tile * kTileRows + ptrdiff_t{chunk} * kChunkColumns, pitch_);
 }
 

@@ -27,8 +27,8 @@ struct WideMemory {
 /// The stages of one sample. Tasks of one stage may run at the same time.
 class WideSample {
  public:
-    /// Rows before the buffer's first and after its last that a blur reads on these grids.
-    static int RowsBeyond(const Kernel& down, const Decimation& grids);
+    /// Rows of the buffer and of its mirror images that a sample reads on its grids.
+    static Range RowsRead(const StackSample& sample);
 
     void Start(const StackSample& sample, const PyramidLevel& level);
 
@@ -37,7 +37,7 @@ class WideSample {
 
     /// Floats of the plane that the blur across makes.
     size_t PlaneSize() const;
-    int AcrossTasks() const { return level_->Tiles() * Chunks(); }
+    int AcrossTasks() const { return tiles_ * Chunks(); }
     void BlurAcross(int task, float* plane) const;
 
     /// Adds what of the sample lies in `patch` to `accumulated`, `width` pixels a row.
@@ -58,9 +58,11 @@ class WideSample {
 
     const StackSample* sample_ = nullptr;
     const PyramidLevel* level_ = nullptr;
-    Range coarse_;     ///< columns of the plane, on the coarse grid
-    Range stretched_;  ///< those with a coefficient after the filter
-    Range rows_;       ///< coefficients of the blurred copy
+    Range coarse_;       ///< columns of the plane, on the coarse grid
+    Range stretched_;    ///< those with a coefficient after the filter
+    Range rows_;         ///< coefficients of the blurred copy
+    int firstTile_ = 0;  ///< of the level, which is the plane's first
+    int tiles_ = 0;      ///< of the level that the blur down reads
     ptrdiff_t pitch_ = 0;
     std::vector<TapList> across_;  ///< per chunk of columns
     TapList down_;
