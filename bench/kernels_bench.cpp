@@ -9,12 +9,14 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <numeric>
 #include <string>
 #include <vector>
 
+#include "cpu/buffer.h"
 #include "cpu/kernels/kernels.h"
 #include "cpu/taps.h"
 
@@ -26,7 +28,18 @@ using benchmark::Counter;
 
 constexpr int kColumns = 512;    ///< outputs of a blur across
 constexpr int kRows = 64;        ///< outputs of a blur down
+constexpr int kRowPitch = 544;   ///< floats from row to row there, as PitchFor has them
 constexpr double kPitch = 1.25;  ///< inputs from output to output across: nearly what a default frame has
+
+/// Aligned as the renderer's are.
+class Values {
+ public:
+    explicit Values(size_t count, float value = 0) { std::fill_n(values_.Reserve(count), count, value); }
+    float* data() const { return values_.Get(); }
+
+ private:
+    Buffer<float> values_;
+};
 
 struct Folded {
     TapList taps;
@@ -56,10 +69,10 @@ Folded Fold(int outputs, double pitch, int steps, int unit) {
 void BlurAcross(benchmark::State& state, const CpuKernels& kernels) {
     const int steps = static_cast<int>(state.range(0));
     const Folded folded = Fold(kColumns, kPitch, steps, kTileRows);
-    std::vector<float> tile(static_cast<size_t>(folded.inputs) * kTileRows + kSlack, 1000.0f);
-    std::vector<float> out(static_cast<size_t>(kColumns) * kTileRows + kSlack);
+    const Values tile(static_cast<size_t>(folded.inputs) * kTileRows + kSlack, 1000);
+    const Values out(static_cast<size_t>(kRowPitch) * kTileRows + kSlack);
     for (auto _ : state) {
-        kernels.blurColumns(tile.data(), folded.taps.View(), kTileRows, out.data(), kColumns);
+        kernels.blurColumns(tile.data(), folded.taps.View(), kTileRows, out.data(), kRowPitch);
         benchmark::ClobberMemory();
     }
     state.counters["taps"] = Counter(kTileRows * kColumns * (2.0 * steps + 1), Counter::kIsIterationInvariantRate);
@@ -68,11 +81,11 @@ void BlurAcross(benchmark::State& state, const CpuKernels& kernels) {
 
 void BlurDown(benchmark::State& state, const CpuKernels& kernels) {
     const int steps = static_cast<int>(state.range(0));
-    const Folded folded = Fold(kRows, 1, steps, kColumns);
-    std::vector<float> in(static_cast<size_t>(folded.inputs) * kColumns + kSlack, 1000.0f);
-    std::vector<float> out(static_cast<size_t>(kRows) * kColumns + kSlack);
+    const Folded folded = Fold(kRows, 1, steps, kRowPitch);
+    const Values in(static_cast<size_t>(folded.inputs) * kRowPitch + kSlack, 1000);
+    const Values out(static_cast<size_t>(kRows) * kRowPitch + kSlack);
     for (auto _ : state) {
-        kernels.blurRows(in.data(), folded.taps.View(), 0, folded.taps.Count(), kColumns, out.data(), kColumns);
+        kernels.blurRows(in.data(), folded.taps.View(), 0, folded.taps.Count(), kColumns, out.data(), kRowPitch);
         benchmark::ClobberMemory();
     }
     state.counters["taps"] = Counter(kColumns * kRows * (2.0 * steps + 1), Counter::kIsIterationInvariantRate);

@@ -6,6 +6,7 @@
 
 #include <string>
 
+#include "host/compositing/memory_recycler.h"
 #include "host/compositing/world.h"
 #include "host/session/effect_session.h"
 
@@ -34,6 +35,7 @@ class Rig {
  private:
     Rig();
 
+    MemoryRecycler recycler_;  ///< as in the program
     Module module_;
     EffectSession session_;
     ParamSet defaults_;

@@ -17,8 +17,6 @@ namespace {
 
 // Columns of a copy whose weights make one task.
 constexpr int kChunkColumns = 64;
-// Rows of a patch's blur across come in multiples of this: what every instruction set works on at a time.
-constexpr int kRowStep = 16;
 // A blur is done patch by patch while the rows that it reads beyond a patch's own are at most this share of them.
 constexpr double kMostBeyond = 0.4;
 // Columns and rows of a shared copy that make one task: whole vectors and blocks.

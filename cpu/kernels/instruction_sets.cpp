@@ -35,18 +35,34 @@ constexpr bool HasAll(std::uint32_t bits, std::uint32_t wanted) {
 constexpr std::uint32_t kFma = 1u << 12, kMayAskKept = 1u << 27;              // of leaf 1, register C
 constexpr std::uint32_t kAvx2 = 1u << 5;                                      // of leaf 7, register B
 constexpr std::uint32_t kAvx512 = 1u << 16 | 1u << 17 | 1u << 30 | 1u << 31;  // likewise: F, DQ, BW, VL
+// Zen 4, the only processor of its family with AVX-512.
+constexpr std::uint32_t kHalfFamily = 0x19;
 constexpr std::uint32_t kKeeps256 = 0x06, kKeeps512 = 0xE6;
+
+bool IsMadeByAmd(const Registers& leaf0) {
+    return leaf0.b == 0x68747541 && leaf0.d == 0x69746e65 && leaf0.c == 0x444d4163;  // "AuthenticAMD"
+}
+
+std::uint32_t FamilyOf(std::uint32_t signature) {
+    const std::uint32_t family = signature >> 8 & 0xF;
+    return family == 0xF ? family + (signature >> 20 & 0xFF) : family;
+}
 
 }  // namespace
 
 InstructionSets ReadInstructionSets() {
-    if (Cpuid(0).a < 7) return {};
-    const std::uint32_t first = Cpuid(1).c;
+    const Registers leaf0 = Cpuid(0);
+    if (leaf0.a < 7) return {};
+    const Registers leaf1 = Cpuid(1);
+    const std::uint32_t first = leaf1.c;
     if (!HasAll(first, kMayAskKept)) return {};
     const std::uint32_t kept = KeptRegisters();
     const std::uint32_t extended = Cpuid(7).b;
-    return {HasAll(extended, kAvx2) && HasAll(first, kFma) && HasAll(kept, kKeeps256),
-            HasAll(extended, kAvx512) && HasAll(first, kFma) && HasAll(kept, kKeeps512)};
+    InstructionSets sets;
+    sets.avx2 = HasAll(extended, kAvx2) && HasAll(first, kFma) && HasAll(kept, kKeeps256);
+    sets.avx512 = HasAll(extended, kAvx512) && HasAll(first, kFma) && HasAll(kept, kKeeps512);
+    sets.halves = sets.avx512 && IsMadeByAmd(leaf0) && FamilyOf(leaf1.a) == kHalfFamily;
+    return sets;
 }
 
 #else

@@ -10,6 +10,7 @@ namespace umbrant::effect {
 struct InstructionSets {
     bool avx2 = false;    ///< AVX2 and FMA, and registers of 256 bits are kept
     bool avx512 = false;  ///< AVX-512 F, BW, DQ and VL, and registers of 512 bits are kept
+    bool halves = false;  ///< its arithmetic units have 256 bits
 };
 
 InstructionSets ReadInstructionSets();

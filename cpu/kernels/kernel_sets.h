@@ -11,5 +11,7 @@ namespace umbrant::effect {
 extern const CpuKernels kBaselineKernels;
 extern const CpuKernels kAvx2Kernels;
 extern const CpuKernels kAvx512Kernels;
+/// The same instructions on registers of 256 bits.
+extern const CpuKernels kAvx512HalfKernels;
 
 }  // namespace umbrant::effect

@@ -6,6 +6,7 @@
 #include "cpu/kernels/kernels.h"
 
 #include <atomic>
+#include <utility>
 
 #include "cpu/kernels/instruction_sets.h"
 #include "cpu/kernels/kernel_sets.h"
@@ -16,6 +17,23 @@ namespace {
 
 std::atomic<const CpuKernels*> forced{nullptr};
 
+#if defined(__x86_64__)
+/// A processor that does the two halves of 512 bits one after the other adds up no more at a time with them, and reads
+/// its inputs more slowly: the sums take halves.
+const CpuKernels& HalfSumKernels() {
+    static const CpuKernels kernels = [] {
+        CpuKernels mixed = kAvx512Kernels;
+        mixed.name = kAvx512HalfKernels.name;
+        mixed.blurColumns = kAvx512HalfKernels.blurColumns;
+        mixed.blurRows = kAvx512HalfKernels.blurRows;
+        mixed.sumColumns = kAvx512HalfKernels.sumColumns;
+        mixed.sumRows = kAvx512HalfKernels.sumRows;
+        return mixed;
+    }();
+    return kernels;
+}
+#endif
+
 }  // namespace
 
 std::vector<const CpuKernels*> RunnableKernels() {
@@ -23,7 +41,11 @@ std::vector<const CpuKernels*> RunnableKernels() {
 #if defined(__x86_64__)
     const InstructionSets sets = ReadInstructionSets();
     if (sets.avx2) runnable.push_back(&kAvx2Kernels);
-    if (sets.avx512) runnable.push_back(&kAvx512Kernels);
+    if (sets.avx512) {
+        runnable.push_back(&HalfSumKernels());
+        runnable.push_back(&kAvx512Kernels);
+        if (sets.halves) std::swap(runnable.back(), runnable[runnable.size() - 2]);
+    }
 #endif
     return runnable;
 }

@@ -15,6 +15,8 @@ namespace umbrant::effect {
 inline constexpr int kTapOutputs = 4;
 /// Rows of a column tile: neighbours in memory, so that one tap reads them all at once.
 inline constexpr int kTileRows = 32;
+/// `blurColumns` makes a multiple of these rows.
+inline constexpr int kRowStep = 16;
 /// Columns that `blurRows` works on at a time; its rows are readable and writable up to the next multiple.
 inline constexpr int kColumnChunk = 32;
 /// The largest alpha that is calculated with. It is full wherever a tap sees any of it, as an infinite one is, and its
@@ -76,8 +78,8 @@ struct CpuKernels {
                         float* out);
 
     /// Blur across. `tile` is a column tile: input `j` is its kTileRows floats from 32 j on, and the offsets count
-    /// floats. Block b goes to columns 4 b of `rows` rows, a multiple of 16, `pitch` floats apart; rounded and limited
-    /// to 0..65535.
+    /// floats. Block b goes to columns 4 b of `rows` rows, a multiple of kRowStep, `pitch` floats apart; rounded and
+    /// limited to 0..65535.
     void (*blurColumns)(const float* tile, const TapBlocks& taps, int rows, float* out, ptrdiff_t pitch);
 
     /// Blur down. The offsets count floats from `in` to input rows. Blocks [first, last) make four rows each,

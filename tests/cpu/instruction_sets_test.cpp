@@ -7,6 +7,10 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
+#include "cpu/kernels/kernels.h"
+
 namespace umbrant::effect {
 
 namespace {
@@ -19,6 +23,17 @@ TEST(InstructionSets, AreWhatTheCompilerFinds) {
     EXPECT_EQ(sets.avx512, __builtin_cpu_supports("fma") && __builtin_cpu_supports("avx512f") &&
                                __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512dq") &&
                                __builtin_cpu_supports("avx512vl"));
+    EXPECT_EQ(sets.halves, sets.avx512 && __builtin_cpu_is("amdfam19h"));
+}
+
+TEST(InstructionSets, DecideWhichAvx512KernelsAreTheBest) {
+    const InstructionSets sets = ReadInstructionSets();
+    const std::string best = BestKernels().name;
+    if (sets.avx512) {
+        EXPECT_EQ(best, sets.halves ? "AVX-512/256" : "AVX-512");
+    } else {
+        EXPECT_EQ(best, sets.avx2 ? "AVX2" : "baseline");
+    }
 }
 #else
 TEST(InstructionSets, OfOtherProcessorsAreNone) {

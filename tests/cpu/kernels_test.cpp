@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -364,7 +365,7 @@ TEST_P(Kernels, PartsOfRowsAndOfLists) {
 
 INSTANTIATE_TEST_SUITE_P(Sets, Kernels, ::testing::ValuesIn(RunnableKernels()), [](const auto& row) {
     std::string name = row.param->name;
-    std::erase(name, '-');
+    std::erase_if(name, [](unsigned char c) { return !std::isalnum(c); });
     return name;
 });
 
