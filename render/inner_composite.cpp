@@ -3,9 +3,14 @@
 
 #include "render/inner_composite.h"
 
+#include <algorithm>
+#include <optional>
+#include <type_traits>
+
 #include "hostapi/errors.h"
 #include "pixel/blend_modes.h"
 #include "pixel/pixel_transfer.h"
+#include "pixel/world_rows.h"
 #include "render/composite.h"
 
 namespace umbrant::effect {
@@ -19,10 +24,24 @@ PF_Err MakeWorld(const PF_LayerDef& output, HV_EffectWorld* world) {
     return world->actuallyInit();
 }
 
+template <typename Pixel>
+constexpr auto kOpaque = static_cast<decltype(Pixel::alpha)>(std::is_same_v<Pixel, PF_Pixel> ? 255 : 1);
+
+template <typename Pixel>
+void MakeRowOpaque(void* row, A_long width) {
+    auto* pixels = static_cast<Pixel*>(row);
+    std::for_each(pixels, pixels + width, [](Pixel& pixel) { pixel.alpha = kOpaque<Pixel>; });
+}
+
 // Every pixel of the output becomes opaque, so that the shadow blends with the layer's colour alone; the clip puts the
 // layer's alpha back.
 PF_Err MakeOpaque(PF_InData* in_data, const myParams& settings, AEGP_SuiteHandler& suites) {
     PF_LayerDef* output = settings.outputWorld;
+    if (settings.isOwnHost) {
+        const auto makeRow = settings.bitDepth == 8 ? MakeRowOpaque<PF_Pixel> : MakeRowOpaque<PF_PixelFloat>;
+        const auto made = WalkRows(in_data, output, [&](A_long, void* row) { makeRow(row, output->width); });
+        if (made) return *made;
+    }
     if (settings.bitDepth == 8) {
         return suites.Iterate8Suite1()->iterate(in_data, 0, output->height, output, nullptr, nullptr, maxAlpha8,
                                                 output);

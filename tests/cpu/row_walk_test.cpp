@@ -19,6 +19,7 @@ namespace umbrant::effect {
 
 namespace {
 
+using ::testing::Each;
 using ::testing::ElementsAre;
 
 PF_Err walkError = PF_Err_NONE;
@@ -81,6 +82,18 @@ TEST_F(RowWalk, AHostOfTheFirstVersionIteratesAsEver) {
     EXPECT_EQ(host_.CountOf("iterate8 0 50"), 1);
 }
 
+TEST_F(RowWalk, MakesTheInnerShadowsGroundOpaque) {
+    Offer(host_);
+    Type(SHADOW_INNER);
+    ASSERT_EQ(Run(), PF_Err_NONE);
+    EXPECT_EQ(walks, 3);
+    EXPECT_EQ(host_.CountOf("iterate8"), 0);
+    walks = 0;
+    failWalk = 3;
+    walkError = 778;
+    EXPECT_EQ(Run(), 778);
+}
+
 TEST_F(RowWalk, ErrorsAreReturned) {
     Offer(host_);
     walkError = 777;
@@ -118,6 +131,9 @@ TEST_F(RowWalkScenes, GiveTheSamePicture) {
     for (unsigned number = 0; number < 24; ++number) {
         const RandomScene scene = MakeRandomScene(number);
         EXPECT_TRUE(Draw(scene).values == iterated[number].values) << scene.words;
+        if (scene.type == SHADOW_INNER) {
+            EXPECT_THAT(AlphaOf(output_->world).values, Each(1)) << scene.words << ": what the shadow is laid over";
+        }
     }
     EXPECT_GE(walks, 24);
 }
