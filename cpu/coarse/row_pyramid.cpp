@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 #include "cpu/coarse/spline.h"
 #include "cpu/thread_pool.h"
@@ -21,27 +22,49 @@ int HalfDown(int value) {
     return value >> 1;
 }
 
-/// Thins the rows whose places are `places`, one a column of `in` floats from `first`: every second is the middle of a
-/// weighted sum. A place of -1 holds 0.
-template <size_t kTaps>
-void ThinTile(const float* in, const std::array<ptrdiff_t, kInputs>& places, const std::array<float, kTaps>& weights,
-              ptrdiff_t columns, float* out) {
-    constexpr int kUsed = 2 * kTileRows + static_cast<int>(kTaps) - 2;
-    constexpr int kHalf = kUsed / 2 + 1;
+/// Neighbouring inputs whose places are neighbours too: upwards, or downwards in a mirror image.
+struct InputRun {
+    int first = 0;
+    int count = 0;
+    ptrdiff_t place = 0;  ///< of the first, in a column
+    int step = 1;
+};
+
+/// The runs of inputs that do not hold 0.
+std::vector<InputRun> RunsOf(const std::array<ptrdiff_t, kInputs>& places, int used) {
+    std::vector<InputRun> runs;
+    for (int i = 0; i < used; ++i) {
+        const ptrdiff_t place = places[static_cast<size_t>(i)];
+        if (place < 0) continue;
+        InputRun* last = runs.empty() ? nullptr : &runs.back();
+        if (last && last->first + last->count == i) {
+            const ptrdiff_t step = place - (last->place + ptrdiff_t{last->step} * (last->count - 1));
+            if (last->count == 1 && step == -1) last->step = -1;
+            if (step == last->step) {
+                ++last->count;
+                continue;
+            }
+        }
+        runs.push_back({i, 1, place, 1});
+    }
+    return runs;
+}
+
+/// Thins columns of `in` whose inputs are in these runs.
+void ThinRuns(const float* in, const std::vector<InputRun>& runs, decltype(CpuKernels::thinByEleven) thin,
+              const float* weights, ptrdiff_t columns, float* out) {
+    // Inputs outside of the runs stay 0.
+    alignas(64) float line[(kInputs / kTileRows + 1) * kTileRows] = {};
     for (ptrdiff_t column = 0; column < columns; ++column) {
-        // Even and odd rows apart, so that the sums read neighbours.
-        float halves[2][kHalf + 1] = {};
-        for (int i = 0; i < kUsed; ++i) {
-            const ptrdiff_t place = places[static_cast<size_t>(i)];
-            if (place >= 0) halves[i % 2][i / 2] = in[place + column * kTileRows];
+        for (const InputRun& run : runs) {
+            const float* from = in + run.place + column * kTileRows;
+            if (run.step > 0) {
+                std::copy_n(from, run.count, line + run.first);
+            } else {
+                std::reverse_copy(from + 1 - run.count, from + 1, line + run.first);
+            }
         }
-        float* sums = out + column * kTileRows;
-        for (int row = 0; row < kTileRows; ++row) sums[row] = 0;
-        for (size_t tap = 0; tap < kTaps; ++tap) {
-            const float* from = halves[tap % 2] + tap / 2;
-            const float weight = weights[tap];
-            for (int row = 0; row < kTileRows; ++row) sums[row] += weight * from[row];
-        }
+        thin(line, kTileRows, 0, weights, 1, out + column * kTileRows);
     }
 }
 
@@ -85,7 +108,8 @@ void Thin(const float* in, Range inputs, ptrdiff_t columns, const std::array<flo
         for (size_t i = 0; i < places.size(); ++i) {
             places[i] = rows[i] < 0 ? -1 : rows[i] / kTileRows * pitch + rows[i] % kTileRows;
         }
-        ThinTile(in, places, weights, columns, out + tile * pitch);
+        const std::vector<InputRun> runs = RunsOf(places, 2 * kTileRows + static_cast<int>(kTaps) - 2);
+        ThinRuns(in, runs, thinNeighbours, weights.data(), columns, out + tile * pitch);
     });
 }
 
