@@ -5,5 +5,7 @@
 
 #define UMBRANT_KERNELS kAvx512HalfKernels
 #define UMBRANT_KERNELS_NAME "AVX-512/256"
+#if defined(__AVX512VL__)
 #define UMBRANT_LANES 8
+#endif
 #include "cpu/kernels/kernel_loops.inc"
