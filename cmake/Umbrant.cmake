@@ -104,9 +104,9 @@ function(umbrant_compile_quickly target)
     endif()
 endfunction()
 
-# umbrant_not_fuzzed(): for the current folder, which no fuzzer of tests/fuzz runs: its calls and comparisons are not reported
-# to a fuzzer, which takes a seventh of the time that the compiler takes for it. All other sanitizers stay. The headers that
-# are read once need the same sanitizers, so it is the reports that are left out and not the one that asks for them.
+# umbrant_not_fuzzed(): for the current folder, which no fuzzer of tests/fuzz runs: its calls and comparisons are not
+# reported to a fuzzer, which takes a seventh of the compiler's time for it. All other sanitizers stay. Precompiled headers
+# are only for the same sanitizers, so the reports are left out and not the sanitizer that asks for them.
 macro(umbrant_not_fuzzed)
     if(UMBRANT_FUZZ)
         add_compile_options(
