@@ -132,7 +132,7 @@ void CheckOptions(const FrameOptions& options) {
     if (!IsWithin(options.seconds, kLongestTime)) {
         Refuse(fmt::format("the time is {} s; it must be from -{} to {}", options.seconds, kLongestTime, kLongestTime));
     }
-    const FrameRate& rate = options.rate;
+    const umbrant::FrameRate& rate = options.rate;
     if (rate.frames < 1 || rate.seconds < 1 || rate.frames > kMostRate || rate.seconds > kMostRate) {
         Refuse(fmt::format("the rate is {} / {}; both must be from 1 to {}", rate.frames, rate.seconds, kMostRate));
     }

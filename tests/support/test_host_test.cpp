@@ -115,6 +115,13 @@ TEST(TestWorldRows, PaddingThatIsWrittenToIsNoticed) {
     EXPECT_TRUE(world.PaddingIntact());
     world.At8(2, 0).blue = 1;
     EXPECT_FALSE(world.PaddingIntact());
+    TestWorld lastRow(2, 2, sizeof(PF_Pixel), 1);
+    lastRow.At8(2, 1).blue = 1;
+    EXPECT_FALSE(lastRow.PaddingIntact());
+    TestWorld below(2, 2, sizeof(PF_Pixel), 1);
+    below.At8(0, 2).alpha = 1;
+    EXPECT_FALSE(below.PaddingIntact());
+    EXPECT_TRUE(TestWorld(0, 0, sizeof(PF_Pixel), 1).PaddingIntact());
 }
 
 TEST(CaptureStdoutStreams, CatchesCAndCxx) {

@@ -3,6 +3,9 @@
 
 #include "tests/support/test_world.h"
 
+#include <algorithm>
+#include <cstddef>
+
 TestWorld::TestWorld(int width, int height, size_t pixelBytes, int padPixels) : pixelBytes_(pixelBytes) {
     const size_t rowBytes = static_cast<size_t>(width + padPixels) * pixelBytes;
     // One row more than needed, so that a world without rows has an address too.
@@ -13,17 +16,17 @@ TestWorld::TestWorld(int width, int height, size_t pixelBytes, int padPixels) : 
     world.extent_hint = {0, 0, width, height};
     world.data = reinterpret_cast<PF_Pixel*>(bytes_.data());
     for (int y = 0; y < height; ++y) {
-        uint8_t* row = Address(0, y);
-        for (size_t i = 0; i < static_cast<size_t>(width) * pixelBytes; ++i) row[i] = 0;
+        std::fill_n(Address(0, y), static_cast<size_t>(width) * pixelBytes, uint8_t{0});
     }
 }
 
 bool TestWorld::PaddingIntact() const {
-    const size_t rowBytes = static_cast<size_t>(world.rowbytes);
-    for (size_t i = 0; i < bytes_.size(); ++i) {
-        const bool isPixel = i / rowBytes < static_cast<size_t>(world.height) &&
-                             i % rowBytes < static_cast<size_t>(world.width) * pixelBytes_;
-        if (!isPixel && bytes_[i] != kPadding) return false;
+    const auto begin = bytes_.begin();
+    const auto rowBytes = static_cast<std::ptrdiff_t>(world.rowbytes);
+    const auto pixels = static_cast<std::ptrdiff_t>(world.width) * static_cast<std::ptrdiff_t>(pixelBytes_);
+    const auto isPadding = [](uint8_t byte) { return byte == kPadding; };
+    for (std::ptrdiff_t y = 0; y < world.height; ++y) {
+        if (!std::all_of(begin + y * rowBytes + pixels, begin + (y + 1) * rowBytes, isPadding)) return false;
     }
-    return true;
+    return std::all_of(begin + world.height * rowBytes, bytes_.end(), isPadding);
 }
