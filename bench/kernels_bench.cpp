@@ -121,22 +121,35 @@ void StreamingCopy(benchmark::State& state) {
     state.counters["bytes"] = Counter(2.0 * static_cast<double>(from.size()), Counter::kIsIterationInvariantRate);
 }
 
-// Ten independent sums hide the latency of a multiply-add on every processor of the last ten years.
-constexpr int kChains = 10;
+// Independent sums, which hide the latency of an addition.
+constexpr int kChains = 6;
 constexpr int kTurns = 4096;
+
+// In any register of vectors.
+#if defined(__aarch64__)
+#define UMBRANT_ANY_VECTOR "+w"
+#else
+#define UMBRANT_ANY_VECTOR "+v"
+#endif
 
 template <class Vector>
 inline __attribute__((always_inline)) void MultiplyAdd(float* result) {
     Vector sums[kChains] = {};
-    Vector factor = {};
-    factor += *result;  // unknown to the compiler
+    Vector factors[kChains];
+    float start = 0;
+#pragma GCC unroll 6
+    for (Vector& factor : factors) factor = Vector{} + (start += *result);
+    Vector other = {};
     for (int turn = 0; turn < kTurns; ++turn) {
-#pragma GCC unroll 10
-        for (Vector& sum : sums) sum = sum * factor + factor;
+        // As if it were another one in each turn, or the compiler would multiply only once.
+        __asm__("" : UMBRANT_ANY_VECTOR(other));
+#pragma GCC unroll 6
+        for (int i = 0; i < kChains; ++i) sums[i] += factors[i] * other;
     }
     Vector all = {};
+#pragma GCC unroll 6
     for (const Vector& sum : sums) all += sum;
-    *result = all[0];
+    *result = all[0] + 1;
 }
 
 typedef float Four __attribute__((vector_size(16)));
@@ -168,7 +181,7 @@ void RegisterLoop(const std::string& set) {
     void (*loop)(float*) = MultiplyAddBaseline;
     int lanes = 4;
 #if defined(__x86_64__)
-    if (set == "AVX2") loop = MultiplyAddAvx2, lanes = 8;
+    if (set == "AVX2" || set == "AVX-512/256") loop = MultiplyAddAvx2, lanes = 8;
     if (set == "AVX-512") loop = MultiplyAddAvx512, lanes = 16;
 #endif
     benchmark::RegisterBenchmark((set + "/pure-multiply-add").c_str(),
