@@ -51,8 +51,8 @@ struct WritesColour {
     static constexpr bool kSkipsTransparent = true;
     /// An opaque source at full opacity replaces the destination.
     static constexpr bool kCopiesOpaque = false;
-    /// At full opacity one of an opaque source and one without alpha takes the destination's alpha, the other keeps it.
-    static constexpr bool kTakesAlpha = false;
+    /// At full opacity a source without alpha clears the destination's, and an opaque one keeps it; or the reverse.
+    static constexpr bool kClearsAlpha = false;
 };
 
 /// Source over destination with the blend function B.
@@ -132,7 +132,7 @@ struct ScaleAlpha {
     static constexpr bool kKeepsColour = true;
     static constexpr bool kSkipsTransparent = false;
     static constexpr bool kCopiesOpaque = false;
-    static constexpr bool kTakesAlpha = !Luminance;
+    static constexpr bool kClearsAlpha = !Luminance;
     static constexpr bool kIsInverted = Inverted;
     template <int>
     static Outcome All(const Meeting& m) {

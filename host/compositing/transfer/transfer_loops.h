@@ -75,7 +75,7 @@ bool CompositeEvenBlock(const Pixel* source, Pixel* destination, float opacity) 
         std::memmove(destination, source, sizeof(Pixel) * kBlock);
         return true;
     }
-    if constexpr (Operator::kTakesAlpha && !RgbOnly) {
+    if constexpr (Operator::kClearsAlpha && !RgbOnly) {
         if (coverage == Coverage::kMixed || opacity != 1.0f || !IsKept(destination)) return false;
         if ((coverage == Coverage::kNone) == Operator::kIsInverted) return true;
         for (int i = 0; i < kBlock; ++i) destination[i].alpha = 0;

@@ -31,6 +31,15 @@ void Lay(const World& source, const PF_CompositeMode& mode, int begin, int end, 
               PF_Err_NONE);
 }
 
+/// The height when none differs.
+int FirstDifferentRow(const World& a, const World& b) {
+    const auto size = static_cast<std::size_t>(a.Width()) * static_cast<std::size_t>(BytesPerPixel(a.PixelDepth()));
+    for (int y = 0; y < a.Height(); ++y) {
+        if (std::memcmp(a.Row(y), b.Row(y), size) != 0) return y;
+    }
+    return a.Height();
+}
+
 /// The first row in which laying all at once and strip by strip differ; the height when none does.
 int FirstDifference(const World& source, const PF_CompositeMode& mode, const World& before) {
     World whole = CopyOfWorld(before);
@@ -39,12 +48,7 @@ int FirstDifference(const World& source, const PF_CompositeMode& mode, const Wor
     for (int x = 0; x < source.Width(); x += kStrip) {
         Lay(source, mode, x, std::min(x + kStrip, source.Width()), strips);
     }
-    const auto size =
-        static_cast<std::size_t>(before.Width()) * static_cast<std::size_t>(BytesPerPixel(before.PixelDepth()));
-    for (int y = 0; y < before.Height(); ++y) {
-        if (std::memcmp(whole.Row(y), strips.Row(y), size) != 0) return y;
-    }
-    return before.Height();
+    return FirstDifferentRow(whole, strips);
 }
 
 /// The same for a stencil, which takes the alpha of what is outside of a strip: a mask of ones leads through the
@@ -62,12 +66,7 @@ int FirstDifferenceOfStencil(const World& source, const PF_CompositeMode& mode, 
     EXPECT_EQ(TransferRect(PF_Quality_HI, PF_MF_Alpha_STRAIGHT, PF_Field_FRAME, nullptr, &source.Def(), &mode, &mask, 0,
                            0, &masked.Def()),
               PF_Err_NONE);
-    const auto size =
-        static_cast<std::size_t>(before.Width()) * static_cast<std::size_t>(BytesPerPixel(before.PixelDepth()));
-    for (int y = 0; y < before.Height(); ++y) {
-        if (std::memcmp(plain.Row(y), masked.Row(y), size) != 0) return y;
-    }
-    return before.Height();
+    return FirstDifferentRow(plain, masked);
 }
 
 /// Channels that are not in their range, or not numbers, now and then.
