@@ -6,7 +6,6 @@
 #include "cpu/kernels/kernels.h"
 
 #include <atomic>
-#include <utility>
 
 #include "cpu/kernels/instruction_sets.h"
 #include "cpu/kernels/kernel_sets.h"
@@ -42,9 +41,8 @@ std::vector<const CpuKernels*> RunnableKernels() {
     const InstructionSets sets = ReadInstructionSets();
     if (sets.avx2) runnable.push_back(&kAvx2Kernels);
     if (sets.avx512) {
-        runnable.push_back(&HalfSumKernels());
-        runnable.push_back(&kAvx512Kernels);
-        if (sets.halves) std::swap(runnable.back(), runnable[runnable.size() - 2]);
+        runnable.push_back(sets.halves ? &kAvx512Kernels : &HalfSumKernels());
+        runnable.push_back(sets.halves ? &HalfSumKernels() : &kAvx512Kernels);
     }
 #endif
     return runnable;
