@@ -125,13 +125,6 @@ void StreamingCopy(benchmark::State& state) {
 constexpr int kChains = 6;
 constexpr int kTurns = 4096;
 
-// In any register of vectors.
-#if defined(__aarch64__)
-#define UMBRANT_ANY_VECTOR "+w"
-#else
-#define UMBRANT_ANY_VECTOR "+v"
-#endif
-
 template <class Vector>
 inline __attribute__((always_inline)) void MultiplyAdd(float* result) {
     Vector sums[kChains] = {};
@@ -139,12 +132,13 @@ inline __attribute__((always_inline)) void MultiplyAdd(float* result) {
     float start = 0;
 #pragma GCC unroll 6
     for (Vector& factor : factors) factor = Vector{} + (start += *result);
-    Vector other = {};
+    const Vector value = Vector{} + *result;
+    const Vector* other = &value;
     for (int turn = 0; turn < kTurns; ++turn) {
         // As if it were another one in each turn, or the compiler would multiply only once.
-        __asm__("" : UMBRANT_ANY_VECTOR(other));
+        __asm__("" : "+r"(other));
 #pragma GCC unroll 6
-        for (int i = 0; i < kChains; ++i) sums[i] += factors[i] * other;
+        for (int i = 0; i < kChains; ++i) sums[i] += factors[i] * *other;
     }
     Vector all = {};
 #pragma GCC unroll 6
