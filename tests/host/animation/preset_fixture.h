@@ -5,8 +5,8 @@
 // Presets for an effect of which rows of every kind are made up here, and what the rows show at a time.
 
 #include "host/animation/preset.h"
-#include "tests/host/image/picture_files.h"
 #include "tests/host/session/session_fixture.h"
+#include "tests/support/folder.h"
 
 namespace umbrant::host {
 

@@ -9,6 +9,7 @@
 
 #include "host/process/child_process.h"
 #include "tests/host/cli/in_process.h"
+#include "tests/host/image/picture_files.h"
 
 namespace umbrant::host {
 

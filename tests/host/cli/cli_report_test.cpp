@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tests/host/cli/in_process.h"
+#include "tests/host/image/picture_files.h"
 
 namespace umbrant::host {
 

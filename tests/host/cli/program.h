@@ -11,7 +11,8 @@
 #include <vector>
 
 #include "host/image/picture.h"
-#include "tests/host/image/picture_files.h"
+#include "tests/host/image/filled_worlds.h"
+#include "tests/support/folder.h"
 #include "tests/support/run_program.h"
 
 namespace umbrant::host {

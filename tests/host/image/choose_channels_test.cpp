@@ -6,8 +6,10 @@
 #include <gtest/gtest.h>
 
 #include "host/image/picture.h"
+#include "tests/host/image/filled_worlds.h"
 #include "tests/host/image/picture_files.h"
 #include "tests/host/image/small_layouts.h"
+#include "tests/support/folder.h"
 
 namespace umbrant::host {
 

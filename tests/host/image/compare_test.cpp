@@ -10,7 +10,7 @@
 #include <cmath>
 #include <utility>
 
-#include "tests/host/image/picture_files.h"
+#include "tests/host/image/filled_worlds.h"
 
 namespace umbrant::host {
 

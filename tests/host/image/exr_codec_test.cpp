@@ -16,6 +16,7 @@
 #include "tests/host/image/both_codecs.h"
 #include "tests/host/image/exr_noise.h"
 #include "tests/host/image/picture_files.h"
+#include "tests/support/folder.h"
 
 namespace umbrant::host {
 

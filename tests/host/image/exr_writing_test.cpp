@@ -13,7 +13,7 @@
 #include "host/image/picture_format.h"
 #include "tests/host/image/both_codecs.h"
 #include "tests/host/image/exr_noise.h"
-#include "tests/host/image/picture_files.h"
+#include "tests/support/folder.h"
 
 namespace umbrant::host {
 

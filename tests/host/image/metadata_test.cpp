@@ -11,6 +11,7 @@
 
 #include "host/image/picture.h"
 #include "tests/host/image/picture_files.h"
+#include "tests/support/folder.h"
 
 namespace umbrant::host {
 

@@ -14,7 +14,9 @@
 #include "host/image/image_layout.h"
 #include "host/image/metadata.h"
 #include "host/image/picture.h"
+#include "tests/host/image/filled_worlds.h"
 #include "tests/host/image/picture_files.h"
+#include "tests/support/folder.h"
 #include "tests/support/run_program.h"
 
 namespace umbrant::host {

@@ -10,8 +10,10 @@
 #include <unistd.h>
 
 #include "host/image/picture.h"
+#include "tests/host/image/filled_worlds.h"
 #include "tests/host/image/picture_files.h"
 #include "tests/host/image/small_layouts.h"
+#include "tests/support/folder.h"
 
 namespace umbrant::host {
 

@@ -9,7 +9,7 @@
 
 #include <cmath>
 
-#include "tests/host/image/picture_files.h"
+#include "tests/host/image/filled_worlds.h"
 
 namespace umbrant::host {
 

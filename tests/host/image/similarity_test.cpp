@@ -12,7 +12,7 @@
 #include <limits>
 #include <random>
 
-#include "tests/host/image/picture_files.h"
+#include "tests/host/image/filled_worlds.h"
 
 namespace umbrant::host {
 

@@ -15,7 +15,9 @@
 #include <thread>
 
 #include "host/image/picture.h"
+#include "tests/host/image/filled_worlds.h"
 #include "tests/host/image/picture_files.h"
+#include "tests/support/folder.h"
 
 namespace umbrant::host {
 

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <fstream>
 
 #include "host/compositing/resample.h"
 #include "tests/host/preview/preview_client.h"

@@ -6,6 +6,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
 #include <thread>
 
 #include "host/preview/access.h"
@@ -13,7 +15,8 @@
 #include "host/preview/draft_size.h"
 #include "host/preview/draw_request.h"
 #include "host/preview/layer_store.h"
-#include "tests/host/image/picture_files.h"
+#include "tests/host/image/filled_worlds.h"
+#include "tests/support/folder.h"
 
 namespace umbrant::host {
 

@@ -13,7 +13,7 @@
 
 #include "host/image/picture.h"
 #include "host/process/files/file_owner.h"
-#include "tests/host/image/picture_files.h"
+#include "tests/support/folder.h"
 
 namespace umbrant::host {
 

@@ -9,7 +9,7 @@
 #include <numeric>
 
 #include "host/render/plan/output_check.h"
-#include "tests/host/image/picture_files.h"
+#include "tests/support/folder.h"
 
 namespace umbrant::host {
 

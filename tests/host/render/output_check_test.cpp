@@ -12,7 +12,7 @@
 #include <numeric>
 
 #include "host/render/plan/frame_plan.h"
-#include "tests/host/image/picture_files.h"
+#include "tests/support/folder.h"
 
 namespace umbrant::host {
 

@@ -9,8 +9,10 @@
 
 #include <algorithm>
 
+#include "tests/host/image/filled_worlds.h"
 #include "tests/host/image/picture_files.h"
 #include "tests/host/session/session_fixture.h"
+#include "tests/support/folder.h"
 
 namespace umbrant::host {
 

@@ -10,8 +10,10 @@
 #include <mutex>
 
 #include "host/render/plan/memory_plan.h"
+#include "tests/host/image/filled_worlds.h"
 #include "tests/host/image/picture_files.h"
 #include "tests/host/session/session_fixture.h"
+#include "tests/support/folder.h"
 
 namespace umbrant::host {
 

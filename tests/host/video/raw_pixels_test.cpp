@@ -12,7 +12,7 @@
 #include <cstring>
 #include <limits>
 
-#include "tests/host/image/picture_files.h"
+#include "tests/host/image/filled_worlds.h"
 
 namespace umbrant::host {
 

@@ -3,6 +3,7 @@
 
 // Frames of the plug-in, to the byte those of the library and of the program.
 
+#include <cstring>
 #include <thread>
 
 #include "tests/host/cli/program.h"

@@ -11,8 +11,8 @@
 #include <sstream>
 #include <thread>
 
-#include "tests/host/image/picture_files.h"
 #include "tests/openfx/plugin/plugin_fixture.h"
+#include "tests/support/folder.h"
 #include "tests/support/run_program.h"
 #include "tests/support/sanitized.h"
 

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/host/cli/in_process.h"
+#include "tests/host/image/picture_files.h"
 
 namespace umbrant::host {
 

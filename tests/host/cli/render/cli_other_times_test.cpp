@@ -5,6 +5,7 @@
 // degrees, at its colour, its border, the layer and the texture.
 
 #include "tests/host/cli/render/sequence_fixture.h"
+#include "tests/host/image/picture_files.h"
 
 namespace umbrant::host {
 

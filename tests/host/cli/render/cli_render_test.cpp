@@ -9,6 +9,7 @@
 
 #include "tests/host/cli/in_process.h"
 #include "tests/host/cli/running_program.h"
+#include "tests/host/image/picture_files.h"
 
 namespace umbrant::host {
 

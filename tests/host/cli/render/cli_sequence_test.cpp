@@ -4,6 +4,7 @@
 // `umbrant render` over many frames: what is written, reported and answered, and what bad input ends with.
 
 #include "tests/host/cli/render/sequence_fixture.h"
+#include "tests/host/image/picture_files.h"
 
 namespace umbrant::host {
 

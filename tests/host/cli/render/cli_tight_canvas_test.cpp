@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tests/host/cli/render/sequence_fixture.h"
+#include "tests/host/image/picture_files.h"
 
 namespace umbrant::host {
 

@@ -12,7 +12,7 @@
 #include <thread>
 
 #include "host/cli/watch/watched_files.h"
-#include "tests/host/image/picture_files.h"
+#include "tests/support/folder.h"
 
 namespace umbrant::host {
 
