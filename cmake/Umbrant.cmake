@@ -90,13 +90,22 @@ function(umbrant_library target)
     endif()
 endfunction()
 
-# umbrant_compile_quickly(target [OWN_HEADERS]): for code that waits for people and files more than it computes, and whose headers take
-# the optimiser longer than all other code. Under a sanitizer it is not optimised at all.
+# umbrant_sanitize_quickly(targets...): for code without loops over pixels. Under a sanitizer, which multiplies what the
+# optimiser has to read, it is not optimised.
+function(umbrant_sanitize_quickly)
+    if(umbrant_sanitized)
+        foreach(target IN LISTS ARGN)
+            target_compile_options(${target} PRIVATE -O0)
+        endforeach()
+    endif()
+endfunction()
+
+# umbrant_compile_quickly(target [OWN_HEADERS]): for code that waits for people and files more than it computes, and whose
+# headers take the optimiser longer than all other code. Under a sanitizer it is not optimised at all.
 function(umbrant_compile_quickly target)
     cmake_parse_arguments(arg "OWN_HEADERS" "" "" ${ARGN})
-    if(umbrant_sanitized)
-        target_compile_options(${target} PRIVATE -O0)
-    elseif(NOT CMAKE_BUILD_TYPE STREQUAL Debug)
+    umbrant_sanitize_quickly(${target})
+    if(NOT umbrant_sanitized AND NOT CMAKE_BUILD_TYPE STREQUAL Debug)
         target_compile_options(${target} PRIVATE -O1)
     endif()
     if(TARGET umbrant_quick_headers AND NOT arg_OWN_HEADERS)
