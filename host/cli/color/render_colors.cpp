@@ -3,7 +3,6 @@
 
 #include "host/cli/color/render_colors.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -43,23 +42,6 @@ bool AsksForNone(const ColorOptions& color) {
 }
 
 }  // namespace
-
-void AddColorOptions(CLI::App& app, RenderOptions& options) {
-    const auto add = [&app](const char* name, std::string& value, const char* help) {
-        app.add_option(name, value, help)
-            ->check([](const std::string& text) { return text.empty() ? "'' names no colour space" : ""; })
-            ->type_name("SPACE");
-    };
-    add("--input-space", options.color.input,
-        "The colour space of INPUT, which is then converted: sRGB, 'Linear Rec.709', 'Gamma 2.4 Rec.709', ACEScg, or "
-        "one "
-        "of the OpenColorIO configuration that the variable OCIO names (default: numbers stay as they are)");
-    add("--output-space", options.color.output,
-        "The colour space of the output and of the effect's colours (default: that of INPUT)");
-    add("--working-space", options.color.working,
-        "The colour space that the effect draws in, as 32-bit floats (default: that of INPUT)");
-    add("--texture-space", options.color.texture, "The colour space of the texture (default: that of INPUT)");
-}
 
 Result<std::shared_ptr<const RenderColors>> RenderColors::Open(const RenderOptions& options) {
     const ColorOptions& color = options.color;

@@ -17,8 +17,6 @@
 
 namespace umbrant::host {
 
-void AddColorOptions(CLI::App& app, RenderOptions& options);
-
 /// The conversions of a run. Any thread.
 class RenderColors {
  public:

@@ -5,6 +5,8 @@
 
 #include <fmt/format.h>
 
+#include <nlohmann/json.hpp>
+
 #include "host/cli/color/render_colors.h"
 #include "host/compositing/memory_shortage.h"
 #include "host/compositing/resample.h"

@@ -5,7 +5,7 @@
 // The clips among what a render reads and writes: what they mean for its options, its plan and its steps.
 
 #include <memory>
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 

@@ -108,6 +108,23 @@ void AddPixelOptions(CLI::App& app, RenderOptions& options) {
         ->type_name("COLOUR|IMAGE|checker");
 }
 
+/// The conversion of colours.
+void AddColorOptions(CLI::App& app, RenderOptions& options) {
+    const auto add = [&app](const char* name, std::string& value, const char* help) {
+        app.add_option(name, value, help)
+            ->check([](const std::string& text) { return text.empty() ? "'' names no colour space" : ""; })
+            ->type_name("SPACE");
+    };
+    add("--input-space", options.color.input,
+        "The colour space of INPUT, which is then converted: sRGB, 'Linear Rec.709', 'Gamma 2.4 Rec.709', ACEScg, or "
+        "one of the OpenColorIO configuration that the variable OCIO names (default: numbers stay as they are)");
+    add("--output-space", options.color.output,
+        "The colour space of the output and of the effect's colours (default: that of INPUT)");
+    add("--working-space", options.color.working,
+        "The colour space that the effect draws in, as 32-bit floats (default: that of INPUT)");
+    add("--texture-space", options.color.texture, "The colour space of the texture (default: that of INPUT)");
+}
+
 /// How the frame is drawn and stored, and by which module.
 void AddRunOptions(CLI::App& app, RenderOptions& options) {
     app.add_flag("--watch", options.watch,

@@ -204,8 +204,8 @@ Result<ExitCode> RenderRun::DrawSequence(FirstFrame first) {
     }
     if (options_.json) {
         const SequenceFacts facts{options_.input, options_.output, renderer_.Name(), ResolvedCanvas(), Covered()};
-        PrintResult(SequenceReport(facts, plan_->frames, job_.shape, progress.Outcomes(), progress.Seconds(),
-                                   plan_->clips.Report()));
+        PrintResult(
+            SequenceReport(facts, plan_->frames, job_.shape, progress.Outcomes(), progress.Seconds(), plan_->clips));
     }
     if (totals.failed == 0) return ExitCode::kDone;
     if (options_.sequence.keepGoing) return ExitCode::kEffectFailed;

@@ -3,6 +3,9 @@
 
 #include "host/cli/render/sequence_report.h"
 
+#include <nlohmann/json.hpp>
+
+#include "host/cli/render/clip_endpoints.h"
 #include "host/cli/render/outcome/frame_failures.h"
 #include "host/render/canvas_choice.h"
 
@@ -60,7 +63,8 @@ nlohmann::ordered_json TotalsJson(const FrameTotals& totals, std::size_t all, do
 }
 
 std::string SequenceReport(const SequenceFacts& facts, const FramePlan& plan, const PipelineShape& shape,
-                           const std::vector<std::optional<FrameOutcome>>& outcomes, double seconds, const Json& clip) {
+                           const std::vector<std::optional<FrameOutcome>>& outcomes, double seconds,
+                           const ClipEndpoints& clips) {
     Json frames = Json::array();
     FrameTotals totals;
     FrameFailures failures;
@@ -87,7 +91,7 @@ std::string SequenceReport(const SequenceFacts& facts, const FramePlan& plan, co
                        {"totals", TotalsJson(totals, plan.frames.size(), seconds)}});
     if (failures.Count() > 0) report["failures"] = failures.Json();
     report["frames"] = std::move(frames);
-    if (!clip.is_null()) report["clip"] = clip;
+    if (Json clip = clips.Report(); !clip.is_null()) report["clip"] = std::move(clip);
     return report.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 

@@ -4,7 +4,7 @@
 
 // The JSON about a sequence: single frames as they end, and the whole at the end.
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,6 +14,8 @@
 #include "host/render/worker.h"
 
 namespace umbrant::host {
+
+class ClipEndpoints;
 
 /// A whole number where it is one.
 nlohmann::ordered_json NumberJson(const FrameNumber& frame);
@@ -36,10 +38,9 @@ struct SequenceFacts {
     std::optional<CanvasFacts> covered{};  ///< nothing where images may differ in size
 };
 
-/// The report of a whole sequence, ending in a line break; `clip` is the report of the clip that was written, null for
-/// none.
+/// The report of a whole sequence, ending in a line break, with the clip that was written if there is one.
 std::string SequenceReport(const SequenceFacts& facts, const FramePlan& plan, const PipelineShape& shape,
                            const std::vector<std::optional<FrameOutcome>>& outcomes, double seconds,
-                           const nlohmann::ordered_json& clip = nullptr);
+                           const ClipEndpoints& clips);
 
 }  // namespace umbrant::host
