@@ -8,10 +8,10 @@
 
 #include <cmath>
 #include <limits>
-#include <nlohmann/json.hpp>
 
 #include "host/cli/compare/heat_map.h"
 #include "tests/host/cli/in_process.h"
+#include "tests/support/json.h"
 
 namespace umbrant::host {
 
@@ -93,10 +93,10 @@ TEST_F(CliCompare, AMeasureMayBeAskedForAndLimited) {
     EXPECT_THAT(same.out, EndsWith("; PSNR infinite\n"));
     const Outcome psnr = RunInProcess(folder_, {"compare", "a.png", "b.png", "--metric", "psnr", "--json"});
     // One channel of 800 is off by 2/255.
-    EXPECT_NEAR(nlohmann::json::parse(psnr.out)["psnr"], 10 * std::log10(800 / (4 / 65025.0)), 1e-9);
-    EXPECT_TRUE(nlohmann::json::parse(
-                    RunInProcess(folder_, {"compare", "a.png", "a.png", "--metric", "psnr", "--json"}).out)["psnr"]
-                    .is_null());
+    EXPECT_NEAR(ParseJson(psnr.out)["psnr"], 10 * std::log10(800 / (4 / 65025.0)), 1e-9);
+    EXPECT_TRUE(
+        ParseJson(RunInProcess(folder_, {"compare", "a.png", "a.png", "--metric", "psnr", "--json"}).out)["psnr"]
+            .is_null());
     EXPECT_THAT(RunInProcess(folder_, {"compare", "a.png", "a.png", "--metric", "ssim", "--least", "1"}).out,
                 EndsWith("; SSIM 1.00000\n"));
     const Outcome below = RunInProcess(folder_, {"compare", "a.png", "b.png", "--metric", "ssim", "--least", "1"});
@@ -109,7 +109,7 @@ TEST_F(CliCompare, AMeasureMayBeAskedForAndLimited) {
 TEST_F(CliCompare, AsJson) {
     const Outcome outcome = RunInProcess(folder_, {"compare", "a.png", "b.png", "--json", "--hard", "1/255"});
     EXPECT_EQ(outcome.code, 1);
-    const auto result = nlohmann::json::parse(outcome.out);
+    const auto result = ParseJson(outcome.out);
     EXPECT_EQ(result["close"], false);
     EXPECT_EQ(result["x"], 7);
     EXPECT_EQ(result["y"], 4);

@@ -6,9 +6,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
-
 #include "tests/host/cli/in_process.h"
+#include "tests/support/json.h"
 
 namespace umbrant::host {
 
@@ -48,7 +47,7 @@ TEST_F(CliCurves, DrawsAPlotForEachRow) {
 TEST_F(CliCurves, TellsTheValuesOfEachFrame) {
     Outcome outcome = Curves({"--preset", "moving.json", "--json"});
     ASSERT_EQ(outcome.code, 0) << outcome.err;
-    Json report = Json::parse(outcome.out);
+    Json report = ParseJson(outcome.out);
     EXPECT_EQ(report["framesPerSecond"], 24);
     EXPECT_EQ(report["frames"], Json({1, 2, 3, 4, 5, 6, 7, 8, 9})) << "from the first key to the last";
     EXPECT_EQ(report["rows"]["paint/border"], Json({0, 1, 2, 3, 4, 4, 4, 4, 4}));
@@ -56,7 +55,7 @@ TEST_F(CliCurves, TellsTheValuesOfEachFrame) {
 
     outcome = Curves({"--preset", "moving.json", "--json", "--frames", "3,-1", "--rate", "25", "-o", "c.png"});
     ASSERT_EQ(outcome.code, 0) << outcome.err;
-    report = Json::parse(outcome.out);
+    report = ParseJson(outcome.out);
     EXPECT_EQ(report["rows"]["paint/border"], Json({2, 0})) << "keys in frames stay on their frames";
     EXPECT_TRUE(std::filesystem::exists(folder_ / "c.png"));
 }
@@ -66,11 +65,11 @@ TEST_F(CliCurves, SecondsFollowTheRate) {
         "paint/border": [ { "seconds": 0, "value": 0 }, { "seconds": 1, "value": 10 } ] } })");
     for (const auto& [rate, frame] : {std::pair("10", "5"), std::pair("50", "25")}) {
         const Outcome outcome = Curves({"--preset", "s.json", "--json", "--rate", rate, "--frames", frame});
-        EXPECT_EQ(Json::parse(outcome.out)["rows"]["paint/border"], Json::array({5})) << rate;
+        EXPECT_EQ(ParseJson(outcome.out)["rows"]["paint/border"], Json::array({5})) << rate;
     }
     const Outcome outcome =
         Curves({"--preset", "s.json", "--json", "--rate", "10", "--zero-frame", "100", "--frames", "105"});
-    EXPECT_EQ(Json::parse(outcome.out)["rows"]["paint/border"], Json::array({5}));
+    EXPECT_EQ(ParseJson(outcome.out)["rows"]["paint/border"], Json::array({5}));
 }
 
 TEST_F(CliCurves, WrongUses) {
@@ -119,7 +118,7 @@ TEST_F(CliCurves, EveryRowThatCanVaryMoves) {
     const Outcome listed = RunInProcess(folder_, {"params", "--json", "--module", UMBRANT_MODULE_FILE});
     ASSERT_EQ(listed.code, 0) << listed.err;
     Json keyframes = Json::object();
-    for (const Json& row : Json::parse(listed.out)) {
+    for (const Json& row : ParseJson(listed.out)) {
         if (!row.contains("default") || (row["flagBits"].get<int>() & 2) != 0) continue;
         if (row["type"] == "popup" && row["items"].size() == 1) continue;
         const std::string path = row.value("path", "");
@@ -130,7 +129,7 @@ TEST_F(CliCurves, EveryRowThatCanVaryMoves) {
     WriteBytes(folder_ / "all.json", Json({{"version", 2}, {"keyframes", keyframes}}).dump());
     const Outcome outcome = Curves({"--preset", "all.json", "--json"}, UMBRANT_MODULE_FILE);
     EXPECT_EQ(outcome.code, 0) << outcome.err;
-    EXPECT_EQ(Json::parse(outcome.out)["rows"].size(), keyframes.size());
+    EXPECT_EQ(ParseJson(outcome.out)["rows"].size(), keyframes.size());
 }
 
 TEST_F(CliCurves, ParamsWritesKeyframesBack) {
@@ -140,15 +139,15 @@ TEST_F(CliCurves, ParamsWritesKeyframesBack) {
     first.insert(first.end(), {"moving.json", "--set", "paint/angle=30"});
     const Outcome once = RunInProcess(folder_, first);
     ASSERT_EQ(once.code, 0) << once.err;
-    EXPECT_EQ(Json::parse(once.out)["version"], 2);
-    EXPECT_EQ(Json::parse(once.out)["keyframes"].size(), 2u);
-    EXPECT_EQ(Json::parse(once.out)["values"]["paint/angle"], 30);
+    EXPECT_EQ(ParseJson(once.out)["version"], 2);
+    EXPECT_EQ(ParseJson(once.out)["keyframes"].size(), 2u);
+    EXPECT_EQ(ParseJson(once.out)["values"]["paint/angle"], 30);
     WriteBytes(folder_ / "again.json", once.out);
     auto second = ask;
     second.push_back("again.json");
     EXPECT_EQ(RunInProcess(folder_, second).out, once.out);
     second.insert(second.end(), {"--set", "paint/border=1", "--set", "paint/color=#010203"});
-    EXPECT_EQ(Json::parse(RunInProcess(folder_, second).out)["version"], 1) << "nothing moves any more";
+    EXPECT_EQ(ParseJson(RunInProcess(folder_, second).out)["version"], 1) << "nothing moves any more";
 }
 
 TEST_F(CliCurves, RenderMovesFromFrameToFrame) {

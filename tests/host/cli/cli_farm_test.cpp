@@ -3,11 +3,10 @@
 
 // `umbrant farm`: what it prints, what it refuses and with which sentence. The engines' own tests are in tests/farm.
 
-#include <nlohmann/json.hpp>
-
 #include "host/process/child_process.h"
 #include "tests/host/cli/render/sequence_fixture.h"
 #include "tests/host/cli/running_program.h"
+#include "tests/support/json.h"
 
 namespace umbrant::host {
 
@@ -48,7 +47,7 @@ TEST_F(CliFarm, PrintsAJobAndNothingElse) {
     }
     EXPECT_THAT(Farm({"slurm", "in.@.png", "-o", "out.##.png"}).out,
                 StartsWith("#!/bin/bash\n#SBATCH --job-name=umbrant\n"));
-    EXPECT_EQ(nlohmann::json::parse(Farm({"openjd", "in.@.png", "-o", "out.##.png"}).out)["specificationVersion"],
+    EXPECT_EQ(ParseJson(Farm({"openjd", "in.@.png", "-o", "out.##.png"}).out)["specificationVersion"],
               "jobtemplate-2023-09");
 }
 

@@ -8,11 +8,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 
 #include "tests/host/cli/program.h"
+#include "tests/support/json.h"
 
 namespace umbrant::host {
 
@@ -55,7 +55,7 @@ TEST_F(CliWithoutOpenGL, InfoTellsTheIdentity) {
 TEST_F(CliWithoutOpenGL, InfoAsJsonIsJsonAlone) {
     const Outcome outcome = Run({"info", "--json"});
     ASSERT_EQ(outcome.code, 0);
-    const json info = json::parse(outcome.out, nullptr, false);
+    const json info = ParseJsonOrDiscard(outcome.out);
     ASSERT_FALSE(info.is_discarded()) << outcome.out;
     EXPECT_EQ(info["matchName"], "KAUM2");
     EXPECT_EQ(info["about"], "Umbrant 2 v1.3.3\nSimulates a variety of shadow styles.\n\n");
@@ -96,7 +96,7 @@ TEST_F(CliWithoutOpenGL, ParamsListEveryRow) {
 TEST_F(CliWithoutOpenGL, ParamsAsJson) {
     const Outcome outcome = Run({"params", "--json"});
     ASSERT_EQ(outcome.code, 0);
-    const json rows = json::parse(outcome.out, nullptr, false);
+    const json rows = ParseJsonOrDiscard(outcome.out);
     ASSERT_TRUE(rows.is_array());
     ASSERT_EQ(rows.size(), 61u);
     for (std::size_t i = 0; i < rows.size(); ++i) EXPECT_EQ(rows[i]["index"], i);
@@ -130,7 +130,7 @@ TEST_F(CliWithoutOpenGL, ParamsSayWhatEachRowDoes) {
     ASSERT_EQ(text.code, 0) << text.err;
     std::istringstream lines("\n" + text.out);
     for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 80u) << line;
-    for (const auto& row : json::parse(declared.out)) {
+    for (const auto& row : ParseJson(declared.out)) {
         const std::string path = row["path"];
         SCOPED_TRACE(path);
         EXPECT_EQ(row.contains("description"), !path.empty());
@@ -210,7 +210,7 @@ TEST_F(CliWithoutOpenGL, TheModuleIsFoundBesideTheProgram) {
     const Outcome outcome = RunUmbrant(folder_, {"info", "--json"},
                                        {{"__EGL_VENDOR_LIBRARY_DIRS=" + (folder_ / "no_drivers").string()}, ""});
     ASSERT_EQ(outcome.code, 0) << outcome.err;
-    EXPECT_EQ(json::parse(outcome.out)["name"], "Umbrant 2");
+    EXPECT_EQ(ParseJson(outcome.out)["name"], "Umbrant 2");
 }
 
 }  // namespace

@@ -9,11 +9,11 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <utility>
 
 #include "host/image/similarity.h"
 #include "tests/host/cli/program.h"
+#include "tests/support/json.h"
 
 namespace umbrant::host {
 
@@ -65,7 +65,7 @@ TEST(CliNamedPreset, TheInstalledOnesAreListedAndEachIsAPresetOfTheEffect) {
     const Folder folder;
     const Outcome listed = RunWithConfig(folder, {"presets", "--json"});
     ASSERT_EQ(listed.code, 0) << listed.err;
-    const json list = json::parse(listed.out);
+    const json list = ParseJson(listed.out);
     const std::vector<std::string> names = Names(list);
     EXPECT_TRUE(std::is_sorted(names.begin(), names.end()));
     for (const char* name : {"soft-drop", "long-flat", "long-faded", "neon", "paper-cut", "inner-press", "inner-glow",
@@ -93,12 +93,12 @@ TEST(CliNamedPreset, TheUsersOwnIsFoundAfterTheInstalledOnes) {
     WriteBytes(users / "mine.json", kMine);
     WriteBytes(users / "soft-drop.json", kMine);
     WriteBytes(users / "notes.txt", "no preset");
-    const json list = json::parse(RunWithConfig(folder, {"presets", "--json"}).out);
+    const json list = ParseJson(RunWithConfig(folder, {"presets", "--json"}).out);
     EXPECT_EQ(list.back()["name"], "mine");
     EXPECT_EQ(list.back()["isYours"], true);
     EXPECT_EQ(std::ranges::count(Names(list), "soft-drop"), 1);
-    EXPECT_EQ(json::parse(ValuesOf(folder, "mine").out)["values"]["style/distance"], 77);
-    EXPECT_NE(json::parse(ValuesOf(folder, "soft-drop").out)["values"]["style/distance"], 77);
+    EXPECT_EQ(ParseJson(ValuesOf(folder, "mine").out)["values"]["style/distance"], 77);
+    EXPECT_NE(ParseJson(ValuesOf(folder, "soft-drop").out)["values"]["style/distance"], 77);
 }
 
 TEST(CliNamedPreset, ANameThatIsAlsoAFileIsRefused) {
@@ -109,7 +109,7 @@ TEST(CliNamedPreset, ANameThatIsAlsoAFileIsRefused) {
     EXPECT_THAT(outcome.err,
                 HasSubstr("umbrant: 'soft-drop' is the name of a preset and of a file in this folder; write "
                           "'./soft-drop' for the file, or '"));
-    EXPECT_EQ(json::parse(ValuesOf(folder, "./soft-drop").out)["values"]["style/distance"], 77);
+    EXPECT_EQ(ParseJson(ValuesOf(folder, "./soft-drop").out)["values"]["style/distance"], 77);
     // A folder of that name is no file that could be meant.
     std::filesystem::remove(folder / "soft-drop");
     std::filesystem::create_directory(folder / "soft-drop");
@@ -121,7 +121,7 @@ TEST(CliNamedPreset, FilesWithAnyNameAreReadAsBefore) {
     WriteBytes(folder / "plain", kMine);
     WriteBytes(folder / "neon.json", kMine);
     for (const char* file : {"plain", "neon.json", "./plain"}) {
-        EXPECT_EQ(json::parse(ValuesOf(folder, file).out)["values"]["style/distance"], 77) << file;
+        EXPECT_EQ(ParseJson(ValuesOf(folder, file).out)["values"]["style/distance"], 77) << file;
     }
 }
 
@@ -162,7 +162,7 @@ TEST(CliNamedPreset, TheInstalledOnesLookDifferent) {
     const Folder folder;
     for (const char* layer : {"title", "card"}) {
         std::vector<std::pair<std::string, Picture>> results;
-        for (const json& preset : json::parse(RunWithConfig(folder, {"presets", "--json"}).out)) {
+        for (const json& preset : ParseJson(RunWithConfig(folder, {"presets", "--json"}).out)) {
             const std::string name = preset["name"];
             if (name == "turning-title") continue;
             const Outcome drawn =

@@ -7,10 +7,10 @@
 
 #include <chrono>
 #include <fstream>
-#include <nlohmann/json.hpp>
 #include <thread>
 
 #include "tests/host/cli/in_process.h"
+#include "tests/support/json.h"
 
 namespace umbrant::host {
 
@@ -25,7 +25,7 @@ std::vector<int> RowsOf(const Folder& folder, std::vector<std::string> arguments
     const Outcome run = RunInProcess(folder, arguments);
     EXPECT_EQ(run.code, 0) << run.err;
     std::vector<int> indices;
-    const auto rows = nlohmann::json::parse(run.out, nullptr, false);
+    const auto rows = ParseJsonOrDiscard(run.out);
     EXPECT_TRUE(rows.is_array()) << run.out;
     for (const auto& row : rows) indices.push_back(row["index"].get<int>());
     return indices;
@@ -74,7 +74,7 @@ TEST(CliPanel, JsonTellsWhatIsDisabled) {
     const Folder folder;
     const Outcome run =
         RunInProcess(folder, {"panel", "--json", "--open", "compositing", "--set", "style/shadow-type=inner"});
-    const auto rows = nlohmann::json::parse(run.out, nullptr, false);
+    const auto rows = ParseJsonOrDiscard(run.out);
     ASSERT_TRUE(rows.is_array()) << run.out << run.err;
     for (const auto& row : rows) {
         EXPECT_EQ(row["disabled"].get<bool>(), row["index"] == 49) << row.dump();
@@ -183,7 +183,7 @@ TEST(CliPanel, ShowsAPresetAsItIsAtAMoment) {
         arguments.insert(arguments.begin(), {"panel", "--json", "--open", "all", "--preset", "moving.json"});
         const Outcome run = RunInProcess(folder, arguments);
         EXPECT_EQ(run.code, 0) << run.err;
-        for (const auto& row : nlohmann::json::parse(run.out)) {
+        for (const auto& row : ParseJson(run.out)) {
             if (row["name"] == name) return row["value"].get<std::string>();
         }
         return std::string("no such row");

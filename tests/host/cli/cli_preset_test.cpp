@@ -9,10 +9,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <nlohmann/json.hpp>
 #include <thread>
 
 #include "tests/host/cli/in_process.h"
+#include "tests/support/json.h"
 
 namespace umbrant::host {
 
@@ -35,7 +35,7 @@ TEST(CliPreset, TheRealModulesValuesGoRound) {
                 "--set", "style/origin=12.5,-3", "--set", "opacity/opacity-start=12%"},
                false);
     ASSERT_EQ(written.code, 0) << written.err;
-    const json preset = json::parse(written.out);
+    const json preset = ParseJson(written.out);
     EXPECT_EQ(preset["version"], 1);
     EXPECT_EQ(preset["values"]["style/distance"], 80.5);
     EXPECT_EQ(preset["values"]["style/color"], "#203060");
@@ -59,7 +59,7 @@ TEST(CliPreset, EveryDefaultGoesRound) {
         const Outcome again = Values(folder, {"--preset", "p.json"}, painter);
         EXPECT_EQ(again.code, 0) << again.err;
         EXPECT_EQ(again.out, written.out);
-        EXPECT_GT(json::parse(written.out)["values"].size(), 3u);
+        EXPECT_GT(ParseJson(written.out)["values"].size(), 3u);
     }
 }
 
@@ -68,9 +68,9 @@ TEST(CliPreset, TextsNumbersAndALaterSetting) {
     WriteBytes(folder / "p.json", R"({"version": 1, "values": {"paint/border": 7, "#4": "1.5%, 2%"}})");
     const Outcome plain = Values(folder, {"--preset", "p.json"});
     ASSERT_EQ(plain.code, 0) << plain.err;
-    EXPECT_EQ(json::parse(plain.out)["values"]["paint/border"], 7);
+    EXPECT_EQ(ParseJson(plain.out)["values"]["paint/border"], 7);
     const Outcome won = Values(folder, {"--set", "paint/border=9", "--preset", "p.json"});
-    EXPECT_EQ(json::parse(won.out)["values"]["paint/border"], 9) << "wherever it is on the line";
+    EXPECT_EQ(ParseJson(won.out)["values"]["paint/border"], 9) << "wherever it is on the line";
 }
 
 TEST(CliPreset, ARenderTakesItsValues) {
@@ -205,7 +205,7 @@ TEST(CliPreset, APipeIsReadToItsEndAndNoFurtherThan64MiB) {
     };
     const Outcome whole = fromPipe("echo", R"({"version": 1, "values": {"paint/border": 7}})");
     ASSERT_EQ(whole.code, 0) << whole.err;
-    EXPECT_EQ(json::parse(whole.out)["values"]["paint/border"], 7);
+    EXPECT_EQ(ParseJson(whole.out)["values"]["paint/border"], 7);
     const Outcome endless = fromPipe("cat", "/dev/zero");
     EXPECT_EQ(endless.code, 3);
     EXPECT_EQ(endless.err, "umbrant: cannot read the preset 'pipe': the file is larger than 64 MiB\n");

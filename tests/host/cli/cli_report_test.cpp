@@ -7,10 +7,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
-
 #include "tests/host/cli/in_process.h"
 #include "tests/host/image/picture_files.h"
+#include "tests/support/json.h"
 
 namespace umbrant::host {
 
@@ -36,7 +35,7 @@ TEST_F(CliReport, IsJsonAlone) {
     const Outcome outcome = Paint({"--json", "--set", "paint/border=2", "--canvas", "layer"});
     ASSERT_EQ(outcome.code, 0) << outcome.err;
     EXPECT_EQ(outcome.err, "");
-    const json report = json::parse(outcome.out, nullptr, false);
+    const json report = ParseJsonOrDiscard(outcome.out);
     ASSERT_TRUE(report.is_object()) << outcome.out;
     EXPECT_EQ(report["input"], "in.png");
     EXPECT_EQ(report["output"], "out.png");
@@ -71,7 +70,7 @@ TEST_F(CliReport, IsJsonAlone) {
 TEST_F(CliReport, CommandsAreInTheOrderOfTime) {
     const Outcome outcome = Paint({"--json"});
     ASSERT_EQ(outcome.code, 0) << outcome.err;
-    const json report = json::parse(outcome.out);
+    const json report = ParseJson(outcome.out);
     std::vector<std::string> names;
     for (const json& command : report["commands"]) names.push_back(command["name"]);
     ASSERT_FALSE(names.empty());

@@ -9,11 +9,11 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <nlohmann/json.hpp>
 #include <set>
 
 #include "host/cli/doctor/part_report.h"
 #include "tests/host/cli/program.h"
+#include "tests/support/json.h"
 
 namespace umbrant::host {
 
@@ -60,7 +60,7 @@ class DoctorReport : public testing::Test {
         return RunUmbrant(folder_, more, {environment, ""});
     }
     json Report(const std::vector<std::string>& environment = {}) const {
-        return json::parse(Run({"--json"}, environment).out);
+        return ParseJson(Run({"--json"}, environment).out);
     }
     /// The findings of a subject.
     static std::vector<json> Of(const json& report, const std::string& subject) {

@@ -8,8 +8,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
 #include <regex>
+
+#include "tests/support/json.h"
 
 namespace umbrant::host {
 
@@ -126,7 +127,7 @@ TEST(FarmJobText, OneIsNotMany) {
     EXPECT_THAT(SlurmJob(job), HasSubstr("# Draws 1 frame in 1 task. "));
     EXPECT_THAT(SlurmJob(job), HasSubstr("#SBATCH --array=1-1\n"));
     EXPECT_THAT(ParallelJob(job), HasSubstr("::: {1..1}\n"));
-    EXPECT_EQ(json::parse(OpenJdJob(job))["steps"][0]["parameterSpace"]["taskParameterDefinitions"][0]["range"], "1-1");
+    EXPECT_EQ(ParseJson(OpenJdJob(job))["steps"][0]["parameterSpace"]["taskParameterDefinitions"][0]["range"], "1-1");
 }
 
 /// A member of an object, or null where it is not there, which other rules report.
@@ -252,16 +253,16 @@ class TemplateRules {
 TEST(FarmJobText, TheTemplateKeepsTheRules) {
     FarmJob job = Job();
     job.command[2] = "{{Param.Wrong}} \xff\n\"\\.####.exr";
-    const json root = json::parse(OpenJdJob(job));
+    const json root = ParseJson(OpenJdJob(job));
     EXPECT_THAT(TemplateRules(root).offences, testing::IsEmpty());
 
     EXPECT_EQ(root["name"], "shot");
     EXPECT_EQ(root["description"], "Draws 48 frames in 12 tasks; frames that exist are skipped.");
     const json& step = root["steps"][0];
     EXPECT_EQ(step["parameterSpace"]["taskParameterDefinitions"],
-              json::parse(R"([{ "name": "Chunk", "type": "INT", "range": "1-12" }])"));
+              ParseJson(R"([{ "name": "Chunk", "type": "INT", "range": "1-12" }])"));
     EXPECT_EQ(step["script"]["actions"]["onRun"]["command"], "bash");
-    EXPECT_EQ(step["script"]["actions"]["onRun"]["args"], json::parse(R"(["{{Task.File.Render}}"])"));
+    EXPECT_EQ(step["script"]["actions"]["onRun"]["args"], ParseJson(R"(["{{Task.File.Render}}"])"));
     const std::string data = step["script"]["embeddedFiles"][0]["data"];
     EXPECT_THAT(data, StartsWith("cd -- '/shots/my shot' || exit 3\n"));
     EXPECT_THAT(data, HasSubstr(" --chunk {{Task.Param.Chunk}}/12 --skip-existing &\n"));
@@ -270,7 +271,7 @@ TEST(FarmJobText, TheTemplateKeepsTheRules) {
 }
 
 TEST(FarmJobText, TheRulesAreFelt) {
-    const json right = json::parse(OpenJdJob(Job()));
+    const json right = ParseJson(OpenJdJob(Job()));
     const struct {
         const char* name;
         const char* patch;
@@ -290,7 +291,7 @@ TEST(FarmJobText, TheRulesAreFelt) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        EXPECT_FALSE(TemplateRules(right.patch(json::parse(row.patch))).offences.empty());
+        EXPECT_FALSE(TemplateRules(right.patch(ParseJson(row.patch))).offences.empty());
     }
 }
 

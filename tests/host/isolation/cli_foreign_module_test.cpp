@@ -9,12 +9,12 @@
 #include <signal.h>
 
 #include <chrono>
-#include <nlohmann/json.hpp>
 #include <set>
 #include <thread>
 
 #include "host/process/child_process.h"
 #include "tests/host/cli/program.h"
+#include "tests/support/json.h"
 
 namespace umbrant::host {
 
@@ -142,7 +142,7 @@ TEST_F(CliForeignModule, OtherCommandsSayTheSame) {
         EXPECT_EQ(outcome.err, Sentence(during + "PF_Cmd_GLOBAL_SETDOWN"));
         outcome = Run("", arguments);
         EXPECT_EQ(outcome.code, 0) << outcome.err;
-        EXPECT_FALSE(nlohmann::json::parse(outcome.out, nullptr, false).is_discarded()) << outcome.out;
+        EXPECT_FALSE(ParseJsonOrDiscard(outcome.out).is_discarded()) << outcome.out;
     }
     const Outcome about = Run("about:quick", {"info"});
     EXPECT_EQ(about.code, 1);

@@ -30,6 +30,10 @@ std::string Trimmed(const std::string& text) {
 
 }  // namespace
 
+std::string WireReply::Error() const {
+    return Json().is_object() ? Json().value("error", "") : "";
+}
+
 Wire::Wire(int port) : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
@@ -167,7 +171,7 @@ std::pair<std::string, nlohmann::json> Page::NextEvent() {
     std::string kind;
     for (std::string line = events_.ReadLine(); !line.empty(); line = events_.ReadLine()) {
         if (line.starts_with("event: ")) kind = Trimmed(line.substr(7));
-        if (line.starts_with("data: ")) return {kind, nlohmann::json::parse(line.substr(6), nullptr, false)};
+        if (line.starts_with("data: ")) return {kind, ParseJsonOrDiscard(line.substr(6))};
     }
     return {};
 }

@@ -8,12 +8,12 @@
 
 #include <map>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "host/process/child_process.h"
 #include "tests/host/cli/program.h"
+#include "tests/support/json.h"
 
 namespace umbrant::host {
 
@@ -23,9 +23,9 @@ struct WireReply {
     std::map<std::string, std::string> headers;
     std::string body;
 
-    nlohmann::json Json() const { return nlohmann::json::parse(body, nullptr, false); }
+    nlohmann::json Json() const { return ParseJsonOrDiscard(body); }
     /// The sentence of a refusal.
-    std::string Error() const { return Json().is_object() ? Json().value("error", "") : ""; }
+    std::string Error() const;
 };
 
 /// A connection to a port of this machine.

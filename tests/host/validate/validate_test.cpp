@@ -9,10 +9,10 @@
 
 #include <filesystem>
 #include <fstream>
-#include <nlohmann/json.hpp>
 #include <regex>
 
 #include "tests/host/cli/program.h"
+#include "tests/support/json.h"
 
 namespace umbrant::host {
 
@@ -179,7 +179,7 @@ TEST(Validate, ReportsJson) {
     const Outcome run = RunUmbrant(folder, {"validate", TestModule("JudgedNoVersion"), "--strictness", "2", "--include",
                                             "^(1\\.1|2\\.1) ", "--report", "json"});
     EXPECT_EQ(run.code, 1);
-    const json report = json::parse(run.out);
+    const json report = ParseJson(run.out);
     EXPECT_EQ(report["passed"], 1);
     EXPECT_EQ(report["failed"], 1);
     EXPECT_EQ(report["checks"][1]["id"], "2.1");
@@ -205,7 +205,7 @@ TEST(Validate, WritesEveryCallInTheTraceFormat) {
     const Outcome run =
         RunUmbrant(folder, {"validate", TestModule("JudgedNone"), "--include", "^2\\.6 ", "--trace", file});
     EXPECT_EQ(run.code, 0);
-    const json events = json::parse(ReadBytes(file));
+    const json events = ParseJson(ReadBytes(file));
     ASSERT_TRUE(events.is_array());
     int commands = 0, calls = 0;
     for (const json& event : events) {
@@ -234,7 +234,7 @@ TEST(Validate, RepeatsWithOtherSeeds) {
         folder, {"validate", TestModule("JudgedNone"), "--include", "^3\\.1 ", "--repeat", "3", "--report", "json"});
     EXPECT_EQ(run.code, 0);
     // One check, three runs: three times the commands of one.
-    EXPECT_GT(json::parse(run.out)["checks"][0]["figures"]["commands"].get<double>(), 400);
+    EXPECT_GT(ParseJson(run.out)["checks"][0]["figures"]["commands"].get<double>(), 400);
 }
 
 TEST(Validate, AFaultThatNeverComesDoesNotPass) {
@@ -306,7 +306,7 @@ TEST(Validate, AFileThatIsNoModuleStopsAtTheFirstCheck) {
     }
     const Outcome listed = RunUmbrant(folder, {"validate", text, "--report", "json"});
     EXPECT_EQ(listed.code, 4);
-    EXPECT_EQ(json::parse(listed.out)["checks"].size(), 1u);
+    EXPECT_EQ(ParseJson(listed.out)["checks"].size(), 1u);
 }
 
 /// The module of this project on the levels that every build runs.

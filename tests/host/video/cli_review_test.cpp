@@ -4,6 +4,7 @@
 // Clips for people to look at: H.264 over a background, animated WebP and APNG with alpha.
 
 #include "tests/host/video/clips.h"
+#include "tests/support/json.h"
 
 namespace umbrant::host {
 

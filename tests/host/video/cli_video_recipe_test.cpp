@@ -5,6 +5,7 @@
 
 #include "host/image/recipe/recipe_text.h"
 #include "tests/host/video/clips.h"
+#include "tests/support/json.h"
 
 namespace umbrant::host {
 

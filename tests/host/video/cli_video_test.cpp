@@ -4,6 +4,7 @@
 // `umbrant render` with clips, through the real ffmpeg: what is kept, and which frames come out.
 
 #include "tests/host/video/clips.h"
+#include "tests/support/json.h"
 
 namespace umbrant::host {
 
@@ -27,7 +28,7 @@ TEST_F(Clips, ClipInClipOutKeepsPicturesSoundRateAndTags) {
     EXPECT_EQ(pictures["color_primaries"], "bt709");
     EXPECT_EQ(pictures["color_transfer"], "iec61966-2-1");
     EXPECT_EQ(Probe("out.mov")["format"]["tags"]["title"], "Tone");
-    const auto report = nlohmann::json::parse(outcome.out);
+    const auto report = ParseJson(outcome.out);
     EXPECT_EQ(report["clip"], nlohmann::json({{"codec", "png"},
                                               {"rate", "30000/1001"},
                                               {"left", 0},
@@ -240,7 +241,7 @@ TEST_F(Clips, TheFrameOfAClip) {
     ASSERT_EQ(outcome.code, 0) << outcome.err;
     EXPECT_EQ(Pictures("grown.mkv")["width"], 18) << "what the largest frame needs, for all of them";
     EXPECT_EQ(Pictures("grown.mkv")["height"], 14);
-    const auto clip = nlohmann::json::parse(outcome.out)["clip"];
+    const auto clip = ParseJson(outcome.out)["clip"];
     EXPECT_EQ(clip["left"], -4);
     EXPECT_EQ(clip["bottom"], 10);
     ASSERT_EQ(Render("grown.mkv", "g.#.png").code, 0);

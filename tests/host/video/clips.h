@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 
 #include "tests/host/cli/program.h"
@@ -55,17 +55,8 @@ class Clips : public testing::Test {
     }
 
     /// ffprobe's answer about a clip.
-    nlohmann::json Probe(const std::string& clip) const {
-        return nlohmann::json::parse(
-            Run({"ffprobe", "-v", "error", "-of", "json", "-show_streams", "-show_format", "file:" + clip}).output);
-    }
-    nlohmann::json Pictures(const std::string& clip) const {
-        const nlohmann::json probed = Probe(clip);
-        for (const auto& stream : probed["streams"]) {
-            if (stream["codec_type"] == "video") return stream;
-        }
-        return {};
-    }
+    nlohmann::json Probe(const std::string& clip) const;
+    nlohmann::json Pictures(const std::string& clip) const;
     /// The hash of what ffmpeg makes of a clip with these arguments.
     std::string Hash(const std::string& clip, const std::string& arguments) const {
         std::vector<std::string> words = {"ffmpeg", "-nostdin", "-v", "error"};

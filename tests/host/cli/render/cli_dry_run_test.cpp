@@ -3,11 +3,11 @@
 
 // `umbrant render --dry-run`: what it counts and measures, and that it writes nothing.
 
-#include <nlohmann/json.hpp>
 #include <set>
 
 #include "host/cli/render/outcome/frame_cost.h"
 #include "tests/host/cli/render/sequence_fixture.h"
+#include "tests/support/json.h"
 
 namespace umbrant::host {
 
@@ -33,7 +33,7 @@ class CliDryRun : public CliSequence {
         more.insert(more.end(), {"--dry-run", "--json"});
         const Outcome outcome = Render(more, input, output);
         EXPECT_EQ(outcome.code, 0) << outcome.err;
-        return Json::parse(outcome.out, nullptr, false);
+        return ParseJsonOrDiscard(outcome.out);
     }
     static std::vector<int> Measured(const Json& report) {
         std::vector<int> frames;

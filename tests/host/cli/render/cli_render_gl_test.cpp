@@ -8,11 +8,11 @@
 
 #include <chrono>
 #include <csignal>
-#include <nlohmann/json.hpp>
 
 #include "host/process/child_process.h"
 #include "tests/host/cli/program.h"
 #include "tests/host/cli/running_program.h"
+#include "tests/support/json.h"
 
 namespace umbrant::host {
 
@@ -29,7 +29,7 @@ class CliRenderGl : public testing::Test {
     void SetUp() override {
         const Outcome info = RunUmbrant(folder_, {"info", "--json"}, {{Module()}, ""});
         ASSERT_EQ(info.code, 0) << info.err;
-        if (nlohmann::json::parse(info.out)["gpu"]["renderer"] == "NULL") {
+        if (ParseJson(info.out)["gpu"]["renderer"] == "NULL") {
             GTEST_SKIP() << "no OpenGL driver: the effect's GPU rows read NULL";
         }
         World layer = World::Create(kWidth, kHeight, Depth::k8);

@@ -8,9 +8,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
-
 #include "tests/host/cli/program.h"
+#include "tests/support/json.h"
 
 namespace umbrant::host {
 
@@ -129,7 +128,7 @@ TEST_F(CliRenderer, WithoutOpenGLTheProcessorDrawsAllShadows) {
             SCOPED_TRACE(std::string(type) + " " + depth);
             const Outcome outcome = Run(Render({"--set", std::string("style/shadow-type=") + type, "--depth", depth}));
             ASSERT_EQ(outcome.code, 0) << outcome.err;
-            const json report = json::parse(outcome.out, nullptr, false);
+            const json report = ParseJsonOrDiscard(outcome.out);
             ASSERT_TRUE(report.is_object()) << outcome.out;
             EXPECT_EQ(report["renderer"], (json{{"used", "cpu"}, {"why", WhyByProcessor()}}));
             EXPECT_THAT(report["gpu"]["renderer"].get<std::string>(),
@@ -163,7 +162,7 @@ TEST_F(CliRenderer, WishesAreHeard) {
         const Outcome outcome = Run(Render(row.arguments), row.environment);
         EXPECT_EQ(outcome.code, row.code) << outcome.err;
         if (row.used) {
-            EXPECT_EQ(json::parse(outcome.out)["renderer"]["used"], row.used);
+            EXPECT_EQ(ParseJson(outcome.out)["renderer"]["used"], row.used);
         } else {
             EXPECT_THAT(outcome.err, HasSubstr("no OpenGL context could be made, so the effect cannot draw: "));
         }
@@ -240,7 +239,7 @@ TEST_F(CliRenderer, InfoAndVerboseTellItToo) {
     const Outcome asked = Run({"info"}, {"UMBRANT_RENDERER=gl"});
     EXPECT_THAT(asked.out, HasSubstr("Drawn by         the GPU renderer: requested\n"));
     const Outcome machine = Run({"info", "--json"});
-    EXPECT_EQ(json::parse(machine.out)["renderer"]["used"], "cpu");
+    EXPECT_EQ(ParseJson(machine.out)["renderer"]["used"], "cpu");
     const Outcome verbose = Run(Render({"--verbose"}));
     EXPECT_THAT(verbose.err, HasSubstr("drawn by the CPU renderer: " + WhyByProcessor() + "\n"));
 }

@@ -4,9 +4,8 @@
 // One canvas for the frames of a sequence: the size of what is written, how it is reported, and that the same frame on
 // the same canvas has the same bytes.
 
-#include <nlohmann/json.hpp>
-
 #include "tests/host/cli/render/sequence_fixture.h"
+#include "tests/support/json.h"
 
 namespace umbrant::host {
 
@@ -93,7 +92,7 @@ TEST_F(CliSequenceCanvas, EachFrameMayHaveItsOwn) {
     EXPECT_EQ(Size("out.01.png"), "7x5");
     EXPECT_EQ(Size("out.06.png"), "17x15");
     EXPECT_THAT(outcome.err, Not(HasSubstr("--canvas")));
-    const Json report = Json::parse(outcome.out);
+    const Json report = ParseJson(outcome.out);
     EXPECT_EQ(report["canvas"], "frame");
     EXPECT_FALSE(report.contains("canvasOption"));
     EXPECT_FALSE(report.contains("width"));
@@ -114,19 +113,19 @@ TEST_F(CliSequenceCanvas, SizesOfTheInputCountAndTheLayerAloneDoesNotGrow) {
 }
 
 TEST_F(CliSequenceCanvas, ReportsNameTheSizeAndTheOption) {
-    const Json report = Json::parse(Move({"--json"}).out);
+    const Json report = ParseJson(Move({"--json"}).out);
     EXPECT_EQ(report["canvas"], "grow");
     EXPECT_EQ(report["canvasOption"], "--canvas -6,-6,11,9");
     EXPECT_EQ(report["width"], 17);
     EXPECT_EQ(report["height"], 15);
     EXPECT_EQ(report["frames"][0]["picture"], Json({{"left", -6}, {"top", -6}, {"right", 11}, {"bottom", 9}}));
     const std::string lines = Move({"--progress", "json"}).err;
-    EXPECT_EQ(Json::parse(lines.substr(0, lines.find('\n'))), Json({{"event", "start"},
-                                                                    {"frames", 6},
-                                                                    {"width", 17},
-                                                                    {"height", 15},
-                                                                    {"canvasOption", "--canvas -6,-6,11,9"}}));
-    const Json single = Json::parse(Render({"--set", "paint/border=2", "--json"}, "still.png", "one.png").out);
+    EXPECT_EQ(ParseJson(lines.substr(0, lines.find('\n'))), Json({{"event", "start"},
+                                                                  {"frames", 6},
+                                                                  {"width", 17},
+                                                                  {"height", 15},
+                                                                  {"canvasOption", "--canvas -6,-6,11,9"}}));
+    const Json single = ParseJson(Render({"--set", "paint/border=2", "--json"}, "still.png", "one.png").out);
     EXPECT_EQ(single["canvas"], "grow");
     EXPECT_EQ(single["canvasOption"], "--canvas -2,-2,7,5");
 }
@@ -139,7 +138,7 @@ TEST_F(CliSequenceCanvas, ALowerResolutionHasItsCanvasInPixelsOfTheWholeLayer) {
     ASSERT_EQ(Move({"--downsample", "2", "--frames", "3", "--canvas", "-6,-6,12,10"}, "again.##.png").code, 0);
     EXPECT_EQ(Bytes("again.03.png"), whole);
     const Json single =
-        Json::parse(Render({"--set", "paint/border=2", "--downsample", "2", "--json"}, "still.png", "one.png").out);
+        ParseJson(Render({"--set", "paint/border=2", "--downsample", "2", "--json"}, "still.png", "one.png").out);
     EXPECT_EQ(single["canvasOption"], "--canvas -2,-2,8,6");
 }
 

@@ -5,9 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
-
 #include "tests/host/cli/program.h"
+#include "tests/support/json.h"
 
 namespace umbrant::host {
 
@@ -22,7 +21,7 @@ class CliSequenceGl : public testing::Test {
     void SetUp() override {
         const Outcome info = RunUmbrant(folder_, {"info", "--json", "--module", UMBRANT_MODULE_FILE});
         ASSERT_EQ(info.code, 0) << info.err;
-        if (nlohmann::json::parse(info.out)["gpu"]["renderer"] == "NULL") {
+        if (ParseJson(info.out)["gpu"]["renderer"] == "NULL") {
             GTEST_SKIP() << "no OpenGL driver: the effect's GPU rows read NULL";
         }
         World layer = Filled8(40, 30, {0, 0, 0, 0});

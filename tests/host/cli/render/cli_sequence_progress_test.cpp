@@ -8,11 +8,11 @@
 
 #include <chrono>
 #include <csignal>
-#include <nlohmann/json.hpp>
 #include <sstream>
 #include <thread>
 
 #include "tests/host/cli/render/sequence_fixture.h"
+#include "tests/support/json.h"
 
 namespace umbrant::host {
 
@@ -27,7 +27,7 @@ using CliSequenceProgress = CliSequence;
 std::vector<Json> JsonLines(const std::string& text) {
     std::vector<Json> lines;
     std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);) lines.push_back(Json::parse(line));
+    for (std::string line; std::getline(stream, line);) lines.push_back(ParseJson(line));
     return lines;
 }
 
@@ -122,7 +122,7 @@ TEST_F(CliSequenceProgress, ProgressForProgramsTellsOfFailures) {
     EXPECT_EQ(events[4]["failures"][0]["frames"], "2");
     EXPECT_EQ(events[4]["failures"][0]["error"], events[2]["error"]);
     const Outcome reported = Render({"--frames", "1-3", "--json", "--keep-going"});
-    EXPECT_EQ(Json::parse(reported.out)["failures"], events[4]["failures"]);
+    EXPECT_EQ(ParseJson(reported.out)["failures"], events[4]["failures"]);
 }
 
 TEST_F(CliSequenceProgress, AFrameThatTakesLongIsToldAbout) {
@@ -136,7 +136,7 @@ TEST_F(CliSequenceProgress, AFrameThatTakesLongIsToldAbout) {
 TEST_F(CliSequenceProgress, TheReportHasEveryFrame) {
     const Outcome outcome = Render({"--frames", "1-2", "--json", "--set", "paint/border=1"});
     ASSERT_EQ(outcome.code, 0) << outcome.err;
-    const Json report = Json::parse(outcome.out);
+    const Json report = ParseJson(outcome.out);
     EXPECT_EQ(report["input"], "in.@.png");
     EXPECT_EQ(report["output"], "out.##.png");
     EXPECT_EQ(report["totals"]["drawn"], 2);

@@ -5,10 +5,9 @@
 
 #include <gmock/gmock.h>
 
-#include <nlohmann/json.hpp>
-
 #include "tests/host/cli/render/sequence_fixture.h"
 #include "tests/host/image/picture_files.h"
+#include "tests/support/json.h"
 
 namespace umbrant::host {
 
@@ -50,7 +49,7 @@ TEST_F(CliTightCanvas, TheSmallestRectangleWithTheSamePixels) {
     const Outcome outcome = Tight("dot.png", "out.png", {"--set", "paint/border=0", "--json", "--no-recipe"});
     ASSERT_EQ(outcome.code, 0) << outcome.err;
     ExpectRect(Covered("out.png"), 5, 7, 6, 8);
-    EXPECT_EQ(Json::parse(outcome.out)["canvasOption"], "--canvas 5,7,6,8");
+    EXPECT_EQ(ParseJson(outcome.out)["canvasOption"], "--canvas 5,7,6,8");
     ASSERT_EQ(Render({"--canvas", "5,7,6,8", "--no-recipe"}, "dot.png", "rectangle.png").code, 0);
     EXPECT_EQ(ReadBytes(folder_ / "out.png"), ReadBytes(folder_ / "rectangle.png"));
 }
