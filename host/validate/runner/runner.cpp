@@ -16,6 +16,7 @@
 #include "host/validate/checks/panel_events.h"
 #include "host/validate/faults/fault_fixture.h"
 #include "host/validate/runner/check_process.h"
+#include "host/validate/runner/pattern.h"
 #include "host/validate/runner/processes.h"
 #include "host/validate/runner/scheduler.h"
 #include "host/validate/runner/trace.h"
@@ -160,12 +161,10 @@ void RunJobs(const std::vector<Job>& jobs, const RunnerOptions& options, std::ve
     }
 }
 
-Result<std::regex> Expression(const std::string& text, const char* option) {
-    try {
-        return std::regex(text);
-    } catch (const std::regex_error&) {
-        return Failure{ErrorKind::kUsage, fmt::format("{} '{}' is not a regular expression", option, text)};
-    }
+Result<Pattern> PatternOf(const std::string& text, const char* option) {
+    const std::optional<Pattern> pattern = Pattern::Of(text);
+    if (!pattern) return Failure{ErrorKind::kUsage, fmt::format("{} '{}' is not a regular expression", option, text)};
+    return *pattern;
 }
 
 }  // namespace
@@ -192,13 +191,13 @@ Totals TotalsOf(const std::vector<CheckOutcome>& outcomes) {
 }
 
 Result<std::vector<const Check*>> ChosenChecks(const RunnerOptions& options) {
-    const auto include = TRY(Expression(options.include, "--include"));
-    const auto exclude = TRY(Expression(options.exclude, "--exclude"));
+    const auto include = TRY(PatternOf(options.include, "--include"));
+    const auto exclude = TRY(PatternOf(options.exclude, "--exclude"));
     std::vector<const Check*> chosen;
     for (const Check& check : AllChecks()) {
         const std::string text = fmt::format("{} {}", check.id, check.title);
-        if (check.Level() > options.strictness || !std::regex_search(text, include)) continue;
-        if (!options.exclude.empty() && std::regex_search(text, exclude)) continue;
+        if (check.Level() > options.strictness || !include.IsIn(text)) continue;
+        if (!options.exclude.empty() && exclude.IsIn(text)) continue;
         chosen.push_back(&check);
     }
     if (chosen.empty()) {

@@ -5,7 +5,6 @@
 // Runs the chosen checks, each in a process of its own, and says how it went: as text, JSON or JUnit's XML.
 
 #include <optional>
-#include <regex>
 #include <string>
 #include <vector>
 

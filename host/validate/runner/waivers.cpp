@@ -47,9 +47,8 @@ std::string ReadEntry(const json& entry, Waiver& waiver) {
     }
     if (waiver.finding.empty()) return fmt::format("has an entry for check {} without a finding", waiver.check);
     if (waiver.reason.empty()) return fmt::format("has an entry for check {} without a reason", waiver.check);
-    try {
-        waiver.pattern = std::regex(waiver.finding);
-    } catch (const std::regex_error&) {
+    waiver.pattern = Pattern::Of(waiver.finding);
+    if (!waiver.pattern) {
         return fmt::format("has the finding '{}', which is not a regular expression", waiver.finding);
     }
     return "";
@@ -82,7 +81,7 @@ void ApplyWaivers(const Check& check, CheckResult& result, std::vector<Waiver>& 
     bool waived = false;
     for (Finding& finding : result.findings) {
         for (Waiver& waiver : waivers) {
-            if (waiver.check != check.id || !std::regex_search(finding.text, waiver.pattern)) continue;
+            if (waiver.check != check.id || !waiver.pattern->IsIn(finding.text)) continue;
             waiver.used = true;
             finding.waiver = waiver.reason;
         }

@@ -11,19 +11,20 @@
 // findings that depend on the driver or on timing.
 
 #include <filesystem>
-#include <regex>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "host/result.h"
 #include "host/validate/runner/check_run.h"
+#include "host/validate/runner/pattern.h"
 
 namespace umbrant::host {
 
 struct Waiver {
     std::string check;
     std::string finding;
-    std::regex pattern;
+    std::optional<Pattern> pattern;
     std::string reason;
     bool always = true;
     bool used = false;
