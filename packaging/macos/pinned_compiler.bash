@@ -45,7 +45,7 @@ provide_compiler() {
             if ! (cd "$folder" && npm ci --ignore-scripts --no-audit --no-fund --loglevel=error --fetch-retries=1 \
                     --fetch-timeout=60000) >"$folder/npm.log" 2>&1; then
                 rm -f "$lock"
-                code=$(sed -n 's/^npm \(ERR!\|error\) code \([A-Z_0-9]*\).*/\2/p' "$folder/npm.log" | head -1)
+                code=$(sed -n 's/^npm \(ERR!\|error\) code \([A-Z_0-9]*\).*/\2/p' "$folder/npm.log" | sed -n 1p)
                 [[ $code != EINTEGRITY ]] || cannot "what npm fetched as $package $version does not have the hash that" \
                     "packaging/macos/package-lock.json pins; nothing of it was kept."
                 cannot "npm could not fetch $package $version (${code:-see $folder/npm.log}); is the network there?"
