@@ -31,7 +31,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr char kExamples[] =
+constexpr char kCurvesExamples[] =
     "  umbrant curves --preset moving.json -o curves.png\n"
     "      a plot for each parameter with keyframes, from the first key to the last\n"
     "  umbrant curves --preset moving.json --frames 1-48 --rate 25 -o curves.png\n"
@@ -136,7 +136,7 @@ Command CurvesCommand() {
     Command command;
     command.name = "curves";
     command.summary = "Draw the keyframes of a preset as curves";
-    command.examples = kExamples;
+    command.examples = kCurvesExamples;
     command.options = [options](CLI::App& app) {
         app.add_option("--preset", options->preset, "The preset with the keyframes")
             ->required()

@@ -30,7 +30,7 @@ namespace fs = std::filesystem;
 constexpr int kMostTasks = 1'000'000;
 constexpr int kFramesPerTask = 10;
 
-constexpr char kExamples[] =
+constexpr char kFarmExamples[] =
     "  umbrant farm slurm shot.####.exr -o out/shot.####.exr --frames 1-240 > shot.sh; sbatch --wait shot.sh\n"
     "      an array of 24 tasks with 10 frames each\n"
     "  umbrant farm --submit slurm shot.####.exr -o out/shot.####.exr --frames 1-240\n"
@@ -228,7 +228,7 @@ Command FarmCommand() {
     command.name = "farm";
     command.summary =
         "Print or submit a set of frames as a job for a render farm: Slurm, Open Job Description or GNU parallel";
-    command.examples = kExamples;
+    command.examples = kFarmExamples;
     command.options = [options](CLI::App& app) {
         options->app = &app;
         app.formatter(std::make_shared<FarmHelp>());

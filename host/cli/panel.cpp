@@ -31,7 +31,7 @@ namespace umbrant::host {
 
 namespace {
 
-constexpr char kExamples[] =
+constexpr char kPanelExamples[] =
     "  umbrant panel -o panel.png\n"
     "      the panel in its initial state\n"
     "  umbrant panel -o panel.png --set style/shadow-type=radial --open all --scale 2 --theme light\n"
@@ -94,7 +94,7 @@ const char* ControlName(PanelControl control) {
     return "nothing";
 }
 
-std::string Json(const std::vector<PanelItem>& items) {
+std::string ItemsJson(const std::vector<PanelItem>& items) {
     auto rows = nlohmann::ordered_json::array();
     for (const PanelItem& item : items) {
         nlohmann::ordered_json row = {{"index", item.index}, {"control", ControlName(item.control)},
@@ -166,7 +166,7 @@ Result<ExitCode> Panel(const PanelOptions& options) {
     if (!options.press.empty()) {
         TRY(Press(session, options.press));
     }
-    if (options.json) PrintResult(Json(PanelItems(session, options.width)));
+    if (options.json) PrintResult(ItemsJson(PanelItems(session, options.width)));
     if (!options.output.empty()) {
         TRY(WritePanel(session, opened, options));
     }
@@ -181,7 +181,7 @@ Command PanelCommand() {
     Command command;
     command.name = "panel";
     command.summary = "Draw the effect's panel as an image, list its visible rows, or press one of its buttons";
-    command.examples = kExamples;
+    command.examples = kPanelExamples;
     command.options = [options](CLI::App& app) {
         app.add_option("-o,--output", options->output, "The image to write: " + WritableFormats());
         CLI::Option* preset =

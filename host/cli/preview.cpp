@@ -34,7 +34,7 @@ namespace umbrant::host {
 
 namespace {
 
-constexpr char kExamples[] =
+constexpr char kPreviewExamples[] =
     "  umbrant preview title.png\n"
     "      opens a page that shows the layer with its shadow, and the panel; Ctrl-C ends it\n"
     "  umbrant preview\n"
@@ -270,7 +270,7 @@ Command PreviewCommand() {
     Command command;
     command.name = "preview";
     command.summary = "Show the picture and the panel in the browser; the picture follows the controls";
-    command.examples = kExamples;
+    command.examples = kPreviewExamples;
     command.options = [options](CLI::App& app) {
         AddPictureOptions(app, *options);
         AddServerOptions(app, *options);

@@ -26,7 +26,7 @@ namespace {
 
 constexpr int kHighestLevel = 10;
 
-constexpr char kExamples[] =
+constexpr char kValidateExamples[] =
     "  umbrant validate build/release/umbrant2.so\n"
     "      levels 1 to 5, as after every build\n"
     "  umbrant validate build/release/umbrant2.so --strictness 10 --waive accepted.json\n"
@@ -121,7 +121,7 @@ Command ValidateCommand() {
     Command command;
     command.name = "validate";
     command.summary = "Check everything that hosts rely on in a module, in ten levels";
-    command.examples = kExamples;
+    command.examples = kValidateExamples;
     command.options = [options](CLI::App& app) {
         RunnerOptions& run = options->run;
         app.add_option("MODULE", options->module, "The module's file; without it, the one that `render` would use");

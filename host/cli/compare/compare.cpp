@@ -81,7 +81,7 @@ std::string Text(const Comparison& result, const std::optional<Measure>& measure
     return text + (measure ? "; " + measure->Text() : "") + "\n";
 }
 
-std::string Json(const Comparison& result, const std::optional<Measure>& measure) {
+std::string ComparisonJson(const Comparison& result, const std::optional<Measure>& measure) {
     nlohmann::ordered_json json = {
         {"close", result.close},
         {"worst", result.worst},
@@ -118,7 +118,7 @@ Result<ExitCode> RunCompare(const CompareOptions& options) {
         measure = {options.metric, *(options.metric == "psnr" ? Psnr(first, second) : Ssim(first, second))};
         if (options.least && measure->value < *options.least) result->close = false;
     }
-    PrintResult(options.json ? Json(*result, measure) : Text(*result, measure));
+    PrintResult(options.json ? ComparisonJson(*result, measure) : Text(*result, measure));
     if (!options.difference.empty()) {
         const World map = TRY(DrawHeatMap(*result));
         TRY(WritePicture(options.difference, map, {{0, 0, map.Width(), map.Height()}, map.Width(), map.Height()}));

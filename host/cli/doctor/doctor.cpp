@@ -27,7 +27,7 @@ namespace umbrant::host {
 
 namespace {
 
-constexpr char kExamples[] =
+constexpr char kDoctorExamples[] =
     "  umbrant doctor\n"
     "      whether each part of the program works on this machine, with what to do where it does not\n"
     "  umbrant doctor > report.txt\n"
@@ -116,7 +116,7 @@ Command DoctorCommand() {
     command.name = "doctor";
     command.summary =
         "Report whether each part of the program works here, or why an OpenFX plug-in does not work in its host";
-    command.examples = kExamples;
+    command.examples = kDoctorExamples;
     command.options = [options](CLI::App& app) {
         CLI::Option* subject =
             app.add_option("SUBJECT", options->subject,

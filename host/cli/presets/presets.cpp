@@ -22,7 +22,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr char kExamples[] =
+constexpr char kPresetsExamples[] =
     "  umbrant presets\n"
     "      the names for --preset, and the files behind them\n"
     "  umbrant render title.png -o shadow.png --preset long-faded\n"
@@ -104,7 +104,7 @@ Command PresetsCommand() {
     Command command;
     command.name = "presets";
     command.summary = "List the presets that --preset finds by name, or draw them all";
-    command.examples = kExamples;
+    command.examples = kPresetsExamples;
     command.options = [options](CLI::App& app) {
         app.add_flag("--json", options->json, "Print JSON: names, files, and whether a preset is your own");
         AddSheetOptions(app, *options);

@@ -22,7 +22,7 @@ namespace umbrant::host {
 
 namespace {
 
-constexpr char kExamples[] =
+constexpr char kRenderExamples[] =
     "  umbrant render title.png -o shadow.png\n"
     "      the default shadow; the image grows to contain it\n"
     "  umbrant render title.png -o shadow.png --canvas layer --set style/angle=90 --set style/softness=40\n"
@@ -184,7 +184,7 @@ Command RenderCommand(const std::shared_ptr<RenderOptions>& options) {
     Command command;
     command.name = "render";
     command.summary = "Render an image, a sequence or a clip with the effect; prints the path of each file written";
-    command.examples = kExamples;
+    command.examples = kRenderExamples;
     command.options = [options](CLI::App& app) {
         AddFileOptions(app, *options);
         AddValueOptions(app, *options);

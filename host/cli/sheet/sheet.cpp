@@ -18,7 +18,7 @@ namespace umbrant::host {
 
 namespace {
 
-constexpr char kExamples[] =
+constexpr char kSheetExamples[] =
     "  umbrant sheet title.png -o sheet.png --vary style/angle=0,45,90 --vary style/softness=20,80\n"
     "      three rows of angles, two columns of softness\n"
     "  umbrant sheet title.png -o sheet.png --vary preset=soft-drop,neon --set style/distance=60\n"
@@ -107,7 +107,7 @@ Command SheetCommand() {
     Command command;
     command.name = "sheet";
     command.summary = "Draw a contact sheet: the effect with many values, or many frames, in one picture";
-    command.examples = kExamples;
+    command.examples = kSheetExamples;
     command.options = [options](CLI::App& app) {
         AddSheetOptions(app, *options);
         AddValueOptions(app, options->render);
