@@ -171,6 +171,16 @@ class TestRun(unittest.TestCase):
         self.assertEqual((code, out), (0, ""))
         self.assertEqual(read, sorted([*texts, "examples/a/a.cpp"]))
 
+    def test_refuses_a_build_that_does_not_list_every_source(self):
+        joined = "build/tidy/host/CMakeFiles/a.dir/Unity/unity_0_cxx.cxx"
+        code, out, _, read = self.run_tidy({"host/a.cpp": "", joined: ""})
+        self.assertEqual(
+            code,
+            f"tools/tidy: {joined} is compiled for several sources, which are not listed; set UNITY_BUILD of its target "
+            "to UMBRANT_UNITY",
+        )
+        self.assertEqual((out, read), ("", []))
+
     def test_names_each_file_with_a_defect(self):
         texts = {f"host/{i:02}.cpp": "DEFECT" if i in (3, 17, 39) else "" for i in range(40)}
         code, out, _, _ = self.run_tidy(texts)
