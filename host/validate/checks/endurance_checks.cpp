@@ -122,7 +122,8 @@ void NoteGrowth(CheckRun& run, const std::string& what, double amount, const Gro
 bool CountsWork(std::string name) {
     for (char& letter : name) letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
     const auto words = {"samples", "steps", "iterations", "copies", "passes"};
-    return std::any_of(words.begin(), words.end(), [&](const char* word) { return name.find(word) != name.npos; });
+    return std::any_of(words.begin(), words.end(),
+                       [&](const char* word) { return name.find(word) != std::string::npos; });
 }
 
 void TakesTimeInProportion(CheckRun& run) {
