@@ -12,8 +12,15 @@ namespace umbrant::effect {
 namespace {
 
 constexpr double kTwoPi = 6.283185307179586;
-// Frequencies per cycle of the coarse grid at which filters are designed.
+// Frequencies up to half a cycle of the coarse grid at which filters are designed, each in the middle of its share.
 constexpr int kFrequencies = 512;
+// Those that are evaluated together: their recurrences do not wait for each other.
+constexpr int kTogether = 8;
+static_assert(kFrequencies % kTogether == 0);
+
+constexpr double FrequencyOf(int step) {
+    return (step + 0.5) / (2.0 * kFrequencies);
+}
 
 double Sinc(double x) {
     const double angle = x * kTwoPi / 2;
@@ -42,6 +49,50 @@ double Taper(double frequency) {
     if (frequency <= kBegin) return 1;
     if (frequency >= kEnd) return 0;
     return 0.5 + 0.5 * std::cos(kTwoPi / 2 * (frequency - kBegin) / (kEnd - kBegin));
+}
+
+/// What every coarse kernel's spectrum is multiplied with and divided by.
+struct KernelDesign {
+    KernelDesign() {
+        for (int step = 0; step < kFrequencies; ++step) {
+            const auto i = static_cast<size_t>(step);
+            taper[i] = Taper(FrequencyOf(step));
+            projection[i] = Projection(FrequencyOf(step));
+            quintic[i] = SplineSpectrum(FrequencyOf(step), 5);
+        }
+        for (int i = 0; i < kTurns; ++i) cosines[static_cast<size_t>(i)] = std::cos(kTwoPi * i / kTurns);
+    }
+
+    /// The cosine of `distance` places at a frequency.
+    double Cosine(int step, int distance) const {
+        return cosines[static_cast<size_t>((2 * step + 1) * int64_t{distance} % kTurns)];
+    }
+
+    static constexpr int kTurns = 4 * kFrequencies;
+    std::array<double, kFrequencies> taper{};
+    std::array<double, kFrequencies> projection{};
+    std::array<double, kFrequencies> quintic{};
+    std::array<double, kTurns> cosines{};
+};
+
+/// A kernel's cosine sums at kTogether frequencies of a grid of every `grid`-th row, by the recurrence of cosines.
+void SumCosines(const std::vector<double>& rows, int firstStep, int grid, double (&spectrum)[kTogether]) {
+    double turn[kTogether];
+    double before[kTogether];
+    double now[kTogether];
+    for (int i = 0; i < kTogether; ++i) {
+        turn[i] = std::cos(kTwoPi * FrequencyOf(firstStep + i) / grid);
+        before[i] = 1;
+        now[i] = turn[i];
+        spectrum[i] = rows[0];
+    }
+    for (size_t row = 1; row < rows.size(); ++row) {
+        const double twice = 2 * rows[row];
+        for (int i = 0; i < kTogether; ++i) {
+            spectrum[i] += twice * now[i];
+            before[i] = std::exchange(now[i], 2 * turn[i] * now[i] - before[i]);
+        }
+    }
 }
 
 /// The weights of whole rows at distances 0, 1, 2, ... that a kernel's taps fold into, with a sum over both sides of 1.
@@ -83,7 +134,7 @@ std::array<float, 13> FitQuinticFilter() {
     constexpr size_t kHalf = 7;
     double matrix[kHalf][kHalf + 1] = {};
     for (int step = 0; step < kFrequencies; ++step) {
-        const double frequency = (step + 0.5) / (2.0 * kFrequencies);
+        const double frequency = FrequencyOf(step);
         const double sampled = (66 + 52 * std::cos(kTwoPi * frequency) + 2 * std::cos(2 * kTwoPi * frequency)) / 120;
         // A blurred copy's own spectrum on the finest grid that is allowed.
         constexpr double kSigma = 1.6;
@@ -148,25 +199,19 @@ int CoarseReach(const Kernel& kernel, int grid) {
 }
 
 std::vector<float> CoarseKernel(const Kernel& kernel, int grid) {
+    static const KernelDesign design;
     const std::vector<double> rows = FoldedHalf(kernel);
     const int half = CoarseReach(kernel, grid);
     std::vector<double> weights(static_cast<size_t>(half) + 1, 0.0);
-    for (int step = 0; step < kFrequencies; ++step) {
-        const double frequency = (step + 0.5) / (2.0 * kFrequencies);
-        const double taper = Taper(frequency);
-        if (taper == 0) break;
-        // The kernel's cosine sum, by the recurrence of cosines.
-        const double turn = std::cos(kTwoPi * frequency / grid);
-        double before = 1;
-        double now = turn;
-        double spectrum = rows[0];
-        for (size_t i = 1; i < rows.size(); ++i) {
-            spectrum += 2 * rows[i] * now;
-            before = std::exchange(now, 2 * turn * now - before);
-        }
-        const double gain = taper * spectrum * Projection(frequency) / SplineSpectrum(frequency, 5);
-        for (int i = 0; i <= half; ++i) {
-            weights[static_cast<size_t>(i)] += gain * std::cos(kTwoPi * frequency * i) / kFrequencies;
+    for (int first = 0; first < kFrequencies && design.taper[static_cast<size_t>(first)] > 0; first += kTogether) {
+        double spectrum[kTogether];
+        SumCosines(rows, first, grid, spectrum);
+        for (int step = first; step < first + kTogether; ++step) {
+            const auto at = static_cast<size_t>(step);
+            const double gain = design.taper[at] * spectrum[step - first] * design.projection[at] / design.quintic[at];
+            for (int i = 0; i <= half; ++i) {
+                weights[static_cast<size_t>(i)] += gain * design.Cosine(step, i) / kFrequencies;
+            }
         }
     }
     double sum = weights[0];

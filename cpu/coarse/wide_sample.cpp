@@ -4,6 +4,7 @@
 #include "cpu/coarse/wide_sample.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "cpu/coarse/spline.h"
@@ -49,15 +50,35 @@ Range LevelRows(const StackSample& sample, Range copy) {
     return {copy.begin - reach, copy.begin + DivideUp(copy.Size(), kTapOutputs) * kTapOutputs + reach};
 }
 
-/// The weights of `kSpan` coefficients from `first` on for the linear mix of a spline's values at two texels.
-template <int kSpan, typename Spline>
-void WeighPlace(const TexelPlace& place, int grid, int first, Spline spline, float* weights, ptrdiff_t pitch) {
-    for (int k = 0; k < kSpan; ++k) {
-        const double here = spline(static_cast<double>(place.texel) / grid - (first + k));
-        const double next = spline(static_cast<double>(place.texel + 1) / grid - (first + k));
-        weights[k * pitch] = static_cast<float>(here + place.fraction * (next - here));
+/// A spline's values at the texels of one place of its grid, and at the first of the next.
+template <int kSpan>
+class SplineValues {
+ public:
+    SplineValues(int grid, double (*spline)(double)) : grid_(grid), values_(static_cast<size_t>(grid) + 1) {
+        for (int texel = 0; texel <= grid; ++texel) {
+            for (int k = 0; k < kSpan; ++k) {
+                values_[static_cast<size_t>(texel)][static_cast<size_t>(k)] =
+                    spline(static_cast<double>(texel) / grid - (k - kBefore));
+            }
+        }
     }
-}
+
+    /// The first coefficient of the linear mix of the values at two texels, and the weights from it on.
+    int First(int texel) const { return FloorDivide(texel, grid_) - kBefore; }
+    void Weigh(const TexelPlace& place, float* weights, ptrdiff_t pitch) const {
+        const auto texel = static_cast<size_t>(place.texel - FloorDivide(place.texel, grid_) * grid_);
+        for (size_t k = 0; k < kSpan; ++k) {
+            const double here = values_[texel][k];
+            const double next = values_[texel + 1][k];
+            weights[static_cast<ptrdiff_t>(k) * pitch] = static_cast<float>(here + place.fraction * (next - here));
+        }
+    }
+
+ private:
+    static constexpr int kBefore = kSpan / 2 - 1;
+    int grid_;
+    std::vector<std::array<double, kSpan>> values_;
+};
 
 }  // namespace
 
@@ -124,16 +145,15 @@ void WideSample::WeighDown() {
 void WideSample::WeighColumns() {
     const Stretch stretch(sample_->plan->place.x);
     const Range out = sample_->plan->regions.placed.x;
-    const int grid = sample_->decimation.columns;
+    const SplineValues<kQuinticSpan> spline(sample_->decimation.columns, QuinticSpline);
     const auto count = static_cast<size_t>(out.Size());
     texels_.resize(count);
     weights_.resize(count * kQuinticSpan);
     gentle_ = true;
     for (size_t i = 0; i < count; ++i) {
         const TexelPlace place(stretch.At(out.begin + static_cast<int>(i)), sample_->plan->place.x.texels);
-        const int first = FloorDivide(place.texel, grid) - 2;
-        texels_[i] = first - stretched_.begin;
-        WeighPlace<kQuinticSpan>(place, grid, first, QuinticSpline, &weights_[i], static_cast<ptrdiff_t>(count));
+        texels_[i] = spline.First(place.texel) - stretched_.begin;
+        spline.Weigh(place, &weights_[i], static_cast<ptrdiff_t>(count));
         if (i > 0 && texels_[i] > texels_[i - 1] + 1) gentle_ = false;
     }
 }
@@ -142,14 +162,13 @@ void WideSample::WeighRows() {
     const Placement& copy = sample_->plan->place.y;
     const Stretch stretch(copy);
     const Range out = sample_->plan->regions.placed.y;
-    const int grid = sample_->decimation.Rows();
+    const SplineValues<kCubicSpan> spline(sample_->decimation.Rows(), CubicSpline);
     rowWeights_.resize(static_cast<size_t>(out.Size()));
     for (int i = 0; i < out.Size(); ++i) {
         const TexelPlace place(stretch.At(out.begin + i), copy.texels);
         RowWeights& row = rowWeights_[static_cast<size_t>(i)];
-        const int first = FloorDivide(place.texel, grid) - 1;
-        row.first = first - rows_.begin;
-        WeighPlace<kCubicSpan>(place, grid, first, CubicSpline, row.weights, 1);
+        row.first = spline.First(place.texel) - rows_.begin;
+        spline.Weigh(place, row.weights, 1);
     }
 }
 
