@@ -63,8 +63,9 @@ class SplineValues {
         }
     }
 
-    /// The first coefficient of the linear mix of the values at two texels, and the weights from it on.
+    /// The first of the kSpan coefficients between which a texel lies.
     int First(int texel) const { return FloorDivide(texel, grid_) - kBefore; }
+    /// Their weights for the linear mix of the values at the place's two texels, `pitch` apart.
     void Weigh(const TexelPlace& place, float* weights, ptrdiff_t pitch) const {
         const auto texel = static_cast<size_t>(place.texel - FloorDivide(place.texel, grid_) * grid_);
         for (size_t k = 0; k < kSpan; ++k) {
