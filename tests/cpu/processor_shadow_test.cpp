@@ -21,7 +21,6 @@
 #include "render/processor/processor_path.h"
 #include "render/smart_render.h"
 #include "tests/cpu/processor_scene.h"
-#include "tests/support/sanitized.h"
 
 namespace umbrant::effect {
 
@@ -184,8 +183,7 @@ TEST_F(ProcessorTest, MatchesTheModelInRandomScenes) {
         if (!Message().empty()) return;
         energy += ExpectAlike(drawn, Model(scene), scene.panel.samples);
     };
-    // The model takes most of the time, and a sanitizer looks at the module.
-    const unsigned scenes = ScenesToDraw(kIsSanitized ? 40 : 100);
+    const unsigned scenes = ScenesToDraw(100);
     for (unsigned number = 0; number < scenes; ++number) draw(number);
     for (const unsigned number : kEdgesOnCentres) draw(number);
     for (const unsigned number : kTexelsSteppedOver) draw(number);
