@@ -8,6 +8,7 @@
 #include <cstring>
 #include <new>
 
+#include "entry/fixed_text.h"
 #include "entry/global_data.h"
 #include "entry/suites/suite_handler.h"
 #include "entry/suites/without_throwing.h"
@@ -38,16 +39,7 @@ const bool watchingForks = (OnFork(ForgetLockInChild), true);
 template <size_t kSize>
 void CopyDriverString(GLenum name, char (&field)[kSize]) {
     const auto* text = reinterpret_cast<const char*>(glGetString(name));
-    if (text == nullptr) return;
-    const size_t length = strnlen(text, kSize - 1);
-    std::memcpy(field, text, length);
-    field[length] = '\0';
-}
-
-template <size_t kSize>
-void CopyText(const char* text, char (&field)[kSize]) {
-    std::strncpy(field, text, kSize - 1);
-    field[kSize - 1] = '\0';
+    if (text != nullptr) CopyText(text, field);
 }
 
 /// What the panel shows with the CPU renderer. No driver is asked, so none is loaded.

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "entry/about.h"
+#include "entry/fixed_text.h"
 #include "entry/param_table.h"
 #include "entry/suites/suite_handler.h"
 #include "hostapi/custom_ui.h"
@@ -20,13 +21,6 @@ namespace {
 constexpr char kNoDriver[] = "NULL";
 constexpr A_long kCurrentEnd = -1;  ///< position of a new parameter: after the last one
 constexpr float kCurveTolerance = 0.05f;
-
-template <size_t kSize>
-void CopyText(const char* text, char (&field)[kSize]) {
-    const size_t length = strnlen(text, kSize - 1);
-    std::memcpy(field, text, length);
-    field[length] = '\0';
-}
 
 /// The driver's strings from global set-up; all "NULL" when there are none.
 GlobalData DriverStrings(const PF_InData* in_data, AEGP_SuiteHandler& suites) {

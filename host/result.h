@@ -27,6 +27,11 @@ struct Failure {
     std::string sentence;
 };
 
+/// Wrong usage or a bad value.
+inline Failure Usage(std::string sentence) {
+    return {ErrorKind::kUsage, std::move(sentence)};
+}
+
 /// A value or a Failure, with `and_then`, `map` and the rest of tl::expected. Asking a failed result for its value is a
 /// bug and ends the program, in every kind of build.
 template <typename T>

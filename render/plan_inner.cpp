@@ -11,7 +11,7 @@ namespace umbrant::effect {
 
 namespace {
 
-SamplePlan PlanSample(const myParams& settings, const perSampleData& sample, const framebufferData& record) {
+SamplePlan PlanInnerSample(const myParams& settings, const perSampleData& sample, const framebufferData& record) {
     SamplePlan plan;
     plan.across = PlanInnerAcross(settings, sample, record);
     plan.down = PlanDown(plan.across.blur.amount, plan.across.blur.steps, record);
@@ -52,7 +52,7 @@ Region InvertedRegion(const InversionPlan& plan, const Region& holes) {
 }
 
 StackPlan PlanInnerStack(const myParams& settings, const Region& inverted, Precision precision) {
-    return PlanBufferStack(settings, PlanSample, inverted, precision);
+    return PlanBufferStack(settings, PlanInnerSample, inverted, precision);
 }
 
 }  // namespace umbrant::effect

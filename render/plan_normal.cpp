@@ -11,7 +11,7 @@ namespace umbrant::effect {
 
 namespace {
 
-SamplePlan PlanSample(const myParams& settings, const perSampleData& sample, const framebufferData& record) {
+SamplePlan PlanNormalSample(const myParams& settings, const perSampleData& sample, const framebufferData& record) {
     SamplePlan plan;
     plan.across = PlanNormalAcross(settings, sample, record);
     plan.down = PlanDown(plan.across.blur.amount, plan.across.blur.steps, record);
@@ -61,7 +61,7 @@ PlacePlan PlanPlace(const myParams& settings, const perSampleData& sample, const
 }
 
 StackPlan PlanNormalStack(const myParams& settings, const Region& layer, Precision precision) {
-    return PlanBufferStack(settings, PlanSample, layer, precision);
+    return PlanBufferStack(settings, PlanNormalSample, layer, precision);
 }
 
 }  // namespace umbrant::effect

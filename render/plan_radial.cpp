@@ -26,7 +26,7 @@ Placement Place(double scale, double translation, float quad, int32_t size, int3
     return PlaceAxis(static_cast<float>(scale), moved, quad, size, texels);
 }
 
-SamplePlan PlanSample(const myParams& settings, const perSampleData& sample, const PaddingPlan& padding) {
+SamplePlan PlanRadialSample(const myParams& settings, const perSampleData& sample, const PaddingPlan& padding) {
     const int32_t steps = BlurSteps(settings.resolutionScale, sample.softness);
     const PF_LayerDef& output = *settings.outputWorld;
     SamplePlan plan;
@@ -69,7 +69,7 @@ StackPlan PlanRadialStack(const myParams& settings, const PaddingPlan& padding, 
     StackPlan stack{settings.outputWorld->width, settings.outputWorld->height, padded, {}};
     stack.samples.reserve(settings.samples.size());
     for (const perSampleData& sample : settings.samples) {
-        SamplePlan plan = PlanSample(settings, sample, padding);
+        SamplePlan plan = PlanRadialSample(settings, sample, padding);
         if (sample.opacity != 0) plan.regions = RegionsOf(plan, padded, stack.width, stack.height, precision);
         stack.samples.push_back(plan);
     }

@@ -17,7 +17,7 @@ namespace umbrant::host {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+using OrderedJson = nlohmann::ordered_json;
 
 /// Whether the user can set the value: the effect uses the others for its own texts, which differ between
 /// machines.
@@ -26,12 +26,12 @@ bool IsSettable(const ParamRow& row) {
 }
 
 /// A whole number without a fraction, as a person writes it.
-Json NumberJson(double number) {
+OrderedJson NumberJson(double number) {
     if (number == std::floor(number) && std::abs(number) < 1e15) return static_cast<std::int64_t>(number);
     return number;
 }
 
-Json SideJson(const KeySide& side) {
+OrderedJson SideJson(const KeySide& side) {
     if (side.kind == Interpolation::kHold) return "hold";
     if (side.kind == Interpolation::kLinear) return "linear";
     if (side == KeySide{Interpolation::kBezier}) return "ease";
@@ -43,11 +43,11 @@ std::string PairText(const std::vector<double>& numbers) {
 }
 
 /// A key as JSON; changes the row's value in `scratch`.
-Json KeyJson(ParamSet& scratch, const RowTrack& track, const Keyframe& key) {
+OrderedJson KeyJson(ParamSet& scratch, const RowTrack& track, const Keyframe& key) {
     ParamRow& row = scratch.RawRow(track.row);
     SetNumbers(row, {key.value, track.isPercent});
-    Json json{{track.track.inFrames ? "frame" : "seconds", NumberJson(key.time)},
-              {"value", ValueJson(row, scratch.ValueText(row.index))}};
+    OrderedJson json{{track.track.inFrames ? "frame" : "seconds", NumberJson(key.time)},
+                     {"value", ValueJson(row, scratch.ValueText(row.index))}};
     if (IsDiscrete(KindOf(row.def))) return json;
     if (key.in.kind != Interpolation::kLinear) json["in"] = SideJson(key.in);
     if (key.out.kind != Interpolation::kLinear) json["out"] = SideJson(key.out);
@@ -62,13 +62,13 @@ nlohmann::ordered_json ValueJson(const ParamRow& row, const std::string& text) {
     const ParamKind kind = KindOf(row.def);
     if (!IsSlider(kind) && kind != ParamKind::kAngle) return text;
     // A number that JSON has no form for, such as an infinite one, stays a text.
-    const Json number = Json::parse(text, nullptr, false);
-    return number.is_number() ? number : Json(text);
+    const OrderedJson number = OrderedJson::parse(text, nullptr, false);
+    return number.is_number() ? number : OrderedJson(text);
 }
 
 std::string PresetText(const AnimatedParams& params) {
-    Json values = Json::object();
-    Json keyframes = Json::object();
+    OrderedJson values = OrderedJson::object();
+    OrderedJson keyframes = OrderedJson::object();
     ParamSet scratch = params.values;
     for (const ParamRow& row : params.values.Rows()) {
         const std::string value = params.values.ValueText(row.index);
@@ -82,9 +82,9 @@ std::string PresetText(const AnimatedParams& params) {
         }
         for (const Keyframe& key : track->track.keys) keyframes[name].push_back(KeyJson(scratch, *track, key));
     }
-    Json preset{{"version", keyframes.empty() ? 1 : 2}, {"values", values}};
+    OrderedJson preset{{"version", keyframes.empty() ? 1 : 2}, {"values", values}};
     if (!keyframes.empty()) preset["keyframes"] = keyframes;
-    return preset.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+    return preset.dump(2, ' ', false, OrderedJson::error_handler_t::replace) + "\n";
 }
 
 }  // namespace umbrant::host

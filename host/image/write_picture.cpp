@@ -173,8 +173,9 @@ std::optional<std::string> EncodeTo(EncodedFile& encoded, const Format& format, 
         const auto problem = std::get<const Codec*>(codec)->encode(image, encoded);
         if (!options.recipe.empty() && !KeepsTexts(format) && !problem) PutRecipe(options.recipe, encoded);
         if (!encoded.Problem() && !problem) return std::nullopt;
-        const std::string reason = encoded.Problem().value_or(problem.value_or(""));
-        return reason.empty() ? "the image cannot be encoded" : reason.substr(0, reason.find('\n'));
+        std::string reason = encoded.Problem().value_or(problem.value_or(""));
+        reason.erase(std::find(reason.begin(), reason.end(), '\n'), reason.end());
+        return reason.empty() ? "the image cannot be encoded" : reason;
     } catch (const std::bad_alloc&) {
         return "not enough memory";
     } catch (const std::exception& problem) {

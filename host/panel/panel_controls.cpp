@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 #include "host/panel/panel_painter.h"
 #include "host/suites/drawbot/text.h"
@@ -13,8 +14,6 @@ namespace umbrant::host {
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
-constexpr double kTypeSize = 11.5;
 constexpr double kSmallType = 9.5;
 
 using Metrics = PanelMetrics;
@@ -54,7 +53,7 @@ void PanelPainter::DrawTrack(const PanelItem& item) {
     }
     SetColor(theme_.knob);
     drawing_.NewPath();
-    drawing_.AddArc(std::clamp(knob, left + 3.6, right_ - 3.6), y, 4.6, 0, 2 * kPi);
+    drawing_.AddArc(std::clamp(knob, left + 3.6, right_ - 3.6), y, 4.6, 0, 2 * std::numbers::pi);
     drawing_.Fill();
     SetType(kSmallType);
     SetColor(theme_.dim);
@@ -68,25 +67,25 @@ void PanelPainter::DrawDial(const PanelItem& item) {
     const double y = item.top + Metrics::kRow + Metrics::kDial / 2 - 2;
     SetColor(theme_.control);
     drawing_.NewPath();
-    drawing_.AddArc(x, y, kRadius, 0, 2 * kPi);
+    drawing_.AddArc(x, y, kRadius, 0, 2 * std::numbers::pi);
     drawing_.FillAndKeep();
     SetColor(theme_.edge);
     drawing_.SetLineWidth(1.2);
     drawing_.Stroke();
     for (int tick = 0; tick < 8; ++tick) {
-        const double turn = tick * kPi / 4;
+        const double turn = tick * std::numbers::pi / 4;
         const double inner = kRadius - (tick % 2 ? 3.5 : 5);
         drawing_.MoveTo(x + inner * std::sin(turn), y - inner * std::cos(turn));
         drawing_.LineTo(x + (kRadius - 2) * std::sin(turn), y - (kRadius - 2) * std::cos(turn));
         drawing_.Stroke();
     }
-    const double turn = item.degrees * kPi / 180;
+    const double turn = item.degrees * std::numbers::pi / 180;
     SetColor(theme_.value);
     drawing_.SetLineWidth(1.8);
     drawing_.MoveTo(x, y);
     drawing_.LineTo(x + (kRadius - 1) * std::sin(turn), y - (kRadius - 1) * std::cos(turn));
     drawing_.Stroke();
-    drawing_.AddArc(x, y, 2.2, 0, 2 * kPi);
+    drawing_.AddArc(x, y, 2.2, 0, 2 * std::numbers::pi);
     drawing_.Fill();
 }
 
@@ -128,10 +127,10 @@ void PanelPainter::DrawPoint(const PanelItem& item, double middle) {
     drawing_.SetLineWidth(1.2);
     const double x = controlLeft_ + 7;
     drawing_.NewPath();
-    drawing_.AddArc(x, middle, 4, 0, 2 * kPi);
+    drawing_.AddArc(x, middle, 4, 0, 2 * std::numbers::pi);
     drawing_.Stroke();
     for (int side = 0; side < 4; ++side) {
-        const double dx = std::sin(side * kPi / 2), dy = std::cos(side * kPi / 2);
+        const double dx = std::sin(side * std::numbers::pi / 2), dy = std::cos(side * std::numbers::pi / 2);
         drawing_.MoveTo(x + 2.2 * dx, middle + 2.2 * dy);
         drawing_.LineTo(x + 6.6 * dx, middle + 6.6 * dy);
         drawing_.Stroke();

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 #include "host/suites/drawbot/text.h"
 
@@ -12,8 +13,6 @@ namespace umbrant::host {
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
-constexpr double kTypeSize = 11.5;
 constexpr double kFaint = 0.38;  ///< what is left of a disabled row
 constexpr char kBoldFamily[] = "Inter Semi Bold";
 
@@ -38,10 +37,10 @@ void PanelPainter::SetColor(const PanelColor& color, double alpha) {
 
 void PanelPainter::RoundedRect(double left, double top, double width, double height, double radius) {
     drawing_.NewPath();
-    drawing_.AddArc(left + width - radius, top + radius, radius, -kPi / 2, 0);
-    drawing_.AddArc(left + width - radius, top + height - radius, radius, 0, kPi / 2);
-    drawing_.AddArc(left + radius, top + height - radius, radius, kPi / 2, kPi);
-    drawing_.AddArc(left + radius, top + radius, radius, kPi, 3 * kPi / 2);
+    drawing_.AddArc(left + width - radius, top + radius, radius, -std::numbers::pi / 2, 0);
+    drawing_.AddArc(left + width - radius, top + height - radius, radius, 0, std::numbers::pi / 2);
+    drawing_.AddArc(left + radius, top + height - radius, radius, std::numbers::pi / 2, std::numbers::pi);
+    drawing_.AddArc(left + radius, top + radius, radius, std::numbers::pi, 3 * std::numbers::pi / 2);
     drawing_.Close();
 }
 
@@ -167,7 +166,7 @@ void PanelPainter::DrawClock(double left, double middle) {
     const double x = left + 4.5;
     const double y = middle + 0.6;
     drawing_.NewPath();
-    drawing_.AddArc(x, y, 3.9, 0, 2 * kPi);
+    drawing_.AddArc(x, y, 3.9, 0, 2 * std::numbers::pi);
     drawing_.Stroke();
     drawing_.MoveTo(x, y);
     drawing_.LineTo(x, y - 2.2);

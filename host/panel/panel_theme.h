@@ -15,6 +15,9 @@ constexpr PanelColor FromHex(unsigned rgb) {
     return {(rgb >> 16 & 255) / 255.0, (rgb >> 8 & 255) / 255.0, (rgb & 255) / 255.0};
 }
 
+/// Of names and values, in points.
+inline constexpr double kTypeSize = 11.5;
+
 struct PanelTheme {
     PanelColor ground;
     PanelColor header;   ///< behind the effect's own row

@@ -30,10 +30,10 @@ Result<DrawRequest> ReadDrawRequest(const std::string& text) {
         return wrong;
     }
     request.moving = moving->get<bool>();
-    const auto optional = [&](const char* name, std::string& text) {
+    const auto optional = [&](const char* name, std::string& value) {
         const auto found = json.find(name);
         if (found == json.end()) return true;
-        if (found->is_string()) text = found->get<std::string>();
+        if (found->is_string()) value = found->get<std::string>();
         return found->is_string();
     };
     if (!optional("keyframes", request.keyframes) || !optional("frames", request.frames) ||

@@ -24,7 +24,7 @@ constexpr pid_t kStarting = -1;
 std::array<std::atomic<pid_t>, 256> running{};
 
 /// The program is being interrupted: no child is started any more.
-std::atomic<bool> ending{false};
+std::atomic<bool> startsNone{false};
 
 /// -1 when all are taken.
 int TakePlace() {
@@ -38,7 +38,7 @@ int TakePlace() {
 }  // namespace
 
 RunningChild::RunningChild() : place_(TakePlace()) {
-    if (!ending) return;
+    if (!startsNone) return;
     End();
     StayWhileEnding();
 }
@@ -57,7 +57,7 @@ void RunningChild::End() {
 }
 
 void EndChildProcesses() noexcept {
-    ending = true;
+    startsNone = true;
     for (std::atomic<pid_t>& place : running) {
         // A child that is just being started will be known in a moment.
         const timespec moment{0, 1'000'000};

@@ -15,7 +15,7 @@ PF_Err SameAtATime(void*, PF_ContextH, A_long, A_long, PF_FixedPoint* point) {
     return point ? PF_Err_NONE : PF_Err_BAD_CALLBACK_PARAM;
 }
 
-PF_Err Same(void*, PF_ContextH, PF_FixedPoint* point) {
+PF_Err SamePoint(void*, PF_ContextH, PF_FixedPoint* point) {
     return point ? PF_Err_NONE : PF_Err_BAD_CALLBACK_PARAM;
 }
 
@@ -40,22 +40,22 @@ PF_Err ShowText(void*, const A_char*, const A_char*) {
     return PF_Err_NONE;
 }
 
-constexpr char kTable[] = "event";
+constexpr char kEventTable[] = "event";
 template <FixedText Call, auto Function>
-using Slot = Served<kTable, Call, Function>;
+using EventSlot = Served<kEventTable, Call, Function>;
 
 }  // namespace
 
 const PF_EventCallbacks kEventCallbacks = {
     .refcon = nullptr,
-    .layer_to_comp = Slot<"layer_to_comp", SameAtATime>(),
-    .comp_to_layer = Slot<"comp_to_layer", SameAtATime>(),
-    .get_comp2layer_xform = Slot<"get_comp2layer_xform", CompToLayer>(),
-    .get_layer2comp_xform = Slot<"get_layer2comp_xform", LayerToComp>(),
-    .source_to_frame = Slot<"source_to_frame", Same>(),
-    .frame_to_source = Slot<"frame_to_source", Same>(),
-    .info_draw_color = Slot<"info_draw_color", ShowColor>(),
-    .info_draw_text = Slot<"info_draw_text", ShowText>(),
+    .layer_to_comp = EventSlot<"layer_to_comp", SameAtATime>(),
+    .comp_to_layer = EventSlot<"comp_to_layer", SameAtATime>(),
+    .get_comp2layer_xform = EventSlot<"get_comp2layer_xform", CompToLayer>(),
+    .get_layer2comp_xform = EventSlot<"get_layer2comp_xform", LayerToComp>(),
+    .source_to_frame = EventSlot<"source_to_frame", SamePoint>(),
+    .frame_to_source = EventSlot<"frame_to_source", SamePoint>(),
+    .info_draw_color = EventSlot<"info_draw_color", ShowColor>(),
+    .info_draw_text = EventSlot<"info_draw_text", ShowText>(),
 };
 
 }  // namespace umbrant::host

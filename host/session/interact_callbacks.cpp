@@ -15,11 +15,11 @@ namespace umbrant::host {
 
 namespace {
 
-constexpr char kTable[] = "interact";
+constexpr char kInteractTable[] = "interact";
 template <FixedText Call, auto Function>
-using Slot = Served<kTable, Call, Function>;
+using InteractSlot = Served<kInteractTable, Call, Function>;
 template <FixedText Call>
-using NoSlot = Missing<kTable, Call>;
+using NoInteractSlot = Missing<kInteractTable, Call>;
 
 /// The content of a definition that was checked in, where the host is strict about late use.
 constexpr int kStaleByte = 0xDB;
@@ -110,15 +110,15 @@ PF_Err Progress(PF_ProgPtr effectRef, A_long, A_long) {
 }  // namespace
 
 const PF_InteractCallbacks kInteractCallbacks = {
-    .checkout_param = Slot<"checkout_param", CheckoutParam>(),
-    .checkin_param = Slot<"checkin_param", CheckinParam>(),
-    .add_param = Slot<"add_param", AddParam>(),
-    .abort = Slot<"abort", Abort>(),
-    .progress = Slot<"progress", Progress>(),
-    .register_ui = Slot<"register_ui", RegisterUI>(),
-    .checkout_layer_audio = NoSlot<"checkout_layer_audio">(),
-    .checkin_layer_audio = NoSlot<"checkin_layer_audio">(),
-    .get_audio_data = NoSlot<"get_audio_data">(),
+    .checkout_param = InteractSlot<"checkout_param", CheckoutParam>(),
+    .checkin_param = InteractSlot<"checkin_param", CheckinParam>(),
+    .add_param = InteractSlot<"add_param", AddParam>(),
+    .abort = InteractSlot<"abort", Abort>(),
+    .progress = InteractSlot<"progress", Progress>(),
+    .register_ui = InteractSlot<"register_ui", RegisterUI>(),
+    .checkout_layer_audio = NoInteractSlot<"checkout_layer_audio">(),
+    .checkin_layer_audio = NoInteractSlot<"checkin_layer_audio">(),
+    .get_audio_data = NoInteractSlot<"get_audio_data">(),
     .reserved_str = {},
     .reserved = {},
 };

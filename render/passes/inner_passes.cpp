@@ -21,7 +21,7 @@ namespace umbrant::effect {
 
 namespace {
 
-struct Buffers {
+struct InnerBuffers {
     Framebuffer source;
     Framebuffer inverted;
     Framebuffer accumulated;
@@ -29,7 +29,7 @@ struct Buffers {
 };
 
 // False, with `result` set, when the passes cannot run.
-bool MakeBuffers(PF_InData* in_data, PF_OutData* out_data, myParams* settings, Buffers* buffers, PF_Err* result) {
+bool MakeBuffers(PF_InData* in_data, PF_OutData* out_data, myParams* settings, InnerBuffers* buffers, PF_Err* result) {
     const auto depth = static_cast<unsigned short>(settings->bitDepth);
     const PF_Err uploaded = buffers->source.FBO_Init_PF_World(settings->innerSourceWorld, settings, out_data);
     bool initialised = true;
@@ -53,7 +53,7 @@ bool MakeBuffers(PF_InData* in_data, PF_OutData* out_data, myParams* settings, B
 }
 
 // Draws what of the inverted alpha is not 0.
-void DrawInverted(const InversionPlan& plan, const Region& inverted, Buffers& buffers, PF_OutData* out_data) {
+void DrawInverted(const InversionPlan& plan, const Region& inverted, InnerBuffers& buffers, PF_OutData* out_data) {
     Program& program = local_render_data->programs[kProgramInvert];
     buffers.source.BindTAO(PING, out_data);
     buffers.inverted.BindFBO(PING, true, out_data);
@@ -93,7 +93,7 @@ PF_Err RenderInnerShadow(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHan
     if (PF_Err err = PadInput(in_data, *settings, &padded)) return err;
     settings->innerSourceWorld = &padded.world;
 
-    Buffers buffers;
+    InnerBuffers buffers;
     buffers.blurred = std::vector<Framebuffer>(settings->framebuffers.size());
     PF_Err err = PF_Err_NONE;
     if (!MakeBuffers(in_data, out_data, settings, &buffers, &err)) return err;

@@ -31,7 +31,7 @@ class PlacementQuad {
     GLuint vbo_ = 0;
 };
 
-struct Buffers {
+struct RadialBuffers {
     Framebuffer input;
     Framebuffer padded;
     Framebuffer blurred;
@@ -39,7 +39,7 @@ struct Buffers {
 };
 
 // The layer, centred in a border that leaves room for the blur.
-void DrawPaddedCopy(const PaddingPlan& plan, Buffers& buffers, PF_OutData* out_data) {
+void DrawPaddedCopy(const PaddingPlan& plan, RadialBuffers& buffers, PF_OutData* out_data) {
     Program& program = local_render_data->programs[kProgramCopy];
     buffers.input.BindTAO(PING, out_data);
     buffers.padded.BindFBO(PING, true, out_data);
@@ -54,7 +54,7 @@ void DrawPaddedCopy(const PaddingPlan& plan, Buffers& buffers, PF_OutData* out_d
     buffers.input.CleanUp();
 }
 
-void BlurSample(const SamplePlan& plan, Buffers& buffers, PF_OutData* out_data) {
+void BlurSample(const SamplePlan& plan, RadialBuffers& buffers, PF_OutData* out_data) {
     Program* programs = local_render_data->programs;
 
     // Across, from the padded layer.
@@ -84,7 +84,7 @@ void BlurSample(const SamplePlan& plan, Buffers& buffers, PF_OutData* out_data) 
 }
 
 // Into place, onto the samples before.
-void PlaceSample(const SamplePlan& plan, bool first, const PlacementQuad& quad, Buffers& buffers,
+void PlaceSample(const SamplePlan& plan, bool first, const PlacementQuad& quad, RadialBuffers& buffers,
                  PF_OutData* out_data) {
     Program& program = local_render_data->programs[kProgramCopy];
     SetBlending(true);
@@ -98,7 +98,7 @@ void PlaceSample(const SamplePlan& plan, bool first, const PlacementQuad& quad, 
 }
 
 // All samples; one that adds nothing only clears the output when it is the first.
-void DrawSamples(const StackPlan& stack, const PaddingPlan& padding, Buffers& buffers, PF_OutData* out_data) {
+void DrawSamples(const StackPlan& stack, const PaddingPlan& padding, RadialBuffers& buffers, PF_OutData* out_data) {
     const PlacementQuad quad(padding.quadScaleX, padding.quadScaleY);
     for (const SamplePlan& plan : stack.samples) {
         const bool first = &plan == stack.samples.data();
@@ -118,7 +118,7 @@ PF_Err RenderRadialPasses(PF_InData* in_data, PF_OutData* out_data, AEGP_SuiteHa
     // Without samples nothing is ever drawn or cleared: the output keeps its transparent black.
     if (settings->samples.empty()) return PF_Err_NONE;
 
-    Buffers buffers;
+    RadialBuffers buffers;
     const PF_Err uploaded = buffers.input.FBO_Init_PF_World(settings->inputWorld, settings, out_data);
     const auto depth = static_cast<unsigned short>(settings->bitDepth);
     const PF_LayerDef& output = *settings->outputWorld;

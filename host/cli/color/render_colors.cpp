@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <utility>
 
 #include "host/color/convert_world.h"
 #include "host/color/own_config.h"
@@ -16,10 +15,6 @@
 namespace umbrant::host {
 
 namespace {
-
-Failure Usage(std::string sentence) {
-    return {ErrorKind::kUsage, std::move(sentence)};
-}
 
 /// What files call the program's own spaces. A configuration of the user's may mean anything by a name.
 ColorWords WordsFor(const OpenedColorSpaces& spaces, const std::string& name) {

@@ -28,10 +28,6 @@ using Json = nlohmann::ordered_json;
 
 constexpr const char* kPresetKeys[] = {"version", "values", "keyframes"};
 
-Failure Usage(std::string sentence) {
-    return {ErrorKind::kUsage, std::move(sentence)};
-}
-
 Failure Damaged(const std::string& file, const std::string& reason) {
     return Usage(
         fmt::format("the recipe of '{}' is damaged: {}; take another file that was drawn with the same "

@@ -16,10 +16,6 @@ namespace umbrant::host {
 
 namespace {
 
-Failure Usage(std::string sentence) {
-    return {ErrorKind::kUsage, std::move(sentence)};
-}
-
 /// The clip at a path, or nothing when it is none.
 Result<std::optional<ClipFacts>> FactsOf(const std::string& path) {
     if (!IsClipName(path)) return std::optional<ClipFacts>();

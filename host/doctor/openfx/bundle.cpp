@@ -19,7 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char kEnding[] = ".ofx.bundle";
+constexpr char kBundleEnding[] = ".ofx.bundle";
 constexpr char kSystemFolder[] = "/usr/OFX/Plugins";
 
 #if defined(__x86_64__)
@@ -36,7 +36,7 @@ bool IsFolder(const fs::path& path) {
 }
 
 bool IsBundleName(const fs::path& path) {
-    return path.filename().string().ends_with(kEnding);
+    return path.filename().string().ends_with(kBundleEnding);
 }
 
 /// The names in a folder that pass, sorted; none for what is no folder.
@@ -81,7 +81,7 @@ Failure NoBundle(const fs::path& named) {
         return Wrong(named,
                      fmt::format("has the contents of a bundle, but hosts look only for names that end in {}; give the "
                                  "folder its first name again",
-                                 kEnding));
+                                 kBundleEnding));
     }
     return Wrong(named, "is not a bundle: a bundle is a folder NAME.ofx.bundle with the folder Contents in it");
 }

@@ -21,8 +21,6 @@ namespace {
 /// More plug-ins than any binary has.
 constexpr int kMostPlugins = 10000;
 
-const std::vector<OfxStatus> kOptional = {kOfxStatOK, kOfxStatReplyDefault};
-
 /// The linker's reason as a sentence that says what would work.
 std::string Explained(const std::string& reason) {
     std::smatch found;

@@ -25,8 +25,6 @@ constexpr int kHeight = 48;
 /// No effect makes more of a source of that size; what is beyond is not asked for.
 constexpr double kFarthest = 2048;
 
-const std::vector<OfxStatus> kOptional = {kOfxStatOK, kOfxStatReplyDefault};
-
 /// The depth in which a frame is asked for; empty where there is none that this host has.
 std::string DepthOf(const OpenFxEffect& effect) {
     for (const char* depth : {kOfxBitDepthByte, kOfxBitDepthFloat, kOfxBitDepthShort}) {

@@ -17,16 +17,17 @@ namespace {
 /// The position of a channel among those of its layer; equal positions are in alphabetical order. X, Y and Z
 /// are a vector where X and another of them are there; else Z is a depth, and Y a luminance.
 int RankOf(const std::string& suffix, bool isVector) {
-    constexpr const char* kVector[] = {"R", "Red",   "G",  "Green", "B",  "Blue", "X",  "Y",  "Z",     "real", "imag",
-                                       "A", "Alpha", "AR", "RA",    "AG", "GA",   "AB", "BA", "Depth", "Zback"};
-    constexpr const char* kPlain[] = {"R",     "Red", "G",  "Green", "B",  "Blue", "Y",  "real", "imag",  "A",
-                                      "Alpha", "AR",  "RA", "AG",    "GA", "AB",   "BA", "Z",    "Depth", "Zback"};
+    constexpr const char* kVectorOrder[] = {"R",  "Red", "G",    "Green", "B",  "Blue",  "X",
+                                            "Y",  "Z",   "real", "imag",  "A",  "Alpha", "AR",
+                                            "RA", "AG",  "GA",   "AB",    "BA", "Depth", "Zback"};
+    constexpr const char* kPlainOrder[] = {"R",     "Red", "G",  "Green", "B",  "Blue", "Y",  "real", "imag",  "A",
+                                           "Alpha", "AR",  "RA", "AG",    "GA", "AB",   "BA", "Z",    "Depth", "Zback"};
     const auto rank = [&](const auto& order) {
         return std::distance(std::begin(order), std::find_if(std::begin(order), std::end(order), [&](const char* one) {
                                  return strcasecmp(suffix.c_str(), one) == 0;
                              }));
     };
-    return static_cast<int>(isVector ? rank(kVector) : rank(kPlain));
+    return static_cast<int>(isVector ? rank(kVectorOrder) : rank(kPlainOrder));
 }
 
 /// Ranks every channel among those of its layer.

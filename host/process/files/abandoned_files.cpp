@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::time_t kLongest = std::time_t{7} * 24 * 60 * 60;
+constexpr std::time_t kLongestKept = std::time_t{7} * 24 * 60 * 60;
 
 bool IsAbandoned(const fs::path& file) {
     const auto owner = OwnerOf(file.filename().string());
@@ -30,7 +30,7 @@ bool IsAbandoned(const fs::path& file) {
         case OwnerState::kGone:
             return true;
         case OwnerState::kUnknown:
-            return std::time(nullptr) - facts.st_mtime > kLongest;
+            return std::time(nullptr) - facts.st_mtime > kLongestKept;
     }
     return false;
 }

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -22,6 +23,14 @@ namespace umbrant::host {
 
 /// A soft disc on nothing, every pixel with a colour of its own. Straight alpha; channels in the depth's full range.
 World TestPicture(int width, int height, Depth depth);
+/// What is asked for where nothing but the layer matters.
+FrameRequest RequestOf(const World& layer);
+FrameRequest RequestOf(const World& layer, const ParamSet& params);
+/// The layer is also what the layer parameter has.
+FrameRequest TexturedRequestOf(const World& layer, const ParamSet& params);
+/// The ends of what a coordinate, a time or an index of the interface can be.
+inline constexpr A_long kLowest = std::numeric_limits<A_long>::min();
+inline constexpr A_long kHighest = std::numeric_limits<A_long>::max();
 /// The pixels, paddings left out, as one number (FNV-1a).
 std::uint64_t DigestOf(const World& world);
 /// Whether two records are the same to the byte, their padding and unused members too: an effect may write none of

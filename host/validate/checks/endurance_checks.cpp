@@ -29,12 +29,6 @@ constexpr int kPatience = 10;
 
 using Clock = std::chrono::steady_clock;
 
-FrameRequest RequestOf(const World& layer) {
-    FrameRequest request;
-    request.layer = &layer;
-    return request;
-}
-
 void KeepsItsSize(CheckRun& run) {
     constexpr int kFrames = 1000, kWarmUp = 100;
     constexpr double kMostPerFrame = 1024;

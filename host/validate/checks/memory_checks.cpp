@@ -20,13 +20,13 @@ namespace umbrant::host {
 
 namespace {
 
-constexpr int kSide = 32;
+constexpr int kSmallSide = 32;
 
 /// Everything that a session does, once: both depths, every style, the panel.
 void ActAll(CheckRun& run, CheckFixture& fixture) {
     fixture.Cheapen();
     for (const Depth depth : {Depth::k8, Depth::k32}) {
-        const World layer = TestPicture(kSide, kSide, depth);
+        const World layer = TestPicture(kSmallSide, kSmallSide, depth);
         for (const Variant& variant : StyleVariants(fixture.Session().Params(), 4)) {
             ParamSet params = fixture.Session().Params();
             variant.apply(params);
@@ -77,7 +77,7 @@ void ForgetsCheckedInParameters(CheckRun& run) {
         options.strictLending = strict;
         CheckFixture fixture(run, options);
         fixture.Cheapen();
-        const World layer = TestPicture(kSide, kSide, Depth::k8);
+        const World layer = TestPicture(kSmallSide, kSmallSide, Depth::k8);
         for (const Variant& variant : StyleVariants(fixture.Session().Params(), 4)) {
             ParamSet params = fixture.Session().Params();
             variant.apply(params);
@@ -97,7 +97,7 @@ void ForgetsCheckedInParameters(CheckRun& run) {
 void LetsPreRenderGo(CheckRun& run) {
     CheckFixture fixture(run);
     fixture.Cheapen();
-    const World layer = TestPicture(kSide, kSide, Depth::k8);
+    const World layer = TestPicture(kSmallSide, kSmallSide, Depth::k8);
     FrameRequest request;
     request.layer = &layer;
     // One frame first: data that render frees itself is freed again here, which the C library sees.

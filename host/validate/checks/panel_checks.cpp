@@ -5,8 +5,6 @@
 
 #include <fmt/format.h>
 
-#include <limits>
-
 #include "host/validate/checks/check_fixture.h"
 #include "host/validate/checks/panel_events.h"
 #include "host/validate/runner/processes.h"
@@ -14,9 +12,6 @@
 namespace umbrant::host {
 
 namespace {
-
-constexpr A_long kHighest = std::numeric_limits<A_long>::max();
-constexpr A_long kLowest = std::numeric_limits<A_long>::min();
 
 /// The values of all rows, as panel commands get them.
 struct Rows {

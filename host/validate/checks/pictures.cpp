@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// The pictures that checks draw from, and how they compare what came out.
+// The pictures that checks draw from, the requests for it, and how they compare what came out.
 
 #include <fmt/format.h>
 
@@ -77,6 +77,24 @@ World TestPicture(int width, int height, Depth depth) {
     if (depth == Depth::k16) Paint<PF_Pixel16, A_u_short>(world, 32768);
     if (depth == Depth::k32) Paint<PF_PixelFloat, PF_FpShort>(world, 1);
     return world;
+}
+
+FrameRequest RequestOf(const World& layer) {
+    FrameRequest request;
+    request.layer = &layer;
+    return request;
+}
+
+FrameRequest RequestOf(const World& layer, const ParamSet& params) {
+    FrameRequest request = RequestOf(layer);
+    request.params = &params;
+    return request;
+}
+
+FrameRequest TexturedRequestOf(const World& layer, const ParamSet& params) {
+    FrameRequest request = RequestOf(layer, params);
+    request.texture = &layer;
+    return request;
 }
 
 std::uint64_t DigestOf(const World& world) {

@@ -22,12 +22,6 @@ namespace umbrant::host {
 
 namespace {
 
-FrameRequest RequestOf(const World& layer) {
-    FrameRequest request;
-    request.layer = &layer;
-    return request;
-}
-
 /// A command as a host sends it.
 struct Command {
     const char* name;

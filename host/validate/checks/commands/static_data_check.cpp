@@ -18,7 +18,7 @@ namespace umbrant::host {
 
 namespace {
 
-constexpr int kSide = 24;
+constexpr int kLayerSide = 24;
 
 /// The module's writable data at one moment. The bytes between its objects are read too, which a sanitizer would report
 /// and a library's copy would be checked for. In this spelling the attribute is gcc's and clang's.
@@ -49,7 +49,7 @@ bool IsBare(const ModuleFile::Object& object) {
 
 /// Draws a small picture several times.
 void DrawTimes(CheckFixture& fixture, int width, int times, const std::string& what) {
-    const World layer = TestPicture(width, kSide, Depth::k8);
+    const World layer = TestPicture(width, kLayerSide, Depth::k8);
     FrameRequest request;
     request.layer = &layer;
     request.canvas = Canvas::kLayer;
@@ -64,9 +64,9 @@ void KeepsItsStaticsStill(CheckRun& run) {
     fixture.Cheapen();
     const std::vector<WritableRange> ranges = WritableRangesOf(fixture.Loaded().File());
     if (!file || ranges.empty()) run.Skip("the module's writable data cannot be found");
-    DrawTimes(fixture, kSide, 2, "a first frame");
+    DrawTimes(fixture, kLayerSide, 2, "a first frame");
     const auto before = CopyOf(ranges);
-    DrawTimes(fixture, kSide + 5, 3, "a later frame");
+    DrawTimes(fixture, kLayerSide + 5, 3, "a later frame");
     const auto after = CopyOf(ranges);
 
     std::map<std::size_t, ModuleFile::Object> changed;

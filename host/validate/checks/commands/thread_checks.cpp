@@ -26,12 +26,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-FrameRequest RequestOf(const World& layer) {
-    FrameRequest request;
-    request.layer = &layer;
-    return request;
-}
-
 /// The values that one instance of many draws with.
 ParamSet ParamsOf(const ParamSet& base, const std::vector<Variant>& variants, int instance) {
     ParamSet params = base;

@@ -18,15 +18,6 @@ namespace umbrant::host {
 
 namespace {
 
-constexpr A_long kLowest = std::numeric_limits<A_long>::min();
-constexpr A_long kHighest = std::numeric_limits<A_long>::max();
-
-FrameRequest RequestOf(const World& layer) {
-    FrameRequest request;
-    request.layer = &layer;
-    return request;
-}
-
 /// Draws one size; every outcome but a frame or want of memory fails.
 void DrawSize(CheckRun& run, CheckFixture& fixture, int width, int height, Depth depth) {
     const World layer = TestPicture(width, height, depth);

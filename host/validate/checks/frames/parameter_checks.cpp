@@ -25,14 +25,6 @@ namespace {
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-FrameRequest RequestOf(const World& layer, const ParamSet& params) {
-    FrameRequest request;
-    request.layer = &layer;
-    request.params = &params;
-    request.texture = &layer;
-    return request;
-}
-
 /// How many sets of random values are drawn: fewer where OpenGL is software.
 int SetsFor(const CheckRun& run, int many, int few) {
     const char* renderer = std::getenv("UMBRANT_RENDERER");
@@ -75,7 +67,7 @@ void DrawValue(CheckRun& run, ParamRow& row) {
 void Judge(CheckRun& run, CheckFixture& fixture, const ParamSet& params, const World& layer, const std::string& what,
            bool mustSucceed) {
     run.Count("frames");
-    const auto frame = fixture.Session().Render(RequestOf(layer, params));
+    const auto frame = fixture.Session().Render(TexturedRequestOf(layer, params));
     if (!frame) {
         if (mustSucceed) run.Fail(fmt::format("{}: {}", what, frame.error().sentence));
         return;

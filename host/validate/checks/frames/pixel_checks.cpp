@@ -18,14 +18,6 @@ namespace umbrant::host {
 
 namespace {
 
-FrameRequest RequestOf(const World& layer, const ParamSet& params) {
-    FrameRequest request;
-    request.layer = &layer;
-    request.params = &params;
-    request.texture = &layer;
-    return request;
-}
-
 /// Copies what a tile has into its place; what it lacks stays.
 void Lay(const Frame& tile, const PF_LRect& region, World& whole, const PF_LRect& wholeRect) {
     const PF_LRect both = Intersection(Intersection(tile.rect, region), wholeRect);
@@ -45,7 +37,7 @@ void DrawsTilesAlike(CheckRun& run) {
     for (const Variant& variant : StyleVariants(fixture.Session().Params(), 3)) {
         ParamSet params = fixture.Session().Params();
         variant.apply(params);
-        FrameRequest request = RequestOf(layer, params);
+        FrameRequest request = TexturedRequestOf(layer, params);
         request.canvas = Canvas::kGrow;
         const auto whole = fixture.Draw(request, variant.name);
         if (!whole || whole->output.Width() == 0) continue;
@@ -117,7 +109,7 @@ void StandsAnyPixels(CheckRun& run) {
                                 for (const Variant& variant : StyleVariants(fixture.Session().Params(), 3)) {
                                     ParamSet params = fixture.Session().Params();
                                     variant.apply(params);
-                                    fixture.Draw(RequestOf(layer, params),
+                                    fixture.Draw(TexturedRequestOf(layer, params),
                                                  fmt::format("{}, pixels of random bits", variant.name));
                                 }
                             }

@@ -6,7 +6,6 @@
 #include <fmt/format.h>
 
 #include <cmath>
-#include <limits>
 #include <optional>
 
 #include "host/compositing/rectangles.h"
@@ -15,15 +14,6 @@
 namespace umbrant::host {
 
 namespace {
-
-constexpr A_long kLowest = std::numeric_limits<A_long>::min();
-constexpr A_long kHighest = std::numeric_limits<A_long>::max();
-
-FrameRequest RequestOf(const World& layer) {
-    FrameRequest request;
-    request.layer = &layer;
-    return request;
-}
 
 bool IsSound(const PF_LRect& rect) {
     return rect.left <= rect.right && rect.top <= rect.bottom;

@@ -20,13 +20,6 @@ namespace umbrant::host {
 
 namespace {
 
-FrameRequest RequestOf(const World& layer, const ParamSet& params) {
-    FrameRequest request;
-    request.layer = &layer;
-    request.params = &params;
-    return request;
-}
-
 /// The digests of every style and depth, as figures of a part.
 void FigureDigests(CheckRun& part, CheckFixture& fixture) {
     for (const Depth depth : {Depth::k8, Depth::k32}) {

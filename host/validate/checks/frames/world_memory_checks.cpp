@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <utility>
 #include <vector>
 
@@ -20,15 +19,7 @@ namespace umbrant::host {
 
 namespace {
 
-constexpr A_long kLowest = std::numeric_limits<A_long>::min();
-constexpr A_long kHighest = std::numeric_limits<A_long>::max();
 constexpr std::byte kCanary{0xE3};
-
-FrameRequest RequestOf(const World& layer) {
-    FrameRequest request;
-    request.layer = &layer;
-    return request;
-}
 
 std::size_t PixelBytes(const World& world) {
     return static_cast<std::size_t>(world.Width()) * static_cast<std::size_t>(BytesPerPixel(world.PixelDepth()));
