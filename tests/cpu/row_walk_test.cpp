@@ -26,7 +26,7 @@ PF_Err walkError = PF_Err_NONE;
 int failWalk = 0;  // which walk fails, from 1
 int walks = 0;
 
-PF_Err GetRenderer(PF_ProgPtr, UMBRANT_Renderer* renderer) {
+PF_Err ChooseProcessor(PF_ProgPtr, UMBRANT_Renderer* renderer) {
     *renderer = UMBRANT_Renderer_PROCESSOR;
     return PF_Err_NONE;
 }
@@ -42,8 +42,8 @@ PF_Err WalkRows(PF_ProgPtr effect_ref, PF_EffectWorld* world, void* refcon, UMBR
     return PF_Err_NONE;
 }
 
-const UMBRANT_HostSuite1 kFirst{GetRenderer};
-const UMBRANT_HostSuite2 kSecond{GetRenderer, WalkRows};
+const UMBRANT_HostSuite1 kFirst{ChooseProcessor};
+const UMBRANT_HostSuite2 kSecond{ChooseProcessor, WalkRows};
 
 void Offer(TestHost& host) {
     host.Offer(kUmbrantHostSuiteName, kUmbrantHostSuiteVersion1, &kFirst);

@@ -11,6 +11,7 @@
 
 #include "gl/program.h"
 #include "gl/quad.h"
+#include "tests/gl/quad_vertex.h"
 #include "tests/support/gl_context.h"
 #include "tests/support/test_host.h"
 #include "tests/support/test_world.h"
@@ -18,13 +19,6 @@
 namespace umbrant::effect {
 
 namespace {
-
-constexpr char kVertex[] = R"(#version 330
-layout(location = 0) in vec3 position;
-layout(location = 1) in vec2 uv;
-out vec2 at;
-void main() { gl_Position = vec4(position, 1.0); at = uv; }
-)";
 
 constexpr char kCopy[] = R"(#version 330
 in vec2 at;

@@ -14,19 +14,13 @@
 #include "gl/program.h"
 #include "gl/program_list.h"
 #include "gl/quad.h"
+#include "tests/gl/quad_vertex.h"
 #include "tests/support/capture_stdout.h"
 #include "tests/support/gl_context.h"
 
 namespace umbrant::effect {
 
 namespace {
-
-constexpr char kVertex[] = R"(#version 330
-layout(location = 0) in vec3 position;
-layout(location = 1) in vec2 uv;
-out vec2 at;
-void main() { gl_Position = vec4(position, 1.0); at = uv; }
-)";
 
 constexpr char kFragment[] = R"(#version 330
 in vec2 at;

@@ -33,8 +33,8 @@ struct Blend8Case {
 
 #include "tests/pixel/blend_cases.inc"
 
-constexpr float kInf = std::numeric_limits<float>::infinity();
-const float kNaN = std::numeric_limits<float>::quiet_NaN();
+constexpr float kFloatInf = std::numeric_limits<float>::infinity();
+const float kFloatNaN = std::numeric_limits<float>::quiet_NaN();
 
 uint32_t Bits(float value) {
     uint32_t bits;
@@ -202,9 +202,9 @@ TEST(Blend8, ResultsAreLimitedToTheirRange) {
     EXPECT_EQ(Blend8(255, 255, 1.0f, 6), 255) << "a sum of 2";
     EXPECT_EQ(Blend8(0, 0, 1.0f, 4), 0) << "1 - 1/0.001 = -999";
     EXPECT_EQ(Blend8(255, 0, 1e30f, 1), 255);
-    EXPECT_EQ(Blend8(255, 255, kNaN, 1), 0);
-    EXPECT_EQ(Blend8(255, 255, kInf, 1), 0) << "infinity less infinity is not a number";
-    EXPECT_EQ(Blend8(255, 0, kInf, 1), 0) << "0 times infinity is not a number";
+    EXPECT_EQ(Blend8(255, 255, kFloatNaN, 1), 0);
+    EXPECT_EQ(Blend8(255, 255, kFloatInf, 1), 0) << "infinity less infinity is not a number";
+    EXPECT_EQ(Blend8(255, 0, kFloatInf, 1), 0) << "0 times infinity is not a number";
 }
 
 TEST(Blend32, BurnWritesTheClampedDestinationBack) {
@@ -214,12 +214,12 @@ TEST(Blend32, BurnWritesTheClampedDestinationBack) {
     } rows[] = {
         {"zero", 0.0f, 0.001f},
         {"negative", -1.0f, 0.001f},
-        {"not a number", kNaN, 0.001f},
+        {"not a number", kFloatNaN, 0.001f},
         {"just above", 0.0010000000474974513f, 0.0010000000474974513f},
         {"next below", 0x1.0624dcp-10f, 0.001f},
-        {"minus infinity", -kInf, 0.001f},
+        {"minus infinity", -kFloatInf, 0.001f},
         {"half", 0.5f, 0.5f},
-        {"infinity", kInf, kInf},
+        {"infinity", kFloatInf, kFloatInf},
     };
     for (const auto& row : rows) {
         float a = 0.25f, b = row.b, opacity = 0.5f;
@@ -299,16 +299,16 @@ TEST(Terms, AreTheModesAtFullOpacity) {
 }
 
 TEST(Blend32, NotANumberAndInfinity) {
-    EXPECT_TRUE(std::isnan(Blend32(kNaN, 0.5f, 1.0f, 1)));
-    EXPECT_TRUE(std::isnan(Blend32(kNaN, 0.5f, 0.0f, 1))) << "0 times not-a-number";
-    EXPECT_TRUE(std::isnan(Blend32(kNaN, 0.5f, 1.0f, 7))) << "screen does not hide it";
-    EXPECT_TRUE(std::isnan(Blend32(kNaN, 0.5f, 1.0f, 9))) << "overlay takes the second branch";
-    EXPECT_TRUE(std::isnan(Blend32(0.5f, kNaN, 1.0f, 1))) << "not-a-number times 0";
-    EXPECT_TRUE(std::isnan(Blend32(0.5f, 0.5f, kNaN, 11)));
-    EXPECT_EQ(Blend32(kNaN, 0.5f, 0.5f, 11), 0.25f) << "a mode without a term does not read the source";
-    EXPECT_EQ(Blend32(kInf, 0.5f, 0.5f, 1), kInf);
-    EXPECT_EQ(Blend32(kInf, 0.5f, 1.0f, 7), 1.0f) << "the clamped sum";
-    EXPECT_EQ(Blend32(0.25f, kNaN, 1.0f, 4), static_cast<float>(1.0 - 0.75 / static_cast<double>(0.001f)))
+    EXPECT_TRUE(std::isnan(Blend32(kFloatNaN, 0.5f, 1.0f, 1)));
+    EXPECT_TRUE(std::isnan(Blend32(kFloatNaN, 0.5f, 0.0f, 1))) << "0 times not-a-number";
+    EXPECT_TRUE(std::isnan(Blend32(kFloatNaN, 0.5f, 1.0f, 7))) << "screen does not hide it";
+    EXPECT_TRUE(std::isnan(Blend32(kFloatNaN, 0.5f, 1.0f, 9))) << "overlay takes the second branch";
+    EXPECT_TRUE(std::isnan(Blend32(0.5f, kFloatNaN, 1.0f, 1))) << "not-a-number times 0";
+    EXPECT_TRUE(std::isnan(Blend32(0.5f, 0.5f, kFloatNaN, 11)));
+    EXPECT_EQ(Blend32(kFloatNaN, 0.5f, 0.5f, 11), 0.25f) << "a mode without a term does not read the source";
+    EXPECT_EQ(Blend32(kFloatInf, 0.5f, 0.5f, 1), kFloatInf);
+    EXPECT_EQ(Blend32(kFloatInf, 0.5f, 1.0f, 7), 1.0f) << "the clamped sum";
+    EXPECT_EQ(Blend32(0.25f, kFloatNaN, 1.0f, 4), static_cast<float>(1.0 - 0.75 / static_cast<double>(0.001f)))
         << "not-a-number underneath becomes 0.001";
 }
 

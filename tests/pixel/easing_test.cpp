@@ -4,18 +4,16 @@
 // The easing curves at their joints and limits.
 
 #include "pixel/easing.h"
+#include "tests/pixel/special_numbers.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 
 namespace umbrant::effect {
 
 namespace {
 
-constexpr double kInf = std::numeric_limits<double>::infinity();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kTiny = 5e-324;
 
 struct CurveCase {

@@ -4,18 +4,15 @@
 // Conversions to integers at and beyond every limit.
 
 #include "pixel/saturate.h"
+#include "tests/pixel/special_numbers.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 
 namespace umbrant::effect {
 
 namespace {
-
-constexpr double kInf = std::numeric_limits<double>::infinity();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 TEST(Saturate, ToInt32) {
     const struct {

@@ -139,7 +139,7 @@ double SampleLinear(const Plane& plane, double u, double v, Wrap wrap) {
     return Mix(Mix(texel(x0, y0), texel(x0 + 1, y0), fx), Mix(texel(x0, y0 + 1), texel(x0 + 1, y0 + 1), fx), fy);
 }
 
-Plane NormalShadow(const Plane& layerAlpha, const PanelValues& panel, const Placement& placement, int outputWidth,
+Plane NormalShadow(const Plane& layerAlpha, const PanelValues& panel, const CentrePlacement& placement, int outputWidth,
                    int outputHeight) {
     const int n = static_cast<int>(panel.samples);
     const double radians = panel.angle * 0.0174533;

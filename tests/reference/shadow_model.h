@@ -43,7 +43,7 @@ struct PanelValues {
 };
 
 /// Where the layer's centre lies relative to the output's, pixels.
-struct Placement {
+struct CentrePlacement {
     double centreX = 0;
     double centreY = 0;
 };
@@ -80,7 +80,7 @@ Plane RadialShadow(const Plane& layerAlpha, const PanelValues& panel, const Radi
                    int outputHeight);
 
 /// The accumulated alpha, 0..1, of the shadow that `layerAlpha` casts into an output of so many pixels.
-Plane NormalShadow(const Plane& layerAlpha, const PanelValues& panel, const Placement& placement, int outputWidth,
+Plane NormalShadow(const Plane& layerAlpha, const PanelValues& panel, const CentrePlacement& placement, int outputWidth,
                    int outputHeight);
 
 }  // namespace umbrant::effect

@@ -11,13 +11,13 @@ namespace umbrant::effect {
 
 namespace {
 
-struct Case {
+struct InnerCase {
     const char* name;
     PanelValues panel;
     int depth;
 };
 
-PanelValues Small() {
+PanelValues SmallInner() {
     PanelValues p;
     p.distance = 12;
     p.softness = 16;
@@ -25,24 +25,24 @@ PanelValues Small() {
     return p;
 }
 
-PanelValues With(void (*change)(PanelValues&)) {
-    PanelValues p = Small();
+PanelValues InnerWith(void (*change)(PanelValues&)) {
+    PanelValues p = SmallInner();
     change(p);
     return p;
 }
 
-const Case kCases[] = {
-    {"small default", Small(), 8},
-    {"small default in float", Small(), 32},
-    {"to the upper left", With([](PanelValues& p) { p.angle = 315; }), 8},
-    {"to the right", With([](PanelValues& p) { p.angle = 90; }), 32},
-    {"ease in and out", With([](PanelValues& p) { p.easeMode = 2; }), 8},
-    {"draft", With([](PanelValues& p) { p.resolution = 1; }), 8},
-    {"extreme", With([](PanelValues& p) { p.resolution = 5; }), 32},
-    {"half resolution", With([](PanelValues& p) { p.scale = 0.5; }), 8},
-    {"one sample", With([](PanelValues& p) { p.samples = 1; }), 8},
-    {"no distance", With([](PanelValues& p) { p.distance = p.offsetShadow = 0; }), 32},
-    {"far offset", With([](PanelValues& p) { p.offsetShadow = 20; }), 8},
+const InnerCase kInnerCases[] = {
+    {"small default", SmallInner(), 8},
+    {"small default in float", SmallInner(), 32},
+    {"to the upper left", InnerWith([](PanelValues& p) { p.angle = 315; }), 8},
+    {"to the right", InnerWith([](PanelValues& p) { p.angle = 90; }), 32},
+    {"ease in and out", InnerWith([](PanelValues& p) { p.easeMode = 2; }), 8},
+    {"draft", InnerWith([](PanelValues& p) { p.resolution = 1; }), 8},
+    {"extreme", InnerWith([](PanelValues& p) { p.resolution = 5; }), 32},
+    {"half resolution", InnerWith([](PanelValues& p) { p.scale = 0.5; }), 8},
+    {"one sample", InnerWith([](PanelValues& p) { p.samples = 1; }), 8},
+    {"no distance", InnerWith([](PanelValues& p) { p.distance = p.offsetShadow = 0; }), 32},
+    {"far offset", InnerWith([](PanelValues& p) { p.offsetShadow = 20; }), 8},
 };
 
 class InnerShadowTest : public ShadowTest {
@@ -58,21 +58,21 @@ class InnerShadowTest : public ShadowTest {
     Plane shadow_;
 };
 
-class InnerShadowCases : public InnerShadowTest, public ::testing::WithParamInterface<Case> {};
+class InnerShadowCases : public InnerShadowTest, public ::testing::WithParamInterface<InnerCase> {};
 
 TEST_P(InnerShadowCases, MatchTheModel) {
-    const Case& c = GetParam();
+    const InnerCase& c = GetParam();
     ASSERT_NO_FATAL_FAILURE(RenderInner(c.panel, c.depth));
     const Plane expected = InnerShadow(alpha_, c.panel, {record_->innerGrowLeft, record_->innerGrowTop}, 1,
                                        output_->world.width, output_->world.height);
     ExpectLike(shadow_, expected, c.panel.samples);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, InnerShadowCases, ::testing::ValuesIn(kCases),
+INSTANTIATE_TEST_SUITE_P(All, InnerShadowCases, ::testing::ValuesIn(kInnerCases),
                          [](const auto& row) { return TestName(row.param.name); });
 
 TEST_F(InnerShadowTest, OpaqueLayerIsShadedAtItsBorderOnly) {
-    PanelValues p = Small();
+    PanelValues p = SmallInner();
     p.distance = p.offsetShadow = 0;
     p.softness = 8;
     SetPanel(SHADOW_INNER, p);
@@ -88,7 +88,7 @@ TEST_F(InnerShadowTest, OpaqueLayerIsShadedAtItsBorderOnly) {
 }
 
 TEST_F(InnerShadowTest, ColourAlphaScalesTheInvertedAlpha) {
-    SetPanel(SHADOW_INNER, Small());
+    SetPanel(SHADOW_INNER, SmallInner());
     host_.panel[PARAM_BLEND_MODE].u.pd.value = 11;
     host_.panel[PARAM_COLOR].u.cd.value = {0, 1, 2, 3};
     host_.onTransfer = [this](const RenderHost::Transfer& t) {

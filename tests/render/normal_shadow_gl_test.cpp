@@ -15,13 +15,13 @@ namespace umbrant::effect {
 
 namespace {
 
-struct Case {
+struct NormalCase {
     const char* name;
     PanelValues panel;
     int depth;
 };
 
-PanelValues Small() {
+PanelValues SmallNormal() {
     PanelValues p;
     p.distance = 25;
     p.softness = 20;
@@ -29,16 +29,16 @@ PanelValues Small() {
     return p;
 }
 
-PanelValues With(void (*change)(PanelValues&)) {
-    PanelValues p = Small();
+PanelValues NormalWith(void (*change)(PanelValues&)) {
+    PanelValues p = SmallNormal();
     change(p);
     return p;
 }
 
-const Case kCases[] = {
-    {"small default", Small(), 8},
-    {"small default in float", Small(), 32},
-    {"no distance, no softness: the layer's own alpha", With([](PanelValues& p) {
+const NormalCase kNormalCases[] = {
+    {"small default", SmallNormal(), 8},
+    {"small default in float", SmallNormal(), 32},
+    {"no distance, no softness: the layer's own alpha", NormalWith([](PanelValues& p) {
          p.distance = p.softness = p.offsetShadow = 0;
          p.samples = 1;
          p.resolution = 5;
@@ -46,21 +46,21 @@ const Case kCases[] = {
          p.easeOpacity = 0;
      }),
      32},
-    {"to the upper left", With([](PanelValues& p) { p.angle = -45; }), 8},
-    {"straight down", With([](PanelValues& p) { p.angle = 180; }), 8},
-    {"ease in and out", With([](PanelValues& p) { p.easeMode = 2; }), 32},
-    {"linear", With([](PanelValues& p) { p.ease = 0; }), 8},
-    {"draft", With([](PanelValues& p) { p.resolution = 1; }), 8},
-    {"extreme", With([](PanelValues& p) { p.resolution = 5; }), 32},
-    {"half resolution", With([](PanelValues& p) { p.scale = 0.5; }), 8},
-    {"two samples share a buffer", With([](PanelValues& p) { p.samples = 2; }), 8},
-    {"dense and opaque", With([](PanelValues& p) {
+    {"to the upper left", NormalWith([](PanelValues& p) { p.angle = -45; }), 8},
+    {"straight down", NormalWith([](PanelValues& p) { p.angle = 180; }), 8},
+    {"ease in and out", NormalWith([](PanelValues& p) { p.easeMode = 2; }), 32},
+    {"linear", NormalWith([](PanelValues& p) { p.ease = 0; }), 8},
+    {"draft", NormalWith([](PanelValues& p) { p.resolution = 1; }), 8},
+    {"extreme", NormalWith([](PanelValues& p) { p.resolution = 5; }), 32},
+    {"half resolution", NormalWith([](PanelValues& p) { p.scale = 0.5; }), 8},
+    {"two samples share a buffer", NormalWith([](PanelValues& p) { p.samples = 2; }), 8},
+    {"dense and opaque", NormalWith([](PanelValues& p) {
          p.opacityStart = 90;
          p.opacityEnd = 100;
          p.samples = 20;
      }),
      32},
-    {"far offset", With([](PanelValues& p) { p.offsetShadow = 30; }), 8},
+    {"far offset", NormalWith([](PanelValues& p) { p.offsetShadow = 30; }), 8},
 };
 
 class NormalShadowTest : public ShadowTest {
@@ -71,10 +71,10 @@ class NormalShadowTest : public ShadowTest {
     }
 };
 
-class NormalShadowCases : public NormalShadowTest, public ::testing::WithParamInterface<Case> {};
+class NormalShadowCases : public NormalShadowTest, public ::testing::WithParamInterface<NormalCase> {};
 
 TEST_P(NormalShadowCases, MatchTheModel) {
-    const Case& c = GetParam();
+    const NormalCase& c = GetParam();
     ASSERT_NO_FATAL_FAILURE(RenderNormal(c.panel, c.depth));
     const Plane expected = NormalShadow(alpha_, c.panel, {record_->centreOffsetX, record_->centreOffsetY},
                                         output_->world.width, output_->world.height);
@@ -92,11 +92,11 @@ TEST_P(NormalShadowCases, MatchTheModel) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, NormalShadowCases, ::testing::ValuesIn(kCases),
+INSTANTIATE_TEST_SUITE_P(All, NormalShadowCases, ::testing::ValuesIn(kNormalCases),
                          [](const auto& row) { return TestName(row.param.name); });
 
 TEST_F(NormalShadowTest, PositiveYOffsetMovesTheShadowDown) {
-    PanelValues p = Small();
+    PanelValues p = SmallNormal();
     p.samples = 1;
     p.softness = 0;
     p.angle = 180;
@@ -113,7 +113,7 @@ TEST_F(NormalShadowTest, PositiveYOffsetMovesTheShadowDown) {
 TEST_F(NormalShadowTest, FloatRendersKeepSixteenBits) {
     // Intended: the ping-pong buffers are 16-bit normalised also in float renders, so alpha never exceeds 1 and is a
     // multiple of 1/65535.
-    ASSERT_NO_FATAL_FAILURE(RenderNormal(Small(), 32));
+    ASSERT_NO_FATAL_FAILURE(RenderNormal(SmallNormal(), 32));
     for (int y = 0; y < output_->world.height; ++y) {
         for (int x = 0; x < output_->world.width; ++x) {
             const double scaled = static_cast<double>(output_->AtFloat(x, y).alpha) * 65535.0;
@@ -123,15 +123,15 @@ TEST_F(NormalShadowTest, FloatRendersKeepSixteenBits) {
 }
 
 TEST_F(NormalShadowTest, SecondRenderReusesTheThreadsContext) {
-    ASSERT_NO_FATAL_FAILURE(RenderNormal(Small(), 8));
+    ASSERT_NO_FATAL_FAILURE(RenderNormal(SmallNormal(), 8));
     const CGLContextObj first = local_render_data->context;
     ASSERT_NE(first, nullptr);
-    ASSERT_NO_FATAL_FAILURE(RenderNormal(Small(), 8));
+    ASSERT_NO_FATAL_FAILURE(RenderNormal(SmallNormal(), 8));
     EXPECT_EQ(local_render_data->context, first);
 }
 
 TEST_F(NormalShadowTest, NoSamplesLeaveTheOutputTransparentBlack) {
-    PanelValues p = Small();
+    PanelValues p = SmallNormal();
     p.samples = 0;
     ASSERT_NO_FATAL_FAILURE(RenderNormal(p, 8));
     for (int y = 0; y < output_->world.height; ++y) {
@@ -143,11 +143,11 @@ TEST_F(NormalShadowTest, NoSamplesLeaveTheOutputTransparentBlack) {
 }
 
 TEST_F(NormalShadowTest, RecordsTheRendererOnce) {
-    ASSERT_NO_FATAL_FAILURE(RenderNormal(Small(), 8));
+    ASSERT_NO_FATAL_FAILURE(RenderNormal(SmallNormal(), 8));
     EXPECT_EQ(host_.global->rendererRecorded, 1);
     EXPECT_STRNE(host_.global->gl_renderer, "");
     host_.global->gl_renderer[0] = '?';
-    ASSERT_NO_FATAL_FAILURE(RenderNormal(Small(), 8));
+    ASSERT_NO_FATAL_FAILURE(RenderNormal(SmallNormal(), 8));
     EXPECT_EQ(host_.global->gl_renderer[0], '?');
 }
 

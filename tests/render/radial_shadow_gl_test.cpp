@@ -13,14 +13,14 @@ namespace umbrant::effect {
 
 namespace {
 
-struct Case {
+struct RadialCase {
     const char* name;
     PanelValues panel;
     double originX, originY;
     int depth;
 };
 
-PanelValues Small() {
+PanelValues SmallRadial() {
     PanelValues p;
     p.distance = 100;
     p.softness = 12;
@@ -28,23 +28,23 @@ PanelValues Small() {
     return p;
 }
 
-PanelValues With(void (*change)(PanelValues&)) {
-    PanelValues p = Small();
+PanelValues RadialWith(void (*change)(PanelValues&)) {
+    PanelValues p = SmallRadial();
     change(p);
     return p;
 }
 
-const Case kCases[] = {
-    {"from the corner", Small(), 0, 0, 8},
-    {"from the corner in float", Small(), 0, 0, 32},
-    {"from the middle", Small(), 20, 15, 8},
-    {"from the left", Small(), -30, 15, 8},
-    {"ease in and out", With([](PanelValues& p) { p.easeMode = 2; }), 20, 15, 32},
-    {"no distance", With([](PanelValues& p) { p.distance = 0; }), 20, 15, 8},
-    {"one sample", With([](PanelValues& p) { p.samples = 1; }), 5, 5, 8},
-    {"draft", With([](PanelValues& p) { p.resolution = 1; }), 10, 25, 8},
-    {"far growth", With([](PanelValues& p) { p.distance = 400; }), 20, 15, 32},
-    {"half resolution", With([](PanelValues& p) { p.scale = 0.5; }), 10, 5, 8},
+const RadialCase kRadialCases[] = {
+    {"from the corner", SmallRadial(), 0, 0, 8},
+    {"from the corner in float", SmallRadial(), 0, 0, 32},
+    {"from the middle", SmallRadial(), 20, 15, 8},
+    {"from the left", SmallRadial(), -30, 15, 8},
+    {"ease in and out", RadialWith([](PanelValues& p) { p.easeMode = 2; }), 20, 15, 32},
+    {"no distance", RadialWith([](PanelValues& p) { p.distance = 0; }), 20, 15, 8},
+    {"one sample", RadialWith([](PanelValues& p) { p.samples = 1; }), 5, 5, 8},
+    {"draft", RadialWith([](PanelValues& p) { p.resolution = 1; }), 10, 25, 8},
+    {"far growth", RadialWith([](PanelValues& p) { p.distance = 400; }), 20, 15, 32},
+    {"half resolution", RadialWith([](PanelValues& p) { p.scale = 0.5; }), 10, 5, 8},
 };
 
 class RadialShadowTest : public ShadowTest {
@@ -59,10 +59,10 @@ class RadialShadowTest : public ShadowTest {
     }
 };
 
-class RadialShadowCases : public RadialShadowTest, public ::testing::WithParamInterface<Case> {};
+class RadialShadowCases : public RadialShadowTest, public ::testing::WithParamInterface<RadialCase> {};
 
 TEST_P(RadialShadowCases, MatchTheModel) {
-    const Case& c = GetParam();
+    const RadialCase& c = GetParam();
     SetPanel(SHADOW_RADIAL, c.panel);
     SetOrigin(c.originX, c.originY);
     ASSERT_NO_FATAL_FAILURE(Render(c.panel.scale, c.depth));
@@ -71,7 +71,7 @@ TEST_P(RadialShadowCases, MatchTheModel) {
     ExpectLike(AlphaOf(output_->world), expected, c.panel.samples);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, RadialShadowCases, ::testing::ValuesIn(kCases),
+INSTANTIATE_TEST_SUITE_P(All, RadialShadowCases, ::testing::ValuesIn(kRadialCases),
                          [](const auto& row) { return TestName(row.param.name); });
 
 struct DotRow {
@@ -92,7 +92,7 @@ class RadialDots : public RadialShadowTest, public ::testing::WithParamInterface
 // A dot of 2 x 2 pixels whose centre is (14, 12): its only copy must be centred where the scale takes that point.
 TEST_P(RadialDots, LandWhereTheScaleTakesThem) {
     const DotRow& row = GetParam();
-    PanelValues p = Small();
+    PanelValues p = SmallRadial();
     p.samples = 1;
     p.softness = 0;
     p.resolution = 5;

@@ -17,7 +17,7 @@ namespace {
 using ::testing::DoubleNear;
 using ::testing::ElementsAre;
 
-constexpr AnimationClock kClock{10, 0};
+constexpr AnimationClock kTenPerSecond{10, 0};
 constexpr KeySide kHold{Interpolation::kHold};
 constexpr KeySide kLinear{Interpolation::kLinear};
 constexpr KeySide kEase{Interpolation::kBezier};
@@ -31,7 +31,7 @@ Keyframe Key(double time, std::vector<double> value, KeySide in = kLinear, KeySi
 }
 
 double At(const Track& track, double frame) {
-    return track.At(frame, kClock).front();
+    return track.At(frame, kTenPerSecond).front();
 }
 
 TEST(Keyframes, OneKeyIsAValue) {
@@ -89,8 +89,8 @@ TEST(Keyframes, AnEasyEaseIsSlowAtBothEnds) {
 TEST(Keyframes, SpeedIsTheSlopeAtTheKey) {
     const Track track{true, {Key(0, {0}, kLinear, Bezier(300, 50)), Key(10, {100}, Bezier(-40, 20))}};
     constexpr double kStep = 1e-4;
-    EXPECT_NEAR((At(track, kStep) - At(track, 0)) / kStep * kClock.framesPerSecond, 300, 0.1);
-    EXPECT_NEAR((At(track, 10) - At(track, 10 - kStep)) / kStep * kClock.framesPerSecond, -40, 0.1);
+    EXPECT_NEAR((At(track, kStep) - At(track, 0)) / kStep * kTenPerSecond.framesPerSecond, 300, 0.1);
+    EXPECT_NEAR((At(track, 10) - At(track, 10 - kStep)) / kStep * kTenPerSecond.framesPerSecond, -40, 0.1);
 }
 
 TEST(Keyframes, InfluenceIsHowFarAHandleReaches) {
@@ -124,19 +124,19 @@ TEST(Keyframes, ALevelCurveStaysLevel) {
 
 TEST(Paths, PointsMoveStraightAtAnEvenSpeed) {
     const Track track{true, {Key(0, {0, 0}), Key(10, {30, 40})}};
-    EXPECT_THAT(track.At(5, kClock), ElementsAre(15, 20));
+    EXPECT_THAT(track.At(5, kTenPerSecond), ElementsAre(15, 20));
 }
 
 TEST(Paths, EasingIsAlongThePath) {
     const Track track{true, {Key(0, {0, 0}, kLinear, kEase), Key(10, {30, 40}, kEase)}};
     const double s = 0.3;
     const double part = s * s * (3 - 2 * s);
-    EXPECT_THAT(track.At(3, kClock), ElementsAre(DoubleNear(30 * part, 1e-9), DoubleNear(40 * part, 1e-9)));
+    EXPECT_THAT(track.At(3, kTenPerSecond), ElementsAre(DoubleNear(30 * part, 1e-9), DoubleNear(40 * part, 1e-9)));
 }
 
 TEST(Paths, SpeedIsInPathUnitsASecond) {
     const Track track{true, {Key(0, {0, 0}, kLinear, Bezier(50, 30)), Key(10, {30, 40}, kEase)}};
-    const auto soon = track.At(1e-4, kClock);
+    const auto soon = track.At(1e-4, kTenPerSecond);
     EXPECT_NEAR(std::hypot(soon[0], soon[1]) / 1e-5, 50, 0.1);
 }
 
@@ -148,7 +148,7 @@ TEST(Paths, TangentsBendThePath) {
     track.keys[0].tangentOut = {0, kCircle};
     track.keys[1].tangentIn = {kCircle, 0};
     for (int frame = 0; frame <= 10; ++frame) {
-        const auto place = track.At(frame, kClock);
+        const auto place = track.At(frame, kTenPerSecond);
         EXPECT_NEAR(std::hypot(place[0], place[1]), 100, 0.05) << frame;
         EXPECT_NEAR(std::atan2(place[1], place[0]), frame / 10.0 * std::acos(-1) / 2, 0.002) << frame;
     }
@@ -156,15 +156,15 @@ TEST(Paths, TangentsBendThePath) {
 
 TEST(Paths, APointThatStaysHasNoPath) {
     Track track{true, {Key(0, {3, 4}, kLinear, kEase), Key(10, {3, 4}, kEase)}};
-    EXPECT_THAT(track.At(4, kClock), ElementsAre(3, 4));
+    EXPECT_THAT(track.At(4, kTenPerSecond), ElementsAre(3, 4));
     track.keys[0].tangentOut = {10, 0};
-    EXPECT_GT(track.At(5, kClock)[0], 3) << "but a loop that leaves and comes back does";
+    EXPECT_GT(track.At(5, kTenPerSecond)[0], 3) << "but a loop that leaves and comes back does";
 }
 
 TEST(Paths, DoNotRunBeyondTheirKeys) {
     const Track track{true, {Key(0, {0, 0}, kLinear, Bezier(1000, 90)), Key(10, {10, 0}, kEase)}};
     for (double frame = 0; frame <= 10; frame += 0.25) {
-        const double x = track.At(frame, kClock)[0];
+        const double x = track.At(frame, kTenPerSecond)[0];
         EXPECT_GE(x, 0);
         EXPECT_LE(x, 10);
     }

@@ -16,13 +16,13 @@ namespace {
 using testing::HasSubstr;
 using Json = nlohmann::json;
 
-constexpr char kMoving[] = R"({ "version": 2, "keyframes": {
+constexpr char kMovingColor[] = R"({ "version": 2, "keyframes": {
     "paint/border": [ { "frame": 1, "value": 0 }, { "frame": 5, "value": 4 } ],
     "paint/color": [ { "frame": 1, "value": "#000000", "out": "ease" }, { "frame": 9, "value": "#404040" } ] } })";
 
 class CliCurves : public testing::Test {
  protected:
-    CliCurves() { WriteBytes(folder_ / "moving.json", kMoving); }
+    CliCurves() { WriteBytes(folder_ / "moving.json", kMovingColor); }
     Outcome Curves(std::vector<std::string> arguments, const std::string& module = TestModule("painter")) const {
         arguments.insert(arguments.begin(), {"curves", "--module", module});
         return RunInProcess(folder_, arguments);

@@ -22,9 +22,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-constexpr char kMoving[] =
-    R"({ "version": 2, "keyframes": { "paint/border": [ { "frame": 1, "value": 0 }, { "frame": 5, "value": 4 } ] } })";
-
 constexpr struct {
     int signal;
     const char* end;
@@ -194,7 +191,7 @@ TEST_F(CliInterruption, HeadTakesTheFirstLine) {
 }
 
 TEST_F(CliInterruption, EveryCommandEndsWithoutAMessageWhenNobodyReadsItsResults) {
-    WriteBytes(folder_ / "moving.json", kMoving);
+    WriteBytes(folder_ / "moving.json", kMovingBorder);
     const std::string painter = TestModule("painter");
     const std::vector<std::string> rows[] = {
         {"render", "still.png", "-o", "out.png", "--module", painter},
@@ -256,7 +253,7 @@ TEST_F(CliInterruption, TheNextRunRemovesWhatAKilledOneLeft) {
     EXPECT_THAT(HiddenFiles(folder_.Path()), IsEmpty());
     EXPECT_THAT(RunUmbrant(folder_, Arguments("in.@.png", "out.##.png", {})).err, Not(HasSubstr("removed")));
 
-    WriteBytes(folder_ / "moving.json", kMoving);
+    WriteBytes(folder_ / "moving.json", kMovingBorder);
     left = kill();
     outcome =
         RunUmbrant(folder_, {"curves", "--module", TestModule("painter"), "--preset", "moving.json", "-o", "c.png"});

@@ -15,9 +15,6 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr char kMoving[] =
-    R"({ "version": 2, "keyframes": { "paint/border": [ { "frame": 1, "value": 0 }, { "frame": 5, "value": 4 } ] } })";
-
 class CliStreams : public CliSequence {};
 
 TEST_F(CliStreams, ClosedOnesLoseNoPixels) {
@@ -70,7 +67,7 @@ TEST_F(CliStreams, ClosedOnesAreOpenInTheRightDirection) {
 }
 
 TEST_F(CliStreams, ResultsThatCannotBeWrittenAreCodeThreeInEveryCommand) {
-    WriteBytes(folder_ / "moving.json", kMoving);
+    WriteBytes(folder_ / "moving.json", kMovingBorder);
     const std::string painter = TestModule("painter");
     const std::vector<std::string> rows[] = {
         {"render", "still.png", "-o", "out.png", "--module", painter},

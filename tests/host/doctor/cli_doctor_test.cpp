@@ -19,9 +19,9 @@ namespace fs = std::filesystem;
 using testing::HasSubstr;
 
 #if defined(__x86_64__)
-constexpr char kFolder[] = "Linux-x86-64";
+constexpr char kPatientFolder[] = "Linux-x86-64";
 #else
-constexpr char kFolder[] = "Linux-aarch64";
+constexpr char kPatientFolder[] = "Linux-aarch64";
 #endif
 
 class CliDoctor : public testing::Test {
@@ -29,11 +29,11 @@ class CliDoctor : public testing::Test {
     /// Makes a bundle of one of the binaries of these tests, and returns its folder.
     fs::path Bundle(const std::string& binary = "Patient", const std::string& folder = "") const {
         const fs::path bundle = folder_ / (folder + binary + ".ofx.bundle");
-        fs::create_directories(bundle / "Contents" / kFolder);
+        fs::create_directories(bundle / "Contents" / kPatientFolder);
         fs::copy_file(fs::path(TEST_BINARIES) / (binary + ".ofx"), Binary(bundle));
         return bundle;
     }
-    static fs::path Binary(const fs::path& bundle) { return bundle / "Contents" / kFolder / bundle.stem(); }
+    static fs::path Binary(const fs::path& bundle) { return bundle / "Contents" / kPatientFolder / bundle.stem(); }
 
     Outcome Doctor(const fs::path& bundle, const std::string& wrong = "",
                    const std::vector<std::string>& more = {}) const {
@@ -160,12 +160,12 @@ TEST_F(CliDoctor, WhatCannotBeLoaded) {
 
 TEST_F(CliDoctor, OwnBundlesNeedTheModule) {
     const fs::path bundle = folder_ / "Umbrant.ofx.bundle";
-    fs::create_directories(bundle / "Contents" / kFolder);
+    fs::create_directories(bundle / "Contents" / kPatientFolder);
     fs::copy_file(fs::path(TEST_BINARIES) / "Patient.ofx", Binary(bundle));
     Expect(Doctor(bundle), 4,
            "'" + bundle.string() +
                "' has no umbrant2.so beside Umbrant.ofx; it was not copied as a whole, so copy it again");
-    std::ofstream(bundle / "Contents" / kFolder / "umbrant2.so") << "module";
+    std::ofstream(bundle / "Contents" / kPatientFolder / "umbrant2.so") << "module";
     EXPECT_EQ(Doctor(bundle).code, 0);
 }
 

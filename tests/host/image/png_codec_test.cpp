@@ -52,7 +52,7 @@ struct Png {
 
 constexpr int kWidth = 13, kHeight = 7;
 
-std::string Bytes(const Png& png) {
+std::string BytesOf(const Png& png) {
     const int samples = png.color == PNG_COLOR_TYPE_GRAY || png.color == PNG_COLOR_TYPE_PALETTE ? 1
                         : png.color == PNG_COLOR_TYPE_GRAY_ALPHA                                ? 2
                         : png.color == PNG_COLOR_TYPE_RGB                                       ? 3
@@ -99,7 +99,7 @@ TEST(PngCodec, EveryKindOfPixelIsReadAsBefore) {
     };
     for (const Png& row : rows) {
         SCOPED_TRACE(testing::Message() << "kind " << row.color << ", " << row.bits << " bits");
-        WriteBytes(folder / "a.png", Bytes(row));
+        WriteBytes(folder / "a.png", BytesOf(row));
         ExpectReadAlike("png", folder / "a.png");
     }
 }
@@ -134,7 +134,7 @@ TEST(PngCodec, EveryChunkIsReadAsBefore) {
     };
     for (const std::string& row : rows) {
         SCOPED_TRACE(row);
-        WriteBytes(folder / "a.png", Bytes({PNG_COLOR_TYPE_RGB_ALPHA, 8, row}));
+        WriteBytes(folder / "a.png", BytesOf({PNG_COLOR_TYPE_RGB_ALPHA, 8, row}));
         ExpectReadAlike("png", folder / "a.png");
     }
 }
@@ -147,7 +147,7 @@ TEST(PngCodec, WhatHoldsAnotherFormatIsLeftToTheImageLibrary) {
         Chunk("zTXt", std::string("Raw profile type exif\0\0", 23) + Deflated("exif")),
     };
     for (const std::string& row : rows) {
-        WriteBytes(folder / "a.png", Bytes({PNG_COLOR_TYPE_RGB_ALPHA, 8, row}));
+        WriteBytes(folder / "a.png", BytesOf({PNG_COLOR_TYPE_RGB_ALPHA, 8, row}));
         EXPECT_EQ(Chosen(folder / "a.png").name, "");
         EXPECT_TRUE(ReadPicture(folder / "a.png"));
     }
@@ -155,7 +155,7 @@ TEST(PngCodec, WhatHoldsAnotherFormatIsLeftToTheImageLibrary) {
 
 TEST(PngCodec, TextsBefore8BitsOfUnicodeBecomeUnicode) {
     const Folder folder;
-    WriteBytes(folder / "a.png", Bytes({PNG_COLOR_TYPE_RGB_ALPHA, 8, Chunk("tEXt", std::string("who\0J\xf6rg", 8))}));
+    WriteBytes(folder / "a.png", BytesOf({PNG_COLOR_TYPE_RGB_ALPHA, 8, Chunk("tEXt", std::string("who\0J\xf6rg", 8))}));
     std::string problem;
     const auto reader = Opened(Chosen(folder / "a.png"), folder / "a.png", &problem);
     ASSERT_TRUE(reader) << problem;
@@ -200,7 +200,7 @@ TEST(PngCodec, InterlacedFilesAreReadAsBefore) {
 
 TEST(PngCodec, AFileCutAnywhereIsRefusedAndNeverHalf) {
     const Folder folder;
-    const std::string whole = Bytes({PNG_COLOR_TYPE_RGB_ALPHA, 16, Chunk("tEXt", std::string("a\0b", 3))});
+    const std::string whole = BytesOf({PNG_COLOR_TYPE_RGB_ALPHA, 16, Chunk("tEXt", std::string("a\0b", 3))});
     for (std::size_t size = 8; size + 12 < whole.size(); size += 5) {
         SCOPED_TRACE(size);
         WriteBytes(folder / "a.png", whole.substr(0, size));
@@ -218,7 +218,7 @@ TEST(PngCodec, DamagedFilesAreRefusedOrReadAsBefore) {
     int read = 0, refused = 0;
     for (const Png& png : {Png{PNG_COLOR_TYPE_RGB_ALPHA, 8, texts}, Png{PNG_COLOR_TYPE_GRAY, 16, texts},
                            Png{PNG_COLOR_TYPE_PALETTE, 4, texts, Chunk("PLTE", {10, 20, 30, 40, 50, 60})}}) {
-        const std::string whole = Bytes(png);
+        const std::string whole = BytesOf(png);
         for (int i = 0; i < 400; ++i) {
             std::string bytes = whole;
             // Behind the signature, which would make it another file.

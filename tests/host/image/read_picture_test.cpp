@@ -83,7 +83,7 @@ TEST(ReadPicture, AHeaderIsReadWithoutThePixels) {
     EXPECT_THAT(missing.error().sentence, HasSubstr("there is no such file"));
 }
 
-void ExpectRefused(const std::filesystem::path& file, const std::string& reason) {
+void ExpectUnreadable(const std::filesystem::path& file, const std::string& reason) {
     const auto picture = ReadPicture(file);
     ASSERT_FALSE(picture) << file;
     EXPECT_EQ(picture.error().kind, ErrorKind::kFile);
@@ -97,19 +97,19 @@ TEST(ReadPicture, WhatIsNoFileIsSaidToBeNone) {
     std::filesystem::create_directory(folder / "folder.png");
     WriteBytes(folder / "empty.png", "");
     WriteBytes(folder / "empty.exr", "");
-    ExpectRefused(folder / "missing.png", "there is no such file");
-    ExpectRefused(folder / "missing/deeper.png", "there is no such file");
-    ExpectRefused(folder / "folder.png", "a folder, not an image");
-    ExpectRefused(folder / "empty.png", "the file is empty");
-    ExpectRefused(folder / "empty.exr", "the file is empty");
-    ExpectRefused("/dev/null", "not a regular file");
+    ExpectUnreadable(folder / "missing.png", "there is no such file");
+    ExpectUnreadable(folder / "missing/deeper.png", "there is no such file");
+    ExpectUnreadable(folder / "folder.png", "a folder, not an image");
+    ExpectUnreadable(folder / "empty.png", "the file is empty");
+    ExpectUnreadable(folder / "empty.exr", "the file is empty");
+    ExpectUnreadable("/dev/null", "not a regular file");
 }
 
 TEST(ReadPicture, WhatIsNoPictureIsSaidToBeNone) {
     const Folder folder;
     for (const char* name : {"text.png", "text.tif", "text.jpg", "text.exr", "text.txt", "text"}) {
         WriteBytes(folder / name, "Dear diary, today I drew a shadow.\n");
-        ExpectRefused(folder / name, "not an image that can be read (");
+        ExpectUnreadable(folder / name, "not an image that can be read (");
     }
 }
 
@@ -128,7 +128,7 @@ TEST(ReadPicture, TruncatedFilesAreRefusedWhereverTheyEnd) {
             SCOPED_TRACE(testing::Message() << name << " cut to " << size << " of " << whole.size());
             const auto cut = folder / ("cut_" + std::string(name));
             WriteBytes(cut, whole.substr(0, size));
-            ExpectRefused(cut, "");
+            ExpectUnreadable(cut, "");
         }
     }
 }
@@ -144,7 +144,7 @@ TEST(ReadPicture, DeepFilesAreRefused) {
     for (int i = 0; i < 6; ++i) deep.set_samples(i, 1);
     ASSERT_TRUE(output->write_deep_image(deep)) << output->geterror();
     ASSERT_TRUE(output->close());
-    ExpectRefused(folder / "deep.exr", "a deep image; flatten it first");
+    ExpectUnreadable(folder / "deep.exr", "a deep image; flatten it first");
 }
 
 TEST(ReadPicture, ANameMayHaveAnyCharacters) {
@@ -160,14 +160,14 @@ TEST(ReadPicture, ANameMayHaveAnyCharacters) {
         }
     }
     WriteBytes(folder / "text?.png", "Dear diary\n");
-    ExpectRefused(folder / "text?.png", "not an image that can be read (");
+    ExpectUnreadable(folder / "text?.png", "not an image that can be read (");
 }
 
 TEST(ReadPicture, AFileThatCannotBeReachedIsNotMissing) {
     const Folder folder;
     std::filesystem::create_symlink("circle.png", folder / "circle.png");
-    ExpectRefused(folder / "circle.png", "Too many levels of symbolic links");
-    ExpectRefused(folder / (std::string(300, 'a') + ".png"), "File name too long");
+    ExpectUnreadable(folder / "circle.png", "Too many levels of symbolic links");
+    ExpectUnreadable(folder / (std::string(300, 'a') + ".png"), "File name too long");
 }
 
 TEST(ReadPicture, AnOpenFileNeedsNoName) {

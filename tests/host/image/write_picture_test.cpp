@@ -150,7 +150,7 @@ TEST(WritePicture, AnOlderPictureIsReplaced) {
     EXPECT_EQ(folder.Entries(), 1);
 }
 
-void ExpectRefused(const std::filesystem::path& file, const std::string& reason, bool checkedBefore = true) {
+void ExpectUnwritable(const std::filesystem::path& file, const std::string& reason, bool checkedBefore = true) {
     SCOPED_TRACE(file.string());
     const auto written = WritePicture(file, Filled8(2, 2, {255, 1, 2, 3}), Frame(2, 2));
     ASSERT_FALSE(written);
@@ -169,15 +169,16 @@ TEST(WritePicture, WhatCannotBeWrittenIsSaidAndLeavesNothing) {
     std::filesystem::create_directory(folder / "folder.png");
     WriteBytes(folder / "file", "x");
     const std::string formats = "use .png, .tif, .tiff, .exr, .jpg or .jpeg";
-    ExpectRefused(folder / "a.gif", "'.gif' is not a format that can be written; " + formats);
-    ExpectRefused(folder / "a.gif",
-                  "; for an animation write a clip, .mov, .mkv or .webm, which `ffmpeg -i clip.mov clip.gif` converts");
-    ExpectRefused(folder / "picture", "the name has no extension; " + formats);
-    ExpectRefused("", "the output's name is empty");
-    ExpectRefused(folder / "folder.png", "a folder has that name");
-    ExpectRefused(folder / "none/a.png", "there is no folder '");
-    ExpectRefused(folder / "file/a.png", "");
-    ExpectRefused("/proc/umbrant.png", "", false);
+    ExpectUnwritable(folder / "a.gif", "'.gif' is not a format that can be written; " + formats);
+    ExpectUnwritable(
+        folder / "a.gif",
+        "; for an animation write a clip, .mov, .mkv or .webm, which `ffmpeg -i clip.mov clip.gif` converts");
+    ExpectUnwritable(folder / "picture", "the name has no extension; " + formats);
+    ExpectUnwritable("", "the output's name is empty");
+    ExpectUnwritable(folder / "folder.png", "a folder has that name");
+    ExpectUnwritable(folder / "none/a.png", "there is no folder '");
+    ExpectUnwritable(folder / "file/a.png", "");
+    ExpectUnwritable("/proc/umbrant.png", "", false);
     EXPECT_EQ(folder.Entries(), 2);
 }
 
@@ -304,12 +305,12 @@ TEST(WritePicture, AReplacedFileKeepsItsModeAndALinkItsPlace) {
 TEST(WritePicture, WhatIsNoRegularFileIsNotReplaced) {
     const Folder folder;
     ASSERT_EQ(mkfifo((folder / "pipe.png").c_str(), 0600), 0);
-    ExpectRefused(folder / "pipe.png", "not a regular file");
+    ExpectUnwritable(folder / "pipe.png", "not a regular file");
     std::filesystem::create_symlink("none/a.png", folder / "astray.png");
-    ExpectRefused(folder / "astray.png", "there is no folder '");
+    ExpectUnwritable(folder / "astray.png", "there is no folder '");
     std::filesystem::create_symlink("circle.png", folder / "circle.png");
-    ExpectRefused(folder / "circle.png", "Too many levels of symbolic links");
-    ExpectRefused(folder / (std::string(300, 'a') + ".png"), "File name too long");
+    ExpectUnwritable(folder / "circle.png", "Too many levels of symbolic links");
+    ExpectUnwritable(folder / (std::string(300, 'a') + ".png"), "File name too long");
     EXPECT_EQ(folder.Entries(), 3);
 }
 

@@ -18,7 +18,7 @@ using umbrant::Image;
 
 constexpr int kSide = 40;
 
-Effect RealEffect() {
+Effect HardShadow() {
     Effect effect({UMBRANT_MODULE_FILE, umbrant::Renderer::kProcessor, false, {}});
     effect.Set("style/distance", 60);
     effect.Set("style/angle", 90);
@@ -39,7 +39,7 @@ const float* ShadowOf(const Image& image) {
 
 TEST(LibraryColor, FloatFramesKeepNumbersAboveOneAndBelowZero) {
     const auto layer = OpaqueFloat();
-    Effect effect = RealEffect();
+    Effect effect = HardShadow();
     for (const Color& color : {Color{2.5f, 0.25f, -0.5f}, Color{65504, 1, 0}, Color{0.1f, 0.7f, 0.123456f}}) {
         effect.Set("style/color", color);
         const Image image = effect.Render(layer.View());
@@ -48,7 +48,7 @@ TEST(LibraryColor, FloatFramesKeepNumbersAboveOneAndBelowZero) {
         EXPECT_EQ(shadow[0], color.red);
         EXPECT_EQ(shadow[1], color.green);
         EXPECT_EQ(shadow[2], color.blue);
-        umbrant::Values values = Effect(RealEffect()).CurrentValues();
+        umbrant::Values values = Effect(HardShadow()).CurrentValues();
         values.Set("style/color", color);
         EXPECT_EQ(DifferentBytes(effect.Render(layer.View(), values), image), 0u);
     }
@@ -57,7 +57,7 @@ TEST(LibraryColor, FloatFramesKeepNumbersAboveOneAndBelowZero) {
 TEST(LibraryColor, EveryShadowTypeKeepsThem) {
     const auto layer = DiscFloat(kSide, kSide);
     for (const char* type : {"normal", "inner", "radial"}) {
-        Effect effect = RealEffect();
+        Effect effect = HardShadow();
         effect.Set("style/shadow-type", type);
         effect.Set("style/color", Color{4, 0, 0});
         const Image image = effect.Render(layer.View());
@@ -69,7 +69,7 @@ TEST(LibraryColor, EveryShadowTypeKeepsThem) {
 
 TEST(LibraryColor, ByteFramesHaveTheNearestColour) {
     const auto layer = Disc8(kSide, kSide);
-    Effect numbers = RealEffect(), text = RealEffect();
+    Effect numbers = HardShadow(), text = HardShadow();
     numbers.Set("style/color", Color{2.5f, 0.5f, -3});
     text.Set("style/color", "#ff8000");
     EXPECT_EQ(numbers.Get("style/color"), "#ff8000");
@@ -78,7 +78,7 @@ TEST(LibraryColor, ByteFramesHaveTheNearestColour) {
 
 TEST(LibraryColor, NumbersThatEightBitsHoldAreTheTexts) {
     const auto layer = DiscFloat(kSide, kSide);
-    Effect numbers = RealEffect(), text = RealEffect();
+    Effect numbers = HardShadow(), text = HardShadow();
     numbers.Set("style/color", Color{32 / 255.0f, 48 / 255.0f, 96 / 255.0f});
     text.Set("style/color", "#203060");
     EXPECT_EQ(DifferentBytes(numbers.Render(layer.View()), text.Render(layer.View())), 0u);
@@ -86,7 +86,7 @@ TEST(LibraryColor, NumbersThatEightBitsHoldAreTheTexts) {
 
 TEST(LibraryColor, ALaterTextTakesThePlaceOfNumbers) {
     const auto layer = OpaqueFloat();
-    Effect effect = RealEffect();
+    Effect effect = HardShadow();
     effect.Set("style/color", Color{4, 4, 4});
     EXPECT_EQ(effect.Get("style/color"), "#ffffff");
     effect.Set("style/color", "#ffffff");
@@ -102,7 +102,7 @@ TEST(LibraryColor, ALaterTextTakesThePlaceOfNumbers) {
 
 TEST(LibraryColor, SetColorsRemoveKeyframes) {
     const auto layer = OpaqueFloat();
-    Effect effect = RealEffect();
+    Effect effect = HardShadow();
     effect.ApplyPreset(R"({"version": 2, "keyframes": {"style/color": [{"frame": 0, "value": "#000000"},
                                                                        {"frame": 24, "value": "#ffffff"}]}})");
     umbrant::FrameOptions later;
@@ -126,7 +126,7 @@ TEST(LibraryColor, WhatIsNoColourIsRefused) {
         {"style/color", {0, 0, -70000}, "2: 'style/color' takes channels from -65504 to 65504, not 0,0,-70000"},
         {"style/colour", {}, "2: there is no parameter 'style/colour'; closest: 'style/color'"},
     };
-    Effect effect = RealEffect();
+    Effect effect = HardShadow();
     const std::string before = effect.PresetText();
     for (const auto& row : cases) {
         EXPECT_EQ(Thrown([&] { effect.Set(row.path, row.color); }), row.sentence);

@@ -27,10 +27,6 @@ using umbrant::ImageView;
 using umbrant::PixelFormat;
 using umbrant::Renderer;
 
-Effect Painter(std::function<void(const std::string&)> message = {}) {
-    return Effect({TestModule("painter"), Renderer::kAuto, false, std::move(message)});
-}
-
 const Pixels<std::uint8_t> kLayer = Disc8(6, 5);
 
 TEST(LibraryFailures, AModuleThatCannotBeLoaded) {

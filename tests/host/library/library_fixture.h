@@ -9,7 +9,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <umbrant/effect.h>
@@ -17,6 +19,16 @@
 #include "tests/host/cli/program.h"
 
 namespace umbrant::host {
+
+/// The effect, drawn by the processor.
+inline umbrant::Effect RealEffect() {
+    return umbrant::Effect({UMBRANT_MODULE_FILE, umbrant::Renderer::kProcessor, false, {}});
+}
+
+/// The module of the tests that paints what it is told to.
+inline umbrant::Effect Painter(std::function<void(const std::string&)> message = {}) {
+    return umbrant::Effect({TestModule("painter"), umbrant::Renderer::kAuto, false, std::move(message)});
+}
 
 /// Pixels of a program of somebody's: rows of red, green, blue, alpha without gaps.
 template <typename Channel>

@@ -17,10 +17,6 @@ namespace {
 using umbrant::Effect;
 using umbrant::Image;
 
-Effect RealEffect() {
-    return Effect({UMBRANT_MODULE_FILE, umbrant::Renderer::kProcessor, false, {}});
-}
-
 TEST(LibraryFork, AChildDrawsWithTheParentsEffectAndWithOneOfItsOwn) {
     const auto layer = Disc8(157, 143);
     Effect effect = RealEffect();

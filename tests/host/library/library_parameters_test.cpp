@@ -20,14 +20,6 @@ using umbrant::Effect;
 using umbrant::Parameter;
 using umbrant::ParameterKind;
 
-Effect RealEffect() {
-    return Effect({UMBRANT_MODULE_FILE, umbrant::Renderer::kProcessor, false, {}});
-}
-
-Effect Painter() {
-    return Effect({TestModule("painter"), umbrant::Renderer::kAuto, false, {}});
-}
-
 TEST(LibraryParameters, AreSetFromTheTextsOfTheCommandLine) {
     struct {
         const char* path;

@@ -23,12 +23,8 @@ using umbrant::PixelFormat;
 using umbrant::Rectangle;
 using Settings = std::vector<std::pair<std::string, std::string>>;
 
-constexpr int kWidth = 61;
-constexpr int kHeight = 47;
-
-Effect RealEffect() {
-    return Effect({UMBRANT_MODULE_FILE, umbrant::Renderer::kProcessor, false, {}});
-}
+constexpr int kPlacedWidth = 61;
+constexpr int kPlacedHeight = 47;
 
 struct PlaceCase {
     const char* what;
@@ -46,7 +42,7 @@ const PlaceCase kPlaceCases[] = {
 };
 
 TEST(LibraryPlace, ASizeAloneGivesThePlaceOfTheImage) {
-    const auto layer = Disc8(kWidth, kHeight);
+    const auto layer = Disc8(kPlacedWidth, kPlacedHeight);
     const auto texture = Disc8(40, 90);
     for (const PlaceCase& row : kPlaceCases) {
         SCOPED_TRACE(row.what);
@@ -59,10 +55,10 @@ TEST(LibraryPlace, ASizeAloneGivesThePlaceOfTheImage) {
             if (row.hasTexture) options.texture = texture.View();
             const Rectangle drawn = effect.Render(layer.View(), options).Place();
             EXPECT_EQ(effect.Place(layer.View(), options), drawn);
-            EXPECT_EQ(effect.Place(DiscFloat(kWidth, kHeight).View(), options), drawn);
+            EXPECT_EQ(effect.Place(DiscFloat(kPlacedWidth, kPlacedHeight).View(), options), drawn);
             // The texture's pixels are of no importance either.
             options.texture.pixels = nullptr;
-            EXPECT_EQ(effect.Place(kWidth, kHeight, options), drawn);
+            EXPECT_EQ(effect.Place(kPlacedWidth, kPlacedHeight, options), drawn);
         }
     }
 }
@@ -72,11 +68,11 @@ TEST(LibraryPlace, GrowsWithTheShadow) {
     Effect effect = RealEffect();
     effect.Set("style/distance", 0);
     effect.Set("style/softness", 0);
-    EXPECT_LE(effect.Place(kWidth, kHeight).right, kWidth + 1);
+    EXPECT_LE(effect.Place(kPlacedWidth, kPlacedHeight).right, kPlacedWidth + 1);
     effect.Set("style/distance", 100);
     effect.Set("style/angle", 90);
-    const Rectangle place = effect.Place(kWidth, kHeight);
-    EXPECT_GE(place.right, kWidth + 90);
+    const Rectangle place = effect.Place(kPlacedWidth, kPlacedHeight);
+    EXPECT_GE(place.right, kPlacedWidth + 90);
     EXPECT_LE(place.left, 0);
 }
 

@@ -25,10 +25,6 @@ using Settings = std::vector<std::pair<std::string, std::string>>;
 constexpr int kWidth = 61;
 constexpr int kHeight = 47;
 
-Effect RealEffect() {
-    return Effect({UMBRANT_MODULE_FILE, umbrant::Renderer::kProcessor, false, {}});
-}
-
 class LibraryRender : public testing::Test {
  protected:
     /// What `umbrant render` makes of in.tif with these arguments.

@@ -19,16 +19,8 @@ using umbrant::Effect;
 using umbrant::FrameOptions;
 using umbrant::Image;
 
-constexpr int kWidth = 60;
-constexpr int kHeight = 48;
-
-Effect RealEffect() {
-    return Effect({UMBRANT_MODULE_FILE, umbrant::Renderer::kProcessor, false, {}});
-}
-
-Effect Painter() {
-    return Effect({TestModule("painter"), umbrant::Renderer::kAuto, false, {}});
-}
+constexpr int kScaledWidth = 60;
+constexpr int kScaledHeight = 48;
 
 /// What the painter saw last. It is loaded.
 const PainterSeen& Seen() {
@@ -55,9 +47,9 @@ Pixels<std::uint8_t> Downsampled(const Pixels<std::uint8_t>& whole, int n) {
 
 TEST(LibraryScale, OneNthIsTheProgramsDownsample) {
     const Folder folder;
-    const auto whole = Disc8(kWidth, kHeight);
+    const auto whole = Disc8(kScaledWidth, kScaledHeight);
     WritePixels(folder / "in.tif", whole);
-    const auto texture = Disc8(kWidth, kHeight);
+    const auto texture = Disc8(kScaledWidth, kScaledHeight);
     WritePixels(folder / "texture.tif", texture);
     const auto small = Downsampled(whole, 3), smallTexture = Downsampled(texture, 3);
     Effect effect = RealEffect();
@@ -165,7 +157,7 @@ TEST(LibraryScale, TheEffectGetsBothSidesAndThePixelsRatio) {
 }
 
 TEST(LibraryScale, ThisEffectDrawsTheSameAtEveryPixelRatio) {
-    const auto layer = Disc8(kWidth, kHeight);
+    const auto layer = Disc8(kScaledWidth, kScaledHeight);
     const Effect effect = RealEffect();
     FrameOptions wide;
     wide.pixelAspect = {64, 45};

@@ -25,10 +25,6 @@ using umbrant::Image;
 constexpr int kThreads = 4;
 constexpr int kFrames = 6;
 
-Effect RealEffect() {
-    return Effect({UMBRANT_MODULE_FILE, umbrant::Renderer::kProcessor, false, {}});
-}
-
 /// Runs `work` on several threads, each given its number.
 template <typename Work>
 void OnThreads(Work work) {

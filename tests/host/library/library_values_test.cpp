@@ -21,14 +21,6 @@ using umbrant::Image;
 using umbrant::Rectangle;
 using umbrant::Values;
 
-Effect RealEffect() {
-    return Effect({UMBRANT_MODULE_FILE, umbrant::Renderer::kProcessor, false, {}});
-}
-
-Effect Painter() {
-    return Effect({TestModule("painter"), umbrant::Renderer::kAuto, false, {}});
-}
-
 const Pixels<std::uint8_t> kLayer = Disc8(31, 27);
 
 TEST(LibraryValues, AFrameHasTheValuesThatItIsGiven) {

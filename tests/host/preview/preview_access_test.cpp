@@ -18,11 +18,6 @@ namespace {
 
 using testing::HasSubstr;
 
-std::string BytesOf(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
 class PreviewAccess : public testing::Test {
  protected:
     const Folder folder_;
@@ -99,7 +94,7 @@ TEST_F(PreviewAccess, AHugeUploadIsRefusedBeforeItIsSent) {
 }
 
 TEST_F(PreviewAccess, ImagesAreTakenAndBrokenOnesGetASentence) {
-    const std::string title = BytesOf(LAYERS "/title.png");
+    const std::string title = ReadBytes(LAYERS "/title.png");
     const WireReply good = preview_.Post("layer?name=my%20title.png", title);
     ASSERT_EQ(good.status, 200) << good.body;
     EXPECT_EQ(good.Json()["name"], "my title.png");
@@ -111,16 +106,16 @@ TEST_F(PreviewAccess, ImagesAreTakenAndBrokenOnesGetASentence) {
         {"empty.png", ""},
         {"text.png", "this is no image"},
         {"half.png", title.substr(0, title.size() / 2)},
-        {"half.exr", BytesOf(LAYERS "/neon.exr").substr(0, 5000)},
-        {"half.jpg", BytesOf(LAYERS "/dusk.jpg").substr(0, 300)},
+        {"half.exr", ReadBytes(LAYERS "/neon.exr").substr(0, 5000)},
+        {"half.jpg", ReadBytes(LAYERS "/dusk.jpg").substr(0, 300)},
     };
     for (const auto& row : rows) {
         const WireReply reply = preview_.Post(std::string("layer?name=") + row.name, row.bytes);
         EXPECT_EQ(reply.status, 422) << row.name << reply.body;
         EXPECT_THAT(reply.Error(), HasSubstr(std::string("cannot read '") + row.name)) << row.name;
     }
-    EXPECT_EQ(preview_.Post("layer?name=photo", BytesOf(LAYERS "/dusk.jpg")).status, 200);
-    EXPECT_EQ(preview_.Post("layer?name=neon.exr", BytesOf(LAYERS "/neon.exr")).Json()["bits"], 16);
+    EXPECT_EQ(preview_.Post("layer?name=photo", ReadBytes(LAYERS "/dusk.jpg")).status, 200);
+    EXPECT_EQ(preview_.Post("layer?name=neon.exr", ReadBytes(LAYERS "/neon.exr")).Json()["bits"], 16);
     EXPECT_EQ(preview_.Post("example?name=card.png", "").status, 200);
     for (const char* name : {"main.js", "", "../../etc/passwd", "none.png"}) {
         EXPECT_EQ(preview_.Post(std::string("example?name=") + name, "").status, 404) << name;
@@ -218,9 +213,9 @@ TEST(PreviewStart, OpensTheAddressInABrowser) {
         RunUmbrant(folder, {"preview", "--idle-exit", "0.02"}, {{"PATH=" + folder.Path().string()}, ""});
     EXPECT_EQ(run.code, 0) << run.err;
     EXPECT_EQ(run.err, "");
-    for (int i = 0; i < 3000 && BytesOf(given).empty(); ++i)
+    for (int i = 0; i < 3000 && ReadBytes(given).empty(); ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    EXPECT_EQ(BytesOf(given), run.out);
+    EXPECT_EQ(ReadBytes(given), run.out);
 }
 
 TEST(PreviewEnd, ASignalEndsItAtRestAndInTheMiddleOfAFrame) {

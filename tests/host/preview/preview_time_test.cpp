@@ -24,13 +24,6 @@ constexpr char kMoving[] = R"({"version": 2, "values": {"style/softness": 12}, "
     "style/distance": [{"frame": 1, "value": 10}, {"frame": 9, "value": 40}],
     "quality/resolution": [{"frame": 1, "value": "draft"}, {"frame": 8, "value": "high"}]}})";
 
-std::string BytesOf(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    std::ostringstream bytes;
-    bytes << stream.rdbuf();
-    return bytes.str();
-}
-
 void WriteText(const std::filesystem::path& file, const std::string& text) {
     std::ofstream(file, std::ios::binary) << text;
 }
@@ -90,7 +83,7 @@ TEST_F(PreviewTime, FilesAreThoseOfRender) {
         request["format"] = "png";
         const WireReply file = preview.Post("render", request.dump());
         ASSERT_EQ(file.status, 200) << file.body;
-        EXPECT_TRUE(file.body == BytesOf(folder_ / ("out.000" + std::to_string(frame) + ".png"))) << frame;
+        EXPECT_TRUE(file.body == ReadBytes(folder_ / ("out.000" + std::to_string(frame) + ".png"))) << frame;
     }
     for (const std::string format : {"png", "tif", "exr", "jpg"}) {
         const json still = {{"client", page.Client()},
@@ -103,7 +96,7 @@ TEST_F(PreviewTime, FilesAreThoseOfRender) {
         const WireReply file = preview.Post("render", still.dump());
         ASSERT_EQ(file.status, 200) << file.body;
         Render({input, "-o", "still." + format, "--set", "style/distance=33"});
-        EXPECT_TRUE(file.body == BytesOf(folder_ / ("still." + format))) << format;
+        EXPECT_TRUE(file.body == ReadBytes(folder_ / ("still." + format))) << format;
     }
 }
 
@@ -129,7 +122,7 @@ TEST_F(PreviewTime, ASequenceIsShownFrameByFrame) {
         const auto rendered = folder_ / ("out.000" + std::to_string(frame) + ".png");
         EXPECT_TRUE(page.Pixels(drawn) == RgbaOf(Read(rendered).pixels)) << frame;
         request["format"] = "png";
-        EXPECT_TRUE(preview.Post("render", request.dump()).body == BytesOf(rendered)) << frame;
+        EXPECT_TRUE(preview.Post("render", request.dump()).body == ReadBytes(rendered)) << frame;
         const std::string original =
             preview.Get("original?layer=1&frames=3-6&rate=12&frame=" + std::to_string(frame - 3)).body;
         EXPECT_TRUE(original == RgbaOf(Read(folder_ / ("in.000" + std::to_string(frame) + ".png")).pixels));
@@ -183,7 +176,7 @@ TEST_F(PreviewTime, AClipIsShownFrameByFrame) {
         const auto rendered = folder_ / ("out.000" + std::to_string(frame) + ".png");
         EXPECT_TRUE(page.Pixels(drawn) == RgbaOf(Read(rendered).pixels)) << frame;
         request["format"] = "png";
-        EXPECT_TRUE(preview.Post("render", request.dump()).body == BytesOf(rendered)) << frame;
+        EXPECT_TRUE(preview.Post("render", request.dump()).body == ReadBytes(rendered)) << frame;
     }
 }
 
@@ -220,7 +213,7 @@ TEST_F(PreviewTime, PresetsComeAndGo) {
         Render({LAYERS "/card.png", "-o", std::string(preset) + ".png", "--preset", std::string(preset) + ".json",
                 "--frames", "5"});
     }
-    EXPECT_TRUE(BytesOf(folder_ / "moving.png") == BytesOf(folder_ / "saved.png"));
+    EXPECT_TRUE(ReadBytes(folder_ / "moving.png") == ReadBytes(folder_ / "saved.png"));
 
     const json loaded = preview.Post("load?name=moving.json", kMoving).Json();
     EXPECT_EQ(loaded["keyframes"]["style/angle"].size(), 2U);

@@ -20,7 +20,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using Kind = CanvasChoice::Kind;
+using ChoiceKind = CanvasChoice::Kind;
 
 std::vector<int> Sides(const PF_LRect& rect) {
     return {rect.left, rect.top, rect.right, rect.bottom};
@@ -29,15 +29,15 @@ std::vector<int> Sides(const PF_LRect& rect) {
 TEST(CanvasText, IsReadAsItIsWritten) {
     const struct {
         const char* text;
-        Kind kind;
+        ChoiceKind kind;
         std::vector<int> sides;
     } rows[] = {
-        {"grow", Kind::kGrow, {0, 0, 0, 0}},
-        {"frame", Kind::kFrame, {0, 0, 0, 0}},
-        {"layer", Kind::kLayer, {0, 0, 0, 0}},
-        {"-62,-60,1982,1142", Kind::kRectangle, {-62, -60, 1982, 1142}},
-        {"5,6,7,8", Kind::kRectangle, {5, 6, 7, 8}},
-        {"-1000000,-1000000,1000000,1000000", Kind::kRectangle, {-1000000, -1000000, 1000000, 1000000}},
+        {"grow", ChoiceKind::kGrow, {0, 0, 0, 0}},
+        {"frame", ChoiceKind::kFrame, {0, 0, 0, 0}},
+        {"layer", ChoiceKind::kLayer, {0, 0, 0, 0}},
+        {"-62,-60,1982,1142", ChoiceKind::kRectangle, {-62, -60, 1982, 1142}},
+        {"5,6,7,8", ChoiceKind::kRectangle, {5, 6, 7, 8}},
+        {"-1000000,-1000000,1000000,1000000", ChoiceKind::kRectangle, {-1000000, -1000000, 1000000, 1000000}},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.text);
@@ -45,7 +45,7 @@ TEST(CanvasText, IsReadAsItIsWritten) {
         ASSERT_TRUE(choice) << choice.error().sentence;
         EXPECT_EQ(choice->kind, row.kind);
         EXPECT_EQ(Sides(choice->rectangle), row.sides);
-        if (row.kind == Kind::kRectangle) {
+        if (row.kind == ChoiceKind::kRectangle) {
             EXPECT_EQ(CanvasText(choice->rectangle), row.text);
         }
     }

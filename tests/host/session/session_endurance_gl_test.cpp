@@ -8,10 +8,8 @@
 #include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <array>
-#include <fstream>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -20,6 +18,7 @@
 #include "host/compositing/rectangles.h"
 #include "host/session/effect_session.h"
 #include "platform/gl_api.h"
+#include "tests/support/resident_memory.h"
 #include "tests/support/sanitized.h"
 
 namespace umbrant::host {
@@ -134,15 +133,6 @@ COUNTED void APIENTRY glDeleteVertexArrays(GLsizei n, const GLuint* names) {
 }
 
 namespace {
-
-/// Resident memory of this process, bytes.
-long ResidentBytes() {
-    std::ifstream file("/proc/self/statm");
-    long total = 0;
-    long resident = 0;
-    file >> total >> resident;
-    return resident * sysconf(_SC_PAGESIZE);
-}
 
 class Endurance : public ::testing::Test {
  protected:

@@ -6,14 +6,12 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <array>
 #include <atomic>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <limits>
 #include <optional>
 #include <string>
@@ -24,6 +22,7 @@
 #include "host/session/effect_session.h"
 #include "hostapi/errors.h"
 #include "hostapi/limits.h"
+#include "tests/support/resident_memory.h"
 
 namespace umbrant::host {
 
@@ -37,14 +36,6 @@ constexpr std::array<const char*, 3> kTypes = {"normal", "inner", "radial"};
 /// How often something is done: `light` in a test run, `heavy` in a soak.
 int Times(int light, int heavy) {
     return std::getenv("UMBRANT_SOAK") ? heavy : light;
-}
-
-long ResidentBytes() {
-    std::ifstream file("/proc/self/statm");
-    long total = 0;
-    long resident = 0;
-    file >> total >> resident;
-    return resident * sysconf(_SC_PAGESIZE);
 }
 
 /// Every byte of the pixels, without what lies between rows.

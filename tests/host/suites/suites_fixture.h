@@ -7,11 +7,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "host/compositing/rectangles.h"
+#include "host/compositing/world.h"
 #include "host/suites/aegp/tokens.h"
 #include "host/suites/services.h"
 #include "host/suites/tables.h"
 
 namespace umbrant::host {
+
+/// A pixel of a world of 8 bits.
+inline PF_Pixel At(const World& world, int x, int y) {
+    return RowOf<PF_Pixel>(world.Def(), y)[x];
+}
 
 class SuitesTest : public ::testing::Test {
  protected:

@@ -25,10 +25,6 @@ PF_Err Mark8(void* refcon, A_long x, A_long y, PF_Pixel* in, PF_Pixel* out) {
     return PF_Err_NONE;
 }
 
-PF_Pixel At(const World& world, int x, int y) {
-    return RowOf<PF_Pixel>(world.Def(), y)[x];
-}
-
 TEST_F(SuitesTest, IterateVisitsEveryPixelOnce) {
     World world = World::Create(37, 23, Depth::k8);
     std::atomic<int> visits{0};

@@ -11,10 +11,6 @@ namespace umbrant::host {
 
 namespace {
 
-PF_Pixel At(const World& world, int x, int y) {
-    return RowOf<PF_Pixel>(world.Def(), y)[x];
-}
-
 bool Equal(const PF_Pixel& a, const PF_Pixel& b) {
     return a.alpha == b.alpha && a.red == b.red && a.green == b.green && a.blue == b.blue;
 }

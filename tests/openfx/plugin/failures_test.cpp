@@ -12,7 +12,7 @@
 namespace umbrant::ofx {
 namespace {
 
-constexpr OfxRectI kBounds{2, 1, 18, 13};
+constexpr OfxRectI kFailureBounds{2, 1, 18, 13};
 
 /// One life in a host; the status of the first step that did not succeed, and the frame.
 struct Life {
@@ -33,13 +33,13 @@ void Live(Host& host, PlugIn& plugIn, Life& life, const std::vector<Fault>& inFr
     auto instance = Instance::Create(plugIn, kGeneral, life.status);
     if (instance == nullptr) return;
     life.step = "frame";
-    const Picture source = Disc(kBounds);
+    const Picture source = Disc(kFailureBounds);
     Inputs inputs{source, source};
     instance->Connect(inputs);
     for (const auto& setting : SmallSettings()) {
         // A row that the host refused is absent; the effect then has its default.
         if (instance->FindParam(ParamName(setting.first)) == nullptr) continue;
-        Session::Apply(*instance, {setting}, kBounds);
+        Session::Apply(*instance, {setting}, kFailureBounds);
     }
     instance->IsIdentity();
     std::map<std::string, OfxRectD> regions;
@@ -202,8 +202,8 @@ TEST_F(OpenFxFailures, EachFunctionAtEachCallOfAFrame) {
 
 TEST(OpenFxFrame, WithoutASource) {
     Session session;
-    session.TheInstance().Connect({Disc(kBounds)});
-    session.Apply(SmallSettings(), kBounds);
+    session.TheInstance().Connect({Disc(kFailureBounds)});
+    session.Apply(SmallSettings(), kFailureBounds);
     FrameOptions rows[2];
     rows[0].sourceMissing = true;
     rows[1].sourceWithoutData = true;
@@ -217,8 +217,8 @@ TEST(OpenFxFrame, WithoutASource) {
 
 TEST(OpenFxFrame, StopsWhenTheHostAsks) {
     Session session;
-    session.TheInstance().Connect({Disc(kBounds)});
-    session.Apply(ManySettings(), kBounds);
+    session.TheInstance().Connect({Disc(kFailureBounds)});
+    session.Apply(ManySettings(), kFailureBounds);
     const Frame whole = session.TheInstance().Render();
     ASSERT_EQ(whole.status, kOfxStatOK);
     ASSERT_GE(whole.abortCalls, 1) << "the effect never asks whether to stop";
@@ -235,12 +235,12 @@ TEST(OpenFxFrame, StopsWhenTheHostAsks) {
 
 TEST(OpenFxFrame, WithoutTheActionsAroundIt) {
     Session session;
-    session.TheInstance().Connect({Disc(kBounds)});
-    session.Apply(SmallSettings(), kBounds);
+    session.TheInstance().Connect({Disc(kFailureBounds)});
+    session.Apply(SmallSettings(), kFailureBounds);
     FrameOptions options;
     options.onlyRender = true;
     const Frame frame = session.TheInstance().Render(options);
-    EXPECT_EQ(Difference(frame.output, FromLibrary(Disc(kBounds), SmallSettings())), "");
+    EXPECT_EQ(Difference(frame.output, FromLibrary(Disc(kFailureBounds), SmallSettings())), "");
 }
 
 }  // namespace

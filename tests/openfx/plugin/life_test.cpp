@@ -21,11 +21,11 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr OfxRectI kBounds{0, 0, 40, 30};
+constexpr OfxRectI kLifeBounds{0, 0, 40, 30};
 
 TEST(OpenFxLife, LoadsAgainAndAgain) {
     setenv("UMBRANT_RENDERER", "cpu", 1);
-    const Picture source = Disc(kBounds);
+    const Picture source = Disc(kLifeBounds);
     const Picture expected = FromLibrary(source, SmallSettings());
     for (int i = 0; i < 5; ++i) {
         Session session;
@@ -41,7 +41,7 @@ TEST(OpenFxLife, LoadsAgainAndAgain) {
         auto instance = Instance::Create(*plugIn, kFilter, status);
         ASSERT_NE(instance, nullptr) << StatusName(status);
         instance->Connect({source});
-        Session::Apply(*instance, SmallSettings(), kBounds);
+        Session::Apply(*instance, SmallSettings(), kLifeBounds);
         EXPECT_EQ(Difference(instance->Render().output, expected), "") << i;
         instance.reset();
         plugIn->Unload();
@@ -53,14 +53,14 @@ TEST(OpenFxLife, LoadsAgainAndAgain) {
 
 TEST(OpenFxLife, ManyInstancesAreIndependent) {
     Session session;
-    const Picture source = Disc(kBounds);
+    const Picture source = Disc(kLifeBounds);
     std::vector<std::unique_ptr<Instance>> instances;
     for (int i = 0; i < 12; ++i) {
         instances.push_back(session.NewInstance());
         ASSERT_NE(instances.back(), nullptr);
         instances.back()->Connect({source});
-        Session::Apply(*instances.back(), SmallSettings(), kBounds);
-        Session::Apply(*instances.back(), {{"style/distance", std::to_string(i)}}, kBounds);
+        Session::Apply(*instances.back(), SmallSettings(), kLifeBounds);
+        Session::Apply(*instances.back(), {{"style/distance", std::to_string(i)}}, kLifeBounds);
     }
     std::vector<Frame> frames(instances.size());
     std::vector<std::thread> threads;
@@ -122,7 +122,7 @@ TEST(OpenFxLife, ACopyWithoutItsModuleSaysSo) {
         OfxStatus status = plugIn->Start();
         if (Succeeded(status)) {
             if (auto instance = Instance::Create(*plugIn, kFilter, status)) {
-                instance->Connect({Disc(kBounds)});
+                instance->Connect({Disc(kLifeBounds)});
                 status = instance->Render().status;
             }
         }
@@ -190,7 +190,7 @@ void LoadPreset(Instance& instance, const std::string& file) {
 TEST(OpenFxPreset, SetsTheValues) {
     Session session;
     Instance& instance = session.TheInstance();
-    const Picture source = Disc(kBounds);
+    const Picture source = Disc(kLifeBounds);
     instance.Connect({source});
     const host::Folder folder;
     std::ofstream(folder / "many.json") << PresetOf(ManySettings());
@@ -202,9 +202,9 @@ TEST(OpenFxPreset, SetsTheValues) {
 TEST(OpenFxPreset, ThatIsWrongChangesNothingAndIsReported) {
     Session session;
     Instance& instance = session.TheInstance();
-    const Picture source = Disc(kBounds);
+    const Picture source = Disc(kLifeBounds);
     instance.Connect({source});
-    session.Apply(SmallSettings(), kBounds);
+    session.Apply(SmallSettings(), kLifeBounds);
     const host::Folder folder;
     const std::string file = (folder.Path() / "wrong.json").string();
     for (const char* text : {"", "{", "[]", "{\"version\": 2, \"values\": {\"no/such\": 1}}", "\xff\xfe"}) {
@@ -222,7 +222,7 @@ TEST(OpenFxPreset, ThatIsWrongChangesNothingAndIsReported) {
 
 TEST(OpenFxPanel, SaysWhatDraws) {
     Session session;
-    session.TheInstance().Connect({Disc(kBounds)});
+    session.TheInstance().Connect({Disc(kLifeBounds)});
     session.TheInstance().Render();
     for (const auto& param : session.TheInstance().Effect().Params().All()) {
         if (param->Properties().String("OfxPropLabel").find("Drawn by") == std::string::npos) continue;

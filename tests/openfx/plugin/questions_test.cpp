@@ -16,7 +16,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::UnorderedElementsAre;
 
-constexpr OfxRectI kBounds{-7, 11, 57, 59};
+constexpr OfxRectI kQuestionBounds{-7, 11, 57, 59};
 
 TEST(OpenFxDescription, SaysWhatTheEffectIs) {
     Session session;
@@ -166,13 +166,13 @@ TEST(OpenFxClips, PreferencesFollowTheSource) {
     Session session;
     Instance& instance = session.TheInstance();
     for (const char* state : {kStraight, kPremultiplied}) {
-        Inputs inputs{Disc(kBounds)};
+        Inputs inputs{Disc(kQuestionBounds)};
         inputs.premultiplication = state;
         const OfxStatus status = instance.Connect(inputs);
         EXPECT_TRUE(Succeeded(status)) << StatusName(status);
         EXPECT_EQ(instance.OutputPremultiplication(), state);
     }
-    Inputs opaque{Disc(kBounds)};
+    Inputs opaque{Disc(kQuestionBounds)};
     opaque.premultiplication = kOpaque;
     instance.Connect(opaque);
     // The shadow's edges are not opaque.
@@ -184,7 +184,7 @@ TEST(OpenFxClips, TheAlphaChoiceOverridesTheHost) {
     Instance& instance = session.TheInstance();
     Param* alpha = AlphaOf(instance);
     ASSERT_NE(alpha, nullptr) << "no choice of the alpha";
-    const Picture source = Disc(kBounds, Depth::kFloat);
+    const Picture source = Disc(kQuestionBounds, Depth::kFloat);
     const Picture straight = FromPlugIn(session, {source}, ManySettings());
     Inputs wrong{source};
     wrong.premultiplication = kPremultiplied;
@@ -206,9 +206,9 @@ TEST(OpenFxRegion, IsTheLibrarysImage) {
                                        {"style/origin", "5,9"},
                                        {"style/distance", distance},
                                        {"style/softness", "7"}};
-            const Picture source = Disc(kBounds);
+            const Picture source = Disc(kQuestionBounds);
             session.TheInstance().Connect({source});
-            session.Apply(settings, kBounds);
+            session.Apply(settings, kQuestionBounds);
             OfxRectD region{};
             EXPECT_EQ(session.TheInstance().RegionOfDefinition(0, region), kOfxStatOK);
             const OfxRectI expected = FromLibrary(source, settings).bounds;
@@ -222,31 +222,31 @@ TEST(OpenFxRegion, IsTheLibrarysImage) {
 
 TEST(OpenFxRegion, OfInterestIsAtLeastTheWholeSource) {
     Session session;
-    session.TheInstance().Connect({Disc(kBounds)});
+    session.TheInstance().Connect({Disc(kQuestionBounds)});
     std::map<std::string, OfxRectD> regions;
     const OfxStatus status = session.TheInstance().RegionsOfInterest(0, {0, 20, 4, 24}, regions);
     EXPECT_TRUE(Succeeded(status)) << StatusName(status);
-    EXPECT_LE(regions["Source"].x1, kBounds.x1);
-    EXPECT_LE(regions["Source"].y1, kBounds.y1);
-    EXPECT_GE(regions["Source"].x2, kBounds.x2);
-    EXPECT_GE(regions["Source"].y2, kBounds.y2);
+    EXPECT_LE(regions["Source"].x1, kQuestionBounds.x1);
+    EXPECT_LE(regions["Source"].y1, kQuestionBounds.y1);
+    EXPECT_GE(regions["Source"].x2, kQuestionBounds.x2);
+    EXPECT_GE(regions["Source"].y2, kQuestionBounds.y2);
 }
 
 TEST(OpenFxIdentity, IsWhereNothingIsDrawn) {
     Session session;
     Instance& instance = session.TheInstance();
-    const Picture source = Disc(kBounds);
+    const Picture source = Disc(kQuestionBounds);
     instance.Connect({source});
-    session.Apply(SmallSettings(), kBounds);
+    session.Apply(SmallSettings(), kQuestionBounds);
     EXPECT_EQ(instance.IsIdentity().status, kOfxStatReplyDefault);
-    session.Apply({{"opacity/opacity-master", "0"}}, kBounds);
+    session.Apply({{"opacity/opacity-master", "0"}}, kQuestionBounds);
     FrameOptions options;
     options.time = 5;
     const Identity identity = instance.IsIdentity(options);
     EXPECT_EQ(identity.status, kOfxStatOK);
     EXPECT_EQ(identity.clip, "Source");
     EXPECT_EQ(identity.time, 5);
-    session.Apply({{"compositing/source-opacity", "99"}}, kBounds);
+    session.Apply({{"compositing/source-opacity", "99"}}, kQuestionBounds);
     EXPECT_EQ(instance.IsIdentity().status, kOfxStatReplyDefault);
 }
 
@@ -260,13 +260,13 @@ TEST(OpenFxIdentity, IsTrueToTheBitWhereItIsClaimed) {
     for (const Depth depth : {Depth::kByte, Depth::kFloat}) {
         for (const Settings& settings : rows) {
             Session session;
-            const Picture source = Disc(kBounds, depth);
+            const Picture source = Disc(kQuestionBounds, depth);
             session.TheInstance().Connect({source});
-            session.Apply(settings, kBounds);
+            session.Apply(settings, kQuestionBounds);
             if (session.TheInstance().IsIdentity().status != kOfxStatOK) continue;
             const Frame frame = session.TheInstance().Render();
-            for (int y = kBounds.y1; y < kBounds.y2; ++y) {
-                for (int x = kBounds.x1; x < kBounds.x2; ++x) {
+            for (int y = kQuestionBounds.y1; y < kQuestionBounds.y2; ++y) {
+                for (int x = kQuestionBounds.x1; x < kQuestionBounds.x2; ++x) {
                     // A colour below an alpha of 0 is not visible, and is not kept by the effect.
                     for (int c = source.At(x, y)[3] > 0 ? 0 : 3; c < 4; ++c) {
                         ASSERT_EQ(frame.output.At(x, y)[c], source.At(x, y)[c])

@@ -12,7 +12,8 @@ namespace umbrant::host {
 
 namespace {
 
-constexpr char kMoving[] = R"({ "version": 2, "values": { "style/softness": 8, "quality/samples": 6 }, "keyframes": {
+constexpr char kMovingSoftness[] =
+    R"({ "version": 2, "values": { "style/softness": 8, "quality/samples": 6 }, "keyframes": {
     "style/angle": [ { "frame": 1, "value": 60, "out": "ease" }, { "frame": 8, "value": 420, "in": "ease" } ],
     "style/distance": [ { "frame": 1, "value": 0, "out": "ease" }, { "frame": 8, "value": 30 } ] } })";
 
@@ -29,7 +30,7 @@ class CliSequenceGl : public testing::Test {
             for (int x = 10; x < 30; ++x) Pixel8(layer, x, y) = {255, 220, static_cast<A_u_char>(8 * x), 40};
         }
         ASSERT_TRUE(WritePicture(folder_ / "in.png", layer, {{0, 0, 40, 30}, 40, 30}));
-        WriteBytes(folder_ / "moving.json", kMoving);
+        WriteBytes(folder_ / "moving.json", kMovingSoftness);
     }
     void Render(const std::string& output, std::vector<std::string> more) const {
         more.insert(more.begin(),

@@ -11,6 +11,10 @@
 
 namespace umbrant::host {
 
+/// A preset in which a value moves.
+inline constexpr char kMovingBorder[] =
+    R"({ "version": 2, "keyframes": { "paint/border": [ { "frame": 1, "value": 0 }, { "frame": 5, "value": 4 } ] } })";
+
 class CliSequence : public testing::Test {
  protected:
     CliSequence() {
