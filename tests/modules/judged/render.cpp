@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -100,21 +101,22 @@ Channel<Pixel> Scaled(Channel<Pixel> value, float by) {
     }
 }
 
-/// Work that changes nothing and takes time in proportion to the steps.
-void Work(A_long steps) {
+/// Work that changes nothing but the number that it returns, which the next work starts from. Each turn waits for the
+/// one before it and needs no memory, so the time is in proportion to the steps on every processor.
+std::uint64_t Worked(std::uint64_t state, A_long steps) {
     const A_long rounds = Is(Mutant::kSlowsDown) ? steps * steps : steps;
-    volatile A_long sink = 0;
-    for (A_long i = 0; i < rounds * 4; ++i) sink = sink + i;
+    for (A_long i = 0; i < rounds * 4; ++i) state = state * 6364136223846793005u + 1442695040888963407u;
+    return state;
 }
 
-/// The steps of a frame. The unsteady effect takes 8 times as many every other time that it is asked for 32.
+/// The steps of a frame. The unsteady effect takes 32 times as many every other time that it is asked for 32.
 A_long PacedSteps(A_long steps) {
     if (Is(Mutant::kWaits) && steps >= 16) std::this_thread::sleep_for(std::chrono::milliseconds(20));
     static A_long last = 0, changes = 0;
     if (!Is(Mutant::kUnsteady)) return steps;
     if (steps != last && steps == 32) ++changes;
     last = steps;
-    return steps == 32 && changes % 2 == 1 ? steps * 8 : steps;
+    return steps == 32 && changes % 2 == 1 ? steps * 32 : steps;
 }
 
 /// The faults that show in single pixels.
@@ -157,6 +159,7 @@ void CopyLayer(const PF_EffectWorld& input, const PF_EffectWorld& output, const 
                       output.origin_y + output.height};
     const PF_LRect both = IntersectionOf(from, to);
     const A_long steps = PacedSteps(look.steps);
+    std::uint64_t worked = 1;
     for (A_long y = both.top; y < both.bottom; ++y) {
         const Pixel* source = RowOf<Pixel>(input, y - input.origin_y);
         Pixel* target = RowOf<Pixel>(output, y - output.origin_y);
@@ -169,9 +172,10 @@ void CopyLayer(const PF_EffectWorld& input, const PF_EffectWorld& output, const 
             }
             pixel.alpha = Scaled<Pixel>(pixel.alpha, scratch[static_cast<std::size_t>(x - to.left)]);
             target[x - to.left] = pixel;
-            Work(steps);
+            worked = Worked(worked, steps);
         }
     }
+    [[maybe_unused]] volatile std::uint64_t sink = worked;
 }
 
 /// What a pixel function of the tint gets.
