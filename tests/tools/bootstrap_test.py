@@ -80,7 +80,7 @@ class Bootstrap(unittest.TestCase):
         self.assertEqual(self.run_it()[1], [["npm"]])
 
     def test_the_bundle_is_not_needed(self):
-        self.installed("[!l]*|lib*|llvm-14|lintian")
+        self.installed("[!l]*|lib*|llvm-14|lintian|lld")
         self.apt("exit 100")
         ran, asked = self.run_it()
         self.assertEqual((ran.returncode, asked), (0, [["lld-16"]]))
