@@ -32,8 +32,8 @@ add_library(umbrant_flags INTERFACE)
 target_include_directories(umbrant_flags INTERFACE ${CMAKE_SOURCE_DIR})
 target_compile_options(umbrant_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wcast-align)
 target_link_libraries(umbrant_flags INTERFACE Threads::Threads)
-# What a program or shared object does not call is left out function by function, not file by file: files are compiled
-# several at a time.
+# Unused functions are removed one by one when linking. The linker takes whole object files from a library, and an object
+# file may be compiled from several sources (umbrant_join_sources).
 if(NOT APPLE AND NOT UMBRANT_MACOS_CROSS)
     target_compile_options(umbrant_flags INTERFACE -ffunction-sections -fdata-sections)
     target_link_options(umbrant_flags INTERFACE -Wl,--gc-sections)
@@ -56,8 +56,8 @@ if(CMAKE_CXX_FLAGS MATCHES "-fsanitize=")
     set(umbrant_module_link_options -Wl,-z,nodelete)
 endif()
 
-# umbrant_link_quickly(): the targets of the current folder and below, which nobody gets, are linked by LLVM's linker where it
-# is there: it takes a fifth of the time of the one that links what ships.
+# umbrant_link_quickly(): links the targets of the current folder and below with LLVM's linker if it is installed, in a fifth
+# of the time of the default linker. For targets that are not shipped.
 find_program(UMBRANT_QUICK_LINKER ld.lld)
 mark_as_advanced(UMBRANT_QUICK_LINKER)
 macro(umbrant_link_quickly)
@@ -89,10 +89,10 @@ function(umbrant_harden target)
     target_link_options(${target} PRIVATE -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
 endfunction()
 
-# umbrant_join_sources(target): compiles its files eight at a time, so that the headers they share are read, and what they
-# use of them is emitted, once for eight files: half of the time. Therefore the names in the anonymous namespaces of one
-# target must differ. Those of the macOS bundle are compiled one by one: its tests compare single files with what another
-# folder gives, and know its static initialisers by their files.
+# umbrant_join_sources(target): compiles its files eight at a time, so that shared headers are read, and what is used of them
+# is emitted, once for eight files: half of the time. Therefore the names in the anonymous namespaces of one target must
+# differ. The files of the macOS bundle are compiled one by one: its tests compile single files again in another folder, and
+# identify static initialisers by the names of files.
 function(umbrant_join_sources target)
     if(APPLE)
         return()
@@ -102,8 +102,8 @@ endfunction()
 
 # umbrant_library(target FLAGS flags [LINK libraries...] [FOLDERS folders...] [APART])
 # A static library of every .cpp in the current folder and in these folders of it; without one it is an interface library.
-# Its files are joined, but with APART: where names in anonymous namespaces are the same in many files by intention, the
-# speed of loops is measured file by file, or the installed library takes some of its files only.
+# Its files are joined (umbrant_join_sources) unless APART is given: for libraries that repeat names in anonymous namespaces
+# by intention, whose loops are measured file by file, or of which the installed library uses only some files.
 function(umbrant_library target)
     cmake_parse_arguments(arg "APART" "FLAGS" "LINK;SOURCES;FOLDERS" ${ARGN})
     set(patterns *.cpp)

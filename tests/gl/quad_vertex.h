@@ -4,7 +4,7 @@
 
 namespace umbrant::effect {
 
-/// The vertex shader of a quad; fragment shaders get the place in its texture as `at`.
+/// The vertex shader of a quad; fragment shaders receive the texture coordinates as `at`.
 inline constexpr char kVertex[] = R"(#version 330
 layout(location = 0) in vec3 position;
 layout(location = 1) in vec2 uv;

@@ -2,7 +2,7 @@
 // Copyright 2026 the Umbrant authors
 #pragma once
 
-// What arithmetic may meet besides numbers.
+// Infinity and NaN, as inputs of tests.
 
 #include <limits>
 

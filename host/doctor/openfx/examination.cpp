@@ -118,7 +118,7 @@ Result<OpenFxPluginFacts> ExaminePlugin(const OfxPlugin& plugin, const std::file
                                         const NoteStep& note) {
     PluginCalls calls(plugin, bundle.string(), note);
     TRY(calls.SetHost());
-    TRY(calls.Action(kOfxActionLoad, nullptr, nullptr, nullptr, kOptional));
+    TRY(calls.Action(kOfxActionLoad, nullptr, nullptr, nullptr, kOptionalStatuses));
     OpenFxEffect effect;
     effect.properties.Declare(kOfxPropType, {std::string(kOfxTypeImageEffect)});
     effect.properties.Declare(kOfxPropLabel, {std::string(plugin.pluginIdentifier)});
@@ -138,7 +138,7 @@ Result<OpenFxPluginFacts> ExaminePlugin(const OfxPlugin& plugin, const std::file
     facts.label = effect.properties.Get(kOfxPropLabel, facts.identifier);
     facts.parameters = static_cast<int>(described.parameters.parameters.size());
     facts.frame = TRY(DrawFrame(calls, effect, described, context));
-    TRY(calls.Action(kOfxActionUnload, nullptr, nullptr, nullptr, kOptional));
+    TRY(calls.Action(kOfxActionUnload, nullptr, nullptr, nullptr, kOptionalStatuses));
     return facts;
 }
 

@@ -139,7 +139,7 @@ Result<OfxRectI> RegionOf(PluginCalls& plugin, OpenFxEffect& effect) {
     PropertySet in = AtTimeZero(), out;
     out.Declare(kOfxImageEffectPropRegionOfDefinition, {0.0, 0.0, double{kWidth}, double{kHeight}});
     const OfxStatus status =
-        TRY(plugin.Action(kOfxImageEffectActionGetRegionOfDefinition, effect.Handle(), &in, &out, kOptional));
+        TRY(plugin.Action(kOfxImageEffectActionGetRegionOfDefinition, effect.Handle(), &in, &out, kOptionalStatuses));
     if (status == kOfxStatReplyDefault) return OfxRectI{0, 0, kWidth, kHeight};
     double sides[4];
     for (std::size_t i = 0; i < 4; ++i) {
@@ -166,7 +166,7 @@ Result<Done> Prefer(PluginCalls& plugin, OpenFxEffect& effect, const std::string
     out.Declare(kOfxImageEffectPropPreMultiplication, {std::string(kOfxImageUnPreMultiplied)});
     out.Declare(kOfxImageClipPropContinuousSamples, {0});
     out.Declare(kOfxImageEffectFrameVarying, {0});
-    TRY(plugin.Action(kOfxImageEffectActionGetClipPreferences, effect.Handle(), nullptr, &out, kOptional));
+    TRY(plugin.Action(kOfxImageEffectActionGetClipPreferences, effect.Handle(), nullptr, &out, kOptionalStatuses));
     return Done{};
 }
 
@@ -183,9 +183,10 @@ Result<Done> Render(PluginCalls& plugin, OpenFxEffect& effect, const OfxRectI& w
         set->Declare(kOfxImageEffectPropInteractiveRenderStatus, {0});
         set->Declare(kOfxImageEffectPropOpenGLEnabled, {0});
     }
-    TRY(plugin.Action(kOfxImageEffectActionBeginSequenceRender, effect.Handle(), &sequence, nullptr, kOptional));
+    TRY(plugin.Action(kOfxImageEffectActionBeginSequenceRender, effect.Handle(), &sequence, nullptr,
+                      kOptionalStatuses));
     TRY(plugin.Action(kOfxImageEffectActionRender, effect.Handle(), &in, nullptr, {kOfxStatOK}));
-    TRY(plugin.Action(kOfxImageEffectActionEndSequenceRender, effect.Handle(), &sequence, nullptr, kOptional));
+    TRY(plugin.Action(kOfxImageEffectActionEndSequenceRender, effect.Handle(), &sequence, nullptr, kOptionalStatuses));
     return Done{};
 }
 
@@ -196,7 +197,8 @@ Result<std::string> Identity(PluginCalls& plugin, OpenFxEffect& effect, const Of
     in.Declare(kOfxImageEffectPropRenderWindow, {window.x1, window.y1, window.x2, window.y2});
     out.Declare(kOfxPropName, {std::string()});
     out.Declare(kOfxPropTime, {0.0});
-    const OfxStatus status = TRY(plugin.Action(kOfxImageEffectActionIsIdentity, effect.Handle(), &in, &out, kOptional));
+    const OfxStatus status =
+        TRY(plugin.Action(kOfxImageEffectActionIsIdentity, effect.Handle(), &in, &out, kOptionalStatuses));
     return status == kOfxStatOK ? out.Get(kOfxPropName, std::string()) : std::string();
 }
 
@@ -231,10 +233,10 @@ Result<std::string> DrawFrame(PluginCalls& plugin, const OpenFxEffect& effect, c
     const std::string depth = DepthOf(effect);
     Instance instance;
     FillInstance(instance, described, context, depth);
-    TRY(plugin.Action(kOfxActionCreateInstance, instance.effect.Handle(), nullptr, nullptr, kOptional));
+    TRY(plugin.Action(kOfxActionCreateInstance, instance.effect.Handle(), nullptr, nullptr, kOptionalStatuses));
     auto drawn = DrawWith(plugin, instance, depth);
     if (!drawn) return drawn;
-    TRY(plugin.Action(kOfxActionDestroyInstance, instance.effect.Handle(), nullptr, nullptr, kOptional));
+    TRY(plugin.Action(kOfxActionDestroyInstance, instance.effect.Handle(), nullptr, nullptr, kOptionalStatuses));
     return drawn;
 }
 

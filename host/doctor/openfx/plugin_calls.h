@@ -18,8 +18,8 @@ namespace umbrant::host {
 /// Notes what is about to be done, as "during OfxActionLoad", for whoever learns that the process has ended.
 using NoteStep = std::function<void(const std::string& when)>;
 
-/// What an action may answer that a plug-in need not know.
-inline const std::vector<OfxStatus> kOptional = {kOfxStatOK, kOfxStatReplyDefault};
+/// The accepted statuses of an action that a plug-in need not implement.
+inline const std::vector<OfxStatus> kOptionalStatuses = {kOfxStatOK, kOfxStatReplyDefault};
 
 /// A plug-in of a bundle that is loaded.
 class PluginCalls {

@@ -23,12 +23,12 @@ namespace umbrant::host {
 
 /// A soft disc on nothing, every pixel with a colour of its own. Straight alpha; channels in the depth's full range.
 World TestPicture(int width, int height, Depth depth);
-/// What is asked for where nothing but the layer matters.
+/// Requests for a frame of the layer: with the default values, or with these. The layer must outlive the request.
 FrameRequest RequestOf(const World& layer);
 FrameRequest RequestOf(const World& layer, const ParamSet& params);
-/// The layer is also what the layer parameter has.
+/// The same; the layer is also the value of the texture parameter.
 FrameRequest TexturedRequestOf(const World& layer, const ParamSet& params);
-/// The ends of what a coordinate, a time or an index of the interface can be.
+/// The limits of the interface's integers: coordinates, times, indices.
 inline constexpr A_long kLowest = std::numeric_limits<A_long>::min();
 inline constexpr A_long kHighest = std::numeric_limits<A_long>::max();
 /// The pixels, paddings left out, as one number (FNV-1a).

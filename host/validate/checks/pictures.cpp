@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Copyright 2026 the Umbrant authors
 
-// The pictures that checks draw from, the requests for it, and how they compare what came out.
+// The images that checks draw from, requests to draw them, and comparisons of the results.
 
 #include <fmt/format.h>
 

@@ -20,12 +20,12 @@
 
 namespace umbrant::host {
 
-/// The effect, drawn by the processor.
+/// This project's effect with the CPU renderer.
 inline umbrant::Effect RealEffect() {
     return umbrant::Effect({UMBRANT_MODULE_FILE, umbrant::Renderer::kProcessor, false, {}});
 }
 
-/// The module of the tests that paints what it is told to.
+/// The effect of the test module `painter`. `message` receives what it reports.
 inline umbrant::Effect Painter(std::function<void(const std::string&)> message = {}) {
     return umbrant::Effect({TestModule("painter"), umbrant::Renderer::kAuto, false, std::move(message)});
 }

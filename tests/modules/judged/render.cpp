@@ -101,8 +101,8 @@ Channel<Pixel> Scaled(Channel<Pixel> value, float by) {
     }
 }
 
-/// Work that changes nothing but the number that it returns, which the next work starts from. Each turn waits for the
-/// one before it and needs no memory, so the time is in proportion to the steps on every processor.
+/// Takes time in proportion to the steps on every processor: each iteration depends on the previous one, also across
+/// calls, and needs no memory. Returns the number for the next call.
 std::uint64_t Worked(std::uint64_t state, A_long steps) {
     const A_long rounds = Is(Mutant::kSlowsDown) ? steps * steps : steps;
     for (A_long i = 0; i < rounds * 4; ++i) state = state * 6364136223846793005u + 1442695040888963407u;

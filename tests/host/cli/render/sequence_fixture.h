@@ -11,7 +11,7 @@
 
 namespace umbrant::host {
 
-/// A preset in which a value moves.
+/// A preset with one animated value.
 inline constexpr char kMovingBorder[] =
     R"({ "version": 2, "keyframes": { "paint/border": [ { "frame": 1, "value": 0 }, { "frame": 5, "value": 4 } ] } })";
 
