@@ -75,6 +75,11 @@ struct KernelDesign {
     std::array<double, kTurns> cosines{};
 };
 
+const KernelDesign& Design() {
+    static const KernelDesign design;
+    return design;
+}
+
 /// A kernel's cosine sums at kTogether frequencies of a grid of every `grid`-th row, by the recurrence of cosines.
 void SumCosines(const std::vector<double>& rows, int firstStep, int grid, double (&spectrum)[kTogether]) {
     double turn[kTogether];
@@ -194,12 +199,17 @@ const std::array<float, 13>& QuinticFilter() {
     return weights;
 }
 
+void CreateSplineTables() {
+    QuinticFilter();
+    Design();
+}
+
 int CoarseReach(const Kernel& kernel, int grid) {
     return static_cast<int>(std::ceil(kernel.Reach() / grid)) + 7;
 }
 
 std::vector<float> CoarseKernel(const Kernel& kernel, int grid) {
-    static const KernelDesign design;
+    const KernelDesign& design = Design();
     const std::vector<double> rows = FoldedHalf(kernel);
     const int half = CoarseReach(kernel, grid);
     std::vector<double> weights(static_cast<size_t>(half) + 1, 0.0);

@@ -33,4 +33,8 @@ std::vector<float> CoarseKernel(const Kernel& kernel, int grid);
 /// Its weights on each side of the middle one.
 int CoarseReach(const Kernel& kernel, int grid);
 
+/// Creates what the two above keep for good, which they create themselves otherwise: a child of fork() would wait
+/// forever for a thread of its parent that was creating it.
+void CreateSplineTables();
+
 }  // namespace umbrant::effect

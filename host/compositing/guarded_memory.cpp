@@ -26,8 +26,7 @@ constexpr std::byte kSlack{0xC7};
 GuardRules rules;
 
 std::size_t PageSize() {
-    static const auto size = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-    return size;
+    return static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }
 
 std::size_t RoundedUp(std::size_t size, std::size_t unit) {

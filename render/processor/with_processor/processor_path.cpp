@@ -32,11 +32,11 @@ Region Something(const AlphaPlane& source) {
 }
 
 // Creates the static objects of functions: a child of fork() would wait forever for a thread of its parent that was
-// creating them.
+// creating them. A test lists all of them.
 bool PrepareForForks() {
     OnFork(ForgetPoolInChild);
     BestKernels();
-    QuinticFilter();
+    CreateSplineTables();
     DrawsExactly();
     return true;
 }
