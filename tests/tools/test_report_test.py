@@ -60,7 +60,15 @@ class TestReport(unittest.TestCase):
         code, lines, _ = self.report()
         self.assertEqual(code, 1)
         self.assertIn("failed: one.Outcome.Fails", lines)
+        self.assertRegex(lines[lines.index("failed: one.Outcome.Fails") + 1], r"^    .*reported_program\.cpp:\d+$")
         self.assertEqual(lines[-1], "cases: 1 passed, 1 failed, 0 skipped")
+
+    def test_of_a_long_message_the_beginning_is_shown(self):
+        self.assertEqual(self.file("long", "    def test_it(self): self.fail('line\\n' * 99 + 'end')\n").returncode, 1)
+        _, lines, _ = self.report()
+        self.assertIn("    ...", lines)
+        self.assertLess(len(lines), 30)
+        self.assertNotIn("end", "".join(lines[-5:]))
 
     def test_a_case_that_ends_the_process_is_named(self):
         for case in ["Crashes", "IsKilled", "EndsTheProcess"]:
@@ -102,6 +110,7 @@ class TestReport(unittest.TestCase):
         code, lines, _ = self.report()
         self.assertEqual(code, 1)
         self.assertIn("failed: bad.bad.Case.test_it", lines)
+        self.assertIn("on purpose", "\n".join(lines))
         self.assertIn("failed: partly.partly.Case.test_it", lines)
         self.assertIn("skipped: away.away.Case.test_it: no such tool", lines)
         self.assertIn("dead ended during dead.Case.test_it", lines)
