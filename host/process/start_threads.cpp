@@ -28,7 +28,13 @@ void ReportThreadShortage(void (*report)(const ThreadShortage&)) {
 
 void NoteThreadShortage(const ThreadShortage& shortage) noexcept {
     // Taken out, so that one report is made.
-    if (const auto report = reporter.exchange(nullptr)) report(shortage);
+    if (const auto report = reporter.exchange(nullptr)) {
+        try {
+            report(shortage);
+        } catch (...) {
+            // Where there is no memory for its text either, the work goes on without it.
+        }
+    }
 }
 
 std::optional<std::jthread> StartThread(std::function<void()> work) {

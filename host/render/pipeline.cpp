@@ -12,7 +12,6 @@
 #include <future>
 #include <mutex>
 #include <optional>
-#include <set>
 #include <thread>
 #include <vector>
 
@@ -26,10 +25,26 @@ namespace {
 constexpr std::size_t kSteps = 3;
 constexpr std::size_t kWrite = 2;
 
+/// Some of the frames, in their order. All of its memory is taken at the beginning: a thread of the pipeline has nobody
+/// to throw to.
+class FrameSet {
+ public:
+    explicit FrameSet(std::size_t most) { frames_.reserve(most); }
+
+    bool IsEmpty() const { return frames_.empty(); }
+    std::size_t Size() const { return frames_.size(); }
+    std::size_t First() const { return frames_.front(); }
+    void Insert(std::size_t frame) { frames_.insert(std::lower_bound(frames_.begin(), frames_.end(), frame), frame); }
+    void Erase(std::size_t frame) { frames_.erase(std::lower_bound(frames_.begin(), frames_.end(), frame)); }
+
+ private:
+    std::vector<std::size_t> frames_;
+};
+
 class Pipeline {
  public:
     Pipeline(std::size_t count, const PipelineShape& shape, std::array<const PipelineStep*, kSteps> steps)
-        : count_(count), mostUnderWay_(shape.underWay), inOrder_(shape.inOrder), steps_(steps) {}
+        : count_(count), mostUnderWay_(std::min(shape.underWay, count)), inOrder_(shape.inOrder), steps_(steps) {}
 
     /// One thread of some steps, until no frame can come to any of them. A step nearer to the end goes first.
     void Work(const std::vector<std::size_t>& steps, int thread) {
@@ -71,14 +86,14 @@ class Pipeline {
     std::optional<std::size_t> Next(std::size_t step) const {
         if (stopped_ && !GoesOn(step)) return std::nullopt;
         if (step == 0) {
-            return next_ < count_ && underWay_.size() < mostUnderWay_ ? std::optional(next_) : std::nullopt;
+            return next_ < count_ && underWay_.Size() < mostUnderWay_ ? std::optional(next_) : std::nullopt;
         }
-        if (waiting_[step].empty()) return std::nullopt;
+        if (waiting_[step].IsEmpty()) return std::nullopt;
         // Frames are begun in their order, so none that comes later is before all those that are under way.
-        if (inOrder_ && step == kWrite && *waiting_[step].begin() != *underWay_.begin()) {
+        if (inOrder_ && step == kWrite && waiting_[step].First() != underWay_.First()) {
             return std::nullopt;
         }
-        return *waiting_[step].begin();
+        return waiting_[step].First();
     }
 
     /// What is drawn is still written, except where something before it is missing.
@@ -87,17 +102,17 @@ class Pipeline {
     bool HasEnded(std::size_t step) const {
         if (step == 0) return stopped_ || next_ == count_;
         if (stopped_ && !GoesOn(step)) return true;
-        return waiting_[step].empty() && working_[step - 1] == 0 && HasEnded(step - 1);
+        return waiting_[step].IsEmpty() && working_[step - 1] == 0 && HasEnded(step - 1);
     }
 
     void Take(std::size_t step, std::size_t frame) {
         ++working_[step];
         if (step > 0) {
-            waiting_[step].erase(frame);
+            waiting_[step].Erase(frame);
             return;
         }
         ++next_;
-        underWay_.insert(frame);
+        underWay_.Insert(frame);
         // The limit may let in one more.
         changed_.notify_all();
     }
@@ -116,9 +131,9 @@ class Pipeline {
         --working_[step];
         if (after == AfterStep::kStopAll) stopped_ = true;
         if (after == AfterStep::kGoOn && step + 1 < kSteps) {
-            waiting_[step + 1].insert(frame);
+            waiting_[step + 1].Insert(frame);
         } else {
-            underWay_.erase(frame);
+            underWay_.Erase(frame);
         }
     }
 
@@ -129,8 +144,8 @@ class Pipeline {
     std::mutex mutex_;
     std::condition_variable changed_;
     std::size_t next_ = 0;
-    std::set<std::size_t> underWay_;
-    std::array<std::set<std::size_t>, kSteps> waiting_{};
+    FrameSet underWay_{mostUnderWay_};
+    std::array<FrameSet, kSteps> waiting_ = {FrameSet(0), FrameSet(mostUnderWay_), FrameSet(mostUnderWay_)};
     std::array<int, kSteps> working_{};
     bool stopped_ = false;
     std::exception_ptr failure_;

@@ -11,7 +11,9 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstdlib>
 #include <mutex>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -19,6 +21,29 @@
 #include <vector>
 
 #include "tests/support/limited_child.h"
+
+namespace {
+
+/// Whether this thread gets no memory.
+thread_local bool hasNoMemory = false;
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+    void* memory = hasNoMemory ? nullptr : std::malloc(size > 0 ? size : 1);
+    if (!memory) throw std::bad_alloc();
+    return memory;
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return hasNoMemory ? nullptr : std::malloc(size > 0 ? size : 1);
+}
+// Not inlined: the compiler would see malloc's memory freed and take it for a mismatch.
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
 
 namespace umbrant::host {
 
@@ -224,6 +249,32 @@ TEST(Pipeline, ASingleFrameRunsOnTheCallersThread) {
     };
     ASSERT_TRUE(RunPipeline(1, {2, 2, 2, 4, false}, onlyHere('r'), onlyHere('d'), onlyHere('w')));
     EXPECT_EQ(log.OfFrame(0), "rd") << "a frame that leaves has no further step";
+}
+
+TEST(Pipeline, ItsThreadsNeedNoMemoryOfTheirOwn) {
+    for (PipelineShape shape : kShapes) {
+        for (const bool inOrder : {false, true}) {
+            if (inOrder) shape.writers = 1;
+            shape.inOrder = inOrder;
+            Log log;
+            const auto alone = [&](char step) {
+                return [&log, step](std::size_t frame, int) {
+                    hasNoMemory = false;
+                    log.Note(step, frame);
+                    hasNoMemory = true;
+                    return step == 'd' && frame == 7 ? AfterStep::kLeave : AfterStep::kGoOn;
+                };
+            };
+            RunAll(30, shape, alone('r'), alone('d'), alone('w'));
+            for (std::size_t frame = 0; frame < 30; ++frame) EXPECT_EQ(log.OfFrame(frame), frame == 7 ? "rd" : "rdw");
+        }
+    }
+    const auto fail = [](std::size_t, int) -> AfterStep {
+        hasNoMemory = true;
+        throw std::bad_alloc();
+    };
+    const auto pass = [](std::size_t, int) { return AfterStep::kGoOn; };
+    EXPECT_THROW(RunAll(30, {1, 2, 2, 6}, pass, fail, pass), std::bad_alloc);
 }
 
 TEST(Pipeline, AnExceptionComesOut) {
