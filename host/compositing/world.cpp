@@ -165,6 +165,12 @@ World World::CreateOver(GuardedBytes bytes, int width, int height, Depth depth) 
     return Describe(std::move(bytes), width, height, depth);
 }
 
+World World::Borrow(const World& lender) {
+    World world = CreateWithoutPixels(lender.Width(), lender.Height(), lender.PixelDepth());
+    if (!world.IsNull()) world.Def() = lender.Def();
+    return world;
+}
+
 std::optional<std::size_t> World::BytesOf(int width, int height, Depth depth) {
     const auto rowBytes = RowBytesOf(width, height, depth);
     if (!rowBytes) return std::nullopt;

@@ -45,6 +45,8 @@ class World {
     static World CreateWithoutPixels(int width, int height, Depth depth);
     /// A world over memory of at least BytesOf bytes, which it owns from here on; null when they are too few.
     static World CreateOver(GuardedBytes bytes, int width, int height, Depth depth);
+    /// A record of its own over the pixels of `lender`, which must outlive it. It has no memory: see Memory.
+    static World Borrow(const World& lender);
     /// The bytes that a world of this shape takes: the same in every process of this program. Nothing for a shape that
     /// no world has.
     static std::optional<std::size_t> BytesOf(int width, int height, Depth depth);
@@ -54,7 +56,8 @@ class World {
     bool IsNull() const { return !block_; }
     PF_EffectWorld& Def();
     const PF_EffectWorld& Def() const;
-    /// The memory of the pixels; see host/compositing/guarded_memory.h. An empty world's has no bytes.
+    /// The memory of the pixels; see host/compositing/guarded_memory.h. That of an empty or borrowed world has no
+    /// bytes.
     const GuardedBytes& Memory() const;
     int Width() const { return Def().width; }
     int Height() const { return Def().height; }

@@ -109,6 +109,7 @@ Result<EffectSession> EffectSession::StartInstance(const EffectSession& first, s
     state->declaredRows = from.declaredRows;
     state->services.panel.Reset(DeclaredPanel(state->params));
     state->services.renderer = from.services.renderer.load();
+    state->services.leavesLayersAlone = from.services.leavesLayersAlone.load();
     if (std::optional<Failure> failure = SetUpInstance(*state)) return *failure;
     return EffectSession(std::move(state));
 }

@@ -10,6 +10,7 @@
 
 #include "host/compositing/copy_world.h"
 #include "host/session/frame_record.h"
+#include "host/suites/offered_rows.h"
 #include "host/suites/slots.h"
 #include "host/suites/timed_call.h"
 
@@ -83,6 +84,25 @@ PF_Err CropTo(const PF_LRect& rect, const World& layer, PF_Point layerOrigin, Wo
     return CopyWorld(&layer.Def(), &def, &part, nullptr);
 }
 
+/// Whether the effect gets a layer's own pixels instead of a copy. A judge sees what other hosts' effects see.
+bool MayShare(const FrameRecord& frame) {
+    const Services& services = frame.state.services;
+    return services.leavesLayersAlone && OffersRows() && !services.worldWatch;
+}
+
+/// The asked part of the layer: the layer itself where it is all of it and may be shared.
+PF_Err Fetch(const FrameRecord& frame, const LayerCheckout& checkout, World& pixels) {
+    const World& layer = *checkout.world;
+    const PF_Point origin = checkout.isTexture ? frame.request.textureOrigin : PF_Point{};
+    const bool isAll = WidthOf(checkout.rect) == layer.Width() && HeightOf(checkout.rect) == layer.Height();
+    if (!isAll || !MayShare(frame)) return CropTo(checkout.rect, layer, origin, pixels);
+    pixels = World::Borrow(layer);
+    if (pixels.IsNull()) return PF_Err_OUT_OF_MEMORY;
+    pixels.Def().origin_x = checkout.rect.left;
+    pixels.Def().origin_y = checkout.rect.top;
+    return PF_Err_NONE;
+}
+
 void Watch(const FrameRecord& frame, World& world, WorldRole role, bool isHandedOut) {
     if (frame.state.services.worldWatch && !world.IsNull()) frame.state.services.worldWatch(world, role, isHandedOut);
 }
@@ -104,11 +124,8 @@ PF_Err CheckoutLayerPixels(PF_ProgPtr effectRef, A_long id, PF_EffectWorld** pix
     }
     if (!IsEmpty(found->rect)) {
         const TimedCall timed(PixelCall::kFetch);
-        const FrameRequest& request = frame->request;
-        const PF_Point origin = found->isTexture ? request.textureOrigin : PF_Point{};
-        const PF_Err error = CropTo(found->rect, *found->world, origin, found->pixels);
-        if (error) return error;
-        found->pixels.Def().pix_aspect_ratio = request.pixelAspect;
+        if (const PF_Err error = Fetch(*frame, *found, found->pixels)) return error;
+        found->pixels.Def().pix_aspect_ratio = frame->request.pixelAspect;
         Watch(*frame, found->pixels, found->isTexture ? WorldRole::kTexture : WorldRole::kInput, true);
         *pixels = &found->pixels.Def();
     }

@@ -128,6 +128,7 @@ SPErr AcquireSuite(const char* name, int32_t version, const void** suite) {
     }
     if (services) {
         services->acquired.Note(Label(name, version));
+        if (std::strcmp(name, kUmbrantHostSuiteName) == 0) services->leavesLayersAlone = true;
         const std::lock_guard lock(services->suitesMutex);
         ++services->suites[{name, version}];
     }

@@ -92,6 +92,8 @@ class Services {
     ForkLock suitesMutex{ForkRank::kSession};
     std::atomic<AEGP_LayerFlags> layerFlags{AEGP_LayerFlag_NONE};
     std::atomic<UMBRANT_Renderer> renderer{UMBRANT_Renderer_ANY};
+    /// Whether the effect has acquired this host's own suite, and so writes into no layer.
+    std::atomic<bool> leavesLayersAlone{false};
     /// The session that the record belongs to; null in a record without one.
     SessionState* session = nullptr;
     /// See SessionOptions::fault. Set before the first command.

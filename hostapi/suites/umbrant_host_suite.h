@@ -5,6 +5,7 @@
 // A suite of this project's own, which only its host offers: what a host with two renderers asks of the module, and
 // worlds row by row instead of pixel by pixel. Other hosts do not know the name, and the module does without.
 // docs/host-program.md describes both sides.
+// An effect that acquires it at set-up writes into no layer that it checks out: it may get the host's own pixels.
 // Slot order is the ABI. A non-zero result is an error of hostapi/errors.h, and only after a zero may an out-parameter
 // be read.
 

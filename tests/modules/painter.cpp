@@ -15,6 +15,7 @@
 #include "hostapi/registration.h"
 #include "hostapi/suites/handle_suite.h"
 #include "hostapi/suites/iterate8_suite.h"
+#include "hostapi/suites/umbrant_host_suite.h"
 #include "hostapi/suites/world_transform_suite.h"
 
 #define PAINTER_EXPORT extern "C" [[gnu::visibility("default")]]
@@ -293,6 +294,13 @@ PAINTER_EXPORT PF_Err PaintMain(PF_Cmd command, PF_InData* in, PF_OutData* out, 
             out->out_flags2 = PF_OutFlag2_SUPPORTS_SMART_RENDER | PF_OutFlag2_SUPPORTS_QUERY_DYNAMIC_FLAGS;
 #ifdef PAINTER_IS_THREADED
             out->out_flags2 |= PF_OutFlag2_SUPPORTS_THREADED_RENDERING;
+#endif
+#ifdef PAINTER_LEAVES_LAYERS
+            if (const PF_Err error =
+                    WithSuite<UMBRANT_HostSuite1>(in, kUmbrantHostSuiteName, kUmbrantHostSuiteVersion1,
+                                                  [](const UMBRANT_HostSuite1*) -> PF_Err { return PF_Err_NONE; })) {
+                return error;
+            }
 #endif
             out->global_data = in->utils->host_new_handle(32);
             return PF_Err_NONE;

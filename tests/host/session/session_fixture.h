@@ -23,7 +23,7 @@ inline Result<Module> LoadTestModule(const std::string& name) {
 
 class SessionTest : public ::testing::Test {
  protected:
-    SessionTest() : module_(LoadTestModule("painter")) {
+    explicit SessionTest(const char* module = "painter") : module_(LoadTestModule(module)) {
         library_ = dlopen(module_->File().c_str(), RTLD_NOW | RTLD_NOLOAD);
         seen = static_cast<PainterSeen*>(dlsym(library_, "painterSeen"));
         *seen = {};
