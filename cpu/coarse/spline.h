@@ -33,8 +33,9 @@ std::vector<float> CoarseKernel(const Kernel& kernel, int grid);
 /// Its weights on each side of the middle one.
 int CoarseReach(const Kernel& kernel, int grid);
 
-/// Creates what the two above keep for good, which they create themselves otherwise: a child of fork() would wait
-/// forever for a thread of its parent that was creating it.
+/// Creates the tables that QuinticFilter and CoarseKernel keep for good and create at their first use otherwise. To be
+/// called when the module is loaded: a child of fork() would wait forever for a thread of its parent that was creating
+/// them.
 void CreateSplineTables();
 
 }  // namespace umbrant::effect
