@@ -295,7 +295,7 @@ PAINTER_EXPORT PF_Err PaintMain(PF_Cmd command, PF_InData* in, PF_OutData* out, 
 #ifdef PAINTER_IS_THREADED
             out->out_flags2 |= PF_OutFlag2_SUPPORTS_THREADED_RENDERING;
 #endif
-#ifdef PAINTER_LEAVES_LAYERS
+#ifdef PAINTER_SHARES_LAYERS
             if (const PF_Err error =
                     WithSuite<UMBRANT_HostSuite1>(in, kUmbrantHostSuiteName, kUmbrantHostSuiteVersion1,
                                                   [](const UMBRANT_HostSuite1*) -> PF_Err { return PF_Err_NONE; })) {

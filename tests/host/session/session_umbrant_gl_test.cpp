@@ -13,6 +13,7 @@
 
 #include "host/compositing/rectangles.h"
 #include "host/session/effect_session.h"
+#include "tests/host/session/unchanged_layers.h"
 
 namespace umbrant::host {
 
@@ -102,6 +103,10 @@ TEST_P(UmbrantDraws, EveryShadowTypeWithATextureAndNothingLeftOpen) {
         EXPECT_TRUE(frame) << type << ": " << frame.error().sentence;
     }
     EXPECT_THAT(session->Misbehaviour(), IsEmpty());
+}
+
+TEST_P(UmbrantDraws, WritesIntoNoLayer) {
+    ExpectLayersUnchanged(*session, GetParam());
 }
 
 TEST_P(UmbrantDraws, ARegionIsTheSamePictureSmaller) {

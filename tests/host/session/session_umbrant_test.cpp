@@ -8,10 +8,10 @@
 
 #include <map>
 #include <set>
-#include <vector>
 
 #include "host/compositing/rectangles.h"
 #include "host/session/effect_session.h"
+#include "tests/host/session/unchanged_layers.h"
 
 namespace umbrant::host {
 
@@ -61,20 +61,7 @@ TEST_F(UmbrantTest, WritesIntoNoLayer) {
     options.renderer = UMBRANT_Renderer_PROCESSOR;
     Result<EffectSession> drawing = EffectSession::Start(*module_, options);
     ASSERT_TRUE(drawing) << drawing.error().sentence;
-    for (const Depth depth : {Depth::k8, Depth::k32}) {
-        World layer = World::Create(40, 30, depth, false), texture = World::Create(20, 25, depth, false);
-        const auto bytes = [](const World& world) {
-            return std::vector<std::byte>(world.Row(0), world.Row(0) + world.Memory().Size());
-        };
-        const auto layerBefore = bytes(layer), textureBefore = bytes(texture);
-        for (const char* type : {"normal", "inner", "radial"}) {
-            ASSERT_TRUE(drawing->Params().SetFromText("style/shadow-type", type));
-            const auto frame = drawing->Render({.layer = &layer, .texture = &texture});
-            ASSERT_TRUE(frame) << frame.error().sentence;
-            EXPECT_EQ(bytes(layer), layerBefore) << type;
-            EXPECT_EQ(bytes(texture), textureBefore) << type;
-        }
-    }
+    for (const Depth depth : {Depth::k8, Depth::k32}) ExpectLayersUnchanged(*drawing, depth);
 }
 
 TEST_F(UmbrantTest, IsReachedByPaths) {
